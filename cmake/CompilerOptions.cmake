@@ -1,0 +1,15 @@
+# Linked privately by every target of ours, so that the flags never reach a user of the library.
+add_library(tavlen_options INTERFACE)
+target_compile_options(tavlen_options INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
+if(TAVLEN_WARNINGS_AS_ERRORS)
+  target_compile_options(tavlen_options INTERFACE -Werror)
+endif()
+
+if(TAVLEN_SANITIZE)
+  # For the whole build: an object without the instrumentation hides what happens in it.
+  add_compile_options(-fsanitize=${TAVLEN_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${TAVLEN_SANITIZE})
+endif()
+if(TAVLEN_FUZZING_ENGINE)
+  add_compile_options(-fsanitize=fuzzer-no-link)
+endif()

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+namespace tavlen {
+
+/// Where in a document a value stands: the keys and indices that lead to it.
+///
+/// It is built from the inside outwards while an error unwinds, so that coding itself keeps no
+/// path.
+class CodingPath {
+ public:
+  using Element = std::variant<std::string, std::size_t>;
+
+  CodingPath() = default;
+  /// From the document's root inwards.
+  explicit CodingPath(std::vector<Element> elements);
+
+  void prependKey(std::string_view key);
+  void prependIndex(std::size_t index);
+
+  bool empty() const { return reversed_.empty(); }
+  /// From the document's root inwards.
+  std::vector<Element> elements() const;
+  /// The path as people write it: `hooks[3].args.-1.value`. Overlong keys are shortened.
+  std::string text() const;
+
+  bool operator==(const CodingPath&) const = default;
+
+ private:
+  std::vector<Element> reversed_;
+};
+
+/// `text` cut to what fits a message, with an ellipsis where something is left out.
+std::string abbreviated(std::string_view text);
+
+}  // namespace tavlen

@@ -1,0 +1,20 @@
+#pragma once
+
+namespace tavlen {
+
+/// A point in time, in seconds since 2001-01-01T00:00:00Z: the number that stored documents hold.
+struct Date {
+  /// Seconds from 1970-01-01 to 2001-01-01, both UTC.
+  static constexpr double kSecondsFrom1970To2001 = 978307200;
+
+  double secondsSinceReferenceDate = 0;
+
+  static constexpr Date since1970(double seconds) { return {seconds - kSecondsFrom1970To2001}; }
+  constexpr double secondsSince1970() const {
+    return secondsSinceReferenceDate + kSecondsFrom1970To2001;
+  }
+
+  bool operator==(const Date&) const = default;
+};
+
+}  // namespace tavlen

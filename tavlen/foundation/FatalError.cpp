@@ -1,0 +1,13 @@
+#include "tavlen/foundation/FatalError.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace tavlen {
+
+void fatalError(std::string_view message) {
+  std::fprintf(stderr, "tavlen: fatal: %.*s\n", static_cast<int>(message.size()), message.data());
+  std::abort();
+}
+
+}  // namespace tavlen

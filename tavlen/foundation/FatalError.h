@@ -1,0 +1,11 @@
+#pragma once
+
+#include <string_view>
+
+namespace tavlen {
+
+/// Writes `message` as one line to the standard error stream and aborts the process.
+/// For mistakes of the programmer or of the installation only, never for input.
+[[noreturn]] void fatalError(std::string_view message);
+
+}  // namespace tavlen

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <memory>
+#include <type_traits>
+#include <utility>
+
+namespace tavlen {
+
+template <class Signature>
+class FunctionRef;
+
+/// A view of a callable, for parameters of virtual functions: no copy, no allocation.
+/// Valid only while the callable lives, so it is passed down and never stored.
+template <class Result, class... Arguments>
+class FunctionRef<Result(Arguments...)> {
+ public:
+  template <class Callable>
+  requires(!std::is_same_v<std::remove_cvref_t<Callable>, FunctionRef>)
+      FunctionRef(Callable&& callable)  // NOLINT(google-explicit-constructor,
+                                        // bugprone-forwarding-reference-overload)
+      : object_(const_cast<void*>(static_cast<const void*>(std::addressof(callable)))),
+        call_([](void* object, Arguments... arguments) -> Result {
+          return (*static_cast<std::remove_reference_t<Callable>*>(object))(
+              std::forward<Arguments>(arguments)...);
+        }) {}
+
+  Result operator()(Arguments... arguments) const {
+    return call_(object_, std::forward<Arguments>(arguments)...);
+  }
+
+ private:
+  void* object_;
+  Result (*call_)(void*, Arguments...);
+};
+
+}  // namespace tavlen

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <string>
+
+namespace tavlen {
+
+/// Appends the shortest decimal text that reads back to `value`, always with a fraction or an
+/// exponent: "1.0", "0.1", "1e+16", "-inf", "nan". The layout is the one of Swift's `description`:
+/// decimal from 1e-4 up to 2^53, exponential beyond.
+void appendDescription(std::string& out, double value);
+
+/// The same text without a trailing ".0", as JSON and property lists write numbers. `value` must be
+/// finite.
+void appendNumber(std::string& out, double value);
+
+}  // namespace tavlen

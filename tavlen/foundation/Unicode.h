@@ -1,0 +1,34 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace tavlen {
+
+/// Whether `text` is well-formed UTF-8: no overlong form, no surrogate, nothing above U+10FFFF.
+bool isValidUTF8(std::string_view text);
+
+/// UTF-8 to UTF-16 in the machine's byte order; each malformed sequence becomes one U+FFFD.
+std::u16string utf16FromUTF8(std::string_view text);
+
+/// UTF-16 in the machine's byte order to UTF-8; a lone surrogate becomes U+FFFD.
+std::string utf8FromUTF16(std::u16string_view text);
+
+/// Appends the UTF-8 form of `codePoint`, a Unicode scalar value.
+void appendUTF8(std::string& out, char32_t codePoint);
+
+/// Reads bytes in an encoding that a mark or a pattern of zeros may tell.
+enum class TextEncoding {
+  utf8,
+  utf16LittleEndian,
+  utf16BigEndian,
+  utf32LittleEndian,
+  utf32BigEndian
+};
+
+/// The UTF-8 form of `bytes`, whose encoding is known and whose byte order mark is already gone.
+/// Gives false, with `out` unspecified, for a malformed text: a lone surrogate, a stray byte at the
+/// end, a value that is no scalar.
+bool convertToUTF8(std::string_view bytes, TextEncoding encoding, std::string& out);
+
+}  // namespace tavlen

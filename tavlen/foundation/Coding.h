@@ -174,6 +174,7 @@ struct Coding<Record> {
     encoder.endRecord();
   }
   static void decode(Decoder& decoder, Record& record) {
+    static_assert(kFieldDecoders<Record>.size() <= 64, "decoders keep a bit a field");
     decoder.record(kFieldDecoders<Record>, &record);
   }
 };

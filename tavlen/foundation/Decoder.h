@@ -49,8 +49,9 @@ class Decoder {
   /// Reads an array: `element` is called for each.
   virtual void elements(FunctionRef<void()> element) = 0;
 
-  /// The text under `key` in the keyed container that stands here, which stays unread.
-  virtual std::string peekString(std::string_view key) = 0;
+  /// The text under `key` in the keyed container that stands here, which stays unread. Valid until
+  /// the next call.
+  virtual std::string_view peekString(std::string_view key) = 0;
   /// Runs `read`; if it ends with a DecodingError, the error is dropped, the decoder stands where
   /// it stood before, and the answer is false.
   virtual bool attempt(FunctionRef<void()> read) = 0;

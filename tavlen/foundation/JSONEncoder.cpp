@@ -1,0 +1,185 @@
+#include "tavlen/foundation/JSONEncoder.h"
+
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <cstring>
+
+#include "tavlen/foundation/MainBundle.h"
+#include "tavlen/foundation/NumberText.h"
+#include "tavlen/foundation/Placeholders.h"
+#include "tavlen/foundation/Unicode.h"
+
+namespace tavlen {
+
+namespace {
+
+constexpr std::uint64_t kOnes = 0x0101010101010101;
+constexpr std::uint64_t kHighs = 0x8080808080808080;
+
+/// Marks the bytes of an ASCII `word` that are zero, and perhaps bytes above a marked one.
+constexpr std::uint64_t zeroBytes(std::uint64_t word) { return (word - kOnes) & ~word & kHighs; }
+
+constexpr std::uint64_t bytesToEscape(std::uint64_t word) {
+  const std::uint64_t controls = (word - kOnes * 0x20) & ~word & kHighs;
+  return zeroBytes(word ^ (kOnes * '"')) | zeroBytes(word ^ (kOnes * '\\')) |
+         zeroBytes(word ^ (kOnes * '/')) | controls;
+}
+
+constexpr bool needsEscape(char c) {
+  return static_cast<unsigned char>(c) < 0x20 || c == '"' || c == '\\' || c == '/';
+}
+
+/// The first place at or after `i` that is to be escaped. `highBits` collects the bytes passed
+/// over.
+std::size_t nextEscape(std::string_view text, std::size_t i, std::uint64_t& highBits) {
+  for (; i + 8 <= text.size(); i += 8) {
+    std::uint64_t word = 0;
+    std::memcpy(&word, text.data() + i, sizeof word);
+    if (bytesToEscape(word) != 0) break;
+    highBits |= word;
+  }
+  for (; i < text.size() && !needsEscape(text[i]); ++i)
+    highBits |= static_cast<unsigned char>(text[i]);
+  return i;
+}
+
+void appendEscape(std::string& out, char c) {
+  constexpr std::string_view kHex = "0123456789abcdef";
+  switch (c) {
+    case '"':
+      out += "\\\"";
+      return;
+    case '\\':
+      out += "\\\\";
+      return;
+    case '/':
+      out += "\\/";
+      return;
+    case '\b':
+      out += "\\b";
+      return;
+    case '\t':
+      out += "\\t";
+      return;
+    case '\n':
+      out += "\\n";
+      return;
+    case '\f':
+      out += "\\f";
+      return;
+    case '\r':
+      out += "\\r";
+      return;
+    default:
+      break;
+  }
+  const auto byte = static_cast<unsigned char>(c);
+  out += "\\u00";
+  out += kHex[byte >> 4];
+  out += kHex[byte & 0xF];
+}
+
+[[noreturn]] void failToRepresent(std::string_view text) {
+  const std::array<std::string, 1> shown = {utf8FromUTF16(utf16FromUTF8(abbreviated(text)))};
+  throw EncodingError::invalidValue(fillPlaceholders(
+      MainBundle::localizedString({"encodable.to_json.error", "Could not represent %@ as JSON"}),
+      shown));
+}
+
+template <class Integer>
+void appendInteger(std::string& out, Integer value) {
+  std::array<char, 20> digits;
+  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr;
+  out.append(digits.data(), end);
+}
+
+}  // namespace
+
+void appendJSONString(std::string& out, std::string_view text) {
+  std::uint64_t highBits = 0;
+  out += '"';
+  for (std::size_t i = 0;;) {
+    const std::size_t escape = nextEscape(text, i, highBits);
+    out.append(text.data() + i, escape - i);
+    if (escape == text.size()) break;
+    appendEscape(out, text[escape]);
+    i = escape + 1;
+  }
+  out += '"';
+  if ((highBits & kHighs) != 0 && !isValidUTF8(text)) failToRepresent(text);
+}
+
+void JSONEncoder::separate() {
+  if (!first_) out_ += ',';
+  first_ = false;
+}
+
+void JSONEncoder::begin(char bracket) {
+  separate();
+  if (++depth_ > kMaximumDepth) {
+    throw EncodingError::invalidValue("nested deeper than 511 containers");
+  }
+  out_ += bracket;
+  first_ = true;
+}
+
+void JSONEncoder::end(char bracket) {
+  out_ += bracket;
+  --depth_;
+  first_ = false;
+}
+
+void JSONEncoder::beginRecord() { begin('{'); }
+
+void JSONEncoder::key(std::string_view key) {
+  separate();
+  appendJSONString(out_, key);
+  out_ += ':';
+  first_ = true;
+}
+
+void JSONEncoder::endRecord() { end('}'); }
+
+void JSONEncoder::beginArray(std::size_t /*count*/) { begin('['); }
+
+void JSONEncoder::endArray() { end(']'); }
+
+void JSONEncoder::null() {
+  separate();
+  out_ += "null";
+}
+
+void JSONEncoder::boolean(bool value) {
+  separate();
+  out_ += value ? "true" : "false";
+}
+
+void JSONEncoder::integer(std::int64_t value) {
+  separate();
+  appendInteger(out_, value);
+}
+
+void JSONEncoder::unsignedInteger(std::uint64_t value) {
+  separate();
+  appendInteger(out_, value);
+}
+
+void JSONEncoder::real(double value) {
+  separate();
+  if (!std::isfinite(value)) {
+    std::string name = "Double.";
+    appendDescription(name, value);
+    throw EncodingError::invalidValue("Unable to encode " + name + " directly in JSON.");
+  }
+  appendNumber(out_, value);
+}
+
+void JSONEncoder::string(std::string_view value) {
+  separate();
+  appendJSONString(out_, value);
+}
+
+void JSONEncoder::date(Date value) { real(value.secondsSinceReferenceDate); }
+
+}  // namespace tavlen

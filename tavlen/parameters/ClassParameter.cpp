@@ -1,0 +1,12 @@
+#include "tavlen/parameters/ClassParameter.h"
+
+#include "tavlen/parameters/Rendering.h"
+#include "tavlen/parameters/RuntimeParameter.h"
+
+namespace tavlen {
+
+void ClassParameter::appendOBJSValue(std::string& out) const { appendRuntimeLookup(out, *this); }
+
+std::string ClassParameter::objsValue() const { return renderedOBJSValue(*this); }
+
+}  // namespace tavlen

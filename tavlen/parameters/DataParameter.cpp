@@ -1,0 +1,12 @@
+#include "tavlen/parameters/DataParameter.h"
+
+#include "tavlen/parameters/FileParameter.h"
+#include "tavlen/parameters/Rendering.h"
+
+namespace tavlen {
+
+void DataParameter::appendOBJSValue(std::string& out) const { appendFileObject(out, *this); }
+
+std::string DataParameter::objsValue() const { return renderedOBJSValue(*this); }
+
+}  // namespace tavlen

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tavlen/foundation/Coding.h"
+#include "tavlen/foundation/TypeKeyedCoding.h"
+#include "tavlen/parameters/Parameter.h"
+
+namespace tavlen {
+
+/// A list of pairs, in the user's order; nothing keeps keys apart. Include ParameterContainer.h to
+/// use it.
+struct DictionaryParameter {
+  static constexpr std::string_view typeName = "DictionaryParameter";
+  static constexpr std::string_view identifier = identifierWithBaseName(typeName, "Parameter");
+
+  struct Pair;
+
+  std::vector<Pair> items;
+
+  /// The keys are rendered before the values, so a failing key is the one reported. A nil on either
+  /// side is written as the null object.
+  void appendOBJSValue(std::string& out) const;
+  std::string objsValue() const;
+
+  static constexpr auto codedFields() {
+    return std::tuple{requiredField("items", &DictionaryParameter::items)};
+  }
+  bool operator==(const DictionaryParameter&) const = default;
+};
+
+}  // namespace tavlen

@@ -1,0 +1,12 @@
+#include "tavlen/parameters/ImageParameter.h"
+
+#include "tavlen/parameters/FileParameter.h"
+#include "tavlen/parameters/Rendering.h"
+
+namespace tavlen {
+
+void ImageParameter::appendOBJSValue(std::string& out) const { appendFileObject(out, *this); }
+
+std::string ImageParameter::objsValue() const { return renderedOBJSValue(*this); }
+
+}  // namespace tavlen

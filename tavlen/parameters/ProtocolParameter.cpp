@@ -1,0 +1,12 @@
+#include "tavlen/parameters/ProtocolParameter.h"
+
+#include "tavlen/parameters/Rendering.h"
+#include "tavlen/parameters/RuntimeParameter.h"
+
+namespace tavlen {
+
+void ProtocolParameter::appendOBJSValue(std::string& out) const { appendRuntimeLookup(out, *this); }
+
+std::string ProtocolParameter::objsValue() const { return renderedOBJSValue(*this); }
+
+}  // namespace tavlen

@@ -1,0 +1,12 @@
+#include "tavlen/parameters/SelectorParameter.h"
+
+#include "tavlen/parameters/Rendering.h"
+#include "tavlen/parameters/RuntimeParameter.h"
+
+namespace tavlen {
+
+void SelectorParameter::appendOBJSValue(std::string& out) const { appendRuntimeLookup(out, *this); }
+
+std::string SelectorParameter::objsValue() const { return renderedOBJSValue(*this); }
+
+}  // namespace tavlen

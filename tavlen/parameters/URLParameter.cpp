@@ -1,0 +1,16 @@
+#include "tavlen/parameters/URLParameter.h"
+
+#include "tavlen/foundation/JSONEncoder.h"
+#include "tavlen/parameters/Rendering.h"
+
+namespace tavlen {
+
+void URLParameter::appendOBJSValue(std::string& out) const {
+  out += "[NSURL URLWithString:";
+  appendJSON(out, string);
+  out += "]";
+}
+
+std::string URLParameter::objsValue() const { return renderedOBJSValue(*this); }
+
+}  // namespace tavlen

@@ -3,6 +3,7 @@
 #include <array>
 #include <concepts>
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -53,6 +54,10 @@ template <class T>
 concept CodedRecord = requires {
   T::codedFields();
 };
+
+/// The whole number that a table's key stands for: an optional sign and decimal digits, nothing
+/// else. Throws DecodingError::typeMismatch.
+std::int64_t wholeNumberFromKey(std::string_view key);
 
 /// The coding of one type: `encode(encoder, value)` and `decode(decoder, value&)`.
 template <class T>
@@ -135,6 +140,28 @@ struct Coding<std::vector<Element>> {
   static void decode(Decoder& decoder, std::vector<Element>& value) {
     value.clear();
     decoder.elements([&] { tavlen::decode(decoder, value.emplace_back()); });
+  }
+};
+
+/// A table with decimal whole numbers as its keys.
+template <class Value>
+struct Coding<std::map<std::int64_t, Value>> {
+  static void encode(Encoder& encoder, const std::map<std::int64_t, Value>& table) {
+    encoder.beginRecord();
+    for (const auto& [index, value] : table) {
+      const std::string key = std::to_string(index);
+      encoder.key(key);
+      underKey(key, [&] { tavlen::encode(encoder, value); });
+    }
+    encoder.endRecord();
+  }
+  static void decode(Decoder& decoder, std::map<std::int64_t, Value>& table) {
+    table.clear();
+    decoder.members([&](std::string_view key) {
+      // "1" and "01" are one key: the first counts, as for equal texts.
+      const auto [place, added] = table.try_emplace(wholeNumberFromKey(key));
+      if (added) tavlen::decode(decoder, place->second);
+    });
   }
 };
 

@@ -1,0 +1,59 @@
+#include <CLI/CLI.hpp>
+#include <filesystem>
+#include <memory>
+#include <string>
+
+#include "cli/Commands.h"
+#include "cli/Console.h"
+#include "cli/Transpilation.h"
+#include "cli/TweakArgument.h"
+#include "tavlen/foundation/FileReplacement.h"
+#include "tavlen/foundation/MainBundle.h"
+
+namespace tavlen::cli {
+
+namespace {
+
+struct Options {
+  std::string tweak;
+  std::string output;
+  std::string transpiler;
+};
+
+int build(const Options& options) {
+  const OpenedTweak tweak = openTweak(options.tweak);
+  const auto output =
+      transpile(tweak, options.transpiler.empty() ? MainBundle::url()
+                                                  : std::filesystem::path(options.transpiler));
+  if (!output) {
+    printError(tweak.argument + ": does not build");
+    return 1;
+  }
+  if (options.output.empty()) {
+    printData(output->code);
+    return 0;
+  }
+  const std::filesystem::path folder = options.output;
+  std::filesystem::create_directories(folder);
+  replaceFile(folder / "code.js", output->code);
+  replaceFile(folder / "code.js.map", output->map);
+  return 0;
+}
+
+}  // namespace
+
+void addBuildCommand(CLI::App& app, Action& action) {
+  auto* command = app.add_subcommand("build", "Turn a tweak into code and a source map");
+  const auto options = std::make_shared<Options>();
+  command->add_option("TWEAK", options->tweak, "The tweak's folder")->required();
+  command
+      ->add_option(
+          "-o,--output", options->output,
+          "The folder that code.js and code.js.map are written to; without it the code is printed")
+      ->type_name("DIR");
+  command->add_option("--transpiler", options->transpiler, "The folder of another ob.js")
+      ->type_name("DIR");
+  command->callback([options, &action] { action = [options] { return build(*options); }; });
+}
+
+}  // namespace tavlen::cli

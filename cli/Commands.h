@@ -1,0 +1,22 @@
+#pragma once
+
+#include <functional>
+
+namespace CLI {
+class App;
+}
+
+namespace tavlen::cli {
+
+/// What the chosen subcommand does, and the process's exit status. An exception is reported by
+/// main.
+using Action = std::function<int()>;
+
+/// Each adds its subcommand to `app`; parsing sets `action` to the chosen one's. A file a
+/// subcommand.
+void addSourceCommand(CLI::App& app, Action& action);
+void addBuildCommand(CLI::App& app, Action& action);
+void addCheckCommand(CLI::App& app, Action& action);
+void addInfoCommand(CLI::App& app, Action& action);
+
+}  // namespace tavlen::cli

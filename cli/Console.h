@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace tavlen::cli {
+
+/// `text` on one line, safe for a terminal: control characters are written as escapes, what is not
+/// UTF-8 as U+FFFD.
+std::string oneLine(std::string_view text);
+
+/// Writes `tavlen: error: text` to the standard error stream, as one line.
+void printError(std::string_view text);
+/// Writes `tavlen: warning: text` to the standard error stream, as one line.
+void printWarning(std::string_view text);
+
+/// Writes `data` to the standard output as it is. Throws std::system_error where that fails, as on
+/// a full disk.
+void printData(std::string_view data);
+
+}  // namespace tavlen::cli

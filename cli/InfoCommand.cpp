@@ -1,0 +1,116 @@
+#include <CLI/CLI.hpp>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "cli/Commands.h"
+#include "cli/Console.h"
+#include "tavlen/bundles/InfoManager.h"
+#include "tavlen/foundation/JSONEncoder.h"
+
+namespace tavlen::cli {
+
+namespace {
+
+/// What is shown of an app: its values as the accessors give them, fallbacks and all.
+struct Summary {
+  std::string name;
+  std::string bundleName;
+  std::string bundleID;
+  std::string version;
+  std::string build;
+  std::string executable;
+  std::optional<SemanticVersion> minimumOSVersion;
+  bool supportsIPad = false;
+  std::optional<std::vector<InterfaceOrientation>> orientations;
+  std::optional<std::vector<InterfaceOrientation>> ipadOrientations;
+
+  static constexpr auto codedFields() {
+    return std::tuple{
+        requiredField("name", &Summary::name),
+        requiredField("bundleName", &Summary::bundleName),
+        requiredField("bundleID", &Summary::bundleID),
+        requiredField("version", &Summary::version),
+        requiredField("build", &Summary::build),
+        requiredField("executable", &Summary::executable),
+        optionalField("minimumOSVersion", &Summary::minimumOSVersion),
+        requiredField("supportsIPad", &Summary::supportsIPad),
+        optionalField("orientations", &Summary::orientations),
+        optionalField("ipadOrientations", &Summary::ipadOrientations),
+    };
+  }
+};
+
+Summary summaryOf(const Info& info) {
+  Summary summary;
+  summary.name = info.name();
+  summary.bundleName = info.bundleName();
+  summary.bundleID = info.bundleID;
+  summary.version = info.version();
+  summary.build = info.build;
+  summary.executable = info.executable;
+  summary.minimumOSVersion = info.minimumOSVersion;
+  summary.supportsIPad = info.supportsIPad();
+  summary.orientations = info.orientations();
+  summary.ipadOrientations = info.ipadOrientations();
+  return summary;
+}
+
+std::string row(const std::string& title, const std::string& value) {
+  constexpr std::size_t kTitleWidth = 20;
+  std::string text = title + ":";
+  text.resize(kTitleWidth, ' ');
+  return text + oneLine(value) + "\n";
+}
+
+std::string listed(const std::vector<InterfaceOrientation>& orientations) {
+  constexpr std::string_view kPrefix = "UIInterfaceOrientation";
+  std::string text;
+  for (const InterfaceOrientation orientation : orientations) {
+    if (!text.empty()) text += ", ";
+    text += rawValue(orientation).substr(kPrefix.size());
+  }
+  return text.empty() ? "none" : text;
+}
+
+std::string table(const Summary& summary) {
+  std::string text = row("Name", summary.name) + row("Bundle name", summary.bundleName) +
+                     row("Identifier", summary.bundleID) + row("Version", summary.version) +
+                     row("Build", summary.build) + row("Executable", summary.executable);
+  if (summary.minimumOSVersion)
+    text += row("Minimum OS version", summary.minimumOSVersion->description());
+  text += row("iPad", summary.supportsIPad ? "yes" : "no");
+  if (summary.orientations) text += row("Orientations", listed(*summary.orientations));
+  if (summary.ipadOrientations)
+    text += row("Orientations, iPad", listed(*summary.ipadOrientations));
+  return text;
+}
+
+Info readInfo(const std::string& bundle) {
+  try {
+    return InfoManager{bundle}.info();
+  } catch (const DecodingError& error) {
+    throw std::runtime_error(bundle + (bundle.ends_with('/') ? "" : "/") +
+                             "Info.plist: " + error.description());
+  }
+}
+
+}  // namespace
+
+void addInfoCommand(CLI::App& app, Action& action) {
+  auto* command = app.add_subcommand("info", "Print what an app's Info.plist says of it");
+  const auto bundle = std::make_shared<std::string>();
+  const auto json = std::make_shared<bool>(false);
+  command->add_option("BUNDLE", *bundle, "The app's bundle folder")->required();
+  command->add_flag("--json", *json, "Print a JSON object");
+  command->callback([bundle, json, &action] {
+    action = [bundle, json] {
+      const Summary summary = summaryOf(readInfo(*bundle));
+      printData(*json ? encodeJSON(summary) + "\n" : table(summary));
+      return 0;
+    };
+  });
+}
+
+}  // namespace tavlen::cli

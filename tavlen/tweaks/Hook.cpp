@@ -1,0 +1,38 @@
+#include "tavlen/tweaks/Hook.h"
+
+#include <utility>
+
+namespace tavlen {
+
+Hook Hook::with(std::string className, std::string selector, std::string signature,
+                bool isClassMethod, std::map<std::int64_t, Parameter> args) {
+  Hook hook;
+  hook.className = std::move(className);
+  hook.selector = std::move(selector);
+  hook.signature = std::move(signature);
+  hook.isClassMethod = isClassMethod;
+  hook.setArgs(std::move(args));
+  return hook;
+}
+
+std::map<std::int64_t, Parameter> Hook::args() const {
+  std::map<std::int64_t, Parameter> result;
+  for (const auto& [index, box] : _args) result.emplace_hint(result.end(), index, box.value);
+  return result;
+}
+
+void Hook::setArgs(std::map<std::int64_t, Parameter> args) {
+  _args.clear();
+  for (auto& [index, parameter] : args) {
+    _args.emplace_hint(_args.end(), index, ParameterContainer{std::move(parameter)});
+  }
+}
+
+std::string Hook::transpilerKey() const {
+  std::string key = signature;
+  key += prefix();
+  key += selector;
+  return key;
+}
+
+}  // namespace tavlen

@@ -1,0 +1,120 @@
+#include "tavlen/tweaks/HookSource.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <string_view>
+#include <unordered_map>
+
+#include "tavlen/foundation/JSONEncoder.h"
+
+namespace tavlen {
+
+namespace {
+
+void appendIndex(std::string& out, std::int64_t index) {
+  std::array<char, 20> digits;
+  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), index).ptr;
+  out.append(digits.data(), end);
+}
+
+void appendFunction(std::string& out, const Hook& hook) {
+  out += "function() {\n";
+  const ParameterContainer* result = nullptr;
+  for (const auto& [index, argument] : hook._args) {
+    if (index == Hook::kReturnValue) {
+      result = &argument;
+      continue;
+    }
+    out += "\t\targuments[";
+    appendIndex(out, index);
+    out += "] = ";
+    appendOBJSValue(out, argument.value);
+    out += ";\n";
+  }
+  if (result != nullptr) {
+    out += "\t\t%orig;\n\t\treturn ";
+    appendOBJSValue(out, result->value);
+    out += ";\n";
+  } else {
+    out += "\t\treturn %orig;\n";
+  }
+  out += "\t}";
+}
+
+/// `key` is a buffer that callers with many hooks keep.
+void appendKeyedFunction(std::string& out, const Hook& hook, std::string& key) {
+  key.assign(hook.signature).append(hook.prefix()).append(hook.selector);
+  out += '\t';
+  appendJSON(out, key);
+  out += ": ";
+  appendFunction(out, hook);
+  out += ',';
+}
+
+/// The hooks of one class, in the list's order.
+struct ClassHooks {
+  std::string_view className;
+  std::vector<std::size_t> hooks;
+};
+
+std::vector<ClassHooks> groupedByClass(std::span<const Hook> hooks) {
+  std::vector<ClassHooks> classes;
+  std::unordered_map<std::string_view, std::size_t> places;
+  for (std::size_t i = 0; i < hooks.size(); ++i) {
+    const auto [place, added] = places.try_emplace(hooks[i].className, classes.size());
+    if (added) classes.push_back({hooks[i].className, {}});
+    classes[place->second].hooks.push_back(i);
+  }
+  std::sort(classes.begin(), classes.end(),
+            [](const ClassHooks& a, const ClassHooks& b) { return a.className < b.className; });
+  return classes;
+}
+
+HookSource render(std::span<const Hook> hooks) {
+  HookSource source;
+  source.entries.reserve(hooks.size());
+  std::string key;
+  for (const ClassHooks& group : groupedByClass(hooks)) {
+    if (!source.text.empty()) source.text += "\n\n";
+    source.text += "hookClass(";
+    appendJSONString(source.text, group.className);
+    source.text += ", {}, {";
+    for (const std::size_t hook : group.hooks) {
+      source.text += '\n';
+      const std::size_t begin = source.text.size();
+      appendKeyedFunction(source.text, hooks[hook], key);
+      source.entries.push_back({hook, begin, source.text.size()});
+    }
+    source.text += "\n});";
+  }
+  return source;
+}
+
+}  // namespace
+
+HookSource generateHookSource(std::span<const Hook> hooks) {
+  try {
+    return render(hooks);
+  } catch (const EncodingError&) {
+    // The blocks are in the order of their classes, but the error to report is that of the first
+    // hook in the list, and before those of the classes' names.
+    for (const Hook& hook : hooks) keyedOBJSFunc(hook);
+    throw;
+  }
+}
+
+std::string objsFunc(const Hook& hook) {
+  std::string out;
+  appendFunction(out, hook);
+  return out;
+}
+
+std::string keyedOBJSFunc(const Hook& hook) {
+  std::string out;
+  std::string key;
+  appendKeyedFunction(out, hook, key);
+  return out;
+}
+
+}  // namespace tavlen

@@ -1,0 +1,71 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tavlen/bundles/OverrideContainer.h"
+#include "tavlen/foundation/Coding.h"
+#include "tavlen/tweaks/Hook.h"
+#include "tavlen/tweaks/TweakColor.h"
+#include "tavlen/tweaks/TweakConfiguration.h"
+#include "tavlen/tweaks/TweakFile.h"
+#include "tavlen/tweaks/TweakGlyph.h"
+#include "tavlen/tweaks/TweakManifest.h"
+
+namespace tavlen {
+
+/// The document of a tweak, stored as Manifest.json in its folder.
+struct TweakFile::Manifest {
+  struct Configuration {
+    /// The name that is shown; tweaks are sorted and searched by it.
+    std::string name;
+    TweakColor color = TweakColor::lightGreen;
+    /// The identifier of the target app.
+    std::string bundleID;
+    std::optional<TweakGlyph> _glyph;
+
+    /// The stored glyph, or the default one.
+    const TweakGlyph& glyph() const { return _glyph ? *_glyph : TweakGlyph::default_(); }
+    void setGlyph(TweakGlyph glyph) { _glyph = std::move(glyph); }
+
+    static constexpr auto codedFields() {
+      return std::tuple{
+          requiredField("name", &Configuration::name),
+          requiredField("color", &Configuration::color),
+          requiredField("bundleID", &Configuration::bundleID),
+          optionalField("glyph", &Configuration::_glyph),
+      };
+    }
+    bool operator==(const Configuration&) const = default;
+  };
+
+  Configuration configuration;
+  std::vector<OverrideContainer> _overrides;
+  /// An absent hook, a null in the file, keeps its place until setHooks() drops it.
+  std::vector<std::optional<Hook>> _hooks;
+
+  /// The overrides out of their boxes, in the user's order.
+  std::vector<Override> overrides() const;
+  void setOverrides(std::vector<Override> overrides);
+
+  /// The hooks that are present, in the user's order.
+  std::vector<Hook> hooks() const;
+  /// Stores every hook as present.
+  void setHooks(std::vector<Hook> hooks);
+
+  TweakConfiguration genericConfiguration() const { return TweakConfiguration(configuration); }
+
+  static constexpr auto codedFields() {
+    return std::tuple{
+        requiredField("configuration", &Manifest::configuration),
+        requiredField("overrides", &Manifest::_overrides),
+        requiredField("hooks", &Manifest::_hooks),
+    };
+  }
+  bool operator==(const Manifest&) const = default;
+};
+
+static_assert(TweakManifest<TweakFile::Manifest>);
+
+}  // namespace tavlen

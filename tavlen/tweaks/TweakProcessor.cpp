@@ -1,0 +1,99 @@
+#include "tavlen/tweaks/TweakProcessor.h"
+
+#include <utility>
+
+#include "tavlen/foundation/FatalError.h"
+#include "tavlen/foundation/FileSystem.h"
+#include "tavlen/tweaks/HookSource.h"
+#include "tavlen/tweaks/Manifest.h"
+
+namespace tavlen {
+
+namespace {
+
+constexpr const char* kTranspilerFile = "ob.js";
+constexpr std::string_view kTranspilerGlobal = "OBJSTranspiler";
+
+JavaScriptValue loadTranspiler(const std::filesystem::path& container) {
+  const std::string script = readText(container / kTranspilerFile);
+  const std::shared_ptr<JavaScriptContext> context = JavaScriptContext::make();
+  // An exception here is no failure yet: the global may be there all the same, and the first
+  // conversion reports it.
+  context->evaluate(script, kTranspilerFile);
+  JavaScriptValue transpiler =
+      context->globalObject().property(kTranspilerGlobal, JavaScriptValue::Exceptions::ignore);
+  if (transpiler.isUndefined())
+    fatalError("the transpiler script \"ob.js\" does not define OBJSTranspiler");
+  return transpiler;
+}
+
+/// A property as the engine's conversion gives it: "undefined" where it is missing or cannot be
+/// read.
+std::string shownProperty(const JavaScriptValue& value, std::string_view name) {
+  constexpr auto kIgnore = JavaScriptValue::Exceptions::ignore;
+  return value.property(name, kIgnore).text(kIgnore).value_or("undefined");
+}
+
+TweakProcessor::Error errorOf(const JavaScriptValue& exception) {
+  constexpr auto kIgnore = JavaScriptValue::Exceptions::ignore;
+  const JavaScriptValue stack = exception.property("stack", kIgnore);
+  return TweakProcessor::Error::jsException(
+      shownProperty(exception, "name"), shownProperty(exception, "message"),
+      stack.isUndefined() ? std::nullopt : stack.text(kIgnore));
+}
+
+std::optional<std::string> stringProperty(const JavaScriptValue& object, std::string_view name) {
+  const JavaScriptValue value = object.property(name);
+  return value.isString() ? value.text() : std::nullopt;
+}
+
+}  // namespace
+
+TweakProcessor::TweakProcessor(const std::filesystem::path& container)
+    : objs_(loadTranspiler(container)) {}
+
+TweakProcessor::Output TweakProcessor::convert(std::string_view code) {
+  const JavaScriptValue result = objs_.call("transpile", {objs_.context().string(code)});
+  if (const auto exception = objs_.context().exception()) throw errorOf(*exception);
+  if (!result.isObject()) throw Error::invalidOutput();
+  std::optional<std::string> output = stringProperty(result, "code");
+  std::optional<std::string> map = stringProperty(result, "map");
+  if (!output || !map) throw Error::invalidOutput();
+  return {std::move(*output), std::move(*map)};
+}
+
+std::string TweakProcessor::generateCode(std::span<const Hook> hooks) {
+  return generateHookSource(hooks).text;
+}
+
+std::string TweakProcessor::assembled(std::string generatedCode, std::string_view script) {
+  if (!generatedCode.empty()) generatedCode += "\n\n";
+  return generatedCode += script;
+}
+
+TweakProcessor::Output TweakProcessor::process(const TweakFile& tweak) {
+  return convert(assembled(generateCode(tweak.manifest().hooks()), tweak.script()));
+}
+
+TweakProcessor::Error TweakProcessor::Error::jsException(std::string name, std::string message,
+                                                         std::optional<std::string> stack) {
+  Error error(Case::jsException, {});
+  error.name_ = std::move(name);
+  error.message_ = std::move(message);
+  error.stack_ = std::move(stack);
+  return error;
+}
+
+TweakProcessor::Error TweakProcessor::Error::invalidOutput() {
+  return {Case::invalidOutput,
+          {"tweak_processor.error.invalid_output", "Transpiler output was not a String"}};
+}
+
+std::string TweakProcessor::Error::description() const {
+  if (case_ != Case::jsException) return LocalizedError::description();
+  std::string text = name_ + ": " + message_;
+  if (stack_) text += "\n\nCall stack:\n" + *stack_;
+  return text;
+}
+
+}  // namespace tavlen

@@ -1,6 +1,7 @@
 #include "tavlen/foundation/JSONEncoder.h"
 
 #include <array>
+#include <bit>
 #include <charconv>
 #include <cmath>
 #include <cstring>
@@ -17,9 +18,10 @@ namespace {
 constexpr std::uint64_t kOnes = 0x0101010101010101;
 constexpr std::uint64_t kHighs = 0x8080808080808080;
 
-/// Marks the bytes of an ASCII `word` that are zero, and perhaps bytes above a marked one.
+/// Marks the bytes of `word` that are zero, and perhaps bytes above a marked one.
 constexpr std::uint64_t zeroBytes(std::uint64_t word) { return (word - kOnes) & ~word & kHighs; }
 
+/// Marks the bytes of `word` that are escaped, and perhaps bytes above a marked one.
 constexpr std::uint64_t bytesToEscape(std::uint64_t word) {
   const std::uint64_t controls = (word - kOnes * 0x20) & ~word & kHighs;
   return zeroBytes(word ^ (kOnes * '"')) | zeroBytes(word ^ (kOnes * '\\')) |
@@ -33,11 +35,14 @@ constexpr bool needsEscape(char c) {
 /// The first place at or after `i` that is to be escaped. `highBits` collects the bytes passed
 /// over.
 std::size_t nextEscape(std::string_view text, std::size_t i, std::uint64_t& highBits) {
-  for (; i + 8 <= text.size(); i += 8) {
-    std::uint64_t word = 0;
-    std::memcpy(&word, text.data() + i, sizeof word);
-    if (bytesToEscape(word) != 0) break;
-    highBits |= word;
+  if constexpr (std::endian::native == std::endian::little) {
+    for (; i + 8 <= text.size(); i += 8) {
+      std::uint64_t word = 0;
+      std::memcpy(&word, text.data() + i, sizeof word);
+      highBits |= word;
+      const std::uint64_t escapes = bytesToEscape(word);
+      if (escapes != 0) return i + static_cast<std::size_t>(std::countr_zero(escapes)) / 8;
+    }
   }
   for (; i < text.size() && !needsEscape(text[i]); ++i)
     highBits |= static_cast<unsigned char>(text[i]);

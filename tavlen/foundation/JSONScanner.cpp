@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstdint>
 #include <cstring>
 
@@ -18,10 +19,15 @@ constexpr std::uint64_t kHighs = 0x8080808080808080;
 /// Marks the bytes of `word` that are zero, and perhaps bytes above a marked one.
 constexpr std::uint64_t zeroBytes(std::uint64_t word) { return (word - kOnes) & ~word & kHighs; }
 
-/// Whether a byte of `word` ends plain text: a quotation mark, a backslash or a control character.
-constexpr bool endsPlainText(std::uint64_t word) {
+/// Marks the bytes of `word` that end plain text, and perhaps bytes above a marked one: quotation
+/// marks, backslashes and control characters.
+constexpr std::uint64_t plainTextEnds(std::uint64_t word) {
   const std::uint64_t controls = (word - kOnes * 0x20) & ~word & kHighs;
-  return (zeroBytes(word ^ (kOnes * '"')) | zeroBytes(word ^ (kOnes * '\\')) | controls) != 0;
+  return zeroBytes(word ^ (kOnes * '"')) | zeroBytes(word ^ (kOnes * '\\')) | controls;
+}
+
+constexpr bool endsPlainText(char c) {
+  return c == '"' || c == '\\' || static_cast<unsigned char>(c) < 0x20;
 }
 
 constexpr bool isWhiteSpace(char c) { return c == ' ' || c == '\n' || c == '\t' || c == '\r'; }
@@ -76,15 +82,15 @@ std::string_view JSONScanner::key(std::string& storage) {
 }
 
 const char* JSONScanner::endOfPlainText(const char* from) const {
-  for (; end_ - from >= 8; from += 8) {
-    std::uint64_t word = 0;
-    std::memcpy(&word, from, sizeof word);
-    if (endsPlainText(word)) break;
+  if constexpr (std::endian::native == std::endian::little) {
+    for (; end_ - from >= 8; from += 8) {
+      std::uint64_t word = 0;
+      std::memcpy(&word, from, sizeof word);
+      const std::uint64_t ends = plainTextEnds(word);
+      if (ends != 0) return from + std::countr_zero(ends) / 8;
+    }
   }
-  while (from != end_ && *from != '"' && *from != '\\' &&
-         static_cast<unsigned char>(*from) >= 0x20) {
-    ++from;
-  }
+  while (from != end_ && !endsPlainText(*from)) ++from;
   return from;
 }
 
@@ -194,10 +200,11 @@ void JSONScanner::literal(std::string_view word) {
 }
 
 const char* JSONScanner::endOfSkippedString(const char* from) const {
-  ++from;
+  from = endOfPlainText(from + 1);
   while (from != end_ && *from != '"') {
-    if (*from == '\\' && ++from == end_) break;
-    ++from;
+    // A control character is not judged in a text that nobody reads.
+    from += *from == '\\' && end_ - from > 1 ? 2 : 1;
+    from = endOfPlainText(from);
   }
   return from;
 }

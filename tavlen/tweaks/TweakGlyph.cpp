@@ -1,0 +1,10 @@
+#include "tavlen/tweaks/TweakGlyph.h"
+
+namespace tavlen {
+
+const TweakGlyph& TweakGlyph::default_() {
+  static const TweakGlyph glyph{"tools", "solid"};
+  return glyph;
+}
+
+}  // namespace tavlen

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <string>
+#include <tuple>
+
+#include "tavlen/foundation/Coding.h"
+
+namespace tavlen {
+
+/// The icon of a tweak or a collection, by the names of Font Awesome 5.15.4.
+///
+/// Any names are kept: a document may come from a newer program. GlyphNames.h knows which exist.
+struct TweakGlyph {
+  std::string icon;   ///< "tools"
+  std::string style;  ///< "solid", "regular", "brands"
+
+  bool operator==(const TweakGlyph&) const = default;
+
+  /// The icon `tools` in the style `solid`, which stands in where a document names none.
+  static const TweakGlyph& default_();
+
+  static constexpr auto codedFields() {
+    return std::tuple{requiredField("icon", &TweakGlyph::icon),
+                      requiredField("style", &TweakGlyph::style)};
+  }
+};
+
+}  // namespace tavlen

@@ -1,0 +1,182 @@
+#include "tavlen/foundation/TextComparison.h"
+
+#include <gtest/gtest.h>
+#include <unicode/uloc.h>
+
+#include <compare>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <vector>
+
+namespace tavlen {
+namespace {
+
+/// Makes a locale ICU's default for its lifetime.
+class LocaleGuard {
+ public:
+  explicit LocaleGuard(const char* locale) : old_(uloc_getDefault()) { set(locale); }
+  ~LocaleGuard() { set(old_.c_str()); }
+  LocaleGuard(const LocaleGuard&) = delete;
+  LocaleGuard& operator=(const LocaleGuard&) = delete;
+
+ private:
+  static void set(const char* locale) {
+    UErrorCode status = U_ZERO_ERROR;
+    uloc_setDefault(locale, &status);
+  }
+  std::string old_;
+};
+
+struct ContainsCase {
+  std::string_view text;
+  std::string_view query;
+  bool contained;
+  std::string_view locale = "";  // every one of kPlainLocales
+};
+
+/// en_US_POSIX is what ICU makes of LC_ALL=C, whose own collator knows no case.
+constexpr const char* kPlainLocales[] = {"en_US_POSIX", "en", "de_AT", ""};
+
+constexpr ContainsCase kContainsCases[] = {
+    {"Hello", "ell", true},
+    {"Hello", "ELL", true},
+    {"", "a", false},
+    {"", "", false},
+    {"anything", "", false},
+    {"CAFÉ", "café", true},
+    {"CAFÉ", "cafe\u0301", true},
+    {"CAFE\u0301", "café", true},
+    {"Café", "cafe", false},
+    {"cafe\u0301", "e", false},
+    {"cafe\u0301 e", "e", true},  // a later match counts
+    {"ệ", "e\u0323", false},      // a dot below, then a circumflex
+    {"Éclair", "ec", false},
+    {"Straße", "STRASSE", true},
+    {"Straße", "ss", true},
+    {"ﬁle", "FI", true},
+    {"Ａ", "a", false},
+    {"I", "ı", false},
+    {"İ", "i", false},
+    {"a b", "ab", false},
+    {"Привет", "ПРИВ", true},
+    {"ΣΊΣΥΦΟΣ", "σίσυφος", true},
+    {"\u1F80", "\u1F88", true},  // an iota subscript
+    {"각", "가", false},
+    {"각", "\u1100\u1161\u11A8", true},
+    {"\U00010400", "\U00010428", true},  // beyond the basic plane
+    {"a\u00ADb", "\u00AD", true},
+    {"ab", "\u00AD", false},
+    {"I", "ı", true, "tr"},
+    {"İstanbul", "istan", true, "tr"},
+    {"I\u0307stanbul", "istan", true, "az_Latn"},
+    {"ISPARTA", "isp", false, "tr"},
+    {"DI\u0300D", "di\u0307\u0300d", true, "lt"},
+    {"Į\u0301", "i\u0328\u0307\u0301", true, "lt"},
+    {"DÌD", "di\u0307\u0300d", false, "en"},
+};
+
+TEST(TextComparison, Contains) {
+  for (const ContainsCase& c : kContainsCases) {
+    for (const char* plain : kPlainLocales) {
+      const LocaleGuard guard(c.locale.empty() ? plain : c.locale.data());
+      EXPECT_EQ(localizedCaseInsensitiveContains(c.text, c.query), c.contained)
+          << c.text << " contains " << c.query << " in " << uloc_getDefault();
+    }
+  }
+}
+
+struct CompareCase {
+  std::string_view left;
+  std::string_view right;
+  std::weak_ordering order;
+};
+
+constexpr auto kSame = std::weak_ordering::equivalent;
+constexpr auto kAscending = std::weak_ordering::less;
+constexpr auto kDescending = std::weak_ordering::greater;
+
+constexpr CompareCase kCompareCases[] = {
+    {"a", "A", kSame},
+    {"Apple", "apple", kSame},
+    {"", "", kSame},
+    {"a", "B", kAscending},
+    {"e", "é", kAscending},
+    {"resume", "Résumé", kAscending},
+    {"é", "f", kAscending},
+    {"", "a", kAscending},
+    {"Å", "A", kDescending},
+    {"10", "9", kAscending},
+    {"1", "a", kAscending},
+    {"_a", "a", kAscending},
+    {"a b", "ab", kAscending},
+    {"a-b", "ab", kAscending},
+    {"Z", "ä", kDescending},
+    {"café", "cafe\u0301", kSame},
+    {"STRASSE", "straße", kSame},
+};
+
+TEST(TextComparison, Compare) {
+  for (const char* locale : kPlainLocales) {
+    const LocaleGuard guard(locale);
+    for (const CompareCase& c : kCompareCases) {
+      EXPECT_EQ(localizedCaseInsensitiveCompare(c.left, c.right), c.order)
+          << c.left << " and " << c.right << " in " << locale;
+      EXPECT_EQ(localizedCaseInsensitiveCompare(c.right, c.left), 0 <=> c.order);
+    }
+  }
+}
+
+TEST(TextComparison, TheLocaleDecidesTheOrder) {
+  {
+    const LocaleGuard guard("sv");
+    EXPECT_EQ(localizedCaseInsensitiveCompare("Z", "ä"), kAscending);
+  }
+  {
+    const LocaleGuard guard("tr");
+    EXPECT_EQ(localizedCaseInsensitiveCompare("I", "ı"), kSame);
+    EXPECT_EQ(localizedCaseInsensitiveCompare("İ", "i"), kSame);
+    EXPECT_EQ(localizedCaseInsensitiveCompare("I", "i"), kAscending);
+  }
+  {
+    const LocaleGuard guard("en@colNumeric=yes;colStrength=tertiary;colAlternate=shifted");
+    EXPECT_EQ(localizedCaseInsensitiveCompare("10", "9"), kAscending);
+    EXPECT_EQ(localizedCaseInsensitiveCompare("a", "A"), kSame);
+    EXPECT_EQ(localizedCaseInsensitiveCompare("a-b", "ab"), kAscending);
+  }
+}
+
+TEST(TextComparison, AnyBytesMayBeCompared) {
+  const std::string_view kTexts[] = {
+      "\xFF",     "\xC3",   "a\xE2\x82", "\xED\xA0\x80", "\xF4\x90\x80\x80",
+      {"\0a", 2}, "\u0301", "a\xCC"};
+  for (const std::string_view left : kTexts) {
+    EXPECT_TRUE(localizedCaseInsensitiveContains(left, left));
+    for (const std::string_view right : kTexts) {
+      EXPECT_EQ(localizedCaseInsensitiveCompare(left, right),
+                0 <=> localizedCaseInsensitiveCompare(right, left));
+    }
+  }
+  EXPECT_EQ(localizedCaseInsensitiveCompare("\xFF", "\xC3"), kSame);
+  // Both decompose to three code units, beyond the first guess at the room they need.
+  std::string growing;
+  for (int i = 0; i < 10'000; ++i) growing += "\u0390\uFB2C";
+  EXPECT_TRUE(localizedCaseInsensitiveContains(growing, "\u0390"));
+}
+
+TEST(TextComparison, ThreadsCompareSideBySide) {
+  std::vector<std::thread> threads;
+  threads.reserve(4);
+  for (int i = 0; i < 4; ++i) {
+    threads.emplace_back([] {
+      for (int round = 0; round < 200; ++round) {
+        EXPECT_EQ(localizedCaseInsensitiveCompare("b", "A"), kDescending);
+        EXPECT_TRUE(localizedCaseInsensitiveContains("Tweak", "tWEAK"));
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+}
+
+}  // namespace
+}  // namespace tavlen

@@ -1,0 +1,110 @@
+#include "tavlen/foundation/FileSystem.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <system_error>
+
+#include "tavlen/foundation/Unicode.h"
+
+namespace tavlen {
+
+namespace {
+
+[[noreturn]] void fail(int code, const std::filesystem::path& path) {
+  throw std::system_error(code, std::generic_category(), path.string());
+}
+
+class Descriptor {
+ public:
+  explicit Descriptor(int value) : value_(value) {}
+  ~Descriptor() { ::close(value_); }
+  Descriptor(const Descriptor&) = delete;
+  Descriptor& operator=(const Descriptor&) = delete;
+  int value() const { return value_; }
+
+ private:
+  int value_;
+};
+
+int openForReading(const std::filesystem::path& path) {
+  // Without O_NONBLOCK a pipe that nobody writes to would never be opened.
+  const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
+  if (descriptor < 0) fail(errno, path);
+  return descriptor;
+}
+
+std::size_t sizeOfRegularFile(int descriptor, const std::filesystem::path& path) {
+  struct stat status {};
+  if (::fstat(descriptor, &status) != 0) fail(errno, path);
+  if (S_ISDIR(status.st_mode)) fail(EISDIR, path);
+  if (!S_ISREG(status.st_mode)) fail(EINVAL, path);
+  return static_cast<std::size_t>(status.st_size);
+}
+
+std::string checkedUTF8(std::string text, const std::filesystem::path& path) {
+  constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+  if (!isValidUTF8(text)) fail(EILSEQ, path);
+  if (text.starts_with(kByteOrderMark)) text.erase(0, kByteOrderMark.size());
+  return text;
+}
+
+struct ByteOrderMark {
+  std::string_view bytes;
+  TextEncoding encoding;
+};
+
+// The four-byte marks first: one of them begins with a two-byte mark.
+constexpr ByteOrderMark kWideMarks[] = {
+    {{"\xFF\xFE\0\0", 4}, TextEncoding::utf32LittleEndian},
+    {{"\0\0\xFE\xFF", 4}, TextEncoding::utf32BigEndian},
+    {{"\xFE\xFF", 2}, TextEncoding::utf16BigEndian},
+    {{"\xFF\xFE", 2}, TextEncoding::utf16LittleEndian},
+};
+
+}  // namespace
+
+std::string readFile(const std::filesystem::path& path) {
+  const Descriptor file(openForReading(path));
+  // The size is a hint: the file may grow or shrink while it is read. One more byte lets the last
+  // read see the end without another allocation.
+  std::string bytes(sizeOfRegularFile(file.value(), path) + 1, '\0');
+  std::size_t used = 0;
+  for (;;) {
+    if (used == bytes.size()) bytes.resize(bytes.size() * 2);
+    const ssize_t count = ::read(file.value(), bytes.data() + used, bytes.size() - used);
+    if (count == 0) break;
+    if (count > 0) {
+      used += static_cast<std::size_t>(count);
+    } else if (errno != EINTR) {
+      fail(errno, path);
+    }
+  }
+  bytes.resize(used);
+  return bytes;
+}
+
+std::string readText(const std::filesystem::path& path) {
+  std::string bytes = readFile(path);
+  for (const ByteOrderMark& mark : kWideMarks) {
+    if (!bytes.starts_with(mark.bytes)) continue;
+    std::string text;
+    const std::string_view rest = std::string_view(bytes).substr(mark.bytes.size());
+    if (!convertToUTF8(rest, mark.encoding, text)) fail(EILSEQ, path);
+    return text;
+  }
+  return checkedUTF8(std::move(bytes), path);
+}
+
+std::string readUTF8(const std::filesystem::path& path) {
+  return checkedUTF8(readFile(path), path);
+}
+
+bool isPlainComponent(std::string_view name) {
+  return !name.empty() && name != "." && name != ".." &&
+         name.find_first_of(std::string_view("/\0", 2)) == std::string_view::npos;
+}
+
+}  // namespace tavlen

@@ -1,0 +1,198 @@
+#include "tavlen/foundation/BinaryPropertyListWriter.h"
+
+#include <algorithm>
+#include <bit>
+#include <limits>
+#include <string_view>
+#include <type_traits>
+#include <unordered_map>
+
+#include "tavlen/foundation/Unicode.h"
+
+namespace tavlen {
+
+namespace {
+
+using Index = PropertyList::Index;
+
+/// What makes two scalars the same object.
+struct ScalarKey {
+  PropertyList::Kind kind;
+  std::uint64_t bits = 0;
+  std::string_view bytes;
+  bool operator==(const ScalarKey&) const = default;
+};
+
+struct ScalarKeyHash {
+  std::size_t operator()(const ScalarKey& key) const {
+    const std::size_t bits = std::hash<std::uint64_t>()(key.bits ^ std::uint64_t(key.kind) << 56);
+    return bits * 31 + std::hash<std::string_view>()(key.bytes);
+  }
+};
+
+std::uint64_t bitsOf(bool value) { return value ? 1 : 0; }
+std::uint64_t bitsOf(std::int64_t value) { return static_cast<std::uint64_t>(value); }
+std::uint64_t bitsOf(std::uint64_t value) { return value; }
+std::uint64_t bitsOf(double value) { return std::bit_cast<std::uint64_t>(value); }
+std::uint64_t bitsOf(Date value) { return bitsOf(value.secondsSinceReferenceDate); }
+std::uint64_t bitsOf(PropertyList::UID value) { return value.value; }
+
+/// The least of 1, 2, 4 and 8 bytes that holds `value`, as the power of two that markers store.
+unsigned widthPower(std::uint64_t value) {
+  unsigned power = 0;
+  while (power < 3 && value >> (8U << power) != 0) ++power;
+  return power;
+}
+
+class Writer {
+ public:
+  explicit Writer(const PropertyList& list) : list_(list), numbers_(list.size(), kUnnumbered) {}
+
+  std::string write() {
+    numberObjects();
+    referenceSize_ = std::size_t{1} << widthPower(order_.size());
+    out_ = "bplist00";
+    std::vector<std::uint64_t> offsets;
+    offsets.reserve(order_.size());
+    for (const Index index : order_) {
+      offsets.push_back(out_.size());
+      std::visit([this](const auto& value) { append(value); }, list_.node(index));
+    }
+    const std::uint64_t tableOffset = out_.size();
+    const std::size_t offsetSize = std::size_t{1} << widthPower(tableOffset);
+    for (const std::uint64_t offset : offsets) appendNumber(offset, offsetSize);
+    out_.append(6, '\0');
+    out_ += static_cast<char>(offsetSize);
+    out_ += static_cast<char>(referenceSize_);
+    appendNumber(order_.size(), 8);
+    appendNumber(0, 8);  // the root comes first
+    appendNumber(tableOffset, 8);
+    return std::move(out_);
+  }
+
+ private:
+  static constexpr Index kUnnumbered = std::numeric_limits<Index>::max();
+
+  /// A walk with a stack of its own. An object gets its number when it is taken from the stack, so
+  /// children are pushed backwards.
+  void numberObjects() {
+    std::vector<Index> pending{list_.root()};
+    while (!pending.empty()) {
+      const Index index = pending.back();
+      pending.pop_back();
+      if (numbers_[index] != kUnnumbered) continue;
+      if (const auto* array = list_.get<PropertyList::Array>(index)) {
+        addObject(index);
+        pending.insert(pending.end(), array->elements.rbegin(), array->elements.rend());
+      } else if (const auto* dictionary = list_.get<PropertyList::Dictionary>(index)) {
+        addObject(index);
+        const auto& members = dictionary->members;
+        for (auto m = members.rbegin(); m != members.rend(); ++m) pending.push_back(m->value);
+        for (auto m = members.rbegin(); m != members.rend(); ++m) pending.push_back(m->key);
+      } else {
+        const auto next = static_cast<Index>(order_.size());
+        const auto [known, isNew] = scalars_.try_emplace(scalarKey(index), next);
+        if (isNew) order_.push_back(index);
+        numbers_[index] = known->second;
+      }
+    }
+  }
+
+  void addObject(Index index) {
+    numbers_[index] = static_cast<Index>(order_.size());
+    order_.push_back(index);
+  }
+
+  ScalarKey scalarKey(Index index) const {
+    return std::visit(
+        [&](const auto& value) -> ScalarKey {
+          using Value = std::decay_t<decltype(value)>;
+          if constexpr (std::is_same_v<Value, std::string>) {
+            return {list_.kind(index), 0, value};
+          } else if constexpr (std::is_same_v<Value, PropertyList::Data>) {
+            return {list_.kind(index), 0, value.bytes};
+          } else if constexpr (requires { bitsOf(value); }) {
+            return {list_.kind(index), bitsOf(value), {}};
+          } else {
+            return {list_.kind(index), index, {}};
+          }
+        },
+        list_.node(index));
+  }
+
+  void appendNumber(std::uint64_t value, std::size_t size) {
+    for (std::size_t i = size; i-- > 0;) out_ += static_cast<char>(value >> (8 * i) & 0xFF);
+  }
+
+  void appendMarker(unsigned high, unsigned low) { out_ += static_cast<char>(high << 4 | low); }
+
+  void appendSized(unsigned high, std::size_t count) {
+    if (count < 15) return appendMarker(high, static_cast<unsigned>(count));
+    appendMarker(high, 15);
+    append(static_cast<std::int64_t>(count));
+  }
+
+  void append(bool value) { appendMarker(0, value ? 9 : 8); }
+  void append(std::int64_t value) {
+    const unsigned power = value < 0 ? 3 : widthPower(static_cast<std::uint64_t>(value));
+    appendMarker(1, power);
+    appendNumber(static_cast<std::uint64_t>(value), std::size_t{1} << power);
+  }
+  void append(std::uint64_t value) {
+    appendMarker(1, 4);
+    appendNumber(0, 8);
+    appendNumber(value, 8);
+  }
+  void append(double value) {
+    appendMarker(2, 3);
+    appendNumber(bitsOf(value), 8);
+  }
+  void append(Date value) {
+    appendMarker(3, 3);
+    appendNumber(bitsOf(value), 8);
+  }
+  void append(const PropertyList::Data& value) {
+    appendSized(4, value.bytes.size());
+    out_ += value.bytes;
+  }
+  void append(const std::string& value) {
+    const bool isASCII =
+        std::none_of(value.begin(), value.end(), [](char byte) { return (byte & 0x80) != 0; });
+    if (isASCII) {
+      appendSized(5, value.size());
+      out_ += value;
+      return;
+    }
+    if (!isValidUTF8(value)) throw EncodingError::invalidValue("a string is not valid UTF-8");
+    const std::u16string units = utf16FromUTF8(value);
+    appendSized(6, units.size());
+    for (const char16_t unit : units) appendNumber(unit, 2);
+  }
+  void append(PropertyList::UID value) {
+    const std::size_t size = std::size_t{1} << widthPower(value.value);
+    appendMarker(8, static_cast<unsigned>(size - 1));
+    appendNumber(value.value, size);
+  }
+  void append(const PropertyList::Array& value) {
+    appendSized(0xA, value.elements.size());
+    for (const Index element : value.elements) appendNumber(numbers_[element], referenceSize_);
+  }
+  void append(const PropertyList::Dictionary& value) {
+    appendSized(0xD, value.members.size());
+    for (const auto& member : value.members) appendNumber(numbers_[member.key], referenceSize_);
+    for (const auto& member : value.members) appendNumber(numbers_[member.value], referenceSize_);
+  }
+
+  const PropertyList& list_;
+  std::vector<Index> numbers_;  ///< by index in the list
+  std::vector<Index> order_;    ///< by number
+  std::unordered_map<ScalarKey, Index, ScalarKeyHash> scalars_;
+  std::size_t referenceSize_ = 1;
+  std::string out_;
+};
+
+}  // namespace
+
+std::string writeBinaryPropertyList(const PropertyList& list) { return Writer(list).write(); }
+
+}  // namespace tavlen

@@ -1,0 +1,48 @@
+#include "tavlen/foundation/PropertyList.h"
+
+#include <array>
+#include <limits>
+#include <stdexcept>
+
+namespace tavlen {
+
+std::optional<PropertyList::Index> PropertyList::find(Index index, std::string_view key) const {
+  const auto* dictionary = get<Dictionary>(index);
+  if (dictionary == nullptr) return std::nullopt;
+  const auto& members = dictionary->members;
+  for (auto member = members.rbegin(); member != members.rend(); ++member) {
+    if (string(member->key) == key) return member->value;
+  }
+  return std::nullopt;
+}
+
+std::optional<std::int64_t> PropertyList::integer(Index index) const {
+  if (const auto* value = get<std::int64_t>(index)) return *value;
+  const auto* value = get<std::uint64_t>(index);
+  if (value == nullptr || *value > std::uint64_t{std::numeric_limits<std::int64_t>::max()}) {
+    return std::nullopt;
+  }
+  return static_cast<std::int64_t>(*value);
+}
+
+PropertyList::Index PropertyList::add(Node node) {
+  if (nodes_.size() >= std::numeric_limits<Index>::max()) {
+    throw std::length_error("property list: too many objects");
+  }
+  nodes_.push_back(std::move(node));
+  return static_cast<Index>(nodes_.size() - 1);
+}
+
+std::string_view description(PropertyList::Kind kind) {
+  constexpr std::array<std::string_view, std::variant_size_v<PropertyList::Node>> kTexts = {
+      "a boolean", "an integer", "an integer", "a real number", "a date",
+      "data",      "a string",   "a UID",      "an array",      "a dictionary"};
+  return kTexts[static_cast<std::size_t>(kind)];
+}
+
+DecodingError invalidPropertyList(std::string_view reason) {
+  return DecodingError::dataCorrupted("The given data was not a valid property list. " +
+                                      std::string(reason));
+}
+
+}  // namespace tavlen

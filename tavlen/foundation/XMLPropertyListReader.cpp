@@ -1,0 +1,214 @@
+#include "tavlen/foundation/XMLPropertyListReader.h"
+
+#include <libxml/parser.h>
+#include <libxml/xmlreader.h>
+
+#include <limits>
+#include <memory>
+
+#include "tavlen/foundation/Base64.h"
+#include "tavlen/foundation/XMLPropertyListScalars.h"
+
+namespace tavlen {
+
+namespace {
+
+using Index = PropertyList::Index;
+
+constexpr std::string_view kUIDKey = "CF$UID";
+
+bool isBlank(std::string_view text) {
+  return text.find_first_not_of(" \t\r\n") == std::string_view::npos;
+}
+
+std::string_view view(const xmlChar* text) {
+  return text == nullptr ? std::string_view() : reinterpret_cast<const char*>(text);
+}
+
+/// The elements of the document, as events of the XML library, which keeps the syntax.
+class Reader {
+ public:
+  explicit Reader(std::string_view bytes) {
+    // The library wants its first call to be made by one thread.
+    static const bool isReady = (xmlInitParser(), true);
+    static_cast<void>(isReady);
+    if (bytes.size() > std::size_t{std::numeric_limits<int>::max()}) {
+      throw invalidPropertyList("It is too large.");
+    }
+    xml_.reset(xmlReaderForMemory(bytes.data(), static_cast<int>(bytes.size()), nullptr, nullptr,
+                                  XML_PARSE_NONET));
+    if (xml_ == nullptr) throw std::bad_alloc();
+    xmlTextReaderSetStructuredErrorHandler(xml_.get(), keepError, this);
+  }
+
+  PropertyList read() {
+    int result = 0;
+    while ((result = xmlTextReaderRead(xml_.get())) == 1) handleNode();
+    if (result != 0) throw invalidPropertyList(error_.empty() ? "It is malformed." : error_);
+    if (!root_) throw invalidPropertyList("It holds no value.");
+    list_.setRoot(*root_);
+    return std::move(list_);
+  }
+
+ private:
+  struct Frame {
+    PropertyList::Node container;
+    std::optional<Index> key;
+  };
+
+  static void keepError(void* self, xmlErrorPtr error) {
+    std::string& kept = static_cast<Reader*>(self)->error_;
+    if (!kept.empty() || error == nullptr || error->level < XML_ERR_ERROR) return;
+    kept = "Line " + std::to_string(error->line) + ": ";
+    kept += error->message == nullptr ? "malformed" : error->message;
+    while (kept.ends_with('\n')) kept.pop_back();
+  }
+
+  [[noreturn]] void fail(std::string_view reason) const {
+    throw invalidPropertyList("Line " +
+                              std::to_string(xmlTextReaderGetParserLineNumber(xml_.get())) + ": " +
+                              std::string(reason));
+  }
+
+  void handleNode() {
+    switch (xmlTextReaderNodeType(xml_.get())) {
+      case XML_READER_TYPE_ELEMENT: {
+        const std::string name(view(xmlTextReaderConstName(xml_.get())));
+        const bool isEmpty = xmlTextReaderIsEmptyElement(xml_.get()) == 1;
+        begin(name);
+        if (isEmpty) end();
+        break;
+      }
+      case XML_READER_TYPE_END_ELEMENT:
+        end();
+        break;
+      case XML_READER_TYPE_TEXT:
+      case XML_READER_TYPE_CDATA:
+      case XML_READER_TYPE_WHITESPACE:
+      case XML_READER_TYPE_SIGNIFICANT_WHITESPACE:
+        addText(view(xmlTextReaderConstValue(xml_.get())));
+        break;
+      case XML_READER_TYPE_ENTITY_REFERENCE:
+        fail("entities are not read");
+      default:
+        break;  // comments, instructions, the document type
+    }
+  }
+
+  void begin(const std::string& name) {
+    if (!scalar_.empty()) fail("an element inside <" + scalar_ + ">");
+    if (!isInside_) {
+      if (name != "plist") fail("the root is not <plist>");
+      isInside_ = true;
+    } else if (name == "dict") {
+      frames_.push_back({PropertyList::Dictionary(), {}});
+    } else if (name == "array") {
+      frames_.push_back({PropertyList::Array(), {}});
+    } else {
+      scalar_ = name;
+    }
+  }
+
+  void end() {
+    if (!scalar_.empty()) {
+      endScalar();
+      scalar_.clear();
+      text_.clear();
+    } else if (!frames_.empty()) {
+      Frame frame = std::move(frames_.back());
+      frames_.pop_back();
+      if (frame.key) fail("a key without a value");
+      addValue(uidOrSame(std::move(frame.container)));
+    }
+  }
+
+  void addText(std::string_view text) {
+    if (!scalar_.empty()) {
+      text_ += text;
+    } else if (!isBlank(text)) {
+      fail("text outside of a value");
+    }
+  }
+
+  void endScalar() {
+    if (scalar_ == "key") return endKey();
+    if (scalar_ == "string") return addValue(std::move(text_));
+    if (scalar_ == "true" || scalar_ == "false") {
+      if (!isBlank(text_)) fail("text inside <" + scalar_ + "/>");
+      return addValue(scalar_ == "true");
+    }
+    std::optional<PropertyList::Node> value;
+    if (scalar_ == "integer") {
+      value = integerFromXML(text_);
+    } else if (scalar_ == "real") {
+      value = realFromXML(text_);
+    } else if (scalar_ == "date") {
+      value = dateFromXML(text_);
+    } else if (scalar_ == "data") {
+      if (auto bytes = bytesFromBase64(text_, Base64Blanks::skipped)) {
+        value = PropertyList::Data{std::move(*bytes)};
+      }
+    } else {
+      fail("unknown element <" + abbreviated(scalar_) + ">");
+    }
+    if (!value) fail("malformed <" + scalar_ + ">");
+    addValue(std::move(*value));
+  }
+
+  void endKey() {
+    if (frames_.empty() || frames_.back().key ||
+        !std::holds_alternative<PropertyList::Dictionary>(frames_.back().container)) {
+      fail("a key out of its place");
+    }
+    frames_.back().key = list_.add(std::move(text_));
+  }
+
+  void addValue(PropertyList::Node value) {
+    const Index index = list_.add(std::move(value));
+    if (frames_.empty()) {
+      if (root_) fail("a second value");
+      root_ = index;
+      return;
+    }
+    Frame& frame = frames_.back();
+    if (auto* array = std::get_if<PropertyList::Array>(&frame.container)) {
+      array->elements.push_back(index);
+      return;
+    }
+    if (!frame.key) fail("a value without a key");
+    std::get<PropertyList::Dictionary>(frame.container).members.push_back({*frame.key, index});
+    frame.key.reset();
+  }
+
+  PropertyList::Node uidOrSame(PropertyList::Node container) const {
+    const auto* dictionary = std::get_if<PropertyList::Dictionary>(&container);
+    if (dictionary == nullptr || dictionary->members.size() != 1) return container;
+    const PropertyList::Member member = dictionary->members.front();
+    if (list_.string(member.key) != kUIDKey) return container;
+    if (const auto* value = list_.get<std::uint64_t>(member.value)) {
+      return PropertyList::UID{*value};
+    }
+    const auto value = list_.integer(member.value);
+    if (!value || *value < 0) return container;
+    return PropertyList::UID{static_cast<std::uint64_t>(*value)};
+  }
+
+  struct Free {
+    void operator()(xmlTextReader* reader) const { xmlFreeTextReader(reader); }
+  };
+
+  std::unique_ptr<xmlTextReader, Free> xml_;
+  std::string error_;
+  bool isInside_ = false;  ///< in the root element
+  std::vector<Frame> frames_;
+  std::string scalar_;  ///< the element that collects `text_`, or empty
+  std::string text_;
+  std::optional<Index> root_;
+  PropertyList list_;
+};
+
+}  // namespace
+
+PropertyList readXMLPropertyList(std::string_view bytes) { return Reader(bytes).read(); }
+
+}  // namespace tavlen

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <string_view>
+
+#include "tavlen/foundation/PropertyList.h"
+
+namespace tavlen {
+
+/// Reads the XML form, in any encoding that the text declares or a byte order mark tells.
+///
+/// Nothing outside `bytes` is opened, and a reference to an entity that the document declares is
+/// refused. The XML library's own limits hold: 256 elements deep, ten million bytes a text. A
+/// dictionary whose only key is "CF$UID" with an integer is a UID. The table is a tree; equal keys
+/// are kept. Throws invalidPropertyList().
+PropertyList readXMLPropertyList(std::string_view bytes);
+
+}  // namespace tavlen

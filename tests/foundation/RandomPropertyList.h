@@ -1,0 +1,77 @@
+#pragma once
+
+#include <random>
+#include <string>
+
+#include "tavlen/foundation/PropertyList.h"
+
+namespace tavlen {
+
+/// Fills a list with a random tree that both forms can hold and nothing of it is lost in: whole
+/// seconds, distinct keys, unsigned integers above 2^63-1 only.
+class RandomPropertyList {
+ public:
+  explicit RandomPropertyList(unsigned seed) : random_(seed) {}
+
+  PropertyList make() {
+    list_.setRoot(container(6));
+    return std::move(list_);
+  }
+
+ private:
+  using Index = PropertyList::Index;
+
+  std::uint64_t below(std::uint64_t limit) { return random_() % limit; }
+
+  std::string text() {
+    static const std::string kPieces[] = {"a", "&<>\"'", " ", "é", "日本", "😀", "]]>", "\n\t", ""};
+    std::string text;
+    for (std::uint64_t i = below(8); i > 0; --i) text += kPieces[below(std::size(kPieces))];
+    return text;
+  }
+
+  Index container(unsigned depth) {
+    if (below(2) == 0) {
+      PropertyList::Array array;
+      for (std::uint64_t i = below(6); i > 0; --i) array.elements.push_back(value(depth));
+      return list_.add(std::move(array));
+    }
+    PropertyList::Dictionary dictionary;
+    for (std::uint64_t i = below(6); i > 0; --i) {
+      const Index key = list_.add(text() + std::to_string(i));
+      dictionary.members.push_back({key, value(depth)});
+    }
+    return list_.add(std::move(dictionary));
+  }
+
+  Index value(unsigned depth) {
+    switch (below(depth == 0 ? 7 : 10)) {
+      case 0:
+        return list_.add(below(2) == 0);
+      case 1:
+        return list_.add(static_cast<std::int64_t>(random_() >> below(64)));
+      case 2:
+        return list_.add(random_() | 1ULL << 63);
+      case 3:
+        return list_.add((static_cast<double>(random_()) - 9e18) / static_cast<double>(random_()));
+      case 4:  // three hundred years around 2001
+        return list_.add(Date{static_cast<double>(below(10'000'000'000)) - 5e9});
+      case 5: {
+        std::string bytes;
+        for (std::uint64_t i = below(100); i > 0; --i) bytes += static_cast<char>(below(256));
+        return list_.add(PropertyList::Data{bytes});
+      }
+      case 6:
+        return list_.add(text());
+      default:
+        return container(depth - 1);
+    }
+  }
+
+  std::mt19937_64 random_;
+  PropertyList list_;
+};
+
+inline PropertyList randomPropertyList(unsigned seed) { return RandomPropertyList(seed).make(); }
+
+}  // namespace tavlen

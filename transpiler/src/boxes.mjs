@@ -1,0 +1,114 @@
+import { tokContexts, tokTypes as tt } from "acorn";
+import { BOX, DICTIONARY, SELECTOR } from "./names.mjs";
+
+const SIMPLE_VALUES = new Set([tt.string, tt.num, tt._true, tt._false]);
+
+// What follows an `@`: boxed values, arrays, dictionaries and selectors.
+export const withBoxes = (Base) => class extends Base {
+  parseAt() {
+    const node = this.startNode();
+    const around = this.surroundings();
+    this.next();
+    if (this.start !== this.lastTokEnd) this.raise(this.lastTokStart, "Unexpected '@'");
+    if (this.type === tt.braceL) this.parseDictionary(around);
+    else if (this.type === tt.parenL) this.parseBoxedExpression(around);
+    else if (this.isContextual("selector")) this.parseSelectorLiteral(around);
+    else this.parseBoxedLiteral(around);
+    return this.finishNode(node, "CallExpression");
+  }
+
+  // Ends the call after the last token consumed.
+  closeCall(around, text) {
+    this.edits.insertAfter(this.tokenIndex - 1, text + around.close);
+  }
+
+  parseBoxedLiteral(around) {
+    this.openCall(around, `${BOX}(`);
+    if (this.type === tt.bracketL) this.parseBoxedArray();
+    else this.parseBoxedScalar();
+    this.closeCall(around, ")");
+  }
+
+  parseBoxedArray() {
+    this.next();
+    while (this.type !== tt.bracketR) {
+      if (this.type === tt.ellipsis) this.parseSpread();
+      else this.parseMaybeAssign(false);
+      if (this.type !== tt.bracketR) this.expect(tt.comma);
+    }
+    this.next();
+  }
+
+  parseBoxedScalar() {
+    const sign = this.type === tt.plusMin;
+    if (sign) this.next();
+    if (!(sign ? this.type === tt.num : SIMPLE_VALUES.has(this.type))) this.unexpected();
+    this.next();
+  }
+
+  parseBoxedExpression(around) {
+    this.openCall(around, BOX);
+    const paren = this.tokenIndex;
+    this.next();
+    const isList = this.parseExpression().type === "SequenceExpression";
+    this.expect(tt.parenR);
+    if (isList) this.edits.replace(paren, "((");
+    this.closeCall(around, isList ? ")" : "");
+  }
+
+  parseDictionary(around) {
+    this.openCall(around, `${DICTIONARY}(`);
+    this.edits.replace(this.tokenIndex, "[");
+    this.overrideContext(tokContexts.b_expr);
+    this.next();
+    while (this.type !== tt.braceR) {
+      this.parseEntry();
+      if (this.type !== tt.braceR) this.expect(tt.comma);
+    }
+    this.edits.replace(this.tokenIndex, "]");
+    this.next();
+    this.closeCall(around, ")");
+  }
+
+  parseEntry() {
+    this.edits.insertBefore(this.tokenIndex, "[");
+    this.parseMaybeAssign(false);
+    const colon = this.tokenIndex;
+    this.expect(tt.colon);
+    this.edits.tighten(colon);
+    this.edits.replace(colon, this.start === this.lastTokEnd ? ", " : ",");
+    this.parseMaybeAssign(false);
+    this.edits.insertAfter(this.tokenIndex - 1, "]");
+  }
+
+  parseSelectorLiteral(around) {
+    this.openCall(around, SELECTOR);
+    this.edits.replace(this.tokenIndex, "");
+    this.next();
+    this.expect(tt.parenL);
+    const first = this.tokenIndex;
+    const selector = this.parseSelector();
+    this.edits.tighten(this.tokenIndex);
+    this.expect(tt.parenR);
+    this.edits.replace(first, `"${selector}"`);
+    this.closeCall(around, "");
+  }
+
+  parseSelector() {
+    const takeToken = () => {
+      this.edits.tighten(this.tokenIndex);
+      this.edits.replace(this.tokenIndex, "");
+    };
+    let selector = "";
+    while (this.type !== tt.parenR || selector === "") {
+      takeToken();
+      if (this.type !== tt.colon) selector += this.parseIdent(true).name;
+      // Only a selector without arguments ends without a colon.
+      if (this.type === tt.parenR && !selector.includes(":")) break;
+      takeToken();
+      this.expect(tt.colon);
+      selector += ":";
+    }
+    return selector;
+  }
+};

@@ -1,0 +1,69 @@
+import { isNewLine } from "acorn";
+
+const SPACE = /\s/;
+const CONTINUES_EXPRESSION = /[(`.[+\-/*%<>=,?^&|]/;
+
+// Whether the directive prologue at `pos` holds "use strict". Reads the text
+// once, forward, and no further than the prologue: it runs for each function.
+export function hasUseStrict(input, pos) {
+  for (;;) {
+    const start = skipSpace(input, pos);
+    const end = stringEnd(input, start);
+    if (end < 0) return false;
+    const next = skipSpace(input, end);
+    if (input.slice(start + 1, end - 1) === "use strict") return endsStatement(input, end, next);
+    pos = input[next] === ";" ? next + 1 : next;
+  }
+}
+
+function skipSpace(input, pos) {
+  for (;;) {
+    const code = input.charCodeAt(pos);
+    if (code === 47 || (code === 35 && pos === 0)) {
+      const end = commentEnd(input, pos);
+      if (end < 0) return pos;
+      pos = end;
+    } else if (code === 32 || code === 10 || code === 9 || SPACE.test(input[pos])) {
+      pos++;
+    } else {
+      return pos;
+    }
+  }
+}
+
+function commentEnd(input, pos) {
+  const code = input.charCodeAt(pos + 1);
+  if (code === 42) {
+    const end = input.indexOf("*/", pos + 2);
+    return end < 0 ? -1 : end + 2;
+  }
+  const isHashbang = pos === 0 && input.startsWith("#!");
+  if (code !== 47 && !isHashbang) return -1;
+  for (pos += 2; pos < input.length && !isNewLine(input.charCodeAt(pos)); pos++);
+  return pos;
+}
+
+function stringEnd(input, start) {
+  const quote = input.charCodeAt(start);
+  if (quote !== 34 && quote !== 39) return -1;
+  for (let pos = start + 1; pos < input.length; pos++) {
+    const code = input.charCodeAt(pos);
+    if (code === quote) return pos + 1;
+    if (code === 92) pos++;
+    else if (code === 10 || code === 13) return -1;
+  }
+  return -1;
+}
+
+function endsStatement(input, end, next) {
+  const mark = input[next];
+  if (mark === undefined || mark === ";" || mark === "}") return true;
+  for (let pos = end; pos < next; pos++) {
+    if (isNewLine(input.charCodeAt(pos))) return !continuesExpression(input, next);
+  }
+  return false;
+}
+
+function continuesExpression(input, pos) {
+  return CONTINUES_EXPRESSION.test(input[pos]) || input.startsWith("!=", pos);
+}

@@ -1,0 +1,82 @@
+import { lineStarts } from "./lines.mjs";
+import { Mappings } from "./mappings.mjs";
+
+const BLANKS = /^[ \t]+$/;
+
+// No edit adds or removes a line break, so each generated token stands on the
+// line of its source: only columns move, by `shift` on the current line.
+class Emitter {
+  constructor(source) {
+    this.source = source;
+    this.lines = lineStarts(source);
+    this.lines.push(Infinity);
+    this.line = 0;
+    this.shift = 0;
+    this.code = "";
+    this.copied = 0;
+    this.mappings = new Mappings();
+  }
+
+  moveTo(offset) {
+    while (offset >= this.lines[this.line + 1]) {
+      this.line++;
+      this.shift = 0;
+    }
+  }
+
+  copyTo(offset) {
+    this.code += this.source.slice(this.copied, offset);
+    this.copied = offset;
+  }
+
+  insert(text) {
+    this.code += text;
+    this.shift += text.length;
+  }
+
+  drop(end) {
+    this.shift -= end - this.copied;
+    this.copied = end;
+  }
+
+  mark(offset) {
+    this.mappings.add(this.line, offset - this.lines[this.line], this.shift);
+  }
+
+  applyEdit(edit, previousEnd, start, end) {
+    if (edit.tight && BLANKS.test(this.source.slice(previousEnd, start))) {
+      this.copyTo(previousEnd);
+      this.drop(start);
+    }
+    this.copyTo(start);
+    this.insert(edit.before);
+    if (edit.text !== "") this.mark(start);
+    if (edit.text !== null) {
+      this.insert(edit.text);
+      this.drop(end);
+    }
+    if (edit.after !== "") {
+      this.copyTo(end);
+      this.moveTo(end);
+      this.insert(edit.after);
+    }
+  }
+}
+
+// The code and the "mappings" of its source map, from the offsets at which the
+// tokens start and end and from the edits of some of them.
+export function emit(source, starts, ends, edits) {
+  const emitter = new Emitter(source);
+  let previousEnd = 0;
+  for (let i = 0; i < starts.length; i++) {
+    const start = starts[i];
+    const edit = edits.byToken[i];
+    if (start >= emitter.lines[emitter.line + 1]) emitter.moveTo(start);
+    if (edit) emitter.applyEdit(edit, previousEnd, start, ends[i]);
+    // The end of the source and the void text of a template are empty tokens.
+    else if (ends[i] > start) emitter.mark(start);
+    previousEnd = ends[i];
+  }
+  emitter.copyTo(source.length);
+  return { code: emitter.code, mappings: emitter.mappings.toString() };
+}

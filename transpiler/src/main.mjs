@@ -1,0 +1,3 @@
+import { transpile } from "./transpile.mjs";
+
+globalThis.OBJSTranspiler = { transpile };

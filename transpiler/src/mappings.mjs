@@ -1,0 +1,47 @@
+const DIGITS = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+
+function vlq(number) {
+  let rest = number < 0 ? (-number * 2) | 1 : number * 2;
+  let text = "";
+  for (; rest > 31; rest >>>= 5) text += DIGITS[(rest & 31) | 32];
+  return text + DIGITS[rest];
+}
+
+// Writes the "mappings" of a version 3 map with one source, whose generated
+// lines are its source lines.
+export class Mappings {
+  constructor() {
+    this.pieces = [];
+    // Most tokens are as far from their predecessor in the code as in the
+    // source; the text of such a segment depends on that distance alone.
+    this.steps = [];
+    this.line = 0;
+    this.column = 0;
+    this.shift = 0;
+  }
+
+  add(line, column, shift) {
+    const step = column - this.column;
+    if (line === this.line && shift === this.shift && this.pieces.length > 0) {
+      this.pieces.push(this.steps[step] || (this.steps[step] = `,${vlq(step)}AA${vlq(step)}`));
+    } else {
+      this.addSegment(line, column, shift);
+    }
+    this.line = line;
+    this.column = column;
+    this.shift = shift;
+  }
+
+  addSegment(line, column, shift) {
+    const sameLine = line === this.line && this.pieces.length > 0;
+    const from = sameLine ? this.column + this.shift : 0;
+    this.pieces.push(
+      sameLine ? "," : ";".repeat(line - this.line),
+      `${vlq(column + shift - from)}A${vlq(line - this.line)}${vlq(column - this.column)}`,
+    );
+  }
+
+  toString() {
+    return this.pieces.join("");
+  }
+}

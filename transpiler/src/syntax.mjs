@@ -1,0 +1,70 @@
+import { tokTypes as tt } from "acorn";
+import { withBoxes } from "./boxes.mjs";
+import { withCalls } from "./calls.mjs";
+import { ORIG } from "./names.mjs";
+import { withSends } from "./sends.mjs";
+import { at, orig } from "./tokens.mjs";
+
+// The parser's own number, which it does not export.
+const SCOPE_FUNCTION = 2;
+
+const SUBSCRIPT_STARTS = new Set([tt.bracketL, tt.dot, tt.questionDot, tt.parenL, tt.backQuote]);
+
+// Where the hook language's expressions stand among those of JavaScript.
+const withAtoms = (Base) => class extends Base {
+  parseExprAtom(errors, forInit) {
+    if (this.type === tt.bracketL) return this.parseBracket(errors);
+    if (this.type === at) return this.parseAt();
+    if (this.type === orig) return this.parseOrig();
+    return super.parseExprAtom(errors, forInit);
+  }
+
+  parseOrig() {
+    const scope = this.currentThisScope();
+    if (!(scope.flags & SCOPE_FUNCTION) || scope.inClassFieldInit) {
+      this.raise(this.start, "%orig outside of a function");
+    }
+    const node = this.startNode();
+    const around = this.surroundings();
+    this.openCall(around, ORIG);
+    this.next();
+    if (this.type === tt.parenL) {
+      this.edits.replace(this.tokenIndex, "(this, arguments, [");
+      this.next();
+      this.parseExprList(tt.parenR, true, false);
+      this.edits.replace(this.tokenIndex - 1, `])${around.close}`);
+    } else {
+      this.edits.insertAfter(around.index, `(this, arguments)${around.close}`);
+    }
+    return this.finishNode(node, "CallExpression");
+  }
+
+  parseSubscript(base, startPos, startLoc, noCalls, maybeAsyncArrow, optionalChained, forInit) {
+    if (!SUBSCRIPT_STARTS.has(this.type)) return base;
+    if (this.type !== tt.bracketL) {
+      return super.parseSubscript(base, startPos, startLoc, noCalls, maybeAsyncArrow, optionalChained, forInit);
+    }
+    const bracket = this.start;
+    const node = this.startNodeAt(startPos, startLoc);
+    node.object = base;
+    this.next();
+    node.property = this.parseExpression();
+    if (this.isSelectorPart()) {
+      this.raise(bracket, "A message send cannot follow an expression; is a semicolon missing before the '['?");
+    }
+    this.expect(tt.bracketR);
+    node.computed = true;
+    node.optional = false;
+    return this.finishNode(node, "MemberExpression");
+  }
+
+  // `let` and a line break before `%orig` are a statement of their own, but
+  // would declare the name of the call that stands there in the code.
+  parseExpressionStatement(node, expression) {
+    const isLet = expression.type === "Identifier" && expression.name === "let";
+    if (isLet && (this.type === at || this.type === orig)) this.unexpected();
+    return super.parseExpressionStatement(node, expression);
+  }
+};
+
+export const withSyntax = (Base) => withAtoms(withBoxes(withSends(withCalls(Base))));

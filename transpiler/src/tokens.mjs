@@ -1,0 +1,66 @@
+import { TokenType, isIdentifierChar } from "acorn";
+import { Edits } from "./edits.mjs";
+import { syntaxError } from "./errors.mjs";
+
+export const at = new TokenType("@", { beforeExpr: true, startsExpr: true });
+export const orig = new TokenType("%orig", { startsExpr: true });
+
+const ORIG_TEXT = "%orig";
+
+// The tokens `@` and `%orig`, and a record of where all tokens stand.
+export const withTokens = (Base) => class extends Base {
+  constructor(options, input, startPos) {
+    super(options, input, startPos);
+    this.starts = [];
+    this.ends = [];
+    this.edits = new Edits();
+  }
+
+  // Index of the current token, which is the last of those not yet consumed.
+  get tokenIndex() {
+    return this.starts.length;
+  }
+
+  next(ignoreEscapeSequenceInKeyword) {
+    this.starts.push(this.start);
+    this.ends.push(this.end);
+    super.next(ignoreEscapeSequenceInKeyword);
+  }
+
+  getTokenFromCode(code) {
+    if (code === 64) {
+      this.pos++;
+      return this.finishToken(at);
+    }
+    if (code === 37 && this.isOrigAt(this.pos)) {
+      this.pos += ORIG_TEXT.length;
+      return this.finishToken(orig);
+    }
+    return super.getTokenFromCode(code);
+  }
+
+  isOrigAt(pos) {
+    if (!this.input.startsWith(ORIG_TEXT, pos)) return false;
+    const end = pos + ORIG_TEXT.length;
+    const code = end < this.input.length ? this.input.codePointAt(end) : 0;
+    // A backslash begins an escaped character of an identifier.
+    return code !== 92 && !isIdentifierChar(code, true);
+  }
+
+  unexpected(pos) {
+    const offset = pos == null ? this.start : pos;
+    if (this.type === orig && offset === this.start) {
+      this.raise(offset, "'%orig' cannot follow an expression; the remainder is written '% orig'");
+    }
+    if (this.type === at && offset === this.start) this.raise(offset, "Unexpected '@'");
+    this.raise(offset, "Unexpected token");
+  }
+
+  raise(pos, message) {
+    throw syntaxError(this.input, pos, message);
+  }
+
+  raiseRecoverable(pos, message) {
+    this.raise(pos, message);
+  }
+};

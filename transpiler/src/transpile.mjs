@@ -1,0 +1,26 @@
+import { emit } from "./emit.mjs";
+import { syntaxError } from "./errors.mjs";
+import { HookParser } from "./parser.mjs";
+
+const SOURCE_NAME = "tweak.objs";
+
+export function transpile(source) {
+  if (typeof source !== "string") throw new TypeError("The hook source must be a string");
+  const parser = new HookParser({ ecmaVersion: "latest", sourceType: "script" }, source);
+  parse(parser, source);
+  const { code, mappings } = emit(source, parser.starts, parser.ends, parser.edits);
+  const map = { version: 3, sources: [SOURCE_NAME], sourcesContent: [source], names: [], mappings };
+  return { code, map: JSON.stringify(map) };
+}
+
+function parse(parser, source) {
+  try {
+    parser.parse();
+  } catch (error) {
+    // The parser recurses as deep as the source nests.
+    if (error instanceof RangeError && /call stack/i.test(error.message)) {
+      throw syntaxError(source, parser.start, "Nested too deeply");
+    }
+    throw error;
+  }
+}

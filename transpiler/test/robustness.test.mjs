@@ -1,0 +1,93 @@
+import assert from "node:assert/strict";
+import test from "node:test";
+import vm from "node:vm";
+import { OBJSTranspiler, SAMPLE, codeOf, context, errorOf, transpile } from "./support.mjs";
+
+test("adds one global with one method of one argument", () => {
+  assert.deepEqual(Object.keys(context), ["OBJSTranspiler"]);
+  assert.deepEqual(Object.keys(OBJSTranspiler), ["transpile"]);
+  assert.equal(OBJSTranspiler.transpile.length, 1);
+});
+
+test("ends deep nesting with a SyntaxError", () => {
+  const depth = 20000;
+  const around = (open, inner, close) => open.repeat(depth) + inner + close.repeat(depth);
+  for (const source of [around("[", "x", " y]"), around("[", "", "]"), around("[x y:", "1", "]"), around("@[", "", "]"), around("@{1:", "2", "}"), around("(", "1", ")"), around("{", "", "}"), "[".repeat(depth)]) {
+    const error = errorOf(source);
+    assert.equal(error && error.name, "SyntaxError", source.slice(0, 9));
+    assert.match(error.message, /^Nested too deeply \(1:\d+\)$/);
+  }
+  assert.equal(codeOf("[a b]"), 'objc_send(a, "b")');
+});
+
+test("takes long chains and lists in its stride", () => {
+  const times = 20000;
+  for (const source of ["x" + " + x".repeat(times), "x" + ".y".repeat(times), "x" + " || y && z".repeat(times), "f(" + "a,".repeat(times) + ")", "x;\n".repeat(times)]) {
+    assert.equal(codeOf(source), source);
+  }
+});
+
+// The time of twice the source over that of the source, for the best of a few runs.
+function growth(source) {
+  const time = (text) => {
+    const start = process.hrtime.bigint();
+    transpile(text);
+    return Number(process.hrtime.bigint() - start);
+  };
+  const best = (text) => Math.min(...Array.from({ length: 3 }, () => time(text)));
+  time(source);
+  return best(source + source.replaceAll("ID", "JD")) / best(source);
+}
+
+test("takes time in proportion to the source", () => {
+  const numbered = (count, line) => Array.from({ length: count }, (_, i) => line(i)).join("\n");
+  const sources = {
+    declarations: numbered(5000, (i) => `const IDc${i} = ${i}; var IDv${i}; function IDf${i}() {}`),
+    functions: numbered(6000, (i) => `x = function() { /* IDf${i} */ "a"; return [a b:${i}] };`),
+    "sends on one line": numbered(6000, (i) => `[ID${i} foo:@"a" bar:@[b]];`).replaceAll("\n", " "),
+  };
+  for (const [name, source] of Object.entries(sources)) {
+    // Quadratic time would give 4; the margin is for a busy machine.
+    const ratios = [growth(source)];
+    while (ratios.at(-1) >= 3 && ratios.length < 4) ratios.push(growth(source));
+    assert.ok(ratios.at(-1) < 3, `${name}: ${ratios}`);
+  }
+});
+
+// A small generator of pseudo-random numbers: the same mutations in each run.
+function generator(seed) {
+  let state = seed;
+  return (limit) => {
+    state = (Math.imul(state, 1664525) + 1013904223) >>> 0;
+    return Math.floor((state / 2 ** 32) * limit);
+  };
+}
+
+test("mutated sources become valid JavaScript or throw a SyntaxError", () => {
+  const random = generator(20);
+  const words = SAMPLE.split(/\b|(?=\W)/);
+  const pieces = words.concat("let\n", "async ", "new ", "%orig", "@", "[", "]", "class ", "`${", "}", "\u2028", "return ", "yield ", "=>", "<!--", "\\u{");
+  let accepted = 0;
+  for (let round = 0; round < 2000; round++) {
+    const mutant = words.slice();
+    for (let edits = 1 + random(2); edits > 0; edits--) {
+      mutant.splice(random(mutant.length), random(3), pieces[random(pieces.length)]);
+    }
+    const source = mutant.join("");
+    const error = errorOf(source);
+    if (error) {
+      assert.equal(error.name, "SyntaxError", `${error.stack}\n${source}`);
+      assert.match(error.message, new RegExp(`\\(${error.line}:${error.column}\\)$`));
+    } else {
+      accepted++;
+      assert.doesNotThrow(() => new vm.Script(codeOf(source)), source);
+    }
+  }
+  assert.ok(accepted > 100, `${accepted} accepted`);
+});
+
+test("the sample is valid JavaScript, line by line in place", () => {
+  const code = codeOf(SAMPLE);
+  new vm.Script(code);
+  assert.equal(code.split("\n").length, SAMPLE.split("\n").length);
+});

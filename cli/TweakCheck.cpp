@@ -7,6 +7,7 @@
 #include <system_error>
 
 #include "tavlen/foundation/CodingPath.h"
+#include "tavlen/foundation/FileSystem.h"
 #include "tavlen/foundation/MethodTypes.h"
 #include "tavlen/tweaks/GlyphNames.h"
 
@@ -41,13 +42,16 @@ class Checker {
 
   void checkGlyph() {
     const auto& glyph = tweak_.manifest.configuration._glyph;
-    if (!glyph || isKnownGlyph(glyph->icon, glyph->style)) return;
-    std::string text = "unknown glyph \"" + abbreviated(glyph->icon) + "\" in style \"" +
-                       abbreviated(glyph->style) + "\"";
-    const auto suggestion = suggestedGlyph(glyph->icon);
-    if (suggestion && *suggestion != glyph->icon)
-      text += "; did you mean \"" + std::string(*suggestion) + "\"?";
+    if (!glyph || isKnownGlyph(*glyph)) return;
+    std::string text = "unknown glyph " + described(*glyph);
+    if (const auto suggestion = suggestedGlyph(*glyph)) {
+      text += "; did you mean " + described(*suggestion) + "?";
+    }
     warn("configuration.glyph", text);
+  }
+
+  static std::string described(const TweakGlyph& glyph) {
+    return "\"" + abbreviated(glyph.icon) + "\" in the style \"" + abbreviated(glyph.style) + "\"";
   }
 
   void checkIdentity(const Hook& hook, const std::string& place) {

@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <system_error>
 
@@ -105,6 +106,22 @@ std::string readUTF8(const std::filesystem::path& path) {
 bool isPlainComponent(std::string_view name) {
   return !name.empty() && name != "." && name != ".." &&
          name.find_first_of(std::string_view("/\0", 2)) == std::string_view::npos;
+}
+
+std::optional<std::filesystem::path> pathInside(const std::filesystem::path& folder,
+                                                std::string_view name) {
+  const std::filesystem::path relative(name);
+  if (name.empty() || name.find('\0') != std::string_view::npos || relative.is_absolute()) {
+    return std::nullopt;
+  }
+  std::error_code error;
+  const std::filesystem::path base = std::filesystem::weakly_canonical(folder, error);
+  if (error) return std::nullopt;
+  const std::filesystem::path file = std::filesystem::weakly_canonical(base / relative, error);
+  if (error) return std::nullopt;
+  const auto [inBase, inFile] = std::mismatch(base.begin(), base.end(), file.begin(), file.end());
+  if (inBase != base.end() || inFile == file.end()) return std::nullopt;
+  return file;
 }
 
 }  // namespace tavlen

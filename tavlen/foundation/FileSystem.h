@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -25,5 +26,11 @@ std::string readUTF8(const std::filesystem::path& path);
 /// empty, not "." or "..", without "/" and NUL. To be asked before a stored identifier becomes part
 /// of a path.
 bool isPlainComponent(std::string_view name);
+
+/// The file that `name`, a stored relative path, names below `folder`; nothing when it is empty or
+/// absolute, holds a NUL, or leads out of the folder, by its components or through a symbolic link.
+/// The file need not exist.
+std::optional<std::filesystem::path> pathInside(const std::filesystem::path& folder,
+                                                std::string_view name);
 
 }  // namespace tavlen

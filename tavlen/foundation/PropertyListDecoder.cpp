@@ -191,13 +191,14 @@ void PropertyListDecoder::elements(FunctionRef<void()> element) {
   }
 }
 
-std::string PropertyListDecoder::peekString(std::string_view key) {
+std::string_view PropertyListDecoder::peekString(std::string_view key) {
   chargeVisits(require<PropertyList::Dictionary>("a dictionary").members.size());
   const std::optional<Index> value = list_.find(here_, key);
   if (!value) throw DecodingError::keyNotFound(key);
   Inside inside(*this);
   inside.moveTo(*value);
-  return underKey(key, [this] { return string(); });
+  return underKey(
+      key, [this]() -> std::string_view { return chargedText(require<std::string>("a string")); });
 }
 
 bool PropertyListDecoder::attempt(FunctionRef<void()> read) {

@@ -40,7 +40,7 @@ class PropertyListDecoder final : public Decoder {
   void record(std::span<const FieldDecoder> fields, void* record) override;
   void members(FunctionRef<void(std::string_view key)> member) override;
   void elements(FunctionRef<void()> element) override;
-  std::string peekString(std::string_view key) override;
+  std::string_view peekString(std::string_view key) override;
   bool attempt(FunctionRef<void()> read) override;
 
  private:

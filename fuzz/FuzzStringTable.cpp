@@ -1,0 +1,46 @@
+// A table of translations is text of anybody's making; so are the formats it holds.
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tavlen/foundation/Placeholders.h"
+#include "tavlen/foundation/StringTable.h"
+#include "tavlen/foundation/Unicode.h"
+
+namespace {
+
+/// `text` as a quoted string of a table.
+std::string quoted(std::string_view text) {
+  std::string out = "\"";
+  for (const char character : text) {
+    if (character == '"' || character == '\\') out += '\\';
+    out += character;
+  }
+  return out + "\"";
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const std::string_view text(reinterpret_cast<const char*>(data), size);
+  const auto table = tavlen::StringTable::parse(text);
+  if (table && tavlen::isValidUTF8(text)) {
+    const std::string* value = table->find("k");
+    if (value != nullptr && !tavlen::isValidUTF8(*value)) std::abort();
+  }
+
+  // Whatever a text holds, its quoted form reads back to it.
+  const auto written = tavlen::StringTable::parse(quoted(text) + "=" + quoted(text) + ";");
+  const std::string* value = written ? written->find(text) : nullptr;
+  if (value == nullptr || *value != text) std::abort();
+
+  // A format loses at most half of each "%%", and no placeholder is shorter than these arguments.
+  const std::string plain = tavlen::fillPlaceholders(text, {});
+  if (plain.size() > size || plain.size() < size / 2) std::abort();
+  const std::vector<std::string> arguments(2, "%@");
+  if (tavlen::fillPlaceholders(text, arguments).size() > size) std::abort();
+  return 0;
+}

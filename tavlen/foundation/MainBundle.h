@@ -17,8 +17,12 @@ namespace MainBundle {
 void setURL(std::filesystem::path folder);
 std::filesystem::path url();
 
-/// The entry of the bundle's "Localizable" table for `text.key` in the user's language; the English
-/// where the table, the key or the whole bundle is missing, or the table cannot be read.
+/// The entry of the bundle's table `Localizable.strings` for `text.key`; the English where there is
+/// none, or no table, or one that cannot be read, and for an empty key.
+///
+/// The table is that of the user's language (`zh-Hant-TW.lproj`, `zh-Hant.lproj`, `zh.lproj`; also
+/// with underscores), else `en.lproj`, `Base.lproj` or the bundle itself: the first that is there.
+/// It is read once, so a later change of the file or of the language is not seen before setURL.
 std::string localizedString(const LocalizedText& text);
 
 }  // namespace MainBundle

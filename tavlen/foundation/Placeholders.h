@@ -9,9 +9,10 @@ namespace tavlen {
 /// `format` with its placeholders replaced by `arguments`, in one pass: what an argument holds is
 /// never read again.
 ///
-/// `%@`, `%d` and the other plain conversions take the next argument, `%1$@` the one of that
-/// number, `%%` is a percent sign. A placeholder without an argument, and one that is none, stays
-/// as it is written.
+/// `%@`, `%d`, `%ld` and the other conversions of C, without flags, width and precision, take the
+/// next argument; `%2$@` takes the second; `%%` is a percent sign. Arguments are finished texts, so
+/// the conversion's letter makes no difference. A placeholder without an argument stays as it is
+/// written, and so does a percent sign that begins none.
 std::string fillPlaceholders(std::string_view format, std::span<const std::string> arguments);
 
 }  // namespace tavlen

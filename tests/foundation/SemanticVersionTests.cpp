@@ -1,0 +1,150 @@
+#include "tavlen/foundation/SemanticVersion.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace tavlen {
+namespace {
+
+/// Ascending; the versions of one row are equal.
+const std::vector<std::vector<std::string>> kOrdered = {
+    {"0.0.0-0", "0-00", "0.0-0+0"},
+    {"0.0.0-0.0"},
+    {"0", "0.0", "0.0.0", "000", "0+-"},
+    {"0.0.1"},
+    {"0.1", "0.1.0", "0.01"},
+    {"1.0.0-1"},
+    {"1.0.0-2", "1-002"},
+    {"1.0.0-10"},
+    {"1.0.0-99999999999999999999"},
+    {"1.0.0-100000000000000000000", "1-0100000000000000000000"},
+    {"1.0.0--"},
+    {"1.0.0-01a"},
+    {"1.0.0-1a"},
+    {"1.0.0-Z"},
+    {"1.0.0-alpha", "1-alpha+1"},
+    {"1.0.0-alpha.1", "1.0-alpha.1"},
+    {"1.0.0-alpha.beta"},
+    {"1.0.0-beta"},
+    {"1.0.0-beta.2"},
+    {"1.0.0-beta.11"},
+    {"1.0.0-rc.1"},
+    {"1.0.0", "1", "01.00", "1+a-b.001"},
+    {"1.2.3"},
+    {"1.10"},
+    {"14", "14.0", "14.0.0"},
+    {"14.0.1"},
+    {"9223372036854775806.9223372036854775807"},
+    {"9223372036854775807", "0009223372036854775807.0.0+x.y"},
+};
+
+TEST(SemanticVersion, OrderEqualityAndHashAgree) {
+  std::vector<std::pair<std::size_t, SemanticVersion>> versions;
+  for (std::size_t row = 0; row < kOrdered.size(); ++row) {
+    for (const std::string& text : kOrdered[row]) {
+      const auto version = SemanticVersion::parse(text);
+      ASSERT_TRUE(version) << text;
+      EXPECT_EQ(version->description(), text);
+      versions.emplace_back(row, *version);
+    }
+  }
+  for (const auto& [leftRow, left] : versions) {
+    for (const auto& [rightRow, right] : versions) {
+      SCOPED_TRACE(left.description() + " and " + right.description());
+      EXPECT_EQ(left <=> right, std::weak_ordering(leftRow <=> rightRow));
+      EXPECT_EQ(left == right, leftRow == rightRow);
+      if (leftRow == rightRow) {
+        EXPECT_EQ(left.hash(), right.hash());
+      }
+    }
+  }
+  EXPECT_EQ(SemanticVersion(), SemanticVersion::parse("0"));
+}
+
+TEST(SemanticVersion, OtherTextsDoNotParse) {
+  const std::string kRefused[] = {"",
+                                  ".",
+                                  "1.",
+                                  ".1",
+                                  "1..2",
+                                  "1.2.3.4",
+                                  "1.2.3.",
+                                  " 1",
+                                  "1 ",
+                                  "1. 2",
+                                  "\n1",
+                                  "v1",
+                                  "1.x",
+                                  "+1",
+                                  "-1",
+                                  "1.-2",
+                                  "1-",
+                                  "1+",
+                                  "1-+",
+                                  "1-a+",
+                                  "1-.a",
+                                  "1-a.",
+                                  "1-a..b",
+                                  "1+a..b",
+                                  "1+a+b",
+                                  "1+a.",
+                                  "1-a b",
+                                  "1-\xC3\xA9",
+                                  "1,0",
+                                  "0x1",
+                                  "1e1",
+                                  "１",
+                                  "1.2.3.-a",
+                                  "1_0",
+                                  std::string("1\0", 2),
+                                  "9223372036854775808",
+                                  "1.2.18446744073709551616"};
+  for (const std::string& text : kRefused) EXPECT_FALSE(SemanticVersion::parse(text)) << text;
+}
+
+/// Stands before one text.
+class TextDecoder : public Decoder {
+ public:
+  explicit TextDecoder(std::string text) : text_(std::move(text)) {}
+  std::string string() override { return text_; }
+  bool null() override { return false; }
+  bool boolean() override { throw DecodingError::typeMismatch("a bool", "a string"); }
+  std::int64_t integer() override { throw DecodingError::typeMismatch("a number", "a string"); }
+  std::uint64_t unsignedInteger() override { return static_cast<std::uint64_t>(integer()); }
+  double real() override { return static_cast<double>(integer()); }
+  Date date() override { throw DecodingError::typeMismatch("a date", "a string"); }
+  void record(std::span<const FieldDecoder>, void*) override { integer(); }
+  void members(FunctionRef<void(std::string_view)>) override { integer(); }
+  void elements(FunctionRef<void()>) override { integer(); }
+  std::string peekString(std::string_view) override { return {}; }
+  bool attempt(FunctionRef<void()>) override { return false; }
+
+ private:
+  std::string text_;
+};
+
+TEST(SemanticVersion, IsStoredAsOneText) {
+  std::optional<SemanticVersion> version;
+  TextDecoder good("1.02-a");
+  decode(good, version);
+  ASSERT_TRUE(version);
+  EXPECT_EQ(version->description(), "1.02-a");
+  for (const auto& [text, shown] :
+       {std::pair(std::string("1.x"), std::string("1.x")),
+        std::pair(std::string(1000, 'v'), std::string(200, 'v') + "…")}) {
+    TextDecoder bad(text);
+    try {
+      decode(bad, version);
+      ADD_FAILURE() << text;
+    } catch (const DecodingError& error) {
+      EXPECT_EQ(error.which(), DecodingError::Case::dataCorrupted);
+      EXPECT_EQ(error.text(), "Invalid version: \"" + shown + "\"");
+    }
+  }
+}
+
+}  // namespace
+}  // namespace tavlen

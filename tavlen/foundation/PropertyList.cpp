@@ -6,6 +6,18 @@
 
 namespace tavlen {
 
+std::size_t PropertyList::referenceCount() const {
+  std::size_t count = 0;
+  for (const Node& node : nodes_) {
+    if (const auto* array = std::get_if<Array>(&node)) {
+      count += array->elements.size();
+    } else if (const auto* dictionary = std::get_if<Dictionary>(&node)) {
+      count += 2 * dictionary->members.size();
+    }
+  }
+  return count;
+}
+
 std::optional<PropertyList::Index> PropertyList::find(Index index, std::string_view key) const {
   const auto* dictionary = get<Dictionary>(index);
   if (dictionary == nullptr) return std::nullopt;

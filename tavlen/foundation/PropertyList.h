@@ -67,6 +67,9 @@ class PropertyList {
                             Array, Dictionary>;
 
   std::size_t size() const { return nodes_.size(); }
+  /// How many indices the containers hold together. A walk that looks at more of them has met
+  /// shared objects.
+  std::size_t referenceCount() const;
   /// Meaningful once the table is not empty.
   Index root() const { return root_; }
   void setRoot(Index root) { root_ = root; }

@@ -54,16 +54,9 @@ class PropertyListDecoder::Inside {
 
 PropertyListDecoder::PropertyListDecoder(const PropertyList& list)
     : list_(list), here_(list.root()) {
+  visitsLeft_ += kPasses * (list.size() + list.referenceCount());
   for (Index i = 0; i < list.size(); ++i) {
-    std::size_t references = 0;
-    if (const auto* array = list.get<PropertyList::Array>(i)) {
-      references = array->elements.size();
-    } else if (const auto* dictionary = list.get<PropertyList::Dictionary>(i)) {
-      references = 2 * dictionary->members.size();
-    } else if (const auto* text = list.get<std::string>(i)) {
-      textBytesLeft_ += kPasses * text->size();
-    }
-    visitsLeft_ += kPasses * (1 + references);
+    if (const auto* text = list.get<std::string>(i)) textBytesLeft_ += kPasses * text->size();
   }
 }
 

@@ -15,7 +15,8 @@ using Index = PropertyList::Index;
 
 /// What the reader's XML library still reads back.
 constexpr std::size_t kDeepest = 250;
-constexpr std::size_t kMostValues = 10'000'000;
+/// Beyond what the list itself holds: a small list can stand for a huge tree.
+constexpr std::size_t kSharedValues = 1'000'000;
 constexpr std::size_t kMostBytes = std::size_t{256} << 20;
 
 constexpr std::string_view kHeader =
@@ -36,7 +37,8 @@ bool isTextForXML(std::string_view text) {
 
 class Writer {
  public:
-  explicit Writer(const PropertyList& list) : list_(list) {}
+  explicit Writer(const PropertyList& list)
+      : list_(list), valuesLeft_(kSharedValues + list.size() + list.referenceCount()) {}
 
   std::string write() {
     out_ = kHeader;
@@ -66,10 +68,15 @@ class Writer {
     std::size_t next = 0;
   };
 
-  void appendValue(Index index) {
-    if (++values_ > kMostValues || out_.size() > kMostBytes) {
+  void charge(std::size_t values) {
+    if (values > valuesLeft_ || out_.size() > kMostBytes) {
       throw EncodingError::invalidValue("the property list is too large for XML");
     }
+    valuesLeft_ -= values;
+  }
+
+  void appendValue(Index index) {
+    charge(1);
     std::visit([this](const auto& value) { append(value); }, list_.node(index));
   }
 
@@ -152,7 +159,7 @@ class Writer {
 
   void append(const PropertyList::Dictionary& value) {
     if (value.members.empty()) return appendEmpty("<dict/>\n");
-    values_ += value.members.size();  // sorting them is work even where all keys are equal
+    charge(value.members.size());  // sorting them is work even where all keys are equal
     const auto key = [this](const PropertyList::Member& m) -> std::string_view {
       return list_.string(m.key);
     };
@@ -182,7 +189,7 @@ class Writer {
   const PropertyList& list_;
   std::string out_;
   std::vector<Frame> frames_;
-  std::size_t values_ = 0;
+  std::size_t valuesLeft_;
 };
 
 }  // namespace

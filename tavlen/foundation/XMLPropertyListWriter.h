@@ -10,9 +10,9 @@ namespace tavlen {
 /// bytes, the last of equal ones only.
 ///
 /// XML has no references: a shared object is written out at each place. Throws EncodingError for a
-/// list more than 250 containers deep (a cycle is one), for more than about five million values or
-/// 256 MiB of XML, for text that is no valid UTF-8 or holds characters that XML lacks (most control
-/// characters), and for dates outside of the years 0 to 9999.
+/// list more than 250 containers deep (a cycle is one), for a million values more than it holds
+/// itself, for 256 MiB of XML, for text that is no valid UTF-8 or holds characters that XML lacks
+/// (most control characters), and for dates outside of the years 0 to 9999.
 std::string writeXMLPropertyList(const PropertyList& list);
 
 }  // namespace tavlen

@@ -1,13 +1,12 @@
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <limits>
 
-#include "PropertyListGraph.h"
 #include "RandomPropertyList.h"
-#include "tavlen/foundation/Base64.h"
 #include "tavlen/foundation/FileSystem.h"
 #include "tavlen/foundation/PropertyListSerialization.h"
 #include "tavlen/foundation/XMLPropertyListScalars.h"
@@ -375,27 +374,6 @@ TEST(PropertyListInPython, agrees) {
     }
   }
   std::filesystem::remove_all(folder);
-}
-
-TEST(Base64, isStrict) {
-  const struct {
-    std::string bytes;
-    const char* text;
-  } rows[] = {{"", ""},
-              {"\0"s, "AA=="},
-              {"\xFF", "/w=="},
-              {"\xFF\xFF", "//8="},
-              {"\xFB\xEF\xBE", "++++"},
-              {"abcd", "YWJjZA=="}};
-  for (const auto& row : rows) {
-    EXPECT_EQ(base64FromBytes(row.bytes), row.text);
-    EXPECT_EQ(bytesFromBase64(row.text), row.bytes);
-  }
-  for (const char* text : {"A", "AA", "AA=", "AA===", "AAA", "AAA==", "AAAA=", "====", "AA==AA==",
-                           "AA=A", "A-_A", "AA ==", "\xC3\xA9=="}) {
-    EXPECT_EQ(bytesFromBase64(text), std::nullopt) << text;
-  }
-  EXPECT_EQ(bytesFromBase64(" A\nA\t=\r= ", Base64Blanks::skipped), "\0"s);
 }
 
 }  // namespace

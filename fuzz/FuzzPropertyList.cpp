@@ -1,0 +1,61 @@
+// Whatever is read as a property list is written as the same one, and decoding it ends.
+#include <cstdlib>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tavlen/foundation/PropertyListDecoder.h"
+#include "tests/foundation/PropertyListGraph.h"
+
+using namespace tavlen;
+
+namespace {
+
+struct Record {
+  std::optional<std::string> name;
+  std::optional<std::vector<Record>> items;
+  std::optional<std::vector<std::uint64_t>> sizes;
+  std::optional<std::vector<std::optional<double>>> reals;
+  std::optional<Date> date;
+  static constexpr auto codedFields() {
+    return std::tuple{optionalField("a", &Record::name), optionalField("b", &Record::items),
+                      optionalField("c", &Record::sizes), optionalField("d", &Record::reals),
+                      optionalField("e", &Record::date)};
+  }
+};
+
+void require(bool condition) {
+  if (!condition) std::abort();
+}
+
+void requireSameAfterWriting(const PropertyList& list) {
+  const std::string binary = writePropertyList(list, PropertyListFormat::binary);
+  const PropertyList again = readPropertyList(binary);
+  require(sameGraph(list, again));
+  require(writePropertyList(again, PropertyListFormat::binary) == binary);
+  std::string xml;
+  try {
+    xml = writePropertyList(list, PropertyListFormat::xml);
+  } catch (const EncodingError&) {
+    return;  // XML holds less: no cycles, no control characters
+  }
+  // Small integers lose their 16 bytes and dates their fractions, so the texts are compared.
+  require(writePropertyList(readPropertyList(xml), PropertyListFormat::xml) == xml);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  try {
+    const PropertyList list =
+        readPropertyList(std::string_view(reinterpret_cast<const char*>(data), size));
+    requireSameAfterWriting(list);
+    PropertyListDecoder decoder(list);
+    Record record;
+    decode(decoder, record);
+  } catch (const DecodingError&) {
+    // Refused, which is an answer.
+  }
+  return 0;
+}

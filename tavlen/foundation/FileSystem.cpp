@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <system_error>
 
@@ -57,12 +58,12 @@ struct ByteOrderMark {
 };
 
 // The four-byte marks first: one of them begins with a two-byte mark.
-constexpr ByteOrderMark kWideMarks[] = {
+constexpr std::array<ByteOrderMark, 4> kWideMarks = {{
     {{"\xFF\xFE\0\0", 4}, TextEncoding::utf32LittleEndian},
     {{"\0\0\xFE\xFF", 4}, TextEncoding::utf32BigEndian},
     {{"\xFE\xFF", 2}, TextEncoding::utf16BigEndian},
     {{"\xFF\xFE", 2}, TextEncoding::utf16LittleEndian},
-};
+}};
 
 }  // namespace
 

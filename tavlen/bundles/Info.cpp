@@ -63,7 +63,8 @@ void Info::setOrientations(const Orientations& orientations) {
 Orientations Info::ipadOrientations() const { return knownOrientations(_ipadOrientations); }
 
 void Info::setIpadOrientations(const Orientations& orientations) {
-  _orientations = storedOrientations(orientations);  // sic
+  // Not the iPad's list, which only an override writes: users' tweaks rely on it.
+  _orientations = storedOrientations(orientations);
 }
 
 void Coding<Info::DeviceFamily>::encode(Encoder& encoder, Info::DeviceFamily value) {

@@ -87,8 +87,10 @@ class Writer {
       } else if (const auto* dictionary = list_.get<PropertyList::Dictionary>(index)) {
         addObject(index);
         const auto& members = dictionary->members;
-        for (auto m = members.rbegin(); m != members.rend(); ++m) pending.push_back(m->value);
-        for (auto m = members.rbegin(); m != members.rend(); ++m) pending.push_back(m->key);
+        std::for_each(members.rbegin(), members.rend(),
+                      [&](const auto& member) { pending.push_back(member.value); });
+        std::for_each(members.rbegin(), members.rend(),
+                      [&](const auto& member) { pending.push_back(member.key); });
       } else {
         const auto next = static_cast<Index>(order_.size());
         const auto [known, isNew] = scalars_.try_emplace(scalarKey(index), next);

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <system_error>
 
@@ -58,12 +59,12 @@ struct ByteOrderMark {
 };
 
 // The four-byte marks first: one of them begins with a two-byte mark.
-constexpr ByteOrderMark kWideMarks[] = {
+constexpr std::array<ByteOrderMark, 4> kWideMarks = {{
     {{"\xFF\xFE\0\0", 4}, TextEncoding::utf32LittleEndian},
     {{"\0\0\xFE\xFF", 4}, TextEncoding::utf32BigEndian},
     {{"\xFE\xFF", 2}, TextEncoding::utf16BigEndian},
     {{"\xFF\xFE", 2}, TextEncoding::utf16LittleEndian},
-};
+}};
 
 }  // namespace
 

@@ -1,5 +1,6 @@
 #include "tavlen/foundation/PropertyList.h"
 
+#include <algorithm>
 #include <array>
 #include <limits>
 #include <stdexcept>
@@ -22,10 +23,10 @@ std::optional<PropertyList::Index> PropertyList::find(Index index, std::string_v
   const auto* dictionary = get<Dictionary>(index);
   if (dictionary == nullptr) return std::nullopt;
   const auto& members = dictionary->members;
-  for (auto member = members.rbegin(); member != members.rend(); ++member) {
-    if (string(member->key) == key) return member->value;
-  }
-  return std::nullopt;
+  const auto found = std::find_if(members.rbegin(), members.rend(),
+                                  [&](const Member& member) { return string(member.key) == key; });
+  if (found == members.rend()) return std::nullopt;
+  return found->value;
 }
 
 std::optional<std::int64_t> PropertyList::integer(Index index) const {

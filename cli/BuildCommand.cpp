@@ -6,9 +6,9 @@
 #include "cli/Commands.h"
 #include "cli/Console.h"
 #include "cli/Transpilation.h"
+#include "cli/TranspilerOption.h"
 #include "cli/TweakArgument.h"
 #include "tavlen/foundation/FileReplacement.h"
-#include "tavlen/foundation/MainBundle.h"
 
 namespace tavlen::cli {
 
@@ -22,9 +22,7 @@ struct Options {
 
 int build(const Options& options) {
   const OpenedTweak tweak = openTweak(options.tweak);
-  const auto output =
-      transpile(tweak, options.transpiler.empty() ? MainBundle::url()
-                                                  : std::filesystem::path(options.transpiler));
+  const auto output = transpile(tweak, transpilerFolder(options.transpiler));
   if (!output) {
     printError(tweak.argument + ": does not build");
     return 1;
@@ -51,8 +49,7 @@ void addBuildCommand(CLI::App& app, Action& action) {
           "-o,--output", options->output,
           "The folder that code.js and code.js.map are written to; without it the code is printed")
       ->type_name("DIR");
-  command->add_option("--transpiler", options->transpiler, "The folder of another ob.js")
-      ->type_name("DIR");
+  addTranspilerOption(*command, options->transpiler);
   command->callback([options, &action] { action = [options] { return build(*options); }; });
 }
 

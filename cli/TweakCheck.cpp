@@ -99,10 +99,10 @@ class Checker {
         checkResources(array->_items[i], place + ".items[" + std::to_string(i) + "]");
       }
     } else if (const auto* dictionary = std::get_if<DictionaryParameter>(&box.value)) {
-      for (std::size_t i = 0; i < dictionary->items.size(); ++i) {
+      for (std::size_t i = 0; i < dictionary->_items.size(); ++i) {
         const std::string pair = place + ".items[" + std::to_string(i) + "]";
-        checkResources(dictionary->items[i]._key, pair + ".key");
-        checkResources(dictionary->items[i]._value, pair + ".value");
+        checkResources(dictionary->_items[i]._key, pair + ".key");
+        checkResources(dictionary->_items[i]._value, pair + ".value");
       }
     }
   }

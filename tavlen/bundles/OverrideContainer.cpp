@@ -1,5 +1,7 @@
 #include "tavlen/bundles/OverrideContainer.h"
 
+#include "tavlen/foundation/MainBundle.h"
+
 namespace tavlen {
 
 namespace {
@@ -11,6 +13,8 @@ std::vector<OverrideKindInfo> section() {
 }
 
 }  // namespace
+
+std::string OverrideKindInfo::localizedName() const { return MainBundle::localizedString(title); }
 
 const std::vector<std::vector<OverrideKindInfo>>& OverrideContainer::all() {
   static const std::vector<std::vector<OverrideKindInfo>> sections = {

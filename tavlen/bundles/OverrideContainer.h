@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <map>
 #include <span>
+#include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -18,6 +19,9 @@ struct OverrideKindInfo {
   LocalizedText title;
   /// A new override of the kind, made of an app's current value.
   Override (*withInfo)(const Info& info);
+
+  /// The title in the user's language.
+  std::string localizedName() const;
 };
 
 /// The box that a stored override lies in: coded with its kind's identifier under the type key,

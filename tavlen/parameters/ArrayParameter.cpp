@@ -1,9 +1,14 @@
 #include "tavlen/parameters/ArrayParameter.h"
 
+#include <utility>
+
 #include "tavlen/parameters/ArrayLiteral.h"
+#include "tavlen/parameters/CollectionParameter.h"
 #include "tavlen/parameters/Rendering.h"
 
 namespace tavlen {
+
+static_assert(CollectionParameter<ArrayParameter>);
 
 ArrayParameter ArrayParameter::withItems(std::vector<Parameter> items) {
   ArrayParameter result;

@@ -15,6 +15,8 @@ struct ArrayParameter {
   static constexpr std::string_view typeName = "ArrayParameter";
   static constexpr std::string_view identifier = identifierWithBaseName(typeName, "Parameter");
 
+  using Item = Parameter;
+
   std::vector<ParameterContainer> _items;
 
   static ArrayParameter withItems(std::vector<Parameter> items);

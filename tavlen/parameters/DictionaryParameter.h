@@ -17,8 +17,13 @@ struct DictionaryParameter {
   static constexpr std::string_view identifier = identifierWithBaseName(typeName, "Parameter");
 
   struct Pair;
+  using Item = Pair;
 
-  std::vector<Pair> items;
+  std::vector<Pair> _items;
+
+  static DictionaryParameter withItems(std::vector<Pair> items);
+  const std::vector<Pair>& items() const { return _items; }
+  void setItems(std::vector<Pair> items);
 
   /// The keys are rendered before the values, so a failing key is the one reported. A nil on either
   /// side is written as the null object.
@@ -26,7 +31,7 @@ struct DictionaryParameter {
   std::string objsValue() const;
 
   static constexpr auto codedFields() {
-    return std::tuple{requiredField("items", &DictionaryParameter::items)};
+    return std::tuple{requiredField("items", &DictionaryParameter::_items)};
   }
   bool operator==(const DictionaryParameter&) const = default;
 };

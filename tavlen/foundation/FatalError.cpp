@@ -6,7 +6,8 @@
 namespace tavlen {
 
 void fatalError(std::string_view message) {
-  std::fprintf(stderr, "tavlen: fatal: %.*s\n", static_cast<int>(message.size()), message.data());
+  (void)std::fprintf(stderr, "tavlen: fatal: %.*s\n", static_cast<int>(message.size()),
+                     message.data());
   std::abort();
 }
 

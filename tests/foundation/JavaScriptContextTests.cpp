@@ -190,6 +190,7 @@ TEST(JavaScriptContext, ValuesOutliveTheirHandleAndTheCollector) {
   auto context = JavaScriptContext::make();
   // The collector spares what it finds on the stack by chance, so the values lie on the heap.
   std::vector<JavaScriptValue> values;
+  values.reserve(kCount);
   for (int i = 0; i < kCount; ++i) {
     const JavaScriptValue made = run(*context, "({text: 'v' + " + std::to_string(i) + "})");
     values.push_back(made);

@@ -6,6 +6,7 @@
 
 #include "cli/Commands.h"
 #include "cli/Console.h"
+#include "cli/ErrorReport.h"
 #include "cli/Transpilation.h"
 #include "cli/TranspilerOption.h"
 #include "cli/TweakArgument.h"
@@ -33,7 +34,7 @@ bool check(const std::string& argument, const std::filesystem::path& transpiler)
     printData(argument + ": " + verdict + "\n");
     return true;
   } catch (const std::exception& error) {
-    printError(error.what());
+    reportError(error);
     return false;
   }
 }

@@ -174,12 +174,14 @@ std::optional<TweakProcessor::Output> transpile(const OpenedTweak& tweak,
   }
   const std::size_t linesBefore =
       lineCount(std::string_view(source).substr(0, source.size() - tweak.script.size()));
-  std::string place = tweak.pathOf("script.objs");
-  if (error->line > linesBefore) {
-    error->line -= linesBefore;
-    place += ":" + std::to_string(error->line) + ":" + std::to_string(error->column);
+  if (error->line <= linesBefore) {
+    printDiagnostic(tweak.pathOf("Manifest.json"), *error, source);
+    return std::nullopt;
   }
-  printDiagnostic(place, *error, tweak.script);
+  error->line -= linesBefore;
+  printDiagnostic(tweak.pathOf("script.objs") + ":" + std::to_string(error->line) + ":" +
+                      std::to_string(error->column),
+                  *error, tweak.script);
   return std::nullopt;
 }
 

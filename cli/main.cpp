@@ -2,7 +2,7 @@
 #include <exception>
 
 #include "cli/Commands.h"
-#include "cli/Console.h"
+#include "cli/ErrorReport.h"
 #include "cli/Installation.h"
 #include "tavlen/foundation/MainBundle.h"
 
@@ -35,7 +35,7 @@ int main(int argc, char** argv) {
   try {
     return run(argc, argv);
   } catch (const std::exception& error) {
-    tavlen::cli::printError(error.what());
+    tavlen::cli::reportError(error);
     return kFailure;
   }
 }

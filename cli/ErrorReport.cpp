@@ -1,0 +1,34 @@
+#include "cli/ErrorReport.h"
+
+#include <cstdio>
+#include <string>
+#include <string_view>
+
+#include "cli/Console.h"
+#include "tavlen/tweaks/TweakProcessor.h"
+
+namespace tavlen::cli {
+
+namespace {
+
+void printCallStack(std::string_view stack) {
+  while (!stack.empty()) {
+    const std::size_t end = stack.find('\n');
+    const std::string line = "    " + oneLine(stack.substr(0, end)) + "\n";
+    std::fwrite(line.data(), 1, line.size(), stderr);
+    stack.remove_prefix(end == std::string_view::npos ? stack.size() : end + 1);
+  }
+}
+
+}  // namespace
+
+void reportError(const std::exception& error) {
+  const auto* failure = dynamic_cast<const TweakProcessor::Error*>(&error);
+  if (failure == nullptr || failure->which() != TweakProcessor::Error::Case::jsException) {
+    return printError(error.what());
+  }
+  printError("the transpiler failed: " + failure->name() + ": " + failure->message());
+  if (failure->stack()) printCallStack(*failure->stack());
+}
+
+}  // namespace tavlen::cli

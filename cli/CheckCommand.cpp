@@ -29,7 +29,7 @@ bool check(const std::string& argument) {
         warnings.empty()
             ? "ok"
             : std::to_string(warnings.size()) + (warnings.size() == 1 ? " warning" : " warnings");
-    printData(argument + ": " + verdict + "\n");
+    printData(oneLine(argument) + ": " + verdict + "\n");
     return true;
   } catch (const std::exception& error) {
     printError(error.what());

@@ -2,6 +2,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <system_error>
 
 #include "cli/Commands.h"
 #include "cli/Console.h"
@@ -32,7 +33,9 @@ int build(const Options& options) {
     return 0;
   }
   const std::filesystem::path folder = options.output;
-  std::filesystem::create_directories(folder);
+  std::error_code error;
+  std::filesystem::create_directories(folder, error);
+  if (error) throw std::system_error(error, folder.string());
   replaceFile(folder / "code.js", output->code);
   replaceFile(folder / "code.js.map", output->map);
   return 0;

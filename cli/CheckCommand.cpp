@@ -31,7 +31,7 @@ bool check(const std::string& argument, const std::filesystem::path& transpiler)
         warnings.empty()
             ? "ok"
             : std::to_string(warnings.size()) + (warnings.size() == 1 ? " warning" : " warnings");
-    printData(argument + ": " + verdict + "\n");
+    printData(oneLine(argument) + ": " + verdict + "\n");
     return true;
   } catch (const std::exception& error) {
     reportError(error);

@@ -6,8 +6,8 @@
 #include <string_view>
 
 #include "cli/Console.h"
+#include "cli/SourceLine.h"
 #include "tavlen/foundation/JSONEncoder.h"
-#include "tavlen/foundation/Unicode.h"
 #include "tavlen/tweaks/HookSource.h"
 
 namespace tavlen::cli {
@@ -81,22 +81,8 @@ std::string_view lineAt(std::string_view text, std::size_t number) {
 /// Writes the error and under it the line with a caret. `place` is what compilers put before
 /// "error".
 void printDiagnostic(const std::string& place, const SyntaxError& error, std::string_view text) {
-  const std::u16string line = utf16FromUTF8(lineAt(text, error.line));
-  std::string shown;
-  std::string indent;
-  for (std::size_t i = 0; i < line.size(); ++i) {
-    const bool low = line[i] >= 0xDC00 && line[i] <= 0xDFFF;
-    if (i + 1 < error.column && !low) indent += line[i] == u'\t' ? '\t' : ' ';
-  }
-  // Tabs stay, so that the caret, which is indented by the same tabs, stands below its character.
-  std::string_view rest = lineAt(text, error.line);
-  for (std::size_t tab = rest.find('\t'); tab != std::string_view::npos; tab = rest.find('\t')) {
-    shown += oneLine(rest.substr(0, tab)) + '\t';
-    rest.remove_prefix(tab + 1);
-  }
-  shown += oneLine(rest);
-  const std::string output = oneLine(place) + ": error: " + oneLine(error.message) + "\n    " +
-                             shown + "\n    " + indent + "^\n";
+  const std::string output = oneLine(place) + ": error: " + oneLine(error.message) + "\n" +
+                             markedLine(lineAt(text, error.line), error.column);
   std::fwrite(output.data(), 1, output.size(), stderr);
 }
 

@@ -1,5 +1,10 @@
 #include <CLI/CLI.hpp>
+#include <cerrno>
 #include <exception>
+#include <iostream>
+#include <string>
+#include <system_error>
+#include <vector>
 
 #include "cli/Commands.h"
 #include "cli/ErrorReport.h"
@@ -10,6 +15,19 @@ namespace {
 
 constexpr int kFailure = 1;
 constexpr int kUsage = 2;
+
+/// Says what is wrong with the arguments, or prints the help that they asked for; gives the exit
+/// status.
+int report(const CLI::App& app, const CLI::ParseError& error) {
+  const std::vector<std::string> unknown = app.remaining(true);
+  // The parser looks for what is missing first, but an unknown word is why it is missing.
+  const bool isMistyped = dynamic_cast<const CLI::RequiredError*>(&error) && !unknown.empty();
+  const int status = isMistyped ? app.exit(CLI::ExtrasError(unknown)) : app.exit(error);
+  if (!std::cout.flush()) {
+    throw std::system_error(errno, std::generic_category(), "standard output");
+  }
+  return status == 0 ? 0 : kUsage;
+}
 
 int run(int argc, char** argv) {
   CLI::App app("Builds and checks app tweaks.", "tavlen");
@@ -23,7 +41,7 @@ int run(int argc, char** argv) {
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? 0 : kUsage;
+    return report(app, error);
   }
   tavlen::MainBundle::setURL(tavlen::cli::resourceFolder());
   return action();

@@ -1,0 +1,301 @@
+#include <gmock/gmock.h>
+
+#include "CommandTest.h"
+#include "tavlen/bundles/Info.h"
+#include "tavlen/foundation/FileSystem.h"
+#include "tavlen/foundation/JSONDecoder.h"
+#include "tavlen/foundation/PropertyListEncoder.h"
+
+namespace tavlen {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+const std::string kEverything = TAVLEN_EXAMPLES_DIR "/tweaks/Everything";
+const std::string kGreeting = TAVLEN_EXAMPLES_DIR "/tweaks/Greeting";
+
+TEST_F(CommandTest, ArgumentsAreChecked) {
+  const struct {
+    std::vector<std::string> arguments;
+    int status;
+    const char* message;
+  } cases[] = {
+      {{}, 2, "A subcommand is required"},
+      {{"frobnicate"}, 2, "not expected: frobnicate"},
+      {{"--frobnicate"}, 2, "not expected: --frobnicate"},
+      {{"build"}, 2, "TWEAK is required"},
+      {{"build", "a", "b"}, 2, "not expected: b"},
+      {{"build", "a", "-o"}, 2, "--output"},
+      {{"check"}, 2, "TWEAK is required"},
+      {{"info", "--jason", "x"}, 2, "not expected: --jason"},
+  };
+  for (const auto& c : cases) {
+    const Result result = run(c.arguments);
+    EXPECT_EQ(result.status, c.status) << c.message;
+    EXPECT_EQ(result.out, "");
+    EXPECT_THAT(result.err, HasSubstr(c.message));
+  }
+  EXPECT_THAT(run({"--version"}).out, testing::MatchesRegex("tavlen [0-9.]+\n"));
+  EXPECT_THAT(run({"--help"}).out, HasSubstr("Usage: tavlen"));
+}
+
+TEST_F(CommandTest, DoesItsWorkOnTheExamples) {
+  for (const std::string& tweak : {kEverything, kGreeting + "/"}) {
+    const std::string golden = fs::path(tweak).filename().empty() ? "Greeting" : "Everything";
+    const Result source = run({"source", tweak});
+    EXPECT_EQ(source.out, readFile(TAVLEN_TEST_DATA_DIR "/golden/" + golden + ".objs"));
+    const Result build = run({"build", tweak});
+    EXPECT_THAT(build.out, HasSubstr("objc_orig(this, arguments);\n"));
+    const Result written = run({"build", tweak, "-o", "new/" + golden});
+    EXPECT_EQ(written.out + written.err + build.err + source.err, "");
+    EXPECT_EQ(contents("new/" + golden + "/code.js"), build.out);
+  }
+  const Result check = run({"check", kEverything, kGreeting});
+  EXPECT_EQ(check.out, kEverything + ": ok\n" + kGreeting + ": ok\n");
+  EXPECT_EQ(check.status, 0);
+}
+
+TEST_F(CommandTest, BuildReplacesBothFilesAndLeavesNoOther) {
+  write("out/code.js", "old");
+  write("out/code.js.map", "old");
+  write("out/mine", "kept");
+  EXPECT_EQ(run({"build", kEverything, "-o", "out"}).status, 0);
+  EXPECT_THAT(contents("out/code.js"), StartsWith("hookClass("));
+  EXPECT_THAT(contents("out/code.js.map"), StartsWith("{\"version\":3,"));
+  EXPECT_EQ(contents("out/mine"), "kept");
+  EXPECT_EQ(std::distance(fs::directory_iterator(folder() / "out"), {}), 3);
+}
+
+TEST_F(CommandTest, OutputThatCannotBeWrittenIsAFailure) {
+  write("file", "kept");
+  fs::create_directories(folder() / "taken/code.js");
+  const std::pair<const char*, const char*> folders[] = {
+      {"file", "tavlen: error: file: Not a directory\n"},
+      {"file/x", "tavlen: error: file/x: Not a directory\n"},
+      {"taken", "tavlen: error: taken/code.js: Is a directory\n"},
+  };
+  for (const auto& [name, message] : folders) {
+    const Result result = run({"build", kEverything, "-o", name});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.err, message);
+  }
+  EXPECT_EQ(contents("file"), "kept");
+  EXPECT_EQ(std::distance(fs::directory_iterator(folder() / "taken"), {}), 1);
+  const std::vector<std::string> printing[] = {{"build", kEverything},
+                                               {"source", kGreeting},
+                                               {"check", kGreeting},
+                                               {"info", TAVLEN_EXAMPLES_DIR "/apps/Example.app"},
+                                               {"--version"}};
+  for (const auto& arguments : printing) {
+    const Result result = run(arguments, "/dev/full");
+    EXPECT_EQ(result.status, 1) << arguments[0];
+    EXPECT_EQ(result.err, "tavlen: error: standard output: No space left on device\n");
+  }
+}
+
+TEST_F(CommandTest, ABadTweakIsNamedInOneLineAndNothingIsWritten) {
+  write("file", "");
+  fs::create_directories(folder() / "empty");
+  fs::create_directories(folder() / "folder/Manifest.json");
+  writeTweak("kind",
+             hookJSON("a", "v") + ",null,null," + hookJSON("b", "v", R"("-1":{"type":"Foo"})"));
+  writeTweak("color", "", R"(,"color":"darkBlue")");
+  writeTweak("escape", hookJSON("a", "v", R"("0":{"type":"\u001b[31m\u009b\u202e\n"})"));
+  write("text/Manifest.json", "{\n\"configuration\" 1}");
+  write("bytes/Manifest.json", "{\"\xFF");
+  write("string/Manifest.json", "\"" + std::string(1 << 20, 'x') + "\"");
+  write("deep/Manifest.json", std::string(100'000, '['));
+  writeTweak("fine\x1b[31m\xC2\x9B", "null,1");
+  const std::string kInvalid = "The given data was not valid JSON: ";
+  const std::pair<std::string, std::string> cases[] = {
+      {"nowhere", "nowhere: Not found"},
+      {"file", "file: Not found"},
+      {"empty", "empty: Missing Manifest.json"},
+      {"folder", "folder/Manifest.json: Is a directory"},
+      {"kind", R"(kind/Manifest.json: hooks[3].args.-1.type: unknown kind "Foo")"},
+      {"kind/", R"(kind/Manifest.json: hooks[3].args.-1.type: unknown kind "Foo")"},
+      {"escape",
+       R"(escape/Manifest.json: hooks[0].args.0.type: unknown kind "\x1b[31m\u009b\u202e\n")"},
+      {"text", "text/Manifest.json: " + kInvalid + "expected a colon at line 2, column 17"},
+      {"bytes", ""},
+      {"string", "string/Manifest.json: expected a dictionary, found a string"},
+      {"deep", ""},
+      {"fine\x1b[31m\xC2\x9B",
+       R"(fine\x1b[31m\u009b/Manifest.json: hooks[1]: expected a dictionary, found a number)"},
+  };
+  write("out/code.js", "old");
+  for (const auto& [name, message] : cases) {
+    for (const char* command : {"source", "check", "build"}) {
+      std::vector<std::string> arguments = {command, name};
+      if (command == std::string("build")) arguments.insert(arguments.end(), {"-o", "out"});
+      const Result result = run(arguments);
+      EXPECT_EQ(result.status, 1) << name;
+      EXPECT_EQ(result.out, "");
+      if (!message.empty()) {
+        EXPECT_EQ(result.err, "tavlen: error: " + message + "\n");
+      }
+      EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1) << result.err;
+    }
+  }
+  EXPECT_EQ(contents("out/code.js"), "old");
+  EXPECT_EQ(std::distance(fs::directory_iterator(folder() / "out"), {}), 1);
+}
+
+TEST_F(CommandTest, SyntaxErrorsStandAtTheirPlace) {
+  const std::string hook = hookJSON("a", "v16@0:8");
+  const auto code = [](const std::string& text) {
+    return hookJSON("b", "v24@0:8@16", R"("0":{"type":"Code","code":")" + text + "\"}");
+  };
+  const std::string manifest = "T/Manifest.json: ";
+  const struct {
+    std::string hooks;
+    std::string script;
+    std::string message;
+  } cases[] = {
+      {"", "ok();\n[a b] [c];\nfoo bar;\n",
+       "T/script.objs:3:5: error: Unexpected token\n    foo bar;\n        ^\n"},
+      {hook + ",null," + hook, "foo bar;",
+       "T/script.objs:1:5: error: Unexpected token\n    foo bar;\n        ^\n"},
+      {hook, "ok();\r\n\r\nfoo bar;\r\n",
+       "T/script.objs:3:5: error: Unexpected token\n    foo bar;\n        ^\n"},
+      {hook, "ok();\u2028\tx = '日é😀e\u0301' y;",
+       "T/script.objs:2:15: error: Unexpected token\n"
+       "    \tx = '日é😀e\u0301' y;\n    \t             ^\n"},
+      {"", "/*\x1b\xC2\x9B*/ a b",
+       "T/script.objs:1:10: error: Unexpected token\n"
+       "    /*\\x1b\\u009b*/ a b\n                     ^\n"},
+      {"", "f(" + std::string(300, 'x') + " y" + std::string(300, 'z'),
+       "T/script.objs:1:304: error: Unexpected token\n    ..." + std::string(99, 'x') + " y" +
+           std::string(99, 'z') + "...\n" + std::string(107, ' ') + "^\n"},
+      {hook, "if (a) {\n", "T/script.objs:2:1: error: Unexpected token\n    \n    ^\n"},
+      {hook + ",null," + code("1 +"), "ok();",
+       manifest + "hooks[2] -[A b]: error: Unexpected token\n    \t\targuments[0] = 1 +;\n"
+                  "    \t\t                  ^\n"},
+      {code("1}") + "," + hook, "ok();",
+       manifest + "hooks[0] -[A b]: error: Unexpected token\n    \t\targuments[0] = 1};\n"
+                  "    \t\t                 ^\n"},
+      {hook + "," + code("`"), "`;",
+       manifest + "hooks[1] -[A b]: error: Unterminated template\n    \t\targuments[0] = `;\n"
+                  "    \t\t                ^\n"},
+  };
+  for (const auto& c : cases) {
+    writeTweak("T", c.hooks);
+    write("T/script.objs", c.script);
+    const Result result = run({"build", "T", "-o", "out"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.err, c.message + "tavlen: error: T: does not build\n");
+  }
+  EXPECT_FALSE(fs::exists(folder() / "out"));
+}
+
+TEST_F(CommandTest, AScriptThatCannotBeReadCountsAsEmpty) {
+  writeTweak("T", hookJSON("a", "v16@0:8"));
+  const std::string empty = run({"source", "T"}).out;
+  write("T/script.objs", "fine(); \xFF");
+  const Result result = run({"source", "T"});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.out, empty);
+  EXPECT_THAT(result.err, StartsWith("tavlen: warning: the script cannot be read and counts as "
+                                     "empty: T/script.objs: "));
+}
+
+TEST_F(CommandTest, CheckWarnsOfWhatIsQuestionable) {
+  const std::string hooks =
+      hookJSON("set:to:", "v24@0:8@16",
+               R"("0":{"type":"Image","filename":"../x.png"},"1":{"type":"Array","items":[)"
+               R"({"type":"Data","filename":"link/x"},{"type":"Data","filename":"here"}]},)"
+               R"("7":{"type":"Data","filename":"go\u001bne"},"-1":{"type":"Nil"})") +
+      ",null," + hookJSON("set:to:", "zz");
+  writeTweak("T", hooks, R"(,"glyph":{"icon":"tolls","style":"solid"})");
+  write("T/Resources/here", "");
+  write("x/x", "");
+  fs::create_directory_symlink("../../x", folder() / "T/Resources/link");
+  writeTweak("broken", "1");
+  const Result result = run({"check", "T", "broken", "nowhere", kGreeting});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.out, "T: 9 warnings\n" + kGreeting + ": ok\n");
+  const std::string place = "tavlen: warning: T/Manifest.json: ";
+  EXPECT_EQ(result.err,
+            place +
+                "configuration.glyph: unknown glyph \"tolls\" in the style \"solid\"; did you "
+                "mean \"tools\" in the style \"solid\"?\n" +
+                place +
+                "hooks[0].signature: \"v24@0:8@16\" has 1 argument, the selector "
+                "\"set:to:\" takes 2\n" +
+                place + "hooks[0].args.7: the method has no such argument\n" + place +
+                "hooks[0].args.-1: the method returns nothing\n" + place +
+                "hooks[0].args.0.filename: the resource \"../x.png\" lies outside of "
+                "Resources\n" +
+                place +
+                "hooks[0].args.1.items[0].filename: the resource \"link/x\" lies outside "
+                "of Resources\n" +
+                place + "hooks[0].args.7.filename: the resource \"go\\x1bne\" is missing\n" +
+                place + "hooks[2]: hooks the same method as hooks[0]\n" + place +
+                "hooks[2].signature: \"zz\" is no method's type encoding\n"
+                "tavlen: error: broken/Manifest.json: hooks[0]: expected a dictionary, found a "
+                "number\n"
+                "tavlen: error: nowhere: Not found\n");
+  EXPECT_EQ(run({"check", "T"}).status, 0) << "warnings are no failure";
+}
+
+/// The values of `info --json` that the test looks at.
+struct ShownInfo {
+  std::string name;
+  std::vector<InterfaceOrientation> orientations;
+
+  static constexpr auto codedFields() {
+    return std::tuple{requiredField("name", &ShownInfo::name),
+                      requiredField("orientations", &ShownInfo::orientations)};
+  }
+};
+
+TEST_F(CommandTest, InfoReadsBothFormsOfAPropertyList) {
+  Info info;
+  info.executable = "exe";
+  info.bundleID = "a.b";
+  info.build = "7";
+  info._name = "N\x1b[31m\n\xC2\x9B";
+  info._orientations = {"UIInterfaceOrientationPortrait", "Sideways"};
+  const std::string binary = encodePropertyList(info, PropertyListFormat::binary);
+  info._name = "N\n\xC2\x9B";
+  write("xml/Info.plist", encodePropertyList(info));
+  write("binary/Info.plist", binary);
+  write("cut/Info.plist", binary.substr(0, binary.size() - 10));
+  write("other/Info.plist", "<plist><array/></plist>");
+  const std::string rest =
+      "Version:            7\nBuild:              7\nExecutable:         exe\n"
+      "iPad:               no\nOrientations:       Portrait\n";
+  EXPECT_EQ(run({"info", "binary"}).out,
+            "Name:               N\\x1b[31m\\n\\u009b\nBundle name:        N\\x1b[31m\\n\\u009b\n"
+            "Identifier:         a.b\n" +
+                rest);
+  EXPECT_EQ(run({"info", "xml"}).out,
+            "Name:               N\\n\\u009b\nBundle name:        N\\n\\u009b\n"
+            "Identifier:         a.b\n" +
+                rest);
+  const auto shown = decodeJSON<ShownInfo>(run({"info", "--json", "binary/"}).out);
+  EXPECT_EQ(shown.name, "N\x1b[31m\n\xC2\x9B");
+  EXPECT_EQ(shown.orientations, std::vector{InterfaceOrientation::portrait});
+  for (const char* bundle : {"cut", "other", "nowhere"}) {
+    const Result result = run({"info", bundle});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.out, "");
+    EXPECT_THAT(result.err, StartsWith("tavlen: error: " + std::string(bundle) + "/Info.plist: "));
+  }
+}
+
+TEST_F(CommandTest, ALargeScriptBuilds) {
+  writeTweak("T", hookJSON("a", "v16@0:8"));
+  std::string script;
+  while (script.size() < 1'000'000) script += "[[view layer] setOpacity:@(0.5) animated:true];\n";
+  write("T/script.objs", script);
+  const Result result = run({"build", "T", "-o", "out"});
+  EXPECT_EQ(result.status, 0) << result.err;
+  EXPECT_THAT(contents("out/code.js"),
+              HasSubstr("objc_send(objc_send(view, \"layer\"), \"setOpacity:animated:\""));
+}
+
+}  // namespace
+}  // namespace tavlen

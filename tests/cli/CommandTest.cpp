@@ -1,0 +1,56 @@
+#include "CommandTest.h"
+
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/wait.h>
+
+#include "tavlen/foundation/FileSystem.h"
+
+namespace tavlen {
+
+CommandTest::Result CommandTest::run(const std::vector<std::string>& arguments,
+                                     const std::string& output) const {
+  const std::string out = output.empty() ? (outputs_.path() / "out").string() : output;
+  const std::string err = (outputs_.path() / "err").string();
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_addopen(&actions, 0, "/dev/null", O_RDONLY, 0);
+  posix_spawn_file_actions_addopen(&actions, 1, out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+  posix_spawn_file_actions_addopen(&actions, 2, err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+  posix_spawn_file_actions_addchdir_np(&actions, folder().c_str());
+  std::vector<std::string> words = {TAVLEN_COMMAND};
+  words.insert(words.end(), arguments.begin(), arguments.end());
+  std::vector<char*> argv;
+  for (std::string& word : words) argv.push_back(word.data());
+  argv.push_back(nullptr);
+  std::string locale = "LC_ALL=C";
+  char* environment[] = {locale.data(), nullptr};
+  pid_t child = 0;
+  const int failure =
+      posix_spawn(&child, TAVLEN_COMMAND, &actions, nullptr, argv.data(), environment);
+  posix_spawn_file_actions_destroy(&actions);
+  EXPECT_EQ(failure, 0);
+  int status = 0;
+  if (failure == 0) waitpid(child, &status, 0);
+  return {WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status),
+          output.empty() ? readFile(out) : "", readFile(err)};
+}
+
+void CommandTest::writeTweak(const std::string& name, const std::string& hooks,
+                             const std::string& configuration) const {
+  write(name + "/Manifest.json",
+        R"({"configuration":{"name":"N","color":"darkRed","bundleID":"a.b")" + configuration +
+            R"(},"overrides":[],"hooks":[)" + hooks + "]}");
+}
+
+std::string CommandTest::contents(const std::string& name) const {
+  return readFile(folder() / name);
+}
+
+std::string hookJSON(const std::string& selector, const std::string& signature,
+                     const std::string& args) {
+  return R"({"className":"A","selector":")" + selector + R"(","signature":")" + signature +
+         R"(","isClassMethod":false,"args":{)" + args + "}}";
+}
+
+}  // namespace tavlen

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "TemporaryFolder.h"
+
+namespace tavlen {
+
+/// Runs the command in a temporary folder, and makes tweaks there.
+class CommandTest : public testing::Test {
+ protected:
+  struct Result {
+    int status;  ///< the exit status, or minus the signal that ended it
+    std::string out;
+    std::string err;
+  };
+
+  /// Runs the command with these arguments in folder(). What it prints goes to the file `output`
+  /// instead where one is named.
+  Result run(const std::vector<std::string>& arguments, const std::string& output = "") const;
+
+  const std::filesystem::path& folder() const { return folder_.path(); }
+  void write(const std::string& name, std::string_view bytes) const { folder_.write(name, bytes); }
+  /// Makes the tweak `name`; `hooks` are the elements of the manifest's list.
+  void writeTweak(const std::string& name, const std::string& hooks,
+                  const std::string& configuration = "") const;
+  std::string contents(const std::string& name) const;
+
+ private:
+  TemporaryFolder folder_;
+  TemporaryFolder outputs_;
+};
+
+/// A hook of -[A selector] as JSON; `args` are the members of its table.
+std::string hookJSON(const std::string& selector, const std::string& signature,
+                     const std::string& args = "");
+
+}  // namespace tavlen

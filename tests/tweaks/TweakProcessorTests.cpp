@@ -1,0 +1,199 @@
+#include "tavlen/tweaks/TweakProcessor.h"
+
+#include <gtest/gtest.h>
+
+#include "TemporaryFolder.h"
+#include "tavlen/foundation/CodingError.h"
+#include "tavlen/tweaks/HookSource.h"
+#include "tavlen/tweaks/Manifest.h"
+
+namespace tavlen {
+namespace {
+
+using namespace std::string_literals;
+using Error = TweakProcessor::Error;
+
+/// A transpiler whose method has this body; `source` is its argument, `calls` counts its calls.
+std::string transpiler(const std::string& body) {
+  return "var calls = 0; var OBJSTranspiler = { transpile(source) { calls += 1; " + body + " } };";
+}
+
+class TweakProcessorTest : public testing::Test {
+ protected:
+  TweakProcessor processorOf(const std::string& script) const {
+    folder_.write("ob.js", script);
+    return TweakProcessor(folder_.path());
+  }
+  /// The description of what converting `source` reports.
+  static std::string errorOf(TweakProcessor& processor, const std::string& source = "x") {
+    try {
+      return "none: " + processor.convert(source).code;
+    } catch (const Error& error) {
+      return error.description();
+    }
+  }
+  std::string errorOfBody(const std::string& body) const {
+    TweakProcessor processor = processorOf(transpiler(body));
+    return errorOf(processor);
+  }
+
+  const TemporaryFolder folder_;
+};
+
+TEST_F(TweakProcessorTest, GivesTheTranspilerTheHooksAndTheScript) {
+  TweakProcessor processor = processorOf(transpiler("return { code: source, map: '' };"));
+  const std::string hook =
+      R"({"className":"A","selector":"a","signature":"v16@0:8","isClassMethod":false,"args":{}})";
+  const std::string generated =
+      "hookClass(\"A\", {}, {\n\t\"v16@0:8-a\": function() {\n\t\treturn %orig;\n\t},\n});";
+  const struct {
+    std::string hooks;
+    std::optional<std::string> script;
+    std::string source;
+  } cases[] = {
+      {"", std::nullopt, ""},
+      {"null", "", ""},
+      {hook, std::nullopt, generated + "\n\n"},
+      {"", "\xEF\xBB\xBF\n\nscript();", "\n\nscript();"},
+      {"null," + hook, "a\0\r\n😀"s, generated + "\n\na\0\r\n😀"s},
+  };
+  int count = 0;
+  for (const auto& c : cases) {
+    const std::string name = std::to_string(count++);
+    folder_.write(
+        name + "/Manifest.json",
+        R"({"configuration":{"name":"","color":"darkRed","bundleID":""},"overrides":[],"hooks":[)" +
+            c.hooks + "]}");
+    if (c.script) folder_.write(name + "/script.objs", *c.script);
+    EXPECT_EQ(processor.process(*TweakFile::at(folder_.path() / name)).code, c.source);
+  }
+  const auto gone = TweakFile::at(folder_.path() / "0");
+  std::filesystem::remove(folder_.path() / "0/Manifest.json");
+  EXPECT_THROW(processor.process(*gone), TweakFile::Error);
+  const Hook broken = Hook::with("A", "a", "v", false, {{0, ValueParameter<std::string>{"\xFF"}}});
+  EXPECT_THROW(TweakProcessor::generateCode(std::vector{broken}), EncodingError);
+}
+
+TEST_F(TweakProcessorTest, TextSurvivesBothWays) {
+  TweakProcessor processor = processorOf(
+      transpiler("return { code: source + source.length, map: '\\0\\u{1F600}' + source[0] };"));
+  const TweakProcessor::Output output = processor.convert("😀\0é"s);
+  EXPECT_EQ(output.code, "😀\0é4"s);
+  EXPECT_EQ(output.map, "\0😀\xEF\xBF\xBD"s) << "half of a pair is no character";
+}
+
+TEST_F(TweakProcessorTest, ReportsWhatWasThrown) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"throw 'text';", "undefined: undefined"},
+      {"throw 5;", "undefined: undefined"},
+      {"throw null;", "undefined: undefined"},
+      {"throw undefined;", "undefined: undefined"},
+      {"throw { name: 'N', message: null };", "N: null"},
+      {"throw { name: 1, message: [2, 3], stack: 's\\n2' };", "1: 2,3\n\nCall stack:\ns\n2"},
+      {"throw { get name() { throw 1; }, get message() { throw 2; }, get stack() { throw 3; } };",
+       "undefined: undefined"},
+      {"throw { name: Symbol(), message: { toString() { throw 1; } }, stack: Symbol() };",
+       "undefined: undefined"},
+      {"throw new Proxy({}, { get() { throw 1; } });", "undefined: undefined"},
+  };
+  for (const auto& [body, description] : cases) EXPECT_EQ(errorOfBody(body), description) << body;
+  TweakProcessor processor = processorOf(transpiler("throw new SyntaxError('Unexpected token');"));
+  try {
+    processor.convert("");
+    ADD_FAILURE() << "converted";
+  } catch (const Error& error) {
+    EXPECT_EQ(error.which(), Error::Case::jsException);
+    EXPECT_EQ(error.name(), "SyntaxError");
+    EXPECT_EQ(error.message(), "Unexpected token");
+    ASSERT_TRUE(error.stack().has_value());
+    EXPECT_NE(error.stack()->find("transpile@ob.js:1"), std::string::npos) << *error.stack();
+    EXPECT_EQ(error.description(),
+              "SyntaxError: Unexpected token\n\nCall stack:\n" + *error.stack());
+  }
+  EXPECT_EQ(errorOfBody("return transpile2();").substr(0, 16), "ReferenceError: ");
+  EXPECT_EQ(errorOfBody("return (function f() { f(); })();").substr(0, 12), "RangeError: ");
+}
+
+TEST_F(TweakProcessorTest, AResultOfAnotherShapeIsInvalid) {
+  const char* bodies[] = {
+      "",
+      "return null;",
+      "return 'code';",
+      "return 5;",
+      "return [];",
+      "return {};",
+      "return { code: '' };",
+      "return { map: '' };",
+      "return { code: '', map: 5 };",
+      "return { code: new String(''), map: '' };",
+      "return { code: '', map: {} };",
+      "return Promise.resolve({ code: '', map: '' });",
+      "return { get code() { throw new Error('late'); }, map: '' };",
+  };
+  for (const char* body : bodies) {
+    EXPECT_EQ(errorOfBody(body), "Transpiler output was not a String") << body;
+  }
+  EXPECT_EQ(errorOfBody("function f() {} f.code = 'c'; f.map = ''; return f;"), "none: c");
+  EXPECT_EQ(errorOfBody("return { __proto__: { code: 'p', map: '' } };"), "none: p");
+}
+
+TEST_F(TweakProcessorTest, AnInvalidResultLeavesTheNextConversionAlone) {
+  TweakProcessor processor =
+      processorOf(transpiler("return calls == 1 ? 5 : { code: '' + calls, map: '' };"));
+  EXPECT_EQ(errorOf(processor), "Transpiler output was not a String");
+  EXPECT_EQ(errorOf(processor), "none: 2");
+}
+
+TEST_F(TweakProcessorTest, TheFirstExceptionIsReportedForEver) {
+  // The thrown object shows how often transpile was called until now.
+  const std::string first = "{ name: 'First', get message() { return calls; } }";
+  TweakProcessor processor = processorOf(transpiler("if (calls == 2) throw " + first +
+                                                    "; if (calls == 3) throw new Error('third'); "
+                                                    "return { code: '' + calls, map: '' };"));
+  EXPECT_EQ(errorOf(processor), "none: 1");
+  EXPECT_EQ(errorOf(processor), "First: 2");
+  EXPECT_EQ(errorOf(processor), "First: 3");
+  EXPECT_EQ(errorOf(processor), "First: 4");
+  TweakProcessor other = processorOf(
+      transpiler("return { get code() { throw { name: 'Getter', message: calls }; }, map: '' };"));
+  EXPECT_EQ(errorOf(other), "Transpiler output was not a String");
+  EXPECT_EQ(errorOf(other), "Getter: 1");
+}
+
+TEST_F(TweakProcessorTest, AnExceptionWhileLoadingIsReportedByTheFirstConversion) {
+  TweakProcessor processor = processorOf(transpiler("return { code: '', map: '' };") +
+                                         "throw { name: 'L', message: 'm' };");
+  EXPECT_EQ(errorOf(processor), "L: m");
+  EXPECT_EQ(errorOf(processor), "L: m");
+}
+
+TEST_F(TweakProcessorTest, ATranspilerWithoutItsMethodIsAnError) {
+  for (const char* script :
+       {"var OBJSTranspiler = null;", "var OBJSTranspiler = 5;", "var OBJSTranspiler = {};"}) {
+    TweakProcessor processor = processorOf(script);
+    EXPECT_EQ(errorOf(processor).substr(0, 11), "TypeError: ") << script;
+  }
+}
+
+TEST_F(TweakProcessorTest, TheScriptFileMustBeReadable) {
+  EXPECT_THROW(TweakProcessor(folder_.path()), std::system_error);
+  EXPECT_THROW(TweakProcessor(folder_.path() / "nowhere"), std::system_error);
+  std::filesystem::create_directories(folder_.path() / "sub/ob.js");
+  EXPECT_THROW(TweakProcessor(folder_.path() / "sub"), std::system_error);
+  EXPECT_THROW(processorOf("// \xFF"), std::system_error);
+}
+
+using TweakProcessorDeathTest = TweakProcessorTest;
+
+TEST_F(TweakProcessorDeathTest, AScriptWithoutItsGlobalStopsTheProcess) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  const std::string line = "^tavlen: fatal: the transpiler script \"ob.js\" does not define OBJSTranspiler\n$";
+  for (const char* script :
+       {"", "syntax error", "const OBJSTranspiler = {};",
+        "Object.defineProperty(this, 'OBJSTranspiler', { get() { throw 1; } })"}) {
+    EXPECT_DEATH(processorOf(script), line) << script;
+  }
+}
+
+}  // namespace
+}  // namespace tavlen

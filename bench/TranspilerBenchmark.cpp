@@ -1,0 +1,32 @@
+// The conversion's time must grow with the source's length and no faster. JSC_useJIT=0 in the
+// environment shows the engine without its compilers, as on a device.
+#include <benchmark/benchmark.h>
+
+#include <cstdint>
+#include <string>
+
+#include "SampleManifest.h"
+#include "tavlen/tweaks/TweakProcessor.h"
+
+namespace {
+
+tavlen::TweakProcessor& warmProcessor() {
+  static tavlen::TweakProcessor processor(TAVLEN_RESOURCE_DIR);
+  static const auto warmedUp = processor.convert(tavlen::bench::sampleSource(1 << 20));
+  benchmark::DoNotOptimize(warmedUp.code.data());
+  return processor;
+}
+
+void convert(benchmark::State& state) {
+  const std::string source =
+      tavlen::bench::sampleSource(static_cast<std::size_t>(state.range(0)) << 20);
+  tavlen::TweakProcessor& processor = warmProcessor();
+  for (auto _ : state) benchmark::DoNotOptimize(processor.convert(source));
+  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(source.size()));
+}
+
+// The engine's compilers and collector have threads of their own, whose work counts.
+BENCHMARK(convert)->ArgName("MB")->Arg(1)->Arg(2)->Iterations(1)->MeasureProcessCPUTime()->Unit(
+    benchmark::kMillisecond);
+
+}  // namespace

@@ -1,5 +1,6 @@
 #include "tavlen/foundation/JSONEncoder.h"
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <charconv>
@@ -18,31 +19,56 @@ namespace {
 constexpr std::uint64_t kOnes = 0x0101010101010101;
 constexpr std::uint64_t kHighs = 0x8080808080808080;
 
-/// Marks the bytes of `word` that are zero, and perhaps bytes above a marked one.
-constexpr std::uint64_t zeroBytes(std::uint64_t word) { return (word - kOnes) & ~word & kHighs; }
-
-/// Marks the bytes of `word` that are escaped, and perhaps bytes above a marked one.
+/// Marks the bytes of `word` that are escaped, and perhaps bytes above a marked one. A subtraction
+/// borrows into the highest bit of a byte that is less than what is taken from it, if the byte is
+/// ASCII.
 constexpr std::uint64_t bytesToEscape(std::uint64_t word) {
-  const std::uint64_t controls = (word - kOnes * 0x20) & ~word & kHighs;
-  return zeroBytes(word ^ (kOnes * '"')) | zeroBytes(word ^ (kOnes * '\\')) |
-         zeroBytes(word ^ (kOnes * '/')) | controls;
+  const std::uint64_t borrows = ((word ^ (kOnes * '"')) - kOnes) |
+                                ((word ^ (kOnes * '\\')) - kOnes) |
+                                ((word ^ (kOnes * '/')) - kOnes) | (word - kOnes * 0x20);
+  return borrows & ~word & kHighs;
 }
 
 constexpr bool needsEscape(char c) {
   return static_cast<unsigned char>(c) < 0x20 || c == '"' || c == '\\' || c == '/';
 }
 
+template <class Word>
+std::uint64_t wordAt(const char* bytes) {
+  Word word = 0;
+  std::memcpy(&word, bytes, sizeof word);
+  return word;
+}
+
+/// The `count` bytes at `bytes`, one to seven, with spaces above them. Loads that overlap take
+/// fewer steps than one load a byte.
+std::uint64_t shortWord(const char* bytes, std::size_t count) {
+  std::uint64_t word = (kOnes * ' ') << (8 * count);
+  if (count >= 4) {
+    return word | wordAt<std::uint32_t>(bytes) |
+           wordAt<std::uint32_t>(bytes + count - 4) << (8 * (count - 4));
+  }
+  for (const std::size_t i : {std::size_t{0}, count / 2, count - 1})
+    word |= wordAt<std::uint8_t>(bytes + i) << (8 * i);
+  return word;
+}
+
 /// The first place at or after `i` that is to be escaped. `highBits` collects the bytes passed
 /// over.
 std::size_t nextEscape(std::string_view text, std::size_t i, std::uint64_t& highBits) {
   if constexpr (std::endian::native == std::endian::little) {
+    std::uint64_t escapes = 0;
     for (; i + 8 <= text.size(); i += 8) {
-      std::uint64_t word = 0;
-      std::memcpy(&word, text.data() + i, sizeof word);
+      const auto word = wordAt<std::uint64_t>(text.data() + i);
       highBits |= word;
-      const std::uint64_t escapes = bytesToEscape(word);
+      escapes = bytesToEscape(word);
       if (escapes != 0) return i + static_cast<std::size_t>(std::countr_zero(escapes)) / 8;
     }
+    if (i == text.size()) return i;
+    const std::uint64_t word = shortWord(text.data() + i, text.size() - i);
+    highBits |= word;
+    escapes = bytesToEscape(word);
+    return escapes == 0 ? text.size() : i + static_cast<std::size_t>(std::countr_zero(escapes)) / 8;
   }
   for (; i < text.size() && !needsEscape(text[i]); ++i)
     highBits |= static_cast<unsigned char>(text[i]);

@@ -16,6 +16,9 @@ namespace tavlen {
 
 namespace {
 
+/// How many elements of a long array are measured.
+constexpr std::size_t kSampledElements = 32;
+
 constexpr std::uint64_t kOnes = 0x0101010101010101;
 constexpr std::uint64_t kHighs = 0x8080808080808080;
 
@@ -142,8 +145,20 @@ void appendJSONString(std::string& out, std::string_view text) {
 }
 
 void JSONEncoder::separate() {
+  if (depth_ == sample_.depth && depth_ != 0 && sample_.elementsLeft-- == 0) reserveForArray();
   if (!first_) out_ += ',';
   first_ = false;
+}
+
+/// A text that grows by doubling is written and moved about twice; the pages that this takes cost
+/// more than the coding itself.
+void JSONEncoder::reserveForArray() {
+  // A document may begin with elements that are longer than all others.
+  constexpr std::size_t kMostAtOnce = std::size_t{16} << 20;
+  const std::size_t perElement = (out_.size() - sample_.begin) / kSampledElements + 1;
+  const std::size_t estimate = perElement * sample_.elementsBehind / 8 * 9;
+  out_.reserve(out_.size() + std::min(estimate, kMostAtOnce));
+  sample_ = {};
 }
 
 void JSONEncoder::begin(char bracket) {
@@ -172,7 +187,11 @@ void JSONEncoder::key(std::string_view key) {
 
 void JSONEncoder::endRecord() { end('}'); }
 
-void JSONEncoder::beginArray(std::size_t /*count*/) { begin('['); }
+void JSONEncoder::beginArray(std::size_t count) {
+  begin('[');
+  if (count >= 4 * kSampledElements && sample_.depth == 0)
+    sample_ = {depth_, out_.size(), kSampledElements, count - kSampledElements};
+}
 
 void JSONEncoder::endArray() { end(']'); }
 

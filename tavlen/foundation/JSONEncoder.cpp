@@ -1,5 +1,6 @@
 #include "tavlen/foundation/JSONEncoder.h"
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <charconv>
@@ -15,34 +16,62 @@ namespace tavlen {
 
 namespace {
 
+/// How many elements of a long array are measured.
+constexpr std::size_t kSampledElements = 32;
+
 constexpr std::uint64_t kOnes = 0x0101010101010101;
 constexpr std::uint64_t kHighs = 0x8080808080808080;
 
-/// Marks the bytes of `word` that are zero, and perhaps bytes above a marked one.
-constexpr std::uint64_t zeroBytes(std::uint64_t word) { return (word - kOnes) & ~word & kHighs; }
-
-/// Marks the bytes of `word` that are escaped, and perhaps bytes above a marked one.
+/// Marks the bytes of `word` that are escaped, and perhaps bytes above a marked one. A subtraction
+/// borrows into the highest bit of a byte that is less than what is taken from it, if the byte is
+/// ASCII.
 constexpr std::uint64_t bytesToEscape(std::uint64_t word) {
-  const std::uint64_t controls = (word - kOnes * 0x20) & ~word & kHighs;
-  return zeroBytes(word ^ (kOnes * '"')) | zeroBytes(word ^ (kOnes * '\\')) |
-         zeroBytes(word ^ (kOnes * '/')) | controls;
+  const std::uint64_t borrows = ((word ^ (kOnes * '"')) - kOnes) |
+                                ((word ^ (kOnes * '\\')) - kOnes) |
+                                ((word ^ (kOnes * '/')) - kOnes) | (word - kOnes * 0x20);
+  return borrows & ~word & kHighs;
 }
 
 constexpr bool needsEscape(char c) {
   return static_cast<unsigned char>(c) < 0x20 || c == '"' || c == '\\' || c == '/';
 }
 
+template <class Word>
+std::uint64_t wordAt(const char* bytes) {
+  Word word = 0;
+  std::memcpy(&word, bytes, sizeof word);
+  return word;
+}
+
+/// The `count` bytes at `bytes`, one to seven, with spaces above them. Loads that overlap take
+/// fewer steps than one load a byte.
+std::uint64_t shortWord(const char* bytes, std::size_t count) {
+  std::uint64_t word = (kOnes * ' ') << (8 * count);
+  if (count >= 4) {
+    return word | wordAt<std::uint32_t>(bytes) |
+           wordAt<std::uint32_t>(bytes + count - 4) << (8 * (count - 4));
+  }
+  for (const std::size_t i : {std::size_t{0}, count / 2, count - 1})
+    word |= wordAt<std::uint8_t>(bytes + i) << (8 * i);
+  return word;
+}
+
 /// The first place at or after `i` that is to be escaped. `highBits` collects the bytes passed
 /// over.
 std::size_t nextEscape(std::string_view text, std::size_t i, std::uint64_t& highBits) {
   if constexpr (std::endian::native == std::endian::little) {
+    std::uint64_t escapes = 0;
     for (; i + 8 <= text.size(); i += 8) {
-      std::uint64_t word = 0;
-      std::memcpy(&word, text.data() + i, sizeof word);
+      const auto word = wordAt<std::uint64_t>(text.data() + i);
       highBits |= word;
-      const std::uint64_t escapes = bytesToEscape(word);
+      escapes = bytesToEscape(word);
       if (escapes != 0) return i + static_cast<std::size_t>(std::countr_zero(escapes)) / 8;
     }
+    if (i == text.size()) return i;
+    const std::uint64_t word = shortWord(text.data() + i, text.size() - i);
+    highBits |= word;
+    escapes = bytesToEscape(word);
+    return escapes == 0 ? text.size() : i + static_cast<std::size_t>(std::countr_zero(escapes)) / 8;
   }
   for (; i < text.size() && !needsEscape(text[i]); ++i)
     highBits |= static_cast<unsigned char>(text[i]);
@@ -116,8 +145,20 @@ void appendJSONString(std::string& out, std::string_view text) {
 }
 
 void JSONEncoder::separate() {
+  if (depth_ == sample_.depth && depth_ != 0 && sample_.elementsLeft-- == 0) reserveForArray();
   if (!first_) out_ += ',';
   first_ = false;
+}
+
+/// A text that grows by doubling is written and moved about twice; the pages that this takes cost
+/// more than the coding itself.
+void JSONEncoder::reserveForArray() {
+  // A document may begin with elements that are longer than all others.
+  constexpr std::size_t kMostAtOnce = std::size_t{16} << 20;
+  const std::size_t perElement = (out_.size() - sample_.begin) / kSampledElements + 1;
+  const std::size_t estimate = perElement * sample_.elementsBehind / 8 * 9;
+  out_.reserve(out_.size() + std::min(estimate, kMostAtOnce));
+  sample_ = {};
 }
 
 void JSONEncoder::begin(char bracket) {
@@ -146,7 +187,11 @@ void JSONEncoder::key(std::string_view key) {
 
 void JSONEncoder::endRecord() { end('}'); }
 
-void JSONEncoder::beginArray(std::size_t /*count*/) { begin('['); }
+void JSONEncoder::beginArray(std::size_t count) {
+  begin('[');
+  if (count >= 4 * kSampledElements && sample_.depth == 0)
+    sample_ = {depth_, out_.size(), kSampledElements, count - kSampledElements};
+}
 
 void JSONEncoder::endArray() { end(']'); }
 

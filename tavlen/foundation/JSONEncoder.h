@@ -34,12 +34,22 @@ class JSONEncoder final : public Encoder {
   void date(Date value) override;
 
  private:
+  /// The first elements of a long array, whose length tells about how much room the others take.
+  struct Sample {
+    std::size_t depth = 0;  ///< of the array's elements; 0 when none is being measured
+    std::size_t begin = 0;  ///< of the first element, in out_
+    std::size_t elementsLeft = 0;
+    std::size_t elementsBehind = 0;  ///< how many the array has beyond the sample
+  };
+
   void separate();
+  void reserveForArray();
   void begin(char bracket);
   void end(char bracket);
 
   std::string& out_;
   std::size_t depth_ = 0;
+  Sample sample_;
   bool first_ = true;  ///< whether what comes next needs no comma before it
 };
 

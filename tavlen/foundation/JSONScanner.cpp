@@ -16,14 +16,13 @@ namespace {
 constexpr std::uint64_t kOnes = 0x0101010101010101;
 constexpr std::uint64_t kHighs = 0x8080808080808080;
 
-/// Marks the bytes of `word` that are zero, and perhaps bytes above a marked one.
-constexpr std::uint64_t zeroBytes(std::uint64_t word) { return (word - kOnes) & ~word & kHighs; }
-
 /// Marks the bytes of `word` that end plain text, and perhaps bytes above a marked one: quotation
-/// marks, backslashes and control characters.
+/// marks, backslashes and control characters. A subtraction borrows into the highest bit of a byte
+/// that is less than what is taken from it, if the byte is ASCII.
 constexpr std::uint64_t plainTextEnds(std::uint64_t word) {
-  const std::uint64_t controls = (word - kOnes * 0x20) & ~word & kHighs;
-  return zeroBytes(word ^ (kOnes * '"')) | zeroBytes(word ^ (kOnes * '\\')) | controls;
+  const std::uint64_t borrows =
+      ((word ^ (kOnes * '"')) - kOnes) | ((word ^ (kOnes * '\\')) - kOnes) | (word - kOnes * 0x20);
+  return borrows & ~word & kHighs;
 }
 
 constexpr bool endsPlainText(char c) {

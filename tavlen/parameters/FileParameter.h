@@ -21,7 +21,7 @@ template <FileParameter Kind>
 void appendFileObject(std::string& out, const Kind& parameter) {
   out.append("[[").append(Kind::objectClass).append(" alloc] initWithContentsOfFile:");
   out += "[resourcesPath stringByAppendingPathComponent:";
-  appendJSON(out, parameter.filename);
+  appendJSONString(out, parameter.filename);
   out += "]]";
 }
 

@@ -27,7 +27,7 @@ void appendRuntimeLookup(std::string& out, const Kind& parameter) {
       .append("', '")
       .append(Kind::retEncoding)
       .append("@')(");
-  appendJSON(out, parameter.name);
+  appendJSONString(out, parameter.name);
   out += ')';
 }
 

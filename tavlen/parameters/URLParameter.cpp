@@ -7,7 +7,7 @@ namespace tavlen {
 
 void URLParameter::appendOBJSValue(std::string& out) const {
   out += "[NSURL URLWithString:";
-  appendJSON(out, string);
+  appendJSONString(out, string);
   out += "]";
 }
 

@@ -46,7 +46,7 @@ void appendFunction(std::string& out, const Hook& hook) {
 void appendKeyedFunction(std::string& out, const Hook& hook, std::string& key) {
   key.assign(hook.signature).append(hook.prefix()).append(hook.selector);
   out += '\t';
-  appendJSON(out, key);
+  appendJSONString(out, key);
   out += ": ";
   appendFunction(out, hook);
   out += ',';
@@ -61,19 +61,35 @@ struct ClassHooks {
 std::vector<ClassHooks> groupedByClass(std::span<const Hook> hooks) {
   std::vector<ClassHooks> classes;
   std::unordered_map<std::string_view, std::size_t> places;
+  ClassHooks* last = nullptr;
   for (std::size_t i = 0; i < hooks.size(); ++i) {
-    const auto [place, added] = places.try_emplace(hooks[i].className, classes.size());
-    if (added) classes.push_back({hooks[i].className, {}});
-    classes[place->second].hooks.push_back(i);
+    // The hooks of a class mostly follow one another, so that few look-ups are needed.
+    if (last == nullptr || last->className != hooks[i].className) {
+      const auto [place, added] = places.try_emplace(hooks[i].className, classes.size());
+      if (added) classes.push_back({hooks[i].className, {}});
+      last = &classes[place->second];
+    }
+    last->hooks.push_back(i);
   }
   std::sort(classes.begin(), classes.end(),
             [](const ClassHooks& a, const ClassHooks& b) { return a.className < b.className; });
   return classes;
 }
 
+/// About the length of the source, so that it seldom has to move while it grows.
+std::size_t estimatedLength(std::span<const Hook> hooks) {
+  constexpr std::size_t kFrame = 60;     // of a function: its key's marks, `function`, the result
+  constexpr std::size_t kArgument = 80;  // an assignment with an expression of the usual length
+  std::size_t length = 0;
+  for (const Hook& hook : hooks)
+    length += kFrame + hook.signature.size() + hook.selector.size() + kArgument * hook._args.size();
+  return length;
+}
+
 HookSource render(std::span<const Hook> hooks) {
   HookSource source;
   source.entries.reserve(hooks.size());
+  source.text.reserve(estimatedLength(hooks));
   std::string key;
   for (const ClassHooks& group : groupedByClass(hooks)) {
     if (!source.text.empty()) source.text += "\n\n";

@@ -1,0 +1,58 @@
+// The heap that reading a large manifest takes. The figures are the counters; times mean nothing
+// here, since allocations are counted.
+#include <benchmark/benchmark.h>
+#include <simdjson.h>
+
+#include <string>
+
+#include "HeapUse.h"
+#include "SampleManifest.h"
+#include "tavlen/foundation/JSONDecoder.h"
+#include "tavlen/foundation/JSONEncoder.h"
+
+namespace {
+
+using tavlen::bench::HeapUse;
+
+constexpr std::size_t kHookCount = 10'000;
+
+const std::string& document() {
+  static const std::string text = tavlen::encodeJSON(tavlen::bench::sampleManifest(kHookCount));
+  return text;
+}
+
+double ratio(std::size_t part, std::size_t whole) {
+  return static_cast<double>(part) / static_cast<double>(whole);
+}
+
+void heapOfDecoding(benchmark::State& state) {
+  const std::string& text = document();
+  for (auto _ : state) {
+    const std::size_t before = HeapUse::current();
+    HeapUse::resetPeak();
+    const auto decoded = tavlen::decodeJSON<tavlen::TweakFile::Manifest>(text);
+    const std::size_t peak = HeapUse::peak() - before;
+    // A copy holds what the manifest needs, without room that vectors keep for more.
+    const std::size_t beforeCopy = HeapUse::current();
+    const auto copy = decoded;
+    const std::size_t held = HeapUse::current() - beforeCopy;
+    state.counters["peakPerHeld"] = ratio(peak, held);
+    state.counters["heldPerInputByte"] = ratio(held, text.size());
+  }
+}
+
+void heapOfSimdjsonParser(benchmark::State& state) {
+  const simdjson::padded_string text(document());
+  for (auto _ : state) {
+    const std::size_t before = HeapUse::current();
+    simdjson::ondemand::parser parser;
+    auto parsed = parser.iterate(text);
+    benchmark::DoNotOptimize(parsed);
+    state.counters["buffersPerInputByte"] = ratio(HeapUse::current() - before, document().size());
+  }
+}
+
+BENCHMARK(heapOfDecoding)->Iterations(1);
+BENCHMARK(heapOfSimdjsonParser)->Iterations(1);
+
+}  // namespace

@@ -1,0 +1,41 @@
+// The conversion's time must grow with the source's length and no faster. JSC_useJIT=0 in the
+// environment shows the engine without its compilers, as on a device.
+#include <benchmark/benchmark.h>
+
+#include <chrono>
+#include <cstdint>
+#include <string>
+
+#include "SampleManifest.h"
+#include "tavlen/tweaks/TweakProcessor.h"
+
+namespace {
+
+/// A processor whose script the engine has compiled in full. That takes it many conversions, so the
+/// warm-up goes by time.
+tavlen::TweakProcessor& warmProcessor() {
+  static tavlen::TweakProcessor processor(TAVLEN_RESOURCE_DIR);
+  static const bool warm = [] {
+    using Clock = std::chrono::steady_clock;
+    const std::string source = tavlen::bench::sampleSource(1 << 20);
+    const auto end = Clock::now() + std::chrono::seconds(6);
+    while (Clock::now() < end) benchmark::DoNotOptimize(processor.convert(source));
+    return true;
+  }();
+  benchmark::DoNotOptimize(warm);
+  return processor;
+}
+
+void convert(benchmark::State& state) {
+  const std::string source =
+      tavlen::bench::sampleSource(static_cast<std::size_t>(state.range(0)) << 20);
+  tavlen::TweakProcessor& processor = warmProcessor();
+  for (auto _ : state) benchmark::DoNotOptimize(processor.convert(source));
+  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(source.size()));
+}
+
+// The engine's compilers and collector have threads of their own, whose work counts.
+BENCHMARK(convert)->ArgName("MB")->Arg(1)->Arg(2)->MinTime(1.5)->MeasureProcessCPUTime()->Unit(
+    benchmark::kMillisecond);
+
+}  // namespace

@@ -148,10 +148,10 @@ template <class Value>
 struct Coding<std::map<std::int64_t, Value>> {
   static void encode(Encoder& encoder, const std::map<std::int64_t, Value>& table) {
     encoder.beginRecord();
-    for (const auto& [index, value] : table) {
-      const std::string key = std::to_string(index);
+    for (const auto& entry : table) {
+      const std::string key = std::to_string(entry.first);
       encoder.key(key);
-      underKey(key, [&] { tavlen::encode(encoder, value); });
+      underKey(key, [&] { tavlen::encode(encoder, entry.second); });
     }
     encoder.endRecord();
   }

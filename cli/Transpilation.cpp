@@ -131,13 +131,17 @@ void reportGenerated(const OpenedTweak& tweak, const HookSource& generated,
     if (const auto own = prober.syntaxErrorIn(alone))
       return printDiagnostic(placeOf(tweak, entry.hook), *own, alone);
   }
-  std::string place = tweak.pathOf("Manifest.json");
+  std::optional<std::size_t> hook;
+  std::size_t line = 1;
+  std::size_t counted = 0;
   for (const HookSource::Entry& entry : generated.entries) {
-    if (lineCount(std::string_view(generated.text).substr(0, entry.begin)) < error.line) {
-      place = placeOf(tweak, entry.hook);
-    }
+    line += lineCount(std::string_view(generated.text).substr(counted, entry.begin - counted));
+    counted = entry.begin;
+    if (line > error.line) break;
+    hook = entry.hook;
   }
-  printDiagnostic(place, error, generated.text);
+  printDiagnostic(hook ? placeOf(tweak, *hook) : tweak.pathOf("Manifest.json"), error,
+                  generated.text);
 }
 
 }  // namespace

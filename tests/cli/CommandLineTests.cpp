@@ -176,6 +176,12 @@ TEST_F(CommandTest, SyntaxErrorsStandAtTheirPlace) {
       {code("1}") + "," + hook, "ok();",
        manifest + "hooks[0] -[A b]: error: Unexpected token\n    \t\targuments[0] = 1};\n"
                   "    \t\t                 ^\n"},
+      {code("1; }, }); let x; hookClass('', {}, { a() {") + "," + hook + "," +
+           code("2; }, }); let x; hookClass('', {}, { a() {"),
+       "ok();",
+       manifest + "hooks[2] -[A b]: error: Identifier 'x' has already been declared\n"
+                  "    \t\targuments[0] = 2; }, }); let x; hookClass('', {}, { a() {;\n"
+                  "    \t\t                             ^\n"},
       {hook + "," + code("`"), "`;",
        manifest + "hooks[1] -[A b]: error: Unterminated template\n    \t\targuments[0] = `;\n"
                   "    \t\t                ^\n"},

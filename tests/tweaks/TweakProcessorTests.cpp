@@ -187,7 +187,8 @@ using TweakProcessorDeathTest = TweakProcessorTest;
 
 TEST_F(TweakProcessorDeathTest, AScriptWithoutItsGlobalStopsTheProcess) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
-  const std::string line = "^tavlen: fatal: the transpiler script \"ob.js\" does not define OBJSTranspiler\n$";
+  const std::string line =
+      "^tavlen: fatal: the transpiler script \"ob.js\" does not define OBJSTranspiler\n$";
   for (const char* script :
        {"", "syntax error", "const OBJSTranspiler = {};",
         "Object.defineProperty(this, 'OBJSTranspiler', { get() { throw 1; } })"}) {

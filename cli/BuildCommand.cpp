@@ -4,6 +4,7 @@
 #include <string>
 #include <system_error>
 
+#include "cli/ArgumentChecks.h"
 #include "cli/Commands.h"
 #include "cli/Console.h"
 #include "cli/Transpilation.h"
@@ -36,8 +37,11 @@ int build(const Options& options) {
   std::error_code error;
   std::filesystem::create_directories(folder, error);
   if (error) throw std::system_error(error, folder.string());
-  replaceFile(folder / "code.js", output->code);
-  replaceFile(folder / "code.js.map", output->map);
+  // Both are on the disk before either takes its place: a code without its map helps nobody.
+  FileReplacement code(folder / "code.js", output->code);
+  FileReplacement map(folder / "code.js.map", output->map);
+  code.commit();
+  map.commit();
   return 0;
 }
 
@@ -46,12 +50,13 @@ int build(const Options& options) {
 void addBuildCommand(CLI::App& app, Action& action) {
   auto* command = app.add_subcommand("build", "Turn a tweak into code and a source map");
   const auto options = std::make_shared<Options>();
-  command->add_option("TWEAK", options->tweak, "The tweak's folder")->required();
+  command->add_option("TWEAK", options->tweak, "The tweak's folder")->required()->check(notEmpty());
   command
       ->add_option(
           "-o,--output", options->output,
           "The folder that code.js and code.js.map are written to; without it the code is printed")
-      ->type_name("DIR");
+      ->type_name("DIR")
+      ->check(notEmpty());
   addTranspilerOption(*command, options->transpiler);
   command->callback([options, &action] { action = [options] { return build(*options); }; });
 }

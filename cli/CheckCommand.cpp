@@ -1,9 +1,11 @@
 #include <CLI/CLI.hpp>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "cli/ArgumentChecks.h"
 #include "cli/Commands.h"
 #include "cli/Console.h"
 #include "cli/ErrorReport.h"
@@ -16,27 +18,27 @@ namespace tavlen::cli {
 
 namespace {
 
-/// Whether the tweak at `argument` builds; says on the standard error stream what is wrong with it,
-/// and on the standard output what it holds.
-bool check(const std::string& argument, const std::filesystem::path& transpiler) {
+std::string counted(std::size_t warnings) {
+  if (warnings == 0) return "ok";
+  return std::to_string(warnings) + (warnings == 1 ? " warning" : " warnings");
+}
+
+/// What is to be said of the tweak at `argument` if it builds. What is wrong or questionable goes
+/// to the standard error stream.
+std::optional<std::string> verdictOf(const std::string& argument,
+                                     const std::filesystem::path& transpiler) {
   try {
     const OpenedTweak tweak = openTweak(argument);
     const std::vector<std::string> warnings = warningsFor(tweak);
     for (const std::string& warning : warnings) printWarning(warning);
-    if (!transpile(tweak, transpiler)) {
-      printError(argument + ": does not build");
-      return false;
+    if (transpile(tweak, transpiler)) {
+      return counted(warnings.size() + (tweak.scriptIsUnreadable ? 1 : 0));
     }
-    const std::string verdict =
-        warnings.empty()
-            ? "ok"
-            : std::to_string(warnings.size()) + (warnings.size() == 1 ? " warning" : " warnings");
-    printData(oneLine(argument) + ": " + verdict + "\n");
-    return true;
+    printError(argument + ": does not build");
   } catch (const std::exception& error) {
     reportError(error);
-    return false;
   }
+  return std::nullopt;
 }
 
 }  // namespace
@@ -45,13 +47,15 @@ void addCheckCommand(CLI::App& app, Action& action) {
   auto* command = app.add_subcommand("check", "Say what is wrong with tweaks, and where");
   const auto tweaks = std::make_shared<std::vector<std::string>>();
   const auto transpiler = std::make_shared<std::string>();
-  command->add_option("TWEAK", *tweaks, "The tweaks' folders")->required();
+  command->add_option("TWEAK", *tweaks, "The tweaks' folders")->required()->check(notEmpty());
   addTranspilerOption(*command, *transpiler);
   command->callback([tweaks, transpiler, &action] {
     action = [tweaks, transpiler] {
       bool allBuild = true;
       for (const std::string& tweak : *tweaks) {
-        allBuild = check(tweak, transpilerFolder(*transpiler)) && allBuild;
+        const auto verdict = verdictOf(tweak, transpilerFolder(*transpiler));
+        if (verdict) printData(oneLine(tweak) + ": " + *verdict + "\n");
+        allBuild = allBuild && verdict.has_value();
       }
       return allBuild ? 0 : 1;
     };

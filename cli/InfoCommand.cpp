@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/ArgumentChecks.h"
 #include "cli/Commands.h"
 #include "cli/Console.h"
 #include "tavlen/bundles/InfoManager.h"
@@ -102,7 +103,7 @@ void addInfoCommand(CLI::App& app, Action& action) {
   auto* command = app.add_subcommand("info", "Print what an app's Info.plist says of it");
   const auto bundle = std::make_shared<std::string>();
   const auto json = std::make_shared<bool>(false);
-  command->add_option("BUNDLE", *bundle, "The app's bundle folder")->required();
+  command->add_option("BUNDLE", *bundle, "The app's bundle folder")->required()->check(notEmpty());
   command->add_flag("--json", *json, "Print a JSON object");
   command->callback([bundle, json, &action] {
     action = [bundle, json] {

@@ -7,7 +7,7 @@
 
 #include "cli/Console.h"
 #include "cli/SourceLine.h"
-#include "tavlen/foundation/JSONEncoder.h"
+#include "tavlen/foundation/CodingPath.h"
 #include "tavlen/tweaks/HookSource.h"
 
 namespace tavlen::cli {
@@ -115,7 +115,8 @@ std::string placeOf(const OpenedTweak& tweak, std::size_t hookPlace) {
     const auto& hook = tweak.manifest._hooks[i];
     if (!hook || present++ != hookPlace) continue;
     return tweak.pathOf("Manifest.json") + ": hooks[" + std::to_string(i) + "] " +
-           std::string(hook->prefix()) + "[" + hook->className + " " + hook->selector + "]";
+           std::string(hook->prefix()) + "[" + abbreviated(hook->className) + " " +
+           abbreviated(hook->selector) + "]";
   }
   return tweak.pathOf("Manifest.json");
 }

@@ -1,8 +1,6 @@
 #include "cli/TweakArgument.h"
 
-#include <filesystem>
 #include <stdexcept>
-#include <system_error>
 
 #include "cli/Console.h"
 #include "tavlen/foundation/CodingError.h"
@@ -33,6 +31,7 @@ OpenedTweak openTweak(const std::string& argument) {
   try {
     tweak.script = tweak.file->readScript().value_or(std::string());
   } catch (const std::exception& error) {
+    tweak.scriptIsUnreadable = true;
     printWarning("the script cannot be read and counts as empty: " + std::string(error.what()));
   }
   return tweak;

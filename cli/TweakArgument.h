@@ -15,6 +15,7 @@ struct OpenedTweak {
   TweakFile::Manifest manifest;
   /// The script; empty, after a warning on the standard error stream, where it cannot be read.
   std::string script;
+  bool scriptIsUnreadable = false;
 
   /// `argument`, a slash and `name`: how messages name a file of the tweak.
   std::string pathOf(const std::string& name) const;

@@ -80,7 +80,8 @@ class Checker {
                          index < static_cast<std::int64_t>(std::max(arguments, colons));
       if (!known) warn(place + ".args." + std::to_string(index), "the method has no such argument");
     }
-    if (types->result == "v" && hook._args.contains(Hook::kReturnValue)) {
+    if ((types->result == "v" || types->result == "Vv") &&
+        hook._args.contains(Hook::kReturnValue)) {
       warn(place + ".args.-1", "the method returns nothing");
     }
   }

@@ -63,7 +63,7 @@ void Info::setOrientations(const Orientations& orientations) {
 Orientations Info::ipadOrientations() const { return knownOrientations(_ipadOrientations); }
 
 void Info::setIpadOrientations(const Orientations& orientations) {
-  // Not the iPad's list, which only an override writes: users' tweaks rely on it.
+  // Not a slip: installed tweaks were built with it.
   _orientations = storedOrientations(orientations);
 }
 

@@ -83,7 +83,7 @@ struct Info {
 
   /// The iPad's own list, without a fallback to the other.
   std::optional<std::vector<InterfaceOrientation>> ipadOrientations() const;
-  /// Stores into the list of `orientations`, not into the iPad's: documented behaviour, to be kept.
+  /// Stores into the list of `orientations`, not into the iPad's: tweaks rely on it.
   void setIpadOrientations(const std::optional<std::vector<InterfaceOrientation>>& orientations);
 
   bool operator==(const Info&) const = default;

@@ -31,7 +31,7 @@ class CodingError : public LocalizedError {
 };
 
 /// A document that does not hold what was asked of it. The cases and their paths are the
-/// platform's.
+/// platform's, except that malformed text and numbers have a path here, too.
 class DecodingError : public CodingError {
  public:
   enum class Case {

@@ -17,14 +17,22 @@ std::vector<CodingPath::Element> CodingPath::elements() const {
 }
 
 std::string CodingPath::text() const {
+  // A path as deep as documents may be would fill screens; its two ends tell the place.
+  constexpr std::size_t kShownAtEachEnd = 16;
+  const std::size_t count = reversed_.size();
   std::string out;
-  for (auto element = reversed_.rbegin(); element != reversed_.rend(); ++element) {
-    if (const auto* index = std::get_if<std::size_t>(&*element)) {
+  for (std::size_t i = 0; i < count; ++i) {
+    if (i == kShownAtEachEnd && count > 2 * kShownAtEachEnd) {
+      out += "…";
+      i = count - kShownAtEachEnd;
+    }
+    const Element& element = reversed_[count - 1 - i];
+    if (const auto* index = std::get_if<std::size_t>(&element)) {
       out += "[" + std::to_string(*index) + "]";
       continue;
     }
     if (!out.empty()) out += '.';
-    out += abbreviated(std::get<std::string>(*element));
+    out += abbreviated(std::get<std::string>(element));
   }
   return out;
 }

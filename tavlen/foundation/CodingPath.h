@@ -26,7 +26,8 @@ class CodingPath {
   bool empty() const { return reversed_.empty(); }
   /// From the document's root inwards.
   std::vector<Element> elements() const;
-  /// The path as people write it: `hooks[3].args.-1.value`. Overlong keys are shortened.
+  /// The path as people write it: `hooks[3].args.-1.value`. Overlong keys and
+  /// the middle of an overlong path are left out.
   std::string text() const;
 
   bool operator==(const CodingPath&) const = default;

@@ -43,8 +43,9 @@ class Decoder {
   /// Reads a keyed container into `record` by its table. Keys that the table does not hold are
   /// ignored.
   virtual void record(std::span<const FieldDecoder> fields, void* record) = 0;
-  /// Reads a keyed container of unknown keys: `member` is called for each, equal keys once. The
-  /// key's text is valid during the call.
+  /// Reads a keyed container of unknown keys: `member` is called for each. A key may come again
+  /// where the format lets it; the value that counts comes first. The key's text is valid during
+  /// the call.
   virtual void members(FunctionRef<void(std::string_view key)> member) = 0;
   /// Reads an array: `element` is called for each.
   virtual void elements(FunctionRef<void()> element) = 0;

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 #include <random>
 #include <string>
 #include <system_error>
@@ -13,72 +14,43 @@ namespace tavlen {
 
 namespace {
 
-[[noreturn]] void fail(const std::filesystem::path& file) {
-  throw std::system_error(errno, std::generic_category(), file.string());
+constexpr std::string_view kTemporaryPrefix = ".tavlen-";
+/// Longer than any replacement takes, so that nobody's is taken for a left-over.
+constexpr std::chrono::minutes kLeftOverAge(10);
+
+std::filesystem::path folderOf(const std::filesystem::path& file) {
+  return file.has_parent_path() ? file.parent_path() : std::filesystem::path(".");
 }
 
-/// A file that is gone again with the object, unless it took its place before.
-class TemporaryFile {
- public:
-  explicit TemporaryFile(const std::filesystem::path& target) {
-    std::random_device random;
-    do {
-      const std::string name =
-          ".tavlen-" + std::to_string(random()) + "-" + std::to_string(random());
-      path_ = (target.parent_path() / name).string();
-      // The plain mode, so that a new file gets its permissions as any other does, from the
-      // process's mask.
-      descriptor_ = ::open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-    } while (descriptor_ < 0 && errno == EEXIST);
-    if (descriptor_ < 0) fail(target);
-  }
-  TemporaryFile(const TemporaryFile&) = delete;
-  TemporaryFile& operator=(const TemporaryFile&) = delete;
-  ~TemporaryFile() {
-    if (descriptor_ >= 0) ::close(descriptor_);
-    if (!path_.empty()) ::unlink(path_.c_str());
-  }
-
-  void write(std::string_view bytes, const std::filesystem::path& target) const {
-    while (!bytes.empty()) {
-      const ssize_t count = ::write(descriptor_, bytes.data(), bytes.size());
-      if (count < 0 && errno == EINTR) continue;
-      if (count < 0) fail(target);
-      bytes.remove_prefix(static_cast<std::size_t>(count));
+/// The file that `path` leads to, through links; one to nothing leads to where it points.
+std::filesystem::path resolved(std::filesystem::path path) {
+  constexpr int kMostLinks = 40;  // as the system counts them
+  std::error_code error;
+  for (int links = 0; std::filesystem::is_symlink(path, error); ++links) {
+    if (links == kMostLinks) {
+      throw std::system_error(ELOOP, std::generic_category(), path.string());
     }
+    path = folderOf(path) / std::filesystem::read_symlink(path);
   }
+  return path;
+}
 
-  void copyPermissions(const std::filesystem::path& target) const {
-    struct stat status {};
-    if (::stat(target.c_str(), &status) != 0) return;  // there is no file yet
-    if (::fchmod(descriptor_, status.st_mode & 07777) != 0) fail(target);
+void sweepLeftOvers(const std::filesystem::path& folder) {
+  std::error_code error;
+  const auto now = std::filesystem::file_time_type::clock::now();
+  std::filesystem::directory_iterator entry(folder, error);
+  for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
+    if (!entry->path().filename().string().starts_with(kTemporaryPrefix)) continue;
+    std::error_code ignored;
+    const auto written = std::filesystem::last_write_time(entry->path(), ignored);
+    if (!ignored && now - written > kLeftOverAge) std::filesystem::remove(entry->path(), ignored);
   }
-
-  void moveTo(const std::filesystem::path& target) {
-    if (::fsync(descriptor_) != 0) fail(target);
-    // Some file systems report a failed write only here.
-    const int closed = ::close(descriptor_);
-    descriptor_ = -1;
-    if (closed != 0 && errno != EINTR) fail(target);
-    if (::rename(path_.c_str(), target.c_str()) != 0) fail(target);
-    path_.clear();
-  }
-
- private:
-  std::string path_;
-  int descriptor_ = -1;
-};
-
-/// The file that `path` leads to, through links. A link to nothing leads to where it points.
-std::filesystem::path resolved(const std::filesystem::path& path) {
-  return std::filesystem::is_symlink(path) ? std::filesystem::weakly_canonical(path) : path;
 }
 
 /// Brings the new name to the disk. A file system that cannot is no reason to fail: the file is
 /// whole either way.
 void syncFolder(const std::filesystem::path& folder) {
-  const int descriptor =
-      ::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  const int descriptor = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
   if (descriptor < 0) return;
   ::fsync(descriptor);
   ::close(descriptor);
@@ -86,13 +58,76 @@ void syncFolder(const std::filesystem::path& folder) {
 
 }  // namespace
 
+FileReplacement::FileReplacement(const std::filesystem::path& file, std::string_view contents)
+    : file_(file), target_(resolved(file)) {
+  std::error_code ignored;
+  if (std::filesystem::is_directory(target_, ignored)) fail(EISDIR);
+  sweepLeftOvers(folderOf(target_));
+  try {
+    create();
+    copyPermissions();  // before the contents, which a private file must not show meanwhile
+    write(contents);
+    bringToDisk();
+  } catch (...) {
+    // No destructor runs for an object that was never finished.
+    if (descriptor_ >= 0) ::close(descriptor_);
+    if (!temporary_.empty()) ::unlink(temporary_.c_str());
+    throw;
+  }
+}
+
+FileReplacement::~FileReplacement() {
+  if (!temporary_.empty()) ::unlink(temporary_.c_str());
+}
+
+void FileReplacement::create() {
+  std::random_device random;
+  std::filesystem::path name;
+  do {
+    name = folderOf(target_) / (std::string(kTemporaryPrefix) + std::to_string(random()) + "-" +
+                                std::to_string(random()));
+    // The plain mode, so that a new file gets its permissions as any other, by the process's mask.
+    descriptor_ = ::open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+  } while (descriptor_ < 0 && errno == EEXIST);
+  if (descriptor_ < 0) fail(errno);
+  temporary_ = name;
+}
+
+void FileReplacement::copyPermissions() const {
+  struct stat status {};
+  if (::stat(target_.c_str(), &status) != 0) return;  // there is no file yet
+  if (::fchmod(descriptor_, status.st_mode & 07777) != 0) fail(errno);
+}
+
+void FileReplacement::write(std::string_view bytes) const {
+  while (!bytes.empty()) {
+    const ssize_t count = ::write(descriptor_, bytes.data(), bytes.size());
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) fail(errno);
+    bytes.remove_prefix(static_cast<std::size_t>(count));
+  }
+}
+
+void FileReplacement::bringToDisk() {
+  if (::fsync(descriptor_) != 0) fail(errno);
+  // Some file systems report a failed write only here.
+  const int closed = ::close(descriptor_);
+  descriptor_ = -1;
+  if (closed != 0 && errno != EINTR) fail(errno);
+}
+
+void FileReplacement::commit() {
+  if (::rename(temporary_.c_str(), target_.c_str()) != 0) fail(errno);
+  temporary_.clear();
+  syncFolder(folderOf(target_));
+}
+
+void FileReplacement::fail(int code) const {
+  throw std::system_error(code, std::generic_category(), file_.string());
+}
+
 void replaceFile(const std::filesystem::path& file, std::string_view contents) {
-  const std::filesystem::path target = resolved(file);
-  TemporaryFile temporary(target);
-  temporary.write(contents, file);
-  temporary.copyPermissions(target);
-  temporary.moveTo(target);
-  syncFolder(target.parent_path());
+  FileReplacement(file, contents).commit();
 }
 
 }  // namespace tavlen

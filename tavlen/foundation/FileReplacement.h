@@ -5,12 +5,40 @@
 
 namespace tavlen {
 
-/// Makes `contents` the contents of `file`, whole or not at all.
+/// New contents for a file, which take its place whole or not at all.
 ///
-/// The bytes go to a temporary file beside it, are brought to the disk, and take the name in one
-/// step, so a reader and a crash find the old file or the new one. A symbolic link is followed; an
-/// existing file's permissions stay. The temporary name begins with ".". Throws std::system_error
-/// with the path; nothing is left behind then.
+/// The bytes lie in a temporary file beside it, already on the disk, until commit() gives them the
+/// name in one step: a reader and a crash find the old file or the new one. Preparing several and
+/// then committing them leaves little that can fail between the first and the last. A symbolic link
+/// is followed; an existing file's permissions stay. Temporary names begin with "."; what a crash
+/// left of them is removed by later replacements in the same folder.
+/// Threads: any, one object one thread at a time.
+class FileReplacement {
+ public:
+  /// Throws std::system_error with the path, for a folder in the file's place, too.
+  FileReplacement(const std::filesystem::path& file, std::string_view contents);
+  FileReplacement(const FileReplacement&) = delete;
+  FileReplacement& operator=(const FileReplacement&) = delete;
+  /// Drops what was not committed.
+  ~FileReplacement();
+
+  /// To be called once. Throws std::system_error with the path; the file is then as it was.
+  void commit();
+
+ private:
+  void create();
+  void copyPermissions() const;
+  void write(std::string_view bytes) const;
+  void bringToDisk();
+  [[noreturn]] void fail(int code) const;
+
+  std::filesystem::path file_;       ///< as errors name it
+  std::filesystem::path target_;     ///< behind all links
+  std::filesystem::path temporary_;  ///< empty once it is gone
+  int descriptor_ = -1;
+};
+
+/// Prepares the replacement of one file and commits it. Errors as FileReplacement's.
 void replaceFile(const std::filesystem::path& file, std::string_view contents);
 
 }  // namespace tavlen

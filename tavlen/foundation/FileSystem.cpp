@@ -19,6 +19,9 @@ namespace {
   throw std::system_error(code, std::generic_category(), path.string());
 }
 
+/// No document comes near it, and a sparse file of any size is made in no time.
+constexpr off_t kLargestFile = off_t{1} << 31;
+
 class Descriptor {
  public:
   explicit Descriptor(int value) : value_(value) {}
@@ -42,13 +45,14 @@ std::size_t sizeOfRegularFile(int descriptor, const std::filesystem::path& path)
   struct stat status {};
   if (::fstat(descriptor, &status) != 0) fail(errno, path);
   if (S_ISDIR(status.st_mode)) fail(EISDIR, path);
-  if (!S_ISREG(status.st_mode)) fail(EINVAL, path);
+  if (!S_ISREG(status.st_mode)) fail(EINVAL, path.string() + ": not a regular file");
+  if (status.st_size > kLargestFile) fail(EFBIG, path);
   return static_cast<std::size_t>(status.st_size);
 }
 
 std::string checkedUTF8(std::string text, const std::filesystem::path& path) {
   constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-  if (!isValidUTF8(text)) fail(EILSEQ, path);
+  if (!isValidUTF8(text)) fail(EILSEQ, path.string() + ": the text is malformed in its encoding");
   if (text.starts_with(kByteOrderMark)) text.erase(0, kByteOrderMark.size());
   return text;
 }
@@ -94,14 +98,11 @@ std::string readText(const std::filesystem::path& path) {
     if (!bytes.starts_with(mark.bytes)) continue;
     std::string text;
     const std::string_view rest = std::string_view(bytes).substr(mark.bytes.size());
-    if (!convertToUTF8(rest, mark.encoding, text)) fail(EILSEQ, path);
+    if (!convertToUTF8(rest, mark.encoding, text))
+      fail(EILSEQ, path.string() + ": the text is malformed in its encoding");
     return text;
   }
   return checkedUTF8(std::move(bytes), path);
-}
-
-std::string readUTF8(const std::filesystem::path& path) {
-  return checkedUTF8(readFile(path), path);
 }
 
 bool isPlainComponent(std::string_view name) {

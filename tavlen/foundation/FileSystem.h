@@ -11,16 +11,14 @@
 /// from any thread.
 namespace tavlen {
 
-/// The whole file's bytes. A symbolic link is followed; a folder (EISDIR) and anything else that is
-/// no regular file (EINVAL) are refused, and a pipe never blocks the open.
+/// The whole file's bytes, 2 GiB at the most (EFBIG). A symbolic link is followed; a folder
+/// (EISDIR) and anything else that is no regular file (EINVAL) are refused, and a pipe never blocks
+/// the open.
 std::string readFile(const std::filesystem::path& path);
 
 /// The file's text as UTF-8. A byte order mark tells UTF-32 or UTF-16 and is dropped; without one
 /// the text is UTF-8. Malformed text is EILSEQ: there is no fallback to another encoding.
 std::string readText(const std::filesystem::path& path);
-
-/// The text of a file that is UTF-8, without a byte order mark. Malformed text is EILSEQ.
-std::string readUTF8(const std::filesystem::path& path);
 
 /// Whether `name` can stand between two slashes and names an entry of that folder itself: not
 /// empty, not "." or "..", without "/" and NUL. To be asked before a stored identifier becomes part

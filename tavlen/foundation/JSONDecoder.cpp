@@ -86,7 +86,7 @@ class JSONDecoder final : public Decoder {
     const std::size_t depth = scanner_.depth();
     for (bool more = scanner_.open('}'); more; more = scanner_.next('}')) {
       if (scanner_.key(peekedKey_) != wanted) {
-        scanner_.skipValue();
+        scanner_.skipValueAhead();
         continue;
       }
       const std::string_view text = underKey(wanted, [&] {

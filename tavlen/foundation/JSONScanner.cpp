@@ -230,16 +230,16 @@ void JSONScanner::skipScalar(char first) {
   }
 }
 
-void JSONScanner::skipValue() {
+void JSONScanner::skipValue(Again again) {
   const char first = peek();
   if (first == '{' || first == '[') {
-    skipContainer(first);
+    skipContainer(first, again);
   } else {
     skipScalar(first);
   }
 }
 
-void JSONScanner::skipContainer(char opening) {
+void JSONScanner::skipContainer(char opening, Again again) {
   if (const auto known = skippedContainers_.find(position_); known != skippedContainers_.end()) {
     position_ = known->second;
     return;
@@ -248,14 +248,16 @@ void JSONScanner::skipContainer(char opening) {
   std::array<const char*, kMaximumDepth> openings;
   std::size_t count = 0;
   const auto enter = [&](char bracket) {
-    openings[count++] = position_;
-    const bool filled = open(closingFor(bracket));
-    if (!filled) --count;
+    const char* const begin = position_;
+    const bool filled = open(closingFor(bracket));  // which ends at the depth limit
+    if (filled) openings[count++] = begin;
     return filled;
   };
   const auto leave = [&] {
     const char* const begin = openings[--count];
-    if (position_ - begin > kRememberedLength) skippedContainers_.emplace(begin, position_);
+    if (again == Again::yes && position_ - begin > kRememberedLength) {
+      skippedContainers_.emplace(begin, position_);
+    }
   };
 
   bool before = enter(opening);  // whether a member or element comes next
@@ -274,7 +276,6 @@ void JSONScanner::skipContainer(char opening) {
     }
     const char first = peek();
     if (first == '{' || first == '[') {
-      if (depth_ >= kMaximumDepth) deepen();
       before = enter(first);
     } else {
       skipScalar(first);

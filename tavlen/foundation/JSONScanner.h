@@ -46,7 +46,10 @@ class JSONScanner {
   /// Moves over `word`, one of true, false and null.
   void literal(std::string_view word);
   /// Moves over any value. Strings and numbers in it are not checked.
-  void skipValue();
+  void skipValue() { skipValue(Again::no); }
+  /// The same for a value that is read afterwards: it is remembered where its containers end, so
+  /// that passing over it again costs nothing.
+  void skipValueAhead() { skipValue(Again::yes); }
 
   void setDepth(std::size_t depth) { depth_ = depth; }
   std::size_t depth() const { return depth_; }
@@ -54,9 +57,11 @@ class JSONScanner {
   [[noreturn]] void fail(std::string_view reason) const;
 
  private:
-  /// Skipped containers of this many bytes are remembered. Looking ahead for a key passes over a
-  /// container that is read afterwards, and what nests in it the same way would be passed over
-  /// again at each level.
+  enum class Again { no, yes };
+
+  /// Looking ahead for a key passes over a container that is read afterwards, and what nests in it
+  /// the same way would be passed over again at each level. Containers of this many bytes are
+  /// remembered against that.
   static constexpr std::ptrdiff_t kRememberedLength = 4096;
 
   const char* endOfPlainText(const char* from) const;
@@ -66,7 +71,8 @@ class JSONScanner {
   char32_t fourHexDigits();
   void deepen();
   void skipScalar(char first);
-  void skipContainer(char opening);
+  void skipValue(Again again);
+  void skipContainer(char opening, Again again);
 
   const char* begin_;
   const char* position_;

@@ -16,8 +16,8 @@ class PropertyListEncoder final : public Encoder {
  public:
   static constexpr std::size_t kDeepest = 511;
 
-  /// What was encoded. Throws EncodingError unless it is an array or a dictionary: the platform
-  /// takes nothing else for a property list's root. The encoder is spent afterwards.
+  /// What was encoded. Throws EncodingError unless it is an array or a dictionary: of what records
+  /// code, the platform takes nothing else for a list's root. The encoder is spent afterwards.
   PropertyList finish();
 
   void beginRecord() override;

@@ -17,7 +17,7 @@ std::string utf8FromUTF16(std::u16string_view text);
 /// Appends the UTF-8 form of `codePoint`, a Unicode scalar value.
 void appendUTF8(std::string& out, char32_t codePoint);
 
-/// Reads bytes in an encoding that a mark or a pattern of zeros may tell.
+/// The encodings that a mark or a pattern of zeros tells apart.
 enum class TextEncoding {
   utf8,
   utf16LittleEndian,

@@ -25,6 +25,9 @@ struct DictionaryParameter::Pair {
   ParameterContainer _key;
   ParameterContainer _value;
 
+  static Pair with(Parameter key, Parameter value) {
+    return {{std::move(key)}, {std::move(value)}};
+  }
   const Parameter& key() const { return _key.value; }
   void setKey(Parameter key) { _key.value = std::move(key); }
   const Parameter& value() const { return _value.value; }

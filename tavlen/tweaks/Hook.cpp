@@ -29,10 +29,13 @@ void Hook::setArgs(std::map<std::int64_t, Parameter> args) {
 }
 
 std::string Hook::transpilerKey() const {
-  std::string key = signature;
-  key += prefix();
-  key += selector;
+  std::string key;
+  appendTranspilerKey(key);
   return key;
+}
+
+void Hook::appendTranspilerKey(std::string& out) const {
+  out.append(signature).append(prefix()).append(selector);
 }
 
 }  // namespace tavlen

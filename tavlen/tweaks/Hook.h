@@ -42,6 +42,7 @@ struct Hook {
   MethodIdentity identity() const { return {className, selector, isClassMethod}; }
   /// What the transpiler knows the method by, within its class: signature, prefix and selector.
   std::string transpilerKey() const;
+  void appendTranspilerKey(std::string& out) const;
 
   static constexpr auto codedFields() {
     return std::tuple{

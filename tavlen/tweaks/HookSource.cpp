@@ -44,7 +44,8 @@ void appendFunction(std::string& out, const Hook& hook) {
 
 /// `key` is a buffer that callers with many hooks keep.
 void appendKeyedFunction(std::string& out, const Hook& hook, std::string& key) {
-  key.assign(hook.signature).append(hook.prefix()).append(hook.selector);
+  key.clear();
+  hook.appendTranspilerKey(key);
   out += '\t';
   appendJSONString(out, key);
   out += ": ";

@@ -18,8 +18,12 @@ constexpr const char* kResourcesFolder = "Resources";
 }  // namespace
 
 std::shared_ptr<TweakFile> TweakFile::at(const std::filesystem::path& url) {
-  // A path that ends in a slash has no last component of its own.
-  const std::filesystem::path folder = url.has_filename() ? url : url.parent_path();
+  // The folder's name is the identifier, so a path must end in one: not in a slash, "." or "..".
+  std::filesystem::path folder = url.has_filename() ? url : url.parent_path();
+  if (!folder.empty() && !isPlainComponent(folder.filename().string())) {
+    folder = std::filesystem::absolute(url).lexically_normal();
+    if (!folder.has_filename()) folder = folder.parent_path();
+  }
   std::shared_ptr<TweakFile> tweak(new TweakFile(folder));
   tweak->validate();
   return tweak;

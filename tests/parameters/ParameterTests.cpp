@@ -44,7 +44,7 @@ struct KindCase {
 DictionaryParameter dictionaryOf(std::vector<std::pair<Parameter, Parameter>> pairs) {
   DictionaryParameter dictionary;
   for (auto& [key, value] : pairs)
-    dictionary._items.push_back({{std::move(key)}, {std::move(value)}});
+    dictionary._items.push_back(DictionaryParameter::Pair::with(std::move(key), std::move(value)));
   return dictionary;
 }
 

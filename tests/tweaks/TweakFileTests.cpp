@@ -58,6 +58,14 @@ TEST_F(TweakFileTest, SaysWhatIsMissingOrBroken) {
   EXPECT_THROW(TweakFile::at(""), TweakFile::Error);
 }
 
+TEST_F(TweakFileTest, APathWithoutANameStillGivesTheFoldersName) {
+  folder_.write("T/Manifest.json", kManifest);
+  fs::create_directories(folder_.path() / "T/Resources");
+  for (const char* name : {"T/.", "T/./", "T/Resources/..", "T/Resources/../"}) {
+    EXPECT_EQ(TweakFile::at(folder_.path() / name)->id(), "T") << name;
+  }
+}
+
 TEST_F(TweakFileTest, ReadsTheFolderAnewEachTime) {
   const fs::path manifest = folder_.write("T/Manifest.json", kManifest);
   const auto tweak = TweakFile::at(folder_.path() / "T");

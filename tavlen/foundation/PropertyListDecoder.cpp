@@ -163,12 +163,14 @@ void PropertyListDecoder::members(FunctionRef<void(std::string_view key)> member
   const auto& members = require<PropertyList::Dictionary>("a dictionary").members;
   chargeVisits(2 * members.size());
   std::unordered_map<std::string_view, std::size_t> lastOf;
-  for (std::size_t i = 0; i < members.size(); ++i) lastOf[list_.string(members[i].key)] = i;
+  for (std::size_t i = 0; i < members.size(); ++i) {
+    // Hashing reads the text, and who collects members copies it.
+    lastOf[chargedText(list_.string(members[i].key))] = i;
+  }
   Inside inside(*this);
   for (std::size_t i = 0; i < members.size(); ++i) {
     const std::string& key = list_.string(members[i].key);
     if (lastOf[key] != i) continue;
-    chargedText(key);  // who collects members copies their keys
     inside.moveTo(members[i].value);
     underKey(key, [&] { member(key); });
   }

@@ -11,6 +11,7 @@
 #include <memory>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "tavlen/foundation/Unicode.h"
 #include "tavlen/foundation/UserLocale.h"
@@ -124,6 +125,23 @@ bool continuesCharacter(const std::u16string& text, std::size_t position) {
   return syllableType == U_HST_VOWEL_JAMO || syllableType == U_HST_TRAILING_JAMO;
 }
 
+/// How much of `needle` the text matches after `next`, when it matched `matched` units before it.
+std::size_t extended(const std::u16string& needle, const std::vector<std::size_t>& borders,
+                     std::size_t matched, char16_t next) {
+  while (matched > 0 && needle[matched] != next) matched = borders[matched - 1];
+  return needle[matched] == next ? matched + 1 : 0;
+}
+
+/// For each prefix of `needle`, the length of the longest shorter prefix that also ends it: the
+/// table of the Knuth-Morris-Pratt search, which is linear whatever the texts repeat.
+std::vector<std::size_t> bordersOf(const std::u16string& needle) {
+  std::vector<std::size_t> borders(needle.size(), 0);
+  for (std::size_t i = 1; i < needle.size(); ++i) {
+    borders[i] = extended(needle, borders, borders[i - 1], needle[i]);
+  }
+  return borders;
+}
+
 }  // namespace
 
 std::weak_ordering localizedCaseInsensitiveCompare(std::string_view left, std::string_view right) {
@@ -141,13 +159,17 @@ std::weak_ordering localizedCaseInsensitiveCompare(std::string_view left, std::s
 }
 
 bool localizedCaseInsensitiveContains(std::string_view text, std::string_view query) {
-  if (query.empty()) return false;
   const std::string& language = localeRules().language;
-  const std::u16string haystack = folded(text, language);
   const std::u16string needle = folded(query, language);
-  for (std::size_t start = haystack.find(needle); start != std::u16string::npos;
-       start = haystack.find(needle, start + 1)) {
-    if (!continuesCharacter(haystack, start + needle.size())) return true;
+  if (needle.empty()) return false;
+  const std::u16string haystack = folded(text, language);
+  const std::vector<std::size_t> borders = bordersOf(needle);
+  std::size_t matched = 0;
+  for (std::size_t i = 0; i < haystack.size(); ++i) {
+    matched = extended(needle, borders, matched, haystack[i]);
+    if (matched < needle.size()) continue;
+    if (!continuesCharacter(haystack, i + 1)) return true;
+    matched = borders[matched - 1];
   }
   return false;
 }

@@ -68,11 +68,23 @@ class Writer {
     std::size_t next = 0;
   };
 
+  [[noreturn]] static void throwTooLarge() {
+    throw EncodingError::invalidValue("the property list is too large for XML");
+  }
+
   void charge(std::size_t values) {
-    if (values > valuesLeft_ || out_.size() > kMostBytes) {
-      throw EncodingError::invalidValue("the property list is too large for XML");
-    }
+    if (values > valuesLeft_ || out_.size() > kMostBytes) throwTooLarge();
     valuesLeft_ -= values;
+  }
+
+  /// Sorting reads the keys' texts, even those of equal keys, which are not written.
+  void chargeKeys(const std::vector<PropertyList::Member>& members) {
+    charge(members.size());
+    for (const PropertyList::Member& member : members) {
+      const std::size_t bytes = list_.string(member.key).size();
+      if (bytes > keyBytesLeft_) throwTooLarge();
+      keyBytesLeft_ -= bytes;
+    }
   }
 
   void appendValue(Index index) {
@@ -159,14 +171,17 @@ class Writer {
 
   void append(const PropertyList::Dictionary& value) {
     if (value.members.empty()) return appendEmpty("<dict/>\n");
-    charge(value.members.size());  // sorting them is work even where all keys are equal
+    chargeKeys(value.members);
     const auto key = [this](const PropertyList::Member& m) -> std::string_view {
       return list_.string(m.key);
     };
     std::vector<PropertyList::Member> members(value.members.rbegin(), value.members.rend());
-    std::stable_sort(members.begin(), members.end(),
-                     [&](const auto& a, const auto& b) { return key(a) < key(b); });
-    const auto repeated = [&](const auto& a, const auto& b) { return key(a) == key(b); };
+    std::stable_sort(members.begin(), members.end(), [&](const auto& a, const auto& b) {
+      return a.key != b.key && key(a) < key(b);
+    });
+    const auto repeated = [&](const auto& a, const auto& b) {
+      return a.key == b.key || key(a) == key(b);
+    };
     members.erase(std::unique(members.begin(), members.end(), repeated), members.end());
     open("dict", std::move(members));
   }
@@ -190,6 +205,7 @@ class Writer {
   std::string out_;
   std::vector<Frame> frames_;
   std::size_t valuesLeft_;
+  std::size_t keyBytesLeft_ = kMostBytes;
 };
 
 }  // namespace

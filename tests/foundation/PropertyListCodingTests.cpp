@@ -241,6 +241,25 @@ TEST(PropertyListCoding, decodingIsBounded) {
                 decode(wideDecoder, trees);
               }).ends_with("too many values by shared references"));
 
+  // One long key, or two with the same text, under each of which stand many members.
+  PropertyList keys;
+  std::vector<PropertyList::Member> members;
+  for (Index i = 0; i < kPlaces; ++i) members.push_back({1 + i % 2, 1});
+  keys.add(PropertyList::Dictionary{members});
+  for (int i = 0; i < 2; ++i) keys.add(std::string(1'000'000, 'k'));
+  std::size_t count = 0;
+  const auto visit = [&] {
+    PropertyListDecoder keyDecoder(keys);
+    keyDecoder.members([&](std::string_view) { ++count; });
+  };
+  EXPECT_TRUE(errorOf(visit).ends_with("too much text by shared references"));
+  EXPECT_NE(errorOf([&] { writePropertyList(keys, PropertyListFormat::xml); }), "");
+  EXPECT_EQ(count, 0U);
+  for (const Index k : {1U, 2U}) keys.replace(k, "k"s);
+  EXPECT_EQ(errorOf(visit), "");
+  EXPECT_EQ(errorOf([&] { writePropertyList(keys, PropertyListFormat::xml); }), "");
+  EXPECT_EQ(count, 1U);
+
   // What is large without being shared is no bomb.
   std::vector<std::string> many(2'000'000, "x");
   many.emplace_back(100'000'000, 'x');

@@ -49,8 +49,12 @@ constexpr ContainsCase kContainsCases[] = {
     {"CAFE\u0301", "café", true},
     {"Café", "cafe", false},
     {"cafe\u0301", "e", false},
-    {"cafe\u0301 e", "e", true},  // a later match counts
-    {"ệ", "e\u0323", false},      // a dot below, then a circumflex
+    {"cafe\u0301 e", "e", true},            // a later match counts
+    {"e\u0301e\u0301e", "e\u0301e", true},  // one that overlaps a refused match, too
+    {"e\u0301e\u0301e\u0301", "e\u0301e", false},
+    {"aabaabaaab", "AABAAA", true},
+    {"aabaabaab", "aabaaa", false},
+    {"ệ", "e\u0323", false},  // a dot below, then a circumflex
     {"Éclair", "ec", false},
     {"Straße", "STRASSE", true},
     {"Straße", "ss", true},
@@ -84,6 +88,15 @@ TEST(TextComparison, Contains) {
           << c.text << " contains " << c.query << " in " << uloc_getDefault();
     }
   }
+}
+
+/// A search that starts anew at each position would take many thousand million steps.
+TEST(TextComparison, RepetitiveTextsAreSearched) {
+  const std::string text(400'000, 'a');
+  const std::string query(200'000, 'A');
+  EXPECT_FALSE(localizedCaseInsensitiveContains(text, query + "b"));
+  EXPECT_TRUE(localizedCaseInsensitiveContains(text + "b", query + "b"));
+  EXPECT_FALSE(localizedCaseInsensitiveContains(query + "\u0301", query));
 }
 
 struct CompareCase {

@@ -7,7 +7,9 @@
 #include <memory>
 
 #include "tavlen/foundation/Base64.h"
+#include "tavlen/foundation/XMLPrescan.h"
 #include "tavlen/foundation/XMLPropertyListScalars.h"
+#include "tavlen/foundation/XMLText.h"
 
 namespace tavlen {
 
@@ -28,15 +30,18 @@ std::string_view view(const xmlChar* text) {
 /// The elements of the document, as events of the XML library, which keeps the syntax.
 class Reader {
  public:
-  explicit Reader(std::string_view bytes) {
+  explicit Reader(std::string_view bytes) : source_(bytes) {
     // The library wants its first call to be made by one thread.
     static const bool isReady = (xmlInitParser(), true);
     static_cast<void>(isReady);
-    if (bytes.size() > std::size_t{std::numeric_limits<int>::max()}) {
+    const std::string_view text = source_.view();
+    if (text.size() > std::size_t{std::numeric_limits<int>::max()}) {
       throw invalidPropertyList("It is too large.");
     }
-    xml_.reset(xmlReaderForMemory(bytes.data(), static_cast<int>(bytes.size()), nullptr, nullptr,
-                                  XML_PARSE_NONET));
+    prescanXML(text);
+    xml_.reset(xmlReaderForMemory(text.data(), static_cast<int>(text.size()), nullptr,
+                                  source_.isUTF8() ? "UTF-8" : nullptr,
+                                  XML_PARSE_NONET | (source_.isUTF8() ? XML_PARSE_IGNORE_ENC : 0)));
     if (xml_ == nullptr) throw std::bad_alloc();
     xmlTextReaderSetStructuredErrorHandler(xml_.get(), keepError, this);
   }
@@ -197,6 +202,7 @@ class Reader {
     void operator()(xmlTextReader* reader) const { xmlFreeTextReader(reader); }
   };
 
+  XMLText source_;  // which the XML library reads in place
   std::unique_ptr<xmlTextReader, Free> xml_;
   std::string error_;
   bool isInside_ = false;  ///< in the root element

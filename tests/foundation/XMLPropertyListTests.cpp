@@ -209,9 +209,22 @@ TEST(XMLPropertyList, readsWhatOthersWrite) {
   EXPECT_EQ(text("\xEF\xBB\xBF<?xml version='1.0'?>" + plist("<string>é</string>")), "é");
   EXPECT_EQ(text("<?xml version='1.0' encoding='ISO-8859-1'?>" + plist("<string>\xE9</string>")),
             "é");
-  std::string wide;
-  for (const char c : plist("<string>z</string>")) wide += {c, '\0'};
-  EXPECT_EQ(text("\xFF\xFE" + wide), "z");
+  const std::string declared = "<?xml version=\"1.0\" encoding = 'UTF-16' standalone='no' ?>";
+  for (const std::string& ascii :
+       {plist("<string>z</string>"), declared + plist("<string>z</string>")}) {
+    std::string wide[4];  // UTF-16 and UTF-32, the little end first in the even ones
+    for (const char c : ascii) {
+      wide[0] += {c, '\0'};
+      wide[1] += {'\0', c};
+      wide[2] += {c, '\0', '\0', '\0'};
+      wide[3] += {'\0', '\0', '\0', c};
+    }
+    const std::string marks[4] = {"\xFF\xFE", "\xFE\xFF", "\xFF\xFE\0\0"s, "\0\0\xFE\xFF"s};
+    for (std::size_t i = 0; i < 4; ++i) {
+      EXPECT_EQ(text(wide[i]), "z") << i;
+      EXPECT_EQ(text(marks[i] + wide[i]), "z") << i;
+    }
+  }
 
   const PropertyList list = readPropertyList(plist(
       "<dict><key>a</key><data> AA\n==\t</data><key>a</key><dict><key>CF$UID</key>"
@@ -297,6 +310,62 @@ TEST(XMLPropertyList, opensNothingAndExpandsNothing) {
   }
   EXPECT_NE(refusal(withEntities(laughs, plist("<string>&e9;</string>"))), "");
   EXPECT_NE(refusal(withEntities(laughs, "<plist version='&e9;'><true/></plist>")), "");
+}
+
+/// The XML library takes more than linear time for many attributes and for many entities.
+TEST(XMLPropertyList, refusesWhatIsSlowToParse) {
+  std::string attributes;
+  for (int i = 0; i < 100'000; ++i) attributes += " a" + std::to_string(i) + "='x'";
+  std::string entities;
+  for (int i = 0; i < 100'000; ++i) entities += "<!ENTITY e" + std::to_string(i) + " 'x'>";
+  std::string spaces;
+  std::string instructions;
+  for (int i = 0; i < 100'000; ++i) {
+    spaces += "<string xmlns:a" + std::to_string(i) + "='u'/>";
+    instructions += "<?a" + std::to_string(i) + "?>";
+  }
+  const std::string subset = "<!DOCTYPE plist [" + entities + "]>" + plist("<true/>");
+  const std::string wideTag = plist("<array" + attributes + "/>");
+  const std::string hidden = "<?xml version='1.0' encoding='IBM037'?>" + plist("<true/>");
+  std::string wide = "\xFF\xFE";
+  for (const char c : wideTag) wide += {c, '\0'};
+  const struct {
+    std::string bytes;
+    const char* reason;
+  } rows[] = {
+      {subset, "A tag is too long."},
+      {"<!DOCTYPE plist []>" + plist("<true/>"), "Its document type holds declarations."},
+      {"<!DOCTYPE plist SYSTEM '>' [" + entities, "A tag is too long."},
+      {"<!DOCTYPE plist '" + subset, "A tag has many attributes."},
+      {plist("<!ENTITY a 'x'><true/>"), "It holds a declaration."},
+      {wideTag, "A tag has many attributes."},
+      {wide, "A tag has many attributes."},
+      {plist("<!-- \" --><array" + attributes + "/>"), "A tag has many attributes."},
+      {plist("<![CDATA[<!--]]><array" + attributes + "/>"), "A tag has many attributes."},
+      {"<?a <!-- ?>" + wideTag, "A tag has many attributes."},
+      {plist("<true" + std::string(2000, ' ') + "/>"), "A tag is too long."},
+      {plist("<array>" + spaces + "</array>"), "It has many attributes or instructions."},
+      {instructions + plist("<true/>"), "It has many attributes or instructions."},
+      {plist("<true <!-- /> -->"), "A tag is not closed."},
+      {plist("<!-- "), "\"<!--\" is not closed."},
+      {hidden, "Its XML declaration is malformed or names an unsupported encoding."},
+      {"<?xml version='\" encoding='IBM037'?>" + plist("<true/>"),
+       "Its XML declaration is malformed or names an unsupported encoding."},
+      {plist(std::string_view("a\0b", 3)), "It holds the character U+0000."},
+      {"\xFF\xFE<", "The text is malformed in its encoding."},
+  };
+  for (const auto& row : rows) {
+    EXPECT_EQ(refusal(row.bytes), "The given data was not a valid property list. "s + row.reason)
+        << row.bytes.substr(0, 80);
+  }
+  for (const std::string& harmless : {
+           "<!DOCTYPE plist PUBLIC '-//Apple//DTD PLIST 1.0//EN' \"a>b\">" + plist("<true/>"),
+           plist("<!-- <!ENTITY [ " + attributes + "--><true/>"),
+           "<?a <!DOCTYPE [ ?>" + plist("<string><![CDATA[<a" + attributes + "]]></string>"),
+           "<plist version='1.0' a='>'><true/></plist>"s,
+       }) {
+    EXPECT_EQ(refusal(harmless), "") << harmless.substr(0, 80);
+  }
 }
 
 TEST(XMLPropertyList, depthAndSizeAreBounded) {

@@ -11,8 +11,7 @@ namespace tavlen::cli {
 namespace {
 
 void printLine(std::string_view kind, std::string_view text) {
-  const std::string line = "tavlen: " + std::string(kind) + ": " + oneLine(text) + "\n";
-  std::fwrite(line.data(), 1, line.size(), stderr);
+  printMessage("tavlen: " + std::string(kind) + ": " + oneLine(text) + "\n");
 }
 
 /// Control characters of both ranges, and those that break a line or turn the direction of the text
@@ -45,6 +44,11 @@ std::string oneLine(std::string_view text) {
     }
   }
   return utf8FromUTF16(out);
+}
+
+void printMessage(std::string_view text) {
+  // There is nowhere left to say that this failed.
+  (void)std::fwrite(text.data(), 1, text.size(), stderr);
 }
 
 void printError(std::string_view text) { printLine("error", text); }

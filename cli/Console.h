@@ -9,6 +9,9 @@ namespace tavlen::cli {
 /// UTF-8 as U+FFFD.
 std::string oneLine(std::string_view text);
 
+/// Writes `text` to the standard error stream as it is.
+void printMessage(std::string_view text);
+
 /// Writes `tavlen: error: text` to the standard error stream, as one line.
 void printError(std::string_view text);
 /// Writes `tavlen: warning: text` to the standard error stream, as one line.

@@ -1,6 +1,5 @@
 #include "cli/ErrorReport.h"
 
-#include <cstdio>
 #include <string>
 #include <string_view>
 
@@ -14,8 +13,7 @@ namespace {
 void printCallStack(std::string_view stack) {
   while (!stack.empty()) {
     const std::size_t end = stack.find('\n');
-    const std::string line = "    " + oneLine(stack.substr(0, end)) + "\n";
-    std::fwrite(line.data(), 1, line.size(), stderr);
+    printMessage("    " + oneLine(stack.substr(0, end)) + "\n");
     stack.remove_prefix(end == std::string_view::npos ? stack.size() : end + 1);
   }
 }

@@ -1,7 +1,6 @@
 #include "cli/Transpilation.h"
 
 #include <charconv>
-#include <cstdio>
 #include <string>
 #include <string_view>
 
@@ -81,9 +80,8 @@ std::string_view lineAt(std::string_view text, std::size_t number) {
 /// Writes the error and under it the line with a caret. `place` is what compilers put before
 /// "error".
 void printDiagnostic(const std::string& place, const SyntaxError& error, std::string_view text) {
-  const std::string output = oneLine(place) + ": error: " + oneLine(error.message) + "\n" +
-                             markedLine(lineAt(text, error.line), error.column);
-  std::fwrite(output.data(), 1, output.size(), stderr);
+  printMessage(oneLine(place) + ": error: " + oneLine(error.message) + "\n" +
+               markedLine(lineAt(text, error.line), error.column));
 }
 
 /// Converts pieces of source one after the other. A processor keeps its first exception, so each

@@ -12,6 +12,9 @@ namespace {
 /// <plist> has a version; a name space and a schema are the most that a tool might add.
 constexpr std::size_t kMostAttributes = 8;
 constexpr std::size_t kLongestTag = 1024;
+/// Attributes and instructions in a document: the library keeps every name, and looks ever longer
+/// for one among many.
+constexpr std::size_t kMostNames = 10'000;
 
 class Scanner {
  public:
@@ -25,6 +28,7 @@ class Scanner {
       } else if (text_.starts_with("<![CDATA[")) {
         skipPast("<![CDATA[", "]]>");
       } else if (text_.starts_with("<?")) {
+        countName();
         skipPast("<?", "?>");
       } else if (text_.starts_with("<!DOCTYPE")) {
         skipDocumentType();
@@ -54,6 +58,10 @@ class Scanner {
     }
   }
 
+  void countName() {
+    if (++names_ > kMostNames) throw invalidPropertyList("It has many attributes or instructions.");
+  }
+
   /// Takes what ends at the first '>' outside of quotes. A '<' before it is malformed, and could
   /// begin what the XML library sees otherwise.
   std::string_view takeTag() {
@@ -66,6 +74,7 @@ class Scanner {
       }
       if (start[i] == '"' || start[i] == '\'') {
         if (++quoted > kMostAttributes) throw invalidPropertyList("A tag has many attributes.");
+        countName();
         i = start.find(start[i], i + 1);
         if (i == std::string_view::npos) break;
       } else if (start[i] == '<') {
@@ -77,6 +86,7 @@ class Scanner {
   }
 
   std::string_view text_;
+  std::size_t names_ = 0;
 };
 
 }  // namespace

@@ -318,6 +318,12 @@ TEST(XMLPropertyList, refusesWhatIsSlowToParse) {
   for (int i = 0; i < 100'000; ++i) attributes += " a" + std::to_string(i) + "='x'";
   std::string entities;
   for (int i = 0; i < 100'000; ++i) entities += "<!ENTITY e" + std::to_string(i) + " 'x'>";
+  std::string spaces;
+  std::string instructions;
+  for (int i = 0; i < 100'000; ++i) {
+    spaces += "<string xmlns:a" + std::to_string(i) + "='u'/>";
+    instructions += "<?a" + std::to_string(i) + "?>";
+  }
   const std::string subset = "<!DOCTYPE plist [" + entities + "]>" + plist("<true/>");
   const std::string wideTag = plist("<array" + attributes + "/>");
   const std::string hidden = "<?xml version='1.0' encoding='IBM037'?>" + plist("<true/>");
@@ -338,6 +344,8 @@ TEST(XMLPropertyList, refusesWhatIsSlowToParse) {
       {plist("<![CDATA[<!--]]><array" + attributes + "/>"), "A tag has many attributes."},
       {"<?a <!-- ?>" + wideTag, "A tag has many attributes."},
       {plist("<true" + std::string(2000, ' ') + "/>"), "A tag is too long."},
+      {plist("<array>" + spaces + "</array>"), "It has many attributes or instructions."},
+      {instructions + plist("<true/>"), "It has many attributes or instructions."},
       {plist("<true <!-- /> -->"), "A tag is not closed."},
       {plist("<!-- "), "\"<!--\" is not closed."},
       {hidden, "Its XML declaration is malformed or names an unsupported encoding."},

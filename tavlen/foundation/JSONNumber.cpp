@@ -125,7 +125,7 @@ Integer integerFromRealText(std::string_view token, std::string_view type) {
   if (parts->negative) value = -std::fabs(value);
   // Both limits as doubles: the upper one is a power of two, which no value of the type reaches.
   const double upper = std::ldexp(1.0, std::numeric_limits<Integer>::digits);
-  const double lower = static_cast<double>(std::numeric_limits<Integer>::min());
+  const auto lower = static_cast<double>(std::numeric_limits<Integer>::min());
   if (value != std::floor(value) || value >= upper || value < lower) failRange(token, type);
   if (std::fabs(value) < 9007199254740992.0) return static_cast<Integer>(value);
   const auto magnitude = truncatedMagnitude(*parts);

@@ -1,5 +1,7 @@
 #include "tavlen/foundation/JSONText.h"
 
+#include <array>
+
 #include "tavlen/foundation/CodingError.h"
 #include "tavlen/foundation/Unicode.h"
 
@@ -20,13 +22,13 @@ Detected encodingFromMark(std::string_view bytes) {
   };
   // The order decides: the platform reads FE FF 00 00 as UTF-32, and FF FE always as UTF-16. Both
   // are kept, so that a document means the same here as there.
-  static constexpr Mark kMarks[] = {
+  static constexpr std::array<Mark, 5> kMarks = {{
       {"\xEF\xBB\xBF"sv, TextEncoding::utf8},
       {"\x00\x00\xFE\xFF"sv, TextEncoding::utf32BigEndian},
       {"\xFE\xFF\x00\x00"sv, TextEncoding::utf32LittleEndian},
       {"\xFE\xFF"sv, TextEncoding::utf16BigEndian},
       {"\xFF\xFE"sv, TextEncoding::utf16LittleEndian},
-  };
+  }};
   for (const Mark& mark : kMarks) {
     if (bytes.starts_with(mark.bytes)) return {mark.encoding, mark.bytes.size()};
   }

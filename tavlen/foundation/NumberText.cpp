@@ -28,9 +28,9 @@ struct ShortestDigits {
 /// that divides back to the value is its shortest text, found for a fraction of what the general
 /// way costs.
 bool findFewDigits(double magnitude, ShortestDigits& result) {
-  static constexpr double kPowers[] = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6};
+  static constexpr std::array<double, 7> kPowers = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6};
   if (magnitude < 1e-4 || magnitude >= 1e9) return false;
-  for (int places = 0; places <= 6; ++places) {
+  for (std::size_t places = 0; places < kPowers.size(); ++places) {
     const double scaled = std::round(magnitude * kPowers[places]);
     if (scaled / kPowers[places] != magnitude) continue;
     const auto end =
@@ -38,7 +38,7 @@ bool findFewDigits(double magnitude, ShortestDigits& result) {
                       static_cast<std::uint64_t>(scaled))
             .ptr;
     result.count = static_cast<std::size_t>(end - result.digits.data());
-    result.exponent = static_cast<int>(result.count) - 1 - places;
+    result.exponent = static_cast<int>(result.count) - 1 - static_cast<int>(places);
     while (result.count > 1 && result.digits[result.count - 1] == '0') --result.count;
     return true;
   }

@@ -23,8 +23,8 @@ std::map<std::int64_t, Parameter> Hook::args() const {
 
 void Hook::setArgs(std::map<std::int64_t, Parameter> args) {
   _args.clear();
-  for (auto& [index, parameter] : args) {
-    _args.emplace_hint(_args.end(), index, ParameterContainer{std::move(parameter)});
+  for (auto& entry : args) {
+    _args.emplace_hint(_args.end(), entry.first, ParameterContainer{std::move(entry.second)});
   }
 }
 

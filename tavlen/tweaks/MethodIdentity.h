@@ -12,6 +12,7 @@ struct MethodIdentity {
   bool isClassMethod = false;
 
   bool operator==(const MethodIdentity&) const = default;
+  // NOLINTNEXTLINE(modernize-use-nullptr): the check takes the comparison's zero for a pointer.
   auto operator<=>(const MethodIdentity&) const = default;
 };
 

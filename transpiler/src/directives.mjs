@@ -1,6 +1,6 @@
 import { isNewLine } from "acorn";
+import { skipOrig, skipSpace } from "./lookahead.mjs";
 
-const SPACE = /\s/;
 const CONTINUES_EXPRESSION = /[(`.[+\-/*%<>=,?^&|]/;
 
 // Whether the directive prologue at `pos` holds "use strict". Reads the text
@@ -14,33 +14,6 @@ export function hasUseStrict(input, pos) {
     if (input.slice(start + 1, end - 1) === "use strict") return endsStatement(input, end, next);
     pos = input[next] === ";" ? next + 1 : next;
   }
-}
-
-function skipSpace(input, pos) {
-  for (;;) {
-    const code = input.charCodeAt(pos);
-    if (code === 47 || (code === 35 && pos === 0)) {
-      const end = commentEnd(input, pos);
-      if (end < 0) return pos;
-      pos = end;
-    } else if (code === 32 || code === 10 || code === 9 || SPACE.test(input[pos])) {
-      pos++;
-    } else {
-      return pos;
-    }
-  }
-}
-
-function commentEnd(input, pos) {
-  const code = input.charCodeAt(pos + 1);
-  if (code === 42) {
-    const end = input.indexOf("*/", pos + 2);
-    return end < 0 ? -1 : end + 2;
-  }
-  const isHashbang = pos === 0 && input.startsWith("#!");
-  if (code !== 47 && !isHashbang) return -1;
-  for (pos += 2; pos < input.length && !isNewLine(input.charCodeAt(pos)); pos++);
-  return pos;
 }
 
 function stringEnd(input, start) {
@@ -65,5 +38,6 @@ function endsStatement(input, end, next) {
 }
 
 function continuesExpression(input, pos) {
+  if (skipOrig(input, pos) > pos) return false;
   return CONTINUES_EXPRESSION.test(input[pos]) || input.startsWith("!=", pos);
 }

@@ -1,44 +1,33 @@
 import { keywordTypes, tokTypes as tt } from "acorn";
 import { hasUseStrict } from "./directives.mjs";
 
-// The parser's own numbers, which it does not export.
-const SCOPE_TOP = 1;
-const SCOPE_FUNCTION = 2;
-const SCOPE_ARROW = 16;
-const SCOPE_STATIC_BLOCK = 256;
-const SCOPE_VAR = SCOPE_TOP | SCOPE_FUNCTION | SCOPE_STATIC_BLOCK;
-const BIND_LEXICAL = 2;
-const BIND_FUNCTION = 3;
-const BIND_SIMPLE_CATCH = 4;
-
-// What a scope knows of a name.
-const VAR = 1;
-const LEXICAL = 2;
-const FUNCTION = 4;
-
 // The names that may be refused somewhere; all others need no look.
 const DOUBTFUL = new Set([
   ..."enum await yield eval arguments implements interface let package private protected public static".split(" "),
   ...Object.keys(keywordTypes),
 ]);
 
-class Scope {
-  constructor(flags, outer) {
-    this.flags = flags;
-    this.inClassFieldInit = false;
-    this.names = null;
-    this.catchName = null;
-    this.varScope = flags & SCOPE_VAR || !outer ? this : outer.varScope;
-    this.thisScope = (flags & SCOPE_VAR && !(flags & SCOPE_ARROW)) || !outer ? this : outer.thisScope;
+// The names of a regular expression's groups, in place of the parser's array.
+class GroupNames {
+  constructor() {
+    this.names = new Set();
   }
 
-  kinds(name) {
-    return (this.names && this.names.get(name)) || 0;
+  get length() {
+    return this.names.size;
   }
 
-  add(name, kind) {
-    if (!this.names) this.names = new Map();
-    this.names.set(name, this.kinds(name) | kind);
+  // The parser sets no length but 0.
+  set length(_) {
+    this.names.clear();
+  }
+
+  indexOf(name) {
+    return this.names.has(name) ? 0 : -1;
+  }
+
+  push(name) {
+    this.names.add(name);
   }
 }
 
@@ -54,46 +43,9 @@ export const withLinearTime = (Base) => class extends Base {
     if (DOUBTFUL.has(identifier.name)) super.checkUnreserved(identifier);
   }
 
-  enterScope(flags) {
-    this.scopeStack.push(new Scope(flags, this.currentScope()));
-  }
-
-  currentVarScope() {
-    return this.currentScope().varScope;
-  }
-
-  currentThisScope() {
-    return this.currentScope().thisScope;
-  }
-
-  declareName(name, binding, pos) {
-    const scope = this.currentScope();
-    let redeclared = false;
-    if (binding === BIND_LEXICAL) {
-      redeclared = scope.kinds(name) !== 0;
-      scope.add(name, LEXICAL);
-    } else if (binding === BIND_SIMPLE_CATCH) {
-      scope.add(name, LEXICAL);
-      scope.catchName = name;
-    } else if (binding === BIND_FUNCTION) {
-      redeclared = (scope.kinds(name) & (this.treatFunctionsAsVar ? LEXICAL : LEXICAL | VAR)) !== 0;
-      scope.add(name, FUNCTION);
-    } else {
-      redeclared = !this.declareVar(name);
-    }
-    if (redeclared) this.raise(pos, `Identifier '${name}' has already been declared`);
-  }
-
-  // A `var` belongs to each scope from its own up to the function's.
-  declareVar(name) {
-    for (let i = this.scopeStack.length - 1; ; i--) {
-      const scope = this.scopeStack[i];
-      const lexical = scope.kinds(name) & LEXICAL && scope.catchName !== name;
-      const blockFunction = scope.kinds(name) & FUNCTION && !this.treatFunctionsAsVarInScope(scope);
-      if (lexical || blockFunction) return false;
-      scope.add(name, VAR);
-      if (scope.flags & SCOPE_VAR) return true;
-    }
+  validateRegExpFlags(state) {
+    if (!(state.groupNames instanceof GroupNames)) state.groupNames = new GroupNames();
+    super.validateRegExpFlags(state);
   }
 
   // The tree is of no use once its source is checked: kept whole, it would cost

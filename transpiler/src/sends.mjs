@@ -1,7 +1,8 @@
-import { tokContexts, tokTypes as tt } from "acorn";
+import { keywordTypes, tokContexts, tokTypes as tt } from "acorn";
+import { skipSpace, skipWord } from "./lookahead.mjs";
 import { SEND } from "./names.mjs";
 
-const SEND_TO_ASYNC = /async[ \t]+[\w$]+[ \t]*[:\]]/y;
+const KEYWORDS = new Set(Object.keys(keywordTypes));
 
 // Brackets: message sends, and the arrays that JavaScript knows.
 export const withSends = (Base) => class extends Base {
@@ -27,10 +28,21 @@ export const withSends = (Base) => class extends Base {
   }
 
   parseFirstElement(errors) {
-    // `async name` would begin an arrow function, but `[async name]` cannot.
-    SEND_TO_ASYNC.lastIndex = this.start;
-    if (this.isContextual("async") && SEND_TO_ASYNC.test(this.input)) return this.parseIdent(false);
+    if (this.isSendToAsync()) return this.parseIdent(false);
     return this.parseMaybeAssign(false, errors);
+  }
+
+  // `async name` and `async function` would begin functions, but neither can if
+  // the bracket ends there or a colon follows.
+  isSendToAsync() {
+    if (!this.isContextual("async")) return false;
+    const { input } = this;
+    const start = skipSpace(input, this.end);
+    const end = skipWord(input, start);
+    const word = input.slice(start, end);
+    if (word === "" || (word !== "function" && KEYWORDS.has(word))) return false;
+    const mark = input[skipSpace(input, end)];
+    return mark === "]" || mark === ":";
   }
 
   parseOtherElements(first, errors) {

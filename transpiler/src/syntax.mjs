@@ -1,12 +1,9 @@
 import { tokTypes as tt } from "acorn";
 import { withBoxes } from "./boxes.mjs";
 import { withCalls } from "./calls.mjs";
-import { ORIG } from "./names.mjs";
+import { withOrig } from "./orig.mjs";
 import { withSends } from "./sends.mjs";
 import { at, orig } from "./tokens.mjs";
-
-// The parser's own number, which it does not export.
-const SCOPE_FUNCTION = 2;
 
 const SUBSCRIPT_STARTS = new Set([tt.bracketL, tt.dot, tt.questionDot, tt.parenL, tt.backQuote]);
 
@@ -17,26 +14,6 @@ const withAtoms = (Base) => class extends Base {
     if (this.type === at) return this.parseAt();
     if (this.type === orig) return this.parseOrig();
     return super.parseExprAtom(errors, forInit);
-  }
-
-  parseOrig() {
-    const scope = this.currentThisScope();
-    if (!(scope.flags & SCOPE_FUNCTION) || scope.inClassFieldInit) {
-      this.raise(this.start, "%orig outside of a function");
-    }
-    const node = this.startNode();
-    const around = this.surroundings();
-    this.openCall(around, ORIG);
-    this.next();
-    if (this.type === tt.parenL) {
-      this.edits.replace(this.tokenIndex, "(this, arguments, [");
-      this.next();
-      this.parseExprList(tt.parenR, true, false);
-      this.edits.replace(this.tokenIndex - 1, `])${around.close}`);
-    } else {
-      this.edits.insertAfter(around.index, `(this, arguments)${around.close}`);
-    }
-    return this.finishNode(node, "CallExpression");
   }
 
   parseSubscript(base, startPos, startLoc, noCalls, maybeAsyncArrow, optionalChained, forInit) {
@@ -67,4 +44,4 @@ const withAtoms = (Base) => class extends Base {
   }
 };
 
-export const withSyntax = (Base) => withAtoms(withBoxes(withSends(withCalls(Base))));
+export const withSyntax = (Base) => withAtoms(withOrig(withBoxes(withSends(withCalls(Base)))));

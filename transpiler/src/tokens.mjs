@@ -1,11 +1,10 @@
-import { TokenType, isIdentifierChar } from "acorn";
+import { TokenType } from "acorn";
 import { Edits } from "./edits.mjs";
 import { syntaxError } from "./errors.mjs";
+import { skipOrig } from "./lookahead.mjs";
 
 export const at = new TokenType("@", { beforeExpr: true, startsExpr: true });
 export const orig = new TokenType("%orig", { startsExpr: true });
-
-const ORIG_TEXT = "%orig";
 
 // The tokens `@` and `%orig`, and a record of where all tokens stand.
 export const withTokens = (Base) => class extends Base {
@@ -32,19 +31,14 @@ export const withTokens = (Base) => class extends Base {
       this.pos++;
       return this.finishToken(at);
     }
-    if (code === 37 && this.isOrigAt(this.pos)) {
-      this.pos += ORIG_TEXT.length;
-      return this.finishToken(orig);
+    if (code === 37) {
+      const end = skipOrig(this.input, this.pos);
+      if (end > this.pos) {
+        this.pos = end;
+        return this.finishToken(orig);
+      }
     }
     return super.getTokenFromCode(code);
-  }
-
-  isOrigAt(pos) {
-    if (!this.input.startsWith(ORIG_TEXT, pos)) return false;
-    const end = pos + ORIG_TEXT.length;
-    const code = end < this.input.length ? this.input.codePointAt(end) : 0;
-    // A backslash begins an escaped character of an identifier.
-    return code !== 92 && !isIdentifierChar(code, true);
   }
 
   unexpected(pos) {

@@ -43,6 +43,12 @@ const TABLES = {
     ["f = function() { class A { static { %orig } } }", 1, 37, "%orig outside of a function"],
     ["f = function() { 10 %orig }", 1, 21, "'%orig' cannot follow an expression"],
     ["f = function() { let\n%orig }", 2, 1, "'%orig' cannot follow an expression"],
+    ...[
+      "function(arguments) { return ~ }", "function(a = () => ~, ...arguments) {}", "function() { ~; let arguments }",
+      "function() { () => ~; { var arguments } }", "function() { for (const [arguments] of a) ~ }",
+      "function() { try {} catch (arguments) { ~ } }", "function() { (arguments) => ~ }", "function() { arguments => { ~ } }",
+      "function() { { function arguments() {} } ~ }", "function() { ~; if (a) function arguments() {} }",
+    ].map((source) => [`f = ${source.replace("~", "%orig")}`, 1, source.indexOf("~") + 5, "%orig in a function that declares 'arguments'"]),
   ],
   "names of the run time": [
     ["var objc_send", 1, 5, "'objc_send' belongs to the run time"],
@@ -57,6 +63,13 @@ const TABLES = {
     ["{ function a() {} let a }", 1, 23, "Identifier 'a' has already been declared"],
     ["try {} catch (e) { let e }", 1, 24, "Identifier 'e' has already been declared"],
     ["function f(a) { let a }", 1, 21, "Identifier 'a' has already been declared"],
+    ["{ { var a } let a }", 1, 17, "Identifier 'a' has already been declared"],
+    ["{ { { var a } } function a() {} }", 1, 26, "Identifier 'a' has already been declared"],
+    ["{ let a; { let a } var a }", 1, 24, "Identifier 'a' has already been declared"],
+    ["class A { static { { var a } { function a() { } var a } } }", 1, 53, "Identifier 'a' has already been declared"],
+    ["class A { m() { o.#a; class B { #a; m() { o.#a } } o.#b } }", 1, 19, "Private field '#a' must be declared"],
+    ["/(?<a>.)(?<b>.)(?<a>.)/", 1, 2, "Invalid regular expression"],
+    ["/(?<a>.)/; /(?<b>.)\\k<a>/", 1, 13, "Invalid regular expression"],
     ["a ?? b || c", 1, 8, "Logical expressions and coalesce"],
     ["(a || b) + a && b ?? c", 1, 19, "Logical expressions and coalesce"],
   ],
@@ -64,6 +77,7 @@ const TABLES = {
     ['"use strict"; 010', 1, 15, "Invalid number"],
     ["function f() { /**/ 'a'\n;'use strict'\n with (a) b }", 3, 2, "'with' in strict mode"],
     ['#!/x\n"use strict"\n010', 3, 1, "Invalid number"],
+    ['function f() {\n "use strict" // c\n %orig\n with (a) b }', 4, 2, "'with' in strict mode"],
   ],
 };
 
@@ -81,7 +95,7 @@ for (const [name, rows] of Object.entries(TABLES)) {
 }
 
 test("a string that merely looks like a directive is none", () => {
-  for (const source of ['"use strict" + 1; 010', '"use strict"\n.length; 010', '("use strict"); 010', '"use\\x20strict"; 010']) {
+  for (const source of ['"use strict" + 1; 010', '"use strict"\n.length; 010', '("use strict"); 010', '"use strict"\n%origin; 010', '"use\\x20strict"; 010']) {
     assert.equal(transpile(source).code, source);
   }
 });

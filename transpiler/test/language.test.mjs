@@ -15,6 +15,8 @@ const TABLES = {
     ["[A with:a, ...b,]", 'objc_send(A, "with:", a, ...b,)'],
     ["[[a] count]", 'objc_send([a], "count")'],
     ["[async foo:1] + [async foo]", 'objc_send(async, "foo:", 1) + objc_send(async, "foo")'],
+    ["[async foo // c\n] + [async\nfoo\n] + [async /*c*/ \\u{66}oo]", 'objc_send(async, "foo" // c\n) + objc_send(async,\n"foo"\n) + objc_send(async, /*c*/ "foo")'],
+    ["[async \u00e9] + [async a\u00f1adir:1] + [async function : 2] + [async class]", 'objc_send(async, "\u00e9") + objc_send(async, "a\u00f1adir:", 1) + objc_send(async, "function:", 2) + objc_send(async, "class")'],
     ["[await x]; [yield x]; [let y]; [of z]; [get s]", 'objc_send(await, "x"); objc_send(yield, "x"); objc_send(let, "y"); objc_send(of, "z"); objc_send(get, "s")'],
     ['[5 a] + ["s" b] + [this c] + [new F() d] + [new F d] + [(x ? y : z) e]', 'objc_send(5, "a") + objc_send("s", "b") + objc_send(this, "c") + objc_send(new F(), "d") + objc_send(new F, "d") + objc_send((x ? y : z), "e")'],
     ["[x ? y : z foo] + [x ? [a b:c] : d]", 'objc_send(x ? y : z, "foo") + [x ? objc_send(a, "b:", c) : d]'],
@@ -70,11 +72,14 @@ test("plain JavaScript stays as it is", () => {
   const sources = [
     "", "// [a b]\n", "[]; [a]; [a, b]; [, a]; [a, , b,]; [...a, b]; [a -b]; [a in b]; [a instanceof b]",
     "[a, b] = [b, a]; [{c = 1}, [d]] = e; for ([f, g] of h); const [x, , y = 1, ...z] = i",
-    "[(a), (b.c)] = d; ({a: [b] = c} = d); ([a], {b}) => [a]; async ([a]) => a; [async x => x]",
+    "[(a), (b.c)] = d; ({a: [b] = c} = d); ([a], {b}) => [a]; async ([a]) => a; [async x /**/ => x, async]; [async function() {}]; [async in b]",
     "a % b; a %b; x %origin; x % orig; x %= orig; a[i][j]; a?.[b]; `[a b] ${[a]}`; /[a b]/.test('[a b]')",
     'hookClass("A", {}, {}); loadFunc("f", "v", []); "@[a]" + \'%orig\' // %orig @"x"',
     "x.objc_send + objc_send(a); class A { #p; q = #p in this }; y = a ?? (b || c); a && b || c; 2 ** 3",
     "try { } catch (e) { var e } var f; var f; function f() {} { function g() {} function g() {} }",
+    "function f(arguments) { let g = arguments => { }; return arguments[0] } try { } catch (arguments) { }",
+    "let a; function f() { var a; { let a } { let a; { let a } } { var a } } x => { var x; { var x } }",
+    "class A { #a; m() { class B { #b; m() { o.#a; o.#b } } class C { #b } } }; /(?<a>.)\\k<a>/; /(?<a>.)/",
     "<!-- a comment\n--> another\nif (a) { b } else if (c) d\nfunction* g() { [yield x]; yield /r/ }",
   ];
   for (const source of sources) assert.equal(codeOf(source), source);

@@ -27,33 +27,6 @@ test("takes long chains and lists in its stride", () => {
   }
 });
 
-// The time of twice the source over that of the source, for the best of a few runs.
-function growth(source) {
-  const time = (text) => {
-    const start = process.hrtime.bigint();
-    transpile(text);
-    return Number(process.hrtime.bigint() - start);
-  };
-  const best = (text) => Math.min(...Array.from({ length: 3 }, () => time(text)));
-  time(source);
-  return best(source + source.replaceAll("ID", "JD")) / best(source);
-}
-
-test("takes time in proportion to the source", () => {
-  const numbered = (count, line) => Array.from({ length: count }, (_, i) => line(i)).join("\n");
-  const sources = {
-    declarations: numbered(5000, (i) => `const IDc${i} = ${i}; var IDv${i}; function IDf${i}() {}`),
-    functions: numbered(6000, (i) => `x = function() { /* IDf${i} */ "a"; return [a b:${i}] };`),
-    "sends on one line": numbered(6000, (i) => `[ID${i} foo:@"a" bar:@[b]];`).replaceAll("\n", " "),
-  };
-  for (const [name, source] of Object.entries(sources)) {
-    // Quadratic time would give 4; the margin is for a busy machine.
-    const ratios = [growth(source)];
-    while (ratios.at(-1) >= 3 && ratios.length < 4) ratios.push(growth(source));
-    assert.ok(ratios.at(-1) < 3, `${name}: ${ratios}`);
-  }
-});
-
 // A small generator of pseudo-random numbers: the same mutations in each run.
 function generator(seed) {
   let state = seed;

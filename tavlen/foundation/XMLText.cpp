@@ -1,6 +1,7 @@
 #include "tavlen/foundation/XMLText.h"
 
 #include <algorithm>
+#include <array>
 #include <optional>
 
 #include "tavlen/foundation/PropertyList.h"
@@ -22,7 +23,7 @@ struct Sign {
 
 /// The longer of two that begin alike stands first. Those without a mark are the first character,
 /// '<', and the zeros of the second.
-constexpr Sign kSigns[] = {
+constexpr std::array<Sign, 9> kSigns = {{
     {"\xEF\xBB\xBF"sv, TextEncoding::utf8, 3},
     {"\xFF\xFE\0\0"sv, TextEncoding::utf32LittleEndian, 4},
     {"\0\0\xFE\xFF"sv, TextEncoding::utf32BigEndian, 4},
@@ -32,7 +33,7 @@ constexpr Sign kSigns[] = {
     {"\0\0\0<"sv, TextEncoding::utf32BigEndian, 0},
     {"<\0"sv, TextEncoding::utf16LittleEndian, 0},
     {"\0<"sv, TextEncoding::utf16BigEndian, 0},
-};
+}};
 
 std::string_view takeUntil(std::string_view& text, std::string_view ends) {
   const std::size_t length = std::min(text.find_first_of(ends), text.size());

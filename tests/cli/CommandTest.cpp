@@ -3,10 +3,33 @@
 #include <fcntl.h>
 #include <spawn.h>
 #include <sys/wait.h>
+#include <unistd.h>
+
+#include <string_view>
 
 #include "tavlen/foundation/FileSystem.h"
 
 namespace tavlen {
+
+namespace {
+
+/// A locale of its own, and what a preset tells the engine and the sanitizers: nothing else of this
+/// machine.
+std::vector<char*> childEnvironment() {
+  static std::string locale = "LC_ALL=C";
+  std::vector<char*> environment = {locale.data()};
+  for (char** entry = environ; *entry != nullptr; ++entry) {
+    const std::string_view text = *entry;
+    for (const std::string_view name :
+         {"JSC_", "ASAN_OPTIONS=", "TSAN_OPTIONS=", "UBSAN_OPTIONS="}) {
+      if (text.starts_with(name)) environment.push_back(*entry);
+    }
+  }
+  environment.push_back(nullptr);
+  return environment;
+}
+
+}  // namespace
 
 CommandTest::Result CommandTest::run(const std::vector<std::string>& arguments,
                                      const std::string& output) const {
@@ -23,11 +46,10 @@ CommandTest::Result CommandTest::run(const std::vector<std::string>& arguments,
   std::vector<char*> argv;
   for (std::string& word : words) argv.push_back(word.data());
   argv.push_back(nullptr);
-  std::string locale = "LC_ALL=C";
-  char* environment[] = {locale.data(), nullptr};
+  std::vector<char*> environment = childEnvironment();
   pid_t child = 0;
   const int failure =
-      posix_spawn(&child, TAVLEN_COMMAND, &actions, nullptr, argv.data(), environment);
+      posix_spawn(&child, TAVLEN_COMMAND, &actions, nullptr, argv.data(), environment.data());
   posix_spawn_file_actions_destroy(&actions);
   EXPECT_EQ(failure, 0);
   int status = 0;

@@ -117,14 +117,14 @@ class Draw {
       return ArrayParameter::withItems(
           {leaf(below(kLeafKinds)), leaf(below(kLeafKinds)), leaf(below(kLeafKinds))});
     }
-    DictionaryParameter dictionary;
+    std::vector<DictionaryParameter::Pair> pairs;
     for (const std::string_view key : {"title", "value"}) {
       DictionaryParameter::Pair pair;
       pair.setKey(ValueParameter<std::string>{std::string(key)});
       pair.setValue(leaf(below(kLeafKinds)));
-      dictionary.items.push_back(std::move(pair));
+      pairs.push_back(std::move(pair));
     }
-    return dictionary;
+    return DictionaryParameter::withItems(std::move(pairs));
   }
 
   static std::string className(std::size_t index) {

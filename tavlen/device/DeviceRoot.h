@@ -1,0 +1,40 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace tavlen {
+
+/// Where the device's file system lies: the folder that stands for its "/".
+///
+/// Paths of the device are constants with their documented values; everybody who opens one asks
+/// here first. On a device nothing changes: the root is "/". A copied or mounted device tree, and
+/// every test, names another.
+class DeviceRoot {
+ public:
+  /// `root` is made absolute. `prefix` is the device's folder under which a rootless jailbreak
+  /// keeps programs and libraries ("/var/jb"): it is put before paths in /bin, /usr and the tool's
+  /// own application, once: a path that begins with it already stays.
+  explicit DeviceRoot(const std::filesystem::path& root = "/", std::string_view prefix = {});
+
+  /// The root of the process. Threads: both may be called from any thread; it is to be set before
+  /// the first use of anything that reads the device.
+  static DeviceRoot shared();
+  static void setShared(DeviceRoot root);
+
+  const std::filesystem::path& url() const { return root_; }
+  bool isDevice() const { return root_ == "/"; }
+
+  /// Where the device's absolute path `devicePath` lies here. Its ".." do not leave the root.
+  std::filesystem::path resolve(std::string_view devicePath) const;
+  /// The device's name for `path`, which resolve() gave or which lies below the root; `path` itself
+  /// when it does not.
+  std::filesystem::path devicePath(const std::filesystem::path& path) const;
+
+ private:
+  std::filesystem::path root_;
+  std::filesystem::path prefix_;  ///< empty when there is none
+};
+
+}  // namespace tavlen

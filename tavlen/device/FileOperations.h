@@ -1,0 +1,23 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+/// The calls of the privileged file-operations helper, which does what the library itself may not.
+///
+/// Paths are host paths, already resolved. Each blocks until the helper has ended and throws
+/// Process::Error for its failure. Threads: any.
+namespace tavlen::FileOperations {
+
+/// Where the helper lies.
+std::filesystem::path helper();
+bool isAvailable();
+
+/// Empties or removes `directory`, which lies directly in the folder of installed tweaks.
+void cleanUp(const std::filesystem::path& directory, bool isFollowedByTweak);
+/// Copies `source` to `destination`, whose last component is the source's.
+void copy(const std::filesystem::path& source, const std::filesystem::path& destination);
+/// Gathers the crash logs of the app in `directory`.
+void fetchLogs(const std::string& bundleID, const std::filesystem::path& directory);
+
+}  // namespace tavlen::FileOperations

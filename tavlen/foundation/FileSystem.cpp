@@ -1,14 +1,12 @@
 #include "tavlen/foundation/FileSystem.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstdint>
 #include <system_error>
 
+#include "tavlen/foundation/RandomAccessFile.h"
 #include "tavlen/foundation/Unicode.h"
 
 namespace tavlen {
@@ -20,35 +18,7 @@ namespace {
 }
 
 /// No document comes near it, and a sparse file of any size is made in no time.
-constexpr off_t kLargestFile = off_t{1} << 31;
-
-class Descriptor {
- public:
-  explicit Descriptor(int value) : value_(value) {}
-  ~Descriptor() { ::close(value_); }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-  int value() const { return value_; }
-
- private:
-  int value_;
-};
-
-int openForReading(const std::filesystem::path& path) {
-  // Without O_NONBLOCK a pipe that nobody writes to would never be opened.
-  const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
-  if (descriptor < 0) fail(errno, path);
-  return descriptor;
-}
-
-std::size_t sizeOfRegularFile(int descriptor, const std::filesystem::path& path) {
-  struct stat status {};
-  if (::fstat(descriptor, &status) != 0) fail(errno, path);
-  if (S_ISDIR(status.st_mode)) fail(EISDIR, path);
-  if (!S_ISREG(status.st_mode)) fail(EINVAL, path.string() + ": not a regular file");
-  if (status.st_size > kLargestFile) fail(EFBIG, path);
-  return static_cast<std::size_t>(status.st_size);
-}
+constexpr std::uint64_t kLargestFile = std::uint64_t{1} << 31;
 
 std::string checkedUTF8(std::string text, const std::filesystem::path& path) {
   constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
@@ -73,22 +43,17 @@ constexpr std::array<ByteOrderMark, 4> kWideMarks = {{
 }  // namespace
 
 std::string readFile(const std::filesystem::path& path) {
-  const Descriptor file(openForReading(path));
-  // The size is a hint: the file may grow or shrink while it is read. One more byte lets the last
-  // read see the end without another allocation.
-  std::string bytes(sizeOfRegularFile(file.value(), path) + 1, '\0');
-  std::size_t used = 0;
-  for (;;) {
-    if (used == bytes.size()) bytes.resize(bytes.size() * 2);
-    const ssize_t count = ::read(file.value(), bytes.data() + used, bytes.size() - used);
-    if (count == 0) break;
-    if (count > 0) {
-      used += static_cast<std::size_t>(count);
-    } else if (errno != EINTR) {
-      fail(errno, path);
-    }
+  const RandomAccessFile file(path);
+  if (file.size() > kLargestFile) fail(EFBIG, path);
+  // The size is a hint: the file may grow or shrink while it is read. One more byte lets the read
+  // see the end.
+  std::string bytes = file.read(0, static_cast<std::size_t>(file.size()) + 1);
+  for (std::size_t more = bytes.size(); bytes.size() > file.size(); more *= 2) {
+    const std::string next = file.read(bytes.size(), more);
+    bytes += next;
+    if (bytes.size() > kLargestFile) fail(EFBIG, path);
+    if (next.size() < more) break;
   }
-  bytes.resize(used);
   return bytes;
 }
 

@@ -1,0 +1,55 @@
+#include "tavlen/foundation/RandomAccessFile.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <limits>
+#include <system_error>
+
+namespace tavlen {
+
+RandomAccessFile::RandomAccessFile(const std::filesystem::path& path)
+    // Without O_NONBLOCK a pipe that nobody writes to would never be opened.
+    : path_(path), descriptor_(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY)) {
+  if (descriptor_ < 0) fail(errno);
+  struct stat status {};
+  int code = ::fstat(descriptor_, &status) == 0 ? 0 : errno;
+  if (code == 0 && S_ISDIR(status.st_mode)) code = EISDIR;
+  if (code == 0 && !S_ISREG(status.st_mode)) {
+    code = EINVAL;
+    path_ += ": not a regular file";
+  }
+  if (code != 0) {
+    ::close(descriptor_);
+    fail(code);
+  }
+  size_ = static_cast<std::uint64_t>(status.st_size);
+}
+
+RandomAccessFile::~RandomAccessFile() { ::close(descriptor_); }
+
+std::string RandomAccessFile::read(std::uint64_t offset, std::size_t count) const {
+  if (offset >= std::uint64_t{std::numeric_limits<off_t>::max()}) return {};
+  std::string bytes(count, '\0');
+  std::size_t used = 0;
+  while (used < count) {
+    const ssize_t got =
+        ::pread(descriptor_, bytes.data() + used, count - used, static_cast<off_t>(offset + used));
+    if (got == 0) break;
+    if (got > 0) {
+      used += static_cast<std::size_t>(got);
+    } else if (errno != EINTR) {
+      fail(errno);
+    }
+  }
+  bytes.resize(used);
+  return bytes;
+}
+
+void RandomAccessFile::fail(int code) const {
+  throw std::system_error(code, std::generic_category(), path_.string());
+}
+
+}  // namespace tavlen

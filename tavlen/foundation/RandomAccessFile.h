@@ -1,0 +1,35 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+
+namespace tavlen {
+
+/// A regular file that is open for reading, anywhere in it.
+///
+/// Errors are std::system_error with the path in the text. The descriptor is close-on-exec.
+/// Threads: reads may run side by side.
+class RandomAccessFile {
+ public:
+  /// A symbolic link is followed; a folder (EISDIR) and anything else that is no regular file
+  /// (EINVAL) are refused, and a pipe never blocks.
+  explicit RandomAccessFile(const std::filesystem::path& path);
+  RandomAccessFile(const RandomAccessFile&) = delete;
+  RandomAccessFile& operator=(const RandomAccessFile&) = delete;
+  ~RandomAccessFile();
+
+  /// In bytes, when it was opened.
+  std::uint64_t size() const { return size_; }
+  /// The bytes from `offset` on, `count` of them or as many as the file has there.
+  std::string read(std::uint64_t offset, std::size_t count) const;
+
+ private:
+  [[noreturn]] void fail(int code) const;
+
+  std::filesystem::path path_;
+  int descriptor_;
+  std::uint64_t size_ = 0;
+};
+
+}  // namespace tavlen

@@ -63,5 +63,45 @@ TEST(URL, pathIsThatOfFileURLsOnly) {
   for (const auto& row : rows) EXPECT_EQ(URL{row.text}.path(), row.path) << row.text;
 }
 
+/// The base and most rows are those of RFC 3986, section 5.4.
+TEST(URL, referencesAreResolved) {
+  const URL base{"http://a/b/c/d;p?q"};
+  const struct {
+    const char* reference;
+    const char* text;
+  } rows[] = {
+      {"g:h", "g:h"},
+      {"g", "http://a/b/c/g"},
+      {"./g", "http://a/b/c/g"},
+      {"g/", "http://a/b/c/g/"},
+      {"/g", "http://a/g"},
+      {"//g", "http://g"},
+      {"?y", "http://a/b/c/d;p?y"},
+      {"g?y#s", "http://a/b/c/g?y#s"},
+      {"#s", "http://a/b/c/d;p?q#s"},
+      {";x", "http://a/b/c/;x"},
+      {"", "http://a/b/c/d;p?q"},
+      {".", "http://a/b/c/"},
+      {"..", "http://a/b/"},
+      {"../g", "http://a/b/g"},
+      {"../..", "http://a/"},
+      {"../../../g", "http://a/g"},
+      {"/./g", "http://a/g"},
+      {"/../g", "http://a/g"},
+      {"..g", "http://a/b/c/..g"},
+      {"./g/.", "http://a/b/c/g/"},
+      {"g/../h", "http://a/b/c/h"},
+      {"g?y/../x", "http://a/b/c/g?y/../x"},
+      {"1:2", "http://a/b/c/1:2"},
+  };
+  for (const auto& row : rows) {
+    EXPECT_EQ(base.resolved(row.reference).absoluteString, row.text) << row.reference;
+  }
+  EXPECT_EQ(URL{"file:///tmp/x/"}.resolved("a%20b").absoluteString, "file:///tmp/x/a%20b");
+  EXPECT_EQ(URL{"http://a"}.resolved("g").absoluteString, "http://a/g");
+  EXPECT_EQ(URL{"a/b"}.resolved("../../c").absoluteString, "/c");
+  EXPECT_EQ(URL{""}.resolved("g").absoluteString, "g");
+}
+
 }  // namespace
 }  // namespace tavlen

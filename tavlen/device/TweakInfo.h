@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -16,6 +17,8 @@ namespace tavlen {
 struct TweakInfo {
   /// The name of the class in archives.
   static constexpr std::string_view archivedClassName = "TweakInfo";
+  /// In bytes. A larger file is none of an icon: it counts as one that cannot be read.
+  static constexpr std::uintmax_t kLargestIcon = std::uintmax_t{64} << 20;
 
   TweakInfo() = default;
   TweakInfo(std::string appID, std::string tweak)

@@ -30,10 +30,11 @@ class Reader {
 
   PropertyList read() {
     readTrailer();
+    list_.reserve(static_cast<std::size_t>(numObjects_));
     for (std::uint64_t i = 0; i < numObjects_; ++i) {
       position_ = objectOffset(i);
       const std::size_t start = position_;
-      list_.add(readObject());
+      readObject();
       // Objects of a proper list do not overlap; here that keeps what is read as small as the file.
       const std::size_t used = position_ - start;
       if (used > unread_) throw invalidPropertyList("Objects overlap.");
@@ -97,12 +98,13 @@ class Reader {
     return take(count * unit);
   }
 
-  PropertyList::Node readObject() {
+  /// Adds the object that stands here to the list.
+  void readObject() {
     const auto marker = static_cast<unsigned>(number(take(1)));
     const unsigned low = marker & 15U;
     switch (marker >> 4) {
       case 0x0:
-        if (marker == 8 || marker == 9) return marker == 9;
+        if (marker == 8 || marker == 9) return add(marker == 9);
         break;
       case 0x1:
         if (low <= 4) return readInteger(low);
@@ -110,21 +112,21 @@ class Reader {
       case 0x2:
         if (low == 2) {
           const auto bits = static_cast<std::uint32_t>(number(take(4)));
-          return double{std::bit_cast<float>(bits)};
+          return add(double{std::bit_cast<float>(bits)});
         }
-        if (low == 3) return std::bit_cast<double>(number(take(8)));
+        if (low == 3) return add(std::bit_cast<double>(number(take(8))));
         break;
       case 0x3:
-        if (low == 3) return Date{std::bit_cast<double>(number(take(8)))};
+        if (low == 3) return add(Date{std::bit_cast<double>(number(take(8)))});
         break;
       case 0x4:
-        return PropertyList::Data{std::string(takeUnits(readCount(low), 1))};
+        return add(PropertyList::Data{takeUnits(readCount(low), 1)});
       case 0x5:
         return readASCII(takeUnits(readCount(low), 1));
       case 0x6:
         return readUTF16(takeUnits(readCount(low), 2));
       case 0x8:
-        if (low < 8) return PropertyList::UID{number(take(low + 1))};
+        if (low < 8) return add(PropertyList::UID{number(take(low + 1))});
         break;
       case 0xA:
         return readArray(readCount(low));
@@ -136,30 +138,32 @@ class Reader {
     throw invalidPropertyList("An object is of an unknown kind.");
   }
 
+  void add(const PropertyList::Node& node) { list_.add(node); }
+
   /// 1, 2 and 4 bytes are unsigned, 8 are signed, 16 are signed again and hold what 64 bits can.
-  PropertyList::Node readInteger(unsigned power) {
-    if (power < 4) return static_cast<std::int64_t>(number(take(1ULL << power)));
+  void readInteger(unsigned power) {
+    if (power < 4) return add(static_cast<std::int64_t>(number(take(1ULL << power))));
     const std::uint64_t high = number(take(8));
     const std::uint64_t low = number(take(8));
-    if (high == 0) return low;
+    if (high == 0) return add(low);
     const auto value = static_cast<std::int64_t>(low);
-    if (high == std::numeric_limits<std::uint64_t>::max() && value < 0) return value;
+    if (high == std::numeric_limits<std::uint64_t>::max() && value < 0) return add(value);
     throw invalidPropertyList("An integer is out of range.");
   }
 
-  static PropertyList::Node readASCII(std::string_view text) {
+  void readASCII(std::string_view text) {
     if (std::any_of(text.begin(), text.end(), [](char byte) { return (byte & 0x80) != 0; })) {
       throw invalidPropertyList("A string is not ASCII, as its object says.");
     }
-    return std::string(text);
+    add(text);
   }
 
-  static PropertyList::Node readUTF16(std::string_view units) {
+  void readUTF16(std::string_view units) {
     std::string text;
     if (!convertToUTF8(units, TextEncoding::utf16BigEndian, text)) {
       throw invalidPropertyList("A string is not well-formed UTF-16.");
     }
-    return text;
+    add(text);
   }
 
   Index reference(std::string_view references, std::size_t i) const {
@@ -168,29 +172,27 @@ class Reader {
     return static_cast<Index>(index);
   }
 
-  PropertyList::Node readArray(std::uint64_t count) {
+  void readArray(std::uint64_t count) {
     const std::string_view references = takeUnits(count, objectRefSize_);
-    PropertyList::Array array;
-    array.elements.reserve(static_cast<std::size_t>(count));
-    for (std::size_t i = 0; i < count; ++i) array.elements.push_back(reference(references, i));
-    return array;
+    elements_.clear();
+    for (std::size_t i = 0; i < count; ++i) elements_.push_back(reference(references, i));
+    add(PropertyList::Array{elements_});
   }
 
-  PropertyList::Node readDictionary(std::uint64_t count) {
+  void readDictionary(std::uint64_t count) {
     const std::string_view keys = takeUnits(count, objectRefSize_);
     const std::string_view values = takeUnits(count, objectRefSize_);
-    PropertyList::Dictionary dictionary;
-    dictionary.members.reserve(static_cast<std::size_t>(count));
+    members_.clear();
     for (std::size_t i = 0; i < count; ++i) {
-      dictionary.members.push_back({reference(keys, i), reference(values, i)});
+      members_.push_back({reference(keys, i), reference(values, i)});
     }
-    return dictionary;
+    add(PropertyList::Dictionary{members_});
   }
 
   void checkKeys() const {
     for (Index i = 0; i < list_.size(); ++i) {
-      const auto* dictionary = list_.get<PropertyList::Dictionary>(i);
-      if (dictionary == nullptr) continue;
+      const auto dictionary = list_.get<PropertyList::Dictionary>(i);
+      if (!dictionary) continue;
       for (const PropertyList::Member& member : dictionary->members) {
         if (list_.kind(member.key) != PropertyList::Kind::string) {
           throw invalidPropertyList("A key is not a string.");
@@ -207,6 +209,9 @@ class Reader {
   std::size_t objectRefSize_ = 0;
   std::uint64_t numObjects_ = 0;
   std::uint64_t topObject_ = 0;
+  /// Of the container that is being read.
+  std::vector<Index> elements_;
+  std::vector<PropertyList::Member> members_;
   PropertyList list_;
 };
 

@@ -2,10 +2,9 @@
 
 #include <algorithm>
 #include <bit>
+#include <functional>
 #include <limits>
 #include <string_view>
-#include <type_traits>
-#include <unordered_map>
 
 #include "tavlen/foundation/Unicode.h"
 
@@ -15,28 +14,6 @@ namespace {
 
 using Index = PropertyList::Index;
 
-/// What makes two scalars the same object.
-struct ScalarKey {
-  PropertyList::Kind kind;
-  std::uint64_t bits = 0;
-  std::string_view bytes;
-  bool operator==(const ScalarKey&) const = default;
-};
-
-struct ScalarKeyHash {
-  std::size_t operator()(const ScalarKey& key) const {
-    const std::size_t bits = std::hash<std::uint64_t>()(key.bits ^ std::uint64_t(key.kind) << 56);
-    return bits * 31 + std::hash<std::string_view>()(key.bytes);
-  }
-};
-
-std::uint64_t bitsOf(bool value) { return value ? 1 : 0; }
-std::uint64_t bitsOf(std::int64_t value) { return static_cast<std::uint64_t>(value); }
-std::uint64_t bitsOf(std::uint64_t value) { return value; }
-std::uint64_t bitsOf(double value) { return std::bit_cast<std::uint64_t>(value); }
-std::uint64_t bitsOf(Date value) { return bitsOf(value.secondsSinceReferenceDate); }
-std::uint64_t bitsOf(PropertyList::UID value) { return value.value; }
-
 /// The least of 1, 2, 4 and 8 bytes that holds `value`, as the power of two that markers store.
 unsigned widthPower(std::uint64_t value) {
   unsigned power = 0;
@@ -44,9 +21,18 @@ unsigned widthPower(std::uint64_t value) {
   return power;
 }
 
+std::size_t hashOf(const PropertyList::Scalar& scalar) {
+  // The multiplication spreads small numbers, of which archives hold many, over the high bits.
+  const std::uint64_t bits = (scalar.bits ^ std::uint64_t(scalar.kind) << 56) * 0x9E3779B97F4A7C15U;
+  return static_cast<std::size_t>(bits ^ bits >> 32) ^ std::hash<std::string_view>()(scalar.bytes);
+}
+
 class Writer {
  public:
-  explicit Writer(const PropertyList& list) : list_(list), numbers_(list.size(), kUnnumbered) {}
+  explicit Writer(const PropertyList& list)
+      : list_(list),
+        numbers_(list.size(), kUnnumbered),
+        scalars_(std::bit_ceil(2 * list.size()), kUnnumbered) {}
 
   std::string write() {
     numberObjects();
@@ -81,21 +67,18 @@ class Writer {
       const Index index = pending.back();
       pending.pop_back();
       if (numbers_[index] != kUnnumbered) continue;
-      if (const auto* array = list_.get<PropertyList::Array>(index)) {
+      if (const auto array = list_.get<PropertyList::Array>(index)) {
         addObject(index);
         pending.insert(pending.end(), array->elements.rbegin(), array->elements.rend());
-      } else if (const auto* dictionary = list_.get<PropertyList::Dictionary>(index)) {
+      } else if (const auto dictionary = list_.get<PropertyList::Dictionary>(index)) {
         addObject(index);
-        const auto& members = dictionary->members;
+        const auto members = dictionary->members;
         std::for_each(members.rbegin(), members.rend(),
                       [&](const auto& member) { pending.push_back(member.value); });
         std::for_each(members.rbegin(), members.rend(),
                       [&](const auto& member) { pending.push_back(member.key); });
       } else {
-        const auto next = static_cast<Index>(order_.size());
-        const auto [known, isNew] = scalars_.try_emplace(scalarKey(index), next);
-        if (isNew) order_.push_back(index);
-        numbers_[index] = known->second;
+        addScalar(index);
       }
     }
   }
@@ -105,21 +88,19 @@ class Writer {
     order_.push_back(index);
   }
 
-  ScalarKey scalarKey(Index index) const {
-    return std::visit(
-        [&](const auto& value) -> ScalarKey {
-          using Value = std::decay_t<decltype(value)>;
-          if constexpr (std::is_same_v<Value, std::string>) {
-            return {list_.kind(index), 0, value};
-          } else if constexpr (std::is_same_v<Value, PropertyList::Data>) {
-            return {list_.kind(index), 0, value.bytes};
-          } else if constexpr (requires { bitsOf(value); }) {
-            return {list_.kind(index), bitsOf(value), {}};
-          } else {
-            return {list_.kind(index), index, {}};
-          }
-        },
-        list_.node(index));
+  /// Gives an equal scalar's number to this one, if there is one.
+  void addScalar(Index index) {
+    const PropertyList::Scalar scalar = list_.scalar(index);
+    std::size_t slot = hashOf(scalar) & (scalars_.size() - 1);
+    while (scalars_[slot] != kUnnumbered && list_.scalar(scalars_[slot]) != scalar) {
+      slot = (slot + 1) & (scalars_.size() - 1);
+    }
+    if (scalars_[slot] == kUnnumbered) {
+      scalars_[slot] = index;
+      addObject(index);
+    } else {
+      numbers_[index] = numbers_[scalars_[slot]];
+    }
   }
 
   void appendNumber(std::uint64_t value, std::size_t size) {
@@ -147,17 +128,17 @@ class Writer {
   }
   void append(double value) {
     appendMarker(2, 3);
-    appendNumber(bitsOf(value), 8);
+    appendNumber(std::bit_cast<std::uint64_t>(value), 8);
   }
   void append(Date value) {
     appendMarker(3, 3);
-    appendNumber(bitsOf(value), 8);
+    appendNumber(std::bit_cast<std::uint64_t>(value.secondsSinceReferenceDate), 8);
   }
-  void append(const PropertyList::Data& value) {
+  void append(PropertyList::Data value) {
     appendSized(4, value.bytes.size());
     out_ += value.bytes;
   }
-  void append(const std::string& value) {
+  void append(std::string_view value) {
     const bool isASCII =
         std::none_of(value.begin(), value.end(), [](char byte) { return (byte & 0x80) != 0; });
     if (isASCII) {
@@ -175,11 +156,11 @@ class Writer {
     appendMarker(8, static_cast<unsigned>(size - 1));
     appendNumber(value.value, size);
   }
-  void append(const PropertyList::Array& value) {
+  void append(PropertyList::Array value) {
     appendSized(0xA, value.elements.size());
     for (const Index element : value.elements) appendNumber(numbers_[element], referenceSize_);
   }
-  void append(const PropertyList::Dictionary& value) {
+  void append(PropertyList::Dictionary value) {
     appendSized(0xD, value.members.size());
     for (const auto& member : value.members) appendNumber(numbers_[member.key], referenceSize_);
     for (const auto& member : value.members) appendNumber(numbers_[member.value], referenceSize_);
@@ -188,7 +169,8 @@ class Writer {
   const PropertyList& list_;
   std::vector<Index> numbers_;  ///< by index in the list
   std::vector<Index> order_;    ///< by number
-  std::unordered_map<ScalarKey, Index, ScalarKeyHash> scalars_;
+  /// A hash table with open addressing of the scalars that have numbers, by their indices.
+  std::vector<Index> scalars_;
   std::size_t referenceSize_ = 1;
   std::string out_;
 };

@@ -4,6 +4,7 @@
 #include <concepts>
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -125,6 +126,18 @@ struct Coding<std::optional<Value>> {
     } else {
       tavlen::decode(decoder, value.emplace());
     }
+  }
+};
+
+/// A record that is shared by reference, as the record itself; never null.
+template <class Record>
+struct Coding<std::shared_ptr<Record>> {
+  static void encode(Encoder& encoder, const std::shared_ptr<Record>& value) {
+    tavlen::encode(encoder, *value);
+  }
+  static void decode(Decoder& decoder, std::shared_ptr<Record>& value) {
+    value = std::make_shared<Record>();
+    tavlen::decode(decoder, *value);
   }
 };
 

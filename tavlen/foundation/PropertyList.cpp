@@ -2,27 +2,71 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <limits>
 #include <stdexcept>
 
 namespace tavlen {
 
-std::size_t PropertyList::referenceCount() const {
-  std::size_t count = 0;
-  for (const Node& node : nodes_) {
-    if (const auto* array = std::get_if<Array>(&node)) {
-      count += array->elements.size();
-    } else if (const auto* dictionary = std::get_if<Dictionary>(&node)) {
-      count += 2 * dictionary->members.size();
-    }
+namespace {
+
+std::uint64_t bitsOf(bool value) { return value ? 1 : 0; }
+std::uint64_t bitsOf(std::int64_t value) { return static_cast<std::uint64_t>(value); }
+std::uint64_t bitsOf(std::uint64_t value) { return value; }
+std::uint64_t bitsOf(double value) { return std::bit_cast<std::uint64_t>(value); }
+std::uint64_t bitsOf(Date value) { return bitsOf(value.secondsSinceReferenceDate); }
+std::uint64_t bitsOf(PropertyList::UID value) { return value.value; }
+
+/// Stores the parts of an object behind those of the others; gives where they begin.
+template <class Store, class Parts>
+std::uint64_t append(Store& store, const Parts& parts) {
+  if (parts.size() > std::numeric_limits<std::uint32_t>::max()) {
+    throw std::length_error("property list: an object is too large");
   }
-  return count;
+  const std::size_t begin = store.size();
+  store.insert(store.end(), parts.begin(), parts.end());
+  return begin;
+}
+
+}  // namespace
+
+PropertyList::Node PropertyList::node(Index index) const {
+  const Object& object = objects_[index];
+  switch (object.kind) {
+    case Kind::boolean:
+      return object.bits != 0;
+    case Kind::integer:
+      return static_cast<std::int64_t>(object.bits);
+    case Kind::unsignedInteger:
+      return object.bits;
+    case Kind::real:
+      return std::bit_cast<double>(object.bits);
+    case Kind::date:
+      return Date{std::bit_cast<double>(object.bits)};
+    case Kind::data:
+      return Data{bytes(object)};
+    case Kind::string:
+      return bytes(object);
+    case Kind::uid:
+      return UID{object.bits};
+    case Kind::array:
+      return *get<Array>(index);
+    case Kind::dictionary:
+      break;
+  }
+  return *get<Dictionary>(index);
+}
+
+PropertyList::Scalar PropertyList::scalar(Index index) const {
+  const Object& object = objects_[index];
+  const bool hasBytes = object.kind == Kind::string || object.kind == Kind::data;
+  return {object.kind, hasBytes ? 0 : object.bits, hasBytes ? bytes(object) : std::string_view()};
 }
 
 std::optional<PropertyList::Index> PropertyList::find(Index index, std::string_view key) const {
-  const auto* dictionary = get<Dictionary>(index);
-  if (dictionary == nullptr) return std::nullopt;
-  const auto& members = dictionary->members;
+  const auto dictionary = get<Dictionary>(index);
+  if (!dictionary) return std::nullopt;
+  const auto members = dictionary->members;
   const auto found = std::find_if(members.rbegin(), members.rend(),
                                   [&](const Member& member) { return string(member.key) == key; });
   if (found == members.rend()) return std::nullopt;
@@ -30,20 +74,40 @@ std::optional<PropertyList::Index> PropertyList::find(Index index, std::string_v
 }
 
 std::optional<std::int64_t> PropertyList::integer(Index index) const {
-  if (const auto* value = get<std::int64_t>(index)) return *value;
-  const auto* value = get<std::uint64_t>(index);
-  if (value == nullptr || *value > std::uint64_t{std::numeric_limits<std::int64_t>::max()}) {
+  if (const auto value = get<std::int64_t>(index)) return value;
+  const auto value = get<std::uint64_t>(index);
+  if (!value || *value > std::uint64_t{std::numeric_limits<std::int64_t>::max()}) {
     return std::nullopt;
   }
   return static_cast<std::int64_t>(*value);
 }
 
-PropertyList::Index PropertyList::add(Node node) {
-  if (nodes_.size() >= std::numeric_limits<Index>::max()) {
+PropertyList::Index PropertyList::add(const Node& node) {
+  if (objects_.size() >= std::numeric_limits<Index>::max()) {
     throw std::length_error("property list: too many objects");
   }
-  nodes_.push_back(std::move(node));
-  return static_cast<Index>(nodes_.size() - 1);
+  Object object{0, 0, static_cast<Kind>(node.index())};
+  if (const auto* text = std::get_if<std::string_view>(&node)) {
+    object.bits = append(bytes_, *text);
+    object.count = static_cast<std::uint32_t>(text->size());
+  } else if (const auto* data = std::get_if<Data>(&node)) {
+    object.bits = append(bytes_, data->bytes);
+    object.count = static_cast<std::uint32_t>(data->bytes.size());
+  } else if (const auto* array = std::get_if<Array>(&node)) {
+    object.bits = append(elements_, array->elements);
+    object.count = static_cast<std::uint32_t>(array->elements.size());
+  } else if (const auto* dictionary = std::get_if<Dictionary>(&node)) {
+    object.bits = append(members_, dictionary->members);
+    object.count = static_cast<std::uint32_t>(dictionary->members.size());
+  } else {
+    std::visit(
+        [&](const auto& value) {
+          if constexpr (requires { bitsOf(value); }) object.bits = bitsOf(value);
+        },
+        node);
+  }
+  objects_.push_back(object);
+  return static_cast<Index>(objects_.size() - 1);
 }
 
 std::string_view description(PropertyList::Kind kind) {

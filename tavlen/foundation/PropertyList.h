@@ -1,7 +1,9 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -18,8 +20,11 @@ namespace tavlen {
 /// Objects may be shared by several containers, may be reached by nobody, and may form a cycle;
 /// whoever walks from the root needs a limit. In a list that was read, the indices that containers
 /// hold are in range and the keys of dictionaries are strings.
-/// Nothing here recurses, so any depth can be built, read and destroyed. It is a plain value;
-/// const calls may run side by side.
+///
+/// An object takes sixteen bytes, and its text, elements or members lie side by side with those of
+/// all others, so a table is a handful of allocations. What is given out of them are views: valid
+/// until the table changes. Nothing here recurses, so any depth can be built, read and destroyed.
+/// It is a plain value; const calls may run side by side.
 class PropertyList {
  public:
   using Index = std::uint32_t;
@@ -27,7 +32,7 @@ class PropertyList {
   /// In the order of Node's alternatives. Any integer that fits may be an `integer`; an
   /// `unsignedInteger` is above 2^63-1, or was stored in the binary form's 16 bytes, as the
   /// platform does with unsigned types whatever their value.
-  enum class Kind {
+  enum class Kind : std::uint8_t {
     boolean,
     integer,
     unsignedInteger,
@@ -41,48 +46,55 @@ class PropertyList {
   };
 
   struct Data {
-    std::string bytes;
-    bool operator==(const Data&) const = default;
+    std::string_view bytes;
   };
   /// A number that points into a keyed archive's table.
   struct UID {
     std::uint64_t value = 0;
-    bool operator==(const UID&) const = default;
   };
   struct Array {
-    std::vector<Index> elements;
-    bool operator==(const Array&) const = default;
+    std::span<const Index> elements;
   };
   struct Member {
     Index key;  ///< a string
     Index value;
-    bool operator==(const Member&) const = default;
   };
   /// In the stored order; equal keys are kept.
   struct Dictionary {
-    std::vector<Member> members;
-    bool operator==(const Dictionary&) const = default;
+    std::span<const Member> members;
   };
-  using Node = std::variant<bool, std::int64_t, std::uint64_t, double, Date, Data, std::string, UID,
-                            Array, Dictionary>;
+  /// An object as a view.
+  using Node = std::variant<bool, std::int64_t, std::uint64_t, double, Date, Data, std::string_view,
+                            UID, Array, Dictionary>;
 
-  std::size_t size() const { return nodes_.size(); }
+  /// What tells one scalar from another: reals and dates by their bits.
+  struct Scalar {
+    Kind kind;
+    std::uint64_t bits;
+    std::string_view bytes;
+    bool operator==(const Scalar&) const = default;
+  };
+
+  std::size_t size() const { return objects_.size(); }
   /// How many indices the containers hold together. A walk that looks at more of them has met
   /// shared objects.
-  std::size_t referenceCount() const;
+  std::size_t referenceCount() const { return elements_.size() + 2 * members_.size(); }
+  /// The bytes of all strings and data together.
+  std::size_t byteCount() const { return bytes_.size(); }
+
   /// Meaningful once the table is not empty.
   Index root() const { return root_; }
   void setRoot(Index root) { root_ = root; }
 
-  const Node& node(Index index) const { return nodes_[index]; }
-  Kind kind(Index index) const { return static_cast<Kind>(nodes_[index].index()); }
-  /// Null when another kind stands there.
+  Kind kind(Index index) const { return objects_[index].kind; }
+  Node node(Index index) const;
+  /// Nothing when another kind stands there.
   template <class T>
-  const T* get(Index index) const {
-    return std::get_if<T>(&nodes_[index]);
-  }
+  std::optional<T> get(Index index) const;
   /// The text of a string; for the keys of dictionaries, which are always strings.
-  const std::string& string(Index index) const { return std::get<std::string>(nodes_[index]); }
+  std::string_view string(Index index) const { return bytes(objects_[index]); }
+  /// For an object that is no container.
+  Scalar scalar(Index index) const;
 
   /// The value under `key` in the dictionary at `index`, the last of equal ones; nothing when there
   /// is none, or no dictionary.
@@ -91,18 +103,51 @@ class PropertyList {
   /// The integer at `index`, of either kind, when it is one and fits.
   std::optional<std::int64_t> integer(Index index) const;
 
-  /// Adds an object and says where. A container may hold indices that are added later; they must be
-  /// in the table before anybody reads it. Throws std::length_error when the table is full.
-  Index add(Node node);
-  void replace(Index index, Node node) { nodes_[index] = std::move(node); }
-
-  /// The same table, not merely the same document.
-  bool operator==(const PropertyList&) const = default;
+  /// Adds a copy of what `node` views, which must not lie in this table, and says where. A
+  /// container may hold indices that are added later; they must be in the table before anybody
+  /// reads it. Throws std::length_error when the table is full.
+  Index add(const Node& node);
+  /// Makes room for so many objects in all.
+  void reserve(std::size_t objects) { objects_.reserve(objects); }
 
  private:
-  std::vector<Node> nodes_;
+  /// `bits` is a scalar's value, or where in the vector of its kind the object's `count` parts
+  /// begin.
+  struct Object {
+    std::uint64_t bits;
+    std::uint32_t count;
+    Kind kind;
+  };
+
+  std::string_view bytes(const Object& object) const {
+    return std::string_view(bytes_).substr(static_cast<std::size_t>(object.bits), object.count);
+  }
+
+  std::vector<Object> objects_;
+  std::string bytes_;
+  std::vector<Index> elements_;
+  std::vector<Member> members_;
   Index root_ = 0;
 };
+
+template <class T>
+std::optional<T> PropertyList::get(Index index) const {
+  constexpr auto kKind = static_cast<Kind>(Node(std::in_place_type<T>).index());
+  if (kind(index) != kKind) return std::nullopt;
+  const Object& object = objects_[index];
+  if constexpr (kKind == Kind::string) {
+    return bytes(object);
+  } else if constexpr (kKind == Kind::array) {
+    return Array{std::span(elements_).subspan(static_cast<std::size_t>(object.bits), object.count)};
+  } else if constexpr (kKind == Kind::dictionary) {
+    return Dictionary{
+        std::span(members_).subspan(static_cast<std::size_t>(object.bits), object.count)};
+  } else if constexpr (kKind == Kind::uid) {
+    return UID{object.bits};
+  } else {
+    return std::get<T>(node(index));
+  }
+}
 
 /// What an object is called in messages: "a string".
 std::string_view description(PropertyList::Kind kind);

@@ -12,10 +12,6 @@ using Index = PropertyList::Index;
 
 constexpr std::string_view kNull = "$null";
 
-/// A walk of the list as a tree may look at each object and each reference this often (a dictionary
-/// is searched for its kind before it is read) without having met a shared one.
-constexpr std::size_t kPasses = 8;
-
 /// `value` as an Integer when it is whole and fits.
 template <class Integer>
 std::optional<Integer> exactly(double value) {
@@ -52,34 +48,8 @@ class PropertyListDecoder::Inside {
   Index container_;
 };
 
-PropertyListDecoder::PropertyListDecoder(const PropertyList& list)
-    : list_(list), here_(list.root()) {
-  visitsLeft_ += kPasses * (list.size() + list.referenceCount());
-  for (Index i = 0; i < list.size(); ++i) {
-    if (const auto* text = list.get<std::string>(i)) textBytesLeft_ += kPasses * text->size();
-  }
-}
-
-void PropertyListDecoder::chargeVisits(std::size_t count) {
-  if (count > visitsLeft_) {
-    // Stays so: nobody who drops this error goes on reading.
-    visitsLeft_ = 0;
-    throw DecodingError::dataCorrupted("too many values by shared references");
-  }
-  visitsLeft_ -= count;
-}
-
-const std::string& PropertyListDecoder::chargedText(const std::string& text) {
-  if (text.size() > textBytesLeft_) {
-    throw DecodingError::dataCorrupted("too much text by shared references");
-  }
-  textBytesLeft_ -= text.size();
-  return text;
-}
-
 bool PropertyListDecoder::isNull() const {
-  const auto* text = list_.get<std::string>(here_);
-  return text != nullptr && *text == kNull;
+  return list_.kind(here_) == PropertyList::Kind::string && list_.string(here_) == kNull;
 }
 
 void PropertyListDecoder::failMismatch(std::string_view expected) const {
@@ -88,15 +58,15 @@ void PropertyListDecoder::failMismatch(std::string_view expected) const {
 }
 
 template <class T>
-const T& PropertyListDecoder::require(std::string_view expected) {
-  chargeVisits(1);
-  const T* value = list_.get<T>(here_);
-  if (value == nullptr || isNull()) failMismatch(expected);
+T PropertyListDecoder::require(std::string_view expected) {
+  budget_.chargeVisits(1);
+  const std::optional<T> value = list_.get<T>(here_);
+  if (!value || isNull()) failMismatch(expected);
   return *value;
 }
 
 bool PropertyListDecoder::null() {
-  chargeVisits(1);
+  budget_.chargeVisits(1);
   return isNull();
 }
 
@@ -104,13 +74,13 @@ bool PropertyListDecoder::boolean() { return require<bool>("a boolean"); }
 
 template <class Integer>
 Integer PropertyListDecoder::wholeNumber() {
-  chargeVisits(1);
+  budget_.chargeVisits(1);
   std::optional<Integer> value;
-  if (const auto* signedValue = list_.get<std::int64_t>(here_)) {
+  if (const auto signedValue = list_.get<std::int64_t>(here_)) {
     if (std::in_range<Integer>(*signedValue)) value = static_cast<Integer>(*signedValue);
-  } else if (const auto* unsignedValue = list_.get<std::uint64_t>(here_)) {
+  } else if (const auto unsignedValue = list_.get<std::uint64_t>(here_)) {
     if (std::in_range<Integer>(*unsignedValue)) value = static_cast<Integer>(*unsignedValue);
-  } else if (const auto* realValue = list_.get<double>(here_)) {
+  } else if (const auto realValue = list_.get<double>(here_)) {
     value = exactly<Integer>(*realValue);
   } else {
     failMismatch("an integer");
@@ -128,22 +98,24 @@ std::int64_t PropertyListDecoder::integer() { return wholeNumber<std::int64_t>()
 std::uint64_t PropertyListDecoder::unsignedInteger() { return wholeNumber<std::uint64_t>(); }
 
 double PropertyListDecoder::real() {
-  chargeVisits(1);
-  if (const auto* value = list_.get<std::int64_t>(here_)) return static_cast<double>(*value);
-  if (const auto* value = list_.get<std::uint64_t>(here_)) return static_cast<double>(*value);
+  budget_.chargeVisits(1);
+  if (const auto value = list_.get<std::int64_t>(here_)) return static_cast<double>(*value);
+  if (const auto value = list_.get<std::uint64_t>(here_)) return static_cast<double>(*value);
   return require<double>("a number");
 }
 
-std::string PropertyListDecoder::string() { return chargedText(require<std::string>("a string")); }
+std::string PropertyListDecoder::string() {
+  return std::string(budget_.chargedText(require<std::string_view>("a string")));
+}
 
 Date PropertyListDecoder::date() { return require<Date>("a date"); }
 
 void PropertyListDecoder::record(std::span<const FieldDecoder> fields, void* record) {
-  const auto& members = require<PropertyList::Dictionary>("a dictionary").members;
-  chargeVisits(members.size());
+  const auto members = require<PropertyList::Dictionary>("a dictionary").members;
+  budget_.chargeVisits(members.size());
   std::vector<std::optional<Index>> values(fields.size());
   for (const PropertyList::Member& member : members) {
-    const std::string& key = list_.string(member.key);
+    const std::string_view key = list_.string(member.key);
     for (std::size_t i = 0; i < fields.size(); ++i) {
       if (fields[i].key == key) values[i] = member.value;
     }
@@ -160,16 +132,16 @@ void PropertyListDecoder::record(std::span<const FieldDecoder> fields, void* rec
 }
 
 void PropertyListDecoder::members(FunctionRef<void(std::string_view key)> member) {
-  const auto& members = require<PropertyList::Dictionary>("a dictionary").members;
-  chargeVisits(2 * members.size());
+  const auto members = require<PropertyList::Dictionary>("a dictionary").members;
+  budget_.chargeVisits(2 * members.size());
   std::unordered_map<std::string_view, std::size_t> lastOf;
   for (std::size_t i = 0; i < members.size(); ++i) {
     // Hashing reads the text, and who collects members copies it.
-    lastOf[chargedText(list_.string(members[i].key))] = i;
+    lastOf[budget_.chargedText(list_.string(members[i].key))] = i;
   }
   Inside inside(*this);
   for (std::size_t i = 0; i < members.size(); ++i) {
-    const std::string& key = list_.string(members[i].key);
+    const std::string_view key = list_.string(members[i].key);
     if (lastOf[key] != i) continue;
     inside.moveTo(members[i].value);
     underKey(key, [&] { member(key); });
@@ -177,8 +149,8 @@ void PropertyListDecoder::members(FunctionRef<void(std::string_view key)> member
 }
 
 void PropertyListDecoder::elements(FunctionRef<void()> element) {
-  const auto& elements = require<PropertyList::Array>("an array").elements;
-  chargeVisits(elements.size());
+  const auto elements = require<PropertyList::Array>("an array").elements;
+  budget_.chargeVisits(elements.size());
   Inside inside(*this);
   for (std::size_t i = 0; i < elements.size(); ++i) {
     inside.moveTo(elements[i]);
@@ -187,13 +159,14 @@ void PropertyListDecoder::elements(FunctionRef<void()> element) {
 }
 
 std::string_view PropertyListDecoder::peekString(std::string_view key) {
-  chargeVisits(require<PropertyList::Dictionary>("a dictionary").members.size());
+  budget_.chargeVisits(require<PropertyList::Dictionary>("a dictionary").members.size());
   const std::optional<Index> value = list_.find(here_, key);
   if (!value) throw DecodingError::keyNotFound(key);
   Inside inside(*this);
   inside.moveTo(*value);
-  return underKey(
-      key, [this]() -> std::string_view { return chargedText(require<std::string>("a string")); });
+  return underKey(key, [this]() -> std::string_view {
+    return budget_.chargedText(require<std::string_view>("a string"));
+  });
 }
 
 bool PropertyListDecoder::attempt(FunctionRef<void()> read) {

@@ -8,6 +8,7 @@
 #include "tavlen/foundation/Decoder.h"
 #include "tavlen/foundation/PropertyList.h"
 #include "tavlen/foundation/PropertyListSerialization.h"
+#include "tavlen/foundation/SharedReferenceBudget.h"
 
 namespace tavlen {
 
@@ -18,17 +19,15 @@ namespace tavlen {
 /// A record's fields are looked up in the order of its table, so the first of them that fails ends
 /// the decoding. `members` goes by the stored order. Number errors carry their path.
 ///
-/// A small list can stand for a huge tree, by shared references. Limits, whose errors are
-/// DecodingError::dataCorrupted: `kDeepest` containers (which ends a cycle), and what the list
-/// itself holds a few times over plus `kSharedVisits` values and `kSharedTextBytes` of text.
+/// Limits, whose errors are DecodingError::dataCorrupted: `kDeepest` containers (which ends a
+/// cycle), and SharedReferenceBudget.
 class PropertyListDecoder final : public Decoder {
  public:
   static constexpr std::size_t kDeepest = 512;
-  static constexpr std::size_t kSharedVisits = 1'000'000;
-  static constexpr std::size_t kSharedTextBytes = std::size_t{64} << 20;
 
   /// Stands before the root. Keeps a reference to `list`, which must not be empty.
-  explicit PropertyListDecoder(const PropertyList& list);
+  explicit PropertyListDecoder(const PropertyList& list)
+      : list_(list), here_(list.root()), budget_(list) {}
 
   bool null() override;
   bool boolean() override;
@@ -48,20 +47,16 @@ class PropertyListDecoder final : public Decoder {
 
   /// The value that stands here, which must be a T; `expected` names it.
   template <class T>
-  const T& require(std::string_view expected);
+  T require(std::string_view expected);
   template <class Integer>
   Integer wholeNumber();
   bool isNull() const;
   [[noreturn]] void failMismatch(std::string_view expected) const;
-  void chargeVisits(std::size_t count);
-  /// `text`, which somebody is about to copy.
-  const std::string& chargedText(const std::string& text);
 
   const PropertyList& list_;
   PropertyList::Index here_;
   std::size_t depth_ = 0;
-  std::size_t visitsLeft_ = kSharedVisits;
-  std::size_t textBytesLeft_ = kSharedTextBytes;
+  SharedReferenceBudget budget_;
 };
 
 /// The value of type T that a property list of either form holds. Throws DecodingError, for what is

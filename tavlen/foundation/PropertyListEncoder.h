@@ -1,11 +1,10 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
 #include "tavlen/foundation/Coding.h"
 #include "tavlen/foundation/Encoder.h"
-#include "tavlen/foundation/PropertyList.h"
+#include "tavlen/foundation/PropertyListBuilder.h"
 #include "tavlen/foundation/PropertyListSerialization.h"
 
 namespace tavlen {
@@ -34,17 +33,9 @@ class PropertyListEncoder final : public Encoder {
   void date(Date value) override;
 
  private:
-  struct Frame {
-    PropertyList::Node container;
-    PropertyList::Index key = 0;
-  };
+  void checkDepth() const;
 
-  void begin(PropertyList::Node container);
-  void end();
-  void add(PropertyList::Node value);
-
-  PropertyList list_;
-  std::vector<Frame> open_;
+  PropertyListBuilder builder_;
 };
 
 /// `value` as a property list. Throws EncodingError for what the format cannot hold.

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace tavlen {
 
@@ -18,6 +19,9 @@ struct URL {
   /// query and fragment are dropped. Nothing for any other URL, and for an escape that is malformed
   /// or stands for a NUL.
   std::optional<std::filesystem::path> path() const;
+
+  /// What `reference`, a whole URL or a part of one, means beside this URL (RFC 3986, section 5.2).
+  URL resolved(std::string_view reference) const;
 
   bool operator==(const URL&) const = default;
 };

@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "tavlen/foundation/Base64.h"
+#include "tavlen/foundation/PropertyListBuilder.h"
 #include "tavlen/foundation/XMLPrescan.h"
 #include "tavlen/foundation/XMLPropertyListScalars.h"
 #include "tavlen/foundation/XMLText.h"
@@ -14,8 +15,6 @@
 namespace tavlen {
 
 namespace {
-
-using Index = PropertyList::Index;
 
 constexpr std::string_view kUIDKey = "CF$UID";
 
@@ -50,17 +49,11 @@ class Reader {
     int result = 0;
     while ((result = xmlTextReaderRead(xml_.get())) == 1) handleNode();
     if (result != 0) throw invalidPropertyList(error_.empty() ? "It is malformed." : error_);
-    if (!root_) throw invalidPropertyList("It holds no value.");
-    list_.setRoot(*root_);
-    return std::move(list_);
+    if (!hasRoot_) throw invalidPropertyList("It holds no value.");
+    return builder_.take();
   }
 
  private:
-  struct Frame {
-    PropertyList::Node container;
-    std::optional<Index> key;
-  };
-
   static void keepError(void* self, xmlErrorPtr error) {
     std::string& kept = static_cast<Reader*>(self)->error_;
     if (!kept.empty() || error == nullptr || error->level < XML_ERR_ERROR) return;
@@ -106,9 +99,11 @@ class Reader {
       if (name != "plist") fail("the root is not <plist>");
       isInside_ = true;
     } else if (name == "dict") {
-      frames_.push_back({PropertyList::Dictionary(), {}});
+      checkPlace();
+      builder_.beginDictionary();
     } else if (name == "array") {
-      frames_.push_back({PropertyList::Array(), {}});
+      checkPlace();
+      builder_.beginArray();
     } else {
       scalar_ = name;
     }
@@ -119,11 +114,8 @@ class Reader {
       endScalar();
       scalar_.clear();
       text_.clear();
-    } else if (!frames_.empty()) {
-      Frame frame = std::move(frames_.back());
-      frames_.pop_back();
-      if (frame.key) fail("a key without a value");
-      addValue(uidOrSame(std::move(frame.container)));
+    } else if (builder_.depth() > 0) {
+      endContainer();
     }
   }
 
@@ -137,64 +129,69 @@ class Reader {
 
   void endScalar() {
     if (scalar_ == "key") return endKey();
-    if (scalar_ == "string") return addValue(std::move(text_));
+    if (scalar_ == "string") return addValue(text_);
     if (scalar_ == "true" || scalar_ == "false") {
       if (!isBlank(text_)) fail("text inside <" + scalar_ + "/>");
       return addValue(scalar_ == "true");
     }
+    if (scalar_ == "data") return endData();
     std::optional<PropertyList::Node> value;
     if (scalar_ == "integer") {
-      value = integerFromXML(text_);
+      if (const auto integer = integerFromXML(text_)) {
+        value = std::visit([](auto number) -> PropertyList::Node { return number; }, *integer);
+      }
     } else if (scalar_ == "real") {
       value = realFromXML(text_);
     } else if (scalar_ == "date") {
       value = dateFromXML(text_);
-    } else if (scalar_ == "data") {
-      if (auto bytes = bytesFromBase64(text_, Base64Blanks::skipped)) {
-        value = PropertyList::Data{std::move(*bytes)};
-      }
     } else {
       fail("unknown element <" + abbreviated(scalar_) + ">");
     }
     if (!value) fail("malformed <" + scalar_ + ">");
-    addValue(std::move(*value));
+    addValue(*value);
+  }
+
+  void endData() {
+    const auto bytes = bytesFromBase64(text_, Base64Blanks::skipped);
+    if (!bytes) fail("malformed <data>");
+    addValue(PropertyList::Data{*bytes});
   }
 
   void endKey() {
-    if (frames_.empty() || frames_.back().key ||
-        !std::holds_alternative<PropertyList::Dictionary>(frames_.back().container)) {
-      fail("a key out of its place");
-    }
-    frames_.back().key = list_.add(std::move(text_));
+    if (!builder_.isInDictionary() || builder_.hasKey()) fail("a key out of its place");
+    builder_.key(text_);
   }
 
-  void addValue(PropertyList::Node value) {
-    const Index index = list_.add(std::move(value));
-    if (frames_.empty()) {
-      if (root_) fail("a second value");
-      root_ = index;
-      return;
+  /// A value may stand here.
+  void checkPlace() {
+    if (builder_.depth() == 0) {
+      if (hasRoot_) fail("a second value");
+      hasRoot_ = true;
+    } else if (builder_.isInDictionary() && !builder_.hasKey()) {
+      fail("a value without a key");
     }
-    Frame& frame = frames_.back();
-    if (auto* array = std::get_if<PropertyList::Array>(&frame.container)) {
-      array->elements.push_back(index);
-      return;
-    }
-    if (!frame.key) fail("a value without a key");
-    std::get<PropertyList::Dictionary>(frame.container).members.push_back({*frame.key, index});
-    frame.key.reset();
   }
 
-  PropertyList::Node uidOrSame(PropertyList::Node container) const {
-    const auto* dictionary = std::get_if<PropertyList::Dictionary>(&container);
-    if (dictionary == nullptr || dictionary->members.size() != 1) return container;
-    const PropertyList::Member member = dictionary->members.front();
-    if (list_.string(member.key) != kUIDKey) return container;
-    if (const auto* value = list_.get<std::uint64_t>(member.value)) {
-      return PropertyList::UID{*value};
-    }
-    const auto value = list_.integer(member.value);
-    if (!value || *value < 0) return container;
+  void addValue(const PropertyList::Node& value) {
+    checkPlace();
+    builder_.add(value);
+  }
+
+  void endContainer() {
+    if (builder_.hasKey()) fail("a key without a value");
+    if (const auto uid = uidOfDictionary()) return builder_.endAs(*uid);
+    builder_.end();
+  }
+
+  /// The UID that the dictionary which is open stands for.
+  std::optional<PropertyList::UID> uidOfDictionary() const {
+    if (!builder_.isInDictionary() || builder_.members().size() != 1) return std::nullopt;
+    const PropertyList& list = builder_.list();
+    const PropertyList::Member member = builder_.members().front();
+    if (list.string(member.key) != kUIDKey) return std::nullopt;
+    if (const auto value = list.get<std::uint64_t>(member.value)) return PropertyList::UID{*value};
+    const auto value = list.integer(member.value);
+    if (!value || *value < 0) return std::nullopt;
     return PropertyList::UID{static_cast<std::uint64_t>(*value)};
   }
 
@@ -206,11 +203,10 @@ class Reader {
   std::unique_ptr<xmlTextReader, Free> xml_;
   std::string error_;
   bool isInside_ = false;  ///< in the root element
-  std::vector<Frame> frames_;
+  bool hasRoot_ = false;
   std::string scalar_;  ///< the element that collects `text_`, or empty
   std::string text_;
-  std::optional<Index> root_;
-  PropertyList list_;
+  PropertyListBuilder builder_;
 };
 
 }  // namespace

@@ -47,7 +47,7 @@ void appendDigits(std::string& out, unsigned value, std::size_t width) {
 
 }  // namespace
 
-std::optional<PropertyList::Node> integerFromXML(std::string_view text) {
+std::optional<XMLInteger> integerFromXML(std::string_view text) {
   text = withoutLeadingBlanks(text);
   const bool isNegative = text.starts_with('-');
   if (isNegative || text.starts_with('+')) text = withoutLeadingBlanks(text.substr(1));

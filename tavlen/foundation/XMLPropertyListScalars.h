@@ -1,18 +1,22 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <variant>
 
 #include "tavlen/foundation/Date.h"
-#include "tavlen/foundation/PropertyList.h"
 
 /// The texts of numbers and dates in the XML form of property lists.
 namespace tavlen {
 
+/// Unsigned above 2^63-1 only.
+using XMLInteger = std::variant<std::int64_t, std::uint64_t>;
+
 /// Leading blanks, a sign, blanks, then decimal digits or "0x" and hexadecimal ones; from -2^63 to
 /// 2^64-1. Nothing for any other text.
-std::optional<PropertyList::Node> integerFromXML(std::string_view text);
+std::optional<XMLInteger> integerFromXML(std::string_view text);
 
 /// Leading blanks, then a decimal number in the range of a double, or "nan", "inf", "infinity" with
 /// a sign or none and in either case.

@@ -78,7 +78,7 @@ class Writer {
   }
 
   /// Sorting reads the keys' texts, even those of equal keys, which are not written.
-  void chargeKeys(const std::vector<PropertyList::Member>& members) {
+  void chargeKeys(std::span<const PropertyList::Member> members) {
     charge(members.size());
     for (const PropertyList::Member& member : members) {
       const std::size_t bytes = list_.string(member.key).size();
@@ -138,9 +138,9 @@ class Writer {
     if (!text) throw EncodingError::invalidValue("a date lies outside of the years 0 to 9999");
     appendElement("date", *text);
   }
-  void append(const std::string& value) { appendTextElement("string", value); }
+  void append(std::string_view value) { appendTextElement("string", value); }
 
-  void append(const PropertyList::Data& value) {
+  void append(PropertyList::Data value) {
     // At most 76 columns, a tab counted as 8; deep down the lines stop getting shorter.
     const std::size_t indent = std::min<std::size_t>(frames_.size(), 8) * 8;
     const std::size_t lineLength = (76 - indent) / 4 * 4;
@@ -161,7 +161,7 @@ class Writer {
     append(value.value);
   }
 
-  void append(const PropertyList::Array& value) {
+  void append(PropertyList::Array value) {
     if (value.elements.empty()) return appendEmpty("<array/>\n");
     std::vector<PropertyList::Member> members;
     members.reserve(value.elements.size());
@@ -169,12 +169,10 @@ class Writer {
     open("array", std::move(members));
   }
 
-  void append(const PropertyList::Dictionary& value) {
+  void append(PropertyList::Dictionary value) {
     if (value.members.empty()) return appendEmpty("<dict/>\n");
     chargeKeys(value.members);
-    const auto key = [this](const PropertyList::Member& m) -> std::string_view {
-      return list_.string(m.key);
-    };
+    const auto key = [this](const PropertyList::Member& m) { return list_.string(m.key); };
     std::vector<PropertyList::Member> members(value.members.rbegin(), value.members.rend());
     std::stable_sort(members.begin(), members.end(), [&](const auto& a, const auto& b) {
       return a.key != b.key && key(a) < key(b);

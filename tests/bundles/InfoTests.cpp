@@ -171,8 +171,10 @@ TEST(Info, isCodedInTheOrderOfItsKeys) {
 
   const PropertyList list = encoded(info);
   std::string keys;
-  for (const auto& member : list.get<PropertyList::Dictionary>(list.root())->members) {
-    keys += list.string(member.key) + " ";
+  const auto dictionary = list.get<PropertyList::Dictionary>(list.root());
+  ASSERT_TRUE(dictionary);
+  for (const auto& member : dictionary->members) {
+    keys.append(list.string(member.key)) += ' ';
   }
   EXPECT_EQ(keys,
             "CFBundleName CFBundleExecutable CFBundleIdentifier CFBundleVersion "

@@ -2,6 +2,7 @@
 
 #include <random>
 #include <string>
+#include <vector>
 
 #include "tavlen/foundation/PropertyList.h"
 
@@ -32,16 +33,16 @@ class RandomPropertyList {
 
   Index container(unsigned depth) {
     if (below(2) == 0) {
-      PropertyList::Array array;
-      for (std::uint64_t i = below(6); i > 0; --i) array.elements.push_back(value(depth));
-      return list_.add(std::move(array));
+      std::vector<Index> elements;
+      for (std::uint64_t i = below(6); i > 0; --i) elements.push_back(value(depth));
+      return list_.add(PropertyList::Array{elements});
     }
-    PropertyList::Dictionary dictionary;
+    std::vector<PropertyList::Member> members;
     for (std::uint64_t i = below(6); i > 0; --i) {
       const Index key = list_.add(text() + std::to_string(i));
-      dictionary.members.push_back({key, value(depth)});
+      members.push_back({key, value(depth)});
     }
-    return list_.add(std::move(dictionary));
+    return list_.add(PropertyList::Dictionary{members});
   }
 
   Index value(unsigned depth) {

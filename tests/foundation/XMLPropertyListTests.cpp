@@ -6,6 +6,7 @@
 #include <fstream>
 #include <limits>
 
+#include "PropertyListGraph.h"
 #include "RandomPropertyList.h"
 #include "tavlen/foundation/FileSystem.h"
 #include "tavlen/foundation/PropertyListSerialization.h"
@@ -41,26 +42,26 @@ std::string plist(std::string_view body) {
 TEST(XMLPropertyList, hasItsBytes) {
   PropertyList list;
   const auto key = [&](const char* text) { return list.add(std::string(text)); };
-  PropertyList::Dictionary root;
-  const auto add = [&](const char* name, PropertyList::Node value) {
+  Members root;
+  const auto add = [&](const char* name, const PropertyList::Node& value) {
     const Index k = key(name);
-    root.members.push_back({k, list.add(std::move(value))});
+    root.push_back({k, list.add(value)});
   };
   add("z", "<&>\"'\r\n"s);
-  add("array", PropertyList::Array{{list.add(true), list.add(false), list.add(1e16), list.add(2.0),
-                                    list.add(-0.5)}});
+  add("array", PropertyList::Array{Indices{list.add(true), list.add(false), list.add(1e16),
+                                           list.add(2.0), list.add(-0.5)}});
   add("again", std::int64_t{1});
   add("again", std::numeric_limits<std::uint64_t>::max());
   add("data", PropertyList::Data{std::string(54, '\xFF')});
   add("date", Date{-0.5});
-  add("dict", PropertyList::Dictionary{{{key("k"), list.add(PropertyList::Array{})}}});
+  add("dict", PropertyList::Dictionary{Members{{key("k"), list.add(PropertyList::Array{})}}});
   add("empty", PropertyList::Dictionary{});
   add("uid", PropertyList::UID{7});
-  add("special", PropertyList::Array{{list.add(std::numeric_limits<double>::infinity()),
-                                      list.add(-std::numeric_limits<double>::infinity()),
-                                      list.add(std::numeric_limits<double>::quiet_NaN()),
-                                      list.add(std::numeric_limits<std::int64_t>::min())}});
-  list.setRoot(list.add(root));
+  add("special", PropertyList::Array{Indices{list.add(std::numeric_limits<double>::infinity()),
+                                             list.add(-std::numeric_limits<double>::infinity()),
+                                             list.add(std::numeric_limits<double>::quiet_NaN()),
+                                             list.add(std::numeric_limits<std::int64_t>::min())}});
+  list.setRoot(list.add(PropertyList::Dictionary{root}));
   const std::string expected = R"(<?xml version="1.0" encoding="UTF-8"?>
 <!DOCTYPE plist PUBLIC "-//Apple//DTD PLIST 1.0//EN" "http://www.apple.com/DTDs/PropertyList-1.0.dtd">
 <plist version="1.0">
@@ -118,7 +119,7 @@ TEST(XMLPropertyList, hasItsBytes) {
 TEST(XMLPropertyList, scalarsHaveTheirTexts) {
   const struct {
     const char* text;
-    std::optional<PropertyList::Node> value;
+    std::optional<XMLInteger> value;
   } integers[] = {
       {"0", std::int64_t{0}},
       {" \n+ 12", std::int64_t{12}},
@@ -371,8 +372,8 @@ TEST(XMLPropertyList, refusesWhatIsSlowToParse) {
 TEST(XMLPropertyList, depthAndSizeAreBounded) {
   const auto nested = [](std::size_t depth) {
     PropertyList list;
-    for (Index i = 1; i < depth; ++i) list.add(PropertyList::Array{{i}});
-    list.add(PropertyList::Array{{static_cast<Index>(depth)}});
+    for (Index i = 1; i < depth; ++i) list.add(PropertyList::Array{Indices{i}});
+    list.add(PropertyList::Array{Indices{static_cast<Index>(depth)}});
     list.add("leaf"s);
     return list;
   };
@@ -383,10 +384,10 @@ TEST(XMLPropertyList, depthAndSizeAreBounded) {
   EXPECT_NE(refusal("<plist>" + deep), "");
 
   PropertyList cycle;
-  cycle.add(PropertyList::Array{{0, 0}});
+  cycle.add(PropertyList::Array{Indices{0, 0}});
   EXPECT_THROW(toXML(cycle), EncodingError);
   PropertyList bomb;
-  for (Index i = 1; i < 40; ++i) bomb.add(PropertyList::Array{{i, i}});
+  for (Index i = 1; i < 40; ++i) bomb.add(PropertyList::Array{Indices{i, i}});
   bomb.add(PropertyList::Array{});
   EXPECT_THROW(toXML(bomb), EncodingError);
 
@@ -415,22 +416,28 @@ TEST(PropertyListInPython, agrees) {
   const std::filesystem::path folder = pattern;
   // One list of many, since each run of the program takes its time.
   PropertyList list;
-  PropertyList::Array all;
+  Indices all;
   for (unsigned seed = 1000; seed < 1100; ++seed) {
     const PropertyList part = randomPropertyList(seed);
     const auto base = static_cast<Index>(list.size());
     for (Index i = 0; i < part.size(); ++i) {
+      Indices elements;
+      Members members;
       PropertyList::Node node = part.node(i);
       if (auto* array = std::get_if<PropertyList::Array>(&node)) {
-        for (Index& element : array->elements) element += base;
+        for (const Index element : array->elements) elements.push_back(element + base);
+        array->elements = elements;
       } else if (auto* dictionary = std::get_if<PropertyList::Dictionary>(&node)) {
-        for (auto& member : dictionary->members) member = {member.key + base, member.value + base};
+        for (const auto& [key, value] : dictionary->members) {
+          members.push_back({key + base, value + base});
+        }
+        dictionary->members = members;
       }
-      list.add(std::move(node));
+      list.add(node);
     }
-    all.elements.push_back(part.root() + base);
+    all.push_back(part.root() + base);
   }
-  list.setRoot(list.add(all));
+  list.setRoot(list.add(PropertyList::Array{all}));
   for (const auto ours : {PropertyListFormat::binary, PropertyListFormat::xml}) {
     for (const char* theirs : {"binary", "xml"}) {
       const std::filesystem::path input = folder / "in";

@@ -1,0 +1,35 @@
+#include "tavlen/device/TweakInfo.h"
+
+#include <system_error>
+
+#include "tavlen/device/DeviceRoot.h"
+#include "tavlen/foundation/FileSystem.h"
+
+namespace tavlen {
+
+namespace {
+
+/// The bytes behind the URL, or nothing when it cannot be read.
+std::optional<std::string> contentsOf(const URL& url) {
+  const auto devicePath = url.path();
+  if (!devicePath) return std::nullopt;
+  const std::filesystem::path file = DeviceRoot::shared().resolve(devicePath->native());
+  std::error_code error;
+  const std::uintmax_t size = std::filesystem::file_size(file, error);
+  if (error || size > TweakInfo::kLargestIcon) return std::nullopt;
+  try {
+    return readFile(file);
+  } catch (const std::system_error&) {
+    return std::nullopt;
+  }
+}
+
+}  // namespace
+
+bool TweakInfo::shouldRespringAfterChangingFromOther(const std::optional<TweakInfo>& other) const {
+  const std::optional<URL> otherIconURL = other ? other->customIconURL : std::nullopt;
+  if (!customIconURL || !otherIconURL) return customIconURL.has_value() != otherIconURL.has_value();
+  return contentsOf(*customIconURL) != contentsOf(*otherIconURL);
+}
+
+}  // namespace tavlen

@@ -1,0 +1,141 @@
+#include "tavlen/foundation/KeyedArchiver.h"
+
+#include <algorithm>
+#include <span>
+
+#include "tavlen/foundation/BinaryPropertyListWriter.h"
+#include "tavlen/foundation/Unicode.h"
+
+namespace tavlen {
+
+/// The objects that are open: one more while it lives.
+class KeyedArchiver::Inside {
+ public:
+  explicit Inside(KeyedArchiver& archiver) : archiver_(archiver) {
+    if (archiver_.depth_ == kDeepest) {
+      throw EncodingError::invalidValue("nested deeper than " + std::to_string(kDeepest) +
+                                        " objects");
+    }
+    ++archiver_.depth_;
+  }
+  ~Inside() { --archiver_.depth_; }
+  Inside(const Inside&) = delete;
+  Inside& operator=(const Inside&) = delete;
+
+ private:
+  KeyedArchiver& archiver_;
+};
+
+KeyedArchiver::KeyedArchiver() { null_ = add(list_.add("$null")); }
+
+std::pair<std::size_t, KeyedArchiver::Index> KeyedArchiver::reserve() {
+  const std::size_t number = objects_.size();
+  objects_.push_back(0);
+  return {number, list_.add(PropertyList::UID{number})};
+}
+
+KeyedArchiver::Index KeyedArchiver::add(Index object) {
+  const auto [number, reference] = reserve();
+  objects_[number] = object;
+  return reference;
+}
+
+KeyedArchiver::Index KeyedArchiver::key(std::string_view text) {
+  // There are few, so this is faster than hashing.
+  const auto known = std::find_if(keys_.begin(), keys_.end(),
+                                  [&](const auto& entry) { return entry.first == text; });
+  if (known != keys_.end()) return known->second;
+  keys_.emplace_back(text, list_.add(text));
+  return keys_.back().second;
+}
+
+void KeyedArchiver::member(std::string_view key, Index value) {
+  members_.push_back({this->key(key), value});
+}
+
+KeyedArchiver::Index KeyedArchiver::takeMembers(std::size_t firstMember) {
+  const auto members = std::span(members_).subspan(firstMember);
+  const Index dictionary = list_.add(PropertyList::Dictionary{members});
+  members_.resize(firstMember);
+  return dictionary;
+}
+
+KeyedArchiver::Index KeyedArchiver::strings(std::initializer_list<std::string_view> texts) {
+  std::vector<Index> elements;
+  for (const std::string_view text : texts) elements.push_back(key(text));
+  return list_.add(PropertyList::Array{elements});
+}
+
+KeyedArchiver::Index KeyedArchiver::classNamed(std::string_view name) {
+  const auto known = std::find_if(classes_.begin(), classes_.end(),
+                                  [&](const auto& entry) { return entry.first == name; });
+  if (known != classes_.end()) return known->second;
+  const std::size_t first = members_.size();
+  member("$classname", key(name));
+  member("$classes", name == "NSMutableString" ? strings({name, "NSString", "NSObject"})
+                                               : strings({name, "NSObject"}));
+  classes_.emplace_back(name, add(takeMembers(first)));
+  return classes_.back().second;
+}
+
+KeyedArchiver::Index KeyedArchiver::object(std::string_view className, FunctionRef<void()> members,
+                                           const void* identity) {
+  if (identity != nullptr) {
+    const auto known = identities_.find(identity);
+    if (known != identities_.end()) return known->second;
+  }
+  const Inside inside(*this);
+  const auto [number, reference] = reserve();
+  if (identity != nullptr) identities_.emplace(identity, reference);
+  const std::size_t first = members_.size();
+  members();
+  // The format numbers a class after all that its first object holds.
+  member("$class", classNamed(className));
+  objects_[number] = takeMembers(first);
+  return reference;
+}
+
+KeyedArchiver::Index KeyedArchiver::text(std::string_view text) {
+  const auto known = texts_.find(text);
+  if (known != texts_.end()) return known->second;
+  if (!isValidUTF8(text)) throw EncodingError::invalidValue("the string is not valid UTF-8");
+  Index reference = 0;
+  if (text == "$null") {
+    // As a plain string it would be read as nil.
+    reference = object("NSMutableString", [&] { member("NS.string", list_.add(text)); });
+  } else {
+    reference = add(list_.add(text));
+  }
+  texts_.emplace(text, reference);
+  return reference;
+}
+
+KeyedArchiver::Index KeyedArchiver::url(std::string_view absoluteString) {
+  return object("NSURL", [&] {
+    member("NS.base", null());
+    member("NS.relative", text(absoluteString));
+  });
+}
+
+KeyedArchiver::Index KeyedArchiver::array(std::size_t count,
+                                          FunctionRef<Index(std::size_t i)> element) {
+  return object("NSArray", [&] {
+    std::vector<Index> elements;
+    elements.reserve(count);
+    for (std::size_t i = 0; i < count; ++i) elements.push_back(element(i));
+    member("NS.objects", list_.add(PropertyList::Array{elements}));
+  });
+}
+
+std::string KeyedArchiver::finish(Index root) {
+  member("root", root);
+  const Index top = takeMembers(0);
+  member("$version", list_.add(std::int64_t{100000}));
+  member("$archiver", key("NSKeyedArchiver"));
+  member("$top", top);
+  member("$objects", list_.add(PropertyList::Array{objects_}));
+  list_.setRoot(takeMembers(0));
+  return writeBinaryPropertyList(list_);
+}
+
+}  // namespace tavlen

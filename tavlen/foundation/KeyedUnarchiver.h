@@ -1,0 +1,87 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "tavlen/foundation/FunctionRef.h"
+#include "tavlen/foundation/PropertyList.h"
+#include "tavlen/foundation/SharedReferenceBudget.h"
+#include "tavlen/foundation/URL.h"
+
+namespace tavlen {
+
+/// Reads objects in the form of the platform's NSKeyedArchiver from a property list of either form;
+/// decodeKeyedArchive() is what records use.
+///
+/// Nothing is made by the names in the archive: the caller says what it wants, and an object of
+/// another class is an error; one of a subclass is taken. An absent key, the reference 0 and the
+/// string "$null" are nil. Errors are DecodingErrors, the path added on their way out.
+///
+/// Bounded, whatever the archive holds: `kDeepest` objects deep (which ends a cycle), and by
+/// SharedReferenceBudget.
+class KeyedUnarchiver {
+ public:
+  using Index = PropertyList::Index;
+
+  static constexpr std::size_t kDeepest = 512;
+
+  /// A row of a record's table.
+  struct Field {
+    std::string_view key;
+    void (*decode)(KeyedUnarchiver& unarchiver, Index value, void* record);
+  };
+  static constexpr std::size_t kMostFields = 64;
+
+  /// Keeps a reference to `list`. Throws dataCorrupted for what is no keyed archive.
+  explicit KeyedUnarchiver(const PropertyList& list);
+
+  /// The value that stands for the root, to be passed to the functions below.
+  Index root() const { return root_; }
+
+  /// The object that `value` refers to; nothing for nil.
+  std::optional<Index> object(Index value) const;
+
+  /// Nothing for nil. Valid as long as the list.
+  std::optional<std::string_view> text(Index value);
+  /// Nothing for nil. A URL with a base is resolved against it.
+  std::optional<URL> url(Index value);
+  /// Calls `element` with what stands for each object of an array, of which none is nil. Nil is an
+  /// empty array.
+  void elements(Index value, FunctionRef<void(Index element)> element);
+  /// Reads an object of the class `className`, a constant, into `record` by its table. The fields
+  /// of absent keys stay as they are; so do all for nil.
+  void record(Index value, std::string_view className, std::span<const Field> fields, void* record);
+
+  /// These stand under their key themselves.
+  bool boolean(Index value) const;  ///< an integer is taken, too
+  std::int64_t integer(Index value) const;
+  double real(Index value) const;
+
+  /// What was made of an object, for `type`, a mark of the caller's: null until somebody stores it.
+  std::shared_ptr<void>& made(Index object, const void* type) { return made_[{object, type}]; }
+
+ private:
+  class Inside;
+
+  /// The members of `object`, which must be of the class or a class below it.
+  std::span<const PropertyList::Member> members(Index object, std::string_view className);
+  bool isKind(Index classObject, std::string_view className);
+
+  const PropertyList& list_;
+  std::span<const Index> objects_;
+  Index root_ = 0;
+  SharedReferenceBudget budget_;
+  std::size_t depth_ = 0;
+  /// The classes that objects were found to be of, as asked for.
+  std::vector<std::pair<Index, std::string_view>> kinds_;
+  std::map<std::pair<Index, const void*>, std::shared_ptr<void>> made_;
+};
+
+}  // namespace tavlen

@@ -1,12 +1,8 @@
-#include <fcntl.h>
-#include <signal.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <cstdio>
-
 #include "HelperTest.h"
+#include "Swapper.h"
 
 namespace tavlen {
 namespace {
@@ -157,23 +153,6 @@ TEST_F(CleanupTest, FailsWithoutPermission) {
   EXPECT_EQ(status({"cleanup", tweaks("a").string(), "0"}, User::nobody), 1);
   EXPECT_EQ(everything(), before);
 }
-
-/// A process that swaps two entries as fast as it can, until it is destroyed.
-class Swapper {
- public:
-  Swapper(const fs::path& a, const fs::path& b) : child_(::fork()) {
-    while (child_ == 0) ::renameat2(AT_FDCWD, a.c_str(), AT_FDCWD, b.c_str(), RENAME_EXCHANGE);
-  }
-  ~Swapper() {
-    ::kill(child_, SIGKILL);
-    ::waitpid(child_, nullptr, 0);
-  }
-  Swapper(const Swapper&) = delete;
-  Swapper& operator=(const Swapper&) = delete;
-
- private:
-  pid_t child_;
-};
 
 TEST_F(CleanupTest, IsNotLedOutsideByLinksThatAppearMeanwhile) {
   fs::create_directory(outside() / "d");

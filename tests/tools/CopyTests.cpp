@@ -2,6 +2,7 @@
 #include <unistd.h>
 
 #include "HelperTest.h"
+#include "Swapper.h"
 
 namespace tavlen {
 namespace {
@@ -110,6 +111,17 @@ TEST_F(CopyTest, RefusesOtherPlacesAndWhatIsThere) {
         << row.source << " to " << row.destination;
     EXPECT_EQ(everything(), before) << row.source << " to " << row.destination;
   }
+}
+
+TEST_F(CopyTest, IsNotLedOutsideByLinksThatAppearMeanwhile) {
+  writeSource("a");
+  fs::create_directory(outside() / "d");
+  fs::create_directory_symlink(outside() / "d", tweaks("link"));
+  const Swapper swapper(tweaks("a.b"), tweaks("link"));
+  for (int i = 0; i < 100; ++i) {
+    (void)run({"copy", source(), tweaks("a.b/" + std::to_string(i)).string()});  // may fail
+  }
+  EXPECT_TRUE(fs::is_empty(outside() / "d"));
 }
 
 TEST_F(CopyTest, FailsWithoutPermission) {

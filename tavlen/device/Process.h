@@ -28,7 +28,8 @@ class Process {
   /// The child's identifier; nothing before a launch that succeeded.
   std::optional<pid_t> pid() const { return pid_; }
 
-  /// Throws Error::posixSpawn. Every launch is to be followed by a wait.
+  /// Throws Error::posixSpawn, with EINVAL for a NUL in the path or an argument, of which the child
+  /// would see only the beginning. Every launch is to be followed by a wait.
   void launch();
   /// Blocks until the child has ended. Returns for exit status 0 only; throws Error otherwise.
   void waitUntilExit();

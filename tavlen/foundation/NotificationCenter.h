@@ -25,7 +25,8 @@ struct Notification {
 /// Threads: any. Observers run on the posting thread, in the order of their registration, before
 /// post() returns, and no lock is held: they may post, add and remove observers. One that is added
 /// during a post is not called in it, one that is removed is not called any more. A call that runs
-/// on another thread already is not waited for.
+/// on another thread already is not waited for. What a handler throws leaves post(); the observers
+/// after it are then not called.
 class NotificationCenter {
  public:
   using Handler = std::function<void(const Notification&)>;
@@ -36,12 +37,13 @@ class NotificationCenter {
   NotificationCenter(const NotificationCenter&) = delete;
   NotificationCenter& operator=(const NotificationCenter&) = delete;
 
-  /// The one that the library posts to.
+  /// The one that the library posts to. It lives as long as the process.
   static NotificationCenter& default_();
 
   /// `handler` is called for notifications of that name, or of any, from that object, or from any.
   /// The registration stays until it is removed.
   Token addObserver(std::optional<std::string> name, const void* object, Handler handler);
+  /// Does nothing for a registration that is gone already.
   void removeObserver(Token token);
 
   void post(const Notification& notification) const;

@@ -1,0 +1,36 @@
+#include "tavlen/device/ProcessControl.h"
+
+#include <array>
+#include <charconv>
+#include <string>
+
+#include "tavlen/device/DeviceRoot.h"
+#include "tavlen/device/detail/Spawn.h"
+
+namespace tavlen {
+
+std::filesystem::path killProgram() { return DeviceRoot::shared().resolve("/bin/kill"); }
+
+std::filesystem::path killallProgram() { return DeviceRoot::shared().resolve("/usr/bin/killall"); }
+
+pid_t killProcess(const char* path, const char* argument) {
+  pid_t child = -1;
+  // Where nothing was started there is nothing to wait for: with what is then in `child`, waiting
+  // could take the status of somebody else's child.
+  if (detail::spawn(path, {path, "-9", argument}, detail::ProgramLookup::exact, child) != 0) {
+    return -1;
+  }
+  int status = 0;
+  return detail::waitForChild(child, status);
+}
+
+void killProcessWithPID(pid_t pid) {
+  if (pid < 1) return;
+  std::array<char, 16> text{};
+  std::to_chars(text.data(), text.data() + text.size() - 1, pid);
+  killProcess(killProgram().c_str(), text.data());
+}
+
+void respring() { killProcess(killallProgram().c_str(), "SpringBoard"); }
+
+}  // namespace tavlen

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <string>
+#include <vector>
+
+/// Starting children and waiting for them, for the device's programs; users of the library have
+/// Process. Threads: any.
+namespace tavlen::detail {
+
+enum class ProgramLookup {
+  exact,
+  alongPath,  ///< along PATH, for a name without a slash
+};
+
+/// Starts `path` with `arguments`, the whole vector, and the caller's environment; without file
+/// actions and attributes. The error number of the call; for 0, `child` is set and is to be waited
+/// for.
+int spawn(const char* path, const std::vector<std::string>& arguments, ProgramLookup lookup,
+          pid_t& child);
+
+/// waitpid() without options, called again when a signal interrupts it.
+pid_t waitForChild(pid_t child, int& status);
+
+}  // namespace tavlen::detail

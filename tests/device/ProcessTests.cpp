@@ -1,0 +1,168 @@
+#include "tavlen/device/Process.h"
+
+#include <gtest/gtest.h>
+#include <sys/time.h>
+#include <sys/wait.h>
+
+#include <atomic>
+#include <cerrno>
+#include <csignal>
+#include <filesystem>
+#include <string>
+#include <thread>
+
+#include "TemporaryFolder.h"
+#include "tavlen/foundation/FileReplacement.h"
+#include "tavlen/foundation/FileSystem.h"
+
+namespace tavlen {
+namespace {
+
+using namespace std::string_literals;
+
+/// What the run ends with, "" for success.
+std::string resultOf(Process& process) {
+  try {
+    process.launch();
+    process.waitUntilExit();
+  } catch (const Process::Error& error) {
+    return error.what();
+  }
+  return "";
+}
+
+std::string resultOf(const std::string& path, const std::vector<std::string>& arguments) {
+  Process process(path, arguments);
+  return resultOf(process);
+}
+
+std::string resultOfShell(const std::string& script) {
+  return resultOf("/bin/sh", {"own name", "-c", script});
+}
+
+TEST(Process, ReadsAStatusByTheDocumentedMasks) {
+  const struct {
+    int status;
+    std::string description;
+  } rows[] = {
+      {0, ""},
+      {0x0300, "terminated(3)"},
+      {0xFF00, "terminated(255)"},
+      {0x80, ""},  // the core bit alone says nothing
+      {9, "signalled(9)"},
+      {0x8B, "signalled(11)"},  // with a core
+      {0x0309, "signalled(9)"},
+      {0x7E, "signalled(126)"},
+      {0x7F, ""},  // stopped by nothing
+      {0x137F, "terminated(19)"},
+      {0xFFFF, "terminated(255)"},  // continued
+      {0x10000, ""},
+      {-1, "terminated(255)"},
+  };
+  for (const auto& row : rows) {
+    const auto error = Process::Error::ofStatus(row.status);
+    EXPECT_EQ(error ? error->description() : "", row.description) << row.status;
+  }
+}
+
+TEST(Process, TellsHowAChildEnds) {
+  EXPECT_EQ(resultOfShell("exit 0"), "");
+  EXPECT_EQ(resultOfShell("exit 3"), "terminated(3)");
+  EXPECT_EQ(resultOfShell("kill -9 $$"), "signalled(9)");
+  EXPECT_EQ(resultOfShell("test \"$0\" = 'own name'"), "");
+  EXPECT_EQ(resultOf("sh", {"sh", "-c", "exit 4"}), "terminated(4)");  // along PATH
+  EXPECT_EQ(resultOf("true", {}), "");                                 // a vector of the null only
+
+  const std::string missing = "posixSpawn(" + std::to_string(ENOENT) + ")";
+  EXPECT_EQ(resultOf("/nowhere/program", {"program"}), missing);
+  EXPECT_EQ(resultOf("no-program-of-that-name", {"x"}), missing);
+  EXPECT_EQ(resultOf("", {"x"}), missing);
+  EXPECT_EQ(resultOf("/", {"x"}), "posixSpawn(" + std::to_string(EACCES) + ")");
+  const std::string invalid = "posixSpawn(" + std::to_string(EINVAL) + ")";
+  EXPECT_EQ(resultOf("true", {"true", "a\0b"s}), invalid);
+  EXPECT_EQ(resultOf("true\0x"s, {"true"}), invalid);
+}
+
+TEST(Process, KnowsItsChild) {
+  Process fresh("true", {"true"});
+  EXPECT_FALSE(fresh.pid());
+  try {
+    fresh.waitUntilExit();
+    ADD_FAILURE() << "waited for nothing";
+  } catch (const Process::Error& error) {
+    EXPECT_EQ(error, Process::Error::notLaunched());
+    EXPECT_EQ(error.description(), "notLaunched");
+  }
+  EXPECT_EQ(resultOf(fresh), "");
+  EXPECT_GT(fresh.pid().value_or(0), 1);
+  EXPECT_THROW(fresh.waitUntilExit(), Process::Error);  // its status was taken
+
+  Process missing("/nowhere", {"nowhere"});
+  EXPECT_THROW(missing.launch(), Process::Error);
+  EXPECT_FALSE(missing.pid());
+}
+
+TEST(Process, WaitsOnWhenSignalsInterrupt) {
+  static std::atomic<int> signals;
+  signals = 0;
+  struct sigaction former {};
+  struct sigaction action {};
+  action.sa_handler = [](int) { ++signals; };  // without SA_RESTART
+  ASSERT_EQ(sigaction(SIGALRM, &action, &former), 0);
+  const itimerval often = {{0, 5'000}, {0, 5'000}};
+  const itimerval never = {};
+  setitimer(ITIMER_REAL, &often, nullptr);
+  EXPECT_EQ(resultOfShell("sleep 0.2; exit 5"), "terminated(5)");
+  setitimer(ITIMER_REAL, &never, nullptr);
+  sigaction(SIGALRM, &former, nullptr);
+  EXPECT_GT(signals, 1);
+}
+
+std::size_t openDescriptors() {
+  using Iterator = std::filesystem::directory_iterator;
+  return static_cast<std::size_t>(std::distance(Iterator("/proc/self/fd"), Iterator()));
+}
+
+TEST(Process, LeavesNothingBehindAfterManyRuns) {
+  constexpr int kRuns = 10'000;
+  const std::size_t before = openDescriptors();
+  int failed = 0;
+  for (int i = 0; i < kRuns; ++i) {
+    switch (i % 4) {
+      case 0:
+        failed += resultOf("/nowhere/program", {"program"}).empty() ? 0 : 1;
+        break;
+      case 1:
+        failed += resultOf("false", {"false"}).empty() ? 0 : 1;
+        break;
+      default:
+        EXPECT_EQ(resultOf("/bin/true", {"true"}), "");
+    }
+  }
+  EXPECT_EQ(failed, kRuns / 2);
+  EXPECT_EQ(openDescriptors(), before);
+  EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
+  EXPECT_EQ(errno, ECHILD) << "a child was not waited for";
+}
+
+TEST(Process, PassesNoDescriptorsOfTheLibraryOn) {
+  // The exit status is the number of the child's descriptors, its own among them.
+  const std::string count = "set -- /proc/self/fd/*; exit $#";
+  const std::string alone = resultOfShell(count);
+  const TemporaryFolder folder;
+  const std::filesystem::path file = folder.write("f", std::string(100'000, 'x'));
+  std::atomic<bool> isOver = false;
+  const auto worker = [&] {
+    while (!isOver) {
+      replaceFile(file, readFile(file));
+      (void)pathInside(folder.path(), "f");
+    }
+  };
+  std::thread workers[] = {std::thread(worker), std::thread(worker)};
+  for (int i = 0; i < 300; ++i) EXPECT_EQ(resultOfShell(count), alone);
+  isOver = true;
+  for (std::thread& thread : workers) thread.join();
+}
+
+}  // namespace
+}  // namespace tavlen

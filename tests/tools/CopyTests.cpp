@@ -1,0 +1,144 @@
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "HelperTest.h"
+#include "Swapper.h"
+
+namespace tavlen {
+namespace {
+
+namespace fs = std::filesystem;
+
+class CopyTest : public HelperTest {
+ protected:
+  CopyTest() { fs::create_directory(tweaks("a.b")); }
+
+  std::string source() const { return (outside() / "x.bundle").string(); }
+  std::string destination() const { return tweaks("a.b/x.bundle").string(); }
+  void writeSource(const std::string& name, int mode = 0644) const {
+    const fs::path file = outside() / "x.bundle" / name;
+    fs::create_directories(file.parent_path());
+    std::ofstream(file) << name;
+    fs::permissions(file, fs::perms(mode));
+  }
+};
+
+TEST_F(CopyTest, KeepsContentsAndPermissions) {
+  writeSource("code.js");
+  writeSource("Executables/run", 0755);
+  writeSource("Resources/large", 0600);
+  std::ofstream(outside() / "x.bundle/Resources/large") << std::string(300'000, 'y');
+  fs::create_directory(outside() / "x.bundle/empty");
+  fs::permissions(outside() / "x.bundle/Resources", fs::perms(0555));
+  EXPECT_EQ(status({"copy", source(), destination()}), 0);
+  EXPECT_EQ(contents(destination()), contents(source()));
+  EXPECT_EQ(fs::file_size(destination() + "/Resources/large"), 300'000U);
+  fs::permissions(outside() / "x.bundle/Resources", fs::perms(0755));
+
+  writeSource("run", 06755);
+  const std::string file = tweaks("run").string();
+  EXPECT_EQ(status({"copy", source() + "/run", file}), 0);
+  EXPECT_EQ(fs::status(file).permissions(), fs::perms(0755)) << "rights were lent";
+}
+
+TEST_F(CopyTest, LeavesNothingOfWhatFails) {
+  writeSource("a");
+  writeTweak("there");
+  const fs::path inside = outside() / "x.bundle";
+  const struct {
+    std::string name;
+    void (*make)(const fs::path& folder);
+  } rows[] = {
+      {"a link to a file", [](const fs::path& f) { fs::create_symlink("a", f / "z"); }},
+      {"a link to a folder",
+       [](const fs::path& f) { fs::create_directory_symlink("/etc", f / "z"); }},
+      {"a link to nothing", [](const fs::path& f) { fs::create_symlink("b", f / "z"); }},
+      {"a pipe", [](const fs::path& f) { ASSERT_EQ(::mkfifo((f / "z").c_str(), 0600), 0); }},
+      {"too deep",
+       [](const fs::path& f) {
+         fs::path deepest = f;
+         for (int i = 1; i < 65; ++i) deepest /= "z";
+         fs::create_directories(deepest);
+       }},
+  };
+  const std::string before = contents(root());
+  for (const auto& row : rows) {
+    row.make(inside);
+    EXPECT_EQ(status({"copy", source(), destination()}), 1) << row.name;
+    EXPECT_EQ(contents(root()), before) << row.name;
+    fs::remove_all(inside / "z");
+  }
+  EXPECT_EQ(status({"copy", source(), destination()}), 0);
+}
+
+TEST_F(CopyTest, RefusesOtherPlacesAndWhatIsThere) {
+  writeSource("a");
+  writeTweak("there/f", "old");
+  fs::create_directory_symlink(outside(), tweaks("link"));
+  fs::create_symlink("nothing", tweaks("dangling"));
+  fs::create_symlink("x.bundle", outside() / "sourceLink");
+  const std::string folder = tweaks().string();
+  const std::string outer = outside().string();
+  const struct {
+    std::string source, destination;
+  } rows[] = {
+      {source(), folder},
+      {source(), folder + "/there"},
+      {source(), folder + "/there/f"},
+      {source() + "/a", folder + "/there/f"},
+      {source() + "/a", folder + "/dangling"},
+      {source(), folder + "/link"},
+      {source(), folder + "/link/x"},
+      {source(), folder + "/missing/x"},
+      {source(), folder + "/there/.."},
+      {source(), folder + "/../x"},
+      {source(), outer + "/y"},
+      {source(), "/x.bundle"},
+      {source(), "x"},
+      {source(), ""},
+      {"x.bundle", folder + "/x"},
+      {"", folder + "/x"},
+      {outer + "/missing", folder + "/x"},
+      {outer + "/sourceLink", folder + "/x"},
+      {outer + "/sourceLink/", folder + "/x"},
+      {"/dev/zero", folder + "/x"},
+      {folder, folder + "/x"},
+      {folder + "/there", folder + "/there/x"},
+  };
+  const std::string before = everything();
+  for (const auto& row : rows) {
+    EXPECT_EQ(status({"copy", row.source, row.destination}), 1)
+        << row.source << " to " << row.destination;
+    EXPECT_EQ(everything(), before) << row.source << " to " << row.destination;
+  }
+}
+
+TEST_F(CopyTest, IsNotLedOutsideByLinksThatAppearMeanwhile) {
+  writeSource("a");
+  fs::create_directory(outside() / "d");
+  fs::create_directory_symlink(outside() / "d", tweaks("link"));
+  const Swapper swapper(tweaks("a.b"), tweaks("link"));
+  for (int i = 0; i < 100; ++i) {
+    (void)run({"copy", source(), tweaks("a.b/" + std::to_string(i)).string()});  // may fail
+  }
+  EXPECT_TRUE(fs::is_empty(outside() / "d"));
+}
+
+TEST_F(CopyTest, FailsWithoutPermission) {
+  if (::geteuid() != 0) GTEST_SKIP() << "needs another user than the folders' owner";
+  writeSource("a");
+  EXPECT_EQ(status({"copy", source(), destination()}, User::nobody), 1);
+  fs::permissions(tweaks("a.b"), fs::perms(0777));
+  writeSource("secret", 0600);
+  EXPECT_EQ(status({"copy", source(), destination()}, User::nobody), 1);
+  EXPECT_TRUE(fs::is_empty(tweaks("a.b")));
+  fs::remove(outside() / "x.bundle/secret");
+  writeSource("closed/f");
+  fs::permissions(outside() / "x.bundle/closed", fs::perms(0555));
+  EXPECT_EQ(status({"copy", source(), destination()}, User::nobody), 0);
+  EXPECT_EQ(status({"cleanup", tweaks("a.b").string(), "1"}, User::nobody), 0);
+  EXPECT_TRUE(fs::is_empty(tweaks("a.b")));
+}
+
+}  // namespace
+}  // namespace tavlen

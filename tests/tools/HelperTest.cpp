@@ -1,0 +1,98 @@
+#include "HelperTest.h"
+
+#include <fcntl.h>
+#include <grp.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <set>
+#include <sstream>
+
+#include "tavlen/foundation/FileSystem.h"
+
+namespace tavlen {
+
+namespace {
+
+constexpr const char* kTweaks =
+    "var/mobile/Library/Application Support/Marrowgleam/Installed Tweaks";
+constexpr int kNotStarted = 127;
+
+void becomeNobody() {
+  constexpr uid_t kNobody = 65534;
+  if (::geteuid() != 0) return;  // has no more rights than anybody
+  if (::setgroups(0, nullptr) != 0 || ::setgid(kNobody) != 0 || ::setuid(kNobody) != 0) {
+    ::_exit(kNotStarted);
+  }
+}
+
+}  // namespace
+
+HelperTest::HelperTest() : rootVariable_(root_.path().string()) {
+  std::filesystem::create_directories(tweaks());
+  for (const std::filesystem::path& folder : {root_.path(), outside_.path()}) {
+    std::filesystem::permissions(folder, std::filesystem::perms(0755));
+  }
+}
+
+std::filesystem::path HelperTest::tweaks(const std::string& name) const {
+  return name.empty() ? root() / kTweaks : root() / kTweaks / name;
+}
+
+void HelperTest::writeTweak(const std::string& name, std::string_view bytes) const {
+  write(std::string(kTweaks) + "/" + name, bytes);
+}
+
+HelperTest::Result HelperTest::run(const std::vector<std::string>& words, User user) const {
+  std::vector<std::string> copies = {TAVLEN_FILE_OPERATIONS};
+  copies.insert(copies.end(), words.begin(), words.end());
+  std::vector<char*> arguments;
+  for (std::string& word : copies) arguments.push_back(word.data());
+  arguments.push_back(nullptr);
+  const std::string messages = (messages_.path() / "err").string();
+  // By its descriptor, because nobody may not get through to the folder where it was built.
+  const int program = ::open(TAVLEN_FILE_OPERATIONS, O_RDONLY | O_CLOEXEC);
+  const pid_t child = ::fork();
+  if (child == 0) {
+    ::dup2(::open(messages.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600), 2);
+    ::setenv("TAVLEN_ROOT", rootVariable_.c_str(), 1);
+    if (user == User::nobody) becomeNobody();
+    ::fexecve(program, arguments.data(), environ);
+    ::_exit(kNotStarted);
+  }
+  ::close(program);
+  int status = 0;
+  EXPECT_EQ(::waitpid(child, &status, 0), child);
+  return {WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status), readFile(messages)};
+}
+
+int HelperTest::status(const std::vector<std::string>& words, User user) const {
+  const Result result = run(words, user);
+  if (result.status != 0) RecordProperty("message", result.err);
+  EXPECT_EQ(result.err.empty(), result.status == 0) << result.err;
+  return result.status;
+}
+
+std::string HelperTest::contents(const std::filesystem::path& folder) {
+  std::set<std::string> lines;
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
+    std::ostringstream line;
+    const auto status = entry.symlink_status();
+    line << entry.path().lexically_relative(folder).string() << " " << std::oct
+         << static_cast<int>(status.permissions());
+    if (entry.is_symlink()) {
+      line << " -> " << std::filesystem::read_symlink(entry.path()).string();
+    } else if (entry.is_regular_file() && entry.file_size() < 10'000) {
+      line << " \"" << readFile(entry.path()) << '"';
+    } else if (entry.is_directory()) {
+      line << "/";
+    }
+    lines.insert(line.str() + "\n");
+  }
+  std::string text;
+  for (const std::string& line : lines) text += line;
+  return text;
+}
+
+}  // namespace tavlen

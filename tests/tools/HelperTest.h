@@ -1,0 +1,48 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "TemporaryFolder.h"
+
+namespace tavlen {
+
+/// Runs the file-operations helper on a device tree of the test's own.
+class HelperTest : public testing::Test {
+ protected:
+  enum class User { same, nobody };
+  struct Result {
+    int status;  ///< the exit status, or minus the signal that ended it
+    std::string err;
+  };
+
+  HelperTest();
+
+  Result run(const std::vector<std::string>& words, User user = User::same) const;
+  /// The exit status alone; what the helper said is shown where the test fails.
+  int status(const std::vector<std::string>& words, User user = User::same) const;
+  void setRoot(const std::string& root) { rootVariable_ = root; }
+
+  const std::filesystem::path& root() const { return root_.path(); }
+  /// A folder beside the root, which nobody may touch.
+  const std::filesystem::path& outside() const { return outside_.path(); }
+  /// The folder of installed tweaks, or what lies in it.
+  std::filesystem::path tweaks(const std::string& name = "") const;
+  void write(const std::string& name, std::string_view bytes) const { root_.write(name, bytes); }
+  void writeTweak(const std::string& name, std::string_view bytes = "x") const;
+
+  /// Everything below `folder`: names, kinds, permissions, contents.
+  static std::string contents(const std::filesystem::path& folder);
+  std::string everything() const { return contents(root()) + "outside:\n" + contents(outside()); }
+
+ private:
+  TemporaryFolder root_;
+  TemporaryFolder outside_;
+  TemporaryFolder messages_;
+  std::string rootVariable_;
+};
+
+}  // namespace tavlen

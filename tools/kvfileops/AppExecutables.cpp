@@ -1,0 +1,86 @@
+#include "kvfileops/AppExecutables.h"
+
+#include <exception>
+#include <optional>
+#include <utility>
+
+#include "kvfileops/DeviceFolder.h"
+#include "kvfileops/FileHead.h"
+#include "kvfileops/FolderReader.h"
+#include "tavlen/foundation/FileSystem.h"
+#include "tavlen/foundation/Log.h"
+#include "tavlen/foundation/PropertyListSerialization.h"
+
+namespace tavlen::fileops {
+
+namespace {
+
+/// Larger than any list of an app; a file of another's making may have any size.
+constexpr std::size_t kLargestList = std::size_t{4} << 20;
+
+class Search {
+ public:
+  explicit Search(const std::string& bundleID) : bundleID_(bundleID) {}
+
+  /// Looks at the apps in the folder `name`, and at those in its folders where it holds containers.
+  void lookInto(int parent, const std::string& name, const std::filesystem::path& shown,
+                bool holdsContainers) {
+    std::optional<Descriptor> folder = openFolder(parent, name, shown);
+    if (!folder) return;
+    FolderReader reader(std::move(*folder), shown);
+    while (const std::optional<std::string> entry = reader.next()) {
+      try {
+        if (holdsContainers) {
+          lookInto(reader.descriptor(), *entry, shown / *entry, false);
+        } else if (entry->ends_with(".app")) {
+          readApp(reader.descriptor(), *entry, shown / *entry);
+        }
+      } catch (const std::exception& error) {
+        logMessage("kvfileops: passed over: " + (shown / *entry).string() + ": " + error.what());
+      }
+    }
+  }
+
+  std::set<std::string> takeExecutables() { return std::move(executables_); }
+
+ private:
+  void readApp(int parent, const std::string& name, const std::filesystem::path& shown) {
+    const std::optional<Descriptor> app = openFolder(parent, name, shown);
+    if (!app) return;
+    const auto file = openRegularFile(app->get(), "Info.plist", shown / "Info.plist");
+    if (!file) return;
+    // A longer one is cut off, and then no list.
+    const PropertyList list = readPropertyList(headOfFile(file->get(), kLargestList, shown));
+    const std::string* identifier = text(list, "CFBundleIdentifier");
+    const std::string* executable = text(list, "CFBundleExecutable");
+    if (identifier == nullptr || *identifier != bundleID_) return;
+    if (executable != nullptr && isPlainComponent(*executable)) executables_.insert(*executable);
+  }
+
+  static const std::string* text(const PropertyList& list, std::string_view key) {
+    const auto value = list.find(list.root(), key);
+    return value ? list.get<std::string>(*value) : nullptr;
+  }
+
+  const std::string& bundleID_;
+  std::set<std::string> executables_;
+};
+
+void search(Search& search, const DeviceRoot& root, std::string_view devicePath,
+            bool holdsContainers) {
+  const DeviceFolder folder(root, devicePath);
+  if (const auto opened = folder.open()) {
+    search.lookInto(opened->get(), ".", folder.path(), holdsContainers);
+  }
+}
+
+}  // namespace
+
+std::set<std::string> executablesOfApp(const DeviceRoot& root, const std::string& bundleID) {
+  Search apps(bundleID);
+  search(apps, root, "/Applications", false);
+  search(apps, root, "/var/containers/Bundle/Application", true);
+  return apps.takeExecutables();
+}
+
+}  // namespace tavlen::fileops

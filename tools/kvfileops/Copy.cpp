@@ -1,0 +1,130 @@
+#include "kvfileops/Copy.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <limits>
+#include <optional>
+#include <utility>
+
+#include "kvfileops/CallerRights.h"
+#include "kvfileops/DeviceFolder.h"
+#include "kvfileops/Failure.h"
+#include "kvfileops/FileCopy.h"
+#include "kvfileops/FolderReader.h"
+#include "kvfileops/TreeRemoval.h"
+#include "tavlen/device/DevicePaths.h"
+
+namespace tavlen::fileops {
+
+namespace {
+
+struct Entry {
+  int folder;  ///< opened, or AT_FDCWD
+  std::string name;
+  std::filesystem::path shown;
+
+  Entry in(const FolderReader& reader, const std::string& entry) const {
+    return {reader.descriptor(), entry, shown / entry};
+  }
+};
+
+struct stat statusOf(int descriptor, const std::filesystem::path& shown) {
+  struct stat status {};
+  if (::fstat(descriptor, &status) != 0) fail(errno, shown);
+  return status;
+}
+
+void setPermissions(int descriptor, mode_t mode, const std::filesystem::path& shown) {
+  if (::fchmod(descriptor, mode & 0777) != 0) fail(errno, shown);
+}
+
+class TreeCopy {
+ public:
+  explicit TreeCopy(Entry destination) : destination_(std::move(destination)) {}
+
+  void run(const Entry& source) {
+    try {
+      copyEntry(source, destination_, 1);
+    } catch (...) {
+      if (isMade_) removeEntry(destination_.folder, destination_.name, destination_.shown);
+      throw;
+    }
+  }
+
+ private:
+  void copyEntry(const Entry& source, const Entry& destination, int depth) {
+    std::optional<Descriptor> folder;
+    std::optional<Descriptor> file;
+    {
+      const CallerRights rights;
+      folder = openFolder(source.folder, source.name, source.shown);
+      if (!folder) file = openRegularFile(source.folder, source.name, source.shown);
+    }
+    if (folder) {
+      copyFolder(std::move(*folder), source, destination, depth);
+    } else if (file) {
+      copyFile(*file, source, destination);
+    } else {
+      throw Refusal(source.shown, "is neither a file nor a folder; links are not copied");
+    }
+  }
+
+  void copyFile(const Descriptor& from, const Entry& source, const Entry& destination) {
+    Descriptor to(::openat(destination.folder, destination.name.c_str(),
+                           O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
+    if (to.get() < 0) fail(errno, destination.shown);
+    isMade_ = true;
+    copyBytes(from.get(), to.get(), std::numeric_limits<std::uint64_t>::max(), source.shown);
+    setPermissions(to.get(), statusOf(from.get(), source.shown).st_mode, destination.shown);
+    // Some file systems report a failed write only here.
+    if (::close(to.release()) != 0 && errno != EINTR) fail(errno, destination.shown);
+  }
+
+  void copyFolder(Descriptor from, const Entry& source, const Entry& destination, int depth) {
+    if (depth > kDeepestFolder) throw Refusal(source.shown, "folders are nested too deeply");
+    const struct stat status = statusOf(from.get(), source.shown);
+    if (isCopy(status)) throw Refusal(source.shown, "holds the copy itself");
+    if (::mkdirat(destination.folder, destination.name.c_str(), S_IRWXU) != 0) {
+      fail(errno, destination.shown);
+    }
+    isMade_ = true;
+    std::optional<Descriptor> to =
+        openFolder(destination.folder, destination.name, destination.shown);
+    if (!to) fail(ENOTDIR, destination.shown);
+    if (depth == 1) copy_ = statusOf(to->get(), destination.shown);
+    FolderReader reader(std::move(from), source.shown);
+    while (const std::optional<std::string> name = reader.next()) {
+      copyEntry(source.in(reader, *name), {to->get(), *name, destination.shown / *name}, depth + 1);
+    }
+    setPermissions(to->get(), status.st_mode, destination.shown);
+  }
+
+  bool isCopy(const struct stat& status) const {
+    return copy_ && copy_->st_dev == status.st_dev && copy_->st_ino == status.st_ino;
+  }
+
+  Entry destination_;
+  bool isMade_ = false;              ///< and therefore ours to remove
+  std::optional<struct stat> copy_;  ///< the topmost folder that was made
+};
+
+}  // namespace
+
+void copy(const DeviceRoot& root, const std::filesystem::path& source,
+          const std::filesystem::path& destination) {
+  if (!source.is_absolute()) throw Refusal(source, "is no absolute path");
+  const DeviceFolder tweaks(root, kInstalledTweaksDir);
+  const std::filesystem::path place = tweaks.relativePath(destination);
+  std::optional<Descriptor> folder = tweaks.open();
+  if (!folder) fail(ENOENT, tweaks.path());
+  const Descriptor parent = descend(std::move(*folder), place.parent_path(), destination);
+  // A slash at its end would have a link followed.
+  std::string from = source.string();
+  while (from.size() > 1 && from.back() == '/') from.pop_back();
+  TreeCopy({parent.get(), place.filename().string(), destination}).run({AT_FDCWD, from, source});
+}
+
+}  // namespace tavlen::fileops

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <unistd.h>
+
+#include <utility>
+
+namespace tavlen::fileops {
+
+/// Owns an open file descriptor.
+class Descriptor {
+ public:
+  explicit Descriptor(int value) : value_(value) {}
+  Descriptor(Descriptor&& other) noexcept : value_(other.release()) {}
+  Descriptor& operator=(Descriptor&& other) noexcept {
+    std::swap(value_, other.value_);
+    return *this;
+  }
+  Descriptor(const Descriptor&) = delete;
+  Descriptor& operator=(const Descriptor&) = delete;
+  ~Descriptor() {
+    if (value_ >= 0) ::close(value_);
+  }
+
+  int get() const { return value_; }
+  int release() { return std::exchange(value_, -1); }
+
+ private:
+  int value_;
+};
+
+}  // namespace tavlen::fileops

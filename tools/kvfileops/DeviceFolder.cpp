@@ -1,0 +1,112 @@
+#include "kvfileops/DeviceFolder.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <system_error>
+
+#include "kvfileops/Failure.h"
+#include "tavlen/foundation/FileSystem.h"
+
+namespace tavlen::fileops {
+
+namespace {
+
+/// For going through it only: it need not be readable.
+constexpr int kPassage = O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
+
+/// `path` as seen from `folder`; nothing where it lies elsewhere. Both are free of links and dots.
+std::optional<std::filesystem::path> pathFrom(const std::filesystem::path& folder,
+                                              const std::filesystem::path& path) {
+  auto [inFolder, rest] = std::mismatch(folder.begin(), folder.end(), path.begin(), path.end());
+  if (inFolder != folder.end()) return std::nullopt;
+  std::filesystem::path relative;
+  for (; rest != path.end(); ++rest) relative /= *rest;
+  return relative;
+}
+
+std::filesystem::path withoutSlashAtEnd(const std::filesystem::path& path) {
+  std::string text = path.string();
+  while (text.size() > 1 && text.back() == '/') text.pop_back();
+  return text;
+}
+
+Descriptor openRoot(const std::filesystem::path& root) {
+  Descriptor folder(::open(root.c_str(), kPassage));
+  if (folder.get() < 0) fail(errno, root);
+  return folder;
+}
+
+}  // namespace
+
+DeviceRoot rootFromEnvironment() {
+  const char* text = ::secure_getenv("TAVLEN_ROOT");
+  if (text == nullptr || *text == '\0') return DeviceRoot();
+  const std::filesystem::path root(text);
+  std::error_code ignored;
+  if (!root.is_absolute() || !std::filesystem::is_directory(root, ignored)) {
+    throw Refusal(root, "TAVLEN_ROOT is to be the absolute path of a folder");
+  }
+  return DeviceRoot(root);
+}
+
+DeviceFolder::DeviceFolder(const DeviceRoot& root, std::string_view devicePath)
+    : root_(std::filesystem::canonical(root.url())),
+      path_(std::filesystem::weakly_canonical(root.resolve(devicePath))) {
+  if (!pathFrom(root_, path_)) throw Refusal(path_, "lies outside the root, " + root_.string());
+}
+
+std::optional<Descriptor> DeviceFolder::open() const {
+  std::error_code error;
+  if (!std::filesystem::exists(path_, error) && !error) return std::nullopt;
+  return descend(openRoot(root_), *pathFrom(root_, path_), path_);
+}
+
+Descriptor DeviceFolder::make() const {
+  Descriptor folder = openRoot(root_);
+  const std::filesystem::path relative = *pathFrom(root_, path_);
+  for (const std::filesystem::path& component : relative) {
+    folder = makeFolder(folder.get(), component.string(), path_);
+  }
+  return folder;
+}
+
+std::filesystem::path DeviceFolder::relativePath(const std::filesystem::path& path) const {
+  const std::filesystem::path entry = withoutSlashAtEnd(path);
+  const std::string name = entry.filename().string();
+  if (!entry.is_absolute() || !isPlainComponent(name)) {
+    throw Refusal(path, "is no absolute path of an entry");
+  }
+  const auto folder = pathFrom(path_, std::filesystem::weakly_canonical(entry.parent_path()));
+  if (!folder) throw Refusal(path, "does not lie below " + path_.string());
+  return *folder / name;
+}
+
+Descriptor descend(Descriptor from, const std::filesystem::path& relative,
+                   const std::filesystem::path& shown) {
+  for (const std::filesystem::path& component : relative) {
+    Descriptor next(::openat(from.get(), component.c_str(), kPassage));
+    if (next.get() < 0) fail(errno, shown);
+    from = std::move(next);
+  }
+  return from;
+}
+
+Descriptor makeFolder(int parent, const std::string& name, const std::filesystem::path& shown) {
+  const bool isNew = ::mkdirat(parent, name.c_str(), 0755) == 0;
+  if (!isNew && errno != EEXIST) fail(errno, shown);
+  Descriptor folder(::openat(parent, name.c_str(), kPassage));
+  if (folder.get() < 0) fail(errno, shown);
+  // The caller, who may have fewer rights than this program, is to write there.
+  if (isNew && ::geteuid() != ::getuid() &&
+      ::fchownat(folder.get(), "", ::getuid(), ::getgid(), AT_EMPTY_PATH) != 0) {
+    fail(errno, shown);
+  }
+  return folder;
+}
+
+}  // namespace tavlen::fileops

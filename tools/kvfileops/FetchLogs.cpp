@@ -1,0 +1,105 @@
+#include "kvfileops/FetchLogs.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <optional>
+#include <utility>
+
+#include "kvfileops/AppExecutables.h"
+#include "kvfileops/CallerRights.h"
+#include "kvfileops/CrashLog.h"
+#include "kvfileops/DeviceFolder.h"
+#include "kvfileops/Failure.h"
+#include "kvfileops/FileCopy.h"
+#include "kvfileops/FileHead.h"
+#include "kvfileops/FolderReader.h"
+#include "tavlen/device/DevicePaths.h"
+#include "tavlen/foundation/FileSystem.h"
+#include "tavlen/foundation/Log.h"
+
+namespace tavlen::fileops {
+
+namespace {
+
+constexpr std::uint64_t kLargestLog = std::uint64_t{64} << 20;
+/// A header has some hundred bytes.
+constexpr std::size_t kHeadSize = std::size_t{64} << 10;
+
+Descriptor openDestination(const std::filesystem::path& destination) {
+  if (!destination.is_absolute()) throw Refusal(destination, "is no absolute path");
+  const CallerRights rights;
+  Descriptor folder(::open(destination.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+  if (folder.get() < 0) fail(errno, destination);
+  return folder;
+}
+
+class LogCopy {
+ public:
+  LogCopy(CrashLogSubject subject, Descriptor folder, std::filesystem::path shown)
+      : subject_(std::move(subject)), folder_(std::move(folder)), shown_(std::move(shown)) {}
+
+  void copyIfAbout(const FolderReader& logs, const std::string& name) const {
+    const std::filesystem::path shown = logs.path() / name;
+    const std::optional<Descriptor> log = openRegularFile(logs.descriptor(), name, shown);
+    if (!log) return;
+    if (!isNamedAfter(subject_, name) &&
+        !isAbout(subject_, headOfFile(log->get(), kHeadSize, shown))) {
+      return;
+    }
+    const std::optional<Descriptor> copy = makeFile(name);
+    if (!copy) return;
+    try {
+      copyBytes(log->get(), copy->get(), kLargestLog, shown);
+    } catch (...) {
+      const CallerRights rights;
+      (void)::unlinkat(folder_.get(), name.c_str(), 0);
+      throw;
+    }
+  }
+
+ private:
+  /// Nothing where there is one.
+  std::optional<Descriptor> makeFile(const std::string& name) const {
+    const CallerRights rights;
+    Descriptor file(::openat(folder_.get(), name.c_str(),
+                             O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0644));
+    if (file.get() >= 0) return file;
+    if (errno == EEXIST) return std::nullopt;
+    fail(errno, shown_ / name);
+  }
+
+  CrashLogSubject subject_;
+  Descriptor folder_;
+  std::filesystem::path shown_;
+};
+
+}  // namespace
+
+bool fetchLogs(const DeviceRoot& root, const std::string& bundleID,
+               const std::filesystem::path& destination) {
+  if (!isPlainComponent(bundleID)) throw Refusal(bundleID, "is no bundle identifier");
+  Descriptor target = openDestination(destination);
+  const DeviceFolder folder(root, kCrashReporterDir);
+  const std::optional<Descriptor> passage = folder.open();
+  if (!passage) return true;  // nothing has crashed yet
+  std::optional<Descriptor> logs = openFolder(passage->get(), ".", folder.path());
+  if (!logs) fail(ENOTDIR, folder.path());
+
+  const LogCopy copy({bundleID, executablesOfApp(root, bundleID)}, std::move(target), destination);
+  bool isComplete = true;
+  FolderReader reader(std::move(*logs), folder.path());
+  while (const std::optional<std::string> name = reader.next()) {
+    if (!isCrashLogName(*name)) continue;
+    try {
+      copy.copyIfAbout(reader, *name);
+    } catch (const std::system_error& error) {
+      logMessage(std::string("kvfileops: ") + error.what());
+      isComplete = false;
+    }
+  }
+  return isComplete;
+}
+
+}  // namespace tavlen::fileops

@@ -1,0 +1,58 @@
+#include "kvfileops/TreeRemoval.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <optional>
+
+#include "kvfileops/Failure.h"
+#include "kvfileops/FolderReader.h"
+
+namespace tavlen::fileops {
+
+namespace {
+
+void unlink(int parent, const std::string& name, int flags, const std::filesystem::path& shown) {
+  if (::unlinkat(parent, name.c_str(), flags) != 0 && errno != ENOENT) fail(errno, shown);
+}
+
+/// A folder that was copied with its permissions may be closed to its owner, too.
+void makeWritable(int folder) {
+  struct stat status {};
+  if (::fstat(folder, &status) == 0 && (status.st_mode & S_IRWXU) != S_IRWXU) {
+    (void)::fchmod(folder, (status.st_mode & 07777) | S_IRWXU);  // removing tells what is wrong
+  }
+}
+
+/// Whether a folder stood there.
+bool emptyFolder(int parent, const std::string& name, const std::filesystem::path& shown,
+                 int depth) {
+  if (depth > kDeepestFolder) throw Refusal(shown, "folders are nested too deeply");
+  std::optional<Descriptor> folder = openFolder(parent, name, shown);
+  if (!folder) return false;
+  makeWritable(folder->get());
+  FolderReader reader(std::move(*folder), shown);
+  constexpr std::size_t kBatch = 1024;  // whatever the folder holds, memory stays bounded
+  for (auto names = reader.first(kBatch); !names.empty(); names = reader.first(kBatch)) {
+    for (const std::string& entry : names) {
+      const bool isFolder = emptyFolder(reader.descriptor(), entry, shown / entry, depth + 1);
+      unlink(reader.descriptor(), entry, isFolder ? AT_REMOVEDIR : 0, shown / entry);
+    }
+  }
+  return true;
+}
+
+}  // namespace
+
+void removeEntry(int parent, const std::string& name, const std::filesystem::path& shown) {
+  const bool isFolder = emptyFolder(parent, name, shown, 1);
+  unlink(parent, name, isFolder ? AT_REMOVEDIR : 0, shown);
+}
+
+bool emptyFolder(int parent, const std::string& name, const std::filesystem::path& shown) {
+  return emptyFolder(parent, name, shown, 1);
+}
+
+}  // namespace tavlen::fileops

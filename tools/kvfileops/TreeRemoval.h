@@ -1,0 +1,20 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+namespace tavlen::fileops {
+
+/// How many folders may be nested in what is removed or copied: each keeps a descriptor or two
+/// open.
+inline constexpr int kDeepestFolder = 64;
+
+/// Removes the entry `name` of the opened folder `parent`, a folder with all that is in it. Follows
+/// no link: links themselves are removed. What is missing counts as removed. `shown` names the
+/// entry in errors: std::system_error, Refusal for folders that are nested too deeply.
+void removeEntry(int parent, const std::string& name, const std::filesystem::path& shown);
+
+/// Empties the folder `name`. False where no folder stands there.
+bool emptyFolder(int parent, const std::string& name, const std::filesystem::path& shown);
+
+}  // namespace tavlen::fileops

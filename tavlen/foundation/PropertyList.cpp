@@ -73,6 +73,11 @@ std::optional<PropertyList::Index> PropertyList::find(Index index, std::string_v
   return found->value;
 }
 
+std::optional<std::string_view> PropertyList::findString(Index index, std::string_view key) const {
+  const std::optional<Index> value = find(index, key);
+  return value ? get<std::string_view>(*value) : std::nullopt;
+}
+
 std::optional<std::int64_t> PropertyList::integer(Index index) const {
   if (const auto value = get<std::int64_t>(index)) return value;
   const auto value = get<std::uint64_t>(index);

@@ -100,6 +100,9 @@ class PropertyList {
   /// is none, or no dictionary.
   std::optional<Index> find(Index index, std::string_view key) const;
 
+  /// The string under `key` in the dictionary at `index`; nothing when there is none.
+  std::optional<std::string_view> findString(Index index, std::string_view key) const;
+
   /// The integer at `index`, of either kind, when it is one and fits.
   std::optional<std::int64_t> integer(Index index) const;
 

@@ -51,15 +51,9 @@ class Search {
     if (!file) return;
     // A longer one is cut off, and then no list.
     const PropertyList list = readPropertyList(headOfFile(file->get(), kLargestList, shown));
-    const std::string* identifier = text(list, "CFBundleIdentifier");
-    const std::string* executable = text(list, "CFBundleExecutable");
-    if (identifier == nullptr || *identifier != bundleID_) return;
-    if (executable != nullptr && isPlainComponent(*executable)) executables_.insert(*executable);
-  }
-
-  static const std::string* text(const PropertyList& list, std::string_view key) {
-    const auto value = list.find(list.root(), key);
-    return value ? list.get<std::string>(*value) : nullptr;
+    if (list.findString(list.root(), "CFBundleIdentifier") != bundleID_) return;
+    const auto executable = list.findString(list.root(), "CFBundleExecutable");
+    if (executable && isPlainComponent(*executable)) executables_.emplace(*executable);
   }
 
   const std::string& bundleID_;

@@ -150,15 +150,14 @@ TEST(Process, PassesNoDescriptorsOfTheLibraryOn) {
   const std::string count = "set -- /proc/self/fd/*; exit $#";
   const std::string alone = resultOfShell(count);
   const TemporaryFolder folder;
-  const std::filesystem::path file = folder.write("f", std::string(100'000, 'x'));
+  const std::filesystem::path large = folder.write("large", std::string(4'000'000, 'x'));
   std::atomic<bool> isOver = false;
-  const auto worker = [&] {
-    while (!isOver) {
-      replaceFile(file, readFile(file));
-      (void)pathInside(folder.path(), "f");
-    }
-  };
-  std::thread workers[] = {std::thread(worker), std::thread(worker)};
+  std::thread workers[] = {std::thread([&] {
+                             while (!isOver) replaceFile(folder.path() / "small", "x");
+                           }),
+                           std::thread([&] {
+                             while (!isOver) (void)readFile(large);
+                           })};
   for (int i = 0; i < 300; ++i) EXPECT_EQ(resultOfShell(count), alone);
   isOver = true;
   for (std::thread& thread : workers) thread.join();

@@ -168,7 +168,8 @@ TEST(Override, AWrongValueFails) {
 }
 
 TEST(Override, LeavesTheInstallationAlone) {
-  const TweakInfo before{"a.b", std::nullopt, "file:///icon.png"};
+  TweakInfo before("a.b", "tweak");
+  before.customIconURL = URL{"file:///icon.png"};
   for (const KindCase& c : kindCases()) {
     TweakInfo info = before;
     applyTo(info, c.seeded);

@@ -8,6 +8,7 @@
 #include <array>
 #include <cerrno>
 #include <system_error>
+#include <utility>
 
 #include "tavlen/foundation/Unicode.h"
 
@@ -20,7 +21,7 @@ namespace {
 }
 
 /// No document comes near it, and a sparse file of any size is made in no time.
-constexpr off_t kLargestFile = off_t{1} << 31;
+constexpr std::size_t kLargestFile = std::size_t{1} << 31;
 
 class Descriptor {
  public:
@@ -46,7 +47,6 @@ std::size_t sizeOfRegularFile(int descriptor, const std::filesystem::path& path)
   if (::fstat(descriptor, &status) != 0) fail(errno, path);
   if (S_ISDIR(status.st_mode)) fail(EISDIR, path);
   if (!S_ISREG(status.st_mode)) fail(EINVAL, path.string() + ": not a regular file");
-  if (status.st_size > kLargestFile) fail(EFBIG, path);
   return static_cast<std::size_t>(status.st_size);
 }
 
@@ -73,23 +73,33 @@ constexpr std::array<ByteOrderMark, 4> kWideMarks = {{
 }  // namespace
 
 std::string readFile(const std::filesystem::path& path) {
+  std::optional<std::string> bytes = readFileUpTo(path, kLargestFile);
+  if (!bytes) fail(EFBIG, path);
+  return std::move(*bytes);
+}
+
+std::optional<std::string> readFileUpTo(const std::filesystem::path& path, std::size_t most) {
   const Descriptor file(openForReading(path));
+  const std::size_t size = sizeOfRegularFile(file.value(), path);
+  if (size > most) return std::nullopt;
   // The size is a hint: the file may grow or shrink while it is read. One more byte lets the last
   // read see the end without another allocation.
-  std::string bytes(sizeOfRegularFile(file.value(), path) + 1, '\0');
+  std::string bytes(size + 1, '\0');
   std::size_t used = 0;
-  for (;;) {
+  while (used <= most) {
     if (used == bytes.size()) bytes.resize(bytes.size() * 2);
     const ssize_t count = ::read(file.value(), bytes.data() + used, bytes.size() - used);
-    if (count == 0) break;
+    if (count == 0) {
+      bytes.resize(used);
+      return bytes;
+    }
     if (count > 0) {
       used += static_cast<std::size_t>(count);
     } else if (errno != EINTR) {
       fail(errno, path);
     }
   }
-  bytes.resize(used);
-  return bytes;
+  return std::nullopt;
 }
 
 std::string readText(const std::filesystem::path& path) {

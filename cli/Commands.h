@@ -18,5 +18,6 @@ void addSourceCommand(CLI::App& app, Action& action);
 void addBuildCommand(CLI::App& app, Action& action);
 void addCheckCommand(CLI::App& app, Action& action);
 void addInfoCommand(CLI::App& app, Action& action);
+void addIconCommand(CLI::App& app, Action& action);
 
 }  // namespace tavlen::cli

@@ -38,6 +38,7 @@ int run(int argc, char** argv) {
   tavlen::cli::addBuildCommand(app, action);
   tavlen::cli::addCheckCommand(app, action);
   tavlen::cli::addInfoCommand(app, action);
+  tavlen::cli::addIconCommand(app, action);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <cstdint>
 #include <system_error>
+#include <utility>
 
 #include "tavlen/foundation/RandomAccessFile.h"
 #include "tavlen/foundation/Unicode.h"
@@ -18,7 +19,7 @@ namespace {
 }
 
 /// No document comes near it, and a sparse file of any size is made in no time.
-constexpr std::uint64_t kLargestFile = std::uint64_t{1} << 31;
+constexpr std::size_t kLargestFile = std::size_t{1} << 31;
 
 std::string checkedUTF8(std::string text, const std::filesystem::path& path) {
   constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
@@ -43,15 +44,21 @@ constexpr std::array<ByteOrderMark, 4> kWideMarks = {{
 }  // namespace
 
 std::string readFile(const std::filesystem::path& path) {
+  std::optional<std::string> bytes = readFileUpTo(path, kLargestFile);
+  if (!bytes) fail(EFBIG, path);
+  return std::move(*bytes);
+}
+
+std::optional<std::string> readFileUpTo(const std::filesystem::path& path, std::size_t most) {
   const RandomAccessFile file(path);
-  if (file.size() > kLargestFile) fail(EFBIG, path);
+  if (file.size() > most) return std::nullopt;
   // The size is a hint: the file may grow or shrink while it is read. One more byte lets the read
   // see the end.
   std::string bytes = file.read(0, static_cast<std::size_t>(file.size()) + 1);
   for (std::size_t more = bytes.size(); bytes.size() > file.size(); more *= 2) {
     const std::string next = file.read(bytes.size(), more);
     bytes += next;
-    if (bytes.size() > kLargestFile) fail(EFBIG, path);
+    if (bytes.size() > most) return std::nullopt;
     if (next.size() < more) break;
   }
   return bytes;

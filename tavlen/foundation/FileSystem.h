@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -15,6 +16,9 @@ namespace tavlen {
 /// (EISDIR) and anything else that is no regular file (EINVAL) are refused, and a pipe never blocks
 /// the open.
 std::string readFile(const std::filesystem::path& path);
+
+/// As readFile(), but nothing for a file of more than `most` bytes; no more than those are read.
+std::optional<std::string> readFileUpTo(const std::filesystem::path& path, std::size_t most);
 
 /// The file's text as UTF-8. A byte order mark tells UTF-32 or UTF-16 and is dropped; without one
 /// the text is UTF-8. Malformed text is EILSEQ: there is no fallback to another encoding.

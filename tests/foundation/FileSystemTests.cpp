@@ -86,6 +86,9 @@ TEST_F(FileSystemTest, detectsTheEncodingOfText) {
 }
 
 TEST_F(FileSystemTest, refusesFilesThatNoDocumentIsAsLargeAs) {
+  EXPECT_EQ(readFileUpTo(write("abc"), 3), "abc");
+  EXPECT_EQ(readFileUpTo(folder_ / "f", 2), std::nullopt);
+  EXPECT_EQ(readFileUpTo("/proc/self/stat", 2), std::nullopt);  // it grows while it is read
   std::filesystem::resize_file(write(""), std::uintmax_t{1} << 40);
   EXPECT_EQ(errorOf(folder_ / "f", readFile), EFBIG);
 }

@@ -1,0 +1,68 @@
+#include <CLI/CLI.hpp>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <string>
+
+#include "cli/ArgumentChecks.h"
+#include "cli/Commands.h"
+#include "tavlen/bundles/InfoManager.h"
+#include "tavlen/foundation/CodingError.h"
+#include "tavlen/foundation/FileReplacement.h"
+
+namespace tavlen::cli {
+
+namespace {
+
+struct Options {
+  std::string app;
+  std::string output;
+  std::optional<std::string> name;
+  std::optional<std::uint32_t> size;
+};
+
+Image chosenIcon(const Options& options) {
+  const InfoManager app(options.app);
+  Image icon = options.name ? app.icon(*options.name) : app.icon();
+  return options.size ? InfoManager::resizedIcon(icon, *options.size) : icon;
+}
+
+std::string iconFile(const Options& options) {
+  try {
+    return chosenIcon(options).pngData();
+  } catch (const InfoManager::Error& error) {
+    throw std::runtime_error(options.app + ": " + error.description());
+  } catch (const DecodingError& error) {
+    throw std::runtime_error(options.app + (options.app.ends_with('/') ? "" : "/") +
+                             "Info.plist: " + error.description());
+  }
+}
+
+}  // namespace
+
+void addIconCommand(CLI::App& app, Action& action) {
+  auto* command = app.add_subcommand("icon", "Write an app's icon as a PNG file");
+  const auto options = std::make_shared<Options>();
+  command->add_option("APP", options->app, "The app's bundle folder")
+      ->required()
+      ->check(notEmpty());
+  command->add_option("-o,--output", options->output, "The file to write")
+      ->required()
+      ->check(notEmpty())
+      ->type_name("FILE");
+  command
+      ->add_option("--name", options->name, "The icon's name as in Info.plist; the largest without")
+      ->check(notEmpty())
+      ->type_name("NAME");
+  command->add_option("--size", options->size, "How many points the longer side gets")
+      ->type_name("POINTS");
+  command->callback([options, &action] {
+    action = [options] {
+      replaceFile(options->output, iconFile(*options));
+      return 0;
+    };
+  });
+}
+
+}  // namespace tavlen::cli

@@ -1,0 +1,58 @@
+// Whatever is read as an image is written as the same one, and can be resized.
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "tavlen/foundation/Image.h"
+#include "tavlen/foundation/detail/PNGChunks.h"
+
+using namespace tavlen;
+
+namespace {
+
+/// A picture of many pixels takes the writer's time and shows nothing that a small one does not.
+constexpr std::uint64_t kMostPixelsWritten = 1 << 14;
+constexpr std::uint32_t kSmallWidth = 7;
+constexpr std::uint32_t kSmallHeight = 9;
+
+/// `file` with the checksums that its chunks ask for: no mutation would ever hit on one.
+std::string withChecksums(std::string_view file) {
+  constexpr std::size_t kLengthAndType = 8;
+  constexpr std::size_t kChecksum = 4;
+  std::string repaired(file.substr(0, kPNGSignature.size()));
+  file.remove_prefix(repaired.size());
+  while (file.size() >= kLengthAndType) {
+    const std::size_t length =
+        std::min<std::size_t>(bigEndian32(file), file.size() - kLengthAndType);
+    appendPNGChunk(repaired, file.substr(4, 4), file.substr(kLengthAndType, length));
+    file.remove_prefix(std::min(kLengthAndType + length + kChecksum, file.size()));
+  }
+  return repaired;
+}
+
+void require(bool condition) {
+  if (!condition) std::abort();
+}
+
+void readAndWrite(std::string_view bytes) {
+  const std::optional<Image> image = Image::decode(bytes);
+  if (!image) return;
+  require(Image::isPossibleSize(image->width(), image->height()));
+  if (std::uint64_t{image->width()} * image->height() > kMostPixelsWritten) return;
+  require(Image::decode(image->pngData()) == image);
+  require(image->resized(kSmallWidth, kSmallHeight).has_value());
+  require(image->resized(image->width() * 2, 1).has_value() ||
+          image->width() > Image::kLongestSide / 2);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const std::string_view bytes(reinterpret_cast<const char*>(data), size);
+  readAndWrite(bytes);
+  if (bytes.starts_with(kPNGSignature)) readAndWrite(withChecksums(bytes));
+  return 0;
+}

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+/// The chunks that a PNG file consists of (ISO/IEC 15948, 5.3). Threads: any; an object serves one
+/// at a time.
+namespace tavlen {
+
+/// What a file begins with.
+inline constexpr std::string_view kPNGSignature{"\x89PNG\r\n\x1A\n", 8};
+
+/// The first four bytes of `bytes`, which has them, as a number.
+std::uint32_t bigEndian32(std::string_view bytes);
+void appendBigEndian32(std::string& bytes, std::uint32_t value);
+
+/// Views into the file.
+struct PNGChunk {
+  std::string_view type;
+  std::string_view contents;
+};
+
+/// Walks the chunks of a file in memory, which must live as long as they do.
+class PNGChunks {
+ public:
+  /// `file` begins with the signature.
+  explicit PNGChunks(std::string_view file);
+
+  /// The next chunk; nothing at the end, and for one that is cut short or whose checksum is wrong.
+  std::optional<PNGChunk> next();
+  /// Goes on to the chunk that ends a file. False when it, or one before it, is missing or damaged.
+  bool reachEnd();
+
+ private:
+  std::string_view rest_;
+};
+
+/// Appends a chunk with its length and checksum.
+void appendPNGChunk(std::string& file, std::string_view type, std::string_view contents);
+
+}  // namespace tavlen

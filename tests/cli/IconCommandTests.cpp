@@ -1,0 +1,111 @@
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "CommandTest.h"
+#include "tavlen/foundation/Image.h"
+
+namespace tavlen {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+
+const std::string kContainers = "device/var/containers/Bundle/Application";
+
+/// In a folder with the example of a device's tree, whose script draws the icons by itself.
+class IconCommandTest : public CommandTest {
+ protected:
+  void SetUp() override {
+    const std::string script = TAVLEN_EXAMPLES_DIR "/make-device";
+    ASSERT_EQ(std::system(("'" + script + "' '" + (folder() / "device").string() + "'").c_str()),
+              0);
+  }
+
+  /// The path of the container's app of that name.
+  std::string app(const std::string& name) const {
+    for (const auto& container : fs::directory_iterator(folder() / kContainers)) {
+      if (!fs::exists(container.path() / name)) continue;
+      return kContainers + "/" + container.path().filename().string() + "/" + name;
+    }
+    return name;
+  }
+  /// What the command writes with these arguments; all of one colour where it fails.
+  Image icon(std::vector<std::string> arguments) const {
+    arguments.insert(arguments.begin(), "icon");
+    arguments.insert(arguments.end(), {"-o", "icon.png"});
+    const Result result = run(arguments);
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_EQ(result.out + result.err, "");
+    return Image::decode(contents("icon.png")).value_or(Image(1, 1, {0, 0, 0, 0}));
+  }
+};
+
+std::vector<int> pixel(const Image& image, std::size_t x, std::size_t y) {
+  const auto first =
+      image.pixels().begin() + static_cast<std::ptrdiff_t>((y * image.width() + x) * 4);
+  return {first, first + 4};
+}
+
+TEST_F(IconCommandTest, WritesTheLargestIconOrTheOneAskedFor) {
+  const std::string notes = app("Notes.app");
+  const Image largest = icon({notes});
+  EXPECT_EQ(largest.width(), 180U);
+  EXPECT_THAT(pixel(largest, 0, 0), ElementsAre(0, 0, 0, 0));
+  EXPECT_THAT(pixel(largest, 90, 90), ElementsAre(255, 255, 255, 255));
+  EXPECT_THAT(pixel(largest, 90, 0), ElementsAre(46, 110, 220, 255));
+
+  EXPECT_EQ(icon({notes, "--name", "AppIcon76x76"}).width(), 152U);
+  EXPECT_EQ(icon({notes, "--name", "AppIcon60x60@2x.png"}).width(), 120U);
+  const Image small = icon({notes, "--size", "45"});
+  EXPECT_EQ(small.height(), 45U);
+  EXPECT_THAT(pixel(small, 22, 22), ElementsAre(255, 255, 255, 255));
+  EXPECT_EQ(icon({app("旅ノート.app")}).width(), 120U);
+  EXPECT_EQ(icon({"device/Applications/Almanac.app/"}).width(), 120U);
+}
+
+TEST_F(IconCommandTest, AFailureIsOneLineAndLeavesTheFileAlone) {
+  write("icon.png", "old");
+  write("bare/Info.plist", contents(app("Notes.app") + "/Info.plist"));
+  const struct {
+    std::vector<std::string> arguments;
+    std::string error;
+  } rows[] = {
+      {{"bare"}, "bare: No icon found"},
+      {{"bare", "--name", "a\nb"}, R"(bare: Icon not found: a\nb)"},
+      {{app("Notes.app"), "--size", "0"}, app("Notes.app") + ": Could not resize icon"},
+      {{app("Notes.app"), "--size", "16385"}, app("Notes.app") + ": Could not resize icon"},
+      {{app("Broken.app")}, app("Broken.app") + "/Info.plist: missing key \"CFBundleExecutable\""},
+      {{"nowhere"}, "nowhere/Info.plist: No such file or directory"},
+      {{app("Notes.app"), "-o", "nowhere/x"}, "nowhere/x: No such file or directory"},
+  };
+  for (const auto& [arguments, error] : rows) {
+    std::vector<std::string> words = {"icon"};
+    words.insert(words.end(), arguments.begin(), arguments.end());
+    if (std::find(words.begin(), words.end(), "-o") == words.end()) {
+      words.insert(words.end(), {"-o", "icon.png"});
+    }
+    const Result result = run(words);
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.err, "tavlen: error: " + error + "\n");
+  }
+  EXPECT_EQ(contents("icon.png"), "old");
+  EXPECT_EQ(run({"icon", "bare"}).status, 2);
+  EXPECT_EQ(run({"icon", "bare", "-o", "x", "--size", "-1"}).status, 2);
+}
+
+TEST_F(IconCommandTest, TheTreeIsReplacedAndNothingElseIs) {
+  write("device/Applications/Old.app/Info.plist", "");
+  SetUp();
+  EXPECT_FALSE(fs::exists(folder() / "device/Applications/Old.app"));
+  write("mine/file", "");
+  const std::string script = TAVLEN_EXAMPLES_DIR "/make-device";
+  EXPECT_NE(
+      std::system(("'" + script + "' '" + (folder() / "mine").string() + "' 2>/dev/null").c_str()),
+      0);
+  EXPECT_TRUE(fs::exists(folder() / "mine/file"));
+}
+
+}  // namespace
+}  // namespace tavlen

@@ -157,7 +157,7 @@ TEST_F(CleanupTest, FailsWithoutPermission) {
 TEST_F(CleanupTest, IsNotLedOutsideByLinksThatAppearMeanwhile) {
   fs::create_directory(outside() / "d");
   std::ofstream(outside() / "d" / "keep") << "x";
-  for (int i = 0; i < 60; ++i) {
+  for (int i = 0; i < 30; ++i) {
     for (int file = 0; file < 20; ++file) writeTweak("a/d/" + std::to_string(file));
     fs::create_directory_symlink(outside() / "d", tweaks("link"));
     {

@@ -50,7 +50,7 @@ bool stands(std::string_view name, std::string_view stem) {
 }
 
 bool isExecutable(const CrashLogSubject& subject, std::string_view name) {
-  return subject.executables.count(std::string(name)) != 0;
+  return subject.executables.contains(std::string(name));
 }
 
 bool isAboutByJSON(const CrashLogSubject& subject, std::string_view line) {

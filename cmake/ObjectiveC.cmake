@@ -6,13 +6,15 @@ execute_process(COMMAND ${TAVLEN_OBJC_COMPILER} -print-file-name=include
 
 add_library(tavlen_objc_runtime INTERFACE)
 target_link_libraries(tavlen_objc_runtime INTERFACE objc BlocksRuntime)
+# Programs that take nothing of the bridge do not load the run time.
+target_link_options(tavlen_objc_runtime INTERFACE "LINKER:--as-needed")
 # The run time's headers lie with GCC's own, which clang must not see before its own.
 target_compile_options(tavlen_objc_runtime INTERFACE "$<$<COMPILE_LANG_AND_ID:CXX,Clang>:SHELL:-idirafter ${gcc_include}>")
 
 # For a target of Objective-C sources, after enable_language(OBJC).
 function(tavlen_use_foundation target)
   target_compile_options(${target} PRIVATE
-    -fexceptions -fobjc-exceptions -fconstant-string-class=NSConstantString -pthread)
+    -std=gnu11 -fexceptions -fobjc-exceptions -fconstant-string-class=NSConstantString -pthread)
   target_compile_definitions(${target} PRIVATE
     _NATIVE_OBJC_EXCEPTIONS GNUSTEP GNUSTEP_BASE_LIBRARY=1 GNU_RUNTIME=1)
   target_include_directories(${target} SYSTEM PRIVATE /usr/include/GNUstep)

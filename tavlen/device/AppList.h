@@ -40,11 +40,11 @@ class AppList {
   /// To be called with the lock held.
   void loadIfNeeded();
 
-  std::unique_ptr<const AppListFetcher> appFetcher;
-  bool hasLoadedApps = false;
-  std::vector<std::shared_ptr<IPA>> cachedAppsArray;
-  std::map<std::string, std::shared_ptr<IPA>, std::less<>> cachedAppsDict;
-  std::mutex appLoadLock;
+  std::unique_ptr<const AppListFetcher> appFetcher_;
+  bool hasLoadedApps_ = false;
+  std::vector<std::shared_ptr<IPA>> cachedAppsArray_;
+  std::map<std::string, std::shared_ptr<IPA>, std::less<>> cachedAppsDict_;
+  std::mutex appLoadLock_;
 };
 
 }  // namespace tavlen

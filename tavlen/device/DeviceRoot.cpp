@@ -2,8 +2,12 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
+#include <deque>
 #include <mutex>
 #include <optional>
+#include <system_error>
+#include <utility>
 
 namespace tavlen {
 
@@ -30,6 +34,47 @@ bool isInside(const std::filesystem::path& path, const std::filesystem::path& fo
          folder.end();
 }
 
+/// The components of `path` before those of `rest`.
+void putBefore(std::deque<std::filesystem::path>& rest, const std::filesystem::path& path) {
+  const std::filesystem::path relative = path.relative_path();
+  rest.insert(rest.begin(), relative.begin(), relative.end());
+}
+
+/// `path`, absolute on the device, with the symbolic links below `root` followed as the device
+/// does: an absolute one begins at the root again, and ".." stops there. What does not exist stays
+/// as it is.
+std::filesystem::path withoutLinks(const std::filesystem::path& root,
+                                   const std::filesystem::path& path) {
+  constexpr int kMostLinks = 40;
+  int links = 0;
+  std::filesystem::path followed = "/";
+  std::deque<std::filesystem::path> rest;
+  putBefore(rest, path);
+  while (!rest.empty()) {
+    const std::filesystem::path name = std::move(rest.front());
+    rest.pop_front();
+    if (name.empty() || name == ".") continue;
+    if (name == "..") {
+      followed = followed.parent_path();
+      continue;
+    }
+    std::error_code noLink;
+    const std::filesystem::path target =
+        std::filesystem::read_symlink(root / followed.relative_path() / name, noLink);
+    if (noLink) {
+      followed /= name;
+      continue;
+    }
+    if (++links > kMostLinks) {
+      throw std::system_error(ELOOP, std::generic_category(),
+                              (root / path.relative_path()).string());
+    }
+    if (target.is_absolute()) followed = "/";
+    putBefore(rest, target);
+  }
+  return followed;
+}
+
 }  // namespace
 
 DeviceRoot::DeviceRoot(const std::filesystem::path& root, std::string_view prefix)
@@ -50,14 +95,16 @@ void DeviceRoot::setShared(DeviceRoot root) {
 std::filesystem::path DeviceRoot::resolve(std::string_view devicePath) const {
   std::filesystem::path path = normalised(devicePath);
   const auto holdsPath = [&](std::string_view folder) { return isInside(path, folder); };
-  if (!prefix_.empty() &&
+  if (!prefix_.empty() && !isInside(path, prefix_) &&
       std::any_of(kPrefixedFolders.begin(), kPrefixedFolders.end(), holdsPath)) {
     path = prefix_ / path.relative_path();
   }
+  if (!isDevice()) path = withoutLinks(root_, path);
   return path == "/" ? root_ : root_ / path.relative_path();
 }
 
 std::filesystem::path DeviceRoot::devicePath(const std::filesystem::path& path) const {
+  if (path.is_relative()) return path;
   const std::filesystem::path normal = normalised(path);
   if (!isInside(normal, root_)) return path;
   const std::filesystem::path relative = normal.lexically_relative(root_);

@@ -26,7 +26,10 @@ class DeviceRoot {
   const std::filesystem::path& url() const { return root_; }
   bool isDevice() const { return root_ == "/"; }
 
-  /// Where the device's absolute path `devicePath` lies here. Its ".." do not leave the root.
+  /// Where the device's absolute path `devicePath` lies here. Its ".." do not leave the root. Below
+  /// any root but "/", neither do its symbolic links, the last component's included: they are
+  /// followed here, as the device does, so that the result is no link. Throws std::system_error
+  /// (ELOOP) for links in a circle.
   std::filesystem::path resolve(std::string_view devicePath) const;
   /// The device's name for `path`, which resolve() gave or which lies below the root; `path` itself
   /// when it does not.

@@ -21,7 +21,7 @@ std::vector<char*> childEnvironment() {
   for (char** entry = environ; *entry != nullptr; ++entry) {
     const std::string_view text = *entry;
     for (const std::string_view name :
-         {"JSC_", "ASAN_OPTIONS=", "TSAN_OPTIONS=", "UBSAN_OPTIONS="}) {
+         {"JSC_", "ASAN_OPTIONS=", "LSAN_OPTIONS=", "TSAN_OPTIONS=", "UBSAN_OPTIONS="}) {
       if (text.starts_with(name)) environment.push_back(*entry);
     }
   }

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <span>
+#include <string_view>
+
+namespace tavlen {
+
+/// The bundle identifiers of system services that are never listed as apps, in ascending order.
+std::span<const std::string_view> excludedApps();
+
+/// Whether `bundleID` is one of them, by its exact bytes.
+bool isExcludedApp(std::string_view bundleID);
+
+}  // namespace tavlen

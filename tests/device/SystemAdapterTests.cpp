@@ -1,0 +1,155 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <string>
+
+#include "StandIns.h"
+#include "tavlen/device/ExcludedApps.h"
+#include "tavlen/device/LSAppListFetcher.h"
+#include "tavlen/device/SystemService.h"
+
+namespace tavlen {
+namespace {
+
+using namespace std::string_literals;
+
+std::string stringXML(const std::string& key, const std::string& value) {
+  return "<key>" + key + "</key><string>" + value + "</string>";
+}
+
+/// An app's record: what it answers beside its identifier and its folder, /Apps/<name>.app.
+std::string appXML(const std::string& name, const std::string& more = "") {
+  return "<dict>" + more + stringXML("bundleIdentifier", "com.example." + name) +
+         stringXML("bundleURL", "/Apps/" + name + ".app") + "</dict>";
+}
+
+std::string listXML(const std::string& records) {
+  return "<key>applications</key><array>" + records + "</array>";
+}
+
+std::vector<std::string> fetchedIDs(const std::string& script) {
+  const StandIns standIns(script);
+  std::vector<std::string> ids;
+  for (const AppListApp& app : LSAppListFetcher().fetchAllApps()) ids.push_back(app.bundleID);
+  return ids;
+}
+
+// In a process of its own, in which nothing has loaded a class.
+TEST(SystemAdapterDeathTest, MissingClassesHaveNoAppsAndNoPids) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  EXPECT_EXIT(
+      std::exit(LSAppListFetcher().fetchAllApps().empty() && !SystemService::isAvailable() &&
+                        !SystemService::pidForApplication("com.example.a")
+                    ? 0
+                    : 1),
+      testing::ExitedWithCode(0), "");
+}
+
+TEST(ExcludedApps, AreFiftyExactTexts) {
+  EXPECT_EQ(excludedApps().size(), 50U);
+  for (const char* excluded : {"com.apple.AdSheet", "com.apple.PrintKit.Print-Center",
+                               "com.apple.share", "com.apple.webapp", "com.apple.webapp1"}) {
+    EXPECT_TRUE(isExcludedApp(excluded)) << excluded;
+  }
+  for (const char* kept : {"", "com.apple.Share", "com.apple.shar", "com.apple.share1",
+                           "com.apple.webapp11", " com.apple.share", "com.apple.mobilesafari"}) {
+    EXPECT_FALSE(isExcludedApp(kept)) << kept;
+  }
+}
+
+TEST(LSAppListFetcher, KeepsTheWorkspacesOrderAndNames) {
+  const std::string info =
+      stringXML("CFBundleDisplayName", "Caf\xC3\xA9") + stringXML("CFBundleName", "not shown");
+  const StandIns standIns(listXML(
+      appXML("zebra", "<key>info</key><dict>" + info + "</dict>") +
+      appXML("apple", "<key>info</key><dict><key>CFBundleDisplayName</key><integer>1</integer>" +
+                          stringXML("CFBundleName", "Apple") + "</dict>") +
+      appXML("my.app", "<key>appTags</key><array><string>visible</string></array>") + "<dict>" +
+      stringXML("bundleIdentifier", "com.example.url") +
+      stringXML("bundleURL", "file:///Apps/A%20b.app/") + "</dict>"));
+  EXPECT_THAT(
+      LSAppListFetcher().fetchAllApps(),
+      testing::ElementsAre(AppListApp{"com.example.zebra", "Caf\xC3\xA9", "/Apps/zebra.app"},
+                           AppListApp{"com.example.apple", "Apple", "/Apps/apple.app"},
+                           AppListApp{"com.example.my.app", "my.app", "/Apps/my.app.app"},
+                           AppListApp{"com.example.url", "A b", "/Apps/A b.app"}));
+}
+
+TEST(LSAppListFetcher, LeavesOutWhatIsNoAppToTarget) {
+  const std::string leftOut[] = {
+      appXML("x", "<key>isLaunchProhibited</key><true/>"),
+      appXML("x", "<key>isPlaceholder</key><true/>"),
+      appXML("x", "<key>isRemovedSystemApp</key><true/>"),
+      appXML("x", "<key>appTags</key><array><integer>1</integer><string>hidden</string></array>"),
+      "<dict>" + stringXML("bundleIdentifier", "com.apple.share") +
+          stringXML("bundleURL", "/Apps/s.app") + "</dict>",
+      "<dict>" + stringXML("bundleURL", "/Apps/x.app") + "</dict>",
+      "<dict>" + stringXML("bundleIdentifier", "com.example.x") + "</dict>",
+      // Answers of another class, and URLs of no folder here.
+      "<dict><key>bundleIdentifier</key><array/>" + stringXML("bundleURL", "/Apps/x.app") +
+          "</dict>",
+      "<dict>" + stringXML("bundleIdentifier", "com.example.x") +
+          "<key>bundleURL</key><integer>1</integer></dict>",
+      "<dict>" + stringXML("bundleIdentifier", "com.example.x") +
+          stringXML("bundleURL", "http://host/Apps/x.app") + "</dict>",
+      // No proxies.
+      "<string>com.example.x</string>",
+      "<array/>",
+      // Exceptions from the depth of a question.
+      appXML("x", stringXML("raises", "isPlaceholder")),
+      appXML("x", stringXML("raises", "bundleIdentifier")),
+      appXML("x", stringXML("raises", "appTags")),
+      appXML("x", stringXML("raises", "bundleURL")),
+      appXML("x", stringXML("raises", "info")),
+  };
+  for (const std::string& record : leftOut) {
+    EXPECT_THAT(fetchedIDs(listXML(appXML("first") + record + appXML("last"))),
+                testing::ElementsAre("com.example.first", "com.example.last"))
+        << record;
+  }
+}
+
+TEST(LSAppListFetcher, KeepsAppsWithOddTagsAndOfOlderSystems) {
+  for (const std::string& more :
+       {stringXML("appTags", "hidden"), "<key>appTags</key><array><string>Hidden</string></array>"s,
+        "<key>old</key><true/>"s}) {
+    EXPECT_THAT(fetchedIDs(listXML(appXML("x", more))), testing::ElementsAre("com.example.x"))
+        << more;
+  }
+}
+
+TEST(LSAppListFetcher, HasNoAppsWithoutAWorkspacesList) {
+  const std::string list = listXML(appXML("x"));
+  for (const std::string& script :
+       {""s, listXML(""), stringXML("applications", "x"), stringXML("workspace", "none") + list,
+        stringXML("workspace", "raises") + list}) {
+    EXPECT_THAT(fetchedIDs(script), testing::IsEmpty()) << script;
+  }
+}
+
+TEST(SystemService, GivesPidsOfRunningAppsOnly) {
+  const auto pid = [](const std::string& number) {
+    const StandIns standIns("<key>pids</key><dict><key>com.example.a</key><integer>" + number +
+                            "</integer></dict>");
+    EXPECT_TRUE(SystemService::isAvailable());
+    // Identifiers that the running app's only resembles.
+    for (const std::string& other : {"com.example"s, "com.example.a\0b"s, "com.example.a\xFF"s}) {
+      EXPECT_EQ(SystemService::pidForApplication(other), std::nullopt);
+    }
+    return SystemService::pidForApplication("com.example.a");
+  };
+  EXPECT_EQ(pid("4711"), 4711);
+  EXPECT_EQ(pid("1"), 1);
+  for (const char* number : {"0", "-1", "-4711", "-2147483648"}) {
+    EXPECT_EQ(pid(number), std::nullopt) << number;
+  }
+  for (const char* state : {"none", "raises"}) {
+    const StandIns standIns(stringXML("service", state));
+    EXPECT_FALSE(SystemService::isAvailable()) << state;
+    EXPECT_EQ(SystemService::pidForApplication("com.example.a"), std::nullopt) << state;
+  }
+}
+
+}  // namespace
+}  // namespace tavlen

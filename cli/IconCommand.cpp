@@ -5,10 +5,10 @@
 #include <stdexcept>
 #include <string>
 
+#include "cli/AppArgument.h"
 #include "cli/ArgumentChecks.h"
 #include "cli/Commands.h"
 #include "tavlen/bundles/InfoManager.h"
-#include "tavlen/foundation/CodingError.h"
 #include "tavlen/foundation/FileReplacement.h"
 
 namespace tavlen::cli {
@@ -22,20 +22,17 @@ struct Options {
   std::optional<std::uint32_t> size;
 };
 
-Image chosenIcon(const Options& options) {
-  const InfoManager app(options.app);
+Image chosenIcon(const InfoManager& app, const Options& options) {
   Image icon = options.name ? app.icon(*options.name) : app.icon();
   return options.size ? InfoManager::resizedIcon(icon, *options.size) : icon;
 }
 
 std::string iconFile(const Options& options) {
+  const std::shared_ptr<IPA> ipa = appArgument(options.app);
   try {
-    return chosenIcon(options).pngData();
+    return namingInfo(*ipa, [&] { return chosenIcon(ipa->infoManager(), options).pngData(); });
   } catch (const InfoManager::Error& error) {
     throw std::runtime_error(options.app + ": " + error.description());
-  } catch (const DecodingError& error) {
-    throw std::runtime_error(options.app + (options.app.ends_with('/') ? "" : "/") +
-                             "Info.plist: " + error.description());
   }
 }
 
@@ -44,9 +41,7 @@ std::string iconFile(const Options& options) {
 void addIconCommand(CLI::App& app, Action& action) {
   auto* command = app.add_subcommand("icon", "Write an app's icon as a PNG file");
   const auto options = std::make_shared<Options>();
-  command->add_option("APP", options->app, "The app's bundle folder")
-      ->required()
-      ->check(notEmpty());
+  command->add_option("APP", options->app, kAppHelp)->required()->check(notEmpty());
   command->add_option("-o,--output", options->output, "The file to write")
       ->required()
       ->check(notEmpty())

@@ -4,10 +4,10 @@
 #include <string>
 #include <vector>
 
+#include "cli/AppArgument.h"
 #include "cli/ArgumentChecks.h"
 #include "cli/Commands.h"
 #include "cli/Console.h"
-#include "tavlen/bundles/InfoManager.h"
 #include "tavlen/foundation/JSONEncoder.h"
 
 namespace tavlen::cli {
@@ -88,26 +88,17 @@ std::string table(const Summary& summary) {
   return text;
 }
 
-Info readInfo(const std::string& bundle) {
-  try {
-    return InfoManager{bundle}.info();
-  } catch (const DecodingError& error) {
-    throw std::runtime_error(bundle + (bundle.ends_with('/') ? "" : "/") +
-                             "Info.plist: " + error.description());
-  }
-}
-
 }  // namespace
 
 void addInfoCommand(CLI::App& app, Action& action) {
   auto* command = app.add_subcommand("info", "Print what an app's Info.plist says of it");
-  const auto bundle = std::make_shared<std::string>();
+  const auto name = std::make_shared<std::string>();
   const auto json = std::make_shared<bool>(false);
-  command->add_option("BUNDLE", *bundle, "The app's bundle folder")->required()->check(notEmpty());
+  command->add_option("APP", *name, kAppHelp)->required()->check(notEmpty());
   command->add_flag("--json", *json, "Print a JSON object");
-  command->callback([bundle, json, &action] {
-    action = [bundle, json] {
-      const Summary summary = summaryOf(readInfo(*bundle));
+  command->callback([name, json, &action] {
+    action = [name, json] {
+      const Summary summary = summaryOf(readInfo(*appArgument(*name)));
       printData(*json ? encodeJSON(summary) + "\n" : table(summary));
       return 0;
     };

@@ -9,6 +9,7 @@
 #include "cli/Commands.h"
 #include "cli/ErrorReport.h"
 #include "cli/Installation.h"
+#include "cli/RootOption.h"
 #include "tavlen/foundation/MainBundle.h"
 
 namespace {
@@ -30,14 +31,23 @@ int report(const CLI::App& app, const CLI::ParseError& error) {
 }
 
 int run(int argc, char** argv) {
-  CLI::App app("Builds and checks app tweaks.", "tavlen");
+  CLI::App app("Builds and checks app tweaks, and looks at the apps of a device.", "tavlen");
   app.set_version_flag("--version", "tavlen " TAVLEN_VERSION);
   app.require_subcommand(1);
+  // --root may stand behind the subcommand, too.
+  app.fallthrough();
+  std::string root;
+  tavlen::cli::addRootOption(app, root);
   tavlen::cli::Action action;
   tavlen::cli::addSourceCommand(app, action);
   tavlen::cli::addBuildCommand(app, action);
   tavlen::cli::addCheckCommand(app, action);
+  tavlen::cli::addAppsCommand(app, action);
   tavlen::cli::addInfoCommand(app, action);
+  tavlen::cli::addExecutablesCommand(app, action);
+  tavlen::cli::addCrashLogsCommand(app, action);
+  tavlen::cli::addKillCommand(app, action);
+  tavlen::cli::addRespringCommand(app, action);
   tavlen::cli::addIconCommand(app, action);
   try {
     app.parse(argc, argv);
@@ -45,6 +55,7 @@ int run(int argc, char** argv) {
     return report(app, error);
   }
   tavlen::MainBundle::setURL(tavlen::cli::resourceFolder());
+  tavlen::cli::useRoot(root);
   return action();
 }
 

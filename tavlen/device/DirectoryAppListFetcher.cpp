@@ -85,19 +85,17 @@ std::optional<PropertyList> readInfo(const DeviceRoot& root, const fs::path& bun
 }
 
 std::optional<std::string> textUnder(const PropertyList& info, const char* key) {
-  const std::optional<PropertyList::Index> value = info.find(info.root(), key);
-  const auto* text = value ? info.get<std::string>(*value) : nullptr;
-  if (text == nullptr) return std::nullopt;
-  return *text;
+  const std::optional<std::string_view> text = info.findString(info.root(), key);
+  if (!text) return std::nullopt;
+  return std::string(*text);
 }
 
 bool isHidden(const PropertyList& info) {
   const std::optional<PropertyList::Index> tags = info.find(info.root(), "SBAppTags");
-  const auto* array = tags ? info.get<PropertyList::Array>(*tags) : nullptr;
-  return array != nullptr &&
+  const auto array = tags ? info.get<PropertyList::Array>(*tags) : std::nullopt;
+  return array &&
          std::any_of(array->elements.begin(), array->elements.end(), [&](PropertyList::Index tag) {
-           const auto* text = info.get<std::string>(tag);
-           return text != nullptr && *text == "hidden";
+           return info.get<std::string_view>(tag) == "hidden";
          });
 }
 

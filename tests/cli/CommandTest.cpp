@@ -15,7 +15,7 @@ namespace {
 
 /// A locale of its own, and what a preset tells the engine and the sanitizers: nothing else of this
 /// machine.
-std::vector<char*> childEnvironment() {
+std::vector<char*> childEnvironment(std::vector<std::string>& further) {
   static std::string locale = "LC_ALL=C";
   std::vector<char*> environment = {locale.data()};
   for (char** entry = environ; *entry != nullptr; ++entry) {
@@ -25,6 +25,7 @@ std::vector<char*> childEnvironment() {
       if (text.starts_with(name)) environment.push_back(*entry);
     }
   }
+  for (std::string& variable : further) environment.push_back(variable.data());
   environment.push_back(nullptr);
   return environment;
 }
@@ -46,7 +47,8 @@ CommandTest::Result CommandTest::run(const std::vector<std::string>& arguments,
   std::vector<char*> argv;
   for (std::string& word : words) argv.push_back(word.data());
   argv.push_back(nullptr);
-  std::vector<char*> environment = childEnvironment();
+  std::vector<std::string> further = environment_;
+  std::vector<char*> environment = childEnvironment(further);
   pid_t child = 0;
   const int failure =
       posix_spawn(&child, TAVLEN_COMMAND, &actions, nullptr, argv.data(), environment.data());

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "TemporaryFolder.h"
@@ -22,6 +23,9 @@ class CommandTest : public testing::Test {
   /// instead where one is named.
   Result run(const std::vector<std::string>& arguments, const std::string& output = "") const;
 
+  /// Further variables, "NAME=value", of what is run from now on.
+  void setEnvironment(std::vector<std::string> variables) { environment_ = std::move(variables); }
+
   const std::filesystem::path& folder() const { return folder_.path(); }
   void write(const std::string& name, std::string_view bytes) const { folder_.write(name, bytes); }
   /// Makes the tweak `name`; `hooks` are the elements of the manifest's list.
@@ -32,6 +36,7 @@ class CommandTest : public testing::Test {
  private:
   TemporaryFolder folder_;
   TemporaryFolder outputs_;
+  std::vector<std::string> environment_;
 };
 
 /// A hook of -[A selector] as JSON; `args` are the members of its table.

@@ -77,7 +77,8 @@ TEST_F(IconCommandTest, AFailureIsOneLineAndLeavesTheFileAlone) {
       {{app("Notes.app"), "--size", "0"}, app("Notes.app") + ": Could not resize icon"},
       {{app("Notes.app"), "--size", "16385"}, app("Notes.app") + ": Could not resize icon"},
       {{app("Broken.app")}, app("Broken.app") + "/Info.plist: missing key \"CFBundleExecutable\""},
-      {{"nowhere"}, "nowhere/Info.plist: No such file or directory"},
+      {{"nowhere"}, "IPA not found with bundle ID: nowhere"},
+      {{"./nowhere"}, "./nowhere: The ipa file was invalid"},
       {{app("Notes.app"), "-o", "nowhere/x"}, "nowhere/x: No such file or directory"},
   };
   for (const auto& [arguments, error] : rows) {

@@ -1,0 +1,60 @@
+#include <CLI/CLI.hpp>
+#include <cerrno>
+#include <filesystem>
+#include <memory>
+#include <set>
+#include <string>
+#include <system_error>
+
+#include "cli/AppArgument.h"
+#include "cli/ArgumentChecks.h"
+#include "cli/Commands.h"
+#include "cli/Console.h"
+
+namespace tavlen::cli {
+
+namespace {
+
+std::set<std::string> namesIn(const std::filesystem::path& directory) {
+  std::set<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(directory)) {
+    names.insert(entry.path().filename().string());
+  }
+  return names;
+}
+
+/// Prints the names of the logs that came.
+int copyLogs(const std::string& app, const std::filesystem::path& directory) {
+  if (!std::filesystem::is_directory(directory)) {
+    throw std::system_error(ENOTDIR, std::generic_category(), directory.string());
+  }
+  const std::set<std::string> before = namesIn(directory);
+  const std::shared_ptr<IPA> ipa = appArgument(app);
+  namingInfo(*ipa, [&] { ipa->copyCrashLogs(std::filesystem::canonical(directory)); });
+  std::string added;
+  for (const std::string& name : namesIn(directory)) {
+    if (!before.contains(name)) added += oneLine(name) + "\n";
+  }
+  if (added.empty()) {
+    printMessage("tavlen: no crash logs that are not in the folder already\n");
+  }
+  printData(added);
+  return 0;
+}
+
+}  // namespace
+
+void addCrashLogsCommand(CLI::App& app, Action& action) {
+  auto* command = app.add_subcommand("crash-logs", "Copy the crash logs of an app into a folder");
+  const auto name = std::make_shared<std::string>();
+  const auto directory = std::make_shared<std::string>();
+  command->add_option("APP", *name, kAppHelp)->required()->check(notEmpty());
+  command->add_option("DIR", *directory, "An existing folder; no file in it is replaced")
+      ->required()
+      ->check(notEmpty());
+  command->callback([name, directory, &action] {
+    action = [name, directory] { return copyLogs(*name, *directory); };
+  });
+}
+
+}  // namespace tavlen::cli

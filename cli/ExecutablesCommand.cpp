@@ -1,0 +1,73 @@
+#include <CLI/CLI.hpp>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "cli/AppArgument.h"
+#include "cli/ArgumentChecks.h"
+#include "cli/Commands.h"
+#include "cli/Console.h"
+#include "cli/TextTable.h"
+#include "tavlen/bundles/Executable.h"
+#include "tavlen/foundation/JSONEncoder.h"
+
+namespace tavlen::cli {
+
+namespace {
+
+/// An executable as it is printed.
+struct Row {
+  std::string kind;
+  std::string name;
+  std::string relativePath;
+  std::string path;
+
+  static constexpr auto codedFields() {
+    return std::tuple{requiredField("kind", &Row::kind), requiredField("name", &Row::name),
+                      requiredField("relativePath", &Row::relativePath),
+                      requiredField("path", &Row::path)};
+  }
+};
+
+Row rowOf(std::string_view kind, const Executable& executable) {
+  return {std::string(kind), executable.name(), executable.relativePath(),
+          executable.path().string()};
+}
+
+std::vector<Row> rowsOf(IPA& ipa) {
+  std::vector<Row> rows = {rowOf("main", *ipa.mainExecutable())};
+  for (const auto& executable : ipa.bundleExecutables()) {
+    rows.push_back(rowOf("bundle", *executable));
+  }
+  for (const auto& executable : ipa.dynamicExecutables()) {
+    rows.push_back(rowOf("dynamic", *executable));
+  }
+  return rows;
+}
+
+std::string table(const std::vector<Row>& rows) {
+  TextTable table({"KIND", "PATH"});
+  for (const Row& row : rows) table.addRow({row.kind, row.relativePath});
+  return table.text();
+}
+
+}  // namespace
+
+void addExecutablesCommand(CLI::App& app, Action& action) {
+  auto* command = app.add_subcommand("executables", "List the Mach-O images of an app");
+  const auto name = std::make_shared<std::string>();
+  const auto json = std::make_shared<bool>(false);
+  command->add_option("APP", *name, kAppHelp)->required()->check(notEmpty());
+  command->add_flag("--json", *json, "Print a JSON array");
+  command->callback([name, json, &action] {
+    action = [name, json] {
+      const std::shared_ptr<IPA> ipa = appArgument(*name);
+      const std::vector<Row> rows = namingInfo(*ipa, [&] { return rowsOf(*ipa); });
+      printData(*json ? encodeJSON(rows) + "\n" : table(rows));
+      return 0;
+    };
+  });
+}
+
+}  // namespace tavlen::cli

@@ -1,0 +1,45 @@
+#include <CLI/CLI.hpp>
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+#include "cli/AppArgument.h"
+#include "cli/ArgumentChecks.h"
+#include "cli/Commands.h"
+#include "cli/ProgramCheck.h"
+#include "tavlen/device/AppControl.h"
+#include "tavlen/device/ProcessControl.h"
+#include "tavlen/device/SystemService.h"
+
+namespace tavlen::cli {
+
+namespace {
+
+/// An identifier is taken as it stands: apps that no list shows can run, too.
+std::string bundleIDOf(const std::string& app) {
+  return isPath(app) ? readInfo(*appArgument(app)).bundleID : app;
+}
+
+int kill(const std::string& app) {
+  const std::string bundleID = bundleIDOf(app);
+  if (!SystemService::isAvailable()) {
+    throw std::runtime_error("the system service that knows the running apps is missing");
+  }
+  requireProgram(killProgram());
+  if (!SystemService::pidForApplication(bundleID)) {
+    throw std::runtime_error(bundleID + " is not running");
+  }
+  killAppWithBundleID(bundleID);
+  return 0;
+}
+
+}  // namespace
+
+void addKillCommand(CLI::App& app, Action& action) {
+  auto* command = app.add_subcommand("kill", "End a running app");
+  const auto name = std::make_shared<std::string>();
+  command->add_option("APP", *name, kAppHelp)->required()->check(notEmpty());
+  command->callback([name, &action] { action = [name] { return kill(*name); }; });
+}
+
+}  // namespace tavlen::cli

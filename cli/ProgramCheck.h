@@ -1,0 +1,11 @@
+#pragma once
+
+#include <filesystem>
+
+namespace tavlen::cli {
+
+/// Throws std::system_error with the path unless `program` can be run; the library would stay
+/// silent.
+void requireProgram(const std::filesystem::path& program);
+
+}  // namespace tavlen::cli

@@ -1,0 +1,32 @@
+#include "cli/RootOption.h"
+
+#include <CLI/CLI.hpp>
+#include <cstdlib>
+#include <filesystem>
+
+#include "tavlen/device/DeviceRoot.h"
+
+namespace tavlen::cli {
+
+namespace {
+
+constexpr const char* kVariable = "TAVLEN_ROOT";
+
+}  // namespace
+
+void addRootOption(CLI::App& app, std::string& root) {
+  app.add_option("--root", root, "The folder that stands for the device's /")
+      ->envname(kVariable)
+      ->check(CLI::ExistingDirectory)
+      ->type_name("DIR");
+}
+
+void useRoot(const std::string& root) {
+  if (root.empty()) return;
+  const std::filesystem::path folder = std::filesystem::canonical(root);
+  DeviceRoot::setShared(DeviceRoot(folder));
+  // The file-operations helper learns it from here. No other thread runs yet.
+  ::setenv(kVariable, folder.c_str(), 1);  // NOLINT(concurrency-mt-unsafe)
+}
+
+}  // namespace tavlen::cli

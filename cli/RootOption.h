@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+
+namespace CLI {
+class App;
+}
+
+namespace tavlen::cli {
+
+/// Adds --root, which TAVLEN_ROOT stands in for; the folder goes to `root`.
+void addRootOption(CLI::App& app, std::string& root);
+
+/// Makes `root` the device's root, for this process and the programs that it starts. Nothing for an
+/// empty text.
+void useRoot(const std::string& root);
+
+}  // namespace tavlen::cli

@@ -1,0 +1,345 @@
+#include "tavlen/bundles/IPA.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <any>
+#include <stdexcept>
+#include <vector>
+
+#include "MachOFile.h"
+#include "TemporaryFolder.h"
+#include "tavlen/bundles/InstallableTweak.h"
+#include "tavlen/collections/NotificationPoster.h"
+#include "tavlen/device/AppList.h"
+#include "tavlen/device/DevicePaths.h"
+#include "tavlen/device/DeviceRoot.h"
+#include "tavlen/device/InstalledTweaks.h"
+#include "tavlen/device/Process.h"
+#include "tavlen/foundation/FileSystem.h"
+#include "tavlen/foundation/KeyedArchive.h"
+#include "tavlen/foundation/NotificationCenter.h"
+
+namespace tavlen {
+namespace {
+
+using testing::ElementsAre;
+
+namespace fs = std::filesystem;
+
+std::string infoPlist(const std::string& bundleID, const std::string& executable) {
+  return "<plist version=\"1.0\"><dict><key>CFBundleExecutable</key><string>" + executable +
+         "</string><key>CFBundleIdentifier</key><string>" + bundleID +
+         "</string><key>CFBundleVersion</key><string>1</string><key>UIDeviceFamily</key>"
+         "<integer>1</integer></dict></plist>";
+}
+
+/// A device tree with one app, Notes, and programs that write down how they are called.
+class IPATest : public testing::Test {
+ protected:
+  IPATest() {
+    DeviceRoot::setShared(DeviceRoot(tree_.path()));
+    app("com.example.notes", "Notes");
+    tree_.write("Applications/Notes.app/Notes", macho::thin(2));
+    program("bin/kill", "echo kill \"$@\" >> \"$root/calls\"");
+    program("usr/bin/killall", "echo killall \"$@\" >> \"$root/calls\"");
+    // The helper as documented, with nothing that only a privileged one can do.
+    helper(
+        "case $1 in\n"
+        "cleanup) if [ \"$3\" = 1 ]; then mkdir -p \"$2\"; else rm -rf \"$2\"; fi ;;\n"
+        "esac");
+  }
+  ~IPATest() override { DeviceRoot::setShared(DeviceRoot()); }
+
+  void app(const std::string& bundleID, const std::string& executable) const {
+    tree_.write("Applications/Notes.app/Info.plist", infoPlist(bundleID, executable));
+  }
+  void program(const std::string& path, const std::string& script) const {
+    const fs::path file =
+        tree_.write(path, "#!/bin/sh\nroot='" + tree_.path().string() + "'\n" + script + "\n");
+    fs::permissions(file, fs::perms::owner_all);
+  }
+  void helper(const std::string& script) const {
+    program(std::string(kFileOperationsPath.substr(1)),
+            "echo kvfileops \"$@\" >> \"$root/calls\"\n" + script);
+  }
+
+  fs::path appDir() const { return tree_.path() / "Applications/Notes.app"; }
+  fs::path installed() const {
+    return DeviceRoot::shared().resolve(InstalledTweaks::directory("com.example.notes"));
+  }
+  /// The calls of programs so far, a line each, without the tree's path.
+  std::string calls() const {
+    if (!fs::exists(tree_.path() / "calls")) return "";
+    std::string text = readFile(tree_.path() / "calls");
+    const std::string prefix = tree_.path().string();
+    for (std::size_t at = text.find(prefix); at != std::string::npos; at = text.find(prefix)) {
+      text.erase(at, prefix.size());
+    }
+    return text;
+  }
+
+  TemporaryFolder tree_;
+};
+
+std::vector<std::string> paths(const std::vector<std::shared_ptr<Executable>>& executables) {
+  std::vector<std::string> paths;
+  for (const auto& executable : executables) paths.push_back(executable->relativePath());
+  return paths;
+}
+
+template <class Body>
+std::string messageOf(Body&& body) {
+  try {
+    body();
+  } catch (const LocalizedError& error) {
+    return error.description();
+  }
+  return "";
+}
+
+TEST_F(IPATest, FindsTheImagesOfABundleByTheirHeaders) {
+  const std::string base = "Applications/Notes.app/";
+  tree_.write(base + "Frameworks/Kit.framework/Kit", macho::fat({macho::thin(6)}));
+  tree_.write(base + "Frameworks/libz.dylib", macho::thin(6));
+  tree_.write(base + "PlugIns/Share.appex/Share", macho::thin(2));
+  tree_.write(base + "helper", macho::thin(2));
+  tree_.write(base + "Stickers.bundle/Stickers", macho::thin(8));
+  tree_.write(base + "object.o", macho::thin(1));
+  tree_.write(base + "fake.dylib", "text");
+  fs::create_symlink("Frameworks/libz.dylib", appDir() / "alias.dylib");
+  fs::create_symlink("/usr/lib", appDir() / "outside");
+  fs::create_hard_link(appDir() / "Notes", appDir() / "AAA");
+  ::mkfifo((appDir() / "pipe").c_str(), 0600);
+
+  const auto ipa = IPA::withAppDir(appDir());
+  const auto main = ipa->mainExecutable();
+  EXPECT_TRUE(main->isMain());
+  EXPECT_EQ(main->name(), "Notes");
+  EXPECT_EQ(main->path(), appDir() / "Notes");
+  EXPECT_FALSE(main->parseDynamically());
+  EXPECT_THAT(paths(ipa->bundleExecutables()), ElementsAre("PlugIns/Share.appex/Share", "helper"));
+  EXPECT_THAT(paths(ipa->dynamicExecutables()),
+              ElementsAre("Frameworks/Kit.framework/Kit", "Frameworks/libz.dylib",
+                          "Stickers.bundle/Stickers"));
+
+  fs::remove_all(appDir());
+  EXPECT_EQ(ipa->mainExecutable(), main) << "the bundle is looked through once";
+  EXPECT_EQ(main->ipa(), ipa);
+}
+
+TEST_F(IPATest, AnExecutableDoesNotKeepItsAppAlive) {
+  auto ipa = IPA::withAppDir(appDir());
+  const auto main = ipa->mainExecutable();
+  ipa.reset();
+  EXPECT_EQ(main->ipa(), nullptr);
+}
+
+TEST_F(IPATest, SaysWhyThereAreNoExecutables) {
+  const auto message = [&] {
+    return messageOf([&] { IPA::withAppDir(appDir())->bundleExecutables(); });
+  };
+  app("com.example.notes", "Missing");
+  EXPECT_EQ(message(), "Missing Missing");
+  for (const std::string name : {"../Notes", "", ".."}) {
+    app("com.example.notes", name);
+    EXPECT_EQ(message(), "Invalid filename: " + name);
+  }
+  app("com.example.notes", "Notes");
+  tree_.write("Applications/Notes.app/Notes", "no image");
+  EXPECT_EQ(message(), "Error while reading Notes");
+  fs::remove_all(appDir());
+  EXPECT_EQ(message(), "Cleaned up");
+
+  // What failed is tried again.
+  const auto ipa = IPA::withAppDir(appDir());
+  EXPECT_THROW(ipa->mainExecutable(), IPA::Error);
+  app("com.example.notes", "Notes");
+  tree_.write("Applications/Notes.app/Notes", macho::thin(2));
+  EXPECT_NE(ipa->mainExecutable(), nullptr);
+}
+
+TEST_F(IPATest, OpensFoldersThatAreBundles) {
+  EXPECT_EQ(IPA::openAt(appDir())->appDir(), appDir());
+  for (const fs::path& path : {tree_.path(), appDir() / "Notes", tree_.path() / "none"}) {
+    EXPECT_EQ(messageOf([&] { IPA::openAt(path); }), "The ipa file was invalid") << path;
+  }
+}
+
+TEST_F(IPATest, TellsTheActiveTweak) {
+  const auto ipa = IPA::withAppDir(appDir());
+  const std::string record =
+      std::string(kInstalledTweaksDir.substr(1)) + "/com.example.notes/TweakInfo.plist";
+  EXPECT_EQ(ipa->activeTweakID(), std::nullopt);
+  tree_.write(record, encodeKeyedArchive(TweakInfo("com.example.notes", "T1")));
+  EXPECT_EQ(ipa->activeTweakID(), "T1");
+  for (const std::string broken : {"", "bplist00", "<plist><dict/></plist>"}) {
+    tree_.write(record, broken);
+    EXPECT_EQ(ipa->activeTweakID(), std::nullopt) << broken;
+  }
+  fs::remove(tree_.path() / record);
+  ::mkfifo((tree_.path() / record).c_str(), 0600);
+  EXPECT_EQ(ipa->activeTweakID(), std::nullopt) << "a pipe";
+
+  // A record beside the folder of records is nobody's.
+  tree_.write(std::string(kInstalledTweaksDir.substr(1)) + "/../out/TweakInfo.plist",
+              encodeKeyedArchive(TweakInfo("x", "T2")));
+  app("../out", "Notes");
+  EXPECT_EQ(ipa->activeTweakID(), std::nullopt);
+}
+
+/// A tweak whose package is one folder, with an icon where it has one.
+class SampleTweak : public InstallableTweak {
+ public:
+  explicit SampleTweak(std::string id, std::string icon = "")
+      : id_(std::move(id)), icon_(std::move(icon)) {}
+
+  std::string id() const override { return id_; }
+  void package(const fs::path& directory, TweakInfo& tweakInfo) const override {
+    if (id_ == "broken") throw std::runtime_error("does not build");
+    const std::string name = id_ + ".bundle";
+    fs::create_directory(directory / name);
+    std::ofstream(directory / name / "code.js") << "code of " << id_;
+    if (icon_.empty()) return;
+    std::ofstream(directory / name / "Icon.png") << icon_;
+    tweakInfo.customIconURL = URL::fileURL(std::string(kInstalledTweaksDir) + "/" +
+                                           *tweakInfo.bundleID + "/" + name + "/Icon.png");
+  }
+
+ private:
+  std::string id_;
+  std::string icon_;
+};
+
+TEST_F(IPATest, InstallsReplacesAndClearsATweak) {
+  const auto ipa = IPA::withAppDir(appDir());
+  const std::string directory = InstalledTweaks::directory("com.example.notes");
+  std::vector<std::string> notices;
+  const auto observe = [&](const Notification& notification) {
+    const auto& info = *notification.userInfo;
+    const auto tweak = info.find("tweakID");
+    notices.push_back(notification.name + " " + std::any_cast<std::string>(info.at("bundleID")) +
+                      " " +
+                      (tweak == info.end() ? "none" : std::any_cast<std::string>(tweak->second)));
+  };
+  const auto token = NotificationCenter::default_().addObserver(std::nullopt, nullptr, observe);
+  const auto names = [&] {
+    std::vector<std::string> found;
+    for (const auto& entry : fs::directory_iterator(installed())) {
+      found.push_back(entry.path().filename());
+    }
+    std::sort(found.begin(), found.end());
+    return found;
+  };
+
+  const SampleTweak plain("T1");
+  ipa->setActiveTweak(&plain);
+  EXPECT_EQ(calls(), "kvfileops cleanup " + directory + " 1\n") << "no icon, no respring";
+  EXPECT_THAT(names(), ElementsAre("T1.bundle", "TweakInfo.plist"));
+  EXPECT_EQ(ipa->activeTweakID(), "T1");
+  EXPECT_THAT(notices, ElementsAre("InstalledTweaksDidChange com.example.notes T1",
+                                   "IPAFilesDidChange com.example.notes T1"));
+
+  fs::remove(tree_.path() / "calls");
+  const SampleTweak iconed("T2", "an icon");
+  ipa->setActiveTweak(&iconed);
+  EXPECT_THAT(names(), ElementsAre("T2.bundle", "TweakInfo.plist"));
+  EXPECT_EQ(InstalledTweaks::record("com.example.notes")->customIconURL->absoluteString,
+            "file:///var/mobile/Library/Application%20Support/Marrowgleam/Installed%20Tweaks/"
+            "com.example.notes/T2.bundle/Icon.png");
+  EXPECT_THAT(calls(), testing::EndsWith("killall -9 SpringBoard\n"));
+
+  // The same bytes elsewhere change nothing that the home screen shows.
+  fs::remove(tree_.path() / "calls");
+  const SampleTweak again("T3", "an icon");
+  ipa->setActiveTweak(&again);
+  EXPECT_EQ(calls(), "kvfileops cleanup " + directory + " 1\n");
+
+  IPA::poster().performWithoutNotifications([&] { ipa->setActiveTweak(nullptr); });
+  EXPECT_EQ(calls(), "kvfileops cleanup " + directory + " 1\nkvfileops cleanup " + directory +
+                         " 0\nkillall -9 SpringBoard\n");
+  EXPECT_FALSE(fs::exists(installed()));
+  EXPECT_EQ(notices.size(), 6U) << "the last change was silent";
+  EXPECT_FALSE(fs::exists(tree_.path() / "var/mobile/Library/Application Support/Marrowgleam/"
+                                         ".TemporaryItems"));
+  NotificationCenter::default_().removeObserver(token);
+}
+
+TEST_F(IPATest, AFailedInstallationLeavesTheOldOneOrNoRecord) {
+  const auto ipa = IPA::withAppDir(appDir());
+  const SampleTweak old("T1");
+  const SampleTweak next("T2");
+  ipa->setActiveTweak(&old);
+
+  const SampleTweak broken("broken");
+  EXPECT_THROW(ipa->setActiveTweak(&broken), std::runtime_error);
+  EXPECT_EQ(ipa->activeTweakID(), "T1");
+
+  helper("exit 3");
+  try {
+    ipa->setActiveTweak(&next);
+    FAIL() << "the helper failed";
+  } catch (const Process::Error& error) {
+    EXPECT_EQ(error, Process::Error::terminated(3));
+  }
+  EXPECT_EQ(InstalledTweaks::record("com.example.notes"), std::nullopt);
+
+  fs::remove(DeviceRoot::shared().resolve(kFileOperationsPath));
+  EXPECT_EQ(messageOf([&] { ipa->setActiveTweak(&next); }), "Missing kvfileops");
+  for (const std::string bundleID : {"..", "a/b", ""}) {
+    app(bundleID, "Notes");
+    EXPECT_EQ(messageOf([&] { ipa->setActiveTweak(&next); }), "Invalid filename: " + bundleID);
+    EXPECT_EQ(messageOf([&] { ipa->copyCrashLogs(tree_.path()); }),
+              "Invalid filename: " + bundleID);
+  }
+}
+
+TEST_F(IPATest, NeverInstallsOutsideTheTree) {
+  const TemporaryFolder outside;
+  outside.write("com.example.notes/kept", "kept");
+  fs::create_directories(installed().parent_path().parent_path());
+  fs::create_symlink(outside.path(), installed().parent_path());
+  const SampleTweak tweak("T1");
+  IPA::withAppDir(appDir())->setActiveTweak(&tweak);
+  // As on the device, the link leads to a folder of its own tree.
+  EXPECT_TRUE(fs::exists(tree_.path() / outside.path().relative_path() / "com.example.notes"));
+  std::vector<std::string> found;
+  for (const auto& entry : fs::recursive_directory_iterator(outside.path())) {
+    found.push_back(entry.path().filename());
+  }
+  EXPECT_THAT(found, testing::UnorderedElementsAre("com.example.notes", "kept"));
+}
+
+TEST_F(IPATest, AsksTheHelperForCrashLogs) {
+  IPA::withAppDir(appDir())->copyCrashLogs(tree_.path() / "logs");
+  EXPECT_EQ(calls(), "kvfileops fetch-logs com.example.notes /logs\n");
+}
+
+TEST_F(IPATest, AllIsTheSharedListsOneLoad) {
+  class CountingFetcher : public AppListFetcher {
+   public:
+    CountingFetcher(int& count, fs::path bundle) : count_(count), bundle_(std::move(bundle)) {}
+    std::vector<AppListApp> fetchAllApps() const override {
+      ++count_;
+      return {{"com.example.notes", "Notes", bundle_}};
+    }
+
+   private:
+    int& count_;
+    fs::path bundle_;
+  };
+  static int loads = 0;
+  AppList::setSharedFetcher(std::make_unique<CountingFetcher>(loads, appDir()));
+  const auto first = IPA::all();
+  ASSERT_EQ(first.size(), 1U);
+  EXPECT_EQ(IPA::all(), first);
+  EXPECT_EQ(IPA::findWithBundleID("com.example.notes"), first.front());
+  EXPECT_EQ(messageOf([] { IPA::findWithBundleID("com.example.none"); }),
+            "IPA not found with bundle ID: com.example.none");
+  EXPECT_EQ(loads, 1);
+}
+
+}  // namespace
+}  // namespace tavlen

@@ -1,0 +1,136 @@
+#include <gmock/gmock.h>
+
+#include "CommandTest.h"
+#include "MachOFile.h"
+#include "tavlen/device/TweakInfo.h"
+#include "tavlen/foundation/KeyedArchive.h"
+
+namespace tavlen {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+/// A device tree below the folder "tree".
+class DeviceCommandTest : public CommandTest {
+ protected:
+  void app(const std::string& folder, const std::string& name, const std::string& bundleID,
+           const std::string& rest = "<key>CFBundleVersion</key><string>7</string>") const {
+    write("tree/Applications/" + folder + "/Info.plist",
+          "<plist version=\"1.0\"><dict><key>CFBundleExecutable</key><string>Main</string>"
+          "<key>CFBundleIdentifier</key><string>" +
+              bundleID + "</string><key>CFBundleDisplayName</key><string>" + name +
+              "</string><key>UIDeviceFamily</key><integer>1</integer>" + rest + "</dict></plist>");
+  }
+  void program(const std::string& path, const std::string& script) const {
+    write("tree/" + path, "#!/bin/sh\n" + script + "\n");
+    fs::permissions(folder() / "tree" / path, fs::perms::owner_all);
+  }
+  Result device(std::vector<std::string> arguments) const {
+    arguments.insert(arguments.begin(), {"--root", "tree"});
+    return run(arguments);
+  }
+};
+
+const std::string kRecords =
+    "tree/var/mobile/Library/Application Support/Marrowgleam/Installed Tweaks/";
+
+TEST_F(DeviceCommandTest, AppsAreATable) {
+  app("B.app", "bravo", "com.b");
+  app("A.app", "Alpha", "com.a",
+      "<key>CFBundleVersion</key><string>7</string>"
+      "<key>CFBundleShortVersionString</key><string>1.20</string>");
+  app("J.app", "\u65E5\u672C\u8A9E", "com.japan");
+  app("Family.app", "f\u0065\u0301 \U0001F468\u200D\U0001F469\u200D\U0001F467!", "com.family");
+  app("Broken.app", "Broken\nName", "com.broken", "");
+  write("tree/Applications/Pipe.app/Info.plist/x", "");
+  write(kRecords + "com.b/TweakInfo.plist", encodeKeyedArchive(TweakInfo("com.b", "T1")));
+  write(kRecords + "com.a/TweakInfo.plist", "junk");
+
+  const Result table = device({"apps"});
+  EXPECT_EQ(table.err, "");
+  EXPECT_EQ(table.out,
+            "NAME          IDENTIFIER  VERSION  ACTIVE TWEAK  NOTE\n"
+            "Alpha         com.a       1.20\n"
+            "bravo         com.b       7        T1\n"
+            "Broken\\nName  com.broken  -                      "
+            "Info.plist: missing key \"CFBundleVersion\"\n"
+            "f\u0065\u0301 \U0001F468\u200D\U0001F469\u200D\U0001F467!        com.family  7\n"
+            "\u65E5\u672C\u8A9E        com.japan   7\n");
+
+  const Result json = device({"apps", "--json"});
+  EXPECT_THAT(json.out, StartsWith("[{\"name\":\"Alpha\",\"bundleID\":\"com.a\","
+                                   "\"version\":\"1.20\",\"path\":\""));
+  EXPECT_THAT(json.out, HasSubstr("\"activeTweak\":\"T1\""));
+}
+
+TEST_F(DeviceCommandTest, TheRootComesFromTheOptionOrTheEnvironment) {
+  app("A.app", "Alpha", "com.a");
+  setEnvironment({"TAVLEN_ROOT=tree"});
+  EXPECT_THAT(run({"apps"}).out, HasSubstr("com.a"));
+  fs::create_directory(folder() / "empty");
+  const Result empty = run({"apps", "--root", "empty"});
+  EXPECT_EQ(empty.status, 0);
+  EXPECT_EQ(empty.out, "");
+  EXPECT_THAT(empty.err, HasSubstr("no apps"));
+  EXPECT_EQ(run({"--root", "nowhere", "apps"}).status, 2);
+  setEnvironment({"TAVLEN_ROOT=nowhere"});
+  EXPECT_EQ(run({"apps"}).status, 2);
+}
+
+TEST_F(DeviceCommandTest, AnAppIsNamedByIdentifierOrPath) {
+  app("A.app", "Alpha", "com.a");
+  for (const std::string name :
+       {"com.a", "tree/Applications/A.app", "./tree/Applications/A.app/"}) {
+    EXPECT_THAT(device({"info", name}).out, HasSubstr("Identifier:         com.a\n"));
+  }
+  EXPECT_EQ(device({"info", "com.x"}).err, "tavlen: error: IPA not found with bundle ID: com.x\n");
+  EXPECT_EQ(device({"info", "tree/Applications"}).err,
+            "tavlen: error: tree/Applications: The ipa file was invalid\n");
+}
+
+TEST_F(DeviceCommandTest, ExecutablesAreListedByKind) {
+  app("A.app", "Alpha", "com.a");
+  EXPECT_EQ(device({"executables", "com.a"}).err, "tavlen: error: Missing Main\n");
+  write("tree/Applications/A.app/Main", macho::thin(2));
+  write("tree/Applications/A.app/Frameworks/\u65E5.dylib", macho::thin(6));
+  write("tree/Applications/A.app/tool", macho::fat({macho::thin(2)}));
+  EXPECT_EQ(device({"executables", "com.a"}).out,
+            "KIND     PATH\nmain     Main\nbundle   tool\ndynamic  Frameworks/\u65E5.dylib\n");
+  EXPECT_THAT(device({"executables", "--json", "com.a"}).out,
+              StartsWith("[{\"kind\":\"main\",\"name\":\"Main\",\"relativePath\":\"Main\","));
+}
+
+TEST_F(DeviceCommandTest, CrashLogsComeThroughTheHelper) {
+  app("A.app", "Alpha", "com.a");
+  fs::create_directory(folder() / "logs");
+  EXPECT_EQ(device({"crash-logs", "com.a", "logs"}).err, "tavlen: error: Missing kvfileops\n");
+  // The helper learns the root, whatever the path that the user gave.
+  program("Applications/Marrowgleam.app/bin/kvfileops",
+          "echo \"$1 $2 $TAVLEN_ROOT\" > \"$3/log.ips\"");
+  EXPECT_EQ(device({"crash-logs", "com.a", "logs"}).out, "log.ips\n");
+  EXPECT_EQ(contents("logs/log.ips"),
+            "fetch-logs com.a " + fs::canonical(folder() / "tree").string() + "\n");
+  EXPECT_THAT(device({"crash-logs", "com.a", "logs"}).err, HasSubstr("no crash logs"));
+  EXPECT_EQ(device({"crash-logs", "com.a", "nowhere"}).status, 1);
+  program("Applications/Marrowgleam.app/bin/kvfileops", "exit 4");
+  EXPECT_EQ(device({"crash-logs", "com.a", "logs"}).err, "tavlen: error: terminated(4)\n");
+}
+
+TEST_F(DeviceCommandTest, KillAndRespringSayWhatIsMissing) {
+  fs::create_directory(folder() / "tree");
+  Result result = device({"respring"});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(result.err, HasSubstr("/tree/usr/bin/killall: No such file or directory\n"));
+  program("usr/bin/killall", "echo \"$@\" >> called");
+  EXPECT_EQ(device({"respring"}).status, 0);
+  EXPECT_EQ(contents("called"), "-9 SpringBoard\n");
+
+  result = device({"kill", "com.a"});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(result.err, HasSubstr("the system service that knows the running apps is missing"));
+}
+
+}  // namespace
+}  // namespace tavlen

@@ -67,7 +67,7 @@ std::optional<AppListApp> keptApp(id proxy, Class proxyClass) {
 std::vector<AppListApp> keptApps(id proxies) {
   std::vector<AppListApp> apps;
   if (!isKindOf(proxies, "NSArray")) return apps;
-  const Class proxyClass = classNamed("LSApplicationProxy");
+  Class proxyClass = classNamed("LSApplicationProxy");
   const auto count = send<unsigned long>(proxies, "count");
   for (unsigned long i = 0; i < count; ++i) {
     runGuarded([&] {
@@ -84,7 +84,7 @@ std::vector<AppListApp> LSAppListFetcher::fetchAllApps() const {
   std::vector<AppListApp> apps;
   const AutoreleasePool pool;
   runGuarded([&] {
-    const Class workspace = classNamed("LSApplicationWorkspace");
+    Class workspace = classNamed("LSApplicationWorkspace");
     apps = keptApps(send(send(workspace, "defaultWorkspace"), "allApplications"));
   });
   return apps;

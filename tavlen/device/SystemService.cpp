@@ -24,8 +24,8 @@ std::optional<pid_t> pidForApplication(const std::string& bundleID) {
   pid_t pid = -1;
   const AutoreleasePool pool;
   runGuarded([&] {
-    const id service = sharedService();
-    const id identifier = makeString(bundleID);
+    id service = sharedService();
+    id identifier = makeString(bundleID);
     if (service != nullptr && identifier != nullptr) {
       pid = send<pid_t>(service, "pidForApplication:", identifier);
     }

@@ -59,7 +59,7 @@ bool runGuarded(FunctionRef<void()> body) {
 std::optional<std::string> text(id string) {
   if (!isKindOf(string, "NSString")) return std::nullopt;
   // Not UTF8String, which ends at a NUL: an identifier would read as another one.
-  const id data = send(string, "dataUsingEncoding:", kUTF8StringEncoding);
+  id data = send(string, "dataUsingEncoding:", kUTF8StringEncoding);
   if (data == nullptr) return std::nullopt;
   const auto length = send<unsigned long>(data, "length");
   if (length == 0) return std::string();
@@ -70,9 +70,9 @@ std::optional<std::string> text(id string) {
 
 id makeString(std::string_view text) {
   if (!isValidUTF8(text)) return nullptr;
-  const id string = send(send(classNamed("NSString"), "alloc"),
-                         "initWithBytes:length:encoding:", static_cast<const void*>(text.data()),
-                         static_cast<unsigned long>(text.size()), kUTF8StringEncoding);
+  id string = send(send(classNamed("NSString"), "alloc"),
+                   "initWithBytes:length:encoding:", static_cast<const void*>(text.data()),
+                   static_cast<unsigned long>(text.size()), kUTF8StringEncoding);
   return send(string, "autorelease");
 }
 

@@ -36,15 +36,21 @@ using Implementation = void (*)();
 Implementation implementation(id receiver, SEL selector);
 SEL selectorNamed(const char* name);
 
+/// Larger results come back another way on some devices; nothing here needs one.
+template <class Result>
+constexpr bool isReturnedInRegisters() {
+  if constexpr (std::is_void_v<Result> || std::is_pointer_v<Result>)
+    return true;
+  else
+    return sizeof(Result) <= 2 * sizeof(void*);
+}
+
 /// Sends a message. The types of the result and of each argument must be exactly the method's:
 /// `unsigned long` for an NSUInteger (a plain 0 is not one), BOOL for a truth value. The answer of
 /// nil is zero, whatever the type.
 template <class Result = id, class... Arguments>
 Result send(id receiver, const char* selector, Arguments... arguments) {
-  // Larger ones are returned by another way on some devices; nothing here needs one.
-  static_assert(std::is_void_v<Result> ||
-                sizeof(std::conditional_t<std::is_void_v<Result>, char, Result>) <=
-                    2 * sizeof(void*));
+  static_assert(isReturnedInRegisters<Result>());
   if (receiver == nullptr) return Result();
   const SEL name = selectorNamed(selector);
   using Method = Result (*)(id, SEL, Arguments...);

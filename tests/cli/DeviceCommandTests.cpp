@@ -130,6 +130,20 @@ TEST_F(DeviceCommandTest, KillAndRespringSayWhatIsMissing) {
   result = device({"kill", "com.a"});
   EXPECT_EQ(result.status, 1);
   EXPECT_THAT(result.err, HasSubstr("the system service that knows the running apps is missing"));
+
+  write("script.plist",
+        "<?xml version=\"1.0\" encoding=\"UTF-8\"?><plist version=\"1.0\"><dict><key>pids</key>"
+        "<dict><key>com.a</key><integer>12345</integer><key>com.odd</key><integer>0</integer>"
+        "</dict></dict></plist>");
+  setEnvironment({std::string("LD_PRELOAD=") + TAVLEN_STAND_INS_LIBRARY,
+                  "TAVLEN_STAND_INS=" + (folder() / "script.plist").string()});
+  EXPECT_THAT(device({"kill", "com.a"}).err,
+              HasSubstr("/tree/bin/kill: No such file or directory\n"));
+  program("bin/kill", "echo \"$@\" > killed");
+  EXPECT_EQ(device({"kill", "com.odd"}).err, "tavlen: error: com.odd is not running\n");
+  EXPECT_FALSE(fs::exists(folder() / "killed"));
+  EXPECT_EQ(device({"kill", "com.a"}).err, "");
+  EXPECT_EQ(contents("killed"), "-9 12345\n");
 }
 
 }  // namespace

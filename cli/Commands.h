@@ -19,10 +19,10 @@ void addBuildCommand(CLI::App& app, Action& action);
 void addCheckCommand(CLI::App& app, Action& action);
 void addAppsCommand(CLI::App& app, Action& action);
 void addInfoCommand(CLI::App& app, Action& action);
+void addIconCommand(CLI::App& app, Action& action);
 void addExecutablesCommand(CLI::App& app, Action& action);
 void addCrashLogsCommand(CLI::App& app, Action& action);
 void addKillCommand(CLI::App& app, Action& action);
 void addRespringCommand(CLI::App& app, Action& action);
-void addIconCommand(CLI::App& app, Action& action);
 
 }  // namespace tavlen::cli

@@ -17,8 +17,7 @@ constexpr const char* kVariable = "TAVLEN_ROOT";
 void addRootOption(CLI::App& app, std::string& root) {
   app.add_option("--root", root, "The folder that stands for the device's /")
       ->envname(kVariable)
-      ->check(CLI::ExistingDirectory)
-      ->type_name("DIR");
+      ->check(CLI::ExistingDirectory);
 }
 
 void useRoot(const std::string& root) {

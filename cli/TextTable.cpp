@@ -31,7 +31,9 @@ std::size_t widthOf(UChar32 character) {
 
 std::size_t displayWidth(std::string_view text) {
   constexpr UChar32 kZeroWidthJoiner = 0x200D;
+  constexpr UChar32 kEmojiSelector = 0xFE0F;
   std::size_t width = 0;
+  std::size_t last = 0;  // the width of the character before
   bool isJoined = false;
   const auto length = static_cast<std::int64_t>(text.size());
   for (std::int64_t i = 0; i < length;) {
@@ -39,7 +41,10 @@ std::size_t displayWidth(std::string_view text) {
     U8_NEXT_OR_FFFD(reinterpret_cast<const std::uint8_t*>(text.data()), i, length, character);
     // Joined emoji are drawn as one, and a skin tone upon the one before.
     const bool isPart = isJoined || u_hasBinaryProperty(character, UCHAR_EMOJI_MODIFIER);
-    if (!isPart || width == 0) width += widthOf(character);
+    // A sign that can be drawn as text or as emoji is wide as an emoji.
+    const bool widens = character == kEmojiSelector && last == 1;
+    last = widens ? 1 : isPart && width != 0 ? 0 : widthOf(character);
+    width += last;
     isJoined = character == kZeroWidthJoiner;
   }
   return width;

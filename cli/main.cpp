@@ -44,11 +44,11 @@ int run(int argc, char** argv) {
   tavlen::cli::addCheckCommand(app, action);
   tavlen::cli::addAppsCommand(app, action);
   tavlen::cli::addInfoCommand(app, action);
+  tavlen::cli::addIconCommand(app, action);
   tavlen::cli::addExecutablesCommand(app, action);
   tavlen::cli::addCrashLogsCommand(app, action);
   tavlen::cli::addKillCommand(app, action);
   tavlen::cli::addRespringCommand(app, action);
-  tavlen::cli::addIconCommand(app, action);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

@@ -41,7 +41,7 @@ TEST_F(DeviceCommandTest, AppsAreATable) {
   app("A.app", "Alpha", "com.a",
       "<key>CFBundleVersion</key><string>7</string>"
       "<key>CFBundleShortVersionString</key><string>1.20</string>");
-  app("J.app", "\u65E5\u672C\u8A9E", "com.japan");
+  app("J.app", "\u65E5\u672C\u8A9E\U0001F5FA\uFE0F", "com.japan");
   app("Family.app", "f\u0065\u0301 \U0001F468\u200D\U0001F469\u200D\U0001F467!", "com.family");
   app("Broken.app", "Broken\nName", "com.broken", "");
   write("tree/Applications/Pipe.app/Info.plist/x", "");
@@ -57,7 +57,7 @@ TEST_F(DeviceCommandTest, AppsAreATable) {
             "Broken\\nName  com.broken  -                      "
             "Info.plist: missing key \"CFBundleVersion\"\n"
             "f\u0065\u0301 \U0001F468\u200D\U0001F469\u200D\U0001F467!        com.family  7\n"
-            "\u65E5\u672C\u8A9E        com.japan   7\n");
+            "\u65E5\u672C\u8A9E\U0001F5FA\uFE0F      com.japan   7\n");
 
   const Result json = device({"apps", "--json"});
   EXPECT_THAT(json.out, StartsWith("[{\"name\":\"Alpha\",\"bundleID\":\"com.a\","

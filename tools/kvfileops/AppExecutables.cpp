@@ -2,6 +2,7 @@
 
 #include <exception>
 #include <optional>
+#include <system_error>
 #include <utility>
 
 #include "kvfileops/DeviceFolder.h"
@@ -47,13 +48,23 @@ class Search {
   void readApp(int parent, const std::string& name, const std::filesystem::path& shown) {
     const std::optional<Descriptor> app = openFolder(parent, name, shown);
     if (!app) return;
-    const auto file = openRegularFile(app->get(), "Info.plist", shown / "Info.plist");
+    const auto file = openList(app->get(), shown / "Info.plist");
     if (!file) return;
     // A longer one is cut off, and then no list.
     const PropertyList list = readPropertyList(headOfFile(file->get(), kLargestList, shown));
     if (list.findString(list.root(), "CFBundleIdentifier") != bundleID_) return;
     const auto executable = list.findString(list.root(), "CFBundleExecutable");
     if (executable && isPlainComponent(*executable)) executables_.emplace(*executable);
+  }
+
+  /// Nothing where no list stands: the tool's own folder of programs is called an app, too.
+  static std::optional<Descriptor> openList(int app, const std::filesystem::path& shown) {
+    try {
+      return openRegularFile(app, "Info.plist", shown);
+    } catch (const std::system_error& error) {
+      if (error.code() == std::errc::no_such_file_or_directory) return std::nullopt;
+      throw;
+    }
   }
 
   const std::string& bundleID_;

@@ -15,11 +15,31 @@ using Index = PropertyList::Index;
 constexpr std::size_t kMagicSize = 8;
 constexpr std::size_t kTrailerSize = 32;
 
-/// The big-endian number in `bytes`, which are eight at most.
-std::uint64_t number(std::string_view bytes) {
+/// The big-endian number in `bytes`. Compilers make one load of it when they know the size.
+template <std::size_t Size>
+std::uint64_t fixedNumber(const char* bytes) {
   std::uint64_t value = 0;
-  for (const char byte : bytes) value = value << 8 | static_cast<unsigned char>(byte);
+  for (std::size_t i = 0; i < Size; ++i) value = value << 8 | static_cast<unsigned char>(bytes[i]);
   return value;
+}
+
+/// The same for eight bytes at the most.
+std::uint64_t number(std::string_view bytes) {
+  switch (bytes.size()) {
+    case 1:
+      return fixedNumber<1>(bytes.data());
+    case 2:
+      return fixedNumber<2>(bytes.data());
+    case 4:
+      return fixedNumber<4>(bytes.data());
+    case 8:
+      return fixedNumber<8>(bytes.data());
+    default: {
+      std::uint64_t value = 0;
+      for (const char byte : bytes) value = value << 8 | static_cast<unsigned char>(byte);
+      return value;
+    }
+  }
 }
 
 /// Layout, with the format's own names: 8 bytes of magic, the objects, the offset table at
@@ -30,7 +50,7 @@ class Reader {
 
   PropertyList read() {
     readTrailer();
-    list_.reserve(static_cast<std::size_t>(numObjects_));
+    reserve();
     for (std::uint64_t i = 0; i < numObjects_; ++i) {
       position_ = objectOffset(i);
       const std::size_t start = position_;
@@ -68,9 +88,18 @@ class Reader {
     unread_ = objectsEnd_ - kMagicSize;
   }
 
+  /// What the file can hold at the most, up to a limit: room that is not used is not touched, and
+  /// room that is there is not copied from one place to the next.
+  void reserve() {
+    constexpr std::size_t kMost = std::size_t{16} << 20;
+    const std::size_t references = unread_ / objectRefSize_;
+    list_.reserve({static_cast<std::size_t>(numObjects_), std::min(unread_, kMost),
+                   std::min(references, kMost / 4), std::min(references / 2, kMost / 8)});
+  }
+
   std::size_t objectOffset(std::uint64_t index) const {
     const std::size_t entry = objectsEnd_ + static_cast<std::size_t>(index) * offsetIntSize_;
-    const std::uint64_t offset = number(bytes_.substr(entry, offsetIntSize_));
+    const std::uint64_t offset = number({bytes_.data() + entry, offsetIntSize_});
     if (offset < kMagicSize || offset >= objectsEnd_) {
       throw invalidPropertyList("An object's offset is out of range.");
     }
@@ -79,7 +108,7 @@ class Reader {
 
   std::string_view take(std::uint64_t count) {
     if (count > objectsEnd_ - position_) throw invalidPropertyList("An object is cut short.");
-    const std::string_view taken = bytes_.substr(position_, static_cast<std::size_t>(count));
+    const std::string_view taken(bytes_.data() + position_, static_cast<std::size_t>(count));
     position_ += taken.size();
     return taken;
   }
@@ -92,9 +121,15 @@ class Reader {
     return number(take(1ULL << (marker & 15U)));
   }
 
-  /// The bytes of `count` units of `unit` bytes, without an overflow for any count.
+  /// `count` units of `unit` bytes must be there. Nothing overflows for any count.
+  void checkCount(std::uint64_t count, std::size_t unit) const {
+    if (count > (objectsEnd_ - position_) / unit) {
+      throw invalidPropertyList("A count is out of range.");
+    }
+  }
+
   std::string_view takeUnits(std::uint64_t count, std::size_t unit) {
-    if (count > objectsEnd_) throw invalidPropertyList("A count is out of range.");
+    checkCount(count, unit);
     return take(count * unit);
   }
 
@@ -152,7 +187,7 @@ class Reader {
   }
 
   void readASCII(std::string_view text) {
-    if (std::any_of(text.begin(), text.end(), [](char byte) { return (byte & 0x80) != 0; })) {
+    if (!isASCII(text)) {
       throw invalidPropertyList("A string is not ASCII, as its object says.");
     }
     add(text);
@@ -166,26 +201,51 @@ class Reader {
     add(text);
   }
 
-  Index reference(std::string_view references, std::size_t i) const {
-    const std::uint64_t index = number(references.substr(i * objectRefSize_, objectRefSize_));
-    if (index >= numObjects_) throw invalidPropertyList("A reference is out of range.");
-    return static_cast<Index>(index);
+  /// Calls `store(i, reference)` for each of the references, which are `Size` bytes wide.
+  template <std::size_t Size, class Store>
+  void storeReferences(std::string_view references, const Store& store) const {
+    for (std::size_t i = 0; i < references.size() / Size; ++i) {
+      const std::uint64_t index = fixedNumber<Size>(references.data() + i * Size);
+      if (index >= numObjects_) throw invalidPropertyList("A reference is out of range.");
+      store(i, static_cast<Index>(index));
+    }
+  }
+
+  template <class Store>
+  void readReferences(std::uint64_t count, const Store& store) {
+    const std::string_view references = takeUnits(count, objectRefSize_);
+    switch (objectRefSize_) {
+      case 1:
+        return storeReferences<1>(references, store);
+      case 2:
+        return storeReferences<2>(references, store);
+      case 3:
+        return storeReferences<3>(references, store);
+      case 4:
+        return storeReferences<4>(references, store);
+      case 5:
+        return storeReferences<5>(references, store);
+      case 6:
+        return storeReferences<6>(references, store);
+      case 7:
+        return storeReferences<7>(references, store);
+      default:
+        return storeReferences<8>(references, store);
+    }
   }
 
   void readArray(std::uint64_t count) {
-    const std::string_view references = takeUnits(count, objectRefSize_);
-    elements_.clear();
-    for (std::size_t i = 0; i < count; ++i) elements_.push_back(reference(references, i));
+    checkCount(count, objectRefSize_);
+    elements_.resize(static_cast<std::size_t>(count));
+    readReferences(count, [&](std::size_t i, Index element) { elements_[i] = element; });
     add(PropertyList::Array{elements_});
   }
 
   void readDictionary(std::uint64_t count) {
-    const std::string_view keys = takeUnits(count, objectRefSize_);
-    const std::string_view values = takeUnits(count, objectRefSize_);
-    members_.clear();
-    for (std::size_t i = 0; i < count; ++i) {
-      members_.push_back({reference(keys, i), reference(values, i)});
-    }
+    checkCount(count, 2 * objectRefSize_);
+    members_.resize(static_cast<std::size_t>(count));
+    readReferences(count, [&](std::size_t i, Index key) { members_[i].key = key; });
+    readReferences(count, [&](std::size_t i, Index value) { members_[i].value = value; });
     add(PropertyList::Dictionary{members_});
   }
 

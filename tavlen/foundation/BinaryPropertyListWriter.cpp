@@ -1,11 +1,13 @@
 #include "tavlen/foundation/BinaryPropertyListWriter.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <functional>
 #include <limits>
 #include <string_view>
 
+#include "tavlen/foundation/HashIndex.h"
 #include "tavlen/foundation/Unicode.h"
 
 namespace tavlen {
@@ -29,14 +31,12 @@ std::size_t hashOf(const PropertyList::Scalar& scalar) {
 
 class Writer {
  public:
-  explicit Writer(const PropertyList& list)
-      : list_(list),
-        numbers_(list.size(), kUnnumbered),
-        scalars_(std::bit_ceil(2 * list.size()), kUnnumbered) {}
+  explicit Writer(const PropertyList& list) : list_(list), numbers_(list.size(), kUnnumbered) {}
 
   std::string write() {
     numberObjects();
     referenceSize_ = std::size_t{1} << widthPower(order_.size());
+    out_.reserve(list_.byteCount() + list_.referenceCount() * referenceSize_ + 9 * order_.size());
     out_ = "bplist00";
     std::vector<std::uint64_t> offsets;
     offsets.reserve(order_.size());
@@ -91,21 +91,39 @@ class Writer {
   /// Gives an equal scalar's number to this one, if there is one.
   void addScalar(Index index) {
     const PropertyList::Scalar scalar = list_.scalar(index);
-    std::size_t slot = hashOf(scalar) & (scalars_.size() - 1);
-    while (scalars_[slot] != kUnnumbered && list_.scalar(scalars_[slot]) != scalar) {
-      slot = (slot + 1) & (scalars_.size() - 1);
+    if (scalar.kind == PropertyList::Kind::uid && scalar.bits < list_.size()) {
+      return addUID(index, static_cast<std::size_t>(scalar.bits));
     }
-    if (scalars_[slot] == kUnnumbered) {
-      scalars_[slot] = index;
-      addObject(index);
+    const std::size_t hash = hashOf(scalar);
+    const Index equal =
+        scalars_.find(hash, [&](Index other) { return list_.scalar(other) == scalar; });
+    if (equal != HashIndex::kNone) {
+      numbers_[index] = numbers_[equal];
     } else {
-      numbers_[index] = numbers_[scalars_[slot]];
+      scalars_.add(hash, index);
+      addObject(index);
     }
   }
 
-  void appendNumber(std::uint64_t value, std::size_t size) {
-    for (std::size_t i = size; i-- > 0;) out_ += static_cast<char>(value >> (8 * i) & 0xFF);
+  /// Half of an archive's objects are these, and they count up.
+  void addUID(Index index, std::size_t value) {
+    if (uids_.empty()) uids_.resize(list_.size(), kUnnumbered);
+    if (uids_[value] == kUnnumbered) {
+      uids_[value] = index;
+      addObject(index);
+    } else {
+      numbers_[index] = numbers_[uids_[value]];
+    }
   }
+
+  /// The last `size` bytes of `value`, big-endian.
+  void appendNumber(std::uint64_t value, std::size_t size) {
+    std::array<char, 8> bytes{};
+    for (std::size_t i = bytes.size(); i-- > 0; value >>= 8) bytes[i] = static_cast<char>(value);
+    out_.append(bytes.data() + bytes.size() - size, size);
+  }
+
+  void appendReference(Index index) { appendNumber(numbers_[index], referenceSize_); }
 
   void appendMarker(unsigned high, unsigned low) { out_ += static_cast<char>(high << 4 | low); }
 
@@ -139,9 +157,7 @@ class Writer {
     out_ += value.bytes;
   }
   void append(std::string_view value) {
-    const bool isASCII =
-        std::none_of(value.begin(), value.end(), [](char byte) { return (byte & 0x80) != 0; });
-    if (isASCII) {
+    if (isASCII(value)) {
       appendSized(5, value.size());
       out_ += value;
       return;
@@ -158,19 +174,19 @@ class Writer {
   }
   void append(PropertyList::Array value) {
     appendSized(0xA, value.elements.size());
-    for (const Index element : value.elements) appendNumber(numbers_[element], referenceSize_);
+    for (const Index element : value.elements) appendReference(element);
   }
   void append(PropertyList::Dictionary value) {
     appendSized(0xD, value.members.size());
-    for (const auto& member : value.members) appendNumber(numbers_[member.key], referenceSize_);
-    for (const auto& member : value.members) appendNumber(numbers_[member.value], referenceSize_);
+    for (const auto& member : value.members) appendReference(member.key);
+    for (const auto& member : value.members) appendReference(member.value);
   }
 
   const PropertyList& list_;
   std::vector<Index> numbers_;  ///< by index in the list
   std::vector<Index> order_;    ///< by number
-  /// A hash table with open addressing of the scalars that have numbers, by their indices.
-  std::vector<Index> scalars_;
+  HashIndex scalars_;           ///< those that have numbers
+  std::vector<Index> uids_;     ///< likewise, by their values
   std::size_t referenceSize_ = 1;
   std::string out_;
 };

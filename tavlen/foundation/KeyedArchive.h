@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <concepts>
 #include <cstdint>
@@ -31,7 +32,8 @@ concept ArchivedRecord = CodedRecord<T> && requires {
 };
 
 /// The archived form of one type: `encode(archiver, value)`, which gives what stands under a key,
-/// and `decode(unarchiver, what stands there, value&)`, with `value` as it was made.
+/// and `decode(unarchiver, stored, value&)`, with `value` as it was made. `stored` is what stands
+/// under the key, or for an object that object itself, which is not nil.
 template <class T>
 struct ArchiveCoding;
 
@@ -79,7 +81,7 @@ struct ArchiveCoding<std::string> {
     return archiver.text(value);
   }
   static void decode(KeyedUnarchiver& unarchiver, PropertyList::Index stored, std::string& value) {
-    if (const auto text = unarchiver.text(stored)) value = *text;
+    value = unarchiver.text(stored);
   }
 };
 
@@ -90,7 +92,7 @@ struct ArchiveCoding<URL> {
     return archiver.url(value.absoluteString);
   }
   static void decode(KeyedUnarchiver& unarchiver, PropertyList::Index stored, URL& value) {
-    if (auto url = unarchiver.url(stored)) value = std::move(*url);
+    value = unarchiver.url(stored);
   }
 };
 
@@ -102,9 +104,7 @@ struct ArchiveCoding<std::optional<Value>> {
   }
   static void decode(KeyedUnarchiver& unarchiver, PropertyList::Index stored,
                      std::optional<Value>& value) {
-    if (unarchiver.object(stored)) {
-      ArchiveCoding<Value>::decode(unarchiver, stored, value.emplace());
-    }
+    ArchiveCoding<Value>::decode(unarchiver, stored, value.emplace());
   }
 };
 
@@ -118,7 +118,10 @@ struct ArchiveCoding<std::vector<Element>> {
   }
   static void decode(KeyedUnarchiver& unarchiver, PropertyList::Index stored,
                      std::vector<Element>& value) {
-    unarchiver.elements(stored, [&](PropertyList::Index element) {
+    // Room for more is made while they come: each may be a mere reference to the same nothing.
+    constexpr std::size_t kExpected = 64;
+    unarchiver.elements(stored, [&](PropertyList::Index element, std::size_t count) {
+      if (value.empty()) value.reserve(std::min(count, kExpected));
       ArchiveCoding<Element>::decode(unarchiver, element, value.emplace_back());
     });
   }
@@ -131,7 +134,13 @@ inline constexpr auto kArchivedFields = []<std::size_t... I>(std::index_sequence
       std::get<I>(Record::codedFields()).key,
       [](KeyedUnarchiver& unarchiver, PropertyList::Index stored, void* record) {
         auto& value = static_cast<Record*>(record)->*std::get<I>(Record::codedFields()).member;
-        ArchiveCoding<std::remove_reference_t<decltype(value)>>::decode(unarchiver, stored, value);
+        using Member = std::remove_reference_t<decltype(value)>;
+        if constexpr (ArchivedObject<Member>) {
+          const auto object = unarchiver.object(stored);
+          if (object) ArchiveCoding<Member>::decode(unarchiver, *object, value);
+        } else {
+          ArchiveCoding<Member>::decode(unarchiver, stored, value);
+        }
       },
   }...};
 }
@@ -171,15 +180,13 @@ struct ArchiveCoding<std::shared_ptr<Record>> {
   }
   static void decode(KeyedUnarchiver& unarchiver, PropertyList::Index stored,
                      std::shared_ptr<Record>& value) {
-    const auto object = unarchiver.object(stored);
-    if (!object) return;
-    if (const auto known = unarchiver.made(*object, &kArchivedFields<Record>)) {
-      value = std::static_pointer_cast<Record>(known);
-      return;
-    }
+    const void* const type = &kArchivedFields<Record>;
+    const bool isShared = unarchiver.isShared(stored);
+    if (isShared) value = std::static_pointer_cast<Record>(unarchiver.made(stored, type));
+    if (value != nullptr) return;
     value = std::make_shared<Record>();
     ArchiveCoding<Record>::decode(unarchiver, stored, *value);
-    unarchiver.made(*object, &kArchivedFields<Record>) = value;
+    if (isShared) unarchiver.made(stored, type) = value;
   }
 };
 
@@ -196,9 +203,10 @@ template <ArchivedObject T>
 T decodeKeyedArchive(std::string_view bytes) {
   const PropertyList list = readPropertyList(bytes);
   KeyedUnarchiver unarchiver(list);
-  if (!unarchiver.object(unarchiver.root())) throw DecodingError::valueNotFound("an object");
+  const auto root = unarchiver.object(unarchiver.root());
+  if (!root) throw DecodingError::valueNotFound("an object");
   T value{};
-  ArchiveCoding<T>::decode(unarchiver, unarchiver.root(), value);
+  ArchiveCoding<T>::decode(unarchiver, *root, value);
   return value;
 }
 

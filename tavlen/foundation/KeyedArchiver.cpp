@@ -1,12 +1,20 @@
 #include "tavlen/foundation/KeyedArchiver.h"
 
 #include <algorithm>
+#include <functional>
 #include <span>
 
 #include "tavlen/foundation/BinaryPropertyListWriter.h"
 #include "tavlen/foundation/Unicode.h"
 
 namespace tavlen {
+
+namespace {
+
+/// What stands for nil. A text like it is written as a mutable string, an object around it.
+constexpr std::string_view kNullText = "$null";
+
+}  // namespace
 
 /// The objects that are open: one more while it lives.
 class KeyedArchiver::Inside {
@@ -26,18 +34,19 @@ class KeyedArchiver::Inside {
   KeyedArchiver& archiver_;
 };
 
-KeyedArchiver::KeyedArchiver() { null_ = add(list_.add("$null")); }
+KeyedArchiver::KeyedArchiver() { null_ = add(list_.add(kNullText)); }
 
-std::pair<std::size_t, KeyedArchiver::Index> KeyedArchiver::reserve() {
+std::size_t KeyedArchiver::reserve() {
   const std::size_t number = objects_.size();
   objects_.push_back(0);
-  return {number, list_.add(PropertyList::UID{number})};
+  references_.push_back(list_.add(PropertyList::UID{number}));
+  return number;
 }
 
 KeyedArchiver::Index KeyedArchiver::add(Index object) {
-  const auto [number, reference] = reserve();
+  const std::size_t number = reserve();
   objects_[number] = object;
-  return reference;
+  return references_[number];
 }
 
 KeyedArchiver::Index KeyedArchiver::key(std::string_view text) {
@@ -85,29 +94,32 @@ KeyedArchiver::Index KeyedArchiver::object(std::string_view className, FunctionR
     if (known != identities_.end()) return known->second;
   }
   const Inside inside(*this);
-  const auto [number, reference] = reserve();
-  if (identity != nullptr) identities_.emplace(identity, reference);
+  const std::size_t number = reserve();
+  if (identity != nullptr) identities_.emplace(identity, references_[number]);
   const std::size_t first = members_.size();
   members();
   // The format numbers a class after all that its first object holds.
   member("$class", classNamed(className));
   objects_[number] = takeMembers(first);
-  return reference;
+  return references_[number];
 }
 
 KeyedArchiver::Index KeyedArchiver::text(std::string_view text) {
-  const auto known = texts_.find(text);
-  if (known != texts_.end()) return known->second;
+  if (text == kNullText) return textOfNull();
+  const std::size_t hash = std::hash<std::string_view>()(text);
+  const Index known =
+      texts_.find(hash, [&](Index number) { return list_.string(objects_[number]) == text; });
+  if (known != HashIndex::kNone) return references_[known];
   if (!isValidUTF8(text)) throw EncodingError::invalidValue("the string is not valid UTF-8");
-  Index reference = 0;
-  if (text == "$null") {
-    // As a plain string it would be read as nil.
-    reference = object("NSMutableString", [&] { member("NS.string", list_.add(text)); });
-  } else {
-    reference = add(list_.add(text));
+  texts_.add(hash, static_cast<Index>(objects_.size()));
+  return add(list_.add(text));
+}
+
+KeyedArchiver::Index KeyedArchiver::textOfNull() {
+  if (!nullText_) {
+    nullText_ = object("NSMutableString", [&] { member("NS.string", list_.add(kNullText)); });
   }
-  texts_.emplace(text, reference);
-  return reference;
+  return *nullText_;
 }
 
 KeyedArchiver::Index KeyedArchiver::url(std::string_view absoluteString) {

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <initializer_list>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -9,6 +10,7 @@
 #include <vector>
 
 #include "tavlen/foundation/FunctionRef.h"
+#include "tavlen/foundation/HashIndex.h"
 #include "tavlen/foundation/PropertyList.h"
 
 namespace tavlen {
@@ -19,7 +21,7 @@ namespace tavlen {
 /// An object has its number from when it is met; its members follow in the order of their writing,
 /// then its class. Equal texts are one object. What each function gives is the value that stands
 /// for the object under a key. Errors are EncodingErrors: a text that is no valid UTF-8, objects
-/// more than `kDeepest` deep. The texts and names that are passed in must stay until finish().
+/// more than `kDeepest` deep. Keys and names of classes are constants: the views are kept.
 class KeyedArchiver {
  public:
   using Index = PropertyList::Index;
@@ -53,24 +55,28 @@ class KeyedArchiver {
  private:
   class Inside;
 
-  /// A number, and the reference to it, for an object that follows.
-  std::pair<std::size_t, Index> reserve();
+  /// A number for an object that follows.
+  std::size_t reserve();
+  /// Gives the reference to it.
   Index add(Index object);
   /// Makes the dictionary of the members from `firstMember` on.
   Index takeMembers(std::size_t firstMember);
   Index key(std::string_view text);
   /// The reference to the class, which is written when it is met first.
   Index classNamed(std::string_view name);
+  Index textOfNull();
   Index strings(std::initializer_list<std::string_view> texts);
 
   PropertyList list_;
   Index null_ = 0;
   std::vector<Index> objects_;                 ///< by number
+  std::vector<Index> references_;              ///< to them
   std::vector<PropertyList::Member> members_;  ///< of the objects that are open
   std::size_t depth_ = 0;
   std::vector<std::pair<std::string_view, Index>> keys_;
   std::vector<std::pair<std::string_view, Index>> classes_;
-  std::unordered_map<std::string_view, Index> texts_;
+  HashIndex texts_;                ///< the numbers of texts
+  std::optional<Index> nullText_;  ///< the reference to the text that means nil elsewhere
   std::unordered_map<const void*, Index> identities_;
 };
 

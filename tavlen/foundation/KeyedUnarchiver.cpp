@@ -61,6 +61,26 @@ KeyedUnarchiver::KeyedUnarchiver(const PropertyList& list) : list_(list), budget
   const auto root = top ? list.find(*top, kRootKey) : std::nullopt;
   if (!root) throw invalidArchive("It has no root.");
   root_ = *root;
+  findShared();
+}
+
+void KeyedUnarchiver::findShared() {
+  std::vector<bool> isMet(list_.size());
+  shared_.resize(list_.size());
+  const auto meet = [&](Index value) {
+    const auto reference = list_.get<PropertyList::UID>(value);
+    if (!reference || reference->value >= objects_.size()) return;
+    const Index object = objects_[static_cast<std::size_t>(reference->value)];
+    if (isMet[object]) shared_[object] = true;
+    isMet[object] = true;
+  };
+  for (Index i = 0; i < list_.size(); ++i) {
+    if (const auto array = list_.get<PropertyList::Array>(i)) {
+      for (const Index element : array->elements) meet(element);
+    } else if (const auto dictionary = list_.get<PropertyList::Dictionary>(i)) {
+      for (const PropertyList::Member& member : dictionary->members) meet(member.value);
+    }
+  }
 }
 
 std::optional<Index> KeyedUnarchiver::object(Index value) const {
@@ -96,8 +116,7 @@ bool KeyedUnarchiver::isKind(Index classObject, std::string_view className) {
   return isKind;
 }
 
-std::span<const PropertyList::Member> KeyedUnarchiver::members(Index object,
-                                                               std::string_view className) {
+PropertyList::Dictionary KeyedUnarchiver::checked(Index object, std::string_view className) {
   const auto dictionary = list_.get<PropertyList::Dictionary>(object);
   if (!dictionary) {
     throw DecodingError::typeMismatch(ofClass(className), description(list_.kind(object)));
@@ -105,83 +124,79 @@ std::span<const PropertyList::Member> KeyedUnarchiver::members(Index object,
   budget_.chargeVisits(2 * dictionary->members.size() + 1);
   const auto reference = list_.find(object, "$class");
   if (!reference) throw DecodingError::keyNotFound("$class");
-  const std::optional<Index> classObject =
-      underKey("$class", [&] { return this->object(*reference); });
+  const auto classObject = underKey("$class", [&] { return this->object(*reference); });
   if (!classObject || !isKind(*classObject, className)) {
-    const std::string_view name =
+    const auto name =
         classObject ? stringUnder(list_, *classObject, "$classname") : std::string_view();
     throw DecodingError::typeMismatch(ofClass(className), ofClass(name));
   }
-  return dictionary->members;
+  return *dictionary;
 }
 
-std::optional<std::string_view> KeyedUnarchiver::text(Index value) {
+std::string_view KeyedUnarchiver::text(Index object) {
   budget_.chargeVisits(1);
-  const std::optional<Index> object = this->object(value);
-  if (!object) return std::nullopt;
-  if (const auto text = list_.get<std::string_view>(*object)) return budget_.chargedText(*text);
-  if (list_.kind(*object) != PropertyList::Kind::dictionary) {
-    throw DecodingError::typeMismatch("a string", description(list_.kind(*object)));
-  }
-  // A mutable string is an object around its text.
-  members(*object, "NSString");
-  const auto text = list_.find(*object, "NS.string");
-  if (!text) throw DecodingError::keyNotFound("NS.string");
-  const auto characters = list_.get<std::string_view>(*text);
-  if (!characters) {
-    throw DecodingError::typeMismatch("a string", description(list_.kind(*text)));
-  }
-  return budget_.chargedText(*characters);
+  const auto text = list_.get<std::string_view>(object);
+  return budget_.chargedText(text ? *text : inlineText(object));
 }
 
-std::optional<URL> KeyedUnarchiver::url(Index value) {
-  const std::optional<Index> object = this->object(value);
-  if (!object) return std::nullopt;
+/// A mutable string is an object around its text.
+std::string_view KeyedUnarchiver::inlineText(Index object) {
+  constexpr std::string_view kExpected = "a string";
+  if (list_.kind(object) != PropertyList::Kind::dictionary) {
+    throw DecodingError::typeMismatch(kExpected, description(list_.kind(object)));
+  }
+  checked(object, "NSString");
+  const auto value = list_.find(object, "NS.string");
+  if (!value) throw DecodingError::keyNotFound("NS.string");
+  const auto text = list_.get<std::string_view>(*value);
+  if (!text) throw DecodingError::typeMismatch(kExpected, description(list_.kind(*value)));
+  return *text;
+}
+
+URL KeyedUnarchiver::url(Index object) {
   const Inside inside(*this);
-  members(*object, "NSURL");
-  const auto relative = list_.find(*object, "NS.relative");
+  checked(object, "NSURL");
+  const auto relative = list_.find(object, "NS.relative");
   if (!relative) throw DecodingError::keyNotFound("NS.relative");
   const std::string_view text = underKey("NS.relative", [&] {
-    const auto stored = this->text(*relative);
+    const auto stored = this->object(*relative);
     if (!stored) throw DecodingError::valueNotFound("a string");
-    return *stored;
+    return this->text(*stored);
   });
-  const auto base = list_.find(*object, "NS.base");
-  const auto baseURL = base ? underKey("NS.base", [&] { return url(*base); }) : std::nullopt;
-  if (!baseURL) return URL{std::string(text)};
-  URL resolved = baseURL->resolved(text);
-  budget_.chargedText(resolved.absoluteString);
-  return resolved;
+  const auto base = list_.find(object, "NS.base");
+  return underKey("NS.base", [&] {
+    const auto stored = base ? this->object(*base) : std::nullopt;
+    if (!stored) return URL{std::string(text)};
+    URL resolved = url(*stored).resolved(text);
+    budget_.chargedText(resolved.absoluteString);
+    return resolved;
+  });
 }
 
-void KeyedUnarchiver::elements(Index value, FunctionRef<void(Index element)> element) {
-  const std::optional<Index> object = this->object(value);
-  if (!object) return;
+void KeyedUnarchiver::elements(Index object,
+                               FunctionRef<void(Index element, std::size_t count)> element) {
   const Inside inside(*this);
-  members(*object, "NSArray");
-  const auto objects = list_.find(*object, "NS.objects");
+  checked(object, "NSArray");
+  const auto objects = list_.find(object, "NS.objects");
   if (!objects) return;
   const auto array = list_.get<PropertyList::Array>(*objects);
-  if (!array) {
-    throw DecodingError::typeMismatch("an array", description(list_.kind(*objects)));
-  }
+  if (!array) throw DecodingError::typeMismatch("an array", description(list_.kind(*objects)));
   budget_.chargeVisits(array->elements.size());
   for (std::size_t i = 0; i < array->elements.size(); ++i) {
     underIndex(i, [&] {
-      if (!this->object(array->elements[i])) throw DecodingError::valueNotFound("an object");
-      element(array->elements[i]);
+      const auto stored = this->object(array->elements[i]);
+      if (!stored) throw DecodingError::valueNotFound("an object");
+      element(*stored, array->elements.size());
     });
   }
 }
 
-void KeyedUnarchiver::record(Index value, std::string_view className, std::span<const Field> fields,
-                             void* record) {
-  const std::optional<Index> object = this->object(value);
-  if (!object) return;
+void KeyedUnarchiver::record(Index object, std::string_view className,
+                             std::span<const Field> fields, void* record) {
   const Inside inside(*this);
   std::array<Index, kMostFields> values;  // NOLINT(*-member-init): as many as there are fields
   std::fill_n(values.begin(), fields.size(), kAbsent);
-  for (const PropertyList::Member& member : members(*object, className)) {
+  for (const PropertyList::Member& member : checked(object, className).members) {
     const std::string_view key = list_.string(member.key);
     for (std::size_t i = 0; i < fields.size(); ++i) {
       if (fields[i].key == key) values[i] = member.value;

@@ -45,33 +45,39 @@ class KeyedUnarchiver {
   /// The value that stands for the root, to be passed to the functions below.
   Index root() const { return root_; }
 
-  /// The object that `value` refers to; nothing for nil.
+  /// The object that `value` refers to; nothing for nil. What follows is given such objects.
   std::optional<Index> object(Index value) const;
 
-  /// Nothing for nil. Valid as long as the list.
-  std::optional<std::string_view> text(Index value);
-  /// Nothing for nil. A URL with a base is resolved against it.
-  std::optional<URL> url(Index value);
-  /// Calls `element` with what stands for each object of an array, of which none is nil. Nil is an
-  /// empty array.
-  void elements(Index value, FunctionRef<void(Index element)> element);
+  /// Valid as long as the list.
+  std::string_view text(Index object);
+  /// A URL with a base is resolved against it.
+  URL url(Index object);
+  /// Calls `element` with each object of an array, of which none is nil, and with their number.
+  void elements(Index object, FunctionRef<void(Index element, std::size_t count)> element);
   /// Reads an object of the class `className`, a constant, into `record` by its table. The fields
-  /// of absent keys stay as they are; so do all for nil.
-  void record(Index value, std::string_view className, std::span<const Field> fields, void* record);
+  /// of absent keys stay as they are.
+  void record(Index object, std::string_view className, std::span<const Field> fields,
+              void* record);
 
   /// These stand under their key themselves.
   bool boolean(Index value) const;  ///< an integer is taken, too
   std::int64_t integer(Index value) const;
   double real(Index value) const;
 
-  /// What was made of an object, for `type`, a mark of the caller's: null until somebody stores it.
+  /// Whether the archive holds several references to `object`.
+  bool isShared(Index object) const { return shared_[object]; }
+  /// What was made of a shared object, for `type`, a mark of the caller's: null until somebody
+  /// stores it.
   std::shared_ptr<void>& made(Index object, const void* type) { return made_[{object, type}]; }
 
  private:
   class Inside;
 
-  /// The members of `object`, which must be of the class or a class below it.
-  std::span<const PropertyList::Member> members(Index object, std::string_view className);
+  void findShared();
+
+  /// The object's dictionary; it must be of the class or a class below it.
+  PropertyList::Dictionary checked(Index object, std::string_view className);
+  std::string_view inlineText(Index object);
   bool isKind(Index classObject, std::string_view className);
 
   const PropertyList& list_;
@@ -81,6 +87,7 @@ class KeyedUnarchiver {
   std::size_t depth_ = 0;
   /// The classes that objects were found to be of, as asked for.
   std::vector<std::pair<Index, std::string_view>> kinds_;
+  std::vector<bool> shared_;  ///< by the index of the object
   std::map<std::pair<Index, const void*>, std::shared_ptr<void>> made_;
 };
 

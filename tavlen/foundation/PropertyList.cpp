@@ -115,6 +115,13 @@ PropertyList::Index PropertyList::add(const Node& node) {
   return static_cast<Index>(objects_.size() - 1);
 }
 
+void PropertyList::reserve(const Room& room) {
+  objects_.reserve(room.objects);
+  bytes_.reserve(room.bytes);
+  elements_.reserve(room.elements);
+  members_.reserve(room.members);
+}
+
 std::string_view description(PropertyList::Kind kind) {
   constexpr std::array<std::string_view, std::variant_size_v<PropertyList::Node>> kTexts = {
       "a boolean", "an integer", "an integer", "a real number", "a date",

@@ -110,8 +110,15 @@ class PropertyList {
   /// container may hold indices that are added later; they must be in the table before anybody
   /// reads it. Throws std::length_error when the table is full.
   Index add(const Node& node);
-  /// Makes room for so many objects in all.
-  void reserve(std::size_t objects) { objects_.reserve(objects); }
+
+  /// How much there is, or may come to be, of what a table holds.
+  struct Room {
+    std::size_t objects;
+    std::size_t bytes;
+    std::size_t elements;
+    std::size_t members;
+  };
+  void reserve(const Room& room);
 
  private:
   /// `bits` is a scalar's value, or where in the vector of its kind the object's `count` parts

@@ -93,6 +93,13 @@ bool convertUTF32(std::string_view bytes, std::string& out) {
 
 }  // namespace
 
+bool isASCII(std::string_view text) {
+  // Without a way out of the loop, which then takes many bytes at a time.
+  unsigned char all = 0;
+  for (const char byte : text) all |= static_cast<unsigned char>(byte);
+  return all < 0x80;
+}
+
 bool isValidUTF8(std::string_view text) {
   return simdjson::validate_utf8(text.data(), text.size());
 }

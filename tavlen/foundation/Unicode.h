@@ -5,6 +5,8 @@
 
 namespace tavlen {
 
+bool isASCII(std::string_view text);
+
 /// Whether `text` is well-formed UTF-8: no overlong form, no surrogate, nothing above U+10FFFF.
 bool isValidUTF8(std::string_view text);
 

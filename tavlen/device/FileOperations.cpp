@@ -27,9 +27,12 @@ void run(std::vector<std::string> words) {
 std::filesystem::path helper() { return DeviceRoot::shared().resolve(kFileOperationsPath); }
 
 bool isAvailable() {
-  std::error_code ignored;
-  return std::filesystem::is_regular_file(helper(), ignored) &&
-         ::access(helper().c_str(), X_OK) == 0;
+  try {
+    const std::filesystem::path program = helper();
+    return std::filesystem::is_regular_file(program) && ::access(program.c_str(), X_OK) == 0;
+  } catch (const std::system_error&) {
+    return false;
+  }
 }
 
 void cleanUp(const std::filesystem::path& directory, bool isFollowedByTweak) {

@@ -3,11 +3,25 @@
 #include <array>
 #include <charconv>
 #include <string>
+#include <system_error>
 
 #include "tavlen/device/DeviceRoot.h"
 #include "tavlen/device/detail/Spawn.h"
 
 namespace tavlen {
+
+namespace {
+
+/// A program behind links in a circle is missing like any other.
+void runSilently(std::filesystem::path (*program)(), const char* argument) {
+  try {
+    killProcess(program().c_str(), argument);
+  } catch (const std::system_error&) {
+    return;
+  }
+}
+
+}  // namespace
 
 std::filesystem::path killProgram() { return DeviceRoot::shared().resolve("/bin/kill"); }
 
@@ -28,9 +42,9 @@ void killProcessWithPID(pid_t pid) {
   if (pid < 1) return;
   std::array<char, 16> text{};
   std::to_chars(text.data(), text.data() + text.size() - 1, pid);
-  killProcess(killProgram().c_str(), text.data());
+  runSilently(killProgram, text.data());
 }
 
-void respring() { killProcess(killallProgram().c_str(), "SpringBoard"); }
+void respring() { runSilently(killallProgram, "SpringBoard"); }
 
 }  // namespace tavlen

@@ -10,7 +10,7 @@
 /// Threads: any.
 namespace tavlen {
 
-/// Where the device's programs lie, as host paths.
+/// Where the device's programs lie, as host paths. Throw std::system_error for links in a circle.
 std::filesystem::path killProgram();
 std::filesystem::path killallProgram();
 

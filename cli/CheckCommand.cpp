@@ -13,6 +13,7 @@
 #include "cli/TranspilerOption.h"
 #include "cli/TweakArgument.h"
 #include "cli/TweakCheck.h"
+#include "tavlen/foundation/TerminalText.h"
 
 namespace tavlen::cli {
 

@@ -1,13 +1,8 @@
 #pragma once
 
-#include <string>
 #include <string_view>
 
 namespace tavlen::cli {
-
-/// `text` on one line, safe for a terminal: control characters are written as escapes, what is not
-/// UTF-8 as U+FFFD.
-std::string oneLine(std::string_view text);
 
 /// Writes `text` to the standard error stream as it is.
 void printMessage(std::string_view text);

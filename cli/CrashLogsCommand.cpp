@@ -10,6 +10,7 @@
 #include "cli/ArgumentChecks.h"
 #include "cli/Commands.h"
 #include "cli/Console.h"
+#include "tavlen/foundation/TerminalText.h"
 
 namespace tavlen::cli {
 

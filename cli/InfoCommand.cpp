@@ -9,6 +9,7 @@
 #include "cli/Commands.h"
 #include "cli/Console.h"
 #include "tavlen/foundation/JSONEncoder.h"
+#include "tavlen/foundation/TerminalText.h"
 
 namespace tavlen::cli {
 

@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "cli/Console.h"
+#include "tavlen/foundation/TerminalText.h"
 #include "tavlen/foundation/Unicode.h"
 
 namespace tavlen::cli {

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "cli/Console.h"
+#include "tavlen/foundation/TerminalText.h"
 
 namespace tavlen::cli {
 

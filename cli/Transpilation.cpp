@@ -7,6 +7,7 @@
 #include "cli/Console.h"
 #include "cli/SourceLine.h"
 #include "tavlen/foundation/CodingPath.h"
+#include "tavlen/foundation/TerminalText.h"
 #include "tavlen/tweaks/HookSource.h"
 
 namespace tavlen::cli {

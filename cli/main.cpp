@@ -3,6 +3,7 @@
 #include <exception>
 #include <iostream>
 #include <string>
+#include <string_view>
 #include <system_error>
 #include <vector>
 
@@ -10,6 +11,7 @@
 #include "cli/ErrorReport.h"
 #include "cli/Installation.h"
 #include "cli/RootOption.h"
+#include "tavlen/foundation/Log.h"
 #include "tavlen/foundation/MainBundle.h"
 
 namespace {
@@ -38,6 +40,8 @@ int run(int argc, char** argv) {
   app.fallthrough();
   std::string root;
   tavlen::cli::addRootOption(app, root);
+  bool isVerbose = false;
+  app.add_flag("--verbose", isVerbose, "Show what the library logs");
   tavlen::cli::Action action;
   tavlen::cli::addSourceCommand(app, action);
   tavlen::cli::addBuildCommand(app, action);
@@ -56,6 +60,8 @@ int run(int argc, char** argv) {
   }
   tavlen::MainBundle::setURL(tavlen::cli::resourceFolder());
   tavlen::cli::useRoot(root);
+  tavlen::setLogSink(isVerbose ? tavlen::LogSink(tavlen::logToStandardError)
+                               : [](std::string_view /*message*/) {});
   return action();
 }
 

@@ -5,7 +5,6 @@
 #include <cerrno>
 #include <deque>
 #include <mutex>
-#include <optional>
 #include <system_error>
 #include <utility>
 
@@ -18,8 +17,9 @@ constexpr std::array<std::string_view, 3> kPrefixedFolders = {"/bin", "/usr",
                                                               "/Applications/Marrowgleam.app"};
 
 std::mutex sharedLock;
-std::optional<DeviceRoot>& sharedRoot() {
-  static std::optional<DeviceRoot> root;
+/// Never destroyed: other threads may ask while the process ends.
+DeviceRoot& sharedRoot() {
+  static DeviceRoot& root = *new DeviceRoot;
   return root;
 }
 
@@ -84,7 +84,7 @@ DeviceRoot::DeviceRoot(const std::filesystem::path& root, std::string_view prefi
 
 DeviceRoot DeviceRoot::shared() {
   const std::lock_guard lock(sharedLock);
-  return sharedRoot().value_or(DeviceRoot());
+  return sharedRoot();
 }
 
 void DeviceRoot::setShared(DeviceRoot root) {

@@ -9,6 +9,13 @@
 
 namespace tavlen::InstalledTweaks {
 
+namespace {
+
+/// A record is some hundred bytes; a file of another's making may have any size.
+constexpr std::size_t kLargestRecord = std::size_t{1} << 20;
+
+}  // namespace
+
 std::string directory(const std::string& bundleID) {
   return std::string(kInstalledTweaksDir) + "/" + bundleID;
 }
@@ -17,7 +24,9 @@ std::optional<TweakInfo> record(const std::string& bundleID) {
   if (!isPlainComponent(bundleID)) return std::nullopt;
   const std::string file = directory(bundleID) + "/" + std::string(kTweakInfoFilename);
   try {
-    return decodeKeyedArchive<TweakInfo>(readFile(DeviceRoot::shared().resolve(file)));
+    const auto bytes = readFileUpTo(DeviceRoot::shared().resolve(file), kLargestRecord);
+    if (!bytes) return std::nullopt;
+    return decodeKeyedArchive<TweakInfo>(*bytes);
   } catch (const std::exception&) {
     // Whatever stands there instead of a record, no tweak is active.
     return std::nullopt;

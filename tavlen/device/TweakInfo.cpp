@@ -13,12 +13,9 @@ namespace {
 std::optional<std::string> contentsOf(const URL& url) {
   const auto devicePath = url.path();
   if (!devicePath) return std::nullopt;
-  const std::filesystem::path file = DeviceRoot::shared().resolve(devicePath->native());
-  std::error_code error;
-  const std::uintmax_t size = std::filesystem::file_size(file, error);
-  if (error || size > TweakInfo::kLargestIcon) return std::nullopt;
   try {
-    return readFile(file);
+    return readFileUpTo(DeviceRoot::shared().resolve(devicePath->native()),
+                        TweakInfo::kLargestIcon);
   } catch (const std::system_error&) {
     return std::nullopt;
   }

@@ -6,6 +6,8 @@
 #include <string>
 #include <utility>
 
+#include "tavlen/foundation/TerminalText.h"
+
 #if defined(__APPLE__)
 #include <os/log.h>
 #endif
@@ -27,11 +29,6 @@ void logToPlatform(std::string_view message) {
 #else
   logToStandardError(message);
 #endif
-}
-
-bool isControl(char character) {
-  const auto byte = static_cast<unsigned char>(character);
-  return byte < 0x20 || byte == 0x7F;
 }
 
 }  // namespace
@@ -57,18 +54,7 @@ void setLogSink(LogSink sink) {
 }
 
 void logToStandardError(std::string_view message) {
-  constexpr std::string_view kHex = "0123456789abcdef";
-  std::string line;
-  line.reserve(message.size() + 1);
-  for (const char character : message) {
-    if (isControl(character)) {
-      const auto byte = static_cast<unsigned char>(character);
-      line += {'\\', 'x', kHex[byte >> 4U], kHex[byte & 0xFU]};
-    } else {
-      line += character;
-    }
-  }
-  line += '\n';
+  const std::string line = oneLine(message) + "\n";
   // One call, so that lines of several threads do not mix. There is nowhere to say that it failed.
   (void)std::fwrite(line.data(), 1, line.size(), stderr);
 }

@@ -18,7 +18,7 @@ void MainQueue::async(Work work) {
     queue_.push_back(std::move(work));
     handler = workAdded_;
   }
-  added_.notify_one();
+  changed_.notify_all();
   if (handler != nullptr) (*handler)();
 }
 
@@ -38,19 +38,26 @@ std::size_t MainQueue::drain() {
     }
   } catch (...) {
     lock.lock();
-    isDraining_ = false;
+    endDraining();
     throw;
   }
-  isDraining_ = false;
+  endDraining();
   return count;
 }
 
+void MainQueue::endDraining() {
+  isDraining_ = false;
+  changed_.notify_all();
+}
+
 std::size_t MainQueue::waitAndDrain(std::chrono::milliseconds timeout) {
-  // The clock's range ends before the longest timeout that can be asked for.
+  // The clock's range ends before the timeouts that can be asked for.
+  constexpr std::chrono::milliseconds kShortest(0);
   constexpr std::chrono::milliseconds kLongest = std::chrono::hours(24);
   {
     std::unique_lock lock(lock_);
-    added_.wait_for(lock, std::min(timeout, kLongest), [this] { return !queue_.empty(); });
+    changed_.wait_for(lock, std::clamp(timeout, kShortest, kLongest),
+                      [this] { return !queue_.empty() && !isDraining_; });
   }
   return drain();
 }

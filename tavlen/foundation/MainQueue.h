@@ -34,7 +34,7 @@ class MainQueue {
   /// throws leaves the call; the pieces after it stay. Returns how many pieces ran.
   std::size_t drain();
 
-  /// Waits for work, no longer than `timeout`, and drains.
+  /// Waits for work that nobody else drains, no longer than `timeout`, and drains.
   std::size_t waitAndDrain(std::chrono::milliseconds timeout);
 
   /// `handler` is called after each addition, on the adding thread: a host wakes its run loop
@@ -42,8 +42,11 @@ class MainQueue {
   void setWorkAddedHandler(std::function<void()> handler);
 
  private:
+  /// To be called with the lock held.
+  void endDraining();
+
   std::mutex lock_;
-  std::condition_variable added_;
+  std::condition_variable changed_;
   std::deque<Work> queue_;
   bool isDraining_ = false;
   std::shared_ptr<const std::function<void()>> workAdded_;

@@ -42,8 +42,8 @@ std::optional<std::string> unescaped(std::string_view text) {
     }
     unsigned byte = 0;
     const std::string_view digits = text.substr(i + 1, 2);
-    const auto [end, error] =
-        std::from_chars(digits.data(), digits.data() + digits.size(), byte, 16);
+    if (digits.size() != 2) return std::nullopt;
+    const auto [end, error] = std::from_chars(digits.data(), digits.data() + 2, byte, 16);
     if (error != std::errc() || end != digits.data() + 2 || byte == 0) return std::nullopt;
     path += static_cast<char>(byte);
     i += 2;

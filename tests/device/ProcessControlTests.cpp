@@ -3,6 +3,7 @@
 #include <limits>
 
 #include "DeviceProgramsTest.h"
+#include "tavlen/device/Process.h"
 
 namespace tavlen {
 namespace {
@@ -28,7 +29,11 @@ TEST_F(ProcessControlTest, AnswersTheChildOrMinusOne) {
   const std::string failing = addProgram("failing", "exit 1").string();
   EXPECT_GT(killProcess(failing.c_str(), "x"), 1);  // its status is nobody's concern
   EXPECT_EQ(calls(), "[-9][x]");
+  // Nobody else's child is waited for in the place of one that was not started.
+  Process other("true", {"true"});
+  other.launch();
   EXPECT_EQ(killProcess((root() / "missing").c_str(), "x"), -1);
+  EXPECT_NO_THROW(other.waitUntilExit());
   EXPECT_EQ(killProcess("true", "x"), -1);  // not searched for
   respring();                               // missing: no trace
   killProcessWithPID(12345);

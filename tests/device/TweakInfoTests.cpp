@@ -32,6 +32,8 @@ TEST_F(TweakInfoTest, respringsWhenTheIconsBytesDiffer) {
   const auto huge = root_.write("huge.png", "one");
   std::filesystem::resize_file(huge, std::uintmax_t{1} << 40);  // sparse
 
+  std::filesystem::create_symlink("circle.png", root_.path() / "circle.png");
+
   const char* const kIcon = "file:///icons/a%20b.png";
   const struct {
     const char* mine;  ///< null for a record without an icon
@@ -50,6 +52,7 @@ TEST_F(TweakInfoTest, respringsWhenTheIconsBytesDiffer) {
       {"file:///icons", "file:///icons/missing.png", false},
       {"http://icons/a%20b.png", kIcon, true},
       {"file:///pipe", kIcon, true},
+      {"file:///circle.png", kIcon, true},
       {"file:///huge.png", kIcon, true},
       {"file:///huge.png", "file:///pipe", false},
   };

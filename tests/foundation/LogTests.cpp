@@ -18,8 +18,8 @@ TEST(Log, GoesToOneSinkAtATime) {
   EXPECT_EQ(messages, (std::vector<std::string>{"outer", "inner"}));
   setLogSink({});
   testing::internal::CaptureStderr();
-  logMessage("a\nb\x1B[0m\x7F caf\xC3\xA9");
-  EXPECT_EQ(testing::internal::GetCapturedStderr(), "a\\x0ab\\x1b[0m\\x7f caf\xC3\xA9\n");
+  logMessage("a\nb\x1B[0m\x7F caf\xC3\xA9\xC2\x9B");
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "a\\nb\\x1b[0m\\x7f caf\xC3\xA9\\u009b\n");
   EXPECT_EQ(messages.size(), 2U);
 }
 

@@ -14,7 +14,7 @@ namespace tavlen::cli {
 inline constexpr const char* kAppHelp =
     "The app: its bundle identifier, or the path of its bundle folder";
 
-/// Whether a user names an app by a path: `text` holds a slash or is the name of a folder here.
+/// Whether a user names an app by a path: `text` holds a slash or is the name of a bundle here.
 bool isPath(const std::string& text);
 
 /// The app that a user names, by a path or by its bundle identifier. Errors name the path.

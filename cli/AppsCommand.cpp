@@ -18,7 +18,9 @@
 #include "tavlen/foundation/FunctionRef.h"
 #include "tavlen/foundation/JSONEncoder.h"
 #include "tavlen/foundation/PropertyListDecoder.h"
+#include "tavlen/foundation/TerminalText.h"
 #include "tavlen/foundation/TextComparison.h"
+#include "tavlen/foundation/Unicode.h"
 
 namespace tavlen::cli {
 
@@ -46,7 +48,7 @@ Row rowOf(const AppListApp& app, FunctionRef<Info()> info) {
   Row row;
   row.name = app.displayName;
   row.bundleID = app.bundleID;
-  row.path = app.bundle.string();
+  row.path = wellFormedUTF8(app.bundle.native());
   try {
     row.version = info().version();
   } catch (const std::exception& error) {
@@ -104,7 +106,10 @@ void addAppsCommand(CLI::App& app, Action& action) {
     action = [json] {
       std::vector<Row> rows = readRows();
       sortByName(rows);
-      if (!*json && rows.empty()) printMessage("tavlen: no apps; --root names a device tree\n");
+      if (!*json && rows.empty())
+        printMessage("tavlen: no apps in the device root " +
+                     oneLine(DeviceRoot::shared().url().native()) +
+                     "; --root names a device tree\n");
       if (*json || !rows.empty()) printData(*json ? encodeJSON(rows) + "\n" : table(rows));
       return 0;
     };

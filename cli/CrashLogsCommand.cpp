@@ -1,15 +1,16 @@
 #include <CLI/CLI.hpp>
-#include <cerrno>
 #include <filesystem>
 #include <memory>
 #include <set>
+#include <stdexcept>
 #include <string>
-#include <system_error>
 
 #include "cli/AppArgument.h"
 #include "cli/ArgumentChecks.h"
 #include "cli/Commands.h"
 #include "cli/Console.h"
+#include "tavlen/device/FileOperations.h"
+#include "tavlen/device/Process.h"
 #include "tavlen/foundation/TerminalText.h"
 
 namespace tavlen::cli {
@@ -26,12 +27,13 @@ std::set<std::string> namesIn(const std::filesystem::path& directory) {
 
 /// Prints the names of the logs that came.
 int copyLogs(const std::string& app, const std::filesystem::path& directory) {
-  if (!std::filesystem::is_directory(directory)) {
-    throw std::system_error(ENOTDIR, std::generic_category(), directory.string());
-  }
   const std::set<std::string> before = namesIn(directory);
   const std::shared_ptr<IPA> ipa = appArgument(app);
-  namingInfo(*ipa, [&] { ipa->copyCrashLogs(std::filesystem::canonical(directory)); });
+  try {
+    namingInfo(*ipa, [&] { ipa->copyCrashLogs(std::filesystem::canonical(directory)); });
+  } catch (const Process::Error& error) {
+    throw std::runtime_error(FileOperations::helper().string() + ": " + error.description());
+  }
   std::string added;
   for (const std::string& name : namesIn(directory)) {
     if (!before.contains(name)) added += oneLine(name) + "\n";

@@ -11,6 +11,7 @@
 #include "cli/TextTable.h"
 #include "tavlen/bundles/Executable.h"
 #include "tavlen/foundation/JSONEncoder.h"
+#include "tavlen/foundation/Unicode.h"
 
 namespace tavlen::cli {
 
@@ -31,8 +32,8 @@ struct Row {
 };
 
 Row rowOf(std::string_view kind, const Executable& executable) {
-  return {std::string(kind), executable.name(), executable.relativePath(),
-          executable.path().string()};
+  return {std::string(kind), wellFormedUTF8(executable.name()),
+          wellFormedUTF8(executable.relativePath()), wellFormedUTF8(executable.path().native())};
 }
 
 std::vector<Row> rowsOf(IPA& ipa) {

@@ -8,6 +8,7 @@
 #include "cli/AppArgument.h"
 #include "cli/ArgumentChecks.h"
 #include "cli/Commands.h"
+#include "cli/Console.h"
 #include "tavlen/bundles/InfoManager.h"
 #include "tavlen/foundation/FileReplacement.h"
 
@@ -42,7 +43,8 @@ void addIconCommand(CLI::App& app, Action& action) {
   auto* command = app.add_subcommand("icon", "Write an app's icon as a PNG file");
   const auto options = std::make_shared<Options>();
   command->add_option("APP", options->app, kAppHelp)->required()->check(notEmpty());
-  command->add_option("-o,--output", options->output, "The file to write")
+  command
+      ->add_option("-o,--output", options->output, "The file to write, - for the standard output")
       ->required()
       ->check(notEmpty())
       ->type_name("FILE");
@@ -54,7 +56,12 @@ void addIconCommand(CLI::App& app, Action& action) {
       ->type_name("POINTS");
   command->callback([options, &action] {
     action = [options] {
-      replaceFile(options->output, iconFile(*options));
+      const std::string file = iconFile(*options);
+      if (options->output == "-") {
+        printData(file);
+      } else {
+        replaceFile(options->output, file);
+      }
       return 0;
     };
   });

@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <cstdlib>
 #include <filesystem>
+#include <stdexcept>
 
 #include "tavlen/device/DeviceRoot.h"
 
@@ -17,11 +18,15 @@ constexpr const char* kVariable = "TAVLEN_ROOT";
 void addRootOption(CLI::App& app, std::string& root) {
   app.add_option("--root", root, "The folder that stands for the device's /")
       ->envname(kVariable)
-      ->check(CLI::ExistingDirectory);
+      ->type_name("DIR");
 }
 
 void useRoot(const std::string& root) {
   if (root.empty()) return;
+  if (!std::filesystem::is_directory(root)) {
+    throw std::runtime_error("the device root, by --root or " + std::string(kVariable) + ", " +
+                             root + ": not a folder");
+  }
   const std::filesystem::path folder = std::filesystem::canonical(root);
   DeviceRoot::setShared(DeviceRoot(folder));
   // The file-operations helper learns it from here. No other thread runs yet.

@@ -9,20 +9,29 @@
 
 #include "cli/Console.h"
 #include "tavlen/foundation/TerminalText.h"
+#include "tavlen/foundation/Unicode.h"
 
 namespace tavlen::cli {
 
 namespace {
 
+constexpr UChar32 kSoftHyphen = 0xAD;
+/// Wider cells are cut, so that one strange name does not push all columns out of sight.
+constexpr std::size_t kWidestCell = 60;
+
 std::size_t widthOf(UChar32 character) {
   switch (u_charType(character)) {
     case U_NON_SPACING_MARK:
     case U_ENCLOSING_MARK:
-    case U_FORMAT_CHAR:
       return 0;
+    case U_FORMAT_CHAR:
+      return character == kSoftHyphen ? 1 : 0;
     default:
       break;
   }
+  // The vowels and finals of a decomposed syllable are drawn in the place of its first letter.
+  const int syllable = u_getIntPropertyValue(character, UCHAR_HANGUL_SYLLABLE_TYPE);
+  if (syllable == U_HST_VOWEL_JAMO || syllable == U_HST_TRAILING_JAMO) return 0;
   const auto width =
       static_cast<UEastAsianWidth>(u_getIntPropertyValue(character, UCHAR_EAST_ASIAN_WIDTH));
   return width == U_EA_WIDE || width == U_EA_FULLWIDTH ? 2 : 1;
@@ -51,11 +60,24 @@ std::size_t displayWidth(std::string_view text) {
   return width;
 }
 
+namespace {
+
+/// A character that is cut through becomes a replacement character.
+std::string cut(std::string text) {
+  if (displayWidth(text) <= kWidestCell) return text;
+  // No character takes less than a byte a column.
+  while (displayWidth(text) > kWidestCell - 1)
+    text.resize(std::min(text.size() - 1, 8 * kWidestCell));
+  return wellFormedUTF8(text) + "\u2026";
+}
+
+}  // namespace
+
 TextTable::TextTable(std::vector<std::string> titles) { rows_.push_back(std::move(titles)); }
 
 void TextTable::addRow(const std::vector<std::string>& cells) {
   std::vector<std::string>& row = rows_.emplace_back();
-  for (const std::string& cell : cells) row.push_back(oneLine(cell));
+  for (const std::string& cell : cells) row.push_back(cut(oneLine(cell)));
 }
 
 std::string TextTable::text() const {

@@ -17,33 +17,54 @@ namespace tavlen {
 
 namespace {
 
-using Directory = std::filesystem::recursive_directory_iterator;
+namespace fs = std::filesystem;
 
-/// The relative paths of the regular files below `folder`, one of each file that has several.
-std::vector<std::string> regularFiles(const std::filesystem::path& folder,
-                                      const std::string& preferred) {
-  std::set<std::pair<dev_t, ino_t>> seen;
-  std::vector<std::string> files;
-  const auto add = [&](std::string relative) {
+/// Finds the regular files below a folder, one name of each that has several.
+class RegularFiles {
+ public:
+  explicit RegularFiles(const fs::path& folder) : folder_(folder) {}
+
+  /// Adds the file `relative`, remembers it if it is a folder, and leaves out everything else.
+  void add(std::string relative) {
     struct stat status {};
-    if (::lstat((folder / relative).c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return;
-    if (seen.emplace(status.st_dev, status.st_ino).second) files.push_back(std::move(relative));
-  };
-  // First, so that the main executable is the one that is kept of its names.
-  add(preferred);
-  std::error_code error;
-  std::string relative = ".";
-  for (Directory entry(folder, error); entry != Directory(); entry.increment(error)) {
-    relative = entry->path().lexically_relative(folder).string();
-    add(relative);
+    if (::lstat((folder_ / relative).c_str(), &status) != 0) return;
+    if (S_ISDIR(status.st_mode)) {
+      pending_.push_back(std::move(relative));
+    } else if (S_ISREG(status.st_mode) && seen_.emplace(status.st_dev, status.st_ino).second) {
+      found_.push_back(std::move(relative));
+    }
   }
-  // A folder that could not be opened ends the walk; it is the one that was met last.
-  if (error) throw IPA::Error::errorReading(relative);
-  return files;
-}
 
-std::optional<MachOHeader> headerOf(const std::filesystem::path& folder,
-                                    const std::string& relative) {
+  /// One folder at a time is open, however deep they lie.
+  std::vector<std::string> find() {
+    pending_.emplace_back();
+    while (!pending_.empty()) {
+      const std::string next = std::move(pending_.back());
+      pending_.pop_back();
+      readFolder(next);
+    }
+    return std::move(found_);
+  }
+
+ private:
+  void readFolder(const std::string& relative) {
+    std::error_code error;
+    fs::directory_iterator entry(folder_ / relative, error);
+    for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
+      add((fs::path(relative) / entry->path().filename()).string());
+    }
+    if (error && error != std::errc::no_such_file_or_directory) {
+      throw IPA::Error::errorReading(relative);
+    }
+  }
+
+  const fs::path& folder_;
+  std::set<std::pair<dev_t, ino_t>> seen_;
+  std::vector<std::string> pending_;
+  std::vector<std::string> found_;
+};
+
+std::optional<MachOHeader> headerOf(const fs::path& folder, const std::string& relative) {
   try {
     return MachOHeader::read(RandomAccessFile(folder / relative));
   } catch (const std::system_error& error) {
@@ -63,8 +84,11 @@ void sortByRelativePath(std::vector<std::shared_ptr<Executable>>& executables) {
 BundleExecutables BundleExecutables::find(const std::shared_ptr<IPA>& ipa,
                                           const std::string& mainName) {
   if (!isPlainComponent(mainName)) throw IPA::Error::invalidFilename(mainName);
-  const std::filesystem::path& folder = ipa->appDir();
-  const std::vector<std::string> files = regularFiles(folder, mainName);
+  const fs::path& folder = ipa->appDir();
+  RegularFiles search(folder);
+  // First, so that this is the name that is kept of the main executable's.
+  search.add(mainName);
+  const std::vector<std::string> files = search.find();
   if (files.empty() || files.front() != mainName) throw Executable::Error::missing(mainName);
   BundleExecutables found;
   for (const std::string& relative : files) {

@@ -20,8 +20,9 @@ struct BundleExecutables {
 
   /// Looks through the bundle of `ipa`, whose main executable is the file `mainName` in it. Each
   /// file is looked at once, whatever names it has; symbolic links are left out. A file that goes
-  /// away meanwhile is left out, too. Throws IPA::Error::invalidFilename and errorReading, and
-  /// Executable::Error::missing.
+  /// away meanwhile is left out, too. Throws IPA::Error::invalidFilename,
+  /// Executable::Error::missing, and IPA::Error::errorReading for a file or folder that cannot be
+  /// read: it may be an image.
   static BundleExecutables find(const std::shared_ptr<IPA>& ipa, const std::string& mainName);
 };
 

@@ -3,6 +3,7 @@
 #include <exception>
 #include <system_error>
 
+#include "tavlen/bundles/InfoPlist.h"
 #include "tavlen/bundles/TweakInstallation.h"
 #include "tavlen/collections/NotificationPoster.h"
 #include "tavlen/device/AppList.h"
@@ -21,7 +22,7 @@ std::shared_ptr<IPA> IPA::withAppDir(std::filesystem::path appDir) {
 std::shared_ptr<IPA> IPA::openAt(const std::filesystem::path& appDir) {
   std::error_code error;
   if (!std::filesystem::is_directory(appDir, error) ||
-      !std::filesystem::exists(appDir / "Info.plist", error)) {
+      !std::filesystem::exists(appDir / kInfoPlistFilename, error)) {
     throw Error::invalidIPA();
   }
   return withAppDir(appDir);

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <system_error>
 
+#include "tavlen/bundles/InfoPlist.h"
 #include "tavlen/foundation/FileSystem.h"
 #include "tavlen/foundation/PropertyListDecoder.h"
 
@@ -65,9 +66,11 @@ class LargestIcon {
   }
 
   void considerFile(const std::string& name) {
-    const std::optional<std::filesystem::path> file = pathInside(bundle_, name);
+    // Most candidates are not there, and asking that first is cheap.
     std::error_code error;
-    if (!file || !std::filesystem::exists(*file, error)) return;
+    if (!std::filesystem::exists(bundle_ / name, error)) return;
+    const std::optional<std::filesystem::path> file = pathInside(bundle_, name);
+    if (!file) return;
     // Another image of the same size never wins, so a list of one large file, a thousand times
     // over, need not cost a thousand decodings.
     if (!seen_.insert(*file).second) return;
@@ -99,7 +102,7 @@ InfoManager::Error InfoManager::Error::couldNotResize() {
 }
 
 Info InfoManager::info() const {
-  return decodePropertyList<Info>(readFile(bundleURL / "Info.plist"));
+  return decodePropertyList<Info>(readInfoPlist(DeviceRoot::shared(), bundleURL));
 }
 
 Image InfoManager::icon() const {

@@ -36,7 +36,8 @@ class Installation {
  public:
   explicit Installation(const std::string& bundleID)
       : directory_(InstalledTweaks::directory(bundleID)),
-        target_(root_.resolve(directory_)),
+        // A link in the place of the folder itself is not followed: it is the helper's to remove.
+        target_(root_.resolve(kInstalledTweaksDir) / bundleID),
         record_(target_ / kTweakInfoFilename),
         installed_(InstalledTweaks::record(bundleID)) {
     next_.bundleID = bundleID;
@@ -56,12 +57,14 @@ class Installation {
       moveIntoPlace(package->path());
       writeRecord(package->path());
     }
-    announce();
-    if (shouldRespring) {
-      respring();
-    } else {
-      killAppWithBundleID(*next_.bundleID);
+    try {
+      announce();
+    } catch (...) {
+      // An observer's trouble is not the app's.
+      takeEffect(shouldRespring);
+      throw;
     }
+    takeEffect(shouldRespring);
   }
 
  private:
@@ -131,6 +134,14 @@ class Installation {
       center.post({std::string(InstalledTweaks::kDidChangeNotification), nullptr, userInfo});
       center.post({std::string(IPA::kFilesDidChangeNotification), nullptr, userInfo});
     });
+  }
+
+  void takeEffect(bool shouldRespring) const {
+    if (shouldRespring) {
+      respring();
+    } else {
+      killAppWithBundleID(*next_.bundleID);
+    }
   }
 
   const DeviceRoot root_ = DeviceRoot::shared();

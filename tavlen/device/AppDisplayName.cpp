@@ -13,7 +13,7 @@ std::string appDisplayName(FunctionRef<std::optional<std::string>(const char* ke
     if (name) return std::move(*name);
   }
   // A folder's name is any bytes, a name to show is text.
-  return utf8FromUTF16(utf16FromUTF8(bundle.stem().native()));
+  return wellFormedUTF8(bundle.stem().native());
 }
 
 }  // namespace tavlen

@@ -103,6 +103,11 @@ std::filesystem::path DeviceRoot::resolve(std::string_view devicePath) const {
   return path == "/" ? root_ : root_ / path.relative_path();
 }
 
+std::filesystem::path DeviceRoot::follow(const std::filesystem::path& path) const {
+  if (isDevice() || !isInside(normalised(std::filesystem::absolute(path)), root_)) return path;
+  return resolve(devicePath(std::filesystem::absolute(path)).native());
+}
+
 std::filesystem::path DeviceRoot::devicePath(const std::filesystem::path& path) const {
   if (path.is_relative()) return path;
   const std::filesystem::path normal = normalised(path);

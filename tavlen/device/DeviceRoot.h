@@ -35,6 +35,11 @@ class DeviceRoot {
   /// when it does not.
   std::filesystem::path devicePath(const std::filesystem::path& path) const;
 
+  /// Where `path`, a host path, leads by the device's links: as resolve() for one below any root
+  /// but
+  /// "/", `path` itself otherwise.
+  std::filesystem::path follow(const std::filesystem::path& path) const;
+
  private:
   std::filesystem::path root_;
   std::filesystem::path prefix_;  ///< empty when there is none

@@ -7,9 +7,9 @@
 #include <system_error>
 #include <utility>
 
+#include "tavlen/bundles/InfoPlist.h"
 #include "tavlen/device/AppDisplayName.h"
 #include "tavlen/device/ExcludedApps.h"
-#include "tavlen/foundation/FileSystem.h"
 #include "tavlen/foundation/PropertyListSerialization.h"
 
 namespace tavlen {
@@ -18,17 +18,12 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Where the symbolic link `link`, a path below the root, leads.
-fs::path linkTarget(const DeviceRoot& root, const fs::path& link) {
-  return root.resolve(root.devicePath(link).native());
-}
-
 /// The folder that `entry` is, or leads to.
 std::optional<fs::path> folderAt(const DeviceRoot& root, const fs::directory_entry& entry) {
   try {
     if (!entry.is_symlink())
       return entry.is_directory() ? std::optional(entry.path()) : std::nullopt;
-    fs::path place = linkTarget(root, entry.path());
+    fs::path place = root.follow(entry.path());
     if (fs::is_directory(place)) return place;
   } catch (const std::system_error&) {
     // It is gone by now, or a link in a circle.
@@ -76,9 +71,7 @@ std::vector<fs::path> sortedBundles(const DeviceRoot& root) {
 
 std::optional<PropertyList> readInfo(const DeviceRoot& root, const fs::path& bundle) {
   try {
-    fs::path file = bundle / "Info.plist";
-    if (fs::is_symlink(file)) file = linkTarget(root, file);
-    return readPropertyList(readFile(file));
+    return readPropertyList(readInfoPlist(root, bundle));
   } catch (const std::exception&) {
     return std::nullopt;
   }

@@ -1,7 +1,5 @@
 #include "tavlen/device/FileOperations.h"
 
-#include <unistd.h>
-
 #include <system_error>
 #include <utility>
 #include <vector>
@@ -9,6 +7,7 @@
 #include "tavlen/device/DevicePaths.h"
 #include "tavlen/device/DeviceRoot.h"
 #include "tavlen/device/Process.h"
+#include "tavlen/foundation/FileSystem.h"
 
 namespace tavlen::FileOperations {
 
@@ -28,8 +27,7 @@ std::filesystem::path helper() { return DeviceRoot::shared().resolve(kFileOperat
 
 bool isAvailable() {
   try {
-    const std::filesystem::path program = helper();
-    return std::filesystem::is_regular_file(program) && ::access(program.c_str(), X_OK) == 0;
+    return executableError(helper()) == 0;
   } catch (const std::system_error&) {
     return false;
   }

@@ -61,7 +61,10 @@ void syncFolder(const std::filesystem::path& folder) {
 FileReplacement::FileReplacement(const std::filesystem::path& file, std::string_view contents)
     : file_(file), target_(resolved(file)) {
   std::error_code ignored;
-  if (std::filesystem::is_directory(target_, ignored)) fail(EISDIR);
+  const std::filesystem::file_status status = std::filesystem::status(target_, ignored);
+  if (std::filesystem::is_directory(status)) fail(EISDIR);
+  // A pipe or a device would be gone.
+  if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status)) fail(EINVAL);
   sweepLeftOvers(folderOf(target_));
   try {
     create();

@@ -15,7 +15,8 @@ namespace tavlen {
 /// Threads: any, one object one thread at a time.
 class FileReplacement {
  public:
-  /// Throws std::system_error with the path, for a folder in the file's place, too.
+  /// Throws std::system_error with the path, for a folder (EISDIR) or anything else that is no
+  /// regular file (EINVAL) in the file's place, too.
   FileReplacement(const std::filesystem::path& file, std::string_view contents);
   FileReplacement(const FileReplacement&) = delete;
   FileReplacement& operator=(const FileReplacement&) = delete;

@@ -1,5 +1,7 @@
 #include "tavlen/foundation/FileSystem.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -75,6 +77,13 @@ std::string readText(const std::filesystem::path& path) {
     return text;
   }
   return checkedUTF8(std::move(bytes), path);
+}
+
+int executableError(const std::filesystem::path& path) {
+  if (::access(path.c_str(), X_OK) != 0) return errno;
+  std::error_code error;
+  if (std::filesystem::is_regular_file(path, error)) return 0;
+  return error ? error.value() : EACCES;
 }
 
 bool isPlainComponent(std::string_view name) {

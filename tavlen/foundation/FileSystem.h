@@ -24,6 +24,10 @@ std::optional<std::string> readFileUpTo(const std::filesystem::path& path, std::
 /// the text is UTF-8. Malformed text is EILSEQ: there is no fallback to another encoding.
 std::string readText(const std::filesystem::path& path);
 
+/// Whether a program can be started there: a regular file that may be run. Gives 0, or why not, as
+/// errno tells it.
+int executableError(const std::filesystem::path& path);
+
 /// Whether `name` can stand between two slashes and names an entry of that folder itself: not
 /// empty, not "." or "..", without "/" and NUL. To be asked before a stored identifier becomes part
 /// of a path.

@@ -9,12 +9,17 @@ namespace tavlen {
 
 TemporaryDirectory::TemporaryDirectory(const std::filesystem::path& folder) {
   const std::filesystem::path items = folder / ".TemporaryItems";
-  std::filesystem::create_directories(items);
-  std::string pattern = (items / "XXXXXX").string();
-  if (::mkdtemp(pattern.data()) == nullptr) {
-    throw std::system_error(errno, std::generic_category(), pattern);
+  // Another's end may remove the common folder between the two calls.
+  constexpr int kAttempts = 100;
+  for (int attempt = 1; path_.empty(); ++attempt) {
+    std::filesystem::create_directories(items);
+    std::string pattern = (items / "XXXXXX").string();
+    if (::mkdtemp(pattern.data()) != nullptr) {
+      path_ = pattern;
+    } else if (errno != ENOENT || attempt == kAttempts) {
+      throw std::system_error(errno, std::generic_category(), pattern);
+    }
   }
-  path_ = pattern;
 }
 
 TemporaryDirectory::~TemporaryDirectory() {

@@ -104,6 +104,10 @@ bool isValidUTF8(std::string_view text) {
   return simdjson::validate_utf8(text.data(), text.size());
 }
 
+std::string wellFormedUTF8(std::string_view text) {
+  return isValidUTF8(text) ? std::string(text) : utf8FromUTF16(utf16FromUTF8(text));
+}
+
 std::u16string utf16FromUTF8(std::string_view text) {
   std::u16string out;
   out.reserve(text.size());

@@ -10,6 +10,9 @@ bool isASCII(std::string_view text);
 /// Whether `text` is well-formed UTF-8: no overlong form, no surrogate, nothing above U+10FFFF.
 bool isValidUTF8(std::string_view text);
 
+/// `text` with each malformed sequence replaced by one U+FFFD.
+std::string wellFormedUTF8(std::string_view text);
+
 /// UTF-8 to UTF-16 in the machine's byte order; each malformed sequence becomes one U+FFFD.
 std::u16string utf16FromUTF8(std::string_view text);
 

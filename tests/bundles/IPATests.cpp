@@ -1,12 +1,17 @@
 #include "tavlen/bundles/IPA.h"
 
+#include <dlfcn.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <any>
+#include <cstdio>
 #include <stdexcept>
+#include <thread>
 #include <vector>
 
 #include "MachOFile.h"
@@ -120,6 +125,10 @@ TEST_F(IPATest, FindsTheImagesOfABundleByTheirHeaders) {
   EXPECT_EQ(main->name(), "Notes");
   EXPECT_EQ(main->path(), appDir() / "Notes");
   EXPECT_FALSE(main->parseDynamically());
+  Dl_info loaded{};
+  ASSERT_NE(::dladdr(reinterpret_cast<const void*>(&::fputs), &loaded), 0);
+  EXPECT_TRUE(
+      Executable(ipa, "/", std::string(loaded.dli_fname).substr(1), false).parseDynamically());
   EXPECT_THAT(paths(ipa->bundleExecutables()), ElementsAre("PlugIns/Share.appex/Share", "helper"));
   EXPECT_THAT(paths(ipa->dynamicExecutables()),
               ElementsAre("Frameworks/Kit.framework/Kit", "Frameworks/libz.dylib",
@@ -168,6 +177,15 @@ TEST_F(IPATest, OpensFoldersThatAreBundles) {
   }
 }
 
+/// An archived record that is no TweakInfo.
+struct OtherRecord {
+  static constexpr std::string_view archivedClassName = "OtherRecord";
+  std::string tweakID = "T1";
+  static constexpr auto codedFields() {
+    return std::tuple{requiredField("tweakID", &OtherRecord::tweakID)};
+  }
+};
+
 TEST_F(IPATest, TellsTheActiveTweak) {
   const auto ipa = IPA::withAppDir(appDir());
   const std::string record =
@@ -175,7 +193,9 @@ TEST_F(IPATest, TellsTheActiveTweak) {
   EXPECT_EQ(ipa->activeTweakID(), std::nullopt);
   tree_.write(record, encodeKeyedArchive(TweakInfo("com.example.notes", "T1")));
   EXPECT_EQ(ipa->activeTweakID(), "T1");
-  for (const std::string broken : {"", "bplist00", "<plist><dict/></plist>"}) {
+  for (const std::string& broken :
+       {std::string(), std::string("bplist00"), std::string("<plist><dict/></plist>"),
+        encodeKeyedArchive(OtherRecord())}) {
     tree_.write(record, broken);
     EXPECT_EQ(ipa->activeTweakID(), std::nullopt) << broken;
   }
@@ -310,6 +330,65 @@ TEST_F(IPATest, NeverInstallsOutsideTheTree) {
     found.push_back(entry.path().filename());
   }
   EXPECT_THAT(found, testing::UnorderedElementsAre("com.example.notes", "kept"));
+}
+
+TEST_F(IPATest, ALinkInThePlaceOfTheInstallationIsTheHelpers) {
+  tree_.write("var/mobile/Documents/kept", "kept");
+  fs::create_directories(installed().parent_path());
+  fs::create_directory_symlink("/var/mobile/Documents",
+                               installed().parent_path() / "com.example.notes");
+  IPA::withAppDir(appDir())->setActiveTweak(nullptr);
+  EXPECT_TRUE(fs::exists(tree_.path() / "var/mobile/Documents/kept"));
+  EXPECT_EQ(calls(),
+            "kvfileops cleanup " + InstalledTweaks::directory("com.example.notes") + " 0\n");
+}
+
+TEST_F(IPATest, WhatItMayNotWriteGoesThroughTheHelper) {
+  if (::geteuid() != 0) GTEST_SKIP() << "needs to give up root";
+  fs::create_directories(installed());
+  tree_.write("calls", "");
+  for (const fs::path& open : {tree_.path() / "calls", installed().parent_path().parent_path()}) {
+    fs::permissions(open, fs::perms::all);
+  }
+  for (const std::string tool : {"kvfileops", "kill", "killall"}) {
+    for (const auto& entry : fs::recursive_directory_iterator(tree_.path())) {
+      if (entry.path().filename() == tool) fs::permissions(entry, fs::perms(0755));
+    }
+  }
+  fs::permissions(tree_.path(), fs::perms(0755));
+  const pid_t child = ::fork();
+  if (child == 0) {
+    if (::setgid(65534) != 0 || ::setuid(65534) != 0) ::_exit(2);
+    const SampleTweak tweak("T1");
+    try {
+      IPA::withAppDir(appDir())->setActiveTweak(&tweak);
+    } catch (...) {
+      ::_exit(1);
+    }
+    ::_exit(0);
+  }
+  int status = 0;
+  ASSERT_EQ(::waitpid(child, &status, 0), child);
+  EXPECT_EQ(status, 0);
+  const std::string place = InstalledTweaks::directory("com.example.notes");
+  EXPECT_THAT(calls(), testing::MatchesRegex("kvfileops cleanup " + place +
+                                             " 1\nkvfileops copy "
+                                             "/.*/T1.bundle " +
+                                             place +
+                                             "/T1.bundle\nkvfileops "
+                                             "copy /.*/TweakInfo.plist " +
+                                             place + "/TweakInfo.plist\n"));
+}
+
+TEST_F(IPATest, ManyThreadsFillTheCachesOnce) {
+  const auto ipa = IPA::withAppDir(appDir());
+  std::vector<std::shared_ptr<Executable>> found(4);
+  std::vector<std::thread> threads;
+  for (auto& executable : found) {
+    threads.emplace_back([&] { executable = ipa->mainExecutable(); });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_THAT(found, testing::Each(found.front()));
 }
 
 TEST_F(IPATest, AsksTheHelperForCrashLogs) {

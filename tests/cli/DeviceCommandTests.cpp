@@ -65,6 +65,22 @@ TEST_F(DeviceCommandTest, AppsAreATable) {
   EXPECT_THAT(json.out, HasSubstr("\"activeTweak\":\"T1\""));
 }
 
+TEST_F(DeviceCommandTest, OneStrangeAppDoesNotSpoilTheList) {
+  app("A.app", "Alpha", "com.a");
+  app("bad\xFF.app", std::string(2'000'000, 'x'), "com.long");
+  app("K.app", "\u1112\u1161\u11AB", "com.hangul");  // one syllable, decomposed
+  write("tree/Applications/Out.app/x", "");
+  fs::create_symlink(folder() / "outside.plist", folder() / "tree/Applications/Out.app/Info.plist");
+  write("outside.plist", contents("tree/Applications/A.app/Info.plist"));
+  const std::string wide(59, 'x');
+  EXPECT_EQ(device({"apps"}).out, "NAME" + std::string(58, ' ') + "IDENTIFIER  VERSION\nAlpha" +
+                                      std::string(57, ' ') + "com.a       7\n" + wide +
+                                      "\u2026  com.long    7\n" + "\u1112\u1161\u11AB" +
+                                      std::string(60, ' ') + "com.hangul  7\n");
+  EXPECT_THAT(device({"apps", "--json"}).out, HasSubstr("bad\uFFFD.app"));
+  EXPECT_EQ(device({"info", "tree/Applications/Out.app"}).status, 1) << "as on the device";
+}
+
 TEST_F(DeviceCommandTest, TheRootComesFromTheOptionOrTheEnvironment) {
   app("A.app", "Alpha", "com.a");
   setEnvironment({"TAVLEN_ROOT=tree"});
@@ -74,15 +90,17 @@ TEST_F(DeviceCommandTest, TheRootComesFromTheOptionOrTheEnvironment) {
   EXPECT_EQ(empty.status, 0);
   EXPECT_EQ(empty.out, "");
   EXPECT_THAT(empty.err, HasSubstr("no apps"));
-  EXPECT_EQ(run({"--root", "nowhere", "apps"}).status, 2);
+  EXPECT_THAT(run({"--root", "nowhere", "apps"}).err, HasSubstr("nowhere: not a folder"));
   setEnvironment({"TAVLEN_ROOT=nowhere"});
-  EXPECT_EQ(run({"apps"}).status, 2);
+  EXPECT_THAT(run({"apps"}).err, HasSubstr("TAVLEN_ROOT, nowhere: not a folder"));
+  EXPECT_EQ(run({"--help"}).status, 0);
 }
 
 TEST_F(DeviceCommandTest, AnAppIsNamedByIdentifierOrPath) {
   app("A.app", "Alpha", "com.a");
+  fs::create_directory(folder() / "com.a");  // no bundle, so the identifier is meant
   for (const std::string name :
-       {"com.a", "tree/Applications/A.app", "./tree/Applications/A.app/"}) {
+       {"com.a", "tree/Applications/A.app", "./tree/Applications/A.app/", "/Applications/A.app"}) {
     EXPECT_THAT(device({"info", name}).out, HasSubstr("Identifier:         com.a\n"));
   }
   EXPECT_EQ(device({"info", "com.x"}).err, "tavlen: error: IPA not found with bundle ID: com.x\n");
@@ -115,7 +133,9 @@ TEST_F(DeviceCommandTest, CrashLogsComeThroughTheHelper) {
   EXPECT_THAT(device({"crash-logs", "com.a", "logs"}).err, HasSubstr("no crash logs"));
   EXPECT_EQ(device({"crash-logs", "com.a", "nowhere"}).status, 1);
   program("Applications/Marrowgleam.app/bin/kvfileops", "exit 4");
-  EXPECT_EQ(device({"crash-logs", "com.a", "logs"}).err, "tavlen: error: terminated(4)\n");
+  EXPECT_EQ(device({"crash-logs", "com.a", "logs"}).err,
+            "tavlen: error: " + fs::canonical(folder() / "tree").string() +
+                "/Applications/Marrowgleam.app/bin/kvfileops: terminated(4)\n");
 }
 
 TEST_F(DeviceCommandTest, KillAndRespringSayWhatIsMissing) {
@@ -126,6 +146,10 @@ TEST_F(DeviceCommandTest, KillAndRespringSayWhatIsMissing) {
   program("usr/bin/killall", "echo \"$@\" >> called");
   EXPECT_EQ(device({"respring"}).status, 0);
   EXPECT_EQ(contents("called"), "-9 SpringBoard\n");
+
+  fs::remove(folder() / "tree/usr/bin/killall");
+  fs::create_directory(folder() / "tree/usr/bin/killall");
+  EXPECT_THAT(device({"respring"}).err, HasSubstr("/tree/usr/bin/killall: Permission denied\n"));
 
   result = device({"kill", "com.a"});
   EXPECT_EQ(result.status, 1);

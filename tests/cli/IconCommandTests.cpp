@@ -78,7 +78,7 @@ TEST_F(IconCommandTest, AFailureIsOneLineAndLeavesTheFileAlone) {
       {{app("Notes.app"), "--size", "16385"}, app("Notes.app") + ": Could not resize icon"},
       {{app("Broken.app")}, app("Broken.app") + "/Info.plist: missing key \"CFBundleExecutable\""},
       {{"nowhere"}, "IPA not found with bundle ID: nowhere"},
-      {{"./nowhere"}, "./nowhere: The ipa file was invalid"},
+      {{"./nowhere"}, "./nowhere: No such file or directory"},
       {{app("Notes.app"), "-o", "nowhere/x"}, "nowhere/x: No such file or directory"},
   };
   for (const auto& [arguments, error] : rows) {

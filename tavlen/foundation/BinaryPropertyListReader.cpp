@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstring>
 #include <limits>
 
 #include "tavlen/foundation/Unicode.h"
@@ -14,33 +15,6 @@ using Index = PropertyList::Index;
 
 constexpr std::size_t kMagicSize = 8;
 constexpr std::size_t kTrailerSize = 32;
-
-/// The big-endian number in `bytes`. Compilers make one load of it when they know the size.
-template <std::size_t Size>
-std::uint64_t fixedNumber(const char* bytes) {
-  std::uint64_t value = 0;
-  for (std::size_t i = 0; i < Size; ++i) value = value << 8 | static_cast<unsigned char>(bytes[i]);
-  return value;
-}
-
-/// The same for eight bytes at the most.
-std::uint64_t number(std::string_view bytes) {
-  switch (bytes.size()) {
-    case 1:
-      return fixedNumber<1>(bytes.data());
-    case 2:
-      return fixedNumber<2>(bytes.data());
-    case 4:
-      return fixedNumber<4>(bytes.data());
-    case 8:
-      return fixedNumber<8>(bytes.data());
-    default: {
-      std::uint64_t value = 0;
-      for (const char byte : bytes) value = value << 8 | static_cast<unsigned char>(byte);
-      return value;
-    }
-  }
-}
 
 /// Layout, with the format's own names: 8 bytes of magic, the objects, the offset table at
 /// `offsetTableOffset` with `numObjects` entries of `offsetIntSize` bytes, and the trailer.
@@ -66,17 +40,25 @@ class Reader {
   }
 
  private:
+  /// The big-endian number of `size` bytes, from 1 to 8. Eight bytes are there to be read from
+  /// wherever a number begins: the trailer follows all others, and ends in one of eight.
+  std::uint64_t numberAt(std::size_t place, std::size_t size) const {
+    std::uint64_t value = 0;
+    std::memcpy(&value, bytes_.data() + place, sizeof value);
+    if constexpr (std::endian::native == std::endian::little) value = __builtin_bswap64(value);
+    return value >> (64 - 8 * size);
+  }
+
   void readTrailer() {
     if (bytes_.size() < kMagicSize + kTrailerSize || !bytes_.starts_with("bplist0")) {
       throw invalidPropertyList("It is cut short.");
     }
     const std::size_t trailerStart = bytes_.size() - kTrailerSize;
-    const std::string_view trailer = bytes_.substr(trailerStart);
-    offsetIntSize_ = static_cast<std::size_t>(number(trailer.substr(6, 1)));
-    objectRefSize_ = static_cast<std::size_t>(number(trailer.substr(7, 1)));
-    numObjects_ = number(trailer.substr(8, 8));
-    topObject_ = number(trailer.substr(16, 8));
-    const std::uint64_t tableOffset = number(trailer.substr(24, 8));
+    offsetIntSize_ = static_cast<std::size_t>(numberAt(trailerStart + 6, 1));
+    objectRefSize_ = static_cast<std::size_t>(numberAt(trailerStart + 7, 1));
+    numObjects_ = numberAt(trailerStart + 8, 8);
+    topObject_ = numberAt(trailerStart + 16, 8);
+    const std::uint64_t tableOffset = numberAt(trailerStart + 24, 8);
     const auto isWidth = [](std::size_t size) { return size >= 1 && size <= 8; };
     if (!isWidth(offsetIntSize_) || !isWidth(objectRefSize_) || tableOffset < kMagicSize ||
         tableOffset > trailerStart || topObject_ >= numObjects_ ||
@@ -99,7 +81,7 @@ class Reader {
 
   std::size_t objectOffset(std::uint64_t index) const {
     const std::size_t entry = objectsEnd_ + static_cast<std::size_t>(index) * offsetIntSize_;
-    const std::uint64_t offset = number({bytes_.data() + entry, offsetIntSize_});
+    const std::uint64_t offset = numberAt(entry, offsetIntSize_);
     if (offset < kMagicSize || offset >= objectsEnd_) {
       throw invalidPropertyList("An object's offset is out of range.");
     }
@@ -113,17 +95,25 @@ class Reader {
     return taken;
   }
 
+  std::uint64_t takeNumber(std::size_t size) {
+    if (size > objectsEnd_ - position_) throw invalidPropertyList("An object is cut short.");
+    const std::uint64_t number = numberAt(position_, size);
+    position_ += size;
+    return number;
+  }
+
   /// The count of a marker; 15 means that an integer object holds it.
   std::uint64_t readCount(unsigned low) {
     if (low != 15) return low;
-    const auto marker = static_cast<unsigned>(number(take(1)));
+    const auto marker = static_cast<unsigned>(takeNumber(1));
     if (marker < 0x10 || marker > 0x13) throw invalidPropertyList("A count is malformed.");
-    return number(take(1ULL << (marker & 15U)));
+    return takeNumber(std::size_t{1} << (marker & 15U));
   }
 
   /// `count` units of `unit` bytes must be there. Nothing overflows for any count.
   void checkCount(std::uint64_t count, std::size_t unit) const {
-    if (count > (objectsEnd_ - position_) / unit) {
+    const std::size_t left = objectsEnd_ - position_;
+    if (count > left || count * unit > left) {  // the first keeps the product small
       throw invalidPropertyList("A count is out of range.");
     }
   }
@@ -135,7 +125,7 @@ class Reader {
 
   /// Adds the object that stands here to the list.
   void readObject() {
-    const auto marker = static_cast<unsigned>(number(take(1)));
+    const auto marker = static_cast<unsigned>(takeNumber(1));
     const unsigned low = marker & 15U;
     switch (marker >> 4) {
       case 0x0:
@@ -146,13 +136,13 @@ class Reader {
         break;
       case 0x2:
         if (low == 2) {
-          const auto bits = static_cast<std::uint32_t>(number(take(4)));
+          const auto bits = static_cast<std::uint32_t>(takeNumber(4));
           return add(double{std::bit_cast<float>(bits)});
         }
-        if (low == 3) return add(std::bit_cast<double>(number(take(8))));
+        if (low == 3) return add(std::bit_cast<double>(takeNumber(8)));
         break;
       case 0x3:
-        if (low == 3) return add(Date{std::bit_cast<double>(number(take(8)))});
+        if (low == 3) return add(Date{std::bit_cast<double>(takeNumber(8))});
         break;
       case 0x4:
         return add(PropertyList::Data{takeUnits(readCount(low), 1)});
@@ -161,7 +151,7 @@ class Reader {
       case 0x6:
         return readUTF16(takeUnits(readCount(low), 2));
       case 0x8:
-        if (low < 8) return add(PropertyList::UID{number(take(low + 1))});
+        if (low < 8) return add(PropertyList::UID{takeNumber(low + 1)});
         break;
       case 0xA:
         return readArray(readCount(low));
@@ -177,9 +167,9 @@ class Reader {
 
   /// 1, 2 and 4 bytes are unsigned, 8 are signed, 16 are signed again and hold what 64 bits can.
   void readInteger(unsigned power) {
-    if (power < 4) return add(static_cast<std::int64_t>(number(take(1ULL << power))));
-    const std::uint64_t high = number(take(8));
-    const std::uint64_t low = number(take(8));
+    if (power < 4) return add(static_cast<std::int64_t>(takeNumber(std::size_t{1} << power)));
+    const std::uint64_t high = takeNumber(8);
+    const std::uint64_t low = takeNumber(8);
     if (high == 0) return add(low);
     const auto value = static_cast<std::int64_t>(low);
     if (high == std::numeric_limits<std::uint64_t>::max() && value < 0) return add(value);
@@ -201,36 +191,13 @@ class Reader {
     add(text);
   }
 
-  /// Calls `store(i, reference)` for each of the references, which are `Size` bytes wide.
-  template <std::size_t Size, class Store>
-  void storeReferences(std::string_view references, const Store& store) const {
-    for (std::size_t i = 0; i < references.size() / Size; ++i) {
-      const std::uint64_t index = fixedNumber<Size>(references.data() + i * Size);
-      if (index >= numObjects_) throw invalidPropertyList("A reference is out of range.");
-      store(i, static_cast<Index>(index));
-    }
-  }
-
+  /// Calls `store(i, reference)` for each of the references that stand here.
   template <class Store>
   void readReferences(std::uint64_t count, const Store& store) {
-    const std::string_view references = takeUnits(count, objectRefSize_);
-    switch (objectRefSize_) {
-      case 1:
-        return storeReferences<1>(references, store);
-      case 2:
-        return storeReferences<2>(references, store);
-      case 3:
-        return storeReferences<3>(references, store);
-      case 4:
-        return storeReferences<4>(references, store);
-      case 5:
-        return storeReferences<5>(references, store);
-      case 6:
-        return storeReferences<6>(references, store);
-      case 7:
-        return storeReferences<7>(references, store);
-      default:
-        return storeReferences<8>(references, store);
+    for (std::size_t i = 0; i < count; ++i, position_ += objectRefSize_) {
+      const std::uint64_t index = numberAt(position_, objectRefSize_);
+      if (index >= numObjects_) throw invalidPropertyList("A reference is out of range.");
+      store(i, static_cast<Index>(index));
     }
   }
 
@@ -250,13 +217,9 @@ class Reader {
   }
 
   void checkKeys() const {
-    for (Index i = 0; i < list_.size(); ++i) {
-      const auto dictionary = list_.get<PropertyList::Dictionary>(i);
-      if (!dictionary) continue;
-      for (const PropertyList::Member& member : dictionary->members) {
-        if (list_.kind(member.key) != PropertyList::Kind::string) {
-          throw invalidPropertyList("A key is not a string.");
-        }
+    for (const PropertyList::Member& member : list_.allMembers()) {
+      if (list_.kind(member.key) != PropertyList::Kind::string) {
+        throw invalidPropertyList("A key is not a string.");
       }
     }
   }

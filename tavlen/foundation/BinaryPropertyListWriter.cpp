@@ -42,7 +42,7 @@ class Writer {
     offsets.reserve(order_.size());
     for (const Index index : order_) {
       offsets.push_back(out_.size());
-      std::visit([this](const auto& value) { append(value); }, list_.node(index));
+      appendObject(index);
     }
     const std::uint64_t tableOffset = out_.size();
     const std::size_t offsetSize = std::size_t{1} << widthPower(tableOffset);
@@ -67,16 +67,19 @@ class Writer {
       const Index index = pending.back();
       pending.pop_back();
       if (numbers_[index] != kUnnumbered) continue;
+      const auto push = [&](Index child) {
+        if (numbers_[child] == kUnnumbered) pending.push_back(child);
+      };
       if (const auto array = list_.get<PropertyList::Array>(index)) {
         addObject(index);
-        pending.insert(pending.end(), array->elements.rbegin(), array->elements.rend());
+        std::for_each(array->elements.rbegin(), array->elements.rend(), push);
       } else if (const auto dictionary = list_.get<PropertyList::Dictionary>(index)) {
         addObject(index);
         const auto members = dictionary->members;
         std::for_each(members.rbegin(), members.rend(),
-                      [&](const auto& member) { pending.push_back(member.value); });
+                      [&](const auto& member) { push(member.value); });
         std::for_each(members.rbegin(), members.rend(),
-                      [&](const auto& member) { pending.push_back(member.key); });
+                      [&](const auto& member) { push(member.key); });
       } else {
         addScalar(index);
       }
@@ -105,6 +108,19 @@ class Writer {
     }
   }
 
+  void appendObject(Index index) {
+    switch (list_.kind(index)) {  // those that are many, without the way over a variant
+      case PropertyList::Kind::string:
+        return append(list_.string(index));
+      case PropertyList::Kind::uid:
+        return append(*list_.get<PropertyList::UID>(index));
+      case PropertyList::Kind::dictionary:
+        return append(*list_.get<PropertyList::Dictionary>(index));
+      default:
+        std::visit([this](const auto& value) { append(value); }, list_.node(index));
+    }
+  }
+
   /// Half of an archive's objects are these, and they count up.
   void addUID(Index index, std::size_t value) {
     if (uids_.empty()) uids_.resize(list_.size(), kUnnumbered);
@@ -123,7 +139,18 @@ class Writer {
     out_.append(bytes.data() + bytes.size() - size, size);
   }
 
-  void appendReference(Index index) { appendNumber(numbers_[index], referenceSize_); }
+  /// A reference for each of `parts`, to what `indexOf(part)` says.
+  template <class Parts, class IndexOf>
+  void appendReferences(const Parts& parts, const IndexOf& indexOf) {
+    std::size_t place = out_.size();
+    out_.resize(place + parts.size() * referenceSize_);
+    for (const auto& part : parts) {
+      const std::uint64_t number = numbers_[indexOf(part)];
+      for (std::size_t i = referenceSize_; i-- > 0;) {
+        out_[place++] = static_cast<char>(number >> (8 * i));
+      }
+    }
+  }
 
   void appendMarker(unsigned high, unsigned low) { out_ += static_cast<char>(high << 4 | low); }
 
@@ -174,12 +201,12 @@ class Writer {
   }
   void append(PropertyList::Array value) {
     appendSized(0xA, value.elements.size());
-    for (const Index element : value.elements) appendReference(element);
+    appendReferences(value.elements, [](Index element) { return element; });
   }
   void append(PropertyList::Dictionary value) {
     appendSized(0xD, value.members.size());
-    for (const auto& member : value.members) appendReference(member.key);
-    for (const auto& member : value.members) appendReference(member.value);
+    appendReferences(value.members, [](const auto& member) { return member.key; });
+    appendReferences(value.members, [](const auto& member) { return member.value; });
   }
 
   const PropertyList& list_;

@@ -104,15 +104,21 @@ KeyedArchiver::Index KeyedArchiver::object(std::string_view className, FunctionR
   return references_[number];
 }
 
+KeyedArchiver::Index KeyedArchiver::boolean(bool value) {
+  std::optional<Index>& known = booleans_[value ? 1 : 0];
+  if (!known) known = list_.add(value);
+  return *known;
+}
+
 KeyedArchiver::Index KeyedArchiver::text(std::string_view text) {
   if (text == kNullText) return textOfNull();
   const std::size_t hash = std::hash<std::string_view>()(text);
-  const Index known =
-      texts_.find(hash, [&](Index number) { return list_.string(objects_[number]) == text; });
-  if (known != HashIndex::kNone) return references_[known];
+  const Index known = texts_.find(hash, [&](Index place) { return list_.string(place) == text; });
+  if (known != HashIndex::kNone) return known + 1;
   if (!isValidUTF8(text)) throw EncodingError::invalidValue("the string is not valid UTF-8");
-  texts_.add(hash, static_cast<Index>(objects_.size()));
-  return add(list_.add(text));
+  const Index place = list_.add(text);
+  texts_.add(hash, place);
+  return add(place);  // which lies right behind the text
 }
 
 KeyedArchiver::Index KeyedArchiver::textOfNull() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <initializer_list>
 #include <optional>
@@ -42,7 +43,7 @@ class KeyedArchiver {
                const void* identity = nullptr);
 
   /// These stand under their key themselves. They are no objects, which arrays hold.
-  Index boolean(bool value) { return list_.add(value); }
+  Index boolean(bool value);
   Index integer(std::int64_t value) { return list_.add(value); }
   Index real(double value) { return list_.add(value); }
 
@@ -75,8 +76,9 @@ class KeyedArchiver {
   std::size_t depth_ = 0;
   std::vector<std::pair<std::string_view, Index>> keys_;
   std::vector<std::pair<std::string_view, Index>> classes_;
-  HashIndex texts_;                ///< the numbers of texts
+  HashIndex texts_;                ///< texts, by their places in the list
   std::optional<Index> nullText_;  ///< the reference to the text that means nil elsewhere
+  std::array<std::optional<Index>, 2> booleans_;  ///< false and true
   std::unordered_map<const void*, Index> identities_;
 };
 

@@ -61,26 +61,19 @@ KeyedUnarchiver::KeyedUnarchiver(const PropertyList& list) : list_(list), budget
   const auto root = top ? list.find(*top, kRootKey) : std::nullopt;
   if (!root) throw invalidArchive("It has no root.");
   root_ = *root;
-  findShared();
+  countReferences();
 }
 
-void KeyedUnarchiver::findShared() {
-  std::vector<bool> isMet(list_.size());
-  shared_.resize(list_.size());
+void KeyedUnarchiver::countReferences() {
+  references_.resize(list_.size());
   const auto meet = [&](Index value) {
     const auto reference = list_.get<PropertyList::UID>(value);
     if (!reference || reference->value >= objects_.size()) return;
-    const Index object = objects_[static_cast<std::size_t>(reference->value)];
-    if (isMet[object]) shared_[object] = true;
-    isMet[object] = true;
+    std::uint8_t& count = references_[objects_[static_cast<std::size_t>(reference->value)]];
+    if (count < 2) ++count;
   };
-  for (Index i = 0; i < list_.size(); ++i) {
-    if (const auto array = list_.get<PropertyList::Array>(i)) {
-      for (const Index element : array->elements) meet(element);
-    } else if (const auto dictionary = list_.get<PropertyList::Dictionary>(i)) {
-      for (const PropertyList::Member& member : dictionary->members) meet(member.value);
-    }
-  }
+  for (const Index element : list_.allElements()) meet(element);
+  for (const PropertyList::Member& member : list_.allMembers()) meet(member.value);
 }
 
 std::optional<Index> KeyedUnarchiver::object(Index value) const {

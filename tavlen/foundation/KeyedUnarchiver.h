@@ -65,7 +65,7 @@ class KeyedUnarchiver {
   double real(Index value) const;
 
   /// Whether the archive holds several references to `object`.
-  bool isShared(Index object) const { return shared_[object]; }
+  bool isShared(Index object) const { return references_[object] > 1; }
   /// What was made of a shared object, for `type`, a mark of the caller's: null until somebody
   /// stores it.
   std::shared_ptr<void>& made(Index object, const void* type) { return made_[{object, type}]; }
@@ -73,7 +73,7 @@ class KeyedUnarchiver {
  private:
   class Inside;
 
-  void findShared();
+  void countReferences();
 
   /// The object's dictionary; it must be of the class or a class below it.
   PropertyList::Dictionary checked(Index object, std::string_view className);
@@ -87,7 +87,7 @@ class KeyedUnarchiver {
   std::size_t depth_ = 0;
   /// The classes that objects were found to be of, as asked for.
   std::vector<std::pair<Index, std::string_view>> kinds_;
-  std::vector<bool> shared_;  ///< by the index of the object
+  std::vector<std::uint8_t> references_;  ///< by the index of the object, counted up to two
   std::map<std::pair<Index, const void*>, std::shared_ptr<void>> made_;
 };
 

@@ -5,6 +5,7 @@
 #include <bit>
 #include <limits>
 #include <stdexcept>
+#include <type_traits>
 
 namespace tavlen {
 
@@ -92,25 +93,26 @@ PropertyList::Index PropertyList::add(const Node& node) {
     throw std::length_error("property list: too many objects");
   }
   Object object{0, 0, static_cast<Kind>(node.index())};
-  if (const auto* text = std::get_if<std::string_view>(&node)) {
-    object.bits = append(bytes_, *text);
-    object.count = static_cast<std::uint32_t>(text->size());
-  } else if (const auto* data = std::get_if<Data>(&node)) {
-    object.bits = append(bytes_, data->bytes);
-    object.count = static_cast<std::uint32_t>(data->bytes.size());
-  } else if (const auto* array = std::get_if<Array>(&node)) {
-    object.bits = append(elements_, array->elements);
-    object.count = static_cast<std::uint32_t>(array->elements.size());
-  } else if (const auto* dictionary = std::get_if<Dictionary>(&node)) {
-    object.bits = append(members_, dictionary->members);
-    object.count = static_cast<std::uint32_t>(dictionary->members.size());
-  } else {
-    std::visit(
-        [&](const auto& value) {
-          if constexpr (requires { bitsOf(value); }) object.bits = bitsOf(value);
-        },
-        node);
-  }
+  const auto store = [&object](auto& parts, const auto& added) {
+    object.bits = append(parts, added);
+    object.count = static_cast<std::uint32_t>(added.size());
+  };
+  std::visit(
+      [&](const auto& value) {
+        using Value = std::decay_t<decltype(value)>;
+        if constexpr (std::is_same_v<Value, std::string_view>) {
+          store(bytes_, value);
+        } else if constexpr (std::is_same_v<Value, Data>) {
+          store(bytes_, value.bytes);
+        } else if constexpr (std::is_same_v<Value, Array>) {
+          store(elements_, value.elements);
+        } else if constexpr (std::is_same_v<Value, Dictionary>) {
+          store(members_, value.members);
+        } else {
+          object.bits = bitsOf(value);
+        }
+      },
+      node);
   objects_.push_back(object);
   return static_cast<Index>(objects_.size() - 1);
 }

@@ -76,6 +76,9 @@ class PropertyList {
   };
 
   std::size_t size() const { return objects_.size(); }
+  /// The elements of all arrays, and the members of all dictionaries.
+  std::span<const Index> allElements() const { return elements_; }
+  std::span<const Member> allMembers() const { return members_; }
   /// How many indices the containers hold together. A walk that looks at more of them has met
   /// shared objects.
   std::size_t referenceCount() const { return elements_.size() + 2 * members_.size(); }

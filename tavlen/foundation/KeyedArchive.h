@@ -122,6 +122,8 @@ struct ArchiveCoding<std::vector<Element>> {
     constexpr std::size_t kExpected = 64;
     unarchiver.elements(stored, [&](PropertyList::Index element, std::size_t count) {
       if (value.empty()) value.reserve(std::min(count, kExpected));
+      // A reference takes a byte in the archive; a growing vector holds its elements twice.
+      unarchiver.chargeBytes(2 * sizeof(Element));
       ArchiveCoding<Element>::decode(unarchiver, element, value.emplace_back());
     });
   }

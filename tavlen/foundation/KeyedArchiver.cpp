@@ -140,7 +140,11 @@ KeyedArchiver::Index KeyedArchiver::array(std::size_t count,
   return object("NSArray", [&] {
     std::vector<Index> elements;
     elements.reserve(count);
-    for (std::size_t i = 0; i < count; ++i) elements.push_back(element(i));
+    for (std::size_t i = 0; i < count; ++i) {
+      elements.push_back(element(i));
+      // Read back, it would be refused.
+      if (elements.back() == null_) throw EncodingError::invalidValue("an array holds no nil");
+    }
     member("NS.objects", list_.add(PropertyList::Array{elements}));
   });
 }

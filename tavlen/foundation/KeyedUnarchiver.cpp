@@ -94,6 +94,9 @@ std::optional<Index> KeyedUnarchiver::object(Index value) const {
 bool KeyedUnarchiver::isKind(Index classObject, std::string_view className) {
   const std::pair<Index, std::string_view> kind{classObject, className};
   if (std::find(kinds_.begin(), kinds_.end(), kind) != kinds_.end()) return true;
+  if (const auto dictionary = list_.get<PropertyList::Dictionary>(classObject)) {
+    budget_.chargeVisits(2 * dictionary->members.size());
+  }
   bool isKind = stringUnder(list_, classObject, "$classname") == className;
   const auto classes = list_.find(classObject, "$classes");
   const auto chain = classes ? list_.get<PropertyList::Array>(*classes) : std::nullopt;

@@ -21,7 +21,8 @@ namespace tavlen {
 /// decodeKeyedArchive() is what records use.
 ///
 /// Nothing is made by the names in the archive: the caller says what it wants, and an object of
-/// another class is an error; one of a subclass is taken. An absent key, the reference 0 and the
+/// another class is an error; one of a subclass is taken, told by "$classes" ("$classhints" are not
+/// looked at). An absent key, the reference 0 and the
 /// string "$null" are nil. Errors are DecodingErrors, the path added on their way out.
 ///
 /// Bounded, whatever the archive holds: `kDeepest` objects deep (which ends a cycle), and by
@@ -66,6 +67,9 @@ class KeyedUnarchiver {
 
   /// Whether the archive holds several references to `object`.
   bool isShared(Index object) const { return references_[object] > 1; }
+  /// Counts what the caller makes of an element against the limits.
+  void chargeBytes(std::size_t count) { budget_.chargeBytes(count); }
+
   /// What was made of a shared object, for `type`, a mark of the caller's: null until somebody
   /// stores it.
   std::shared_ptr<void>& made(Index object, const void* type) { return made_[{object, type}]; }

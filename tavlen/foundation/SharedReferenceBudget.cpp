@@ -12,7 +12,7 @@ constexpr std::size_t kPasses = 8;
 
 SharedReferenceBudget::SharedReferenceBudget(const PropertyList& list) {
   visitsLeft_ += kPasses * (list.size() + list.referenceCount());
-  textBytesLeft_ += kPasses * list.byteCount();
+  bytesLeft_ += kPasses * list.byteCount();
 }
 
 void SharedReferenceBudget::failVisits() {
@@ -21,8 +21,8 @@ void SharedReferenceBudget::failVisits() {
   throw DecodingError::dataCorrupted("too many values by shared references");
 }
 
-void SharedReferenceBudget::failText() {
-  throw DecodingError::dataCorrupted("too much text by shared references");
+void SharedReferenceBudget::failBytes() {
+  throw DecodingError::dataCorrupted("too much data by shared references");
 }
 
 }  // namespace tavlen

@@ -303,7 +303,7 @@ TEST(KeyedArchive, workIsBounded) {
   EXPECT_TRUE(errorOf<Ring>(bomb(40, 0, 1)).ends_with("too many values by shared references"));
   EXPECT_EQ(errorOf<Ring>(bomb(1, 100, 1)), "");
   EXPECT_TRUE(
-      errorOf<Ring>(bomb(1, 1000, 1'000'000)).ends_with("too much text by shared references"));
+      errorOf<Ring>(bomb(1, 1000, 1'000'000)).ends_with("too much data by shared references"));
 
   // A chain of items: as deep as it may be, and one deeper, both ways.
   const auto chain = [](std::size_t length) {
@@ -320,6 +320,42 @@ TEST(KeyedArchive, workIsBounded) {
   for (int i = 0; i < 600; ++i) deep += object(member("next", ref(i + 2)), 602);
   EXPECT_TRUE(errorOf<Item>(archive(deep + "<string>$null</string>" + className("Demo.Item")))
                   .ends_with("nested deeper than 512 objects"));
+
+  // Eighteen classes, of which the last is a long dictionary that is searched at each of 3,000
+  // texts.
+  std::string strings;
+  std::string kinds;
+  std::string references;
+  std::string members;
+  for (int i = 0; i < 2'000; ++i) members += member("$unused", "<true/>");
+  for (int i = 0; i < 18; ++i) {
+    references += ref(3 + i);
+    strings += object(member("NS.string", "<string/>"), 21 + i);
+    std::string kind = className("NSString");
+    if (i == 17) kind.insert(6, members);
+    kinds += kind;
+  }
+  for (int i = 0; i < 3'000; ++i) references += ref(20);
+  EXPECT_TRUE(
+      errorOf<Ring>(archive(object(member("texts", ref(2)), 40) +
+                            object(member("NS.objects", "<array>" + references + "</array>"), 39) +
+                            strings + kinds + className("NSArray") + className("Ring")))
+          .ends_with("too many values by shared references"));
+
+  // A million references to one empty record, in an array that several records share.
+  std::string bytes;
+  for (int i = 0; i < 300'000; ++i) bytes += ref(4);
+  std::string rings;
+  for (int i = 0; i < 4; ++i) rings += ref(5 + i);
+  std::string sharing;
+  for (int i = 0; i < 4; ++i) sharing += object(member("rings", ref(3)), 10);
+  EXPECT_TRUE(
+      errorOf<std::vector<Ring>>(
+          archive(object(member("NS.objects", "<array>" + rings + "</array>"), 9) + "<string/>" +
+                  object(member("NS.objects", "<array>" + bytes + "</array>"), 9) + object("", 10) +
+                  sharing + className("NSArray") + className("Ring")))
+          .ends_with("too much data by shared references"));
+  EXPECT_THROW(encodeKeyedArchive(std::vector<std::shared_ptr<Item>>(1)), EncodingError);
 
   // Shared records are made once, however often they are met.
   std::string many;

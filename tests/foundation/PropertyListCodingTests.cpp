@@ -230,7 +230,7 @@ TEST(PropertyListCoding, decodingIsBounded) {
   PropertyListDecoder textDecoder(text);
   std::vector<std::string> texts;
   EXPECT_TRUE(
-      errorOf([&] { decode(textDecoder, texts); }).ends_with("too much text by shared references"));
+      errorOf([&] { decode(textDecoder, texts); }).ends_with("too much data by shared references"));
   PropertyList wide;
   wide.add(PropertyList::Array{std::vector<Index>(kPlaces, 1)});
   wide.add(PropertyList::Dictionary{Members(kPlaces, {2, 3})});
@@ -253,7 +253,7 @@ TEST(PropertyListCoding, decodingIsBounded) {
       PropertyListDecoder keyDecoder(keys);
       keyDecoder.members([&](std::string_view) { ++count; });
     });
-    EXPECT_EQ(error, isLong ? "data too much text by shared references" : "");
+    EXPECT_EQ(error, isLong ? "data too much data by shared references" : "");
     EXPECT_EQ(errorOf([&] { writePropertyList(keys, PropertyListFormat::xml); }).empty(), !isLong);
     EXPECT_EQ(count, isLong ? 0U : 1U);
   }

@@ -57,7 +57,7 @@ TEST_F(CopyTest, LeavesNothingOfWhatFails) {
       {"too deep",
        [](const fs::path& f) {
          fs::path deepest = f;
-         for (int i = 1; i < 65; ++i) deepest /= "z";
+         for (int i = 1; i < 64; ++i) deepest /= "z";  // the per-app folder is one more
          fs::create_directories(deepest);
        }},
   };
@@ -69,6 +69,23 @@ TEST_F(CopyTest, LeavesNothingOfWhatFails) {
     fs::remove_all(inside / "z");
   }
   EXPECT_EQ(status({"copy", source(), destination()}), 0);
+}
+
+TEST_F(CopyTest, MakesNothingThatCleanupLeaves) {
+  const auto nest = [](fs::path deepest, int depth) {
+    for (int i = 0; i < depth; ++i) deepest /= "z";
+    fs::create_directories(deepest);
+  };
+  nest(source(), 62);
+  EXPECT_EQ(status({"copy", source(), destination()}), 0);
+  EXPECT_EQ(status({"cleanup", tweaks("a.b").string(), "0"}), 0);
+  EXPECT_FALSE(fs::exists(tweaks("a.b")));
+  // Where the destination lies counts, too.
+  nest(tweaks("a.b"), 60);
+  fs::path deepest = tweaks("a.b");
+  for (int i = 0; i < 60; ++i) deepest /= "z";
+  EXPECT_EQ(status({"copy", source(), (deepest / "x").string()}), 1);
+  EXPECT_TRUE(fs::is_empty(deepest));
 }
 
 TEST_F(CopyTest, RefusesOtherPlacesAndWhatIsThere) {

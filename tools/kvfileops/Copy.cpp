@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <iterator>
 #include <limits>
 #include <optional>
 #include <utility>
@@ -20,6 +21,11 @@
 namespace tavlen::fileops {
 
 namespace {
+
+/// How many folders may be nested in a per-app folder, itself included: each keeps two descriptors
+/// open.
+constexpr int kDeepestFolder = 64;
+static_assert(kDeepestFolder <= kDeepestRemoval, "what was copied can be removed");
 
 struct Entry {
   int folder;  ///< opened, or AT_FDCWD
@@ -43,11 +49,12 @@ void setPermissions(int descriptor, mode_t mode, const std::filesystem::path& sh
 
 class TreeCopy {
  public:
-  explicit TreeCopy(Entry destination) : destination_(std::move(destination)) {}
+  /// `depth` is the destination's, from the folder of tweaks on.
+  TreeCopy(Entry destination, int depth) : destination_(std::move(destination)), depth_(depth) {}
 
   void run(const Entry& source) {
     try {
-      copyEntry(source, destination_, 1);
+      copyEntry(source, destination_, depth_);
     } catch (...) {
       if (isMade_) removeEntry(destination_.folder, destination_.name, destination_.shown);
       throw;
@@ -94,7 +101,7 @@ class TreeCopy {
     std::optional<Descriptor> to =
         openFolder(destination.folder, destination.name, destination.shown);
     if (!to) fail(ENOTDIR, destination.shown);
-    if (depth == 1) copy_ = statusOf(to->get(), destination.shown);
+    if (!copy_) copy_ = statusOf(to->get(), destination.shown);
     FolderReader reader(std::move(from), source.shown);
     while (const std::optional<std::string> name = reader.next()) {
       copyEntry(source.in(reader, *name), {to->get(), *name, destination.shown / *name}, depth + 1);
@@ -107,6 +114,7 @@ class TreeCopy {
   }
 
   Entry destination_;
+  int depth_;
   bool isMade_ = false;              ///< and therefore ours to remove
   std::optional<struct stat> copy_;  ///< the topmost folder that was made
 };
@@ -124,7 +132,9 @@ void copy(const DeviceRoot& root, const std::filesystem::path& source,
   // A slash at its end would have a link followed.
   std::string from = source.string();
   while (from.size() > 1 && from.back() == '/') from.pop_back();
-  TreeCopy({parent.get(), place.filename().string(), destination}).run({AT_FDCWD, from, source});
+  const auto depth = static_cast<int>(std::distance(place.begin(), place.end()));
+  TreeCopy({parent.get(), place.filename().string(), destination}, depth)
+      .run({AT_FDCWD, from, source});
 }
 
 }  // namespace tavlen::fileops

@@ -29,7 +29,7 @@ void makeWritable(int folder) {
 /// Whether a folder stood there.
 bool emptyFolder(int parent, const std::string& name, const std::filesystem::path& shown,
                  int depth) {
-  if (depth > kDeepestFolder) throw Refusal(shown, "folders are nested too deeply");
+  if (depth > kDeepestRemoval) throw Refusal(shown, "folders are nested too deeply");
   std::optional<Descriptor> folder = openFolder(parent, name, shown);
   if (!folder) return false;
   makeWritable(folder->get());

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <exception>
 #include <optional>
 #include <utility>
 
@@ -87,8 +88,15 @@ bool fetchLogs(const DeviceRoot& root, const std::string& bundleID,
   std::optional<Descriptor> logs = openFolder(passage->get(), ".", folder.path());
   if (!logs) fail(ENOTDIR, folder.path());
 
-  const LogCopy copy({bundleID, executablesOfApp(root, bundleID)}, std::move(target), destination);
   bool isComplete = true;
+  CrashLogSubject subject{bundleID, {}};
+  try {
+    subject.executables = executablesOfApp(root, bundleID);
+  } catch (const std::exception& error) {
+    logMessage(std::string("kvfileops: logs are only known by the identifier: ") + error.what());
+    isComplete = false;
+  }
+  const LogCopy copy(std::move(subject), std::move(target), destination);
   FolderReader reader(std::move(*logs), folder.path());
   while (const std::optional<std::string> name = reader.next()) {
     if (!isCrashLogName(*name)) continue;

@@ -12,8 +12,9 @@ namespace tavlen::fileops {
 ///
 /// A file that is there already stays as it is, which is no failure: a second call brings what is
 /// new. What is no regular file is no log. A log that cannot be read or written, or that is larger
-/// than 64 MiB, is told on the standard error stream and does not stop the others.
-/// False where there was such a log. Throws Refusal, std::system_error.
+/// than 64 MiB, is told on the standard error stream and does not stop the others. Where the apps
+/// cannot be looked at, the logs that name the identifier are copied.
+/// False where there was such a log or failure. Throws Refusal, std::system_error.
 bool fetchLogs(const DeviceRoot& root, const std::string& bundleID,
                const std::filesystem::path& destination);
 

@@ -152,6 +152,16 @@ TEST_F(FetchLogsTest, IsNotStoppedByWhatLiesAmongTheLogs) {
   writeLog("NotesApp-6.ips");
   EXPECT_EQ(fetch(), 1) << "one was too large";
   EXPECT_EQ(fetched(), (std::set<std::string>{"NotesApp-5.ips", "NotesApp-6.ips"}));
+
+  fs::remove(root() / kLogs / "NotesApp-4.ips");
+  writeLog("NotesApp-7.ips");
+  write("secret.plist", "Identifier: com.example.notes");
+  for (const char* name : {"NotesApp-8.ips", "x.crash"}) {
+    fs::create_hard_link(root() / "secret.plist", root() / kLogs / name);
+  }
+  EXPECT_EQ(fetch(), 1) << "two are files of another folder";
+  EXPECT_EQ(fetched(),
+            (std::set<std::string>{"NotesApp-5.ips", "NotesApp-6.ips", "NotesApp-7.ips"}));
 }
 
 TEST_F(FetchLogsTest, RefusesOtherIdentifiersAndPlaces) {

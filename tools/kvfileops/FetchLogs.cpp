@@ -1,6 +1,7 @@
 #include "kvfileops/FetchLogs.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -36,6 +37,13 @@ Descriptor openDestination(const std::filesystem::path& destination) {
   return folder;
 }
 
+/// Whoever may write among the logs could give any file of the volume a log's name.
+void requireOneName(const Descriptor& log, const std::filesystem::path& shown) {
+  struct stat status {};
+  if (::fstat(log.get(), &status) != 0) fail(errno, shown);
+  if (status.st_nlink != 1) throw Refusal(shown, "has other names and may be no log");
+}
+
 class LogCopy {
  public:
   LogCopy(CrashLogSubject subject, Descriptor folder, std::filesystem::path shown)
@@ -45,6 +53,7 @@ class LogCopy {
     const std::filesystem::path shown = logs.path() / name;
     const std::optional<Descriptor> log = openRegularFile(logs.descriptor(), name, shown);
     if (!log) return;
+    requireOneName(*log, shown);
     if (!isNamedAfter(subject_, name) &&
         !isAbout(subject_, headOfFile(log->get(), kHeadSize, shown))) {
       return;
@@ -102,7 +111,7 @@ bool fetchLogs(const DeviceRoot& root, const std::string& bundleID,
     if (!isCrashLogName(*name)) continue;
     try {
       copy.copyIfAbout(reader, *name);
-    } catch (const std::system_error& error) {
+    } catch (const std::exception& error) {
       logMessage(std::string("kvfileops: ") + error.what());
       isComplete = false;
     }

@@ -15,6 +15,7 @@
 #include "kvfileops/Failure.h"
 #include "kvfileops/FileCopy.h"
 #include "kvfileops/FolderReader.h"
+#include "kvfileops/NewFolder.h"
 #include "kvfileops/TreeRemoval.h"
 #include "tavlen/device/DevicePaths.h"
 
@@ -43,7 +44,9 @@ struct stat statusOf(int descriptor, const std::filesystem::path& shown) {
   return status;
 }
 
-void setPermissions(int descriptor, mode_t mode, const std::filesystem::path& shown) {
+/// What is made stays the program's own, and closed to others, until it is filled.
+void handOver(int descriptor, mode_t mode, const std::filesystem::path& shown) {
+  giveToCaller(descriptor, shown);
   if (::fchmod(descriptor, mode & 0777) != 0) fail(errno, shown);
 }
 
@@ -85,7 +88,7 @@ class TreeCopy {
     if (to.get() < 0) fail(errno, destination.shown);
     isMade_ = true;
     copyBytes(from.get(), to.get(), std::numeric_limits<std::uint64_t>::max(), source.shown);
-    setPermissions(to.get(), statusOf(from.get(), source.shown).st_mode, destination.shown);
+    handOver(to.get(), statusOf(from.get(), source.shown).st_mode, destination.shown);
     // Some file systems report a failed write only here.
     if (::close(to.release()) != 0 && errno != EINTR) fail(errno, destination.shown);
   }
@@ -94,19 +97,16 @@ class TreeCopy {
     if (depth > kDeepestFolder) throw Refusal(source.shown, "folders are nested too deeply");
     const struct stat status = statusOf(from.get(), source.shown);
     if (isCopy(status)) throw Refusal(source.shown, "holds the copy itself");
-    if (::mkdirat(destination.folder, destination.name.c_str(), S_IRWXU) != 0) {
-      fail(errno, destination.shown);
-    }
+    const std::optional<Descriptor> to =
+        makeNewFolder(destination.folder, destination.name, S_IRWXU, destination.shown);
+    if (!to) fail(EEXIST, destination.shown);
     isMade_ = true;
-    std::optional<Descriptor> to =
-        openFolder(destination.folder, destination.name, destination.shown);
-    if (!to) fail(ENOTDIR, destination.shown);
     if (!copy_) copy_ = statusOf(to->get(), destination.shown);
     FolderReader reader(std::move(from), source.shown);
     while (const std::optional<std::string> name = reader.next()) {
       copyEntry(source.in(reader, *name), {to->get(), *name, destination.shown / *name}, depth + 1);
     }
-    setPermissions(to->get(), status.st_mode, destination.shown);
+    handOver(to->get(), status.st_mode, destination.shown);
   }
 
   bool isCopy(const struct stat& status) const {

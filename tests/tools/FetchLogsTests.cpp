@@ -1,8 +1,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <set>
 
+#include "FileSizeLimit.h"
 #include "HelperTest.h"
 #include "tavlen/foundation/FileSystem.h"
 
@@ -136,6 +138,17 @@ TEST_F(FetchLogsTest, NeverOverwrites) {
   EXPECT_EQ(readFile(outside() / "NotesApp-1.ips"), "old");
   EXPECT_FALSE(fs::exists(outside() / "target"));
   EXPECT_EQ(readFile(outside() / "NotesApp-3.ips"), "new");
+}
+
+TEST_F(FetchLogsTest, BringsTheNextTimeWhatWasCutShort) {
+  const std::string text(300'000, 'x');
+  writeLog("NotesApp-1.ips", text);
+  {
+    const FileSizeLimit limit(100'000);
+    EXPECT_EQ(fetch(), -SIGXFSZ);
+  }
+  EXPECT_EQ(fetch(), 0);
+  EXPECT_EQ(readFile(outside() / "NotesApp-1.ips"), text);
 }
 
 TEST_F(FetchLogsTest, IsNotStoppedByWhatLiesAmongTheLogs) {

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <exception>
 #include <iterator>
 #include <limits>
 #include <optional>
@@ -15,9 +16,11 @@
 #include "kvfileops/Failure.h"
 #include "kvfileops/FileCopy.h"
 #include "kvfileops/FolderReader.h"
+#include "kvfileops/NewFile.h"
 #include "kvfileops/NewFolder.h"
 #include "kvfileops/TreeRemoval.h"
 #include "tavlen/device/DevicePaths.h"
+#include "tavlen/foundation/Log.h"
 
 namespace tavlen::fileops {
 
@@ -59,12 +62,21 @@ class TreeCopy {
     try {
       copyEntry(source, destination_, depth_);
     } catch (...) {
-      if (isMade_) removeEntry(destination_.folder, destination_.name, destination_.shown);
+      if (copy_) removeWhatIsThere();
       throw;
     }
   }
 
  private:
+  /// Whatever it meets, the first error is the one that is thrown.
+  void removeWhatIsThere() const {
+    try {
+      removeEntry(destination_.folder, destination_.name, destination_.shown);
+    } catch (const std::exception& error) {
+      logToStandardError(std::string("kvfileops: a part stays: ") + error.what());
+    }
+  }
+
   void copyEntry(const Entry& source, const Entry& destination, int depth) {
     std::optional<Descriptor> folder;
     std::optional<Descriptor> file;
@@ -76,21 +88,31 @@ class TreeCopy {
     if (folder) {
       copyFolder(std::move(*folder), source, destination, depth);
     } else if (file) {
-      copyFile(*file, source, destination);
+      copy_ ? copyFile(*file, source, destination) : copyDocument(*file, source, destination);
     } else {
       throw Refusal(source.shown, "is neither a file nor a folder; links are not copied");
     }
   }
 
-  void copyFile(const Descriptor& from, const Entry& source, const Entry& destination) {
+  /// A file that is copied alone is a document: there whole or not at all.
+  static void copyDocument(const Descriptor& from, const Entry& source, const Entry& destination) {
+    NewFile to(destination.folder, destination.name, S_IRUSR | S_IWUSR, destination.shown);
+    fill(to.descriptor(), from, source, destination);
+    if (!to.commit()) fail(EEXIST, destination.shown);
+  }
+
+  static void copyFile(const Descriptor& from, const Entry& source, const Entry& destination) {
     Descriptor to(::openat(destination.folder, destination.name.c_str(),
-                           O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
+                           O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
+                           S_IRUSR | S_IWUSR));
     if (to.get() < 0) fail(errno, destination.shown);
-    isMade_ = true;
-    copyBytes(from.get(), to.get(), std::numeric_limits<std::uint64_t>::max(), source.shown);
-    handOver(to.get(), statusOf(from.get(), source.shown).st_mode, destination.shown);
-    // Some file systems report a failed write only here.
-    if (::close(to.release()) != 0 && errno != EINTR) fail(errno, destination.shown);
+    fill(to.get(), from, source, destination);
+    closeWritten(std::move(to), destination.shown);
+  }
+
+  static void fill(int to, const Descriptor& from, const Entry& source, const Entry& destination) {
+    copyBytes(from.get(), to, std::numeric_limits<std::uint64_t>::max(), source.shown);
+    handOver(to, statusOf(from.get(), source.shown).st_mode, destination.shown);
   }
 
   void copyFolder(Descriptor from, const Entry& source, const Entry& destination, int depth) {
@@ -100,7 +122,6 @@ class TreeCopy {
     const std::optional<Descriptor> to =
         makeNewFolder(destination.folder, destination.name, S_IRWXU, destination.shown);
     if (!to) fail(EEXIST, destination.shown);
-    isMade_ = true;
     if (!copy_) copy_ = statusOf(to->get(), destination.shown);
     FolderReader reader(std::move(from), source.shown);
     while (const std::optional<std::string> name = reader.next()) {
@@ -115,8 +136,7 @@ class TreeCopy {
 
   Entry destination_;
   int depth_;
-  bool isMade_ = false;              ///< and therefore ours to remove
-  std::optional<struct stat> copy_;  ///< the topmost folder that was made
+  std::optional<struct stat> copy_;  ///< the topmost folder, once it is made: ours to remove
 };
 
 }  // namespace

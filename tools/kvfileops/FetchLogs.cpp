@@ -17,6 +17,7 @@
 #include "kvfileops/FileCopy.h"
 #include "kvfileops/FileHead.h"
 #include "kvfileops/FolderReader.h"
+#include "kvfileops/NewFile.h"
 #include "tavlen/device/DevicePaths.h"
 #include "tavlen/foundation/FileSystem.h"
 #include "tavlen/foundation/Log.h"
@@ -58,26 +59,19 @@ class LogCopy {
         !isAbout(subject_, headOfFile(log->get(), kHeadSize, shown))) {
       return;
     }
-    const std::optional<Descriptor> copy = makeFile(name);
-    if (!copy) return;
-    try {
-      copyBytes(log->get(), copy->get(), kLargestLog, shown);
-    } catch (...) {
-      const CallerRights rights;
-      (void)::unlinkat(folder_.get(), name.c_str(), 0);
-      throw;
-    }
+    const CallerRights rights;
+    if (isThere(name)) return;
+    NewFile copy(folder_.get(), name, 0644, shown_ / name);
+    copyBytes(log->get(), copy.descriptor(), kLargestLog, shown);
+    (void)copy.commit();  // where it is there by now, that is as good
   }
 
  private:
-  /// Nothing where there is one.
-  std::optional<Descriptor> makeFile(const std::string& name) const {
-    const CallerRights rights;
-    Descriptor file(::openat(folder_.get(), name.c_str(),
-                             O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0644));
-    if (file.get() >= 0) return file;
-    if (errno == EEXIST) return std::nullopt;
-    fail(errno, shown_ / name);
+  bool isThere(const std::string& name) const {
+    struct stat status {};
+    if (::fstatat(folder_.get(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0) return true;
+    if (errno != ENOENT) fail(errno, shown_ / name);
+    return false;
   }
 
   CrashLogSubject subject_;
@@ -102,7 +96,8 @@ bool fetchLogs(const DeviceRoot& root, const std::string& bundleID,
   try {
     subject.executables = executablesOfApp(root, bundleID);
   } catch (const std::exception& error) {
-    logMessage(std::string("kvfileops: logs are only known by the identifier: ") + error.what());
+    logToStandardError(std::string("kvfileops: logs are only known by the identifier: ") +
+                       error.what());
     isComplete = false;
   }
   const LogCopy copy(std::move(subject), std::move(target), destination);
@@ -112,7 +107,7 @@ bool fetchLogs(const DeviceRoot& root, const std::string& bundleID,
     try {
       copy.copyIfAbout(reader, *name);
     } catch (const std::exception& error) {
-      logMessage(std::string("kvfileops: ") + error.what());
+      logToStandardError(std::string("kvfileops: ") + error.what());
       isComplete = false;
     }
   }

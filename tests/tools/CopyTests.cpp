@@ -198,6 +198,14 @@ TEST_F(CopyTest, FailsWithoutPermission) {
   writeSource("closed/f");
   fs::permissions(outside() / "x.bundle/closed", fs::perms(0555));
   EXPECT_EQ(status({"copy", source(), destination()}, User::nobody), 0);
+  // "closed" cannot be written to; these can be read or entered no more, either.
+  for (const int mode : {0000, 0300, 0400}) {
+    const fs::path folder = tweaks("a.b/closed" + std::to_string(mode));
+    fs::create_directory(folder);
+    std::ofstream(folder / "f") << "x";
+    fs::permissions(folder, fs::perms(mode));
+    ASSERT_EQ(::chown(folder.c_str(), kNobody, kNobody), 0);
+  }
   EXPECT_EQ(status({"cleanup", tweaks("a.b").string(), "1"}, User::nobody), 0);
   EXPECT_TRUE(fs::is_empty(tweaks("a.b")));
 }

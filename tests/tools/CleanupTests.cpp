@@ -137,9 +137,9 @@ TEST_F(CleanupTest, IsBoundedInDepthAndMemory) {
     for (int i = 1; i < depth; ++i) deepest /= "d";
     fs::create_directories(deepest);
   };
-  nest(64);
+  nest(128);
   EXPECT_EQ(status({"cleanup", tweaks("deep").string(), "0"}), 0);
-  nest(65);
+  nest(129);
   EXPECT_EQ(status({"cleanup", tweaks("deep").string(), "0"}), 1);
 }
 

@@ -1,6 +1,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <csignal>
+
+#include "FileSizeLimit.h"
 #include "HelperTest.h"
 #include "Swapper.h"
 
@@ -57,7 +60,7 @@ TEST_F(CopyTest, LeavesNothingOfWhatFails) {
       {"too deep",
        [](const fs::path& f) {
          fs::path deepest = f;
-         for (int i = 1; i < 65; ++i) deepest /= "z";
+         for (int i = 1; i < 64; ++i) deepest /= "z";  // the per-app folder is one more
          fs::create_directories(deepest);
        }},
   };
@@ -69,6 +72,39 @@ TEST_F(CopyTest, LeavesNothingOfWhatFails) {
     fs::remove_all(inside / "z");
   }
   EXPECT_EQ(status({"copy", source(), destination()}), 0);
+}
+
+TEST_F(CopyTest, MakesFilesWholeOrNotAtAll) {
+  writeSource("document");
+  std::ofstream(outside() / "x.bundle/document") << std::string(300'000, 'y');
+  const std::string file = tweaks("a.b/TweakInfo.plist").string();
+  {
+    const FileSizeLimit limit(100'000);
+    EXPECT_EQ(run({"copy", source() + "/document", file}).status, -SIGXFSZ);
+  }
+  EXPECT_FALSE(fs::exists(file));
+  for (const auto& entry : fs::directory_iterator(tweaks("a.b"))) {
+    EXPECT_EQ(entry.path().filename().string().front(), '.') << entry.path();
+  }
+  EXPECT_EQ(status({"copy", source() + "/document", file}), 0);
+  EXPECT_EQ(fs::file_size(file), 300'000U);
+}
+
+TEST_F(CopyTest, MakesNothingThatCleanupLeaves) {
+  const auto nest = [](fs::path deepest, int depth) {
+    for (int i = 0; i < depth; ++i) deepest /= "z";
+    fs::create_directories(deepest);
+  };
+  nest(source(), 62);
+  EXPECT_EQ(status({"copy", source(), destination()}), 0);
+  EXPECT_EQ(status({"cleanup", tweaks("a.b").string(), "0"}), 0);
+  EXPECT_FALSE(fs::exists(tweaks("a.b")));
+  // Where the destination lies counts, too.
+  nest(tweaks("a.b"), 60);
+  fs::path deepest = tweaks("a.b");
+  for (int i = 0; i < 60; ++i) deepest /= "z";
+  EXPECT_EQ(status({"copy", source(), (deepest / "x").string()}), 1);
+  EXPECT_TRUE(fs::is_empty(deepest));
 }
 
 TEST_F(CopyTest, RefusesOtherPlacesAndWhatIsThere) {
@@ -117,11 +153,37 @@ TEST_F(CopyTest, IsNotLedOutsideByLinksThatAppearMeanwhile) {
   writeSource("a");
   fs::create_directory(outside() / "d");
   fs::create_directory_symlink(outside() / "d", tweaks("link"));
-  const Swapper swapper(tweaks("a.b"), tweaks("link"));
-  for (int i = 0; i < 60; ++i) {
-    (void)run({"copy", source(), tweaks("a.b/" + std::to_string(i)).string()});  // may fail
+  int copies = 0;
+  {
+    const Swapper swapper(tweaks("a.b"), tweaks("link"));
+    for (int i = 0; i < 60; ++i) {
+      const std::string place = tweaks("a.b/" + std::to_string(i)).string();
+      if (run({"copy", source(), place}).status == 0) ++copies;
+    }
   }
+  EXPECT_GT(copies, 0);
   EXPECT_TRUE(fs::is_empty(outside() / "d"));
+}
+
+TEST_F(CopyTest, CopiesNothingThatALinkInTheSourcesPlaceLeadsTo) {
+  writeSource("d/a");
+  fs::create_directory(outside() / "secret");
+  std::ofstream(outside() / "secret/key") << "x";
+  fs::create_directory_symlink(outside() / "secret", outside() / "link");
+  int copies = 0;
+  for (const std::string swapped : {"x.bundle", "x.bundle/d"}) {
+    const Swapper swapper(outside() / swapped, outside() / "link");
+    for (int i = 0; i < 30; ++i) {
+      const std::string place = destination() + std::to_string(i);
+      if (run({"copy", source(), place}).status == 0) {
+        ++copies;
+        ASSERT_EQ(contents(place), "d 755/\nd/a 644 \"d/a\"\n") << swapped;
+      }
+      ASSERT_FALSE(fs::exists(place + "/key") || fs::exists(place + "/d/key")) << swapped;
+      fs::remove_all(place);
+    }
+  }
+  EXPECT_GT(copies, 0);
 }
 
 TEST_F(CopyTest, FailsWithoutPermission) {
@@ -136,6 +198,14 @@ TEST_F(CopyTest, FailsWithoutPermission) {
   writeSource("closed/f");
   fs::permissions(outside() / "x.bundle/closed", fs::perms(0555));
   EXPECT_EQ(status({"copy", source(), destination()}, User::nobody), 0);
+  // "closed" cannot be written to; these can be read or entered no more, either.
+  for (const int mode : {0000, 0300, 0400}) {
+    const fs::path folder = tweaks("a.b/closed" + std::to_string(mode));
+    fs::create_directory(folder);
+    std::ofstream(folder / "f") << "x";
+    fs::permissions(folder, fs::perms(mode));
+    ASSERT_EQ(::chown(folder.c_str(), kNobody, kNobody), 0);
+  }
   EXPECT_EQ(status({"cleanup", tweaks("a.b").string(), "1"}, User::nobody), 0);
   EXPECT_TRUE(fs::is_empty(tweaks("a.b")));
 }

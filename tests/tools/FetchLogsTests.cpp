@@ -1,8 +1,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <set>
 
+#include "FileSizeLimit.h"
 #include "HelperTest.h"
 #include "tavlen/foundation/FileSystem.h"
 
@@ -97,6 +99,35 @@ TEST_F(FetchLogsTest, TakesTheLogsThatNameTheApp) {
   EXPECT_EQ(fetched(), expected);
 }
 
+TEST_F(FetchLogsTest, KnowsTheAppsOfTheAppList) {
+  writeList("opt/Linked.app", "com.linked", "LinkedApp");
+  fs::create_directory_symlink("/opt/Linked.app", root() / "Applications/Linked.app");
+  writeList("opt/Apps/V/Deep.app", "com.deep", "DeepApp");
+  fs::create_directory_symlink("../../../../../opt/Apps/V",
+                               root() / "var/containers/Bundle/Application/V");
+  writeList("Applications/Up.app", "com.up", "../NotesApp");
+  // A link never leads out of the tree.
+  const TemporaryFolder elsewhere;
+  fs::permissions(elsewhere.path(), fs::perms(0755));
+  fs::rename(root() / "Applications/Other.app", elsewhere.path() / "Other.app");
+  fs::create_directory_symlink(elsewhere.path() / "Other.app", root() / "Applications/Other.app");
+  for (const char* name : {"LinkedApp", "DeepApp", "NotesApp", "Other"}) {
+    writeLog(std::string(name) + "-1.ips");
+  }
+  const struct {
+    std::string bundleID;
+    std::set<std::string> logs;
+  } rows[] = {{"com.linked", {"LinkedApp-1.ips"}},
+              {"com.deep", {"DeepApp-1.ips"}},
+              {"com.up", {}},
+              {"com.other", {}}};
+  for (const auto& row : rows) {
+    EXPECT_EQ(fetch(row.bundleID), 0) << row.bundleID;
+    EXPECT_EQ(fetched(), row.logs) << row.bundleID;
+    for (const std::string& log : row.logs) fs::remove(outside() / log);
+  }
+}
+
 TEST_F(FetchLogsTest, NeverOverwrites) {
   writeLog("NotesApp-1.ips", "new");
   writeLog("NotesApp-2.ips", "new");
@@ -107,6 +138,17 @@ TEST_F(FetchLogsTest, NeverOverwrites) {
   EXPECT_EQ(readFile(outside() / "NotesApp-1.ips"), "old");
   EXPECT_FALSE(fs::exists(outside() / "target"));
   EXPECT_EQ(readFile(outside() / "NotesApp-3.ips"), "new");
+}
+
+TEST_F(FetchLogsTest, BringsTheNextTimeWhatWasCutShort) {
+  const std::string text(300'000, 'x');
+  writeLog("NotesApp-1.ips", text);
+  {
+    const FileSizeLimit limit(100'000);
+    EXPECT_EQ(fetch(), -SIGXFSZ);
+  }
+  EXPECT_EQ(fetch(), 0);
+  EXPECT_EQ(readFile(outside() / "NotesApp-1.ips"), text);
 }
 
 TEST_F(FetchLogsTest, IsNotStoppedByWhatLiesAmongTheLogs) {
@@ -123,6 +165,16 @@ TEST_F(FetchLogsTest, IsNotStoppedByWhatLiesAmongTheLogs) {
   writeLog("NotesApp-6.ips");
   EXPECT_EQ(fetch(), 1) << "one was too large";
   EXPECT_EQ(fetched(), (std::set<std::string>{"NotesApp-5.ips", "NotesApp-6.ips"}));
+
+  fs::remove(root() / kLogs / "NotesApp-4.ips");
+  writeLog("NotesApp-7.ips");
+  write("secret.plist", "Identifier: com.example.notes");
+  for (const char* name : {"NotesApp-8.ips", "x.crash"}) {
+    fs::create_hard_link(root() / "secret.plist", root() / kLogs / name);
+  }
+  EXPECT_EQ(fetch(), 1) << "two are files of another folder";
+  EXPECT_EQ(fetched(),
+            (std::set<std::string>{"NotesApp-5.ips", "NotesApp-6.ips", "NotesApp-7.ips"}));
 }
 
 TEST_F(FetchLogsTest, RefusesOtherIdentifiersAndPlaces) {
@@ -158,6 +210,13 @@ TEST_F(FetchLogsTest, FailsWithoutPermission) {
   fs::permissions(root() / kLogs / "NotesApp-1.ips", fs::perms(0600));
   EXPECT_EQ(fetch("com.example.notes", User::nobody), 1);
   EXPECT_EQ(fetched(), (std::set<std::string>{"NotesApp-2.ips"}));
+
+  fs::permissions(root() / "Applications", fs::perms(0700));
+  writeLog("com.example.notes-3.ips");
+  writeLog("NotesApp-4.ips");
+  fs::remove(root() / kLogs / "NotesApp-1.ips");
+  EXPECT_EQ(fetch("com.example.notes", User::nobody), 1) << "the apps are not known";
+  EXPECT_EQ(fetched(), (std::set<std::string>{"NotesApp-2.ips", "com.example.notes-3.ips"}));
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <exception>
 #include <set>
 #include <sstream>
 
@@ -19,10 +20,9 @@ constexpr const char* kTweaks =
     "var/mobile/Library/Application Support/Marrowgleam/Installed Tweaks";
 constexpr int kNotStarted = 127;
 
-void becomeNobody() {
-  constexpr uid_t kNobody = 65534;
+void becomeUser(uid_t user) {
   if (::geteuid() != 0) return;  // has no more rights than anybody
-  if (::setgroups(0, nullptr) != 0 || ::setgid(kNobody) != 0 || ::setuid(kNobody) != 0) {
+  if (::setgroups(0, nullptr) != 0 || ::setgid(user) != 0 || ::setuid(user) != 0) {
     ::_exit(kNotStarted);
   }
 }
@@ -57,7 +57,7 @@ HelperTest::Result HelperTest::run(const std::vector<std::string>& words, User u
   if (child == 0) {
     ::dup2(::open(messages.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600), 2);
     ::setenv("TAVLEN_ROOT", rootVariable_.c_str(), 1);
-    if (user == User::nobody) becomeNobody();
+    if (user == User::nobody) becomeUser(kNobody);
     ::fexecve(program, arguments.data(), environ);
     ::_exit(kNotStarted);
   }
@@ -65,6 +65,26 @@ HelperTest::Result HelperTest::run(const std::vector<std::string>& words, User u
   int status = 0;
   EXPECT_EQ(::waitpid(child, &status, 0), child);
   return {WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status), readFile(messages)};
+}
+
+bool HelperTest::runWithLentRights(FunctionRef<void()> job) {
+  const pid_t child = ::fork();
+  if (child == 0) {
+    if (::setgroups(0, nullptr) != 0 || ::setresgid(kNobody, 0, 0) != 0 ||
+        ::setresuid(kNobody, 0, 0) != 0) {
+      ::_exit(kNotStarted);
+    }
+    try {
+      job();
+    } catch (const std::exception&) {
+      ::_exit(1);
+    }
+    ::_exit(0);
+  }
+  int status = 0;
+  EXPECT_EQ(::waitpid(child, &status, 0), child);
+  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) <= 1) << status;
+  return status == 0;
 }
 
 int HelperTest::status(const std::vector<std::string>& words, User user) const {

@@ -1,12 +1,14 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <sys/types.h>
 
 #include <filesystem>
 #include <string>
 #include <vector>
 
 #include "TemporaryFolder.h"
+#include "tavlen/foundation/FunctionRef.h"
 
 namespace tavlen {
 
@@ -24,6 +26,10 @@ class HelperTest : public testing::Test {
   Result run(const std::vector<std::string>& words, User user = User::same) const;
   /// The exit status alone; what the helper said is shown where the test fails.
   int status(const std::vector<std::string>& words, User user = User::same) const;
+  /// Runs `job` in a process that nobody called and that has the rights of this one besides, as a
+  /// program whose file lends them. Whether it threw nothing. To be called by root only.
+  static bool runWithLentRights(FunctionRef<void()> job);
+  static constexpr uid_t kNobody = 65534;
   void setRoot(const std::string& root) { rootVariable_ = root; }
 
   const std::filesystem::path& root() const { return root_.path(); }

@@ -2,6 +2,7 @@
 
 #include "kvfileops/DeviceFolder.h"
 #include "kvfileops/Failure.h"
+#include "kvfileops/NewFolder.h"
 #include "kvfileops/TreeRemoval.h"
 #include "tavlen/device/DevicePaths.h"
 
@@ -18,7 +19,7 @@ void cleanUp(const DeviceRoot& root, const std::filesystem::path& path, AfterCle
   const Descriptor folder = tweaks.make();
   if (emptyFolder(folder.get(), entry.string(), path)) return;
   removeEntry(folder.get(), entry.string(), path);  // a file or a link in the folder's place
-  (void)makeFolder(folder.get(), entry.string(), path);
+  (void)makeFolder(folder.get(), entry.string(), Owner::caller, path);
 }
 
 }  // namespace tavlen::fileops

@@ -8,7 +8,8 @@ namespace tavlen::fileops {
 
 /// Copies the file or folder `source` to `destination`, which lies below the folder of installed
 /// tweaks, in a folder that exists, and does not exist itself. The source is read with the caller's
-/// rights. Permissions are kept, but not the bits that lend the owner's rights.
+/// rights, and the copy belongs to the caller. Permissions are kept, but not the bits that lend the
+/// owner's rights.
 ///
 /// Links and everything else that is neither file nor folder are refused. What fails leaves nothing
 /// of the copy. Throws Refusal, std::system_error.

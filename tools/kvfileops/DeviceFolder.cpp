@@ -1,15 +1,15 @@
 #include "kvfileops/DeviceFolder.h"
 
 #include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
+#include <iterator>
 #include <system_error>
 
 #include "kvfileops/Failure.h"
+#include "kvfileops/NewFolder.h"
 #include "tavlen/foundation/FileSystem.h"
 
 namespace tavlen::fileops {
@@ -69,8 +69,10 @@ std::optional<Descriptor> DeviceFolder::open() const {
 Descriptor DeviceFolder::make() const {
   Descriptor folder = openRoot(root_);
   const std::filesystem::path relative = *pathFrom(root_, path_);
-  for (const std::filesystem::path& component : relative) {
-    folder = makeFolder(folder.get(), component.string(), path_);
+  for (auto component = relative.begin(); component != relative.end(); ++component) {
+    // What leads to the folder belongs to the device, not to whoever came first.
+    const auto owner = std::next(component) == relative.end() ? Owner::caller : Owner::program;
+    folder = makeFolder(folder.get(), component->string(), owner, path_);
   }
   return folder;
 }
@@ -94,19 +96,6 @@ Descriptor descend(Descriptor from, const std::filesystem::path& relative,
     from = std::move(next);
   }
   return from;
-}
-
-Descriptor makeFolder(int parent, const std::string& name, const std::filesystem::path& shown) {
-  const bool isNew = ::mkdirat(parent, name.c_str(), 0755) == 0;
-  if (!isNew && errno != EEXIST) fail(errno, shown);
-  Descriptor folder(::openat(parent, name.c_str(), kPassage));
-  if (folder.get() < 0) fail(errno, shown);
-  // The caller, who may have fewer rights than this program, is to write there.
-  if (isNew && ::geteuid() != ::getuid() &&
-      ::fchownat(folder.get(), "", ::getuid(), ::getgid(), AT_EMPTY_PATH) != 0) {
-    fail(errno, shown);
-  }
-  return folder;
 }
 
 }  // namespace tavlen::fileops

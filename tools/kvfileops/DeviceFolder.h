@@ -28,7 +28,8 @@ class DeviceFolder {
 
   /// The folder, for calls relative to it; nothing where it does not exist.
   std::optional<Descriptor> open() const;
-  /// The same; it is made where it is missing.
+  /// The same; it is made where it is missing, and then belongs to the caller, but not what leads
+  /// to it.
   Descriptor make() const;
 
   /// How the entry `path` is called from here: one component or more. It need not exist, and is not
@@ -44,8 +45,5 @@ class DeviceFolder {
 /// link.
 Descriptor descend(Descriptor from, const std::filesystem::path& relative,
                    const std::filesystem::path& shown);
-
-/// Makes the folder `name` where there is none, and opens it. A new one belongs to the caller.
-Descriptor makeFolder(int parent, const std::string& name, const std::filesystem::path& shown);
 
 }  // namespace tavlen::fileops

@@ -1,9 +1,11 @@
 #include "kvfileops/FetchLogs.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <exception>
 #include <optional>
 #include <utility>
 
@@ -15,6 +17,7 @@
 #include "kvfileops/FileCopy.h"
 #include "kvfileops/FileHead.h"
 #include "kvfileops/FolderReader.h"
+#include "kvfileops/NewFile.h"
 #include "tavlen/device/DevicePaths.h"
 #include "tavlen/foundation/FileSystem.h"
 #include "tavlen/foundation/Log.h"
@@ -35,6 +38,13 @@ Descriptor openDestination(const std::filesystem::path& destination) {
   return folder;
 }
 
+/// Whoever may write among the logs could give any file of the volume a log's name.
+void requireOneName(const Descriptor& log, const std::filesystem::path& shown) {
+  struct stat status {};
+  if (::fstat(log.get(), &status) != 0) fail(errno, shown);
+  if (status.st_nlink != 1) throw Refusal(shown, "has other names and may be no log");
+}
+
 class LogCopy {
  public:
   LogCopy(CrashLogSubject subject, Descriptor folder, std::filesystem::path shown)
@@ -44,30 +54,24 @@ class LogCopy {
     const std::filesystem::path shown = logs.path() / name;
     const std::optional<Descriptor> log = openRegularFile(logs.descriptor(), name, shown);
     if (!log) return;
+    requireOneName(*log, shown);
     if (!isNamedAfter(subject_, name) &&
         !isAbout(subject_, headOfFile(log->get(), kHeadSize, shown))) {
       return;
     }
-    const std::optional<Descriptor> copy = makeFile(name);
-    if (!copy) return;
-    try {
-      copyBytes(log->get(), copy->get(), kLargestLog, shown);
-    } catch (...) {
-      const CallerRights rights;
-      (void)::unlinkat(folder_.get(), name.c_str(), 0);
-      throw;
-    }
+    const CallerRights rights;
+    if (isThere(name)) return;
+    NewFile copy(folder_.get(), name, 0644, shown_ / name);
+    copyBytes(log->get(), copy.descriptor(), kLargestLog, shown);
+    (void)copy.commit();  // where it is there by now, that is as good
   }
 
  private:
-  /// Nothing where there is one.
-  std::optional<Descriptor> makeFile(const std::string& name) const {
-    const CallerRights rights;
-    Descriptor file(::openat(folder_.get(), name.c_str(),
-                             O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0644));
-    if (file.get() >= 0) return file;
-    if (errno == EEXIST) return std::nullopt;
-    fail(errno, shown_ / name);
+  bool isThere(const std::string& name) const {
+    struct stat status {};
+    if (::fstatat(folder_.get(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0) return true;
+    if (errno != ENOENT) fail(errno, shown_ / name);
+    return false;
   }
 
   CrashLogSubject subject_;
@@ -87,15 +91,23 @@ bool fetchLogs(const DeviceRoot& root, const std::string& bundleID,
   std::optional<Descriptor> logs = openFolder(passage->get(), ".", folder.path());
   if (!logs) fail(ENOTDIR, folder.path());
 
-  const LogCopy copy({bundleID, executablesOfApp(root, bundleID)}, std::move(target), destination);
   bool isComplete = true;
+  CrashLogSubject subject{bundleID, {}};
+  try {
+    subject.executables = executablesOfApp(root, bundleID);
+  } catch (const std::exception& error) {
+    logToStandardError(std::string("kvfileops: logs are only known by the identifier: ") +
+                       error.what());
+    isComplete = false;
+  }
+  const LogCopy copy(std::move(subject), std::move(target), destination);
   FolderReader reader(std::move(*logs), folder.path());
   while (const std::optional<std::string> name = reader.next()) {
     if (!isCrashLogName(*name)) continue;
     try {
       copy.copyIfAbout(reader, *name);
-    } catch (const std::system_error& error) {
-      logMessage(std::string("kvfileops: ") + error.what());
+    } catch (const std::exception& error) {
+      logToStandardError(std::string("kvfileops: ") + error.what());
       isComplete = false;
     }
   }

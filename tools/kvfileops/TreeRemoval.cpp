@@ -6,6 +6,7 @@
 
 #include <cerrno>
 #include <optional>
+#include <system_error>
 
 #include "kvfileops/Failure.h"
 #include "kvfileops/FolderReader.h"
@@ -26,11 +27,23 @@ void makeWritable(int folder) {
   }
 }
 
+/// As openFolder(), for one that its owner may not even read.
+std::optional<Descriptor> openAnyFolder(int parent, const std::string& name,
+                                        const std::filesystem::path& shown) {
+  try {
+    return openFolder(parent, name, shown);
+  } catch (const std::system_error& error) {
+    const bool isClosed = error.code() == std::errc::permission_denied;
+    if (!isClosed || ::fchmodat(parent, name.c_str(), S_IRWXU, AT_SYMLINK_NOFOLLOW) != 0) throw;
+  }
+  return openFolder(parent, name, shown);
+}
+
 /// Whether a folder stood there.
 bool emptyFolder(int parent, const std::string& name, const std::filesystem::path& shown,
                  int depth) {
-  if (depth > kDeepestFolder) throw Refusal(shown, "folders are nested too deeply");
-  std::optional<Descriptor> folder = openFolder(parent, name, shown);
+  if (depth > kDeepestRemoval) throw Refusal(shown, "folders are nested too deeply");
+  std::optional<Descriptor> folder = openAnyFolder(parent, name, shown);
   if (!folder) return false;
   makeWritable(folder->get());
   FolderReader reader(std::move(*folder), shown);

@@ -5,9 +5,8 @@
 
 namespace tavlen::fileops {
 
-/// How many folders may be nested in what is removed or copied: each keeps a descriptor or two
-/// open.
-inline constexpr int kDeepestFolder = 64;
+/// How many folders may be nested in what is removed: each keeps a descriptor open.
+inline constexpr int kDeepestRemoval = 128;
 
 /// Removes the entry `name` of the opened folder `parent`, a folder with all that is in it. Follows
 /// no link: links themselves are removed. What is missing counts as removed. `shown` names the

@@ -61,13 +61,13 @@ int main(int count, char** words) {
   try {
     const Status status = run(count, words);
     if (status == kMisused) {
-      tavlen::logMessage(
+      tavlen::logToStandardError(
           "kvfileops: usage: kvfileops cleanup PATH 0|1 | copy SOURCE DESTINATION | "
           "fetch-logs BUNDLE-ID FOLDER");
     }
     return status;
   } catch (const std::exception& error) {
-    tavlen::logMessage(std::string("kvfileops: ") + error.what());
+    tavlen::logToStandardError(std::string("kvfileops: ") + error.what());
     return kFailed;
   }
 }

@@ -201,7 +201,7 @@ TEST(XMLPropertyList, scalarsHaveTheirTexts) {
 TEST(XMLPropertyList, readsWhatOthersWrite) {
   const auto text = [](std::string_view bytes) {
     const PropertyList list = readPropertyList(bytes);
-    return list.string(list.root());
+    return std::string(list.string(list.root()));
   };
   EXPECT_EQ(text(plist("<string/>")), "");
   EXPECT_EQ(text(plist(" <!-- c --><string> a<!-- c --><![CDATA[<&]]>&amp;&#x1F600;\n</string>\n")),

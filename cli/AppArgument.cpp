@@ -17,7 +17,7 @@ namespace {
 std::filesystem::path appFolder(const std::string& text) {
   std::error_code ignored;
   if (text.starts_with('/') && !std::filesystem::exists(text, ignored)) {
-    const std::filesystem::path inRoot = DeviceRoot::shared().resolve(text);
+    std::filesystem::path inRoot = DeviceRoot::shared().resolve(text);
     if (std::filesystem::exists(inRoot, ignored)) return inRoot;
   }
   return text;

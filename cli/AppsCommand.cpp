@@ -1,5 +1,6 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <compare>
 #include <exception>
 #include <memory>
 #include <optional>
@@ -83,7 +84,7 @@ std::vector<Row> readRows() {
 
 void sortByName(std::vector<Row>& rows) {
   std::stable_sort(rows.begin(), rows.end(), [](const Row& left, const Row& right) {
-    return localizedCaseInsensitiveCompare(left.name, right.name) < 0;
+    return std::is_lt(localizedCaseInsensitiveCompare(left.name, right.name));
   });
 }
 

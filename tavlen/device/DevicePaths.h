@@ -5,6 +5,12 @@
 /// Where things lie on the device, as its absolute paths; DeviceRoot says where that is here.
 namespace tavlen {
 
+/// Holds everything that the product stores for its user.
+inline constexpr std::string_view kApplicationSupportDir =
+    "/var/mobile/Library/Application Support/Marrowgleam";
+/// The stored tweaks, a folder each, and the collections, a file each.
+inline constexpr std::string_view kTweaksDir =
+    "/var/mobile/Library/Application Support/Marrowgleam/Tweaks";
 /// A folder an app, named by its bundle identifier, with the record of its active tweak.
 inline constexpr std::string_view kInstalledTweaksDir =
     "/var/mobile/Library/Application Support/Marrowgleam/Installed Tweaks";

@@ -40,7 +40,7 @@ void sweepLeftOvers(const std::filesystem::path& folder) {
   const auto now = std::filesystem::file_time_type::clock::now();
   std::filesystem::directory_iterator entry(folder, error);
   for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
-    if (!entry->path().filename().string().starts_with(kTemporaryPrefix)) continue;
+    if (!isTemporaryName(entry->path().filename())) continue;
     std::error_code ignored;
     const auto written = std::filesystem::last_write_time(entry->path(), ignored);
     if (!ignored && now - written > kLeftOverAge) std::filesystem::remove(entry->path(), ignored);
@@ -127,6 +127,10 @@ void FileReplacement::commit() {
 
 void FileReplacement::fail(int code) const {
   throw std::system_error(code, std::generic_category(), file_.string());
+}
+
+bool isTemporaryName(const std::filesystem::path& name) {
+  return name.native().starts_with(kTemporaryPrefix);
 }
 
 void replaceFile(const std::filesystem::path& file, std::string_view contents) {

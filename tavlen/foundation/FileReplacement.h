@@ -39,6 +39,10 @@ class FileReplacement {
   int descriptor_ = -1;
 };
 
+/// Whether `name` is that of a temporary file, which a crash may have left: not a part of what the
+/// user stored.
+bool isTemporaryName(const std::filesystem::path& name);
+
 /// Prepares the replacement of one file and commits it. Errors as FileReplacement's.
 void replaceFile(const std::filesystem::path& file, std::string_view contents);
 

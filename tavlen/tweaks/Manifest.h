@@ -66,6 +66,6 @@ struct TweakFile::Manifest {
   bool operator==(const Manifest&) const = default;
 };
 
-static_assert(TweakManifest<TweakFile::Manifest>);
+static_assert(TweakManifestRecord<TweakFile::Manifest>);
 
 }  // namespace tavlen

@@ -1,34 +1,59 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
 
+#include "tavlen/bundles/OverrideContainer.h"
+#include "tavlen/foundation/Image.h"
 #include "tavlen/foundation/LocalizedError.h"
+#include "tavlen/tweaks/TweakColor.h"
+#include "tavlen/tweaks/TweakGlyph.h"
+#include "tavlen/tweaks/TweakProtocol.h"
 
 namespace tavlen {
 
+class HookManager;
+struct MethodIdentity;
+
 /// A handle on one tweak folder.
-///
-/// It holds no document: every call reads the folder again, so two handles on it agree.
-/// Threads: calls may run side by side.
-class TweakFile {
+class TweakFile : public TweakProtocol, public std::enable_shared_from_this<TweakFile> {
  public:
   class Error;
   struct Manifest;
+  struct Diff;
+
+  /// Of exported tweaks.
+  static constexpr std::string_view compressedExtension = "tvx";
 
   /// Opens the folder at `url` and reads its manifest once, to check it. Errors as validate()'s.
   static std::shared_ptr<TweakFile> at(const std::filesystem::path& url);
+  /// Makes a new tweak in the tweaks directory. Posts nothing: who adds it to what is shown
+  /// announces it. Throws std::system_error, and may leave a part of the folder then.
+  static std::shared_ptr<TweakFile> create(std::string name, TweakColor color, TweakGlyph glyph,
+                                           std::string bundleID);
+  /// Takes in the unpacked tweak folder `url`: it moves into the tweaks directory, under a new
+  /// identifier. Throws Error::notFound where there is no folder, what validate() throws, and
+  /// std::system_error; nothing is left in the store then.
+  static std::shared_ptr<TweakFile> handlePayloadAt(const std::filesystem::path& url);
 
-  TweakFile(const TweakFile&) = delete;
-  TweakFile& operator=(const TweakFile&) = delete;
+  /// Whether a stored item of that identifier would be a tweak: there is no full stop in it.
+  static bool isValidID(std::string_view text);
+  /// A place for a new tweak.
+  static std::filesystem::path uniqueTweakURL();
 
-  /// The tweak's folder, without a slash at its end.
-  const std::filesystem::path& url() const { return url_; }
-  /// The folder's name.
-  std::string id() const { return url_.filename().string(); }
+  /// For callers that make several edits as one step; no call of this class takes it. To be taken
+  /// before tweakPoster()'s.
+  mutable std::recursive_mutex recursiveLock;
+
   std::filesystem::path resourcesDir() const;
+  std::filesystem::path executablesDir() const;
 
   /// Throws Error::notFound unless a folder stands at url(), and what manifest() throws.
   void validate() const;
@@ -36,17 +61,49 @@ class TweakFile {
   /// Reads Manifest.json. Throws Error::missing when it is not there; DecodingError, and
   /// std::system_error where the file cannot be read, pass through.
   Manifest manifest() const;
+  TweakManifest genericManifest() const override;
+  /// Replaces Manifest.json whole or not at all, then posts the change unless tweakPoster() is
+  /// silenced. Throws EncodingError and std::system_error, and posts nothing then.
+  void setManifest(const Manifest& manifest);
+  /// Reads the manifest, lets `change` edit it and writes it back; what `change` throws stops that.
+  void updateManifest(const std::function<void(Manifest&)>& change);
+
+  /// The user's own icon; none where there is no file or no image in it.
+  std::optional<Image> customIcon() const;
+  /// Stores `icon` as PNG, or removes the file. Errors are swallowed; posts in every case, unless
+  /// tweakPoster() is silenced.
+  void setCustomIcon(const std::optional<Image>& icon);
+  /// As setCustomIcon(), but throws std::system_error, and posts nothing then.
+  void writeCustomIcon(const std::optional<Image>& icon);
+  /// The user's own icon, or else the target app's. Throws as manifest(), IPA::findWithBundleID()
+  /// and InfoManager::icon().
+  Image displayedIcon() const;
 
   /// The user's script; empty when it cannot be read.
   std::string script() const;
   /// The user's script, or nothing when there is none. Throws std::system_error where it is there
   /// and cannot be read.
   std::optional<std::string> readScript() const;
+  /// Stores the script. Errors are swallowed; nothing is posted.
+  void setScript(std::string_view text);
+  /// As setScript(), but throws std::system_error.
+  void writeScript(std::string_view text);
+
+  /// A new override of `kind`, made of the target app's current values. Throws as manifest(),
+  /// associatedIPA() and InfoManager::info().
+  Override makeOverride(const OverrideKindInfo& kind) const;
+
+  /// The editor of the tweak's hook of that identity, which need not be there.
+  HookManager managerFor(MethodIdentity identity);
+
+  std::string_view archiveExtension() const override { return compressedExtension; }
+  TweakDiff diffFor(GenericTweakDiffMode mode) override;
+  void preparePayloadIn(const std::filesystem::path& directory) const override;
+  void package(const std::filesystem::path& directory, TweakProcessor& processor,
+               TweakInfo& tweakInfo, bool copyExecutables) const override;
 
  private:
-  explicit TweakFile(std::filesystem::path url) : url_(std::move(url)) {}
-
-  std::filesystem::path url_;
+  explicit TweakFile(std::filesystem::path url) : TweakProtocol(std::move(url)) {}
 };
 
 class TweakFile::Error : public LocalizedError {

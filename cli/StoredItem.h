@@ -1,0 +1,28 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "tavlen/tweaks/TweakFile.h"
+
+namespace tavlen::cli {
+
+/// What commands say of an argument that names a stored tweak or collection.
+inline constexpr const char* kItemHelp =
+    "The tweak or collection: its identifier, its name, or its path";
+/// The same where it must be a tweak.
+inline constexpr const char* kTweakHelp = "The tweak: its identifier, its name, or its path";
+
+/// The item that a user names: by a path, if `text` holds a slash or names a folder or a file here,
+/// or else by its identifier in the store, or by its name, which must then be the only one. Throws
+/// std::runtime_error whose text begins with `text`.
+std::shared_ptr<TweakProtocol> storedItem(const std::string& text);
+
+/// As storedItem(), for a tweak. Throws for a collection, too.
+std::shared_ptr<TweakFile> storedTweak(const std::string& text);
+
+/// Posts that `item` was created or deleted, which the library leaves to who adds it to what is
+/// shown.
+void announce(TweakProtocol& item, GenericTweakDiffMode mode);
+
+}  // namespace tavlen::cli

@@ -1,0 +1,69 @@
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "tavlen/tweaks/TweakColor.h"
+#include "tavlen/tweaks/TweakGlyph.h"
+#include "tavlen/tweaks/TweakProtocol.h"
+
+namespace tavlen {
+
+/// A handle on one collection file, which names tweaks that are shown, shared and installed
+/// together.
+class TweakCollection : public TweakProtocol, public std::enable_shared_from_this<TweakCollection> {
+ public:
+  struct Manifest;
+  struct Diff;
+
+  /// Of exported collections.
+  static constexpr std::string_view compressedExtension = "tvxc";
+  /// What the names of stored collections end in.
+  static constexpr std::string_view kIDSuffix = ".collection";
+
+  /// Opens the file at `url` and reads it once, to check it. Errors as manifest()'s.
+  static std::shared_ptr<TweakCollection> at(const std::filesystem::path& url);
+  /// Makes a new collection without members in the tweaks directory. Posts nothing. Throws
+  /// std::system_error.
+  static std::shared_ptr<TweakCollection> create(std::string name, TweakColor color,
+                                                 TweakGlyph glyph, std::string bundleID);
+  /// Takes in the unpacked folder `url`, as preparePayloadIn() makes it: the collection and its
+  /// members move into the tweaks directory, under new identifiers. Posts nothing. Throws
+  /// TweakError::missing, DecodingError, std::system_error, and what TweakFile::at() throws; what
+  /// was moved before an error stays.
+  static std::shared_ptr<TweakCollection> handlePayloadAt(const std::filesystem::path& url);
+
+  /// Whether a stored item of that identifier would be a collection.
+  static bool isValidID(std::string_view text);
+  /// A place for a new collection.
+  static std::filesystem::path uniqueTweakURL();
+
+  /// Throws what manifest() throws.
+  void validate() const;
+
+  /// Reads the file. Throws TweakError::missing when it is not there; DecodingError, and
+  /// std::system_error where it cannot be read, pass through.
+  Manifest manifest() const;
+  TweakManifest genericManifest() const override;
+  /// Replaces the file whole or not at all, then posts the change unless tweakPoster() is silenced.
+  /// Throws EncodingError and std::system_error, and posts nothing then.
+  void setManifest(const Manifest& manifest);
+  /// Reads the manifest, lets `change` edit it and writes it back; what `change` throws stops that.
+  void updateManifest(const std::function<void(Manifest&)>& change);
+
+  std::string_view archiveExtension() const override { return compressedExtension; }
+  TweakDiff diffFor(GenericTweakDiffMode mode) override;
+  void preparePayloadIn(const std::filesystem::path& directory) const override;
+  void package(const std::filesystem::path& directory, TweakProcessor& processor,
+               TweakInfo& tweakInfo, bool copyExecutables) const override;
+
+ private:
+  explicit TweakCollection(std::filesystem::path url) : TweakProtocol(std::move(url)) {}
+};
+
+}  // namespace tavlen

@@ -9,13 +9,16 @@ if(TAVLEN_WARNINGS_AS_ERRORS)
 endif()
 
 if(TAVLEN_SANITIZE)
-  # For the whole build: an object without the instrumentation hides what happens in it.
-  add_compile_options(-fsanitize=${TAVLEN_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
-  add_link_options(-fsanitize=${TAVLEN_SANITIZE})
+  # For everything but the tests' Objective-C, which another compiler builds: an object without the instrumentation hides
+  # what happens in it.
+  add_compile_options("$<$<COMPILE_LANGUAGE:CXX>:-fsanitize=${TAVLEN_SANITIZE};-fno-sanitize-recover=all;-fno-omit-frame-pointer>")
+  add_link_options($<$<LINK_LANGUAGE:CXX>:-fsanitize=${TAVLEN_SANITIZE}>)
   # The JavaScript engine, built without run-time types, takes inline functions of the standard library from our
   # programs; the check of the dynamic type would stop at its objects.
-  add_compile_options(-fno-sanitize=vptr)
+  add_compile_options($<$<COMPILE_LANGUAGE:CXX>:-fno-sanitize=vptr>)
+  # A block is called by its public interface, with whatever stands for the block as the first argument.
+  add_compile_options($<$<COMPILE_LANG_AND_ID:CXX,Clang>:-fno-sanitize=function>)
 endif()
 if(TAVLEN_FUZZING_ENGINE)
-  add_compile_options(-fsanitize=fuzzer-no-link)
+  add_compile_options($<$<COMPILE_LANGUAGE:CXX>:-fsanitize=fuzzer-no-link>)
 endif()

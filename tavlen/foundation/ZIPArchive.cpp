@@ -34,8 +34,8 @@ class NewArchive {
     if (::lstat(archive.c_str(), &status) == 0) fail(EEXIST);
     do {
       temporary_ = archive.parent_path() / makeTemporaryName();
-      file_ = FileDescriptor(
-          ::open(temporary_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+      file_ =
+          FileDescriptor(::open(temporary_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
     } while (file_.get() < 0 && errno == EEXIST);
     if (file_.get() >= 0) return;
     temporary_.clear();

@@ -112,8 +112,9 @@ TEST(ZIPArchive, HostileArchivesAreRefusedByTheirFault) {
   std::string payload;
   int count = 0;
   for (; list >> file >> name >> payload; ++count) {
-    const auto error = errorOf(
-        [&] { ZIPArchive::unzipItem(folder.path() / file, folder.path() / "out", nullptr, kSmall); });
+    const auto error = errorOf([&] {
+      ZIPArchive::unzipItem(folder.path() / file, folder.path() / "out", nullptr, kSmall);
+    });
     ASSERT_TRUE(error.has_value()) << file << ' ' << name << " was taken";
     EXPECT_EQ(error->which(), caseNames().at(name)) << file << ' ' << name << ": " << error->what();
     if (payload != "-") {
@@ -181,7 +182,8 @@ TEST_F(ZIPTree, ComesBackWithNamesBytesAndPermissions) {
 
 TEST_F(ZIPTree, ArchivesOfOtherProgramsAreTaken) {
   const std::string in = "cd " + folder_.path().string() + " && ";
-  const std::string python = in + "python3 " TAVLEN_TEST_DATA_DIR "/../foundation/foreign_archives.py ";
+  const std::string python =
+      in + "python3 " TAVLEN_TEST_DATA_DIR "/../foundation/foreign_archives.py ";
   const std::vector<std::pair<std::string, std::string>> programs = {
       {"zip", in + "zip -qr zip.zip Payload"},
       {"zip1", in + "zip -qr -1 zip1.zip Payload/*"},
@@ -190,7 +192,7 @@ TEST_F(ZIPTree, ArchivesOfOtherProgramsAreTaken) {
       {"stored", in + "zip -qr -0 stored.zip Payload"},
       {"bsdtar", in + "LC_ALL=C.UTF-8 bsdtar -cf bsdtar.zip --format zip Payload"},
       {"bsdstored", in + "LC_ALL=C.UTF-8 bsdtar -cf bsdstored.zip --format zip --options "
-       "zip:compression=store Payload"},
+                         "zip:compression=store Payload"},
       {"7z", in + "LC_ALL=C.UTF-8 7z a -tzip 7z.zip Payload >/dev/null"},
       {"python", in + "python3 -m zipfile -c python.zip Payload"},
       {"zip64", python + "zip64 zip64.zip"},
@@ -232,8 +234,8 @@ TEST_F(ZIPTree, WhatCouldNotBeReadIsNotWritten) {
   };
   const auto expect = [&](Case which, const std::string& name) {
     const auto before = contentsOf(folder_.path()).size();
-    const auto error = errorOf(
-        [&] { ZIPArchive::zipItem(folder_.path() / "tree", archive(), nullptr, kSmall); });
+    const auto error =
+        errorOf([&] { ZIPArchive::zipItem(folder_.path() / "tree", archive(), nullptr, kSmall); });
     ASSERT_TRUE(error.has_value()) << name;
     EXPECT_EQ(error->which(), which) << error->what();
     EXPECT_TRUE(name.empty() || error->payload().front() == name) << error->what();

@@ -27,9 +27,7 @@ constexpr std::uint32_t kInZIP64Field = 0xFFFFFFFF;
 /// Encrypted, patched, strongly encrypted, with a masked directory.
 constexpr std::uint16_t kUnsupportedFlags = 0x0001 | 0x0020 | 0x0040 | 0x2000;
 
-[[noreturn]] void refuse(const char* what) {
-  throw ZIPError(ZIPError::Case::damagedArchive, what);
-}
+[[noreturn]] void refuse(const char* what) { throw ZIPError(ZIPError::Case::damagedArchive, what); }
 
 /// Takes the 64-bit values of the fields that say so, in their fixed order.
 class ZIP64Values {

@@ -20,12 +20,10 @@ constexpr std::size_t kZIP64LocatorSize = 20;
 constexpr std::size_t kZIP64EndSize = 56;
 constexpr std::size_t kLongestComment = 0xFFFF;
 
-[[noreturn]] void refuse(const char* what) {
-  throw ZIPError(ZIPError::Case::damagedArchive, what);
-}
+[[noreturn]] void refuse(const char* what) { throw ZIPError(ZIPError::Case::damagedArchive, what); }
 
-/// Where the end record lies in `tail`, the file's last bytes. A record whose comment does not reach
-/// to the end is not one; a comment that holds another whose does is there to deceive.
+/// Where the end record lies in `tail`, the file's last bytes. A record whose comment does not
+/// reach to the end is not one; a comment that holds another whose does is there to deceive.
 std::size_t positionOfEnd(std::string_view tail) {
   std::optional<std::size_t> found;
   for (std::size_t at = tail.find(kEndSignature); at != std::string_view::npos;
@@ -63,11 +61,11 @@ ZIPEndRecord ZIPEndRecord::find(const RandomAccessFile& archive) {
   ZIPEndRecord record = {entries, offset, size};
   std::uint64_t endOffset = archive.size() - tailSize + position;
 
-  const std::string locator =
-      endOffset < kZIP64LocatorSize
-          ? std::string()
-          : archive.read(endOffset - kZIP64LocatorSize, kZIP64LocatorSize);
-  const bool isZIP64 = locator.size() == kZIP64LocatorSize && locator.starts_with(kZIP64LocatorSignature);
+  const std::string locator = endOffset < kZIP64LocatorSize
+                                  ? std::string()
+                                  : archive.read(endOffset - kZIP64LocatorSize, kZIP64LocatorSize);
+  const bool isZIP64 =
+      locator.size() == kZIP64LocatorSize && locator.starts_with(kZIP64LocatorSignature);
   if (isZIP64) {
     endOffset = littleEndian<std::uint64_t>(locator, 8);
     const std::string wide = archive.read(endOffset, kZIP64EndSize);

@@ -40,8 +40,8 @@ std::string_view unicodePath(std::string_view stored, std::string_view extra) {
   constexpr std::size_t kVersionAndChecksum = 5;
   const std::string_view field = zipExtraField(extra, kUnicodePathField);
   if (field.size() <= kVersionAndChecksum || field[0] != 1) return {};
-  const uLong checksum = ::crc32(0, reinterpret_cast<const Bytef*>(stored.data()),
-                                 static_cast<uInt>(stored.size()));
+  const uLong checksum =
+      ::crc32(0, reinterpret_cast<const Bytef*>(stored.data()), static_cast<uInt>(stored.size()));
   if (littleEndian<std::uint32_t>(field, 1) != checksum) return {};
   return field.substr(kVersionAndChecksum);
 }

@@ -42,8 +42,8 @@ class ZIPExtraction {
   std::filesystem::path folder_;
   bool isKept_ = false;
   FileDescriptor top_;
-  FileDescriptor current_;    ///< the folder that was used last: the next entry's, mostly
-  std::string currentPath_;   ///< empty when that was the top
+  FileDescriptor current_;   ///< the folder that was used last: the next entry's, mostly
+  std::string currentPath_;  ///< empty when that was the top
   std::set<std::string, std::less<>> made_;
 };
 

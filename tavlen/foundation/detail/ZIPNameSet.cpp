@@ -53,7 +53,8 @@ void ZIPNameSet::add(std::string_view name) {
   if (kind == Kind::folder) path.remove_suffix(1);
   std::uint32_t parent = 0;
   std::size_t begin = 0;
-  for (std::size_t end = path.find('/'); end != std::string_view::npos; end = path.find('/', begin)) {
+  for (std::size_t end = path.find('/'); end != std::string_view::npos;
+       end = path.find('/', begin)) {
     const Node& folder = nodeAt(parent, path.substr(begin, end - begin), Kind::impliedFolder);
     if (folder.kind == Kind::file) refuse(ZIPError::Case::fileAsFolder);
     parent = folder.number;

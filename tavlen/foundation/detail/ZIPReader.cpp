@@ -90,8 +90,9 @@ ZIPReader::ZIPReader(const RandomAccessFile& archive, const std::vector<ZIPEntry
 
 ZIPReader::~ZIPReader() { zip_discard(zip_); }
 
-/// What was judged must be what is unpacked. A name is taken from what was judged, and data with the
-/// size and the checksum of what was judged is that data, so that these alone need to be the same.
+/// What was judged must be what is unpacked. A name is taken from what was judged, and data with
+/// the size and the checksum of what was judged is that data, so that these alone need to be the
+/// same.
 void ZIPReader::requireSameDirectory() const {
   bool isSame = zip_get_num_entries(zip_, 0) == static_cast<zip_int64_t>(entries_.size());
   for (std::size_t i = 0; isSame && i < entries_.size(); ++i) {

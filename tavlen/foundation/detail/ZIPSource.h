@@ -53,8 +53,7 @@ zip_int64_t answerZIPSource(void* state, void* data, zip_uint64_t length,
 /// Hands `source` to libzip, which deletes it.
 template <class Source>
 zip_source_t* makeZIPSource(std::unique_ptr<Source> source) {
-  zip_source_t* made =
-      zip_source_function_create(answerZIPSource<Source>, source.get(), nullptr);
+  zip_source_t* made = zip_source_function_create(answerZIPSource<Source>, source.get(), nullptr);
   if (made == nullptr) throw std::bad_alloc();
   static_cast<void>(source.release());
   return made;

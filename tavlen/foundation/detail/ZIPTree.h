@@ -1,7 +1,7 @@
 #pragma once
 
-#include <ctime>
 #include <cstdint>
+#include <ctime>
 #include <filesystem>
 #include <string>
 #include <vector>

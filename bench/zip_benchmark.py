@@ -30,17 +30,12 @@ def make_tree(folder, files=FILES):
 
 
 def measured(*commands):
-    """Seconds by the clock of all commands, and the largest peak of memory in MB."""
+    """Seconds by the clock of all commands, and what the last one printed."""
     os.sync()  # nobody is to pay for what another has written
-    begin, peak = time.perf_counter(), 0
+    begin = time.perf_counter()
     for command, folder in commands:
-        child = subprocess.Popen(command, cwd=folder, stdout=subprocess.DEVNULL)
-        _, status, usage = os.wait4(child.pid, 0)
-        child.returncode = os.waitstatus_to_exitcode(status)
-        if child.returncode != 0:
-            sys.exit(f"{command[0]}: exit status {child.returncode}")
-        peak = max(peak, usage.ru_maxrss / 1024)
-    return time.perf_counter() - begin, peak
+        output = subprocess.run(command, cwd=folder, stdout=subprocess.PIPE, check=True, text=True).stdout
+    return time.perf_counter() - begin, output
 
 
 def remove(*paths):
@@ -49,7 +44,7 @@ def remove(*paths):
 
 
 def round_trip(program, folder, tree):
-    """One run of each, by name. Both imports read the same archive."""
+    """What measured() tells of each, by name. Both imports read the same archive."""
     ours, theirs, copy, out = (folder / name for name in ("ours.zip", "theirs.zip", "Payload", "out"))
     times = {"export": measured(([program, "zip", tree, copy, ours], folder))}
     remove(copy)
@@ -62,24 +57,30 @@ def round_trip(program, folder, tree):
     return times
 
 
-def medians(program, files):
+def runs_of(program, files, count):
     with tempfile.TemporaryDirectory() as name:
         folder = pathlib.Path(name)
         tree = folder / "tree"
         make_tree(tree, files)
-        round_trip(program, folder, tree)  # warms the cache
-        runs = [round_trip(program, folder, tree) for _ in range(RUNS if files == FILES else 1)]
-    return {row: [statistics.median(each) for each in zip(*(run[row] for run in runs))] for row in runs[0]}
+        return [round_trip(program, folder, tree) for _ in range(count)]
+
+
+def peak(runs, row):
+    """In MB."""
+    return max(int(run[row][1]) for run in runs) / 1024
 
 
 def summarise(program):
-    rows, small = medians(program, FILES), medians(program, FILES // 10)
+    _, *runs = runs_of(program, FILES, RUNS + 1)  # the first warms the cache
+    small = runs_of(program, FILES // 10, 1)
+    seconds = {row: statistics.median(run[row][0] for run in runs) for row in runs[0]}
     print(f"\nArchives of {FILES * FILE_BYTES / 1e6:.0f} MB (medians of {RUNS} runs)")
-    for name, (seconds, peak) in rows.items():
-        print(f"{name:<32}{seconds:8.2f} s, peak {peak:5.1f} MB; with a tenth of the files {small[name][1]:5.1f} MB")
-    for title, ours, theirs, target in [("export, over cp -a and zip -1", "export", "cp -a, zip -1", 1.2),
-                                        ("import, over unzip", "import", "unzip", 1.0)]:
-        print(f"{title:<56}{rows[ours][0] / rows[theirs][0]:8.2f}   (target <= {target})", flush=True)
+    for row, value in seconds.items():
+        print(f"{row:<32}{value:8.2f} s")
+    for row, peer, target in [("export", "cp -a, zip -1", 1.2), ("import", "unzip", 1.0)]:
+        print(f"{f'{row}, over {peer}':<56}{seconds[row] / seconds[peer]:8.2f}   (target <= {target})")
+        print(f"{f'{row}, peak of memory; with a tenth of the files':<56}{peak(runs, row):8.1f} MB; {peak(small, row):.1f} MB",
+              flush=True)
 
 
 if __name__ == "__main__":

@@ -100,6 +100,15 @@ std::string fromHex(std::string_view text) {
   return bytes;
 }
 
+std::string inSnakeCase(const std::string& name) {
+  std::string text;
+  for (const char letter : name) {
+    if (letter >= 'A' && letter <= 'Z') text += '_';
+    text += static_cast<char>(letter | 0x20);
+  }
+  return text;
+}
+
 TEST(ZIPArchive, HostileArchivesAreRefusedByTheirFault) {
   const TemporaryFolder folder;
   const TemporaryFolder outside;
@@ -120,6 +129,7 @@ TEST(ZIPArchive, HostileArchivesAreRefusedByTheirFault) {
     if (payload != "-") {
       EXPECT_EQ(error->payload().front(), fromHex(payload.substr(1))) << file << ' ' << name;
     }
+    EXPECT_EQ(error->localizationKey(), "zip_error." + inSnakeCase(name));
     EXPECT_THAT(error->description(), testing::HasSubstr(error->payload().front()));
     ASSERT_FALSE(fs::exists(folder.path() / "out")) << file;
     ASSERT_TRUE(fs::is_empty(outside.path())) << file;
@@ -196,6 +206,7 @@ TEST_F(ZIPTree, ArchivesOfOtherProgramsAreTaken) {
       {"7z", in + "LC_ALL=C.UTF-8 7z a -tzip 7z.zip Payload >/dev/null"},
       {"python", in + "python3 -m zipfile -c python.zip Payload"},
       {"zip64", python + "zip64 zip64.zip"},
+      {"wide", python + "wide wide.zip"},
       {"pystream", python + "stream pystream.zip"},
       {"mobile", python + "mobile mobile.zip"},
       {"unicodepath", python + "unicodepath unicodepath.zip"},

@@ -32,18 +32,28 @@ class OneWay:
         self.file.flush()
 
 
-def by_hand(flags, encoded):
-    """Folder entries, all stored. `encoded` gives a name as it is stored and its extra fields."""
+def by_hand(flags, encoded, wide=False):
+    """Folder entries, all stored. `encoded` gives a name as it is stored and its extra fields; `wide` says that the
+    directory and the end tell every size and place in 64 bits."""
     body, directory = b"", b""
+    most = 0xFFFFFFFF
     for path in TREE:
         data = b"" if path.is_dir() else path.read_bytes()
         name, extra = encoded(f"{path}/" if path.is_dir() else str(path))
         mode = 0o040755 if path.is_dir() else 0o100644
-        common = struct.pack("<5H3L2H", 20, flags, 0, 0, 0x5821, zlib.crc32(data), len(data), len(data), len(name), len(extra))
-        directory += (b"PK\1\2" + struct.pack("<H", 0x0314) + common + struct.pack("<3H2L", 0, 0, 0, mode << 16, len(body)) +
-                      name + extra)
-        body += b"PK\3\4" + common + name + extra + data
-    return body + directory + b"PK\5\6" + struct.pack("<4H2LH", 0, 0, len(TREE), len(TREE), len(directory), len(body), 0)
+
+        def common(size, fields):
+            return struct.pack("<5H3L2H", 20, flags, 0, 0, 0x5821, zlib.crc32(data), size, size, len(name), len(fields))
+        fields = extra + struct.pack("<2H3Q", 1, 24, len(data), len(data), len(body)) if wide else extra
+        directory += (b"PK\1\2" + struct.pack("<H", 0x0314) + common(most if wide else len(data), fields) +
+                      struct.pack("<3H2L", 0, 0, 0, mode << 16, most if wide else len(body)) + name + fields)
+        body += b"PK\3\4" + common(len(data), extra) + name + extra + data
+    whole, count = body + directory, len(TREE)
+    if wide:
+        whole += b"PK\6\6" + struct.pack("<Q2H2L4Q", 44, 45, 45, 0, 0, count, count, len(directory), len(body))
+        whole += b"PK\6\7" + struct.pack("<LQL", 0, len(body) + len(directory), 1)
+        return whole + b"PK\5\6" + struct.pack("<4H2LH", 0, 0, 0xFFFF, 0xFFFF, most, most, 0)
+    return whole + b"PK\5\6" + struct.pack("<4H2LH", 0, 0, count, count, len(directory), len(body), 0)
 
 
 def in_old_letters(name):
@@ -62,6 +72,8 @@ def main():
             by_library(archive, False)
     elif kind == "mobile":
         pathlib.Path(file).write_bytes(by_hand(0x800, lambda name: (name.encode(), b"")))
+    elif kind == "wide":
+        pathlib.Path(file).write_bytes(by_hand(0x800, lambda name: (name.encode(), b""), wide=True))
     elif kind == "unicodepath":
         pathlib.Path(file).write_bytes(by_hand(0, in_old_letters))
     elif kind == "nested":

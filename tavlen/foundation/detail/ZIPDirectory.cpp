@@ -3,7 +3,6 @@
 #include <sys/stat.h>
 
 #include <algorithm>
-#include <optional>
 #include <string_view>
 
 #include "tavlen/foundation/ZIPError.h"

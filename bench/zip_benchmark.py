@@ -84,4 +84,4 @@ def summarise(program):
 
 
 if __name__ == "__main__":
-    summarise(sys.argv[1])
+    summarise(pathlib.Path(sys.argv[1]).resolve())

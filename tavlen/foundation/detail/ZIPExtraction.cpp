@@ -27,10 +27,10 @@ mode_t permissions(std::uint32_t mode, mode_t usual, mode_t least) {
 int writeAll(int descriptor, std::string_view bytes) {
   while (!bytes.empty()) {
     const ssize_t count = ::write(descriptor, bytes.data(), bytes.size());
-    if (count >= 0) {
+    if (count > 0) {
       bytes.remove_prefix(static_cast<std::size_t>(count));
-    } else if (errno != EINTR) {
-      return errno;
+    } else if (count == 0 || errno != EINTR) {
+      return count == 0 ? EIO : errno;
     }
   }
   return 0;

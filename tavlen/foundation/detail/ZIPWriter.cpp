@@ -148,11 +148,11 @@ class OutputSource {
     while (!rest.empty()) {
       const ssize_t count =
           ::pwrite(descriptor_, rest.data(), rest.size(), static_cast<off_t>(start_));
-      if (count >= 0) {
+      if (count > 0) {
         start_ += static_cast<std::uint64_t>(count);
         rest.remove_prefix(static_cast<std::size_t>(count));
-      } else if (errno != EINTR) {
-        fail(errno, path_);
+      } else if (count == 0 || errno != EINTR) {
+        fail(count == 0 ? EIO : errno, path_);
       }
     }
     buffer_.clear();

@@ -7,7 +7,6 @@
 #include <cerrno>
 #include <chrono>
 #include <random>
-#include <string>
 #include <system_error>
 
 namespace tavlen {
@@ -84,11 +83,9 @@ FileReplacement::~FileReplacement() {
 }
 
 void FileReplacement::create() {
-  std::random_device random;
   std::filesystem::path name;
   do {
-    name = folderOf(target_) / (std::string(kTemporaryPrefix) + std::to_string(random()) + "-" +
-                                std::to_string(random()));
+    name = folderOf(target_) / makeTemporaryName();
     // The plain mode, so that a new file gets its permissions as any other, by the process's mask.
     descriptor_ = ::open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
   } while (descriptor_ < 0 && errno == EEXIST);
@@ -131,6 +128,11 @@ void FileReplacement::fail(int code) const {
 
 bool isTemporaryName(const std::filesystem::path& name) {
   return name.native().starts_with(kTemporaryPrefix);
+}
+
+std::string makeTemporaryName() {
+  std::random_device random;
+  return std::string(kTemporaryPrefix) + std::to_string(random()) + "-" + std::to_string(random());
 }
 
 void replaceFile(const std::filesystem::path& file, std::string_view contents) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <string>
 #include <string_view>
 
 namespace tavlen {
@@ -42,6 +43,9 @@ class FileReplacement {
 /// Whether `name` is that of a temporary file, which a crash may have left: not a part of what the
 /// user stored.
 bool isTemporaryName(const std::filesystem::path& name);
+
+/// A random name of that kind, for what is not to be seen before it is whole.
+std::string makeTemporaryName();
 
 /// Prepares the replacement of one file and commits it. Errors as FileReplacement's.
 void replaceFile(const std::filesystem::path& file, std::string_view contents);

@@ -10,6 +10,12 @@
 
 namespace tavlen {
 
+namespace {
+
+constexpr std::uint64_t kLargestOffset = std::numeric_limits<off_t>::max();
+
+}  // namespace
+
 RandomAccessFile::RandomAccessFile(const std::filesystem::path& path)
     // Without O_NONBLOCK a pipe that nobody writes to would never be opened.
     : path_(path), descriptor_(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY)) {
@@ -31,12 +37,18 @@ RandomAccessFile::RandomAccessFile(const std::filesystem::path& path)
 RandomAccessFile::~RandomAccessFile() { ::close(descriptor_); }
 
 std::string RandomAccessFile::read(std::uint64_t offset, std::size_t count) const {
-  if (offset >= std::uint64_t{std::numeric_limits<off_t>::max()}) return {};
+  if (offset >= kLargestOffset) return {};
   std::string bytes(count, '\0');
+  bytes.resize(readInto(offset, bytes));
+  return bytes;
+}
+
+std::size_t RandomAccessFile::readInto(std::uint64_t offset, std::span<char> bytes) const {
+  if (offset >= kLargestOffset) return 0;
   std::size_t used = 0;
-  while (used < count) {
-    const ssize_t got =
-        ::pread(descriptor_, bytes.data() + used, count - used, static_cast<off_t>(offset + used));
+  while (used < bytes.size()) {
+    const ssize_t got = ::pread(descriptor_, bytes.data() + used, bytes.size() - used,
+                                static_cast<off_t>(offset + used));
     if (got == 0) break;
     if (got > 0) {
       used += static_cast<std::size_t>(got);
@@ -44,8 +56,7 @@ std::string RandomAccessFile::read(std::uint64_t offset, std::size_t count) cons
       fail(errno);
     }
   }
-  bytes.resize(used);
-  return bytes;
+  return used;
 }
 
 void RandomAccessFile::fail(int code) const {

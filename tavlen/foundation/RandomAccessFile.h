@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <span>
 #include <string>
 
 namespace tavlen {
@@ -23,6 +24,8 @@ class RandomAccessFile {
   std::uint64_t size() const { return size_; }
   /// The bytes from `offset` on, `count` of them or as many as the file has there.
   std::string read(std::uint64_t offset, std::size_t count) const;
+  /// The same into memory of the caller's; gives how many bytes there were.
+  std::size_t readInto(std::uint64_t offset, std::span<char> bytes) const;
 
  private:
   [[noreturn]] void fail(int code) const;

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 #include <filesystem>
-#include <memory>
+#include <string_view>
 
 namespace tavlen {
 
@@ -11,30 +11,41 @@ class Progress;
 /// ZIP archives from folders, and folders from archives that anybody may have made.
 ///
 /// Both refuse the same things by the same ZIPError: links and special files, names that leave the
-/// folder or stand twice, more entries or bytes than the limits. The file system's errors are
-/// std::system_error with the path. Memory does not grow with the files. A given `progress` gets
-/// its units set, in bytes, and is watched: one that is cancelled ends the work with ECANCELED.
+/// folder or stand twice, more entries or bytes than the limits. What is written can be read. The
+/// file system's errors are std::system_error with the path. A buffer of fixed size holds the
+/// files' bytes; memory grows with the number of entries only. A given `progress` gets its units
+/// set, in bytes, and is watched: one that is cancelled ends the work with ECANCELED.
 /// Threads: any.
 namespace ZIPArchive {
 
 struct Limits {
+  /// Files and folders, those counted too that only stand in the names of others.
   std::uint64_t entries = 100'000;
   std::uint64_t entryBytes = std::uint64_t{4} << 30;
   std::uint64_t archiveBytes = std::uint64_t{8} << 30;
-  /// Of what comes out to what lies in the archive; looked at once `ratioFreeBytes` are out.
+  /// Of what comes out to all the compressed bytes in the archive; looked at once `ratioFreeBytes`
+  /// are out.
   std::uint64_t ratio = 200;
   std::uint64_t ratioFreeBytes = std::uint64_t{64} << 20;
 };
 
 /// Writes the file or folder `item`, under its own name at the archive's top, to the new file
-/// `archive`, which must not exist (EEXIST). File modes are kept. Leaves no archive on an error.
+/// `archive`, which must not exist (EEXIST). Folders have entries of their own, permissions are
+/// kept, names are UTF-8; files with temporary names (isTemporaryName()) stay behind. The archive
+/// is on the disk before it gets its name. Leaves no archive on an error.
 void zipItem(const std::filesystem::path& item, const std::filesystem::path& archive,
              Progress* progress = nullptr, const Limits& limits = {});
 
-/// Unpacks `archive` into the folder `destination`, which is made and must not exist (EEXIST).
-/// Checksums are checked. After an error what was unpacked is gone, folder and all.
+/// Unpacks `archive` into the folder `destination`, which is made, private to its user, and must
+/// not exist (EEXIST). The archive is opened once and judged whole before anything is made:
+/// every name, every record. With `onlyTop`, the entry of that name at the top and what is in it
+/// are unpacked and the rest is left (an archive that holds a refused entry anywhere stays
+/// refused). Checksums are checked, permissions restored, but for the owner's, who may read and
+/// write everything. Nothing is synced: the archive is still there.
+/// After an error what was unpacked is gone, folder and all.
 void unzipItem(const std::filesystem::path& archive, const std::filesystem::path& destination,
-               Progress* progress = nullptr, const Limits& limits = {});
+               Progress* progress = nullptr, const Limits& limits = {},
+               std::string_view onlyTop = {});
 
 }  // namespace ZIPArchive
 

@@ -1,0 +1,65 @@
+// Whatever is taken for an archive becomes files and folders in its own folder, and nothing else.
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+#include <system_error>
+
+#include "tavlen/foundation/FileDescriptor.h"
+#include "tavlen/foundation/TemporaryDirectory.h"
+#include "tavlen/foundation/ZIPArchive.h"
+#include "tavlen/foundation/ZIPError.h"
+
+using namespace tavlen;
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr ZIPArchive::Limits kLimits = {.entries = 100,
+                                        .entryBytes = 1 << 16,
+                                        .archiveBytes = 1 << 17,
+                                        .ratio = 50,
+                                        .ratioFreeBytes = 1 << 15};
+
+void require(bool condition) {
+  if (!condition) std::abort();
+}
+
+void requireFilesAndFolders(const fs::path& folder) {
+  std::uintmax_t bytes = 0;
+  for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder)) {
+    require(!entry.is_symlink() && (entry.is_directory() || entry.is_regular_file()));
+    if (entry.is_regular_file()) bytes += entry.file_size();
+  }
+  require(bytes <= kLimits.archiveBytes);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  static const TemporaryDirectory folder(fs::is_directory("/dev/shm") ? "/dev/shm"
+                                                                      : fs::temp_directory_path());
+  const FileDescriptor file(::memfd_create("archive", MFD_CLOEXEC));
+  require(file.get() >= 0);
+  require(::write(file.get(), data, size) == static_cast<ssize_t>(size));
+  const fs::path out = folder.path() / "out";
+  bool isTaken = false;
+  try {
+    ZIPArchive::unzipItem("/proc/self/fd/" + std::to_string(file.get()), out, nullptr, kLimits);
+    isTaken = true;
+  } catch (const ZIPError&) {
+  } catch (const std::system_error&) {
+    // A name that the file system does not take.
+  }
+  require(fs::exists(out) == isTaken);
+  if (isTaken) {
+    requireFilesAndFolders(out);
+    fs::remove_all(out);
+  }
+  require(fs::is_empty(folder.path()));
+  return 0;
+}

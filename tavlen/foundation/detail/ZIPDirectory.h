@@ -1,0 +1,17 @@
+#pragma once
+
+#include <vector>
+
+#include "tavlen/foundation/RandomAccessFile.h"
+#include "tavlen/foundation/ZIPArchive.h"
+#include "tavlen/foundation/detail/ZIPEntry.h"
+
+namespace tavlen {
+
+/// All entries of an archive in the directory's order, none of which has anything to refuse: names,
+/// kinds, methods, sizes, local records and where the data lies are judged. That what is inflated
+/// has the size and checksum of the records is not. Throws ZIPError, std::system_error.
+std::vector<ZIPEntry> readZIPDirectory(const RandomAccessFile& archive,
+                                       const ZIPArchive::Limits& limits);
+
+}  // namespace tavlen

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <zip.h>
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <exception>
+#include <memory>
+#include <new>
+#include <utility>
+
+namespace tavlen {
+
+/// The first exception of the code that libzip calls, which it must not see: it is thrown again
+/// when libzip has returned.
+class ZIPFailure {
+ public:
+  void set(std::exception_ptr failure) {
+    if (!failure_) failure_ = std::move(failure);
+  }
+  void rethrow() const {
+    if (failure_) std::rethrow_exception(failure_);
+  }
+
+ private:
+  std::exception_ptr failure_;
+};
+
+/// Answers libzip's commands to a source by `source.handle(command, data, length)`, which may
+/// throw into `source.failure()`.
+template <class Source>
+zip_int64_t answerZIPSource(void* state, void* data, zip_uint64_t length,
+                            zip_source_cmd_t command) {
+  auto* source = static_cast<Source*>(state);
+  if (command == ZIP_SOURCE_FREE) {
+    delete source;
+    return 0;
+  }
+  if (command == ZIP_SOURCE_ERROR) {
+    const std::array<int, 2> codes = {ZIP_ER_READ, EIO};
+    std::memcpy(data, codes.data(), sizeof codes);
+    return sizeof codes;
+  }
+  try {
+    return source->handle(command, data, length);
+  } catch (...) {
+    source->failure().set(std::current_exception());
+    return -1;
+  }
+}
+
+/// Hands `source` to libzip, which deletes it.
+template <class Source>
+zip_source_t* makeZIPSource(std::unique_ptr<Source> source) {
+  zip_source_t* made = zip_source_function_create(answerZIPSource<Source>, source.get(), nullptr);
+  if (made == nullptr) throw std::bad_alloc();
+  static_cast<void>(source.release());
+  return made;
+}
+
+}  // namespace tavlen

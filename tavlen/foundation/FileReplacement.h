@@ -39,8 +39,8 @@ class FileReplacement {
   int descriptor_ = -1;
 };
 
-/// Whether `name` is that of a temporary file, which a crash may have left: not a part of what the
-/// user stored.
+/// Whether `name` is that of a temporary file, or of the folder that TemporaryDirectory makes,
+/// which a crash may have left: not a part of what the user stored.
 bool isTemporaryName(const std::filesystem::path& name);
 
 /// Prepares the replacement of one file and commits it. Errors as FileReplacement's.

@@ -13,7 +13,7 @@ namespace tavlen {
 /// Follows the target app of one tweak or collection.
 ///
 /// Its registration outlives it and does nothing once it is gone. Threads: any.
-class TweakBundleIDObserver : public std::enable_shared_from_this<TweakBundleIDObserver> {
+class TweakBundleIDObserver {
  public:
   /// `onUpdate` is called on the main queue after a change of the tweak that changed its bundle
   /// identifier. A manifest that cannot be read has none.
@@ -29,6 +29,9 @@ class TweakBundleIDObserver : public std::enable_shared_from_this<TweakBundleIDO
 
  private:
   explicit TweakBundleIDObserver(std::shared_ptr<TweakProtocol> tweak);
+
+  /// Gives whether the bundle identifier is another than before.
+  bool readAgain();
 
   std::shared_ptr<TweakProtocol> tweak_;
   mutable std::mutex lock_;

@@ -27,7 +27,7 @@ class TweakCollection : public TweakProtocol, public std::enable_shared_from_thi
   static constexpr std::string_view kIDSuffix = ".collection";
 
   /// Opens the file at `url` and reads it once, to check it. Errors as manifest()'s.
-  static std::shared_ptr<TweakCollection> at(const std::filesystem::path& url);
+  static std::shared_ptr<TweakCollection> at(std::filesystem::path url);
   /// Makes a new collection without members in the tweaks directory. Posts nothing. Throws
   /// std::system_error.
   static std::shared_ptr<TweakCollection> create(std::string name, TweakColor color,

@@ -9,6 +9,8 @@
 #include <random>
 #include <system_error>
 
+#include "tavlen/foundation/TemporaryDirectory.h"
+
 namespace tavlen {
 
 namespace {
@@ -39,7 +41,7 @@ void sweepLeftOvers(const std::filesystem::path& folder) {
   const auto now = std::filesystem::file_time_type::clock::now();
   std::filesystem::directory_iterator entry(folder, error);
   for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
-    if (!isTemporaryName(entry->path().filename())) continue;
+    if (!entry->path().filename().native().starts_with(kTemporaryPrefix)) continue;
     std::error_code ignored;
     const auto written = std::filesystem::last_write_time(entry->path(), ignored);
     if (!ignored && now - written > kLeftOverAge) std::filesystem::remove(entry->path(), ignored);
@@ -88,7 +90,7 @@ void FileReplacement::create() {
     name = folderOf(target_) / makeTemporaryName();
     // The plain mode, so that a new file gets its permissions as any other, by the process's mask.
     descriptor_ = ::open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-  } while (descriptor_ < 0 && errno == EEXIST);
+  } while (descriptor_ < 0 && (errno == EEXIST || errno == EINTR));
   if (descriptor_ < 0) fail(errno);
   temporary_ = name;
 }
@@ -103,13 +105,16 @@ void FileReplacement::write(std::string_view bytes) const {
   while (!bytes.empty()) {
     const ssize_t count = ::write(descriptor_, bytes.data(), bytes.size());
     if (count < 0 && errno == EINTR) continue;
-    if (count < 0) fail(errno);
+    // A write of nothing could be repeated for ever.
+    if (count <= 0) fail(count < 0 ? errno : EIO);
     bytes.remove_prefix(static_cast<std::size_t>(count));
   }
 }
 
 void FileReplacement::bringToDisk() {
-  if (::fsync(descriptor_) != 0) fail(errno);
+  while (::fsync(descriptor_) != 0) {
+    if (errno != EINTR) fail(errno);
+  }
   // Some file systems report a failed write only here.
   const int closed = ::close(descriptor_);
   descriptor_ = -1;
@@ -127,7 +132,7 @@ void FileReplacement::fail(int code) const {
 }
 
 bool isTemporaryName(const std::filesystem::path& name) {
-  return name.native().starts_with(kTemporaryPrefix);
+  return name.native().starts_with(kTemporaryPrefix) || name == TemporaryDirectory::kItemsFolder;
 }
 
 std::string makeTemporaryName() {

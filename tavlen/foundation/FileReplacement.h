@@ -40,8 +40,8 @@ class FileReplacement {
   int descriptor_ = -1;
 };
 
-/// Whether `name` is that of a temporary file, which a crash may have left: not a part of what the
-/// user stored.
+/// Whether `name` is that of a temporary file, or of the folder that TemporaryDirectory makes,
+/// which a crash may have left: not a part of what the user stored.
 bool isTemporaryName(const std::filesystem::path& name);
 
 /// A random name of that kind, for what is not to be seen before it is whole.

@@ -4,10 +4,16 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <string>
+#include <string_view>
 #include <system_error>
+#include <utility>
+#include <vector>
+
+#include "tavlen/foundation/TemporaryDirectory.h"
 
 namespace tavlen {
 
@@ -30,71 +36,234 @@ bool isTaken(const fs::path& path) {
   return fs::symlink_status(path, error).type() != fs::file_type::not_found;
 }
 
-void copyTree(const fs::path& source, const fs::path& destination, const LeftOut& isLeftOut) {
-  std::error_code error;
-  const fs::file_status status = fs::symlink_status(source, error);
-  if (status.type() == fs::file_type::not_found) fail(ENOENT, source);
-  check(error, source);
-  if (status.type() == fs::file_type::symlink) {
-    fs::copy_symlink(source, destination, error);
-    check(error, destination);
-  } else if (status.type() == fs::file_type::regular) {
-    fs::copy_file(source, destination, error);
-    check(error, destination);
-  } else if (status.type() == fs::file_type::directory) {
-    fs::create_directory(destination, error);
-    check(error, destination);
-    fs::directory_iterator entry(source, error);
+/// `call` again and again until no signal interrupts it.
+template <class Call>
+auto uninterrupted(const Call& call) {
+  auto result = call();
+  while (result < 0 && errno == EINTR) result = call();
+  return result;
+}
+
+class File {
+ public:
+  File(fs::path path, int flags, mode_t mode = 0) : path_(std::move(path)) {
+    descriptor_ = uninterrupted(
+        [&] { return ::open(path_.c_str(), flags | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, mode); });
+    if (descriptor_ < 0) fail(errno, path_);
+  }
+  File(const File&) = delete;
+  File& operator=(const File&) = delete;
+  ~File() {
+    if (descriptor_ >= 0) ::close(descriptor_);
+  }
+
+  struct stat status() const {
+    struct stat status {};
+    if (::fstat(descriptor_, &status) != 0) fail(errno, path_);
+    return status;
+  }
+  std::size_t read(std::vector<char>& buffer) const {
+    const ssize_t got =
+        uninterrupted([&] { return ::read(descriptor_, buffer.data(), buffer.size()); });
+    if (got < 0) fail(errno, path_);
+    return static_cast<std::size_t>(got);
+  }
+  void write(std::string_view bytes) const {
+    while (!bytes.empty()) {
+      const ssize_t count =
+          uninterrupted([&] { return ::write(descriptor_, bytes.data(), bytes.size()); });
+      if (count <= 0) fail(count < 0 ? errno : EIO, path_);
+      bytes.remove_prefix(static_cast<std::size_t>(count));
+    }
+  }
+  void setMode(mode_t mode) const {
+    if (::fchmod(descriptor_, mode & 0777) != 0) fail(errno, path_);
+  }
+  void sync() const {
+    if (uninterrupted([&] { return ::fsync(descriptor_); }) != 0) fail(errno, path_);
+  }
+  /// Some file systems report a failed write only here.
+  void close() {
+    if (::close(std::exchange(descriptor_, -1)) != 0 && errno != EINTR) fail(errno, path_);
+  }
+
+ private:
+  fs::path path_;
+  int descriptor_ = -1;
+};
+
+enum class Durability { whenTheSystemLikes, onTheDisk };
+
+/// One copy of a tree. Folders wait in a list for their turn, so that depth costs no stack.
+class TreeCopy {
+ public:
+  TreeCopy(const LeftOut& isLeftOut, Durability durability)
+      : isLeftOut_(isLeftOut), durability_(durability) {}
+
+  void copy(const fs::path& source, const fs::path& destination) {
+    copyEntry(source, destination);
+    for (std::size_t next = 0; next < folders_.size(); ++next) {
+      // A copy: the list grows meanwhile.
+      const Folder folder = folders_[next];
+      copyContents(folder);
+    }
+    // Last and from below, as a folder may forbid to write into it.
+    std::for_each(folders_.rbegin(), folders_.rend(), [this](const Folder& folder) {
+      const File copied(folder.destination, O_RDONLY | O_DIRECTORY);
+      copied.setMode(folder.mode);
+      if (durability_ == Durability::onTheDisk) copied.sync();
+    });
+  }
+
+ private:
+  struct Folder {
+    fs::path source;
+    fs::path destination;
+    mode_t mode;
+  };
+
+  void copyContents(const Folder& folder) {
+    std::error_code error;
+    fs::directory_iterator entry(folder.source, error);
     for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
       const fs::path name = entry->path().filename();
-      if (!isLeftOut || !isLeftOut(name)) copyTree(entry->path(), destination / name, isLeftOut);
+      if (isLeftOut_ && isLeftOut_(name)) continue;
+      copyEntry(entry->path(), folder.destination / name);
     }
-    check(error, source);
-    // Last, as a folder may forbid to write into it.
-    fs::permissions(destination, status.permissions(), error);
-    check(error, destination);
-  } else {
-    fail(EINVAL, source);
+    check(error, folder.source);
+  }
+
+  void copyEntry(const fs::path& source, const fs::path& destination) {
+    struct stat status {};
+    if (::lstat(source.c_str(), &status) != 0) fail(errno, source);
+    if (S_ISDIR(status.st_mode)) {
+      // Nobody else looks in before it has the permissions of its original.
+      if (::mkdir(destination.c_str(), S_IRWXU) != 0) fail(errno, destination);
+      folders_.push_back({source, destination, status.st_mode});
+    } else if (S_ISLNK(status.st_mode)) {
+      std::error_code error;
+      fs::copy_symlink(source, destination, error);
+      check(error, destination);
+    } else if (S_ISREG(status.st_mode)) {
+      copyFile(source, destination);
+    } else {
+      fail(EINVAL, source.string() + ": neither a file nor a folder");
+    }
+  }
+
+  void copyFile(const fs::path& source, const fs::path& destination) {
+    const File original(source, O_RDONLY);
+    File copied(destination, O_WRONLY | O_CREAT | O_EXCL, S_IRUSR | S_IWUSR);
+    while (const std::size_t count = original.read(buffer_)) copied.write({buffer_.data(), count});
+    copied.setMode(original.status().st_mode);
+    if (durability_ == Durability::onTheDisk) copied.sync();
+    copied.close();
+  }
+
+  const LeftOut& isLeftOut_;
+  Durability durability_;
+  std::vector<Folder> folders_;
+  std::vector<char> buffer_ = std::vector<char>(std::size_t{1} << 17);
+};
+
+bool isInside(const fs::path& path, const fs::path& folder) {
+  std::error_code error;
+  const fs::path outer = fs::canonical(folder, error);
+  if (error) return false;
+  const fs::path inner = fs::weakly_canonical(path, error);
+  if (error) return false;
+  return std::mismatch(outer.begin(), outer.end(), inner.begin(), inner.end()).first == outer.end();
+}
+
+void copyTree(const fs::path& source, const fs::path& destination, const LeftOut& isLeftOut,
+              Durability durability) {
+  std::error_code ignored;
+  if (isTaken(destination)) fail(EEXIST, destination);
+  if (fs::symlink_status(source, ignored).type() == fs::file_type::directory &&
+      isInside(destination, source)) {
+    fail(EINVAL, destination);
+  }
+  try {
+    TreeCopy(isLeftOut, durability).copy(source, destination);
+  } catch (...) {
+    try {
+      removeItem(destination);
+    } catch (const std::exception&) {
+      // The first error tells more.
+    }
+    throw;
   }
 }
 
-/// Renames unless something stands at the destination, which plain rename() would replace.
-bool renameExclusively(const fs::path& source, const fs::path& destination) {
+/// Renames unless something stands at the destination, which plain rename() would replace. Gives 0,
+/// or why not, as errno tells it.
+int renameExclusively(const fs::path& source, const fs::path& destination) {
 #ifdef __APPLE__
-  return ::renamex_np(source.c_str(), destination.c_str(), RENAME_EXCL) == 0;
+  if (::renamex_np(source.c_str(), destination.c_str(), RENAME_EXCL) == 0) return 0;
 #else
-  return ::renameat2(AT_FDCWD, source.c_str(), AT_FDCWD, destination.c_str(), RENAME_NOREPLACE) ==
-         0;
+  if (::renameat2(AT_FDCWD, source.c_str(), AT_FDCWD, destination.c_str(), RENAME_NOREPLACE) == 0) {
+    return 0;
+  }
 #endif
+  if (errno != EINVAL && errno != ENOTSUP) return errno;
+  // Not every volume knows the exclusive form.
+  if (isTaken(destination)) return EEXIST;
+  return ::rename(source.c_str(), destination.c_str()) == 0 ? 0 : errno;
+}
+
+void moveAcrossVolumes(const fs::path& source, const fs::path& destination) {
+  const TemporaryDirectory beside(fs::absolute(destination).parent_path());
+  const fs::path copied = beside.path() / destination.filename();
+  copyTree(source, copied, {}, Durability::onTheDisk);
+  if (const int code = renameExclusively(copied, destination)) fail(code, destination);
+  removeItem(source);
+}
+
+/// Opens all folders of a tree to their owner.
+void openFolders(const fs::path& item) {
+  std::error_code ignored;
+  std::vector<fs::path> folders;
+  const auto add = [&](const fs::path& path) {
+    if (fs::symlink_status(path, ignored).type() == fs::file_type::directory) {
+      folders.push_back(path);
+    }
+  };
+  add(item);
+  for (std::size_t next = 0; next < folders.size(); ++next) {
+    const fs::path folder = folders[next];
+    fs::permissions(folder, fs::perms::owner_all, fs::perm_options::add, ignored);
+    std::error_code error;
+    fs::directory_iterator entry(folder, error);
+    for (; !error && entry != fs::directory_iterator(); entry.increment(error)) add(entry->path());
+  }
 }
 
 }  // namespace
 
 void copyItem(const fs::path& source, const fs::path& destination, const LeftOut& isLeftOut) {
-  if (isTaken(destination)) fail(EEXIST, destination);
-  try {
-    copyTree(source, destination, isLeftOut);
-  } catch (...) {
-    std::error_code ignored;
-    fs::remove_all(destination, ignored);
-    throw;
-  }
+  copyTree(source, destination, isLeftOut, Durability::whenTheSystemLikes);
 }
 
 void moveItem(const fs::path& source, const fs::path& destination) {
-  if (renameExclusively(source, destination)) return;
-  // Not every volume knows the exclusive form.
-  if (errno == EINVAL || errno == ENOTSUP) {
+  const int code = renameExclusively(source, destination);
+  if (code == 0) return;
+  if (code == EXDEV) {
     if (isTaken(destination)) fail(EEXIST, destination);
-    if (::rename(source.c_str(), destination.c_str()) == 0) return;
+    moveAcrossVolumes(source, destination);
+  } else if (code == ENOENT) {
+    fail(code, isTaken(source) ? destination : source);
+  } else {
+    fail(code, destination);
   }
-  const int code = errno;
-  if (code == ENOENT) fail(code, isTaken(source) ? destination : source);
-  if (code != EXDEV) fail(code, destination);
-  copyItem(source, destination);
+}
+
+void removeItem(const fs::path& item) {
   std::error_code error;
-  fs::remove_all(source, error);
-  check(error, source);
+  fs::remove_all(item, error);
+  if (!error) return;
+  openFolders(item);
+  fs::remove_all(item, error);
+  check(error, item);
 }
 
 }  // namespace tavlen

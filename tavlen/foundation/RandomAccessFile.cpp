@@ -18,7 +18,8 @@ constexpr std::uint64_t kLargestOffset = std::numeric_limits<off_t>::max();
 
 RandomAccessFile::RandomAccessFile(const std::filesystem::path& path)
     // Without O_NONBLOCK a pipe that nobody writes to would never be opened.
-    : path_(path), descriptor_(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY)) {
+    : path_(path.native()),
+      descriptor_(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY)) {
   if (descriptor_ < 0) fail(errno);
   struct stat status {};
   int code = ::fstat(descriptor_, &status) == 0 ? 0 : errno;
@@ -60,7 +61,7 @@ std::size_t RandomAccessFile::readInto(std::uint64_t offset, std::span<char> byt
 }
 
 void RandomAccessFile::fail(int code) const {
-  throw std::system_error(code, std::generic_category(), path_.string());
+  throw std::system_error(code, std::generic_category(), path_);
 }
 
 }  // namespace tavlen

@@ -30,7 +30,7 @@ class RandomAccessFile {
  private:
   [[noreturn]] void fail(int code) const;
 
-  std::filesystem::path path_;
+  std::string path_;  ///< for errors; a path would be copied by its components
   int descriptor_;
   std::uint64_t size_ = 0;
 };

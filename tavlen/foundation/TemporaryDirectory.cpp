@@ -1,14 +1,46 @@
 #include "tavlen/foundation/TemporaryDirectory.h"
 
 #include <cerrno>
+#include <chrono>
 #include <cstdlib>
+#include <exception>
 #include <string>
 #include <system_error>
+#include <utility>
+
+#include "tavlen/foundation/FileTree.h"
 
 namespace tavlen {
 
+namespace {
+
+/// Longer than any operation takes, so that nobody's folder is taken for a left-over.
+constexpr std::chrono::hours kLeftOverAge(24);
+
+void removeQuietly(const std::filesystem::path& item) noexcept {
+  try {
+    removeItem(item);
+  } catch (const std::exception&) {
+    // Temporary items are swept again later.
+  }
+}
+
+void sweepLeftOvers(const std::filesystem::path& items) {
+  std::error_code error;
+  const auto now = std::filesystem::file_time_type::clock::now();
+  std::filesystem::directory_iterator entry(items, error);
+  for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
+    std::error_code unknown;
+    const auto written = std::filesystem::last_write_time(entry->path(), unknown);
+    if (!unknown && now - written > kLeftOverAge) removeQuietly(entry->path());
+  }
+}
+
+}  // namespace
+
 TemporaryDirectory::TemporaryDirectory(const std::filesystem::path& folder) {
-  const std::filesystem::path items = folder / ".TemporaryItems";
+  const std::filesystem::path items = folder / kItemsFolder;
+  sweepLeftOvers(items);
   // Another's end may remove the common folder between the two calls.
   constexpr int kAttempts = 100;
   for (int attempt = 1; path_.empty(); ++attempt) {
@@ -23,10 +55,13 @@ TemporaryDirectory::TemporaryDirectory(const std::filesystem::path& folder) {
 }
 
 TemporaryDirectory::~TemporaryDirectory() {
-  std::error_code ignored;
-  std::filesystem::remove_all(path_, ignored);
+  if (path_.empty()) return;
+  removeQuietly(path_);
   // Only when nobody else works in it.
+  std::error_code ignored;
   std::filesystem::remove(path_.parent_path(), ignored);
 }
+
+std::filesystem::path TemporaryDirectory::release() { return std::exchange(path_, {}); }
 
 }  // namespace tavlen

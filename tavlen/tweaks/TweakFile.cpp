@@ -1,8 +1,11 @@
 #include "tavlen/tweaks/TweakFile.h"
 
+#include <cerrno>
+#include <exception>
 #include <system_error>
 #include <utility>
 
+#include "tavlen/bundles/IPA.h"
 #include "tavlen/collections/TweakDiffNotifications.h"
 #include "tavlen/collections/TweakPoster.h"
 #include "tavlen/foundation/FileReplacement.h"
@@ -10,6 +13,7 @@
 #include "tavlen/foundation/FileTree.h"
 #include "tavlen/foundation/JSONDecoder.h"
 #include "tavlen/foundation/JSONEncoder.h"
+#include "tavlen/foundation/Unicode.h"
 #include "tavlen/tweaks/Manifest.h"
 #include "tavlen/tweaks/TweakFileDiff.h"
 #include "tavlen/tweaks/TweaksDirectory.h"
@@ -18,21 +22,36 @@ namespace tavlen {
 
 namespace {
 
+namespace fs = std::filesystem;
+
 constexpr const char* kManifestFile = "Manifest.json";
+constexpr const char* kIconFile = "Icon.png";
 constexpr const char* kScriptFile = "script.objs";
 constexpr const char* kResourcesFolder = "Resources";
 constexpr const char* kExecutablesFolder = "Executables";
 
+/// As large as an app's icon may be.
+constexpr std::size_t kLargestIcon = std::size_t{64} << 20;
+
+void storeIcon(const fs::path& file, const std::optional<Image>& icon) {
+  if (icon) {
+    replaceFile(file, icon->pngData());
+    return;
+  }
+  std::error_code error;
+  fs::remove(file, error);
+  if (error) throw std::system_error(error, file.string());
+}
+
+void post(TweakDiff diff) {
+  tweakPoster().performNotificationPostingOperation(
+      [&] { postTweakDiffs(NotificationCenter::default_(), {std::move(diff)}); });
+}
+
 }  // namespace
 
-std::shared_ptr<TweakFile> TweakFile::at(const std::filesystem::path& url) {
-  // The folder's name is the identifier, so a path must end in one: not in a slash, "." or "..".
-  std::filesystem::path folder = url.has_filename() ? url : url.parent_path();
-  if (!folder.empty() && !isPlainComponent(folder.filename().string())) {
-    folder = std::filesystem::absolute(url).lexically_normal();
-    if (!folder.has_filename()) folder = folder.parent_path();
-  }
-  std::shared_ptr<TweakFile> tweak(new TweakFile(folder));
+std::shared_ptr<TweakFile> TweakFile::at(std::filesystem::path url) {
+  std::shared_ptr<TweakFile> tweak(new TweakFile(std::move(url)));
   tweak->validate();
   return tweak;
 }
@@ -52,6 +71,19 @@ std::shared_ptr<TweakFile> TweakFile::create(std::string name, TweakColor color,
   return tweak;
 }
 
+std::shared_ptr<TweakFile> TweakFile::handlePayloadAt(const std::filesystem::path& url) {
+  // Looked at where it lies, so that nothing broken comes into the store. A link would put there
+  // what lies elsewhere.
+  const std::shared_ptr<TweakFile> payload(new TweakFile(url));
+  std::error_code ignored;
+  if (fs::is_symlink(payload->url(), ignored)) throw Error::notFound();
+  payload->validate();
+  TweaksDirectory::create();
+  std::shared_ptr<TweakFile> tweak(new TweakFile(uniqueTweakURL()));
+  moveItem(payload->url(), tweak->url());
+  return tweak;
+}
+
 bool TweakFile::isValidID(std::string_view text) { return text.find('.') == text.npos; }
 
 std::filesystem::path TweakFile::uniqueTweakURL() { return TweaksDirectory::uniqueURL(); }
@@ -62,32 +94,68 @@ std::filesystem::path TweakFile::resourcesDir() const { return url() / kResource
 std::filesystem::path TweakFile::executablesDir() const { return url() / kExecutablesFolder / ""; }
 
 void TweakFile::validate() const {
-  std::error_code ignored;
-  if (!std::filesystem::is_directory(url(), ignored)) throw Error::notFound();
-  manifest();
+  try {
+    manifest();
+  } catch (const std::exception&) {
+    // Asked only now, as listing a large store opens many folders.
+    std::error_code ignored;
+    if (!fs::is_directory(url(), ignored)) throw Error::notFound();
+    throw;
+  }
 }
 
 TweakFile::Manifest TweakFile::manifest() const {
-  const std::filesystem::path file = url() / kManifestFile;
-  std::error_code ignored;
-  if (!std::filesystem::exists(file, ignored)) throw Error::missing(kManifestFile);
-  return decodeJSON<Manifest>(readFile(file));
+  std::string bytes;
+  try {
+    bytes = readFile(url() / kManifestFile);
+  } catch (const std::system_error& error) {
+    const bool isMissing = error.code() == std::errc::no_such_file_or_directory ||
+                           error.code() == std::errc::not_a_directory;
+    if (isMissing) throw Error::missing(kManifestFile);
+    throw;
+  }
+  return decodeJSON<Manifest>(bytes);
 }
 
 TweakManifest TweakFile::genericManifest() const { return TweakManifest(manifest()); }
 
 void TweakFile::setManifest(const Manifest& manifest) {
   replaceFile(url() / kManifestFile, encodeJSON(manifest));
-  tweakPoster().performNotificationPostingOperation([&] {
-    postTweakDiffs(NotificationCenter::default_(),
-                   {std::make_shared<Diff>(shared_from_this(), Diff::UpdateManifest())});
-  });
+  post(std::make_shared<Diff>(shared_from_this(), Diff::UpdateManifest()));
 }
 
 void TweakFile::updateManifest(const std::function<void(Manifest&)>& change) {
   Manifest changed = manifest();
   change(changed);
   setManifest(changed);
+}
+
+std::optional<Image> TweakFile::customIcon() const {
+  try {
+    const std::optional<std::string> bytes = readFileUpTo(url() / kIconFile, kLargestIcon);
+    return bytes ? Image::decode(*bytes) : std::nullopt;
+  } catch (const std::exception&) {
+    return std::nullopt;
+  }
+}
+
+void TweakFile::setCustomIcon(const std::optional<Image>& icon) {
+  try {
+    storeIcon(url() / kIconFile, icon);
+  } catch (const std::exception&) {
+    // As documented; writeCustomIcon() tells.
+  }
+  post(std::make_shared<Diff>(shared_from_this(), Diff::UpdateIcon()));
+}
+
+void TweakFile::writeCustomIcon(const std::optional<Image>& icon) {
+  storeIcon(url() / kIconFile, icon);
+  post(std::make_shared<Diff>(shared_from_this(), Diff::UpdateIcon()));
+}
+
+Image TweakFile::displayedIcon() const {
+  if (std::optional<Image> icon = customIcon()) return std::move(*icon);
+  return associatedIPA()->infoManager().icon();
 }
 
 TweakDiff TweakFile::diffFor(GenericTweakDiffMode mode) {
@@ -98,7 +166,11 @@ TweakDiff TweakFile::diffFor(GenericTweakDiffMode mode) {
 }
 
 void TweakFile::preparePayloadIn(const std::filesystem::path& directory) const {
-  copyItem(url(), directory, isTemporaryName);
+  // A folder that is named by a link goes along, not the link.
+  std::error_code error;
+  const fs::path folder = fs::canonical(url(), error);
+  if (error) throw std::system_error(error, url().string());
+  copyItem(folder, directory, isTemporaryName);
 }
 
 std::string TweakFile::script() const {
@@ -110,13 +182,29 @@ std::string TweakFile::script() const {
 }
 
 std::optional<std::string> TweakFile::readScript() const {
-  const std::filesystem::path file = url() / kScriptFile;
+  const fs::path file = url() / kScriptFile;
   std::error_code ignored;
-  if (std::filesystem::symlink_status(file, ignored).type() ==
-      std::filesystem::file_type::not_found) {
-    return std::nullopt;
-  }
+  if (fs::symlink_status(file, ignored).type() == fs::file_type::not_found) return std::nullopt;
   return readText(file);
+}
+
+void TweakFile::setScript(std::string_view text) {
+  try {
+    writeScript(text);
+  } catch (const std::exception&) {
+    // As documented; writeScript() tells.
+  }
+}
+
+void TweakFile::writeScript(std::string_view text) {
+  const fs::path file = url() / kScriptFile;
+  // It could not be read again.
+  if (!isValidUTF8(text)) throw std::system_error(EILSEQ, std::generic_category(), file.string());
+  replaceFile(file, text);
+}
+
+Override TweakFile::makeOverride(const OverrideKindInfo& kind) const {
+  return kind.withInfo(associatedIPA()->infoManager().info());
 }
 
 TweakFile::Error TweakFile::Error::missing(std::string file) {

@@ -33,14 +33,15 @@ class TweakFile : public TweakProtocol, public std::enable_shared_from_this<Twea
   static constexpr std::string_view compressedExtension = "tvx";
 
   /// Opens the folder at `url` and reads its manifest once, to check it. Errors as validate()'s.
-  static std::shared_ptr<TweakFile> at(const std::filesystem::path& url);
+  static std::shared_ptr<TweakFile> at(std::filesystem::path url);
   /// Makes a new tweak in the tweaks directory. Posts nothing: who adds it to what is shown
   /// announces it. Throws std::system_error, and may leave a part of the folder then.
   static std::shared_ptr<TweakFile> create(std::string name, TweakColor color, TweakGlyph glyph,
                                            std::string bundleID);
-  /// Takes in the unpacked tweak folder `url`: it moves into the tweaks directory, under a new
-  /// identifier. Throws Error::notFound where there is no folder, what validate() throws, and
-  /// std::system_error; nothing is left in the store then.
+  /// Takes in the unpacked tweak folder `url`: it moves into the tweaks directory, which is made
+  /// where it is missing, under a new identifier. Throws Error::notFound where there is no folder
+  /// or a link to one, what validate() throws, and std::system_error; nothing is left in the store
+  /// then.
   static std::shared_ptr<TweakFile> handlePayloadAt(const std::filesystem::path& url);
 
   /// Whether a stored item of that identifier would be a tweak: there is no full stop in it.
@@ -68,12 +69,13 @@ class TweakFile : public TweakProtocol, public std::enable_shared_from_this<Twea
   /// Reads the manifest, lets `change` edit it and writes it back; what `change` throws stops that.
   void updateManifest(const std::function<void(Manifest&)>& change);
 
-  /// The user's own icon; none where there is no file or no image in it.
+  /// The user's own icon; none where there is no file, no image in it, or more than 64 MiB.
   std::optional<Image> customIcon() const;
   /// Stores `icon` as PNG, or removes the file. Errors are swallowed; posts in every case, unless
   /// tweakPoster() is silenced.
   void setCustomIcon(const std::optional<Image>& icon);
-  /// As setCustomIcon(), but throws std::system_error, and posts nothing then.
+  /// As setCustomIcon(), but throws std::system_error, and posts nothing then. Removing a file that
+  /// is not there is no error.
   void writeCustomIcon(const std::optional<Image>& icon);
   /// The user's own icon, or else the target app's. Throws as manifest(), IPA::findWithBundleID()
   /// and InfoManager::icon().
@@ -86,7 +88,7 @@ class TweakFile : public TweakProtocol, public std::enable_shared_from_this<Twea
   std::optional<std::string> readScript() const;
   /// Stores the script. Errors are swallowed; nothing is posted.
   void setScript(std::string_view text);
-  /// As setScript(), but throws std::system_error.
+  /// As setScript(), but throws std::system_error, EILSEQ for text that is not UTF-8.
   void writeScript(std::string_view text);
 
   /// A new override of `kind`, made of the target app's current values. Throws as manifest(),

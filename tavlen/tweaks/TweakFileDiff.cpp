@@ -1,6 +1,11 @@
 #include "tavlen/tweaks/TweakFileDiff.h"
 
+#include <utility>
+
 namespace tavlen {
+
+TweakFile::Diff::Diff(std::shared_ptr<TweakFile> changed, Mode how)
+    : tweak(std::move(changed)), mode(std::move(how)) {}
 
 std::optional<GenericTweakDiffMode> TweakFile::Diff::genericMode() const {
   if (std::holds_alternative<Create>(mode)) return GenericTweakDiffMode::create;

@@ -2,7 +2,6 @@
 
 #include <memory>
 #include <optional>
-#include <utility>
 #include <variant>
 #include <vector>
 
@@ -29,8 +28,7 @@ struct TweakFile::Diff : TweakDiffProtocol {
   using Mode =
       std::variant<UpdateHook, AddHooks, Create, UpdateManifest, UpdateIcon, DeleteHook, Delete>;
 
-  Diff(std::shared_ptr<TweakFile> changed, Mode how)
-      : tweak(std::move(changed)), mode(std::move(how)) {}
+  Diff(std::shared_ptr<TweakFile> changed, Mode how);
 
   std::shared_ptr<TweakFile> tweak;
   Mode mode;

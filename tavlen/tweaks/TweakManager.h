@@ -28,7 +28,7 @@ class TweakManager {
   /// at() throws.
   static std::shared_ptr<TweakProtocol> tweakWithID(std::string_view id);
   /// The item at `url`, of the kind that its last component tells. Errors as tweakWithID().
-  static std::shared_ptr<TweakProtocol> tweakAt(const std::filesystem::path& url);
+  static std::shared_ptr<TweakProtocol> tweakAt(std::filesystem::path url);
 
   /// Whether `url` is named like an archive of one of the kinds.
   static bool canHandle(const std::filesystem::path& url);

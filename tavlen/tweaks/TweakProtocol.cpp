@@ -1,13 +1,45 @@
 #include "tavlen/tweaks/TweakProtocol.h"
 
+#include <cerrno>
+#include <exception>
+#include <system_error>
+
 #include "tavlen/bundles/IPA.h"
 #include "tavlen/device/DevicePaths.h"
 #include "tavlen/device/DeviceRoot.h"
-#include "tavlen/foundation/FileTree.h"
+#include "tavlen/foundation/FileSystem.h"
 #include "tavlen/foundation/TemporaryDirectory.h"
 #include "tavlen/foundation/TextComparison.h"
+#include "tavlen/tweaks/TweaksDirectory.h"
 
 namespace tavlen {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// The item's name is its identifier, so its path must end in one: not in a slash, "." or "..".
+fs::path withName(fs::path url) {
+  if (!url.has_filename()) url = url.parent_path();
+  if (url.empty() || isPlainComponent(url.filename().native())) return url;
+  url = fs::absolute(url).lexically_normal();
+  return url.has_filename() ? url : url.parent_path();
+}
+
+/// Takes `item` out of sight in one step, into `folder`, and off the disk afterwards. Gives false
+/// when that lies on another volume.
+bool removeBy(const fs::path& folder, const fs::path& item) {
+  const TemporaryDirectory trash(folder);
+  std::error_code error;
+  fs::rename(item, trash.path() / item.filename(), error);
+  if (error == std::errc::cross_device_link) return false;
+  if (error) throw std::system_error(error, item.string());
+  return true;
+}
+
+}  // namespace
+
+TweakProtocol::TweakProtocol(std::filesystem::path url) : url_(withName(std::move(url))) {}
 
 bool TweakProtocol::isShownInSearchFor(std::string_view query) const {
   try {
@@ -45,8 +77,19 @@ void TweakProtocol::delete_() {
 }
 
 void TweakProtocol::remove() {
-  const TemporaryDirectory trash(DeviceRoot::shared().resolve(kApplicationSupportDir));
-  moveItem(url(), trash.path() / url().filename());
+  const fs::path item = fs::absolute(url());
+  const fs::path folder = item.parent_path();
+  std::error_code ignored;
+  if (fs::symlink_status(item, ignored).type() == fs::file_type::not_found) {
+    throw std::system_error(ENOENT, std::generic_category(), item.string());
+  }
+  // Stored items leave the tweaks directory; others, and those on a volume of their own, move
+  // within the folder that they lie in.
+  const bool isStored = folder == TweaksDirectory::url();
+  if (isStored && removeBy(DeviceRoot::shared().resolve(kApplicationSupportDir), item)) return;
+  if (!removeBy(folder, item)) {
+    throw std::system_error(EXDEV, std::generic_category(), item.string());
+  }
 }
 
 }  // namespace tavlen

@@ -61,12 +61,15 @@ class TweakProtocol {
   void uninstall();
   /// uninstall(), then takes the item off the disk. Errors are swallowed, nothing is posted.
   void delete_();
-  /// Takes the item off the disk, and nothing else: it leaves the tweaks directory in one step, so
-  /// that a reader finds all of it or nothing. Throws std::system_error.
+  /// Takes the item off the disk, and nothing else: it leaves its folder in one step, so that a
+  /// reader finds all of it or nothing, for a ".TemporaryItems" on the same volume, where it is
+  /// removed. Of an item that is named by a symbolic link, the link goes. Throws std::system_error;
+  /// the item is then as it was.
   void remove();
 
  protected:
-  explicit TweakProtocol(std::filesystem::path url) : url_(std::move(url)) {}
+  /// url() becomes `url` without what stands behind its last name: a slash, "." or "..".
+  explicit TweakProtocol(std::filesystem::path url);
 
  private:
   std::filesystem::path url_;

@@ -23,8 +23,8 @@ std::filesystem::path uniqueURL(std::string_view suffix) {
   std::error_code ignored;
   do {
     unique = folder / newUUIDText().append(suffix);
-  } while (std::filesystem::symlink_status(unique, ignored).type() !=
-           std::filesystem::file_type::not_found);
+    // Where it cannot be told, using the place will say why.
+  } while (std::filesystem::exists(std::filesystem::symlink_status(unique, ignored)));
   return unique;
 }
 

@@ -38,7 +38,8 @@ TEST_F(TweakFileTest, OpensAFolderWithAManifest) {
     const auto tweak = TweakFile::at(folder_.path() / name);
     EXPECT_EQ(tweak->url(), folder_.path() / id);
     EXPECT_EQ(tweak->id(), id);
-    EXPECT_EQ(tweak->resourcesDir(), folder_.path() / id / "Resources");
+    EXPECT_EQ(tweak->resourcesDir(), folder_.path() / id / "Resources/");
+    EXPECT_EQ(tweak->executablesDir(), folder_.path() / id / "Executables/");
     EXPECT_EQ(tweak->manifest().configuration.name, "N");
   }
 }

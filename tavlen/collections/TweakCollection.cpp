@@ -1,0 +1,141 @@
+#include "tavlen/collections/TweakCollection.h"
+
+#include <algorithm>
+#include <system_error>
+
+#include "tavlen/collections/TweakCollectionDiff.h"
+#include "tavlen/collections/TweakCollectionManifest.h"
+#include "tavlen/collections/TweakDiffNotifications.h"
+#include "tavlen/collections/TweakPoster.h"
+#include "tavlen/foundation/FileReplacement.h"
+#include "tavlen/foundation/FileSystem.h"
+#include "tavlen/foundation/FileTree.h"
+#include "tavlen/foundation/JSONDecoder.h"
+#include "tavlen/foundation/JSONEncoder.h"
+#include "tavlen/tweaks/TweakError.h"
+#include "tavlen/tweaks/TweakFile.h"
+#include "tavlen/tweaks/TweaksDirectory.h"
+
+namespace tavlen {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// What an exported collection is made of.
+constexpr const char* kManifestFile = "Manifest.json";
+constexpr const char* kTweaksFolder = "Tweaks";
+
+/// A link would bring into the store what lies elsewhere.
+void refuseLink(const fs::path& item) {
+  std::error_code ignored;
+  if (fs::is_symlink(item, ignored)) throw TweakError::notFound();
+}
+
+/// The members' folders in the unpacked folder `tweaks`; they need not be there.
+std::vector<fs::path> memberFolders(const fs::path& tweaks, const std::vector<std::string>& ids) {
+  refuseLink(tweaks);
+  std::vector<fs::path> folders;
+  for (const std::string& id : ids) {
+    if (!isPlainComponent(id)) throw TweakError::notFound();
+    refuseLink(folders.emplace_back(tweaks / id));
+  }
+  return folders;
+}
+
+}  // namespace
+
+std::shared_ptr<TweakCollection> TweakCollection::at(std::filesystem::path url) {
+  std::shared_ptr<TweakCollection> collection(new TweakCollection(std::move(url)));
+  collection->validate();
+  return collection;
+}
+
+std::shared_ptr<TweakCollection> TweakCollection::create(std::string name, TweakColor color,
+                                                         TweakGlyph glyph, std::string bundleID) {
+  std::shared_ptr<TweakCollection> collection(new TweakCollection(uniqueTweakURL()));
+  tweakPoster().performWithoutNotifications([&] {
+    TweaksDirectory::create();
+    Manifest manifest;
+    manifest.configuration = {std::move(name), color, std::move(bundleID), std::move(glyph)};
+    collection->setManifest(manifest);
+    collection->manifest();
+  });
+  return collection;
+}
+
+std::shared_ptr<TweakCollection> TweakCollection::handlePayloadAt(
+    const std::filesystem::path& url) {
+  // All that can be told beforehand is, so that nothing hostile or broken comes into the store.
+  const TweakCollection payload(url / kManifestFile);
+  refuseLink(payload.url());
+  Manifest manifest = payload.manifest();
+  const std::vector<fs::path> members = memberFolders(url / kTweaksFolder, manifest._tweaks);
+
+  std::shared_ptr<TweakCollection> collection(new TweakCollection(uniqueTweakURL()));
+  tweakPoster().performWithoutNotifications([&] {
+    TweaksDirectory::create();
+    moveItem(payload.url(), collection->url());
+    manifest._tweaks.clear();
+    for (const fs::path& member : members) {
+      manifest._tweaks.push_back(TweakFile::handlePayloadAt(member)->id());
+    }
+    collection->setManifest(manifest);
+  });
+  return collection;
+}
+
+bool TweakCollection::isValidID(std::string_view text) { return text.ends_with(kIDSuffix); }
+
+std::filesystem::path TweakCollection::uniqueTweakURL() {
+  return TweaksDirectory::uniqueURL(kIDSuffix);
+}
+
+void TweakCollection::validate() const { manifest(); }
+
+TweakCollection::Manifest TweakCollection::manifest() const {
+  std::string bytes;
+  try {
+    bytes = readFile(url());
+  } catch (const std::system_error& error) {
+    const bool isMissing = error.code() == std::errc::no_such_file_or_directory ||
+                           error.code() == std::errc::not_a_directory;
+    if (isMissing) throw TweakError::missing(id());
+    throw;
+  }
+  return decodeJSON<Manifest>(bytes);
+}
+
+TweakManifest TweakCollection::genericManifest() const { return TweakManifest(manifest()); }
+
+void TweakCollection::setManifest(const Manifest& manifest) {
+  replaceFile(url(), encodeJSON(manifest));
+  tweakPoster().performNotificationPostingOperation([&] {
+    postTweakDiffs(NotificationCenter::default_(),
+                   {std::make_shared<Diff>(shared_from_this(), Diff::Mode::updateManifest)});
+  });
+}
+
+void TweakCollection::updateManifest(const std::function<void(Manifest&)>& change) {
+  Manifest changed = manifest();
+  change(changed);
+  setManifest(changed);
+}
+
+TweakDiff TweakCollection::diffFor(GenericTweakDiffMode mode) {
+  const bool isDeletion = mode == GenericTweakDiffMode::delete_;
+  return std::make_shared<Diff>(shared_from_this(),
+                                isDeletion ? Diff::Mode::delete_ : Diff::Mode::create);
+}
+
+void TweakCollection::preparePayloadIn(const std::filesystem::path& directory) const {
+  const fs::path tweaks = directory / kTweaksFolder;
+  fs::create_directories(tweaks);
+  // A file that is named by a link goes along, not the link.
+  copyItem(fs::canonical(url()), directory / kManifestFile);
+  for (const std::shared_ptr<TweakFile>& tweak : manifest().tweaks()) {
+    tweak->preparePayloadIn(tweaks / tweak->id());
+  }
+}
+
+}  // namespace tavlen

@@ -1,0 +1,146 @@
+#include "tavlen/foundation/FileTree.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <chrono>
+
+#include "TemporaryFolder.h"
+#include "tavlen/foundation/FileReplacement.h"
+#include "tavlen/foundation/FileSystem.h"
+#include "tavlen/foundation/TemporaryDirectory.h"
+
+namespace tavlen {
+namespace {
+
+namespace fs = std::filesystem;
+
+class FileTreeTest : public testing::Test {
+ protected:
+  FileTreeTest() {
+    folder_.write("tree/a/b/file", std::string(300'000, 'x'));
+    folder_.write("tree/.tavlen-1", "temporary");
+    folder_.write("tree/a/program", "#!");
+    fs::permissions(path("tree/a/program"), fs::perms::owner_all | fs::perms::group_exec);
+    fs::permissions(path("tree/a/b"), fs::perms::owner_read | fs::perms::owner_exec);
+    fs::create_symlink("nowhere", path("tree/link"));
+    fs::create_directory(path("tree/empty"));
+    folder_.write("file", "f");
+    fs::create_directory(path("taken"));
+    fs::create_symlink("nowhere", path("dangling"));
+  }
+  fs::path path(const char* name) const { return folder_.path() / name; }
+
+  /// The error that moving or copying gives, by name.
+  template <class Operation>
+  int errorOf(const Operation& operation, const char* source, const fs::path& destination) const {
+    try {
+      operation(path(source), destination);
+    } catch (const std::system_error& error) {
+      return error.code().value();
+    }
+    return 0;
+  }
+  void expectTree(const char* root) const {
+    const fs::path tree = path(root);
+    EXPECT_EQ(readFile(tree / "a/b/file"), std::string(300'000, 'x'));
+    EXPECT_EQ(fs::status(tree / "a/program").permissions(),
+              fs::perms::owner_all | fs::perms::group_exec);
+    EXPECT_EQ(fs::status(tree / "a/b").permissions(),
+              fs::perms::owner_read | fs::perms::owner_exec);
+    EXPECT_EQ(fs::read_symlink(tree / "link"), "nowhere");
+    EXPECT_TRUE(fs::is_empty(tree / "empty"));
+  }
+
+  TemporaryFolder folder_;
+};
+
+TEST_F(FileTreeTest, CopiesAndMovesWholeTrees) {
+  copyItem(path("tree"), path("copy"), isTemporaryName);
+  expectTree("copy");
+  EXPECT_FALSE(fs::exists(path("copy/.tavlen-1")));
+  moveItem(path("copy"), path("moved"));
+  expectTree("moved");
+  EXPECT_FALSE(fs::exists(path("copy")));
+  copyItem(path("tree/link"), path("link"));
+  moveItem(path("link"), path("link2"));
+  EXPECT_EQ(fs::read_symlink(path("link2")), "nowhere");
+  for (const char* name : {"moved", "link2", "tree", "never there"}) removeItem(path(name));
+  for (const char* name : {"moved", "tree"}) EXPECT_FALSE(fs::exists(path(name)));
+}
+
+TEST_F(FileTreeTest, NothingIsOverwrittenOrHalfMade) {
+  const auto copy = [](const fs::path& from, const fs::path& to) { copyItem(from, to); };
+  ASSERT_EQ(::mkfifo(path("tree/a/pipe").c_str(), 0600), 0);
+  const struct {
+    const char* source;
+    const char* destination;
+    int copyError;
+    int moveError;
+  } rows[] = {
+      {"file", "taken", EEXIST, EEXIST},     {"tree", "taken", EEXIST, EEXIST},
+      {"file", "dangling", EEXIST, EEXIST},  {"nowhere", "new", ENOENT, ENOENT},
+      {"file", "no/folder", ENOENT, ENOENT}, {"tree", "tree/a/inner", EINVAL, EINVAL},
+      {"tree/a/pipe", "new", EINVAL, 0},
+  };
+  for (const auto& row : rows) {
+    EXPECT_EQ(errorOf(copy, row.source, path(row.destination)), row.copyError) << row.source;
+    EXPECT_EQ(errorOf(moveItem, row.source, path(row.destination)), row.moveError) << row.source;
+    if (row.moveError == 0) moveItem(path(row.destination), path(row.source));
+  }
+  EXPECT_EQ(errorOf(copy, "tree", path("half")), EINVAL) << "there is a pipe in it";
+  EXPECT_FALSE(fs::exists(path("half")));
+  EXPECT_TRUE(fs::is_empty(path("taken")));
+  EXPECT_EQ(readFile(path("file")), "f");
+}
+
+TEST_F(FileTreeTest, MovesAcrossVolumes) {
+  const fs::path elsewhere = "/dev/shm";
+  struct stat here {};
+  struct stat there {};
+  if (::stat(folder_.path().c_str(), &here) != 0 || ::stat(elsewhere.c_str(), &there) != 0 ||
+      here.st_dev == there.st_dev) {
+    GTEST_SKIP() << "there is no second volume";
+  }
+  const TemporaryDirectory other(elsewhere);
+  moveItem(path("tree"), other.path() / "t");
+  EXPECT_FALSE(fs::exists(path("tree")));
+  EXPECT_EQ(errorOf(moveItem, "file", other.path() / "t"), EEXIST);
+  moveItem(other.path() / "t", path("back"));
+  expectTree("back");
+  EXPECT_TRUE(fs::is_empty(other.path())) << "temporary items";
+  EXPECT_FALSE(fs::exists(path(".TemporaryItems")));
+}
+
+TEST_F(FileTreeTest, DepthCostsNoStack) {
+  fs::path deep = path("deep");
+  for (int level = 0; level < 1'500; ++level) {
+    ASSERT_EQ(::mkdir(deep.c_str(), 0700), 0);
+    deep = fs::path(deep.native() + "/d");
+  }
+  copyItem(path("deep"), path("dup"));
+  removeItem(path("deep"));
+  removeItem(path("dup"));
+  EXPECT_FALSE(fs::exists(path("dup")));
+}
+
+TEST_F(FileTreeTest, LeftOversOfACrashAreSwept) {
+  const fs::path items = folder_.path() / TemporaryDirectory::kItemsFolder;
+  folder_.write(".TemporaryItems/old/closed/file", "x");
+  folder_.write(".TemporaryItems/new/file", "x");
+  fs::permissions(items / "old/closed", fs::perms::none);
+  fs::last_write_time(items / "old", fs::file_time_type::clock::now() - std::chrono::hours(25));
+  fs::path released;
+  {
+    TemporaryDirectory kept(folder_.path());
+    folder_.write((kept.path() / "file").lexically_relative(folder_.path()).string(), "x");
+    released = kept.release();
+  }
+  EXPECT_FALSE(fs::exists(items / "old"));
+  EXPECT_TRUE(fs::exists(items / "new/file"));
+  EXPECT_TRUE(fs::exists(released / "file"));
+}
+
+}  // namespace
+}  // namespace tavlen

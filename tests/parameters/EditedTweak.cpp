@@ -15,7 +15,8 @@ namespace {
 
 struct Announced {
   std::mutex lock;
-  std::multimap<const TweakProtocol*, std::string> diffs;
+  /// By the tweak's place.
+  std::multimap<std::string, std::string> diffs;
 };
 
 std::string wordFor(const TweakFile::Diff::Mode& mode) {
@@ -37,7 +38,7 @@ Announced& announced() {
       const std::lock_guard lock(made->lock);
       for (const TweakDiff& diff : diffs) {
         const auto* change = dynamic_cast<const TweakFile::Diff*>(diff.get());
-        made->diffs.emplace(diff->genericTweak().get(),
+        made->diffs.emplace(diff->genericTweak()->url().string(),
                             change != nullptr ? wordFor(change->mode) : "other");
       }
     });
@@ -64,7 +65,7 @@ std::string EditedTweak::storedHooks() const { return encodeJSON(file_->manifest
 std::vector<std::string> EditedTweak::takeDiffs() const {
   Announced& all = announced();
   const std::lock_guard lock(all.lock);
-  const auto [first, last] = all.diffs.equal_range(file_.get());
+  const auto [first, last] = all.diffs.equal_range(file_->url().string());
   std::vector<std::string> words;
   for (auto diff = first; diff != last; ++diff) words.push_back(diff->second);
   all.diffs.erase(first, last);

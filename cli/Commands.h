@@ -24,5 +24,8 @@ void addExecutablesCommand(CLI::App& app, Action& action);
 void addCrashLogsCommand(CLI::App& app, Action& action);
 void addKillCommand(CLI::App& app, Action& action);
 void addRespringCommand(CLI::App& app, Action& action);
+void addHookCommand(CLI::App& app, Action& action);
+void addParamCommand(CLI::App& app, Action& action);
+void addOverrideCommand(CLI::App& app, Action& action);
 
 }  // namespace tavlen::cli

@@ -73,11 +73,16 @@ std::string cut(std::string text) {
 
 }  // namespace
 
-TextTable::TextTable(std::vector<std::string> titles) { rows_.push_back(std::move(titles)); }
+TextTable::TextTable(std::vector<std::string> titles, LastColumn last) : last_(last) {
+  rows_.push_back(std::move(titles));
+}
 
 void TextTable::addRow(const std::vector<std::string>& cells) {
   std::vector<std::string>& row = rows_.emplace_back();
-  for (const std::string& cell : cells) row.push_back(cut(oneLine(cell)));
+  for (const std::string& cell : cells) {
+    const bool isWhole = last_ == LastColumn::whole && row.size() + 1 == cells.size();
+    row.push_back(isWhole ? oneLine(cell) : cut(oneLine(cell)));
+  }
 }
 
 std::string TextTable::text() const {

@@ -14,7 +14,10 @@ std::size_t displayWidth(std::string_view text);
 /// Lines of cells in aligned columns, for people to read.
 class TextTable {
  public:
-  explicit TextTable(std::vector<std::string> titles);
+  /// Whether an overlong cell of the last column is cut, as those of the others are.
+  enum class LastColumn { cut, whole };
+
+  explicit TextTable(std::vector<std::string> titles, LastColumn last = LastColumn::cut);
 
   /// `cells` are as many as there are titles; what would break the line is written as escapes.
   void addRow(const std::vector<std::string>& cells);
@@ -24,6 +27,7 @@ class TextTable {
 
  private:
   std::vector<std::vector<std::string>> rows_;  ///< the titles first
+  LastColumn last_;
 };
 
 }  // namespace tavlen::cli

@@ -53,6 +53,9 @@ int run(int argc, char** argv) {
   tavlen::cli::addCrashLogsCommand(app, action);
   tavlen::cli::addKillCommand(app, action);
   tavlen::cli::addRespringCommand(app, action);
+  tavlen::cli::addHookCommand(app, action);
+  tavlen::cli::addParamCommand(app, action);
+  tavlen::cli::addOverrideCommand(app, action);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <compare>
+#include <cstddef>
+#include <functional>
 #include <string>
 
 namespace tavlen {
@@ -17,3 +19,13 @@ struct MethodIdentity {
 };
 
 }  // namespace tavlen
+
+template <>
+struct std::hash<tavlen::MethodIdentity> {
+  std::size_t operator()(const tavlen::MethodIdentity& identity) const {
+    constexpr std::size_t kFactor = 31;
+    const std::hash<std::string> hashOf;
+    return (hashOf(identity.className) * kFactor + hashOf(identity.selector)) * 2 +
+           static_cast<std::size_t>(identity.isClassMethod);
+  }
+};

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <exception>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+#include "tavlen/foundation/CodingError.h"
+
+namespace tavlen::cli {
+
+/// Runs `body`; the text of what it throws then begins with `place` and a colon. A decoding error
+/// is the manifest's.
+template <class Body>
+decltype(auto) naming(const std::string& place, Body&& body) {
+  try {
+    return std::forward<Body>(body)();
+  } catch (const DecodingError& error) {
+    throw std::runtime_error(place + ": Manifest.json: " + error.description());
+  } catch (const std::exception& error) {
+    throw std::runtime_error(place + ": " + error.what());
+  }
+}
+
+}  // namespace tavlen::cli

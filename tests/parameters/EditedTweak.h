@@ -1,0 +1,36 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "TemporaryFolder.h"
+#include "tavlen/collections/TweakDiffProtocol.h"
+#include "tavlen/tweaks/Manifest.h"
+
+namespace tavlen {
+
+/// A stored tweak, and what is announced of it.
+class EditedTweak {
+ public:
+  /// `hooks` are the elements of the manifest's list.
+  explicit EditedTweak(const std::string& hooks);
+
+  const std::shared_ptr<TweakFile>& file() const { return file_; }
+  /// The manifest's bytes.
+  std::string stored() const;
+  /// The manifest's list of hooks, as it is stored.
+  std::string storedHooks() const;
+  /// One word a diff of this tweak since the last call: "UpdateHook(a)", "AddHooks(b,c)",
+  /// "DeleteHook" with the hooks' selectors, "other".
+  std::vector<std::string> takeDiffs() const;
+
+ private:
+  TemporaryFolder folder_;
+  std::shared_ptr<TweakFile> file_;
+};
+
+/// An instance method's hook of class C as JSON; `args` are the members of its table.
+std::string storedHook(const std::string& selector, const std::string& args = "");
+
+}  // namespace tavlen

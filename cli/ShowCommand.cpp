@@ -3,6 +3,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include "cli/ActiveTweak.h"
@@ -58,6 +59,15 @@ std::string list(const std::string& title, const std::vector<std::string>& entri
   return text;
 }
 
+std::string scriptSummary(const TweakFile& tweak) {
+  try {
+    const std::string script = tweak.readScript().value_or(std::string());
+    return script.empty() ? "none" : std::to_string(script.size()) + " bytes";
+  } catch (const std::system_error&) {
+    return "cannot be read";
+  }
+}
+
 std::string contentsOf(const TweakFile& tweak) {
   const TweakFile::Manifest manifest = tweak.manifest();
   std::vector<std::string> hooks;
@@ -68,9 +78,7 @@ std::string contentsOf(const TweakFile& tweak) {
   for (const Override& override_ : manifest.overrides()) {
     overrides.push_back(localizedName(override_));
   }
-  const std::string script = tweak.readScript().value_or(std::string());
-  return list("Hooks", hooks) + list("Overrides", overrides) +
-         row("Script", script.empty() ? "none" : std::to_string(script.size()) + " bytes") +
+  return list("Hooks", hooks) + list("Overrides", overrides) + row("Script", scriptSummary(tweak)) +
          row("Icon", tweak.customIcon() ? "its own" : "the app's");
 }
 

@@ -32,8 +32,7 @@ constexpr const char* kIconFile = "Icon.png";
 /// A fresh folder, which goes again unless it is kept.
 class Bundle {
  public:
-  explicit Bundle(const fs::path& directory)
-      : url_(directory / newUUIDText().append(kExtension)) {
+  explicit Bundle(const fs::path& directory) : url_(directory / newUUIDText().append(kExtension)) {
     fs::create_directory(url_);
   }
   Bundle(const Bundle&) = delete;

@@ -21,8 +21,8 @@ void packageTweak(const TweakFile& tweak, const std::filesystem::path& directory
                   const std::filesystem::path& transpiler, TweakInfo& tweakInfo,
                   bool copyExecutables);
 
-/// Throws TweakError::bundleIDMismatch unless an item made for the app `bundleID` is to be installed
-/// for that one.
+/// Throws TweakError::bundleIDMismatch unless an item made for the app `bundleID` is to be
+/// installed for that one.
 void checkTarget(const TweakInfo& tweakInfo, const std::string& bundleID);
 
 }  // namespace tavlen

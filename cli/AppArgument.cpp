@@ -7,6 +7,7 @@
 #include <system_error>
 
 #include "tavlen/bundles/InfoPlist.h"
+#include "tavlen/device/AppList.h"
 #include "tavlen/device/DeviceRoot.h"
 
 namespace tavlen::cli {
@@ -44,6 +45,14 @@ std::shared_ptr<IPA> appArgument(const std::string& text) {
   } catch (const IPA::Error& error) {
     throw std::runtime_error(text + ": " + error.description());
   }
+}
+
+std::string bundleIDOf(const std::string& text) {
+  return isPath(text) ? readInfo(*appArgument(text)).bundleID : text;
+}
+
+bool isInstalledApp(const std::string& bundleID) {
+  return AppList::shared().app(bundleID) != nullptr;
 }
 
 std::runtime_error withInfoPath(const IPA& ipa, const DecodingError& error) {

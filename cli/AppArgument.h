@@ -20,6 +20,13 @@ bool isPath(const std::string& text);
 /// The app that a user names, by a path or by its bundle identifier. Errors name the path.
 std::shared_ptr<IPA> appArgument(const std::string& text);
 
+/// The bundle identifier that a user gives, or that of the app at a path. An identifier is taken as
+/// it stands: what it names need not be in any list. Errors name the path.
+std::string bundleIDOf(const std::string& text);
+
+/// Whether the shared app list holds an app of that identifier.
+bool isInstalledApp(const std::string& bundleID);
+
 /// What an app's Info.plist lacks, with the file's path.
 std::runtime_error withInfoPath(const IPA& ipa, const DecodingError& error);
 

@@ -8,4 +8,7 @@ namespace tavlen::cli {
 /// the current folder.
 CLI::Validator notEmpty();
 
+/// Refuses what is not UTF-8, which no document can hold.
+CLI::Validator validUTF8();
+
 }  // namespace tavlen::cli

@@ -7,6 +7,7 @@
 #include "cli/ArgumentChecks.h"
 #include "cli/Commands.h"
 #include "cli/Console.h"
+#include "cli/StoredItem.h"
 #include "cli/Transpilation.h"
 #include "cli/TranspilerOption.h"
 #include "cli/TweakArgument.h"
@@ -50,7 +51,7 @@ int build(const Options& options) {
 void addBuildCommand(CLI::App& app, Action& action) {
   auto* command = app.add_subcommand("build", "Turn a tweak into code and a source map");
   const auto options = std::make_shared<Options>();
-  command->add_option("TWEAK", options->tweak, "The tweak's folder")->required()->check(notEmpty());
+  command->add_option("TWEAK", options->tweak, kTweakHelp)->required()->check(notEmpty());
   command
       ->add_option(
           "-o,--output", options->output,

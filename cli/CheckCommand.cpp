@@ -48,7 +48,9 @@ void addCheckCommand(CLI::App& app, Action& action) {
   auto* command = app.add_subcommand("check", "Say what is wrong with tweaks, and where");
   const auto tweaks = std::make_shared<std::vector<std::string>>();
   const auto transpiler = std::make_shared<std::string>();
-  command->add_option("TWEAK", *tweaks, "The tweaks' folders")->required()->check(notEmpty());
+  command->add_option("TWEAK", *tweaks, "The tweaks: their identifiers, names or paths")
+      ->required()
+      ->check(notEmpty());
   addTranspilerOption(*command, *transpiler);
   command->callback([tweaks, transpiler, &action] {
     action = [tweaks, transpiler] {

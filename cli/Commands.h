@@ -17,6 +17,13 @@ using Action = std::function<int()>;
 void addSourceCommand(CLI::App& app, Action& action);
 void addBuildCommand(CLI::App& app, Action& action);
 void addCheckCommand(CLI::App& app, Action& action);
+void addListCommand(CLI::App& app, Action& action);
+void addShowCommand(CLI::App& app, Action& action);
+void addNewCommand(CLI::App& app, Action& action);
+void addScriptCommand(CLI::App& app, Action& action);
+void addDeleteCommand(CLI::App& app, Action& action);
+void addInstallCommand(CLI::App& app, Action& action);
+void addUninstallCommand(CLI::App& app, Action& action);
 void addAppsCommand(CLI::App& app, Action& action);
 void addInfoCommand(CLI::App& app, Action& action);
 void addIconCommand(CLI::App& app, Action& action);
@@ -27,5 +34,8 @@ void addRespringCommand(CLI::App& app, Action& action);
 void addHookCommand(CLI::App& app, Action& action);
 void addParamCommand(CLI::App& app, Action& action);
 void addOverrideCommand(CLI::App& app, Action& action);
+
+/// Adds `set` and `clear`, which are about the icon of a tweak, to the subcommand `icon`.
+void addTweakIconCommands(CLI::App& group, Action& action);
 
 }  // namespace tavlen::cli

@@ -40,21 +40,34 @@ std::string iconFile(const Options& options) {
 }  // namespace
 
 void addIconCommand(CLI::App& app, Action& action) {
-  auto* command = app.add_subcommand("icon", "Write an app's icon as a PNG file");
+  auto* command = app.add_subcommand(
+      "icon", "Write an app's icon as a PNG file; set or clear the icon of a tweak");
   const auto options = std::make_shared<Options>();
-  command->add_option("APP", options->app, kAppHelp)->required()->check(notEmpty());
-  command
-      ->add_option("-o,--output", options->output, "The file to write, - for the standard output")
-      ->required()
-      ->check(notEmpty())
-      ->type_name("FILE");
+  // Both are required, but not where a subcommand follows.
+  auto* name = command->add_option("APP", options->app, kAppHelp)->check(notEmpty());
+  auto* output = command
+                     ->add_option("-o,--output", options->output,
+                                  "The file to write, - for the standard output")
+                     ->check(notEmpty())
+                     ->type_name("FILE");
   command
       ->add_option("--name", options->name, "The icon's name as in Info.plist; the largest without")
       ->check(notEmpty())
       ->type_name("NAME");
   command->add_option("--size", options->size, "How many points the longer side gets")
       ->type_name("POINTS");
-  command->callback([options, &action] {
+  addTweakIconCommands(*command, action);
+  command->callback([command, name, output, options, &action] {
+    if (!command->get_subcommands().empty()) {
+      // A word too many falls through to here.
+      if (*name || *output || options->name || options->size) {
+        throw CLI::ExtrasError({options->app + options->output + options->name.value_or("")});
+      }
+      return;
+    }
+    for (const CLI::Option* option : {name, output}) {
+      if (option->count() == 0) throw CLI::RequiredError(option->get_name());
+    }
     action = [options] {
       const std::string file = iconFile(*options);
       if (options->output == "-") {

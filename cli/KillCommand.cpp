@@ -15,11 +15,6 @@ namespace tavlen::cli {
 
 namespace {
 
-/// An identifier is taken as it stands: apps that no list shows can run, too.
-std::string bundleIDOf(const std::string& app) {
-  return isPath(app) ? readInfo(*appArgument(app)).bundleID : app;
-}
-
 int kill(const std::string& app) {
   const std::string bundleID = bundleIDOf(app);
   if (!SystemService::isAvailable()) {

@@ -5,6 +5,7 @@
 #include "cli/ArgumentChecks.h"
 #include "cli/Commands.h"
 #include "cli/Console.h"
+#include "cli/StoredItem.h"
 #include "cli/TweakArgument.h"
 #include "tavlen/tweaks/TweakProcessor.h"
 
@@ -13,7 +14,7 @@ namespace tavlen::cli {
 void addSourceCommand(CLI::App& app, Action& action) {
   auto* command = app.add_subcommand("source", "Print the text that the transpiler is given");
   const auto tweak = std::make_shared<std::string>();
-  command->add_option("TWEAK", *tweak, "The tweak's folder")->required()->check(notEmpty());
+  command->add_option("TWEAK", *tweak, kTweakHelp)->required()->check(notEmpty());
   command->callback([tweak, &action] {
     action = [tweak] {
       const OpenedTweak opened = openTweak(*tweak);

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "tavlen/collections/TweakDiffNotifications.h"
+#include "tavlen/foundation/CodingError.h"
 #include "tavlen/foundation/NotificationCenter.h"
 #include "tavlen/tweaks/TweakManager.h"
 #include "tavlen/tweaks/TweaksDirectory.h"
@@ -16,13 +17,6 @@ namespace tavlen::cli {
 namespace {
 
 namespace fs = std::filesystem;
-
-/// A tweak's folder may have any name where it is named by its path.
-std::shared_ptr<TweakProtocol> itemAt(const fs::path& path) {
-  std::error_code ignored;
-  if (fs::is_directory(path, ignored)) return TweakFile::at(path);
-  return TweakManager::tweakAt(path);
-}
 
 std::shared_ptr<TweakProtocol> itemNamed(const std::string& name) {
   std::vector<std::shared_ptr<TweakProtocol>> found;
@@ -34,13 +28,14 @@ std::shared_ptr<TweakProtocol> itemNamed(const std::string& name) {
     }
   }
   if (found.empty()) {
-    throw std::runtime_error("no tweak or collection of that identifier or name is stored");
+    throw std::runtime_error(name +
+                             ": no tweak or collection of that identifier or name is stored");
   }
   if (found.size() > 1) {
     std::string identifiers;
-    for (const auto& item : found) identifiers += "\n  " + item->id();
-    throw std::runtime_error("several items have that name; name one by its identifier:" +
-                             identifiers);
+    for (const auto& item : found) identifiers += " " + item->id();
+    throw std::runtime_error(
+        name + ": several items have that name; name one by its identifier:" + identifiers);
   }
   return found.front();
 }
@@ -51,27 +46,44 @@ bool isStored(const std::string& id) {
          fs::file_type::not_found;
 }
 
-std::shared_ptr<TweakProtocol> find(const std::string& text) {
+/// Opens what lies at `path`, which messages call `shown`.
+std::shared_ptr<TweakProtocol> itemAt(const std::string& path, const std::string& shown) {
   std::error_code ignored;
-  const bool isPath = text.find('/') != std::string::npos || fs::exists(text, ignored);
-  if (isPath) return itemAt(text);
-  return isStored(text) ? TweakManager::tweakWithID(text) : itemNamed(text);
+  const bool isFolder = fs::is_directory(path, ignored);
+  try {
+    // A tweak's folder may have any name where it is named by its path.
+    if (isFolder || !fs::exists(path, ignored)) return TweakFile::at(path);
+    return TweakManager::tweakAt(path);
+  } catch (const DecodingError& error) {
+    const std::string document =
+        isFolder ? (path.ends_with('/') ? path : path + "/") + "Manifest.json" : path;
+    throw std::runtime_error(document + ": " + error.description());
+  } catch (const LocalizedError& error) {
+    throw std::runtime_error(shown + ": " + error.description());
+  }
 }
 
 }  // namespace
 
+bool isItemPath(const std::string& text) {
+  std::error_code ignored;
+  return text.find('/') != std::string::npos || fs::exists(text, ignored);
+}
+
 std::shared_ptr<TweakProtocol> storedItem(const std::string& text) {
-  try {
-    return find(text);
-  } catch (const std::exception& error) {
-    throw std::runtime_error(text + ": " + error.what());
-  }
+  if (isItemPath(text)) return itemAt(text, text);
+  if (isStored(text)) return itemAt((TweaksDirectory::url() / text).string(), text);
+  return itemNamed(text);
 }
 
 std::shared_ptr<TweakFile> storedTweak(const std::string& text) {
   std::shared_ptr<TweakFile> tweak = std::dynamic_pointer_cast<TweakFile>(storedItem(text));
   if (!tweak) throw std::runtime_error(text + ": is a collection, not a tweak");
   return tweak;
+}
+
+std::string kindOf(const TweakProtocol& item) {
+  return dynamic_cast<const TweakFile*>(&item) != nullptr ? "tweak" : "collection";
 }
 
 void announce(TweakProtocol& item, GenericTweakDiffMode mode) {

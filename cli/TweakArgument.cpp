@@ -3,29 +3,23 @@
 #include <stdexcept>
 
 #include "cli/Console.h"
-#include "tavlen/foundation/CodingError.h"
+#include "cli/StoredItem.h"
 
 namespace tavlen::cli {
 
-namespace {
-
-std::string joined(const std::string& folder, const std::string& name) {
+std::string OpenedTweak::pathOf(const std::string& name) const {
   return folder.ends_with('/') ? folder + name : folder + "/" + name;
 }
-
-}  // namespace
-
-std::string OpenedTweak::pathOf(const std::string& name) const { return joined(argument, name); }
 
 OpenedTweak openTweak(const std::string& argument) {
   OpenedTweak tweak;
   tweak.argument = argument;
+  tweak.file = storedTweak(argument);
+  tweak.folder = isItemPath(argument) ? argument : tweak.file->url().string();
   try {
-    tweak.file = TweakFile::at(argument);
     tweak.manifest = tweak.file->manifest();
-  } catch (const TweakFile::Error& error) {
-    throw std::runtime_error(argument + ": " + error.description());
-  } catch (const DecodingError& error) {
+  } catch (const LocalizedError& error) {
+    // It was there a moment ago.
     throw std::runtime_error(tweak.pathOf("Manifest.json") + ": " + error.description());
   }
   try {

@@ -11,18 +11,19 @@ namespace tavlen::cli {
 /// A tweak that the user named, with errors that name its files.
 struct OpenedTweak {
   std::string argument;  ///< as the user wrote it
+  std::string folder;    ///< the path that the user gave, or of the stored tweak that was meant
   std::shared_ptr<TweakFile> file;
   TweakFile::Manifest manifest;
   /// The script; empty, after a warning on the standard error stream, where it cannot be read.
   std::string script;
   bool scriptIsUnreadable = false;
 
-  /// `argument`, a slash and `name`: how messages name a file of the tweak.
+  /// `folder`, a slash and `name`: how messages name a file of the tweak.
   std::string pathOf(const std::string& name) const;
 };
 
-/// Opens and reads the tweak at the path `argument`. Throws std::runtime_error whose text begins
-/// with the file at fault.
+/// Opens and reads the tweak that `argument` names, as storedTweak() finds it. Throws
+/// std::runtime_error whose text begins with the file at fault.
 OpenedTweak openTweak(const std::string& argument);
 
 }  // namespace tavlen::cli

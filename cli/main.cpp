@@ -33,7 +33,8 @@ int report(const CLI::App& app, const CLI::ParseError& error) {
 }
 
 int run(int argc, char** argv) {
-  CLI::App app("Builds and checks app tweaks, and looks at the apps of a device.", "tavlen");
+  CLI::App app("Makes, builds and installs app tweaks, and looks at the apps of a device.",
+               "tavlen");
   app.set_version_flag("--version", "tavlen " TAVLEN_VERSION);
   app.require_subcommand(1);
   // --root may stand behind the subcommand, too.
@@ -46,6 +47,13 @@ int run(int argc, char** argv) {
   tavlen::cli::addSourceCommand(app, action);
   tavlen::cli::addBuildCommand(app, action);
   tavlen::cli::addCheckCommand(app, action);
+  tavlen::cli::addListCommand(app, action);
+  tavlen::cli::addShowCommand(app, action);
+  tavlen::cli::addNewCommand(app, action);
+  tavlen::cli::addScriptCommand(app, action);
+  tavlen::cli::addDeleteCommand(app, action);
+  tavlen::cli::addInstallCommand(app, action);
+  tavlen::cli::addUninstallCommand(app, action);
   tavlen::cli::addAppsCommand(app, action);
   tavlen::cli::addInfoCommand(app, action);
   tavlen::cli::addIconCommand(app, action);

@@ -59,7 +59,7 @@ class TweakCollection : public TweakProtocol, public std::enable_shared_from_thi
   std::string_view archiveExtension() const override { return compressedExtension; }
   TweakDiff diffFor(GenericTweakDiffMode mode) override;
   void preparePayloadIn(const std::filesystem::path& directory) const override;
-  void package(const std::filesystem::path& directory, TweakProcessor& processor,
+  void package(const std::filesystem::path& directory, const std::filesystem::path& transpiler,
                TweakInfo& tweakInfo, bool copyExecutables) const override;
 
  private:

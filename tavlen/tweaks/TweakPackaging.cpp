@@ -1,12 +1,134 @@
-#include <stdexcept>
+#include "tavlen/tweaks/TweakPackaging.h"
 
-#include "tavlen/tweaks/TweakFile.h"
+#include <cerrno>
+#include <string_view>
+#include <system_error>
+
+#include "tavlen/bundles/IPA.h"
+#include "tavlen/bundles/InfoOverrides.h"
+#include "tavlen/bundles/InfoPlist.h"
+#include "tavlen/device/InstalledTweaks.h"
+#include "tavlen/foundation/FileReplacement.h"
+#include "tavlen/foundation/FileTree.h"
+#include "tavlen/foundation/PropertyListEncoder.h"
+#include "tavlen/foundation/UUID.h"
+#include "tavlen/tweaks/Manifest.h"
+#include "tavlen/tweaks/TweakError.h"
+#include "tavlen/tweaks/TweakProcessor.h"
 
 namespace tavlen {
 
-void TweakFile::package(const std::filesystem::path& /*directory*/, TweakProcessor& /*processor*/,
-                        TweakInfo& /*tweakInfo*/, bool /*copyExecutables*/) const {
-  throw std::logic_error("not there yet");
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::string_view kExtension = ".bundle";
+constexpr const char* kCodeFile = "code.js";
+constexpr const char* kMapFile = "code.js.map";
+constexpr const char* kResourcesFolder = "Resources";
+constexpr const char* kExecutablesFolder = "Executables";
+constexpr const char* kIconFile = "Icon.png";
+
+/// A fresh folder, which goes again unless it is kept.
+class Bundle {
+ public:
+  explicit Bundle(const fs::path& directory) : url_(directory / newUUIDText().append(kExtension)) {
+    fs::create_directory(url_);
+  }
+  Bundle(const Bundle&) = delete;
+  Bundle& operator=(const Bundle&) = delete;
+  ~Bundle() {
+    std::error_code ignored;
+    if (!isKept_) fs::remove_all(url_, ignored);
+  }
+
+  const fs::path& url() const { return url_; }
+  void keep() { isKept_ = true; }
+
+ private:
+  fs::path url_;
+  bool isKept_ = false;
+};
+
+/// Checks what was copied rather than what is to be: nobody changes it any more. Errors name the
+/// entry in `source`.
+void settle(const fs::path& copy, const fs::path& source) {
+  constexpr fs::perms kLentRights = fs::perms::set_uid | fs::perms::set_gid;
+  const fs::file_status status = fs::symlink_status(copy);
+  if (fs::is_symlink(status)) {
+    throw std::system_error(EINVAL, std::generic_category(),
+                            source.string() + ": a symbolic link is not packaged");
+  }
+  if ((status.permissions() & kLentRights) != fs::perms::none) {
+    fs::permissions(copy, kLentRights, fs::perm_options::remove);
+  }
+  if (!fs::is_directory(status)) return;
+  for (const fs::directory_entry& entry : fs::directory_iterator(copy)) {
+    settle(entry.path(), source / entry.path().filename());
+  }
+}
+
+void copySettled(const fs::path& source, const fs::path& destination) {
+  copyItem(source, destination, isTemporaryName);
+  settle(destination, source);
+}
+
+/// A folder that the tweak does not have, as one that no version control kept, is made empty.
+void copyFolder(const TweakFile& tweak, const fs::path& bundle, const char* name) {
+  const fs::path source = tweak.url() / name;
+  std::error_code ignored;
+  const fs::file_type type = fs::symlink_status(source, ignored).type();
+  if (type == fs::file_type::not_found) {
+    fs::create_directory(bundle / name);
+  } else if (type == fs::file_type::regular) {
+    throw std::system_error(ENOTDIR, std::generic_category(), source.string());
+  } else {
+    copySettled(source, bundle / name);
+  }
+}
+
+std::string infoPlist(Info info, const TweakFile::Manifest& manifest) {
+  for (const Override& override_ : manifest.overrides()) applyTo(info, override_);
+  return encodePropertyList(info);
+}
+
+}  // namespace
+
+void checkTarget(const TweakInfo& tweakInfo, const std::string& bundleID) {
+  if (tweakInfo.bundleID == bundleID) return;
+  throw TweakError::bundleIDMismatch(tweakInfo.bundleID.value_or(std::string()), bundleID);
+}
+
+void packageTweak(const TweakFile& tweak, const fs::path& directory, const fs::path& transpiler,
+                  TweakInfo& tweakInfo, bool copyExecutables) {
+  const TweakFile::Manifest manifest = tweak.manifest();
+  checkTarget(tweakInfo, manifest.configuration.bundleID);
+  const std::string info = infoPlist(tweak.associatedIPA()->infoManager().info(), manifest);
+  // Each tweak gets a transpiler that nothing happened to.
+  const TweakProcessor::Output output = TweakProcessor(transpiler).process(tweak);
+
+  Bundle bundle(directory);
+  replaceFile(bundle.url() / kCodeFile, output.code);
+  replaceFile(bundle.url() / kMapFile, output.map);
+  replaceFile(bundle.url() / kInfoPlistFilename, info);
+  copyFolder(tweak, bundle.url(), kResourcesFolder);
+  if (copyExecutables) copyFolder(tweak, bundle.url(), kExecutablesFolder);
+  const bool hasIcon = tweak.customIcon().has_value();
+  if (hasIcon) copySettled(tweak.url() / kIconFile, bundle.url() / kIconFile);
+
+  TweakInfo next = tweakInfo;
+  for (const Override& override_ : manifest.overrides()) applyTo(next, override_);
+  if (hasIcon) {
+    next.customIconURL = URL::fileURL(fs::path(InstalledTweaks::directory(*tweakInfo.bundleID)) /
+                                      bundle.url().filename() / kIconFile);
+  }
+  tweakInfo = std::move(next);
+  bundle.keep();
+}
+
+void TweakFile::package(const fs::path& directory, const fs::path& transpiler, TweakInfo& tweakInfo,
+                        bool copyExecutables) const {
+  packageTweak(*this, directory, transpiler, tweakInfo, copyExecutables);
 }
 
 }  // namespace tavlen

@@ -12,7 +12,6 @@
 namespace tavlen {
 
 class IPA;
-class TweakProcessor;
 struct TweakInfo;
 
 /// A handle on one stored item: a tweak or a collection of tweaks.
@@ -41,11 +40,13 @@ class TweakProtocol {
   /// Lays the item out in the folder `directory`, as archives hold it. Throws std::system_error.
   virtual void preparePayloadIn(const std::filesystem::path& directory) const = 0;
   /// Builds what the loader takes: a fresh folder "<UUID>.bundle" in the existing folder
-  /// `directory`, one a tweak. `tweakInfo` gets the URL that the icon will have once installed for
-  /// the app `tweakInfo.bundleID`. Throws TweakError::bundleIDMismatch for a tweak of another app,
-  /// what TweakProcessor::process() and InfoManager::info() throw, and std::system_error.
-  virtual void package(const std::filesystem::path& directory, TweakProcessor& processor,
-                       TweakInfo& tweakInfo, bool copyExecutables) const = 0;
+  /// `directory`, one a tweak, by the "ob.js" in the folder `transpiler`. `tweakInfo` gets the URL
+  /// that the icon will have once installed for the app `tweakInfo.bundleID`. Throws
+  /// TweakError::bundleIDMismatch for a tweak of another app, what associatedIPA(),
+  /// InfoManager::info() and TweakProcessor throw, and std::system_error.
+  virtual void package(const std::filesystem::path& directory,
+                       const std::filesystem::path& transpiler, TweakInfo& tweakInfo,
+                       bool copyExecutables) const = 0;
 
   /// Whether the name contains `query`, as localizedCaseInsensitiveContains() tells; false where
   /// the manifest cannot be read.

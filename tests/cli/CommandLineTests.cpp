@@ -110,7 +110,8 @@ TEST_F(CommandTest, ABadTweakIsNamedInOneLineAndNothingIsWritten) {
   writeTweak("fine\x1b[31m\xC2\x9B", "null,1");
   const std::string kInvalid = "The given data was not valid JSON: ";
   const std::pair<std::string, std::string> cases[] = {
-      {"nowhere", "nowhere: Not found"},
+      {"nowhere", "nowhere: no tweak or collection of that identifier or name is stored"},
+      {"./nowhere", "./nowhere: Not found"},
       {"file", "file: Not found"},
       {"empty", "empty: Missing Manifest.json"},
       {"folder", "folder/Manifest.json: Is a directory"},
@@ -242,7 +243,8 @@ TEST_F(CommandTest, CheckWarnsOfWhatIsQuestionable) {
                 "hooks[2].signature: \"zz\" is no method's type encoding\n"
                 "tavlen: error: broken/Manifest.json: hooks[0]: expected a dictionary, found a "
                 "number\n"
-                "tavlen: error: nowhere: Not found\n");
+                "tavlen: error: nowhere: no tweak or collection of that identifier or name is "
+                "stored\n");
   EXPECT_EQ(run({"check", "T"}).status, 0) << "warnings are no failure";
 }
 

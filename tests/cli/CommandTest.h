@@ -25,6 +25,9 @@ class CommandTest : public testing::Test {
 
   /// Further variables, "NAME=value", of what is run from now on.
   void setEnvironment(std::vector<std::string> variables) { environment_ = std::move(variables); }
+  /// The file, in folder() unless it is absolute, that the standard input of what is run from now
+  /// on comes from.
+  void setInput(std::string file) { input_ = std::move(file); }
 
   const std::filesystem::path& folder() const { return folder_.path(); }
   void write(const std::string& name, std::string_view bytes) const { folder_.write(name, bytes); }
@@ -37,6 +40,7 @@ class CommandTest : public testing::Test {
   TemporaryFolder folder_;
   TemporaryFolder outputs_;
   std::vector<std::string> environment_;
+  std::string input_ = "/dev/null";
 };
 
 /// A hook of -[A selector] as JSON; `args` are the members of its table.

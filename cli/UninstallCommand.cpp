@@ -1,0 +1,50 @@
+#include <CLI/CLI.hpp>
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+#include "cli/ActiveTweak.h"
+#include "cli/AppArgument.h"
+#include "cli/ArgumentChecks.h"
+#include "cli/Commands.h"
+#include "cli/StoredItem.h"
+
+namespace tavlen::cli {
+
+namespace {
+
+int uninstallItem(const std::string& name) {
+  const std::shared_ptr<TweakProtocol> item = storedItem(name);
+  const std::shared_ptr<IPA> ipa = item->associatedIPA();
+  if (ipa->activeTweakID() != item->id()) throw std::runtime_error(name + ": is not installed");
+  setActiveTweak(*ipa, nullptr);
+  return 0;
+}
+
+int uninstallFrom(const std::string& app) {
+  const std::shared_ptr<IPA> ipa = appArgument(app);
+  if (!ipa->activeTweakID()) throw std::runtime_error(app + ": no tweak is installed");
+  setActiveTweak(*ipa, nullptr);
+  return 0;
+}
+
+}  // namespace
+
+void addUninstallCommand(CLI::App& app, Action& action) {
+  auto* command = app.add_subcommand("uninstall", "Take the active tweak of an app away");
+  const auto name = std::make_shared<std::string>();
+  const auto appName = std::make_shared<std::string>();
+  auto* which = command->add_option_group("WHICH", "What is uninstalled");
+  which->add_option("ITEM", *name, kItemHelp)->check(notEmpty());
+  which->add_option("--app", *appName, "Whatever is active for that app, even if it is not stored")
+      ->check(notEmpty())
+      ->type_name("APP");
+  which->require_option(1);
+  command->callback([name, appName, &action] {
+    action = [name, appName] {
+      return name->empty() ? uninstallFrom(*appName) : uninstallItem(*name);
+    };
+  });
+}
+
+}  // namespace tavlen::cli

@@ -1,0 +1,43 @@
+#include <gmock/gmock.h>
+
+#include "StoreTest.h"
+#include "tavlen/foundation/Image.h"
+
+namespace tavlen {
+namespace {
+
+namespace fs = std::filesystem;
+
+TEST_F(StoreTest, IconSetStoresThePictureAndClearTakesItAway) {
+  const std::string icon = stored(newTweak("T")) + "/Icon.png";
+  const Image picture(2, 1, {1, 2, 3, 255, 4, 5, 6, 7});
+  write("picture", picture.pngData());
+  write("text", "no picture");
+  EXPECT_EQ(run({"icon", "set", "T", "picture"}).err, "");
+  EXPECT_EQ(Image::decode(contents(icon)), picture);
+  setInput("text");
+  for (const char* file : {"text", "-", "gone", "."}) {
+    EXPECT_EQ(run({"icon", "set", "T", file}).status, 1) << file;
+  }
+  EXPECT_EQ(Image::decode(contents(icon)), picture) << "as it was";
+  EXPECT_EQ(run({"icon", "clear", "T"}).err, "");
+  EXPECT_FALSE(fs::exists(folder() / icon));
+  const std::vector<std::string> misused[] = {{},
+                                              {"set"},
+                                              {"set", "T"},
+                                              {"clear"},
+                                              {"clear", "T", "x"},
+                                              {"clear", "T", "-o", "x"},
+                                              {"clear", "T", "--size", "3"},
+                                              {"set", "T", "picture", "x"},
+                                              {"-o", "x"},
+                                              {"com.example.notes"}};
+  for (std::vector<std::string> words : misused) {
+    words.insert(words.begin(), "icon");
+    EXPECT_EQ(run(words).status, 2) << testing::PrintToString(words);
+  }
+  EXPECT_FALSE(fs::exists(folder() / icon));
+}
+
+}  // namespace
+}  // namespace tavlen

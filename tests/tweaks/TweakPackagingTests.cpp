@@ -1,0 +1,134 @@
+#include "tavlen/tweaks/TweakPackaging.h"
+
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+
+#include <functional>
+
+#include "PackagingTest.h"
+#include "tavlen/bundles/Info.h"
+#include "tavlen/foundation/PropertyListDecoder.h"
+#include "tavlen/tweaks/TweakError.h"
+
+namespace tavlen {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+using testing::EndsWith;
+
+class TweakPackagingTest : public PackagingTest {
+ protected:
+  /// Packages the stored tweak `id`; gives the folder's path.
+  fs::path package(const std::string& id, bool copyExecutables = false) {
+    TweakFile::at(path(store() + id))
+        ->package(directory(), transpiler(), tweakInfo_, copyExecutables);
+    return fs::directory_iterator(directory())->path();
+  }
+
+  TweakInfo tweakInfo_{"com.example.notes", "T"};
+};
+
+TEST_F(TweakPackagingTest, LaysOutWhatTheLoaderTakes) {
+  const std::string folder =
+      tweak("T", "script",
+            R"({"type":"Version","value":"9"},{"type":"Version","value":"9.1"},)"
+            R"({"type":"MinimumOSVersion"})");
+  tree().write(folder + "Resources/a/b.txt", "text");
+  tree().write(folder + "Executables/tool", "run");
+  fs::permissions(path(folder + "Executables/tool"), fs::perms(06755));
+  tree().write(folder + "Icon.png", icon(7));
+
+  const fs::path bundle = package("T", true);
+  const std::string uuid = bundle.filename().stem();
+  EXPECT_EQ(bundle.extension(), ".bundle");
+  EXPECT_EQ(uuid.size(), 36U);
+  EXPECT_THAT(entries(bundle),
+              ElementsAre("Executables", "Executables/tool", "Icon.png", "Info.plist", "Resources",
+                          "Resources/a", "Resources/a/b.txt", "code.js", "code.js.map"));
+  EXPECT_EQ(readFile(bundle / "code.js"), "script1");
+  EXPECT_EQ(readFile(bundle / "code.js.map"), "map");
+  EXPECT_EQ(readFile(bundle / "Icon.png"), icon(7));
+  EXPECT_EQ(fs::status(bundle / "Executables/tool").permissions(), fs::perms(0755));
+  const Info info = decodePropertyList<Info>(readFile(bundle / "Info.plist"));
+  EXPECT_EQ(info.version(), "9.1") << "in stored order";
+  EXPECT_EQ(info.minimumOSVersion, std::nullopt);
+  EXPECT_EQ(info.executable, "Notes");
+  EXPECT_EQ(tweakInfo_.customIconURL->absoluteString,
+            "file:///var/mobile/Library/Application%20Support/Marrowgleam/Installed%20Tweaks/"
+            "com.example.notes/" +
+                uuid + ".bundle/Icon.png");
+  EXPECT_EQ(tweakInfo_.tweakID, "T");
+}
+
+TEST_F(TweakPackagingTest, LeavesOutWhatTheTweakDoesNotHave) {
+  const std::string folder = tweak("T");
+  tree().write(folder + "Executables/tool", "run");
+  tree().write(folder + "Icon.png", "no picture");
+  EXPECT_THAT(entries(package("T")),
+              ElementsAre("Info.plist", "Resources", "code.js", "code.js.map"));
+  EXPECT_EQ(tweakInfo_.customIconURL, std::nullopt);
+}
+
+TEST_F(TweakPackagingTest, AFailureLeavesNothing) {
+  tree().write("secret", "secret");
+  const struct {
+    std::function<void(const std::string& folder)> spoil;
+    std::string error;  ///< a part of it
+  } rows[] = {
+      {[](const auto&) { tweak("T", "", "", "com.other"); },
+       "Bundle ID mismatch (expected 'com.example.notes' but found 'com.other')"},
+      {[](const auto&) { tweak("T", "bad"); }, "Error: bad\n\nCall stack:\ntranspile@"},
+      {[](const auto& folder) { fs::remove(path(folder + "Manifest.json")); },
+       "Missing Manifest.json"},
+      {[](const auto& folder) { fs::create_symlink("/secret", path(folder + "Resources")); },
+       "/T/Resources: a symbolic link is not packaged: Invalid argument"},
+      {[](const auto& folder) {
+         tree().write(folder + "Resources/a/b", "");
+         fs::create_symlink("b", path(folder + "Resources/a/link"));
+       },
+       "/T/Resources/a/link: a symbolic link is not packaged: Invalid argument"},
+      {[](const auto& folder) {
+         fs::create_directory(path(folder + "Executables"));
+         fs::create_symlink(path("secret"), path(folder + "Executables/link"));
+       },
+       "/T/Executables/link: a symbolic link is not packaged: Invalid argument"},
+      {[](const auto& folder) {
+         fs::create_directory(path(folder + "Resources"));
+         ::mkfifo(path(folder + "Resources/pipe").c_str(), 0600);
+       },
+       "/T/Resources/pipe: Invalid argument"},
+      {[](const auto& folder) { tree().write(folder + "Resources", ""); },
+       "/T/Resources: Not a directory"},
+      {[](const auto& folder) {
+         tree().write("Icon.png", icon(1));
+         fs::create_symlink(path("Icon.png"), path(folder + "Icon.png"));
+       },
+       "/T/Icon.png: a symbolic link is not packaged: Invalid argument"},
+  };
+  for (const auto& [spoil, error] : rows) {
+    fs::remove_all(path(store()));
+    const std::string folder = tweak("T");
+    const auto opened = TweakFile::at(path(folder));
+    spoil(folder);
+    const std::string message =
+        messageOf([&] { opened->package(directory(), transpiler(), tweakInfo_, true); });
+    EXPECT_THAT(message, testing::HasSubstr(error));
+    EXPECT_TRUE(fs::is_empty(directory())) << error;
+    EXPECT_EQ(tweakInfo_, TweakInfo("com.example.notes", "T")) << error;
+  }
+  // These stay spoilt, so they come last.
+  fs::remove_all(path(store()));
+  tweak("T");
+  const auto failure = [&] { return messageOf([&] { package("T"); }); };
+  fs::remove(transpiler() / "ob.js");
+  EXPECT_THAT(failure(), EndsWith("/ob.js: No such file or directory"));
+  fs::remove(path("Applications/Notes.app/Info.plist"));
+  EXPECT_THAT(failure(), EndsWith("/Info.plist: No such file or directory"));
+  tweak("T", "", "", "com.gone");
+  tweakInfo_.bundleID = "com.gone";
+  EXPECT_EQ(failure(), "IPA not found with bundle ID: com.gone");
+}
+
+}  // namespace
+}  // namespace tavlen

@@ -10,6 +10,8 @@
 #include <string>
 #include <system_error>
 
+#include "tavlen/foundation/DiskSync.h"
+
 namespace tavlen {
 
 namespace {
@@ -47,15 +49,6 @@ void sweepLeftOvers(const std::filesystem::path& folder) {
   }
 }
 
-/// Brings the new name to the disk. A file system that cannot is no reason to fail: the file is
-/// whole either way.
-void syncFolder(const std::filesystem::path& folder) {
-  const int descriptor = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-  if (descriptor < 0) return;
-  ::fsync(descriptor);
-  ::close(descriptor);
-}
-
 }  // namespace
 
 FileReplacement::FileReplacement(const std::filesystem::path& file, std::string_view contents)
@@ -91,7 +84,7 @@ void FileReplacement::create() {
                                 std::to_string(random()));
     // The plain mode, so that a new file gets its permissions as any other, by the process's mask.
     descriptor_ = ::open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-  } while (descriptor_ < 0 && errno == EEXIST);
+  } while (descriptor_ < 0 && (errno == EEXIST || errno == EINTR));
   if (descriptor_ < 0) fail(errno);
   temporary_ = name;
 }
@@ -106,13 +99,16 @@ void FileReplacement::write(std::string_view bytes) const {
   while (!bytes.empty()) {
     const ssize_t count = ::write(descriptor_, bytes.data(), bytes.size());
     if (count < 0 && errno == EINTR) continue;
-    if (count < 0) fail(errno);
+    // A write of nothing could be repeated for ever.
+    if (count <= 0) fail(count < 0 ? errno : EIO);
     bytes.remove_prefix(static_cast<std::size_t>(count));
   }
 }
 
 void FileReplacement::bringToDisk() {
-  if (::fsync(descriptor_) != 0) fail(errno);
+  while (::fsync(descriptor_) != 0) {
+    if (errno != EINTR) fail(errno);
+  }
   // Some file systems report a failed write only here.
   const int closed = ::close(descriptor_);
   descriptor_ = -1;

@@ -8,11 +8,15 @@
 #include <limits>
 #include <system_error>
 
+#include "tavlen/foundation/Interruption.h"
+
 namespace tavlen {
 
 RandomAccessFile::RandomAccessFile(const std::filesystem::path& path)
     // Without O_NONBLOCK a pipe that nobody writes to would never be opened.
-    : path_(path), descriptor_(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY)) {
+    : path_(path), descriptor_(uninterrupted([&] {
+        return ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
+      })) {
   if (descriptor_ < 0) fail(errno);
   struct stat status {};
   int code = ::fstat(descriptor_, &status) == 0 ? 0 : errno;

@@ -24,5 +24,9 @@ void addExecutablesCommand(CLI::App& app, Action& action);
 void addCrashLogsCommand(CLI::App& app, Action& action);
 void addKillCommand(CLI::App& app, Action& action);
 void addRespringCommand(CLI::App& app, Action& action);
+void addExportCommand(CLI::App& app, Action& action);
+void addImportCommand(CLI::App& app, Action& action);
+void addCollectionCommand(CLI::App& app, Action& action);
+void addWatchCommand(CLI::App& app, Action& action);
 
 }  // namespace tavlen::cli

@@ -53,6 +53,10 @@ int run(int argc, char** argv) {
   tavlen::cli::addCrashLogsCommand(app, action);
   tavlen::cli::addKillCommand(app, action);
   tavlen::cli::addRespringCommand(app, action);
+  tavlen::cli::addExportCommand(app, action);
+  tavlen::cli::addImportCommand(app, action);
+  tavlen::cli::addCollectionCommand(app, action);
+  tavlen::cli::addWatchCommand(app, action);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

@@ -8,10 +8,13 @@
 #include <algorithm>
 #include <csignal>
 #include <exception>
+#include <iterator>
 #include <new>
+#include <set>
 #include <system_error>
 
 #include "CallOrder.h"
+#include "tavlen/device/DevicePaths.h"
 
 namespace tavlen::faults {
 
@@ -41,6 +44,19 @@ constexpr std::uint32_t kMostCalls = 2000;
 constexpr unsigned kMostSeconds = 60;
 constexpr int kFailed = 1;
 constexpr int kMostReports = 5;
+
+bool containsAll(const Tree& tree, const Tree& part) {
+  return std::includes(tree.begin(), tree.end(), part.begin(), part.end());
+}
+
+/// What lies at `item`, by paths that begin there.
+Tree contentsOf(const Tree& tree, const std::string& item) {
+  Tree contents;
+  for (const auto& [path, bytes] : tree) {
+    if (path == item || path.starts_with(item + "/")) contents[path.substr(item.size())] = bytes;
+  }
+  return contents;
+}
 
 }  // namespace
 
@@ -153,7 +169,9 @@ std::string FaultLoop::fault(const Outcome& outcome, const Fault& fault) const {
   const bool isNew = outcome.tree == new_;
   const bool hasEnded = !outcome.isKilled && !outcome.hasFailed;
   if (hasEnded) {
-    return isNew ? "" : "success is reported, but\n" + difference(new_, outcome.tree);
+    const bool isPart = operation_.leavesOut && containsAll(new_, outcome.tree) &&
+                        containsAll(outcome.tree, old_) && outcome.tree != old_;
+    return isNew || isPart ? "" : "success is reported, but\n" + difference(new_, outcome.tree);
   }
   if (outcome.hasFailed && outcome.hits == 0) return "it fails untouched: " + outcome.error;
   if (outcome.hasFailed && fault.error == EINTR && operation_.survivesInterrupts) {
@@ -165,36 +183,46 @@ std::string FaultLoop::fault(const Outcome& outcome, const Fault& fault) const {
 }
 
 bool FaultLoop::isLeftover(const Tree& tree) const {
-  if (operation_.leftover == Leftover::nothing) return false;
-  for (const auto& entry : old_) {
-    const auto found = tree.find(entry.first);
-    if (found == tree.end() || found->second != entry.second) return false;
+  switch (operation_.leftover) {
+    case Leftover::nothing:
+      return false;
+    case Leftover::halfMadeItem:
+      return containsAll(tree, old_) && containsAll(new_, tree);
+    case Leftover::noRecord:
+      return isWithoutRecord(tree);
+    case Leftover::movedMembers:
+      return containsAll(tree, old_) && hasWholeItems(tree);
   }
-  if (operation_.leftover == Leftover::halfMadeItem) {
-    return std::all_of(tree.begin(), tree.end(), [&](const auto& entry) {
-      const auto whole = new_.find(entry.first);
-      return whole != new_.end() && whole->second == entry.second;
-    });
-  }
+  return false;
+}
+
+/// Everything but what is installed is as it was.
+bool FaultLoop::isWithoutRecord(const Tree& tree) const {
+  const std::string installed(kInstalledTweaksDir);
+  const auto isElsewhere = [&](const auto& entry) { return !entry.first.starts_with(installed); };
+  Tree elsewhere;
+  Tree oldElsewhere;
+  std::copy_if(tree.begin(), tree.end(), std::inserter(elsewhere, elsewhere.end()), isElsewhere);
+  std::copy_if(old_.begin(), old_.end(), std::inserter(oldElsewhere, oldElsewhere.end()),
+               isElsewhere);
+  const bool hasRecord = std::any_of(tree.begin(), tree.end(), [](const auto& entry) {
+    return entry.first.ends_with(kTweakInfoFilename);
+  });
+  return !hasRecord && elsewhere == oldElsewhere;
+}
+
+bool FaultLoop::hasWholeItems(const Tree& tree) const {
   const std::string store = store_.store();
-  const auto contentsOf = [](const Tree& from, const std::string& item) {
-    Tree contents;
-    for (const auto& [path, bytes] : from) {
-      const bool isItem = path == item || path.starts_with(item + "/");
-      if (isItem) contents[path.substr(item.size())] = bytes;
-    }
-    return contents;
-  };
   const std::set<std::string> whole = newItems(new_, old_, store);
-  for (const std::string& item : newItems(tree, old_, store)) {
+  const std::set<std::string> items = newItems(tree, old_, store);
+  return std::all_of(items.begin(), items.end(), [&](const std::string& item) {
     const Tree contents = contentsOf(tree, item);
-    const bool isWhole = std::any_of(whole.begin(), whole.end(), [&](const std::string& other) {
-      return contentsOf(new_, other) == contents;
-    });
     // The collection comes first, as it lay in the archive: with the members' former identifiers.
-    if (!isWhole && contents != contentsOf(old_, store + "/" + kCollection)) return false;
-  }
-  return true;
+    return contents == contentsOf(old_, store + "/" + kCollection) ||
+           std::any_of(whole.begin(), whole.end(), [&](const std::string& other) {
+             return contentsOf(new_, other) == contents;
+           });
+  });
 }
 
 }  // namespace tavlen::faults

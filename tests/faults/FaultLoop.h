@@ -33,6 +33,8 @@ class FaultLoop {
   int runInChild(const Plan& plan) const;
   std::string fault(const Outcome& outcome, const Fault& fault) const;
   bool isLeftover(const Tree& tree) const;
+  bool isWithoutRecord(const Tree& tree) const;
+  bool hasWholeItems(const Tree& tree) const;
   Tree tree() const;
 
   const Operation& operation_;

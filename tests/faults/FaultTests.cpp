@@ -5,7 +5,6 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
-#include <iterator>
 #include <memory>
 #include <string>
 #include <system_error>
@@ -56,8 +55,10 @@ TEST(FaultInjectorTest, SeesAndFailsTheCallsOfOtherLibraries) {
 
 std::vector<Operation> allOperations() {
   std::vector<Operation> operations;
-  for (std::vector<Operation>& some : std::vector<std::vector<Operation>>{tweakOperations()}) {
-    std::move(some.begin(), some.end(), std::back_inserter(operations));
+  for (const auto& some :
+       {tweakOperations, hookOperations, collectionOperations, installOperations}) {
+    const std::vector<Operation> part = some();
+    operations.insert(operations.end(), part.begin(), part.end());
   }
   return operations;
 }

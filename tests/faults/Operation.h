@@ -12,6 +12,7 @@ namespace tavlen::faults {
 enum class Leftover {
   nothing,
   halfMadeItem,  ///< of a creation: each document in it is whole or missing
+  noRecord,      ///< of an installation: no tweak is installed, and folders that nothing names
   movedMembers,  ///< of a collection's import: whole tweaks, and the collection
 };
 
@@ -26,6 +27,8 @@ struct Operation {
   Leftover leftover = Leftover::nothing;
   /// Whether it has to work when system calls are interrupted. Other libraries need not try again.
   bool survivesInterrupts = true;
+  /// Whether what cannot be read is left out, as documented, and the operation succeeds.
+  bool leavesOut = false;
   /// Whether all that it saves is on the disk before it has its name. Only then is the order of the
   /// calls checked.
   bool syncs = true;
@@ -39,6 +42,9 @@ inline std::ostream& operator<<(std::ostream& out, const Operation& operation) {
 }
 
 /// All, one function a source. Who adds an operation that saves adds it there.
+std::vector<Operation> collectionOperations();
+std::vector<Operation> hookOperations();
+std::vector<Operation> installOperations();
 std::vector<Operation> tweakOperations();
 
 }  // namespace tavlen::faults

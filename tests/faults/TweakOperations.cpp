@@ -1,6 +1,10 @@
+#include <optional>
+#include <string>
+
 #include "Operation.h"
 #include "SampleStore.h"
 #include "tavlen/foundation/FileReplacement.h"
+#include "tavlen/foundation/Image.h"
 #include "tavlen/tweaks/Manifest.h"
 #include "tavlen/tweaks/TweakFile.h"
 #include "tavlen/tweaks/TweaksDirectory.h"
@@ -33,6 +37,17 @@ std::vector<Operation> tweakOperations() {
        .run = [] { TweakFile::create("New", TweakColor::darkRed, TweakGlyph::default_(), "a.b"); },
        .leftover = Leftover::halfMadeItem},
       {"Delete", [] { firstTweak()->remove(); }},
+      {"Script", [] { firstTweak()->writeScript("changed();\n"); }},
+      {"IconSet",
+       [] {
+         firstTweak()->writeCustomIcon(Image(1, 1, {255, 0, 0, 255}));
+       }},
+      {.name = "IconClear",
+       .run = [] { firstTweak()->writeCustomIcon(std::nullopt); },
+       .prepare =
+           [] {
+             firstTweak()->writeCustomIcon(Image(1, 1, {0, 0, 255, 255}));
+           }},
   };
 }
 

@@ -37,5 +37,9 @@ void addOverrideCommand(CLI::App& app, Action& action);
 
 /// Adds `set` and `clear`, which are about the icon of a tweak, to the subcommand `icon`.
 void addTweakIconCommands(CLI::App& group, Action& action);
+void addExportCommand(CLI::App& app, Action& action);
+void addImportCommand(CLI::App& app, Action& action);
+void addCollectionCommand(CLI::App& app, Action& action);
+void addWatchCommand(CLI::App& app, Action& action);
 
 }  // namespace tavlen::cli

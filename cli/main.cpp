@@ -64,6 +64,10 @@ int run(int argc, char** argv) {
   tavlen::cli::addHookCommand(app, action);
   tavlen::cli::addParamCommand(app, action);
   tavlen::cli::addOverrideCommand(app, action);
+  tavlen::cli::addExportCommand(app, action);
+  tavlen::cli::addImportCommand(app, action);
+  tavlen::cli::addCollectionCommand(app, action);
+  tavlen::cli::addWatchCommand(app, action);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

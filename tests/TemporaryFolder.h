@@ -12,8 +12,9 @@ namespace tavlen {
 /// A folder of a test's own, which is gone with the object.
 class TemporaryFolder {
  public:
-  TemporaryFolder() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "tavlen-XXXXXX").string();
+  explicit TemporaryFolder(
+      const std::filesystem::path& parent = std::filesystem::temp_directory_path()) {
+    std::string pattern = (parent / "tavlen-XXXXXX").string();
     if (::mkdtemp(pattern.data()) == nullptr) {
       throw std::system_error(errno, std::generic_category(), pattern);
     }

@@ -9,6 +9,7 @@
 #include <random>
 #include <system_error>
 
+#include "tavlen/foundation/DiskSync.h"
 #include "tavlen/foundation/TemporaryDirectory.h"
 
 namespace tavlen {
@@ -46,15 +47,6 @@ void sweepLeftOvers(const std::filesystem::path& folder) {
     const auto written = std::filesystem::last_write_time(entry->path(), ignored);
     if (!ignored && now - written > kLeftOverAge) std::filesystem::remove(entry->path(), ignored);
   }
-}
-
-/// Brings the new name to the disk. A file system that cannot is no reason to fail: the file is
-/// whole either way.
-void syncFolder(const std::filesystem::path& folder) {
-  const int descriptor = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-  if (descriptor < 0) return;
-  ::fsync(descriptor);
-  ::close(descriptor);
 }
 
 }  // namespace

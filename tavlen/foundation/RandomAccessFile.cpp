@@ -8,6 +8,8 @@
 #include <limits>
 #include <system_error>
 
+#include "tavlen/foundation/Interruption.h"
+
 namespace tavlen {
 
 namespace {
@@ -18,8 +20,9 @@ constexpr std::uint64_t kLargestOffset = std::numeric_limits<off_t>::max();
 
 RandomAccessFile::RandomAccessFile(const std::filesystem::path& path)
     // Without O_NONBLOCK a pipe that nobody writes to would never be opened.
-    : path_(path.native()),
-      descriptor_(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY)) {
+    : path_(path.native()), descriptor_(uninterrupted([&] {
+        return ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
+      })) {
   if (descriptor_ < 0) fail(errno);
   struct stat status {};
   int code = ::fstat(descriptor_, &status) == 0 ? 0 : errno;

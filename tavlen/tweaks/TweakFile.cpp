@@ -8,6 +8,7 @@
 #include "tavlen/bundles/IPA.h"
 #include "tavlen/collections/TweakDiffNotifications.h"
 #include "tavlen/collections/TweakPoster.h"
+#include "tavlen/foundation/DiskSync.h"
 #include "tavlen/foundation/FileReplacement.h"
 #include "tavlen/foundation/FileSystem.h"
 #include "tavlen/foundation/FileTree.h"
@@ -66,6 +67,7 @@ std::shared_ptr<TweakFile> TweakFile::create(std::string name, TweakColor color,
     Manifest manifest;
     manifest.configuration = {std::move(name), color, std::move(bundleID), std::move(glyph)};
     tweak->setManifest(manifest);
+    syncFolder(tweak->url().parent_path());
     tweak->validate();
   });
   return tweak;

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "tavlen/collections/TweakCollection.h"
+
+namespace tavlen::cli {
+
+/// What commands say of an argument that names a stored collection.
+inline constexpr const char* kCollectionHelp =
+    "The collection: its identifier, its name, or its path";
+
+/// As storedItem(), for a collection. Throws for a tweak, too.
+std::shared_ptr<TweakCollection> storedCollection(const std::string& text);
+
+/// The identifiers in the collection that name no tweak that can be opened.
+std::vector<std::string> missingMembers(const TweakCollection::Manifest& manifest);
+
+}  // namespace tavlen::cli

@@ -1,0 +1,22 @@
+#pragma once
+
+namespace tavlen::cli {
+
+/// Lets a command that works until it is told to end do so in order. While it lives, SIGINT and
+/// SIGTERM close the other side of descriptor(), and SIGPIPE is an error of the write.
+/// One at a time.
+class EndSignals {
+ public:
+  /// Throws std::system_error.
+  EndSignals();
+  EndSignals(const EndSignals&) = delete;
+  EndSignals& operator=(const EndSignals&) = delete;
+  ~EndSignals();
+
+  int descriptor() const { return descriptor_; }
+
+ private:
+  int descriptor_ = -1;
+};
+
+}  // namespace tavlen::cli

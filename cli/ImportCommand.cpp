@@ -1,0 +1,63 @@
+#include <CLI/CLI.hpp>
+#include <exception>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "cli/ArgumentChecks.h"
+#include "cli/Commands.h"
+#include "cli/Console.h"
+#include "cli/ProgressLine.h"
+#include "cli/StoredItem.h"
+#include "tavlen/collections/TweakCollection.h"
+#include "tavlen/collections/TweakCollectionManifest.h"
+#include "tavlen/tweaks/TweakManager.h"
+
+namespace tavlen::cli {
+
+namespace {
+
+void announceCreation(TweakProtocol& item) {
+  if (const auto* collection = dynamic_cast<const TweakCollection*>(&item)) {
+    for (const std::shared_ptr<TweakFile>& member : collection->manifest().tweaks()) {
+      announce(*member, GenericTweakDiffMode::create);
+    }
+  }
+  announce(item, GenericTweakDiffMode::create);
+}
+
+int import(const std::vector<std::string>& files) {
+  int status = 0;
+  for (const std::string& file : files) {
+    std::shared_ptr<TweakProtocol> item;
+    try {
+      const ProgressLine line("importing " + file);
+      item = TweakManager::decompressAt(file, line.progress());
+    } catch (const std::exception& error) {
+      const std::string text = error.what();
+      // The file system's errors may name it themselves.
+      printError(text.starts_with(file) ? text : file + ": " + text);
+      status = 1;
+      continue;
+    }
+    announceCreation(*item);
+    printData(item->id() + "\n");
+  }
+  return status;
+}
+
+}  // namespace
+
+void addImportCommand(CLI::App& app, Action& action) {
+  auto* command =
+      app.add_subcommand("import",
+                         "Take archives of tweaks and collections into the store and print the new "
+                         "identifiers");
+  const auto files = std::make_shared<std::vector<std::string>>();
+  command->add_option("FILE", *files, "An archive, as export writes it")
+      ->required()
+      ->check(notEmpty());
+  command->callback([files, &action] { action = [files] { return import(*files); }; });
+}
+
+}  // namespace tavlen::cli

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <thread>
+
+#include "tavlen/foundation/Progress.h"
+
+namespace tavlen::cli {
+
+/// While it lives, shows on the standard error stream how far a piece of work is, from a thread of
+/// its own. Nothing where that stream is no terminal, or where the work takes no time.
+class ProgressLine {
+ public:
+  /// `work` stands before the percentage, as in "exporting A".
+  explicit ProgressLine(std::string work);
+  ProgressLine(const ProgressLine&) = delete;
+  ProgressLine& operator=(const ProgressLine&) = delete;
+  ~ProgressLine();
+
+  /// What the work is to report to.
+  Progress* progress() const { return progress_.get(); }
+
+ private:
+  void show();
+
+  std::string work_;
+  std::shared_ptr<Progress> progress_ = Progress::discrete(0);
+  std::mutex lock_;
+  std::condition_variable end_;
+  bool hasEnded_ = false;  ///< guarded by lock_
+  std::thread thread_;
+};
+
+}  // namespace tavlen::cli

@@ -1,0 +1,80 @@
+#include "Operation.h"
+#include "SampleStore.h"
+#include "tavlen/collections/TweakCollection.h"
+#include "tavlen/collections/TweakCollectionManifest.h"
+#include "tavlen/device/DeviceRoot.h"
+#include "tavlen/foundation/FileTree.h"
+#include "tavlen/foundation/ZIPArchive.h"
+#include "tavlen/tweaks/TweakManager.h"
+
+namespace tavlen::faults {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+std::shared_ptr<TweakCollection> collection() {
+  return std::dynamic_pointer_cast<TweakCollection>(TweakManager::tweakWithID(kCollection));
+}
+
+/// Where archives lie, below the device's root.
+fs::path archiveOf(const std::string& id) {
+  const bool isCollection = TweakCollection::isValidID(id);
+  return DeviceRoot::shared().url() / (isCollection ? "archive.tvxc" : "archive.tvx");
+}
+
+void exportItem(const std::string& id) {
+  const fs::path archive = TweakManager::export_(*TweakManager::tweakWithID(id));
+  moveItem(archive, archiveOf(id));
+  fs::remove_all(archive.parent_path());
+}
+
+void importItem(const std::string& id) { TweakManager::decompressAt(archiveOf(id)); }
+
+/// What is in the archive.
+Tree unpacked(const fs::path& archive) {
+  const TemporaryFolder folder;
+  ZIPArchive::unzipItem(archive, folder.path() / "unpacked");
+  return readTree(folder.path() / "unpacked");
+}
+
+Operation exportOf(const char* name, const std::string& id) {
+  return {.name = name,
+          .run = [id] { exportItem(id); },
+          .survivesInterrupts = false,
+          .leavesOut = id == kCollection,
+          .readArchive = unpacked};
+}
+
+Operation importOf(const char* name, const std::string& id, Leftover leftover) {
+  return {.name = name,
+          .run = [id] { importItem(id); },
+          .prepare = [id] { exportItem(id); },
+          .leftover = leftover,
+          .survivesInterrupts = false};
+}
+
+}  // namespace
+
+std::vector<Operation> collectionOperations() {
+  return {
+      {.name = "CollectionCreate",
+       .run =
+           [] {
+             TweakCollection::create("New", TweakColor::darkRed, TweakGlyph::default_(), "a.b");
+           },
+       .leftover = Leftover::halfMadeItem},
+      {"CollectionMembers",
+       [] {
+         collection()->updateManifest(
+             [](TweakCollection::Manifest& manifest) { manifest._tweaks.pop_back(); });
+       }},
+      {"CollectionDelete", [] { collection()->remove(); }},
+      exportOf("TweakExport", kFirstTweak),
+      exportOf("CollectionExport", kCollection),
+      importOf("TweakImport", kFirstTweak, Leftover::nothing),
+      importOf("CollectionImport", kCollection, Leftover::movedMembers),
+  };
+}
+
+}  // namespace tavlen::faults

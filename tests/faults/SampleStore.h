@@ -1,0 +1,47 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+#include "TemporaryFolder.h"
+
+namespace tavlen::faults {
+
+/// The sample's items: two tweaks, and a collection of both.
+inline const std::string kFirstTweak = "11111111-1111-4111-8111-111111111111";
+inline const std::string kSecondTweak = "22222222-2222-4222-8222-222222222222";
+inline const std::string kCollection = "33333333-3333-4333-8333-333333333333.collection";
+
+/// A small store below a device root of its own, which it makes the shared one, and which comes
+/// back as it was prepared for every run.
+class SampleStore {
+ public:
+  /// `prepare` adds to it.
+  template <class Prepare>
+  explicit SampleStore(const Prepare& prepare) {
+    make();
+    if (prepare) prepare();
+    keep();
+  }
+
+  const std::filesystem::path& root() const { return root_; }
+  /// The tweaks directory, relative to root().
+  const std::string& store() const { return store_; }
+
+  /// Everything is as it was prepared again.
+  void reset() const;
+
+ private:
+  void make();
+  void keep() const;
+
+  /// In memory, where there is a file system for that: it is made anew some thousand times.
+  static std::filesystem::path parent();
+
+  TemporaryFolder folder_{parent()};
+  std::filesystem::path root_;
+  std::filesystem::path copy_;
+  std::string store_;
+};
+
+}  // namespace tavlen::faults

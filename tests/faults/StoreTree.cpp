@@ -1,0 +1,114 @@
+#include "StoreTree.h"
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+#include "tavlen/foundation/FileSystem.h"
+
+namespace tavlen::faults {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string modeOf(const fs::path& path) {
+  struct stat status {};
+  ::lstat(path.c_str(), &status);
+  return std::to_string(status.st_mode) + ":";
+}
+
+void add(const fs::path& path, const std::string& name, Tree& tree,
+         const ArchiveReader& readArchive) {
+  if (path.filename().native().starts_with('.')) return;
+  std::string& entry = tree[name];
+  entry = modeOf(path);
+  if (fs::is_symlink(path)) {
+    entry += fs::read_symlink(path).native();
+  } else if (fs::is_directory(path)) {
+    for (const fs::directory_entry& child : fs::directory_iterator(path)) {
+      add(child.path(), name + "/" + child.path().filename().native(), tree, readArchive);
+    }
+  } else if (path.extension().native().starts_with(".tvx") && readArchive) {
+    for (const auto& [inside, contents] : readArchive(path)) tree[name + inside] = contents;
+  } else {
+    entry += readFile(path);
+  }
+}
+
+void replaceAll(std::string& text, const std::string& from, const std::string& to) {
+  for (std::size_t at = text.find(from); at != text.npos; at = text.find(from, at + to.size())) {
+    text.replace(at, from.size(), to);
+  }
+}
+
+}  // namespace
+
+Tree readTree(const fs::path& folder, const ArchiveReader& readArchive) {
+  Tree tree;
+  for (const fs::directory_entry& child : fs::directory_iterator(folder)) {
+    add(child.path(), "/" + child.path().filename().native(), tree, readArchive);
+  }
+  return tree;
+}
+
+std::set<std::string> newItems(const Tree& tree, const Tree& old, const std::string& store) {
+  std::set<std::string> items;
+  for (auto entry = tree.lower_bound(store + "/"); entry != tree.end(); ++entry) {
+    if (!entry->first.starts_with(store + "/")) break;
+    const std::string item = entry->first.substr(0, entry->first.find('/', store.size() + 1));
+    if (!old.contains(item)) items.insert(item);
+  }
+  return items;
+}
+
+Tree withPlainIdentifiers(const Tree& tree, const Tree& old, const std::string& store) {
+  // Tweaks go by their manifests; a collection has one of its own, which holds identifiers.
+  std::vector<std::pair<std::string, std::string>> tweaks;
+  std::vector<std::pair<std::string, std::string>> names;
+  for (const std::string& item : newItems(tree, old, store)) {
+    const std::string id = item.substr(store.size() + 1);
+    if (id.find('.') != id.npos) {
+      names.emplace_back(id, "new.collection");
+      continue;
+    }
+    const auto manifest = tree.find(item + "/Manifest.json");
+    tweaks.emplace_back(manifest == tree.end() ? "" : manifest->second, id);
+  }
+  std::sort(tweaks.begin(), tweaks.end());
+  std::size_t number = 0;
+  for (const auto& [manifest, id] : tweaks) {
+    names.emplace_back(id, "new-" + std::to_string(++number));
+  }
+  Tree plain;
+  for (const auto& entry : tree) {
+    std::string path = entry.first;
+    std::string contents = entry.second;
+    for (const auto& [id, name] : names) {
+      replaceAll(path, id, name);
+      replaceAll(contents, id, name);
+    }
+    plain[path] = contents;
+  }
+  return plain;
+}
+
+std::string difference(const Tree& expected, const Tree& found) {
+  std::string text;
+  for (const auto& [path, contents] : expected) {
+    const auto other = found.find(path);
+    if (other == found.end()) {
+      text += "  gone: " + path + "\n";
+    } else if (other->second != contents) {
+      text += "  differs: " + path + ": " + other->second.substr(0, 200) + "\n";
+    }
+  }
+  for (const auto& [path, contents] : found) {
+    if (!expected.contains(path)) text += "  more: " + path + "\n";
+  }
+  return text;
+}
+
+}  // namespace tavlen::faults

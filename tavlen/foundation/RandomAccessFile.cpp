@@ -7,13 +7,14 @@
 #include <cerrno>
 #include <limits>
 #include <system_error>
+#include <utility>
 
 namespace tavlen {
 
-RandomAccessFile::RandomAccessFile(const std::filesystem::path& path)
+RandomAccessFile::RandomAccessFile(std::string path)
     // Without O_NONBLOCK a pipe that nobody writes to would never be opened.
-    : path_(path.native()),
-      descriptor_(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY)) {
+    : path_(std::move(path)),
+      descriptor_(::open(path_.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY)) {
   if (descriptor_ < 0) fail(errno);
   struct stat status {};
   int code = ::fstat(descriptor_, &status) == 0 ? 0 : errno;

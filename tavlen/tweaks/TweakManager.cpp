@@ -137,7 +137,8 @@ std::shared_ptr<TweakProtocol> TweakManager::decompressAt(const std::filesystem:
   if (kind == nullptr) throw Error::unknownTweakType();
   const TemporaryDirectory temporary(temporaryItemsParent());
   const fs::path unpacked = temporary.path() / newUUIDText();
-  ZIPArchive::unzipItem(url, unpacked, progress);
+  // What other programs put beside it, such as "__MACOSX", is no business of ours.
+  ZIPArchive::unzipItem(url, unpacked, progress, {}, kPayloadFolder);
   return kind->handlePayloadAt(unpacked / kPayloadFolder);
 }
 

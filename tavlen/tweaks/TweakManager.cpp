@@ -102,6 +102,7 @@ std::vector<std::shared_ptr<TweakProtocol>> TweakManager::allTweaks() {
   const fs::path folder = TweaksDirectory::url();
   const FolderPointer entries(::opendir(folder.c_str()));
   if (entries == nullptr) return tweaks;
+  // NOLINTNEXTLINE(concurrency-mt-unsafe): only where threads share a stream
   while (const dirent* const entry = ::readdir(entries.get())) {
     const std::string_view name(&entry->d_name[0]);
     const Kind* const kind = kindOfID(name);

@@ -43,16 +43,7 @@ constexpr std::array<ByteOrderMark, 4> kWideMarks = {{
     {{"\xFF\xFE", 2}, TextEncoding::utf16LittleEndian},
 }};
 
-}  // namespace
-
-std::string readFile(const std::filesystem::path& path) {
-  std::optional<std::string> bytes = readFileUpTo(path, kLargestFile);
-  if (!bytes) fail(EFBIG, path);
-  return std::move(*bytes);
-}
-
-std::optional<std::string> readFileUpTo(const std::filesystem::path& path, std::size_t most) {
-  const RandomAccessFile file(path);
+std::optional<std::string> contentsUpTo(const RandomAccessFile& file, std::size_t most) {
   if (file.size() > most) return std::nullopt;
   // The size is a hint: the file may grow or shrink while it is read. One more byte lets the read
   // see the end.
@@ -64,6 +55,20 @@ std::optional<std::string> readFileUpTo(const std::filesystem::path& path, std::
     if (next.size() < more) break;
   }
   return bytes;
+}
+
+}  // namespace
+
+std::string readFile(const std::filesystem::path& path) { return readFileNamed(path.string()); }
+
+std::string readFileNamed(const std::string& path) {
+  std::optional<std::string> bytes = contentsUpTo(RandomAccessFile(path), kLargestFile);
+  if (!bytes) fail(EFBIG, path);
+  return std::move(*bytes);
+}
+
+std::optional<std::string> readFileUpTo(const std::filesystem::path& path, std::size_t most) {
+  return contentsUpTo(RandomAccessFile(path), most);
 }
 
 std::string readText(const std::filesystem::path& path) {

@@ -17,6 +17,10 @@ namespace tavlen {
 /// the open.
 std::string readFile(const std::filesystem::path& path);
 
+/// The same for a path's text. A path object costs an allocation a component, which the readers of
+/// thousands of files notice.
+std::string readFileNamed(const std::string& path);
+
 /// As readFile(), but nothing for a file of more than `most` bytes; no more than those are read.
 std::optional<std::string> readFileUpTo(const std::filesystem::path& path, std::size_t most);
 

@@ -102,9 +102,10 @@ class TreeCopy {
 
   void copy(const fs::path& source, const fs::path& destination) {
     copyEntry(source, destination);
-    for (std::size_t next = 0; next < folders_.size(); ++next) {
+    std::size_t next = 0;
+    while (next < folders_.size()) {
       // A copy: the list grows meanwhile.
-      const Folder folder = folders_[next];
+      const Folder folder = folders_[next++];
       copyContents(folder);
     }
     // Last and from below, as a folder may forbid to write into it.
@@ -229,8 +230,9 @@ void openFolders(const fs::path& item) {
     }
   };
   add(item);
-  for (std::size_t next = 0; next < folders.size(); ++next) {
-    const fs::path folder = folders[next];
+  std::size_t next = 0;
+  while (next < folders.size()) {
+    const fs::path folder = folders[next++];
     fs::permissions(folder, fs::perms::owner_all, fs::perm_options::add, ignored);
     std::error_code error;
     fs::directory_iterator entry(folder, error);

@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <limits>
 #include <system_error>
+#include <utility>
 
 #include "tavlen/foundation/Interruption.h"
 
@@ -18,10 +19,10 @@ constexpr std::uint64_t kLargestOffset = std::numeric_limits<off_t>::max();
 
 }  // namespace
 
-RandomAccessFile::RandomAccessFile(const std::filesystem::path& path)
+RandomAccessFile::RandomAccessFile(std::string path)
     // Without O_NONBLOCK a pipe that nobody writes to would never be opened.
-    : path_(path.native()), descriptor_(uninterrupted([&] {
-        return ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
+    : path_(std::move(path)), descriptor_(uninterrupted([this] {
+        return ::open(path_.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
       })) {
   if (descriptor_ < 0) fail(errno);
   struct stat status {};

@@ -15,7 +15,9 @@ class RandomAccessFile {
  public:
   /// A symbolic link is followed; a folder (EISDIR) and anything else that is no regular file
   /// (EINVAL) are refused, and a pipe never blocks.
-  explicit RandomAccessFile(const std::filesystem::path& path);
+  explicit RandomAccessFile(const std::filesystem::path& path) : RandomAccessFile(path.string()) {}
+  /// The same for a path's text.
+  explicit RandomAccessFile(std::string path);
   RandomAccessFile(const RandomAccessFile&) = delete;
   RandomAccessFile& operator=(const RandomAccessFile&) = delete;
   ~RandomAccessFile();
@@ -30,7 +32,7 @@ class RandomAccessFile {
  private:
   [[noreturn]] void fail(int code) const;
 
-  std::string path_;  ///< for errors; a path would be copied by its components
+  std::string path_;
   int descriptor_;
   std::uint64_t size_ = 0;
 };

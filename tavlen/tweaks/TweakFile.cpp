@@ -109,7 +109,7 @@ void TweakFile::validate() const {
 TweakFile::Manifest TweakFile::manifest() const {
   std::string bytes;
   try {
-    bytes = readFile(url() / kManifestFile);
+    bytes = readFileNamed(url().native() + "/" + kManifestFile);
   } catch (const std::system_error& error) {
     const bool isMissing = error.code() == std::errc::no_such_file_or_directory ||
                            error.code() == std::errc::not_a_directory;

@@ -102,6 +102,7 @@ std::vector<std::shared_ptr<TweakProtocol>> TweakManager::allTweaks() {
   const fs::path folder = TweaksDirectory::url();
   const FolderPointer entries(::opendir(folder.c_str()));
   if (entries == nullptr) return tweaks;
+  // NOLINTNEXTLINE(concurrency-mt-unsafe): only where threads share a stream
   while (const dirent* const entry = ::readdir(entries.get())) {
     const std::string_view name(&entry->d_name[0]);
     const Kind* const kind = kindOfID(name);
@@ -137,7 +138,8 @@ std::shared_ptr<TweakProtocol> TweakManager::decompressAt(const std::filesystem:
   if (kind == nullptr) throw Error::unknownTweakType();
   const TemporaryDirectory temporary(temporaryItemsParent());
   const fs::path unpacked = temporary.path() / newUUIDText();
-  ZIPArchive::unzipItem(url, unpacked, progress);
+  // What other programs put beside it, such as "__MACOSX", is no business of ours.
+  ZIPArchive::unzipItem(url, unpacked, progress, {}, kPayloadFolder);
   return kind->handlePayloadAt(unpacked / kPayloadFolder);
 }
 

@@ -286,7 +286,8 @@ TEST_F(TweakFileEditingTest, TheTargetAppLendsItsIconAndValues) {
       "<plist version=\"1.0\"><dict><key>CFBundleExecutable</key><string>x</string>"
       "<key>CFBundleIdentifier</key><string>a.b</string><key>CFBundleVersion</key>"
       "<string>1.7</string><key>CFBundleIconFiles</key><array><string>Icon</string></array>"
-      "<key>CFBundleDisplayName</key><string>Shown</string></dict></plist>");
+      "<key>UIDeviceFamily</key><integer>1</integer><key>CFBundleDisplayName</key><string>Shown</"
+      "string></dict></plist>");
   const Image green(1, 1, {0, 255, 0, 255});
   root_.write("Applications/App.app/Icon.png", green.pngData());
 

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <utility>
 
 #include "cli/Console.h"
 #include "tavlen/foundation/TerminalText.h"
@@ -19,7 +18,7 @@ constexpr const char* kNewLine = "\r\x1B[K";
 
 }  // namespace
 
-ProgressLine::ProgressLine(std::string work) : work_(oneLine(std::move(work))) {
+ProgressLine::ProgressLine(const std::string& work) : work_(oneLine(work)) {
   if (::isatty(STDERR_FILENO) == 1) thread_ = std::thread([this] { show(); });
 }
 

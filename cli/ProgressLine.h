@@ -15,7 +15,7 @@ namespace tavlen::cli {
 class ProgressLine {
  public:
   /// `work` stands before the percentage, as in "exporting A".
-  explicit ProgressLine(std::string work);
+  explicit ProgressLine(const std::string& work);
   ProgressLine(const ProgressLine&) = delete;
   ProgressLine& operator=(const ProgressLine&) = delete;
   ~ProgressLine();

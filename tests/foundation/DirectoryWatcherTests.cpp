@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <atomic>
 #include <chrono>
 #include <functional>
 #include <string>
@@ -27,17 +28,22 @@ class DirectoryWatcherTest : public testing::Test {
     watcher_.watch({folder_.path(), folder_.path() / "sub", folder_.path() / "nowhere"});
   }
 
-  /// Whether what `happens` wakes it.
-  bool wakes(const std::function<void()>& happens) {
+  /// Whether what `happens` wakes it within that time.
+  bool wakes(const std::function<void()>& happens, std::chrono::milliseconds atMost) {
     std::array<int, 2> pipe{};
     EXPECT_EQ(::pipe(pipe.data()), 0);
     happens();
     const std::array<int, 1> ends = {pipe[0]};
-    std::thread closing([end = pipe[1]] {
-      std::this_thread::sleep_for(std::chrono::milliseconds(300));
-      ::close(end);
+    std::atomic<bool> isAwake = false;
+    std::thread closing([&] {
+      const auto last = std::chrono::steady_clock::now() + atMost;
+      while (!isAwake && std::chrono::steady_clock::now() < last) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+      }
+      ::close(pipe[1]);
     });
     const Wake wake = watcher_.wait(ends);
+    isAwake = true;
     closing.join();
     ::close(pipe[0]);
     return wake == Wake::change;
@@ -63,7 +69,8 @@ TEST_F(DirectoryWatcherTest, WakesForWhatHappensInItsFolders) {
        }},
       {"a folder's end", [&] { fs::remove_all(folder / "sub"); }},
   };
-  for (const auto& [name, change] : changes) EXPECT_TRUE(wakes(change)) << name;
+  for (const auto& [name, change] : changes)
+    EXPECT_TRUE(wakes(change, std::chrono::seconds(15))) << name;
 }
 
 TEST_F(DirectoryWatcherTest, SleepsOverEverythingElse) {
@@ -79,7 +86,8 @@ TEST_F(DirectoryWatcherTest, SleepsOverEverythingElse) {
          folder_.write("sub/file", "new");
        }},
   };
-  for (const auto& [name, change] : changes) EXPECT_FALSE(wakes(change)) << name;
+  for (const auto& [name, change] : changes)
+    EXPECT_FALSE(wakes(change, std::chrono::milliseconds(200))) << name;
 }
 
 }  // namespace

@@ -122,9 +122,11 @@ void copyText(const std::string& text, std::array<char, 400>& place) {
 }
 
 void write(const Subject& subject, int error) {
-  const std::uint32_t index = state().log->count++;
+  Log* const log = state().log;
+  if (log == nullptr) return;
+  const std::uint32_t index = log->count++;
   if (index >= Log::kMostRecords) return;
-  Record& record = state().log->records.at(index);
+  Record& record = log->records.at(index);
   record.call = subject.call;
   record.error = error;
   copyText(subject.path, record.path);
@@ -388,18 +390,18 @@ INTERPOSE(int, fchmod, (int descriptor, mode_t mode)) {
 INTERPOSE_FTRUNCATE(ftruncate)
 INTERPOSE_FTRUNCATE(ftruncate64)
 
-#define INTERPOSE_READDIR(symbol, Entry)                                                    \
-  INTERPOSE(Entry*, symbol, (DIR * folder)) {                                               \
-    Subject subject = onDescriptor(Call::read, ::dirfd(folder));                            \
-    subject.isInterruptible = false;                                                        \
-    /* It reports its end as it reports an error, but leaves errno alone. */                \
-    const int before = errno;                                                               \
-    Entry* const entry = pass(subject, [=](std::size_t) { return next_##symbol(folder); }); \
-    if (errno == 0) errno = before;                                                         \
-    return entry;                                                                           \
+#define INTERPOSE_READDIR(symbol, Result)                                                  \
+  INTERPOSE(Result, symbol, (DIR * folder)) {                                              \
+    Subject subject = onDescriptor(Call::read, ::dirfd(folder));                           \
+    subject.isInterruptible = false;                                                       \
+    /* It reports its end as it reports an error, but leaves errno alone. */               \
+    const int before = errno;                                                              \
+    auto* const entry = pass(subject, [=](std::size_t) { return next_##symbol(folder); }); \
+    if (errno == 0) errno = before;                                                        \
+    return entry;                                                                          \
   }
-INTERPOSE_READDIR(readdir, struct dirent)
-INTERPOSE_READDIR(readdir64, struct dirent64)
+INTERPOSE_READDIR(readdir, struct dirent*)
+INTERPOSE_READDIR(readdir64, struct dirent64*)
 INTERPOSE(DIR*, opendir, (const char* path)) {
   Subject subject = onPath(Call::open, AT_FDCWD, path);
   subject.isInterruptible = false;

@@ -7,6 +7,7 @@
 #include "tavlen/collections/TweakCollectionManifest.h"
 #include "tavlen/collections/TweakDiffNotifications.h"
 #include "tavlen/collections/TweakPoster.h"
+#include "tavlen/foundation/DiskSync.h"
 #include "tavlen/foundation/FileReplacement.h"
 #include "tavlen/foundation/FileSystem.h"
 #include "tavlen/foundation/FileTree.h"
@@ -75,6 +76,7 @@ std::shared_ptr<TweakCollection> TweakCollection::handlePayloadAt(
   std::shared_ptr<TweakCollection> collection(new TweakCollection(uniqueTweakURL()));
   tweakPoster().performWithoutNotifications([&] {
     TweaksDirectory::create();
+    syncFile(payload.url());
     moveItem(payload.url(), collection->url());
     manifest._tweaks.clear();
     for (const fs::path& member : members) {

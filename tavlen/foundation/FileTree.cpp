@@ -13,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+#include "tavlen/foundation/DiskSync.h"
 #include "tavlen/foundation/TemporaryDirectory.h"
 
 namespace tavlen {
@@ -248,7 +249,7 @@ void copyItem(const fs::path& source, const fs::path& destination, const LeftOut
 
 void moveItem(const fs::path& source, const fs::path& destination) {
   const int code = renameExclusively(source, destination);
-  if (code == 0) return;
+  if (code == 0) return syncFolder(fs::absolute(destination).parent_path());
   if (code == EXDEV) {
     if (isTaken(destination)) fail(EEXIST, destination);
     moveAcrossVolumes(source, destination);

@@ -49,6 +49,16 @@ void post(TweakDiff diff) {
       [&] { postTweakDiffs(NotificationCenter::default_(), {std::move(diff)}); });
 }
 
+/// What the user wrote is on the disk before it has its place in the store. What a tweak carries
+/// beside it may be large, and can be imported again.
+void syncDocuments(const std::filesystem::path& folder) {
+  for (const char* name : {kManifestFile, kScriptFile, kIconFile}) {
+    std::error_code ignored;
+    if (std::filesystem::is_regular_file(folder / name, ignored)) syncFile(folder / name);
+  }
+  syncFolder(folder);
+}
+
 }  // namespace
 
 std::shared_ptr<TweakFile> TweakFile::at(std::filesystem::path url) {
@@ -80,6 +90,7 @@ std::shared_ptr<TweakFile> TweakFile::handlePayloadAt(const std::filesystem::pat
   std::error_code ignored;
   if (fs::is_symlink(payload->url(), ignored)) throw Error::notFound();
   payload->validate();
+  syncDocuments(payload->url());
   TweaksDirectory::create();
   std::shared_ptr<TweakFile> tweak(new TweakFile(uniqueTweakURL()));
   moveItem(payload->url(), tweak->url());

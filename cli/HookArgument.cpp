@@ -15,7 +15,9 @@ constexpr const char* kInstanceMethodBegin = "-[";
 
 /// The parser takes "-[Class selector]" for the option "-[" with its value behind it.
 std::string withPrefix(std::string& text) {
-  if (text.ends_with(']') && text.find('[') == std::string::npos)
+  // A method has a blank inside; a name that ends in "]" may have none.
+  if (text.ends_with(']') && text.find('[') == std::string::npos &&
+      text.find(' ') != std::string::npos)
     text = kInstanceMethodBegin + text;
   return "";
 }

@@ -11,6 +11,7 @@
 #include "cli/StoredItem.h"
 #include "tavlen/collections/TweakCollection.h"
 #include "tavlen/collections/TweakCollectionManifest.h"
+#include "tavlen/foundation/CodingError.h"
 #include "tavlen/tweaks/TweakManager.h"
 
 namespace tavlen::cli {
@@ -33,6 +34,10 @@ int import(const std::vector<std::string>& files) {
     try {
       const ProgressLine line("importing " + file);
       item = TweakManager::decompressAt(file, line.progress());
+    } catch (const DecodingError& error) {
+      printError(file + ": Manifest.json: " + error.description());
+      status = 1;
+      continue;
     } catch (const std::exception& error) {
       const std::string text = error.what();
       // The file system's errors may name it themselves.

@@ -13,7 +13,6 @@
 #include "cli/Console.h"
 #include "cli/StoredItem.h"
 #include "cli/TextTable.h"
-#include "tavlen/foundation/FileReplacement.h"
 #include "tavlen/foundation/JSONEncoder.h"
 #include "tavlen/foundation/TerminalText.h"
 #include "tavlen/foundation/TextComparison.h"
@@ -68,7 +67,8 @@ std::size_t entryCount() {
   std::filesystem::directory_iterator entry(store, error);
   if (error == std::errc::no_such_file_or_directory) return 0;
   for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
-    if (!isTemporaryName(entry->path().filename())) ++count;
+    // Hidden ones are no user's documents: temporary ones, and what the system leaves in folders.
+    if (!entry->path().filename().native().starts_with('.')) ++count;
   }
   if (error) throw std::system_error(error, store.string());
   return count;

@@ -1,7 +1,9 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <filesystem>
 #include <functional>
 #include <iterator>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -9,6 +11,7 @@
 #include <string>
 #include <type_traits>
 #include <utility>
+#include <variant>
 #include <vector>
 
 #include "cli/ArgumentChecks.h"
@@ -22,6 +25,8 @@
 #include "cli/TextTable.h"
 #include "cli/TypedValue.h"
 #include "tavlen/collections/TweakPoster.h"
+#include "tavlen/foundation/FileSystem.h"
+#include "tavlen/foundation/Image.h"
 #include "tavlen/foundation/JSONEncoder.h"
 #include "tavlen/foundation/TerminalText.h"
 #include "tavlen/parameters/ArrayParameterManager.h"
@@ -103,11 +108,34 @@ Action getAction(const Options& options) {
   };
 }
 
+/// Two files of one name would take the same place.
+void checkNames(const std::vector<TypedValue>& values) {
+  std::map<std::filesystem::path, std::string> files;
+  for (const TypedValue& value : values) {
+    if (value.file.empty()) continue;
+    const std::filesystem::path name = std::filesystem::path(value.file).filename();
+    const auto [other, isNew] = files.try_emplace(name, value.file);
+    if (!isNew && readFile(other->second) != readFile(value.file)) {
+      throw std::runtime_error(other->second + " and " + value.file + ": would both be stored as " +
+                               name.string());
+    }
+  }
+}
+
+void warnOfNoImage(const TypedValue& value) {
+  if (value.file.empty() || !std::holds_alternative<ImageParameter>(value.parameter)) return;
+  if (!Image::decode(readFile(value.file))) {
+    printWarning(value.file + ": is no PNG or JPEG image");
+  }
+}
+
 /// The files of `values` on their way into the tweak's resources.
 std::vector<ResourceImport> importsOf(const std::vector<TypedValue>& values, const TweakFile& tweak,
                                       bool replaces) {
+  checkNames(values);
   std::vector<ResourceImport> imports;
   for (const TypedValue& value : values) {
+    warnOfNoImage(value);
     if (!value.file.empty()) imports.emplace_back(tweak, value.file, replaces);
   }
   return imports;

@@ -1,5 +1,6 @@
 #include "cli/ProgressLine.h"
 
+#include <poll.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -18,12 +19,10 @@ constexpr const char* kNewLine = "\r\x1B[K";
 
 }  // namespace
 
-ProgressLine::ProgressLine(const std::string& work) : work_(oneLine(work)) {
-  if (::isatty(STDERR_FILENO) == 1) thread_ = std::thread([this] { show(); });
-}
+ProgressLine::ProgressLine(const std::string& work)
+    : work_(oneLine(work)), thread_([this] { show(); }) {}
 
 ProgressLine::~ProgressLine() {
-  if (!thread_.joinable()) return;
   {
     const std::lock_guard lock(lock_);
     hasEnded_ = true;
@@ -33,14 +32,20 @@ ProgressLine::~ProgressLine() {
 }
 
 void ProgressLine::show() {
-  bool isShown = false;
+  const bool isTerminal = ::isatty(STDERR_FILENO) == 1;
   std::unique_lock lock(lock_);
   while (!end_.wait_for(lock, kInterval, [this] { return hasEnded_; })) {
-    const double fraction = std::clamp(progress_->fractionCompleted(), 0.0, 1.0);
-    printMessage(kNewLine + work_ + ": " + std::to_string(static_cast<int>(fraction * 100)) + " %");
-    isShown = true;
+    pollfd end{signals_.descriptor(), 0, 0};
+    if (::poll(&end, 1, 0) > 0) progress_->cancel();
+    if (isTerminal) print();
   }
-  if (isShown) printMessage(kNewLine);
+  if (isShown_) printMessage(kNewLine);
+}
+
+void ProgressLine::print() {
+  const double fraction = std::clamp(progress_->fractionCompleted(), 0.0, 1.0);
+  printMessage(kNewLine + work_ + ": " + std::to_string(static_cast<int>(fraction * 100)) + " %");
+  isShown_ = true;
 }
 
 }  // namespace tavlen::cli

@@ -6,12 +6,14 @@
 #include <string>
 #include <thread>
 
+#include "cli/EndSignals.h"
 #include "tavlen/foundation/Progress.h"
 
 namespace tavlen::cli {
 
 /// While it lives, shows on the standard error stream how far a piece of work is, from a thread of
-/// its own. Nothing where that stream is no terminal, or where the work takes no time.
+/// its own. Nothing where that stream is no terminal, or where the work takes no time. SIGINT and
+/// SIGTERM cancel the work meanwhile, so that it takes away what it has begun.
 class ProgressLine {
  public:
   /// `work` stands before the percentage, as in "exporting A".
@@ -26,11 +28,15 @@ class ProgressLine {
  private:
   void show();
 
+  void print();
+
   std::string work_;
+  EndSignals signals_;
   std::shared_ptr<Progress> progress_ = Progress::discrete(0);
   std::mutex lock_;
   std::condition_variable end_;
   bool hasEnded_ = false;  ///< guarded by lock_
+  bool isShown_ = false;   ///< the thread's own
   std::thread thread_;
 };
 

@@ -9,6 +9,7 @@
 #include "cli/Console.h"
 #include "cli/EditedText.h"
 #include "cli/StoredItem.h"
+#include "tavlen/foundation/JSONEncoder.h"
 #include "tavlen/foundation/Unicode.h"
 
 namespace tavlen::cli {
@@ -17,8 +18,9 @@ namespace {
 
 std::string scriptOf(const TweakFile& tweak) { return tweak.readScript().value_or(std::string()); }
 
-int show(const std::string& name) {
-  printData(scriptOf(*storedTweak(name)));
+int show(const std::string& name, bool json) {
+  const std::string script = scriptOf(*storedTweak(name));
+  printData(json ? encodeJSON(script) + "\n" : script);
   return 0;
 }
 
@@ -78,9 +80,11 @@ void addScriptCommand(CLI::App& app, Action& action) {
     command->add_option("TWEAK", *tweak, kTweakHelp)->required()->check(notEmpty());
     return command;
   };
-  add("show", "Print the script")->callback([tweak, &action] {
-    action = [tweak] { return show(*tweak); };
-  });
+  auto* showing = add("show", "Print the script");
+  const auto json = std::make_shared<bool>(false);
+  showing->add_flag("--json", *json, "Print a JSON string");
+  showing->callback(
+      [tweak, json, &action] { action = [tweak, json] { return show(*tweak, *json); }; });
   auto* setting = add("set", "Store another script");
   setting->add_option("FILE", *file, "The script, in UTF-8; - for the standard input")
       ->required()

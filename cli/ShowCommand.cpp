@@ -28,19 +28,17 @@ namespace cli {
 
 namespace {
 
-/// An item as it is printed in JSON: what the command knows of it, and its whole document.
+/// What the command knows of an item, in JSON.
 struct Item {
   std::string id;
   std::string kind;
   std::string path;
   bool isInstalled;
-  TweakManifest manifest;
 
   static constexpr auto codedFields() {
     return std::tuple{requiredField("identifier", &Item::id), requiredField("kind", &Item::kind),
                       requiredField("path", &Item::path),
-                      requiredField("installed", &Item::isInstalled),
-                      requiredField("manifest", &Item::manifest)};
+                      requiredField("installed", &Item::isInstalled)};
   }
 };
 
@@ -118,9 +116,11 @@ int show(const std::string& name, bool json) {
   const TweakConfiguration configuration = manifest.genericConfiguration();
   const bool isInstalled = isActiveTweak(configuration.bundleID(), item->id());
   if (json) {
-    printData(encodeJSON(Item{wellFormedUTF8(item->id()), kindOf(*item),
-                              wellFormedUTF8(item->url().native()), isInstalled, manifest}) +
-              "\n");
+    std::string text = encodeJSON(Item{wellFormedUTF8(item->id()), kindOf(*item),
+                                       wellFormedUTF8(item->url().native()), isInstalled});
+    // The document is encoded by itself: it may be as deep as documents may be.
+    text.back() = ',';
+    printData(text + "\"manifest\":" + encodeJSON(manifest) + "}\n");
   } else {
     printData(table(*item, configuration, isInstalled));
   }

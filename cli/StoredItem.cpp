@@ -6,6 +6,7 @@
 #include <system_error>
 #include <vector>
 
+#include "tavlen/collections/TweakCollection.h"
 #include "tavlen/collections/TweakDiffNotifications.h"
 #include "tavlen/foundation/CodingError.h"
 #include "tavlen/foundation/NotificationCenter.h"
@@ -27,10 +28,7 @@ std::shared_ptr<TweakProtocol> itemNamed(const std::string& name) {
       continue;  // gone, or broken, since it was listed
     }
   }
-  if (found.empty()) {
-    throw std::runtime_error(name +
-                             ": no tweak or collection of that identifier or name is stored");
-  }
+  if (found.empty()) return nullptr;
   if (found.size() > 1) {
     std::string identifiers;
     for (const auto& item : found) identifiers += " " + item->id();
@@ -67,13 +65,18 @@ std::shared_ptr<TweakProtocol> itemAt(const std::string& path, const std::string
 
 bool isItemPath(const std::string& text) {
   std::error_code ignored;
-  return text.find('/') != std::string::npos || fs::exists(text, ignored);
+  return text.find('/') != std::string::npos || text == "." || text == ".." ||
+         fs::exists(fs::path(text) / "Manifest.json", ignored) ||
+         (TweakCollection::isValidID(text) && fs::is_regular_file(text, ignored));
 }
 
 std::shared_ptr<TweakProtocol> storedItem(const std::string& text) {
   if (isItemPath(text)) return itemAt(text, text);
   if (isStored(text)) return itemAt((TweaksDirectory::url() / text).string(), text);
-  return itemNamed(text);
+  if (std::shared_ptr<TweakProtocol> item = itemNamed(text)) return item;
+  std::error_code ignored;
+  if (fs::exists(text, ignored)) return itemAt(text, text);
+  throw std::runtime_error(text + ": no tweak or collection of that identifier or name is stored");
 }
 
 std::shared_ptr<TweakFile> storedTweak(const std::string& text) {

@@ -13,13 +13,14 @@ inline constexpr const char* kItemHelp =
 /// The same where it must be a tweak.
 inline constexpr const char* kTweakHelp = "The tweak: its identifier, its name, or its path";
 
-/// Whether a user names an item by a path: `text` holds a slash, or names a folder or a file here.
+/// Whether a user names an item by a path: `text` holds a slash, or names a tweak or a collection
+/// here.
 bool isItemPath(const std::string& text);
 
 /// The item that a user names: by a path, as isItemPath() tells, or else by its identifier in the
-/// store, or by its name, which must then be the only one. Throws std::runtime_error whose text
-/// begins with `text`, or with the path of the document at fault; std::system_error, which names
-/// its file, passes through.
+/// store, or by its name, which must then be the only one, or by what else lies here. Throws
+/// std::runtime_error whose text begins with `text`, or with the path of the document at fault;
+/// std::system_error, which names its file, passes through.
 std::shared_ptr<TweakProtocol> storedItem(const std::string& text);
 
 /// As storedItem(), for a tweak. Throws for a collection, too.

@@ -81,6 +81,8 @@ template <class Kind>
 std::optional<Parameter> fileFrom(const std::string& text) {
   const std::filesystem::path name = std::filesystem::path(text).filename();
   if (!isPlainComponent(name.native()) || isTemporaryName(name)) return std::nullopt;
+  // No archive may hold such a name, so the tweak could not be exported.
+  if (name.native().find('\\') != std::string::npos) return std::nullopt;
   return Kind{name.native()};
 }
 

@@ -46,7 +46,10 @@ class Installation {
   void replaceBy(const InstallableTweak* tweak) {
     std::optional<TemporaryDirectory> package;
     if (tweak != nullptr) {
-      package.emplace(root_.resolve(kInstalledTweaksDir).parent_path());
+      fs::path installedTweaks = root_.resolve(kInstalledTweaksDir);
+      // Beside what a link leads to, for the same volume; resolve() follows links but on a device.
+      if (root_.isDevice()) installedTweaks = fs::weakly_canonical(installedTweaks);
+      package.emplace(installedTweaks.parent_path());
       next_.tweakID = tweak->id();
       tweak->package(package->path(), next_);
     }

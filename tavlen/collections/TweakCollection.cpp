@@ -1,12 +1,15 @@
 #include "tavlen/collections/TweakCollection.h"
 
 #include <algorithm>
+#include <map>
+#include <string>
 #include <system_error>
 
 #include "tavlen/collections/TweakCollectionDiff.h"
 #include "tavlen/collections/TweakCollectionManifest.h"
 #include "tavlen/collections/TweakDiffNotifications.h"
 #include "tavlen/collections/TweakPoster.h"
+#include "tavlen/device/DeviceRoot.h"
 #include "tavlen/foundation/DiskSync.h"
 #include "tavlen/foundation/FileReplacement.h"
 #include "tavlen/foundation/FileSystem.h"
@@ -79,8 +82,11 @@ std::shared_ptr<TweakCollection> TweakCollection::handlePayloadAt(
     syncFile(payload.url());
     moveItem(payload.url(), collection->url());
     manifest._tweaks.clear();
+    std::map<fs::path, std::string> taken;  // a member may be named twice
     for (const fs::path& member : members) {
-      manifest._tweaks.push_back(TweakFile::handlePayloadAt(member)->id());
+      std::string& id = taken[member];
+      if (id.empty()) id = TweakFile::handlePayloadAt(member)->id();
+      manifest._tweaks.push_back(id);
     }
     collection->setManifest(manifest);
   });
@@ -111,7 +117,7 @@ TweakCollection::Manifest TweakCollection::manifest() const {
 TweakManifest TweakCollection::genericManifest() const { return TweakManifest(manifest()); }
 
 void TweakCollection::setManifest(const Manifest& manifest) {
-  replaceFile(url(), encodeJSON(manifest));
+  replaceFile(DeviceRoot::shared().follow(url()), encodeJSON(manifest));
   tweakPoster().performNotificationPostingOperation([&] {
     postTweakDiffs(NotificationCenter::default_(),
                    {std::make_shared<Diff>(shared_from_this(), Diff::Mode::updateManifest)});
@@ -135,7 +141,10 @@ void TweakCollection::preparePayloadIn(const std::filesystem::path& directory) c
   fs::create_directories(tweaks);
   // A file that is named by a link goes along, not the link.
   copyItem(fs::canonical(url()), directory / kManifestFile);
-  for (const std::shared_ptr<TweakFile>& tweak : manifest().tweaks()) {
+  // The members of the copy: another may edit the collection meanwhile.
+  const Manifest copied = TweakCollection(directory / kManifestFile).manifest();
+  for (const std::shared_ptr<TweakFile>& tweak : copied.tweaks()) {
+    if (fs::exists(tweaks / tweak->id())) continue;  // named twice
     tweak->preparePayloadIn(tweaks / tweak->id());
   }
 }

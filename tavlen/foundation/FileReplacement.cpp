@@ -90,6 +90,11 @@ void FileReplacement::create() {
 void FileReplacement::copyPermissions() const {
   struct stat status {};
   if (::stat(target_.c_str(), &status) != 0) return;  // there is no file yet
+  // First, as it clears bits of the mode. What another owns stays theirs where we may give it away.
+  const bool isOurs = status.st_uid == ::geteuid() && status.st_gid == ::getegid();
+  if (!isOurs && ::fchown(descriptor_, status.st_uid, status.st_gid) != 0 && errno != EPERM) {
+    fail(errno);
+  }
   if (::fchmod(descriptor_, status.st_mode & 07777) != 0) fail(errno);
 }
 

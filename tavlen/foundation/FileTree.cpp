@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "tavlen/foundation/DiskSync.h"
+#include "tavlen/foundation/Interruption.h"
 #include "tavlen/foundation/TemporaryDirectory.h"
 
 namespace tavlen {
@@ -35,14 +36,6 @@ void check(const std::error_code& error, const fs::path& path) {
 bool isTaken(const fs::path& path) {
   std::error_code error;
   return fs::symlink_status(path, error).type() != fs::file_type::not_found;
-}
-
-/// `call` again and again until no signal interrupts it.
-template <class Call>
-auto uninterrupted(const Call& call) {
-  auto result = call();
-  while (result < 0 && errno == EINTR) result = call();
-  return result;
 }
 
 class File {
@@ -101,6 +94,9 @@ class TreeCopy {
   TreeCopy(const LeftOut& isLeftOut, Durability durability)
       : isLeftOut_(isLeftOut), durability_(durability) {}
 
+  /// Whether anything was made at the destination.
+  bool hasBegun() const { return hasBegun_; }
+
   void copy(const fs::path& source, const fs::path& destination) {
     copyEntry(source, destination);
     std::size_t next = 0;
@@ -141,11 +137,13 @@ class TreeCopy {
     if (S_ISDIR(status.st_mode)) {
       // Nobody else looks in before it has the permissions of its original.
       if (::mkdir(destination.c_str(), S_IRWXU) != 0) fail(errno, destination);
+      hasBegun_ = true;
       folders_.push_back({source, destination, status.st_mode});
     } else if (S_ISLNK(status.st_mode)) {
       std::error_code error;
       fs::copy_symlink(source, destination, error);
       check(error, destination);
+      hasBegun_ = true;
     } else if (S_ISREG(status.st_mode)) {
       copyFile(source, destination);
     } else {
@@ -156,6 +154,7 @@ class TreeCopy {
   void copyFile(const fs::path& source, const fs::path& destination) {
     const File original(source, O_RDONLY);
     File copied(destination, O_WRONLY | O_CREAT | O_EXCL, S_IRUSR | S_IWUSR);
+    hasBegun_ = true;
     while (const std::size_t count = original.read(buffer_)) copied.write({buffer_.data(), count});
     copied.setMode(original.status().st_mode);
     if (durability_ == Durability::onTheDisk) copied.sync();
@@ -164,6 +163,7 @@ class TreeCopy {
 
   const LeftOut& isLeftOut_;
   Durability durability_;
+  bool hasBegun_ = false;
   std::vector<Folder> folders_;
   std::vector<char> buffer_ = std::vector<char>(std::size_t{1} << 17);
 };
@@ -185,11 +185,13 @@ void copyTree(const fs::path& source, const fs::path& destination, const LeftOut
       isInside(destination, source)) {
     fail(EINVAL, destination);
   }
+  TreeCopy copy(isLeftOut, durability);
   try {
-    TreeCopy(isLeftOut, durability).copy(source, destination);
+    copy.copy(source, destination);
   } catch (...) {
     try {
-      removeItem(destination);
+      // What another put there meanwhile is not ours to remove.
+      if (copy.hasBegun()) removeItem(destination);
     } catch (const std::exception&) {
       // The first error tells more.
     }
@@ -218,11 +220,12 @@ void moveAcrossVolumes(const fs::path& source, const fs::path& destination) {
   const fs::path copied = beside.path() / destination.filename();
   copyTree(source, copied, {}, Durability::onTheDisk);
   if (const int code = renameExclusively(copied, destination)) fail(code, destination);
+  syncFolder(fs::absolute(destination).parent_path());
   removeItem(source);
 }
 
-/// Opens all folders of a tree to their owner.
-void openFolders(const fs::path& item) {
+/// Opens all folders of a tree to their owner, and gives them, each before those in it.
+std::vector<fs::path> openFolders(const fs::path& item) {
   std::error_code ignored;
   std::vector<fs::path> folders;
   const auto add = [&](const fs::path& path) {
@@ -239,6 +242,17 @@ void openFolders(const fs::path& item) {
     fs::directory_iterator entry(folder, error);
     for (; !error && entry != fs::directory_iterator(); entry.increment(error)) add(entry->path());
   }
+  return folders;
+}
+
+void removeContents(const fs::path& folder) {
+  std::error_code ignored;
+  std::vector<fs::path> entries;
+  fs::directory_iterator entry(folder, ignored);
+  for (; !ignored && entry != fs::directory_iterator(); entry.increment(ignored)) {
+    entries.push_back(entry->path());
+  }
+  for (const fs::path& path : entries) fs::remove(path, ignored);
 }
 
 }  // namespace
@@ -264,7 +278,9 @@ void removeItem(const fs::path& item) {
   std::error_code error;
   fs::remove_all(item, error);
   if (!error) return;
-  openFolders(item);
+  // Folder by folder from below: the standard library holds a descriptor for each level.
+  const std::vector<fs::path> folders = openFolders(item);
+  std::for_each(folders.rbegin(), folders.rend(), removeContents);
   fs::remove_all(item, error);
   check(error, item);
 }

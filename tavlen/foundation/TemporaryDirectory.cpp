@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <exception>
 #include <string>
+#include <string_view>
 #include <system_error>
 #include <utility>
 
@@ -16,6 +17,8 @@ namespace {
 
 /// Longer than any operation takes, so that nobody's folder is taken for a left-over.
 constexpr std::chrono::hours kLeftOverAge(24);
+/// The common folder may hold what the system, or another program, put there.
+constexpr std::string_view kOwnPrefix = "tavlen-";
 
 void removeQuietly(const std::filesystem::path& item) noexcept {
   try {
@@ -27,10 +30,13 @@ void removeQuietly(const std::filesystem::path& item) noexcept {
 
 void sweepLeftOvers(const std::filesystem::path& items) {
   std::error_code error;
+  if (!std::filesystem::is_directory(std::filesystem::symlink_status(items, error))) return;
   const auto now = std::filesystem::file_time_type::clock::now();
   std::filesystem::directory_iterator entry(items, error);
   for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
+    if (!entry->path().filename().native().starts_with(kOwnPrefix)) continue;
     std::error_code unknown;
+    if (!std::filesystem::is_directory(entry->symlink_status(unknown))) continue;
     const auto written = std::filesystem::last_write_time(entry->path(), unknown);
     if (!unknown && now - written > kLeftOverAge) removeQuietly(entry->path());
   }
@@ -44,8 +50,15 @@ TemporaryDirectory::TemporaryDirectory(const std::filesystem::path& folder) {
   // Another's end may remove the common folder between the two calls.
   constexpr int kAttempts = 100;
   for (int attempt = 1; path_.empty(); ++attempt) {
-    std::filesystem::create_directories(items);
-    std::string pattern = (items / "XXXXXX").string();
+    std::error_code error;
+    std::filesystem::create_directories(items, error);
+    if (error == std::errc::file_exists && attempt < kAttempts) continue;
+    if (error) throw std::system_error(error, items.string());
+    // It would lead this object, and whoever sweeps, into a folder of somebody else's.
+    if (std::filesystem::is_symlink(items, error)) {
+      throw std::system_error(ELOOP, std::generic_category(), items.string());
+    }
+    std::string pattern = (items / (std::string(kOwnPrefix) + "XXXXXX")).string();
     if (::mkdtemp(pattern.data()) != nullptr) {
       path_ = pattern;
     } else if (errno != ENOENT || attempt == kAttempts) {

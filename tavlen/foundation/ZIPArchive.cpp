@@ -67,10 +67,6 @@ class NewArchive {
   FileDescriptor file_;
 };
 
-bool isBelow(std::string_view name, std::string_view top) {
-  return name.starts_with(top) && (name.size() == top.size() || name[top.size()] == '/');
-}
-
 }  // namespace
 
 void ZIPArchive::zipItem(const fs::path& item, const fs::path& archive, Progress* progress,
@@ -91,19 +87,16 @@ void ZIPArchive::zipItem(const fs::path& item, const fs::path& archive, Progress
 void ZIPArchive::unzipItem(const fs::path& archive, const fs::path& destination, Progress* progress,
                            const Limits& limits, std::string_view onlyTop) {
   const RandomAccessFile file(archive);
-  const std::vector<ZIPEntry> entries = readZIPDirectory(file, limits);
+  const std::vector<ZIPEntry> entries = readZIPDirectory(file, limits, onlyTop);
   ZIPReader reader(file, entries);
-  const auto isWanted = [&](const ZIPEntry& entry) {
-    return onlyTop.empty() || isBelow(entry.name, onlyTop);
-  };
   std::uint64_t total = 0;
-  for (const ZIPEntry& entry : entries) total += isWanted(entry) ? entry.size : 0;
+  for (const ZIPEntry& entry : entries) total += entry.isWithin(onlyTop) ? entry.size : 0;
   ByteProgress bytes(progress, total);
 
   ZIPExtraction extraction(destination);
   for (std::size_t i = 0; i < entries.size(); ++i) {
     const ZIPEntry& entry = entries[i];
-    if (!isWanted(entry)) continue;
+    if (!entry.isWithin(onlyTop)) continue;
     bytes.add(0);
     if (entry.isFolder()) {
       extraction.makeFolder(entry.name, entry.mode);

@@ -8,6 +8,7 @@
 #include "tavlen/bundles/IPA.h"
 #include "tavlen/collections/TweakDiffNotifications.h"
 #include "tavlen/collections/TweakPoster.h"
+#include "tavlen/device/DeviceRoot.h"
 #include "tavlen/foundation/DiskSync.h"
 #include "tavlen/foundation/FileReplacement.h"
 #include "tavlen/foundation/FileSystem.h"
@@ -34,11 +35,14 @@ constexpr const char* kExecutablesFolder = "Executables";
 /// As large as an app's icon may be.
 constexpr std::size_t kLargestIcon = std::size_t{64} << 20;
 
-void storeIcon(const fs::path& file, const std::optional<Image>& icon) {
-  if (icon) {
-    replaceFile(file, icon->pngData());
-    return;
-  }
+/// Writes go where the device's links lead, so that none leaves a device tree.
+void store(const fs::path& file, std::string_view contents) {
+  replaceFile(DeviceRoot::shared().follow(file), contents);
+}
+
+void storeIcon(const fs::path& folder, const std::optional<Image>& icon) {
+  if (icon) return store(folder / kIconFile, icon->pngData());
+  const fs::path file = DeviceRoot::shared().follow(folder) / kIconFile;
   std::error_code error;
   fs::remove(file, error);
   if (error) throw std::system_error(error, file.string());
@@ -133,7 +137,7 @@ TweakFile::Manifest TweakFile::manifest() const {
 TweakManifest TweakFile::genericManifest() const { return TweakManifest(manifest()); }
 
 void TweakFile::setManifest(const Manifest& manifest) {
-  replaceFile(url() / kManifestFile, encodeJSON(manifest));
+  store(url() / kManifestFile, encodeJSON(manifest));
   post(std::make_shared<Diff>(shared_from_this(), Diff::UpdateManifest()));
 }
 
@@ -154,7 +158,7 @@ std::optional<Image> TweakFile::customIcon() const {
 
 void TweakFile::setCustomIcon(const std::optional<Image>& icon) {
   try {
-    storeIcon(url() / kIconFile, icon);
+    storeIcon(url(), icon);
   } catch (const std::exception&) {
     // As documented; writeCustomIcon() tells.
   }
@@ -162,7 +166,7 @@ void TweakFile::setCustomIcon(const std::optional<Image>& icon) {
 }
 
 void TweakFile::writeCustomIcon(const std::optional<Image>& icon) {
-  storeIcon(url() / kIconFile, icon);
+  storeIcon(url(), icon);
   post(std::make_shared<Diff>(shared_from_this(), Diff::UpdateIcon()));
 }
 
@@ -213,7 +217,7 @@ void TweakFile::writeScript(std::string_view text) {
   const fs::path file = url() / kScriptFile;
   // It could not be read again.
   if (!isValidUTF8(text)) throw std::system_error(EILSEQ, std::generic_category(), file.string());
-  replaceFile(file, text);
+  store(file, text);
 }
 
 Override TweakFile::makeOverride(const OverrideKindInfo& kind) const {

@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "tavlen/collections/TweakCollection.h"
+#include "tavlen/collections/TweakCollectionManifest.h"
 #include "tavlen/device/DevicePaths.h"
 #include "tavlen/device/DeviceRoot.h"
 #include "tavlen/foundation/FileReplacement.h"
@@ -17,7 +18,9 @@
 #include "tavlen/foundation/FileTree.h"
 #include "tavlen/foundation/TemporaryDirectory.h"
 #include "tavlen/foundation/UUID.h"
+#include "tavlen/foundation/Unicode.h"
 #include "tavlen/foundation/ZIPArchive.h"
+#include "tavlen/foundation/ZIPError.h"
 #include "tavlen/tweaks/TweakFile.h"
 #include "tavlen/tweaks/TweaksDirectory.h"
 
@@ -95,6 +98,28 @@ std::string archiveName(std::string name, const std::string& id, std::string_vie
   return name.append(".").append(extension);
 }
 
+/// What no archive may hold is named as the archive's reader would, not as the copy would fail.
+void refuseSpecialFiles(const fs::path& folder, const fs::path& nameInArchive) {
+  std::error_code ignored;  // the copy tells
+  fs::recursive_directory_iterator entry(folder, ignored);
+  for (; !ignored && entry != fs::recursive_directory_iterator(); entry.increment(ignored)) {
+    if (entry->is_symlink() || entry->is_regular_file() || entry->is_directory()) continue;
+    const fs::path name = nameInArchive / entry->path().lexically_relative(folder);
+    throw ZIPError(ZIPError::Case::specialFile, wellFormedUTF8(name.native()));
+  }
+}
+
+void refuseSpecialFiles(const TweakProtocol& item) {
+  const fs::path payload = kPayloadFolder;
+  if (const auto* collection = dynamic_cast<const TweakCollection*>(&item)) {
+    for (const std::shared_ptr<TweakFile>& tweak : collection->manifest().tweaks()) {
+      refuseSpecialFiles(tweak->url(), payload / "Tweaks" / tweak->id());
+    }
+  } else {
+    refuseSpecialFiles(item.url(), payload);
+  }
+}
+
 }  // namespace
 
 std::vector<std::shared_ptr<TweakProtocol>> TweakManager::allTweaks() {
@@ -151,6 +176,7 @@ std::filesystem::path TweakManager::export_(const TweakProtocol& tweak, Progress
     const TemporaryDirectory temporary(temporaryItemsParent());
     const fs::path payload = temporary.path() / kPayloadFolder;
     const fs::path archive = temporary.path() / "Payload.zip";
+    refuseSpecialFiles(tweak);
     tweak.preparePayloadIn(payload);
     ZIPArchive::zipItem(payload, archive, progress);
     moveItem(archive, output.path() / name);

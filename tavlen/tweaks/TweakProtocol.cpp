@@ -85,7 +85,7 @@ void TweakProtocol::remove() {
   }
   // Stored items leave the tweaks directory; others, and those on a volume of their own, move
   // within the folder that they lie in.
-  const bool isStored = folder == TweaksDirectory::url();
+  const bool isStored = fs::equivalent(folder, TweaksDirectory::url(), ignored);
   if (isStored && removeBy(DeviceRoot::shared().resolve(kApplicationSupportDir), item)) return;
   if (!removeBy(folder, item)) {
     throw std::system_error(EXDEV, std::generic_category(), item.string());

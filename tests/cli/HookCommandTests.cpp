@@ -128,7 +128,7 @@ TEST_F(HookCommandTest, RefusesAndChangesNothing) {
       {{"remove", "T", "X"}, 1, failure + "T: X: several hooks have that name; name one as"},
       {{"remove", "T"}, 2, "--hook is required"},
       {{"list", "nowhere"}, 1, failure + "nowhere: "},
-      {{"list", "Broken"}, 1, failure + "Broken: configuration: expected"},
+      {{"list", "Broken"}, 1, failure + "Broken/Manifest.json: configuration: expected"},
   };
   const std::string before = manifest();
   for (const Case& wrong : cases) {

@@ -40,6 +40,10 @@ class RunningCommand {
     argv.push_back(nullptr);
     std::vector<char*> environment;
     for (std::string& variable : variables) environment.push_back(variable.data());
+    // What the sanitizers are to overlook stands there; of equal names the first counts.
+    for (char** variable = environ; *variable != nullptr; ++variable) {
+      environment.push_back(*variable);
+    }
     environment.push_back(nullptr);
     EXPECT_EQ(
         ::posix_spawn(&child_, TAVLEN_COMMAND, &actions, nullptr, argv.data(), environment.data()),
@@ -139,7 +143,8 @@ TEST_F(WatchCommandTest, PrintsALineAChangedItem) {
          run({"delete", id});
        },
        "deleted " + id + " manifest,script A b"},
-      {[&] { fs::remove_all((folder() / stored("")).parent_path()); }, "deleted C.collection manifest C"},
+      {[&] { fs::remove_all((folder() / stored("")).parent_path()); },
+       "deleted C.collection manifest C"},
       {[&] { place("B/Manifest.json", "{"); }, "created B manifest -"},
   };
   for (const auto& step : steps) {

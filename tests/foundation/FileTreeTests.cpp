@@ -1,6 +1,7 @@
 #include "tavlen/foundation/FileTree.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 
 #include <cerrno>
@@ -113,33 +114,50 @@ TEST_F(FileTreeTest, MovesAcrossVolumes) {
   EXPECT_FALSE(fs::exists(path(".TemporaryItems")));
 }
 
-TEST_F(FileTreeTest, DepthCostsNoStack) {
+TEST_F(FileTreeTest, DepthCostsNoStackAndNoDescriptors) {
   fs::path deep = path("deep");
   for (int level = 0; level < 1'500; ++level) {
     ASSERT_EQ(::mkdir(deep.c_str(), 0700), 0);
     deep = fs::path(deep.native() + "/d");
   }
   copyItem(path("deep"), path("dup"));
-  removeItem(path("deep"));
-  removeItem(path("dup"));
+  // A phone gives a process no more than these.
+  rlimit former{};
+  ::getrlimit(RLIMIT_NOFILE, &former);
+  const rlimit phone{256, former.rlim_max};
+  ::setrlimit(RLIMIT_NOFILE, &phone);
+  EXPECT_NO_THROW(removeItem(path("deep")));
+  EXPECT_NO_THROW(removeItem(path("dup")));
+  ::setrlimit(RLIMIT_NOFILE, &former);
+  EXPECT_FALSE(fs::exists(path("deep")));
   EXPECT_FALSE(fs::exists(path("dup")));
 }
 
 TEST_F(FileTreeTest, LeftOversOfACrashAreSwept) {
   const fs::path items = folder_.path() / TemporaryDirectory::kItemsFolder;
-  folder_.write(".TemporaryItems/old/closed/file", "x");
-  folder_.write(".TemporaryItems/new/file", "x");
-  fs::permissions(items / "old/closed", fs::perms::none);
-  fs::last_write_time(items / "old", fs::file_time_type::clock::now() - std::chrono::hours(25));
+  const auto longAgo = fs::file_time_type::clock::now() - std::chrono::hours(25);
+  folder_.write(".TemporaryItems/tavlen-old/closed/file", "x");
+  folder_.write(".TemporaryItems/tavlen-new/file", "x");
+  folder_.write(".TemporaryItems/another's/file", "x");
+  fs::permissions(items / "tavlen-old/closed", fs::perms::none);
+  fs::last_write_time(items / "tavlen-old", longAgo);
+  fs::last_write_time(items / "another's", longAgo);
   fs::path released;
   {
     TemporaryDirectory kept(folder_.path());
     folder_.write((kept.path() / "file").lexically_relative(folder_.path()).string(), "x");
     released = kept.release();
   }
-  EXPECT_FALSE(fs::exists(items / "old"));
-  EXPECT_TRUE(fs::exists(items / "new/file"));
+  EXPECT_FALSE(fs::exists(items / "tavlen-old"));
+  EXPECT_TRUE(fs::exists(items / "tavlen-new/file"));
+  EXPECT_TRUE(fs::exists(items / "another's/file"));
   EXPECT_TRUE(fs::exists(released / "file"));
+
+  fs::create_directory(path("linked"));
+  fs::create_directory_symlink(items, path("linked/.TemporaryItems"));
+  fs::last_write_time(items / "tavlen-new", longAgo);
+  EXPECT_THROW(TemporaryDirectory(path("linked")), std::system_error);
+  EXPECT_TRUE(fs::exists(items / "tavlen-new/file"));
 }
 
 }  // namespace

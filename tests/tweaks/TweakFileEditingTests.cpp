@@ -131,13 +131,19 @@ TEST_F(TweakFileEditingTest, AnEditLeavesTheRestOfTheDocument) {
   const auto tweak = newTweak("A");
   std::ofstream(tweak->url() / "Manifest.json") << document;
   fs::rename(tweak->url() / "Manifest.json", root_.path() / "elsewhere.json");
-  fs::create_symlink(root_.path() / "elsewhere.json", tweak->url() / "Manifest.json");
+  fs::create_symlink((root_.path() / "elsewhere.json").lexically_relative(tweak->url()),
+                     tweak->url() / "Manifest.json");
   fs::permissions(root_.path() / "elsewhere.json", fs::perms::owner_read | fs::perms::owner_write);
   tweak->updateManifest([](auto&) {});
   EXPECT_EQ(readFile(tweak->url() / "Manifest.json"), document);
   EXPECT_TRUE(fs::is_symlink(tweak->url() / "Manifest.json"));
   EXPECT_EQ(fs::status(root_.path() / "elsewhere.json").permissions(),
             fs::perms::owner_read | fs::perms::owner_write);
+
+  // A device's absolute link stays below the root.
+  fs::create_symlink("/elsewhere.objs", tweak->url() / "script.objs");
+  tweak->writeScript("// s");
+  EXPECT_EQ(readFile(root_.path() / "elsewhere.objs"), "// s");
 }
 
 TEST_F(TweakFileEditingTest, ADeletedTweakStaysDeletedUnderAnOpenHandle) {

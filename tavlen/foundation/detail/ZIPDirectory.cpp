@@ -148,7 +148,7 @@ void judgeSizes(const std::vector<ZIPEntry>& entries, const ZIPArchive::Limits& 
 }  // namespace
 
 std::vector<ZIPEntry> readZIPDirectory(const RandomAccessFile& archive,
-                                       const ZIPArchive::Limits& limits) {
+                                       const ZIPArchive::Limits& limits, std::string_view onlyTop) {
   const ZIPEndRecord end = ZIPEndRecord::find(archive);
   // Before anything is read that grows with it.
   if (end.entries > limits.entries) {
@@ -168,7 +168,7 @@ std::vector<ZIPEntry> readZIPDirectory(const RandomAccessFile& archive,
     ZIPEntry entry = reader.next(storedName);
     judgeZIPName(entry.name);
     names.add(entry.name);
-    judgeKind(entry);
+    if (entry.isWithin(onlyTop)) judgeKind(entry);
     const std::uint64_t entryEnd = judgeZIPLocalRecord(archive, entry, storedName);
     extents.push_back({entry.offset, entryEnd, entries.size()});
     entries.push_back(std::move(entry));

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace tavlen {
 
@@ -21,6 +22,11 @@ struct ZIPEntry {
   std::uint32_t mode = 0;    ///< as stat() tells it; 0 where the archive does not
 
   bool isFolder() const { return name.ends_with('/'); }
+  /// Whether it is `top`, an entry at the top, or lies in it. Everything is where that is empty.
+  bool isWithin(std::string_view top) const {
+    return top.empty() ||
+           (name.starts_with(top) && (name.size() == top.size() || name[top.size()] == '/'));
+  }
 };
 
 }  // namespace tavlen

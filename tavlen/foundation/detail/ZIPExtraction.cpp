@@ -5,8 +5,10 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <exception>
 #include <system_error>
 
+#include "tavlen/foundation/FileTree.h"
 #include "tavlen/foundation/ZIPError.h"
 
 namespace tavlen {
@@ -49,8 +51,11 @@ ZIPExtraction::ZIPExtraction(const std::filesystem::path& folder) : folder_(fold
 
 ZIPExtraction::~ZIPExtraction() {
   if (isKept_) return;
-  std::error_code ignored;
-  std::filesystem::remove_all(folder_, ignored);
+  try {
+    removeItem(folder_);
+  } catch (const std::exception&) {
+    // The error that led here tells more.
+  }
 }
 
 void ZIPExtraction::makeFolder(const std::string& name, std::uint32_t mode) {

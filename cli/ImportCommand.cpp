@@ -41,7 +41,7 @@ int import(const std::vector<std::string>& files) {
     } catch (const std::exception& error) {
       const std::string text = error.what();
       // The file system's errors may name it themselves.
-      printError(text.starts_with(file) ? text : file + ": " + text);
+      printError(text.starts_with(file) ? text : std::string(file).append(": ").append(text));
       status = 1;
       continue;
     }

@@ -1,11 +1,15 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
 #include <string_view>
 #include <system_error>
+
+#include "tavlen/foundation/FileTree.h"
 
 namespace tavlen {
 
@@ -22,7 +26,13 @@ class TemporaryFolder {
   }
   TemporaryFolder(const TemporaryFolder&) = delete;
   TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-  ~TemporaryFolder() { std::filesystem::remove_all(path_); }
+  ~TemporaryFolder() {
+    try {
+      removeItem(path_);  // which gets into folders that a test has closed
+    } catch (const std::system_error& error) {
+      ADD_FAILURE() << error.what();
+    }
+  }
 
   const std::filesystem::path& path() const { return path_; }
 

@@ -1,12 +1,15 @@
 #include "cli/ProgressLine.h"
 
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
+#include <cstddef>
 
 #include "cli/Console.h"
+#include "cli/TextTable.h"
 #include "tavlen/foundation/TerminalText.h"
 
 namespace tavlen::cli {
@@ -16,6 +19,23 @@ namespace {
 constexpr std::chrono::milliseconds kInterval(200);
 /// Back to the line's begin; what stands behind the cursor goes.
 constexpr const char* kNewLine = "\r\x1B[K";
+
+std::size_t terminalColumns() {
+  constexpr std::size_t kUsual = 80;
+  winsize size{};
+  const bool isKnown = ::ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+  return isKnown ? size.ws_col : kUsual;
+}
+
+/// A bar of `width` columns, brackets included; empty where that is too little for one.
+std::string bar(double fraction, std::size_t width) {
+  constexpr std::size_t kNarrowest = 12;
+  constexpr std::size_t kWidest = 42;
+  if (width < kNarrowest) return "";
+  const std::size_t inside = std::min(width, kWidest) - 2;
+  const auto full = static_cast<std::size_t>(fraction * static_cast<double>(inside));
+  return "[" + std::string(full, '#') + std::string(inside - full, '.') + "]";
+}
 
 }  // namespace
 
@@ -44,7 +64,15 @@ void ProgressLine::show() {
 
 void ProgressLine::print() {
   const double fraction = std::clamp(progress_->fractionCompleted(), 0.0, 1.0);
-  printMessage(kNewLine + work_ + ": " + std::to_string(static_cast<int>(fraction * 100)) + " %");
+  const std::string percent = std::to_string(static_cast<int>(fraction * 100)) + " %";
+  // A line that the terminal breaks could not be taken back whole.
+  const std::size_t columns = terminalColumns();
+  std::size_t taken = displayWidth(work_) + percent.size() + 4;  // with ": " and two blanks
+  const bool isWide = taken > columns;
+  if (isWide) taken = percent.size() + 2;
+  std::string line = isWide ? "" : work_ + ": ";
+  if (columns > taken) line += bar(fraction, columns - taken);
+  printMessage(kNewLine + line + " " + percent);
   isShown_ = true;
 }
 

@@ -11,12 +11,13 @@
 
 namespace tavlen::cli {
 
-/// While it lives, shows on the standard error stream how far a piece of work is, from a thread of
-/// its own. Nothing where that stream is no terminal, or where the work takes no time. SIGINT and
-/// SIGTERM cancel the work meanwhile, so that it takes away what it has begun.
+/// While it lives, shows on the standard error stream, as a bar and a percentage, how far a piece
+/// of work is, from a thread of its own. Nothing where that stream is no terminal, or where the
+/// work takes no time. SIGINT and SIGTERM cancel the work meanwhile, so that it takes away what it
+/// has begun.
 class ProgressLine {
  public:
-  /// `work` stands before the percentage, as in "exporting A".
+  /// `work` stands before the bar, as in "exporting A".
   explicit ProgressLine(const std::string& work);
   ProgressLine(const ProgressLine&) = delete;
   ProgressLine& operator=(const ProgressLine&) = delete;

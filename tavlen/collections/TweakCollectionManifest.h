@@ -1,17 +1,14 @@
 #pragma once
 
 #include <memory>
-#include <optional>
 #include <span>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "tavlen/collections/TweakCollection.h"
 #include "tavlen/foundation/Coding.h"
-#include "tavlen/tweaks/TweakColor.h"
+#include "tavlen/tweaks/ItemConfiguration.h"
 #include "tavlen/tweaks/TweakConfiguration.h"
-#include "tavlen/tweaks/TweakGlyph.h"
 #include "tavlen/tweaks/TweakManifest.h"
 
 namespace tavlen {
@@ -20,28 +17,7 @@ class TweakFile;
 
 /// The document of a collection.
 struct TweakCollection::Manifest {
-  struct Configuration {
-    /// The name that is shown; collections are sorted and searched by it.
-    std::string name;
-    TweakColor color = TweakColor::lightGreen;
-    /// The identifier of the target app.
-    std::string bundleID;
-    std::optional<TweakGlyph> _glyph;
-
-    /// The stored glyph, or the default one.
-    const TweakGlyph& glyph() const { return _glyph ? *_glyph : TweakGlyph::default_(); }
-    void setGlyph(TweakGlyph glyph) { _glyph = std::move(glyph); }
-
-    static constexpr auto codedFields() {
-      return std::tuple{
-          requiredField("name", &Configuration::name),
-          requiredField("color", &Configuration::color),
-          requiredField("bundleID", &Configuration::bundleID),
-          optionalField("glyph", &Configuration::_glyph),
-      };
-    }
-    bool operator==(const Configuration&) const = default;
-  };
+  using Configuration = ItemConfiguration<TweakCollection>;
 
   Configuration configuration;
   /// The members' identifiers, in the order in which they are shown.

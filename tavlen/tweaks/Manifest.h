@@ -1,44 +1,21 @@
 #pragma once
 
 #include <optional>
-#include <string>
 #include <vector>
 
 #include "tavlen/bundles/OverrideContainer.h"
 #include "tavlen/foundation/Coding.h"
 #include "tavlen/tweaks/Hook.h"
-#include "tavlen/tweaks/TweakColor.h"
+#include "tavlen/tweaks/ItemConfiguration.h"
 #include "tavlen/tweaks/TweakConfiguration.h"
 #include "tavlen/tweaks/TweakFile.h"
-#include "tavlen/tweaks/TweakGlyph.h"
 #include "tavlen/tweaks/TweakManifest.h"
 
 namespace tavlen {
 
 /// The document of a tweak, stored as Manifest.json in its folder.
 struct TweakFile::Manifest {
-  struct Configuration {
-    /// The name that is shown; tweaks are sorted and searched by it.
-    std::string name;
-    TweakColor color = TweakColor::lightGreen;
-    /// The identifier of the target app.
-    std::string bundleID;
-    std::optional<TweakGlyph> _glyph;
-
-    /// The stored glyph, or the default one.
-    const TweakGlyph& glyph() const { return _glyph ? *_glyph : TweakGlyph::default_(); }
-    void setGlyph(TweakGlyph glyph) { _glyph = std::move(glyph); }
-
-    static constexpr auto codedFields() {
-      return std::tuple{
-          requiredField("name", &Configuration::name),
-          requiredField("color", &Configuration::color),
-          requiredField("bundleID", &Configuration::bundleID),
-          optionalField("glyph", &Configuration::_glyph),
-      };
-    }
-    bool operator==(const Configuration&) const = default;
-  };
+  using Configuration = ItemConfiguration<TweakFile>;
 
   Configuration configuration;
   std::vector<OverrideContainer> _overrides;

@@ -11,12 +11,11 @@
 #include <system_error>
 #include <vector>
 
-#include "cli/AppArgument.h"
 #include "cli/ArgumentChecks.h"
 #include "cli/CollectionArgument.h"
 #include "cli/Commands.h"
 #include "cli/Console.h"
-#include "cli/LookOptions.h"
+#include "cli/ItemCreation.h"
 #include "cli/StoredItem.h"
 #include "cli/TextTable.h"
 #include "tavlen/collections/TweakCollection.h"
@@ -31,12 +30,6 @@
 namespace tavlen::cli {
 
 namespace {
-
-struct NewOptions {
-  std::string name;
-  std::string app;
-  Look look;
-};
 
 struct MemberOptions {
   std::string collection;
@@ -64,16 +57,6 @@ using Manifest = TweakCollection::Manifest;
 
 bool contains(const std::vector<std::string>& ids, const std::string& id) {
   return std::find(ids.begin(), ids.end(), id) != ids.end();
-}
-
-int create(const NewOptions& options) {
-  const std::string bundleID = bundleIDOf(options.app);
-  const std::shared_ptr<TweakCollection> collection =
-      TweakCollection::create(options.name, options.look.color, options.look.glyph, bundleID);
-  announce(*collection, GenericTweakDiffMode::create);
-  if (!isInstalledApp(bundleID)) printWarning(bundleID + ": no app of that identifier is here");
-  printData(collection->id() + "\n");
-  return 0;
 }
 
 /// Collections name their members by identifiers in the store.
@@ -144,21 +127,6 @@ int list(const ListOptions& options) {
   return 0;
 }
 
-void addNew(CLI::App& collection, Action& action) {
-  auto* command =
-      collection.add_subcommand("new", "Make a new, empty collection and print its identifier");
-  const auto options = std::make_shared<NewOptions>();
-  command->add_option("NAME", options->name, "The collection's name")
-      ->required()
-      ->check(notEmpty() & validUTF8());
-  command->add_option("--app", options->app, kAppHelp)
-      ->required()
-      ->check(notEmpty() & validUTF8())
-      ->type_name("APP");
-  addLookOptions(*command, options->look);
-  command->callback([options, &action] { action = [options] { return create(*options); }; });
-}
-
 void addEdit(CLI::App& collection, Action& action, const char* name, const char* description,
              const char* tweakHelp, void (*change)(Manifest&, const std::string&)) {
   auto* command = collection.add_subcommand(name, description);
@@ -187,7 +155,7 @@ void addList(CLI::App& collection, Action& action) {
 void addCollectionCommand(CLI::App& app, Action& action) {
   auto* command = app.add_subcommand("collection", "Make collections of tweaks and edit them");
   command->require_subcommand(1);
-  addNew(*command, action);
+  addItemCreation(*command, action, "collection", TweakCollection::create);
   addEdit(*command, action, "add", "Add tweaks of the same app to a collection, at its end",
           kTweakHelp, addMember);
   addEdit(*command, action, "remove", "Take tweaks out of a collection; the tweaks stay stored",

@@ -1,23 +1,27 @@
 #pragma once
 
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "cli/Commands.h"
 #include "tavlen/tweaks/TweakColor.h"
 #include "tavlen/tweaks/TweakGlyph.h"
 
-namespace CLI {
-class App;
+namespace tavlen {
+class TweakProtocol;
 }
 
 namespace tavlen::cli {
 
-/// How a new tweak or collection is to be shown.
-struct Look {
-  TweakColor color = TweakColor::lightGreen;
-  TweakGlyph glyph = TweakGlyph::default_();
-};
+/// Makes an item of a kind, empty, in the store.
+using ItemFactory = std::function<std::shared_ptr<TweakProtocol>(
+    const std::string& name, TweakColor color, const TweakGlyph& glyph,
+    const std::string& bundleID)>;
 
-/// Adds `--color COLOR` and `--glyph ICON[/STYLE]` to `command`; parsing stores them in `look`,
-/// which must live as long as the command. A glyph that is not known is wrong usage, with a
-/// suggestion.
-void addLookOptions(CLI::App& command, Look& look);
+/// Adds to `group` the subcommand `new NAME --app APP [--color COLOR] [--glyph ICON[/STYLE]]`,
+/// which makes an item, calls it created and prints its identifier. `kind` is what help calls it,
+/// "tweak". A glyph that is not known is wrong usage, with a suggestion.
+void addItemCreation(CLI::App& group, Action& action, const std::string& kind, ItemFactory make);
 
 }  // namespace tavlen::cli

@@ -20,20 +20,18 @@ class ArgumentFrame {
   void add(const TypeLayout& argument) {
     constexpr std::uint64_t kLargestByValue = 16;
     constexpr std::uint64_t kMostFloats = 4;
-    if (argument.size == 0) return;
-    const bool isAggregate = argument.kind != TypeLayout::Kind::scalar;
+    using Kind = TypeLayout::Kind;
+    if (argument.size == 0 && argument.kind != Kind::array) return;
     const std::uint64_t floats = argument.floatSize > 0 ? argument.size / argument.floatSize : 0;
-    if (argument.kind == TypeLayout::Kind::array) {
-      take(general_, 1, {kWord, kWord});
-    } else if (floats > 0 && floats <= kMostFloats) {
+    const std::uint64_t words = (argument.size + kWord - 1) / kWord;
+    if (argument.kind != Kind::array && floats > 0 && floats <= kMostFloats) {
       take(floating_, floats, {argument.size, argument.alignment});
-    } else if (isAggregate && argument.size > kLargestByValue) {
-      take(general_, 1, {kWord, kWord});
+    } else if (argument.kind == Kind::scalar) {
+      take(general_, words, {argument.size, argument.alignment});
+    } else if (argument.kind == Kind::structure && argument.size <= kLargestByValue) {
+      take(general_, words, {words * kWord, std::max(kWord, argument.alignment)});
     } else {
-      const std::uint64_t words = (argument.size + kWord - 1) / kWord;
-      const Space space = isAggregate ? Space{words * kWord, std::max(kWord, argument.alignment)}
-                                      : Space{argument.size, argument.alignment};
-      take(general_, words, space);
+      take(general_, 1, {kWord, kWord});
     }
   }
 

@@ -140,6 +140,7 @@ TEST(EncodedSignature, FrameHoldsWhatRegistersDoNot) {
       {"qqqqqqt", 16},
       {"qqqqqqqt", 32},
       {"qqqqqqv{E=}", 0},
+      {"qqqqqq[0i]", 8},
       {"jdjdjdjdjf", 8},
   };
   for (const auto& row : rows) {

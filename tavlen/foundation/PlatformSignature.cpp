@@ -11,6 +11,26 @@ namespace {
 
 using namespace ObjCRuntime;
 
+/// Whether the platform may be given `encoding`. A reader that descends into brackets and pointers
+/// one call a level, as GNUstep's does, would run out of stack, which no guard catches. The limits
+/// are far above what a compiler writes.
+bool isShallow(std::string_view encoding) {
+  constexpr int kMostBrackets = 128;
+  constexpr int kLongestPrefix = 16;
+  int brackets = 0;
+  int prefix = 0;
+  for (const char c : encoding) {
+    const auto isOneOf = [c](std::string_view characters) {
+      return characters.find(c) != std::string_view::npos;
+    };
+    prefix = isOneOf("^rnNoORVAj") ? prefix + 1 : 0;
+    if (isOneOf("{([<")) ++brackets;
+    if (isOneOf("})]>") && brackets > 0) --brackets;
+    if (brackets > kMostBrackets || prefix > kLongestPrefix) return false;
+  }
+  return true;
+}
+
 class PlatformSignature : public SignatureObject {
  public:
   /// Takes over a reference that its caller retained.
@@ -82,7 +102,7 @@ class PlatformSignature : public SignatureObject {
 
 std::shared_ptr<const SignatureObject> platformSignature(std::string_view encoding) {
   // The platform reads up to the first NUL and would take the rest for nothing.
-  if (encoding.find('\0') != std::string_view::npos) return nullptr;
+  if (encoding.find('\0') != std::string_view::npos || !isShallow(encoding)) return nullptr;
   const std::string types(encoding);
   std::shared_ptr<const SignatureObject> signature;
   const AutoreleasePool pool;

@@ -12,7 +12,8 @@ namespace tavlen {
 /// The platform's own signature, an NSMethodSignature, asked through the run time: every answer is
 /// the object's. Objective-C exceptions end here; what raises one answers nothing, or zero.
 
-/// Null for an encoding from which the platform makes none, and where it has no such class.
+/// Null for an encoding from which the platform makes none, for one that nests so deep that the
+/// platform is not asked, and where there is no such class.
 std::shared_ptr<const SignatureObject> platformSignature(std::string_view encoding);
 
 /// Wraps `signature`, which is retained. Null for nil.

@@ -63,6 +63,13 @@ TEST(PlatformSignature, AnswersWhatTheObjectDoes) {
   EXPECT_THROW(signature->argumentTypeAtIndex(4), std::out_of_range);
   EXPECT_EQ(platformSignature(""), nullptr);
   EXPECT_EQ(platformSignature("v@:\0@"sv), nullptr);
+  // GNUstep's reader runs out of stack on each of these.
+  for (const std::string_view nest : {"{A="sv, "(A="sv, "[1"sv, "^"sv, "r"sv, "^{"sv}) {
+    std::string encoding;
+    for (int i = 0; i < 1'000'000; ++i) encoding += nest;
+    EXPECT_EQ(platformSignature(encoding + "i"), nullptr) << nest;
+  }
+  EXPECT_NE(platformSignature("^^^^^^^^^^^^^^^vrnNoORVi^{A<B<C>>=}"), nullptr);
 }
 
 TEST(PlatformSignature, KeepsTheObjectThatItWraps) {

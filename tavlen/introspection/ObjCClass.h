@@ -10,7 +10,9 @@
 #include <vector>
 
 #include "tavlen/foundation/Coding.h"
+#include "tavlen/foundation/StyledText.h"
 #include "tavlen/introspection/ObjCMethod.h"
+#include "tavlen/tweaks/MethodIdentity.h"
 
 namespace tavlen {
 
@@ -39,6 +41,22 @@ class ObjCClass {
   std::optional<std::string> supercls;        ///< nothing for a root class
   std::optional<std::string> superclassPath;  ///< of the image that defines the superclass
   std::vector<std::string> protocols;         ///< the names of those that the class adopts
+
+  /// Each of the methods with what tells it from others, in the order of `methods`.
+  std::vector<std::pair<std::shared_ptr<ObjCMethod>, MethodIdentity>> methodIdentities() const;
+
+  /// "Name : Super <P, Q>", without the parts that the class does not have. The class, and a
+  /// superclass from outside of the system's folders, take `customTypeColor`; the protocols and any
+  /// other superclass, one of an unknown image among them, `vendoredTypeColor`; the punctuation
+  /// takes `foregroundColor`.
+  StyledText description(const StyledText::Color& foregroundColor,
+                         const StyledText::Color& vendoredTypeColor,
+                         const StyledText::Color& customTypeColor,
+                         const StyledText::Font& font) const;
+  /// The same text, plain.
+  std::string description() const;
+  /// That text and, each on a line of its own, the methods.
+  std::string debugDescription() const;
 
   static constexpr auto codedFields() {
     return std::tuple{

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "tavlen/foundation/Coding.h"
+#include "tavlen/foundation/StyledText.h"
 
 namespace tavlen {
 
@@ -24,6 +25,17 @@ class ObjCMethod {
   std::string selector;  ///< with its colons
   std::string encoding;  ///< of the types, exactly as the run time reports it
   bool isClassMethod = false;
+
+  /// The method as its declaration, on one line and without names of arguments, which nobody knows:
+  /// "-", a no-break space, then " (void)setObject:(id) forKey:(NSString *)". A part of the
+  /// selector that has no argument stands alone; the types of arguments that no part takes follow
+  /// at the end, each after a comma. Where the encoding has no signature the selector follows the
+  /// no-break space at once. Types take `typeColor`, all else `foregroundColor`.
+  StyledText description(const StyledText::Color& typeColor,
+                         const StyledText::Color& foregroundColor,
+                         const StyledText::Font& font) const;
+  /// The same text, plain.
+  std::string description() const;
 
   static constexpr auto codedFields() {
     return std::tuple{

@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "tavlen/introspection/ObjCClass.h"
+
 namespace tavlen {
 
 Hook Hook::with(std::string className, std::string selector, std::string signature,
@@ -13,6 +15,15 @@ Hook Hook::with(std::string className, std::string selector, std::string signatu
   hook.isClassMethod = isClassMethod;
   hook.setArgs(std::move(args));
   return hook;
+}
+
+Hook Hook::with(const ObjCClass& cls, const ObjCMethod& method,
+                std::map<std::int64_t, Parameter> args) {
+  return with(cls.name, method.selector, method.encoding, method.isClassMethod, std::move(args));
+}
+
+std::shared_ptr<ObjCMethod> Hook::method() const {
+  return std::make_shared<ObjCMethod>(selector, signature, isClassMethod);
 }
 
 std::map<std::int64_t, Parameter> Hook::args() const {

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -11,6 +12,9 @@
 #include "tavlen/tweaks/MethodIdentity.h"
 
 namespace tavlen {
+
+class ObjCClass;
+class ObjCMethod;
 
 /// One Objective-C method that a tweak replaces, with the constants that it puts in place of
 /// arguments and result. Nothing checks that the signature agrees with the selector, or an index
@@ -31,6 +35,12 @@ struct Hook {
 
   static Hook with(std::string className, std::string selector, std::string signature,
                    bool isClassMethod, std::map<std::int64_t, Parameter> args);
+  /// A hook of `method`, which `cls` need not list.
+  static Hook with(const ObjCClass& cls, const ObjCMethod& method,
+                   std::map<std::int64_t, Parameter> args);
+
+  /// A new record of the hooked method; its encoding is the signature.
+  std::shared_ptr<ObjCMethod> method() const;
 
   /// The replacement values by index, out of their boxes. What has no entry stays as the caller, or
   /// the method's own implementation, gave it.

@@ -4,6 +4,7 @@
 
 #include "tavlen/foundation/JSONDecoder.h"
 #include "tavlen/foundation/JSONEncoder.h"
+#include "tavlen/introspection/ObjCClass.h"
 #include "tavlen/tweaks/HookSource.h"
 
 namespace tavlen {
@@ -30,6 +31,16 @@ TEST(Hook, IsStoredWithItsNameOnlyWhenItHasOne) {
             (std::map<std::int64_t, Parameter>{{-1, CodeParameter{"x"}}, {0, NilParameter{}}}));
   EXPECT_EQ(hook.transpilerKey(), "v24@0:8@16+b:");
   EXPECT_EQ(hook.identity(), (MethodIdentity{"A", "b:", true}));
+}
+
+TEST(Hook, IsMadeOfAMethodAndGivesItBack) {
+  const ObjCMethod method("b:", "v24@0:8@16", true);
+  const ObjCClass cls("A", {}, "mangled", "Super", "/path", {"P"});
+  const std::map<std::int64_t, Parameter> args{{0, NilParameter{}}};
+  const Hook hook = Hook::with(cls, method, args);
+  EXPECT_EQ(hook, Hook::with("A", "b:", "v24@0:8@16", true, args));
+  EXPECT_EQ(*hook.method(), method);
+  EXPECT_NE(hook.method(), hook.method());
 }
 
 TEST(Hook, AWrongDocumentIsRefused) {

@@ -1,0 +1,26 @@
+// A type's encoding, read again, gives the same tree, whatever follows it in the text.
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+
+#include "tavlen/introspection/JXTypeCursor.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const std::string_view text(reinterpret_cast<const char*>(data), size);
+  tavlen::JXTypeCursor cursor(text);
+  while (!cursor.isAtEnd()) {
+    tavlen::JXRemoveQualifiers(cursor);
+    const std::size_t begin = cursor.position();
+    const auto type = tavlen::JXTypeWithEncoding(cursor);
+    if (type == nullptr || text.substr(begin, cursor.position() - begin) != type->encoding()) {
+      std::abort();
+    }
+    if (type->description().empty()) std::abort();
+    if (type->encoding().empty()) break;
+    const auto again = tavlen::JXTypeForEncoding(type->encoding());
+    if (!(*type == *again) || type->description() != again->description()) std::abort();
+  }
+  return 0;
+}

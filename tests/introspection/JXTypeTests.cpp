@@ -1,0 +1,458 @@
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstdint>
+#include <limits>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <vector>
+
+#include "tavlen/introspection/JXTypeArray.h"
+#include "tavlen/introspection/JXTypeBasic.h"
+#include "tavlen/introspection/JXTypeBitField.h"
+#include "tavlen/introspection/JXTypeCursor.h"
+#include "tavlen/introspection/JXTypeID.h"
+#include "tavlen/introspection/JXTypeIDIgnoreName.h"
+#include "tavlen/introspection/JXTypePointer.h"
+#include "tavlen/introspection/JXTypeStruct.h"
+#include "tavlen/introspection/JXTypeUnion.h"
+
+namespace tavlen {
+
+namespace {
+
+using Strings = std::vector<std::string>;
+using Types = JXTypeComplex::Types;
+
+template <class Type>
+const Type& as(const std::shared_ptr<JXType>& type) {
+  return dynamic_cast<const Type&>(*type);
+}
+
+std::string repeated(std::string_view text, std::size_t count) {
+  std::string out;
+  for (std::size_t i = 0; i < count; ++i) out += text;
+  return out;
+}
+
+/// What is wrong with the tree of `text`: its encoding, read again, must give the same tree. Empty
+/// when nothing is.
+std::string fault(std::string_view text) {
+  JXTypeCursor cursor(text);
+  JXRemoveQualifiers(cursor);
+  const std::size_t begin = cursor.position();
+  const auto type = JXTypeWithEncoding(cursor);
+  if (type == nullptr) return text.empty() ? "" : "no type";
+  if (cursor.position() != begin + type->encoding().size()) return "the cursor is elsewhere";
+  if (text.substr(begin, type->encoding().size()) != type->encoding()) return "another encoding";
+  if (type->description().empty()) return "nothing is printed";
+  if (type->encoding().empty()) return "";
+  const auto again = JXTypeForEncoding(type->encoding());
+  return *type == *again ? "" : "read again: " + again->description();
+}
+
+struct TypeCase {
+  std::string_view encoding;
+  std::string_view covered;  ///< the encoding of the node
+  std::string_view printed;
+};
+
+constexpr TypeCase kTypeCases[] = {
+    // one character each
+    {"i", "i", "int"},
+    {"Q8", "Q", "unsigned long long"},
+    {"B", "B", "BOOL"},
+    {"#", "#", "Class"},
+    {":", ":", "SEL"},
+    {"v", "v", "void"},
+    {"?", "?", "void"},
+    {"}", "}", "void"},
+    {"D", "D", "void"},
+    {"\xFF", "\xFF", "void"},
+    // pointers, arrays, bit fields
+    {"*", "*", "char *"},
+    {"^?", "^?", "void (*)(void)"},
+    {"^^?", "^^?", "void (**)(void)"},
+    {"^{__CFString=}", "^{__CFString=}", "struct __CFString *"},
+    {"[2[3i]]", "[2[3i]]", "int[2][3]"},
+    {"^[4i]", "^[4i]", "int *[4]"},
+    {"[4^?]", "[4^?]", "void (*[4])(void)"},
+    {"[4ix", "[4ix", "int[4]"},  // whatever stands in place of the bracket is passed
+    {"b5", "b5", "unsigned int:5"},
+    {"b", "b", "unsigned int:0"},
+    {"[18446744073709551617i]", "[18446744073709551617i]", "int[1]"},  // modulo 2^64
+    // qualifiers
+    {"r*", "*", "const char *"},
+    {"rn^v", "^v", "const in void *"},
+    {"^rv", "^rv", "const void *"},
+    {"^rr*", "^rr*", "const char **"},
+    {"Vv", "v", "oneway void"},
+    {"jd", "d", "volatile double"},
+    {"Ai", "i", "_Atomic int"},
+    {"[2ri]", "[2ri]", "const int[2]"},
+    {"NOoRi", "i", "inout out bycopy byref int"},
+    // objects
+    {"@", "@", "id"},
+    {"@?", "@?", "void (^)(void)"},
+    {"@?<v@?>", "@?", "void (^)(void)"},
+    {"@\"NSString\"", "@\"NSString\"", "NSString *"},
+    {"@\"NSObject<A><B>\"", "@\"NSObject<A><B>\"", "NSObject<A, B> *"},
+    {"@\"<A>\"", "@\"<A>\"", "id<A>"},
+    {"@\"\"", "@\"\"", " *"},
+    {"@\"A<\"", "@\"A<\"", "A<> *"},
+    {"@\"<<\xC3\xA9\"", "@\"<<\xC3\xA9\"", "id<, >"},
+    {"@\"NSStr", "@\"NSStr", "NSStr *"},
+    {"^@", "^@", "id *"},
+    {"^@\"A\"", "^@\"A\"", "A **"},
+    // structs and unions
+    {"{CGRect={CGPoint=dd}{CGSize=dd}}", "{CGRect={CGPoint=dd}{CGSize=dd}}",
+     "struct CGRect { struct CGPoint { double field1; double field2; } field1; "
+     "struct CGSize { double field1; double field2; } field2; }"},
+    {"{?=ii}", "{?=ii}", "struct { int field1; int field2; }"},
+    {"{Foo}x", "{Foo}", "struct Foo"},
+    {"(?=if)", "(?=if)", "union { int field1; float field2; }"},
+    {"{=}", "{=}", "struct"},
+    {"{X=}", "{X=}", "struct X"},
+    {"{X={Foo}{Bar=i}}", "{X={Foo}{Bar=i}}",
+     "struct X { struct Foo field1; struct Bar { int field1; } field2; }"},
+    {"{X=(Y=i})}", "{X=(Y=i})}", "struct X { union Y { int field1; void field2; } field1; }"},
+    {"{A=[4i]@?@*b3}", "{A=[4i]@?@*b3}",
+     "struct A { int field1[4]; void (^field2)(void); id field3; char *field4; "
+     "unsigned int field5:3; }"},
+    {"{CGPoint=dd", "{CGPoint=dd", "struct CGPoint { double field1; double field2; }"},
+    {"{S=b0I3}", "{S=b0I3}",
+     "struct S { unsigned int field1:0; unsigned int field2; void field3; }"},
+    {"{v<A=1, B>=i}", "{v<A=1, B>=i}",
+     "struct v<A { void field1; void field2; void field3; BOOL field4; void field5; void field6; "
+     "int field7; }"},
+    {"{f<{x}>=i}", "{f<{x}", "struct f<{x"},
+    // named members
+    {"{P=\"x\"@\"y\"i}", "{P=\"x\"@\"y\"i}", "struct P { id x; int y; }"},
+    {"{P=\"x\"@\"A\"\"y\"@\"B\"}", "{P=\"x\"@\"A\"\"y\"@\"B\"}", "struct P { A *x; B *y; }"},
+    {"{P=\"x\"@\"y\"}", "{P=\"x\"@\"y\"}", "struct P { y *x; }"},
+    {"{P=\"x\"^@\"y\"i\"z\"{Q=@\"A\"}}", "{P=\"x\"^@\"y\"i\"z\"{Q=@\"A\"}}",
+     "struct P { id *x; int y; struct Q { A *field1; } z; }"},
+    {"{P=\"x\"{Q=\"a\"@\"b\"@\"c\"i}\"y\"i}", "{P=\"x\"{Q=\"a\"@\"b\"@\"c\"i}\"y\"i}",
+     "struct P { struct Q { id a; id b; int c; } x; int y; }"},
+    {"{P=\"x\"ij\"y\"i}", "{P=\"x\"ij\"y\"i}", "struct P { int x; void ; void i}; }"},
+    {"{P=\"\"@\"\"@}", "{P=\"\"@\"\"@}", "struct P { id ; id ; }"},
+    // where the text ends
+    {"r", "", "const void"},
+    {"^", "^", "void *"},
+    {"[4", "[4", "void[4]"},
+    {"[", "[", "void[0]"},
+    {"{", "{", "struct"},
+    {"{X", "{X", "struct X"},
+    {"(X=", "(X=", "union X"},
+    {"{P=\"a", "{P=\"a", "struct P { void a; }"},
+    {"{P=\"a\"i\"", "{P=\"a\"i\"", "struct P { int a; void ; }"},
+    {"@\"", "@\"", " *"},
+};
+
+TEST(JXType, ReadsAndPrints) {
+  for (const TypeCase& c : kTypeCases) {
+    SCOPED_TRACE(c.encoding);
+    const auto type = JXTypeForEncoding(c.encoding);
+    ASSERT_NE(type, nullptr);
+    EXPECT_EQ(type->encoding(), c.covered);
+    EXPECT_EQ(type->description(), c.printed);
+    EXPECT_EQ(fault(c.encoding), "");
+  }
+  EXPECT_EQ(JXTypeForEncoding(""), nullptr);
+  EXPECT_EQ(JXTypeVoid()->description(), "void");
+  const std::string nul("\0i", 2);
+  EXPECT_EQ(JXTypeForEncoding(nul)->encoding(), nul.substr(0, 1));
+}
+
+TEST(JXType, StandsBeforeAndBehindADeclarator) {
+  const struct {
+    std::string_view encoding;
+    std::string head, padded, tail;
+  } cases[] = {
+      {"i", "int", "int ", ""},
+      {"[2[3i]]", "int", "int ", "[2][3]"},
+      {"b5", "unsigned int", "unsigned int ", ":5"},
+      {"^?", "void (*", "void (*", ")(void)"},
+      {"@?", "void (^", "void (^", ")(void)"},
+      {"@", "id", "id ", ""},
+      {"@\"<A><B>\"", "id<A, B>", "id<A, B> ", ""},
+      {"@\"A\"", "A *", "A *", ""},
+      {"r^i", "const int *", "const int *", ""},
+      {"{A}", "struct A", "struct A ", ""},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.encoding);
+    const auto type = JXTypeForEncoding(c.encoding);
+    EXPECT_EQ(type->descriptionWithPadding(false), (JXTypeDescription{c.head, c.tail}));
+    EXPECT_EQ(type->descriptionWithPadding(true), (JXTypeDescription{c.padded, c.tail}));
+  }
+  const auto qualified = JXTypeForEncoding("ri");
+  EXPECT_EQ(qualified->_descriptionWithPadding(true).head, "int ");
+}
+
+TEST(JXType, KnowsItsParts) {
+  const auto rect = JXTypeForEncoding("{R=\"a\"r[3@\"N<P>\"]\"b\"b7\"c\"^?}");
+  const auto& structure = as<JXTypeStruct>(rect);
+  EXPECT_EQ(structure.name(), "R");
+  EXPECT_EQ(*structure.fieldNames(), (JXTypeComplex::FieldNames{"a", "b", "c"}));
+  const auto& array = as<JXTypeArray>(structure.types()->at(0));
+  EXPECT_EQ(array.count(), 3U);
+  EXPECT_EQ(array.qualifiers(), JXTypeQualifiers::const_);
+  const auto& object = as<JXTypeID>(array.type());
+  EXPECT_EQ(object.name(), "N");
+  EXPECT_EQ(*object.protocols(), JXTypeID::Protocols{"P"});
+  auto bitField = std::dynamic_pointer_cast<JXTypeBitField>(structure.types()->at(1));
+  bitField->setBits(9);
+  EXPECT_EQ(bitField->bits(), 9U);
+  EXPECT_EQ(bitField->encoding(), "b7");
+  EXPECT_NE(rect->description().find("unsigned int b:9;"), std::string::npos);
+  const auto& pointer = as<JXTypePointer>(structure.types()->at(2));
+  EXPECT_TRUE(pointer.isFunction());
+  EXPECT_EQ(pointer.type()->encoding(), "?");
+
+  // Absent is not empty.
+  EXPECT_EQ(as<JXTypeStruct>(JXTypeForEncoding("{X}")).types(), nullptr);
+  const auto empty = JXTypeForEncoding("{?=}");
+  EXPECT_EQ(as<JXTypeStruct>(empty).name(), std::nullopt);
+  EXPECT_TRUE(as<JXTypeStruct>(empty).types()->empty());
+  EXPECT_EQ(as<JXTypeStruct>(empty).fieldNames(), nullptr);
+  EXPECT_EQ(as<JXTypeID>(JXTypeForEncoding("@")).name(), std::nullopt);
+  EXPECT_EQ(as<JXTypeID>(JXTypeForEncoding("@\"\"")).name(), "");
+  EXPECT_EQ(as<JXTypeID>(JXTypeForEncoding("@\"A<\"")).protocols()->at(0), "");
+  EXPECT_EQ(as<JXTypeID>(JXTypeForEncoding("@\"A\"")).protocols(), nullptr);
+}
+
+TEST(JXType, NodesKeepTheirText) {
+  std::string text = "{A=\"m\"^{B=@\"C\"}}";
+  std::shared_ptr<JXType> inner;
+  {
+    const auto tree = JXTypeForEncoding(text);
+    inner = as<JXTypeStruct>(tree).types()->at(0);
+  }
+  text.assign(text.size(), 'x');
+  EXPECT_EQ(inner->encoding(), "^{B=@\"C\"}");
+  EXPECT_EQ(inner->description(), "struct B { C *field1; } *");
+}
+
+TEST(JXType, ReadsOneBehindTheOther) {
+  JXTypeCursor cursor("Vv24@0:8r^{A}16");
+  Strings printed;
+  while (!cursor.isAtEnd()) {
+    printed.push_back(JXTypeWithEncoding(cursor)->description());
+    JXType::numberFromEncoding(cursor);
+  }
+  EXPECT_EQ(printed, (Strings{"oneway void", "id", "SEL", "const struct A *"}));
+  EXPECT_EQ(JXTypeWithEncoding(cursor)->description(), "void");  // there is a text, but no more
+  JXTypeCursor none("");
+  EXPECT_EQ(JXTypeWithEncoding(none), nullptr);
+
+  JXTypeCursor digits("12a");
+  EXPECT_EQ(JXType::numberFromEncoding(digits), 12U);
+  EXPECT_EQ(digits.character(), 'a');
+  EXPECT_EQ(JXType::numberFromEncoding(digits), 0U);
+  EXPECT_EQ(digits.position(), 2U);
+  EXPECT_EQ(JXRemoveQualifiers(digits), JXTypeQualifiers::none);
+  EXPECT_EQ(digits.position(), 2U);
+}
+
+TEST(JXType, NamesQualifiers) {
+  const std::string_view characters = "jrnNoORVA";
+  for (std::size_t i = 0; i < characters.size(); ++i) {
+    EXPECT_EQ(JXTypeQualifierForEncoding(characters[i]), JXTypeQualifiers{1U << i});
+  }
+  EXPECT_EQ(JXTypeQualifierForEncoding('i'), JXTypeQualifiers::none);
+  EXPECT_EQ(JXStringForTypeQualifiers(JXTypeQualifiers::none), std::nullopt);
+  EXPECT_EQ(JXStringForTypeQualifiers(JXTypeQualifiers{2 | 128}), "const oneway");
+}
+
+TEST(JXType, ClassesSupportWhatTheyRead) {
+  for (int i = 0; i < 256; ++i) {
+    const char character = static_cast<char>(i);
+    const bool isOther = std::string_view("{(*@[^b").find(character) != std::string_view::npos;
+    EXPECT_EQ(JXTypeBasic::supportsEncoding(character), !isOther);
+    EXPECT_EQ(JXTypeID::supportsEncoding(character), character == '@');
+    EXPECT_EQ(JXTypePointer::supportsEncoding(character), character == '^' || character == '*');
+    EXPECT_FALSE(JXType::supportsEncoding(character) || JXTypeComplex::supportsEncoding(character));
+  }
+}
+
+TEST(JXType, IsBuilt) {
+  const auto real = JXTypeBasic::initWithPrimitiveType(JXPrimitiveType::double_);
+  const auto character = JXTypeBasic::initWithPrimitiveType(JXPrimitiveType::char_);
+  const auto point = JXTypeStruct::initWithName("CGPoint", Types{real, real}, std::nullopt);
+  const auto named = JXTypeStruct::initWithName("CGPoint", Types{real, real}, Strings{"x", "y"});
+  const struct {
+    std::shared_ptr<JXType> type;
+    std::string encoding, printed;
+  } cases[] = {
+      {real, "d", "double"},
+      {JXTypeBasic::initWithPrimitiveType(JXPrimitiveType{99}), std::string(1, '\0'), "void"},
+      {point, "{CGPoint=dd", "struct CGPoint { double field1; double field2; }"},
+      {named, "{CGPoint=\"x\"d\"y\"d", "struct CGPoint { double x; double y; }"},
+      {JXTypeStruct::initWithName("A", Types{real, real}, Strings{"x"}), "{A=\"x\"dd",
+       "struct A { double x; double field2; }"},
+      {JXTypeStruct::initWithName({}, {}, Strings{"x"}), "{?", "struct"},
+      {JXTypeUnion::initWithName("U", Types{}, {}), "(U=", "union U"},
+      {JXTypePointer::initWithType(point, false), "^{CGPoint=dd",
+       "struct CGPoint { double field1; double field2; } *"},
+      {JXTypePointer::initWithType(JXTypeVoid(), true), "^?v", "void (*)(void)"},
+      {JXTypePointer::initWithType(character, true), "*", "void (*)(void)"},
+      {JXTypeArray::initWithCount(3, real), "[3d]", "double[3]"},
+      {JXTypeBitField::initWithBits(12), "b12", "unsigned int:12"},
+      {JXTypeID::initWithName({}, {}, false), "@", "id"},
+      {JXTypeID::initWithName("N", Strings{"A", "B"}, false), "@\"N<A><B>\"", "N<A, B> *"},
+      {JXTypeID::initWithName({}, Strings{"A"}, false), "@\"<A>\"", "id<A>"},
+      {JXTypeID::initWithName({}, Strings{}, false), "@\"\"", "id"},
+      {JXTypeID::initWithName("N", Strings{"A"}, true), "@?", "void (^)(void)"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.printed);
+    EXPECT_EQ(c.type->encoding(), c.encoding);
+    EXPECT_EQ(c.type->description(), c.printed);
+  }
+  EXPECT_EQ(*point, *JXTypeForEncoding("{CGPoint=dd"));
+  EXPECT_EQ(*named, *JXTypeForEncoding("{CGPoint=\"x\"d\"y\"d"));
+  EXPECT_FALSE(*point == *named);
+  EXPECT_EQ(as<JXTypeID>(cases[16].type).name(), "N");
+  EXPECT_EQ(as<JXTypeID>(cases[16].type).protocols()->at(0), "A");
+  EXPECT_EQ(as<JXTypeStruct>(cases[5].type).fieldNames()->at(0), "x");
+
+  EXPECT_THROW(JXTypePointer::initWithType(nullptr, false), std::invalid_argument);
+  EXPECT_THROW(JXTypeStruct::initWithName("A", Types{nullptr}, {}), std::invalid_argument);
+  std::shared_ptr<JXType> high = JXTypeVoid();
+  for (unsigned i = 0; i < JXType::kMaximumDepth; ++i)
+    high = JXTypePointer::initWithType(high, false);
+  EXPECT_EQ(*high, *JXTypeForEncoding(high->encoding()));
+  EXPECT_THROW(JXTypeArray::initWithCount(1, high), std::length_error);
+}
+
+TEST(JXType, TellsTreesApart) {
+  const char* const encodings[] = {"i",        "ri",         "I",          "^i",   "^ri",  "[2i]",
+                                   "[3i]",     "{A=i}",      "(A=i)",      "{A=i", "{A=}", "{A}",
+                                   "{B=i}",    "{A=\"x\"i}", "{A=\"y\"i}", "@",    "@?",   "@\"A\"",
+                                   "@\"<A>\"", "@\"A<\"",    "b1",         "b2",   "^?",   "^{A=i}",
+                                   "^{A=I}",   "{A=^i^I}",   "{A=^I^i}"};
+  for (const char* left : encodings) {
+    for (const char* right : encodings) {
+      EXPECT_EQ(*JXTypeForEncoding(left) == *JXTypeForEncoding(right), left == right)
+          << left << " " << right;
+    }
+  }
+}
+
+TEST(JXType, StopsAtTheBoundAndGoesOn) {
+  const std::size_t depth = JXType::kMaximumDepth;
+  for (const std::string_view opening : {"^", "[1", "{X=", "(X="}) {
+    SCOPED_TRACE(opening);
+    // Just as many levels, and one more: then the innermost's first character is a basic type.
+    const auto deepest = JXTypeForEncoding(repeated(opening, depth) + "i");
+    EXPECT_NE(deepest->description().find("int"), std::string::npos);
+    const auto deeper = JXTypeForEncoding(repeated(opening, depth + 1) + "i");
+    EXPECT_NE(deeper->description().find("void"), std::string::npos);
+    EXPECT_EQ(fault(repeated(opening, 100 * depth)), "");
+  }
+  // The reading goes on behind the bound: the last member is the outermost's.
+  const std::string nest = "{X=" + repeated("{X=", depth) + repeated("}", depth - 1) + "f}";
+  EXPECT_TRUE(JXTypeForEncoding(nest)->description().ends_with("float field2; }"));
+}
+
+/// A struct in a struct in a struct..., each with an object before another named member.
+std::string nestOfNames(std::size_t depth) {
+  return repeated("{P=\"a\"", depth) + "i" + repeated("\"b\"@\"c\"@\"d\"i}", depth);
+}
+
+TEST(JXType, CorrectsNestsOfNames) {
+  std::string expected = "int ";
+  for (int i = 0; i < 200; ++i) expected = "struct P { " + expected + "a; id b; id c; int d; } ";
+  expected.pop_back();
+  EXPECT_EQ(JXTypeForEncoding(nestOfNames(200))->description(), expected);
+  // Each level is taken back, too, since what follows it is no name.
+  const std::string taken = repeated("{P=\"a\"", 240) + "@" + repeated("\"b\"i}x", 240);
+  EXPECT_EQ(fault(taken), "");
+}
+
+TEST(JXType, WhatFollowsATypeDoesNotDecideIt) {
+  // The first member ends behind the whole when its quoted name is read, which decides that it is
+  // read again, and then without all that.
+  EXPECT_EQ(fault("{P=\"a\"(Q=@\"b)}c\"i}LONG)x"), "");
+}
+
+TEST(JXType, LeavesTheFlagDown) {
+  const auto read = [](std::string_view text) {
+    const std::lock_guard lock(JXTypeIDIgnoreNameLock);
+    JXTypeIDIgnoreName = true;
+    const std::string printed = JXTypeForEncoding(text)->description();
+    const bool isStillSet = JXTypeIDIgnoreName;
+    JXTypeIDIgnoreName = false;
+    return printed + (isStillSet ? " up" : " down");
+  };
+  EXPECT_EQ(JXTypeIDIgnoreNameLock.string(), "JXTypeIDIgnoreNameLock");
+  EXPECT_EQ(read("@\"A\""), "id up");
+  EXPECT_EQ(read("@?"), "void (^)(void) up");
+  EXPECT_EQ(read("{P=\"x\"@\"y\"@}"), "struct P { id x; id y; } up");
+  // A member before what is no quote is read again, to no end, and then objects have names.
+  EXPECT_EQ(read("{P=\"x\"i1n\"@\"A\"\"y\"i}"), "struct P { int x; A *n; int y; } down");
+}
+
+TEST(JXType, IsReadByManyThreads) {
+  const std::string text = nestOfNames(40) + "@\"NSString\"";
+  const std::string expected = JXTypeForEncoding(text)->description();
+  std::vector<int> right(4);
+  std::vector<std::thread> threads;
+  for (int& count : right) {
+    threads.emplace_back([&count, &text, &expected] {
+      for (int i = 0; i < 50; ++i) {
+        JXTypeCursor cursor(text);
+        if (JXTypeWithEncoding(cursor)->description() != expected) continue;
+        if (JXTypeWithEncoding(cursor)->description() == "NSString *") ++count;
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(right, std::vector<int>(4, 50));
+}
+
+TEST(JXType, SurvivesEveryChange) {
+  const std::string encodings[] = {
+      "r^{vector<std::pair<int, id>, std::allocator<int> >=^{A}@\"NSString<X><Y>\"[12b3]}",
+      "{P=\"a\"@\"b\"@\"N\"\"c\"{Q=\"d\"@\"e\"(U=@\"V\"*)}\"f\"^?\"g\"@?}",
+      "v36@0:8{?=[2[3f]](?=Ai^{S})}16@?<v@?>32", nestOfNames(3)};
+  const std::string_view bytes("{}()[]^\"=?@<>b0i*r\0\xC3", 20);
+  for (const std::string& encoding : encodings) {
+    for (std::size_t i = 0; i <= encoding.size(); ++i) {
+      EXPECT_EQ(fault(encoding.substr(0, i)), "") << encoding.substr(0, i);
+      for (std::size_t k = 0; k < bytes.size() && i < encoding.size(); ++k) {
+        std::string changed = encoding;
+        changed[i] = bytes[k];
+        EXPECT_EQ(fault(changed), "") << changed;
+        changed.insert(i, 1, encoding[i]);
+        EXPECT_EQ(fault(changed), "") << changed;
+      }
+    }
+  }
+}
+
+/// Texts that a reader with a fault in its bounds takes hours, or gigabytes, for.
+TEST(JXType, LargeTextsTakeTimeInProportion) {
+  const std::size_t megabyte = 1 << 20;
+  const auto begin = std::chrono::steady_clock::now();
+  for (const std::string_view piece :
+       {"i", "{X=", "^", "[1", "{P=\"a\"", "{P=\"a\"@\"b\"", "\"a\"@\"b\"", "@\"A<B>\"", "{?=", "b",
+        "(Q=@\"b)", "\"a\"(Q=@\"b)", "{P=\"a\"{Q=@\"b}", "r", "{X=\"", "1", "{}",
+        "\"x\"{P=\"a\"ii"}) {
+    SCOPED_TRACE(piece);
+    const std::string text = repeated(piece, megabyte / 8 / piece.size());
+    EXPECT_EQ(fault("{X=" + text), "");
+    EXPECT_EQ(fault("{X=" + text + repeated(")x}x", 1000)), "");
+  }
+  EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::minutes(1));
+}
+
+}  // namespace
+
+}  // namespace tavlen

@@ -93,8 +93,8 @@ std::vector<Class> classesOfImage(const std::filesystem::path& path) {
   classes.erase(std::remove_if(classes.begin(), classes.end(),
                                [&](Class cls) { return imageOf(cls) != image; }),
                 classes.end());
-  // The run time's order is that of a hash table. The compiler lays classes out as they stand in
-  // the source, and the linker keeps the order of the sources.
+  // The run time's order is that of a hash table. GCC lays classes out as they stand in the source
+  // (from its end, unless it optimises), and the linker keeps the order of the sources.
   std::sort(classes.begin(), classes.end(), std::less<>());
   return classes;
 }

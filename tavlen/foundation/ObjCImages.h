@@ -18,10 +18,11 @@ namespace tavlen::ObjCRuntime {
 /// searched for as the loader does. Gives the loader's text where that fails, else nothing.
 std::optional<std::string> loadImage(const std::filesystem::path& path);
 
-/// The classes that the image at `path` defines, in the order of their definitions; an entry that
-/// the run time cannot find by its name is null. None where the image is not loaded.
+/// The classes that the image at `path` defines, in the run time's order; an entry that it cannot
+/// find by its name is null. None where the image is not loaded.
 ///
-/// Under GCC's run time, which keeps the first of equally named classes, the others are left out.
+/// GCC's run time has no order; there it is that of the classes' addresses. It keeps the first of
+/// equally named classes; the others are left out.
 std::vector<Class> classesOfImage(const std::filesystem::path& path);
 
 /// The path of the image that defines `cls`, as the loader was given it. Nothing for a class that

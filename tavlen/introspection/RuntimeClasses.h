@@ -18,8 +18,8 @@ struct objc_method;
 namespace tavlen {
 
 /// Calls `block` for each class that the loaded image at `imagePath` defines, in the run time's
-/// order; under GCC's run time, which has none, in that of their definitions. None for an image
-/// that is not loaded.
+/// order; under GCC's run time, which has none, in that of their addresses, in which optimising
+/// compilers keep the order of the source. None for an image that is not loaded.
 ///
 /// Where there are classes, a progress of one unit a class stands for the calls; it is current
 /// with one pending unit during each.

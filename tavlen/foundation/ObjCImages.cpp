@@ -14,6 +14,7 @@
 #include "tavlen/foundation/ExecutablePath.h"
 #else
 #include <cstdlib>
+#include <iterator>
 #endif
 
 namespace tavlen::ObjCRuntime {
@@ -76,11 +77,11 @@ std::vector<Class> allClasses() {
 
 std::optional<std::string> loadImage(const std::filesystem::path& path) {
   if (!isLoadable(path)) return path.string() + ": not a regular file";
-  // The handle tells, not the text alone: an initialiser may leave the text of a failure of its own
-  // behind.
-  ::dlerror();
+  // Both platforms keep the text for each thread. Whether there is one does not tell a failure: an
+  // initialiser may leave that of a failure of its own.
+  ::dlerror();  // NOLINT(concurrency-mt-unsafe)
   if (::dlopen(path.c_str(), RTLD_LAZY | RTLD_NODELETE) != nullptr) return std::nullopt;
-  const char* text = ::dlerror();
+  const char* text = ::dlerror();  // NOLINT(concurrency-mt-unsafe)
   return text == nullptr ? "unknown error" : text;
 }
 
@@ -115,9 +116,7 @@ std::vector<Class> classesOfImage(const std::filesystem::path& path) {
   std::vector<Class> classes;
   classes.reserve(count);
   std::transform(names.get(), names.get() + count, std::back_inserter(classes),
-                 [](const char* name) {
-                   return name == nullptr ? nullptr : reinterpret_cast<Class>(objc_getClass(name));
-                 });
+                 [](const char* name) { return name == nullptr ? nullptr : objc_getClass(name); });
   return classes;
 }
 

@@ -2,6 +2,8 @@
 
 #include <objc/runtime.h>
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
 #include <vector>
 
@@ -58,8 +60,9 @@ std::shared_ptr<ObjCClass> DynamicClassParser::parseClass(objc_class* cls) const
   const std::string name = class_getName(cls);
   if (const auto known = cache_.find(name); known != cache_.end()) return known->second;
   ObjCClass::Methods methods = methodsOfClass(cls, true);
-  const ObjCClass::Methods ofClass = methodsOfClass(cls, false);
-  methods.insert(methods.end(), ofClass.begin(), ofClass.end());
+  ObjCClass::Methods ofClass = methodsOfClass(cls, false);
+  methods.reserve(methods.size() + ofClass.size());
+  std::move(ofClass.begin(), ofClass.end(), std::back_inserter(methods));
   Class superclass = class_getSuperclass(cls);
   auto record = std::make_shared<ObjCClass>(
       wellFormedUTF8(name), std::move(methods), std::nullopt, superclassName(superclass),

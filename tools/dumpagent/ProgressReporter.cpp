@@ -19,7 +19,7 @@ ProgressReporter::~ProgressReporter() {
 
 void ProgressReporter::run() {
   // A progress tells nobody of its changes.
-  constexpr std::chrono::milliseconds kInterval(10);
+  constexpr std::chrono::milliseconds kInterval(2);
   double reported = -1;
   std::unique_lock lock(lock_);
   for (;;) {

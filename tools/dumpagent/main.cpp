@@ -10,7 +10,6 @@
 #include <exception>
 #include <filesystem>
 #include <memory>
-#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -22,6 +21,7 @@
 #include "tavlen/foundation/ExecutablePath.h"
 #include "tavlen/foundation/KeyedArchive.h"
 #include "tavlen/foundation/Log.h"
+#include "tavlen/foundation/ScopedProgress.h"
 #include "tavlen/introspection/DynamicClassParser.h"
 
 namespace {
@@ -46,26 +46,24 @@ std::uint16_t portToReportTo() {
   return port;
 }
 
-std::filesystem::path imageToDump(const DeviceRoot& root) {
+std::string archiveOfImage(const DeviceRoot& root, const ReportSender& sender) {
   const std::string image = environmentValue(TessaloopDatagram::kImageVariable);
   if (image.empty()) throw std::runtime_error("TESSALOOP_IMAGE names no image");
-  return image == TessaloopDatagram::kMainImage ? executablePath() : root.resolve(image);
-}
-
-std::string archiveOf(const std::filesystem::path& image, const ReportSender& sender) {
+  // A program is loaded already, and cannot be loaded again.
+  const bool isMain = image == TessaloopDatagram::kMainImage;
+  const std::filesystem::path path = isMain ? executablePath() : root.resolve(image);
   const std::shared_ptr<Progress> progress = Progress::discrete(1);
   const ProgressReporter reporter(progress, sender);
-  progress->becomeCurrent(1);
-  const auto classes = DynamicClassParser::sharedParser().parseClassesAtPath(image, true);
-  progress->resignCurrent();
-  if (!classes) throw std::runtime_error(image.string() + ": cannot be dumped");
+  const ScopedProgress current(progress, 1);
+  const auto classes = DynamicClassParser::sharedParser().parseClassesAtPath(path, !isMain);
+  if (!classes) throw std::runtime_error(image + ": cannot be dumped");
   return encodeKeyedArchive(*classes);
 }
 
 void dump(const ReportSender& sender) {
   const std::string rootPath = environmentValue("TAVLEN_ROOT");
   const DeviceRoot root = rootPath.empty() ? DeviceRoot() : DeviceRoot(rootPath);
-  const std::string archive = archiveOf(imageToDump(root), sender);
+  const std::string archive = archiveOfImage(root, sender);
   ArchiveFolder folder(root.resolve("/tmp"));
   const std::filesystem::path path = root.devicePath(folder.write(archive));
   sender.send({.value = TessaloopDatagram::kFinal, .path = path.string()});

@@ -19,6 +19,7 @@
 
 #include <Block.h>
 #include <errno.h>
+#include <pthread.h>
 #include <spawn.h>
 #include <stdlib.h>
 #include <string.h>
@@ -147,7 +148,7 @@ static pid_t startProgram(NSString *app, NSDictionary *options) {
   return pid;
 }
 
-// One launch of an app.
+// One launch of an app. It keeps itself until it has been answered and its program has ended.
 @interface Launch : NSObject {
 @public
   NSString *app;
@@ -161,7 +162,35 @@ static pid_t startProgram(NSString *app, NSDictionary *options) {
   [app release];
   [super dealloc];
 }
+- (void)answer {
+  NSDictionary *answers = script();
+  NSString *text = [[answers objectForKey:@"launchErrors"] objectForKey:app];
+  NSNumber *times = [[answers objectForKey:@"launchAnswers"] objectForKey:app];
+  NSNumber *delay = [answers objectForKey:@"launchDelay"];
+  [NSThread sleepForTimeInterval:delay ? [delay doubleValue] : 0.02];
+  for (int left = times ? [times intValue] : 1; left > 0; --left) {
+    block->invoke(block, text ? [NSError errorWithDomain:text code:1 userInfo:nil] : nil);
+  }
+  _Block_release(block);
+}
+- (void)wait {
+  if (pid < 0) return;
+  while (waitpid(pid, NULL, 0) < 0 && errno == EINTR) {
+  }
+  @synchronized(running()) {
+    if ([[running() objectForKey:app] intValue] == pid) [running() removeObjectForKey:app];
+  }
+}
 @end
+
+static void *follow(void *launch) {
+  NSAutoreleasePool *pool = [NSAutoreleasePool new];
+  [(Launch *)launch answer];
+  [(Launch *)launch wait];
+  [(Launch *)launch release];
+  [pool drain];
+  return NULL;
+}
 
 @implementation FBSSystemService
 + (id)sharedService { return singleton(@"service", self); }
@@ -172,31 +201,11 @@ static pid_t startProgram(NSString *app, NSDictionary *options) {
   }
   return pid ? [pid intValue] : -1;
 }
-- (void)answer:(Launch *)launch {
-  NSAutoreleasePool *pool = [NSAutoreleasePool new];
-  NSDictionary *answers = script();
-  NSString *text = [[answers objectForKey:@"launchErrors"] objectForKey:launch->app];
-  NSNumber *times = [[answers objectForKey:@"launchAnswers"] objectForKey:launch->app];
-  NSNumber *delay = [answers objectForKey:@"launchDelay"];
-  [NSThread sleepForTimeInterval:delay ? [delay doubleValue] : 0.02];
-  for (int left = times ? [times intValue] : 1; left > 0; --left) {
-    launch->block->invoke(launch->block, text ? [NSError errorWithDomain:text code:1 userInfo:nil] : nil);
-  }
-  _Block_release(launch->block);
-  if (launch->pid > 0) {
-    while (waitpid(launch->pid, NULL, 0) < 0 && errno == EINTR) {
-    }
-    @synchronized(running()) {
-      if ([[running() objectForKey:launch->app] intValue] == launch->pid) [running() removeObjectForKey:launch->app];
-    }
-  }
-  [pool drain];
-}
 - (void)openApplication:(NSString *)bundleID options:(NSDictionary *)options withResult:(void *)result {
   NSDictionary *answers = script();
   NSString *notes = [answers objectForKey:@"launchOptions"];
   if (notes) [options writeToFile:notes atomically:YES];
-  Launch *launch = [[Launch new] autorelease];
+  Launch *launch = [Launch new];
   launch->app = [bundleID copy];
   launch->block = _Block_copy(result);
   launch->pid = [[answers objectForKey:@"launchErrors"] objectForKey:bundleID] ? -1 : startProgram(bundleID, options);
@@ -205,6 +214,8 @@ static pid_t startProgram(NSString *app, NSDictionary *options) {
       [running() setObject:[NSNumber numberWithInt:launch->pid] forKey:bundleID];
     }
   }
-  [NSThread detachNewThreadSelector:@selector(answer:) toTarget:self withObject:launch];
+  // Not one of NSThread's: where the first thread that GNUstep met is not the program's, they end the process.
+  pthread_t thread;
+  if (pthread_create(&thread, NULL, follow, launch) == 0) pthread_detach(thread);
 }
 @end

@@ -1,5 +1,7 @@
 #include "tavlen/introspection/DumpFolder.h"
 
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
@@ -22,15 +24,26 @@ namespace fs = std::filesystem;
   throw std::system_error(EPERM, std::generic_category(), folder.string());
 }
 
-/// Whether `folder` is `item` or holds it. By what they are on the disk, not by their names.
+/// Whether these are one entry on the disk, whatever their names; links are what they are.
+bool isSame(const fs::path& first, const fs::path& second) {
+  struct stat a {};
+  struct stat b {};
+  return ::lstat(first.c_str(), &a) == 0 && ::lstat(second.c_str(), &b) == 0 &&
+         a.st_dev == b.st_dev && a.st_ino == b.st_ino;
+}
+
+/// Whether `folder` is `item` or holds it. The folders that lead to both are no links.
 bool holds(const fs::path& folder, const fs::path& item) {
-  std::error_code error;
-  fs::path outer = fs::weakly_canonical(item, error);
-  if (error) outer = item;
-  for (;; outer = outer.parent_path()) {
-    if (fs::equivalent(folder, outer, error) && !error) return true;
+  for (fs::path outer = item;; outer = outer.parent_path()) {
+    if (isSame(folder, outer)) return true;
     if (!outer.has_relative_path()) return false;
   }
+}
+
+fs::path withoutLinks(const fs::path& path) {
+  std::error_code error;
+  fs::path followed = fs::weakly_canonical(path, error);
+  return error ? path : followed;
 }
 
 /// What of the library's own, and of the app's, lies on the disk.
@@ -74,11 +87,12 @@ fs::path folderOf(const fs::path& archive, const DeviceRoot& root) {
 void removeDumpFolder(const fs::path& archive, const fs::path& appDir) {
   const DeviceRoot root = DeviceRoot::shared();
   const fs::path folder = folderOf(archive, root);
-  for (const fs::path& own : untouchableFolders(root, appDir)) {
-    if (!own.empty() && (holds(folder, own) || holds(own, folder))) refuse(folder);
+  for (const fs::path& named : untouchableFolders(root, appDir)) {
+    const fs::path own = withoutLinks(named);
+    if (holds(folder, own) || holds(own, folder)) refuse(folder);
   }
   for (const fs::path& shared : sharedFolders(root)) {
-    if (!shared.empty() && holds(folder, shared)) refuse(folder);
+    if (holds(folder, withoutLinks(shared))) refuse(folder);
   }
   removeItem(folder);
 }

@@ -67,7 +67,7 @@ class DumpTest : public testing::Test {
       const std::lock_guard lock(logLock_);
       log_.emplace_back(message);
     });
-    tree_.write("bin/kill", "#!/bin/sh\nkill \"$@\"\n");
+    tree_.write("bin/kill", "#!/bin/sh\nkill \"$@\" 2>/dev/null\n");
     std::filesystem::permissions(tree() / "bin/kill", std::filesystem::perms::owner_all);
     writeInfo(kApp);
     tree_.write("Applications/Dumped.app/Frameworks/none", "");
@@ -97,9 +97,9 @@ class DumpTest : public testing::Test {
                      const std::string& more = "") const {
     return "<key>launchDelay</key><real>0</real><key>programs</key><dict><key>" +
            std::string(kApp) + "</key><string>" TAVLEN_DUMP_AGENT "</string></dict>" +
-           "<key>programEnvironment</key><dict><key>TAVLEN_ROOT</key><string>" + tree().string() +
-           "</string><key>TESSALOOP_PORT</key><string>" + std::to_string(port) + "</string>" +
-           environment + "</dict>" + more;
+           "<key>programEnvironment</key><dict><key>TAVLEN_ROOT</key><string>" +
+           DeviceRoot::shared().url().string() + "</string><key>TESSALOOP_PORT</key><string>" +
+           std::to_string(port) + "</string>" + environment + "</dict>" + more;
   }
 
   /// The folders that agents have left.

@@ -1,13 +1,18 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cstdlib>
+#include <future>
+#include <memory>
+#include <optional>
 #include <string>
 
 #include "StandIns.h"
 #include "tavlen/device/ExcludedApps.h"
 #include "tavlen/device/LSAppListFetcher.h"
 #include "tavlen/device/SystemService.h"
+#include "tavlen/foundation/FileSystem.h"
 
 namespace tavlen {
 namespace {
@@ -149,6 +154,52 @@ TEST(SystemService, GivesPidsOfRunningAppsOnly) {
     EXPECT_FALSE(SystemService::isAvailable()) << state;
     EXPECT_EQ(SystemService::pidForApplication("com.example.a"), std::nullopt) << state;
   }
+}
+
+/// What the completion of a launch is told; a text of ours where that takes too long.
+std::optional<std::string> openingError(const std::string& bundleID,
+                                        const SystemService::OpenOptions& options = {}) {
+  const auto answer = std::make_shared<std::promise<std::optional<std::string>>>();
+  auto error = answer->get_future();
+  SystemService::openApplication(
+      bundleID, options,
+      [answer](const std::optional<std::string>& description) { answer->set_value(description); });
+  if (error.wait_for(std::chrono::seconds(60)) != std::future_status::ready) return "no answer";
+  return error.get();
+}
+
+TEST(SystemService, OpensAppsWithOptions) {
+  const TemporaryFolder folder;
+  const std::string notes = folder.path() / "options.plist";
+  const StandIns standIns(stringXML("launchOptions", notes));
+  SystemService::OpenOptions options;
+  options.environment = {{"NAME", "caf\xC3\xA9"}, {"OTHER", ""}};
+  const auto written = [&] {
+    EXPECT_EQ(openingError("com.example.a", options), std::nullopt);
+    std::string text = readFile(notes);
+    std::erase_if(text, [](unsigned char byte) { return byte <= ' '; });
+    return text;
+  };
+  const std::string rest = R"("__DebugOptions"={"__Environment"={NAME="caf\U00E9";OTHER="";};};})";
+  EXPECT_EQ(written(), "{\"__ActivateSuspended\"=<*BN>;" + rest);
+  options.isSuspended = true;
+  EXPECT_EQ(written(), "{\"__ActivateSuspended\"=<*BY>;" + rest);
+}
+
+TEST(SystemService, TellsWhyAnAppIsNotOpened) {
+  for (const char* state : {"none", "raises"}) {
+    const StandIns standIns(stringXML("service", state));
+    EXPECT_THAT(openingError("com.example.a").value_or(""),
+                testing::HasSubstr(state == "none"s ? "missing" : "raised"));
+  }
+  const StandIns standIns("<key>launchErrors</key><dict>" + stringXML("com.example.a", "DomainA") +
+                          "</dict>");
+  EXPECT_THAT(openingError("com.example.a").value_or(""), testing::HasSubstr("DomainA"));
+  EXPECT_EQ(openingError("com.example.b"), std::nullopt);
+  SystemService::OpenOptions malformed;
+  malformed.environment = {{"NAME", "\xFF"}};
+  EXPECT_THAT(openingError("com.example.b", malformed).value_or(""), testing::HasSubstr("UTF-8"));
+  EXPECT_THAT(openingError("\xFF").value_or(""), testing::HasSubstr("UTF-8"));
 }
 
 }  // namespace

@@ -1,0 +1,92 @@
+#include "tavlen/introspection/RemoteDump.h"
+
+#include <cmath>
+#include <cstdint>
+#include <exception>
+#include <filesystem>
+#include <optional>
+#include <stdexcept>
+#include <string>
+
+#include "tavlen/bundles/Executable.h"
+#include "tavlen/bundles/IPA.h"
+#include "tavlen/device/DeviceRoot.h"
+#include "tavlen/foundation/FatalError.h"
+#include "tavlen/foundation/FileSystem.h"
+#include "tavlen/foundation/KeyedArchive.h"
+#include "tavlen/foundation/Log.h"
+#include "tavlen/foundation/ScopedProgress.h"
+#include "tavlen/introspection/DumpFolder.h"
+#include "tavlen/introspection/RemoteClassParser.h"
+
+namespace tavlen {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// A hundred times what large apps need.
+constexpr std::size_t kLargestArchive = std::size_t{256} << 20;
+constexpr std::int64_t kUnitsOfDump = 100;
+
+[[noreturn]] void failLogging(const std::string& reason) {
+  logMessage("remote dump: " + reason);
+  throw RemoteClassParser::Error::failed();
+}
+
+std::int64_t unitsDone(double fraction) {
+  constexpr double kLimit = 0x1p63;
+  const double units = std::trunc(fraction * static_cast<double>(kUnitsOfDump));
+  // NaN is on no side of a limit.
+  if (!(units >= -kLimit && units < kLimit)) {
+    fatalError("the dump agent's progress does not fit into 64 bits");
+  }
+  return static_cast<std::int64_t>(units);
+}
+
+std::string bundleIDOf(const IPA& ipa) {
+  try {
+    return ipa.infoManager().info().bundleID;
+  } catch (const std::exception& error) {
+    failLogging(error.what());
+  }
+}
+
+ClassParser::Classes classesIn(const std::string& devicePath) {
+  try {
+    const fs::path path(devicePath);
+    const fs::path file = path.is_relative() ? path : DeviceRoot::shared().resolve(devicePath);
+    const std::optional<std::string> bytes = readFileUpTo(file, kLargestArchive);
+    if (!bytes) throw std::runtime_error(devicePath + ": too large for an archive");
+    return decodeKeyedArchive<ClassParser::Classes>(*bytes);
+  } catch (const std::exception& error) {
+    failLogging(error.what());
+  }
+}
+
+}  // namespace
+
+ClassParser::Classes dumpRemotely(const Executable& executable,
+                                  const std::shared_ptr<Progress>& parent, DumpRequest request) {
+  const std::shared_ptr<Progress> progress = Progress::discrete(1);
+  if (parent != nullptr) parent->addChild(progress, 1);
+  const std::shared_ptr<IPA> ipa = executable.ipa();
+  if (ipa == nullptr) throw RemoteClassParser::Error::failed();
+  std::string bundleID;
+  std::shared_ptr<Progress> dump;
+  {
+    const ScopedProgress current(progress, 1);
+    bundleID = bundleIDOf(*ipa);
+    dump = Progress::make(kUnitsOfDump);
+  }
+  const fs::path image = DeviceRoot::shared().devicePath(fs::absolute(executable.path()));
+  const std::optional<std::string> archive =
+      request(bundleID, image.string(), executable.isMain(),
+              [&](double fraction) { dump->setCompletedUnitCount(unitsDone(fraction)); });
+  if (!archive) throw RemoteClassParser::Error::failed();
+  ClassParser::Classes classes = classesIn(*archive);
+  removeDumpFolder(*archive, ipa->appDir());
+  return classes;
+}
+
+}  // namespace tavlen

@@ -1,0 +1,188 @@
+#include "tavlen/introspection/RemoteClassParser.h"
+
+#include <gmock/gmock.h>
+
+#include <system_error>
+
+#include "DumpTest.h"
+#include "tavlen/foundation/FileSystem.h"
+#include "tavlen/foundation/KeyedArchive.h"
+#include "tavlen/introspection/DynamicClassParser.h"
+#include "tavlen/introspection/RemoteDump.h"
+#include "tavlen/introspection/TessaloopInterface.h"
+
+#if defined(TAVLEN_FINDS_LEAKS) || defined(__SANITIZE_THREAD__)
+#define TAVLEN_SANITIZED
+#endif
+
+namespace tavlen {
+namespace {
+
+namespace fs = std::filesystem;
+using Classes = ClassParser::Classes;
+
+/// The whole way: a launch that starts the reference agent, its reports, its archive.
+class RemoteClassParserTest : public DumpTest {
+ protected:
+  RemoteClassParserTest()
+      : ipa_(IPA::withAppDir(appDir())),
+        program_(ipa_, appDir(), "Dumped", true),
+        image_(ipa_, appDir(), "Frameworks/Probe.dylib", false) {}
+
+  /// As RemoteClassParser does, at another port and without its pause.
+  static Classes dump(TessaloopClient& client, const Executable& executable) {
+    return dumpRemotely(executable, nullptr,
+                        [&](const std::string& bundleID, const std::string& image, bool isMain,
+                            const std::function<void(double)>& progress) {
+                          return client.invoke(bundleID, image, isMain, progress);
+                        });
+  }
+
+  std::shared_ptr<IPA> ipa_;
+  Executable program_;
+  Executable image_;
+};
+
+/// Processes name an image by the path by which they loaded it first.
+ObjCClass comparable(ObjCClass cls) {
+  if (cls.superclassPath) cls.superclassPath = fs::canonical(*cls.superclassPath).string();
+  return cls;
+}
+
+long entries(const char* folder) {
+  const fs::directory_iterator entry(folder);
+  return std::distance(begin(entry), end(entry));
+}
+
+TEST_F(RemoteClassParserTest, DumpsAnImageOfAnApp) {
+  const std::uint16_t port = freePort();
+  const StandIns standIns(script(port));
+  TessaloopClient client(quick(port));
+  const Classes classes = dump(client, image_);
+  ASSERT_EQ(classes.size(), 1U);
+  EXPECT_EQ(classes.front()->name, "DumpedProbe");
+  EXPECT_EQ(classes.front()->supercls, std::nullopt);
+  const ObjCClass::Methods& methods = classes.front()->methods;
+  ASSERT_GE(methods.size(), 2U);
+  EXPECT_EQ(*methods.front(), ObjCMethod("add:to:", "i24@0:8i16i20", false));
+  EXPECT_THAT(methods,
+              testing::Contains(testing::Pointee(ObjCMethod("half:", "d24@0:8d16", true))));
+  EXPECT_TRUE(dump(client, program_).empty());  // the agent's own program has none
+  EXPECT_EQ(archiveFolders(), 0);
+}
+
+TEST_F(RemoteClassParserTest, DumpsAWholeFoundationAsTheRunTimeKnowsIt) {
+  // Each test has a process of its own, but for those who run the program themselves.
+  if (::dlopen(TAVLEN_STAND_INS_LIBRARY, RTLD_LAZY | RTLD_NOLOAD) != nullptr) {
+    GTEST_SKIP() << "the stand-ins have used classes, some of which got methods then";
+  }
+  DeviceRoot::setShared(DeviceRoot());
+  const fs::path library = TAVLEN_FOUNDATION_LIBRARY;
+  const auto known = DynamicClassParser::sharedParser().parseClassesAtPath(library, true);
+  ASSERT_TRUE(known);
+  const std::uint16_t port = freePort();
+  const StandIns standIns(script(port));
+  TessaloopClient client(quick(port));
+  RunningRequest request(client, kApp, library);
+  const Path path = request.path();
+  ASSERT_TRUE(path);
+  const auto dumped = decodeKeyedArchive<Classes>(readFile(*path));
+  fs::remove_all(fs::path(*path).parent_path());
+  ASSERT_GT(known->size(), 400U);
+  ASSERT_EQ(dumped.size(), known->size());
+  for (std::size_t i = 0; i < dumped.size(); ++i)
+    EXPECT_EQ(comparable(*dumped[i]), comparable(*known->at(i)));
+  const std::vector<double> fractions = request.fractions();
+  ASSERT_GE(fractions.size(), 2U);
+  EXPECT_TRUE(std::is_sorted(fractions.begin(), fractions.end()));
+  EXPECT_EQ(fractions.front(), 0);
+  EXPECT_EQ(fractions.back(), 1);
+}
+
+TEST_F(RemoteClassParserTest, FailsWhereTheAgentFails) {
+  const std::uint16_t port = freePort();
+  const StandIns standIns(script(port));
+  TessaloopClient client(quick(port));
+  fs::remove(image_.path());
+  EXPECT_THROW(dump(client, image_), RemoteClassParser::Error);
+  write("Applications/Dumped.app/Frameworks/Probe.dylib", "no image");
+  EXPECT_THROW(dump(client, image_), RemoteClassParser::Error);
+  EXPECT_EQ(archiveFolders(), 0);
+}
+
+TEST_F(RemoteClassParserTest, LeavesNothingAfterManyRequests) {
+#ifdef TAVLEN_SANITIZED
+  constexpr int kRequests = 60;
+#else
+  constexpr int kRequests = 1000;
+#endif
+  const std::uint16_t port = freePort();
+  const StandIns standIns(script(port));
+  const auto silentIPA = [&] {
+    const fs::path folder = tree() / "Applications/Silent.app";
+    fs::create_directories(folder);
+    writeInfo(kSilentApp);
+    fs::rename(appDir() / "Info.plist", folder / "Info.plist");
+    writeInfo(kApp);
+    return IPA::withAppDir(folder);
+  }();
+  const Executable silent(silentIPA, silentIPA->appDir(), "Silent", true);
+  long threads = 0;
+  long descriptors = 0;
+  const auto request = [&](TessaloopClient& client, int i) {
+    if (i % 10 != 9) {
+      EXPECT_TRUE(dump(client, program_).empty());
+      return;
+    }
+    auto cancelled = std::async(std::launch::async, [&] {
+      EXPECT_THROW(dump(client, silent), RemoteClassParser::Error);
+      return true;
+    });
+    while (cancelled.wait_for(std::chrono::microseconds(100)) != std::future_status::ready) {
+      client.cancel();
+    }
+  };
+  for (const int count : {1, kRequests}) {
+    {
+      TessaloopClient client(quick(port));
+      for (int i = 0; i < count; ++i) request(client, i);
+    }
+    // Whoever waits for an agent's process goes when that has gone.
+    ASSERT_TRUE(becomesTrue([&] { return count == 1 || entries("/proc/self/task") <= threads; }));
+    if (count == 1) {
+      threads = entries("/proc/self/task");
+      descriptors = entries("/proc/self/fd");
+    }
+  }
+  EXPECT_EQ(entries("/proc/self/fd"), descriptors);
+  EXPECT_EQ(archiveFolders(), 0);
+}
+
+TEST_F(RemoteClassParserTest, WaitsTheDocumentedPauseAtTheDocumentedPort) {
+  try {
+    const DatagramReceiver own(TessaloopDatagram::kPort);
+  } catch (const std::system_error& error) {
+    GTEST_SKIP() << error.what();
+  }
+  using Clock = std::chrono::steady_clock;
+  const StandIns standIns(script(5432));
+  const auto parent = Progress::discrete(1);
+  const Clock::time_point start = Clock::now();
+  const Classes classes = RemoteClassParser().parse(image_, parent);
+  EXPECT_GE(Clock::now() - start, std::chrono::milliseconds(500));
+  ASSERT_EQ(classes.size(), 1U);
+  EXPECT_EQ(parent->fractionCompleted(), 1);
+  EXPECT_EQ(archiveFolders(), 0);
+
+  writeInfo(kSilentApp);
+  auto cancelled = std::async(std::launch::async, [&] {
+    EXPECT_THROW(RemoteClassParser().parse(image_), RemoteClassParser::Error);
+    return true;
+  });
+  while (cancelled.wait_for(std::chrono::milliseconds(1)) != std::future_status::ready) {
+    cancelTessaloopIfNeeded();
+  }
+}
+
+}  // namespace
+}  // namespace tavlen

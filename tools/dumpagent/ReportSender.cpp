@@ -1,0 +1,48 @@
+#include "dumpagent/ReportSender.h"
+
+#include <netinet/in.h>
+#include <sys/socket.h>
+
+#include <cerrno>
+#include <string>
+#include <system_error>
+
+namespace tavlen::dumpagent {
+
+namespace {
+
+[[noreturn]] void fail(const char* call) {
+  throw std::system_error(errno, std::generic_category(), call);
+}
+
+}  // namespace
+
+ReportSender::ReportSender(std::uint16_t port)
+    : socket_(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0)) {
+  if (socket_.get() < 0) fail("socket");
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  address.sin_port = htons(port);
+  // Connected, so that it hears when nobody listens.
+  if (::connect(socket_.get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0) {
+    fail("connect");
+  }
+}
+
+void ReportSender::send(const TessaloopDatagram& report) const {
+  const std::string bytes = report.written();
+  // A refusal here is the answer to what was sent before, and takes the place of this one.
+  for (int attempt = 0; attempt < 2; ++attempt) {
+    if (::send(socket_.get(), bytes.data(), bytes.size(), 0) >= 0) return;
+    if (errno != ECONNREFUSED && errno != EINTR) return;
+  }
+}
+
+bool ReportSender::wasTaken() const {
+  int error = 0;
+  socklen_t size = sizeof(error);
+  return ::getsockopt(socket_.get(), SOL_SOCKET, SO_ERROR, &error, &size) == 0 && error == 0;
+}
+
+}  // namespace tavlen::dumpagent

@@ -1,0 +1,90 @@
+// The reference dump agent: a program where the device's agent is a library in an app. It dumps the
+// image that TESSALOOP_IMAGE names, or its own program for TESSALOOP_MAIN, reports to whoever
+// listens at the port, and exits with 0 when its archive was taken.
+//
+// Paths, its own among them, are the device's: TAVLEN_ROOT names the folder that stands for the
+// device's "/". TESSALOOP_PORT names another port, for tests.
+#include <charconv>
+#include <cstdint>
+#include <cstdlib>
+#include <exception>
+#include <filesystem>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+#include "dumpagent/ArchiveFolder.h"
+#include "dumpagent/ProgressReporter.h"
+#include "dumpagent/ReportSender.h"
+#include "tavlen/device/DeviceRoot.h"
+#include "tavlen/foundation/ExecutablePath.h"
+#include "tavlen/foundation/KeyedArchive.h"
+#include "tavlen/foundation/Log.h"
+#include "tavlen/foundation/ScopedProgress.h"
+#include "tavlen/introspection/DynamicClassParser.h"
+
+namespace {
+
+using namespace tavlen;
+using namespace tavlen::dumpagent;
+
+/// Empty where it is not set.
+std::string environmentValue(std::string_view name) {
+  const char* const value = std::getenv(std::string(name).c_str());
+  return value == nullptr ? "" : value;
+}
+
+std::uint16_t portToReportTo() {
+  const std::string text = environmentValue("TESSALOOP_PORT");
+  if (text.empty()) return TessaloopDatagram::kPort;
+  std::uint16_t port = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), port);
+  if (error != std::errc() || end != text.data() + text.size()) {
+    throw std::runtime_error("TESSALOOP_PORT is no port");
+  }
+  return port;
+}
+
+std::string archiveOfImage(const DeviceRoot& root, const ReportSender& sender) {
+  const std::string image = environmentValue(TessaloopDatagram::kImageVariable);
+  if (image.empty()) throw std::runtime_error("TESSALOOP_IMAGE names no image");
+  // A program is loaded already, and cannot be loaded again.
+  const bool isMain = image == TessaloopDatagram::kMainImage;
+  const std::filesystem::path path = isMain ? executablePath() : root.resolve(image);
+  const std::shared_ptr<Progress> progress = Progress::discrete(1);
+  const ProgressReporter reporter(progress, sender);
+  const ScopedProgress current(progress, 1);
+  const auto classes = DynamicClassParser::sharedParser().parseClassesAtPath(path, !isMain);
+  if (!classes) throw std::runtime_error(image + ": cannot be dumped");
+  return encodeKeyedArchive(*classes);
+}
+
+void dump(const ReportSender& sender) {
+  const std::string rootPath = environmentValue("TAVLEN_ROOT");
+  const DeviceRoot root = rootPath.empty() ? DeviceRoot() : DeviceRoot(rootPath);
+  const std::string archive = archiveOfImage(root, sender);
+  ArchiveFolder folder(root.resolve("/tmp"));
+  const std::filesystem::path path = root.devicePath(folder.write(archive));
+  sender.send({.value = TessaloopDatagram::kFinal, .path = path.string()});
+  if (!sender.wasTaken()) throw std::runtime_error("nobody takes the archive");
+  folder.leave();
+}
+
+}  // namespace
+
+int main() {
+  try {
+    const ReportSender sender(portToReportTo());
+    try {
+      dump(sender);
+      return EXIT_SUCCESS;
+    } catch (const std::exception&) {
+      sender.send({.value = TessaloopDatagram::kFinal, .path = {}});
+      throw;
+    }
+  } catch (const std::exception& error) {
+    logToStandardError(std::string("dumpagent: ") + error.what());
+    return EXIT_FAILURE;
+  }
+}

@@ -41,5 +41,7 @@ void addExportCommand(CLI::App& app, Action& action);
 void addImportCommand(CLI::App& app, Action& action);
 void addCollectionCommand(CLI::App& app, Action& action);
 void addWatchCommand(CLI::App& app, Action& action);
+void addClassesCommand(CLI::App& app, Action& action);
+void addMethodsCommand(CLI::App& app, Action& action);
 
 }  // namespace tavlen::cli

@@ -93,7 +93,7 @@ int exportItem(const Options& options) {
   warnOfMissingMembers(*item);
   const ExportedArchive archive = [&] {
     const ProgressLine line("exporting " + options.item);
-    return ExportedArchive(TweakManager::export_(*item, line.progress()));
+    return ExportedArchive(TweakManager::export_(*item, line.progress().get()));
   }();
   if (isFolder)
     file = options.output.empty() ? archive.path().filename() : file / archive.path().filename();

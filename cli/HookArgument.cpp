@@ -1,7 +1,6 @@
 #include "cli/HookArgument.h"
 
 #include <CLI/CLI.hpp>
-#include <optional>
 #include <stdexcept>
 
 #include "cli/ArgumentChecks.h"
@@ -27,6 +26,21 @@ std::string withPrefix(std::string& text) {
 std::string methodText(const MethodIdentity& identity) {
   return (identity.isClassMethod ? "+[" : kInstanceMethodBegin) + identity.className + " " +
          identity.selector + "]";
+}
+
+std::optional<MethodIdentity> methodNamed(std::string_view text) {
+  const bool isClassMethod = text.starts_with("+[");
+  if ((!isClassMethod && !text.starts_with(kInstanceMethodBegin)) || !text.ends_with(']')) {
+    return std::nullopt;
+  }
+  text = text.substr(2, text.size() - 3);
+  // Names of Swift's generic classes may hold blanks; selectors never do.
+  const std::size_t blank = text.rfind(' ');
+  if (blank == std::string_view::npos || blank == 0 || blank + 1 == text.size()) {
+    return std::nullopt;
+  }
+  return MethodIdentity{std::string(text.substr(0, blank)), std::string(text.substr(blank + 1)),
+                        isClassMethod};
 }
 
 void addHookArgument(CLI::App& command, std::string& text) {

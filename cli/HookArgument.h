@@ -1,7 +1,9 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
+#include <string_view>
 
 #include "tavlen/parameters/HookManager.h"
 
@@ -13,6 +15,9 @@ namespace tavlen::cli {
 
 /// "-[Class selector]", or "+[Class selector]" for a class method.
 std::string methodText(const MethodIdentity& identity);
+
+/// Reads what methodText() writes. Nothing for any other text.
+std::optional<MethodIdentity> methodNamed(std::string_view text);
 
 /// Adds the argument HOOK, as hookArgument() takes it.
 void addHookArgument(CLI::App& command, std::string& text);

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "cli/ArgumentChecks.h"
+#include "cli/ClassDump.h"
 #include "cli/Commands.h"
 #include "cli/Console.h"
 #include "cli/ErrorPlace.h"
@@ -31,6 +32,8 @@ struct Options {
   std::optional<std::string> selector;
   std::optional<std::string> signature;
   std::optional<std::string> name;
+  std::optional<std::string> method;
+  ImageArgument image;
   bool isClassMethod = false;
   bool isInstanceMethod = false;
   bool hasNoName = false;
@@ -56,10 +59,34 @@ void requireFree(const HookManager& manager) {
   if (isTaken) throw std::runtime_error("the tweak hooks that method already");
 }
 
+CLI::Validator isMethod() {
+  return {[](const std::string& text) {
+            return methodNamed(text) ? std::string()
+                                     : "not '-[Class selector]' or '+[Class selector]': " + text;
+          },
+          ""};
+}
+
+/// The hook of a method that the image has, with the types that it has there.
+Hook dumpedHook(const Options& options) {
+  const MethodIdentity wanted = *methodNamed(*options.method);
+  const std::shared_ptr<ObjCClass> cls = dumpedClass(options.image, wanted.className);
+  for (const auto& [method, identity] : cls->methodIdentities()) {
+    if (identity == wanted) return Hook::with(*cls, *method, {});
+  }
+  throw std::runtime_error(options.image.image + ": " + wanted.className + " has no method " +
+                           methodText(wanted) + " of its own");
+}
+
+Hook newHook(const Options& options) {
+  if (options.method) return dumpedHook(options);
+  return Hook::with(options.className.value_or(""), options.selector.value_or(""),
+                    options.signature.value_or(""), options.isClassMethod, {});
+}
+
 void addHook(const Options& options) {
-  const Hook plain = Hook::with(options.className.value_or(""), options.selector.value_or(""),
-                                options.signature.value_or(""), options.isClassMethod, {});
   const auto tweak = storedTweak(options.tweak);
+  const Hook plain = newHook(options);
   naming(options.tweak + ": " + methodText(plain.identity()), [&] {
     const std::lock_guard lock(tweakPoster().recursiveLock);
     const HookManager manager = tweak->managerFor(plain.identity());
@@ -145,14 +172,26 @@ CLI::Option* addText(CLI::App& command, const char* name, std::optional<std::str
 void addAdd(CLI::App& group, Action& action) {
   const auto options = std::make_shared<Options>();
   CLI::App& command = *addTo(group, action, "add", "Hook a method", options, addHook);
-  addText(command, "CLASS", options->className, "The method's class")->required();
-  addText(command, "SELECTOR", options->selector, "The method's selector")->required();
-  addText(command, "--signature", options->signature,
-          "The method's type encoding, such as v24@0:8@16")
-      ->required()
-      ->type_name("TYPES");
-  command.add_flag("--class-method", options->isClassMethod, "It is a class method");
+  auto* cls = addText(command, "CLASS", options->className, "The method's class");
+  auto* selector = addText(command, "SELECTOR", options->selector, "The method's selector");
+  auto* signature = addText(command, "--signature", options->signature,
+                            "The method's type encoding, such as v24@0:8@16")
+                        ->type_name("TYPES");
+  auto* sign = command.add_flag("--class-method", options->isClassMethod, "It is a class method");
+  auto* method = addText(command, "--method", options->method,
+                         "Instead of these, a method that the image of --in has")
+                     ->check(isMethod())
+                     ->type_name("'-[CLASS SELECTOR]'");
+  for (CLI::Option* typed : {cls, selector, signature, sign}) method->excludes(typed);
+  auto* image = addImageArgument(command, "--in", options->image)->needs(method);
+  method->needs(image);
   addText(command, "--name", options->name, "A name to show for the hook")->type_name("NAME");
+  command.parse_complete_callback([=] {
+    if (!method->empty()) return;
+    for (const CLI::Option* typed : {cls, selector, signature}) {
+      if (typed->empty()) throw CLI::RequiredError(typed->get_name());
+    }
+  });
 }
 
 void addSet(CLI::App& group, Action& action) {

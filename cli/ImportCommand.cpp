@@ -33,7 +33,7 @@ int import(const std::vector<std::string>& files) {
     std::shared_ptr<TweakProtocol> item;
     try {
       const ProgressLine line("importing " + file);
-      item = TweakManager::decompressAt(file, line.progress());
+      item = TweakManager::decompressAt(file, line.progress().get());
     } catch (const DecodingError& error) {
       printError(file + ": Manifest.json: " + error.description());
       status = 1;

@@ -24,7 +24,7 @@ class ProgressLine {
   ~ProgressLine();
 
   /// What the work is to report to.
-  Progress* progress() const { return progress_.get(); }
+  const std::shared_ptr<Progress>& progress() const { return progress_; }
 
  private:
   void show();

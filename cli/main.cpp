@@ -68,6 +68,8 @@ int run(int argc, char** argv) {
   tavlen::cli::addImportCommand(app, action);
   tavlen::cli::addCollectionCommand(app, action);
   tavlen::cli::addWatchCommand(app, action);
+  tavlen::cli::addClassesCommand(app, action);
+  tavlen::cli::addMethodsCommand(app, action);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

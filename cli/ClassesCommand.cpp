@@ -1,0 +1,56 @@
+#include <fnmatch.h>
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <memory>
+#include <string>
+
+#include "cli/ArgumentChecks.h"
+#include "cli/ClassDump.h"
+#include "cli/Commands.h"
+#include "cli/Console.h"
+#include "tavlen/foundation/JSONEncoder.h"
+#include "tavlen/foundation/TerminalText.h"
+
+namespace tavlen::cli {
+
+namespace {
+
+struct Options {
+  ImageArgument image;
+  std::string pattern = "*";
+  bool json = false;
+};
+
+int listClasses(const Options& options) {
+  ClassParser::Classes classes = dumpClasses(options.image);
+  const auto differs = [&](const std::shared_ptr<ObjCClass>& cls) {
+    return ::fnmatch(options.pattern.c_str(), cls->name.c_str(), 0) != 0;
+  };
+  classes.erase(std::remove_if(classes.begin(), classes.end(), differs), classes.end());
+  std::string out;
+  if (options.json) {
+    out = encodeJSON(classes) + "\n";
+  } else {
+    for (const auto& cls : classes) out += oneLine(cls->description()) + "\n";
+  }
+  printData(out);
+  return 0;
+}
+
+}  // namespace
+
+void addClassesCommand(CLI::App& app, Action& action) {
+  auto* command = app.add_subcommand("classes", "List the Objective-C classes of an image");
+  const auto options = std::make_shared<Options>();
+  addImageArgument(*command, "IMAGE", options->image)->required();
+  command
+      ->add_option("--match", options->pattern,
+                   "Only the classes whose name fits the pattern, as shells match files")
+      ->check(notEmpty())
+      ->type_name("PATTERN");
+  command->add_flag("--json", options->json, "Print a JSON array of the classes, methods included");
+  command->callback([options, &action] { action = [options] { return listClasses(*options); }; });
+}
+
+}  // namespace tavlen::cli

@@ -1,0 +1,47 @@
+#include <CLI/CLI.hpp>
+#include <memory>
+#include <string>
+
+#include "cli/ArgumentChecks.h"
+#include "cli/ClassDump.h"
+#include "cli/Commands.h"
+#include "cli/Console.h"
+#include "tavlen/foundation/JSONEncoder.h"
+#include "tavlen/foundation/TerminalText.h"
+
+namespace tavlen::cli {
+
+namespace {
+
+struct Options {
+  std::string className;
+  ImageArgument image;
+  bool json = false;
+};
+
+int listMethods(const Options& options) {
+  const std::shared_ptr<ObjCClass> cls = dumpedClass(options.image, options.className);
+  std::string out;
+  if (options.json) {
+    out = encodeJSON(cls->methods) + "\n";
+  } else {
+    for (const auto& method : cls->methods) out += oneLine(method->description()) + "\n";
+  }
+  printData(out);
+  return 0;
+}
+
+}  // namespace
+
+void addMethodsCommand(CLI::App& app, Action& action) {
+  auto* command = app.add_subcommand("methods", "List the methods that a class has of its own");
+  const auto options = std::make_shared<Options>();
+  command->add_option("CLASS", options->className, "The class's name")
+      ->required()
+      ->check(notEmpty());
+  addImageArgument(*command, "--in", options->image)->required();
+  command->add_flag("--json", options->json, "Print a JSON array");
+  command->callback([options, &action] { action = [options] { return listMethods(*options); }; });
+}
+
+}  // namespace tavlen::cli

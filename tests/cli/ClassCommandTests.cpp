@@ -1,0 +1,123 @@
+#include <gmock/gmock.h>
+
+#include "CommandTest.h"
+#include "MachOFile.h"
+
+namespace tavlen {
+namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+/// The library of the stand-ins, which defines classes, is the image.
+class ClassCommandTest : public CommandTest {
+ protected:
+  ClassCommandTest() {
+    std::filesystem::create_symlink(TAVLEN_STAND_INS_LIBRARY, folder() / "image.so");
+    writeTweak("T", "");
+  }
+  std::string manifest() const { return contents("T/Manifest.json"); }
+};
+
+TEST_F(ClassCommandTest, ListsTheClassesOfAnImage) {
+  const Result some = run({"classes", "image.so", "--match", "LS*Proxy"});
+  EXPECT_EQ(some.err, "");
+  EXPECT_EQ(some.out,
+            "LSApplicationProxy : NSObject\nLSCurrentApplicationProxy : LSApplicationProxy\n");
+  EXPECT_THAT(run({"classes", "image.so"}).out, HasSubstr("FBSSystemService : NSObject\n"));
+  EXPECT_EQ(run({"classes", "image.so", "--match", "LSApp"}).out, "") << "names fit as a whole";
+  EXPECT_THAT(run({"classes", "image.so", "--match", "LSApplicationWorkspace", "--json"}).out,
+              AllOf(StartsWith(R"([{"name":"LSApplicationWorkspace","methods":[{"selector":)"),
+                    HasSubstr(R"("supercls":"NSObject","superclassPath":)")));
+}
+
+TEST_F(ClassCommandTest, ListsTheMethodsOfAClass) {
+  const Result methods = run({"methods", "LSApplicationWorkspace", "--in", "image.so"});
+  EXPECT_EQ(methods.err, "");
+  EXPECT_EQ(methods.out, "-\u00A0 (id)allApplications\n+\u00A0 (id)defaultWorkspace\n");
+  EXPECT_EQ(run({"methods", "LSApplicationWorkspace", "--in", "image.so", "--json"}).out,
+            R"([{"selector":"allApplications","encoding":"@16@0:8","isClassMethod":false},)"
+            R"({"selector":"defaultWorkspace","encoding":"@16@0:8","isClassMethod":true}])"
+            "\n");
+  const Result missing = run({"methods", "NSObject", "--in", "image.so"});
+  EXPECT_EQ(missing.status, 1);
+  EXPECT_EQ(missing.err, "tavlen: error: image.so: defines no class NSObject\n");
+}
+
+TEST_F(ClassCommandTest, AHookTakesItsTypesFromTheImage) {
+  const Result added = run({"hook", "add", "T", "--method",
+                            "-[LSApplicationProxy objectForInfoDictionaryKey:ofClass:]", "--in",
+                            "image.so", "--name", "Key"});
+  EXPECT_EQ(added.status, 0);
+  EXPECT_EQ(added.out + added.err, "");
+  EXPECT_THAT(
+      manifest(),
+      HasSubstr(R"("hooks":[{"customName":"Key","className":"LSApplicationProxy",)"
+                R"("selector":"objectForInfoDictionaryKey:ofClass:","signature":"@32@0:8@16#24",)"
+                R"("isClassMethod":false,"args":{}}])"));
+  const std::string before = manifest();
+  struct Row {
+    std::vector<std::string> words;
+    int status;
+    std::string text;
+  };
+  const std::vector<Row> rows = {
+      {{"--method", "-[LSApplicationWorkspace defaultWorkspace]", "--in", "image.so"},
+       1,
+       "LSApplicationWorkspace has no method -[LSApplicationWorkspace defaultWorkspace]"},
+      {{"--method", "-[Nobody x]", "--in", "image.so"}, 1, "defines no class Nobody"},
+      {{"--method", "-[Nobody]", "--in", "image.so"}, 2, "--method"},
+      {{"--method", "[Nobody x]", "--in", "image.so"}, 2, "--method"},
+      {{"--method", "-[Nobody x]"}, 2, "--in"},
+      {{"A", "b", "--signature", "v16@0:8", "--in", "image.so"}, 2, "--in"},
+      {{"A", "b", "--method", "-[A b]", "--in", "image.so"}, 2, "--method"},
+      {{"A", "b"}, 2, "--signature"},
+      {{"--signature", "v16@0:8"}, 2, "CLASS"},
+  };
+  for (const Row& row : rows) {
+    std::vector<std::string> words = {"hook", "add", "T"};
+    words.insert(words.end(), row.words.begin(), row.words.end());
+    const Result result = run(words);
+    EXPECT_EQ(result.status, row.status) << row.text;
+    EXPECT_THAT(result.err, HasSubstr(row.text));
+  }
+  EXPECT_EQ(manifest(), before);
+}
+
+TEST_F(ClassCommandTest, SaysWhyThereAreNoClasses) {
+  write("text.so", "no library");
+  write("Notes.app/Info.plist",
+        "<plist version=\"1.0\"><dict><key>CFBundleExecutable</key><string>Notes</string>"
+        "<key>CFBundleIdentifier</key><string>com.example.notes</string><key>CFBundleVersion</key>"
+        "<string>1</string><key>UIDeviceFamily</key><integer>1</integer></dict></plist>");
+  write("Notes.app/Notes", macho::thin(2));
+  struct Row {
+    std::vector<std::string> words;
+    std::string text;
+  };
+  const std::vector<Row> rows = {
+      {{"text.so"}, "error: text.so: Dynamic dump failed"},
+      {{"--verbose", "text.so"}, "dlopen encountered error: "},
+      {{"Notes.app"}, "error: Notes.app: Dynamic dump failed (it is an image of the device"},
+      {{"Notes.app/Notes"}, "error: Notes.app/Notes: Dynamic dump failed (it is an image of"},
+      {{"none.so"}, "none.so"},
+      {{"./none.so"}, "./none.so: No such file"},
+      {{"Notes.app", "--parser", "remote"}, "error: Notes.app: Remote dump failed"},
+      {{"Notes.app/Notes", "--parser", "remote"}, "error: Notes.app/Notes: Remote dump failed"},
+      {{"Notes.app/Info.plist", "--parser", "remote"}, "is no image of the app"},
+      {{"image.so", "--parser", "remote"}, "image.so: is in no app's bundle"},
+  };
+  for (const Row& row : rows) {
+    std::vector<std::string> words = {"classes"};
+    words.insert(words.end(), row.words.begin(), row.words.end());
+    const Result result = run(words);
+    EXPECT_EQ(result.status, 1) << row.text;
+    EXPECT_EQ(result.out, "");
+    EXPECT_THAT(result.err, HasSubstr(row.text));
+  }
+  EXPECT_EQ(run({"classes", "image.so", "--parser", "static"}).status, 2);
+}
+
+}  // namespace
+}  // namespace tavlen

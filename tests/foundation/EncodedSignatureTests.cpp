@@ -177,7 +177,7 @@ TEST(EncodedSignature, RefusesWhatThePlatformRefuses) {
 }
 
 TEST(EncodedSignature, HostileTextsAreRefusedInLinearTime) {
-  constexpr std::size_t kMany = 1'000'000;
+  constexpr std::size_t kMany = 250'000;
   const std::string rows[] = {
       "{",
       "{A",
@@ -208,7 +208,7 @@ TEST(EncodedSignature, HostileTextsAreRefusedInLinearTime) {
       "^^^",
       "}",
       "v@:}",
-      repeated("{", kMany),
+      repeated("{", 1 << 20U),
       repeated("{A=", kMany / 3),
       repeated("[", kMany),
       repeated("[1", kMany),

@@ -24,7 +24,7 @@ namespace {
 /// Whether the loader may have `path`. It opens a pipe and waits for ever, and takes an empty text
 /// for the program itself.
 bool isLoadable(const std::filesystem::path& path) {
-  if (path.empty()) return false;
+  if (!path.has_parent_path()) return !path.empty();  // a name that the loader searches for
   std::error_code error;
   const auto status = std::filesystem::status(path, error);
   // The device's own libraries are in the loader's cache and no files.

@@ -41,5 +41,6 @@ void addExportCommand(CLI::App& app, Action& action);
 void addImportCommand(CLI::App& app, Action& action);
 void addCollectionCommand(CLI::App& app, Action& action);
 void addWatchCommand(CLI::App& app, Action& action);
+void addTypeCommand(CLI::App& app, Action& action);
 
 }  // namespace tavlen::cli

@@ -68,6 +68,7 @@ int run(int argc, char** argv) {
   tavlen::cli::addImportCommand(app, action);
   tavlen::cli::addCollectionCommand(app, action);
   tavlen::cli::addWatchCommand(app, action);
+  tavlen::cli::addTypeCommand(app, action);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

@@ -31,7 +31,7 @@ const std::vector<SampleEncoding>& sampleEncodings() {
       {"wide", "{X=", R"({?="a"@"NSObject""b"^{B}"c"[4f]}r*@?)"},
       {"names", "{X=", R"("member"@"other"i)"},
       {"bitFields", "{X=", "b"},
-      {"deep", "{X=", nest("{Y=i^", "{Z}", "d}")},
+      {"deep", "{X=", nest("{Y=i", "^{Z}", "d}")},
       {"deepNames", "{X=", nest(R"({P="a")", "i", R"("b"@"c"@"d"i})")},
       {"pastTheBound", "", "{X="},
       {"namesPastTheBound", "", R"({P="a"{Q="b"@)"},

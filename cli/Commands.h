@@ -43,5 +43,6 @@ void addCollectionCommand(CLI::App& app, Action& action);
 void addWatchCommand(CLI::App& app, Action& action);
 void addClassesCommand(CLI::App& app, Action& action);
 void addMethodsCommand(CLI::App& app, Action& action);
+void addTypeCommand(CLI::App& app, Action& action);
 
 }  // namespace tavlen::cli

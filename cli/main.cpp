@@ -70,6 +70,7 @@ int run(int argc, char** argv) {
   tavlen::cli::addWatchCommand(app, action);
   tavlen::cli::addClassesCommand(app, action);
   tavlen::cli::addMethodsCommand(app, action);
+  tavlen::cli::addTypeCommand(app, action);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

@@ -100,8 +100,10 @@ class JXType {
 /// Reads the first type of `encoding`, which may be malformed in any way: there are no errors. Null
 /// for an empty text only. What follows the first type is not looked at. The text is copied.
 ///
-/// The work is in proportion to the text that is read, and so is the memory.
-/// JXTypeWithEncoding() in JXTypeCursor.h says more.
+/// The work is in proportion to the text that is read. What is kept of it takes 17 bytes for a byte
+/// of plain members, 20 for a byte of mixed ones, 73 for a byte of bit fields without a width,
+/// which are the smallest nodes of their own; while it is read, 90. JXTypeWithEncoding() in
+/// JXTypeCursor.h says more.
 std::shared_ptr<JXType> JXTypeForEncoding(std::string_view encoding);
 
 /// The node for `v`.

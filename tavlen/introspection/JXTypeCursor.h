@@ -6,13 +6,12 @@
 #include <string>
 #include <string_view>
 
+#include "tavlen/introspection/JXType.h"
 #include "tavlen/introspection/JXTypeParse.h"
 #include "tavlen/introspection/JXTypeQualifiers.h"
 #include "tavlen/introspection/JXTypeText.h"
 
 namespace tavlen {
-
-class JXType;
 
 /// A read position in the text of one or more encodings.
 ///

@@ -41,9 +41,10 @@ struct JXTypeParse {
     bool hasCorrected = false;  ///< whether a member within it was read again
   };
 
-  /// Steps that may be taken for each byte of the text read, and before there are any. A step makes
-  /// a node, or passes a byte of a name. Texts as compilers write them need less than six a byte.
-  static constexpr std::uint64_t kStepsPerByte = 16;
+  /// Steps that may be taken for each byte of the text read, and before there are any. A step
+  /// passes a byte, the first or another time. Texts as compilers write them need less than two a
+  /// byte.
+  static constexpr std::uint64_t kStepsPerByte = 8;
   static constexpr std::uint64_t kFreeSteps = 4096;
 
   /// Whether another type that holds others may be read.

@@ -1,0 +1,80 @@
+#include <CLI/CLI.hpp>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "cli/Commands.h"
+#include "cli/Console.h"
+#include "cli/InputLines.h"
+#include "cli/PlainArguments.h"
+#include "cli/TypeTree.h"
+#include "tavlen/foundation/JSONEncoder.h"
+#include "tavlen/foundation/TerminalText.h"
+#include "tavlen/introspection/JXType.h"
+
+namespace tavlen::cli {
+
+namespace {
+
+/// The line that answers `encoding`: its first type, or nothing for nothing.
+std::string answerTo(std::string_view encoding, bool json) {
+  const std::shared_ptr<JXType> type = JXTypeForEncoding(encoding);
+  std::string answer;
+  if (json) {
+    JSONEncoder encoder(answer);
+    encodeTypeTree(encoder, type.get());
+  } else if (type != nullptr) {
+    answer = oneLine(type->description());
+  }
+  return answer;
+}
+
+int answerInput(bool json) {
+  // Answers that are due at once go out at once, others in larger pieces.
+  constexpr std::size_t kEnough = 1 << 16;
+  std::string answers;
+  const auto print = [&answers] {
+    if (!answers.empty()) printData(answers);
+    answers.clear();
+  };
+  forEachInputLine(
+      [&](std::string_view line) {
+        answers += answerTo(line, json) + '\n';
+        if (answers.size() >= kEnough) print();
+      },
+      print);
+  return 0;
+}
+
+int answerArguments(const std::vector<std::string>& encodings, bool json) {
+  std::string answers = json ? "[" : "";
+  for (const std::string& encoding : encodings) {
+    if (json && answers.size() > 1) answers += ',';
+    answers += answerTo(encoding, json);
+    if (!json) answers += '\n';
+  }
+  printData(json ? answers + "]\n" : answers);
+  return 0;
+}
+
+}  // namespace
+
+void addTypeCommand(CLI::App& app, Action& action) {
+  auto* command = app.add_subcommand("type", "Print Objective-C type encodings as C declares them");
+  const auto encodings = std::make_shared<std::vector<std::string>>();
+  const auto json = std::make_shared<bool>(false);
+  addPlainArguments(*command, "ENCODING", *encodings,
+                    "Type encodings, each answered with a line; only the first type of each is "
+                    "read. \"-\" alone reads one a line from the standard input");
+  command->add_flag("--json", *json,
+                    "Print a JSON array of the types as trees; with \"-\" a tree a line");
+  command->callback([encodings, json, &action] {
+    const bool readsInput = encodings->size() == 1 && encodings->front() == "-";
+    action = [encodings, json, readsInput] {
+      return readsInput ? answerInput(*json) : answerArguments(*encodings, *json);
+    };
+  });
+}
+
+}  // namespace tavlen::cli

@@ -51,8 +51,8 @@ class TessaloopClient {
                                     bool isMainExecutable, const ProgressHandler& progress);
 
   /// Ends the requests that wait or run, at whatever step: they return nothing, and what has not
-  /// begun, the app's end or its launch, is left out. Waits for a progress handler that runs,
-  /// unless it is the one that calls; then the port is free.
+  /// begun, the app's end or its launch, is left out; what has begun is finished first. Waits for a
+  /// progress handler that runs, unless it is the one that calls; then the port is free.
   void cancel();
 
   /// The port that is listened to, or nothing.

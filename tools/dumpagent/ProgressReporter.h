@@ -10,8 +10,8 @@
 
 namespace tavlen::dumpagent {
 
-/// Reports how far a progress is whenever it has come further, until the object is gone; then a
-/// last time.
+/// Reports how far a progress is whenever it has come further by a step, until the object is gone;
+/// then a last time.
 class ProgressReporter {
  public:
   ProgressReporter(std::shared_ptr<Progress> progress, const ReportSender& sender);

@@ -52,27 +52,28 @@ TEST_F(TypeCommandTest, AnswersEveryLineOfTheInputWithALine) {
 }
 
 TEST_F(TypeCommandTest, PrintsTreesAsJSON) {
-  EXPECT_EQ(run({"type", "--json", "r^{A=\"x\"@\"N<P>\"\"y\"[2b3]}", "", "@?"}).out,
-            R"([{"encoding":"^{A=\"x\"@\"N<P>\"\"y\"[2b3]}",)"
-            R"("declaration":"const struct A { N<P> *x; unsigned int y[2]:3; } *",)"
-            R"("qualifiers":"const","kind":"pointer","isFunction":false,"type":{"kind":"struct",)"
-            R"("name":"A","fieldNames":["x","y"],"types":[{"encoding":"@\"N<P>\"","kind":"object",)"
-            R"("name":"N","protocols":["P"],"isBlock":false},{"kind":"array","count":2,)"
-            R"("type":{"encoding":"b3","kind":"bitField","bits":3}}]}},null,)"
-            R"({"encoding":"@?","declaration":"void (^)(void)","kind":"object","isBlock":true}])"
-            "\n");
-write("lines", "i\n\n(\xFF=}");
-setInput("lines");
-EXPECT_EQ(run({"type", "--json", "-"}).out,
-          "{\"encoding\":\"i\",\"declaration\":\"int\",\"kind\":\"basic\",\"name\":\"int\"}\n"
-          "null\n"
-          "{\"encoding\":\"(\xEF\xBF\xBD=}\",\"declaration\":\"union \xEF\xBF\xBD { void field1; "
-          "}\",\"kind\":\"union\",\"name\":\"\xEF\xBF\xBD\","
-          "\"types\":[{\"encoding\":\"}\",\"kind\":\"basic\",\"name\":\"void\"}]}\n");
-// The deepest tree that there is.
-std::string deep;
-for (int i = 0; i < 300; ++i) deep += "{X=";
-EXPECT_THAT(run({"type", "--json", deep}).out, StartsWith("[{\"encoding\":\"{X={X="));
+  constexpr std::string_view kTrees =
+      R"json([{"encoding":"^{A=\"x\"@\"N<P>\"\"y\"[2b3]}",)json"
+      R"json("declaration":"const struct A { N<P> *x; unsigned int y[2]:3; } *",)json"
+      R"json("qualifiers":"const","kind":"pointer","isFunction":false,"type":{"kind":"struct",)json"
+      R"json("name":"A","fieldNames":["x","y"],"types":[{"encoding":"@\"N<P>\"",)json"
+      R"json("kind":"object","name":"N","protocols":["P"],"isBlock":false},{"kind":"array",)json"
+      R"json("count":2,"type":{"encoding":"b3","kind":"bitField","bits":3}}]}},null,)json"
+      R"json({"encoding":"@?","declaration":"void (^)(void)","kind":"object","isBlock":true}])json"
+      "\n";
+  EXPECT_EQ(run({"type", "--json", "r^{A=\"x\"@\"N<P>\"\"y\"[2b3]}", "", "@?"}).out, kTrees);
+  write("lines", "i\n\n(\xFF=}");
+  setInput("lines");
+  EXPECT_EQ(run({"type", "--json", "-"}).out,
+            "{\"encoding\":\"i\",\"declaration\":\"int\",\"kind\":\"basic\",\"name\":\"int\"}\n"
+            "null\n"
+            "{\"encoding\":\"(\xEF\xBF\xBD=}\",\"declaration\":\"union \xEF\xBF\xBD { void field1; "
+            "}\",\"kind\":\"union\",\"name\":\"\xEF\xBF\xBD\","
+            "\"types\":[{\"encoding\":\"}\",\"kind\":\"basic\",\"name\":\"void\"}]}\n");
+  // The deepest tree that there is.
+  std::string deep;
+  for (int i = 0; i < 300; ++i) deep += "{X=";
+  EXPECT_THAT(run({"type", "--json", deep}).out, StartsWith("[{\"encoding\":\"{X={X="));
 }
 
 }  // namespace

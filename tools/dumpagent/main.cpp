@@ -31,7 +31,8 @@ using namespace tavlen::dumpagent;
 
 /// Empty where it is not set.
 std::string environmentValue(std::string_view name) {
-  const char* const value = std::getenv(std::string(name).c_str());
+  const char* const value =
+      std::getenv(std::string(name).c_str());  // NOLINT(concurrency-mt-unsafe)
   return value == nullptr ? "" : value;
 }
 

@@ -9,6 +9,7 @@
 #include "cli/Commands.h"
 #include "cli/Console.h"
 #include "cli/ErrorReport.h"
+#include "cli/PlainArguments.h"
 #include "cli/Transpilation.h"
 #include "cli/TranspilerOption.h"
 #include "cli/TweakArgument.h"
@@ -48,8 +49,7 @@ void addCheckCommand(CLI::App& app, Action& action) {
   auto* command = app.add_subcommand("check", "Say what is wrong with tweaks, and where");
   const auto tweaks = std::make_shared<std::vector<std::string>>();
   const auto transpiler = std::make_shared<std::string>();
-  command->add_option("TWEAK", *tweaks, "The tweaks: their identifiers, names or paths")
-      ->required()
+  addPlainArguments(*command, "TWEAK", *tweaks, "The tweaks: their identifiers, names or paths")
       ->check(notEmpty());
   addTranspilerOption(*command, *transpiler);
   command->callback([tweaks, transpiler, &action] {

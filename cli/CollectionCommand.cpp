@@ -16,6 +16,7 @@
 #include "cli/Commands.h"
 #include "cli/Console.h"
 #include "cli/ItemCreation.h"
+#include "cli/PlainArguments.h"
 #include "cli/StoredItem.h"
 #include "cli/TextTable.h"
 #include "tavlen/collections/TweakCollection.h"
@@ -134,7 +135,7 @@ void addEdit(CLI::App& collection, Action& action, const char* name, const char*
   command->add_option("COLLECTION", options->collection, kCollectionHelp)
       ->required()
       ->check(notEmpty());
-  command->add_option("TWEAK", options->tweaks, tweakHelp)->required()->check(notEmpty());
+  addPlainArguments(*command, "TWEAK", options->tweaks, tweakHelp)->check(notEmpty());
   command->callback([options, change, &action] {
     action = [options, change] { return edit(*options, change); };
   });

@@ -7,6 +7,7 @@
 #include "cli/ArgumentChecks.h"
 #include "cli/Commands.h"
 #include "cli/Console.h"
+#include "cli/PlainArguments.h"
 #include "cli/ProgressLine.h"
 #include "cli/StoredItem.h"
 #include "tavlen/collections/TweakCollection.h"
@@ -59,8 +60,7 @@ void addImportCommand(CLI::App& app, Action& action) {
                          "Take archives of tweaks and collections into the store and print the new "
                          "identifiers");
   const auto files = std::make_shared<std::vector<std::string>>();
-  command->add_option("FILE", *files, "An archive, as export writes it")
-      ->required()
+  addPlainArguments(*command, "FILE", *files, "The archives, as export writes them")
       ->check(notEmpty());
   command->callback([files, &action] { action = [files] { return import(*files); }; });
 }

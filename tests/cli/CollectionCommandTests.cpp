@@ -32,6 +32,7 @@ TEST_F(CollectionCommandTest, MembersAreAddedAndRemoved) {
             R"("glyph":{"icon":"star","style":"solid"}},"tweaks":[]})");
   const std::string a = newTweak("A");
   const std::string b = newTweak("B");
+  newTweak("[WIP]");
   const std::string other = newTweak("O", "com.other");
   writeTweak("loose", "");
   const struct {
@@ -40,6 +41,8 @@ TEST_F(CollectionCommandTest, MembersAreAddedAndRemoved) {
     std::string members;
   } steps[] = {
       {{"add", "C", "B", a}, "", "BA"},
+      {{"add", "C", "[WIP]"}, "", "BA["},
+      {{"remove", "C", "[WIP]"}, "", "BA"},
       {{"add", "C", "A"}, "A: is in the collection already", "BA"},
       {{"add", "C", "O"},
        "O: Bundle ID mismatch (expected 'com.example.notes' but found 'com.other')",

@@ -30,9 +30,10 @@ class TessaloopClientTest : public DumpTest {
  protected:
   /// Sends the datagrams when the request listens.
   static void answer(TessaloopClient& client, const std::vector<std::string>& datagrams) {
-    ASSERT_TRUE(becomesTrue([&] { return client.port().has_value(); }));
+    std::optional<std::uint16_t> port;
+    ASSERT_TRUE(becomesTrue([&] { return (port = client.port()).has_value(); }));
     for (const std::string& datagram : datagrams) {
-      ASSERT_TRUE(sendDatagram(*client.port(), datagram));
+      ASSERT_TRUE(sendDatagram(port.value_or(0), datagram));
     }
   }
 };
@@ -242,30 +243,30 @@ TEST_F(TessaloopClientTest, OnlyACancelOrARequestEndsTheWaitForAKilledAgent) {
   const StandIns standIns(script(port, "<key>TAVLEN_STALL</key><string>1</string>"));
   TessaloopClient client(quick(port));
   const auto agent = [] { return SystemService::pidForApplication(kApp); };
-  // Stops in the middle of its dump, and gives the agent's pid.
-  const auto begin = [&](RunningRequest& request) {
-    EXPECT_TRUE(becomesTrue([&] { return !request.fractions().empty(); }));
-    return agent().value_or(0);
+  // Waits until another agent than `former` is in the middle of its dump, and gives its pid.
+  const auto begin = [&](const RunningRequest& request, pid_t former) {
+    EXPECT_TRUE(becomesTrue(
+        [&] { return !request.fractions().empty() && agent().value_or(former) != former; }));
+    return agent().value_or(-1);
   };
+  // Not 0 or below, which are groups of processes.
+  const auto signal = [](pid_t pid, int number) { return pid > 0 ? ::kill(pid, number) : 1; };
   RunningRequest first(client, kApp, kImage);
-  const pid_t killed = begin(first);
-  ASSERT_GT(killed, 0);
-  EXPECT_EQ(::kill(killed, SIGKILL), 0);
+  const pid_t killed = begin(first, -1);
+  EXPECT_EQ(signal(killed, SIGKILL), 0);
   ASSERT_TRUE(becomesTrue([&] { return !agent(); }));
   std::this_thread::sleep_for(std::chrono::milliseconds(200));
   EXPECT_FALSE(first.hasEnded());
   RunningRequest second(client, kApp, kImage);
   EXPECT_EQ(first.path(), std::nullopt);
-  const pid_t left = begin(second);
-  EXPECT_NE(left, killed);
+  const pid_t left = begin(second, killed);
   RunningRequest third(client, kApp, kImage);  // which kills the app before it opens it
   EXPECT_EQ(second.path(), std::nullopt);
-  const pid_t opened = begin(third);
-  EXPECT_NE(opened, left);
-  EXPECT_EQ(::kill(left, 0), -1);
+  const pid_t opened = begin(third, left);
+  EXPECT_TRUE(becomesTrue([&] { return signal(left, 0) == -1; }));
   client.cancel();
   EXPECT_EQ(third.path(), std::nullopt);
-  EXPECT_EQ(::kill(opened, SIGKILL), 0);
+  EXPECT_EQ(signal(opened, SIGKILL), 0);
   EXPECT_TRUE(becomesTrue([&] { return !agent(); }));
   EXPECT_EQ(archiveFolders(), 0);
 }

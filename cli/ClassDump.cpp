@@ -37,51 +37,37 @@ struct Image {
   std::shared_ptr<Executable> executable;
 };
 
-/// The app whose bundle holds `file`, if one does.
-std::shared_ptr<IPA> appAround(const fs::path& file) {
-  for (fs::path folder = file.parent_path(); folder.has_relative_path();
-       folder = folder.parent_path()) {
-    if (folder.extension() == ".app") return appArgument(folder.string() + "/");
-  }
-  return nullptr;
-}
-
-Image imageOf(const std::shared_ptr<IPA>& app) {
+Image mainImageOf(const std::shared_ptr<IPA>& app) {
   return {app, namingInfo(*app, [&] { return app->mainExecutable(); })};
 }
 
-Image imageIn(const std::shared_ptr<IPA>& app, const fs::path& file) {
-  const auto isWanted = [&](const std::shared_ptr<Executable>& executable) {
+/// The image in `file`, and the app whose bundle it lies in, if it does.
+Image imageIn(const fs::path& file) {
+  const fs::path path = fs::absolute(file).lexically_normal();
+  for (fs::path folder = path.parent_path(); folder.has_relative_path();
+       folder = folder.parent_path()) {
+    if (folder.extension() != ".app") continue;
+    const Image main = mainImageOf(IPA::openAt(folder));
     std::error_code ignored;
-    return fs::equivalent(executable->path(), file, ignored);
-  };
-  const Image main = imageOf(app);
-  if (isWanted(main.executable)) return main;
-  for (const auto& images : {app->bundleExecutables(), app->dynamicExecutables()}) {
-    const auto found = std::find_if(images.begin(), images.end(), isWanted);
-    if (found != images.end()) return {app, *found};
+    if (fs::equivalent(path, main.executable->path(), ignored)) return main;
+    return {main.app, std::make_shared<Executable>(
+                          main.app, folder, path.lexically_relative(folder).string(), false)};
   }
-  throw std::runtime_error(file.string() + ": is no image of the app");
-}
-
-/// An image that belongs to no app. The loader would search for a name without a folder.
-Image loneImage(const fs::path& file) {
-  const fs::path path = fs::absolute(file);
   return {nullptr, std::make_shared<Executable>(std::weak_ptr<IPA>(), path.parent_path(),
                                                 path.filename().string(), false)};
 }
 
 Image imageNamed(const ImageArgument& argument) {
   std::error_code ignored;
-  const fs::path file = argument.image;
-  if (fs::is_regular_file(file, ignored)) {
-    if (argument.parser == kDynamic) return loneImage(file);
-    if (const auto app = appAround(fs::absolute(file))) return imageIn(app, file);
-    throw std::runtime_error(argument.image +
-                             ": is in no app's bundle; the remote parser asks a "
-                             "running app");
+  if (!fs::is_regular_file(argument.image, ignored)) {
+    return mainImageOf(appArgument(argument.image));
   }
-  return imageOf(appArgument(argument.image));
+  Image image = imageIn(argument.image);
+  if (image.app == nullptr && argument.parser == kRemote) {
+    throw std::runtime_error(argument.image +
+                             ": is in no app's bundle; the remote parser asks a running app");
+  }
+  return image;
 }
 
 /// Why an image cannot be loaded here, where that is plain.

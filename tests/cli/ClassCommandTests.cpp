@@ -2,6 +2,7 @@
 
 #include "CommandTest.h"
 #include "MachOFile.h"
+#include "RunningCommand.h"
 
 namespace tavlen {
 namespace {
@@ -18,6 +19,27 @@ class ClassCommandTest : public CommandTest {
     std::filesystem::create_symlink(TAVLEN_STAND_INS_LIBRARY, folder() / "image.so");
     writeTweak("T", "");
   }
+  void writeApp() const {
+    write("Applications/Notes.app/Info.plist",
+          "<plist version=\"1.0\"><dict><key>CFBundleExecutable</key><string>Notes</string>"
+          "<key>CFBundleIdentifier</key><string>com.example.notes</string><key>CFBundleVersion"
+          "</key><string>1</string><key>UIDeviceFamily</key><integer>1</integer></dict></plist>");
+    write("Applications/Notes.app/Notes", macho::thin(2));
+    write("Applications/Notes.app/Frameworks/none", "");
+    std::filesystem::copy_file(TAVLEN_DUMPED_IMAGE, folder() / kImage);
+  }
+  /// The variables of a command whose launch service starts `programs`, in the app's place.
+  std::vector<std::string> service(const std::string& programs) const {
+    write("script.plist",
+          "<?xml version=\"1.0\" encoding=\"UTF-8\"?><plist version=\"1.0\"><dict>"
+          "<key>launchOptions</key><string>" +
+              (folder() / "launched").string() + "</string><key>programs</key><dict>" + programs +
+              "</dict></dict></plist>");
+    return {std::string("LD_PRELOAD=") + TAVLEN_STAND_INS_LIBRARY, "LC_ALL=C",
+            "TAVLEN_STAND_INS=" + (folder() / "script.plist").string(),
+            "TAVLEN_ROOT=" + folder().string()};
+  }
+  static constexpr const char* kImage = "Applications/Notes.app/Frameworks/Probe.dylib";
   std::string manifest() const { return contents("T/Manifest.json"); }
 };
 
@@ -89,13 +111,9 @@ TEST_F(ClassCommandTest, AHookTakesItsTypesFromTheImage) {
   EXPECT_EQ(manifest(), before);
 }
 
-TEST_F(ClassCommandTest, SaysWhyThereAreNoClasses) {
+TEST_F(ClassCommandTest, SaysWhyThereAreNoClassesOnTheDocumentedPort) {
   write("text.so", "no library");
-  write("Notes.app/Info.plist",
-        "<plist version=\"1.0\"><dict><key>CFBundleExecutable</key><string>Notes</string>"
-        "<key>CFBundleIdentifier</key><string>com.example.notes</string><key>CFBundleVersion</key>"
-        "<string>1</string><key>UIDeviceFamily</key><integer>1</integer></dict></plist>");
-  write("Notes.app/Notes", macho::thin(2));
+  writeApp();
   struct Row {
     std::vector<std::string> words;
     std::string text;
@@ -103,13 +121,16 @@ TEST_F(ClassCommandTest, SaysWhyThereAreNoClasses) {
   const std::vector<Row> rows = {
       {{"text.so"}, "error: text.so: Dynamic dump failed"},
       {{"--verbose", "text.so"}, "dlopen encountered error: "},
-      {{"Notes.app"}, "error: Notes.app: Dynamic dump failed (it is an image of the device"},
-      {{"Notes.app/Notes"}, "error: Notes.app/Notes: Dynamic dump failed (it is an image of"},
+      {{"Applications/Notes.app"},
+       "error: Applications/Notes.app: Dynamic dump failed (it is an image of the device"},
+      {{"Applications/Notes.app/Notes"},
+       "error: Applications/Notes.app/Notes: Dynamic dump failed (it is an image of"},
       {{"none.so"}, "none.so"},
       {{"./none.so"}, "./none.so: No such file"},
-      {{"Notes.app", "--parser", "remote"}, "error: Notes.app: Remote dump failed"},
-      {{"Notes.app/Notes", "--parser", "remote"}, "error: Notes.app/Notes: Remote dump failed"},
-      {{"Notes.app/Info.plist", "--parser", "remote"}, "is no image of the app"},
+      {{"Applications/Notes.app", "--parser", "remote"},
+       "error: Applications/Notes.app: Remote dump failed"},
+      {{"Applications/Notes.app/Notes", "--parser", "remote"},
+       "error: Applications/Notes.app/Notes: Remote dump failed"},
       {{"image.so", "--parser", "remote"}, "image.so: is in no app's bundle"},
   };
   for (const Row& row : rows) {
@@ -121,6 +142,27 @@ TEST_F(ClassCommandTest, SaysWhyThereAreNoClasses) {
     EXPECT_THAT(result.err, HasSubstr(row.text));
   }
   EXPECT_EQ(run({"classes", "image.so", "--parser", "static"}).status, 2);
+}
+
+TEST_F(ClassCommandTest, AsksAnAppOnTheDocumentedPort) {
+  writeApp();
+  setEnvironment(service("<key>com.example.notes</key><string>" TAVLEN_DUMP_AGENT "</string>"));
+  const Result methods = run({"methods", "DumpedProbe", "--in", kImage, "--parser", "remote"});
+  EXPECT_EQ(methods.status, 0) << methods.err;
+  EXPECT_THAT(methods.out, HasSubstr("-\u00A0 (int)add:(int) to:(int)\n"));
+}
+
+TEST_F(ClassCommandTest, AnInterruptEndsARequestOnTheDocumentedPort) {
+  writeApp();
+  RunningCommand dump({"classes", (folder() / kImage).string(), "--parser", "remote"}, service(""));
+  const auto last = std::chrono::steady_clock::now() + kLimit;
+  while (!std::filesystem::exists(folder() / "launched")) {
+    ASSERT_LT(std::chrono::steady_clock::now(), last);
+    ::usleep(10'000);
+  }
+  dump.signal(SIGINT);
+  EXPECT_EQ(dump.line(), "tavlen: error: " + (folder() / kImage).string() + ": Operation canceled");
+  EXPECT_EQ(dump.status(), 1);
 }
 
 }  // namespace

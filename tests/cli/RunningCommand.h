@@ -1,0 +1,99 @@
+#pragma once
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <csignal>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace tavlen {
+
+/// Far more than anything takes.
+inline constexpr std::chrono::seconds kLimit(30);
+
+/// A running command, whose lines are read as they come.
+class RunningCommand {
+ public:
+  RunningCommand(std::vector<std::string> words, std::vector<std::string> variables) {
+    std::array<int, 2> pipe{};
+    EXPECT_EQ(::pipe2(pipe.data(), O_CLOEXEC), 0);
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_adddup2(&actions, pipe[1], 1);
+    posix_spawn_file_actions_adddup2(&actions, pipe[1], 2);
+    words.insert(words.begin(), TAVLEN_COMMAND);
+    std::vector<char*> argv;
+    for (std::string& word : words) argv.push_back(word.data());
+    argv.push_back(nullptr);
+    std::vector<char*> environment;
+    for (std::string& variable : variables) environment.push_back(variable.data());
+    // What the sanitizers are to overlook stands there; of equal names the first counts.
+    for (char** variable = environ; *variable != nullptr; ++variable) {
+      environment.push_back(*variable);
+    }
+    environment.push_back(nullptr);
+    EXPECT_EQ(
+        ::posix_spawn(&child_, TAVLEN_COMMAND, &actions, nullptr, argv.data(), environment.data()),
+        0);
+    posix_spawn_file_actions_destroy(&actions);
+    ::close(pipe[1]);
+    output_ = pipe[0];
+  }
+  RunningCommand(const RunningCommand&) = delete;
+  RunningCommand& operator=(const RunningCommand&) = delete;
+  ~RunningCommand() {
+    closeOutput();
+    if (child_ > 0) {
+      ::kill(child_, SIGKILL);
+      ::waitpid(child_, nullptr, 0);
+    }
+  }
+
+  /// The next line that it prints, to either stream; what it has of one when the time is over.
+  std::string line() {
+    const std::chrono::steady_clock::time_point last = std::chrono::steady_clock::now() + kLimit;
+    while (text_.find('\n') == std::string::npos && std::chrono::steady_clock::now() < last) {
+      pollfd output = {output_, POLLIN, 0};
+      if (::poll(&output, 1, 1000) <= 0) continue;
+      std::array<char, 4096> bytes;
+      const ssize_t size = ::read(output_, bytes.data(), bytes.size());
+      if (size <= 0) break;
+      text_.append(bytes.data(), static_cast<std::size_t>(size));
+    }
+    const std::size_t end = std::min(text_.find('\n'), text_.size());
+    const std::string line = text_.substr(0, end);
+    text_.erase(0, end + 1);
+    return line;
+  }
+  void closeOutput() {
+    if (output_ >= 0) ::close(std::exchange(output_, -1));
+  }
+  void signal(int number) const { ::kill(child_, number); }
+  /// Its exit status, or minus the signal that ended it; nothing good when it does not end.
+  int status() {
+    int status = 0;
+    const std::chrono::steady_clock::time_point last = std::chrono::steady_clock::now() + kLimit;
+    while (::waitpid(child_, &status, WNOHANG) == 0) {
+      if (std::chrono::steady_clock::now() > last) return -1000;
+      ::usleep(10'000);
+    }
+    child_ = 0;
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+  }
+
+ private:
+  pid_t child_ = 0;
+  int output_ = -1;
+  std::string text_;
+};
+
+}  // namespace tavlen

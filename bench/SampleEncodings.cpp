@@ -22,7 +22,7 @@ std::string nest(std::string_view opening, std::string_view innermost, std::stri
 std::string SampleEncoding::text(std::size_t size) const {
   std::string out = begin;
   while (out.size() < size) out += piece;
-  return out;
+  return out + end;
 }
 
 const std::vector<SampleEncoding>& sampleEncodings() {
@@ -35,6 +35,7 @@ const std::vector<SampleEncoding>& sampleEncodings() {
       {"deepNames", "{X=", nest(R"({P="a")", "i", R"("b"@"c"@"d"i})")},
       {"pastTheBound", "", "{X="},
       {"namesPastTheBound", "", R"({P="a"{Q="b"@)"},
+      {"takenBack", R"({X="a"(Q=@"b)"a"(Q=@"b)"a"(Q=@"b)")", "b", ")))x"},
       {"provoking", "{X=", R"("a"(Q=@"b))"},
   };
   return samples;

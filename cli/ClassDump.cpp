@@ -1,21 +1,17 @@
 #include "cli/ClassDump.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
-#include <atomic>
 #include <chrono>
-#include <csignal>
 #include <cstdlib>
-#include <filesystem>
-#include <memory>
+#include <functional>
+#include <mutex>
 #include <stdexcept>
 #include <system_error>
 #include <thread>
+#include <utility>
 
-#include "cli/AppArgument.h"
-#include "cli/ArgumentChecks.h"
+#include "cli/Console.h"
 #include "cli/ProgressLine.h"
-#include "tavlen/bundles/Executable.h"
 #include "tavlen/foundation/MachOHeader.h"
 #include "tavlen/foundation/RandomAccessFile.h"
 #include "tavlen/introspection/DynamicClassParser.h"
@@ -26,52 +22,44 @@ namespace tavlen::cli {
 
 namespace {
 
-namespace fs = std::filesystem;
+/// While it stands, the cancellation of a progress calls `end` again and again: what is to be ended
+/// may only be about to begin.
+class Cancellation {
+ public:
+  Cancellation(Progress& progress, std::function<void()> end) {
+    progress.setCancellationHandler([state = state_, end = std::move(end)] {
+      constexpr std::chrono::milliseconds kInterval(50);
+      std::unique_lock lock(state->lock);
+      while (!state->isOver) {
+        end();
+        lock.unlock();
+        std::this_thread::sleep_for(kInterval);
+        lock.lock();
+      }
+    });
+  }
+  Cancellation(const Cancellation&) = delete;
+  Cancellation& operator=(const Cancellation&) = delete;
+  ~Cancellation() {
+    const std::lock_guard lock(state_->lock);
+    state_->isOver = true;
+  }
 
-constexpr const char* kDynamic = "dynamic";
-constexpr const char* kRemote = "remote";
+ private:
+  struct State {
+    std::mutex lock;
+    bool isOver = false;  ///< guarded by lock
+  };
 
-/// An image, and the app that it belongs to, which it does not keep itself.
-struct Image {
-  std::shared_ptr<IPA> app;
-  std::shared_ptr<Executable> executable;
+  std::shared_ptr<State> state_ = std::make_shared<State>();
 };
 
-Image mainImageOf(const std::shared_ptr<IPA>& app) {
-  return {app, namingInfo(*app, [&] { return app->mainExecutable(); })};
-}
-
-/// The image in `file`, and the app whose bundle it lies in, if it does.
-Image imageIn(const fs::path& file) {
-  const fs::path path = fs::absolute(file).lexically_normal();
-  for (fs::path folder = path.parent_path(); folder.has_relative_path();
-       folder = folder.parent_path()) {
-    if (folder.extension() != ".app") continue;
-    const Image main = mainImageOf(IPA::openAt(folder));
-    std::error_code ignored;
-    if (fs::equivalent(path, main.executable->path(), ignored)) return main;
-    return {main.app, std::make_shared<Executable>(
-                          main.app, folder, path.lexically_relative(folder).string(), false)};
-  }
-  return {nullptr, std::make_shared<Executable>(std::weak_ptr<IPA>(), path.parent_path(),
-                                                path.filename().string(), false)};
-}
-
-Image imageNamed(const ImageArgument& argument) {
-  std::error_code ignored;
-  if (!fs::is_regular_file(argument.image, ignored)) {
-    return mainImageOf(appArgument(argument.image));
-  }
-  Image image = imageIn(argument.image);
-  if (image.app == nullptr && argument.parser == kRemote) {
-    throw std::runtime_error(argument.image +
-                             ": is in no app's bundle; the remote parser asks a running app");
-  }
-  return image;
+std::system_error cancelled(const ImageArgument& argument) {
+  return {std::make_error_code(std::errc::operation_canceled), argument.image};
 }
 
 /// Why an image cannot be loaded here, where that is plain.
-std::string hintFor(const fs::path& file) {
+std::string hintFor(const std::filesystem::path& file) {
   try {
     if (MachOHeader::read(RandomAccessFile(file))) {
       return " (it is an image of the device, which does not load into this process; --parser "
@@ -83,78 +71,39 @@ std::string hintFor(const fs::path& file) {
   return " (--verbose shows what the loader said)";
 }
 
-/// Nothing is left behind by an image that is being loaded, and nothing could stop its code.
-void endProcess() { std::_Exit(128 + SIGINT); }
-
-ClassParser::Classes dumpDynamically(const Image& image, const ImageArgument& argument,
+ClassParser::Classes dumpDynamically(const Executable& image, const ImageArgument& argument,
                                      const std::shared_ptr<Progress>& progress) {
-  progress->setCancellationHandler(endProcess);
+  // Nothing could stop the code of an image that is being loaded, and nothing is left behind.
+  const Cancellation cancellation(*progress, [&argument] {
+    printError(cancelled(argument).what());
+    std::_Exit(EXIT_FAILURE);
+  });
   try {
-    return DynamicClassParser::sharedParser().parse(*image.executable, progress);
+    return DynamicClassParser::sharedParser().parse(image, progress);
   } catch (const DynamicClassParser::Error& error) {
-    throw std::runtime_error(argument.image + ": " + error.description() +
-                             hintFor(image.executable->path()));
+    throw std::runtime_error(argument.image + ": " + error.description() + hintFor(image.path()));
   }
 }
 
-/// Ends the requests of this process from the cancellation on, also one that is only about to be
-/// made.
-class RemoteCancellation {
- public:
-  explicit RemoteCancellation(Progress& progress) {
-    progress.setCancellationHandler([isOver = isOver_] {
-      constexpr std::chrono::milliseconds kInterval(50);
-      while (!*isOver) {
-        cancelTessaloopIfNeeded();
-        std::this_thread::sleep_for(kInterval);
-      }
-    });
-  }
-  RemoteCancellation(const RemoteCancellation&) = delete;
-  RemoteCancellation& operator=(const RemoteCancellation&) = delete;
-  ~RemoteCancellation() { *isOver_ = true; }
-
- private:
-  std::shared_ptr<std::atomic<bool>> isOver_ = std::make_shared<std::atomic<bool>>(false);
-};
-
-ClassParser::Classes dumpRemotely(const Image& image, const ImageArgument& argument,
+ClassParser::Classes dumpRemotely(const Executable& image, const ImageArgument& argument,
                                   const std::shared_ptr<Progress>& progress) {
-  const RemoteCancellation cancellation(*progress);
+  const Cancellation cancellation(*progress, cancelTessaloopIfNeeded);
   try {
-    return RemoteClassParser().parse(*image.executable, progress);
+    return RemoteClassParser().parse(image, progress);
   } catch (const RemoteClassParser::Error& error) {
-    if (progress->isCancelled()) {
-      throw std::system_error(std::make_error_code(std::errc::operation_canceled), argument.image);
-    }
+    if (progress->isCancelled()) throw cancelled(argument);
     throw std::runtime_error(argument.image + ": " + error.description());
   }
 }
 
 }  // namespace
 
-CLI::Option* addImageArgument(CLI::App& command, const char* name, ImageArgument& argument) {
-  CLI::Option* image =
-      command
-          .add_option(
-              name, argument.image,
-              "The image: a library's file, an app's bundle identifier or its bundle folder")
-          ->check(notEmpty())
-          ->type_name("IMAGE|APP");
-  command
-      .add_option("--parser", argument.parser,
-                  "dynamic loads the image into this process, remote asks the app, relaunched")
-      ->check(CLI::IsMember({kDynamic, kRemote}))
-      ->capture_default_str();
-  return image;
-}
-
 ClassParser::Classes dumpClasses(const ImageArgument& argument) {
-  const Image image = imageNamed(argument);
+  const NamedImage image = imageNamed(argument);
   const ProgressLine line("reading classes of " + argument.image);
   line.progress()->setTotalUnitCount(1);
-  const bool isRemote = argument.parser == kRemote;
-  return (isRemote ? dumpRemotely : dumpDynamically)(image, argument, line.progress());
+  const bool isRemote = argument.parser == kRemoteParser;
+  return (isRemote ? dumpRemotely : dumpDynamically)(*image.executable, argument, line.progress());
 }
 
 std::shared_ptr<ObjCClass> dumpedClass(const ImageArgument& argument, const std::string& name) {

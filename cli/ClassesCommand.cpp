@@ -43,7 +43,7 @@ int listClasses(const Options& options) {
 void addClassesCommand(CLI::App& app, Action& action) {
   auto* command = app.add_subcommand("classes", "List the Objective-C classes of an image");
   const auto options = std::make_shared<Options>();
-  addImageArgument(*command, "IMAGE", options->image)->required();
+  addImageArgument(*command, "IMAGE", options->image).image->required();
   command
       ->add_option("--match", options->pattern,
                    "Only the classes whose name fits the pattern, as shells match files")

@@ -3,16 +3,15 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <array>
+#include <algorithm>
 #include <cerrno>
-#include <csignal>
 #include <system_error>
 
 namespace tavlen::cli {
 
 namespace {
 
-constexpr std::array<int, 2> kEndSignals = {SIGINT, SIGTERM};
+constexpr std::array<int, 3> kSignals = {SIGINT, SIGTERM, SIGPIPE};
 
 /// The pipe's side that is closed; -1 once it is. For the handler, hence no other type.
 volatile std::sig_atomic_t openEnd = -1;
@@ -29,10 +28,14 @@ extern "C" void endAtSignal(int /*signal*/) {
   errno = error;
 }
 
-void handle(int signal, void (*handler)(int)) {
+struct sigaction handle(int signal, void (*handler)(int)) {
   struct sigaction action {};
+  struct sigaction former {};
   action.sa_handler = handler;
-  ::sigaction(signal, &action, nullptr);
+  ::sigaction(signal, nullptr, &former);
+  // Whoever started the command wants it to go on.
+  if (former.sa_handler != SIG_IGN) ::sigaction(signal, &action, nullptr);
+  return former;
 }
 
 }  // namespace
@@ -45,13 +48,15 @@ EndSignals::EndSignals() {
   for (const int end : pipe) ::fcntl(end, F_SETFD, FD_CLOEXEC);
   descriptor_ = pipe[0];
   openEnd = pipe[1];
-  for (const int signal : kEndSignals) handle(signal, endAtSignal);
-  handle(SIGPIPE, SIG_IGN);
+  std::transform(kSignals.begin(), kSignals.end(), former_.begin(), [](int signal) {
+    return handle(signal, signal == SIGPIPE ? SIG_IGN : endAtSignal);
+  });
 }
 
 EndSignals::~EndSignals() {
-  for (const int signal : kEndSignals) handle(signal, SIG_DFL);
-  handle(SIGPIPE, SIG_DFL);
+  for (std::size_t i = 0; i < kSignals.size(); ++i) {
+    ::sigaction(kSignals[i], &former_[i], nullptr);
+  }
   closeEnd();
   ::close(descriptor_);
 }

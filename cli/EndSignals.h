@@ -1,10 +1,13 @@
 #pragma once
 
+#include <array>
+#include <csignal>
+
 namespace tavlen::cli {
 
 /// Lets a command that works until it is told to end do so in order. While it lives, SIGINT and
-/// SIGTERM close the other side of descriptor(), and SIGPIPE is an error of the write.
-/// One at a time.
+/// SIGTERM, unless they were ignored, close the other side of descriptor(), and SIGPIPE is an error
+/// of the write. One at a time.
 class EndSignals {
  public:
   /// Throws std::system_error.
@@ -17,6 +20,7 @@ class EndSignals {
 
  private:
   int descriptor_ = -1;
+  std::array<struct sigaction, 3> former_{};
 };
 
 }  // namespace tavlen::cli

@@ -183,8 +183,10 @@ void addAdd(CLI::App& group, Action& action) {
                      ->check(isMethod())
                      ->type_name("'-[CLASS SELECTOR]'");
   for (CLI::Option* typed : {cls, selector, signature, sign}) method->excludes(typed);
-  auto* image = addImageArgument(command, "--in", options->image)->needs(method);
-  method->needs(image);
+  const ImageOptions image = addImageArgument(command, "--in", options->image);
+  image.image->needs(method);
+  image.parser->needs(method);
+  method->needs(image.image);
   addText(command, "--name", options->name, "A name to show for the hook")->type_name("NAME");
   command.parse_complete_callback([=] {
     if (!method->empty()) return;

@@ -11,6 +11,8 @@ namespace tavlen::cli {
 
 namespace {
 
+constexpr std::size_t kLongestLine = std::size_t{16} << 20;
+
 std::string_view withoutReturn(std::string_view line) {
   if (line.ends_with('\r')) line.remove_suffix(1);
   return line;
@@ -39,6 +41,9 @@ void forEachInputLine(FunctionRef<void(std::string_view)> line, FunctionRef<void
       rest.remove_prefix(end + 1);
     }
     begun += rest;
+    if (begun.size() > kLongestLine) {
+      throw std::system_error(EFBIG, std::generic_category(), "a line of the standard input");
+    }
     pause();
   }
   if (!begun.empty()) line(withoutReturn(begun));

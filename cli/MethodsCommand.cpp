@@ -39,7 +39,7 @@ void addMethodsCommand(CLI::App& app, Action& action) {
   command->add_option("CLASS", options->className, "The class's name")
       ->required()
       ->check(notEmpty());
-  addImageArgument(*command, "--in", options->image)->required();
+  addImageArgument(*command, "--in", options->image).image->required();
   command->add_flag("--json", options->json, "Print a JSON array");
   command->callback([options, &action] { action = [options] { return listMethods(*options); }; });
 }

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstddef>
+#include <utility>
 
 #include "cli/Console.h"
 #include "cli/TextTable.h"
@@ -27,9 +28,10 @@ std::size_t terminalColumns() {
   return isKnown ? size.ws_col : kUsual;
 }
 
+constexpr std::size_t kNarrowest = 12;
+
 /// A bar of `width` columns, brackets included; empty where that is too little for one.
 std::string bar(double fraction, std::size_t width) {
-  constexpr std::size_t kNarrowest = 12;
   constexpr std::size_t kWidest = 42;
   if (width < kNarrowest) return "";
   const std::size_t inside = std::min(width, kWidest) - 2;
@@ -56,8 +58,12 @@ void ProgressLine::show() {
   std::unique_lock lock(lock_);
   while (!end_.wait_for(lock, kInterval, [this] { return hasEnded_; })) {
     pollfd end{signals_.descriptor(), 0, 0};
-    if (::poll(&end, 1, 0) > 0) progress_->cancel();
-    if (isTerminal) print();
+    const bool isCancelled = ::poll(&end, 1, 0) > 0;
+    if (isTerminal && !isCancelled) print();
+    if (!isCancelled) continue;
+    // What is said of the end stands in a line of its own.
+    if (std::exchange(isShown_, false)) printMessage(kNewLine);
+    progress_->cancel();
   }
   if (isShown_) printMessage(kNewLine);
 }
@@ -65,10 +71,11 @@ void ProgressLine::show() {
 void ProgressLine::print() {
   const double fraction = std::clamp(progress_->fractionCompleted(), 0.0, 1.0);
   const std::string percent = std::to_string(static_cast<int>(fraction * 100)) + " %";
-  // A line that the terminal breaks could not be taken back whole.
+  // A line that the terminal breaks could not be taken back whole; the bar is worth more than the
+  // words.
   const std::size_t columns = terminalColumns();
   std::size_t taken = displayWidth(work_) + percent.size() + 4;  // with ": " and two blanks
-  const bool isWide = taken > columns;
+  const bool isWide = taken + kNarrowest > columns;
   if (isWide) taken = percent.size() + 2;
   std::string line = isWide ? "" : work_ + ": ";
   if (columns > taken) line += bar(fraction, columns - taken);

@@ -17,7 +17,7 @@ namespace tavlen::cli {
 
 namespace {
 
-/// The line that answers `encoding`: its first type, or nothing for nothing.
+/// The line that answers `encoding`: its first type.
 std::string answerTo(std::string_view encoding, bool json) {
   const std::shared_ptr<JXType> type = JXTypeForEncoding(encoding);
   std::string answer;
@@ -40,7 +40,8 @@ int answerInput(bool json) {
   };
   forEachInputLine(
       [&](std::string_view line) {
-        answers += answerTo(line, json) + '\n';
+        if (!line.empty()) answers += answerTo(line, json);
+        answers += '\n';
         if (answers.size() >= kEnough) print();
       },
       print);

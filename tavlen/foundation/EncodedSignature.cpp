@@ -49,10 +49,6 @@ class ArgumentFrame {
     std::uint64_t alignment;
   };
 
-  static std::uint64_t roundedUp(std::uint64_t size, std::uint64_t alignment) {
-    return (size + alignment - 1) / alignment * alignment;
-  }
-
   /// An argument lies in registers as a whole or on the stack; after the first one there, none of
   /// its kind has a register.
   void take(std::uint64_t& used, std::uint64_t count, Space onStack) {

@@ -4,6 +4,7 @@
 #include <stdexcept>
 
 #include "tavlen/foundation/ObjCRuntime.h"
+#include "tavlen/foundation/TypeScanner.h"
 
 namespace tavlen {
 
@@ -23,7 +24,7 @@ bool isShallow(std::string_view encoding) {
     const auto isOneOf = [c](std::string_view characters) {
       return characters.find(c) != std::string_view::npos;
     };
-    prefix = isOneOf("^rnNoORVAj") ? prefix + 1 : 0;
+    prefix = c == '^' || isOneOf(kTypeQualifiers) ? prefix + 1 : 0;
     if (isOneOf("{([<")) ++brackets;
     if (isOneOf("})]>") && brackets > 0) --brackets;
     if (brackets > kMostBrackets || prefix > kLongestPrefix) return false;

@@ -53,10 +53,6 @@ bool isComplex(std::string_view qualifiers, char letter) {
          kNumbers.find(letter) != std::string_view::npos;
 }
 
-std::uint64_t roundedUp(std::uint64_t size, std::uint64_t alignment) {
-  return (size + alignment - 1) / alignment * alignment;
-}
-
 /// Puts `member` behind those that `whole` has. False when it is too much.
 bool append(TypeLayout& whole, const TypeLayout& member) {
   if (whole.size == 0) whole.floatSize = member.floatSize;

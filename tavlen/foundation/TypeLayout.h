@@ -26,6 +26,11 @@ struct TypeLayout {
   bool operator==(const TypeLayout&) const = default;
 };
 
+/// The next multiple of `alignment`, which is not 0.
+constexpr std::uint64_t roundedUp(std::uint64_t size, std::uint64_t alignment) {
+  return (size + alignment - 1) / alignment * alignment;
+}
+
 /// The layout of the one type that `type` is, qualifiers allowed. Nothing for a malformed text and
 /// for what has no layout by value: unions, bit fields and what holds them, structures without a
 /// body, "?". Pointers are not followed. Work is linear in the text's length.

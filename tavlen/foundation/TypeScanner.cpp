@@ -8,7 +8,6 @@ namespace tavlen {
 
 namespace {
 
-constexpr std::string_view kQualifiers = "rnNoORVAj";
 constexpr std::string_view kScalars = "cislqCISLQfdDBvtT*#:?";
 
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
@@ -63,7 +62,7 @@ bool TypeScanner::skip(char expected) {
 
 std::string_view TypeScanner::skipQualifiers() {
   const std::size_t begin = position_;
-  while (!isAtEnd() && kQualifiers.find(text_[position_]) != std::string_view::npos) ++position_;
+  while (!isAtEnd() && kTypeQualifiers.find(text_[position_]) != std::string_view::npos) ++position_;
   return text_.substr(begin, position_ - begin);
 }
 

@@ -7,6 +7,9 @@
 
 namespace tavlen {
 
+/// The letters of const, in, inout, out, bycopy, byref, oneway, atomic and complex.
+inline constexpr std::string_view kTypeQualifiers = "rnNoORVAj";
+
 /// A position in an Objective-C type encoding that moves over its pieces.
 ///
 /// The pieces are found by their brackets, without recursion: what stands inside an aggregate or

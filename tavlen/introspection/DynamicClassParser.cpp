@@ -71,16 +71,17 @@ std::shared_ptr<ObjCClass> DynamicClassParser::parseClass(objc_class* cls) const
   return cache_.emplace(name, std::move(record)).first->second;
 }
 
+bool DynamicClassParser::load(const std::filesystem::path& path) {
+  logMessage("dlopening " + path.string() + "!");
+  const auto error = ObjCRuntime::loadImage(path);
+  if (error) logMessage("dlopen encountered error: " + *error);
+  return !error;
+}
+
 std::optional<DynamicClassParser::Classes> DynamicClassParser::parseClassesAtPath(
     const std::filesystem::path& path, bool shouldDlopen) const {
   const std::lock_guard lock(lock_);
-  if (shouldDlopen) {
-    logMessage("dlopen " + path.string() + "!");
-    if (const auto error = ObjCRuntime::loadImage(path)) {
-      logMessage("dlopen encountered error: " + *error);
-      return std::nullopt;
-    }
-  }
+  if (shouldDlopen && !load(path)) return std::nullopt;
   Classes classes;
   const ScopedProgress current(Progress::make(1), 1);
   logMessage("Enumerating classes of " + path.string());
@@ -90,11 +91,12 @@ std::optional<DynamicClassParser::Classes> DynamicClassParser::parseClassesAtPat
 
 ClassParser::Classes DynamicClassParser::parseBelow(const std::shared_ptr<Progress>& parent,
                                                     const Executable& executable) const {
+  const std::lock_guard lock(lock_);
+  if (!executable.parseDynamically() && !load(executable.path())) throw Error::failed();
+  // Not before: an initialiser that the load runs may parse, too, and would take the unit.
   std::optional<ScopedProgress> current;
   if (parent != nullptr) current.emplace(parent, 1);
-  auto classes = parseClassesAtPath(executable.path(), !executable.parseDynamically());
-  if (!classes.has_value()) throw Error::failed();
-  return *std::move(classes);
+  return parseClassesAtPath(executable.path(), false).value();
 }
 
 DynamicClassParser::Error DynamicClassParser::Error::failed() {

@@ -52,6 +52,8 @@ class DynamicClassParser : public ClassParser {
                                             bool shouldDlopen) const;
 
  private:
+  /// False, and the loader's text in the log, where that fails.
+  static bool load(const std::filesystem::path& path);
   /// Loads the image unless Executable::parseDynamically(). Throws Error::failed().
   Classes parseBelow(const std::shared_ptr<Progress>& parent,
                      const Executable& executable) const override;

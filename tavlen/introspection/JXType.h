@@ -18,7 +18,8 @@ class JXTypeCursor;
 ///
 /// Trees are read from encodings by JXTypeForEncoding() and JXTypeWithEncoding(), and built by the
 /// `initWith...` functions of the classes below this one. Nothing in a tree changes once it is
-/// made, but for the width of a bit field. Plain nodes (`i`, `@`, `*`) may be shared among trees.
+/// made, but for the width of a bit field. Plain nodes (`i`, `@`, `*`) are shared among trees and
+/// live as long as the process: their pointers count nothing.
 ///
 /// The encodings of a tree's nodes are views of one text, which lives as long as any of them.
 /// Bytes have no meaning but the encoding's own: what is not UTF-8 stays as it is.

@@ -1,11 +1,13 @@
 #include "tavlen/introspection/JXTypeCursor.h"
 
 #include <array>
+#include <mutex>
 
 #include "tavlen/introspection/JXTypeArray.h"
 #include "tavlen/introspection/JXTypeBasic.h"
 #include "tavlen/introspection/JXTypeBitField.h"
 #include "tavlen/introspection/JXTypeID.h"
+#include "tavlen/introspection/JXTypeIDIgnoreName.h"
 #include "tavlen/introspection/JXTypePointer.h"
 #include "tavlen/introspection/JXTypeStruct.h"
 #include "tavlen/introspection/JXTypeUnion.h"
@@ -46,20 +48,36 @@ Initialiser initialiserFor(char character) {
   return initialisers[static_cast<unsigned char>(character)];
 }
 
-constexpr bool holdsOthers(char character) {
-  return character == '{' || character == '(' || character == '[' || character == '^';
+/// Hides the text behind the cursor while it stands.
+class CutText {
+ public:
+  explicit CutText(JXTypeCursor& cursor) : cursor_(cursor), length_(cursor.text().size()) {
+    cursor.cut(cursor.position());
+  }
+  CutText(const CutText&) = delete;
+  CutText& operator=(const CutText&) = delete;
+  ~CutText() { cursor_.uncut(length_); }
+
+ private:
+  JXTypeCursor& cursor_;
+  std::size_t length_;
+};
+
+bool ignoresNames() {
+  const std::lock_guard lock(JXTypeIDIgnoreNameLock);
+  return JXTypeIDIgnoreName;
 }
 
 std::shared_ptr<JXType> typeWith(JXTypeCursor& cursor, JXTypeQualifiers qualifiers) {
   const char character = cursor.character();
   const std::size_t begin = cursor.position();
   JXTypeParse& parse = cursor.parse();
-  if (holdsOthers(character) && (parse.depth == 0 || parse.hasRoom())) {
+  const bool holdsOthers = JXTypeParse::holdsOthers(character);
+  if (holdsOthers && (parse.depth == 0 || parse.hasRoom())) {
     return initialiserFor(character)(cursor, qualifiers);
   }
-  const Initialiser initialiser = cursor.isAtEnd() || holdsOthers(character)
-                                      ? initialise<JXTypeBasic>
-                                      : initialiserFor(character);
+  const Initialiser initialiser =
+      cursor.isAtEnd() || holdsOthers ? initialise<JXTypeBasic> : initialiserFor(character);
   std::shared_ptr<JXType> type = initialiser(cursor, qualifiers);
   parse.count(cursor.position(), cursor.position() - begin);
   return type;
@@ -88,18 +106,20 @@ std::shared_ptr<JXType> JXTypeWithEncoding(JXTypeCursor& cursor) {
     return typeWith(cursor, qualifiers);
   }
 
-  const std::size_t whole = cursor.text().size();
   parse.furthestTaken = 0;
+  // For both readings: the first may leave it down. A type that holds no others is read once.
+  const bool wereIgnored = JXTypeParse::holdsOthers(cursor.character()) && ignoresNames();
   std::shared_ptr<JXType> type = typeWith(cursor, qualifiers);
-  const std::size_t end = cursor.position();
-  if (parse.furthestTaken < end || end == whole) return type;
+  if (parse.furthestTaken < cursor.position() || cursor.isAtEnd()) return type;
   // Read up to there, the member that was taken back reaches the end of the text, with all that it
   // is part of. So nothing is taken back for what follows, and the whole of the text is read.
-  cursor.cut(end);
+  const CutText cut(cursor);
   cursor.moveTo(begin);
-  type = typeWith(cursor, qualifiers);
-  cursor.uncut(whole);
-  return type;
+  if (wereIgnored) {
+    const std::lock_guard lock(JXTypeIDIgnoreNameLock);
+    JXTypeIDIgnoreName = true;
+  }
+  return typeWith(cursor, qualifiers);
 }
 
 JXTypeQualifiers JXRemoveQualifiers(JXTypeCursor& cursor) {

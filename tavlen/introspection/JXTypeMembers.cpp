@@ -26,7 +26,7 @@ class IgnoringNames {
 
 /// Whether a type that begins with `character` may hold others, so that it is worth remembering.
 bool mayHoldOthers(char character) {
-  return character == '{' || character == '(' || character == '[' || character == '^' ||
+  return JXTypeParse::holdsOthers(character) ||
          JXTypeQualifierForEncoding(character) != JXTypeQualifiers::none;
 }
 
@@ -104,7 +104,10 @@ std::shared_ptr<JXType> JXTypeMembers::readMember() {
   if (const auto found = parse.readings.find(key); found != parse.readings.end()) {
     cursor_.moveTo(found->second.end);
     // Reading it another time would correct a member within it another time.
-    if (found->second.hasCorrected) JXTypeIDIgnoreName = false;
+    if (found->second.hasCorrected) {
+      JXTypeIDIgnoreName = false;
+      ++parse.corrections;
+    }
     return found->second.type;
   }
   lock.unlock();

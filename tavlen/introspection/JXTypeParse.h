@@ -44,9 +44,13 @@ struct JXTypeParse {
   /// Steps that may be taken for each byte of the text read, and before there are any. A step
   /// passes a byte, the first or another time. Texts as compilers write them need less than two a
   /// byte.
-  static constexpr std::uint64_t kStepsPerByte = 8;
+  static constexpr std::uint64_t kStepsPerByte = 4;
   static constexpr std::uint64_t kFreeSteps = 4096;
 
+  /// Whether a type that begins with `character`, and no qualifier, may hold others.
+  static constexpr bool holdsOthers(char character) {
+    return character == '{' || character == '(' || character == '[' || character == '^';
+  }
   /// Whether another type that holds others may be read.
   bool hasRoom() const;
   /// Counts what is about to be done at `position`.

@@ -18,8 +18,12 @@ bool isCharacter(const JXType& type) {
 
 JXTypePointer::JXTypePointer(Key /*key*/, JXTypeText encoding, JXTypeQualifiers qualifiers,
                              std::shared_ptr<JXType> type, bool isFunction)
-    : JXType(std::move(encoding), qualifiers, heightOver(type), isFunction),
-      type_(std::move(type)) {}
+    : JXType(encoding, qualifiers, heightOf(encoding, type), isFunction), type_(std::move(type)) {}
+
+/// The character's node is no level: `*` is read in one step, wherever it stands.
+unsigned JXTypePointer::heightOf(const JXTypeText& encoding, const std::shared_ptr<JXType>& type) {
+  return encoding.length == 1 && isCharacter(*type) ? 0 : heightOver(type);
+}
 
 std::shared_ptr<JXTypePointer> JXTypePointer::toCharacter(JXTypeQualifiers qualifiers) {
   static const auto* text = new JXTypeText(JXTypeText::lasting("*"));
@@ -43,6 +47,7 @@ std::shared_ptr<JXTypePointer> JXTypePointer::initWithEncoding(JXTypeCursor& cur
   const JXTypeParse::Level level(cursor.parse(), begin);
   cursor.keepText();
   cursor.advance();
+  cursor.parse().count(cursor.position(), 1);
   const bool isFunction = cursor.isAt('?');
   std::shared_ptr<JXType> type = JXTypeWithEncoding(cursor);
   return std::make_shared<JXTypePointer>(Key(), cursor.textFrom(begin), qualifiers, std::move(type),

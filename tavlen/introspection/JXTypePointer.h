@@ -26,6 +26,7 @@ class JXTypePointer final : public JXType {
                 std::shared_ptr<JXType> type, bool isFunction);
 
  private:
+  static unsigned heightOf(const JXTypeText& encoding, const std::shared_ptr<JXType>& type);
   static std::shared_ptr<JXTypePointer> toCharacter(JXTypeQualifiers qualifiers);
 
   void appendOwnHead(std::string& out, bool padding) const override;

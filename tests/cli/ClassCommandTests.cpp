@@ -98,6 +98,7 @@ TEST_F(ClassCommandTest, AHookTakesItsTypesFromTheImage) {
       {{"--method", "-[Nobody x]"}, 2, "--in"},
       {{"A", "b", "--signature", "v16@0:8", "--in", "image.so"}, 2, "--in"},
       {{"A", "b", "--method", "-[A b]", "--in", "image.so"}, 2, "--method"},
+      {{"A", "b", "--signature", "v16@0:8", "--parser", "remote"}, 2, "--method"},
       {{"A", "b"}, 2, "--signature"},
       {{"--signature", "v16@0:8"}, 2, "CLASS"},
   };
@@ -131,7 +132,9 @@ TEST_F(ClassCommandTest, SaysWhyThereAreNoClassesOnTheDocumentedPort) {
        "error: Applications/Notes.app: Remote dump failed"},
       {{"Applications/Notes.app/Notes", "--parser", "remote"},
        "error: Applications/Notes.app/Notes: Remote dump failed"},
+      {{"Applications/Notes.app/Info.plist", "--parser", "remote"}, "Info.plist: is no image"},
       {{"image.so", "--parser", "remote"}, "image.so: is in no app's bundle"},
+      {{"/dev/null"}, "/dev/null: Dynamic dump failed: "},
   };
   for (const Row& row : rows) {
     std::vector<std::string> words = {"classes"};

@@ -5,6 +5,7 @@
 namespace tavlen {
 namespace {
 
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::StartsWith;
 
@@ -66,14 +67,23 @@ TEST_F(TypeCommandTest, PrintsTreesAsJSON) {
   setInput("lines");
   EXPECT_EQ(run({"type", "--json", "-"}).out,
             "{\"encoding\":\"i\",\"declaration\":\"int\",\"kind\":\"basic\",\"name\":\"int\"}\n"
-            "null\n"
+            "\n"
             "{\"encoding\":\"(\xEF\xBF\xBD=}\",\"declaration\":\"union \xEF\xBF\xBD { void field1; "
             "}\",\"kind\":\"union\",\"name\":\"\xEF\xBF\xBD\","
             "\"types\":[{\"encoding\":\"}\",\"kind\":\"basic\",\"name\":\"void\"}]}\n");
   // The deepest tree that there is.
   std::string deep;
-  for (int i = 0; i < 300; ++i) deep += "{X=";
-  EXPECT_THAT(run({"type", "--json", deep}).out, StartsWith("[{\"encoding\":\"{X={X="));
+  for (int i = 0; i < 250; ++i) deep += "{X=";
+  const Result tree = run({"type", "--json", deep + "*"});
+  EXPECT_THAT(tree.out, StartsWith("[{\"encoding\":\"{X={X="));
+  EXPECT_THAT(tree.out, EndsWith("\"isFunction\":false,\"type\":{\"encoding\":\"c\",\"kind\":"
+                                 "\"basic\",\"name\":\"char\"}}" +
+                                 [] {
+                                   std::string ends;
+                                   for (int i = 0; i < 250; ++i) ends += "]}";
+                                   return ends;
+                                 }() +
+                                 "]\n"));
 }
 
 }  // namespace

@@ -140,7 +140,7 @@ super Object )" + pathOfDefinition("Object") +
                       R"(
 - boxOf: {Box={Point=dd}C}24@0:8O@16
 )");
-  EXPECT_THAT(messages_.take(), ElementsAre("dlopen " TAVLEN_CLASSES_IMAGE "!",
+  EXPECT_THAT(messages_.take(), ElementsAre("dlopening " TAVLEN_CLASSES_IMAGE "!",
                                             "Enumerating classes of " TAVLEN_CLASSES_IMAGE));
 }
 
@@ -179,7 +179,7 @@ TEST_F(DynamicClassParserTest, GivesNothingForWhatDoesNotLoad) {
     SCOPED_TRACE(path);
     EXPECT_EQ(parser_.parseClassesAtPath(path, true), std::nullopt);
     EXPECT_THAT(messages_.take(),
-                ElementsAre("dlopen " + path.string() + "!",
+                ElementsAre("dlopening " + path.string() + "!",
                             testing::AllOf(testing::StartsWith("dlopen encountered error: "),
                                            testing::HasSubstr(reason))));
     EXPECT_THAT(parse(path, false), testing::IsEmpty());

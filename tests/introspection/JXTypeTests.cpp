@@ -1,4 +1,4 @@
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <chrono>
 #include <cstdint>
@@ -349,6 +349,9 @@ TEST(JXType, StopsAtTheBoundAndGoesOn) {
   const std::size_t depth = JXType::kMaximumDepth;
   for (const std::string_view opening : {"^", "[1", "{X=", "(X="}) {
     SCOPED_TRACE(opening);
+    for (const std::size_t levels : {depth - 1, depth, depth + 1}) {
+      EXPECT_EQ(fault(repeated(opening, levels) + "*"), "");
+    }
     // Just as many levels, and one more: then the innermost's first character is a basic type.
     const auto deepest = JXTypeForEncoding(repeated(opening, depth) + "i");
     EXPECT_NE(deepest->description().find("int"), std::string::npos);
@@ -397,6 +400,9 @@ TEST(JXType, LeavesTheFlagDown) {
   EXPECT_EQ(read("{P=\"x\"@\"y\"@}"), "struct P { id x; id y; } up");
   // A member before what is no quote is read again, to no end, and then objects have names.
   EXPECT_EQ(read("{P=\"x\"i1n\"@\"A\"\"y\"i}"), "struct P { int x; A *n; int y; } down");
+  // Read twice, the second time as the first.
+  EXPECT_THAT(read("{P=\"z\"{R=@\"k\"}\"y\"i1n\"@\"A\"\"a\"(Q=@\"b)}c\"i}LONG)x"),
+              testing::StartsWith("struct P { struct R { id field1;"));
 }
 
 TEST(JXType, IsReadByManyThreads) {
@@ -451,6 +457,21 @@ TEST(JXType, LargeTextsTakeTimeInProportion) {
     EXPECT_EQ(fault("{X=" + text + repeated(")x}x", 1000)), "");
   }
   EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::minutes(1));
+}
+
+/// Each of the members is first read up to the end of the text, and then taken back.
+TEST(JXType, WhatIsTakenBackCounts) {
+  constexpr std::size_t kMembers = 100;
+  const std::string body = repeated(repeated("^", 140) + "i", 3000);
+  const auto timeOf = [](const std::string& text) {
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_EQ(fault(text), "");
+    return std::chrono::steady_clock::now() - begin;
+  };
+  const auto plain = timeOf("{X=" + body);
+  const auto hostile = timeOf("{X=" + repeated("\"a\"(Q=@\"b)", kMembers) + "\"" + body +
+                              repeated(")", kMembers) + "x");
+  EXPECT_LT(hostile, 20 * plain);
 }
 
 }  // namespace

@@ -64,14 +64,6 @@ TEST(ObjCMethod, ColoursItsTypes) {
                    kForeground, kFont}}));
 }
 
-TEST(ObjCMethod, LongTextsStayInLine) {
-  constexpr std::size_t kMany = 30'000;
-  const std::string text =
-      ObjCMethod(std::string(kMany, ':'), "v@:" + std::string(kMany, 'i'), false).description();
-  EXPECT_TRUE(text.ends_with(" :(int)"));
-  EXPECT_EQ(std::count(text.begin(), text.end(), '('), static_cast<std::ptrdiff_t>(kMany + 1));
-}
-
 TEST(ObjCMethod, IsStoredUnderItsKeys) {
   const ObjCMethod method("a:", "v24@0:8@16", true);
   const std::string json = R"({"selector":"a:","encoding":"v24@0:8@16","isClassMethod":true})";

@@ -35,7 +35,7 @@ const std::vector<SampleEncoding>& sampleEncodings() {
       {"deepNames", "{X=", nest(R"({P="a")", "i", R"("b"@"c"@"d"i})")},
       {"pastTheBound", "", "{X="},
       {"namesPastTheBound", "", R"({P="a"{Q="b"@)"},
-      {"takenBack", R"({X="a"(Q=@"b)"a"(Q=@"b)"a"(Q=@"b)")", "b", ")))x"},
+      {"takenBack", R"x({X="a"(Q=@"b)"a"(Q=@"b)"a"(Q=@"b)")x", "b", ")))x"},
       {"provoking", "{X=", R"("a"(Q=@"b))"},
   };
   return samples;

@@ -47,7 +47,7 @@ NamedImage imageInBundle(const fs::path& file) {
   for (fs::path folder = path.parent_path(); folder.has_relative_path();
        folder = folder.parent_path()) {
     if (folder.extension() != ".app") continue;
-    const NamedImage main = mainImageOf(IPA::openAt(folder));
+    NamedImage main = mainImageOf(IPA::openAt(folder));
     std::error_code ignored;
     if (fs::equivalent(path, main.executable->path(), ignored)) return main;
     std::string inside = path.lexically_relative(folder).string();

@@ -16,7 +16,7 @@ bool isCharacter(const JXType& type) {
 
 }  // namespace
 
-JXTypePointer::JXTypePointer(Key /*key*/, JXTypeText encoding, JXTypeQualifiers qualifiers,
+JXTypePointer::JXTypePointer(Key /*key*/, const JXTypeText& encoding, JXTypeQualifiers qualifiers,
                              std::shared_ptr<JXType> type, bool isFunction)
     : JXType(encoding, qualifiers, heightOf(encoding, type), isFunction), type_(std::move(type)) {}
 

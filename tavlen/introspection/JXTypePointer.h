@@ -22,7 +22,7 @@ class JXTypePointer final : public JXType {
   const std::shared_ptr<JXType>& type() const { return type_; }
   bool isFunction() const { return isMarked(); }
 
-  JXTypePointer(Key /*key*/, JXTypeText encoding, JXTypeQualifiers qualifiers,
+  JXTypePointer(Key /*key*/, const JXTypeText& encoding, JXTypeQualifiers qualifiers,
                 std::shared_ptr<JXType> type, bool isFunction);
 
  private:

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "TemporaryFolder.h"
+#include "Thrown.h"
 #include "tavlen/device/DevicePaths.h"
 #include "tavlen/device/DeviceRoot.h"
 #include "tavlen/device/TweakInfo.h"
@@ -72,17 +73,6 @@ class PackagingTest : public testing::Test {
     }
     std::sort(names.begin(), names.end());
     return names;
-  }
-
-  /// The text of what `body` throws.
-  template <class Body>
-  static std::string messageOf(Body&& body) {
-    try {
-      body();
-      return "nothing thrown";
-    } catch (const std::exception& error) {
-      return error.what();
-    }
   }
 };
 

@@ -16,9 +16,9 @@
 
 #include "MachOFile.h"
 #include "TemporaryFolder.h"
+#include "Thrown.h"
 #include "tavlen/bundles/InstallableTweak.h"
 #include "tavlen/collections/NotificationPoster.h"
-#include "tavlen/device/AppList.h"
 #include "tavlen/device/DevicePaths.h"
 #include "tavlen/device/DeviceRoot.h"
 #include "tavlen/device/InstalledTweaks.h"
@@ -93,16 +93,6 @@ std::vector<std::string> paths(const std::vector<std::shared_ptr<Executable>>& e
   std::vector<std::string> paths;
   for (const auto& executable : executables) paths.push_back(executable->relativePath());
   return paths;
-}
-
-template <class Body>
-std::string messageOf(Body&& body) {
-  try {
-    body();
-  } catch (const LocalizedError& error) {
-    return error.description();
-  }
-  return "";
 }
 
 TEST_F(IPATest, FindsTheImagesOfABundleByTheirHeaders) {
@@ -299,12 +289,8 @@ TEST_F(IPATest, AFailedInstallationLeavesTheOldOneOrNoRecord) {
   EXPECT_EQ(ipa->activeTweakID(), "T1");
 
   helper("exit 3");
-  try {
-    ipa->setActiveTweak(&next);
-    FAIL() << "the helper failed";
-  } catch (const Process::Error& error) {
-    EXPECT_EQ(error, Process::Error::terminated(3));
-  }
+  EXPECT_EQ(thrown<Process::Error>([&] { ipa->setActiveTweak(&next); }),
+            Process::Error::terminated(3));
   EXPECT_EQ(InstalledTweaks::record("com.example.notes"), std::nullopt);
 
   fs::remove(DeviceRoot::shared().resolve(kFileOperationsPath));
@@ -390,35 +376,6 @@ TEST_F(IPATest, ManyThreadsFillTheCachesOnce) {
   }
   for (std::thread& thread : threads) thread.join();
   EXPECT_THAT(found, testing::Each(found.front()));
-}
-
-TEST_F(IPATest, AsksTheHelperForCrashLogs) {
-  IPA::withAppDir(appDir())->copyCrashLogs(tree_.path() / "logs");
-  EXPECT_EQ(calls(), "kvfileops fetch-logs com.example.notes /logs\n");
-}
-
-TEST_F(IPATest, AllIsTheSharedListsOneLoad) {
-  class CountingFetcher : public AppListFetcher {
-   public:
-    CountingFetcher(int& count, fs::path bundle) : count_(count), bundle_(std::move(bundle)) {}
-    std::vector<AppListApp> fetchAllApps() const override {
-      ++count_;
-      return {{"com.example.notes", "Notes", bundle_}};
-    }
-
-   private:
-    int& count_;
-    fs::path bundle_;
-  };
-  static int loads = 0;
-  AppList::setSharedFetcher(std::make_unique<CountingFetcher>(loads, appDir()));
-  const auto first = IPA::all();
-  ASSERT_EQ(first.size(), 1U);
-  EXPECT_EQ(IPA::all(), first);
-  EXPECT_EQ(IPA::findWithBundleID("com.example.notes"), first.front());
-  EXPECT_EQ(messageOf([] { IPA::findWithBundleID("com.example.none"); }),
-            "IPA not found with bundle ID: com.example.none");
-  EXPECT_EQ(loads, 1);
 }
 
 }  // namespace

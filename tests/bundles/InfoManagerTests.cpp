@@ -9,6 +9,7 @@
 #include <system_error>
 
 #include "TemporaryFolder.h"
+#include "Thrown.h"
 #include "tavlen/foundation/CodingError.h"
 #include "tavlen/foundation/PropertyListEncoder.h"
 
@@ -102,8 +103,7 @@ TEST_F(InfoManagerTest, NamesAreExpandedByTheirExtension) {
       {"a", "a@4x.png", false},     {"a", "a~ipad.png", false},       {".png", ".png", false},
       {".png", ".png.png", true},   {"...png", "...png", false},      {"....png", "....png", true},
       {"s/a.png", "s/a.png", true}, {"s.png/a", "s.png/a.png", true}, {"a.png.b", "a.png.b", false},
-      {"s/../a", "a.png", true},    {"a.b png", "a.b png.png", true},
-  };
+      {"s/../a", "a.png", true},    {"a.b png", "a.b png.png", true}};
   for (const auto& [name, file, isFound] : rows) {
     fs::remove_all(bundle());
     fs::create_directory(bundle());
@@ -165,10 +165,18 @@ TEST_F(InfoManagerTest, WhatCannotBeReadIsTheFileSystemsError) {
   fs::create_symlink("nowhere", bundle() / "other.png");
   EXPECT_EQ(outcome(), "1");
 
-  fs::remove(bundle() / "Info.plist");
-  EXPECT_THROW(static_cast<void>(InfoManager(bundle()).icon()), std::system_error);
+  const InfoManager manager(bundle());
+  info._name = "changed";
+  writeInfo();
+  EXPECT_EQ(manager.info().name(), "changed") << "the file is read each time";
+  const auto read = [&] { static_cast<void>(manager.info()); };
+  const auto readIcon = [&] { static_cast<void>(manager.icon()); };
   write("Info.plist", "text");
-  EXPECT_THROW(static_cast<void>(InfoManager(bundle()).icon()), DecodingError);
+  EXPECT_THROW(read(), DecodingError);
+  EXPECT_THROW(readIcon(), DecodingError);
+  fs::remove(bundle() / "Info.plist");
+  EXPECT_THROW(readIcon(), std::system_error);
+  EXPECT_EQ(thrown<std::system_error>(read).value().code(), std::errc::no_such_file_or_directory);
 }
 
 TEST_F(InfoManagerTest, APermissionThatIsMissingIsTheFileSystemsError) {

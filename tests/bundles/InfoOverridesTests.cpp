@@ -30,8 +30,7 @@ TEST(InfoOverridesTest, EachKindEditsItsKey) {
       {R"({"type":"IPadSupport","value":true})", R"(Family":1)", R"(Family":2)"},
       {R"({"type":"Orientations","value":[]})", R"(["X"])", "[]"},
       {R"({"type":"OrientationsIPad","value":["UIInterfaceOrientationPortrait"]})", R"(["X"])",
-       R"(["X"],"UISupportedInterfaceOrientations~ipad":["UIInterfaceOrientationPortrait"])"},
-  };
+       R"(["X"],"UISupportedInterfaceOrientations~ipad":["UIInterfaceOrientationPortrait"])"}};
   for (const auto& row : rows) {
     Info info = decodeJSON<Info>(kBefore);
     applyTo(info, decodeJSON<OverrideContainer>(row.override_).value);

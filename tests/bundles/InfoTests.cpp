@@ -2,11 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <fstream>
-#include <system_error>
-
-#include "tavlen/bundles/InfoManager.h"
+#include "Thrown.h"
 #include "tavlen/foundation/PropertyListDecoder.h"
 #include "tavlen/foundation/PropertyListEncoder.h"
 
@@ -36,12 +32,7 @@ Info decoded(const std::string& more, const std::string& family = "<integer>1</i
 PropertyList encoded(const Info& info) { return readPropertyList(encodePropertyList(info)); }
 
 std::string errorOf(const std::string& bytes) {
-  try {
-    decodePropertyList<Info>(bytes);
-    return "";
-  } catch (const DecodingError& error) {
-    return error.description();
-  }
+  return messageOf<DecodingError>([&] { decodePropertyList<Info>(bytes); });
 }
 
 TEST(Info, namesAndVersionFallBack) {
@@ -88,15 +79,13 @@ TEST(Info, deviceFamilyIsNarrowedToOneInteger) {
   const struct {
     const char* family;
     bool supportsIPad;
-  } rows[] = {
-      {"<integer>1</integer>", false},
-      {"<integer>2</integer>", true},
-      {"<real>2</real>", true},
-      {"<integer>3</integer>", false},
-      {"<array/>", false},
-      {"<array><integer>1</integer></array>", false},
-      {"<array><integer>1</integer><integer>2</integer></array>", true},
-  };
+  } rows[] = {{"<integer>1</integer>", false},
+              {"<integer>2</integer>", true},
+              {"<real>2</real>", true},
+              {"<integer>3</integer>", false},
+              {"<array/>", false},
+              {"<array><integer>1</integer></array>", false},
+              {"<array><integer>1</integer><integer>2</integer></array>", true}};
   for (const auto& row : rows) {
     const Info info = decoded("", row.family);
     EXPECT_EQ(info.supportsIPad(), row.supportsIPad) << row.family;
@@ -115,19 +104,17 @@ TEST(Info, orientations) {
   const struct {
     std::string list;
     Orientations expected;
-  } rows[] = {
-      {"", std::nullopt},
-      {"<array/>", std::vector<Orientation>{}},
-      {"<array>" + portrait + "<string>Foo</string>" + portrait + "</array>",
-       std::vector{Orientation::portrait, Orientation::portrait}},
-      {"<array><string>uiinterfaceorientationportrait</string></array>",
-       std::vector<Orientation>{}},
-      {"<array><string>UIInterfaceOrientationLandscapeRight</string>"
-       "<string>UIInterfaceOrientationLandscapeLeft</string>"
-       "<string>UIInterfaceOrientationPortraitUpsideDown</string></array>",
-       std::vector{Orientation::landscapeRight, Orientation::landscapeLeft,
-                   Orientation::portraitUpsideDown}},
-  };
+  } rows[] = {{"", std::nullopt},
+              {"<array/>", std::vector<Orientation>{}},
+              {"<array>" + portrait + "<string>Foo</string>" + portrait + "</array>",
+               std::vector{Orientation::portrait, Orientation::portrait}},
+              {"<array><string>uiinterfaceorientationportrait</string></array>",
+               std::vector<Orientation>{}},
+              {"<array><string>UIInterfaceOrientationLandscapeRight</string>"
+               "<string>UIInterfaceOrientationLandscapeLeft</string>"
+               "<string>UIInterfaceOrientationPortraitUpsideDown</string></array>",
+               std::vector{Orientation::landscapeRight, Orientation::landscapeLeft,
+                           Orientation::portraitUpsideDown}}};
   for (const auto& row : rows) {
     const std::string key = "<key>UISupportedInterfaceOrientations";
     const Info info = decoded(row.list.empty() ? "" : key + "</key>" + row.list);
@@ -198,59 +185,20 @@ TEST(Info, theFirstFailingKeyEndsTheDecoding) {
   const struct {
     std::string bytes;
     const char* error;
-  } rows[] = {
-      {without("CFBundleExecutable"), "missing key \"CFBundleExecutable\""},
-      {without("CFBundleIdentifier"), "missing key \"CFBundleIdentifier\""},
-      {without("CFBundleVersion"), "missing key \"CFBundleVersion\""},
-      {without("UIDeviceFamily"), "missing key \"UIDeviceFamily\""},
-      {"<plist><dict>" + noName + "</dict></plist>",
-       "CFBundleName: expected a string, found an integer"},
-      {plist(text("MinimumOSVersion", "x"), "<true/>"),
-       "UIDeviceFamily: expected an array, found a boolean"},
-      {plist(text("MinimumOSVersion", "x")), "MinimumOSVersion: Invalid version: \"x\""},
-      {plist("<key>CFBundleIcons</key><dict><key>CFBundlePrimaryIcon</key><dict/></dict>"),
-       "CFBundleIcons.CFBundlePrimaryIcon: missing key \"CFBundleIconFiles\""},
-      {plist("<key>UISupportedInterfaceOrientations~ipad</key><array><true/></array>"),
-       "UISupportedInterfaceOrientations~ipad[0]: expected a string, found a boolean"},
-  };
+  } rows[] = {{without("CFBundleExecutable"), "missing key \"CFBundleExecutable\""},
+              {without("CFBundleIdentifier"), "missing key \"CFBundleIdentifier\""},
+              {without("CFBundleVersion"), "missing key \"CFBundleVersion\""},
+              {without("UIDeviceFamily"), "missing key \"UIDeviceFamily\""},
+              {"<plist><dict>" + noName + "</dict></plist>",
+               "CFBundleName: expected a string, found an integer"},
+              {plist(text("MinimumOSVersion", "x"), "<true/>"),
+               "UIDeviceFamily: expected an array, found a boolean"},
+              {plist(text("MinimumOSVersion", "x")), "MinimumOSVersion: Invalid version: \"x\""},
+              {plist("<key>CFBundleIcons</key><dict><key>CFBundlePrimaryIcon</key><dict/></dict>"),
+               "CFBundleIcons.CFBundlePrimaryIcon: missing key \"CFBundleIconFiles\""},
+              {plist("<key>UISupportedInterfaceOrientations~ipad</key><array><true/></array>"),
+               "UISupportedInterfaceOrientations~ipad[0]: expected a string, found a boolean"}};
   for (const auto& row : rows) EXPECT_EQ(errorOf(row.bytes), row.error);
-}
-
-TEST(InterfaceOrientation, isCodedAsItsText) {
-  const auto cases = allCases<Orientation>();
-  const std::vector<Orientation> all(cases.begin(), cases.end());
-  const std::string bytes = encodePropertyList(all);
-  EXPECT_EQ(decodePropertyList<std::vector<Orientation>>(bytes), all);
-  EXPECT_EQ(decodePropertyList<std::vector<std::string>>(bytes)[3],
-            "UIInterfaceOrientationLandscapeRight");
-  try {
-    decodePropertyList<std::vector<Orientation>>(
-        encodePropertyList(std::vector<std::string>{"Foo"}));
-    FAIL();
-  } catch (const DecodingError& error) {
-    EXPECT_EQ(error.which(), DecodingError::Case::dataCorrupted);
-    EXPECT_EQ(error.description(), "[0]: unknown interface orientation \"Foo\"");
-  }
-}
-
-TEST(InfoManager, readsTheFileEachTime) {
-  std::string pattern = (std::filesystem::temp_directory_path() / "tavlen-XXXXXX").string();
-  ASSERT_NE(::mkdtemp(pattern.data()), nullptr);
-  const InfoManager manager{pattern};
-  try {
-    static_cast<void>(manager.info());
-    ADD_FAILURE();
-  } catch (const std::system_error& error) {
-    EXPECT_EQ(error.code(), std::errc::no_such_file_or_directory);
-  }
-  const std::filesystem::path file = manager.bundleURL / "Info.plist";
-  std::ofstream(file) << plist("");
-  EXPECT_EQ(manager.info().name(), "exe");
-  std::ofstream(file, std::ios::binary) << encodePropertyList(decoded(text("CFBundleName", "A")));
-  EXPECT_EQ(manager.info().name(), "A");
-  std::ofstream(file) << "text";
-  EXPECT_THROW(static_cast<void>(manager.info()), DecodingError);
-  std::filesystem::remove_all(manager.bundleURL);
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "TemporaryFolder.h"
+#include "Thrown.h"
 #include "tavlen/bundles/OverrideContainer.h"
 #include "tavlen/foundation/JSONDecoder.h"
 #include "tavlen/foundation/JSONEncoder.h"
@@ -57,8 +58,7 @@ std::vector<KindCase> kindCases() {
        R"({"type":"Orientations","value":["UIInterfaceOrientationPortrait"]})"},
       {"override_title.orientations_ipad", "Orientations (iPad)",
        OrientationsIPadOverride{{Orientation::landscapeLeft}},
-       R"({"type":"OrientationsIPad","value":["UIInterfaceOrientationLandscapeLeft"]})"},
-  };
+       R"({"type":"OrientationsIPad","value":["UIInterfaceOrientationLandscapeLeft"]})"}};
 }
 
 TEST(Override, EveryKindIsStoredTitledAndSeeded) {
@@ -154,16 +154,11 @@ TEST(Override, AWrongValueFails) {
       {R"({"type":"Build","value":42})", "value: expected a string, found a number"},
       {R"({"type":"DisplayNameOverride","value":""})",
        R"(type: unknown kind "DisplayNameOverride")"},
-      {R"({"value":""})", R"(missing key "type")"},
-  };
+      {R"({"value":""})", R"(missing key "type")"}};
   for (const auto& [json, description] : cases) {
-    SCOPED_TRACE(json);
-    try {
-      decodeJSON<OverrideContainer>(json);
-      ADD_FAILURE() << "decoded";
-    } catch (const DecodingError& error) {
-      EXPECT_EQ(error.description(), description);
-    }
+    EXPECT_EQ(messageOf<DecodingError>([&json = json] { decodeJSON<OverrideContainer>(json); }),
+              description)
+        << json;
   }
 }
 

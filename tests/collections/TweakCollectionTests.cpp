@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "StoreTest.h"
+#include "Thrown.h"
 #include "tavlen/collections/TweakPoster.h"
 #include "tavlen/foundation/CodingError.h"
 #include "tavlen/foundation/FileSystem.h"
@@ -28,12 +29,7 @@ class TweakCollectionTest : public StoreTest {
   }
   /// What importing it throws: the error's text.
   std::string importError() const {
-    try {
-      TweakCollection::handlePayloadAt(root_.path() / "in");
-      return "";
-    } catch (const std::exception& error) {
-      return error.what();
-    }
+    return messageOf([&] { TweakCollection::handlePayloadAt(root_.path() / "in"); });
   }
 };
 
@@ -59,12 +55,8 @@ TEST_F(TweakCollectionTest, ANewCollectionIsOneFile) {
   EXPECT_EQ(storedEntries(), 0);
   EXPECT_FALSE(leftTemporaryItems());
   EXPECT_FALSE(collection->isShownInSearchFor("d"));
-  try {
-    collection->validate();
-    ADD_FAILURE() << "valid";
-  } catch (const TweakError& error) {
-    EXPECT_EQ(error, TweakError::missing(collection->id()));
-  }
+  EXPECT_EQ(thrown<TweakError>([&] { collection->validate(); }),
+            TweakError::missing(collection->id()));
 }
 
 TEST_F(TweakCollectionTest, MembersThatDoNotOpenAreLeftOut) {

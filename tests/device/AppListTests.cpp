@@ -102,7 +102,8 @@ bool sharedListIsOfTheTree() {
 bool sharedListIsOfTheHost() {
   static std::atomic<int> fetches = 0;
   AppList::setSharedFetcher(std::make_unique<CountingFetcher>(fetches));
-  return AppList::shared().apps().size() == 4 && fetches == 1;
+  return AppList::shared().apps().size() == 4 && IPA::all() == AppList::shared().apps() &&
+         fetches == 1;
 }
 
 void setSharedFetcherTooLate() {

@@ -16,26 +16,24 @@ TEST(DeviceRoot, ResolvesDevicePaths) {
     const char* prefix;
     const char* devicePath;
     const char* resolved;
-  } rows[] = {
-      {"/", "", "/usr/bin/killall", "/usr/bin/killall"},
-      {"/no/tree", "", "/", "/no/tree"},
-      {"/no/tree/", "", "/var//mobile/", "/no/tree/var/mobile"},
-      {"/no/./tree/x/..", "", "/var/./mobile", "/no/tree/var/mobile"},
-      {"/no/tree", "", "/../../etc/passwd", "/no/tree/etc/passwd"},
-      {"/no/tree", "", "var", "/no/tree/var"},
-      {"/no/tree", "", "//etc", "/no/tree/etc"},
-      {"/", "/var/jb", "/usr/bin/killall", "/var/jb/usr/bin/killall"},
-      {"/", "/var/jb/", "/bin", "/var/jb/bin"},
-      {"/", "var/jb", "/var/../bin/kill", "/var/jb/bin/kill"},
-      {"/", "/var/jb", "/usrlocal/x", "/usrlocal/x"},
-      {"/", "/var/jb", "/Applications/Marrowgleam.app/bin/kvfileops",
-       "/var/jb/Applications/Marrowgleam.app/bin/kvfileops"},
-      {"/", "/var/jb", "/Applications/Other.app", "/Applications/Other.app"},
-      {"/", "/var/jb", "/var/jb/usr/bin/killall", "/var/jb/usr/bin/killall"},
-      {"/", "/usr/jb", "/usr/jb/bin/kill", "/usr/jb/bin/kill"},
-      {"/no/tree", "/usr/jb", "/usr/bin", "/no/tree/usr/jb/usr/bin"},
-      {"/", "/", "/bin/kill", "/bin/kill"},
-  };
+  } rows[] = {{"/", "", "/usr/bin/killall", "/usr/bin/killall"},
+              {"/no/tree", "", "/", "/no/tree"},
+              {"/no/tree/", "", "/var//mobile/", "/no/tree/var/mobile"},
+              {"/no/./tree/x/..", "", "/var/./mobile", "/no/tree/var/mobile"},
+              {"/no/tree", "", "/../../etc/passwd", "/no/tree/etc/passwd"},
+              {"/no/tree", "", "var", "/no/tree/var"},
+              {"/no/tree", "", "//etc", "/no/tree/etc"},
+              {"/", "/var/jb", "/usr/bin/killall", "/var/jb/usr/bin/killall"},
+              {"/", "/var/jb/", "/bin", "/var/jb/bin"},
+              {"/", "var/jb", "/var/../bin/kill", "/var/jb/bin/kill"},
+              {"/", "/var/jb", "/usrlocal/x", "/usrlocal/x"},
+              {"/", "/var/jb", "/Applications/Marrowgleam.app/bin/kvfileops",
+               "/var/jb/Applications/Marrowgleam.app/bin/kvfileops"},
+              {"/", "/var/jb", "/Applications/Other.app", "/Applications/Other.app"},
+              {"/", "/var/jb", "/var/jb/usr/bin/killall", "/var/jb/usr/bin/killall"},
+              {"/", "/usr/jb", "/usr/jb/bin/kill", "/usr/jb/bin/kill"},
+              {"/no/tree", "/usr/jb", "/usr/bin", "/no/tree/usr/jb/usr/bin"},
+              {"/", "/", "/bin/kill", "/bin/kill"}};
   for (const auto& row : rows) {
     SCOPED_TRACE(testing::Message() << row.root << ' ' << row.prefix << ' ' << row.devicePath);
     const DeviceRoot root(row.root, row.prefix);
@@ -66,30 +64,26 @@ TEST(DeviceRoot, FollowsLinksBelowTheRoot) {
   const struct {
     const char* link;
     const char* target;
-  } links[] = {
-      {"var", "private/var"},
-      {"absolute", "/private/var"},
-      {"private/up", "../var/mobile"},
-      {"beside", "../outside"},
-      {"escape", "/../../outside/secret"},
-      {"dangling", "/missing/x"},
-      {"circle", "circle"},
-  };
+  } links[] = {{"var", "private/var"},
+               {"absolute", "/private/var"},
+               {"private/up", "../var/mobile"},
+               {"beside", "../outside"},
+               {"escape", "/../../outside/secret"},
+               {"dangling", "/missing/x"},
+               {"circle", "circle"}};
   for (const auto& each : links) fs::create_symlink(each.target, tree / each.link);
 
   const struct {
     const char* devicePath;
     const char* resolved;
-  } rows[] = {
-      {"/var/mobile/file", "private/var/mobile/file"},
-      {"/absolute/mobile/file", "private/var/mobile/file"},
-      {"/private/up/file", "private/var/mobile/file"},
-      {"/private/up/new/deeper", "private/var/mobile/new/deeper"},
-      {"/var", "private/var"},
-      {"/beside/secret", "outside/secret"},
-      {"/escape", "outside/secret"},
-      {"/dangling/y", "missing/x/y"},
-  };
+  } rows[] = {{"/var/mobile/file", "private/var/mobile/file"},
+              {"/absolute/mobile/file", "private/var/mobile/file"},
+              {"/private/up/file", "private/var/mobile/file"},
+              {"/private/up/new/deeper", "private/var/mobile/new/deeper"},
+              {"/var", "private/var"},
+              {"/beside/secret", "outside/secret"},
+              {"/escape", "outside/secret"},
+              {"/dangling/y", "missing/x/y"}};
   const DeviceRoot root(tree);
   for (const auto& row : rows) {
     SCOPED_TRACE(row.devicePath);

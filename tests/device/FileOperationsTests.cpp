@@ -3,6 +3,7 @@
 #include <cerrno>
 
 #include "DeviceProgramsTest.h"
+#include "Thrown.h"
 #include "tavlen/device/Process.h"
 
 namespace tavlen {
@@ -27,12 +28,7 @@ TEST_F(FileOperationsTest, PassesItsWordsToTheHelper) {
 
 TEST_F(FileOperationsTest, PassesTheHelpersFailureOn) {
   const auto error = [] {
-    try {
-      FileOperations::fetchLogs("a.b", "/to");
-    } catch (const Process::Error& thrown) {
-      return thrown;
-    }
-    return Process::Error::terminated(0);
+    return thrown<Process::Error>([] { FileOperations::fetchLogs("a.b", "/to"); });
   };
   EXPECT_EQ(error(), Process::Error::posixSpawn(ENOENT));
   addProgram("Applications/Marrowgleam.app/bin/kvfileops", "exit 2");

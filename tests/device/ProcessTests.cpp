@@ -12,6 +12,7 @@
 #include <thread>
 
 #include "TemporaryFolder.h"
+#include "Thrown.h"
 #include "tavlen/foundation/FileReplacement.h"
 #include "tavlen/foundation/FileSystem.h"
 
@@ -22,13 +23,10 @@ using namespace std::string_literals;
 
 /// What the run ends with, "" for success.
 std::string resultOf(Process& process) {
-  try {
+  return messageOf<Process::Error>([&] {
     process.launch();
     process.waitUntilExit();
-  } catch (const Process::Error& error) {
-    return error.what();
-  }
-  return "";
+  });
 }
 
 std::string resultOf(const std::string& path, const std::vector<std::string>& arguments) {
@@ -44,21 +42,19 @@ TEST(Process, ReadsAStatusByTheDocumentedMasks) {
   const struct {
     int status;
     std::string description;
-  } rows[] = {
-      {0, ""},
-      {0x0300, "terminated(3)"},
-      {0xFF00, "terminated(255)"},
-      {0x80, ""},  // the core bit alone says nothing
-      {9, "signalled(9)"},
-      {0x8B, "signalled(11)"},  // with a core
-      {0x0309, "signalled(9)"},
-      {0x7E, "signalled(126)"},
-      {0x7F, ""},  // stopped by nothing
-      {0x137F, "terminated(19)"},
-      {0xFFFF, "terminated(255)"},  // continued
-      {0x10000, ""},
-      {-1, "terminated(255)"},
-  };
+  } rows[] = {{0, ""},
+              {0x0300, "terminated(3)"},
+              {0xFF00, "terminated(255)"},
+              {0x80, ""},  // the core bit alone says nothing
+              {9, "signalled(9)"},
+              {0x8B, "signalled(11)"},  // with a core
+              {0x0309, "signalled(9)"},
+              {0x7E, "signalled(126)"},
+              {0x7F, ""},  // stopped by nothing
+              {0x137F, "terminated(19)"},
+              {0xFFFF, "terminated(255)"},  // continued
+              {0x10000, ""},
+              {-1, "terminated(255)"}};
   for (const auto& row : rows) {
     const auto error = Process::Error::ofStatus(row.status);
     EXPECT_EQ(error ? error->description() : "", row.description) << row.status;
@@ -86,13 +82,9 @@ TEST(Process, TellsHowAChildEnds) {
 TEST(Process, KnowsItsChild) {
   Process fresh("true", {"true"});
   EXPECT_FALSE(fresh.pid());
-  try {
-    fresh.waitUntilExit();
-    ADD_FAILURE() << "waited for nothing";
-  } catch (const Process::Error& error) {
-    EXPECT_EQ(error, Process::Error::notLaunched());
-    EXPECT_EQ(error.description(), "notLaunched");
-  }
+  const auto error = thrown<Process::Error>([&] { fresh.waitUntilExit(); });
+  ASSERT_EQ(error, Process::Error::notLaunched()) << "waited for nothing";
+  EXPECT_STREQ(error->what(), "notLaunched");
   EXPECT_EQ(resultOf(fresh), "");
   EXPECT_GT(fresh.pid().value_or(0), 1);
   EXPECT_THROW(fresh.waitUntilExit(), Process::Error);  // its status was taken

@@ -99,15 +99,12 @@ TEST(LSAppListFetcher, LeavesOutWhatIsNoAppToTarget) {
       "<dict>" + stringXML("bundleIdentifier", "com.example.x") +
           stringXML("bundleURL", "http://host/Apps/x.app") + "</dict>",
       // No proxies.
-      "<string>com.example.x</string>",
-      "<array/>",
+      "<string>com.example.x</string>", "<array/>",
       // Exceptions from the depth of a question.
       appXML("x", stringXML("raises", "isPlaceholder")),
       appXML("x", stringXML("raises", "bundleIdentifier")),
-      appXML("x", stringXML("raises", "appTags")),
-      appXML("x", stringXML("raises", "bundleURL")),
-      appXML("x", stringXML("raises", "info")),
-  };
+      appXML("x", stringXML("raises", "appTags")), appXML("x", stringXML("raises", "bundleURL")),
+      appXML("x", stringXML("raises", "info"))};
   for (const std::string& record : leftOut) {
     EXPECT_THAT(fetchedIDs(listXML(appXML("first") + record + appXML("last"))),
                 testing::ElementsAre("com.example.first", "com.example.last"))

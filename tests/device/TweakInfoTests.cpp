@@ -39,23 +39,21 @@ TEST_F(TweakInfoTest, respringsWhenTheIconsBytesDiffer) {
     const char* mine;  ///< null for a record without an icon
     const char* others;
     bool expected;
-  } rows[] = {
-      {nullptr, nullptr, false},
-      {kIcon, nullptr, true},
-      {nullptr, kIcon, true},
-      {kIcon, kIcon, false},
-      {kIcon, "file:///icons/same.png", false},
-      {kIcon, "file:///icons/other.png", true},
-      {kIcon, "file:///icons/missing.png", true},
-      {"file:///icons/missing.png", "file:///icons/gone.png", false},
-      {"file:///icons/empty.png", "file:///icons/missing.png", true},  // no bytes are bytes
-      {"file:///icons", "file:///icons/missing.png", false},
-      {"http://icons/a%20b.png", kIcon, true},
-      {"file:///pipe", kIcon, true},
-      {"file:///circle.png", kIcon, true},
-      {"file:///huge.png", kIcon, true},
-      {"file:///huge.png", "file:///pipe", false},
-  };
+  } rows[] = {{nullptr, nullptr, false},
+              {kIcon, nullptr, true},
+              {nullptr, kIcon, true},
+              {kIcon, kIcon, false},
+              {kIcon, "file:///icons/same.png", false},
+              {kIcon, "file:///icons/other.png", true},
+              {kIcon, "file:///icons/missing.png", true},
+              {"file:///icons/missing.png", "file:///icons/gone.png", false},
+              {"file:///icons/empty.png", "file:///icons/missing.png", true},  // no bytes are bytes
+              {"file:///icons", "file:///icons/missing.png", false},
+              {"http://icons/a%20b.png", kIcon, true},
+              {"file:///pipe", kIcon, true},
+              {"file:///circle.png", kIcon, true},
+              {"file:///huge.png", kIcon, true},
+              {"file:///huge.png", "file:///pipe", false}};
   for (const auto& row : rows) {
     const TweakInfo mine = row.mine == nullptr ? TweakInfo("a", "b") : withIcon(row.mine);
     const TweakInfo others = row.others == nullptr ? TweakInfo() : withIcon(row.others);

@@ -67,8 +67,7 @@ TEST_F(DirectoryWatcherTest, WakesForWhatHappensInItsFolders) {
            folder_.write("sub/file" + std::to_string(i % 2), "");
          }
        }},
-      {"a folder's end", [&] { fs::remove_all(folder / "sub"); }},
-  };
+      {"a folder's end", [&] { fs::remove_all(folder / "sub"); }}};
   for (const auto& [name, change] : changes)
     EXPECT_TRUE(wakes(change, std::chrono::seconds(15))) << name;
 }
@@ -80,12 +79,10 @@ TEST_F(DirectoryWatcherTest, SleepsOverEverythingElse) {
       {"a temporary name", [&] { folder_.write("sub/.new", ""); }},
       {"its end", [&] { fs::remove(folder / "sub/.new"); }},
       {"something deeper", [&] { folder_.write("deep/er/file", "new"); }},
-      {"what is watched no more",
-       [&] {
+      {"what is watched no more", [&] {
          watcher_.watch({folder});
          folder_.write("sub/file", "new");
-       }},
-  };
+       }}};
   for (const auto& [name, change] : changes)
     EXPECT_FALSE(wakes(change, std::chrono::milliseconds(200))) << name;
 }

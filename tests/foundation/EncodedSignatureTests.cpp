@@ -50,8 +50,7 @@ TEST(EncodedSignature, ReadsTypesWithoutTheirOffsets) {
        "v",
        0,
        {"@", ":", "^{vector<int, std::less<(a > b)>>=^i}", "^{operator<=}"}},
-      {"i+4@-8:+16", "i", 4, {"@", ":"}},
-  };
+      {"i+4@-8:+16", "i", 4, {"@", ":"}}};
   for (const auto& row : rows) {
     const auto signature = encodedSignature(row.encoding);
     ASSERT_NE(signature, nullptr) << row.encoding;
@@ -96,8 +95,7 @@ TEST(TypeLayout, IsTheOneOfArm64) {
       {16, 16, "t T"},
       {32, 8, "{S=^b3^?@?^(U=id)} {CGRect={CGPoint=dd}{CGSize=dd}}"},
       {32, 16, "{A=ct}"},
-      {48, 8, "{CGAffineTransform=dddddd}"},
-  };
+      {48, 8, "{CGAffineTransform=dddddd}"}};
   for (const auto& row : rows) {
     for (const std::string& type : words(row.types)) {
       const auto layout = layoutOfType(type);
@@ -139,27 +137,12 @@ TEST(EncodedSignature, FrameHoldsWhatRegistersDoNot) {
 }
 
 TEST(EncodedSignature, RefusesWhatThePlatformRefuses) {
-  for (const std::string_view encoding : {""sv,
-                                          "(U=if)@:"sv,
-                                          "v@:(U=if)"sv,
-                                          "b3@:"sv,
-                                          "{S=b3b5}@:"sv,
-                                          "v@:{A={S=ib1}}"sv,
-                                          "{S=[2b1]}@:"sv,
-                                          "{S}@:"sv,
-                                          "{S=i{T}}@:"sv,
-                                          "?@:"sv,
-                                          "v@:?"sv,
-                                          "{S=?}@:"sv,
-                                          "zz"sv,
-                                          "v@:Z"sv,
-                                          "v@:\0"sv,
-                                          "v\0@:"sv,
-                                          "r"sv,
-                                          "^"sv,
-                                          "v@:^"sv,
-                                          "16"sv,
-                                          "v@:\"A\""sv}) {
+  for (const std::string& encoding : words("(U=if)@: v@:(U=if) b3@: {S=b3b5}@: v@:{A={S=ib1}} "
+                                           "{S=[2b1]}@: {S}@: {S=i{T}}@: ?@: v@:? "
+                                           "{S=?}@: zz v@:Z r ^ v@:^ 16 v@:\"A\"")) {
+    EXPECT_EQ(encodedSignature(encoding), nullptr) << encoding;
+  }
+  for (const std::string_view encoding : {""sv, "v@:\0"sv, "v\0@:"sv}) {
     EXPECT_EQ(encodedSignature(encoding), nullptr) << encoding;
   }
 }

@@ -2,12 +2,12 @@
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <cerrno>
-#include <fstream>
 #include <system_error>
 
+#include "TemporaryFolder.h"
+#include "Thrown.h"
 #include "tavlen/foundation/FileReplacement.h"
 
 namespace tavlen {
@@ -17,29 +17,19 @@ using namespace std::string_literals;
 
 class FileSystemTest : public testing::Test {
  protected:
-  void SetUp() override {
-    std::string pattern = (std::filesystem::temp_directory_path() / "tavlen-XXXXXX").string();
-    ASSERT_NE(::mkdtemp(pattern.data()), nullptr);
-    folder_ = pattern;
-  }
-  void TearDown() override { std::filesystem::remove_all(folder_); }
-
   std::filesystem::path write(const std::string& bytes) const {
-    std::ofstream(folder_ / "f", std::ios::binary) << bytes;
-    return folder_ / "f";
+    return temporary_.write("f", bytes);
   }
   template <class Body>
   static int errorOf(const std::filesystem::path& path, Body body) {
-    try {
-      body(path);
-    } catch (const std::system_error& error) {
-      EXPECT_NE(std::string(error.what()).find(path.string()), std::string::npos) << error.what();
-      return error.code().value();
-    }
-    return 0;
+    const auto error = thrown<std::system_error>([&] { body(path); });
+    if (!error) return 0;
+    EXPECT_NE(std::string(error->what()).find(path.string()), std::string::npos) << error->what();
+    return error->code().value();
   }
 
-  std::filesystem::path folder_;
+  const TemporaryFolder temporary_;
+  const std::filesystem::path folder_ = temporary_.path();
 };
 
 TEST_F(FileSystemTest, readsOnlyRegularFiles) {

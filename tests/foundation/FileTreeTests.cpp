@@ -8,6 +8,7 @@
 #include <chrono>
 
 #include "TemporaryFolder.h"
+#include "Thrown.h"
 #include "tavlen/foundation/FileReplacement.h"
 #include "tavlen/foundation/FileSystem.h"
 #include "tavlen/foundation/TemporaryDirectory.h"
@@ -36,12 +37,8 @@ class FileTreeTest : public testing::Test {
   /// The error that moving or copying gives, by name.
   template <class Operation>
   int errorOf(const Operation& operation, const char* source, const fs::path& destination) const {
-    try {
-      operation(path(source), destination);
-    } catch (const std::system_error& error) {
-      return error.code().value();
-    }
-    return 0;
+    const auto error = thrown<std::system_error>([&] { operation(path(source), destination); });
+    return error ? error->code().value() : 0;
   }
   void expectTree(const char* root) const {
     const fs::path tree = path(root);
@@ -79,12 +76,10 @@ TEST_F(FileTreeTest, NothingIsOverwrittenOrHalfMade) {
     const char* destination;
     int copyError;
     int moveError;
-  } rows[] = {
-      {"file", "taken", EEXIST, EEXIST},     {"tree", "taken", EEXIST, EEXIST},
-      {"file", "dangling", EEXIST, EEXIST},  {"nowhere", "new", ENOENT, ENOENT},
-      {"file", "no/folder", ENOENT, ENOENT}, {"tree", "tree/a/inner", EINVAL, EINVAL},
-      {"tree/a/pipe", "new", EINVAL, 0},
-  };
+  } rows[] = {{"file", "taken", EEXIST, EEXIST},     {"tree", "taken", EEXIST, EEXIST},
+              {"file", "dangling", EEXIST, EEXIST},  {"nowhere", "new", ENOENT, ENOENT},
+              {"file", "no/folder", ENOENT, ENOENT}, {"tree", "tree/a/inner", EINVAL, EINVAL},
+              {"tree/a/pipe", "new", EINVAL, 0}};
   for (const auto& row : rows) {
     EXPECT_EQ(errorOf(copy, row.source, path(row.destination)), row.copyError) << row.source;
     EXPECT_EQ(errorOf(moveItem, row.source, path(row.destination)), row.moveError) << row.source;

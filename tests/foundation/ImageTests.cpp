@@ -87,8 +87,7 @@ TEST_F(ImageTest, CgBIOfAllColorTypes) {
         .palette = "abc\1\2\3",
         .transparency = "\xFF\x80"},
        {1, 2, 3, 128}},
-      {{.rows = "\0\1\2\3\xFF"s, .trailing = "junk"}, {3, 2, 1, 255}},
-  };
+      {{.rows = "\0\1\2\3\xFF"s, .trailing = "junk"}, {3, 2, 1, 255}}};
   for (auto [parts, pixels] : rows) {
     parts.isCgBI = true;
     EXPECT_EQ(decodedPixels(pngFile(parts)), pixels) << testing::PrintToString(parts.rows);
@@ -99,16 +98,14 @@ TEST_F(ImageTest, PNGOfAllColorTypes) {
   const struct {
     PNGParts parts;
     Pixels pixels;
-  } rows[] = {
-      {{.rows = "\0\1\2\3\4"s}, {1, 2, 3, 4}},
-      {{.width = 2, .bitDepth = 1, .colorType = 0, .rows = "\0\x40"s},
-       {0, 0, 0, 255, 255, 255, 255, 255}},
-      {{.bitDepth = 16, .colorType = 0, .rows = "\0\x80\x80"s}, {128, 128, 128, 255}},
-      {{.colorType = 2, .rows = "\0abc"s, .transparency = "\0a\0b\0c"s}, {97, 98, 99, 0}},
-      {{.bitDepth = 4, .colorType = 3, .rows = "\0\x10"s, .palette = "abcdef"},
-       {100, 101, 102, 255}},
-      {{.colorType = 4, .rows = "\0\x20\x40"s}, {32, 32, 32, 64}},
-  };
+  } rows[] = {{{.rows = "\0\1\2\3\4"s}, {1, 2, 3, 4}},
+              {{.width = 2, .bitDepth = 1, .colorType = 0, .rows = "\0\x40"s},
+               {0, 0, 0, 255, 255, 255, 255, 255}},
+              {{.bitDepth = 16, .colorType = 0, .rows = "\0\x80\x80"s}, {128, 128, 128, 255}},
+              {{.colorType = 2, .rows = "\0abc"s, .transparency = "\0a\0b\0c"s}, {97, 98, 99, 0}},
+              {{.bitDepth = 4, .colorType = 3, .rows = "\0\x10"s, .palette = "abcdef"},
+               {100, 101, 102, 255}},
+              {{.colorType = 4, .rows = "\0\x20\x40"s}, {32, 32, 32, 64}}};
   for (const auto& [parts, pixels] : rows) {
     EXPECT_EQ(decodedPixels(pngFile(parts)), pixels) << testing::PrintToString(parts.rows);
   }
@@ -172,8 +169,7 @@ TEST_F(ImageTest, WhatIsDamagedIsNoImage) {
       image.pngData(),
       pngFile({.width = 5, .height = 4, .rows = unfiltered(samples, 20), .isCgBI = true}),
       jpegFile(20, 4, samples, {.channels = 1}),
-      jpegFile(20, 4, samples, {.channels = 1, .isProgressive = true}),
-  };
+      jpegFile(20, 4, samples, {.channels = 1, .isProgressive = true})};
   for (const std::string& file : files) {
     const std::optional<Image> whole = Image::decode(file);
     ASSERT_TRUE(whole);
@@ -216,8 +212,7 @@ TEST_F(ImageTest, HostileFilesCostNothing) {
       pngFile({.width = 4, .height = 4, .rows = zeros, .isCgBI = true}),
       resizedJPEG("\xFF\xDC\xFF\xDC"),
       resizedJPEG("\x10\0\x40\0"s),
-      jpegFile(8, 8, std::string(64, 'x'), {.channels = 1, .hasManyScans = true}),
-  };
+      jpegFile(8, 8, std::string(64, 'x'), {.channels = 1, .hasManyScans = true})};
   const std::int64_t before = peakMemory();
   for (const std::string& file : files) {
     EXPECT_EQ(Image::decode(file), std::nullopt) << testing::PrintToString(file.substr(0, 60));
@@ -242,8 +237,7 @@ TEST_F(ImageTest, ShrinkingAveragesWhatAPixelCovers) {
       {{2, 1, {200, 0, 0, 255, 0, 200, 0, 0}}, 1, 1, {200, 0, 0, 128}},
       {{2, 1, {100, 0, 0, 100, 0, 100, 0, 50}}, 1, 1, {67, 33, 0, 75}},
       {{2, 1, {9, 9, 9, 0, 7, 7, 7, 0}}, 1, 1, {0, 0, 0, 0}},
-      {{2, 2, {0, 0, 0, 255, 4, 0, 0, 255, 8, 0, 0, 255, 12, 0, 0, 255}}, 1, 1, {6, 0, 0, 255}},
-  };
+      {{2, 2, {0, 0, 0, 255, 4, 0, 0, 255, 8, 0, 0, 255, 12, 0, 0, 255}}, 1, 1, {6, 0, 0, 255}}};
   for (const auto& [image, width, height, pixels] : rows) {
     EXPECT_EQ(image.resized(width, height).value().pixels(), pixels);
   }

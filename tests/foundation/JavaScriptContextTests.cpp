@@ -38,8 +38,7 @@ TEST(JavaScriptContext, TextCrossesUnharmedBothWays) {
       {"a\xFFz", 3, "a" + replacement + "z"},
       {"a\xED\xA0\x80", 4, "a" + replacement + replacement + replacement},
       {big, 1 << 20, big},
-      {big + "\xE2\x82\xAC", (1 << 20) + 1, big + "\xE2\x82\xAC"},
-  };
+      {big + "\xE2\x82\xAC", (1 << 20) + 1, big + "\xE2\x82\xAC"}};
   const auto context = JavaScriptContext::make();
   run(*context, "function same(s) { return s } function length(s) { return s.length }");
   for (const Case& c : cases) {
@@ -61,21 +60,19 @@ TEST(JavaScriptContext, KindsAndTextsOfValues) {
     std::string kind;
     std::optional<std::string> text;
   };
-  const std::vector<Case> cases = {
-      {"undefined", "undefined", "undefined"},
-      {"null", "null", "null"},
-      {"'5'", "string", "5"},
-      {"5", "", "5"},
-      {"0.1", "", "0.1"},
-      {"true", "", "true"},
-      {"10n ** 20n", "", "100000000000000000000"},
-      {"({})", "object", "[object Object]"},
-      {"[1, [2, 'x']]", "object", "1,2,x"},
-      {"new String('s')", "object", "s"},
-      {"Symbol('s')", "", std::nullopt},
-      {"({toString() { throw 1 }})", "object", std::nullopt},
-      {"Object.create(null)", "object", std::nullopt},
-  };
+  const std::vector<Case> cases = {{"undefined", "undefined", "undefined"},
+                                   {"null", "null", "null"},
+                                   {"'5'", "string", "5"},
+                                   {"5", "", "5"},
+                                   {"0.1", "", "0.1"},
+                                   {"true", "", "true"},
+                                   {"10n ** 20n", "", "100000000000000000000"},
+                                   {"({})", "object", "[object Object]"},
+                                   {"[1, [2, 'x']]", "object", "1,2,x"},
+                                   {"new String('s')", "object", "s"},
+                                   {"Symbol('s')", "", std::nullopt},
+                                   {"({toString() { throw 1 }})", "object", std::nullopt},
+                                   {"Object.create(null)", "object", std::nullopt}};
   const auto kind = [](const JavaScriptValue& value) {
     return std::string(value.isUndefined() ? "undefined" : "") + (value.isNull() ? "null" : "") +
            (value.isString() ? "string" : "") + (value.isObject() ? "object" : "");
@@ -88,39 +85,6 @@ TEST(JavaScriptContext, KindsAndTextsOfValues) {
     EXPECT_FALSE(context->exception()) << c.script;
     EXPECT_EQ(value.text(), c.text) << c.script;
     EXPECT_EQ(context->exception().has_value(), !c.text) << c.script;
-  }
-}
-
-TEST(JavaScriptContext, EveryThrownValueIsKept) {
-  struct Case {
-    std::string script;
-    std::string name;
-    std::string message;
-    bool hasStack;
-  };
-  const std::vector<Case> cases = {
-      {"throw new RangeError('m')", "RangeError", "m", true},
-      {"throw 5", "undefined", "undefined", false},
-      {"throw 'text'", "undefined", "undefined", false},
-      {"throw null", "undefined", "undefined", false},
-      {"throw undefined", "undefined", "undefined", false},
-      {"throw Symbol('s')", "undefined", "undefined", false},
-      {"throw {name: 'N', message: 3}", "N", "3", false},
-      {"throw {get name() { throw 1 }, get message() { throw 2 }, get stack() { throw 3 }}",
-       "undefined", "undefined", false},
-      {"throw {name: Symbol('s'), message: {toString() { throw 4 }}}", "nothing", "nothing", false},
-      {"function f() { return f() + 1 } f()", "RangeError", "Maximum call stack size exceeded.",
-       true},
-      {"missing.name", "ReferenceError", "Can't find variable: missing", true},
-  };
-  for (const Case& c : cases) {
-    const auto context = JavaScriptContext::make();
-    EXPECT_TRUE(run(*context, c.script).isUndefined()) << c.script;
-    const auto exception = context->exception();
-    ASSERT_TRUE(exception) << c.script;
-    EXPECT_EQ(quietText(*exception, "name"), c.name) << c.script;
-    EXPECT_EQ(quietText(*exception, "message"), c.message) << c.script;
-    EXPECT_EQ(exception->property("stack", Exceptions::ignore).isString(), c.hasStack) << c.script;
   }
 }
 
@@ -156,8 +120,10 @@ TEST(JavaScriptContext, FirstExceptionStays) {
       {[](const JavaScriptValue& o) { EXPECT_EQ(o.property("odd").text(), std::nullopt); }, "text"},
       {[](const JavaScriptValue& o) { EXPECT_TRUE(o.call("missing").isUndefined()); }, "TypeError"},
       {[](const JavaScriptValue& o) { o.property("missing").property("x"); }, "TypeError"},
-      {[](const JavaScriptValue& o) { run(o.context(), "throw 'script'"); }, "script"},
-  };
+      {[](const JavaScriptValue& o) {
+         EXPECT_TRUE(run(o.context(), "throw 'script'").isUndefined());
+       },
+       "script"}};
   for (std::size_t first = 0; first < steps.size(); ++first) {
     const auto context = JavaScriptContext::make();
     run(*context, object);

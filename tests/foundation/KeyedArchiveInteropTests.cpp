@@ -43,8 +43,7 @@ TEST_F(KeyedArchiveInterop, classesSurvive) {
        "/System/Library/Frameworks/UIKit.framework/UIKit",
        {"NSCopying", "NSCoding", ""}},
       {"NSObject", {}, {}, {}, {}, {}},
-      {"", {method("", "", true)}, "", "PXView", "/a 😀", {"NSCopying"}},
-  };
+      {"", {method("", "", true)}, "", "PXView", "/a 😀", {"NSCopying"}}};
   // As many objects as need numbers of two bytes.
   for (int i = 0; i < 80; ++i) {
     classes.push_back({"C" + std::to_string(i), {}, {}, {}, {}, {"P" + std::to_string(i)}});

@@ -4,12 +4,12 @@
 #include <unicode/uloc.h>
 
 #include <filesystem>
-#include <fstream>
 #include <string>
 #include <thread>
 #include <utility>
 #include <vector>
 
+#include "TemporaryFolder.h"
 #include "tavlen/foundation/LocalizedError.h"
 #include "tavlen/foundation/Placeholders.h"
 
@@ -21,14 +21,9 @@ namespace fs = std::filesystem;
 /// A bundle in a temporary folder, the main one while the test runs, and a locale for that time.
 class MainBundleTest : public testing::Test {
  protected:
-  MainBundleTest() {
-    std::string path = (fs::temp_directory_path() / "tavlen-bundle-XXXXXX").string();
-    bundle_ = mkdtemp(path.data());
-    MainBundle::setURL(bundle_);
-  }
+  MainBundleTest() { MainBundle::setURL(bundle_); }
   ~MainBundleTest() override {
     MainBundle::setURL({});
-    fs::remove_all(bundle_);
     setLocale(locale_);
   }
 
@@ -38,8 +33,7 @@ class MainBundleTest : public testing::Test {
     ASSERT_TRUE(U_SUCCESS(status));
   }
   void addTable(const std::string& folder, const std::string& text) const {
-    fs::create_directories(bundle_ / folder);
-    std::ofstream(bundle_ / folder / "Localizable.strings") << text;
+    folder_.write(folder + "/Localizable.strings", text);
   }
   /// What the key "k" gives after everything has been forgotten.
   std::string lookUp() const {
@@ -47,7 +41,8 @@ class MainBundleTest : public testing::Test {
     return MainBundle::localizedString({"k", "English"});
   }
 
-  fs::path bundle_;
+  const TemporaryFolder folder_;
+  const fs::path bundle_ = folder_.path();
   const std::string locale_ = uloc_getDefault();
 };
 
@@ -69,8 +64,7 @@ TEST_F(MainBundleTest, TheClosestTableAnswers) {
       {"zh_CN", "zh.lproj"},
       {"fr", "en.lproj"},
       {"en_US_POSIX", "en.lproj"},
-      {"", "en.lproj"},
-  };
+      {"", "en.lproj"}};
   for (const auto& [locale, folder] : kLocales) {
     setLocale(locale);
     EXPECT_EQ(lookUp(), folder) << locale;
@@ -154,8 +148,7 @@ TEST(Placeholders, AreFilledInOnePass) {
       {"%l", {"a"}, "%l"},
       {"%1$", {"a"}, "%1$"},
       {"%1", {"a"}, "%1"},
-      {"%lld %llld %y%@", {"1"}, "1 %llld %y%@"},
-  };
+      {"%lld %llld %y%@", {"1"}, "1 %llld %y%@"}};
   for (const FormatCase& c : kCases) {
     EXPECT_EQ(fillPlaceholders(c.format, c.arguments), c.filled) << c.format;
   }

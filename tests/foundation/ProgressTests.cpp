@@ -20,8 +20,7 @@ TEST(Progress, TellsItsFractionByItsCounts) {
   } rows[] = {
       {100, 0, 0, false, false},    {100, 25, 0.25, false, false}, {100, 100, 1, false, true},
       {100, 150, 1.5, false, true}, {0, 0, 0, true, false},        {0, 1, 1, false, true},
-      {-1, 1, 0, true, false},      {100, -1, 0, true, false},     {kMost, kMost, 1, false, true},
-  };
+      {-1, 1, 0, true, false},      {100, -1, 0, true, false},     {kMost, kMost, 1, false, true}};
   for (const auto& row : rows) {
     const auto progress = Progress::discrete(row.total);
     progress->setCompletedUnitCount(row.completed);

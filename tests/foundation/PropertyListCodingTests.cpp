@@ -26,8 +26,7 @@ struct Scalars {
     return std::tuple{
         requiredField("flag", &Scalars::flag), requiredField("count", &Scalars::count),
         requiredField("size", &Scalars::size), requiredField("ratio", &Scalars::ratio),
-        requiredField("text", &Scalars::text), requiredField("date", &Scalars::date),
-    };
+        requiredField("text", &Scalars::text), requiredField("date", &Scalars::date)};
   }
 };
 
@@ -115,28 +114,26 @@ TEST(PropertyListCoding, typedRules) {
   const struct {
     PropertyList::Node value;
     const char* answers;
-  } rows[] = {
-      {true, "true t t t t t "},
-      {std::int64_t{1}, "t 1 1 1.000000 t t "},
-      {std::int64_t{-1}, "t -1 d -1.000000 t t "},
-      {std::uint64_t{7}, "t 7 7 7.000000 t t "},
-      {std::uint64_t{1} << 63, "t d 9223372036854775808 9223372036854775808.000000 t t "},
-      {2.0, "t 2 2 2.000000 t t "},
-      {2.5, "t d d 2.500000 t t "},
-      {-2.0, "t -2 d -2.000000 t t "},
-      {0x1p63, "t d 9223372036854775808 9223372036854775808.000000 t t "},
-      {-0x1p63, "t -9223372036854775808 d -9223372036854775808.000000 t t "},
-      {0x1p64, "t d d 18446744073709551616.000000 t t "},
-      {std::numeric_limits<double>::quiet_NaN(), "t d d nan t t "},
-      {-std::numeric_limits<double>::infinity(), "t d d -inf t t "},
-      {"1", "t t t t 1 t "},
-      {"$null", "n n n n n n "},
-      {Date{1}, "t t t t t 1.000000 "},
-      {PropertyList::Data{"1"}, "t t t t t t "},
-      {PropertyList::UID{1}, "t t t t t t "},
-      {PropertyList::Array{}, "t t t t t t "},
-      {PropertyList::Dictionary{}, "t t t t t t "},
-  };
+  } rows[] = {{true, "true t t t t t "},
+              {std::int64_t{1}, "t 1 1 1.000000 t t "},
+              {std::int64_t{-1}, "t -1 d -1.000000 t t "},
+              {std::uint64_t{7}, "t 7 7 7.000000 t t "},
+              {std::uint64_t{1} << 63, "t d 9223372036854775808 9223372036854775808.000000 t t "},
+              {2.0, "t 2 2 2.000000 t t "},
+              {2.5, "t d d 2.500000 t t "},
+              {-2.0, "t -2 d -2.000000 t t "},
+              {0x1p63, "t d 9223372036854775808 9223372036854775808.000000 t t "},
+              {-0x1p63, "t -9223372036854775808 d -9223372036854775808.000000 t t "},
+              {0x1p64, "t d d 18446744073709551616.000000 t t "},
+              {std::numeric_limits<double>::quiet_NaN(), "t d d nan t t "},
+              {-std::numeric_limits<double>::infinity(), "t d d -inf t t "},
+              {"1", "t t t t 1 t "},
+              {"$null", "n n n n n n "},
+              {Date{1}, "t t t t t 1.000000 "},
+              {PropertyList::Data{"1"}, "t t t t t t "},
+              {PropertyList::UID{1}, "t t t t t t "},
+              {PropertyList::Array{}, "t t t t t t "},
+              {PropertyList::Dictionary{}, "t t t t t t "}};
   for (const auto& row : rows) {
     PropertyList list;
     list.add(row.value);
@@ -151,26 +148,24 @@ TEST(PropertyListCoding, errorsSayWhere) {
   const struct {
     const char* body;
     const char* error;
-  } rows[] = {
-      {"<dict/>", "key missing key \"children\""},
-      {"<array/>", "type expected a dictionary, found an array"},
-      {"<string>$null</string>", "null expected a dictionary, found null"},
-      {"<dict><key>children</key><true/></dict>",
-       "type children: expected an array, found a boolean"},
-      {"<dict><key>children</key><array><dict/></array></dict>",
-       "key children[0]: missing key \"children\""},
-      {"<dict><key>numbers</key><array><string>$null</string><real>0.5</real></array>"
-       "<key>children</key><array/></dict>",
-       "data numbers[1]: the number is not a signed 64-bit integer"},
-      // The first failing field of the record, not of the file; the last of equal keys.
-      {"<dict><key>children</key><true/><key>name</key><true/></dict>",
-       "type name: expected a string, found a boolean"},
-      {"<dict><key>children</key><array/><key>children</key><true/></dict>",
-       "type children: expected an array, found a boolean"},
-      {"<dict><key>children</key><true/><key>children</key><array/><key>name</key>"
-       "<string>$null</string><key>unknown</key><date>2001-01-01T00:00:00Z</date></dict>",
-       ""},
-  };
+  } rows[] = {{"<dict/>", "key missing key \"children\""},
+              {"<array/>", "type expected a dictionary, found an array"},
+              {"<string>$null</string>", "null expected a dictionary, found null"},
+              {"<dict><key>children</key><true/></dict>",
+               "type children: expected an array, found a boolean"},
+              {"<dict><key>children</key><array><dict/></array></dict>",
+               "key children[0]: missing key \"children\""},
+              {"<dict><key>numbers</key><array><string>$null</string><real>0.5</real></array>"
+               "<key>children</key><array/></dict>",
+               "data numbers[1]: the number is not a signed 64-bit integer"},
+              // The first failing field of the record, not of the file; the last of equal keys.
+              {"<dict><key>children</key><true/><key>name</key><true/></dict>",
+               "type name: expected a string, found a boolean"},
+              {"<dict><key>children</key><array/><key>children</key><true/></dict>",
+               "type children: expected an array, found a boolean"},
+              {"<dict><key>children</key><true/><key>children</key><array/><key>name</key>"
+               "<string>$null</string><key>unknown</key><date>2001-01-01T00:00:00Z</date></dict>",
+               ""}};
   for (const auto& row : rows) EXPECT_EQ(decodeTree(row.body), row.error) << row.body;
   EXPECT_EQ(errorOf([] { decodePropertyList<Tree>("hello"); }),
             "data The given data was not a valid property list. It is neither binary nor XML.");

@@ -19,6 +19,14 @@ class RandomPropertyList {
     return std::move(list_);
   }
 
+  /// A list of `count` such trees.
+  PropertyList makeMany(int count) {
+    std::vector<PropertyList::Index> trees;
+    for (int i = 0; i < count; ++i) trees.push_back(container(6));
+    list_.setRoot(list_.add(PropertyList::Array{trees}));
+    return std::move(list_);
+  }
+
  private:
   using Index = PropertyList::Index;
 

@@ -6,11 +6,14 @@
 #include <utility>
 #include <vector>
 
+#include "Thrown.h"
 #include "tavlen/foundation/JSONDecoder.h"
 #include "tavlen/foundation/JSONEncoder.h"
 
 namespace tavlen {
 namespace {
+
+using namespace std::string_view_literals;
 
 /// Ascending; the versions of one row are equal.
 const std::vector<std::vector<std::string>> kOrdered = {
@@ -41,8 +44,7 @@ const std::vector<std::vector<std::string>> kOrdered = {
     {"14", "14.0", "14.0.0"},
     {"14.0.1"},
     {"9223372036854775806.9223372036854775807"},
-    {"9223372036854775807", "0009223372036854775807.0.0+x.y"},
-};
+    {"9223372036854775807", "0009223372036854775807.0.0+x.y"}};
 
 TEST(SemanticVersion, OrderEqualityAndHashAgree) {
   std::vector<std::pair<std::size_t, SemanticVersion>> versions;
@@ -68,44 +70,15 @@ TEST(SemanticVersion, OrderEqualityAndHashAgree) {
 }
 
 TEST(SemanticVersion, OtherTextsDoNotParse) {
-  const std::string kRefused[] = {"",
-                                  ".",
-                                  "1.",
-                                  ".1",
-                                  "1..2",
-                                  "1.2.3.4",
-                                  "1.2.3.",
-                                  " 1",
-                                  "1 ",
-                                  "1. 2",
-                                  "\n1",
-                                  "v1",
-                                  "1.x",
-                                  "+1",
-                                  "-1",
-                                  "1.-2",
-                                  "1-",
-                                  "1+",
-                                  "1-+",
-                                  "1-a+",
-                                  "1-.a",
-                                  "1-a.",
-                                  "1-a..b",
-                                  "1+a..b",
-                                  "1+a+b",
-                                  "1+a.",
-                                  "1-a b",
-                                  "1-\xC3\xA9",
-                                  "1,0",
-                                  "0x1",
-                                  "1e1",
-                                  "１",
-                                  "1.2.3.-a",
-                                  "1_0",
-                                  std::string("1\0", 2),
-                                  "9223372036854775808",
-                                  "1.2.18446744073709551616"};
-  for (const std::string& text : kRefused) EXPECT_FALSE(SemanticVersion::parse(text)) << text;
+  const std::vector<std::string_view> refused[] = {
+      {"", ".", "１", "1.", ".1", " 1", "1 ", "v1", "+1", "-1", "1-", "1+", "\n1", "1.x", "1-+",
+       "1,0", "0x1", "1e1"},
+      {"1_0", "1..2", "1. 2", "1.-2", "1-a+", "1-.a", "1-a.", "1+a.", "1+a+b", "1-a b", "1\0"sv,
+       "1.2.3.", "1-a..b", "1+a..b", "1.2.3.4", "1.2.3.-a", "1-\xC3\xA9", "9223372036854775808"},
+      {"1.2.18446744073709551616"}};
+  for (const auto& row : refused) {
+    for (const auto text : row) EXPECT_FALSE(SemanticVersion::parse(text)) << text;
+  }
 }
 
 TEST(SemanticVersion, IsStoredAsOneText) {
@@ -113,13 +86,11 @@ TEST(SemanticVersion, IsStoredAsOneText) {
   for (const auto& [text, shown] :
        {std::pair(std::string("1.x"), std::string("1.x")),
         std::pair(std::string(1000, 'v'), std::string(200, 'v') + "…")}) {
-    try {
-      decodeJSON<SemanticVersion>(encodeJSON(text));
-      ADD_FAILURE() << text;
-    } catch (const DecodingError& error) {
-      EXPECT_EQ(error.which(), DecodingError::Case::dataCorrupted);
-      EXPECT_EQ(error.text(), "Invalid version: \"" + shown + "\"");
-    }
+    const auto error =
+        thrown<DecodingError>([&text = text] { decodeJSON<SemanticVersion>(encodeJSON(text)); });
+    ASSERT_TRUE(error) << text;
+    EXPECT_EQ(error->which(), DecodingError::Case::dataCorrupted);
+    EXPECT_EQ(error->text(), "Invalid version: \"" + shown + "\"");
   }
 }
 

@@ -44,8 +44,7 @@ constexpr ValueCase kValueCases[] = {
      "9\a"},
     {R"(k = "\200\241\254\256\276\301\341\365\375\376\777";)",
      "\u00A0\u00A1\u2039\uFB01\u00AC\u02CB\u00C6\u0131\u00FF\uFFFD\uFFFD"},
-    {R"(k = "\0";)", "\0"sv},
-};
+    {R"(k = "\0";)", "\0"sv}};
 
 TEST(StringTable, ReadsTheTextForm) {
   for (const ValueCase& c : kValueCases) {
@@ -71,8 +70,7 @@ TEST(StringTable, OneFaultMakesTheWholeFileUnusable) {
   constexpr std::string_view kBroken[] = {
       "k = v",   "k = v; \"open", "k = \"v\\", "k = v; k2 = 'v\";", "k v;",
       "k = ;",   "= v;",          "k = v;;",   "{ k = v; }",        "k = v w;",
-      "k == v;", "k = é;",        "k = v; /",  "k = \xFF;",         "k\0= v;"sv,
-  };
+      "k == v;", "k = é;",        "k = v; /",  "k = \xFF;",         "k\0= v;"sv};
   for (const std::string_view text : kBroken) {
     EXPECT_FALSE(StringTable::parse(text)) << testing::PrintToString(text);
   }

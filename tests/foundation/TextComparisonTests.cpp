@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace tavlen {
@@ -99,43 +100,30 @@ TEST(TextComparison, RepetitiveTextsAreSearched) {
   EXPECT_FALSE(localizedCaseInsensitiveContains(query + "\u0301", query));
 }
 
-struct CompareCase {
-  std::string_view left;
-  std::string_view right;
-  std::weak_ordering order;
-};
-
 constexpr auto kSame = std::weak_ordering::equivalent;
 constexpr auto kAscending = std::weak_ordering::less;
 constexpr auto kDescending = std::weak_ordering::greater;
 
-constexpr CompareCase kCompareCases[] = {
-    {"a", "A", kSame},
-    {"Apple", "apple", kSame},
-    {"", "", kSame},
-    {"a", "B", kAscending},
-    {"e", "é", kAscending},
-    {"resume", "Résumé", kAscending},
-    {"é", "f", kAscending},
-    {"", "a", kAscending},
-    {"Å", "A", kDescending},
-    {"10", "9", kAscending},
-    {"1", "a", kAscending},
-    {"_a", "a", kAscending},
-    {"a b", "ab", kAscending},
-    {"a-b", "ab", kAscending},
-    {"Z", "ä", kDescending},
-    {"café", "cafe\u0301", kSame},
-    {"STRASSE", "straße", kSame},
-};
+using Texts = std::pair<std::string_view, std::string_view>;
+
+constexpr Texts kEqual[] = {
+    {"a", "A"}, {"Apple", "apple"}, {"", ""}, {"café", "cafe\u0301"}, {"STRASSE", "straße"}};
+constexpr Texts kOrdered[] = {{"a", "B"},    {"e", "é"},    {"resume", "Résumé"}, {"é", "f"},
+                              {"", "a"},     {"10", "9"},   {"1", "a"},           {"_a", "a"},
+                              {"a b", "ab"}, {"a-b", "ab"}, {"A", "Å"},           {"ä", "Z"}};
 
 TEST(TextComparison, Compare) {
   for (const char* locale : kPlainLocales) {
     const LocaleGuard guard(locale);
-    for (const CompareCase& c : kCompareCases) {
-      EXPECT_EQ(localizedCaseInsensitiveCompare(c.left, c.right), c.order)
-          << c.left << " and " << c.right << " in " << locale;
-      EXPECT_EQ(localizedCaseInsensitiveCompare(c.right, c.left), 0 <=> c.order);
+    for (const auto& [left, right] : kEqual) {
+      EXPECT_EQ(localizedCaseInsensitiveCompare(left, right), kSame) << left << " in " << locale;
+      EXPECT_EQ(localizedCaseInsensitiveCompare(right, left), kSame) << left << " in " << locale;
+    }
+    for (const auto& [left, right] : kOrdered) {
+      EXPECT_EQ(localizedCaseInsensitiveCompare(left, right), kAscending)
+          << left << " in " << locale;
+      EXPECT_EQ(localizedCaseInsensitiveCompare(right, left), kDescending)
+          << left << " in " << locale;
     }
   }
 }

@@ -45,8 +45,7 @@ TEST(Unicode, EncodingsAgree) {
       {TextEncoding::utf16LittleEndian, bytesOf(kUnits, false)},
       {TextEncoding::utf16BigEndian, bytesOf(kUnits, true)},
       {TextEncoding::utf32LittleEndian, bytesOf(kScalars, false)},
-      {TextEncoding::utf32BigEndian, bytesOf(kScalars, true)},
-  };
+      {TextEncoding::utf32BigEndian, bytesOf(kScalars, true)}};
   for (const auto& [encoding, bytes] : kEncoded) {
     std::string out = "old";
     EXPECT_TRUE(convertToUTF8(bytes, encoding, out));
@@ -80,8 +79,7 @@ constexpr MalformedCase kMalformed[] = {
     {"\xC3z", u"\uFFFDz"},
     {"\xE2\x82z", u"\uFFFDz"},
     {"\xF0\x9F\xC3\xA9", u"\uFFFD\u00E9"},
-    {"\xF0\x9F\x98\xF0\x9F\x98\x80", u"\uFFFD\U0001F600"},
-};
+    {"\xF0\x9F\x98\xF0\x9F\x98\x80", u"\uFFFD\U0001F600"}};
 
 TEST(Unicode, MalformedUTF8IsRefusedOrReplaced) {
   for (const MalformedCase& c : kMalformed) {
@@ -104,8 +102,7 @@ TEST(Unicode, LoneSurrogatesAreRefusedOrReplaced) {
        "b"},
       {{kLow, kHigh}, "\uFFFD\uFFFD"},
       {{kHigh, kHigh, kLow}, "\uFFFD\U0001F600"},
-      {{kHigh, kLow, kLow}, "\U0001F600\uFFFD"},
-  };
+      {{kHigh, kLow, kLow}, "\U0001F600\uFFFD"}};
   for (const auto& [units, text] : kCases) {
     EXPECT_EQ(utf8FromUTF16(units), text);
     for (const bool bigEndian : {false, true}) {

@@ -8,6 +8,7 @@
 
 #include "PropertyListGraph.h"
 #include "RandomPropertyList.h"
+#include "TemporaryFolder.h"
 #include "tavlen/foundation/FileSystem.h"
 #include "tavlen/foundation/PropertyListSerialization.h"
 #include "tavlen/foundation/XMLPropertyListScalars.h"
@@ -120,77 +121,54 @@ TEST(XMLPropertyList, scalarsHaveTheirTexts) {
   const struct {
     const char* text;
     std::optional<XMLInteger> value;
-  } integers[] = {
-      {"0", std::int64_t{0}},
-      {" \n+ 12", std::int64_t{12}},
-      {"- 0x1F", std::int64_t{-31}},
-      {"-0", std::int64_t{0}},
-      {"0XfF", std::int64_t{255}},
-      {"007", std::int64_t{7}},
-      {"-9223372036854775808", std::numeric_limits<std::int64_t>::min()},
-      {"9223372036854775807", std::numeric_limits<std::int64_t>::max()},
-      {"9223372036854775808", std::uint64_t{1} << 63},
-      {"18446744073709551615", std::numeric_limits<std::uint64_t>::max()},
-      {"18446744073709551616", {}},
-      {"-9223372036854775809", {}},
-      {"", {}},
-      {" ", {}},
-      {"-", {}},
-      {"--1", {}},
-      {"0x", {}},
-      {"1 ", {}},
-      {"1.0", {}},
-      {"1e3", {}},
-  };
+  } integers[] = {{"0", std::int64_t{0}},
+                  {" \n+ 12", std::int64_t{12}},
+                  {"- 0x1F", std::int64_t{-31}},
+                  {"-0", std::int64_t{0}},
+                  {"0XfF", std::int64_t{255}},
+                  {"007", std::int64_t{7}},
+                  {"-9223372036854775808", std::numeric_limits<std::int64_t>::min()},
+                  {"9223372036854775807", std::numeric_limits<std::int64_t>::max()},
+                  {"9223372036854775808", std::uint64_t{1} << 63},
+                  {"18446744073709551615", std::numeric_limits<std::uint64_t>::max()}};
   for (const auto& row : integers) EXPECT_EQ(integerFromXML(row.text), row.value) << row.text;
+  for (const char* text : {"18446744073709551616", "-9223372036854775809", "", " ", "-", "--1",
+                           "0x", "1 ", "1.0", "1e3"}) {
+    EXPECT_EQ(integerFromXML(text), std::nullopt) << text;
+  }
 
   constexpr double kInfinity = std::numeric_limits<double>::infinity();
   const struct {
     const char* text;
     std::optional<double> value;
-  } reals[] = {
-      {"0.1", 0.1},         {" -1.5E3", -1500.0},
-      {"+.5", .5},          {"7", 7.0},
-      {"inf", kInfinity},   {"+Infinity", kInfinity},
-      {"-INF", -kInfinity}, {"5e-324", 5e-324},
-      {"1e400", {}},        {"", {}},
-      {"1,5", {}},          {"0x10", {}},
-      {"nan(1)", {}},       {"--1", {}},
-      {"1 ", {}},           {"infinit", {}},
-  };
+  } reals[] = {{"0.1", 0.1},         {" -1.5E3", -1500.0},
+               {"+.5", .5},          {"7", 7.0},
+               {"inf", kInfinity},   {"+Infinity", kInfinity},
+               {"-INF", -kInfinity}, {"5e-324", 5e-324},
+               {"1e400", {}},        {"", {}},
+               {"1,5", {}},          {"0x10", {}},
+               {"nan(1)", {}},       {"--1", {}},
+               {"1 ", {}},           {"infinit", {}}};
   for (const auto& row : reals) EXPECT_EQ(realFromXML(row.text), row.value) << row.text;
   EXPECT_TRUE(std::isnan(realFromXML("NaN").value()));
 
   const struct {
     const char* text;
-    std::optional<Date> value;
+    Date value;
   } dates[] = {
-      {"2001-01-01T00:00:00Z", Date{0}},
-      {"1970-01-01T00:00:00Z", Date{-978307200}},
-      {"2000-02-29T23:59:59Z", Date{-26438401}},
-      {"1900-03-01T00:00:00Z", Date{-3182198400}},
-      {"2100-03-01T00:00:00Z", Date{3129235200}},
-      {"0001-01-01T00:00:00Z", Date{-63113904000}},
-      {"1900-02-29T00:00:00Z", {}},
-      {"2001-04-31T00:00:00Z", {}},
-      {"2001-00-01T00:00:00Z", {}},
-      {"2001-13-01T00:00:00Z", {}},
-      {"2001-01-00T00:00:00Z", {}},
-      {"2001-01-01T24:00:00Z", {}},
-      {"2001-01-01T00:60:00Z", {}},
-      {"2001-01-01T00:00:60Z", {}},
-      {"2001-01-01T00:00:00", {}},
-      {"2001-01-01", {}},
-      {"2001-1-1T0:0:0Z", {}},
-      {" 2001-01-01T00:00:00Z", {}},
-      {"2001-01-01T00:00:0-Z", {}},
-      {"", {}},
-  };
+      {"2001-01-01T00:00:00Z", Date{0}},          {"1970-01-01T00:00:00Z", Date{-978307200}},
+      {"2000-02-29T23:59:59Z", Date{-26438401}},  {"1900-03-01T00:00:00Z", Date{-3182198400}},
+      {"2100-03-01T00:00:00Z", Date{3129235200}}, {"0001-01-01T00:00:00Z", Date{-63113904000}}};
   for (const auto& row : dates) {
     EXPECT_EQ(dateFromXML(row.text), row.value) << row.text;
-    if (row.value) {
-      EXPECT_EQ(xmlFromDate(*row.value), row.text);
-    }
+    EXPECT_EQ(xmlFromDate(row.value), row.text);
+  }
+  for (const char* text :
+       {"1900-02-29T00:00:00Z", "2001-04-31T00:00:00Z", "2001-00-01T00:00:00Z",
+        "2001-13-01T00:00:00Z", "2001-01-00T00:00:00Z", "2001-01-01T24:00:00Z",
+        "2001-01-01T00:60:00Z", "2001-01-01T00:00:60Z", "2001-01-01T00:00:00", "2001-01-01",
+        "2001-1-1T0:0:0Z", " 2001-01-01T00:00:00Z", "2001-01-01T00:00:0-Z", ""}) {
+    EXPECT_EQ(dateFromXML(text), std::nullopt) << text;
   }
   for (const double out : {-63145526401.0, 1e12, 1e300, kInfinity, -kInfinity}) {
     EXPECT_EQ(xmlFromDate(Date{out}), std::nullopt) << out;
@@ -239,50 +217,23 @@ TEST(XMLPropertyList, readsWhatOthersWrite) {
 }
 
 TEST(XMLPropertyList, refusesWhatIsNone) {
-  for (const std::string& bytes : {
-           ""s,
-           " "s,
-           "hello"s,
-           "{ a = b; }"s,
-           "bplist"s,
-           "bplist00"s,
-           "<"s,
-           "<?xml version='1.0'?>"s,
-           "<dict/>"s,
-           "<html><dict/></html>"s,
-           "<plist/>"s,
-           plist(""),
-           plist("text"),
-           plist("<x/>"),
-           plist("<true/><true/>"),
-           plist("<true/>text"),
-           plist("<true>text</true>"),
-           plist("<key>a</key>"),
-           plist("<array><key>a</key></array>"),
-           plist("<array>text<true/></array>"),
-           plist("<dict><true/></dict>"),
-           plist("<dict><key>a</key></dict>"),
-           plist("<dict><key>a</key><key>b</key></dict>"),
-           plist("<dict><key>a</key><true/><true/></dict>"),
-           plist("<dict>text</dict>"),
-           plist("<string><b/></string>"),
-           plist("<integer/>"),
-           plist("<real>x</real>"),
-           plist("<date>today</date>"),
-           plist("<data>AAA</data>"),
-           plist("<data>A A-_</data>"),
-           plist("<string>\xFF</string>"),
-           plist("<string>&#0;</string>"),
-           plist("<string>\x01</string>"),
-           plist("<string>&undefined;</string>"),
-           plist("<a:string xmlns:a='x'/>"),
-           plist("<dict>"),
-           plist("<true/>") + "x",
-           plist("<true/>") + plist("<true/>"),
-           "<plist><true/>"s,
-           plist("<plist><true/></plist>"),
-       }) {
+  for (const std::string& bytes :
+       {""s, " "s, "hello"s, "{ a = b; }"s, "bplist"s, "bplist00"s, "<"s, "<?xml version='1.0'?>"s,
+        "<dict/>"s, "<html><dict/></html>"s, "<plist/>"s, "<plist><true/>"s, plist("<true/>") + "x",
+        plist("<true/>") + plist("<true/>")}) {
     EXPECT_NE(refusal(bytes), "") << bytes;
+  }
+  const std::vector<const char*> bodies[] = {
+      {"", "text", "<x/>", "<true/><true/>", "<true/>text", "<true>text</true>", "<key>a</key>",
+       "<array><key>a</key></array>", "<array>text<true/></array>", "<dict><true/></dict>",
+       "<dict><key>a</key></dict>", "<dict><key>a</key><key>b</key></dict>",
+       "<dict><key>a</key><true/><true/></dict>", "<dict>text</dict>", "<dict>"},
+      {"<string><b/></string>", "<integer/>", "<real>x</real>", "<date>today</date>",
+       "<data>AAA</data>", "<data>A A-_</data>", "<string>\xFF</string>", "<string>&#0;</string>",
+       "<string>\x01</string>", "<string>&undefined;</string>", "<a:string xmlns:a='x'/>",
+       "<plist><true/></plist>"}};
+  for (const auto& row : bodies) {
+    for (const char* body : row) EXPECT_NE(refusal(plist(body)), "") << body;
   }
   EXPECT_EQ(refusal("<plist>\n<dict>\n<true/></dict></plist>"),
             "The given data was not a valid property list. Line 3: a value without a key");
@@ -333,38 +284,35 @@ TEST(XMLPropertyList, refusesWhatIsSlowToParse) {
   const struct {
     std::string bytes;
     const char* reason;
-  } rows[] = {
-      {subset, "A tag is too long."},
-      {"<!DOCTYPE plist []>" + plist("<true/>"), "Its document type holds declarations."},
-      {"<!DOCTYPE plist SYSTEM '>' [" + entities, "A tag is too long."},
-      {"<!DOCTYPE plist '" + subset, "A tag has many attributes."},
-      {plist("<!ENTITY a 'x'><true/>"), "It holds a declaration."},
-      {wideTag, "A tag has many attributes."},
-      {wide, "A tag has many attributes."},
-      {plist("<!-- \" --><array" + attributes + "/>"), "A tag has many attributes."},
-      {plist("<![CDATA[<!--]]><array" + attributes + "/>"), "A tag has many attributes."},
-      {"<?a <!-- ?>" + wideTag, "A tag has many attributes."},
-      {plist("<true" + std::string(2000, ' ') + "/>"), "A tag is too long."},
-      {plist("<array>" + spaces + "</array>"), "It has many attributes or instructions."},
-      {instructions + plist("<true/>"), "It has many attributes or instructions."},
-      {plist("<true <!-- /> -->"), "A tag is not closed."},
-      {plist("<!-- "), "\"<!--\" is not closed."},
-      {hidden, "Its XML declaration is malformed or names an unsupported encoding."},
-      {"<?xml version='\" encoding='IBM037'?>" + plist("<true/>"),
-       "Its XML declaration is malformed or names an unsupported encoding."},
-      {plist(std::string_view("a\0b", 3)), "It holds the character U+0000."},
-      {"\xFF\xFE<", "The text is malformed in its encoding."},
-  };
+  } rows[] = {{subset, "A tag is too long."},
+              {"<!DOCTYPE plist []>" + plist("<true/>"), "Its document type holds declarations."},
+              {"<!DOCTYPE plist SYSTEM '>' [" + entities, "A tag is too long."},
+              {"<!DOCTYPE plist '" + subset, "A tag has many attributes."},
+              {plist("<!ENTITY a 'x'><true/>"), "It holds a declaration."},
+              {wideTag, "A tag has many attributes."},
+              {wide, "A tag has many attributes."},
+              {plist("<!-- \" --><array" + attributes + "/>"), "A tag has many attributes."},
+              {plist("<![CDATA[<!--]]><array" + attributes + "/>"), "A tag has many attributes."},
+              {"<?a <!-- ?>" + wideTag, "A tag has many attributes."},
+              {plist("<true" + std::string(2000, ' ') + "/>"), "A tag is too long."},
+              {plist("<array>" + spaces + "</array>"), "It has many attributes or instructions."},
+              {instructions + plist("<true/>"), "It has many attributes or instructions."},
+              {plist("<true <!-- /> -->"), "A tag is not closed."},
+              {plist("<!-- "), "\"<!--\" is not closed."},
+              {hidden, "Its XML declaration is malformed or names an unsupported encoding."},
+              {"<?xml version='\" encoding='IBM037'?>" + plist("<true/>"),
+               "Its XML declaration is malformed or names an unsupported encoding."},
+              {plist(std::string_view("a\0b", 3)), "It holds the character U+0000."},
+              {"\xFF\xFE<", "The text is malformed in its encoding."}};
   for (const auto& row : rows) {
     EXPECT_EQ(refusal(row.bytes), "The given data was not a valid property list. "s + row.reason)
         << row.bytes.substr(0, 80);
   }
-  for (const std::string& harmless : {
-           "<!DOCTYPE plist PUBLIC '-//Apple//DTD PLIST 1.0//EN' \"a>b\">" + plist("<true/>"),
-           plist("<!-- <!ENTITY [ " + attributes + "--><true/>"),
-           "<?a <!DOCTYPE [ ?>" + plist("<string><![CDATA[<a" + attributes + "]]></string>"),
-           "<plist version='1.0' a='>'><true/></plist>"s,
-       }) {
+  for (const std::string& harmless :
+       {"<!DOCTYPE plist PUBLIC '-//Apple//DTD PLIST 1.0//EN' \"a>b\">" + plist("<true/>"),
+        plist("<!-- <!ENTITY [ " + attributes + "--><true/>"),
+        "<?a <!DOCTYPE [ ?>" + plist("<string><![CDATA[<a" + attributes + "]]></string>"),
+        "<plist version='1.0' a='>'><true/></plist>"s}) {
     EXPECT_EQ(refusal(harmless), "") << harmless.substr(0, 80);
   }
 }
@@ -411,37 +359,13 @@ TEST(XMLPropertyList, randomListsSurvive) {
 
 /// A second opinion: another implementation reads what is written here, and the other way round.
 TEST(PropertyListInPython, agrees) {
-  std::string pattern = (std::filesystem::temp_directory_path() / "tavlen-XXXXXX").string();
-  ASSERT_NE(::mkdtemp(pattern.data()), nullptr);
-  const std::filesystem::path folder = pattern;
+  const TemporaryFolder folder;
   // One list of many, since each run of the program takes its time.
-  PropertyList list;
-  Indices all;
-  for (unsigned seed = 1000; seed < 1100; ++seed) {
-    const PropertyList part = randomPropertyList(seed);
-    const auto base = static_cast<Index>(list.size());
-    for (Index i = 0; i < part.size(); ++i) {
-      Indices elements;
-      Members members;
-      PropertyList::Node node = part.node(i);
-      if (auto* array = std::get_if<PropertyList::Array>(&node)) {
-        for (const Index element : array->elements) elements.push_back(element + base);
-        array->elements = elements;
-      } else if (auto* dictionary = std::get_if<PropertyList::Dictionary>(&node)) {
-        for (const auto& [key, value] : dictionary->members) {
-          members.push_back({key + base, value + base});
-        }
-        dictionary->members = members;
-      }
-      list.add(node);
-    }
-    all.push_back(part.root() + base);
-  }
-  list.setRoot(list.add(PropertyList::Array{all}));
+  const PropertyList list = RandomPropertyList(1000).makeMany(100);
   for (const auto ours : {PropertyListFormat::binary, PropertyListFormat::xml}) {
     for (const char* theirs : {"binary", "xml"}) {
-      const std::filesystem::path input = folder / "in";
-      const std::filesystem::path output = folder / "out";
+      const std::filesystem::path input = folder.path() / "in";
+      const std::filesystem::path output = folder.path() / "out";
       std::ofstream(input, std::ios::binary) << writePropertyList(list, ours);
       const std::string command = "python3 '" TAVLEN_TEST_DATA_DIR "/plist/resave.py' " +
                                   input.string() + " " + output.string() + " " + theirs;
@@ -449,7 +373,6 @@ TEST(PropertyListInPython, agrees) {
       EXPECT_EQ(toXML(readPropertyList(readFile(output))), toXML(list)) << theirs;
     }
   }
-  std::filesystem::remove_all(folder);
 }
 
 }  // namespace

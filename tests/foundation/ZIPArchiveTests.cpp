@@ -9,6 +9,7 @@
 #include <sstream>
 
 #include "TemporaryFolder.h"
+#include "Thrown.h"
 #include "tavlen/foundation/FileSystem.h"
 #include "tavlen/foundation/Progress.h"
 #include "tavlen/foundation/ZIPError.h"
@@ -53,22 +54,13 @@ void run(const std::string& command) { ASSERT_EQ(std::system(command.c_str()), 0
 
 template <class Work>
 std::optional<ZIPError> errorOf(const Work& work) {
-  try {
-    work();
-  } catch (const ZIPError& error) {
-    return error;
-  }
-  return std::nullopt;
+  return thrown<ZIPError>(work);
 }
 
 template <class Work>
 int systemErrorOf(const Work& work) {
-  try {
-    work();
-  } catch (const std::system_error& error) {
-    return error.code().value();
-  }
-  return 0;
+  const auto error = thrown<std::system_error>(work);
+  return error ? error->code().value() : 0;
 }
 
 std::string noise(std::size_t count) {
@@ -76,20 +68,6 @@ std::string noise(std::size_t count) {
   std::uint32_t state = 1;
   for (char& byte : bytes) byte = static_cast<char>((state = state * 1664525 + 1013904223) >> 24);
   return bytes;
-}
-
-const std::map<std::string, Case>& caseNames() {
-  static const std::map<std::string, Case> names = {
-      {"damagedArchive", Case::damagedArchive},     {"absoluteName", Case::absoluteName},
-      {"parentReference", Case::parentReference},   {"invalidName", Case::invalidName},
-      {"duplicateName", Case::duplicateName},       {"fileAsFolder", Case::fileAsFolder},
-      {"symbolicLink", Case::symbolicLink},         {"specialFile", Case::specialFile},
-      {"recordMismatch", Case::recordMismatch},     {"overlappingEntry", Case::overlappingEntry},
-      {"checksumMismatch", Case::checksumMismatch}, {"sizeMismatch", Case::sizeMismatch},
-      {"damagedData", Case::damagedData},           {"unsupportedEntry", Case::unsupportedEntry},
-      {"tooManyEntries", Case::tooManyEntries},     {"entryTooLarge", Case::entryTooLarge},
-      {"archiveTooLarge", Case::archiveTooLarge},   {"ratioTooHigh", Case::ratioTooHigh}};
-  return names;
 }
 
 std::string fromHex(std::string_view text) {
@@ -125,11 +103,10 @@ TEST(ZIPArchive, HostileArchivesAreRefusedByTheirFault) {
       ZIPArchive::unzipItem(folder.path() / file, folder.path() / "out", nullptr, kSmall);
     });
     ASSERT_TRUE(error.has_value()) << file << ' ' << name << " was taken";
-    EXPECT_EQ(error->which(), caseNames().at(name)) << file << ' ' << name << ": " << error->what();
+    EXPECT_EQ(error->localizationKey(), "zip_error." + inSnakeCase(name)) << error->what();
     if (payload != "-") {
       EXPECT_EQ(error->payload().front(), fromHex(payload.substr(1))) << file << ' ' << name;
     }
-    EXPECT_EQ(error->localizationKey(), "zip_error." + inSnakeCase(name));
     EXPECT_THAT(error->description(), testing::HasSubstr(error->payload().front()));
     ASSERT_FALSE(fs::exists(folder.path() / "out")) << file;
     ASSERT_TRUE(fs::is_empty(outside.path())) << file;
@@ -210,8 +187,7 @@ TEST_F(ZIPTree, ArchivesOfOtherProgramsAreTaken) {
       {"pystream", python + "stream pystream.zip"},
       {"mobile", python + "mobile mobile.zip"},
       {"unicodepath", python + "unicodepath unicodepath.zip"},
-      {"nested", python + "nested nested.zip"},
-  };
+      {"nested", python + "nested nested.zip"}};
   for (const auto& [name, command] : programs) {
     run(command);
     expectTree(folder_.path() / (name + ".zip"));
@@ -233,16 +209,14 @@ TEST_F(ZIPTree, WhatCouldNotBeReadIsNotWritten) {
     std::string bytes;
     Case error;
     std::string name;
-  } rows[] = {
-      {"tree/back\\slash", "", Case::invalidName, "tree/back\\slash"},
-      {"tree/\xFF", "", Case::invalidName, "tree/\uFFFD"},
-      {"tree/e\u0301", "", Case::duplicateName, "tree/\u00E9"},
-      {"tree/a/b/c/d/" + std::string(250, 'x') + "/" + std::string(250, 'x') + "/" +
-           std::string(250, 'x') + "/" + std::string(250, 'x') + "/" + std::string(20, 'x'),
-       "", Case::invalidName, ""},
-      {"tree/large", noise((1 << 20) + 1), Case::entryTooLarge, "tree/large"},
-      {"tree/zeros", std::string(1 << 20, '\0'), Case::ratioTooHigh, "tree/zeros"},
-  };
+  } rows[] = {{"tree/back\\slash", "", Case::invalidName, "tree/back\\slash"},
+              {"tree/\xFF", "", Case::invalidName, "tree/\uFFFD"},
+              {"tree/e\u0301", "", Case::duplicateName, "tree/\u00E9"},
+              {"tree/a/b/c/d/" + std::string(250, 'x') + "/" + std::string(250, 'x') + "/" +
+                   std::string(250, 'x') + "/" + std::string(250, 'x') + "/" + std::string(20, 'x'),
+               "", Case::invalidName, ""},
+              {"tree/large", noise((1 << 20) + 1), Case::entryTooLarge, "tree/large"},
+              {"tree/zeros", std::string(1 << 20, '\0'), Case::ratioTooHigh, "tree/zeros"}};
   const auto expect = [&](Case which, const std::string& name) {
     const auto before = contentsOf(folder_.path()).size();
     const auto error =

@@ -1,11 +1,12 @@
 #pragma once
 
 #include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
 #include "TemporaryFolder.h"
-#include "tavlen/collections/TweakDiffProtocol.h"
+#include "tavlen/foundation/NotificationCenter.h"
 #include "tavlen/tweaks/Manifest.h"
 
 namespace tavlen {
@@ -15,6 +16,9 @@ class EditedTweak {
  public:
   /// `hooks` are the elements of the manifest's list.
   explicit EditedTweak(const std::string& hooks);
+  ~EditedTweak();
+  EditedTweak(const EditedTweak&) = delete;
+  EditedTweak& operator=(const EditedTweak&) = delete;
 
   const std::shared_ptr<TweakFile>& file() const { return file_; }
   /// The manifest's bytes.
@@ -28,6 +32,9 @@ class EditedTweak {
  private:
   TemporaryFolder folder_;
   std::shared_ptr<TweakFile> file_;
+  NotificationCenter::Token token_{};
+  mutable std::mutex lock_;
+  mutable std::vector<std::string> diffs_;
 };
 
 /// An instance method's hook of class C as JSON; `args` are the members of its table.

@@ -6,6 +6,7 @@
 #include <unordered_set>
 
 #include "EditedTweak.h"
+#include "Thrown.h"
 #include "tavlen/collections/TweakDiffNotifications.h"
 #include "tavlen/collections/TweakPoster.h"
 #include "tavlen/foundation/CodingError.h"
@@ -35,14 +36,11 @@ TEST(HookManager, ReadsTheFirstHookOfItsIdentity) {
   EXPECT_TRUE(tweak.file()->managerFor({"C", "a", false}).hook()._args.empty());
   for (const MethodIdentity& identity :
        {MethodIdentity{"C", "a", true}, {"C", "c", false}, {"D", "a", false}}) {
-    try {
-      tweak.file()->managerFor(identity).hook();
-      ADD_FAILURE() << identity.selector;
-    } catch (const HookManager::Error& error) {
-      EXPECT_EQ(error, HookManager::Error::hookNotFound());
-      EXPECT_EQ(error.localizationKey(), "hook_manager.error.hook_not_found");
-      EXPECT_EQ(error.description(), "Hook not found");
-    }
+    const auto error =
+        thrown<HookManager::Error>([&] { tweak.file()->managerFor(identity).hook(); });
+    ASSERT_EQ(error, HookManager::Error::hookNotFound()) << identity.selector;
+    EXPECT_EQ(error->localizationKey(), "hook_manager.error.hook_not_found");
+    EXPECT_EQ(error->description(), "Hook not found");
   }
 }
 
@@ -75,8 +73,7 @@ TEST(HookManager, EditsKeepEverythingElseInItsPlace) {
        [](const HookManager& manager) { manager.deleteHook(); },
        "null," + b + ",null",
        {"DeleteHook"}},
-      {"c", [](const HookManager& manager) { manager.deleteHook(); }, kHooks, {"DeleteHook"}},
-  };
+      {"c", [](const HookManager& manager) { manager.deleteHook(); }, kHooks, {"DeleteHook"}}};
   for (const Case& edit : cases) {
     const EditedTweak tweak(kHooks);
     edit.edit(tweak.file()->managerFor({"C", edit.selector, false}));

@@ -2,10 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <limits>
 
 #include "EditedTweak.h"
+#include "Thrown.h"
 #include "tavlen/foundation/CodingError.h"
 #include "tavlen/foundation/JSONEncoder.h"
 #include "tavlen/foundation/URL.h"
@@ -49,16 +49,6 @@ class ParameterManagerTest : public testing::Test {
 
 std::string jsonOf(const Parameter& parameter) { return encodeJSON(ParameterContainer{parameter}); }
 
-/// What `body` throws, as text.
-std::string errorOf(const std::function<void()>& body) {
-  try {
-    body();
-    return "";
-  } catch (const std::exception& error) {
-    return error.what();
-  }
-}
-
 TEST_F(ParameterManagerTest, EachLinkReadsAndReplacesItsLevelOnly) {
   const auto value = pair(root(2), 0, Accessor::value);
   struct Case {
@@ -80,8 +70,7 @@ TEST_F(ParameterManagerTest, EachLinkReadsAndReplacesItsLevelOnly) {
       {pair(root(2), 0, Accessor::key).shared(), R"({"type":"Class","name":"K"})",
        replaced(R"({"type":"Class","name":"K"})", nil, 0)},
       {value.shared(), kArray, replaced(kArray, nil, second)},
-      {item(value, 1).shared(), number, replaced(number, nil, second)},
-  };
+      {item(value, 1).shared(), number, replaced(number, nil, second)}};
   for (const Case& link : cases) {
     const std::string before = tweak_.stored();
     EXPECT_EQ(link.link->tweak(), tweak_.file());
@@ -110,10 +99,9 @@ TEST_F(ParameterManagerTest, ReadingSaysWhatIsWrongInItsOrder) {
        mismatch + "DictionaryParameter but found _ValueParameter<Int64>"},
       {pair(root(1), -2, Accessor::value).shared(), "Index out of bounds: -2"},
       {item(pair(root(2), 0, Accessor::key), 0).shared(),
-       mismatch + "ArrayParameter but found ClassParameter"},
-  };
+       mismatch + "ArrayParameter but found ClassParameter"}};
   for (const auto& [link, text] : cases)
-    EXPECT_EQ(errorOf([&link = link] { link->parameter(); }), text);
+    EXPECT_EQ(messageOf([&link = link] { link->parameter(); }), text);
 }
 
 TEST_F(ParameterManagerTest, WritingSaysWhatIsWrongInItsOrderAndWritesNothing) {
@@ -126,11 +114,10 @@ TEST_F(ParameterManagerTest, WritingSaysWhatIsWrongInItsOrderAndWritesNothing) {
       {pair(root(2), 1, Accessor::key).shared(), "Index out of bounds: 1"},
       {pair(root(0), -1, Accessor::key).shared(),
        mismatch + "DictionaryParameter but found ArrayParameter"},
-      {item(root(9), 0).shared(), "Parameter not found at index 9 in tweak " + location()},
-  };
+      {item(root(9), 0).shared(), "Parameter not found at index 9 in tweak " + location()}};
   const std::string before = tweak_.stored();
   for (const auto& [link, text] : cases)
-    EXPECT_EQ(errorOf([&link = link] { link->setParameter(NilParameter{}); }), text);
+    EXPECT_EQ(messageOf([&link = link] { link->setParameter(NilParameter{}); }), text);
   EXPECT_THROW(item(root(0), 0).setParameter(ValueParameter<std::string>{"\xFF"}), EncodingError);
   EXPECT_EQ(tweak_.stored(), before);
   EXPECT_EQ(tweak_.takeDiffs(), Words());

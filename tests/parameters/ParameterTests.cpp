@@ -2,6 +2,7 @@
 
 #include <limits>
 
+#include "Thrown.h"
 #include "tavlen/foundation/JSONDecoder.h"
 #include "tavlen/foundation/JSONEncoder.h"
 #include "tavlen/parameters/ParameterContainer.h"
@@ -10,25 +11,23 @@ namespace tavlen {
 namespace {
 
 // The identifiers stand in users' documents, so they are repeated here in full.
-const std::vector<std::string_view> kStoredIdentifiers = {
-    "Nil",
-    "Code",
-    "_ValueParameter<Int64>",
-    "_ValueParameter<UInt64>",
-    "_ValueParameter<Double>",
-    "_ValueParameter<String>",
-    "_ValueParameter<Bool>",
-    "URL",
-    "Date",
-    "Color",
-    "Data",
-    "Image",
-    "Class",
-    "Selector",
-    "Protocol",
-    "Array",
-    "Dictionary",
-};
+const std::vector<std::string_view> kStoredIdentifiers = {"Nil",
+                                                          "Code",
+                                                          "_ValueParameter<Int64>",
+                                                          "_ValueParameter<UInt64>",
+                                                          "_ValueParameter<Double>",
+                                                          "_ValueParameter<String>",
+                                                          "_ValueParameter<Bool>",
+                                                          "URL",
+                                                          "Date",
+                                                          "Color",
+                                                          "Data",
+                                                          "Image",
+                                                          "Class",
+                                                          "Selector",
+                                                          "Protocol",
+                                                          "Array",
+                                                          "Dictionary"};
 
 TEST(Parameter, StoredIdentifiersNeverChange) {
   const auto types = ParameterContainer::supportedTypes();
@@ -97,8 +96,7 @@ std::vector<KindCase> kindCases() {
        R"({"key":{"type":"_ValueParameter<Bool>","value":false},"value":{"type":"Nil"}},)"
        R"({"key":{"type":"Nil"},"value":{"type":"Array","items":[]}}]}]}]})",
        "@[@[[NSDictionary dictionaryWithObjects:@[[NSNull null], @[]] forKeys:@[false, [NSNull "
-       "null]]]]]"},
-  };
+       "null]]]]]"}};
 }
 
 TEST(Parameter, EveryKindIsStoredAndRendered) {
@@ -139,16 +137,11 @@ TEST(Parameter, NonFiniteNumbersFailWhereTheyAreStored) {
 }
 
 TEST(Parameter, AFailingKeyIsReportedBeforeAFailingValue) {
-  const DictionaryParameter dictionary = dictionaryOf({
-      {ValueParameter<std::string>{"fine"}, ValueParameter<std::string>{"value \xFF"}},
-      {ValueParameter<std::string>{"key \xFF"}, NilParameter{}},
-  });
-  try {
-    objsValue(arrayOf({dictionary}));
-    ADD_FAILURE() << "rendered";
-  } catch (const EncodingError& error) {
-    EXPECT_EQ(error.description(), "Could not represent key \uFFFD as JSON");
-  }
+  const DictionaryParameter dictionary = dictionaryOf(
+      {{ValueParameter<std::string>{"fine"}, ValueParameter<std::string>{"value \xFF"}},
+       {ValueParameter<std::string>{"key \xFF"}, NilParameter{}}});
+  EXPECT_EQ(messageOf<EncodingError>([&] { objsValue(arrayOf({dictionary})); }),
+            "Could not represent key \uFFFD as JSON");
 }
 
 struct ErrorCase {
@@ -172,17 +165,12 @@ TEST(Parameter, SaysWhatIsWrongWithAStoredOne) {
        Case::keyNotFound, "items[0].items[0]: missing key \"value\""},
       {R"({"type":"Array","items":[null]})", Case::valueNotFound,
        "items[0]: expected a dictionary, found null"},
-      {R"([])", Case::typeMismatch, "expected a dictionary, found an array"},
-  };
+      {R"([])", Case::typeMismatch, "expected a dictionary, found an array"}};
   for (const ErrorCase& c : cases) {
-    SCOPED_TRACE(c.json);
-    try {
-      decodeJSON<ParameterContainer>(c.json);
-      ADD_FAILURE() << "decoded";
-    } catch (const DecodingError& error) {
-      EXPECT_EQ(error.which(), c.which);
-      EXPECT_EQ(error.description(), c.description);
-    }
+    const auto error = thrown<DecodingError>([&] { decodeJSON<ParameterContainer>(c.json); });
+    ASSERT_TRUE(error) << c.json;
+    EXPECT_EQ(error->which(), c.which) << c.json;
+    EXPECT_EQ(error->description(), c.description);
   }
 }
 

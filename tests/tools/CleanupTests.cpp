@@ -15,20 +15,18 @@ TEST_F(CleanupTest, UnderstandsItsThreeCommandsOnly) {
   writeTweak("a.b/f");
   const std::string before = everything();
   const std::string path = tweaks("a.b").string();
-  const std::vector<std::string> rows[] = {
-      {},
-      {"cleanup"},
-      {"cleanup", path},
-      {"cleanup", path, "0", "x"},
-      {"cleanup", path, "2"},
-      {"cleanup", path, ""},
-      {"cleanup", path, "01"},
-      {"Cleanup", path, "0"},
-      {"remove", path, "0"},
-      {"copy", path},
-      {"fetch-logs", "a.b"},
-      {"", "", ""},
-  };
+  const std::vector<std::string> rows[] = {{},
+                                           {"cleanup"},
+                                           {"cleanup", path},
+                                           {"cleanup", path, "0", "x"},
+                                           {"cleanup", path, "2"},
+                                           {"cleanup", path, ""},
+                                           {"cleanup", path, "01"},
+                                           {"Cleanup", path, "0"},
+                                           {"remove", path, "0"},
+                                           {"copy", path},
+                                           {"fetch-logs", "a.b"},
+                                           {"", "", ""}};
   for (const auto& words : rows) {
     const Result result = run(words);
     EXPECT_EQ(result.status, 2) << testing::PrintToString(words);
@@ -77,10 +75,9 @@ TEST_F(CleanupTest, LeavesAnEmptyFolderOrNone) {
   const struct {
     std::string name, flag;
     bool isThere;
-  } rows[] = {
-      {"a.b", "1", true}, {"a.b", "1", true},   {"a.b", "0", false},     {"a.b", "0", false},
-      {"a.b", "1", true}, {"c d/", "0", false}, {"a.b/../x", "1", true}, {"\xC3\xA9", "1", true},
-  };
+  } rows[] = {{"a.b", "1", true},      {"a.b", "1", true},     {"a.b", "0", false},
+              {"a.b", "0", false},     {"a.b", "1", true},     {"c d/", "0", false},
+              {"a.b/../x", "1", true}, {"\xC3\xA9", "1", true}};
   for (const auto& row : rows) {
     SCOPED_TRACE(row.name + " " + row.flag);
     EXPECT_EQ(status({"cleanup", tweaks(row.name).string(), row.flag}), 0);

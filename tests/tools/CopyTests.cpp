@@ -57,13 +57,11 @@ TEST_F(CopyTest, LeavesNothingOfWhatFails) {
        [](const fs::path& f) { fs::create_directory_symlink("/etc", f / "z"); }},
       {"a link to nothing", [](const fs::path& f) { fs::create_symlink("b", f / "z"); }},
       {"a pipe", [](const fs::path& f) { ASSERT_EQ(::mkfifo((f / "z").c_str(), 0600), 0); }},
-      {"too deep",
-       [](const fs::path& f) {
+      {"too deep", [](const fs::path& f) {
          fs::path deepest = f;
          for (int i = 1; i < 64; ++i) deepest /= "z";  // the per-app folder is one more
          fs::create_directories(deepest);
-       }},
-  };
+       }}};
   const std::string before = contents(root());
   for (const auto& row : rows) {
     row.make(inside);
@@ -115,37 +113,25 @@ TEST_F(CopyTest, RefusesOtherPlacesAndWhatIsThere) {
   fs::create_symlink("x.bundle", outside() / "sourceLink");
   const std::string folder = tweaks().string();
   const std::string outer = outside().string();
-  const struct {
-    std::string source, destination;
-  } rows[] = {
-      {source(), folder},
-      {source(), folder + "/there"},
-      {source(), folder + "/there/f"},
+  std::vector<std::pair<std::string, std::string>> rows = {
       {source() + "/a", folder + "/there/f"},
       {source() + "/a", folder + "/dangling"},
-      {source(), folder + "/link"},
-      {source(), folder + "/link/x"},
-      {source(), folder + "/missing/x"},
-      {source(), folder + "/there/.."},
-      {source(), folder + "/../x"},
-      {source(), outer + "/y"},
-      {source(), "/x.bundle"},
-      {source(), "x"},
-      {source(), ""},
-      {"x.bundle", folder + "/x"},
-      {"", folder + "/x"},
-      {outer + "/missing", folder + "/x"},
-      {outer + "/sourceLink", folder + "/x"},
-      {outer + "/sourceLink/", folder + "/x"},
-      {"/dev/zero", folder + "/x"},
-      {folder, folder + "/x"},
-      {folder + "/there", folder + "/there/x"},
-  };
+      {folder + "/there", folder + "/there/x"}};
+  for (const std::string& to :
+       {folder, folder + "/there", folder + "/there/f", folder + "/link", folder + "/link/x",
+        folder + "/missing/x", folder + "/there/..", folder + "/../x", outer + "/y",
+        std::string("/x.bundle"), std::string("x"), std::string()}) {
+    rows.emplace_back(source(), to);
+  }
+  for (const std::string& from :
+       {std::string("x.bundle"), std::string(), outer + "/missing", outer + "/sourceLink",
+        outer + "/sourceLink/", std::string("/dev/zero"), folder}) {
+    rows.emplace_back(from, folder + "/x");
+  }
   const std::string before = everything();
-  for (const auto& row : rows) {
-    EXPECT_EQ(status({"copy", row.source, row.destination}), 1)
-        << row.source << " to " << row.destination;
-    EXPECT_EQ(everything(), before) << row.source << " to " << row.destination;
+  for (const auto& [from, to] : rows) {
+    EXPECT_EQ(status({"copy", from, to}), 1) << from << " to " << to;
+    EXPECT_EQ(everything(), before) << from << " to " << to;
   }
 }
 

@@ -50,22 +50,7 @@ TEST_F(FetchLogsTest, TakesTheLogsThatNameTheApp) {
   const struct {
     std::string name, text;
     bool isTaken;
-  } rows[] = {
-      // by their names
-      {"NotesApp-2021-05-01-120000.ips", "\n", true},
-      {"NotesApp_2021-05-01-120001_Phone.crash", "\n", true},
-      {"NotesApp.ips", "", true},
-      {"ExcUserFault_NotesApp-2021-05-01.ips", "\n", true},
-      {"com.example.notes-2021-05-01.crash", "\n", true},
-      {"com.example.notes-lite-2021-05-01.ips", "\n", false},
-      {"com.example.notes.widget-2021-05-01.ips", "\n", false},
-      {"xcom.example.notes-2021-05-01.ips", "\n", false},
-      {"NotesAppLite-2021-05-01.ips", "\n", false},
-      {"MyNotesApp-2021-05-01.ips", "\n", false},
-      {"Other-2021-05-01.ips", "\n", false},
-      {"NotesApp-2021-05-01.txt", "\n", false},
-      {"NotesApp-2021-05-01.ips.part", "\n", false},
-      // by their headers
+  } byHeader[] = {
       {"a1.ips", R"({"bug_type":"309","bundleID":"com.example.notes"})", true},
       {"a2.ips", "{\"app_name\":\"NotesApp\",\"x\":[{}]}\r\n{}", true},
       {"a3.ips", R"({"app_name":"Other","bundleID":"com.example.notes2"})", false},
@@ -82,18 +67,31 @@ TEST_F(FetchLogsTest, TakesTheLogsThatNameTheApp) {
       {"b5.crash", "Process: Other [1]\n\nIdentifier: com.example.notes\n", false},
       {"b6.crash", "Parent Process: NotesApp [123]\n", false},
       {"b7.txt", "Identifier: com.example.notes\n", false},
-      {"b8.crash", std::string("\0\xFF\n", 3), false},
-  };
+      {"b8.crash", std::string("\0\xFF\n", 3), false}};
   std::set<std::string> expected;
-  for (const auto& row : rows) {
+  for (const auto& row : byHeader) {
     writeLog(row.name, row.text);
     if (row.isTaken) expected.insert(row.name);
   }
+  for (const char* ignored :
+       {"com.example.notes-lite-2021-05-01.ips", "com.example.notes.widget-2021-05-01.ips",
+        "xcom.example.notes-2021-05-01.ips", "NotesAppLite-2021-05-01.ips",
+        "MyNotesApp-2021-05-01.ips", "Other-2021-05-01.ips", "NotesApp-2021-05-01.txt",
+        "NotesApp-2021-05-01.ips.part"}) {
+    writeLog(ignored);
+  }
+  for (const char* byName :
+       {"NotesApp-2021-05-01-120000.ips", "NotesApp_2021-05-01-120001_Phone.crash",
+        "ExcUserFault_NotesApp-2021-05-01.ips", "com.example.notes-2021-05-01.crash"}) {
+    writeLog(byName);
+    expected.insert(byName);
+  }
+  writeLog("NotesApp.ips", "");
+  expected.insert("NotesApp.ips");
   EXPECT_EQ(fetch(), 0);
   EXPECT_EQ(fetched(), expected);
-  for (const auto& row : rows) {
-    if (!row.isTaken) continue;
-    EXPECT_EQ(readFile(outside() / row.name), row.text) << row.name;
+  for (const std::string& name : expected) {
+    EXPECT_EQ(readFile(outside() / name), readFile(root() / kLogs / name)) << name;
   }
   EXPECT_EQ(fetch("com.nobody"), 0);
   EXPECT_EQ(fetched(), expected);

@@ -14,16 +14,6 @@ namespace fs = std::filesystem;
 const fs::path kTweaks = fs::path(TAVLEN_EXAMPLES_DIR) / "tweaks";
 const fs::path kData = TAVLEN_TEST_DATA_DIR;
 
-TEST(GeneratedSource, IsThatOfTheGoldenFiles) {
-  for (const char* name : {"Greeting", "Everything"}) {
-    const auto tweak = TweakFile::at(kTweaks / name);
-    const std::string generated = TweakProcessor::generateCode(tweak->manifest().hooks());
-    EXPECT_EQ(TweakProcessor::assembled(generated, tweak->script()),
-              readFile(kData / "golden" / (std::string(name) + ".objs")))
-        << name;
-  }
-}
-
 /// The code of an example runs in an engine, under the run time of tests/data/runtime.js.
 class GeneratedCodeTest : public testing::Test {
  protected:
@@ -74,8 +64,7 @@ TEST_F(GeneratedCodeTest, HooksDoWhatTheirParametersSay) {
        "NSSelectorFromString<:@>(\"performUpdate:\"), NSProtocolFromString<@@>(\"NSCopying\"))"},
       {"ThemeManager", "@16@0:8-accessoryView", "[]", "nil\norig()"},
       {"ThemeManager", "v20@0:8f16-setProgress:", "[0.3]", "original\norig(0.6)"},
-      {"ThemeManager", "v20@0:8f16-setProgress:", "[0.8]", "original\norig(1)"},
-  };
+      {"ThemeManager", "v20@0:8f16-setProgress:", "[0.8]", "original\norig(1)"}};
   for (const auto& c : cases) {
     EXPECT_EQ(callHook(c.className, c.key, c.args), c.expected) << c.key;
   }
@@ -134,8 +123,7 @@ TEST_F(GeneratedCodeTest, TheSourceMapLeadsBack) {
       {"arguments[0] = Math", "35:3 arguments[0]"},
       {"objc_orig(this, arguments, [app", "64:11 %orig(applic"},
       {"null]);\n\t\t}", "64:30 null);"},
-      {"index % names", "74:69 index % name"},
-  };
+      {"index % names", "74:69 index % name"}};
   for (const auto& [token, place] : cases) EXPECT_EQ(originOf(token), place) << token;
 }
 

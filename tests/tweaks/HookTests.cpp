@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "Thrown.h"
 #include "tavlen/foundation/JSONDecoder.h"
 #include "tavlen/foundation/JSONEncoder.h"
 #include "tavlen/introspection/ObjCClass.h"
@@ -50,8 +51,7 @@ TEST(Hook, AWrongDocumentIsRefused) {
       R"({"className":"A","selector":"b","signature":"","isClassMethod":true,"args":[]})",
       R"({"className":"A","selector":"b","signature":"","isClassMethod":true,"args":{"one":{"type":"Nil"}}})",
       R"({"className":"A","selector":"b","signature":"","isClassMethod":true,"args":{"1":null}})",
-      R"({"className":"A","selector":"b","signature":"","isClassMethod":true,"args":null})",
-  };
+      R"({"className":"A","selector":"b","signature":"","isClassMethod":true,"args":null})"};
   for (const char* json : cases) EXPECT_THROW(decodeJSON<Hook>(json), DecodingError) << json;
 }
 
@@ -64,8 +64,7 @@ TEST(HookSource, RendersOneFunctionAHook) {
        "function() {\n\t\targuments[0] = v;\n\t\t%orig;\n\t\treturn v;\n\t}"},
       {{{10, value}, {2, value}, {-7, value}},
        "function() {\n\t\targuments[-7] = v;\n\t\targuments[2] = v;\n\t\targuments[10] = "
-       "v;\n\t\treturn %orig;\n\t}"},
-  };
+       "v;\n\t\treturn %orig;\n\t}"}};
   for (const auto& [args, text] : cases) EXPECT_EQ(objsFunc(hookOn("A", "b", args)), text);
   EXPECT_EQ(keyedOBJSFunc(hookOn("A", "say:\"/\\")),
             "\t\"@16@0:8-say:\\\"\\/\\\\\": function() {\n\t\treturn %orig;\n\t},");
@@ -95,14 +94,9 @@ TEST(HookSource, TheFirstFailureOfTheListIsReported) {
   const std::vector<Hook> hooks = {
       hookOn("Name \xFF", "fine"),
       hookOn("Zed", "z", {{0, ValueParameter<std::string>{"first \xFF"}}}),
-      hookOn("Ant", "a", {{0, ValueParameter<std::string>{"second \xFF"}}}),
-  };
-  const auto failure = [&](std::size_t count) -> std::string {
-    try {
-      return generateHookSource(std::span(hooks).first(count)).text;
-    } catch (const EncodingError& error) {
-      return error.description();
-    }
+      hookOn("Ant", "a", {{0, ValueParameter<std::string>{"second \xFF"}}})};
+  const auto failure = [&](std::size_t count) {
+    return messageOf<EncodingError>([&] { generateHookSource(std::span(hooks).first(count)); });
   };
   EXPECT_EQ(failure(3), "Could not represent first \uFFFD as JSON");
   EXPECT_EQ(failure(1), "Could not represent Name \uFFFD as JSON");

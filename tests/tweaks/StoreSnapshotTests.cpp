@@ -45,38 +45,36 @@ TEST_F(StoreSnapshotTest, TellsWhatHasChanged) {
   const struct {
     std::function<void()> change;
     std::string changes;
-  } steps[] = {
-      {[] {}, ""},
-      {[&] { write("A/script.objs"); }, ""},  // no tweak before its manifest
-      {[&] { write("A/Manifest.json"); }, "+A:ms"},
-      {[&] { write("B/Manifest.json"); }, "+B:m"},
-      {[&] { replaceFile(stored("A/Manifest.json"), "text"); }, "~A:m"},
-      {[&] {
-         write("A/Icon.png");
-         fs::remove(stored("A/script.objs"));
-         write("C.collection");
-       },
-       "~A:si +C.collection:m"},
-      {[&] {
-         write("A/Resources/file");
-         write("A/.tavlen-1");
-         write(".tavlen-2");
-         write(".x.collection");
-         write(".TemporaryItems/T/Manifest.json");
-         write("D.txt");
-         fs::create_directories(stored("E/Manifest.json"));
-         fs::create_directories(stored("F.collection"));
-       },
-       ""},
-      {[&] {
-         write("a/Manifest.json");
-         fs::rename(stored("B"), stored("Z"));
-         fs::remove(stored("C.collection"));
-       },
-       "-B:m -C.collection:m +Z:m +a:m"},
-      {[&] { fs::remove(stored("A/Manifest.json")); }, "-A:mi"},
-      {[&] { fs::remove_all(stored("")); }, "-Z:m -a:m"},
-  };
+  } steps[] = {{[] {}, ""},
+               {[&] { write("A/script.objs"); }, ""},  // no tweak before its manifest
+               {[&] { write("A/Manifest.json"); }, "+A:ms"},
+               {[&] { write("B/Manifest.json"); }, "+B:m"},
+               {[&] { replaceFile(stored("A/Manifest.json"), "text"); }, "~A:m"},
+               {[&] {
+                  write("A/Icon.png");
+                  fs::remove(stored("A/script.objs"));
+                  write("C.collection");
+                },
+                "~A:si +C.collection:m"},
+               {[&] {
+                  write("A/Resources/file");
+                  write("A/.tavlen-1");
+                  write(".tavlen-2");
+                  write(".x.collection");
+                  write(".TemporaryItems/T/Manifest.json");
+                  write("D.txt");
+                  fs::create_directories(stored("E/Manifest.json"));
+                  fs::create_directories(stored("F.collection"));
+                },
+                ""},
+               {[&] {
+                  write("a/Manifest.json");
+                  fs::rename(stored("B"), stored("Z"));
+                  fs::remove(stored("C.collection"));
+                },
+                "-B:m -C.collection:m +Z:m +a:m"},
+               {[&] { fs::remove(stored("A/Manifest.json")); }, "-A:mi"},
+               {[&] { fs::remove_all(stored("")); }, "-Z:m -a:m"}};
   StoreSnapshot before = StoreSnapshot::take();
   for (std::size_t step = 0; step < std::size(steps); ++step) {
     steps[step].change();

@@ -7,6 +7,7 @@
 #include <thread>
 
 #include "StoreTest.h"
+#include "Thrown.h"
 #include "tavlen/bundles/IPA.h"
 #include "tavlen/collections/TweakPoster.h"
 #include "tavlen/foundation/FileSystem.h"
@@ -165,12 +166,7 @@ TEST_F(TweakFileEditingTest, ADeletedTweakStaysDeletedUnderAnOpenHandle) {
   EXPECT_THROW((void)other->compareTo(*other), TweakFile::Error);
   EXPECT_THROW(other->preparePayloadIn(root_.path() / "P"), std::system_error);
   EXPECT_EQ(storedEntries(), 0);
-  try {
-    other->validate();
-    ADD_FAILURE() << "valid";
-  } catch (const TweakFile::Error& error) {
-    EXPECT_EQ(error, TweakFile::Error::notFound());
-  }
+  EXPECT_EQ(thrown<TweakFile::Error>([&] { other->validate(); }), TweakFile::Error::notFound());
 }
 
 TEST_F(TweakFileEditingTest, DeletionTakesNothingElseAlong) {
@@ -236,22 +232,14 @@ TEST_F(TweakFileEditingTest, PayloadsMoveIntoTheStoreWholeOrNotAtAll) {
   root_.write("in/empty/file", "");
   root_.write("in/broken/Manifest.json", "{");
   fs::create_symlink("good", root_.path() / "in/link");
-  const struct {
-    const char* name;
-    const char* error;
-  } refused[] = {{"nowhere", "Not found"},
-                 {"empty/file", "Not found"},
-                 {"link", "Not found"},
-                 {"link/", "Not found"},
-                 {"empty", "Missing Manifest.json"}};
-  for (const auto& [name, message] : refused) {
-    try {
-      TweakFile::handlePayloadAt(root_.path() / "in" / name);
-      ADD_FAILURE() << name;
-    } catch (const TweakFile::Error& error) {
-      EXPECT_STREQ(error.what(), message) << name;
-    }
+  const auto refusal = [&](const char* name) {
+    return messageOf<TweakFile::Error>(
+        [&] { TweakFile::handlePayloadAt(root_.path() / "in" / name); });
+  };
+  for (const char* name : {"nowhere", "empty/file", "link", "link/"}) {
+    EXPECT_EQ(refusal(name), "Not found") << name;
   }
+  EXPECT_EQ(refusal("empty"), "Missing Manifest.json");
   EXPECT_THROW(TweakFile::handlePayloadAt(root_.path() / "in/broken"), DecodingError);
   EXPECT_EQ(storedEntries(), 0);
 

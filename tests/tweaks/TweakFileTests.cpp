@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "TemporaryFolder.h"
+#include "Thrown.h"
 #include "tavlen/foundation/CodingError.h"
 #include "tavlen/tweaks/Manifest.h"
 
@@ -18,12 +19,7 @@ class TweakFileTest : public testing::Test {
  protected:
   /// What opening the folder `name` reports.
   std::string errorOf(const std::string& name) const {
-    try {
-      TweakFile::at(folder_.path() / name);
-      return "";
-    } catch (const std::exception& error) {
-      return error.what();
-    }
+    return messageOf([&] { TweakFile::at(folder_.path() / name); });
   }
 
   TemporaryFolder folder_;
@@ -75,12 +71,8 @@ TEST_F(TweakFileTest, ReadsTheFolderAnewEachTime) {
   folder_.write("T/script.objs", "one();\r\n");
   EXPECT_EQ(tweak->readScript(), "one();\r\n");
   fs::remove(manifest);
-  try {
-    tweak->manifest();
-    ADD_FAILURE() << "read";
-  } catch (const TweakFile::Error& error) {
-    EXPECT_EQ(error, TweakFile::Error::missing("Manifest.json"));
-  }
+  EXPECT_EQ(thrown<TweakFile::Error>([&] { tweak->manifest(); }),
+            TweakFile::Error::missing("Manifest.json"));
   fs::remove_all(folder_.path() / "T");
   EXPECT_THROW(tweak->validate(), TweakFile::Error);
 }

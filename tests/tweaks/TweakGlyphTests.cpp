@@ -36,8 +36,7 @@ TEST(TweakGlyph, UnknownNamesGetASuggestion) {
       {{"", "solid"}, false, std::nullopt},
       {{"qqqqqq", "solid"}, false, std::nullopt},
       {{std::string(1'000'000, 'a'), "solid"}, false, std::nullopt},
-      {{std::string("tools\0", 6), "solid"}, false, {{"tools", "solid"}}},
-  };
+      {{std::string("tools\0", 6), "solid"}, false, {{"tools", "solid"}}}};
   for (const GlyphCase& c : kCases) {
     SCOPED_TRACE(c.glyph.icon.substr(0, 40) + " " + c.glyph.style);
     EXPECT_EQ(isKnownGlyph(c.glyph), c.known);

@@ -104,8 +104,7 @@ TEST_F(TweakPackagingTest, AFailureLeavesNothing) {
          tree().write("Icon.png", icon(1));
          fs::create_symlink(path("Icon.png"), path(folder + "Icon.png"));
        },
-       "/T/Icon.png: a symbolic link is not packaged: Invalid argument"},
-  };
+       "/T/Icon.png: a symbolic link is not packaged: Invalid argument"}};
   for (const auto& [spoil, error] : rows) {
     fs::remove_all(path(store()));
     const std::string folder = tweak("T");

@@ -50,13 +50,11 @@ TEST_F(TweakProcessorTest, GivesTheTranspilerTheHooksAndTheScript) {
     std::string hooks;
     std::optional<std::string> script;
     std::string source;
-  } cases[] = {
-      {"", std::nullopt, ""},
-      {"null", "", ""},
-      {hook, std::nullopt, generated + "\n\n"},
-      {"", "\xEF\xBB\xBF\n\nscript();", "\n\nscript();"},
-      {"null," + hook, "a\0\r\n😀"s, generated + "\n\na\0\r\n😀"s},
-  };
+  } cases[] = {{"", std::nullopt, ""},
+               {"null", "", ""},
+               {hook, std::nullopt, generated + "\n\n"},
+               {"", "\xEF\xBB\xBF\n\nscript();", "\n\nscript();"},
+               {"null," + hook, "a\0\r\n😀"s, generated + "\n\na\0\r\n😀"s}};
   int count = 0;
   for (const auto& c : cases) {
     const std::string name = std::to_string(count++);
@@ -86,6 +84,7 @@ TEST_F(TweakProcessorTest, ReportsWhatWasThrown) {
   const std::pair<const char*, const char*> cases[] = {
       {"throw 'text';", "undefined: undefined"},
       {"throw 5;", "undefined: undefined"},
+      {"throw Symbol('s');", "undefined: undefined"},
       {"throw null;", "undefined: undefined"},
       {"throw undefined;", "undefined: undefined"},
       {"throw { name: 'N', message: null };", "N: null"},
@@ -94,8 +93,7 @@ TEST_F(TweakProcessorTest, ReportsWhatWasThrown) {
        "undefined: undefined"},
       {"throw { name: Symbol(), message: { toString() { throw 1; } }, stack: Symbol() };",
        "undefined: undefined"},
-      {"throw new Proxy({}, { get() { throw 1; } });", "undefined: undefined"},
-  };
+      {"throw new Proxy({}, { get() { throw 1; } });", "undefined: undefined"}};
   for (const auto& [body, description] : cases) EXPECT_EQ(errorOfBody(body), description) << body;
   TweakProcessor processor = processorOf(transpiler("throw new SyntaxError('Unexpected token');"));
   try {
@@ -115,21 +113,19 @@ TEST_F(TweakProcessorTest, ReportsWhatWasThrown) {
 }
 
 TEST_F(TweakProcessorTest, AResultOfAnotherShapeIsInvalid) {
-  const char* bodies[] = {
-      "",
-      "return null;",
-      "return 'code';",
-      "return 5;",
-      "return [];",
-      "return {};",
-      "return { code: '' };",
-      "return { map: '' };",
-      "return { code: '', map: 5 };",
-      "return { code: new String(''), map: '' };",
-      "return { code: '', map: {} };",
-      "return Promise.resolve({ code: '', map: '' });",
-      "return { get code() { throw new Error('late'); }, map: '' };",
-  };
+  const char* bodies[] = {"",
+                          "return null;",
+                          "return 'code';",
+                          "return 5;",
+                          "return [];",
+                          "return {};",
+                          "return { code: '' };",
+                          "return { map: '' };",
+                          "return { code: '', map: 5 };",
+                          "return { code: new String(''), map: '' };",
+                          "return { code: '', map: {} };",
+                          "return Promise.resolve({ code: '', map: '' });",
+                          "return { get code() { throw new Error('late'); }, map: '' };"};
   for (const char* body : bodies) {
     EXPECT_EQ(errorOfBody(body), "Transpiler output was not a String") << body;
   }

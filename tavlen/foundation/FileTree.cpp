@@ -14,8 +14,10 @@
 #include <vector>
 
 #include "tavlen/foundation/DiskSync.h"
+#include "tavlen/foundation/FileDescriptor.h"
 #include "tavlen/foundation/Interruption.h"
 #include "tavlen/foundation/TemporaryDirectory.h"
+#include "tavlen/foundation/TreeRemoval.h"
 
 namespace tavlen {
 
@@ -224,37 +226,6 @@ void moveAcrossVolumes(const fs::path& source, const fs::path& destination) {
   removeItem(source);
 }
 
-/// Opens all folders of a tree to their owner, and gives them, each before those in it.
-std::vector<fs::path> openFolders(const fs::path& item) {
-  std::error_code ignored;
-  std::vector<fs::path> folders;
-  const auto add = [&](const fs::path& path) {
-    if (fs::symlink_status(path, ignored).type() == fs::file_type::directory) {
-      folders.push_back(path);
-    }
-  };
-  add(item);
-  std::size_t next = 0;
-  while (next < folders.size()) {
-    const fs::path folder = folders[next++];
-    fs::permissions(folder, fs::perms::owner_all, fs::perm_options::add, ignored);
-    std::error_code error;
-    fs::directory_iterator entry(folder, error);
-    for (; !error && entry != fs::directory_iterator(); entry.increment(error)) add(entry->path());
-  }
-  return folders;
-}
-
-void removeContents(const fs::path& folder) {
-  std::error_code ignored;
-  std::vector<fs::path> entries;
-  fs::directory_iterator entry(folder, ignored);
-  for (; !ignored && entry != fs::directory_iterator(); entry.increment(ignored)) {
-    entries.push_back(entry->path());
-  }
-  for (const fs::path& path : entries) fs::remove(path, ignored);
-}
-
 }  // namespace
 
 void copyItem(const fs::path& source, const fs::path& destination, const LeftOut& isLeftOut) {
@@ -275,14 +246,23 @@ void moveItem(const fs::path& source, const fs::path& destination) {
 }
 
 void removeItem(const fs::path& item) {
-  std::error_code error;
-  fs::remove_all(item, error);
-  if (!error) return;
-  // Folder by folder from below: the standard library holds a descriptor for each level.
-  const std::vector<fs::path> folders = openFolders(item);
-  std::for_each(folders.rbegin(), folders.rend(), removeContents);
-  fs::remove_all(item, error);
-  check(error, item);
+  // With a slash at its end the system would follow a link.
+  const fs::path entry = item.has_filename() ? item : item.parent_path();
+  const auto checked = [&](int result) {
+    if (result != 0 && errno != ENOENT) fail(errno, item);
+  };
+  struct stat status {};
+  if (::lstat(entry.c_str(), &status) != 0) {
+    if (errno != ENOENT && errno != ENOTDIR) fail(errno, item);
+  } else if (!S_ISDIR(status.st_mode)) {
+    checked(::unlink(entry.c_str()));
+  } else if (::rmdir(entry.c_str()) != 0) {
+    if (errno != ENOTEMPTY && errno != EEXIST) return checked(-1);
+    const FileDescriptor folder = openForRemoval(AT_FDCWD, entry);
+    if (folder.get() < 0) fail(errno, item);
+    removeContents(folder, item);
+    checked(::rmdir(entry.c_str()));
+  }
 }
 
 }  // namespace tavlen

@@ -24,7 +24,7 @@ void copyItem(const std::filesystem::path& source, const std::filesystem::path& 
 void moveItem(const std::filesystem::path& source, const std::filesystem::path& destination);
 
 /// Removes a file, a link itself, or a folder with all in it, also one that is closed to its owner.
-/// Nothing there is no error.
+/// Links that somebody puts into it meanwhile are not followed. Nothing there is no error.
 void removeItem(const std::filesystem::path& item);
 
 }  // namespace tavlen

@@ -27,7 +27,6 @@ class SerialQueue {
   /// Waits until all that was added has run. Not to be called by work of the queue.
   ~SerialQueue();
 
-  const std::string& label() const { return label_; }
   /// Whether the caller is work of this queue.
   bool isCurrent() const { return std::this_thread::get_id() == thread_.get_id(); }
 

@@ -5,14 +5,12 @@
 #include <exception>
 #include <filesystem>
 #include <optional>
-#include <stdexcept>
 #include <string>
 
 #include "tavlen/bundles/Executable.h"
 #include "tavlen/bundles/IPA.h"
 #include "tavlen/device/DeviceRoot.h"
 #include "tavlen/foundation/FatalError.h"
-#include "tavlen/foundation/FileSystem.h"
 #include "tavlen/foundation/KeyedArchive.h"
 #include "tavlen/foundation/Log.h"
 #include "tavlen/foundation/ScopedProgress.h"
@@ -52,15 +50,25 @@ std::string bundleIDOf(const IPA& ipa) {
   }
 }
 
-ClassParser::Classes classesIn(const std::string& devicePath) {
+DumpFolder folderOf(const std::string& archive) {
   try {
-    const fs::path path(devicePath);
-    const fs::path file = path.is_relative() ? path : DeviceRoot::shared().resolve(devicePath);
-    const std::optional<std::string> bytes = readFileUpTo(file, kLargestArchive);
-    if (!bytes) throw std::runtime_error(devicePath + ": too large for an archive");
-    return decodeKeyedArchive<ClassParser::Classes>(*bytes);
+    return DumpFolder(archive);
   } catch (const std::exception& error) {
     failLogging(error.what());
+  }
+}
+
+ClassParser::Classes classesIn(const DumpFolder& folder, const std::string& archive) {
+  std::string bytes;
+  try {
+    bytes = folder.readArchive(kLargestArchive);
+  } catch (const std::exception& error) {
+    failLogging(error.what());
+  }
+  try {
+    return decodeKeyedArchive<ClassParser::Classes>(bytes);
+  } catch (const std::exception& error) {
+    failLogging(archive + ": " + error.what());
   }
 }
 
@@ -84,8 +92,9 @@ ClassParser::Classes dumpRemotely(const Executable& executable,
       request(bundleID, image.string(), executable.isMain(),
               [&](double fraction) { dump->setCompletedUnitCount(unitsDone(fraction)); });
   if (!archive) throw RemoteClassParser::Error::failed();
-  ClassParser::Classes classes = classesIn(*archive);
-  removeDumpFolder(*archive, ipa->appDir());
+  const DumpFolder folder = folderOf(*archive);
+  ClassParser::Classes classes = classesIn(folder, *archive);
+  folder.remove(ipa->appDir());
   return classes;
 }
 

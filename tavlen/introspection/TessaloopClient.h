@@ -17,7 +17,8 @@ namespace tavlen {
 class DatagramReceiver;
 
 /// Relaunches apps with the dump agent in them and hears what the agent says. Requests run one
-/// after the other; a new one ends those before it.
+/// after the other; a new one ends those before it. Senders are not examined: the agent of a
+/// request that was cancelled may still answer a later one.
 ///
 /// Threads: any. The process has one, behind invokeTessaloop().
 class TessaloopClient {

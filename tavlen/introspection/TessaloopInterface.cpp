@@ -1,7 +1,10 @@
 #include "tavlen/introspection/TessaloopInterface.h"
 
 #include <atomic>
+#include <string>
+#include <system_error>
 
+#include "tavlen/foundation/Log.h"
 #include "tavlen/introspection/TessaloopClient.h"
 
 namespace tavlen {
@@ -11,11 +14,17 @@ namespace {
 /// Null until the first request: to cancel, no threads need be made.
 std::atomic<TessaloopClient*> madeClient = nullptr;
 
-TessaloopClient& sharedClient() {
-  // Never destroyed: other threads may wait in it while the process ends.
-  static TessaloopClient& client = *new TessaloopClient;
-  madeClient = &client;
-  return client;
+/// Null where there can be no further thread; then the next call tries again.
+TessaloopClient* sharedClient() {
+  try {
+    // Never destroyed: other threads may wait in it while the process ends.
+    static TessaloopClient& client = *new TessaloopClient;
+    madeClient = &client;
+    return &client;
+  } catch (const std::system_error& error) {
+    logMessage(std::string("error preparing for the dump agent: ") + error.what());
+    return nullptr;
+  }
 }
 
 }  // namespace
@@ -23,7 +32,9 @@ TessaloopClient& sharedClient() {
 std::optional<std::string> invokeTessaloop(const std::string& bundleID,
                                            const std::string& imagePath, bool isMainExecutable,
                                            const std::function<void(double fraction)>& progress) {
-  return sharedClient().invoke(bundleID, imagePath, isMainExecutable, progress);
+  TessaloopClient* const client = sharedClient();
+  if (client == nullptr) return std::nullopt;
+  return client->invoke(bundleID, imagePath, isMainExecutable, progress);
 }
 
 void cancelTessaloopIfNeeded() {

@@ -4,8 +4,8 @@
 #include <optional>
 #include <string>
 
-/// The process's way to the dump agent: one TessaloopClient with the documented port, 5432, and
-/// pause, half a second, which is made when it is first asked. Threads: any.
+/// The process's way to the dump agent: one TessaloopClient at port 5432, with a pause of half a
+/// second, which is made when it is first asked. Threads: any.
 namespace tavlen {
 
 /// Ends the app `bundleID`, opens it again with the dump agent in it, and waits for the archive of

@@ -1,14 +1,19 @@
 #include "tavlen/foundation/FileTree.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 
+#include <atomic>
 #include <cerrno>
 #include <chrono>
+#include <cstdio>
+#include <thread>
 
 #include "TemporaryFolder.h"
 #include "Thrown.h"
+#include "tavlen/foundation/FileDescriptor.h"
 #include "tavlen/foundation/FileReplacement.h"
 #include "tavlen/foundation/FileSystem.h"
 #include "tavlen/foundation/TemporaryDirectory.h"
@@ -126,6 +131,64 @@ TEST_F(FileTreeTest, DepthCostsNoStackAndNoDescriptors) {
   ::setrlimit(RLIMIT_NOFILE, &former);
   EXPECT_FALSE(fs::exists(path("deep")));
   EXPECT_FALSE(fs::exists(path("dup")));
+}
+
+TEST_F(FileTreeTest, RemovesTreesThatNoPathReachesAndClosedFolders) {
+  FileDescriptor deepest(::open(folder_.path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  const std::string name(100, 'd');
+  for (int level = 0; level < 300; ++level) {
+    ASSERT_EQ(::mkdirat(deepest.get(), name.c_str(), 0700), 0);
+    ASSERT_EQ(::mkdirat(deepest.get(), "closed", 0700), 0);
+    ASSERT_EQ(::symlinkat("..", deepest.get(), "up"), 0);
+    ASSERT_EQ(::mkdirat(deepest.get(), "closed/inner", 0700), 0);
+    ASSERT_EQ(::fchmodat(deepest.get(), "closed", 0, 0), 0);
+    FileDescriptor next(::openat(deepest.get(), name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    const mode_t mode = level == 0 ? 0700 : level % 2 == 0 ? 0 : 0500;
+    ASSERT_EQ(::fchmod(deepest.get(), mode), 0);
+    deepest = std::move(next);
+  }
+  const fs::path tree = path(name.c_str());
+  fs::permissions(tree, fs::perms::none);
+  removeItem(tree);
+  EXPECT_FALSE(fs::exists(fs::symlink_status(tree)));
+
+  const fs::path top = fs::canonical(path("taken"));
+  folder_.write("kept/file", "");
+  fs::create_directory_symlink(path("kept"), top / "link");
+  removeItem(top / "link/");
+  EXPECT_FALSE(fs::is_symlink(top / "link"));
+  EXPECT_TRUE(fs::exists(path("kept/file")));
+  EXPECT_THROW(removeItem(path("kept/.")), std::system_error);
+  EXPECT_TRUE(fs::exists(path("kept/file")));
+}
+
+TEST_F(FileTreeTest, RemovalFollowsNoLinkThatIsSwappedIn) {
+  folder_.write("kept/file", "");
+  folder_.write("kept/inner/file", "");
+  for (int round = 0; round < 20; ++round) {
+    for (int sibling = 0; sibling < 20; ++sibling) {
+      folder_.write("swapped/x/y/inner/file" + std::to_string(sibling), "");
+    }
+    fs::create_directory_symlink(path("kept"), path("link"));
+    std::atomic<bool> hasEnded = false;
+    std::thread swapper([&] {
+      const std::string inner = path("swapped/x/y");
+      const std::string link = path("link");
+      while (!hasEnded) {
+        ::renameat2(AT_FDCWD, inner.c_str(), AT_FDCWD, link.c_str(), RENAME_EXCHANGE);
+      }
+    });
+    try {
+      removeItem(path("swapped"));
+    } catch (const std::system_error&) {
+      // What was moved away is no longer there to be removed.
+    }
+    hasEnded = true;
+    swapper.join();
+    for (const char* name : {"swapped", "link"}) removeItem(path(name));
+    ASSERT_TRUE(fs::exists(path("kept/file")));
+    ASSERT_TRUE(fs::exists(path("kept/inner/file")));
+  }
 }
 
 TEST_F(FileTreeTest, LeftOversOfACrashAreSwept) {

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <filesystem>
 #include <functional>
@@ -12,6 +14,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -126,8 +129,21 @@ class DumpTest : public testing::Test {
   std::vector<std::string> log_;
 };
 
-/// A port that nobody has, for requests of which an agent is told beforehand.
-inline std::uint16_t freePort() { return DatagramReceiver(0).port(); }
+/// A port that nobody has, for requests of which an agent is told beforehand. It is none of those
+/// that the system gives away before it is bound again, nor one of another test that runs now.
+inline std::uint16_t freePort() {
+  constexpr int kFirst = 10'000;
+  constexpr int kLast = 32'000;
+  for (int port = kFirst + ::getpid() * 7 % (kLast - kFirst); port < kLast; ++port) {
+    try {
+      return DatagramReceiver(static_cast<std::uint16_t>(port)).port();
+    } catch (const std::system_error&) {
+      // The next one.
+    }
+  }
+  ADD_FAILURE() << "no port is free";
+  return 0;
+}
 
 inline TessaloopClient::Parameters quick(std::uint16_t port = 0) {
   return {port, std::chrono::microseconds(0)};

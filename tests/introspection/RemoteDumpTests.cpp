@@ -1,13 +1,21 @@
 #include "tavlen/introspection/RemoteDump.h"
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
+#include <sys/inotify.h>
 #include <sys/stat.h>
 
+#include <algorithm>
+#include <array>
+#include <cerrno>
 #include <cmath>
+#include <cstdio>
 #include <system_error>
+#include <thread>
 
 #include "DumpTest.h"
 #include "tavlen/device/DevicePaths.h"
+#include "tavlen/foundation/FileDescriptor.h"
 #include "tavlen/foundation/KeyedArchive.h"
 #include "tavlen/introspection/DumpFolder.h"
 #include "tavlen/introspection/RemoteClassParser.h"
@@ -16,6 +24,7 @@ namespace tavlen {
 namespace {
 
 namespace fs = std::filesystem;
+using namespace std::string_literals;
 using Classes = ClassParser::Classes;
 
 /// What of a dump does not depend on who is asked: the request is answered by the test.
@@ -53,9 +62,9 @@ class RemoteDumpTest : public DumpTest {
       return error.code() == std::errc::operation_not_permitted ? "refused" : error.what();
     }
   }
-  std::string outcomeOfArchiveAt(const std::string& path) const {
+  std::string outcomeOfArchiveAt(const std::string& path, const std::string& end = "") const {
     write(path.substr(1), encodeKeyedArchive(sampleClasses()));
-    return outcome(path);
+    return outcome(path + end);
   }
 
   std::shared_ptr<IPA> ipa_;
@@ -74,6 +83,12 @@ TEST_F(RemoteDumpTest, TakesTheArchiveAndDeletesItsFolder) {
   write("tmp/dump/classes", encodeKeyedArchive(Classes()));
   EXPECT_TRUE(dump("/tmp/dump//./classes").empty());  // a success
   EXPECT_EQ(archiveFolders(), 0);
+  // What the platform takes for no component of its own.
+  for (const char* end : {"/", "//", "/.", "/./", "//.//"}) {
+    write("tmp/dump/other", "");
+    EXPECT_EQ(outcomeOfArchiveAt("/tmp/dump/classes", end), "dumped") << end;
+    EXPECT_EQ(archiveFolders(), 0) << end;
+  }
 }
 
 TEST_F(RemoteDumpTest, FailsForWhatIsNoArchiveOfClasses) {
@@ -89,13 +104,17 @@ TEST_F(RemoteDumpTest, FailsForWhatIsNoArchiveOfClasses) {
   ASSERT_EQ(::mkfifo((folder / "pipe").c_str(), 0600), 0);
   fs::create_symlink("/dev/zero", folder / "device");
   fs::create_symlink("circle", folder / "circle");
+  write("tmp/elsewhere", good);
+  fs::create_symlink("../elsewhere", folder / "link");
   for (const char* name : {"text", "empty", "texts", "class", "methods", "cut", "large", "pipe",
-                           "device", "circle", "missing", "", "text/below"}) {
+                           "device", "circle", "link", "missing", "", "/", "/.", "text/below"}) {
     EXPECT_EQ(outcome("/tmp/dump/" + std::string(name)), "Remote dump failed") << name;
   }
   EXPECT_EQ(outcome("missing"), "Remote dump failed");
   EXPECT_EQ(outcome(std::string(5000, '/') + std::string(5000, 'a')), "Remote dump failed");
   EXPECT_TRUE(fs::exists(folder / "text"));  // only after a good one
+  EXPECT_EQ(outcome("/tmp/dump/class\0"s + "es"), "Remote dump failed");
+  EXPECT_EQ(countInLog("remote dump: /tmp/dump/text: "), 1);
   EXPECT_THROW(dump(std::nullopt), RemoteClassParser::Error);
 }
 
@@ -149,11 +168,82 @@ TEST_F(RemoteDumpTest, DeletesTheLinkThatWasNamedNotItsTarget) {
   EXPECT_TRUE(fs::exists(tree() / "var/mobile/Documents/f"));
 }
 
+/// Exchanges two entries of the tree, as an app that goes on running may at any time.
+void exchange(const fs::path& first, const fs::path& second) {
+  EXPECT_EQ(::renameat2(AT_FDCWD, first.c_str(), AT_FDCWD, second.c_str(), RENAME_EXCHANGE), 0);
+}
+
+TEST_F(RemoteDumpTest, DeletesWhereItReadWhateverIsSwappedIn) {
+  write("var/mobile/Documents/kept", "");
+  fs::create_directories(tree() / "tmp");
+  fs::create_directory_symlink("/var/mobile", tree() / "tmp/link");
+  const auto isKept = [&] { return fs::exists(tree() / "var/mobile/Documents/kept"); };
+  write("tmp/p/Documents/classes", encodeKeyedArchive(sampleClasses()));
+  {  // The folder around.
+    const DumpFolder folder("/tmp/p/Documents/classes");
+    exchange(tree() / "tmp/p", tree() / "tmp/link");
+    EXPECT_EQ(folder.readArchive(1'000'000), encodeKeyedArchive(sampleClasses()));
+    folder.remove(appDir());
+    EXPECT_FALSE(fs::exists(tree() / "tmp/link/Documents"));
+    EXPECT_TRUE(isKept());
+    exchange(tree() / "tmp/p", tree() / "tmp/link");
+  }
+  const auto refusal = [&](const DumpFolder& folder) {
+    try {
+      folder.remove(appDir());
+      return 0;
+    } catch (const std::system_error& error) {
+      return error.code().value();
+    }
+  };
+  write("tmp/p/Documents/classes", "");
+  {  // The folder itself, by a link and by another folder; nothing is lost by either.
+    const DumpFolder folder("/tmp/p/Documents/classes");
+    exchange(tree() / "tmp/p/Documents", tree() / "tmp/link");
+    EXPECT_EQ(refusal(folder), EPERM);
+    exchange(tree() / "tmp/p/Documents", tree() / "tmp/link");
+    exchange(tree() / "tmp/p/Documents", tree() / "var/mobile/Documents");
+    EXPECT_EQ(refusal(folder), EPERM);
+    exchange(tree() / "tmp/p/Documents", tree() / "var/mobile/Documents");
+  }
+  {  // A folder that has become one of the app's.
+    const DumpFolder folder("/tmp/p/Documents/classes");
+    fs::rename(tree() / "tmp/p", appDir() / "p");
+    EXPECT_EQ(refusal(folder), EPERM);
+    fs::rename(appDir() / "p", tree() / "tmp/p");
+    fs::rename(tree() / "tmp/p/Documents", tree() / "tmp/gone");
+    EXPECT_EQ(refusal(folder), 0);
+  }
+  EXPECT_TRUE(fs::exists(tree() / "tmp/gone/classes"));
+  EXPECT_TRUE(isKept());
+}
+
+TEST_F(RemoteDumpTest, SurvivesAnAgentThatSwapsWhileTheArchiveIsDecoded) {
+  write("var/mobile/Documents/kept", "");
+  fs::create_directories(tree() / "tmp");
+  fs::create_directory_symlink("/var/mobile", tree() / "tmp/link");
+  // So many that the decoding takes far longer than the exchange.
+  Classes classes;
+  for (int i = 0; i < 5'000; ++i) classes.push_back(sampleClasses().front());
+  const fs::path archive = write("tmp/p/Documents/classes", encodeKeyedArchive(classes));
+  const FileDescriptor events(::inotify_init1(IN_CLOEXEC));
+  ASSERT_GE(::inotify_add_watch(events.get(), archive.c_str(), IN_CLOSE_NOWRITE), 0);
+  std::thread agent([&] {
+    std::array<char, 4096> event{};
+    EXPECT_GT(::read(events.get(), event.data(), event.size()), 0);
+    exchange(tree() / "tmp/p", tree() / "tmp/link");
+  });
+  EXPECT_EQ(dump("/tmp/p/Documents/classes").size(), classes.size());
+  agent.join();
+  EXPECT_TRUE(fs::exists(tree() / "var/mobile/Documents/kept"));
+  EXPECT_FALSE(fs::exists(tree() / "tmp/link/Documents"));
+}
+
 TEST_F(RemoteDumpTest, KnowsTheFoldersOfTheDeviceItself) {
   DeviceRoot::setShared(DeviceRoot());
   const auto isRefused = [&](const std::string& archive) {
     try {
-      removeDumpFolder(tree() / archive, appDir());
+      DumpFolder(tree() / archive).remove(appDir());
       return false;
     } catch (const std::system_error&) {
       return true;

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <signal.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -128,10 +129,9 @@ TEST_F(TessaloopClientTest, EndsWithoutALaunch) {
 TEST_F(TessaloopClientTest, LateAnswersConcernNoOtherRequest) {
   const std::string app = kApp;
   const StandIns standIns(
-      "<key>launchDelay</key><real>0.2</real><key>launchErrors</key><dict><key>" + app +
+      "<key>launchDelay</key><real>2</real><key>launchErrors</key><dict><key>" + app +
       "</key><string>Late</string></dict><key>launchAnswers</key><dict><key>" + app +
       "</key><integer>2</integer><key>" + kSilentApp + "</key><integer>0</integer></dict>");
-  const std::string notes = tree() / "options.plist";
   TessaloopClient client(quick());
   {
     RunningRequest refused(client, app);
@@ -245,9 +245,12 @@ TEST_F(TessaloopClientTest, OnlyACancelOrARequestEndsTheWaitForAKilledAgent) {
   const auto agent = [] { return SystemService::pidForApplication(kApp); };
   // Waits until another agent than `former` is in the middle of its dump, and gives its pid.
   const auto begin = [&](const RunningRequest& request, pid_t former) {
-    EXPECT_TRUE(becomesTrue(
-        [&] { return !request.fractions().empty() && agent().value_or(former) != former; }));
-    return agent().value_or(-1);
+    pid_t pid = -1;
+    EXPECT_TRUE(becomesTrue([&] {
+      pid = agent().value_or(former);
+      return !request.fractions().empty() && pid != former;
+    }));
+    return pid;
   };
   // Not 0 or below, which are groups of processes.
   const auto signal = [](pid_t pid, int number) { return pid > 0 ? ::kill(pid, number) : 1; };

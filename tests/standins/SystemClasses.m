@@ -152,6 +152,8 @@ static pid_t startProgram(NSString *app, NSDictionary *options) {
 @interface Launch : NSObject {
 @public
   NSString *app;
+  // As it was at the launch: the test may be over when it is answered.
+  NSDictionary *answers;
   ResultBlock *block;
   pid_t pid;
 }
@@ -160,10 +162,10 @@ static pid_t startProgram(NSString *app, NSDictionary *options) {
 @implementation Launch
 - (void)dealloc {
   [app release];
+  [answers release];
   [super dealloc];
 }
 - (void)answer {
-  NSDictionary *answers = script();
   NSString *text = [[answers objectForKey:@"launchErrors"] objectForKey:app];
   NSNumber *times = [[answers objectForKey:@"launchAnswers"] objectForKey:app];
   NSNumber *delay = [answers objectForKey:@"launchDelay"];
@@ -207,6 +209,7 @@ static void *follow(void *launch) {
   if (notes) [options writeToFile:notes atomically:YES];
   Launch *launch = [Launch new];
   launch->app = [bundleID copy];
+  launch->answers = [answers retain];
   launch->block = _Block_copy(result);
   launch->pid = [[answers objectForKey:@"launchErrors"] objectForKey:bundleID] ? -1 : startProgram(bundleID, options);
   if (launch->pid > 0) {

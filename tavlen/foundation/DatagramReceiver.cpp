@@ -9,50 +9,46 @@
 #include <array>
 #include <cerrno>
 #include <string>
-#include <system_error>
 #include <tuple>
 #include <utility>
 
 #include "tavlen/foundation/Interruption.h"
+#include "tavlen/foundation/SystemError.h"
 
 namespace tavlen {
 
 namespace {
 
-[[noreturn]] void fail(const std::string& call) {
-  throw std::system_error(errno, std::generic_category(), call);
-}
-
 #ifdef __linux__
 
 FileDescriptor makeSocket() {
   FileDescriptor made(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0));
-  if (made.get() < 0) fail("socket");
+  if (made.get() < 0) throwSystemError("socket");
   return made;
 }
 
 std::pair<FileDescriptor, FileDescriptor> makePipe() {
   std::array<int, 2> ends{};
-  if (::pipe2(ends.data(), O_CLOEXEC | O_NONBLOCK) != 0) fail("pipe2");
+  if (::pipe2(ends.data(), O_CLOEXEC | O_NONBLOCK) != 0) throwSystemError("pipe2");
   return {FileDescriptor(ends[0]), FileDescriptor(ends[1])};
 }
 
 #else
 
 void closeOnExec(const FileDescriptor& descriptor) {
-  if (::fcntl(descriptor.get(), F_SETFD, FD_CLOEXEC) != 0) fail("fcntl");
+  if (::fcntl(descriptor.get(), F_SETFD, FD_CLOEXEC) != 0) throwSystemError("fcntl");
 }
 
 FileDescriptor makeSocket() {
   FileDescriptor made(::socket(AF_INET, SOCK_DGRAM, 0));
-  if (made.get() < 0) fail("socket");
+  if (made.get() < 0) throwSystemError("socket");
   closeOnExec(made);
   return made;
 }
 
 std::pair<FileDescriptor, FileDescriptor> makePipe() {
   std::array<int, 2> ends{};
-  if (::pipe(ends.data()) != 0) fail("pipe");
+  if (::pipe(ends.data()) != 0) throwSystemError("pipe");
   std::pair<FileDescriptor, FileDescriptor> made(ends[0], ends[1]);
   closeOnExec(made.first);
   closeOnExec(made.second);
@@ -69,8 +65,10 @@ std::uint16_t bindPort(const FileDescriptor& socket, std::uint16_t port) {
   address.sin_port = htons(port);
   socklen_t size = sizeof(address);
   auto* const general = reinterpret_cast<sockaddr*>(&address);
-  if (::bind(socket.get(), general, size) != 0) fail("bind to UDP port " + std::to_string(port));
-  if (::getsockname(socket.get(), general, &size) != 0) fail("getsockname");
+  if (::bind(socket.get(), general, size) != 0) {
+    throwSystemError("bind to UDP port " + std::to_string(port));
+  }
+  if (::getsockname(socket.get(), general, &size) != 0) throwSystemError("getsockname");
   return ntohs(address.sin_port);
 }
 

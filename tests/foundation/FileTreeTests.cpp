@@ -17,6 +17,7 @@
 #include "tavlen/foundation/FileReplacement.h"
 #include "tavlen/foundation/FileSystem.h"
 #include "tavlen/foundation/TemporaryDirectory.h"
+#include "tavlen/foundation/TreeRemoval.h"
 
 namespace tavlen {
 namespace {
@@ -165,19 +166,25 @@ TEST_F(FileTreeTest, RemovesTreesThatNoPathReachesAndClosedFolders) {
 TEST_F(FileTreeTest, RemovalFollowsNoLinkThatIsSwappedIn) {
   folder_.write("kept/file", "");
   folder_.write("kept/inner/file", "");
+  fs::create_directory_symlink(path("kept"), path("link"));
+  EXPECT_LT(openForRemoval(AT_FDCWD, path("link")).get(), 0);
+  removeItem(path("link"));
   for (int round = 0; round < 20; ++round) {
     for (int sibling = 0; sibling < 20; ++sibling) {
       folder_.write("swapped/x/y/inner/file" + std::to_string(sibling), "");
     }
     fs::create_directory_symlink(path("kept"), path("link"));
+    std::atomic<bool> hasBegun = false;
     std::atomic<bool> hasEnded = false;
     std::thread swapper([&] {
       const std::string inner = path("swapped/x/y");
       const std::string link = path("link");
       while (!hasEnded) {
         ::renameat2(AT_FDCWD, inner.c_str(), AT_FDCWD, link.c_str(), RENAME_EXCHANGE);
+        hasBegun = true;
       }
     });
+    while (!hasBegun) std::this_thread::yield();
     try {
       removeItem(path("swapped"));
     } catch (const std::system_error&) {

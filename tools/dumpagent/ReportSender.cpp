@@ -5,28 +5,21 @@
 
 #include <cerrno>
 #include <string>
-#include <system_error>
+
+#include "tavlen/foundation/SystemError.h"
 
 namespace tavlen::dumpagent {
 
-namespace {
-
-[[noreturn]] void fail(const char* call) {
-  throw std::system_error(errno, std::generic_category(), call);
-}
-
-}  // namespace
-
 ReportSender::ReportSender(std::uint16_t port)
     : socket_(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0)) {
-  if (socket_.get() < 0) fail("socket");
+  if (socket_.get() < 0) throwSystemError("socket");
   sockaddr_in address{};
   address.sin_family = AF_INET;
   address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
   address.sin_port = htons(port);
   // Connected, so that it hears when nobody listens.
   if (::connect(socket_.get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0) {
-    fail("connect");
+    throwSystemError("connect");
   }
 }
 

@@ -62,7 +62,8 @@ bool TypeScanner::skip(char expected) {
 
 std::string_view TypeScanner::skipQualifiers() {
   const std::size_t begin = position_;
-  while (!isAtEnd() && kTypeQualifiers.find(text_[position_]) != std::string_view::npos) ++position_;
+  while (!isAtEnd() && kTypeQualifiers.find(text_[position_]) != std::string_view::npos)
+    ++position_;
   return text_.substr(begin, position_ - begin);
 }
 

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-
 #include "tavlen/foundation/JSONDecoder.h"
 #include "tavlen/foundation/JSONEncoder.h"
 

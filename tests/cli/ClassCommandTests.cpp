@@ -115,7 +115,7 @@ TEST_F(ClassCommandTest, AHookTakesItsTypesFromTheImage) {
   EXPECT_EQ(manifest(), before);
 }
 
-TEST_F(ClassCommandTest, SaysWhyThereAreNoClassesOnTheDocumentedPort) {
+TEST_F(ClassCommandTest, SaysWhyThereAreNoClassesOnTheAgentPort) {
   write("text.so", "no library");
   writeApp();
   struct Row {
@@ -150,7 +150,7 @@ TEST_F(ClassCommandTest, SaysWhyThereAreNoClassesOnTheDocumentedPort) {
   EXPECT_EQ(run({"classes", "image.so", "--parser", "static"}).status, 2);
 }
 
-TEST_F(ClassCommandTest, AsksAnAppOnTheDocumentedPort) {
+TEST_F(ClassCommandTest, AsksAnAppOnTheAgentPort) {
   writeApp();
   setEnvironment(service("<key>com.example.notes</key><string>" TAVLEN_DUMP_AGENT "</string>"));
   const Result methods = run({"methods", "DumpedProbe", "--in", kImage, "--parser", "remote"});
@@ -158,7 +158,7 @@ TEST_F(ClassCommandTest, AsksAnAppOnTheDocumentedPort) {
   EXPECT_THAT(methods.out, HasSubstr("-\u00A0 (int)add:(int) to:(int)\n"));
 }
 
-TEST_F(ClassCommandTest, AnInterruptEndsARequestOnTheDocumentedPort) {
+TEST_F(ClassCommandTest, AnInterruptEndsARequestOnTheAgentPort) {
   writeApp();
   RunningCommand dump({"classes", (folder() / kImage).string(), "--parser", "remote"}, service(""));
   const auto last = std::chrono::steady_clock::now() + kLimit;

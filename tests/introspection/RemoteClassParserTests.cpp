@@ -161,7 +161,7 @@ TEST_F(RemoteClassParserTest, LeavesNothingAfterManyRequests) {
   EXPECT_EQ(archiveFolders(), 0);
 }
 
-TEST_F(RemoteClassParserTest, WaitsTheDocumentedPauseAtTheDocumentedPort) {
+TEST_F(RemoteClassParserTest, PausesAndListensAtTheAgentPort) {
   try {
     const DatagramReceiver own(TessaloopDatagram::kPort);
   } catch (const std::system_error& error) {

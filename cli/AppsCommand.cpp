@@ -1,4 +1,3 @@
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <compare>
 #include <exception>
@@ -99,21 +98,18 @@ std::string table(const std::vector<Row>& rows) {
 
 }  // namespace
 
-void addAppsCommand(CLI::App& app, Action& action) {
-  auto* command = app.add_subcommand("apps", "List the apps that tweaks can be made for");
+void addAppsCommand(Command app) {
+  Command command = app.addCommand("apps", "List the apps that tweaks can be made for");
   const auto json = std::make_shared<bool>(false);
-  command->add_flag("--json", *json, "Print a JSON array");
-  command->callback([json, &action] {
-    action = [json] {
-      std::vector<Row> rows = readRows();
-      sortByName(rows);
-      if (!*json && rows.empty())
-        printMessage("tavlen: no apps in the device root " +
-                     oneLine(DeviceRoot::shared().url().native()) +
-                     "; --root names a device tree\n");
-      if (*json || !rows.empty()) printData(*json ? encodeJSON(rows) + "\n" : table(rows));
-      return 0;
-    };
+  command.flag("--json", *json, "Print a JSON array");
+  command.run([json] {
+    std::vector<Row> rows = readRows();
+    sortByName(rows);
+    if (!*json && rows.empty())
+      printMessage("tavlen: no apps in the device root " +
+                   oneLine(DeviceRoot::shared().url().native()) + "; --root names a device tree\n");
+    if (*json || !rows.empty()) printData(*json ? encodeJSON(rows) + "\n" : table(rows));
+    return 0;
   });
 }
 

@@ -1,10 +1,8 @@
-#include <CLI/CLI.hpp>
 #include <filesystem>
 #include <memory>
 #include <string>
 #include <system_error>
 
-#include "cli/ArgumentChecks.h"
 #include "cli/Commands.h"
 #include "cli/Console.h"
 #include "cli/StoredItem.h"
@@ -48,18 +46,18 @@ int build(const Options& options) {
 
 }  // namespace
 
-void addBuildCommand(CLI::App& app, Action& action) {
-  auto* command = app.add_subcommand("build", "Turn a tweak into code and a source map");
+void addBuildCommand(Command app) {
+  Command command = app.addCommand("build", "Turn a tweak into code and a source map");
   const auto options = std::make_shared<Options>();
-  command->add_option("TWEAK", options->tweak, kTweakHelp)->required()->check(notEmpty());
+  command.text("TWEAK", options->tweak, kTweakHelp).required().notEmpty();
   command
-      ->add_option(
+      .text(
           "-o,--output", options->output,
           "The folder that code.js and code.js.map are written to; without it the code is printed")
-      ->type_name("DIR")
-      ->check(notEmpty());
-  addTranspilerOption(*command, options->transpiler);
-  command->callback([options, &action] { action = [options] { return build(*options); }; });
+      .typeName("DIR")
+      .notEmpty();
+  addTranspilerOption(command, options->transpiler);
+  command.run([options] { return build(*options); });
 }
 
 }  // namespace tavlen::cli

@@ -1,15 +1,12 @@
-#include <CLI/CLI.hpp>
 #include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "cli/ArgumentChecks.h"
 #include "cli/Commands.h"
 #include "cli/Console.h"
 #include "cli/ErrorReport.h"
-#include "cli/PlainArguments.h"
 #include "cli/Transpilation.h"
 #include "cli/TranspilerOption.h"
 #include "cli/TweakArgument.h"
@@ -45,23 +42,20 @@ std::optional<std::string> verdictOf(const std::string& argument,
 
 }  // namespace
 
-void addCheckCommand(CLI::App& app, Action& action) {
-  auto* command = app.add_subcommand("check", "Say what is wrong with tweaks, and where");
+void addCheckCommand(Command app) {
+  Command command = app.addCommand("check", "Say what is wrong with tweaks, and where");
   const auto tweaks = std::make_shared<std::vector<std::string>>();
   const auto transpiler = std::make_shared<std::string>();
-  addPlainArguments(*command, "TWEAK", *tweaks, "The tweaks: their identifiers, names or paths")
-      ->check(notEmpty());
-  addTranspilerOption(*command, *transpiler);
-  command->callback([tweaks, transpiler, &action] {
-    action = [tweaks, transpiler] {
-      bool allBuild = true;
-      for (const std::string& tweak : *tweaks) {
-        const auto verdict = verdictOf(tweak, transpilerFolder(*transpiler));
-        if (verdict) printData(oneLine(tweak) + ": " + *verdict + "\n");
-        allBuild = allBuild && verdict.has_value();
-      }
-      return allBuild ? 0 : 1;
-    };
+  command.texts("TWEAK", *tweaks, "The tweaks: their identifiers, names or paths").notEmpty();
+  addTranspilerOption(command, *transpiler);
+  command.run([tweaks, transpiler] {
+    bool allBuild = true;
+    for (const std::string& tweak : *tweaks) {
+      const auto verdict = verdictOf(tweak, transpilerFolder(*transpiler));
+      if (verdict) printData(oneLine(tweak) + ": " + *verdict + "\n");
+      allBuild = allBuild && verdict.has_value();
+    }
+    return allBuild ? 0 : 1;
   });
 }
 

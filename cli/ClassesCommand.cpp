@@ -1,11 +1,9 @@
 #include <fnmatch.h>
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <memory>
 #include <string>
 
-#include "cli/ArgumentChecks.h"
 #include "cli/ClassDump.h"
 #include "cli/Commands.h"
 #include "cli/Console.h"
@@ -40,17 +38,17 @@ int listClasses(const Options& options) {
 
 }  // namespace
 
-void addClassesCommand(CLI::App& app, Action& action) {
-  auto* command = app.add_subcommand("classes", "List the Objective-C classes of an image");
+void addClassesCommand(Command app) {
+  Command command = app.addCommand("classes", "List the Objective-C classes of an image");
   const auto options = std::make_shared<Options>();
-  addImageArgument(*command, "IMAGE", options->image).image->required();
+  addImageArgument(command, "IMAGE", options->image).image.required();
   command
-      ->add_option("--match", options->pattern,
-                   "Only the classes whose name fits the pattern, as shells match files")
-      ->check(notEmpty())
-      ->type_name("PATTERN");
-  command->add_flag("--json", options->json, "Print a JSON array of the classes, methods included");
-  command->callback([options, &action] { action = [options] { return listClasses(*options); }; });
+      .text("--match", options->pattern,
+            "Only the classes whose name fits the pattern, as shells match files")
+      .notEmpty()
+      .typeName("PATTERN");
+  command.flag("--json", options->json, "Print a JSON array of the classes, methods included");
+  command.run([options] { return listClasses(*options); });
 }
 
 }  // namespace tavlen::cli

@@ -1,4 +1,3 @@
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <exception>
 #include <filesystem>
@@ -11,12 +10,10 @@
 #include <system_error>
 #include <vector>
 
-#include "cli/ArgumentChecks.h"
 #include "cli/CollectionArgument.h"
 #include "cli/Commands.h"
 #include "cli/Console.h"
 #include "cli/ItemCreation.h"
-#include "cli/PlainArguments.h"
 #include "cli/StoredItem.h"
 #include "cli/TextTable.h"
 #include "tavlen/collections/TweakCollection.h"
@@ -128,41 +125,35 @@ int list(const ListOptions& options) {
   return 0;
 }
 
-void addEdit(CLI::App& collection, Action& action, const char* name, const char* description,
-             const char* tweakHelp, void (*change)(Manifest&, const std::string&)) {
-  auto* command = collection.add_subcommand(name, description);
+void addEdit(Command collection, const char* name, const char* description, const char* tweakHelp,
+             void (*change)(Manifest&, const std::string&)) {
+  Command command = collection.addCommand(name, description);
   const auto options = std::make_shared<MemberOptions>();
-  command->add_option("COLLECTION", options->collection, kCollectionHelp)
-      ->required()
-      ->check(notEmpty());
-  addPlainArguments(*command, "TWEAK", options->tweaks, tweakHelp)->check(notEmpty());
-  command->callback([options, change, &action] {
-    action = [options, change] { return edit(*options, change); };
-  });
+  command.text("COLLECTION", options->collection, kCollectionHelp).required().notEmpty();
+  command.texts("TWEAK", options->tweaks, tweakHelp).notEmpty();
+  command.run([options, change] { return edit(*options, change); });
 }
 
-void addList(CLI::App& collection, Action& action) {
-  auto* command = collection.add_subcommand("list", "List a collection's members in their order");
+void addList(Command collection) {
+  Command command = collection.addCommand("list", "List a collection's members in their order");
   const auto options = std::make_shared<ListOptions>();
-  command->add_option("COLLECTION", options->collection, kCollectionHelp)
-      ->required()
-      ->check(notEmpty());
-  command->add_flag("--json", options->json, "Print a JSON array");
-  command->callback([options, &action] { action = [options] { return list(*options); }; });
+  command.text("COLLECTION", options->collection, kCollectionHelp).required().notEmpty();
+  command.flag("--json", options->json, "Print a JSON array");
+  command.run([options] { return list(*options); });
 }
 
 }  // namespace
 
-void addCollectionCommand(CLI::App& app, Action& action) {
-  auto* command = app.add_subcommand("collection", "Make collections of tweaks and edit them");
-  command->require_subcommand(1);
-  addItemCreation(*command, action, "collection", TweakCollection::create);
-  addEdit(*command, action, "add", "Add tweaks of the same app to a collection, at its end",
-          kTweakHelp, addMember);
-  addEdit(*command, action, "remove", "Take tweaks out of a collection; the tweaks stay stored",
+void addCollectionCommand(Command app) {
+  Command command = app.addCommand("collection", "Make collections of tweaks and edit them");
+  command.requireCommand();
+  addItemCreation(command, "collection", TweakCollection::create);
+  addEdit(command, "add", "Add tweaks of the same app to a collection, at its end", kTweakHelp,
+          addMember);
+  addEdit(command, "remove", "Take tweaks out of a collection; the tweaks stay stored",
           "The tweak: its identifier, which may be a missing one's, its name, or its path",
           removeMember);
-  addList(*command, action);
+  addList(command);
 }
 
 }  // namespace tavlen::cli

@@ -1,4 +1,3 @@
-#include <CLI/CLI.hpp>
 #include <filesystem>
 #include <memory>
 #include <set>
@@ -6,7 +5,6 @@
 #include <string>
 
 #include "cli/AppArgument.h"
-#include "cli/ArgumentChecks.h"
 #include "cli/Commands.h"
 #include "cli/Console.h"
 #include "tavlen/device/FileOperations.h"
@@ -47,17 +45,15 @@ int copyLogs(const std::string& app, const std::filesystem::path& directory) {
 
 }  // namespace
 
-void addCrashLogsCommand(CLI::App& app, Action& action) {
-  auto* command = app.add_subcommand("crash-logs", "Copy the crash logs of an app into a folder");
+void addCrashLogsCommand(Command app) {
+  Command command = app.addCommand("crash-logs", "Copy the crash logs of an app into a folder");
   const auto name = std::make_shared<std::string>();
   const auto directory = std::make_shared<std::string>();
-  command->add_option("APP", *name, kAppHelp)->required()->check(notEmpty());
-  command->add_option("DIR", *directory, "An existing folder; no file in it is replaced")
-      ->required()
-      ->check(notEmpty());
-  command->callback([name, directory, &action] {
-    action = [name, directory] { return copyLogs(*name, *directory); };
-  });
+  command.text("APP", *name, kAppHelp).required().notEmpty();
+  command.text("DIR", *directory, "An existing folder; no file in it is replaced")
+      .required()
+      .notEmpty();
+  command.run([name, directory] { return copyLogs(*name, *directory); });
 }
 
 }  // namespace tavlen::cli

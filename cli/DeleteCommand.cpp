@@ -1,4 +1,3 @@
-#include <CLI/CLI.hpp>
 #include <filesystem>
 #include <memory>
 #include <stdexcept>
@@ -6,7 +5,6 @@
 #include <system_error>
 
 #include "cli/ActiveTweak.h"
-#include "cli/ArgumentChecks.h"
 #include "cli/Commands.h"
 #include "cli/Console.h"
 #include "cli/StoredItem.h"
@@ -40,12 +38,12 @@ int deleteItem(const std::string& name) {
 
 }  // namespace
 
-void addDeleteCommand(CLI::App& app, Action& action) {
-  auto* command =
-      app.add_subcommand("delete", "Uninstall a stored tweak or collection and delete it");
+void addDeleteCommand(Command app) {
+  Command command =
+      app.addCommand("delete", "Uninstall a stored tweak or collection and delete it");
   const auto name = std::make_shared<std::string>();
-  command->add_option("ITEM", *name, kItemHelp)->required()->check(notEmpty());
-  command->callback([name, &action] { action = [name] { return deleteItem(*name); }; });
+  command.text("ITEM", *name, kItemHelp).required().notEmpty();
+  command.run([name] { return deleteItem(*name); });
 }
 
 }  // namespace tavlen::cli

@@ -1,11 +1,9 @@
-#include <CLI/CLI.hpp>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "cli/AppArgument.h"
-#include "cli/ArgumentChecks.h"
 #include "cli/Commands.h"
 #include "cli/Console.h"
 #include "cli/TextTable.h"
@@ -55,19 +53,17 @@ std::string table(const std::vector<Row>& rows) {
 
 }  // namespace
 
-void addExecutablesCommand(CLI::App& app, Action& action) {
-  auto* command = app.add_subcommand("executables", "List the Mach-O images of an app");
+void addExecutablesCommand(Command app) {
+  Command command = app.addCommand("executables", "List the Mach-O images of an app");
   const auto name = std::make_shared<std::string>();
   const auto json = std::make_shared<bool>(false);
-  command->add_option("APP", *name, kAppHelp)->required()->check(notEmpty());
-  command->add_flag("--json", *json, "Print a JSON array");
-  command->callback([name, json, &action] {
-    action = [name, json] {
-      const std::shared_ptr<IPA> ipa = appArgument(*name);
-      const std::vector<Row> rows = namingInfo(*ipa, [&] { return rowsOf(*ipa); });
-      printData(*json ? encodeJSON(rows) + "\n" : table(rows));
-      return 0;
-    };
+  command.text("APP", *name, kAppHelp).required().notEmpty();
+  command.flag("--json", *json, "Print a JSON array");
+  command.run([name, json] {
+    const std::shared_ptr<IPA> ipa = appArgument(*name);
+    const std::vector<Row> rows = namingInfo(*ipa, [&] { return rowsOf(*ipa); });
+    printData(*json ? encodeJSON(rows) + "\n" : table(rows));
+    return 0;
   });
 }
 

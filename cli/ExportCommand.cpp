@@ -1,4 +1,3 @@
-#include <CLI/CLI.hpp>
 #include <cerrno>
 #include <filesystem>
 #include <memory>
@@ -7,7 +6,6 @@
 #include <system_error>
 #include <utility>
 
-#include "cli/ArgumentChecks.h"
 #include "cli/CollectionArgument.h"
 #include "cli/Commands.h"
 #include "cli/Console.h"
@@ -108,19 +106,19 @@ int exportItem(const Options& options) {
 
 }  // namespace
 
-void addExportCommand(CLI::App& app, Action& action) {
-  auto* command = app.add_subcommand(
+void addExportCommand(Command app) {
+  Command command = app.addCommand(
       "export", "Write a stored tweak or collection to an archive and print the archive's path");
   const auto options = std::make_shared<Options>();
-  command->add_option("ITEM", options->item, kItemHelp)->required()->check(notEmpty());
+  command.text("ITEM", options->item, kItemHelp).required().notEmpty();
   command
-      ->add_option("-o,--output", options->output,
-                   "The archive, or the folder for it, where it is named after the item; without "
-                   "it, that is the current folder")
-      ->type_name("FILE|DIR")
-      ->check(notEmpty());
-  command->add_flag("-f,--force", options->force, "Replace a file that is there already");
-  command->callback([options, &action] { action = [options] { return exportItem(*options); }; });
+      .text("-o,--output", options->output,
+            "The archive, or the folder for it, where it is named after the item; without "
+            "it, that is the current folder")
+      .typeName("FILE|DIR")
+      .notEmpty();
+  command.flag("-f,--force", options->force, "Replace a file that is there already");
+  command.run([options] { return exportItem(*options); });
 }
 
 }  // namespace tavlen::cli

@@ -1,9 +1,7 @@
 #include "cli/HookArgument.h"
 
-#include <CLI/CLI.hpp>
 #include <stdexcept>
 
-#include "cli/ArgumentChecks.h"
 #include "tavlen/tweaks/Manifest.h"
 
 namespace tavlen::cli {
@@ -12,13 +10,12 @@ namespace {
 
 constexpr const char* kInstanceMethodBegin = "-[";
 
-/// The parser takes "-[Class selector]" for the option "-[" with its value behind it.
-std::string withPrefix(std::string& text) {
+/// The parser takes "-[Class selector]" for the option "-[" and its value after it.
+void restorePrefix(std::string& text) {
   // A method has a blank inside; a name that ends in "]" may have none.
   if (text.ends_with(']') && text.find('[') == std::string::npos &&
       text.find(' ') != std::string::npos)
     text = kInstanceMethodBegin + text;
-  return "";
 }
 
 }  // namespace
@@ -43,13 +40,13 @@ std::optional<MethodIdentity> methodNamed(std::string_view text) {
                         isClassMethod};
 }
 
-void addHookArgument(CLI::App& command, std::string& text) {
+void addHookArgument(Command command, std::string& text) {
   command
-      .add_option(std::string(kInstanceMethodBegin) + ",--hook,HOOK", text,
-                  "The hook: '-[Class selector]', '+[Class selector]', or the name it was given")
-      ->required()
-      ->check(notEmpty())
-      ->transform(CLI::Validator(withPrefix, ""));
+      .text((std::string(kInstanceMethodBegin) + ",--hook,HOOK").c_str(), text,
+            "The hook: '-[Class selector]', '+[Class selector]', or the name it was given")
+      .required()
+      .notEmpty()
+      .transform(restorePrefix);
 }
 
 HookManager hookArgument(const std::shared_ptr<TweakFile>& tweak, const std::string& text) {

@@ -5,11 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "cli/CommandLine.h"
 #include "tavlen/parameters/HookManager.h"
-
-namespace CLI {
-class App;
-}
 
 namespace tavlen::cli {
 
@@ -20,7 +17,7 @@ std::string methodText(const MethodIdentity& identity);
 std::optional<MethodIdentity> methodNamed(std::string_view text);
 
 /// Adds the argument HOOK, as hookArgument() takes it.
-void addHookArgument(CLI::App& command, std::string& text);
+void addHookArgument(Command command, std::string& text);
 
 /// The editor of the hook that a user names: by its method, as methodText() gives it, or by the
 /// hook's own name, which must then be the only one. Throws HookManager::Error::hookNotFound, what

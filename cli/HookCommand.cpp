@@ -1,4 +1,3 @@
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <functional>
 #include <memory>
@@ -8,7 +7,6 @@
 #include <string>
 #include <vector>
 
-#include "cli/ArgumentChecks.h"
 #include "cli/ClassDump.h"
 #include "cli/Commands.h"
 #include "cli/Console.h"
@@ -59,12 +57,8 @@ void requireFree(const HookManager& manager) {
   if (isTaken) throw std::runtime_error("the tweak hooks that method already");
 }
 
-CLI::Validator isMethod() {
-  return {[](const std::string& text) {
-            return methodNamed(text) ? std::string()
-                                     : "not '-[Class selector]' or '+[Class selector]': " + text;
-          },
-          ""};
+std::string methodProblem(const std::string& text) {
+  return methodNamed(text) ? "" : "not '-[Class selector]' or '+[Class selector]': " + text;
 }
 
 /// The hook of a method that the image has, with the types that it has there.
@@ -150,84 +144,101 @@ void listHooks(const Options& options) {
   if (!hooks.empty()) printData(table(hooks));
 }
 
-/// A subcommand of `hook`, with the options that all have.
-CLI::App* addTo(CLI::App& group, Action& action, const char* name, const char* help,
-                const std::shared_ptr<Options>& options, void (*run)(const Options&)) {
-  CLI::App* command = group.add_subcommand(name, help);
-  command->add_option("TWEAK", options->tweak, kTweakHelp)->required()->check(notEmpty());
-  command->callback([options, run, &action] {
-    action = [options, run] {
-      run(*options);
-      return 0;
-    };
-  });
+using SharedOptions = std::shared_ptr<Options>;
+
+/// A subcommand of `hook`, with the argument that all have.
+Command addTo(Command group, const char* name, const char* help, const SharedOptions& options) {
+  Command command = group.addCommand(name, help);
+  command.text("TWEAK", options->tweak, kTweakHelp).required().notEmpty();
   return command;
 }
 
-CLI::Option* addText(CLI::App& command, const char* name, std::optional<std::string>& text,
-                     const char* help) {
-  return command.add_option(name, text, help)->check(notEmpty());
-}
-
-void addAdd(CLI::App& group, Action& action) {
-  const auto options = std::make_shared<Options>();
-  CLI::App& command = *addTo(group, action, "add", "Hook a method", options, addHook);
-  auto* cls = addText(command, "CLASS", options->className, "The method's class");
-  auto* selector = addText(command, "SELECTOR", options->selector, "The method's selector");
-  auto* signature = addText(command, "--signature", options->signature,
-                            "The method's type encoding, such as v24@0:8@16")
-                        ->type_name("TYPES");
-  auto* sign = command.add_flag("--class-method", options->isClassMethod, "It is a class method");
-  auto* method = addText(command, "--method", options->method,
-                         "Instead of these, a method that the image of --in has")
-                     ->check(isMethod())
-                     ->type_name("'-[CLASS SELECTOR]'");
-  for (CLI::Option* typed : {cls, selector, signature, sign}) method->excludes(typed);
-  const ImageOptions image = addImageArgument(command, "--in", options->image);
-  image.image->needs(method);
-  image.parser->needs(method);
-  method->needs(image.image);
-  addText(command, "--name", options->name, "A name to show for the hook")->type_name("NAME");
-  command.parse_complete_callback([=] {
-    if (!method->empty()) return;
-    for (const CLI::Option* typed : {cls, selector, signature}) {
-      if (typed->empty()) throw CLI::RequiredError(typed->get_name());
-    }
+void run(Command command, const SharedOptions& options, void (*edit)(const Options&)) {
+  command.run([options, edit] {
+    edit(*options);
+    return 0;
   });
 }
 
-void addSet(CLI::App& group, Action& action) {
+void addAdd(Command group) {
   const auto options = std::make_shared<Options>();
-  CLI::App& command =
-      *addTo(group, action, "set", "Change a hook; its parameters stay", options, setHook);
+  Command command = addTo(group, "add", "Hook a method", options);
+  const Option cls = command.text("CLASS", options->className, "The method's class").notEmpty();
+  const Option selector =
+      command.text("SELECTOR", options->selector, "The method's selector").notEmpty();
+  const Option signature =
+      command
+          .text("--signature", options->signature, "The method's type encoding, such as v24@0:8@16")
+          .notEmpty()
+          .typeName("TYPES");
+  const Option sign =
+      command.flag("--class-method", options->isClassMethod, "It is a class method");
+  Option method = command
+                      .text("--method", options->method,
+                            "Instead of these, a method that the image of --in has")
+                      .notEmpty()
+                      .check(methodProblem)
+                      .typeName("'-[CLASS SELECTOR]'");
+  for (const Option& typed : {cls, selector, signature, sign}) method.excludes(typed);
+  ImageOptions image = addImageArgument(command, "--in", options->image);
+  image.image.needs(method);
+  image.parser.needs(method);
+  method.needs(image.image);
+  command.text("--name", options->name, "A name to show for the hook").notEmpty().typeName("NAME");
+  command.prepare([=]() -> Action {
+    if (!method.isGiven()) {
+      for (const Option& typed : {cls, selector, signature}) typed.requireGiven();
+    }
+    return [options] {
+      addHook(*options);
+      return 0;
+    };
+  });
+}
+
+void addRemove(Command group) {
+  const auto options = std::make_shared<Options>();
+  const Command command = addTo(group, "remove", "Remove a hook and its parameters", options);
   addHookArgument(command, options->hook);
-  CLI::App& changes = *command.add_option_group("Changes");
-  changes.require_option(1, 0);
-  addText(changes, "--class", options->className, "Another class")->type_name("CLASS");
-  addText(changes, "--selector", options->selector, "Another selector")->type_name("SELECTOR");
-  addText(changes, "--signature", options->signature, "Another type encoding")->type_name("TYPES");
-  auto* isClass =
-      changes.add_flag("--class-method", options->isClassMethod, "Make it a class method");
-  changes.add_flag("--instance-method", options->isInstanceMethod, "Make it an instance method")
-      ->excludes(isClass);
-  auto* name = addText(changes, "--name", options->name, "A name to show")->type_name("NAME");
-  changes.add_flag("--no-name", options->hasNoName, "Show no name")->excludes(name);
+  run(command, options, removeHook);
+}
+
+void addList(Command group) {
+  const auto options = std::make_shared<Options>();
+  Command command = addTo(group, "list", "List the hooks", options);
+  command.flag("--json", options->json, "Print a JSON array, as the manifest holds it");
+  run(command, options, listHooks);
+}
+
+void addSet(Command group) {
+  const auto options = std::make_shared<Options>();
+  Command command = addTo(group, "set", "Change a hook; its parameters stay", options);
+  addHookArgument(command, options->hook);
+  Command changes = command.addGroup("Changes", "", 1, 0);
+  changes.text("--class", options->className, "Another class").notEmpty().typeName("CLASS");
+  changes.text("--selector", options->selector, "Another selector").notEmpty().typeName("SELECTOR");
+  changes.text("--signature", options->signature, "Another type encoding")
+      .notEmpty()
+      .typeName("TYPES");
+  const Option isClass =
+      changes.flag("--class-method", options->isClassMethod, "Make it a class method");
+  changes.flag("--instance-method", options->isInstanceMethod, "Make it an instance method")
+      .excludes(isClass);
+  const Option name =
+      changes.text("--name", options->name, "A name to show").notEmpty().typeName("NAME");
+  changes.flag("--no-name", options->hasNoName, "Show no name").excludes(name);
+  run(command, options, setHook);
 }
 
 }  // namespace
 
-void addHookCommand(CLI::App& app, Action& action) {
-  CLI::App& group = *app.add_subcommand("hook", "List and edit the hooks of a tweak");
-  group.require_subcommand(1);
-  addAdd(group, action);
-  const auto removal = std::make_shared<Options>();
-  addHookArgument(
-      *addTo(group, action, "remove", "Remove a hook and its parameters", removal, removeHook),
-      removal->hook);
-  const auto listing = std::make_shared<Options>();
-  addTo(group, action, "list", "List the hooks", listing, listHooks)
-      ->add_flag("--json", listing->json, "Print a JSON array, as the manifest holds it");
-  addSet(group, action);
+void addHookCommand(Command app) {
+  Command group = app.addCommand("hook", "List and edit the hooks of a tweak");
+  group.requireCommand();
+  addAdd(group);
+  addRemove(group);
+  addList(group);
+  addSet(group);
 }
 
 }  // namespace tavlen::cli

@@ -1,4 +1,3 @@
-#include <CLI/CLI.hpp>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -6,7 +5,6 @@
 #include <string>
 
 #include "cli/AppArgument.h"
-#include "cli/ArgumentChecks.h"
 #include "cli/Commands.h"
 #include "cli/Console.h"
 #include "tavlen/bundles/InfoManager.h"
@@ -37,46 +35,45 @@ std::string iconFile(const Options& options) {
   }
 }
 
+int writeIcon(const Options& options) {
+  const std::string file = iconFile(options);
+  if (options.output == "-") {
+    printData(file);
+  } else {
+    replaceFile(options.output, file);
+  }
+  return 0;
+}
+
 }  // namespace
 
-void addIconCommand(CLI::App& app, Action& action) {
-  auto* command = app.add_subcommand(
-      "icon", "Write an app's icon as a PNG file; set or clear the icon of a tweak");
+void addIconCommand(Command app) {
+  Command command =
+      app.addCommand("icon", "Write an app's icon as a PNG file; set or clear the icon of a tweak");
   const auto options = std::make_shared<Options>();
   // Both are required, but not where a subcommand follows.
-  auto* name = command->add_option("APP", options->app, kAppHelp)->check(notEmpty());
-  auto* output = command
-                     ->add_option("-o,--output", options->output,
-                                  "The file to write, - for the standard output")
-                     ->check(notEmpty())
-                     ->type_name("FILE");
-  command
-      ->add_option("--name", options->name, "The icon's name as in Info.plist; the largest without")
-      ->check(notEmpty())
-      ->type_name("NAME");
-  command->add_option("--size", options->size, "How many points the longer side gets")
-      ->type_name("POINTS");
-  addTweakIconCommands(*command, action);
-  command->callback([command, name, output, options, &action] {
-    if (!command->get_subcommands().empty()) {
+  const Option name = command.text("APP", options->app, kAppHelp).notEmpty();
+  const Option output =
+      command.text("-o,--output", options->output, "The file to write, - for the standard output")
+          .notEmpty()
+          .typeName("FILE");
+  command.text("--name", options->name, "The icon's name as in Info.plist; the largest without")
+      .notEmpty()
+      .typeName("NAME");
+  command.number("--size", options->size, "How many points the longer side gets")
+      .typeName("POINTS");
+  addTweakIconCommands(command);
+  command.prepare([command, name, output, options]() -> Action {
+    if (command.hasChosenCommand()) {
       // A word too many falls through to here.
-      if (*name || *output || options->name || options->size) {
-        throw CLI::ExtrasError({options->app + options->output + options->name.value_or("")});
+      if (name.isGiven() || output.isGiven() || options->name || options->size) {
+        refuseUnexpected(options->app + options->output + options->name.value_or(""));
       }
-      return;
+      return nullptr;
     }
-    for (const CLI::Option* option : {name, output}) {
-      if (option->count() == 0) throw CLI::RequiredError(option->get_name());
-    }
-    action = [options] {
-      const std::string file = iconFile(*options);
-      if (options->output == "-") {
-        printData(file);
-      } else {
-        replaceFile(options->output, file);
-      }
-      return 0;
-    };
+    name.requireGiven();
+    output.requireGiven();
+    return [options] { return writeIcon(*options); };
   });
 }
 

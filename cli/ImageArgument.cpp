@@ -1,6 +1,5 @@
 #include "cli/ImageArgument.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <exception>
 #include <filesystem>
@@ -8,7 +7,6 @@
 #include <system_error>
 
 #include "cli/AppArgument.h"
-#include "cli/ArgumentChecks.h"
 #include "tavlen/foundation/MachOHeader.h"
 #include "tavlen/foundation/RandomAccessFile.h"
 
@@ -58,19 +56,19 @@ NamedImage imageInBundle(const fs::path& file) {
 
 }  // namespace
 
-ImageOptions addImageArgument(CLI::App& command, const char* name, ImageArgument& argument) {
-  CLI::Option* image = command
-                           .add_option(name, argument.image,
-                                       "The image: a library's file, an app's bundle identifier or "
-                                       "its bundle folder")
-                           ->check(notEmpty())
-                           ->type_name("IMAGE|APP");
-  CLI::Option* parser =
+ImageOptions addImageArgument(Command command, const char* name, ImageArgument& argument) {
+  const Option image = command
+                           .text(name, argument.image,
+                                 "The image: a library's file, an app's bundle identifier or its "
+                                 "bundle folder")
+                           .notEmpty()
+                           .typeName("IMAGE|APP");
+  const Option parser =
       command
-          .add_option("--parser", argument.parser,
-                      "dynamic loads the image into this process, remote asks the app, relaunched")
-          ->check(CLI::IsMember({kDynamicParser, kRemoteParser}))
-          ->capture_default_str();
+          .text("--parser", argument.parser,
+                "dynamic loads the image into this process, remote asks the app, relaunched")
+          .oneOf({kDynamicParser, kRemoteParser})
+          .showsDefault();
   return {image, parser};
 }
 

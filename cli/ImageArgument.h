@@ -3,13 +3,9 @@
 #include <memory>
 #include <string>
 
+#include "cli/CommandLine.h"
 #include "tavlen/bundles/Executable.h"
 #include "tavlen/bundles/IPA.h"
-
-namespace CLI {
-class App;
-class Option;
-}  // namespace CLI
 
 namespace tavlen::cli {
 
@@ -24,13 +20,13 @@ struct ImageArgument {
 
 /// The options that addImageArgument() adds.
 struct ImageOptions {
-  CLI::Option* image;
-  CLI::Option* parser;
+  Option image;
+  Option parser;
 };
 
 /// Adds `name`, an argument or an option that takes the image, and `--parser`. Parsing stores them
 /// in `argument`, which must live as long as the command.
-ImageOptions addImageArgument(CLI::App& command, const char* name, ImageArgument& argument);
+ImageOptions addImageArgument(Command command, const char* name, ImageArgument& argument);
 
 /// An image, and the app that it belongs to, which it does not keep itself; null where it belongs
 /// to none.

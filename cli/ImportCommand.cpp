@@ -1,13 +1,10 @@
-#include <CLI/CLI.hpp>
 #include <exception>
 #include <memory>
 #include <string>
 #include <vector>
 
-#include "cli/ArgumentChecks.h"
 #include "cli/Commands.h"
 #include "cli/Console.h"
-#include "cli/PlainArguments.h"
 #include "cli/ProgressLine.h"
 #include "cli/StoredItem.h"
 #include "tavlen/collections/TweakCollection.h"
@@ -54,15 +51,14 @@ int import(const std::vector<std::string>& files) {
 
 }  // namespace
 
-void addImportCommand(CLI::App& app, Action& action) {
-  auto* command =
-      app.add_subcommand("import",
-                         "Take archives of tweaks and collections into the store and print the new "
-                         "identifiers");
+void addImportCommand(Command app) {
+  Command command =
+      app.addCommand("import",
+                     "Take archives of tweaks and collections into the store and print the new "
+                     "identifiers");
   const auto files = std::make_shared<std::vector<std::string>>();
-  addPlainArguments(*command, "FILE", *files, "The archives, as export writes them")
-      ->check(notEmpty());
-  command->callback([files, &action] { action = [files] { return import(*files); }; });
+  command.texts("FILE", *files, "The archives, as export writes them").notEmpty();
+  command.run([files] { return import(*files); });
 }
 
 }  // namespace tavlen::cli

@@ -1,11 +1,9 @@
-#include <CLI/CLI.hpp>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "cli/AppArgument.h"
-#include "cli/ArgumentChecks.h"
 #include "cli/Commands.h"
 #include "cli/Console.h"
 #include "tavlen/foundation/JSONEncoder.h"
@@ -91,18 +89,16 @@ std::string table(const Summary& summary) {
 
 }  // namespace
 
-void addInfoCommand(CLI::App& app, Action& action) {
-  auto* command = app.add_subcommand("info", "Print what an app's Info.plist says of it");
+void addInfoCommand(Command app) {
+  Command command = app.addCommand("info", "Print what an app's Info.plist says of it");
   const auto name = std::make_shared<std::string>();
   const auto json = std::make_shared<bool>(false);
-  command->add_option("APP", *name, kAppHelp)->required()->check(notEmpty());
-  command->add_flag("--json", *json, "Print a JSON object");
-  command->callback([name, json, &action] {
-    action = [name, json] {
-      const Summary summary = summaryOf(readInfo(*appArgument(*name)));
-      printData(*json ? encodeJSON(summary) + "\n" : table(summary));
-      return 0;
-    };
+  command.text("APP", *name, kAppHelp).required().notEmpty();
+  command.flag("--json", *json, "Print a JSON object");
+  command.run([name, json] {
+    const Summary summary = summaryOf(readInfo(*appArgument(*name)));
+    printData(*json ? encodeJSON(summary) + "\n" : table(summary));
+    return 0;
   });
 }
 

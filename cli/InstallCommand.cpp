@@ -1,4 +1,3 @@
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <filesystem>
 #include <memory>
@@ -6,7 +5,6 @@
 #include <vector>
 
 #include "cli/ActiveTweak.h"
-#include "cli/ArgumentChecks.h"
 #include "cli/Commands.h"
 #include "cli/Console.h"
 #include "cli/StoredItem.h"
@@ -71,14 +69,14 @@ int install(const Options& options) {
 
 }  // namespace
 
-void addInstallCommand(CLI::App& app, Action& action) {
-  auto* command =
-      app.add_subcommand("install", "Make a tweak or a collection the active one of its app");
+void addInstallCommand(Command app) {
+  Command command =
+      app.addCommand("install", "Make a tweak or a collection the active one of its app");
   const auto options = std::make_shared<Options>();
-  command->add_option("ITEM", options->item, kItemHelp)->required()->check(notEmpty());
-  command->add_flag("--executables", options->copyExecutables, "Install its executables, too");
-  addTranspilerOption(*command, options->transpiler);
-  command->callback([options, &action] { action = [options] { return install(*options); }; });
+  command.text("ITEM", options->item, kItemHelp).required().notEmpty();
+  command.flag("--executables", options->copyExecutables, "Install its executables, too");
+  addTranspilerOption(command, options->transpiler);
+  command.run([options] { return install(*options); });
 }
 
 }  // namespace tavlen::cli

@@ -1,13 +1,12 @@
 #include "cli/ItemCreation.h"
 
-#include <CLI/CLI.hpp>
 #include <utility>
 #include <vector>
 
 #include "cli/AppArgument.h"
-#include "cli/ArgumentChecks.h"
 #include "cli/Console.h"
 #include "cli/StoredItem.h"
+#include "cli/UsageError.h"
 #include "tavlen/tweaks/GlyphNames.h"
 
 namespace tavlen::cli {
@@ -31,25 +30,25 @@ TweakGlyph glyphNamed(const std::string& text) {
   if (isKnownGlyph(glyph)) return glyph;
   const auto suggestion = suggestedGlyph(glyph);
   if (suggestion && !hasStyle && suggestion->icon == glyph.icon) return *suggestion;
-  throw CLI::ValidationError(
-      "--glyph", "unknown glyph \"" + described(glyph) + "\"" +
-                     (suggestion ? "; did you mean " + described(*suggestion) + "?" : ""));
+  throw UsageError("--glyph",
+                   "unknown glyph \"" + described(glyph) + "\"" +
+                       (suggestion ? "; did you mean " + described(*suggestion) + "?" : ""));
 }
 
-void addLook(CLI::App& command, Options& options) {
+void addLook(Command command, Options& options) {
   const auto& colors = RawValues<TweakColor>::names;
   command
-      .add_option_function<std::string>(
+      .text(
           "--color",
           [&options](const std::string& name) { options.color = *fromRawValue<TweakColor>(name); },
           "The colour that it is shown in")
-      ->check(CLI::IsMember(std::vector<std::string>(colors.begin(), colors.end())))
-      ->type_name("COLOR");
+      .oneOf({colors.begin(), colors.end()})
+      .typeName("COLOR");
   command
-      .add_option_function<std::string>(
+      .text(
           "--glyph", [&options](const std::string& text) { options.glyph = glyphNamed(text); },
           "The icon that it is shown with, by the names of Font Awesome 5.15.4 Free")
-      ->type_name("ICON[/STYLE]");
+      .typeName("ICON[/STYLE]");
 }
 
 int create(const Options& options, const ItemFactory& make) {
@@ -64,21 +63,14 @@ int create(const Options& options, const ItemFactory& make) {
 
 }  // namespace
 
-void addItemCreation(CLI::App& group, Action& action, const std::string& kind, ItemFactory make) {
-  auto* command =
-      group.add_subcommand("new", "Make a new, empty " + kind + " and print its identifier");
+void addItemCreation(Command group, const std::string& kind, ItemFactory make) {
+  Command command =
+      group.addCommand("new", "Make a new, empty " + kind + " and print its identifier");
   const auto options = std::make_shared<Options>();
-  command->add_option("NAME", options->name, "The " + kind + "'s name")
-      ->required()
-      ->check(notEmpty() & validUTF8());
-  command->add_option("--app", options->app, kAppHelp)
-      ->required()
-      ->check(notEmpty() & validUTF8())
-      ->type_name("APP");
-  addLook(*command, *options);
-  command->callback([options, make = std::move(make), &action] {
-    action = [options, make] { return create(*options, make); };
-  });
+  command.text("NAME", options->name, "The " + kind + "'s name").required().notEmpty().utf8();
+  command.text("--app", options->app, kAppHelp).required().notEmpty().utf8().typeName("APP");
+  addLook(command, *options);
+  command.run([options, make = std::move(make)] { return create(*options, make); });
 }
 
 }  // namespace tavlen::cli

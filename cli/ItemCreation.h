@@ -22,6 +22,6 @@ using ItemFactory = std::function<std::shared_ptr<TweakProtocol>(
 /// Adds to `group` the subcommand `new NAME --app APP [--color COLOR] [--glyph ICON[/STYLE]]`,
 /// which makes an item, calls it created and prints its identifier. `kind` is what help calls it,
 /// "tweak". A glyph that is not known is wrong usage, with a suggestion.
-void addItemCreation(CLI::App& group, Action& action, const std::string& kind, ItemFactory make);
+void addItemCreation(Command group, const std::string& kind, ItemFactory make);
 
 }  // namespace tavlen::cli

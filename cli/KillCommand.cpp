@@ -1,10 +1,8 @@
-#include <CLI/CLI.hpp>
 #include <memory>
 #include <stdexcept>
 #include <string>
 
 #include "cli/AppArgument.h"
-#include "cli/ArgumentChecks.h"
 #include "cli/Commands.h"
 #include "cli/ProgramCheck.h"
 #include "tavlen/device/AppControl.h"
@@ -30,11 +28,11 @@ int kill(const std::string& app) {
 
 }  // namespace
 
-void addKillCommand(CLI::App& app, Action& action) {
-  auto* command = app.add_subcommand("kill", "End a running app");
+void addKillCommand(Command app) {
+  Command command = app.addCommand("kill", "End a running app");
   const auto name = std::make_shared<std::string>();
-  command->add_option("APP", *name, kAppHelp)->required()->check(notEmpty());
-  command->callback([name, &action] { action = [name] { return kill(*name); }; });
+  command.text("APP", *name, kAppHelp).required().notEmpty();
+  command.run([name] { return kill(*name); });
 }
 
 }  // namespace tavlen::cli

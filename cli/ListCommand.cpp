@@ -1,4 +1,3 @@
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <compare>
 #include <exception>
@@ -104,11 +103,11 @@ int list(bool json) {
 
 }  // namespace
 
-void addListCommand(CLI::App& app, Action& action) {
-  auto* command = app.add_subcommand("list", "List the stored tweaks and collections");
+void addListCommand(Command app) {
+  Command command = app.addCommand("list", "List the stored tweaks and collections");
   const auto json = std::make_shared<bool>(false);
-  command->add_flag("--json", *json, "Print a JSON array");
-  command->callback([json, &action] { action = [json] { return list(*json); }; });
+  command.flag("--json", *json, "Print a JSON array");
+  command.run([json] { return list(*json); });
 }
 
 }  // namespace tavlen::cli

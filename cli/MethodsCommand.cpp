@@ -1,8 +1,6 @@
-#include <CLI/CLI.hpp>
 #include <memory>
 #include <string>
 
-#include "cli/ArgumentChecks.h"
 #include "cli/ClassDump.h"
 #include "cli/Commands.h"
 #include "cli/Console.h"
@@ -33,15 +31,13 @@ int listMethods(const Options& options) {
 
 }  // namespace
 
-void addMethodsCommand(CLI::App& app, Action& action) {
-  auto* command = app.add_subcommand("methods", "List the methods that a class has of its own");
+void addMethodsCommand(Command app) {
+  Command command = app.addCommand("methods", "List the methods that a class has of its own");
   const auto options = std::make_shared<Options>();
-  command->add_option("CLASS", options->className, "The class's name")
-      ->required()
-      ->check(notEmpty());
-  addImageArgument(*command, "--in", options->image).image->required();
-  command->add_flag("--json", options->json, "Print a JSON array");
-  command->callback([options, &action] { action = [options] { return listMethods(*options); }; });
+  command.text("CLASS", options->className, "The class's name").required().notEmpty();
+  addImageArgument(command, "--in", options->image).image.required();
+  command.flag("--json", options->json, "Print a JSON array");
+  command.run([options] { return listMethods(*options); });
 }
 
 }  // namespace tavlen::cli

@@ -4,8 +4,6 @@
 
 namespace tavlen::cli {
 
-void addNewCommand(CLI::App& app, Action& action) {
-  addItemCreation(app, action, "tweak", TweakFile::create);
-}
+void addNewCommand(Command app) { addItemCreation(app, "tweak", TweakFile::create); }
 
 }  // namespace tavlen::cli

@@ -1,4 +1,3 @@
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <memory>
 #include <mutex>
@@ -8,7 +7,6 @@
 #include <utility>
 #include <vector>
 
-#include "cli/ArgumentChecks.h"
 #include "cli/Commands.h"
 #include "cli/Console.h"
 #include "cli/ErrorPlace.h"
@@ -113,44 +111,43 @@ Action listAction(const Options& options) {
 
 /// A subcommand of `override`. `make` judges the arguments, so that a malformed value is wrong
 /// usage, and gives what is to be done.
-CLI::App& addTo(CLI::App& group, Action& action, const char* name, const char* help,
-                const std::shared_ptr<Options>& options, Action (*make)(const Options&)) {
-  CLI::App& command = *group.add_subcommand(name, help);
-  command.add_option("TWEAK", options->tweak, kTweakHelp)->required()->check(notEmpty());
-  command.callback([options, make, &action] { action = make(*options); });
+Command addTo(Command group, const char* name, const char* help,
+              const std::shared_ptr<Options>& options, Action (*make)(const Options&)) {
+  Command command = group.addCommand(name, help);
+  command.text("TWEAK", options->tweak, kTweakHelp).required().notEmpty();
+  command.prepare([options, make] { return make(*options); });
   return command;
 }
 
-void addKind(CLI::App& command, const std::shared_ptr<Options>& options) {
-  command.add_option("KIND", options->kind, "The kind of override")
-      ->required()
-      ->transform(CLI::IsMember(overrideKinds(), CLI::ignore_case));
+void addKind(Command command, const std::shared_ptr<Options>& options) {
+  command.text("KIND", options->kind, "The kind of override")
+      .required()
+      .oneOfIgnoringCase(overrideKinds());
 }
 
 }  // namespace
 
-void addOverrideCommand(CLI::App& app, Action& action) {
-  CLI::App& group =
-      *app.add_subcommand("override", "List and edit a tweak's overrides of Info.plist");
-  group.require_subcommand(1);
+void addOverrideCommand(Command app) {
+  Command group = app.addCommand("override", "List and edit a tweak's overrides of Info.plist");
+  group.requireCommand();
 
   auto options = std::make_shared<Options>();
-  CLI::App& add = addTo(group, action, "add", "Add an override, of the app's own value without one",
-                        options, addAction);
+  Command add = addTo(group, "add", "Add an override, of the app's own value without one", options,
+                      addAction);
   addKind(add, options);
-  add.add_option("VALUE", options->value, kOverrideValueHelp);
+  add.text("VALUE", options->value, kOverrideValueHelp);
 
   options = std::make_shared<Options>();
-  CLI::App& set = addTo(group, action, "set", "Change an override", options, setAction);
+  Command set = addTo(group, "set", "Change an override", options, setAction);
   addKind(set, options);
-  set.add_option("VALUE", options->value, kOverrideValueHelp)->required();
+  set.text("VALUE", options->value, kOverrideValueHelp).required();
 
   options = std::make_shared<Options>();
-  addKind(addTo(group, action, "remove", "Remove an override", options, removeAction), options);
+  addKind(addTo(group, "remove", "Remove an override", options, removeAction), options);
 
   options = std::make_shared<Options>();
-  addTo(group, action, "list", "List the overrides", options, listAction)
-      .add_flag("--json", options->json, "Print a JSON array, as the manifest holds it");
+  addTo(group, "list", "List the overrides", options, listAction)
+      .flag("--json", options->json, "Print a JSON array, as the manifest holds it");
 }
 
 }  // namespace tavlen::cli

@@ -1,12 +1,12 @@
 #include "cli/OverrideValue.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <optional>
 #include <type_traits>
 #include <utility>
 #include <variant>
 
+#include "cli/UsageError.h"
 #include "tavlen/foundation/CodingPath.h"
 #include "tavlen/foundation/FatalError.h"
 #include "tavlen/foundation/TerminalText.h"
@@ -23,7 +23,7 @@ constexpr std::string_view kOrientationPrefix = "UIInterfaceOrientation";
 using Orientations = std::vector<InterfaceOrientation>;
 
 [[noreturn]] void refuse(const std::string& text, const std::string& expected) {
-  throw CLI::ValidationError("VALUE", oneLine(abbreviated(text)) + ": expected " + expected);
+  throw UsageError("VALUE", oneLine(abbreviated(text)) + ": expected " + expected);
 }
 
 std::string shortName(InterfaceOrientation orientation) {

@@ -21,7 +21,7 @@ const OverrideKindInfo& overrideKind(std::string_view identifier);
 std::string_view identifierOf(const Override& override_);
 
 /// An override of the kind `identifier`, one of overrideKinds(), with the value that
-/// kOverrideValueHelp describes. Throws CLI::ValidationError.
+/// kOverrideValueHelp describes. Throws UsageError.
 Override parseOverride(std::string_view identifier, const std::string& text);
 /// The text that parseOverride() reads back.
 std::string overrideText(const Override& override_);

@@ -1,4 +1,3 @@
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <filesystem>
 #include <functional>
@@ -14,7 +13,6 @@
 #include <variant>
 #include <vector>
 
-#include "cli/ArgumentChecks.h"
 #include "cli/Commands.h"
 #include "cli/Console.h"
 #include "cli/ErrorPlace.h"
@@ -24,6 +22,7 @@
 #include "cli/StoredItem.h"
 #include "cli/TextTable.h"
 #include "cli/TypedValue.h"
+#include "cli/UsageError.h"
 #include "tavlen/collections/TweakPoster.h"
 #include "tavlen/foundation/FileSystem.h"
 #include "tavlen/foundation/Image.h"
@@ -220,8 +219,7 @@ void removeArgument(const HookManager& manager, std::int64_t argument) {
 /// The item's index; the place behind the last is none.
 std::int64_t indexOf(const ItemAddress& address, const Options& options) {
   if (address.index) return *address.index;
-  throw CLI::ValidationError("ADDRESS",
-                             oneLine(options.address) + ": expected an index at its end");
+  throw UsageError("ADDRESS", oneLine(options.address) + ": expected an index at its end");
 }
 
 Action removeAction(const Options& options) {
@@ -265,66 +263,64 @@ Action moveAction(const Options& options) {
 
 /// A subcommand of `param`, with the options that all have. `make` judges the arguments, so that
 /// malformed ones are wrong usage, and gives what is to be done.
-CLI::App& addTo(CLI::App& group, Action& action, const char* name, const char* help,
-                const std::shared_ptr<Options>& options, Action (*make)(const Options&)) {
-  CLI::App& command = *group.add_subcommand(name, help);
-  command.add_option("TWEAK", options->tweak, kTweakHelp)->required()->check(notEmpty());
+Command addTo(Command group, const char* name, const char* help,
+              const std::shared_ptr<Options>& options, Action (*make)(const Options&)) {
+  Command command = group.addCommand(name, help);
+  command.text("TWEAK", options->tweak, kTweakHelp).required().notEmpty();
   addHookArgument(command, options->hook);
-  command.callback([options, make, &action] { action = make(*options); });
+  command.prepare([options, make] { return make(*options); });
   return command;
 }
 
-CLI::Option* addAddress(CLI::App& command, const std::shared_ptr<Options>& options,
-                        const char* help = kAddressHelp) {
-  return command.add_option("ADDRESS", options->address, help)->check(notEmpty());
+Option addAddress(Command command, const std::shared_ptr<Options>& options,
+                  const char* help = kAddressHelp) {
+  return command.text("ADDRESS", options->address, help).notEmpty();
 }
 
-void addValue(CLI::App& command, const std::shared_ptr<Options>& options) {
-  command.add_option("VALUE", options->value, kValueHelp)->required();
-  command.add_flag("--replace", options->replaces,
-                   "Let the file replace a resource of its name that differs");
+void addValue(Command command, const std::shared_ptr<Options>& options) {
+  command.text("VALUE", options->value, kValueHelp).required();
+  command.flag("--replace", options->replaces,
+               "Let the file replace a resource of its name that differs");
 }
 
-void addEdits(CLI::App& group, Action& action) {
+void addEdits(Command group) {
   auto options = std::make_shared<Options>();
-  CLI::App& set =
-      addTo(group, action, "set", "Replace a parameter, or add an argument's", options, setAction);
-  addAddress(set, options)->required();
+  Command set =
+      addTo(group, "set", "Replace a parameter, or add an argument's", options, setAction);
+  addAddress(set, options).required();
   addValue(set, options);
 
   options = std::make_shared<Options>();
-  CLI::App& insert =
-      addTo(group, action, "insert", "Insert into an array or a dictionary", options, insertAction);
+  Command insert =
+      addTo(group, "insert", "Insert into an array or a dictionary", options, insertAction);
   addAddress(insert, options, "Where the new one is to stand: 2.0.value.3, or 2.0.value.end")
-      ->required();
+      .required();
   addValue(insert, options);
-  insert.add_option("--key", options->key, "The key of a dictionary's new pair, written as VALUE")
-      ->type_name("VALUE");
+  insert.text("--key", options->key, "The key of a dictionary's new pair, written as VALUE")
+      .typeName("VALUE");
 
   options = std::make_shared<Options>();
-  CLI::App& remove =
-      addTo(group, action, "remove", "Remove an item or a pair, or leave an argument as it is",
-            options, removeAction);
-  addAddress(remove, options, "The argument, the item or the pair: -1, 0.3")->required();
+  Command remove = addTo(group, "remove", "Remove an item or a pair, or leave an argument as it is",
+                         options, removeAction);
+  addAddress(remove, options, "The argument, the item or the pair: -1, 0.3").required();
 
   options = std::make_shared<Options>();
-  CLI::App& move = addTo(group, action, "move", "Move an item or a pair within its collection",
-                         options, moveAction);
-  addAddress(move, options, "The item or the pair: 0.3")->required();
-  move.add_option("TO", options->to, "The index that it is to have then")->required();
+  Command move =
+      addTo(group, "move", "Move an item or a pair within its collection", options, moveAction);
+  addAddress(move, options, "The item or the pair: 0.3").required();
+  move.text("TO", options->to, "The index that it is to have then").required();
 }
 
 }  // namespace
 
-void addParamCommand(CLI::App& app, Action& action) {
-  CLI::App& group = *app.add_subcommand("param", "Show and edit the parameters of a hook");
-  group.require_subcommand(1);
+void addParamCommand(Command app) {
+  Command group = app.addCommand("param", "Show and edit the parameters of a hook");
+  group.requireCommand();
   const auto options = std::make_shared<Options>();
-  CLI::App& get =
-      addTo(group, action, "get", "Print a parameter, or all of the hook", options, getAction);
+  Command get = addTo(group, "get", "Print a parameter, or all of the hook", options, getAction);
   addAddress(get, options);
-  get.add_flag("--json", options->json, "Print JSON, as the manifest holds it");
-  addEdits(group, action);
+  get.flag("--json", options->json, "Print JSON, as the manifest holds it");
+  addEdits(group);
 }
 
 }  // namespace tavlen::cli

@@ -1,9 +1,9 @@
 #include "cli/ParameterAddress.h"
 
-#include <CLI/CLI.hpp>
 #include <charconv>
 #include <string>
 
+#include "cli/UsageError.h"
 #include "tavlen/foundation/CodingPath.h"
 #include "tavlen/foundation/TerminalText.h"
 #include "tavlen/parameters/ArrayParameterManager.h"
@@ -20,7 +20,7 @@ constexpr const char* kArgument = "ADDRESS";
 constexpr std::size_t kMostSteps = 512;
 
 [[noreturn]] void refuse(const char* argument, std::string_view text, const std::string& expected) {
-  throw CLI::ValidationError(argument, oneLine(abbreviated(text)) + ": expected " + expected);
+  throw UsageError(argument, oneLine(abbreviated(text)) + ": expected " + expected);
 }
 
 std::optional<std::int64_t> wholeNumber(std::string_view text) {

@@ -34,12 +34,12 @@ struct ItemAddress {
   std::optional<std::int64_t> index;
 };
 
-/// Reads "2.0.value.3". Throws CLI::ValidationError.
+/// Reads "2.0.value.3". Throws UsageError.
 ParameterAddress parseParameterAddress(std::string_view text);
 /// Reads the address of a collection, a full stop, and an index or "end". Throws
-/// CLI::ValidationError.
+/// UsageError.
 ItemAddress parseItemAddress(std::string_view text);
-/// A decimal index; `argument` is what errors call it. Throws CLI::ValidationError.
+/// A decimal index; `argument` is what errors call it. Throws UsageError.
 std::int64_t parseIndex(std::string_view text, const char* argument);
 
 /// The chain of managers that leads to `address`.

@@ -1,4 +1,3 @@
-#include <CLI/CLI.hpp>
 
 #include "cli/Commands.h"
 #include "cli/ProgramCheck.h"
@@ -6,14 +5,12 @@
 
 namespace tavlen::cli {
 
-void addRespringCommand(CLI::App& app, Action& action) {
-  auto* command = app.add_subcommand("respring", "Restart the home screen");
-  command->callback([&action] {
-    action = [] {
-      requireProgram(killallProgram());
-      respring();
-      return 0;
-    };
+void addRespringCommand(Command app) {
+  Command command = app.addCommand("respring", "Restart the home screen");
+  command.run([] {
+    requireProgram(killallProgram());
+    respring();
+    return 0;
   });
 }
 

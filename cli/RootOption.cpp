@@ -1,6 +1,5 @@
 #include "cli/RootOption.h"
 
-#include <CLI/CLI.hpp>
 #include <cstdlib>
 #include <filesystem>
 #include <stdexcept>
@@ -15,10 +14,10 @@ constexpr const char* kVariable = "TAVLEN_ROOT";
 
 }  // namespace
 
-void addRootOption(CLI::App& app, std::string& root) {
-  app.add_option("--root", root, "The folder that stands for the device's /")
-      ->envname(kVariable)
-      ->type_name("DIR");
+void addRootOption(Command app, std::string& root) {
+  app.text("--root", root, "The folder that stands for the device's /")
+      .environmentVariable(kVariable)
+      .typeName("DIR");
 }
 
 void useRoot(const std::string& root) {

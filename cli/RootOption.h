@@ -2,14 +2,12 @@
 
 #include <string>
 
-namespace CLI {
-class App;
-}
+#include "cli/CommandLine.h"
 
 namespace tavlen::cli {
 
 /// Adds --root, which TAVLEN_ROOT stands in for; the folder goes to `root`.
-void addRootOption(CLI::App& app, std::string& root);
+void addRootOption(Command app, std::string& root);
 
 /// Makes `root` the device's root, for this process and the programs that it starts. Nothing for an
 /// empty text.

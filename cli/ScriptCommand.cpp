@@ -1,10 +1,8 @@
-#include <CLI/CLI.hpp>
 #include <exception>
 #include <memory>
 #include <stdexcept>
 #include <string>
 
-#include "cli/ArgumentChecks.h"
 #include "cli/Commands.h"
 #include "cli/Console.h"
 #include "cli/EditedText.h"
@@ -70,30 +68,26 @@ int edit(const std::string& name) {
 
 }  // namespace
 
-void addScriptCommand(CLI::App& app, Action& action) {
-  auto* group = app.add_subcommand("script", "Show, replace or edit the script of a tweak");
-  group->require_subcommand(1);
+void addScriptCommand(Command app) {
+  Command group = app.addCommand("script", "Show, replace or edit the script of a tweak");
+  group.requireCommand();
   const auto tweak = std::make_shared<std::string>();
   const auto file = std::make_shared<std::string>();
   const auto add = [&](const char* name, const char* help) {
-    auto* command = group->add_subcommand(name, help);
-    command->add_option("TWEAK", *tweak, kTweakHelp)->required()->check(notEmpty());
+    Command command = group.addCommand(name, help);
+    command.text("TWEAK", *tweak, kTweakHelp).required().notEmpty();
     return command;
   };
-  auto* showing = add("show", "Print the script");
+  Command showing = add("show", "Print the script");
   const auto json = std::make_shared<bool>(false);
-  showing->add_flag("--json", *json, "Print a JSON string");
-  showing->callback(
-      [tweak, json, &action] { action = [tweak, json] { return show(*tweak, *json); }; });
-  auto* setting = add("set", "Store another script");
-  setting->add_option("FILE", *file, "The script, in UTF-8; - for the standard input")
-      ->required()
-      ->check(notEmpty());
-  setting->callback(
-      [tweak, file, &action] { action = [tweak, file] { return set(*tweak, *file); }; });
-  add("edit", "Edit the script in $VISUAL or $EDITOR")->callback([tweak, &action] {
-    action = [tweak] { return edit(*tweak); };
-  });
+  showing.flag("--json", *json, "Print a JSON string");
+  showing.run([tweak, json] { return show(*tweak, *json); });
+  Command setting = add("set", "Store another script");
+  setting.text("FILE", *file, "The script, in UTF-8; - for the standard input")
+      .required()
+      .notEmpty();
+  setting.run([tweak, file] { return set(*tweak, *file); });
+  add("edit", "Edit the script in $VISUAL or $EDITOR").run([tweak] { return edit(*tweak); });
 }
 
 }  // namespace tavlen::cli

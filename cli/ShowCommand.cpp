@@ -1,4 +1,3 @@
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <memory>
 #include <optional>
@@ -7,7 +6,6 @@
 #include <vector>
 
 #include "cli/ActiveTweak.h"
-#include "cli/ArgumentChecks.h"
 #include "cli/Commands.h"
 #include "cli/Console.h"
 #include "cli/StoredItem.h"
@@ -129,14 +127,13 @@ int show(const std::string& name, bool json) {
 
 }  // namespace
 
-void addShowCommand(CLI::App& app, Action& action) {
-  auto* command = app.add_subcommand("show", "Print what a tweak or a collection holds");
+void addShowCommand(Command app) {
+  Command command = app.addCommand("show", "Print what a tweak or a collection holds");
   const auto name = std::make_shared<std::string>();
   const auto json = std::make_shared<bool>(false);
-  command->add_option("ITEM", *name, kItemHelp)->required()->check(notEmpty());
-  command->add_flag("--json", *json, "Print a JSON object");
-  command->callback(
-      [name, json, &action] { action = [name, json] { return show(*name, *json); }; });
+  command.text("ITEM", *name, kItemHelp).required().notEmpty();
+  command.flag("--json", *json, "Print a JSON object");
+  command.run([name, json] { return show(*name, *json); });
 }
 
 }  // namespace cli

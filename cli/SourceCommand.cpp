@@ -1,8 +1,6 @@
-#include <CLI/CLI.hpp>
 #include <memory>
 #include <string>
 
-#include "cli/ArgumentChecks.h"
 #include "cli/Commands.h"
 #include "cli/Console.h"
 #include "cli/StoredItem.h"
@@ -11,17 +9,15 @@
 
 namespace tavlen::cli {
 
-void addSourceCommand(CLI::App& app, Action& action) {
-  auto* command = app.add_subcommand("source", "Print the text that the transpiler is given");
+void addSourceCommand(Command app) {
+  Command command = app.addCommand("source", "Print the text that the transpiler is given");
   const auto tweak = std::make_shared<std::string>();
-  command->add_option("TWEAK", *tweak, kTweakHelp)->required()->check(notEmpty());
-  command->callback([tweak, &action] {
-    action = [tweak] {
-      const OpenedTweak opened = openTweak(*tweak);
-      printData(TweakProcessor::assembled(TweakProcessor::generateCode(opened.manifest.hooks()),
-                                          opened.script));
-      return 0;
-    };
+  command.text("TWEAK", *tweak, kTweakHelp).required().notEmpty();
+  command.run([tweak] {
+    const OpenedTweak opened = openTweak(*tweak);
+    printData(TweakProcessor::assembled(TweakProcessor::generateCode(opened.manifest.hooks()),
+                                        opened.script));
+    return 0;
   });
 }
 

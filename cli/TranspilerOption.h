@@ -3,15 +3,13 @@
 #include <filesystem>
 #include <string>
 
-namespace CLI {
-class App;
-}
+#include "cli/CommandLine.h"
 
 namespace tavlen::cli {
 
 /// Adds `--transpiler DIR` to `command`; parsing stores the folder in `folder`, which must live as
 /// long as the command.
-void addTranspilerOption(CLI::App& command, std::string& folder);
+void addTranspilerOption(Command command, std::string& folder);
 
 /// The folder of ob.js: `folder`, or the command's own one where the user gave none.
 std::filesystem::path transpilerFolder(const std::string& folder);

@@ -1,10 +1,8 @@
-#include <CLI/CLI.hpp>
 #include <memory>
 #include <optional>
 #include <stdexcept>
 #include <string>
 
-#include "cli/ArgumentChecks.h"
 #include "cli/Commands.h"
 #include "cli/Console.h"
 #include "cli/StoredItem.h"
@@ -23,23 +21,20 @@ int set(const std::string& name, const std::string& file) {
 
 }  // namespace
 
-void addTweakIconCommands(CLI::App& group, Action& action) {
+void addTweakIconCommands(Command group) {
   const auto tweak = std::make_shared<std::string>();
   const auto file = std::make_shared<std::string>();
-  auto* setting = group.add_subcommand("set", "Give a tweak an icon of its own");
-  setting->add_option("TWEAK", *tweak, kTweakHelp)->required()->check(notEmpty());
-  setting->add_option("FILE", *file, "A PNG or JPEG image; - for the standard input")
-      ->required()
-      ->check(notEmpty());
-  setting->callback(
-      [tweak, file, &action] { action = [tweak, file] { return set(*tweak, *file); }; });
-  auto* clearing = group.add_subcommand("clear", "Take a tweak's own icon away");
-  clearing->add_option("TWEAK", *tweak, kTweakHelp)->required()->check(notEmpty());
-  clearing->callback([tweak, &action] {
-    action = [tweak] {
-      storedTweak(*tweak)->writeCustomIcon(std::nullopt);
-      return 0;
-    };
+  Command setting = group.addCommand("set", "Give a tweak an icon of its own");
+  setting.text("TWEAK", *tweak, kTweakHelp).required().notEmpty();
+  setting.text("FILE", *file, "A PNG or JPEG image; - for the standard input")
+      .required()
+      .notEmpty();
+  setting.run([tweak, file] { return set(*tweak, *file); });
+  Command clearing = group.addCommand("clear", "Take a tweak's own icon away");
+  clearing.text("TWEAK", *tweak, kTweakHelp).required().notEmpty();
+  clearing.run([tweak] {
+    storedTweak(*tweak)->writeCustomIcon(std::nullopt);
+    return 0;
   });
 }
 

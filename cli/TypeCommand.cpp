@@ -1,4 +1,3 @@
-#include <CLI/CLI.hpp>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -7,7 +6,6 @@
 #include "cli/Commands.h"
 #include "cli/Console.h"
 #include "cli/InputLines.h"
-#include "cli/PlainArguments.h"
 #include "cli/TypeTree.h"
 #include "tavlen/foundation/JSONEncoder.h"
 #include "tavlen/foundation/TerminalText.h"
@@ -61,20 +59,18 @@ int answerArguments(const std::vector<std::string>& encodings, bool json) {
 
 }  // namespace
 
-void addTypeCommand(CLI::App& app, Action& action) {
-  auto* command = app.add_subcommand("type", "Print Objective-C type encodings as C declares them");
+void addTypeCommand(Command app) {
+  Command command = app.addCommand("type", "Print Objective-C type encodings as C declares them");
   const auto encodings = std::make_shared<std::vector<std::string>>();
   const auto json = std::make_shared<bool>(false);
-  addPlainArguments(*command, "ENCODING", *encodings,
-                    "Type encodings, each answered with a line; only the first type of each is "
-                    "read. \"-\" alone reads one a line from the standard input");
-  command->add_flag("--json", *json,
-                    "Print a JSON array of the types as trees; with \"-\" a tree a line");
-  command->callback([encodings, json, &action] {
+  command.texts("ENCODING", *encodings,
+                "Type encodings, each answered with a line; only the first type of each is "
+                "read. \"-\" alone reads one a line from the standard input");
+  command.flag("--json", *json,
+               "Print a JSON array of the types as trees; with \"-\" a tree a line");
+  command.run([encodings, json] {
     const bool readsInput = encodings->size() == 1 && encodings->front() == "-";
-    action = [encodings, json, readsInput] {
-      return readsInput ? answerInput(*json) : answerArguments(*encodings, *json);
-    };
+    return readsInput ? answerInput(*json) : answerArguments(*encodings, *json);
   });
 }
 

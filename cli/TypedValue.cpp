@@ -1,6 +1,5 @@
 #include "cli/TypedValue.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -12,6 +11,7 @@
 #include <utility>
 
 #include "cli/DateText.h"
+#include "cli/UsageError.h"
 #include "tavlen/foundation/CodingError.h"
 #include "tavlen/foundation/FileReplacement.h"
 #include "tavlen/foundation/FileSystem.h"
@@ -118,7 +118,7 @@ std::string knownForms() {
 }
 
 [[noreturn]] void refuse(const char* argument, std::string_view text, const std::string& problem) {
-  throw CLI::ValidationError(argument, oneLine(abbreviated(text)) + ": " + problem);
+  throw UsageError(argument, oneLine(abbreviated(text)) + ": " + problem);
 }
 
 Parameter parameterFromJSON(const std::string& json, const std::string& text,

@@ -19,7 +19,7 @@ struct TypedValue {
 };
 
 /// Reads what kValueHelp says; `argument` is what errors call it. Reads no file. Throws
-/// CLI::ValidationError.
+/// UsageError.
 TypedValue parseTypedValue(const std::string& text, const char* argument);
 
 /// The text that parseTypedValue() reads back to `parameter`, except that files are named as

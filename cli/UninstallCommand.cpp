@@ -1,11 +1,9 @@
-#include <CLI/CLI.hpp>
 #include <memory>
 #include <stdexcept>
 #include <string>
 
 #include "cli/ActiveTweak.h"
 #include "cli/AppArgument.h"
-#include "cli/ArgumentChecks.h"
 #include "cli/Commands.h"
 #include "cli/StoredItem.h"
 
@@ -30,21 +28,17 @@ int uninstallFrom(const std::string& app) {
 
 }  // namespace
 
-void addUninstallCommand(CLI::App& app, Action& action) {
-  auto* command = app.add_subcommand("uninstall", "Take the active tweak of an app away");
+void addUninstallCommand(Command app) {
+  Command command = app.addCommand("uninstall", "Take the active tweak of an app away");
   const auto name = std::make_shared<std::string>();
   const auto appName = std::make_shared<std::string>();
-  auto* which = command->add_option_group("WHICH", "What is uninstalled");
-  which->add_option("ITEM", *name, kItemHelp)->check(notEmpty());
-  which->add_option("--app", *appName, "Whatever is active for that app, even if it is not stored")
-      ->check(notEmpty())
-      ->type_name("APP");
-  which->require_option(1);
-  command->callback([name, appName, &action] {
-    action = [name, appName] {
-      return name->empty() ? uninstallFrom(*appName) : uninstallItem(*name);
-    };
-  });
+  Command which = command.addGroup("WHICH", "What is uninstalled", 1, 1);
+  which.text("ITEM", *name, kItemHelp).notEmpty();
+  which.text("--app", *appName, "Whatever is active for that app, even if it is not stored")
+      .notEmpty()
+      .typeName("APP");
+  command.run(
+      [name, appName] { return name->empty() ? uninstallFrom(*appName) : uninstallItem(*name); });
 }
 
 }  // namespace tavlen::cli

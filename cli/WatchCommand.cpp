@@ -1,6 +1,5 @@
 #include <unistd.h>
 
-#include <CLI/CLI.hpp>
 #include <array>
 #include <csignal>
 #include <exception>
@@ -136,12 +135,12 @@ int watchUntilUnread(bool json) {
 
 }  // namespace
 
-void addWatchCommand(CLI::App& app, Action& action) {
-  auto* command = app.add_subcommand(
+void addWatchCommand(Command app) {
+  Command command = app.addCommand(
       "watch", "Print a line for each tweak or collection that is made, changed or deleted");
   const auto json = std::make_shared<bool>(false);
-  command->add_flag("--json", *json, "Print a JSON object a line");
-  command->callback([json, &action] { action = [json] { return watchUntilUnread(*json); }; });
+  command.flag("--json", *json, "Print a JSON object a line");
+  command.run([json] { return watchUntilUnread(*json); });
 }
 
 }  // namespace tavlen::cli

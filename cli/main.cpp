@@ -1,11 +1,7 @@
-#include <CLI/CLI.hpp>
-#include <cerrno>
 #include <exception>
-#include <iostream>
+#include <optional>
 #include <string>
 #include <string_view>
-#include <system_error>
-#include <vector>
 
 #include "cli/Commands.h"
 #include "cli/ErrorReport.h"
@@ -17,70 +13,54 @@
 namespace {
 
 constexpr int kFailure = 1;
-constexpr int kUsage = 2;
 
-/// Says what is wrong with the arguments, or prints the help that they asked for; gives the exit
-/// status.
-int report(const CLI::App& app, const CLI::ParseError& error) {
-  const std::vector<std::string> unknown = app.remaining(true);
-  // The parser looks for what is missing first, but an unknown word is why it is missing.
-  const bool isMistyped = dynamic_cast<const CLI::RequiredError*>(&error) && !unknown.empty();
-  const int status = isMistyped ? app.exit(CLI::ExtrasError(unknown)) : app.exit(error);
-  if (!std::cout.flush()) {
-    throw std::system_error(errno, std::generic_category(), "standard output");
-  }
-  return status == 0 ? 0 : kUsage;
+/// In the order in which help lists them.
+void addCommands(tavlen::cli::Command command) {
+  tavlen::cli::addSourceCommand(command);
+  tavlen::cli::addBuildCommand(command);
+  tavlen::cli::addCheckCommand(command);
+  tavlen::cli::addListCommand(command);
+  tavlen::cli::addShowCommand(command);
+  tavlen::cli::addNewCommand(command);
+  tavlen::cli::addScriptCommand(command);
+  tavlen::cli::addDeleteCommand(command);
+  tavlen::cli::addInstallCommand(command);
+  tavlen::cli::addUninstallCommand(command);
+  tavlen::cli::addAppsCommand(command);
+  tavlen::cli::addInfoCommand(command);
+  tavlen::cli::addIconCommand(command);
+  tavlen::cli::addExecutablesCommand(command);
+  tavlen::cli::addCrashLogsCommand(command);
+  tavlen::cli::addKillCommand(command);
+  tavlen::cli::addRespringCommand(command);
+  tavlen::cli::addHookCommand(command);
+  tavlen::cli::addParamCommand(command);
+  tavlen::cli::addOverrideCommand(command);
+  tavlen::cli::addExportCommand(command);
+  tavlen::cli::addImportCommand(command);
+  tavlen::cli::addCollectionCommand(command);
+  tavlen::cli::addWatchCommand(command);
+  tavlen::cli::addClassesCommand(command);
+  tavlen::cli::addMethodsCommand(command);
+  tavlen::cli::addTypeCommand(command);
 }
 
 int run(int argc, char** argv) {
-  CLI::App app("Makes, builds and installs app tweaks, and looks at the apps of a device.",
-               "tavlen");
-  app.set_version_flag("--version", "tavlen " TAVLEN_VERSION);
-  app.require_subcommand(1);
-  // --root may stand behind the subcommand, too.
-  app.fallthrough();
+  tavlen::cli::CommandLine commandLine(
+      "tavlen", "Makes, builds and installs app tweaks, and looks at the apps of a device.",
+      "tavlen " TAVLEN_VERSION);
+  tavlen::cli::Command command = commandLine.command();
   std::string root;
-  tavlen::cli::addRootOption(app, root);
+  tavlen::cli::addRootOption(command, root);
   bool isVerbose = false;
-  app.add_flag("--verbose", isVerbose, "Show what the library logs");
-  tavlen::cli::Action action;
-  tavlen::cli::addSourceCommand(app, action);
-  tavlen::cli::addBuildCommand(app, action);
-  tavlen::cli::addCheckCommand(app, action);
-  tavlen::cli::addListCommand(app, action);
-  tavlen::cli::addShowCommand(app, action);
-  tavlen::cli::addNewCommand(app, action);
-  tavlen::cli::addScriptCommand(app, action);
-  tavlen::cli::addDeleteCommand(app, action);
-  tavlen::cli::addInstallCommand(app, action);
-  tavlen::cli::addUninstallCommand(app, action);
-  tavlen::cli::addAppsCommand(app, action);
-  tavlen::cli::addInfoCommand(app, action);
-  tavlen::cli::addIconCommand(app, action);
-  tavlen::cli::addExecutablesCommand(app, action);
-  tavlen::cli::addCrashLogsCommand(app, action);
-  tavlen::cli::addKillCommand(app, action);
-  tavlen::cli::addRespringCommand(app, action);
-  tavlen::cli::addHookCommand(app, action);
-  tavlen::cli::addParamCommand(app, action);
-  tavlen::cli::addOverrideCommand(app, action);
-  tavlen::cli::addExportCommand(app, action);
-  tavlen::cli::addImportCommand(app, action);
-  tavlen::cli::addCollectionCommand(app, action);
-  tavlen::cli::addWatchCommand(app, action);
-  tavlen::cli::addClassesCommand(app, action);
-  tavlen::cli::addMethodsCommand(app, action);
-  tavlen::cli::addTypeCommand(app, action);
-  try {
-    app.parse(argc, argv);
-  } catch (const CLI::ParseError& error) {
-    return report(app, error);
-  }
+  command.flag("--verbose", isVerbose, "Show what the library logs");
+  addCommands(command);
+  if (const std::optional<int> status = commandLine.parse(argc, argv)) return *status;
   tavlen::MainBundle::setURL(tavlen::cli::resourceFolder());
   tavlen::cli::useRoot(root);
   tavlen::setLogSink(isVerbose ? tavlen::LogSink(tavlen::logToStandardError)
                                : [](std::string_view /*message*/) {});
-  return action();
+  return commandLine.run();
 }
 
 }  // namespace

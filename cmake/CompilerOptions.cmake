@@ -19,6 +19,8 @@ if(TAVLEN_SANITIZE)
   # A block is called by its public interface, with whatever stands for the block as the first argument.
   add_compile_options($<$<COMPILE_LANG_AND_ID:CXX,Clang>:-fno-sanitize=function>)
 endif()
+# For the core and the fuzz targets alone: what the engine is to find its way through.
+add_library(tavlen_fuzzing INTERFACE)
 if(TAVLEN_FUZZING_ENGINE)
-  add_compile_options($<$<COMPILE_LANGUAGE:CXX>:-fsanitize=fuzzer-no-link>)
+  target_compile_options(tavlen_fuzzing INTERFACE -fsanitize=fuzzer-no-link)
 endif()

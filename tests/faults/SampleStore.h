@@ -28,15 +28,16 @@ class SampleStore {
   /// The tweaks directory, relative to root().
   const std::string& store() const { return store_; }
 
+  /// Where it lies: in memory, where there is a file system for that, as it is made anew some
+  /// thousand times.
+  static std::filesystem::path parent();
+
   /// Everything is as it was prepared again.
   void reset() const;
 
  private:
   void make();
   void keep() const;
-
-  /// In memory, where there is a file system for that: it is made anew some thousand times.
-  static std::filesystem::path parent();
 
   TemporaryFolder folder_{parent()};
   std::filesystem::path root_;

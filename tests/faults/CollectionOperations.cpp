@@ -33,7 +33,7 @@ void importItem(const std::string& id) { TweakManager::decompressAt(archiveOf(id
 
 /// What is in the archive, which is unpacked some thousand times.
 Tree unpacked(const fs::path& archive) {
-  const TemporaryFolder folder(SampleStore::parent());
+  const TemporaryFolder folder(memoryFolder());
   ZIPArchive::unzipItem(archive, folder.path() / "unpacked");
   return readTree(folder.path() / "unpacked");
 }

@@ -28,10 +28,6 @@ class SampleStore {
   /// The tweaks directory, relative to root().
   const std::string& store() const { return store_; }
 
-  /// Where it lies: in memory, where there is a file system for that, as it is made anew some
-  /// thousand times.
-  static std::filesystem::path parent();
-
   /// Everything is as it was prepared again.
   void reset() const;
 
@@ -39,7 +35,7 @@ class SampleStore {
   void make();
   void keep() const;
 
-  TemporaryFolder folder_{parent()};
+  TemporaryFolder folder_{memoryFolder()};
   std::filesystem::path root_;
   std::filesystem::path copy_;
   std::string store_;

@@ -57,7 +57,7 @@ class FileTreeTest : public testing::Test {
     EXPECT_TRUE(fs::is_empty(tree / "empty"));
   }
 
-  TemporaryFolder folder_;
+  TemporaryFolder folder_{memoryFolder()};
 };
 
 TEST_F(FileTreeTest, CopiesAndMovesWholeTrees) {

@@ -25,10 +25,11 @@ namespace tavlen {
 /// The tree is that of the process, as the shared app list is.
 class PackagingTest : public testing::Test {
  protected:
-  /// Of that app alone. Whichever test asks for the shared list first, it stays like that.
+  /// Of that app, and a.b. Whichever test asks for the shared list first, it stays like that.
   struct Fetcher final : AppListFetcher {
     std::vector<AppListApp> fetchAllApps() const override {
-      return {{"com.example.notes", "Notes", path("Applications/Notes.app")}};
+      return {{"com.example.notes", "Notes", path("Applications/Notes.app")},
+              {"a.b", "App", path("Applications/App.app")}};
     }
   };
   inline static const bool kHasFetcher =

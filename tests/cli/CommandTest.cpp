@@ -47,9 +47,9 @@ pid_t startCommand(std::vector<std::string> arguments, const std::vector<char*>&
   posix_spawnattr_setsigdefault(&attributes, &signals);
   posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
   pid_t child = 0;
-  EXPECT_EQ(::posix_spawn(&child, TAVLEN_COMMAND, &actions, &attributes, argv.data(),
-                          environment.data()),
-            0);
+  EXPECT_EQ(
+      ::posix_spawn(&child, TAVLEN_COMMAND, &actions, &attributes, argv.data(), environment.data()),
+      0);
   posix_spawnattr_destroy(&attributes);
   return child;
 }

@@ -4,11 +4,13 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "TemporaryFolder.h"
 #include "Thrown.h"
+#include "tavlen/device/AppList.h"
 #include "tavlen/device/DevicePaths.h"
 #include "tavlen/device/DeviceRoot.h"
 #include "tavlen/device/TweakInfo.h"
@@ -23,6 +25,16 @@ namespace tavlen {
 /// The tree is that of the process, as the shared app list is.
 class PackagingTest : public testing::Test {
  protected:
+  /// Of that app, and a.b. Whichever test asks for the shared list first, it stays like that.
+  struct Fetcher final : AppListFetcher {
+    std::vector<AppListApp> fetchAllApps() const override {
+      return {{"com.example.notes", "Notes", path("Applications/Notes.app")},
+              {"a.b", "App", path("Applications/App.app")}};
+    }
+  };
+  inline static const bool kHasFetcher =
+      (AppList::setSharedFetcher(std::make_unique<Fetcher>()), true);
+
   PackagingTest() {
     DeviceRoot::setShared(DeviceRoot(tree().path()));
     for (const auto& entry : std::filesystem::directory_iterator(tree().path())) {

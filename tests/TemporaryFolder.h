@@ -1,6 +1,8 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <sys/statvfs.h>
+#include <unistd.h>
 
 #include <cstdlib>
 #include <filesystem>
@@ -12,6 +14,16 @@
 #include "tavlen/foundation/FileTree.h"
 
 namespace tavlen {
+
+/// In memory, where there is a file system for that which runs programs: a parent for the folders
+/// of tests that would wait for the disk some thousand times.
+inline std::filesystem::path memoryFolder() {
+  const std::filesystem::path memory = "/dev/shm";
+  struct statvfs status {};
+  const bool isThere = ::statvfs(memory.c_str(), &status) == 0 &&
+                       (status.f_flag & ST_NOEXEC) == 0 && ::access(memory.c_str(), W_OK) == 0;
+  return isThere ? memory : std::filesystem::temp_directory_path();
+}
 
 /// A folder of a test's own, which is gone with the object.
 class TemporaryFolder {

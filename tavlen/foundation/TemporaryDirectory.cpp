@@ -1,5 +1,6 @@
 #include "tavlen/foundation/TemporaryDirectory.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cstdlib>
@@ -7,6 +8,7 @@
 #include <string>
 #include <string_view>
 #include <system_error>
+#include <thread>
 #include <utility>
 
 #include "tavlen/foundation/FileTree.h"
@@ -47,17 +49,22 @@ void sweepLeftOvers(const std::filesystem::path& items) {
 TemporaryDirectory::TemporaryDirectory(const std::filesystem::path& folder) {
   const std::filesystem::path items = folder / kItemsFolder;
   sweepLeftOvers(items);
-  // Another's end may remove the common folder between the two calls.
-  constexpr int kAttempts = 100;
+  // Another's end may remove the common folder between the two calls. Who tries again at once may
+  // lose to the same one every time, as they then wait for the same locks of the system in step.
+  constexpr int kAttempts = 1000;
+  constexpr std::chrono::microseconds kStep(50);
+  constexpr std::chrono::microseconds kLongestPause(5000);
   for (int attempt = 1; path_.empty(); ++attempt) {
+    if (attempt > 1) std::this_thread::sleep_for(std::min(attempt * kStep, kLongestPause));
     std::error_code error;
     std::filesystem::create_directories(items, error);
-    if (error == std::errc::file_exists && attempt < kAttempts) continue;
-    if (error) throw std::system_error(error, items.string());
     // It would lead this object, and whoever sweeps, into a folder of somebody else's.
-    if (std::filesystem::is_symlink(items, error)) {
+    std::error_code unknown;
+    if (std::filesystem::is_symlink(items, unknown)) {
       throw std::system_error(ELOOP, std::generic_category(), items.string());
     }
+    if (error == std::errc::file_exists && attempt < kAttempts) continue;
+    if (error) throw std::system_error(error, items.string());
     std::string pattern = (items / (std::string(kOwnPrefix) + "XXXXXX")).string();
     if (::mkdtemp(pattern.data()) != nullptr) {
       path_ = pattern;

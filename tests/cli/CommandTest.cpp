@@ -1,10 +1,10 @@
 #include "CommandTest.h"
 
 #include <fcntl.h>
-#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <string_view>
 
 #include "tavlen/foundation/FileSystem.h"
@@ -32,6 +32,28 @@ std::vector<char*> childEnvironment(std::vector<std::string>& further) {
 
 }  // namespace
 
+pid_t startCommand(std::vector<std::string> arguments, const std::vector<char*>& environment,
+                   const posix_spawn_file_actions_t& actions) {
+  arguments.insert(arguments.begin(), TAVLEN_COMMAND);
+  std::vector<char*> argv;
+  for (std::string& word : arguments) argv.push_back(word.data());
+  argv.push_back(nullptr);
+  sigset_t signals;
+  sigemptyset(&signals);
+  posix_spawnattr_t attributes;
+  posix_spawnattr_init(&attributes);
+  posix_spawnattr_setsigmask(&attributes, &signals);
+  for (const int number : {SIGHUP, SIGINT, SIGQUIT, SIGPIPE, SIGTERM}) sigaddset(&signals, number);
+  posix_spawnattr_setsigdefault(&attributes, &signals);
+  posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
+  pid_t child = 0;
+  EXPECT_EQ(
+      ::posix_spawn(&child, TAVLEN_COMMAND, &actions, &attributes, argv.data(), environment.data()),
+      0);
+  posix_spawnattr_destroy(&attributes);
+  return child;
+}
+
 CommandTest::Result CommandTest::run(const std::vector<std::string>& arguments,
                                      const std::string& output) const {
   const std::string out = output.empty() ? (outputs_.path() / "out").string() : output;
@@ -42,20 +64,11 @@ CommandTest::Result CommandTest::run(const std::vector<std::string>& arguments,
   posix_spawn_file_actions_addopen(&actions, 1, out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
   posix_spawn_file_actions_addopen(&actions, 2, err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
   posix_spawn_file_actions_addchdir_np(&actions, folder().c_str());
-  std::vector<std::string> words = {TAVLEN_COMMAND};
-  words.insert(words.end(), arguments.begin(), arguments.end());
-  std::vector<char*> argv;
-  for (std::string& word : words) argv.push_back(word.data());
-  argv.push_back(nullptr);
   std::vector<std::string> further = environment_;
-  std::vector<char*> environment = childEnvironment(further);
-  pid_t child = 0;
-  const int failure =
-      posix_spawn(&child, TAVLEN_COMMAND, &actions, nullptr, argv.data(), environment.data());
+  const pid_t child = startCommand(arguments, childEnvironment(further), actions);
   posix_spawn_file_actions_destroy(&actions);
-  EXPECT_EQ(failure, 0);
   int status = 0;
-  if (failure == 0) waitpid(child, &status, 0);
+  if (child > 0) waitpid(child, &status, 0);
   return {WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status),
           output.empty() ? readFile(out) : "", readFile(err)};
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <spawn.h>
 
 #include <string>
 #include <utility>
@@ -9,6 +10,11 @@
 #include "TemporaryFolder.h"
 
 namespace tavlen {
+
+/// Starts the command with nothing ignored or blocked of the signals that end a program: the tests
+/// may run in the background of a script, or under nohup. `environment` ends with a null.
+pid_t startCommand(std::vector<std::string> arguments, const std::vector<char*>& environment,
+                   const posix_spawn_file_actions_t& actions);
 
 /// Runs the command in a temporary folder, and makes tweaks there.
 class CommandTest : public testing::Test {

@@ -3,7 +3,6 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <poll.h>
-#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -14,6 +13,8 @@
 #include <string>
 #include <utility>
 #include <vector>
+
+#include "CommandTest.h"
 
 namespace tavlen {
 
@@ -30,10 +31,6 @@ class RunningCommand {
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_adddup2(&actions, pipe[1], 1);
     posix_spawn_file_actions_adddup2(&actions, pipe[1], 2);
-    words.insert(words.begin(), TAVLEN_COMMAND);
-    std::vector<char*> argv;
-    for (std::string& word : words) argv.push_back(word.data());
-    argv.push_back(nullptr);
     std::vector<char*> environment;
     for (std::string& variable : variables) environment.push_back(variable.data());
     // What the sanitizers are to overlook stands there; of equal names the first counts.
@@ -41,9 +38,7 @@ class RunningCommand {
       environment.push_back(*variable);
     }
     environment.push_back(nullptr);
-    EXPECT_EQ(
-        ::posix_spawn(&child_, TAVLEN_COMMAND, &actions, nullptr, argv.data(), environment.data()),
-        0);
+    child_ = startCommand(std::move(words), environment, actions);
     posix_spawn_file_actions_destroy(&actions);
     ::close(pipe[1]);
     output_ = pipe[0];

@@ -35,7 +35,7 @@ class StoreThreadsTest : public testing::Test {
     return TweakCollection::handlePayloadAt(root_.path() / name)->id();
   }
 
-  TemporaryFolder root_;
+  const TemporaryFolder root_{memoryFolder()};
 };
 
 // One edit under the poster's lock, one under the tweak's own, a creation, a deletion, an import,

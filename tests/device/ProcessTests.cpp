@@ -115,8 +115,8 @@ std::size_t openDescriptors() {
   return static_cast<std::size_t>(std::distance(Iterator("/proc/self/fd"), Iterator()));
 }
 
-TEST(Process, LeavesNothingBehindAfterManyRuns) {
-  constexpr int kRuns = 10'000;
+TEST(Process, LeavesNothingBehind) {
+  constexpr int kRuns = 40;
   const std::size_t before = openDescriptors();
   int failed = 0;
   for (int i = 0; i < kRuns; ++i) {

@@ -31,9 +31,9 @@ void exportItem(const std::string& id) {
 
 void importItem(const std::string& id) { TweakManager::decompressAt(archiveOf(id)); }
 
-/// What is in the archive.
+/// What is in the archive, which is unpacked some thousand times.
 Tree unpacked(const fs::path& archive) {
-  const TemporaryFolder folder;
+  const TemporaryFolder folder(memoryFolder());
   ZIPArchive::unzipItem(archive, folder.path() / "unpacked");
   return readTree(folder.path() / "unpacked");
 }

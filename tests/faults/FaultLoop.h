@@ -9,8 +9,9 @@
 
 namespace tavlen::faults {
 
-/// Runs one operation again and again, each time in a process of its own and with another of its
-/// calls hit by a fault, until one run is hit by none; and checks what every run leaves behind.
+/// Runs one operation again and again, each time with another of its calls hit by a fault, until
+/// one run is hit by none; and checks what every run leaves. Only what is to be killed gets a
+/// process of its own, as that takes as long as the operation.
 class FaultLoop {
  public:
   explicit FaultLoop(const Operation& operation);
@@ -30,6 +31,7 @@ class FaultLoop {
 
   void runAll(const Fault& fault);
   Outcome runOnce(const Plan& plan) const;
+  bool run(const Plan& plan) const;
   int runInChild(const Plan& plan) const;
   std::string fault(const Outcome& outcome, const Fault& fault) const;
   bool isLeftover(const Tree& tree) const;

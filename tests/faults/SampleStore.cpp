@@ -1,7 +1,5 @@
 #include "SampleStore.h"
 
-#include <unistd.h>
-
 #include "tavlen/device/DevicePaths.h"
 #include "tavlen/device/DeviceRoot.h"
 
@@ -19,11 +17,6 @@ std::string manifestNamed(const std::string& name) {
 }
 
 }  // namespace
-
-std::filesystem::path SampleStore::parent() {
-  const fs::path memory = "/dev/shm";
-  return ::access(memory.c_str(), W_OK | X_OK) == 0 ? memory : fs::temp_directory_path();
-}
 
 void SampleStore::make() {
   root_ = fs::canonical(folder_.path()) / "root";

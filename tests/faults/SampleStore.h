@@ -35,10 +35,7 @@ class SampleStore {
   void make();
   void keep() const;
 
-  /// In memory, where there is a file system for that: it is made anew some thousand times.
-  static std::filesystem::path parent();
-
-  TemporaryFolder folder_{parent()};
+  TemporaryFolder folder_{memoryFolder()};
   std::filesystem::path root_;
   std::filesystem::path copy_;
   std::string store_;

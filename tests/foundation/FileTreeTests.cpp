@@ -57,7 +57,7 @@ class FileTreeTest : public testing::Test {
     EXPECT_TRUE(fs::is_empty(tree / "empty"));
   }
 
-  TemporaryFolder folder_;
+  TemporaryFolder folder_{memoryFolder()};
 };
 
 TEST_F(FileTreeTest, CopiesAndMovesWholeTrees) {
@@ -98,7 +98,7 @@ TEST_F(FileTreeTest, NothingIsOverwrittenOrHalfMade) {
 }
 
 TEST_F(FileTreeTest, MovesAcrossVolumes) {
-  const fs::path elsewhere = "/dev/shm";
+  const fs::path elsewhere = fs::temp_directory_path();
   struct stat here {};
   struct stat there {};
   if (::stat(folder_.path().c_str(), &here) != 0 || ::stat(elsewhere.c_str(), &there) != 0 ||

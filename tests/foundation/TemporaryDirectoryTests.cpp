@@ -27,9 +27,9 @@ TEST(TemporaryDirectory, IsFreshPrivateAndGoneAtTheEnd) {
 TEST(TemporaryDirectory, SeveralThreadsShareTheFolderAround) {
   const TemporaryFolder folder;
   std::vector<std::thread> threads;
-  for (int i = 0; i < 2; ++i) {
+  for (int i = 0; i < 4; ++i) {
     threads.emplace_back([&] {
-      for (int round = 0; round < 1000; ++round) {
+      for (int round = 0; round < 500; ++round) {
         EXPECT_NO_THROW(TemporaryDirectory(folder.path()));
       }
     });

@@ -6,6 +6,7 @@
 #include <stdexcept>
 #include <thread>
 
+#include "PackagingTest.h"
 #include "StoreTest.h"
 #include "Thrown.h"
 #include "tavlen/bundles/IPA.h"
@@ -272,10 +273,10 @@ TEST_F(TweakFileEditingTest, PayloadsAreCopiesWithoutTemporaryFiles) {
 }
 
 TEST_F(TweakFileEditingTest, TheTargetAppLendsItsIconAndValues) {
-  if (testing::UnitTest::GetInstance()->test_to_run_count() > 1) {
-    GTEST_SKIP() << "the app list of the process may be another test's: to be run alone";
-  }
-  const fs::path info = root_.write(
+  struct Listed : PackagingTest {
+    using PackagingTest::tree;
+  };
+  const fs::path info = Listed::tree().write(
       "Applications/App.app/Info.plist",
       "<plist version=\"1.0\"><dict><key>CFBundleExecutable</key><string>x</string>"
       "<key>CFBundleIdentifier</key><string>a.b</string><key>CFBundleVersion</key>"
@@ -283,7 +284,7 @@ TEST_F(TweakFileEditingTest, TheTargetAppLendsItsIconAndValues) {
       "<key>UIDeviceFamily</key><integer>1</integer><key>CFBundleDisplayName</key><string>Shown</"
       "string></dict></plist>");
   const Image green(1, 1, {0, 255, 0, 255});
-  root_.write("Applications/App.app/Icon.png", green.pngData());
+  Listed::tree().write("Applications/App.app/Icon.png", green.pngData());
 
   const auto tweak = newTweak("A");
   EXPECT_EQ(tweak->associatedIPA()->appDir(), info.parent_path());

@@ -41,11 +41,9 @@ class PackagingTest : public testing::Test {
       std::filesystem::remove_all(entry.path());
     }
     tree().write("Applications/Notes.app/Info.plist",
-                 "<plist version=\"1.0\"><dict><key>CFBundleExecutable</key><string>Notes</string>"
-                 "<key>CFBundleIdentifier</key><string>com.example.notes</string>"
-                 "<key>CFBundleVersion</key><string>1</string><key>MinimumOSVersion</key>"
-                 "<string>14.0</string><key>UIDeviceFamily</key><integer>1</integer>"
-                 "<key>Unknown</key><true/></dict></plist>");
+                 infoPlist("com.example.notes", "Notes",
+                           "<key>CFBundleVersion</key><string>1</string><key>MinimumOSVersion</key>"
+                           "<string>14.0</string><key>Unknown</key><true/>"));
     tree().write("share/ob.js",
                  "var count = 0; var OBJSTranspiler = { transpile(source) { if (source == 'bad') "
                  "throw new Error('bad'); return { code: source + ++count, map: 'map' }; } };");

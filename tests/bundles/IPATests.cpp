@@ -34,13 +34,6 @@ using testing::ElementsAre;
 
 namespace fs = std::filesystem;
 
-std::string infoPlist(const std::string& bundleID, const std::string& executable) {
-  return "<plist version=\"1.0\"><dict><key>CFBundleExecutable</key><string>" + executable +
-         "</string><key>CFBundleIdentifier</key><string>" + bundleID +
-         "</string><key>CFBundleVersion</key><string>1</string><key>UIDeviceFamily</key>"
-         "<integer>1</integer></dict></plist>";
-}
-
 /// A device tree with one app, Notes, and programs that write down how they are called.
 class IPATest : public testing::Test {
  protected:

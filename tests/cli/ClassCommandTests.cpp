@@ -23,10 +23,7 @@ class ClassCommandTest : public CommandTest {
     writeTweak("T", "");
   }
   void writeApp() const {
-    write("Applications/Notes.app/Info.plist",
-          "<plist version=\"1.0\"><dict><key>CFBundleExecutable</key><string>Notes</string>"
-          "<key>CFBundleIdentifier</key><string>com.example.notes</string><key>CFBundleVersion"
-          "</key><string>1</string><key>UIDeviceFamily</key><integer>1</integer></dict></plist>");
+    write("Applications/Notes.app/Info.plist", infoPlist("com.example.notes", "Notes"));
     write("Applications/Notes.app/Notes", macho::thin(2));
     write("Applications/Notes.app/Frameworks/none", "");
     std::filesystem::copy_file(TAVLEN_DUMPED_IMAGE, folder() / kImage);

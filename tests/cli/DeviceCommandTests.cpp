@@ -18,10 +18,8 @@ class DeviceCommandTest : public CommandTest {
   void app(const std::string& folder, const std::string& name, const std::string& bundleID,
            const std::string& rest = "<key>CFBundleVersion</key><string>7</string>") const {
     write("tree/Applications/" + folder + "/Info.plist",
-          "<plist version=\"1.0\"><dict><key>CFBundleExecutable</key><string>Main</string>"
-          "<key>CFBundleIdentifier</key><string>" +
-              bundleID + "</string><key>CFBundleDisplayName</key><string>" + name +
-              "</string><key>UIDeviceFamily</key><integer>1</integer>" + rest + "</dict></plist>");
+          infoPlist(bundleID, "Main",
+                    "<key>CFBundleDisplayName</key><string>" + name + "</string>" + rest));
   }
   void program(const std::string& path, const std::string& script) const {
     write("tree/" + path, "#!/bin/sh\n" + script + "\n");

@@ -104,10 +104,9 @@ TEST_F(OverrideCommandTest, RefusesAndChangesNothing) {
 
 TEST_F(OverrideCommandTest, WithoutAValueItIsTheApps) {
   write("tree/Applications/A.app/Info.plist",
-        R"(<plist version="1.0"><dict><key>CFBundleExecutable</key><string>Main</string>)"
-        "<key>CFBundleIdentifier</key><string>com.a</string>"
-        "<key>CFBundleDisplayName</key><string>Alpha</string><key>CFBundleVersion</key>"
-        "<string>7</string><key>UIDeviceFamily</key><integer>1</integer></dict></plist>");
+        infoPlist("com.a", "Main",
+                  "<key>CFBundleDisplayName</key><string>Alpha</string><key>CFBundleVersion</key>"
+                  "<string>7</string>"));
   store("");
   EXPECT_EQ(change({"add", "T", "DisplayName", "--root", "tree"}).err, "");
   EXPECT_EQ(list(), "[{\"type\":\"DisplayName\",\"value\":\"Alpha\"}]\n");

@@ -14,10 +14,7 @@ namespace tavlen {
 class StoreTest : public CommandTest {
  protected:
   StoreTest() {
-    write("tree/Applications/Notes.app/Info.plist",
-          "<plist version=\"1.0\"><dict><key>CFBundleExecutable</key><string>Notes</string>"
-          "<key>CFBundleIdentifier</key><string>com.example.notes</string><key>CFBundleVersion"
-          "</key><string>1</string><key>UIDeviceFamily</key><integer>1</integer></dict></plist>");
+    write("tree/Applications/Notes.app/Info.plist", infoPlist("com.example.notes", "Notes"));
     helper("exec '" TAVLEN_FILE_OPERATIONS "' \"$@\"");
     environment();
   }

@@ -4,6 +4,7 @@
 
 #include "Operation.h"
 #include "SampleStore.h"
+#include "TemporaryFolder.h"
 #include "tavlen/bundles/IPA.h"
 #include "tavlen/bundles/InstallableTweak.h"
 #include "tavlen/device/DevicePaths.h"
@@ -48,10 +49,7 @@ void writeFile(const fs::path& file, const std::string& text) {
 void prepare() {
   const fs::path root = DeviceRoot::shared().url();
   ::setenv("TAVLEN_ROOT", root.c_str(), 1);
-  writeFile(app() / "Info.plist",
-            "<plist version=\"1.0\"><dict><key>CFBundleExecutable</key><string>Sample</string>"
-            "<key>CFBundleIdentifier</key><string>com.example.app</string><key>CFBundleVersion"
-            "</key><string>1</string><key>UIDeviceFamily</key><integer>1</integer></dict></plist>");
+  writeFile(app() / "Info.plist", infoPlist("com.example.app", "Sample"));
   for (const std::string& program : {std::string(kFileOperationsPath),
                                      std::string("/usr/bin/killall"), std::string("/bin/kill")}) {
     const bool isHelper = program == kFileOperationsPath;

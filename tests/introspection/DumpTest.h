@@ -87,12 +87,7 @@ class DumpTest : public testing::Test {
   }
   std::filesystem::path appDir() const { return tree() / "Applications/Dumped.app"; }
   void writeInfo(const std::string& bundleID) const {
-    tree_.write("Applications/Dumped.app/Info.plist",
-                "<plist version=\"1.0\"><dict><key>CFBundleExecutable</key><string>Dumped</string>"
-                "<key>CFBundleIdentifier</key><string>" +
-                    bundleID +
-                    "</string><key>CFBundleVersion</key><string>1</string><key>UIDeviceFamily</key>"
-                    "<integer>1</integer></dict></plist>");
+    tree_.write("Applications/Dumped.app/Info.plist", infoPlist(bundleID, "Dumped"));
   }
 
   /// The script of the stand-ins: the agent in kApp reports to `port`.

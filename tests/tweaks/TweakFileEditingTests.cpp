@@ -278,11 +278,10 @@ TEST_F(TweakFileEditingTest, TheTargetAppLendsItsIconAndValues) {
   };
   const fs::path info = Listed::tree().write(
       "Applications/App.app/Info.plist",
-      "<plist version=\"1.0\"><dict><key>CFBundleExecutable</key><string>x</string>"
-      "<key>CFBundleIdentifier</key><string>a.b</string><key>CFBundleVersion</key>"
-      "<string>1.7</string><key>CFBundleIconFiles</key><array><string>Icon</string></array>"
-      "<key>UIDeviceFamily</key><integer>1</integer><key>CFBundleDisplayName</key><string>Shown</"
-      "string></dict></plist>");
+      infoPlist(
+          "a.b", "x",
+          "<key>CFBundleVersion</key><string>1.7</string><key>CFBundleIconFiles</key><array>"
+          "<string>Icon</string></array><key>CFBundleDisplayName</key><string>Shown</string>"));
   const Image green(1, 1, {0, 255, 0, 255});
   Listed::tree().write("Applications/App.app/Icon.png", green.pngData());
 

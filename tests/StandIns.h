@@ -5,6 +5,7 @@
 
 #include "LoadClasses.h"
 #include "TemporaryFolder.h"
+#include "TestPaths.h"
 
 namespace tavlen {
 
@@ -14,7 +15,7 @@ class StandIns {
  public:
   /// `members` are those of the script's dictionary, as the XML of a property list.
   explicit StandIns(const std::string& members = "") {
-    loadClasses(TAVLEN_STAND_INS_LIBRARY);
+    loadClasses(paths().standInsLibrary.c_str());
     const auto script = folder_.write(
         "script.plist", "<?xml version=\"1.0\" encoding=\"UTF-8\"?><plist version=\"1.0\"><dict>" +
                             members + "</dict></plist>");

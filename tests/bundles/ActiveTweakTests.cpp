@@ -3,6 +3,7 @@
 #include <cstdlib>
 
 #include "PackagingTest.h"
+#include "TestPaths.h"
 #include "tavlen/bundles/IPA.h"
 #include "tavlen/device/InstalledTweaks.h"
 #include "tavlen/tweaks/InstallableItem.h"
@@ -18,7 +19,8 @@ class ActiveTweakTest : public PackagingTest {
  protected:
   ActiveTweakTest() {
     ::setenv("TAVLEN_ROOT", tree().path().c_str(), 1);
-    program(std::string(kFileOperationsPath.substr(1)), "exec '" TAVLEN_FILE_OPERATIONS "' \"$@\"");
+    program(std::string(kFileOperationsPath.substr(1)),
+            "exec '" + paths().fileOperations + "' \"$@\"");
     program("usr/bin/killall", "echo respring >> '" + path("calls").string() + "'");
   }
   ~ActiveTweakTest() override { ::unsetenv("TAVLEN_ROOT"); }

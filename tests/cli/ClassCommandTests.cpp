@@ -16,7 +16,7 @@ using testing::StartsWith;
 class ClassCommandTest : public CommandTest {
  protected:
   ClassCommandTest() {
-    std::filesystem::create_symlink(TAVLEN_STAND_INS_LIBRARY, folder() / "image.so");
+    std::filesystem::create_symlink(paths().standInsLibrary, folder() / "image.so");
     // GNUstep, which the image needs, keeps a list while it is loaded. It has no frame pointers, so
     // only a slow look at the stack tells the leak checker whose it is.
     setEnvironment({"ASAN_OPTIONS=fast_unwind_on_malloc=0"});
@@ -26,7 +26,7 @@ class ClassCommandTest : public CommandTest {
     write("Applications/Notes.app/Info.plist", infoPlist("com.example.notes", "Notes"));
     write("Applications/Notes.app/Notes", macho::thin(2));
     write("Applications/Notes.app/Frameworks/none", "");
-    std::filesystem::copy_file(TAVLEN_DUMPED_IMAGE, folder() / kImage);
+    std::filesystem::copy_file(paths().dumpedImage, folder() / kImage);
   }
   /// The variables of a command whose launch service starts `programs`, in the app's place.
   std::vector<std::string> service(const std::string& programs) const {
@@ -35,7 +35,7 @@ class ClassCommandTest : public CommandTest {
           "<key>launchOptions</key><string>" +
               (folder() / "launched").string() + "</string><key>programs</key><dict>" + programs +
               "</dict></dict></plist>");
-    return {std::string("LD_PRELOAD=") + TAVLEN_STAND_INS_LIBRARY, "LC_ALL=C",
+    return {"LD_PRELOAD=" + paths().standInsLibrary, "LC_ALL=C",
             "TAVLEN_STAND_INS=" + (folder() / "script.plist").string(),
             "TAVLEN_ROOT=" + folder().string()};
   }
@@ -149,7 +149,7 @@ TEST_F(ClassCommandTest, SaysWhyThereAreNoClassesOnTheAgentPort) {
 
 TEST_F(ClassCommandTest, AsksAnAppOnTheAgentPort) {
   writeApp();
-  setEnvironment(service("<key>com.example.notes</key><string>" TAVLEN_DUMP_AGENT "</string>"));
+  setEnvironment(service("<key>com.example.notes</key><string>" + paths().dumpAgent + "</string>"));
   const Result methods = run({"methods", "DumpedProbe", "--in", kImage, "--parser", "remote"});
   EXPECT_EQ(methods.status, 0) << methods.err;
   EXPECT_THAT(methods.out, HasSubstr("-\u00A0 (int)add:(int) to:(int)\n"));

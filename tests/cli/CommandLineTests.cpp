@@ -13,8 +13,8 @@ namespace fs = std::filesystem;
 using testing::HasSubstr;
 using testing::StartsWith;
 
-const std::string kEverything = TAVLEN_EXAMPLES_DIR "/tweaks/Everything";
-const std::string kGreeting = TAVLEN_EXAMPLES_DIR "/tweaks/Greeting";
+const std::string kEverything = paths().examples + "/tweaks/Everything";
+const std::string kGreeting = paths().examples + "/tweaks/Greeting";
 
 TEST_F(CommandTest, ArgumentsAreChecked) {
   const struct {
@@ -45,7 +45,7 @@ TEST_F(CommandTest, DoesItsWorkOnTheExamples) {
   for (const std::string& tweak : {kEverything, kGreeting + "/"}) {
     const std::string golden = fs::path(tweak).filename().empty() ? "Greeting" : "Everything";
     const Result source = run({"source", tweak});
-    EXPECT_EQ(source.out, readFile(TAVLEN_TEST_DATA_DIR "/golden/" + golden + ".objs"));
+    EXPECT_EQ(source.out, readFile(paths().testData + "/golden/" + golden + ".objs"));
     const Result build = run({"build", tweak});
     EXPECT_THAT(build.out, HasSubstr("objc_orig(this, arguments);\n"));
     const Result written = run({"build", tweak, "-o", "new/" + golden});
@@ -86,7 +86,7 @@ TEST_F(CommandTest, OutputThatCannotBeWrittenIsAFailure) {
   const std::vector<std::string> printing[] = {{"build", kEverything},
                                                {"source", kGreeting},
                                                {"check", kGreeting},
-                                               {"info", TAVLEN_EXAMPLES_DIR "/apps/Example.app"},
+                                               {"info", paths().examples + "/apps/Example.app"},
                                                {"--version"}};
   for (const auto& arguments : printing) {
     const Result result = run(arguments, "/dev/full");

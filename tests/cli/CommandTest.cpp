@@ -34,7 +34,7 @@ std::vector<char*> childEnvironment(std::vector<std::string>& further) {
 
 pid_t startCommand(std::vector<std::string> arguments, const std::vector<char*>& environment,
                    const posix_spawn_file_actions_t& actions) {
-  arguments.insert(arguments.begin(), TAVLEN_COMMAND);
+  arguments.insert(arguments.begin(), paths().command);
   std::vector<char*> argv;
   for (std::string& word : arguments) argv.push_back(word.data());
   argv.push_back(nullptr);
@@ -47,9 +47,9 @@ pid_t startCommand(std::vector<std::string> arguments, const std::vector<char*>&
   posix_spawnattr_setsigdefault(&attributes, &signals);
   posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
   pid_t child = 0;
-  EXPECT_EQ(
-      ::posix_spawn(&child, TAVLEN_COMMAND, &actions, &attributes, argv.data(), environment.data()),
-      0);
+  EXPECT_EQ(::posix_spawn(&child, paths().command.c_str(), &actions, &attributes, argv.data(),
+                          environment.data()),
+            0);
   posix_spawnattr_destroy(&attributes);
   return child;
 }

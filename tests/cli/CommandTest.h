@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "TemporaryFolder.h"
+#include "TestPaths.h"
 
 namespace tavlen {
 

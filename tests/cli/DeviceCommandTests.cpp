@@ -157,7 +157,7 @@ TEST_F(DeviceCommandTest, KillAndRespringSayWhatIsMissing) {
         "<?xml version=\"1.0\" encoding=\"UTF-8\"?><plist version=\"1.0\"><dict><key>pids</key>"
         "<dict><key>com.a</key><integer>12345</integer><key>com.odd</key><integer>0</integer>"
         "</dict></dict></plist>");
-  setEnvironment({std::string("LD_PRELOAD=") + TAVLEN_STAND_INS_LIBRARY,
+  setEnvironment({"LD_PRELOAD=" + paths().standInsLibrary,
                   "TAVLEN_STAND_INS=" + (folder() / "script.plist").string()});
   EXPECT_THAT(device({"kill", "com.a"}).err,
               HasSubstr("/tree/bin/kill: No such file or directory\n"));

@@ -18,7 +18,7 @@ const std::string kContainers = "device/var/containers/Bundle/Application";
 class IconCommandTest : public CommandTest {
  protected:
   void SetUp() override {
-    const std::string script = TAVLEN_EXAMPLES_DIR "/make-device";
+    const std::string script = paths().examples + "/make-device";
     ASSERT_EQ(std::system(("'" + script + "' '" + (folder() / "device").string() + "'").c_str()),
               0);
   }
@@ -101,7 +101,7 @@ TEST_F(IconCommandTest, TheTreeIsReplacedAndNothingElseIs) {
   SetUp();
   EXPECT_FALSE(fs::exists(folder() / "device/Applications/Old.app"));
   write("mine/file", "");
-  const std::string script = TAVLEN_EXAMPLES_DIR "/make-device";
+  const std::string script = paths().examples + "/make-device";
   EXPECT_NE(
       std::system(("'" + script + "' '" + (folder() / "mine").string() + "' 2>/dev/null").c_str()),
       0);

@@ -15,7 +15,7 @@ class StoreTest : public CommandTest {
  protected:
   StoreTest() {
     write("tree/Applications/Notes.app/Info.plist", infoPlist("com.example.notes", "Notes"));
-    helper("exec '" TAVLEN_FILE_OPERATIONS "' \"$@\"");
+    helper("exec '" + paths().fileOperations + "' \"$@\"");
     environment();
   }
 

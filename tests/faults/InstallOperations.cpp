@@ -5,6 +5,7 @@
 #include "Operation.h"
 #include "SampleStore.h"
 #include "TemporaryFolder.h"
+#include "TestPaths.h"
 #include "tavlen/bundles/IPA.h"
 #include "tavlen/bundles/InstallableTweak.h"
 #include "tavlen/device/DevicePaths.h"
@@ -53,8 +54,9 @@ void prepare() {
   for (const std::string& program : {std::string(kFileOperationsPath),
                                      std::string("/usr/bin/killall"), std::string("/bin/kill")}) {
     const bool isHelper = program == kFileOperationsPath;
-    writeFile(root / program.substr(1),
-              isHelper ? "#!/bin/sh\nexec '" TAVLEN_FILE_OPERATIONS "' \"$@\"\n" : "#!/bin/sh\n");
+    writeFile(
+        root / program.substr(1),
+        isHelper ? "#!/bin/sh\nexec '" + paths().fileOperations + "' \"$@\"\n" : "#!/bin/sh\n");
     fs::permissions(root / program.substr(1), fs::perms::owner_all);
   }
   setActive(kFirstTweak);

@@ -3,6 +3,7 @@
 #include <cstdlib>
 
 #include "TemporaryFolder.h"
+#include "TestPaths.h"
 #include "tavlen/device/TweakInfo.h"
 #include "tavlen/foundation/FileSystem.h"
 #include "tavlen/foundation/KeyedArchive.h"
@@ -19,9 +20,8 @@ class KeyedArchiveInterop : public testing::Test {
     const auto input = folder_.write("in", encodeKeyedArchive(value));
     const auto output = folder_.path() / "out";
     // Its leaks are not ours.
-    const std::string command = "ASAN_OPTIONS=detect_leaks=0 '" TAVLEN_ARCHIVE_PEER "' " +
-                                std::string(task) + " '" + input.string() + "' '" +
-                                output.string() + "'";
+    const std::string command = "ASAN_OPTIONS=detect_leaks=0 '" + paths().archivePeer + "' " +
+                                task + " '" + input.string() + "' '" + output.string() + "'";
     EXPECT_EQ(std::system(command.c_str()), 0) << command;  // NOLINT(cert-env33-c)
     return decodeKeyedArchive<T>(readFile(output));
   }

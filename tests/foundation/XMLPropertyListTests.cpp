@@ -9,6 +9,7 @@
 #include "PropertyListGraph.h"
 #include "RandomPropertyList.h"
 #include "TemporaryFolder.h"
+#include "TestPaths.h"
 #include "tavlen/foundation/FileSystem.h"
 #include "tavlen/foundation/PropertyListSerialization.h"
 #include "tavlen/foundation/XMLPropertyListScalars.h"
@@ -367,7 +368,7 @@ TEST(PropertyListInPython, agrees) {
       const std::filesystem::path input = folder.path() / "in";
       const std::filesystem::path output = folder.path() / "out";
       std::ofstream(input, std::ios::binary) << writePropertyList(list, ours);
-      const std::string command = "python3 '" TAVLEN_TEST_DATA_DIR "/plist/resave.py' " +
+      const std::string command = "python3 '" + paths().testData + "/plist/resave.py' " +
                                   input.string() + " " + output.string() + " " + theirs;
       ASSERT_EQ(std::system(command.c_str()), 0) << command;  // NOLINT(cert-env33-c)
       EXPECT_EQ(toXML(readPropertyList(readFile(output))), toXML(list)) << theirs;

@@ -9,6 +9,7 @@
 #include <sstream>
 
 #include "TemporaryFolder.h"
+#include "TestPaths.h"
 #include "Thrown.h"
 #include "tavlen/foundation/FileSystem.h"
 #include "tavlen/foundation/Progress.h"
@@ -90,7 +91,7 @@ std::string inSnakeCase(const std::string& name) {
 TEST(ZIPArchive, HostileArchivesAreRefusedByTheirFault) {
   const TemporaryFolder folder;
   const TemporaryFolder outside;
-  run("python3 " TAVLEN_TEST_DATA_DIR "/../foundation/hostile_archives.py " +
+  run("python3 " + paths().testData + "/../foundation/hostile_archives.py " +
       folder.path().string() + " " + outside.path().string());
   const auto before = contentsOf(folder.path());
   std::istringstream list(readFile(folder.path() / "list"));
@@ -170,7 +171,7 @@ TEST_F(ZIPTree, ComesBackWithNamesBytesAndPermissions) {
 TEST_F(ZIPTree, ArchivesOfOtherProgramsAreTaken) {
   const std::string in = "cd " + folder_.path().string() + " && ";
   const std::string python =
-      in + "python3 " TAVLEN_TEST_DATA_DIR "/../foundation/foreign_archives.py ";
+      in + "python3 " + paths().testData + "/../foundation/foreign_archives.py ";
   const std::vector<std::pair<std::string, std::string>> programs = {
       {"zip", in + "zip -qr zip.zip Payload"},
       {"zip1", in + "zip -qr -1 zip1.zip Payload/*"},

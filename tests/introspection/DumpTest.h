@@ -74,7 +74,7 @@ class DumpTest : public testing::Test {
     std::filesystem::permissions(tree() / "bin/kill", std::filesystem::perms::owner_all);
     writeInfo(kApp);
     tree_.write("Applications/Dumped.app/Frameworks/none", "");
-    std::filesystem::copy_file(TAVLEN_DUMPED_IMAGE, tree() / (kImage + 1));
+    std::filesystem::copy_file(paths().dumpedImage, tree() / (kImage + 1));
   }
   ~DumpTest() override {
     setLogSink({});
@@ -94,7 +94,8 @@ class DumpTest : public testing::Test {
   std::string script(std::uint16_t port, const std::string& environment = "",
                      const std::string& more = "") const {
     return "<key>launchDelay</key><real>0</real><key>programs</key><dict><key>" +
-           std::string(kApp) + "</key><string>" TAVLEN_DUMP_AGENT "</string></dict>" +
+           std::string(kApp) + "</key><string>" + paths().dumpAgentWithClasses +
+           "</string></dict>" +
            "<key>programEnvironment</key><dict><key>TAVLEN_ROOT</key><string>" +
            DeviceRoot::shared().url().string() + "</string><key>TESSALOOP_PORT</key><string>" +
            std::to_string(port) + "</string>" + environment + "</dict>" + more;

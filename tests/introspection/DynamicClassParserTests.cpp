@@ -18,6 +18,7 @@
 
 #include "LoadClasses.h"
 #include "TemporaryFolder.h"
+#include "TestPaths.h"
 #include "tavlen/bundles/Executable.h"
 #include "tavlen/foundation/ExecutablePath.h"
 #include "tavlen/foundation/FileSystem.h"
@@ -117,8 +118,9 @@ class DynamicClassParserTest : public testing::Test {
 };
 
 TEST_F(DynamicClassParserTest, ReadsWhatAnImageDefines) {
+  const std::string image = paths().classesImage;
   std::string text;
-  for (const auto& each : parse(TAVLEN_CLASSES_IMAGE)) text += textOf(*each);
+  for (const auto& each : parse(image)) text += textOf(*each);
   // The run time gives the methods of a category first, each list from its end; it lists the
   // instance methods of a root class as class methods, too, which no other class shows.
   EXPECT_EQ(text, R"(class SampleRoot
@@ -126,7 +128,8 @@ TEST_F(DynamicClassParserTest, ReadsWhatAnImageDefines) {
 + tag i16@0:8
 + make @16@0:8
 class SamplePicture
-super SampleRoot )" TAVLEN_CLASSES_IMAGE R"(
+super SampleRoot )" + image +
+                      R"(
 protocol SampleDrawing
 protocol SampleNaming
 - name r*16@0:8
@@ -134,21 +137,22 @@ protocol SampleNaming
 - drawIn:at: v40@0:8^{Box={Point=dd}C}16{Point=dd}24
 + name @16@0:8
 class SampleBare
-super SamplePicture )" TAVLEN_CLASSES_IMAGE R"(
+super SamplePicture )" +
+                      image + R"(
 class SampleAlien
 super Object )" + pathOfDefinition("Object") +
                       R"(
 - boxOf: {Box={Point=dd}C}24@0:8O@16
 )");
-  EXPECT_THAT(messages_.take(), ElementsAre("dlopening " TAVLEN_CLASSES_IMAGE "!",
-                                            "Enumerating classes of " TAVLEN_CLASSES_IMAGE));
+  EXPECT_THAT(messages_.take(),
+              ElementsAre("dlopening " + image + "!", "Enumerating classes of " + image));
 }
 
 TEST_F(DynamicClassParserTest, ReadsAClassOnce) {
-  const auto first = parse(TAVLEN_CLASSES_IMAGE);
+  const auto first = parse(paths().classesImage);
   messages_.take();
   const TemporaryFolder folder;
-  std::filesystem::create_symlink(TAVLEN_CLASSES_IMAGE, folder.path() / "link.so");
+  std::filesystem::create_symlink(paths().classesImage, folder.path() / "link.so");
   EXPECT_EQ(parse(folder.path() / "link.so", false), first);  // the same records
   EXPECT_EQ(messages_.take().size(), 1U);                     // and nothing is loaded
   EXPECT_EQ(parser_.cache().size(), 4U);
@@ -189,8 +193,8 @@ TEST_F(DynamicClassParserTest, GivesNothingForWhatDoesNotLoad) {
 
 TEST_F(DynamicClassParserTest, AnImageMayHaveNoClasses) {
   ::dlopen("/no/such/image", RTLD_LAZY);  // whose error is not that of the next
-  EXPECT_THAT(parse(TAVLEN_NO_CLASSES_IMAGE), testing::IsEmpty());
-  EXPECT_NE(::dlopen(TAVLEN_NO_CLASSES_IMAGE, RTLD_LAZY | RTLD_NOLOAD), nullptr);
+  EXPECT_THAT(parse(paths().noClassesImage), testing::IsEmpty());
+  EXPECT_NE(::dlopen(paths().noClassesImage.c_str(), RTLD_LAZY | RTLD_NOLOAD), nullptr);
 }
 
 TEST_F(DynamicClassParserTest, KnowsTheProgram) {
@@ -202,18 +206,18 @@ TEST_F(DynamicClassParserTest, KnowsTheProgram) {
 TEST_F(DynamicClassParserTest, InitialisersMayAsk) {
   std::vector<std::pair<std::string, ClassParser::Classes>> answers;
   sampleCallback() = [&](const std::string& initialiser) {
-    answers.emplace_back(initialiser, parse(TAVLEN_CLASSES_IMAGE));
+    answers.emplace_back(initialiser, parse(paths().classesImage));
   };
-  const auto classes = parse(TAVLEN_INITIALISERS_IMAGE);
+  const auto classes = parse(paths().initialisersImage);
   sampleCallback() = nullptr;
   EXPECT_THAT(namesOf(classes), ElementsAre("SampleLoaded"));
-  const auto expected = parse(TAVLEN_CLASSES_IMAGE);
+  const auto expected = parse(paths().classesImage);
   EXPECT_THAT(answers, testing::UnorderedElementsAre(testing::Pair("load", expected),
                                                      testing::Pair("constructor", expected)));
 }
 
 TEST_F(DynamicClassParserTest, ClassesMadeAtRunTimeHaveNoImage) {
-  parse(TAVLEN_CLASSES_IMAGE);
+  parse(paths().classesImage);
   Class made = madeClass("Made\xFF", classNamed("SampleRoot"));
   Class below = madeClass("Made\xFE", made);
   class_addMethod(made, sel_registerName("typeless"), anyCode(), "v");
@@ -226,28 +230,28 @@ TEST_F(DynamicClassParserTest, ClassesMadeAtRunTimeHaveNoImage) {
     if (*types == 'v') types = nullptr;
   }
   std::free(methods);
-  EXPECT_EQ(textOf(*parser_.parseClass(made)),
-            "class Made\xEF\xBF\xBD\nsuper SampleRoot " TAVLEN_CLASSES_IMAGE
-            "\n- odd\xEF\xBF\xBD: {\xEF\xBF\xBD=}\n");
+  EXPECT_EQ(textOf(*parser_.parseClass(made)), "class Made\xEF\xBF\xBD\nsuper SampleRoot " +
+                                                   paths().classesImage +
+                                                   "\n- odd\xEF\xBF\xBD: {\xEF\xBF\xBD=}\n");
   EXPECT_EQ(textOf(*parser_.parseClass(below)),
             "class Made\xEF\xBF\xBD\nsuper Made\xEF\xBF\xBD -\n");
-  EXPECT_EQ(namesOf(parse(TAVLEN_CLASSES_IMAGE)).size(), 4U);
+  EXPECT_EQ(namesOf(parse(paths().classesImage)).size(), 4U);
 }
 
 TEST_F(DynamicClassParserTest, ListsProtocolsOrNone) {
-  parse(TAVLEN_CLASSES_IMAGE);
+  parse(paths().classesImage);
   EXPECT_THAT(class_copyProtocolNames(classNamed("SamplePicture")),
               testing::Optional(ElementsAre("SampleDrawing", "SampleNaming")));
   EXPECT_EQ(class_copyProtocolNames(classNamed("SampleBare")), std::nullopt);
 }
 
 TEST_F(DynamicClassParserTest, ProgressHasAUnitAClass) {
-  parse(TAVLEN_CLASSES_IMAGE);
+  parse(paths().classesImage);
   const auto top = Progress::discrete(2);
   std::vector<double> fractions;
   {
     const ScopedProgress current(top, 2);
-    objc_enumerateClassesOfImage(TAVLEN_CLASSES_IMAGE, [&](Class) {
+    objc_enumerateClassesOfImage(paths().classesImage, [&](Class) {
       EXPECT_EQ(Progress::current()->totalUnitCount(), 4);
       fractions.push_back(top->fractionCompleted());
     });
@@ -257,7 +261,7 @@ TEST_F(DynamicClassParserTest, ProgressHasAUnitAClass) {
 
   const auto parent = Progress::discrete(2);
   parent->becomeCurrent(1);
-  objc_enumerateClassesOfImage(TAVLEN_NO_CLASSES_IMAGE, [](Class) { FAIL(); });
+  objc_enumerateClassesOfImage(paths().noClassesImage, [](Class) { FAIL(); });
   const auto child = Progress::make(1);  // the first: nothing was made for no class
   parent->resignCurrent();
   EXPECT_EQ(parent->completedUnitCount(), 0);
@@ -272,13 +276,13 @@ TEST_F(DynamicClassParserTest, ServesExecutables) {
   const auto executable = [](const std::filesystem::path& image) {
     return Executable({}, image.parent_path(), image.filename(), false);
   };
-  std::filesystem::copy_file(TAVLEN_NO_CLASSES_IMAGE, folder.path() / "fresh.so");
+  std::filesystem::copy_file(paths().noClassesImage, folder.path() / "fresh.so");
   const Executable fresh = executable(folder.path() / "fresh.so");
   EXPECT_THAT(parser.parse(fresh, parent), testing::IsEmpty());
   EXPECT_EQ(messages_.take().size(), 2U);
   EXPECT_THAT(parser.parse(fresh), testing::IsEmpty());
   EXPECT_EQ(messages_.take().size(), 1U);  // it is not loaded again
-  EXPECT_EQ(parser.parse(executable(TAVLEN_CLASSES_IMAGE), parent), parse(TAVLEN_CLASSES_IMAGE));
+  EXPECT_EQ(parser.parse(executable(paths().classesImage), parent), parse(paths().classesImage));
   EXPECT_EQ(parent->completedUnitCount(), 2);
   try {
     parser.parse(executable(folder.path() / "missing.so"), parent);
@@ -297,7 +301,7 @@ TEST_F(DynamicClassParserTest, ThreadsShareRecords) {
     threads.emplace_back([&] {
       const auto& parser = DynamicClassParser::sharedParser();
       for (int i = 0; i < 20; ++i) {
-        result = parser.parseClassesAtPath(TAVLEN_CLASSES_IMAGE, true).value();
+        result = parser.parseClassesAtPath(paths().classesImage, true).value();
         EXPECT_EQ(parser.parseClass(objc_lookUpClass("SampleBare")), result.at(2));
         EXPECT_GE(parser.cache().size(), result.size());
       }
@@ -312,7 +316,7 @@ std::string foundationByItself() {
   const auto file = folder.path() / "dump";
   // Its leaks are not ours.
   const std::string command =
-      "ASAN_OPTIONS=detect_leaks=0 '" TAVLEN_FOUNDATION_DUMP "' > '" + file.string() + "'";
+      "ASAN_OPTIONS=detect_leaks=0 '" + paths().foundationDump + "' > '" + file.string() + "'";
   if (std::system(command.c_str()) != 0) return "";  // NOLINT(cert-env33-c)
   return readFile(file);
 }

@@ -78,12 +78,12 @@ TEST_F(RemoteClassParserTest, DumpsAnImageOfAnApp) {
 
 TEST_F(RemoteClassParserTest, DumpsAWholeFoundationAsTheRunTimeKnowsIt) {
   // Each test has a process of its own, but for those who run the program themselves.
-  if (::dlopen(TAVLEN_STAND_INS_LIBRARY, RTLD_LAZY | RTLD_NOLOAD) != nullptr) {
+  if (::dlopen(paths().standInsLibrary.c_str(), RTLD_LAZY | RTLD_NOLOAD) != nullptr) {
     GTEST_SKIP() << "the stand-ins have used classes, some of which got methods then";
   }
   DeviceRoot::setShared(DeviceRoot());
-  const fs::path library = TAVLEN_FOUNDATION_LIBRARY;
-  loadClasses(TAVLEN_FOUNDATION_LIBRARY);
+  const fs::path library = paths().foundationLibrary;
+  loadClasses(paths().foundationLibrary.c_str());
   const auto known = DynamicClassParser::sharedParser().parseClassesAtPath(library, true);
   ASSERT_TRUE(known);
   const std::uint16_t port = freePort();

@@ -10,6 +10,7 @@
 #include <set>
 #include <sstream>
 
+#include "TestPaths.h"
 #include "tavlen/foundation/FileSystem.h"
 
 namespace tavlen {
@@ -45,14 +46,14 @@ void HelperTest::writeTweak(const std::string& name, std::string_view bytes) con
 }
 
 HelperTest::Result HelperTest::run(const std::vector<std::string>& words, User user) const {
-  std::vector<std::string> copies = {TAVLEN_FILE_OPERATIONS};
+  std::vector<std::string> copies = {paths().fileOperations};
   copies.insert(copies.end(), words.begin(), words.end());
   std::vector<char*> arguments;
   for (std::string& word : copies) arguments.push_back(word.data());
   arguments.push_back(nullptr);
   const std::string messages = (messages_.path() / "err").string();
   // By its descriptor, because nobody may not get through to the folder where it was built.
-  const int program = ::open(TAVLEN_FILE_OPERATIONS, O_RDONLY | O_CLOEXEC);
+  const int program = ::open(paths().fileOperations.c_str(), O_RDONLY | O_CLOEXEC);
   const pid_t child = ::fork();
   if (child == 0) {
     ::dup2(::open(messages.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600), 2);

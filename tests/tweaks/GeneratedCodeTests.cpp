@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "TestPaths.h"
 #include "tavlen/foundation/FileSystem.h"
 #include "tavlen/foundation/JSONEncoder.h"
 #include "tavlen/foundation/JavaScriptContext.h"
@@ -11,14 +12,14 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const fs::path kTweaks = fs::path(TAVLEN_EXAMPLES_DIR) / "tweaks";
-const fs::path kData = TAVLEN_TEST_DATA_DIR;
+const fs::path kTweaks = fs::path(paths().examples) / "tweaks";
+const fs::path kData = paths().testData;
 
 /// The code of an example runs in an engine, under the run time of tests/data/runtime.js.
 class GeneratedCodeTest : public testing::Test {
  protected:
   GeneratedCodeTest() {
-    TweakProcessor processor(TAVLEN_RESOURCE_DIR);
+    TweakProcessor processor(paths().resources);
     output_ = processor.process(*TweakFile::at(kTweaks / "Everything"));
     run(readFile(kData / "runtime.js"), "runtime.js");
     run(output_.code, "code.js");

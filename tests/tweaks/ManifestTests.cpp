@@ -5,6 +5,7 @@
 #include <chrono>
 
 #include "TemporaryFolder.h"
+#include "TestPaths.h"
 #include "Thrown.h"
 #include "tavlen/foundation/FileSystem.h"
 #include "tavlen/foundation/JSONDecoder.h"
@@ -73,7 +74,7 @@ TEST(Manifest, OverridesComeOutOfTheirBoxesAndGoBack) {
 TEST(Manifest, ExamplesAreReadAndWrittenByteForByte) {
   for (const char* name : {"Greeting", "Everything"}) {
     const std::string bytes =
-        readFile(std::filesystem::path(TAVLEN_EXAMPLES_DIR) / "tweaks" / name / "Manifest.json");
+        readFile(std::filesystem::path(paths().examples) / "tweaks" / name / "Manifest.json");
     EXPECT_EQ(encodeJSON(decodeJSON<Manifest>(bytes)), bytes) << name;
   }
 }

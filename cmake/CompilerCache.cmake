@@ -7,5 +7,9 @@ if(TAVLEN_CCACHE)
   set(launcher env "CCACHE_BASEDIR=${PROJECT_SOURCE_DIR}" CCACHE_NOHASHDIR=1
     CCACHE_SLOPPINESS=pch_defines,time_macros "${TAVLEN_CCACHE}")
   set(CMAKE_CXX_COMPILER_LAUNCHER ${launcher})
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+    # Of a precompiled header from the cache, the sources may be younger.
+    list(APPEND CMAKE_CXX_COMPILE_OPTIONS_CREATE_PCH -Xclang -fno-pch-timestamp)
+  endif()
   set(CMAKE_OBJC_COMPILER_LAUNCHER ${launcher})
 endif()

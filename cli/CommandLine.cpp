@@ -124,7 +124,7 @@ Option Command::text(const char* name, std::optional<std::string>& value, const 
   return Option(*app_->add_option(name, value, help));
 }
 
-Option Command::text(const char* name, std::function<void(const std::string&)> store,
+Option Command::text(const char* name, const std::function<void(const std::string&)>& store,
                      const std::string& help) {
   return Option(*app_->add_option_function<std::string>(name, store, help));
 }

@@ -78,7 +78,7 @@ class Command {
   Option text(const char* name, std::string& value, const std::string& help);
   Option text(const char* name, std::optional<std::string>& value, const std::string& help);
   /// Lets `store` read the value; it may throw UsageError.
-  Option text(const char* name, std::function<void(const std::string& value)> store,
+  Option text(const char* name, const std::function<void(const std::string& value)>& store,
               const std::string& help);
   Option number(const char* name, std::optional<std::uint32_t>& value, const std::string& help);
   /// One or more positional arguments, each as it stands, also one in square brackets.

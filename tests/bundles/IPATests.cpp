@@ -255,9 +255,14 @@ TEST_F(IPATest, InstallsReplacesAndClearsATweak) {
             "com.example.notes/T2.bundle/Icon.png");
   EXPECT_THAT(calls(), testing::EndsWith("killall -9 SpringBoard\n"));
 
+  fs::remove(tree_.path() / "calls");
+  const SampleTweak other("T3", "another icon");
+  ipa->setActiveTweak(&other);
+  EXPECT_THAT(calls(), testing::EndsWith("killall -9 SpringBoard\n"));
+
   // The same bytes elsewhere change nothing that the home screen shows.
   fs::remove(tree_.path() / "calls");
-  const SampleTweak again("T3", "an icon");
+  const SampleTweak again("T4", "another icon");
   ipa->setActiveTweak(&again);
   EXPECT_EQ(calls(), "kvfileops cleanup " + directory + " 1\n");
 
@@ -265,7 +270,7 @@ TEST_F(IPATest, InstallsReplacesAndClearsATweak) {
   EXPECT_EQ(calls(), "kvfileops cleanup " + directory + " 1\nkvfileops cleanup " + directory +
                          " 0\nkillall -9 SpringBoard\n");
   EXPECT_FALSE(fs::exists(installed()));
-  EXPECT_EQ(notices.size(), 6U) << "the last change was silent";
+  EXPECT_EQ(notices.size(), 8U) << "the last change was silent";
   EXPECT_FALSE(fs::exists(tree_.path() / "var/mobile/Library/Application Support/Marrowgleam/"
                                          ".TemporaryItems"));
   NotificationCenter::default_().removeObserver(token);

@@ -127,6 +127,9 @@ TEST_F(StoreTest, DeleteTakesAwayWhatTheStoreHolds) {
                                              std::string(kTweaksDir) + "\n");
   EXPECT_EQ(run({"delete", "C"}).status, 0);
   EXPECT_EQ(run({"install", "A"}).status, 0);
+  newTweak("B");
+  EXPECT_EQ(run({"delete", "B"}).status, 0);
+  EXPECT_THAT(run({"show", "A"}).out, HasSubstr("Installed:  yes\n")) << "another one's";
   helper("exit 3");
   const Result forced = run({"delete", "A"});
   EXPECT_EQ(forced.status, 0);

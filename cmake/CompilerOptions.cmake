@@ -19,8 +19,8 @@ if(TAVLEN_SANITIZE)
   # A block is called by its public interface, with whatever stands for the block as the first argument.
   add_compile_options($<$<COMPILE_LANG_AND_ID:CXX,Clang>:-fno-sanitize=function>)
 endif()
-# For the core and the fuzz targets alone: what the engine is to find its way through. Optimised, it takes ten times as
-# many inputs, and the tests of a sanitizer's build save more than the compiler spends.
+# For the core and the fuzz targets alone: what the engine is to find its way through. Optimised, it takes several times
+# as many inputs, and the tests under the address sanitizer gain as much time as compiling costs.
 add_library(tavlen_fuzzing INTERFACE)
 if(TAVLEN_FUZZING_ENGINE)
   target_compile_options(tavlen_fuzzing INTERFACE -fsanitize=fuzzer-no-link -O1)

@@ -4,7 +4,7 @@
 
 namespace tavlen::cli {
 
-/// Each adds its subcommand to `app`. A file a subcommand.
+/// Each adds its subcommand to `app`. One source file for each.
 void addSourceCommand(Command app);
 void addBuildCommand(Command app);
 void addCheckCommand(Command app);

@@ -153,11 +153,11 @@ Command addTo(Command group, const char* name, const char* help, const SharedOpt
   return command;
 }
 
-void run(Command command, const SharedOptions& options, void (*edit)(const Options&)) {
-  command.run([options, edit] {
+Action actionOf(const SharedOptions& options, void (*edit)(const Options&)) {
+  return [options, edit] {
     edit(*options);
     return 0;
-  });
+  };
 }
 
 void addAdd(Command group) {
@@ -189,25 +189,22 @@ void addAdd(Command group) {
     if (!method.isGiven()) {
       for (const Option& typed : {cls, selector, signature}) typed.requireGiven();
     }
-    return [options] {
-      addHook(*options);
-      return 0;
-    };
+    return actionOf(options, addHook);
   });
 }
 
 void addRemove(Command group) {
   const auto options = std::make_shared<Options>();
-  const Command command = addTo(group, "remove", "Remove a hook and its parameters", options);
+  Command command = addTo(group, "remove", "Remove a hook and its parameters", options);
   addHookArgument(command, options->hook);
-  run(command, options, removeHook);
+  command.run(actionOf(options, removeHook));
 }
 
 void addList(Command group) {
   const auto options = std::make_shared<Options>();
   Command command = addTo(group, "list", "List the hooks", options);
   command.flag("--json", options->json, "Print a JSON array, as the manifest holds it");
-  run(command, options, listHooks);
+  command.run(actionOf(options, listHooks));
 }
 
 void addSet(Command group) {
@@ -227,7 +224,7 @@ void addSet(Command group) {
   const Option name =
       changes.text("--name", options->name, "A name to show").notEmpty().typeName("NAME");
   changes.flag("--no-name", options->hasNoName, "Show no name").excludes(name);
-  run(command, options, setHook);
+  command.run(actionOf(options, setHook));
 }
 
 }  // namespace

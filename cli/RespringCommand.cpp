@@ -1,4 +1,3 @@
-
 #include "cli/Commands.h"
 #include "cli/ProgramCheck.h"
 #include "tavlen/device/ProcessControl.h"

@@ -49,8 +49,8 @@ void sweepLeftOvers(const std::filesystem::path& items) {
 TemporaryDirectory::TemporaryDirectory(const std::filesystem::path& folder) {
   const std::filesystem::path items = folder / kItemsFolder;
   sweepLeftOvers(items);
-  // Another's end may remove the common folder between the two calls. Who tries again at once may
-  // lose to the same one every time, as they then wait for the same locks of the system in step.
+  // Another's end may remove the common folder between the two calls. Two that try again without a
+  // pause can keep colliding, so each waits a little longer every time.
   constexpr int kAttempts = 1000;
   constexpr std::chrono::microseconds kStep(50);
   constexpr std::chrono::microseconds kLongestPause(5000);
@@ -63,7 +63,10 @@ TemporaryDirectory::TemporaryDirectory(const std::filesystem::path& folder) {
     if (std::filesystem::is_symlink(items, unknown)) {
       throw std::system_error(ELOOP, std::generic_category(), items.string());
     }
-    if (error == std::errc::file_exists && attempt < kAttempts) continue;
+    if (error == std::errc::file_exists && attempt < kAttempts &&
+        std::filesystem::is_directory(folder, unknown)) {
+      continue;
+    }
     if (error) throw std::system_error(error, items.string());
     std::string pattern = (items / (std::string(kOwnPrefix) + "XXXXXX")).string();
     if (::mkdtemp(pattern.data()) != nullptr) {

@@ -71,7 +71,7 @@ FaultLoop::~FaultLoop() { ::munmap(shared_, sizeof(Shared)); }
 
 Tree FaultLoop::tree() const { return readTree(store_.root(), operation_.readArchive); }
 
-/// In this process, or in one that may be killed at any of its calls; gives whether it succeeds.
+/// In this process, or in one that may be killed at any of its calls; returns whether it succeeded.
 bool FaultLoop::run(const Plan& plan) const {
   bool succeeds = false;
   ::alarm(kMostSeconds);

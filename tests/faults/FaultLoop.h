@@ -32,6 +32,7 @@ class FaultLoop {
   void runAll(const Fault& fault);
   Outcome runOnce(const Plan& plan) const;
   bool run(const Plan& plan) const;
+  /// Returns the status that waitpid() tells.
   int runInChild(const Plan& plan) const;
   std::string fault(const Outcome& outcome, const Fault& fault) const;
   bool isLeftover(const Tree& tree) const;

@@ -19,10 +19,12 @@ using Action = std::function<int()>;
 
 /// An option, a flag or a positional argument of a Command: a handle, which is copied freely and
 /// valid for as long as the CommandLine. The functions that change it return it, to be chained.
+/// What they make of the arguments is judged by CommandLine::parse().
 class Option {
  public:
   explicit Option(CLI::Option& option) : option_(&option) {}
 
+  /// Leaving it out is wrong usage.
   Option required();
   /// What help shows in place of the value.
   Option typeName(const char* name);
@@ -40,11 +42,14 @@ class Option {
   Option check(std::function<std::string(const std::string& text)> problem);
   /// Lets `change` edit the text before it is checked.
   Option transform(std::function<void(std::string& text)> change);
+  /// Refuses any other text; help lists these.
   Option oneOf(std::vector<std::string> texts);
   /// As oneOf(), but stores the spelling of `texts` for any case of letters.
   Option oneOfIgnoringCase(std::vector<std::string> texts);
 
+  /// Refuses both at once.
   Option excludes(Option other);
+  /// Refuses it without `other`.
   Option needs(Option other);
 
   /// After parsing: whether the user gave it.
@@ -64,22 +69,26 @@ class Command {
  public:
   Command(CLI::App& app, Action& chosen) : app_(&app), chosen_(&chosen) {}
 
+  /// Adds a subcommand; help shows `description` for it.
   Command addCommand(const std::string& name, const std::string& description);
   /// One subcommand must follow.
   void requireCommand();
   /// Whether the user named one of its subcommands; for prepare().
   bool hasChosenCommand() const;
 
-  /// Options of their own heading in help. With a limit of 0, any number from `least` on may be
-  /// given.
+  /// Options under a heading of their own in help, of which the user gives `least` to `most`, or
+  /// any number from `least` on where `most` is 0.
   Command addGroup(const char* name, const char* description, std::size_t least, std::size_t most);
 
+  /// An option without a value.
   Option flag(const char* name, bool& isGiven, const char* help);
+  /// A text is taken as it stands; without one, the variable stays as it is.
   Option text(const char* name, std::string& value, const std::string& help);
   Option text(const char* name, std::optional<std::string>& value, const std::string& help);
   /// Lets `store` read the value; it may throw UsageError.
   Option text(const char* name, const std::function<void(const std::string& value)>& store,
               const std::string& help);
+  /// Refuses what is no whole number from 0 to 2^32 - 1.
   Option number(const char* name, std::optional<std::uint32_t>& value, const std::string& help);
   /// One or more positional arguments, each as it stands, also one in square brackets.
   Option texts(const char* name, std::vector<std::string>& values, const std::string& help);
@@ -109,8 +118,8 @@ class CommandLine {
   /// The command itself. Its options may stand after a subcommand, too.
   Command command();
 
-  /// Nothing once an action is chosen. Otherwise help was asked for and is printed, or what is
-  /// wrong with the arguments, and the result is the process's exit status. Throws
+  /// Returns nothing once an action is chosen. Otherwise prints the help that was asked for, or
+  /// what is wrong with the arguments, and returns the process's exit status. Throws
   /// std::system_error where the standard output takes nothing.
   std::optional<int> parse(int argc, const char* const* argv);
   /// Does what the user chose; to be called after parse() returned nothing. Throws what that does.

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "AppPlist.h"
 #include "TemporaryFolder.h"
 #include "Thrown.h"
 #include "tavlen/device/AppList.h"
@@ -25,7 +26,7 @@ namespace tavlen {
 /// The tree is that of the process, as the shared app list is.
 class PackagingTest : public testing::Test {
  protected:
-  /// Of that app, and a.b. Whichever test asks for the shared list first, it stays like that.
+  /// Lists that app and a.b for the shared list, which asks once in a process.
   struct Fetcher final : AppListFetcher {
     std::vector<AppListApp> fetchAllApps() const override {
       return {{"com.example.notes", "Notes", path("Applications/Notes.app")},
@@ -41,9 +42,9 @@ class PackagingTest : public testing::Test {
       std::filesystem::remove_all(entry.path());
     }
     tree().write("Applications/Notes.app/Info.plist",
-                 infoPlist("com.example.notes", "Notes",
-                           "<key>CFBundleVersion</key><string>1</string><key>MinimumOSVersion</key>"
-                           "<string>14.0</string><key>Unknown</key><true/>"));
+                 appPlist("com.example.notes", "Notes",
+                          "<key>CFBundleVersion</key><string>1</string><key>MinimumOSVersion</key>"
+                          "<string>14.0</string><key>Unknown</key><true/>"));
     tree().write("share/ob.js",
                  "var count = 0; var OBJSTranspiler = { transpile(source) { if (source == 'bad') "
                  "throw new Error('bad'); return { code: source + ++count, map: 'map' }; } };");

@@ -15,15 +15,6 @@
 
 namespace tavlen {
 
-/// The Info.plist of an app, with the further members `rest`.
-inline std::string infoPlist(
-    const std::string& bundleID, const std::string& executable,
-    const std::string& rest = "<key>CFBundleVersion</key><string>1</string>") {
-  return "<plist version=\"1.0\"><dict><key>CFBundleExecutable</key><string>" + executable +
-         "</string><key>CFBundleIdentifier</key><string>" + bundleID +
-         "</string><key>UIDeviceFamily</key><integer>1</integer>" + rest + "</dict></plist>";
-}
-
 /// In memory, where there is a file system for that which runs programs: a parent for the folders
 /// of tests that would wait for the disk some thousand times.
 inline std::filesystem::path memoryFolder() {

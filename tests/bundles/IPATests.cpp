@@ -14,6 +14,7 @@
 #include <thread>
 #include <vector>
 
+#include "AppPlist.h"
 #include "MachOFile.h"
 #include "TemporaryFolder.h"
 #include "Thrown.h"
@@ -52,7 +53,7 @@ class IPATest : public testing::Test {
   ~IPATest() override { DeviceRoot::setShared(DeviceRoot()); }
 
   void app(const std::string& bundleID, const std::string& executable) const {
-    tree_.write("Applications/Notes.app/Info.plist", infoPlist(bundleID, executable));
+    tree_.write("Applications/Notes.app/Info.plist", appPlist(bundleID, executable));
   }
   void program(const std::string& path, const std::string& script) const {
     const fs::path file =

@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include "AppPlist.h"
 #include "CommandTest.h"
 #include "MachOFile.h"
 #include "RunningCommand.h"
@@ -23,7 +24,7 @@ class ClassCommandTest : public CommandTest {
     writeTweak("T", "");
   }
   void writeApp() const {
-    write("Applications/Notes.app/Info.plist", infoPlist("com.example.notes", "Notes"));
+    write("Applications/Notes.app/Info.plist", appPlist("com.example.notes", "Notes"));
     write("Applications/Notes.app/Notes", macho::thin(2));
     write("Applications/Notes.app/Frameworks/none", "");
     std::filesystem::copy_file(paths().dumpedImage, folder() / kImage);

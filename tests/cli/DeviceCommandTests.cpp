@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include "AppPlist.h"
 #include "CommandTest.h"
 #include "MachOFile.h"
 #include "tavlen/device/TweakInfo.h"
@@ -18,8 +19,8 @@ class DeviceCommandTest : public CommandTest {
   void app(const std::string& folder, const std::string& name, const std::string& bundleID,
            const std::string& rest = "<key>CFBundleVersion</key><string>7</string>") const {
     write("tree/Applications/" + folder + "/Info.plist",
-          infoPlist(bundleID, "Main",
-                    "<key>CFBundleDisplayName</key><string>" + name + "</string>" + rest));
+          appPlist(bundleID, "Main",
+                   "<key>CFBundleDisplayName</key><string>" + name + "</string>" + rest));
   }
   void program(const std::string& path, const std::string& script) const {
     write("tree/" + path, "#!/bin/sh\n" + script + "\n");

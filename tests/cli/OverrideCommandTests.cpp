@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include "AppPlist.h"
 #include "CommandTest.h"
 
 namespace tavlen {
@@ -104,9 +105,9 @@ TEST_F(OverrideCommandTest, RefusesAndChangesNothing) {
 
 TEST_F(OverrideCommandTest, WithoutAValueItIsTheApps) {
   write("tree/Applications/A.app/Info.plist",
-        infoPlist("com.a", "Main",
-                  "<key>CFBundleDisplayName</key><string>Alpha</string><key>CFBundleVersion</key>"
-                  "<string>7</string>"));
+        appPlist("com.a", "Main",
+                 "<key>CFBundleDisplayName</key><string>Alpha</string><key>CFBundleVersion</key>"
+                 "<string>7</string>"));
   store("");
   EXPECT_EQ(change({"add", "T", "DisplayName", "--root", "tree"}).err, "");
   EXPECT_EQ(list(), "[{\"type\":\"DisplayName\",\"value\":\"Alpha\"}]\n");

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "AppPlist.h"
 #include "CommandTest.h"
 #include "tavlen/device/DevicePaths.h"
 
@@ -14,7 +15,7 @@ namespace tavlen {
 class StoreTest : public CommandTest {
  protected:
   StoreTest() {
-    write("tree/Applications/Notes.app/Info.plist", infoPlist("com.example.notes", "Notes"));
+    write("tree/Applications/Notes.app/Info.plist", appPlist("com.example.notes", "Notes"));
     helper("exec '" + paths().fileOperations + "' \"$@\"");
     environment();
   }

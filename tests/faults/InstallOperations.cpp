@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 
+#include "AppPlist.h"
 #include "Operation.h"
 #include "SampleStore.h"
 #include "TemporaryFolder.h"
@@ -50,7 +51,7 @@ void writeFile(const fs::path& file, const std::string& text) {
 void prepare() {
   const fs::path root = DeviceRoot::shared().url();
   ::setenv("TAVLEN_ROOT", root.c_str(), 1);
-  writeFile(app() / "Info.plist", infoPlist("com.example.app", "Sample"));
+  writeFile(app() / "Info.plist", appPlist("com.example.app", "Sample"));
   for (const std::string& program : {std::string(kFileOperationsPath),
                                      std::string("/usr/bin/killall"), std::string("/bin/kill")}) {
     const bool isHelper = program == kFileOperationsPath;

@@ -19,6 +19,7 @@
 #include <utility>
 #include <vector>
 
+#include "AppPlist.h"
 #include "StandIns.h"
 #include "TemporaryFolder.h"
 #include "UDPSender.h"
@@ -87,7 +88,7 @@ class DumpTest : public testing::Test {
   }
   std::filesystem::path appDir() const { return tree() / "Applications/Dumped.app"; }
   void writeInfo(const std::string& bundleID) const {
-    tree_.write("Applications/Dumped.app/Info.plist", infoPlist(bundleID, "Dumped"));
+    tree_.write("Applications/Dumped.app/Info.plist", appPlist(bundleID, "Dumped"));
   }
 
   /// The script of the stand-ins: the agent in kApp reports to `port`.

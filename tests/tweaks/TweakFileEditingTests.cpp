@@ -278,7 +278,7 @@ TEST_F(TweakFileEditingTest, TheTargetAppLendsItsIconAndValues) {
   };
   const fs::path info = Listed::tree().write(
       "Applications/App.app/Info.plist",
-      infoPlist(
+      appPlist(
           "a.b", "x",
           "<key>CFBundleVersion</key><string>1.7</string><key>CFBundleIconFiles</key><array>"
           "<string>Icon</string></array><key>CFBundleDisplayName</key><string>Shown</string>"));

@@ -76,9 +76,9 @@ TEST_F(TweakManagerTest, ManyBrokenEntriesHideNothing) {
   ::getrlimit(RLIMIT_NOFILE, &former);
   const rlimit tight{40, former.rlim_max};
   ::setrlimit(RLIMIT_NOFILE, &tight);
+  const std::shared_ptr<void> end(nullptr, [&](void*) { ::setrlimit(RLIMIT_NOFILE, &former); });
   // Wherever the good one comes, what the first listing leaves open is missing to the second.
   for (int i = 0; i < 2; ++i) EXPECT_EQ(listed(), std::vector<std::string>{good});
-  ::setrlimit(RLIMIT_NOFILE, &former);
 }
 
 TEST_F(TweakManagerTest, TheNameTellsTheKind) {

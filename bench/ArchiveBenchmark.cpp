@@ -6,7 +6,7 @@
 #include <string>
 
 #include "SampleClasses.h"
-#include "tavlen/foundation/KeyedArchive.h"
+#include "tavlen/foundation/archive/KeyedArchive.h"
 
 namespace {
 

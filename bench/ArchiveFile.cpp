@@ -10,8 +10,8 @@
 #include <string_view>
 
 #include "SampleClasses.h"
-#include "tavlen/foundation/FileSystem.h"
-#include "tavlen/foundation/KeyedArchive.h"
+#include "tavlen/foundation/archive/KeyedArchive.h"
+#include "tavlen/foundation/files/FileSystem.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include <iostream>
 #include <string_view>
 
-#include "tavlen/foundation/Log.h"
+#include "tavlen/foundation/text/Log.h"
 #include "tavlen/introspection/DynamicClassParser.h"
 
 namespace {

@@ -8,10 +8,10 @@
 #include <string>
 
 #include "SampleManifest.h"
-#include "tavlen/foundation/FileReplacement.h"
-#include "tavlen/foundation/JSONDecoder.h"
-#include "tavlen/foundation/JSONEncoder.h"
-#include "tavlen/foundation/TemporaryDirectory.h"
+#include "tavlen/foundation/files/FileReplacement.h"
+#include "tavlen/foundation/files/TemporaryDirectory.h"
+#include "tavlen/foundation/json/JSONDecoder.h"
+#include "tavlen/foundation/json/JSONEncoder.h"
 #include "tavlen/parameters/ArrayParameterManager.h"
 #include "tavlen/parameters/RootParameterManager.h"
 

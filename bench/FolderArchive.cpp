@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "tavlen/foundation/FileTree.h"
-#include "tavlen/foundation/ZIPArchive.h"
+#include "tavlen/foundation/files/FileTree.h"
+#include "tavlen/foundation/zip/ZIPArchive.h"
 
 namespace {
 

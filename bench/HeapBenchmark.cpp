@@ -7,8 +7,8 @@
 
 #include "HeapUse.h"
 #include "SampleManifest.h"
-#include "tavlen/foundation/JSONDecoder.h"
-#include "tavlen/foundation/JSONEncoder.h"
+#include "tavlen/foundation/json/JSONDecoder.h"
+#include "tavlen/foundation/json/JSONEncoder.h"
 
 namespace {
 

@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "SampleManifest.h"
-#include "tavlen/foundation/JSONDecoder.h"
-#include "tavlen/foundation/JSONEncoder.h"
+#include "tavlen/foundation/json/JSONDecoder.h"
+#include "tavlen/foundation/json/JSONEncoder.h"
 #include "tavlen/tweaks/HookSource.h"
 
 namespace {

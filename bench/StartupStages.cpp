@@ -3,7 +3,7 @@
 #include <chrono>
 #include <iostream>
 
-#include "tavlen/foundation/JavaScriptContext.h"
+#include "tavlen/foundation/javascript/JavaScriptContext.h"
 #include "tavlen/tweaks/Manifest.h"
 #include "tavlen/tweaks/TweakProcessor.h"
 

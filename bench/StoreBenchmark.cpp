@@ -17,7 +17,7 @@
 
 #include "SampleManifest.h"
 #include "tavlen/device/DeviceRoot.h"
-#include "tavlen/foundation/JSONEncoder.h"
+#include "tavlen/foundation/json/JSONEncoder.h"
 #include "tavlen/tweaks/TweakFile.h"
 #include "tavlen/tweaks/TweakManager.h"
 #include "tavlen/tweaks/TweaksDirectory.h"

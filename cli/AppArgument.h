@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "tavlen/bundles/IPA.h"
-#include "tavlen/foundation/CodingError.h"
+#include "tavlen/foundation/coding/CodingError.h"
 
 namespace tavlen::cli {
 

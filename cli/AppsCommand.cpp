@@ -15,12 +15,12 @@
 #include "tavlen/device/DirectoryAppListFetcher.h"
 #include "tavlen/device/InstalledTweaks.h"
 #include "tavlen/device/LSAppListFetcher.h"
-#include "tavlen/foundation/FunctionRef.h"
-#include "tavlen/foundation/JSONEncoder.h"
-#include "tavlen/foundation/PropertyListDecoder.h"
-#include "tavlen/foundation/TerminalText.h"
-#include "tavlen/foundation/TextComparison.h"
-#include "tavlen/foundation/Unicode.h"
+#include "tavlen/foundation/base/FunctionRef.h"
+#include "tavlen/foundation/json/JSONEncoder.h"
+#include "tavlen/foundation/plist/PropertyListDecoder.h"
+#include "tavlen/foundation/text/TerminalText.h"
+#include "tavlen/foundation/text/TextComparison.h"
+#include "tavlen/foundation/text/Unicode.h"
 
 namespace tavlen::cli {
 

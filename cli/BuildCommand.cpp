@@ -9,7 +9,7 @@
 #include "cli/Transpilation.h"
 #include "cli/TranspilerOption.h"
 #include "cli/TweakArgument.h"
-#include "tavlen/foundation/FileReplacement.h"
+#include "tavlen/foundation/files/FileReplacement.h"
 
 namespace tavlen::cli {
 

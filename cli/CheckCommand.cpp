@@ -11,7 +11,7 @@
 #include "cli/TranspilerOption.h"
 #include "cli/TweakArgument.h"
 #include "cli/TweakCheck.h"
-#include "tavlen/foundation/TerminalText.h"
+#include "tavlen/foundation/text/TerminalText.h"
 
 namespace tavlen::cli {
 

@@ -12,8 +12,8 @@
 
 #include "cli/Console.h"
 #include "cli/ProgressLine.h"
-#include "tavlen/foundation/MachOHeader.h"
-#include "tavlen/foundation/RandomAccessFile.h"
+#include "tavlen/foundation/files/MachOHeader.h"
+#include "tavlen/foundation/files/RandomAccessFile.h"
 #include "tavlen/introspection/DynamicClassParser.h"
 #include "tavlen/introspection/RemoteClassParser.h"
 #include "tavlen/introspection/TessaloopInterface.h"

@@ -19,7 +19,7 @@
 #include "tavlen/collections/TweakCollection.h"
 #include "tavlen/collections/TweakCollectionManifest.h"
 #include "tavlen/collections/TweakPoster.h"
-#include "tavlen/foundation/JSONEncoder.h"
+#include "tavlen/foundation/json/JSONEncoder.h"
 #include "tavlen/tweaks/Manifest.h"
 #include "tavlen/tweaks/TweakError.h"
 #include "tavlen/tweaks/TweakManager.h"

@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "cli/UsageError.h"
-#include "tavlen/foundation/Unicode.h"
+#include "tavlen/foundation/text/Unicode.h"
 
 namespace tavlen::cli {
 

@@ -5,8 +5,8 @@
 #include <cstdio>
 #include <system_error>
 
-#include "tavlen/foundation/FileSystem.h"
-#include "tavlen/foundation/TerminalText.h"
+#include "tavlen/foundation/files/FileSystem.h"
+#include "tavlen/foundation/text/TerminalText.h"
 
 namespace tavlen::cli {
 

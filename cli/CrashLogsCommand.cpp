@@ -9,7 +9,7 @@
 #include "cli/Console.h"
 #include "tavlen/device/FileOperations.h"
 #include "tavlen/device/Process.h"
-#include "tavlen/foundation/TerminalText.h"
+#include "tavlen/foundation/text/TerminalText.h"
 
 namespace tavlen::cli {
 

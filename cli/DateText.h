@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "tavlen/foundation/Date.h"
+#include "tavlen/foundation/coding/Date.h"
 
 /// Dates as ISO 8601 writes them: "2026-01-31T12:00:00.25Z", or with an offset, "+01:00".
 namespace tavlen::cli {

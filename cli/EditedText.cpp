@@ -8,8 +8,8 @@
 #include <system_error>
 
 #include "tavlen/device/Process.h"
-#include "tavlen/foundation/FileReplacement.h"
-#include "tavlen/foundation/FileSystem.h"
+#include "tavlen/foundation/files/FileReplacement.h"
+#include "tavlen/foundation/files/FileSystem.h"
 
 namespace tavlen::cli {
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <utility>
 
-#include "tavlen/foundation/CodingError.h"
+#include "tavlen/foundation/coding/CodingError.h"
 
 namespace tavlen::cli {
 

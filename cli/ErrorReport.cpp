@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "cli/Console.h"
-#include "tavlen/foundation/TerminalText.h"
+#include "tavlen/foundation/text/TerminalText.h"
 #include "tavlen/tweaks/TweakProcessor.h"
 
 namespace tavlen::cli {

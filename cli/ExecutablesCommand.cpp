@@ -8,8 +8,8 @@
 #include "cli/Console.h"
 #include "cli/TextTable.h"
 #include "tavlen/bundles/Executable.h"
-#include "tavlen/foundation/JSONEncoder.h"
-#include "tavlen/foundation/Unicode.h"
+#include "tavlen/foundation/json/JSONEncoder.h"
+#include "tavlen/foundation/text/Unicode.h"
 
 namespace tavlen::cli {
 

@@ -12,10 +12,10 @@
 #include "cli/ProgressLine.h"
 #include "cli/StoredItem.h"
 #include "tavlen/collections/TweakCollectionManifest.h"
-#include "tavlen/foundation/DiskSync.h"
-#include "tavlen/foundation/FileTree.h"
-#include "tavlen/foundation/TemporaryDirectory.h"
-#include "tavlen/foundation/TerminalText.h"
+#include "tavlen/foundation/files/DiskSync.h"
+#include "tavlen/foundation/files/FileTree.h"
+#include "tavlen/foundation/files/TemporaryDirectory.h"
+#include "tavlen/foundation/text/TerminalText.h"
 #include "tavlen/tweaks/TweakManager.h"
 
 namespace tavlen::cli {

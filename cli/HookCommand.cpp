@@ -15,8 +15,8 @@
 #include "cli/StoredItem.h"
 #include "cli/TextTable.h"
 #include "tavlen/collections/TweakPoster.h"
-#include "tavlen/foundation/JSONEncoder.h"
-#include "tavlen/foundation/MethodTypes.h"
+#include "tavlen/foundation/json/JSONEncoder.h"
+#include "tavlen/foundation/objc/MethodTypes.h"
 #include "tavlen/tweaks/Manifest.h"
 
 namespace tavlen::cli {

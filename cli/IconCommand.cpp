@@ -8,7 +8,7 @@
 #include "cli/Commands.h"
 #include "cli/Console.h"
 #include "tavlen/bundles/InfoManager.h"
-#include "tavlen/foundation/FileReplacement.h"
+#include "tavlen/foundation/files/FileReplacement.h"
 
 namespace tavlen::cli {
 

@@ -7,8 +7,8 @@
 #include <system_error>
 
 #include "cli/AppArgument.h"
-#include "tavlen/foundation/MachOHeader.h"
-#include "tavlen/foundation/RandomAccessFile.h"
+#include "tavlen/foundation/files/MachOHeader.h"
+#include "tavlen/foundation/files/RandomAccessFile.h"
 
 namespace tavlen::cli {
 

@@ -9,7 +9,7 @@
 #include "cli/StoredItem.h"
 #include "tavlen/collections/TweakCollection.h"
 #include "tavlen/collections/TweakCollectionManifest.h"
-#include "tavlen/foundation/CodingError.h"
+#include "tavlen/foundation/coding/CodingError.h"
 #include "tavlen/tweaks/TweakManager.h"
 
 namespace tavlen::cli {

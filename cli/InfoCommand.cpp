@@ -6,8 +6,8 @@
 #include "cli/AppArgument.h"
 #include "cli/Commands.h"
 #include "cli/Console.h"
-#include "tavlen/foundation/JSONEncoder.h"
-#include "tavlen/foundation/TerminalText.h"
+#include "tavlen/foundation/json/JSONEncoder.h"
+#include "tavlen/foundation/text/TerminalText.h"
 
 namespace tavlen::cli {
 

@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-#include "tavlen/foundation/FunctionRef.h"
+#include "tavlen/foundation/base/FunctionRef.h"
 
 namespace tavlen::cli {
 

@@ -1,6 +1,6 @@
 #include "cli/Installation.h"
 
-#include "tavlen/foundation/ExecutablePath.h"
+#include "tavlen/foundation/files/ExecutablePath.h"
 
 namespace tavlen::cli {
 

@@ -14,7 +14,7 @@
 #include "cli/StoredItem.h"
 #include "cli/TextTable.h"
 #include "tavlen/collections/TweakPoster.h"
-#include "tavlen/foundation/JSONEncoder.h"
+#include "tavlen/foundation/json/JSONEncoder.h"
 #include "tavlen/tweaks/Manifest.h"
 
 namespace tavlen::cli {

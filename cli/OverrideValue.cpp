@@ -7,10 +7,10 @@
 #include <variant>
 
 #include "cli/UsageError.h"
-#include "tavlen/foundation/CodingPath.h"
-#include "tavlen/foundation/FatalError.h"
-#include "tavlen/foundation/TerminalText.h"
-#include "tavlen/foundation/Unicode.h"
+#include "tavlen/foundation/base/FatalError.h"
+#include "tavlen/foundation/coding/CodingPath.h"
+#include "tavlen/foundation/text/TerminalText.h"
+#include "tavlen/foundation/text/Unicode.h"
 
 namespace tavlen::cli {
 

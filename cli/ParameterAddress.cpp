@@ -4,8 +4,8 @@
 #include <string>
 
 #include "cli/UsageError.h"
-#include "tavlen/foundation/CodingPath.h"
-#include "tavlen/foundation/TerminalText.h"
+#include "tavlen/foundation/coding/CodingPath.h"
+#include "tavlen/foundation/text/TerminalText.h"
 #include "tavlen/parameters/ArrayParameterManager.h"
 #include "tavlen/parameters/RootParameterManager.h"
 

@@ -2,7 +2,7 @@
 
 #include <system_error>
 
-#include "tavlen/foundation/FileSystem.h"
+#include "tavlen/foundation/files/FileSystem.h"
 
 namespace tavlen::cli {
 

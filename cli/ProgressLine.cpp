@@ -11,7 +11,7 @@
 
 #include "cli/Console.h"
 #include "cli/TextTable.h"
-#include "tavlen/foundation/TerminalText.h"
+#include "tavlen/foundation/text/TerminalText.h"
 
 namespace tavlen::cli {
 

@@ -7,7 +7,7 @@
 #include <thread>
 
 #include "cli/EndSignals.h"
-#include "tavlen/foundation/Progress.h"
+#include "tavlen/foundation/tasks/Progress.h"
 
 namespace tavlen::cli {
 

@@ -3,7 +3,7 @@
 #include <optional>
 #include <stdexcept>
 
-#include "tavlen/foundation/FileSystem.h"
+#include "tavlen/foundation/files/FileSystem.h"
 
 namespace tavlen::cli {
 

@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "tavlen/foundation/FileReplacement.h"
+#include "tavlen/foundation/files/FileReplacement.h"
 #include "tavlen/tweaks/TweakFile.h"
 
 namespace tavlen::cli {

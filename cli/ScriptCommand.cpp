@@ -7,8 +7,8 @@
 #include "cli/Console.h"
 #include "cli/EditedText.h"
 #include "cli/StoredItem.h"
-#include "tavlen/foundation/JSONEncoder.h"
-#include "tavlen/foundation/Unicode.h"
+#include "tavlen/foundation/json/JSONEncoder.h"
+#include "tavlen/foundation/text/Unicode.h"
 
 namespace tavlen::cli {
 

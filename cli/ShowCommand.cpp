@@ -10,9 +10,9 @@
 #include "cli/Console.h"
 #include "cli/StoredItem.h"
 #include "tavlen/collections/TweakCollectionManifest.h"
-#include "tavlen/foundation/JSONEncoder.h"
-#include "tavlen/foundation/TerminalText.h"
-#include "tavlen/foundation/Unicode.h"
+#include "tavlen/foundation/json/JSONEncoder.h"
+#include "tavlen/foundation/text/TerminalText.h"
+#include "tavlen/foundation/text/Unicode.h"
 #include "tavlen/tweaks/Manifest.h"
 
 namespace tavlen {

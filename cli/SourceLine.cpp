@@ -6,8 +6,8 @@
 #include <algorithm>
 
 #include "cli/Console.h"
-#include "tavlen/foundation/TerminalText.h"
-#include "tavlen/foundation/Unicode.h"
+#include "tavlen/foundation/text/TerminalText.h"
+#include "tavlen/foundation/text/Unicode.h"
 
 namespace tavlen::cli {
 

@@ -8,8 +8,8 @@
 
 #include "tavlen/collections/TweakCollection.h"
 #include "tavlen/collections/TweakDiffNotifications.h"
-#include "tavlen/foundation/CodingError.h"
-#include "tavlen/foundation/NotificationCenter.h"
+#include "tavlen/foundation/coding/CodingError.h"
+#include "tavlen/foundation/tasks/NotificationCenter.h"
 #include "tavlen/tweaks/TweakManager.h"
 #include "tavlen/tweaks/TweaksDirectory.h"
 

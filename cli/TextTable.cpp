@@ -8,8 +8,8 @@
 #include <utility>
 
 #include "cli/Console.h"
-#include "tavlen/foundation/TerminalText.h"
-#include "tavlen/foundation/Unicode.h"
+#include "tavlen/foundation/text/TerminalText.h"
+#include "tavlen/foundation/text/Unicode.h"
 
 namespace tavlen::cli {
 

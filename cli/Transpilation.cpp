@@ -6,8 +6,8 @@
 
 #include "cli/Console.h"
 #include "cli/SourceLine.h"
-#include "tavlen/foundation/CodingPath.h"
-#include "tavlen/foundation/TerminalText.h"
+#include "tavlen/foundation/coding/CodingPath.h"
+#include "tavlen/foundation/text/TerminalText.h"
 #include "tavlen/tweaks/HookSource.h"
 
 namespace tavlen::cli {

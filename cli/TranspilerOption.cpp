@@ -1,6 +1,6 @@
 #include "cli/TranspilerOption.h"
 
-#include "tavlen/foundation/MainBundle.h"
+#include "tavlen/foundation/errors/MainBundle.h"
 
 namespace tavlen::cli {
 

@@ -6,9 +6,9 @@
 #include <optional>
 #include <system_error>
 
-#include "tavlen/foundation/CodingPath.h"
-#include "tavlen/foundation/FileSystem.h"
-#include "tavlen/foundation/MethodTypes.h"
+#include "tavlen/foundation/coding/CodingPath.h"
+#include "tavlen/foundation/files/FileSystem.h"
+#include "tavlen/foundation/objc/MethodTypes.h"
 #include "tavlen/tweaks/GlyphNames.h"
 
 namespace tavlen::cli {

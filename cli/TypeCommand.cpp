@@ -7,8 +7,8 @@
 #include "cli/Console.h"
 #include "cli/InputLines.h"
 #include "cli/TypeTree.h"
-#include "tavlen/foundation/JSONEncoder.h"
-#include "tavlen/foundation/TerminalText.h"
+#include "tavlen/foundation/json/JSONEncoder.h"
+#include "tavlen/foundation/text/TerminalText.h"
 #include "tavlen/introspection/JXType.h"
 
 namespace tavlen::cli {

@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-#include "tavlen/foundation/Unicode.h"
+#include "tavlen/foundation/text/Unicode.h"
 #include "tavlen/introspection/JXTypeArray.h"
 #include "tavlen/introspection/JXTypeBitField.h"
 #include "tavlen/introspection/JXTypeComplex.h"

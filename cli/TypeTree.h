@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tavlen/foundation/Encoder.h"
+#include "tavlen/foundation/coding/Encoder.h"
 #include "tavlen/introspection/JXType.h"
 
 namespace tavlen::cli {

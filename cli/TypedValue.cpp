@@ -12,14 +12,14 @@
 
 #include "cli/DateText.h"
 #include "cli/UsageError.h"
-#include "tavlen/foundation/CodingError.h"
-#include "tavlen/foundation/FileReplacement.h"
-#include "tavlen/foundation/FileSystem.h"
-#include "tavlen/foundation/JSONDecoder.h"
-#include "tavlen/foundation/JSONEncoder.h"
-#include "tavlen/foundation/NumberText.h"
-#include "tavlen/foundation/TerminalText.h"
-#include "tavlen/foundation/Unicode.h"
+#include "tavlen/foundation/coding/CodingError.h"
+#include "tavlen/foundation/files/FileReplacement.h"
+#include "tavlen/foundation/files/FileSystem.h"
+#include "tavlen/foundation/json/JSONDecoder.h"
+#include "tavlen/foundation/json/JSONEncoder.h"
+#include "tavlen/foundation/text/NumberText.h"
+#include "tavlen/foundation/text/TerminalText.h"
+#include "tavlen/foundation/text/Unicode.h"
 
 namespace tavlen::cli {
 

@@ -7,8 +7,8 @@
 #include "cli/ErrorReport.h"
 #include "cli/Installation.h"
 #include "cli/RootOption.h"
-#include "tavlen/foundation/Log.h"
-#include "tavlen/foundation/MainBundle.h"
+#include "tavlen/foundation/errors/MainBundle.h"
+#include "tavlen/foundation/text/Log.h"
 
 namespace {
 

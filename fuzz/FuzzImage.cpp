@@ -6,8 +6,8 @@
 #include <string>
 #include <string_view>
 
-#include "tavlen/foundation/Image.h"
-#include "tavlen/foundation/detail/PNGChunks.h"
+#include "tavlen/foundation/image/Image.h"
+#include "tavlen/foundation/image/detail/PNGChunks.h"
 
 using namespace tavlen;
 

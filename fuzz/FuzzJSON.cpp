@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
-#include "tavlen/foundation/JSONDecoder.h"
-#include "tavlen/foundation/JSONEncoder.h"
+#include "tavlen/foundation/json/JSONDecoder.h"
+#include "tavlen/foundation/json/JSONEncoder.h"
 #include "tavlen/tweaks/HookSource.h"
 #include "tavlen/tweaks/Manifest.h"
 

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "tavlen/device/TweakInfo.h"
-#include "tavlen/foundation/KeyedArchive.h"
+#include "tavlen/foundation/archive/KeyedArchive.h"
 #include "tavlen/introspection/ObjCClass.h"
 
 using namespace tavlen;

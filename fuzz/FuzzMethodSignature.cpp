@@ -4,8 +4,8 @@
 #include <string>
 #include <string_view>
 
-#include "tavlen/foundation/EncodedSignature.h"
-#include "tavlen/foundation/MethodTypes.h"
+#include "tavlen/foundation/objc/MethodTypes.h"
+#include "tavlen/foundation/objc/detail/EncodedSignature.h"
 
 using namespace tavlen;
 

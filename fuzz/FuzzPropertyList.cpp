@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "tavlen/foundation/PropertyListDecoder.h"
+#include "tavlen/foundation/plist/PropertyListDecoder.h"
 #include "tests/foundation/PropertyListGraph.h"
 
 using namespace tavlen;

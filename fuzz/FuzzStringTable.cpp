@@ -6,9 +6,9 @@
 #include <string_view>
 #include <vector>
 
-#include "tavlen/foundation/Placeholders.h"
-#include "tavlen/foundation/StringTable.h"
-#include "tavlen/foundation/Unicode.h"
+#include "tavlen/foundation/errors/Placeholders.h"
+#include "tavlen/foundation/errors/detail/StringTable.h"
+#include "tavlen/foundation/text/Unicode.h"
 
 namespace {
 

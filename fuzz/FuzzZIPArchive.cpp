@@ -8,10 +8,10 @@
 #include <string>
 #include <system_error>
 
-#include "tavlen/foundation/FileDescriptor.h"
-#include "tavlen/foundation/TemporaryDirectory.h"
-#include "tavlen/foundation/ZIPArchive.h"
-#include "tavlen/foundation/ZIPError.h"
+#include "tavlen/foundation/files/FileDescriptor.h"
+#include "tavlen/foundation/files/TemporaryDirectory.h"
+#include "tavlen/foundation/zip/ZIPArchive.h"
+#include "tavlen/foundation/zip/ZIPError.h"
 
 using namespace tavlen;
 

@@ -15,8 +15,8 @@
 #include "tavlen/device/DevicePaths.h"
 #include "tavlen/device/DeviceRoot.h"
 #include "tavlen/device/TweakInfo.h"
-#include "tavlen/foundation/FileSystem.h"
-#include "tavlen/foundation/Image.h"
+#include "tavlen/foundation/files/FileSystem.h"
+#include "tavlen/foundation/image/Image.h"
 
 namespace tavlen {
 

@@ -14,7 +14,7 @@
 #include "tavlen/collections/TweakCollectionManifest.h"
 #include "tavlen/collections/TweakDiffNotifications.h"
 #include "tavlen/device/DeviceRoot.h"
-#include "tavlen/foundation/NotificationCenter.h"
+#include "tavlen/foundation/tasks/NotificationCenter.h"
 #include "tavlen/tweaks/Manifest.h"
 #include "tavlen/tweaks/TweakFileDiff.h"
 #include "tavlen/tweaks/TweaksDirectory.h"

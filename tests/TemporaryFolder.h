@@ -11,7 +11,7 @@
 #include <string_view>
 #include <system_error>
 
-#include "tavlen/foundation/FileTree.h"
+#include "tavlen/foundation/files/FileTree.h"
 
 namespace tavlen {
 

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "tavlen/foundation/FileDescriptor.h"
+#include "tavlen/foundation/files/FileDescriptor.h"
 
 namespace tavlen {
 

@@ -9,9 +9,9 @@
 #include <utility>
 
 #include "tavlen/bundles/IPA.h"
-#include "tavlen/foundation/FileSystem.h"
-#include "tavlen/foundation/MachOHeader.h"
-#include "tavlen/foundation/RandomAccessFile.h"
+#include "tavlen/foundation/files/FileSystem.h"
+#include "tavlen/foundation/files/MachOHeader.h"
+#include "tavlen/foundation/files/RandomAccessFile.h"
 
 namespace tavlen {
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <utility>
 
-#include "tavlen/foundation/LocalizedError.h"
+#include "tavlen/foundation/errors/LocalizedError.h"
 
 namespace tavlen {
 

@@ -10,7 +10,7 @@
 #include "tavlen/device/DevicePaths.h"
 #include "tavlen/device/FileOperations.h"
 #include "tavlen/device/InstalledTweaks.h"
-#include "tavlen/foundation/FileSystem.h"
+#include "tavlen/foundation/files/FileSystem.h"
 
 namespace tavlen {
 

@@ -10,7 +10,7 @@
 
 #include "tavlen/bundles/BundleExecutables.h"
 #include "tavlen/bundles/InfoManager.h"
-#include "tavlen/foundation/LocalizedError.h"
+#include "tavlen/foundation/errors/LocalizedError.h"
 
 namespace tavlen {
 

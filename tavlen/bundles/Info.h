@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "tavlen/bundles/InterfaceOrientation.h"
-#include "tavlen/foundation/Coding.h"
-#include "tavlen/foundation/SemanticVersion.h"
+#include "tavlen/foundation/coding/Coding.h"
+#include "tavlen/foundation/coding/SemanticVersion.h"
 
 namespace tavlen {
 

@@ -8,8 +8,8 @@
 #include <system_error>
 
 #include "tavlen/bundles/InfoPlist.h"
-#include "tavlen/foundation/FileSystem.h"
-#include "tavlen/foundation/PropertyListDecoder.h"
+#include "tavlen/foundation/files/FileSystem.h"
+#include "tavlen/foundation/plist/PropertyListDecoder.h"
 
 namespace tavlen {
 

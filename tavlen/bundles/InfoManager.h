@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "tavlen/bundles/Info.h"
-#include "tavlen/foundation/Image.h"
-#include "tavlen/foundation/LocalizedError.h"
+#include "tavlen/foundation/errors/LocalizedError.h"
+#include "tavlen/foundation/image/Image.h"
 
 namespace tavlen {
 

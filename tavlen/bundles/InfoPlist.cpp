@@ -5,7 +5,7 @@
 #include <optional>
 #include <system_error>
 
-#include "tavlen/foundation/FileSystem.h"
+#include "tavlen/foundation/files/FileSystem.h"
 
 namespace tavlen {
 

@@ -3,7 +3,7 @@
 #include <array>
 #include <string_view>
 
-#include "tavlen/foundation/RawValueCoding.h"
+#include "tavlen/foundation/coding/RawValueCoding.h"
 
 namespace tavlen {
 

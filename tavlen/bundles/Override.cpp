@@ -1,6 +1,6 @@
 #include "tavlen/bundles/Override.h"
 
-#include "tavlen/foundation/MainBundle.h"
+#include "tavlen/foundation/errors/MainBundle.h"
 
 namespace tavlen {
 

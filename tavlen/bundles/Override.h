@@ -10,10 +10,10 @@
 #include "tavlen/bundles/Info.h"
 #include "tavlen/bundles/InterfaceOrientation.h"
 #include "tavlen/device/TweakInfo.h"
-#include "tavlen/foundation/Coding.h"
-#include "tavlen/foundation/LocalizedError.h"
-#include "tavlen/foundation/SemanticVersion.h"
-#include "tavlen/foundation/TypeKeyedCoding.h"
+#include "tavlen/foundation/coding/Coding.h"
+#include "tavlen/foundation/coding/SemanticVersion.h"
+#include "tavlen/foundation/coding/TypeKeyedCoding.h"
+#include "tavlen/foundation/errors/LocalizedError.h"
 
 namespace tavlen {
 

@@ -1,6 +1,6 @@
 #include "tavlen/bundles/OverrideContainer.h"
 
-#include "tavlen/foundation/MainBundle.h"
+#include "tavlen/foundation/errors/MainBundle.h"
 
 namespace tavlen {
 

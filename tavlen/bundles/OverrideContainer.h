@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "tavlen/bundles/Override.h"
-#include "tavlen/foundation/TypeKeyedCoding.h"
+#include "tavlen/foundation/coding/TypeKeyedCoding.h"
 
 namespace tavlen {
 

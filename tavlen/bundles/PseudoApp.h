@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "tavlen/foundation/Image.h"
+#include "tavlen/foundation/image/Image.h"
 
 namespace tavlen {
 

@@ -16,10 +16,10 @@
 #include "tavlen/device/FileOperations.h"
 #include "tavlen/device/InstalledTweaks.h"
 #include "tavlen/device/ProcessControl.h"
-#include "tavlen/foundation/FileReplacement.h"
-#include "tavlen/foundation/KeyedArchive.h"
-#include "tavlen/foundation/NotificationCenter.h"
-#include "tavlen/foundation/TemporaryDirectory.h"
+#include "tavlen/foundation/archive/KeyedArchive.h"
+#include "tavlen/foundation/files/FileReplacement.h"
+#include "tavlen/foundation/files/TemporaryDirectory.h"
+#include "tavlen/foundation/tasks/NotificationCenter.h"
 
 namespace tavlen {
 

@@ -2,7 +2,7 @@
 
 #include <mutex>
 
-#include "tavlen/foundation/FunctionRef.h"
+#include "tavlen/foundation/base/FunctionRef.h"
 
 namespace tavlen {
 

@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "tavlen/collections/TweakDiffNotifications.h"
-#include "tavlen/foundation/MainQueue.h"
+#include "tavlen/foundation/tasks/MainQueue.h"
 #include "tavlen/tweaks/TweakProtocol.h"
 
 namespace tavlen {

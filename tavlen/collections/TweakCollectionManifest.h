@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "tavlen/collections/TweakCollection.h"
-#include "tavlen/foundation/Coding.h"
+#include "tavlen/foundation/coding/Coding.h"
 #include "tavlen/tweaks/ItemConfiguration.h"
 #include "tavlen/tweaks/TweakConfiguration.h"
 #include "tavlen/tweaks/TweakManifest.h"

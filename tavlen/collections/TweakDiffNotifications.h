@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "tavlen/collections/TweakDiffProtocol.h"
-#include "tavlen/foundation/NotificationCenter.h"
+#include "tavlen/foundation/tasks/NotificationCenter.h"
 
 /// The one notification that carries the changes of tweaks and collections. Threads: any.
 namespace tavlen {

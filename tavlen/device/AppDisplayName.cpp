@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "tavlen/foundation/Unicode.h"
+#include "tavlen/foundation/text/Unicode.h"
 
 namespace tavlen {
 

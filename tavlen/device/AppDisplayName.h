@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "tavlen/foundation/FunctionRef.h"
+#include "tavlen/foundation/base/FunctionRef.h"
 
 namespace tavlen {
 

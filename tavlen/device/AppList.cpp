@@ -6,7 +6,7 @@
 #include "tavlen/device/DeviceRoot.h"
 #include "tavlen/device/DirectoryAppListFetcher.h"
 #include "tavlen/device/LSAppListFetcher.h"
-#include "tavlen/foundation/FatalError.h"
+#include "tavlen/foundation/base/FatalError.h"
 
 namespace tavlen {
 

@@ -10,7 +10,7 @@
 #include "tavlen/bundles/InfoPlist.h"
 #include "tavlen/device/AppDisplayName.h"
 #include "tavlen/device/ExcludedApps.h"
-#include "tavlen/foundation/PropertyListSerialization.h"
+#include "tavlen/foundation/plist/PropertyListSerialization.h"
 
 namespace tavlen {
 

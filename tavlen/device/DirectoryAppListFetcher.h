@@ -4,8 +4,8 @@
 
 #include "tavlen/device/AppListFetcher.h"
 #include "tavlen/device/DeviceRoot.h"
-#include "tavlen/foundation/FunctionRef.h"
-#include "tavlen/foundation/PropertyList.h"
+#include "tavlen/foundation/base/FunctionRef.h"
+#include "tavlen/foundation/plist/PropertyList.h"
 
 namespace tavlen {
 

@@ -7,7 +7,7 @@
 #include "tavlen/device/DevicePaths.h"
 #include "tavlen/device/DeviceRoot.h"
 #include "tavlen/device/Process.h"
-#include "tavlen/foundation/FileSystem.h"
+#include "tavlen/foundation/files/FileSystem.h"
 
 namespace tavlen::FileOperations {
 

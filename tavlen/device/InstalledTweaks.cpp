@@ -4,8 +4,8 @@
 
 #include "tavlen/device/DevicePaths.h"
 #include "tavlen/device/DeviceRoot.h"
-#include "tavlen/foundation/FileSystem.h"
-#include "tavlen/foundation/KeyedArchive.h"
+#include "tavlen/foundation/archive/KeyedArchive.h"
+#include "tavlen/foundation/files/FileSystem.h"
 
 namespace tavlen::InstalledTweaks {
 

@@ -5,7 +5,7 @@
 
 #include "tavlen/device/AppDisplayName.h"
 #include "tavlen/device/ExcludedApps.h"
-#include "tavlen/foundation/ObjCRuntime.h"
+#include "tavlen/foundation/objc/ObjCRuntime.h"
 
 namespace tavlen {
 

@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "tavlen/device/detail/Spawn.h"
-#include "tavlen/foundation/FatalError.h"
+#include "tavlen/foundation/base/FatalError.h"
 
 namespace tavlen {
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "tavlen/foundation/LocalizedError.h"
+#include "tavlen/foundation/errors/LocalizedError.h"
 
 namespace tavlen {
 

@@ -3,8 +3,8 @@
 #include <memory>
 #include <utility>
 
-#include "tavlen/foundation/ObjCBlock.h"
-#include "tavlen/foundation/ObjCRuntime.h"
+#include "tavlen/foundation/objc/ObjCBlock.h"
+#include "tavlen/foundation/objc/ObjCRuntime.h"
 
 namespace tavlen::SystemService {
 

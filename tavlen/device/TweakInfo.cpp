@@ -3,7 +3,7 @@
 #include <system_error>
 
 #include "tavlen/device/DeviceRoot.h"
-#include "tavlen/foundation/FileSystem.h"
+#include "tavlen/foundation/files/FileSystem.h"
 
 namespace tavlen {
 

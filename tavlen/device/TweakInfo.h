@@ -7,8 +7,8 @@
 #include <tuple>
 #include <utility>
 
-#include "tavlen/foundation/Coding.h"
-#include "tavlen/foundation/URL.h"
+#include "tavlen/foundation/coding/Coding.h"
+#include "tavlen/foundation/files/URL.h"
 
 namespace tavlen {
 

@@ -3,7 +3,7 @@
 #include <memory>
 #include <vector>
 
-#include "tavlen/foundation/Progress.h"
+#include "tavlen/foundation/tasks/Progress.h"
 #include "tavlen/introspection/ObjCClass.h"
 
 namespace tavlen {

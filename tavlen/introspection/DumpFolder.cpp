@@ -15,10 +15,10 @@
 
 #include "tavlen/device/DevicePaths.h"
 #include "tavlen/device/DeviceRoot.h"
-#include "tavlen/foundation/FileSystem.h"
-#include "tavlen/foundation/Interruption.h"
-#include "tavlen/foundation/MainBundle.h"
-#include "tavlen/foundation/TreeRemoval.h"
+#include "tavlen/foundation/errors/MainBundle.h"
+#include "tavlen/foundation/files/FileSystem.h"
+#include "tavlen/foundation/files/Interruption.h"
+#include "tavlen/foundation/files/TreeRemoval.h"
 
 namespace tavlen {
 

@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <string>
 
-#include "tavlen/foundation/FileDescriptor.h"
+#include "tavlen/foundation/files/FileDescriptor.h"
 
 namespace tavlen {
 

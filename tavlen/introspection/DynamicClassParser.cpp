@@ -8,10 +8,10 @@
 #include <vector>
 
 #include "tavlen/bundles/Executable.h"
-#include "tavlen/foundation/Log.h"
-#include "tavlen/foundation/ObjCImages.h"
-#include "tavlen/foundation/ScopedProgress.h"
-#include "tavlen/foundation/Unicode.h"
+#include "tavlen/foundation/objc/ObjCImages.h"
+#include "tavlen/foundation/tasks/ScopedProgress.h"
+#include "tavlen/foundation/text/Log.h"
+#include "tavlen/foundation/text/Unicode.h"
 #include "tavlen/introspection/RuntimeClasses.h"
 
 namespace tavlen {

@@ -7,7 +7,7 @@
 #include <string>
 #include <unordered_map>
 
-#include "tavlen/foundation/LocalizedError.h"
+#include "tavlen/foundation/errors/LocalizedError.h"
 #include "tavlen/introspection/ClassParser.h"
 
 // What the run time's headers call Class is a pointer to one.

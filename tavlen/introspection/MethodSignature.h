@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "tavlen/foundation/SignatureObject.h"
+#include "tavlen/foundation/objc/SignatureObject.h"
 
 namespace tavlen {
 

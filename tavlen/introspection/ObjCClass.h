@@ -9,8 +9,8 @@
 #include <utility>
 #include <vector>
 
-#include "tavlen/foundation/Coding.h"
-#include "tavlen/foundation/StyledText.h"
+#include "tavlen/foundation/coding/Coding.h"
+#include "tavlen/foundation/text/StyledText.h"
 #include "tavlen/introspection/ObjCMethod.h"
 #include "tavlen/tweaks/MethodIdentity.h"
 

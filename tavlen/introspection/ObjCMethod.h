@@ -5,8 +5,8 @@
 #include <tuple>
 #include <utility>
 
-#include "tavlen/foundation/Coding.h"
-#include "tavlen/foundation/StyledText.h"
+#include "tavlen/foundation/coding/Coding.h"
+#include "tavlen/foundation/text/StyledText.h"
 
 namespace tavlen {
 

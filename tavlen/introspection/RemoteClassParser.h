@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "tavlen/foundation/LocalizedError.h"
+#include "tavlen/foundation/errors/LocalizedError.h"
 #include "tavlen/introspection/ClassParser.h"
 
 namespace tavlen {

@@ -5,8 +5,8 @@
 #include <optional>
 #include <string>
 
-#include "tavlen/foundation/FunctionRef.h"
-#include "tavlen/foundation/Progress.h"
+#include "tavlen/foundation/base/FunctionRef.h"
+#include "tavlen/foundation/tasks/Progress.h"
 #include "tavlen/introspection/ClassParser.h"
 
 namespace tavlen {

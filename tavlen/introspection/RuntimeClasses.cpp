@@ -7,9 +7,9 @@
 #include <cstdlib>
 #include <memory>
 
-#include "tavlen/foundation/ObjCImages.h"
-#include "tavlen/foundation/ScopedProgress.h"
-#include "tavlen/foundation/Unicode.h"
+#include "tavlen/foundation/objc/ObjCImages.h"
+#include "tavlen/foundation/tasks/ScopedProgress.h"
+#include "tavlen/foundation/text/Unicode.h"
 
 namespace tavlen {
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "tavlen/foundation/FunctionRef.h"
+#include "tavlen/foundation/base/FunctionRef.h"
 
 // What the run time's headers call Class and Method is a pointer to one of these.
 struct objc_class;

@@ -9,10 +9,10 @@
 
 #include "tavlen/device/AppControl.h"
 #include "tavlen/device/SystemService.h"
-#include "tavlen/foundation/DatagramReceiver.h"
-#include "tavlen/foundation/FatalError.h"
-#include "tavlen/foundation/Log.h"
-#include "tavlen/foundation/Placeholders.h"
+#include "tavlen/foundation/base/FatalError.h"
+#include "tavlen/foundation/errors/Placeholders.h"
+#include "tavlen/foundation/tasks/DatagramReceiver.h"
+#include "tavlen/foundation/text/Log.h"
 
 namespace tavlen {
 

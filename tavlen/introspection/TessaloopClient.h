@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "tavlen/foundation/SerialQueue.h"
+#include "tavlen/foundation/tasks/SerialQueue.h"
 #include "tavlen/introspection/TessaloopDatagram.h"
 
 namespace tavlen {

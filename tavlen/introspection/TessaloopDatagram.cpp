@@ -4,8 +4,8 @@
 #include <cerrno>
 #include <system_error>
 
-#include "tavlen/foundation/Unicode.h"
-#include "tavlen/foundation/detail/LittleEndian.h"
+#include "tavlen/foundation/base/LittleEndian.h"
+#include "tavlen/foundation/text/Unicode.h"
 
 namespace tavlen {
 

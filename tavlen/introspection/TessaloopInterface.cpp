@@ -4,7 +4,7 @@
 #include <string>
 #include <system_error>
 
-#include "tavlen/foundation/Log.h"
+#include "tavlen/foundation/text/Log.h"
 #include "tavlen/introspection/TessaloopClient.h"
 
 namespace tavlen {

@@ -4,8 +4,8 @@
 #include <string_view>
 #include <vector>
 
-#include "tavlen/foundation/Coding.h"
-#include "tavlen/foundation/TypeKeyedCoding.h"
+#include "tavlen/foundation/coding/Coding.h"
+#include "tavlen/foundation/coding/TypeKeyedCoding.h"
 #include "tavlen/parameters/Parameter.h"
 
 namespace tavlen {

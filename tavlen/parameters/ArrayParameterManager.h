@@ -4,7 +4,7 @@
 #include <memory>
 #include <utility>
 
-#include "tavlen/foundation/LocalizedError.h"
+#include "tavlen/foundation/errors/LocalizedError.h"
 #include "tavlen/parameters/TypedParameterManager.h"
 
 namespace tavlen {

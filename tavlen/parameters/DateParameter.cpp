@@ -1,6 +1,6 @@
 #include "tavlen/parameters/DateParameter.h"
 
-#include "tavlen/foundation/NumberText.h"
+#include "tavlen/foundation/text/NumberText.h"
 #include "tavlen/parameters/Rendering.h"
 
 namespace tavlen {

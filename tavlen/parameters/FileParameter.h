@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "tavlen/foundation/JSONEncoder.h"
+#include "tavlen/foundation/json/JSONEncoder.h"
 
 namespace tavlen {
 

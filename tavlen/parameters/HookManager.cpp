@@ -7,7 +7,7 @@
 
 #include "tavlen/collections/TweakDiffNotifications.h"
 #include "tavlen/collections/TweakPoster.h"
-#include "tavlen/foundation/NotificationCenter.h"
+#include "tavlen/foundation/tasks/NotificationCenter.h"
 #include "tavlen/tweaks/Manifest.h"
 #include "tavlen/tweaks/TweakFile.h"
 #include "tavlen/tweaks/TweakFileDiff.h"

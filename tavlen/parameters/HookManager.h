@@ -3,8 +3,8 @@
 #include <memory>
 #include <string>
 
-#include "tavlen/foundation/FunctionRef.h"
-#include "tavlen/foundation/LocalizedError.h"
+#include "tavlen/foundation/base/FunctionRef.h"
+#include "tavlen/foundation/errors/LocalizedError.h"
 #include "tavlen/tweaks/MethodIdentity.h"
 
 namespace tavlen {

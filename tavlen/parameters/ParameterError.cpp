@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <variant>
 
-#include "tavlen/foundation/URL.h"
+#include "tavlen/foundation/files/URL.h"
 #include "tavlen/tweaks/TweakFile.h"
 
 namespace tavlen {

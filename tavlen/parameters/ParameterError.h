@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "tavlen/foundation/LocalizedError.h"
+#include "tavlen/foundation/errors/LocalizedError.h"
 #include "tavlen/parameters/ParameterContainer.h"
 
 namespace tavlen {

@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "tavlen/foundation/FunctionRef.h"
+#include "tavlen/foundation/base/FunctionRef.h"
 #include "tavlen/parameters/ParameterContainer.h"
 
 namespace tavlen {

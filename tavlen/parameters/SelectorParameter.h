@@ -3,8 +3,8 @@
 #include <string>
 #include <string_view>
 
-#include "tavlen/foundation/Coding.h"
-#include "tavlen/foundation/TypeKeyedCoding.h"
+#include "tavlen/foundation/coding/Coding.h"
+#include "tavlen/foundation/coding/TypeKeyedCoding.h"
 
 namespace tavlen {
 

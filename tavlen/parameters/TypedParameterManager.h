@@ -4,7 +4,7 @@
 #include <utility>
 #include <variant>
 
-#include "tavlen/foundation/FunctionRef.h"
+#include "tavlen/foundation/base/FunctionRef.h"
 #include "tavlen/parameters/ParameterError.h"
 #include "tavlen/parameters/ParameterManager.h"
 

@@ -1,6 +1,6 @@
 #include "tavlen/parameters/URLParameter.h"
 
-#include "tavlen/foundation/JSONEncoder.h"
+#include "tavlen/foundation/json/JSONEncoder.h"
 #include "tavlen/parameters/Rendering.h"
 
 namespace tavlen {

@@ -1,6 +1,6 @@
 #include "tavlen/parameters/ValueParameter.h"
 
-#include "tavlen/foundation/JSONEncoder.h"
+#include "tavlen/foundation/json/JSONEncoder.h"
 #include "tavlen/parameters/Rendering.h"
 
 namespace tavlen {

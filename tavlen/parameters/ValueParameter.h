@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "tavlen/foundation/Coding.h"
+#include "tavlen/foundation/coding/Coding.h"
 
 namespace tavlen {
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "tavlen/foundation/Coding.h"
+#include "tavlen/foundation/coding/Coding.h"
 #include "tavlen/parameters/ParameterContainer.h"
 #include "tavlen/tweaks/MethodIdentity.h"
 

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <unordered_map>
 
-#include "tavlen/foundation/JSONEncoder.h"
+#include "tavlen/foundation/json/JSONEncoder.h"
 
 namespace tavlen {
 

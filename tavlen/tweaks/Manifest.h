@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "tavlen/bundles/OverrideContainer.h"
-#include "tavlen/foundation/Coding.h"
+#include "tavlen/foundation/coding/Coding.h"
 #include "tavlen/tweaks/Hook.h"
 #include "tavlen/tweaks/ItemConfiguration.h"
 #include "tavlen/tweaks/TweakConfiguration.h"

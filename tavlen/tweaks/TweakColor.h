@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <string_view>
 
-#include "tavlen/foundation/RawValueCoding.h"
+#include "tavlen/foundation/coding/RawValueCoding.h"
 
 namespace tavlen {
 

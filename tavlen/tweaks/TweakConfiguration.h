@@ -5,7 +5,7 @@
 #include <string>
 #include <utility>
 
-#include "tavlen/foundation/Coding.h"
+#include "tavlen/foundation/coding/Coding.h"
 #include "tavlen/tweaks/TweakColor.h"
 #include "tavlen/tweaks/TweakGlyph.h"
 

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "tavlen/foundation/LocalizedError.h"
+#include "tavlen/foundation/errors/LocalizedError.h"
 
 namespace tavlen {
 

@@ -11,8 +11,8 @@
 #include <vector>
 
 #include "tavlen/bundles/OverrideContainer.h"
-#include "tavlen/foundation/Image.h"
-#include "tavlen/foundation/LocalizedError.h"
+#include "tavlen/foundation/errors/LocalizedError.h"
+#include "tavlen/foundation/image/Image.h"
 #include "tavlen/tweaks/TweakColor.h"
 #include "tavlen/tweaks/TweakGlyph.h"
 #include "tavlen/tweaks/TweakProtocol.h"

@@ -3,7 +3,7 @@
 #include <string>
 #include <tuple>
 
-#include "tavlen/foundation/Coding.h"
+#include "tavlen/foundation/coding/Coding.h"
 
 namespace tavlen {
 

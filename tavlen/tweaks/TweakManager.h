@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "tavlen/foundation/LocalizedError.h"
+#include "tavlen/foundation/errors/LocalizedError.h"
 #include "tavlen/tweaks/TweakProtocol.h"
 
 namespace tavlen {

@@ -4,7 +4,7 @@
 #include <memory>
 #include <utility>
 
-#include "tavlen/foundation/Coding.h"
+#include "tavlen/foundation/coding/Coding.h"
 #include "tavlen/tweaks/TweakConfiguration.h"
 
 namespace tavlen {

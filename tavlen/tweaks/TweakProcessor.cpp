@@ -2,8 +2,8 @@
 
 #include <utility>
 
-#include "tavlen/foundation/FatalError.h"
-#include "tavlen/foundation/FileSystem.h"
+#include "tavlen/foundation/base/FatalError.h"
+#include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/tweaks/HookSource.h"
 #include "tavlen/tweaks/Manifest.h"
 

@@ -7,9 +7,9 @@
 #include <string>
 #include <string_view>
 
-#include "tavlen/foundation/JavaScriptContext.h"
-#include "tavlen/foundation/JavaScriptValue.h"
-#include "tavlen/foundation/LocalizedError.h"
+#include "tavlen/foundation/errors/LocalizedError.h"
+#include "tavlen/foundation/javascript/JavaScriptContext.h"
+#include "tavlen/foundation/javascript/JavaScriptValue.h"
 #include "tavlen/tweaks/Hook.h"
 #include "tavlen/tweaks/TweakFile.h"
 

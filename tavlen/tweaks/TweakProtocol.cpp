@@ -7,9 +7,9 @@
 #include "tavlen/bundles/IPA.h"
 #include "tavlen/device/DevicePaths.h"
 #include "tavlen/device/DeviceRoot.h"
-#include "tavlen/foundation/FileSystem.h"
-#include "tavlen/foundation/TemporaryDirectory.h"
-#include "tavlen/foundation/TextComparison.h"
+#include "tavlen/foundation/files/FileSystem.h"
+#include "tavlen/foundation/files/TemporaryDirectory.h"
+#include "tavlen/foundation/text/TextComparison.h"
 #include "tavlen/tweaks/TweaksDirectory.h"
 
 namespace tavlen {

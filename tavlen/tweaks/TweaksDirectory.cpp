@@ -5,7 +5,7 @@
 
 #include "tavlen/device/DevicePaths.h"
 #include "tavlen/device/DeviceRoot.h"
-#include "tavlen/foundation/UUID.h"
+#include "tavlen/foundation/base/UUID.h"
 
 namespace tavlen::TweaksDirectory {
 

@@ -24,9 +24,9 @@
 #include "tavlen/device/DeviceRoot.h"
 #include "tavlen/device/InstalledTweaks.h"
 #include "tavlen/device/Process.h"
-#include "tavlen/foundation/FileSystem.h"
-#include "tavlen/foundation/KeyedArchive.h"
-#include "tavlen/foundation/NotificationCenter.h"
+#include "tavlen/foundation/archive/KeyedArchive.h"
+#include "tavlen/foundation/files/FileSystem.h"
+#include "tavlen/foundation/tasks/NotificationCenter.h"
 
 namespace tavlen {
 namespace {

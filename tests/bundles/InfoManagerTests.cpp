@@ -10,8 +10,8 @@
 
 #include "TemporaryFolder.h"
 #include "Thrown.h"
-#include "tavlen/foundation/CodingError.h"
-#include "tavlen/foundation/PropertyListEncoder.h"
+#include "tavlen/foundation/coding/CodingError.h"
+#include "tavlen/foundation/plist/PropertyListEncoder.h"
 
 namespace tavlen {
 namespace {

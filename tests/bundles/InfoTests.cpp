@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "Thrown.h"
-#include "tavlen/foundation/PropertyListDecoder.h"
-#include "tavlen/foundation/PropertyListEncoder.h"
+#include "tavlen/foundation/plist/PropertyListDecoder.h"
+#include "tavlen/foundation/plist/PropertyListEncoder.h"
 
 namespace tavlen {
 namespace {

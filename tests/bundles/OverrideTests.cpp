@@ -5,9 +5,9 @@
 #include "TemporaryFolder.h"
 #include "Thrown.h"
 #include "tavlen/bundles/OverrideContainer.h"
-#include "tavlen/foundation/JSONDecoder.h"
-#include "tavlen/foundation/JSONEncoder.h"
-#include "tavlen/foundation/MainBundle.h"
+#include "tavlen/foundation/errors/MainBundle.h"
+#include "tavlen/foundation/json/JSONDecoder.h"
+#include "tavlen/foundation/json/JSONEncoder.h"
 
 namespace tavlen {
 namespace {

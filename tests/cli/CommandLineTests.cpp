@@ -2,9 +2,9 @@
 
 #include "CommandTest.h"
 #include "tavlen/bundles/Info.h"
-#include "tavlen/foundation/FileSystem.h"
-#include "tavlen/foundation/JSONDecoder.h"
-#include "tavlen/foundation/PropertyListEncoder.h"
+#include "tavlen/foundation/files/FileSystem.h"
+#include "tavlen/foundation/json/JSONDecoder.h"
+#include "tavlen/foundation/plist/PropertyListEncoder.h"
 
 namespace tavlen {
 namespace {

@@ -7,7 +7,7 @@
 #include <csignal>
 #include <string_view>
 
-#include "tavlen/foundation/FileSystem.h"
+#include "tavlen/foundation/files/FileSystem.h"
 
 namespace tavlen {
 

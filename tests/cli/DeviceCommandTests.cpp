@@ -4,7 +4,7 @@
 #include "CommandTest.h"
 #include "MachOFile.h"
 #include "tavlen/device/TweakInfo.h"
-#include "tavlen/foundation/KeyedArchive.h"
+#include "tavlen/foundation/archive/KeyedArchive.h"
 
 namespace tavlen {
 namespace {

@@ -4,7 +4,7 @@
 #include <cstdlib>
 
 #include "CommandTest.h"
-#include "tavlen/foundation/Image.h"
+#include "tavlen/foundation/image/Image.h"
 
 namespace tavlen {
 namespace {

@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "StoreTest.h"
-#include "tavlen/foundation/Image.h"
+#include "tavlen/foundation/image/Image.h"
 
 namespace tavlen {
 namespace {

@@ -5,8 +5,8 @@
 #include "StoreTest.h"
 #include "Thrown.h"
 #include "tavlen/collections/TweakPoster.h"
-#include "tavlen/foundation/CodingError.h"
-#include "tavlen/foundation/FileSystem.h"
+#include "tavlen/foundation/coding/CodingError.h"
+#include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/tweaks/TweakError.h"
 #include "tavlen/tweaks/TweakManager.h"
 

@@ -7,7 +7,7 @@
 #include "StoreTest.h"
 #include "tavlen/collections/TweakBundleIDObserver.h"
 #include "tavlen/collections/TweakPoster.h"
-#include "tavlen/foundation/MainQueue.h"
+#include "tavlen/foundation/tasks/MainQueue.h"
 
 namespace tavlen {
 namespace {

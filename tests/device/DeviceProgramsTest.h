@@ -7,7 +7,7 @@
 
 #include "TemporaryFolder.h"
 #include "tavlen/device/DeviceRoot.h"
-#include "tavlen/foundation/FileSystem.h"
+#include "tavlen/foundation/files/FileSystem.h"
 
 namespace tavlen {
 

@@ -12,7 +12,7 @@
 
 #include "TemporaryFolder.h"
 #include "tavlen/bundles/Info.h"
-#include "tavlen/foundation/PropertyListDecoder.h"
+#include "tavlen/foundation/plist/PropertyListDecoder.h"
 
 namespace tavlen {
 namespace {

@@ -13,8 +13,8 @@
 
 #include "TemporaryFolder.h"
 #include "Thrown.h"
-#include "tavlen/foundation/FileReplacement.h"
-#include "tavlen/foundation/FileSystem.h"
+#include "tavlen/foundation/files/FileReplacement.h"
+#include "tavlen/foundation/files/FileSystem.h"
 
 namespace tavlen {
 namespace {

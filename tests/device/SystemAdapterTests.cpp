@@ -12,7 +12,7 @@
 #include "tavlen/device/ExcludedApps.h"
 #include "tavlen/device/LSAppListFetcher.h"
 #include "tavlen/device/SystemService.h"
-#include "tavlen/foundation/FileSystem.h"
+#include "tavlen/foundation/files/FileSystem.h"
 
 namespace tavlen {
 namespace {

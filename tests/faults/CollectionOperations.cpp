@@ -3,8 +3,8 @@
 #include "tavlen/collections/TweakCollection.h"
 #include "tavlen/collections/TweakCollectionManifest.h"
 #include "tavlen/device/DeviceRoot.h"
-#include "tavlen/foundation/FileTree.h"
-#include "tavlen/foundation/ZIPArchive.h"
+#include "tavlen/foundation/files/FileTree.h"
+#include "tavlen/foundation/zip/ZIPArchive.h"
 #include "tavlen/tweaks/TweakManager.h"
 
 namespace tavlen::faults {

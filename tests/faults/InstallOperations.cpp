@@ -11,7 +11,7 @@
 #include "tavlen/bundles/InstallableTweak.h"
 #include "tavlen/device/DevicePaths.h"
 #include "tavlen/device/DeviceRoot.h"
-#include "tavlen/foundation/FileReplacement.h"
+#include "tavlen/foundation/files/FileReplacement.h"
 
 namespace tavlen::faults {
 

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "tavlen/foundation/FileSystem.h"
+#include "tavlen/foundation/files/FileSystem.h"
 
 namespace tavlen::faults {
 

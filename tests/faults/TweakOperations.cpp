@@ -3,8 +3,8 @@
 
 #include "Operation.h"
 #include "SampleStore.h"
-#include "tavlen/foundation/FileReplacement.h"
-#include "tavlen/foundation/Image.h"
+#include "tavlen/foundation/files/FileReplacement.h"
+#include "tavlen/foundation/image/Image.h"
 #include "tavlen/tweaks/Manifest.h"
 #include "tavlen/tweaks/TweakFile.h"
 #include "tavlen/tweaks/TweaksDirectory.h"

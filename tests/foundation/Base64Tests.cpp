@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "tavlen/foundation/Base64.h"
+#include "tavlen/foundation/text/Base64.h"
 
 namespace tavlen {
 namespace {

@@ -5,8 +5,8 @@
 
 #include "PropertyListGraph.h"
 #include "RandomPropertyList.h"
-#include "tavlen/foundation/BinaryPropertyListReader.h"
-#include "tavlen/foundation/BinaryPropertyListWriter.h"
+#include "tavlen/foundation/plist/BinaryPropertyListWriter.h"
+#include "tavlen/foundation/plist/detail/BinaryPropertyListReader.h"
 
 namespace tavlen {
 namespace {

@@ -1,4 +1,4 @@
-#include "tavlen/foundation/DatagramReceiver.h"
+#include "tavlen/foundation/tasks/DatagramReceiver.h"
 
 #include <fcntl.h>
 #include <gmock/gmock.h>

@@ -1,4 +1,4 @@
-#include "tavlen/foundation/DirectoryWatcher.h"
+#include "tavlen/foundation/files/DirectoryWatcher.h"
 
 #include <gtest/gtest.h>
 #include <unistd.h>

@@ -1,4 +1,4 @@
-#include "tavlen/foundation/EncodedSignature.h"
+#include "tavlen/foundation/objc/detail/EncodedSignature.h"
 
 #include <gtest/gtest.h>
 
@@ -7,8 +7,8 @@
 #include <stdexcept>
 #include <vector>
 
-#include "tavlen/foundation/MethodTypes.h"
-#include "tavlen/foundation/TypeLayout.h"
+#include "tavlen/foundation/objc/MethodTypes.h"
+#include "tavlen/foundation/objc/detail/TypeLayout.h"
 
 namespace tavlen {
 namespace {

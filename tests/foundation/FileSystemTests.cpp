@@ -1,4 +1,4 @@
-#include "tavlen/foundation/FileSystem.h"
+#include "tavlen/foundation/files/FileSystem.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -8,7 +8,7 @@
 
 #include "TemporaryFolder.h"
 #include "Thrown.h"
-#include "tavlen/foundation/FileReplacement.h"
+#include "tavlen/foundation/files/FileReplacement.h"
 
 namespace tavlen {
 namespace {

@@ -1,4 +1,4 @@
-#include "tavlen/foundation/FileTree.h"
+#include "tavlen/foundation/files/FileTree.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -13,11 +13,11 @@
 
 #include "TemporaryFolder.h"
 #include "Thrown.h"
-#include "tavlen/foundation/FileDescriptor.h"
-#include "tavlen/foundation/FileReplacement.h"
-#include "tavlen/foundation/FileSystem.h"
-#include "tavlen/foundation/TemporaryDirectory.h"
-#include "tavlen/foundation/TreeRemoval.h"
+#include "tavlen/foundation/files/FileDescriptor.h"
+#include "tavlen/foundation/files/FileReplacement.h"
+#include "tavlen/foundation/files/FileSystem.h"
+#include "tavlen/foundation/files/TemporaryDirectory.h"
+#include "tavlen/foundation/files/TreeRemoval.h"
 
 namespace tavlen {
 namespace {

@@ -1,4 +1,4 @@
-#include "tavlen/foundation/Image.h"
+#include "tavlen/foundation/image/Image.h"
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>

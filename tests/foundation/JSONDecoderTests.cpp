@@ -1,4 +1,4 @@
-#include "tavlen/foundation/JSONDecoder.h"
+#include "tavlen/foundation/json/JSONDecoder.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "tavlen/foundation/JSONEncoder.h"
+#include "tavlen/foundation/json/JSONEncoder.h"
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,7 @@
 #include <random>
 
 #include "Thrown.h"
-#include "tavlen/foundation/JSONDecoder.h"
+#include "tavlen/foundation/json/JSONDecoder.h"
 
 namespace tavlen {
 namespace {

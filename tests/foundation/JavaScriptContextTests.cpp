@@ -1,4 +1,4 @@
-#include "tavlen/foundation/JavaScriptContext.h"
+#include "tavlen/foundation/javascript/JavaScriptContext.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

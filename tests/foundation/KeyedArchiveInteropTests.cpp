@@ -5,8 +5,8 @@
 #include "TemporaryFolder.h"
 #include "TestPaths.h"
 #include "tavlen/device/TweakInfo.h"
-#include "tavlen/foundation/FileSystem.h"
-#include "tavlen/foundation/KeyedArchive.h"
+#include "tavlen/foundation/archive/KeyedArchive.h"
+#include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/introspection/ObjCClass.h"
 
 namespace tavlen {

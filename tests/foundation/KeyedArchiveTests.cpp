@@ -1,12 +1,12 @@
-#include "tavlen/foundation/KeyedArchive.h"
+#include "tavlen/foundation/archive/KeyedArchive.h"
 
 #include <gtest/gtest.h>
 
 #include "PropertyListGraph.h"
 #include "Thrown.h"
-#include "tavlen/foundation/Base64.h"
-#include "tavlen/foundation/JSONDecoder.h"
-#include "tavlen/foundation/JSONEncoder.h"
+#include "tavlen/foundation/json/JSONDecoder.h"
+#include "tavlen/foundation/json/JSONEncoder.h"
+#include "tavlen/foundation/text/Base64.h"
 #include "tavlen/introspection/ObjCClass.h"
 
 namespace tavlen {

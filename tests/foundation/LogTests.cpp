@@ -1,4 +1,4 @@
-#include "tavlen/foundation/Log.h"
+#include "tavlen/foundation/text/Log.h"
 
 #include <gtest/gtest.h>
 

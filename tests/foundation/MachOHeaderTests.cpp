@@ -1,10 +1,10 @@
-#include "tavlen/foundation/MachOHeader.h"
+#include "tavlen/foundation/files/MachOHeader.h"
 
 #include <gtest/gtest.h>
 
 #include "MachOFile.h"
 #include "TemporaryFolder.h"
-#include "tavlen/foundation/RandomAccessFile.h"
+#include "tavlen/foundation/files/RandomAccessFile.h"
 
 namespace tavlen {
 namespace {

@@ -1,4 +1,4 @@
-#include "tavlen/foundation/MainBundle.h"
+#include "tavlen/foundation/errors/MainBundle.h"
 
 #include <gtest/gtest.h>
 #include <unicode/uloc.h>
@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "TemporaryFolder.h"
-#include "tavlen/foundation/LocalizedError.h"
-#include "tavlen/foundation/Placeholders.h"
+#include "tavlen/foundation/errors/LocalizedError.h"
+#include "tavlen/foundation/errors/Placeholders.h"
 
 namespace tavlen {
 namespace {

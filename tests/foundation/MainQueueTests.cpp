@@ -1,4 +1,4 @@
-#include "tavlen/foundation/MainQueue.h"
+#include "tavlen/foundation/tasks/MainQueue.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "tavlen/foundation/NotificationCenter.h"
+#include "tavlen/foundation/tasks/NotificationCenter.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "tavlen/foundation/NumberText.h"
+#include "tavlen/foundation/text/NumberText.h"
 
 #include <gtest/gtest.h>
 

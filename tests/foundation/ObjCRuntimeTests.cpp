@@ -1,4 +1,4 @@
-#include "tavlen/foundation/ObjCRuntime.h"
+#include "tavlen/foundation/objc/ObjCRuntime.h"
 
 #include <gtest/gtest.h>
 
@@ -11,7 +11,7 @@
 #include <thread>
 
 #include "StandIns.h"
-#include "tavlen/foundation/ObjCBlock.h"
+#include "tavlen/foundation/objc/ObjCBlock.h"
 
 namespace tavlen {
 namespace {

@@ -1,4 +1,4 @@
-#include "tavlen/foundation/PlatformSignature.h"
+#include "tavlen/foundation/objc/detail/PlatformSignature.h"
 
 #include <gtest/gtest.h>
 #include <objc/runtime.h>
@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "StandIns.h"
-#include "tavlen/foundation/EncodedSignature.h"
-#include "tavlen/foundation/ObjCRuntime.h"
+#include "tavlen/foundation/objc/ObjCRuntime.h"
+#include "tavlen/foundation/objc/detail/EncodedSignature.h"
 
 namespace tavlen {
 namespace {

@@ -1,4 +1,4 @@
-#include "tavlen/foundation/Progress.h"
+#include "tavlen/foundation/tasks/Progress.h"
 
 #include <gtest/gtest.h>
 

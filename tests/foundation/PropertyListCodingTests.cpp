@@ -4,8 +4,8 @@
 #include <limits>
 
 #include "PropertyListGraph.h"
-#include "tavlen/foundation/PropertyListDecoder.h"
-#include "tavlen/foundation/PropertyListEncoder.h"
+#include "tavlen/foundation/plist/PropertyListDecoder.h"
+#include "tavlen/foundation/plist/PropertyListEncoder.h"
 
 namespace tavlen {
 namespace {

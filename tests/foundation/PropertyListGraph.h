@@ -4,7 +4,7 @@
 #include <utility>
 #include <vector>
 
-#include "tavlen/foundation/PropertyList.h"
+#include "tavlen/foundation/plist/PropertyList.h"
 
 namespace tavlen {
 

@@ -1,4 +1,4 @@
-#include "tavlen/foundation/SemanticVersion.h"
+#include "tavlen/foundation/coding/SemanticVersion.h"
 
 #include <gtest/gtest.h>
 
@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "Thrown.h"
-#include "tavlen/foundation/JSONDecoder.h"
-#include "tavlen/foundation/JSONEncoder.h"
+#include "tavlen/foundation/json/JSONDecoder.h"
+#include "tavlen/foundation/json/JSONEncoder.h"
 
 namespace tavlen {
 namespace {

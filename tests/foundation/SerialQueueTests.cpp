@@ -1,4 +1,4 @@
-#include "tavlen/foundation/SerialQueue.h"
+#include "tavlen/foundation/tasks/SerialQueue.h"
 
 #include <gtest/gtest.h>
 

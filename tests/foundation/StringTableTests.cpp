@@ -1,4 +1,4 @@
-#include "tavlen/foundation/StringTable.h"
+#include "tavlen/foundation/errors/detail/StringTable.h"
 
 #include <gtest/gtest.h>
 

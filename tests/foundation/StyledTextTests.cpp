@@ -1,4 +1,4 @@
-#include "tavlen/foundation/StyledText.h"
+#include "tavlen/foundation/text/StyledText.h"
 
 #include <gtest/gtest.h>
 

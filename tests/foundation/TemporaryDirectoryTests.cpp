@@ -1,4 +1,4 @@
-#include "tavlen/foundation/TemporaryDirectory.h"
+#include "tavlen/foundation/files/TemporaryDirectory.h"
 
 #include <gtest/gtest.h>
 

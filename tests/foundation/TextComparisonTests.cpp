@@ -1,4 +1,4 @@
-#include "tavlen/foundation/TextComparison.h"
+#include "tavlen/foundation/text/TextComparison.h"
 
 #include <gtest/gtest.h>
 #include <unicode/uloc.h>

@@ -1,4 +1,4 @@
-#include "tavlen/foundation/URL.h"
+#include "tavlen/foundation/files/URL.h"
 
 #include <gtest/gtest.h>
 

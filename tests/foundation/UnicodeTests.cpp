@@ -1,4 +1,4 @@
-#include "tavlen/foundation/Unicode.h"
+#include "tavlen/foundation/text/Unicode.h"
 
 #include <gtest/gtest.h>
 

@@ -10,9 +10,9 @@
 #include "RandomPropertyList.h"
 #include "TemporaryFolder.h"
 #include "TestPaths.h"
-#include "tavlen/foundation/FileSystem.h"
-#include "tavlen/foundation/PropertyListSerialization.h"
-#include "tavlen/foundation/XMLPropertyListScalars.h"
+#include "tavlen/foundation/files/FileSystem.h"
+#include "tavlen/foundation/plist/PropertyListSerialization.h"
+#include "tavlen/foundation/plist/detail/XMLPropertyListScalars.h"
 
 namespace tavlen {
 namespace {

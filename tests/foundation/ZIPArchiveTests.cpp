@@ -1,4 +1,4 @@
-#include "tavlen/foundation/ZIPArchive.h"
+#include "tavlen/foundation/zip/ZIPArchive.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -11,10 +11,10 @@
 #include "TemporaryFolder.h"
 #include "TestPaths.h"
 #include "Thrown.h"
-#include "tavlen/foundation/FileSystem.h"
-#include "tavlen/foundation/Progress.h"
-#include "tavlen/foundation/ZIPError.h"
-#include "tavlen/foundation/detail/ZIPExtraction.h"
+#include "tavlen/foundation/files/FileSystem.h"
+#include "tavlen/foundation/tasks/Progress.h"
+#include "tavlen/foundation/zip/ZIPError.h"
+#include "tavlen/foundation/zip/detail/ZIPExtraction.h"
 
 namespace tavlen {
 namespace {

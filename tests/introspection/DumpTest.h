@@ -26,8 +26,8 @@
 #include "tavlen/bundles/Executable.h"
 #include "tavlen/bundles/IPA.h"
 #include "tavlen/device/DeviceRoot.h"
-#include "tavlen/foundation/DatagramReceiver.h"
-#include "tavlen/foundation/Log.h"
+#include "tavlen/foundation/tasks/DatagramReceiver.h"
+#include "tavlen/foundation/text/Log.h"
 #include "tavlen/introspection/TessaloopClient.h"
 
 namespace tavlen {

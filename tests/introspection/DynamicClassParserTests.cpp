@@ -20,10 +20,10 @@
 #include "TemporaryFolder.h"
 #include "TestPaths.h"
 #include "tavlen/bundles/Executable.h"
-#include "tavlen/foundation/ExecutablePath.h"
-#include "tavlen/foundation/FileSystem.h"
-#include "tavlen/foundation/Log.h"
-#include "tavlen/foundation/ScopedProgress.h"
+#include "tavlen/foundation/files/ExecutablePath.h"
+#include "tavlen/foundation/files/FileSystem.h"
+#include "tavlen/foundation/tasks/ScopedProgress.h"
+#include "tavlen/foundation/text/Log.h"
 #include "tavlen/introspection/RuntimeClasses.h"
 
 namespace {

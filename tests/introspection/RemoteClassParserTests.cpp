@@ -8,8 +8,8 @@
 #include <system_error>
 
 #include "DumpTest.h"
-#include "tavlen/foundation/FileSystem.h"
-#include "tavlen/foundation/KeyedArchive.h"
+#include "tavlen/foundation/archive/KeyedArchive.h"
+#include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/introspection/DynamicClassParser.h"
 #include "tavlen/introspection/RemoteDump.h"
 #include "tavlen/introspection/TessaloopInterface.h"

@@ -15,8 +15,8 @@
 
 #include "DumpTest.h"
 #include "tavlen/device/DevicePaths.h"
-#include "tavlen/foundation/FileDescriptor.h"
-#include "tavlen/foundation/KeyedArchive.h"
+#include "tavlen/foundation/archive/KeyedArchive.h"
+#include "tavlen/foundation/files/FileDescriptor.h"
 #include "tavlen/introspection/DumpFolder.h"
 #include "tavlen/introspection/RemoteClassParser.h"
 

@@ -10,7 +10,7 @@
 
 #include "DumpTest.h"
 #include "tavlen/device/SystemService.h"
-#include "tavlen/foundation/FileSystem.h"
+#include "tavlen/foundation/files/FileSystem.h"
 
 namespace tavlen {
 namespace {

@@ -4,8 +4,8 @@
 #include <utility>
 
 #include "tavlen/collections/TweakDiffNotifications.h"
-#include "tavlen/foundation/FileSystem.h"
-#include "tavlen/foundation/JSONEncoder.h"
+#include "tavlen/foundation/files/FileSystem.h"
+#include "tavlen/foundation/json/JSONEncoder.h"
 #include "tavlen/tweaks/TweakFileDiff.h"
 
 namespace tavlen {

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "TemporaryFolder.h"
-#include "tavlen/foundation/NotificationCenter.h"
+#include "tavlen/foundation/tasks/NotificationCenter.h"
 #include "tavlen/tweaks/Manifest.h"
 
 namespace tavlen {

@@ -9,7 +9,7 @@
 #include "Thrown.h"
 #include "tavlen/collections/TweakDiffNotifications.h"
 #include "tavlen/collections/TweakPoster.h"
-#include "tavlen/foundation/CodingError.h"
+#include "tavlen/foundation/coding/CodingError.h"
 #include "tavlen/parameters/RootParameterManager.h"
 
 namespace tavlen {

@@ -6,9 +6,9 @@
 
 #include "EditedTweak.h"
 #include "Thrown.h"
-#include "tavlen/foundation/CodingError.h"
-#include "tavlen/foundation/JSONEncoder.h"
-#include "tavlen/foundation/URL.h"
+#include "tavlen/foundation/coding/CodingError.h"
+#include "tavlen/foundation/files/URL.h"
+#include "tavlen/foundation/json/JSONEncoder.h"
 #include "tavlen/parameters/ArrayParameterManager.h"
 #include "tavlen/parameters/DictionaryParameterManager.h"
 #include "tavlen/parameters/RootParameterManager.h"

@@ -3,8 +3,8 @@
 #include <limits>
 
 #include "Thrown.h"
-#include "tavlen/foundation/JSONDecoder.h"
-#include "tavlen/foundation/JSONEncoder.h"
+#include "tavlen/foundation/json/JSONDecoder.h"
+#include "tavlen/foundation/json/JSONEncoder.h"
 #include "tavlen/parameters/ParameterContainer.h"
 
 namespace tavlen {

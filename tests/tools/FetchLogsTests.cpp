@@ -6,7 +6,7 @@
 
 #include "FileSizeLimit.h"
 #include "HelperTest.h"
-#include "tavlen/foundation/FileSystem.h"
+#include "tavlen/foundation/files/FileSystem.h"
 
 namespace tavlen {
 namespace {

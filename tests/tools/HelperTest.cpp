@@ -11,7 +11,7 @@
 #include <sstream>
 
 #include "TestPaths.h"
-#include "tavlen/foundation/FileSystem.h"
+#include "tavlen/foundation/files/FileSystem.h"
 
 namespace tavlen {
 

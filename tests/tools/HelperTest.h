@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "TemporaryFolder.h"
-#include "tavlen/foundation/FunctionRef.h"
+#include "tavlen/foundation/base/FunctionRef.h"
 
 namespace tavlen {
 

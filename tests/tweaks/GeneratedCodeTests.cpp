@@ -1,9 +1,9 @@
 #include <gtest/gtest.h>
 
 #include "TestPaths.h"
-#include "tavlen/foundation/FileSystem.h"
-#include "tavlen/foundation/JSONEncoder.h"
-#include "tavlen/foundation/JavaScriptContext.h"
+#include "tavlen/foundation/files/FileSystem.h"
+#include "tavlen/foundation/javascript/JavaScriptContext.h"
+#include "tavlen/foundation/json/JSONEncoder.h"
 #include "tavlen/tweaks/Manifest.h"
 #include "tavlen/tweaks/TweakProcessor.h"
 

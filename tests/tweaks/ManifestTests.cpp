@@ -7,10 +7,10 @@
 #include "TemporaryFolder.h"
 #include "TestPaths.h"
 #include "Thrown.h"
-#include "tavlen/foundation/FileSystem.h"
-#include "tavlen/foundation/JSONDecoder.h"
-#include "tavlen/foundation/JSONEncoder.h"
-#include "tavlen/foundation/MainBundle.h"
+#include "tavlen/foundation/errors/MainBundle.h"
+#include "tavlen/foundation/files/FileSystem.h"
+#include "tavlen/foundation/json/JSONDecoder.h"
+#include "tavlen/foundation/json/JSONEncoder.h"
 #include "tavlen/tweaks/TweakError.h"
 
 namespace tavlen {

@@ -8,7 +8,7 @@
 #include "TemporaryFolder.h"
 #include "tavlen/device/DevicePaths.h"
 #include "tavlen/device/DeviceRoot.h"
-#include "tavlen/foundation/FileReplacement.h"
+#include "tavlen/foundation/files/FileReplacement.h"
 
 namespace tavlen {
 namespace {

@@ -1,8 +1,8 @@
 #include "StoreTest.h"
 #include "Thrown.h"
-#include "tavlen/foundation/FileSystem.h"
-#include "tavlen/foundation/ZIPArchive.h"
-#include "tavlen/foundation/ZIPError.h"
+#include "tavlen/foundation/files/FileSystem.h"
+#include "tavlen/foundation/zip/ZIPArchive.h"
+#include "tavlen/foundation/zip/ZIPError.h"
 #include "tavlen/tweaks/TweakError.h"
 #include "tavlen/tweaks/TweakManager.h"
 

@@ -11,7 +11,7 @@
 #include "Thrown.h"
 #include "tavlen/bundles/IPA.h"
 #include "tavlen/collections/TweakPoster.h"
-#include "tavlen/foundation/FileSystem.h"
+#include "tavlen/foundation/files/FileSystem.h"
 
 namespace tavlen {
 namespace {

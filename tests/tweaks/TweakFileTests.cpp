@@ -4,7 +4,7 @@
 
 #include "TemporaryFolder.h"
 #include "Thrown.h"
-#include "tavlen/foundation/CodingError.h"
+#include "tavlen/foundation/coding/CodingError.h"
 #include "tavlen/tweaks/Manifest.h"
 
 namespace tavlen {

@@ -7,7 +7,7 @@
 
 #include "PackagingTest.h"
 #include "tavlen/bundles/Info.h"
-#include "tavlen/foundation/PropertyListDecoder.h"
+#include "tavlen/foundation/plist/PropertyListDecoder.h"
 #include "tavlen/tweaks/TweakError.h"
 
 namespace tavlen {

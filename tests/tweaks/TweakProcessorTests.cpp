@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "TemporaryFolder.h"
-#include "tavlen/foundation/CodingError.h"
+#include "tavlen/foundation/coding/CodingError.h"
 #include "tavlen/tweaks/HookSource.h"
 #include "tavlen/tweaks/Manifest.h"
 

@@ -8,9 +8,9 @@
 #include <string>
 #include <system_error>
 
-#include "tavlen/foundation/FileDescriptor.h"
-#include "tavlen/foundation/Interruption.h"
-#include "tavlen/foundation/SystemError.h"
+#include "tavlen/foundation/base/SystemError.h"
+#include "tavlen/foundation/files/FileDescriptor.h"
+#include "tavlen/foundation/files/Interruption.h"
 
 namespace tavlen::dumpagent {
 

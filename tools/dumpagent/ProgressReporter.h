@@ -6,7 +6,7 @@
 #include <thread>
 
 #include "dumpagent/ReportSender.h"
-#include "tavlen/foundation/Progress.h"
+#include "tavlen/foundation/tasks/Progress.h"
 
 namespace tavlen::dumpagent {
 

@@ -6,7 +6,7 @@
 #include <cerrno>
 #include <string>
 
-#include "tavlen/foundation/SystemError.h"
+#include "tavlen/foundation/base/SystemError.h"
 
 namespace tavlen::dumpagent {
 

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "tavlen/foundation/FileDescriptor.h"
+#include "tavlen/foundation/files/FileDescriptor.h"
 #include "tavlen/introspection/TessaloopDatagram.h"
 
 namespace tavlen::dumpagent {

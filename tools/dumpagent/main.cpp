@@ -18,10 +18,10 @@
 #include "dumpagent/ProgressReporter.h"
 #include "dumpagent/ReportSender.h"
 #include "tavlen/device/DeviceRoot.h"
-#include "tavlen/foundation/ExecutablePath.h"
-#include "tavlen/foundation/KeyedArchive.h"
-#include "tavlen/foundation/Log.h"
-#include "tavlen/foundation/ScopedProgress.h"
+#include "tavlen/foundation/archive/KeyedArchive.h"
+#include "tavlen/foundation/files/ExecutablePath.h"
+#include "tavlen/foundation/tasks/ScopedProgress.h"
+#include "tavlen/foundation/text/Log.h"
 #include "tavlen/introspection/DynamicClassParser.h"
 
 namespace {

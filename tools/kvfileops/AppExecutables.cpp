@@ -8,7 +8,7 @@
 #include "kvfileops/CallerRights.h"
 #include "kvfileops/Failure.h"
 #include "tavlen/device/DirectoryAppListFetcher.h"
-#include "tavlen/foundation/FileSystem.h"
+#include "tavlen/foundation/files/FileSystem.h"
 
 namespace tavlen::fileops {
 

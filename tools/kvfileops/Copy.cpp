@@ -20,7 +20,7 @@
 #include "kvfileops/NewFolder.h"
 #include "kvfileops/TreeRemoval.h"
 #include "tavlen/device/DevicePaths.h"
-#include "tavlen/foundation/Log.h"
+#include "tavlen/foundation/text/Log.h"
 
 namespace tavlen::fileops {
 

@@ -4,7 +4,7 @@
 #include <optional>
 #include <tuple>
 
-#include "tavlen/foundation/JSONDecoder.h"
+#include "tavlen/foundation/json/JSONDecoder.h"
 
 namespace tavlen::fileops {
 

@@ -10,7 +10,7 @@
 
 #include "kvfileops/Failure.h"
 #include "kvfileops/NewFolder.h"
-#include "tavlen/foundation/FileSystem.h"
+#include "tavlen/foundation/files/FileSystem.h"
 
 namespace tavlen::fileops {
 

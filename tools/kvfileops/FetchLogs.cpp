@@ -19,8 +19,8 @@
 #include "kvfileops/FolderReader.h"
 #include "kvfileops/NewFile.h"
 #include "tavlen/device/DevicePaths.h"
-#include "tavlen/foundation/FileSystem.h"
-#include "tavlen/foundation/Log.h"
+#include "tavlen/foundation/files/FileSystem.h"
+#include "tavlen/foundation/text/Log.h"
 
 namespace tavlen::fileops {
 

@@ -9,7 +9,7 @@
 #include "kvfileops/Copy.h"
 #include "kvfileops/DeviceFolder.h"
 #include "kvfileops/FetchLogs.h"
-#include "tavlen/foundation/Log.h"
+#include "tavlen/foundation/text/Log.h"
 
 namespace {
 

@@ -1,0 +1,229 @@
+#include "tavlen/foundation/archive/KeyedUnarchiver.h"
+
+#include <algorithm>
+#include <array>
+#include <limits>
+
+namespace tavlen {
+
+namespace {
+
+using Index = PropertyList::Index;
+
+constexpr std::string_view kRootKey = "root";
+constexpr Index kAbsent = std::numeric_limits<Index>::max();
+
+DecodingError invalidArchive(std::string_view reason) {
+  return DecodingError::dataCorrupted("The data is not a keyed archive. " + std::string(reason));
+}
+
+std::string ofClass(std::string_view name) {
+  return "an object of the class \"" + abbreviated(name) + "\"";
+}
+
+std::string_view stringUnder(const PropertyList& list, Index dictionary, std::string_view key) {
+  const auto value = list.find(dictionary, key);
+  if (!value) return {};
+  return list.get<std::string_view>(*value).value_or(std::string_view());
+}
+
+}  // namespace
+
+/// The objects that are open: one more while it lives.
+class KeyedUnarchiver::Inside {
+ public:
+  explicit Inside(KeyedUnarchiver& unarchiver) : unarchiver_(unarchiver) {
+    if (unarchiver_.depth_ == kDeepest) {
+      throw DecodingError::dataCorrupted("nested deeper than " + std::to_string(kDeepest) +
+                                         " objects");
+    }
+    ++unarchiver_.depth_;
+  }
+  ~Inside() { --unarchiver_.depth_; }
+  Inside(const Inside&) = delete;
+  Inside& operator=(const Inside&) = delete;
+
+ private:
+  KeyedUnarchiver& unarchiver_;
+};
+
+KeyedUnarchiver::KeyedUnarchiver(const PropertyList& list) : list_(list), budget_(list) {
+  if (stringUnder(list, list.root(), "$archiver") != "NSKeyedArchiver") {
+    throw invalidArchive("It names another archiver, or none.");
+  }
+  const auto version = list.find(list.root(), "$version");
+  if (!version || list.integer(*version) != 100000) throw invalidArchive("Its version is unknown.");
+  const auto objects = list.find(list.root(), "$objects");
+  const auto array = objects ? list.get<PropertyList::Array>(*objects) : std::nullopt;
+  if (!array) throw invalidArchive("It holds no objects.");
+  objects_ = array->elements;
+  const auto top = list.find(list.root(), "$top");
+  const auto root = top ? list.find(*top, kRootKey) : std::nullopt;
+  if (!root) throw invalidArchive("It has no root.");
+  root_ = *root;
+  countReferences();
+}
+
+void KeyedUnarchiver::countReferences() {
+  references_.resize(list_.size());
+  const auto meet = [&](Index value) {
+    const auto reference = list_.get<PropertyList::UID>(value);
+    if (!reference || reference->value >= objects_.size()) return;
+    std::uint8_t& count = references_[objects_[static_cast<std::size_t>(reference->value)]];
+    if (count < 2) ++count;
+  };
+  for (const Index element : list_.allElements()) meet(element);
+  for (const PropertyList::Member& member : list_.allMembers()) meet(member.value);
+}
+
+std::optional<Index> KeyedUnarchiver::object(Index value) const {
+  const auto reference = list_.get<PropertyList::UID>(value);
+  if (!reference) {
+    throw DecodingError::typeMismatch("a reference to an object", description(list_.kind(value)));
+  }
+  if (reference->value == 0) return std::nullopt;
+  if (reference->value >= objects_.size()) {
+    throw DecodingError::dataCorrupted("the archive has no object " +
+                                       std::to_string(reference->value));
+  }
+  const Index object = objects_[static_cast<std::size_t>(reference->value)];
+  if (list_.get<std::string_view>(object) == "$null") return std::nullopt;
+  return object;
+}
+
+bool KeyedUnarchiver::isKind(Index classObject, std::string_view className) {
+  const std::pair<Index, std::string_view> kind{classObject, className};
+  if (std::find(kinds_.begin(), kinds_.end(), kind) != kinds_.end()) return true;
+  if (const auto dictionary = list_.get<PropertyList::Dictionary>(classObject)) {
+    budget_.chargeVisits(2 * dictionary->members.size());
+  }
+  bool isKind = stringUnder(list_, classObject, "$classname") == className;
+  const auto classes = list_.find(classObject, "$classes");
+  const auto chain = classes ? list_.get<PropertyList::Array>(*classes) : std::nullopt;
+  if (!isKind && chain) {
+    budget_.chargeVisits(chain->elements.size());
+    isKind = std::any_of(chain->elements.begin(), chain->elements.end(), [&](Index name) {
+      return list_.get<std::string_view>(name) == className;
+    });
+  }
+  // A proper archive has a handful; a list without end would make each search longer.
+  constexpr std::size_t kMostKinds = 16;
+  if (isKind && kinds_.size() < kMostKinds) kinds_.push_back(kind);
+  return isKind;
+}
+
+PropertyList::Dictionary KeyedUnarchiver::checked(Index object, std::string_view className) {
+  const auto dictionary = list_.get<PropertyList::Dictionary>(object);
+  if (!dictionary) {
+    throw DecodingError::typeMismatch(ofClass(className), description(list_.kind(object)));
+  }
+  budget_.chargeVisits(2 * dictionary->members.size() + 1);
+  const auto reference = list_.find(object, "$class");
+  if (!reference) throw DecodingError::keyNotFound("$class");
+  const auto classObject = underKey("$class", [&] { return this->object(*reference); });
+  if (!classObject || !isKind(*classObject, className)) {
+    const auto name =
+        classObject ? stringUnder(list_, *classObject, "$classname") : std::string_view();
+    throw DecodingError::typeMismatch(ofClass(className), ofClass(name));
+  }
+  return *dictionary;
+}
+
+std::string_view KeyedUnarchiver::text(Index object) {
+  budget_.chargeVisits(1);
+  const auto text = list_.get<std::string_view>(object);
+  return budget_.chargedText(text ? *text : inlineText(object));
+}
+
+/// A mutable string is an object around its text.
+std::string_view KeyedUnarchiver::inlineText(Index object) {
+  constexpr std::string_view kExpected = "a string";
+  if (list_.kind(object) != PropertyList::Kind::dictionary) {
+    throw DecodingError::typeMismatch(kExpected, description(list_.kind(object)));
+  }
+  checked(object, "NSString");
+  const auto value = list_.find(object, "NS.string");
+  if (!value) throw DecodingError::keyNotFound("NS.string");
+  const auto text = list_.get<std::string_view>(*value);
+  if (!text) throw DecodingError::typeMismatch(kExpected, description(list_.kind(*value)));
+  return *text;
+}
+
+URL KeyedUnarchiver::url(Index object) {
+  const Inside inside(*this);
+  checked(object, "NSURL");
+  const auto relative = list_.find(object, "NS.relative");
+  if (!relative) throw DecodingError::keyNotFound("NS.relative");
+  const std::string_view text = underKey("NS.relative", [&] {
+    const auto stored = this->object(*relative);
+    if (!stored) throw DecodingError::valueNotFound("a string");
+    return this->text(*stored);
+  });
+  const auto base = list_.find(object, "NS.base");
+  return underKey("NS.base", [&] {
+    const auto stored = base ? this->object(*base) : std::nullopt;
+    if (!stored) return URL{std::string(text)};
+    URL resolved = url(*stored).resolved(text);
+    budget_.chargedText(resolved.absoluteString);
+    return resolved;
+  });
+}
+
+void KeyedUnarchiver::elements(Index object,
+                               FunctionRef<void(Index element, std::size_t count)> element) {
+  const Inside inside(*this);
+  checked(object, "NSArray");
+  const auto objects = list_.find(object, "NS.objects");
+  if (!objects) return;
+  const auto array = list_.get<PropertyList::Array>(*objects);
+  if (!array) throw DecodingError::typeMismatch("an array", description(list_.kind(*objects)));
+  budget_.chargeVisits(array->elements.size());
+  for (std::size_t i = 0; i < array->elements.size(); ++i) {
+    underIndex(i, [&] {
+      const auto stored = this->object(array->elements[i]);
+      if (!stored) throw DecodingError::valueNotFound("an object");
+      element(*stored, array->elements.size());
+    });
+  }
+}
+
+void KeyedUnarchiver::record(Index object, std::string_view className,
+                             std::span<const Field> fields, void* record) {
+  const Inside inside(*this);
+  std::array<Index, kMostFields> values;  // NOLINT(*-member-init): as many as there are fields
+  std::fill_n(values.begin(), fields.size(), kAbsent);
+  for (const PropertyList::Member& member : checked(object, className).members) {
+    const std::string_view key = list_.string(member.key);
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+      if (fields[i].key == key) values[i] = member.value;
+    }
+  }
+  for (std::size_t i = 0; i < fields.size(); ++i) {
+    if (values[i] == kAbsent) continue;
+    underKey(fields[i].key, [&] { fields[i].decode(*this, values[i], record); });
+  }
+}
+
+bool KeyedUnarchiver::boolean(Index value) const {
+  if (const auto flag = list_.get<bool>(value)) return *flag;
+  const auto integer = list_.integer(value);
+  if (!integer) throw DecodingError::typeMismatch("a boolean", description(list_.kind(value)));
+  return *integer != 0;
+}
+
+std::int64_t KeyedUnarchiver::integer(Index value) const {
+  if (list_.get<std::uint64_t>(value) && !list_.integer(value)) {
+    throw DecodingError::dataCorrupted("the number is not a signed 64-bit integer");
+  }
+  const auto integer = list_.integer(value);
+  if (!integer) throw DecodingError::typeMismatch("an integer", description(list_.kind(value)));
+  return *integer;
+}
+
+double KeyedUnarchiver::real(Index value) const {
+  const auto real = list_.get<double>(value);
+  if (!real) throw DecodingError::typeMismatch("a real number", description(list_.kind(value)));
+  return *real;
+}
+
+}  // namespace tavlen

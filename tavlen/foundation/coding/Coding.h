@@ -1,0 +1,222 @@
+#pragma once
+
+#include <array>
+#include <concepts>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <tuple>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include "tavlen/foundation/coding/CodingError.h"
+#include "tavlen/foundation/coding/Decoder.h"
+#include "tavlen/foundation/coding/Encoder.h"
+
+/// How values are coded, in every format.
+///
+/// A record lists its coded fields once, in the order of coding:
+///
+///     struct Icons {
+///       std::optional<PrimaryIcon> primaryIcon;
+///       static constexpr auto codedFields() {
+///         return std::tuple{optionalField("CFBundlePrimaryIcon", &Icons::primaryIcon)};
+///       }
+///     };
+///
+/// A value with a form of its own specialises Coding<T>.
+namespace tavlen {
+
+/// A row of a record's table.
+template <class Record, class Member>
+struct CodedField {
+  std::string_view key;
+  Member Record::*member;
+  bool required;
+};
+
+template <class Record, class Member>
+constexpr CodedField<Record, Member> requiredField(std::string_view key, Member Record::*member) {
+  return {key, member, true};
+}
+
+/// Left out when it is empty; an absent key and a null read as empty.
+template <class Record, class Value>
+constexpr CodedField<Record, std::optional<Value>> optionalField(
+    std::string_view key, std::optional<Value> Record::*member) {
+  return {key, member, false};
+}
+
+template <class T>
+concept CodedRecord = requires {
+  T::codedFields();
+};
+
+/// The whole number that a table's key stands for: an optional sign and decimal digits, nothing
+/// else. Throws DecodingError::typeMismatch.
+std::int64_t wholeNumberFromKey(std::string_view key);
+
+/// The coding of one type: `encode(encoder, value)` and `decode(decoder, value&)`.
+template <class T>
+struct Coding;
+
+template <class T>
+void encode(Encoder& encoder, const T& value) {
+  Coding<T>::encode(encoder, value);
+}
+
+template <class T>
+void decode(Decoder& decoder, T& value) {
+  Coding<T>::decode(decoder, value);
+}
+
+template <>
+struct Coding<bool> {
+  static void encode(Encoder& encoder, bool value) { encoder.boolean(value); }
+  static void decode(Decoder& decoder, bool& value) { value = decoder.boolean(); }
+};
+
+template <>
+struct Coding<std::int64_t> {
+  static void encode(Encoder& encoder, std::int64_t value) { encoder.integer(value); }
+  static void decode(Decoder& decoder, std::int64_t& value) { value = decoder.integer(); }
+};
+
+template <>
+struct Coding<std::uint64_t> {
+  static void encode(Encoder& encoder, std::uint64_t value) { encoder.unsignedInteger(value); }
+  static void decode(Decoder& decoder, std::uint64_t& value) { value = decoder.unsignedInteger(); }
+};
+
+template <>
+struct Coding<double> {
+  static void encode(Encoder& encoder, double value) { encoder.real(value); }
+  static void decode(Decoder& decoder, double& value) { value = decoder.real(); }
+};
+
+template <>
+struct Coding<std::string> {
+  static void encode(Encoder& encoder, const std::string& value) { encoder.string(value); }
+  static void decode(Decoder& decoder, std::string& value) { value = decoder.string(); }
+};
+
+template <>
+struct Coding<Date> {
+  static void encode(Encoder& encoder, Date value) { encoder.date(value); }
+  static void decode(Decoder& decoder, Date& value) { value = decoder.date(); }
+};
+
+/// An element that may be absent is a null; an absent field is left out by its record instead.
+template <class Value>
+struct Coding<std::optional<Value>> {
+  static void encode(Encoder& encoder, const std::optional<Value>& value) {
+    if (value) {
+      tavlen::encode(encoder, *value);
+    } else {
+      encoder.null();
+    }
+  }
+  static void decode(Decoder& decoder, std::optional<Value>& value) {
+    if (decoder.null()) {
+      value.reset();
+    } else {
+      tavlen::decode(decoder, value.emplace());
+    }
+  }
+};
+
+/// A record that is shared by reference, as the record itself; never null.
+template <class Record>
+struct Coding<std::shared_ptr<Record>> {
+  static void encode(Encoder& encoder, const std::shared_ptr<Record>& value) {
+    tavlen::encode(encoder, *value);
+  }
+  static void decode(Decoder& decoder, std::shared_ptr<Record>& value) {
+    value = std::make_shared<Record>();
+    tavlen::decode(decoder, *value);
+  }
+};
+
+template <class Element>
+struct Coding<std::vector<Element>> {
+  static void encode(Encoder& encoder, const std::vector<Element>& value) {
+    encoder.beginArray(value.size());
+    for (std::size_t i = 0; i < value.size(); ++i) {
+      underIndex(i, [&] { tavlen::encode(encoder, value[i]); });
+    }
+    encoder.endArray();
+  }
+  static void decode(Decoder& decoder, std::vector<Element>& value) {
+    value.clear();
+    decoder.elements([&] { tavlen::decode(decoder, value.emplace_back()); });
+  }
+};
+
+/// A table with decimal whole numbers as its keys.
+template <class Value>
+struct Coding<std::map<std::int64_t, Value>> {
+  static void encode(Encoder& encoder, const std::map<std::int64_t, Value>& table) {
+    encoder.beginRecord();
+    for (const auto& entry : table) {
+      const std::string key = std::to_string(entry.first);
+      encoder.key(key);
+      underKey(key, [&] { tavlen::encode(encoder, entry.second); });
+    }
+    encoder.endRecord();
+  }
+  static void decode(Decoder& decoder, std::map<std::int64_t, Value>& table) {
+    table.clear();
+    decoder.members([&](std::string_view key) {
+      // "1" and "01" are one key: the first counts, as for equal texts.
+      const auto [place, added] = table.try_emplace(wholeNumberFromKey(key));
+      if (added) tavlen::decode(decoder, place->second);
+    });
+  }
+};
+
+/// Writes the fields of `record` into the keyed container that is open.
+template <CodedRecord Record>
+void encodeFields(Encoder& encoder, const Record& record) {
+  const auto encodeField = [&]<class Member>(const CodedField<Record, Member>& field) {
+    const Member& value = record.*field.member;
+    if constexpr (requires { value.has_value(); }) {
+      if (!field.required && !value) return;
+    }
+    encoder.key(field.key);
+    underKey(field.key, [&] { encode(encoder, value); });
+  };
+  std::apply([&](const auto&... field) { (encodeField(field), ...); }, Record::codedFields());
+}
+
+/// The record's table in the form that decoders walk.
+template <CodedRecord Record>
+inline constexpr auto kFieldDecoders = []<std::size_t... I>(std::index_sequence<I...>) {
+  return std::array<FieldDecoder, sizeof...(I)>{FieldDecoder{
+      std::get<I>(Record::codedFields()).key,
+      std::get<I>(Record::codedFields()).required,
+      [](Decoder& decoder, void* record) {
+        constexpr auto member = std::get<I>(Record::codedFields()).member;
+        decode(decoder, static_cast<Record*>(record)->*member);
+      },
+  }...};
+}
+(std::make_index_sequence<std::tuple_size_v<decltype(Record::codedFields())>>{});
+
+template <CodedRecord Record>
+struct Coding<Record> {
+  static void encode(Encoder& encoder, const Record& record) {
+    encoder.beginRecord();
+    encodeFields(encoder, record);
+    encoder.endRecord();
+  }
+  static void decode(Decoder& decoder, Record& record) {
+    static_assert(kFieldDecoders<Record>.size() <= 64, "decoders keep a bit a field");
+    decoder.record(kFieldDecoders<Record>, &record);
+  }
+};
+
+}  // namespace tavlen

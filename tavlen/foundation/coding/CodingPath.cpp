@@ -1,0 +1,49 @@
+#include "tavlen/foundation/coding/CodingPath.h"
+
+#include <algorithm>
+
+namespace tavlen {
+
+CodingPath::CodingPath(std::vector<Element> elements) : reversed_(std::move(elements)) {
+  std::reverse(reversed_.begin(), reversed_.end());
+}
+
+void CodingPath::prependKey(std::string_view key) { reversed_.emplace_back(std::string(key)); }
+
+void CodingPath::prependIndex(std::size_t index) { reversed_.emplace_back(index); }
+
+std::vector<CodingPath::Element> CodingPath::elements() const {
+  return {reversed_.rbegin(), reversed_.rend()};
+}
+
+std::string CodingPath::text() const {
+  // A path as deep as documents may be would fill screens; its two ends tell the place.
+  constexpr std::size_t kShownAtEachEnd = 16;
+  const std::size_t count = reversed_.size();
+  std::string out;
+  for (std::size_t i = 0; i < count; ++i) {
+    if (i == kShownAtEachEnd && count > 2 * kShownAtEachEnd) {
+      out += "…";
+      i = count - kShownAtEachEnd;
+    }
+    const Element& element = reversed_[count - 1 - i];
+    if (const auto* index = std::get_if<std::size_t>(&element)) {
+      out += "[" + std::to_string(*index) + "]";
+      continue;
+    }
+    if (!out.empty()) out += '.';
+    out += abbreviated(std::get<std::string>(element));
+  }
+  return out;
+}
+
+std::string abbreviated(std::string_view text) {
+  constexpr std::size_t kLongest = 200;
+  if (text.size() <= kLongest) return std::string(text);
+  std::size_t end = kLongest;
+  // Never in the middle of a character.
+  while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) --end;
+  return std::string(text.substr(0, end)) + "…";
+}
+
+}  // namespace tavlen

@@ -1,0 +1,115 @@
+#include "tavlen/foundation/files/FileSystem.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstdint>
+#include <system_error>
+#include <utility>
+
+#include "tavlen/foundation/files/RandomAccessFile.h"
+#include "tavlen/foundation/text/Unicode.h"
+
+namespace tavlen {
+
+namespace {
+
+[[noreturn]] void fail(int code, const std::filesystem::path& path) {
+  throw std::system_error(code, std::generic_category(), path.string());
+}
+
+/// No document comes near it, and a sparse file of any size is made in no time.
+constexpr std::size_t kLargestFile = std::size_t{1} << 31;
+
+std::string checkedUTF8(std::string text, const std::filesystem::path& path) {
+  constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+  if (!isValidUTF8(text)) fail(EILSEQ, path.string() + ": the text is malformed in its encoding");
+  if (text.starts_with(kByteOrderMark)) text.erase(0, kByteOrderMark.size());
+  return text;
+}
+
+struct ByteOrderMark {
+  std::string_view bytes;
+  TextEncoding encoding;
+};
+
+// The four-byte marks first: one of them begins with a two-byte mark.
+constexpr std::array<ByteOrderMark, 4> kWideMarks = {{
+    {{"\xFF\xFE\0\0", 4}, TextEncoding::utf32LittleEndian},
+    {{"\0\0\xFE\xFF", 4}, TextEncoding::utf32BigEndian},
+    {{"\xFE\xFF", 2}, TextEncoding::utf16BigEndian},
+    {{"\xFF\xFE", 2}, TextEncoding::utf16LittleEndian},
+}};
+
+std::optional<std::string> contentsUpTo(const RandomAccessFile& file, std::size_t most) {
+  if (file.size() > most) return std::nullopt;
+  // The size is a hint: the file may grow or shrink while it is read. One more byte lets the read
+  // see the end.
+  std::string bytes = file.read(0, static_cast<std::size_t>(file.size()) + 1);
+  for (std::size_t more = bytes.size(); bytes.size() > file.size(); more *= 2) {
+    const std::string next = file.read(bytes.size(), more);
+    bytes += next;
+    if (bytes.size() > most) return std::nullopt;
+    if (next.size() < more) break;
+  }
+  return bytes;
+}
+
+}  // namespace
+
+std::string readFile(const std::filesystem::path& path) { return readFileNamed(path.string()); }
+
+std::string readFileNamed(const std::string& path) {
+  std::optional<std::string> bytes = contentsUpTo(RandomAccessFile(path), kLargestFile);
+  if (!bytes) fail(EFBIG, path);
+  return std::move(*bytes);
+}
+
+std::optional<std::string> readFileUpTo(const std::filesystem::path& path, std::size_t most) {
+  return contentsUpTo(RandomAccessFile(path), most);
+}
+
+std::string readText(const std::filesystem::path& path) {
+  std::string bytes = readFile(path);
+  for (const ByteOrderMark& mark : kWideMarks) {
+    if (!bytes.starts_with(mark.bytes)) continue;
+    std::string text;
+    const std::string_view rest = std::string_view(bytes).substr(mark.bytes.size());
+    if (!convertToUTF8(rest, mark.encoding, text))
+      fail(EILSEQ, path.string() + ": the text is malformed in its encoding");
+    return text;
+  }
+  return checkedUTF8(std::move(bytes), path);
+}
+
+int executableError(const std::filesystem::path& path) {
+  if (::access(path.c_str(), X_OK) != 0) return errno;
+  std::error_code error;
+  if (std::filesystem::is_regular_file(path, error)) return 0;
+  return error ? error.value() : EACCES;
+}
+
+bool isPlainComponent(std::string_view name) {
+  return !name.empty() && name != "." && name != ".." &&
+         name.find_first_of(std::string_view("/\0", 2)) == std::string_view::npos;
+}
+
+std::optional<std::filesystem::path> pathInside(const std::filesystem::path& folder,
+                                                std::string_view name) {
+  const std::filesystem::path relative(name);
+  if (name.empty() || name.find('\0') != std::string_view::npos || relative.is_absolute()) {
+    return std::nullopt;
+  }
+  std::error_code error;
+  const std::filesystem::path base = std::filesystem::weakly_canonical(folder, error);
+  if (error) return std::nullopt;
+  const std::filesystem::path file = std::filesystem::weakly_canonical(base / relative, error);
+  if (error) return std::nullopt;
+  const auto [inBase, inFile] = std::mismatch(base.begin(), base.end(), file.begin(), file.end());
+  if (inBase != base.end() || inFile == file.end()) return std::nullopt;
+  return file;
+}
+
+}  // namespace tavlen

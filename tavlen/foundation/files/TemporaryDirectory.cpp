@@ -1,0 +1,90 @@
+#include "tavlen/foundation/files/TemporaryDirectory.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <cstdlib>
+#include <exception>
+#include <string>
+#include <string_view>
+#include <system_error>
+#include <thread>
+#include <utility>
+
+#include "tavlen/foundation/files/FileTree.h"
+
+namespace tavlen {
+
+namespace {
+
+/// Longer than any operation takes, so that nobody's folder is taken for a left-over.
+constexpr std::chrono::hours kLeftOverAge(24);
+/// The common folder may hold what the system, or another program, put there.
+constexpr std::string_view kOwnPrefix = "tavlen-";
+
+void removeQuietly(const std::filesystem::path& item) noexcept {
+  try {
+    removeItem(item);
+  } catch (const std::exception&) {
+    // Temporary items are swept again later.
+  }
+}
+
+void sweepLeftOvers(const std::filesystem::path& items) {
+  std::error_code error;
+  if (!std::filesystem::is_directory(std::filesystem::symlink_status(items, error))) return;
+  const auto now = std::filesystem::file_time_type::clock::now();
+  std::filesystem::directory_iterator entry(items, error);
+  for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
+    if (!entry->path().filename().native().starts_with(kOwnPrefix)) continue;
+    std::error_code unknown;
+    if (!std::filesystem::is_directory(entry->symlink_status(unknown))) continue;
+    const auto written = std::filesystem::last_write_time(entry->path(), unknown);
+    if (!unknown && now - written > kLeftOverAge) removeQuietly(entry->path());
+  }
+}
+
+}  // namespace
+
+TemporaryDirectory::TemporaryDirectory(const std::filesystem::path& folder) {
+  const std::filesystem::path items = folder / kItemsFolder;
+  sweepLeftOvers(items);
+  // Another's end may remove the common folder between the two calls. Two that try again without a
+  // pause can keep colliding, so each waits a little longer every time.
+  constexpr int kAttempts = 1000;
+  constexpr std::chrono::microseconds kStep(50);
+  constexpr std::chrono::microseconds kLongestPause(5000);
+  for (int attempt = 1; path_.empty(); ++attempt) {
+    if (attempt > 1) std::this_thread::sleep_for(std::min(attempt * kStep, kLongestPause));
+    std::error_code error;
+    std::filesystem::create_directories(items, error);
+    // It would lead this object, and whoever sweeps, into a folder of somebody else's.
+    std::error_code unknown;
+    if (std::filesystem::is_symlink(items, unknown)) {
+      throw std::system_error(ELOOP, std::generic_category(), items.string());
+    }
+    if (error == std::errc::file_exists && attempt < kAttempts &&
+        std::filesystem::is_directory(folder, unknown)) {
+      continue;
+    }
+    if (error) throw std::system_error(error, items.string());
+    std::string pattern = (items / (std::string(kOwnPrefix) + "XXXXXX")).string();
+    if (::mkdtemp(pattern.data()) != nullptr) {
+      path_ = pattern;
+    } else if (errno != ENOENT || attempt == kAttempts) {
+      throw std::system_error(errno, std::generic_category(), pattern);
+    }
+  }
+}
+
+TemporaryDirectory::~TemporaryDirectory() {
+  if (path_.empty()) return;
+  removeQuietly(path_);
+  // Only when nobody else works in it.
+  std::error_code ignored;
+  std::filesystem::remove(path_.parent_path(), ignored);
+}
+
+std::filesystem::path TemporaryDirectory::release() { return std::exchange(path_, {}); }
+
+}  // namespace tavlen

@@ -1,0 +1,166 @@
+#include "tavlen/foundation/files/TreeRemoval.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#include "tavlen/foundation/files/Interruption.h"
+
+namespace tavlen {
+
+namespace {
+
+FileDescriptor openFolder(int parent, const char* name) {
+  return FileDescriptor(uninterrupted(
+      [&] { return ::openat(parent, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC); }));
+}
+
+class RemovalOfContents {
+ public:
+  explicit RemovalOfContents(const FileDescriptor& folder) {
+    enter(FileDescriptor(::fcntl(folder.get(), F_DUPFD_CLOEXEC, 0)), {});
+    while (!levels_.empty()) {
+      if (!levels_.back().folders.empty()) {
+        const std::string name = std::move(levels_.back().folders.back());
+        levels_.back().folders.pop_back();
+        removeFolder(name);
+      } else if (!leave()) {
+        return;
+      }
+    }
+  }
+
+  /// The first that went wrong, as errno tells it, or 0.
+  int error() const { return error_; }
+
+ private:
+  /// A folder that is not empty yet. Only the innermost one is open: the way back is "..", which
+  /// leads elsewhere when somebody moves a folder.
+  struct Level {
+    struct stat status;
+    std::string name;
+    std::vector<std::string> folders;
+  };
+
+  void note(int code) {
+    if (error_ == 0) error_ = code;
+  }
+
+  void enter(FileDescriptor folder, std::string name) {
+    struct stat status {};
+    if (folder.get() < 0 || ::fstat(folder.get(), &status) != 0) return note(errno);
+    // Where it fails the deletion tells.
+    if ((status.st_mode & S_IRWXU) != S_IRWXU) {
+      (void)::fchmod(folder.get(), (status.st_mode & 07777) | S_IRWXU);
+    }
+    current_ = std::move(folder);
+    levels_.push_back({status, std::move(name), {}});
+    // Not while they are read: some volumes would leave out others.
+    for (std::string& entry : names()) removeFile(std::move(entry));
+  }
+
+  /// Whether it is known where the removal goes on.
+  bool leave() {
+    const Level left = std::move(levels_.back());
+    levels_.pop_back();
+    if (levels_.empty()) return true;
+    FileDescriptor parent = openFolder(current_.get(), "..");
+    struct stat status {};
+    if (parent.get() < 0 || ::fstat(parent.get(), &status) != 0) {
+      note(errno);
+      return false;
+    }
+    if (status.st_dev != levels_.back().status.st_dev ||
+        status.st_ino != levels_.back().status.st_ino) {
+      note(EBUSY);
+      return false;
+    }
+    current_ = std::move(parent);
+    if (::unlinkat(current_.get(), left.name.c_str(), AT_REMOVEDIR) != 0 && errno != ENOENT) {
+      note(errno);
+    }
+    return true;
+  }
+
+  std::vector<std::string> names() {
+    std::vector<std::string> names;
+    FileDescriptor copy = openFolder(current_.get(), ".");
+    const std::unique_ptr<DIR, int (*)(DIR*)> stream(
+        copy.get() < 0 ? nullptr : ::fdopendir(copy.get()), ::closedir);
+    if (stream == nullptr) {
+      note(errno);
+      return names;
+    }
+    (void)copy.release();
+    for (;;) {
+      errno = 0;
+      // The stream is this function's own.
+      const dirent* const entry = ::readdir(stream.get());  // NOLINT(concurrency-mt-unsafe)
+      if (entry == nullptr) break;
+      const std::string_view name = static_cast<const char*>(entry->d_name);
+      if (name != "." && name != "..") names.emplace_back(name);
+    }
+    if (errno != 0) note(errno);
+    return names;
+  }
+
+  /// Folders wait for their turn.
+  void removeFile(std::string name) {
+    struct stat status {};
+    if (::fstatat(current_.get(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
+      if (errno != ENOENT) note(errno);
+    } else if (S_ISDIR(status.st_mode)) {
+      levels_.back().folders.push_back(std::move(name));
+    } else if (::unlinkat(current_.get(), name.c_str(), 0) != 0 && errno != ENOENT) {
+      note(errno);
+    }
+  }
+
+  void removeFolder(const std::string& name) {
+    // An empty one need not be opened, which another owner may forbid.
+    if (::unlinkat(current_.get(), name.c_str(), AT_REMOVEDIR) == 0 || errno == ENOENT) return;
+    if (errno != ENOTEMPTY && errno != EEXIST) return note(errno);
+    enter(openForRemoval(current_.get(), name), name);
+  }
+
+  FileDescriptor current_;
+  std::vector<Level> levels_;
+  int error_ = 0;
+};
+
+}  // namespace
+
+FileDescriptor openForRemoval(int parent, const std::filesystem::path& name) {
+  struct stat status {};
+  FileDescriptor folder = openFolder(parent, name.c_str());
+  if (folder.get() < 0 && errno == EACCES) {
+    // Closed to its owner, it can only be named.
+    if (::fstatat(parent, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) return folder;
+    const mode_t mode = (status.st_mode & 07777) | S_IRWXU;
+    if (!S_ISDIR(status.st_mode) ||
+        ::fchmodat(parent, name.c_str(), mode, AT_SYMLINK_NOFOLLOW) != 0) {
+      errno = EACCES;
+      return folder;
+    }
+    folder = openFolder(parent, name.c_str());
+  }
+  return folder;
+}
+
+void removeContents(const FileDescriptor& folder, const std::filesystem::path& path) {
+  const RemovalOfContents removal(folder);
+  if (removal.error() != 0) {
+    throw std::system_error(removal.error(), std::generic_category(), path.string());
+  }
+}
+
+}  // namespace tavlen

@@ -1,0 +1,134 @@
+#include "tavlen/foundation/image/detail/JPEGImage.h"
+
+// libjpeg's header wants these before it.
+#include <csetjmp>
+#include <cstddef>
+#include <cstdio>
+// clang-format off
+#include <jpeglib.h>
+#include <jerror.h>
+// clang-format on
+
+#include <cstdint>
+#include <utility>
+#include <vector>
+
+namespace tavlen {
+
+namespace {
+
+/// Encoders write about ten. A file may lawfully have thousands, of a few bytes each, and each
+/// costs a walk over the whole picture.
+constexpr int kMostScans = 32;
+/// What a progressive picture's coefficients may take.
+constexpr long kMostWorkingMemory = 256L << 20;
+
+/// One decoding, and where libjpeg goes back to when it fails. libjpeg's error handler must not
+/// return, and an exception must not cross its C frames: so it jumps, over nothing but those. All
+/// state lies here, out of reach of the jump.
+struct Decoding {
+  jpeg_decompress_struct info{};
+  jpeg_error_mgr errors{};
+  jpeg_progress_mgr progress{};
+  std::jmp_buf failure{};
+  std::vector<std::uint8_t> pixels;
+};
+
+Decoding& decodingOf(j_common_ptr info) { return *static_cast<Decoding*>(info->client_data); }
+
+[[noreturn]] void giveUp(j_common_ptr info) {
+  std::longjmp(decodingOf(info).failure, 1);  // NOLINT(cert-err52-cpp): libjpeg's only way out
+}
+
+/// A warning (a negative level) stands for data that the library made up: a damaged picture. These
+/// are about other things.
+void judgeMessage(j_common_ptr info, int level) {
+  if (level >= 0) return;
+  switch (info->err->msg_code) {
+    case JWRN_ADOBE_XFORM:
+    case JWRN_BOGUS_ICC:
+    case JWRN_EXTRANEOUS_DATA:
+    case JWRN_JFIF_MAJOR:
+      return;
+    default:
+      giveUp(info);
+  }
+}
+
+void printNothing(j_common_ptr /*info*/) {}
+
+void countScans(j_common_ptr info) {
+  if (decodingOf(info).info.input_scan_number > kMostScans) giveUp(info);
+}
+
+void prepare(Decoding& decoding) {
+  decoding.info.client_data = &decoding;
+  decoding.info.err = ::jpeg_std_error(&decoding.errors);
+  decoding.errors.error_exit = giveUp;
+  decoding.errors.emit_message = judgeMessage;
+  decoding.errors.output_message = printNothing;
+  decoding.progress.progress_monitor = countScans;
+}
+
+/// Whether `bytes` become rows of `decoding.pixels`, four samples a pixel. No object with a
+/// destructor may live in here, and what is called only allocates before libjpeg is entered.
+bool readRows(Decoding& decoding, std::string_view bytes) {
+  jpeg_decompress_struct& info = decoding.info;
+  if (setjmp(decoding.failure) != 0) return false;  // NOLINT(cert-err52-cpp): see above
+  jpeg_create_decompress(&info);
+  info.progress = &decoding.progress;
+  info.mem->max_memory_to_use = kMostWorkingMemory;
+  ::jpeg_mem_src(&info, reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size());
+  ::jpeg_read_header(&info, TRUE);
+  if (!Image::isPossibleSize(info.image_width, info.image_height)) return false;
+  info.out_color_space = info.num_components == 4 ? JCS_CMYK : JCS_EXT_RGBA;
+  ::jpeg_start_decompress(&info);
+  const std::size_t rowSize = std::size_t{info.output_width} * 4;
+  // Reserved memory costs nothing until the rows come.
+  decoding.pixels.reserve(rowSize * info.output_height);
+  while (info.output_scanline < info.output_height) {
+    decoding.pixels.resize(rowSize * (info.output_scanline + 1));
+    JSAMPROW row = decoding.pixels.data() + rowSize * info.output_scanline;
+    ::jpeg_read_scanlines(&info, &row, 1);
+  }
+  ::jpeg_finish_decompress(&info);
+  return true;
+}
+
+/// Turns inks into light. The program that most such files come from stores them inverted, and
+/// marks its files.
+void convertInks(std::vector<std::uint8_t>& pixels, bool isInverted) {
+  constexpr unsigned kOpaque = 255;
+  const auto light = [isInverted](std::uint8_t ink) {
+    return isInverted ? ink : static_cast<std::uint8_t>(kOpaque - ink);
+  };
+  for (std::size_t i = 0; i < pixels.size(); i += 4) {
+    const unsigned black = light(pixels[i + 3]);
+    for (std::size_t channel = i; channel < i + 3; ++channel) {
+      const unsigned product = light(pixels[channel]) * black;
+      pixels[channel] = static_cast<std::uint8_t>((product + kOpaque / 2) / kOpaque);
+    }
+    pixels[i + 3] = kOpaque;
+  }
+}
+
+}  // namespace
+
+bool isJPEG(std::string_view bytes) { return bytes.starts_with("\xFF\xD8\xFF"); }
+
+std::optional<Image> decodeJPEG(std::string_view bytes) {
+  struct Guarded : Decoding {
+    Guarded() { prepare(*this); }
+    Guarded(const Guarded&) = delete;
+    Guarded& operator=(const Guarded&) = delete;
+    ~Guarded() { ::jpeg_destroy_decompress(&info); }
+  };
+  Guarded decoding;
+  if (!readRows(decoding, bytes)) return std::nullopt;
+  if (decoding.info.out_color_space == JCS_CMYK) {
+    convertInks(decoding.pixels, decoding.info.saw_Adobe_marker != FALSE);
+  }
+  return Image(decoding.info.output_width, decoding.info.output_height, std::move(decoding.pixels));
+}
+
+}  // namespace tavlen

@@ -1,0 +1,89 @@
+#include "tavlen/foundation/javascript/JavaScriptValue.h"
+
+#include <JavaScriptCore/JavaScript.h>
+
+#include <utility>
+
+#include "tavlen/foundation/base/FatalError.h"
+#include "tavlen/foundation/javascript/JavaScriptContext.h"
+#include "tavlen/foundation/javascript/detail/JavaScriptString.h"
+
+namespace tavlen {
+
+JavaScriptValue::JavaScriptValue(std::shared_ptr<JavaScriptContext> context,
+                                 const OpaqueJSValue* value)
+    : context_(std::move(context)),
+      value_(value != nullptr ? value : JSValueMakeUndefined(context_->context_)) {
+  JSValueProtect(context_->context_, value_);
+}
+
+JavaScriptValue::JavaScriptValue(const JavaScriptValue& other)
+    : JavaScriptValue(other.context_, other.value_) {}
+
+JavaScriptValue& JavaScriptValue::operator=(JavaScriptValue other) noexcept {
+  std::swap(context_, other.context_);
+  std::swap(value_, other.value_);
+  return *this;
+}
+
+JavaScriptValue::~JavaScriptValue() {
+  if (context_ != nullptr) JSValueUnprotect(context_->context_, value_);
+}
+
+bool JavaScriptValue::isUndefined() const { return JSValueIsUndefined(context_->context_, value_); }
+
+bool JavaScriptValue::isNull() const { return JSValueIsNull(context_->context_, value_); }
+
+bool JavaScriptValue::isString() const { return JSValueIsString(context_->context_, value_); }
+
+bool JavaScriptValue::isObject() const { return JSValueIsObject(context_->context_, value_); }
+
+JavaScriptValue JavaScriptValue::property(std::string_view name, Exceptions mode) const {
+  JSContextRef context = context_->context_;
+  JSValueRef exception = nullptr;
+  JSValueRef result = nullptr;
+  if (JSObjectRef object = JSValueToObject(context, value_, &exception)) {
+    result = JSObjectGetProperty(context, object, JavaScriptString(name).get(), &exception);
+  }
+  if (mode == Exceptions::record) context_->record(exception);
+  return {context_, exception == nullptr ? result : nullptr};
+}
+
+JavaScriptValue JavaScriptValue::call(std::string_view name,
+                                      const std::vector<JavaScriptValue>& arguments) const {
+  JSContextRef context = context_->context_;
+  std::vector<JSValueRef> values;
+  values.reserve(arguments.size());
+  for (const JavaScriptValue& argument : arguments) {
+    // The engine would mix two heaps, and crash at some later time.
+    if (argument.context_ != context_) fatalError("a JavaScript argument is of another context");
+    values.push_back(argument.value_);
+  }
+
+  // A step that fails leaves a null, which ends the chain with its exception.
+  JSValueRef exception = nullptr;
+  JSValueRef result = nullptr;
+  JSObjectRef object = JSValueToObject(context, value_, &exception);
+  JSValueRef method = nullptr;
+  if (object != nullptr) {
+    method = JSObjectGetProperty(context, object, JavaScriptString(name).get(), &exception);
+  }
+  if (method != nullptr && exception == nullptr) {
+    if (JSObjectRef function = JSValueToObject(context, method, &exception)) {
+      result = JSObjectCallAsFunction(context, function, object, values.size(), values.data(),
+                                      &exception);
+    }
+  }
+  context_->record(exception);
+  return {context_, exception == nullptr ? result : nullptr};
+}
+
+std::optional<std::string> JavaScriptValue::text(Exceptions mode) const {
+  JSValueRef exception = nullptr;
+  JSStringRef string = JSValueToStringCopy(context_->context_, value_, &exception);
+  if (mode == Exceptions::record) context_->record(exception);
+  if (string == nullptr) return std::nullopt;
+  return JavaScriptString(string).utf8();
+}
+
+}  // namespace tavlen

@@ -1,0 +1,33 @@
+#include "tavlen/foundation/javascript/detail/JavaScriptString.h"
+
+#include <JavaScriptCore/JavaScript.h>
+
+#include <cstdint>
+#include <limits>
+#include <stdexcept>
+
+#include "tavlen/foundation/text/Unicode.h"
+
+namespace tavlen {
+
+// The engine's own code unit is char16_t; its C headers only spell it in an older way, so that the
+// casts below restore a type rather than change one.
+static_assert(sizeof(JSChar) == sizeof(char16_t));
+
+JavaScriptString::JavaScriptString(std::string_view text) {
+  const std::u16string units = utf16FromUTF8(text);
+  if (units.size() > std::numeric_limits<std::int32_t>::max()) {
+    throw std::length_error("text too long for a JavaScript string");
+  }
+  string_ =
+      JSStringCreateWithCharacters(reinterpret_cast<const JSChar*>(units.data()), units.size());
+}
+
+JavaScriptString::~JavaScriptString() { JSStringRelease(string_); }
+
+std::string JavaScriptString::utf8() const {
+  const auto* units = reinterpret_cast<const char16_t*>(JSStringGetCharactersPtr(string_));
+  return utf8FromUTF16({units, JSStringGetLength(string_)});
+}
+
+}  // namespace tavlen

@@ -1,0 +1,198 @@
+#include "tavlen/foundation/json/JSONDecoder.h"
+
+#include <string>
+#include <vector>
+
+#include "tavlen/foundation/json/detail/JSONNumber.h"
+#include "tavlen/foundation/json/detail/JSONScanner.h"
+#include "tavlen/foundation/json/detail/JSONText.h"
+
+namespace tavlen {
+
+namespace {
+
+class JSONDecoder final : public Decoder {
+ public:
+  explicit JSONDecoder(std::string_view text) : scanner_(text) {}
+
+  void finish() {
+    if (!scanner_.atEnd()) scanner_.fail("unexpected text after the document");
+  }
+
+  bool null() override {
+    if (scanner_.peek() != 'n') return false;
+    scanner_.literal("null");
+    return true;
+  }
+
+  bool boolean() override {
+    const char first = scanner_.peek();
+    if (first != 't' && first != 'f') {
+      // The platform counts a null as the wrong type here, and as a missing value for every other
+      // type.
+      if (first == 'n') throw DecodingError::typeMismatch("a Boolean", "null");
+      mismatch("a Boolean");
+    }
+    scanner_.literal(first == 't' ? "true" : "false");
+    return first == 't';
+  }
+
+  std::int64_t integer() override { return int64FromJSONNumber(number("an integer")); }
+  std::uint64_t unsignedInteger() override {
+    return uint64FromJSONNumber(number("an unsigned integer"));
+  }
+  double real() override { return doubleFromJSONNumber(number("a number")); }
+  Date date() override { return {doubleFromJSONNumber(number("a date as a number"))}; }
+
+  std::string string() override {
+    expect('"', "a string");
+    std::string text;
+    scanner_.string(text);
+    return text;
+  }
+
+  void record(std::span<const FieldDecoder> fields, void* record) override {
+    std::uint64_t seen = 0;
+    std::size_t next = 0;
+    object([&](std::string_view key) {
+      const std::size_t index = indexOf(fields, key, next);
+      if (index == fields.size() || (seen >> index & 1) != 0) return;
+      seen |= std::uint64_t{1} << index;
+      next = index + 1;
+      underKey(fields[index].key, [&] { fields[index].decode(*this, record); });
+    });
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+      if (fields[i].required && (seen >> i & 1) == 0)
+        throw DecodingError::keyNotFound(fields[i].key);
+    }
+  }
+
+  void members(FunctionRef<void(std::string_view)> member) override {
+    object([&](std::string_view key) { underKey(key, [&] { member(key); }); });
+  }
+
+  void elements(FunctionRef<void()> element) override {
+    expect('[', "an array");
+    if (!scanner_.open(']')) return;
+    std::size_t index = 0;
+    do {
+      underIndex(index++, [&] { readOrSkip(element); });
+    } while (scanner_.next(']'));
+  }
+
+  std::string_view peekString(std::string_view wanted) override {
+    expect('{', "a dictionary");
+    const char* const position = scanner_.position();
+    const std::size_t depth = scanner_.depth();
+    for (bool more = scanner_.open('}'); more; more = scanner_.next('}')) {
+      if (scanner_.key(peekedKey_) != wanted) {
+        scanner_.skipValueAhead();
+        continue;
+      }
+      const std::string_view text = underKey(wanted, [&] {
+        expect('"', "a string");
+        return scanner_.stringView(peekedText_);
+      });
+      scanner_.setPosition(position);
+      scanner_.setDepth(depth);
+      return text;
+    }
+    throw DecodingError::keyNotFound(wanted);
+  }
+
+  bool attempt(FunctionRef<void()> read) override {
+    const char* const position = scanner_.position();
+    const std::size_t depth = scanner_.depth();
+    try {
+      read();
+      return true;
+    } catch (const DecodingError&) {
+      scanner_.setPosition(position);
+      scanner_.setDepth(depth);
+      return false;
+    }
+  }
+
+ private:
+  /// Tables are short and documents mostly in their order, so the row after the last one found is
+  /// tried first.
+  static std::size_t indexOf(std::span<const FieldDecoder> fields, std::string_view key,
+                             std::size_t next) {
+    if (next < fields.size() && fields[next].key == key) return next;
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+      if (fields[i].key == key) return i;
+    }
+    return fields.size();
+  }
+
+  template <class Member>
+  void object(Member&& member) {
+    expect('{', "a dictionary");
+    if (!scanner_.open('}')) return;
+    // A key with escapes needs a storage of its own: a member that is read may hold keys again.
+    std::string storage;
+    do {
+      const std::string_view key = scanner_.key(storage);
+      readOrSkip([&] { member(key); });
+    } while (scanner_.next('}'));
+  }
+
+  template <class Read>
+  void readOrSkip(Read&& read) {
+    scanner_.peek();
+    const char* const position = scanner_.position();
+    read();
+    if (scanner_.position() == position) scanner_.skipValue();
+  }
+
+  std::string_view number(std::string_view expected) {
+    const char first = scanner_.peek();
+    if (first != '-' && (first < '0' || first > '9')) mismatch(expected);
+    return scanner_.number();
+  }
+
+  void expect(char first, std::string_view expected) {
+    if (scanner_.peek() != first) mismatch(expected);
+  }
+
+  [[noreturn]] void mismatch(std::string_view expected) {
+    switch (scanner_.peek()) {
+      case 'n':
+        scanner_.literal("null");
+        throw DecodingError::valueNotFound(expected);
+      case 't':
+        scanner_.literal("true");
+        throw DecodingError::typeMismatch(expected, "a Boolean");
+      case 'f':
+        scanner_.literal("false");
+        throw DecodingError::typeMismatch(expected, "a Boolean");
+      case '"':
+        throw DecodingError::typeMismatch(expected, "a string");
+      case '{':
+        throw DecodingError::typeMismatch(expected, "a dictionary");
+      case '[':
+        throw DecodingError::typeMismatch(expected, "an array");
+      default:
+        break;
+    }
+    const char* const position = scanner_.position();
+    scanner_.skipValue();  // fails where no value begins
+    scanner_.setPosition(position);
+    throw DecodingError::typeMismatch(expected, "a number");
+  }
+
+  JSONScanner scanner_;
+  std::string peekedKey_;
+  std::string peekedText_;
+};
+
+}  // namespace
+
+void readJSON(std::string_view bytes, FunctionRef<void(Decoder&)> read) {
+  const JSONText text(bytes);
+  JSONDecoder decoder(text.view());
+  read(decoder);
+  decoder.finish();
+}
+
+}  // namespace tavlen

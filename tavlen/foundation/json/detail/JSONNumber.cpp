@@ -1,0 +1,172 @@
+#include "tavlen/foundation/json/detail/JSONNumber.h"
+
+#include <charconv>
+#include <cmath>
+#include <limits>
+#include <optional>
+#include <string>
+
+#include "tavlen/foundation/coding/CodingError.h"
+
+namespace tavlen {
+
+namespace {
+
+bool isDigit(char c) { return c >= '0' && c <= '9'; }
+
+/// The parts of a well-formed number.
+struct NumberParts {
+  bool negative;
+  std::string_view whole;     ///< no leading zero, unless it is "0"
+  std::string_view fraction;  ///< empty when there is none
+  std::string_view exponent;  ///< with its sign; empty when there is none
+};
+
+std::string_view takeDigits(std::string_view& rest) {
+  std::size_t count = 0;
+  while (count < rest.size() && isDigit(rest[count])) ++count;
+  const std::string_view digits = rest.substr(0, count);
+  rest.remove_prefix(count);
+  return digits;
+}
+
+std::optional<NumberParts> split(std::string_view token) {
+  NumberParts parts{};
+  parts.negative = token.starts_with('-');
+  if (parts.negative) token.remove_prefix(1);
+  parts.whole = takeDigits(token);
+  if (parts.whole.empty() || (parts.whole.size() > 1 && parts.whole[0] == '0')) return std::nullopt;
+  if (token.starts_with('.')) {
+    token.remove_prefix(1);
+    parts.fraction = takeDigits(token);
+    if (parts.fraction.empty()) return std::nullopt;
+  }
+  if (token.starts_with('e') || token.starts_with('E')) {
+    token.remove_prefix(1);
+    const std::string_view begin = token;
+    if (token.starts_with('+') || token.starts_with('-')) token.remove_prefix(1);
+    const std::string_view digits = takeDigits(token);
+    if (digits.empty()) return std::nullopt;
+    parts.exponent = begin.substr(0, begin.size() - token.size());
+  }
+  if (!token.empty()) return std::nullopt;
+  return parts;
+}
+
+[[noreturn]] void failMalformed(std::string_view token) {
+  throw DecodingError::dataCorrupted("malformed number " + abbreviated(token));
+}
+
+[[noreturn]] void failRange(std::string_view token, std::string_view type) {
+  throw DecodingError::dataCorrupted("number " + abbreviated(token) + " does not fit " +
+                                     std::string(type));
+}
+
+/// The exponent's value, held within what any double or integer could need.
+long exponentOf(const NumberParts& parts) {
+  constexpr long kBeyondEverything = 1'000'000'000;
+  std::string_view text = parts.exponent;
+  if (text.empty()) return 0;
+  const bool negative = text[0] == '-';
+  if (text[0] == '-' || text[0] == '+') text.remove_prefix(1);
+  long value = 0;
+  if (std::from_chars(text.data(), text.data() + text.size(), value).ec != std::errc{} ||
+      value > kBeyondEverything) {
+    value = kBeyondEverything;
+  }
+  return negative ? -value : value;
+}
+
+enum class Rounded { exact, overflow, underflow };
+
+/// The nearest double; where that is an infinity or, for a number that is not zero, zero, `outcome`
+/// says so.
+double nearestDouble(std::string_view token, const NumberParts& parts, Rounded& outcome) {
+  double value = 0;
+  const auto result = std::from_chars(token.data(), token.data() + token.size(), value);
+  outcome = Rounded::exact;
+  if (result.ec == std::errc{}) return value;
+  // from_chars gives one error for both ends of the range. The first digit that counts tells which
+  // it is.
+  const std::size_t zeros = parts.fraction.find_first_not_of('0');
+  const long first = parts.whole != "0"                ? static_cast<long>(parts.whole.size())
+                     : zeros == std::string_view::npos ? 0
+                                                       : -static_cast<long>(zeros);
+  outcome = first + exponentOf(parts) > 0 ? Rounded::overflow : Rounded::underflow;
+  return outcome == Rounded::overflow ? std::numeric_limits<double>::infinity() : 0;
+}
+
+/// The magnitude in decimal, cut at the point. Only for magnitudes below 2^65: at most twenty
+/// digits.
+std::optional<std::uint64_t> truncatedMagnitude(const NumberParts& parts) {
+  const long point = static_cast<long>(parts.whole.size()) + exponentOf(parts);
+  std::uint64_t value = 0;
+  const std::size_t digits = parts.whole.size() + parts.fraction.size();
+  for (long i = 0; i < point; ++i) {
+    const auto index = static_cast<std::size_t>(i);
+    const char c = index < parts.whole.size() ? parts.whole[index]
+                   : index < digits           ? parts.fraction[index - parts.whole.size()]
+                                              : '0';
+    if (__builtin_mul_overflow(value, std::uint64_t{10}, &value) ||
+        __builtin_add_overflow(value, static_cast<std::uint64_t>(c - '0'), &value)) {
+      return std::nullopt;
+    }
+  }
+  return value;
+}
+
+template <class Integer>
+Integer integerFromRealText(std::string_view token, std::string_view type) {
+  const auto parts = split(token);
+  if (!parts) failMalformed(token);
+  Rounded outcome{};
+  double value = nearestDouble(token, *parts, outcome);
+  if (outcome == Rounded::overflow) failRange(token, type);
+  if (parts->negative) value = -std::fabs(value);
+  // Both limits as doubles: the upper one is a power of two, which no value of the type reaches.
+  const double upper = std::ldexp(1.0, std::numeric_limits<Integer>::digits);
+  const auto lower = static_cast<double>(std::numeric_limits<Integer>::min());
+  if (value != std::floor(value) || value >= upper || value < lower) failRange(token, type);
+  if (std::fabs(value) < 9007199254740992.0) return static_cast<Integer>(value);
+  const auto magnitude = truncatedMagnitude(*parts);
+  if (!magnitude) failRange(token, type);
+  if (!parts->negative) {
+    if (*magnitude > static_cast<std::uint64_t>(std::numeric_limits<Integer>::max()))
+      failRange(token, type);
+    return static_cast<Integer>(*magnitude);
+  }
+  if (*magnitude > std::uint64_t{1} << 63) failRange(token, type);
+  return static_cast<Integer>(std::uint64_t{0} - *magnitude);
+}
+
+template <class Integer>
+Integer integerFromText(std::string_view token, std::string_view type) {
+  Integer value = 0;
+  const char* end = token.data() + token.size();
+  const auto result = std::from_chars(token.data(), end, value);
+  const std::size_t sign = token.starts_with('-') ? 1 : 0;
+  const bool leadingZero = token.size() > sign + 1 && token[sign] == '0';
+  if (result.ec == std::errc{} && result.ptr == end && !leadingZero) return value;
+  return integerFromRealText<Integer>(token, type);
+}
+
+}  // namespace
+
+std::int64_t int64FromJSONNumber(std::string_view token) {
+  return integerFromText<std::int64_t>(token, "a signed 64-bit integer");
+}
+
+std::uint64_t uint64FromJSONNumber(std::string_view token) {
+  return integerFromText<std::uint64_t>(token, "an unsigned 64-bit integer");
+}
+
+double doubleFromJSONNumber(std::string_view token) {
+  const auto parts = split(token);
+  if (!parts) failMalformed(token);
+  Rounded outcome{};
+  const double value = nearestDouble(token, *parts, outcome);
+  if (outcome != Rounded::exact) failRange(token, "a 64-bit float");
+  return value;
+}
+
+}  // namespace tavlen

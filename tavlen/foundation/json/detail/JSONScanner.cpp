@@ -1,0 +1,299 @@
+#include "tavlen/foundation/json/detail/JSONScanner.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cstdint>
+#include <cstring>
+
+#include "tavlen/foundation/coding/CodingError.h"
+#include "tavlen/foundation/text/Unicode.h"
+
+namespace tavlen {
+
+namespace {
+
+constexpr std::uint64_t kOnes = 0x0101010101010101;
+constexpr std::uint64_t kHighs = 0x8080808080808080;
+
+/// Marks the bytes of `word` that end plain text, and perhaps bytes above a marked one: quotation
+/// marks, backslashes and control characters. A subtraction borrows into the highest bit of a byte
+/// that is less than what is taken from it, if the byte is ASCII.
+constexpr std::uint64_t plainTextEnds(std::uint64_t word) {
+  const std::uint64_t borrows =
+      ((word ^ (kOnes * '"')) - kOnes) | ((word ^ (kOnes * '\\')) - kOnes) | (word - kOnes * 0x20);
+  return borrows & ~word & kHighs;
+}
+
+constexpr bool endsPlainText(char c) {
+  return c == '"' || c == '\\' || static_cast<unsigned char>(c) < 0x20;
+}
+
+constexpr bool isWhiteSpace(char c) { return c == ' ' || c == '\n' || c == '\t' || c == '\r'; }
+
+constexpr bool isNumberCharacter(char c) {
+  return (c >= '0' && c <= '9') || c == '+' || c == '-' || c == '.' || c == 'e' || c == 'E';
+}
+
+constexpr char closingFor(char opening) { return opening == '{' ? '}' : ']'; }
+
+}  // namespace
+
+JSONScanner::JSONScanner(std::string_view text)
+    : begin_(text.data()), position_(text.data()), end_(text.data() + text.size()) {}
+
+char JSONScanner::peek() {
+  while (position_ != end_ && isWhiteSpace(*position_)) ++position_;
+  return position_ == end_ ? '\0' : *position_;
+}
+
+void JSONScanner::deepen() {
+  if (++depth_ > kMaximumDepth) fail("nested deeper than 512 containers");
+}
+
+bool JSONScanner::open(char closing) {
+  deepen();
+  ++position_;
+  if (peek() != closing) return true;
+  ++position_;
+  --depth_;
+  return false;
+}
+
+bool JSONScanner::next(char closing) {
+  const char c = peek();
+  if (c == ',') {
+    ++position_;
+    return true;
+  }
+  if (c != closing) fail(c == '\0' ? "unexpected end" : "expected a comma or the container's end");
+  ++position_;
+  --depth_;
+  return false;
+}
+
+std::string_view JSONScanner::key(std::string& storage) {
+  if (peek() != '"') fail("expected a key");
+  const std::string_view text = stringView(storage);
+  if (peek() != ':') fail("expected a colon");
+  ++position_;
+  return text;
+}
+
+const char* JSONScanner::endOfPlainText(const char* from) const {
+  if constexpr (std::endian::native == std::endian::little) {
+    for (; end_ - from >= 8; from += 8) {
+      std::uint64_t word = 0;
+      std::memcpy(&word, from, sizeof word);
+      const std::uint64_t ends = plainTextEnds(word);
+      if (ends != 0) return from + std::countr_zero(ends) / 8;
+    }
+  }
+  while (from != end_ && !endsPlainText(*from)) ++from;
+  return from;
+}
+
+std::string_view JSONScanner::stringView(std::string& storage) {
+  const char* const begin = position_ + 1;
+  const char* const end = endOfPlainText(begin);
+  if (end != end_ && *end == '"') {
+    position_ = end + 1;
+    return {begin, static_cast<std::size_t>(end - begin)};
+  }
+  string(storage);
+  return storage;
+}
+
+void JSONScanner::string(std::string& out) {
+  const char* const begin = position_ + 1;
+  position_ = endOfPlainText(begin);
+  out.assign(begin, position_);
+  while (position_ != end_ && *position_ == '\\') {
+    ++position_;
+    unescape(out);
+    const char* const plain = position_;
+    position_ = endOfPlainText(plain);
+    out.append(plain, position_);
+  }
+  if (position_ == end_) fail("unterminated string");
+  if (*position_ != '"') fail("control character in a string");
+  ++position_;
+}
+
+void JSONScanner::unescape(std::string& out) {
+  if (position_ == end_) fail("unterminated string");
+  switch (*position_++) {
+    case '"':
+      out += '"';
+      return;
+    case '\\':
+      out += '\\';
+      return;
+    case '/':
+      out += '/';
+      return;
+    case 'b':
+      out += '\b';
+      return;
+    case 'f':
+      out += '\f';
+      return;
+    case 'n':
+      out += '\n';
+      return;
+    case 'r':
+      out += '\r';
+      return;
+    case 't':
+      out += '\t';
+      return;
+    case 'u':
+      appendUTF8(out, unicodeEscape());
+      return;
+    default:
+      fail("unknown escape in a string");
+  }
+}
+
+char32_t JSONScanner::unicodeEscape() {
+  const char32_t unit = fourHexDigits();
+  if (unit < 0xD800 || unit > 0xDFFF) return unit;
+  if (unit > 0xDBFF || end_ - position_ < 2 || position_[0] != '\\' || position_[1] != 'u') {
+    fail("lone surrogate in a string");
+  }
+  position_ += 2;
+  const char32_t low = fourHexDigits();
+  if (low < 0xDC00 || low > 0xDFFF) fail("lone surrogate in a string");
+  return 0x10000 + ((unit - 0xD800) << 10) + (low - 0xDC00);
+}
+
+char32_t JSONScanner::fourHexDigits() {
+  char32_t value = 0;
+  for (int i = 0; i < 4; ++i) {
+    const char c = position_ == end_ ? '\0' : *position_;
+    char32_t digit = 0;
+    if (c >= '0' && c <= '9') {
+      digit = static_cast<char32_t>(c - '0');
+    } else if ((c | 0x20) >= 'a' && (c | 0x20) <= 'f') {
+      digit = static_cast<char32_t>((c | 0x20) - 'a' + 10);
+    } else {
+      fail("malformed escape in a string");
+    }
+    value = value << 4 | digit;
+    ++position_;
+  }
+  return value;
+}
+
+std::string_view JSONScanner::number() {
+  const char* const begin = position_;
+  while (position_ != end_ && isNumberCharacter(*position_)) ++position_;
+  return {begin, static_cast<std::size_t>(position_ - begin)};
+}
+
+void JSONScanner::literal(std::string_view word) {
+  if (!std::string_view(position_, static_cast<std::size_t>(end_ - position_)).starts_with(word)) {
+    fail("unexpected character");
+  }
+  position_ += word.size();
+}
+
+const char* JSONScanner::endOfSkippedString(const char* from) const {
+  from = endOfPlainText(from + 1);
+  while (from != end_ && *from != '"') {
+    // A control character is not judged in a text that nobody reads.
+    from += *from == '\\' && end_ - from > 1 ? 2 : 1;
+    from = endOfPlainText(from);
+  }
+  return from;
+}
+
+void JSONScanner::skipScalar(char first) {
+  switch (first) {
+    case '"':
+      position_ = endOfSkippedString(position_);
+      if (position_ == end_) fail("unterminated string");
+      ++position_;
+      return;
+    case 't':
+      return literal("true");
+    case 'f':
+      return literal("false");
+    case 'n':
+      return literal("null");
+    case '\0':
+      if (position_ == end_) fail("unexpected end");
+      [[fallthrough]];
+    default:
+      if (first != '-' && (first < '0' || first > '9')) fail("unexpected character");
+      number();
+  }
+}
+
+void JSONScanner::skipValue(Again again) {
+  const char first = peek();
+  if (first == '{' || first == '[') {
+    skipContainer(first, again);
+  } else {
+    skipScalar(first);
+  }
+}
+
+void JSONScanner::skipContainer(char opening, Again again) {
+  if (const auto known = skippedContainers_.find(position_); known != skippedContainers_.end()) {
+    position_ = known->second;
+    return;
+  }
+  // The containers entered and not yet left, by the place of their opening bracket.
+  std::array<const char*, kMaximumDepth> openings;
+  std::size_t count = 0;
+  const auto enter = [&](char bracket) {
+    const char* const begin = position_;
+    const bool filled = open(closingFor(bracket));  // which ends at the depth limit
+    if (filled) openings[count++] = begin;
+    return filled;
+  };
+  const auto leave = [&] {
+    const char* const begin = openings[--count];
+    if (again == Again::yes && position_ - begin > kRememberedLength) {
+      skippedContainers_.emplace(begin, position_);
+    }
+  };
+
+  bool before = enter(opening);  // whether a member or element comes next
+  while (count > 0) {
+    const char bracket = *openings[count - 1];
+    if (!before) {
+      before = next(closingFor(bracket));
+      if (!before) leave();
+      continue;
+    }
+    if (bracket == '{') {
+      if (peek() != '"') fail("expected a key");
+      skipScalar('"');
+      if (peek() != ':') fail("expected a colon");
+      ++position_;
+    }
+    const char first = peek();
+    if (first == '{' || first == '[') {
+      before = enter(first);
+    } else {
+      skipScalar(first);
+      before = false;
+    }
+  }
+}
+
+void JSONScanner::fail(std::string_view reason) const {
+  const std::size_t line = 1 + static_cast<std::size_t>(std::count(begin_, position_, '\n'));
+  const char* lineBegin = position_;
+  while (lineBegin != begin_ && lineBegin[-1] != '\n') --lineBegin;
+  // Columns count characters, as editors do: every byte but the continuation bytes of UTF-8.
+  const auto column =
+      1 + std::count_if(lineBegin, position_, [](char c) { return (c & 0xC0) != 0x80; });
+  throw DecodingError::dataCorrupted("The given data was not valid JSON: " + std::string(reason) +
+                                     " at line " + std::to_string(line) + ", column " +
+                                     std::to_string(column));
+}
+
+}  // namespace tavlen

@@ -1,0 +1,28 @@
+#include "tavlen/foundation/objc/ObjCBlock.h"
+
+#include <Block.h>
+
+#ifdef __clang__
+#pragma clang diagnostic push
+#pragma clang diagnostic ignored "-Wreserved-identifier"
+#endif
+// The ABI's name for the class of blocks that are not on the heap yet. It is an array, of which
+// nothing but the address is used; the system's public headers do not declare it.
+extern "C" void* _NSConcreteStackBlock;
+#ifdef __clang__
+#pragma clang diagnostic pop
+#endif
+
+namespace tavlen {
+
+ObjCBlock::ObjCBlock(Header& literal) {
+  constexpr int kHasCopyAndDispose = 1 << 25;
+  literal.isa = &_NSConcreteStackBlock;
+  literal.flags = kHasCopyAndDispose;
+  block_.reset(_Block_copy(&literal));
+  if (block_ == nullptr) throw std::bad_alloc();
+}
+
+void ObjCBlock::Release::operator()(void* block) const { _Block_release(block); }
+
+}  // namespace tavlen

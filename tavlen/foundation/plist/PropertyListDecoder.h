@@ -1,0 +1,73 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include "tavlen/foundation/coding/Coding.h"
+#include "tavlen/foundation/coding/Decoder.h"
+#include "tavlen/foundation/plist/PropertyList.h"
+#include "tavlen/foundation/plist/PropertyListSerialization.h"
+#include "tavlen/foundation/plist/SharedReferenceBudget.h"
+
+namespace tavlen {
+
+/// Decodes from the table, by the platform's rules: an integer may be read from a real that is
+/// whole, a real from any integer, a boolean from nothing but a boolean; the string "$null" is a
+/// null; the last of equal keys wins.
+///
+/// A record's fields are looked up in the order of its table, so the first of them that fails ends
+/// the decoding. `members` goes by the stored order. Number errors carry their path.
+///
+/// Limits, whose errors are DecodingError::dataCorrupted: `kDeepest` containers (which ends a
+/// cycle), and SharedReferenceBudget.
+class PropertyListDecoder final : public Decoder {
+ public:
+  static constexpr std::size_t kDeepest = 512;
+
+  /// Stands before the root. Keeps a reference to `list`, which must not be empty.
+  explicit PropertyListDecoder(const PropertyList& list)
+      : list_(list), here_(list.root()), budget_(list) {}
+
+  bool null() override;
+  bool boolean() override;
+  std::int64_t integer() override;
+  std::uint64_t unsignedInteger() override;
+  double real() override;
+  std::string string() override;
+  Date date() override;
+  void record(std::span<const FieldDecoder> fields, void* record) override;
+  void members(FunctionRef<void(std::string_view key)> member) override;
+  void elements(FunctionRef<void()> element) override;
+  std::string_view peekString(std::string_view key) override;
+  bool attempt(FunctionRef<void()> read) override;
+
+ private:
+  class Inside;
+
+  /// The value that stands here, which must be a T; `expected` names it.
+  template <class T>
+  T require(std::string_view expected);
+  template <class Integer>
+  Integer wholeNumber();
+  bool isNull() const;
+  [[noreturn]] void failMismatch(std::string_view expected) const;
+
+  const PropertyList& list_;
+  PropertyList::Index here_;
+  std::size_t depth_ = 0;
+  SharedReferenceBudget budget_;
+};
+
+/// The value of type T that a property list of either form holds. Throws DecodingError, for what is
+/// no property list with an empty path.
+template <class T>
+T decodePropertyList(std::string_view bytes) {
+  const PropertyList list = readPropertyList(bytes);
+  PropertyListDecoder decoder(list);
+  T value{};
+  decode(decoder, value);
+  return value;
+}
+
+}  // namespace tavlen

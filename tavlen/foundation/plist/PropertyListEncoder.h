@@ -1,0 +1,50 @@
+#pragma once
+
+#include <string>
+
+#include "tavlen/foundation/coding/Coding.h"
+#include "tavlen/foundation/coding/Encoder.h"
+#include "tavlen/foundation/plist/PropertyListBuilder.h"
+#include "tavlen/foundation/plist/PropertyListSerialization.h"
+
+namespace tavlen {
+
+/// Encodes one value into a table. A null is the string "$null"; a record keeps the order of its
+/// keys. EncodingError: a string that is no valid UTF-8, more than `kDeepest` containers.
+class PropertyListEncoder final : public Encoder {
+ public:
+  static constexpr std::size_t kDeepest = 511;
+
+  /// What was encoded. Throws EncodingError unless it is an array or a dictionary: of what records
+  /// code, the platform takes nothing else for a list's root. The encoder is spent afterwards.
+  PropertyList finish();
+
+  void beginRecord() override;
+  void key(std::string_view key) override;
+  void endRecord() override;
+  void beginArray(std::size_t count) override;
+  void endArray() override;
+  void null() override;
+  void boolean(bool value) override;
+  void integer(std::int64_t value) override;
+  void unsignedInteger(std::uint64_t value) override;
+  void real(double value) override;
+  void string(std::string_view value) override;
+  void date(Date value) override;
+
+ private:
+  void checkDepth() const;
+
+  PropertyListBuilder builder_;
+};
+
+/// `value` as a property list. Throws EncodingError for what the format cannot hold.
+template <class T>
+std::string encodePropertyList(const T& value,
+                               PropertyListFormat format = PropertyListFormat::binary) {
+  PropertyListEncoder encoder;
+  encode(encoder, value);
+  return writePropertyList(encoder.finish(), format);
+}
+
+}  // namespace tavlen

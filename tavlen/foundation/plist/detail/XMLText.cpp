@@ -1,0 +1,112 @@
+#include "tavlen/foundation/plist/detail/XMLText.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+
+#include "tavlen/foundation/plist/PropertyList.h"
+#include "tavlen/foundation/text/Unicode.h"
+
+namespace tavlen {
+
+namespace {
+
+using namespace std::string_view_literals;
+
+constexpr std::string_view kBlanks = " \t\r\n";
+
+struct Sign {
+  std::string_view bytes;
+  TextEncoding encoding;
+  std::size_t markLength;
+};
+
+/// The longer of two that begin alike stands first. Those without a mark are the first character,
+/// '<', and the zeros of the second.
+constexpr std::array<Sign, 9> kSigns = {{
+    {"\xEF\xBB\xBF"sv, TextEncoding::utf8, 3},
+    {"\xFF\xFE\0\0"sv, TextEncoding::utf32LittleEndian, 4},
+    {"\0\0\xFE\xFF"sv, TextEncoding::utf32BigEndian, 4},
+    {"\xFF\xFE"sv, TextEncoding::utf16LittleEndian, 2},
+    {"\xFE\xFF"sv, TextEncoding::utf16BigEndian, 2},
+    {"<\0\0\0"sv, TextEncoding::utf32LittleEndian, 0},
+    {"\0\0\0<"sv, TextEncoding::utf32BigEndian, 0},
+    {"<\0"sv, TextEncoding::utf16LittleEndian, 0},
+    {"\0<"sv, TextEncoding::utf16BigEndian, 0},
+}};
+
+std::string_view takeUntil(std::string_view& text, std::string_view ends) {
+  const std::size_t length = std::min(text.find_first_of(ends), text.size());
+  const std::string_view taken = text.substr(0, length);
+  text.remove_prefix(length);
+  return taken;
+}
+
+void skipBlanks(std::string_view& text) {
+  text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
+}
+
+/// Takes `= "value"`. The values of a declaration hold nothing but letters, digits and ".-_", so
+/// that no two readers can disagree on where one ends.
+std::optional<std::string_view> takeValue(std::string_view& text) {
+  skipBlanks(text);
+  if (!text.starts_with('=')) return std::nullopt;
+  text.remove_prefix(1);
+  skipBlanks(text);
+  if (!text.starts_with('"') && !text.starts_with('\'')) return std::nullopt;
+  const char quote = text.front();
+  text.remove_prefix(1);
+  const std::string_view value = takeUntil(text, std::string_view(&quote, 1));
+  const auto isPlain = [](char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '.' ||
+           c == '-' || c == '_';
+  };
+  if (text.empty() || !std::all_of(value.begin(), value.end(), isPlain)) return std::nullopt;
+  text.remove_prefix(1);
+  return value;
+}
+
+bool keepsASCII(std::string_view encoding) {
+  std::string name(encoding);
+  std::transform(name.begin(), name.end(), name.begin(),
+                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c; });
+  return name == "utf-8" || name == "us-ascii" || name == "ascii" ||
+         name.starts_with("iso-8859-") || name.starts_with("windows-125");
+}
+
+/// Whether what follows "<?xml" is a declaration whose encoding, if any, keeps ASCII.
+bool declaresASCII(std::string_view text) {
+  for (;;) {
+    skipBlanks(text);
+    if (text.starts_with("?>")) return true;
+    const std::string_view name = takeUntil(text, " \t\r\n=?<>\"'");
+    const auto value = takeValue(text);
+    if (name.empty() || !value || (name == "encoding" && !keepsASCII(*value))) return false;
+  }
+}
+
+}  // namespace
+
+XMLText::XMLText(std::string_view bytes) : view_(bytes) {
+  const auto* sign = std::find_if(std::begin(kSigns), std::end(kSigns), [&](const Sign& candidate) {
+    return bytes.starts_with(candidate.bytes);
+  });
+  if (sign != std::end(kSigns)) {
+    isUTF8_ = true;
+    view_.remove_prefix(sign->markLength);
+    if (sign->encoding != TextEncoding::utf8) {
+      if (!convertToUTF8(view_, sign->encoding, converted_)) {
+        throw invalidPropertyList("The text is malformed in its encoding.");
+      }
+      view_ = converted_;
+    }
+  } else if (constexpr std::string_view kStart = "<?xml";
+             view_.starts_with(kStart) && !declaresASCII(view_.substr(kStart.size()))) {
+    throw invalidPropertyList("Its XML declaration is malformed or names an unsupported encoding.");
+  }
+  if (view_.find('\0') != std::string_view::npos) {
+    throw invalidPropertyList("It holds the character U+0000.");
+  }
+}
+
+}  // namespace tavlen

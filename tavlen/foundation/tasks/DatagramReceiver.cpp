@@ -1,0 +1,148 @@
+#include "tavlen/foundation/tasks/DatagramReceiver.h"
+
+#include <fcntl.h>
+#include <netinet/in.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <string>
+#include <tuple>
+#include <utility>
+
+#include "tavlen/foundation/base/SystemError.h"
+#include "tavlen/foundation/files/Interruption.h"
+
+namespace tavlen {
+
+namespace {
+
+#ifdef __linux__
+
+FileDescriptor makeSocket() {
+  FileDescriptor made(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0));
+  if (made.get() < 0) throwSystemError("socket");
+  return made;
+}
+
+std::pair<FileDescriptor, FileDescriptor> makePipe() {
+  std::array<int, 2> ends{};
+  if (::pipe2(ends.data(), O_CLOEXEC | O_NONBLOCK) != 0) throwSystemError("pipe2");
+  return {FileDescriptor(ends[0]), FileDescriptor(ends[1])};
+}
+
+#else
+
+void closeOnExec(const FileDescriptor& descriptor) {
+  if (::fcntl(descriptor.get(), F_SETFD, FD_CLOEXEC) != 0) throwSystemError("fcntl");
+}
+
+FileDescriptor makeSocket() {
+  FileDescriptor made(::socket(AF_INET, SOCK_DGRAM, 0));
+  if (made.get() < 0) throwSystemError("socket");
+  closeOnExec(made);
+  return made;
+}
+
+std::pair<FileDescriptor, FileDescriptor> makePipe() {
+  std::array<int, 2> ends{};
+  if (::pipe(ends.data()) != 0) throwSystemError("pipe");
+  std::pair<FileDescriptor, FileDescriptor> made(ends[0], ends[1]);
+  closeOnExec(made.first);
+  closeOnExec(made.second);
+  return made;
+}
+
+#endif
+
+/// Without SO_REUSEADDR, by which a second receiver would bind the port and take the datagrams.
+std::uint16_t bindPort(const FileDescriptor& socket, std::uint16_t port) {
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_addr.s_addr = htonl(INADDR_ANY);
+  address.sin_port = htons(port);
+  socklen_t size = sizeof(address);
+  auto* const general = reinterpret_cast<sockaddr*>(&address);
+  if (::bind(socket.get(), general, size) != 0) {
+    throwSystemError("bind to UDP port " + std::to_string(port));
+  }
+  if (::getsockname(socket.get(), general, &size) != 0) throwSystemError("getsockname");
+  return ntohs(address.sin_port);
+}
+
+}  // namespace
+
+/// The calling thread's stay in receive().
+class DatagramReceiver::Inside {
+ public:
+  explicit Inside(DatagramReceiver& receiver) : receiver_(receiver) {
+    const std::lock_guard lock(receiver_.lock_);
+    mayReceive_ = !receiver_.isClosed_;
+    if (mayReceive_) receiver_.receiving_ = std::this_thread::get_id();
+  }
+  Inside(const Inside&) = delete;
+  Inside& operator=(const Inside&) = delete;
+  ~Inside() {
+    if (!mayReceive_) return;
+    const std::lock_guard lock(receiver_.lock_);
+    receiver_.receiving_ = {};
+    // A handler that closed the receiver did not wait for this.
+    if (receiver_.isClosed_) receiver_.socket_ = FileDescriptor();
+    receiver_.ended_.notify_all();
+  }
+
+  bool mayReceive() const { return mayReceive_; }
+
+ private:
+  DatagramReceiver& receiver_;
+  bool mayReceive_ = false;
+};
+
+DatagramReceiver::DatagramReceiver(std::uint16_t port) : socket_(makeSocket()) {
+  std::tie(wake_, wakeSender_) = makePipe();
+  port_ = bindPort(socket_, port);
+}
+
+bool DatagramReceiver::isClosed() {
+  const std::lock_guard lock(lock_);
+  return isClosed_;
+}
+
+void DatagramReceiver::receive(std::size_t mostBytes, Handler handler) {
+  const Inside inside(*this);
+  if (!inside.mayReceive()) return;
+  std::string buffer(mostBytes, '\0');
+  while (waitForDatagram()) {
+    const ssize_t size = ::recv(socket_.get(), buffer.data(), buffer.size(), MSG_DONTWAIT);
+    if (size < 0) {
+      // What was announced may be gone: a datagram with a bad checksum is dropped only now.
+      if (errno == EINTR || errno == EAGAIN || errno == EWOULDBLOCK) continue;
+      return;
+    }
+    if (!handler(std::string_view(buffer.data(), static_cast<std::size_t>(size)))) return;
+  }
+}
+
+/// False when the receiver is closed. A close() alone would not wake a thread that sleeps in the
+/// system's own receive.
+bool DatagramReceiver::waitForDatagram() const {
+  std::array<pollfd, 2> descriptors = {{{socket_.get(), POLLIN, 0}, {wake_.get(), POLLIN, 0}}};
+  const int count = uninterrupted(
+      [&] { return ::poll(descriptors.data(), static_cast<nfds_t>(descriptors.size()), -1); });
+  return count > 0 && descriptors[1].revents == 0;
+}
+
+void DatagramReceiver::close() {
+  std::unique_lock lock(lock_);
+  if (!std::exchange(isClosed_, true)) {
+    // One byte fits into a pipe that nothing else is written to.
+    (void)uninterrupted([&] { return ::write(wakeSender_.get(), "", 1); });
+  }
+  if (receiving_ == std::this_thread::get_id()) return;
+  ended_.wait(lock, [this] { return receiving_ == std::thread::id(); });
+  socket_ = FileDescriptor();
+}
+
+}  // namespace tavlen

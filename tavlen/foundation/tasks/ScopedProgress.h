@@ -1,0 +1,28 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <utility>
+
+#include "tavlen/foundation/tasks/Progress.h"
+
+namespace tavlen {
+
+/// Makes a progress the thread's current one for as long as it stands, whatever is thrown
+/// meanwhile.
+class ScopedProgress {
+ public:
+  /// `progress` is not null.
+  ScopedProgress(std::shared_ptr<Progress> progress, std::int64_t pendingUnitCount)
+      : progress_(std::move(progress)) {
+    progress_->becomeCurrent(pendingUnitCount);
+  }
+  ScopedProgress(const ScopedProgress&) = delete;
+  ScopedProgress& operator=(const ScopedProgress&) = delete;
+  ~ScopedProgress() { progress_->resignCurrent(); }
+
+ private:
+  std::shared_ptr<Progress> progress_;
+};
+
+}  // namespace tavlen

@@ -1,0 +1,41 @@
+#include "tavlen/foundation/text/TerminalText.h"
+
+#include "tavlen/foundation/text/Unicode.h"
+
+namespace tavlen {
+
+namespace {
+
+/// Control characters of both ranges, and those that break a line or turn the direction of the text
+/// around them.
+bool isControl(char16_t unit) {
+  return unit < 0x20 || (unit >= 0x7F && unit < 0xA0) || unit == 0x061C || unit == 0x200E ||
+         unit == 0x200F || (unit >= 0x2028 && unit <= 0x202E) || (unit >= 0x2066 && unit <= 0x2069);
+}
+
+void appendHex(std::u16string& out, char16_t unit, int digits) {
+  constexpr std::u16string_view kHex = u"0123456789abcdef";
+  while (digits-- > 0) out += kHex[static_cast<std::size_t>(unit >> (4 * digits)) & 0xF];
+}
+
+}  // namespace
+
+std::string oneLine(std::string_view text) {
+  std::u16string out;
+  for (const char16_t unit : utf16FromUTF8(text)) {
+    if (unit == u'\n') {
+      out += u"\\n";
+    } else if (unit == u'\t') {
+      out += u"\\t";
+    } else if (unit < 0x80 && isControl(unit)) {
+      appendHex(out += u"\\x", unit, 2);
+    } else if (isControl(unit)) {
+      appendHex(out += u"\\u", unit, 4);
+    } else {
+      out += unit;
+    }
+  }
+  return utf8FromUTF16(out);
+}
+
+}  // namespace tavlen

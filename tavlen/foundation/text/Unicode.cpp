@@ -1,0 +1,181 @@
+#include "tavlen/foundation/text/Unicode.h"
+
+#include <simdjson.h>
+
+#include <cstdint>
+
+namespace tavlen {
+
+namespace {
+
+constexpr char32_t kReplacement = 0xFFFD;
+
+constexpr bool isHighSurrogate(char32_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
+constexpr bool isLowSurrogate(char32_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
+constexpr bool isSurrogate(char32_t unit) { return unit >= 0xD800 && unit <= 0xDFFF; }
+
+constexpr char32_t joined(char32_t high, char32_t low) {
+  return 0x10000 + ((high - 0xD800) << 10) + (low - 0xDC00);
+}
+
+struct Decoded {
+  char32_t codePoint;
+  std::size_t length;
+};
+
+/// The scalar at `position`, or U+FFFD over the longest prefix that could have begun one.
+Decoded decodeUTF8(std::string_view text, std::size_t position) {
+  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+  const unsigned char lead = byte(position);
+  if (lead < 0x80) return {lead, 1};
+  const std::size_t trailing = lead >= 0xC2 && lead <= 0xDF   ? 1
+                               : lead >= 0xE0 && lead <= 0xEF ? 2
+                               : lead >= 0xF0 && lead <= 0xF4 ? 3
+                                                              : 0;
+  if (trailing == 0) return {kReplacement, 1};
+  char32_t codePoint = lead & (0x3FU >> trailing);
+  for (std::size_t i = 1; i <= trailing; ++i) {
+    if (position + i >= text.size()) return {kReplacement, i};
+    const unsigned char next = byte(position + i);
+    unsigned char low = 0x80;
+    unsigned char high = 0xBF;
+    if (i == 1) {
+      // The second byte alone tells overlong forms, surrogates and values past the end of Unicode.
+      if (lead == 0xE0) low = 0xA0;
+      if (lead == 0xED) high = 0x9F;
+      if (lead == 0xF0) low = 0x90;
+      if (lead == 0xF4) high = 0x8F;
+    }
+    if (next < low || next > high) return {kReplacement, i};
+    codePoint = (codePoint << 6) | (next & 0x3FU);
+  }
+  return {codePoint, trailing + 1};
+}
+
+/// Reads units of `Size` bytes; `bigEndian` is a template parameter so that the loop holds no test.
+template <std::size_t Size, bool BigEndian>
+char32_t unitAt(std::string_view bytes, std::size_t position) {
+  char32_t unit = 0;
+  for (std::size_t i = 0; i < Size; ++i) {
+    const std::size_t index = BigEndian ? i : Size - 1 - i;
+    unit = (unit << 8) | static_cast<unsigned char>(bytes[position + index]);
+  }
+  return unit;
+}
+
+template <bool BigEndian>
+bool convertUTF16(std::string_view bytes, std::string& out) {
+  if (bytes.size() % 2 != 0) return false;
+  for (std::size_t i = 0; i < bytes.size(); i += 2) {
+    char32_t unit = unitAt<2, BigEndian>(bytes, i);
+    if (isSurrogate(unit)) {
+      if (!isHighSurrogate(unit) || i + 2 >= bytes.size()) return false;
+      const char32_t low = unitAt<2, BigEndian>(bytes, i + 2);
+      if (!isLowSurrogate(low)) return false;
+      unit = joined(unit, low);
+      i += 2;
+    }
+    appendUTF8(out, unit);
+  }
+  return true;
+}
+
+template <bool BigEndian>
+bool convertUTF32(std::string_view bytes, std::string& out) {
+  if (bytes.size() % 4 != 0) return false;
+  for (std::size_t i = 0; i < bytes.size(); i += 4) {
+    const char32_t unit = unitAt<4, BigEndian>(bytes, i);
+    if (isSurrogate(unit) || unit > 0x10FFFF) return false;
+    appendUTF8(out, unit);
+  }
+  return true;
+}
+
+}  // namespace
+
+bool isASCII(std::string_view text) {
+  // Without a way out of the loop, which then takes many bytes at a time.
+  unsigned char all = 0;
+  for (const char byte : text) all |= static_cast<unsigned char>(byte);
+  return all < 0x80;
+}
+
+bool isValidUTF8(std::string_view text) {
+  return simdjson::validate_utf8(text.data(), text.size());
+}
+
+std::string wellFormedUTF8(std::string_view text) {
+  return isValidUTF8(text) ? std::string(text) : utf8FromUTF16(utf16FromUTF8(text));
+}
+
+std::u16string utf16FromUTF8(std::string_view text) {
+  std::u16string out;
+  out.reserve(text.size());
+  for (std::size_t i = 0; i < text.size();) {
+    const Decoded next = decodeUTF8(text, i);
+    i += next.length;
+    if (next.codePoint < 0x10000) {
+      out.push_back(static_cast<char16_t>(next.codePoint));
+    } else {
+      out.push_back(static_cast<char16_t>(0xD800 + ((next.codePoint - 0x10000) >> 10)));
+      out.push_back(static_cast<char16_t>(0xDC00 + ((next.codePoint - 0x10000) & 0x3FF)));
+    }
+  }
+  return out;
+}
+
+std::string utf8FromUTF16(std::u16string_view text) {
+  std::string out;
+  out.reserve(text.size());
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const char32_t unit = text[i];
+    if (!isSurrogate(unit)) {
+      appendUTF8(out, unit);
+    } else if (isHighSurrogate(unit) && i + 1 < text.size() && isLowSurrogate(text[i + 1])) {
+      appendUTF8(out, joined(unit, text[++i]));
+    } else {
+      appendUTF8(out, kReplacement);
+    }
+  }
+  return out;
+}
+
+void appendUTF8(std::string& out, char32_t codePoint) {
+  const auto push = [&](char32_t byte) { out.push_back(static_cast<char>(byte)); };
+  if (codePoint < 0x80) {
+    push(codePoint);
+  } else if (codePoint < 0x800) {
+    push(0xC0 | (codePoint >> 6));
+    push(0x80 | (codePoint & 0x3F));
+  } else if (codePoint < 0x10000) {
+    push(0xE0 | (codePoint >> 12));
+    push(0x80 | ((codePoint >> 6) & 0x3F));
+    push(0x80 | (codePoint & 0x3F));
+  } else {
+    push(0xF0 | (codePoint >> 18));
+    push(0x80 | ((codePoint >> 12) & 0x3F));
+    push(0x80 | ((codePoint >> 6) & 0x3F));
+    push(0x80 | (codePoint & 0x3F));
+  }
+}
+
+bool convertToUTF8(std::string_view bytes, TextEncoding encoding, std::string& out) {
+  out.clear();
+  switch (encoding) {
+    case TextEncoding::utf8:
+      if (!isValidUTF8(bytes)) return false;
+      out = bytes;
+      return true;
+    case TextEncoding::utf16LittleEndian:
+      return convertUTF16<false>(bytes, out);
+    case TextEncoding::utf16BigEndian:
+      return convertUTF16<true>(bytes, out);
+    case TextEncoding::utf32LittleEndian:
+      return convertUTF32<false>(bytes, out);
+    case TextEncoding::utf32BigEndian:
+      return convertUTF32<true>(bytes, out);
+  }
+  return false;
+}
+
+}  // namespace tavlen

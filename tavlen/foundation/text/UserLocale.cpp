@@ -1,0 +1,61 @@
+#include "tavlen/foundation/text/UserLocale.h"
+
+#include <unicode/uloc.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+
+namespace tavlen {
+
+namespace {
+
+using LocaleBuffer = std::array<char, ULOC_FULLNAME_CAPACITY>;
+
+/// What `call` writes into a buffer; empty where it fails or the text does not fit.
+template <class Call>
+std::string localePart(const Call& call) {
+  LocaleBuffer buffer;
+  UErrorCode status = U_ZERO_ERROR;
+  const std::int32_t length =
+      call(buffer.data(), static_cast<std::int32_t>(buffer.size()), &status);
+  if (U_FAILURE(status) || status == U_STRING_NOT_TERMINATED_WARNING) return {};
+  return {buffer.data(), static_cast<std::size_t>(length)};
+}
+
+}  // namespace
+
+std::string userLocale() {
+  std::string locale = uloc_getDefault();
+  if (locale == "en_US_POSIX") return "en_US";
+  return locale;
+}
+
+std::string languageOf(const std::string& locale) {
+  return localePart([&](char* out, std::int32_t capacity, UErrorCode* status) {
+    return uloc_getLanguage(locale.c_str(), out, capacity, status);
+  });
+}
+
+std::vector<std::string> localeFallbacks(const std::string& locale) {
+  std::vector<std::string> names;
+  const std::string base = localePart([&](char* out, std::int32_t capacity, UErrorCode* status) {
+    return uloc_getBaseName(locale.c_str(), out, capacity, status);
+  });
+  if (base.empty()) return names;
+  names.push_back(base);
+  // The likely script stands between the region and the bare language, so that Taiwan reads the
+  // traditional table and not the one of the mainland.
+  std::string name = localePart([&](char* out, std::int32_t capacity, UErrorCode* status) {
+    return uloc_addLikelySubtags(base.c_str(), out, capacity, status);
+  });
+  while (!name.empty()) {
+    if (std::find(names.begin(), names.end(), name) == names.end()) names.push_back(name);
+    name = localePart([&](char* out, std::int32_t capacity, UErrorCode* status) {
+      return uloc_getParent(name.c_str(), out, capacity, status);
+    });
+  }
+  return names;
+}
+
+}  // namespace tavlen

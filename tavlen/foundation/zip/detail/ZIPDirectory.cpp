@@ -1,0 +1,182 @@
+#include "tavlen/foundation/zip/detail/ZIPDirectory.h"
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <string_view>
+
+#include "tavlen/foundation/base/LittleEndian.h"
+#include "tavlen/foundation/zip/ZIPError.h"
+#include "tavlen/foundation/zip/detail/ZIPBudget.h"
+#include "tavlen/foundation/zip/detail/ZIPEndRecord.h"
+#include "tavlen/foundation/zip/detail/ZIPEntryName.h"
+#include "tavlen/foundation/zip/detail/ZIPLocalRecord.h"
+#include "tavlen/foundation/zip/detail/ZIPNameSet.h"
+
+namespace tavlen {
+
+namespace {
+
+constexpr std::string_view kSignature = "PK\x01\x02";
+constexpr std::size_t kFixedSize = 46;
+/// A hundred thousand entries with more than 300 bytes each.
+constexpr std::uint64_t kLargestDirectory = std::uint64_t{32} << 20;
+constexpr std::uint16_t kZIP64Field = 0x0001;
+constexpr std::uint32_t kInZIP64Field = 0xFFFFFFFF;
+/// Encrypted, patched, strongly encrypted, with a masked directory.
+constexpr std::uint16_t kUnsupportedFlags = 0x0001 | 0x0020 | 0x0040 | 0x2000;
+
+[[noreturn]] void refuse(const char* what) { throw ZIPError(ZIPError::Case::damagedArchive, what); }
+
+/// Takes the 64-bit values of the fields that say so, in their fixed order.
+class ZIP64Values {
+ public:
+  explicit ZIP64Values(std::string_view extra)
+      : rest_(zipExtraField(extra, kZIP64Field)), isThere_(!rest_.empty()) {}
+
+  std::uint64_t resolve(std::uint32_t narrow) {
+    if (narrow != kInZIP64Field || !isThere_) return narrow;
+    if (rest_.size() < sizeof(std::uint64_t)) refuse("a 64-bit size is missing");
+    const auto value = littleEndian<std::uint64_t>(rest_, 0);
+    rest_.remove_prefix(sizeof value);
+    return value;
+  }
+
+ private:
+  std::string_view rest_;
+  bool isThere_;
+};
+
+void judgeKind(const ZIPEntry& entry) {
+  using Case = ZIPError::Case;
+  const auto refuseEntry = [&](Case which) { throw ZIPError(which, entry.name); };
+  switch (entry.mode & S_IFMT) {
+    case S_IFLNK:
+      refuseEntry(Case::symbolicLink);
+      break;
+    case S_IFDIR:
+      if (!entry.isFolder()) refuseEntry(Case::fileAsFolder);
+      break;
+    case S_IFREG:  // some writers give folders the kind of files
+    case 0:
+      break;
+    default:
+      refuseEntry(Case::specialFile);
+  }
+  if ((entry.flags & kUnsupportedFlags) != 0 ||
+      (entry.method != kZIPStored && entry.method != kZIPDeflated)) {
+    refuseEntry(Case::unsupportedEntry);
+  }
+  if (entry.isFolder() && entry.size != 0) refuseEntry(Case::fileAsFolder);
+  if (entry.method == kZIPStored && entry.compressedSize != entry.size) {
+    refuseEntry(Case::sizeMismatch);
+  }
+}
+
+/// Goes through the records of a directory in memory.
+class DirectoryReader {
+ public:
+  explicit DirectoryReader(std::string_view bytes) : rest_(bytes) {}
+
+  bool isAtEnd() const { return rest_.empty(); }
+
+  /// The next entry; its name as it is stored goes to `storedName`, which lives as the bytes do.
+  ZIPEntry next(std::string_view& storedName) {
+    if (rest_.size() < kFixedSize || !rest_.starts_with(kSignature)) {
+      refuse("its directory is cut short");
+    }
+    const std::size_t nameSize = littleEndian<std::uint16_t>(rest_, 28);
+    const std::size_t extraSize = littleEndian<std::uint16_t>(rest_, 30);
+    const std::size_t commentSize = littleEndian<std::uint16_t>(rest_, 32);
+    const std::size_t size = kFixedSize + nameSize + extraSize + commentSize;
+    if (rest_.size() < size) refuse("its directory is cut short");
+    storedName = rest_.substr(kFixedSize, nameSize);
+    const std::string_view extra = rest_.substr(kFixedSize + nameSize, extraSize);
+
+    ZIPEntry entry;
+    entry.flags = littleEndian<std::uint16_t>(rest_, 8);
+    entry.method = littleEndian<std::uint16_t>(rest_, 10);
+    entry.checksum = littleEndian<std::uint32_t>(rest_, 16);
+    ZIP64Values wide(extra);
+    entry.size = wide.resolve(littleEndian<std::uint32_t>(rest_, 24));
+    entry.compressedSize = wide.resolve(littleEndian<std::uint32_t>(rest_, 20));
+    entry.offset = wide.resolve(littleEndian<std::uint32_t>(rest_, 42));
+    // The upper half of the attributes, whatever system they claim to come from: nobody else fills
+    // it, and a link is not to pass because of a byte elsewhere.
+    entry.mode = littleEndian<std::uint16_t>(rest_, 40);
+    entry.name = decodeZIPName(storedName, entry.flags, extra);
+    rest_.remove_prefix(size);
+    return entry;
+  }
+
+ private:
+  std::string_view rest_;
+};
+
+/// Where an entry lies in the file, local record and all.
+struct Extent {
+  std::uint64_t begin;
+  std::uint64_t end;
+  std::size_t entry;
+};
+
+void judgeExtents(std::vector<Extent> extents, const std::vector<ZIPEntry>& entries,
+                  std::uint64_t directoryOffset) {
+  std::sort(extents.begin(), extents.end(), [](const Extent& a, const Extent& b) {
+    return a.begin != b.begin ? a.begin < b.begin : a.entry < b.entry;
+  });
+  const Extent* last = nullptr;
+  for (const Extent& extent : extents) {
+    if (last != nullptr && extent.begin < last->end) {
+      const std::size_t later = std::max(extent.entry, last->entry);
+      throw ZIPError(ZIPError::Case::overlappingEntry, entries[later].name);
+    }
+    if (extent.end > directoryOffset) {
+      throw ZIPError(ZIPError::Case::overlappingEntry, entries[extent.entry].name);
+    }
+    last = &extent;
+  }
+}
+
+void judgeSizes(const std::vector<ZIPEntry>& entries, const ZIPArchive::Limits& limits) {
+  std::uint64_t compressed = 0;  // does not overflow: the extents lie side by side in the file
+  for (const ZIPEntry& entry : entries) compressed += entry.compressedSize;
+  ZIPBudget budget(limits, compressed);
+  for (const ZIPEntry& entry : entries) budget.add(entry.name, entry.size);
+}
+
+}  // namespace
+
+std::vector<ZIPEntry> readZIPDirectory(const RandomAccessFile& archive,
+                                       const ZIPArchive::Limits& limits, std::string_view onlyTop) {
+  const ZIPEndRecord end = ZIPEndRecord::find(archive);
+  // Before anything is read that grows with it.
+  if (end.entries > limits.entries) {
+    throw ZIPError(ZIPError::Case::tooManyEntries, std::to_string(limits.entries));
+  }
+  if (end.directorySize > kLargestDirectory) refuse("its directory is too large");
+  const std::string bytes =
+      archive.read(end.directoryOffset, static_cast<std::size_t>(end.directorySize));
+
+  std::vector<ZIPEntry> entries;
+  std::vector<Extent> extents;
+  ZIPNameSet names(limits.entries);
+  DirectoryReader reader(bytes);
+  while (!reader.isAtEnd()) {
+    if (entries.size() == end.entries) refuse("its directory has more entries than the end says");
+    std::string_view storedName;
+    ZIPEntry entry = reader.next(storedName);
+    judgeZIPName(entry.name);
+    names.add(entry.name);
+    if (entry.isWithin(onlyTop)) judgeKind(entry);
+    const std::uint64_t entryEnd = judgeZIPLocalRecord(archive, entry, storedName);
+    extents.push_back({entry.offset, entryEnd, entries.size()});
+    entries.push_back(std::move(entry));
+  }
+  if (entries.size() != end.entries) refuse("its directory has fewer entries than the end says");
+  judgeExtents(std::move(extents), entries, end.directoryOffset);
+  judgeSizes(entries, limits);
+  return entries;
+}
+
+}  // namespace tavlen

@@ -1,0 +1,146 @@
+#include "tavlen/foundation/zip/detail/ZIPReader.h"
+
+#include <memory>
+#include <span>
+
+#include "tavlen/foundation/zip/ZIPError.h"
+
+namespace tavlen {
+
+namespace {
+
+constexpr std::size_t kBufferSize = std::size_t{256} << 10;
+
+/// The archive's bytes, from the descriptor that is open already.
+class ArchiveSource {
+ public:
+  ArchiveSource(const RandomAccessFile& file, ZIPFailure& failure)
+      : file_(file), failure_(failure) {}
+
+  ZIPFailure& failure() { return failure_; }
+
+  zip_int64_t handle(zip_source_cmd_t command, void* data, zip_uint64_t length) {
+    switch (command) {
+      case ZIP_SOURCE_OPEN:
+        position_ = 0;
+        return 0;
+      case ZIP_SOURCE_READ: {
+        const std::size_t count = file_.readInto(position_, {static_cast<char*>(data), length});
+        position_ += count;
+        return static_cast<zip_int64_t>(count);
+      }
+      case ZIP_SOURCE_CLOSE:
+        return 0;
+      case ZIP_SOURCE_STAT: {
+        auto& status = *static_cast<zip_stat_t*>(data);
+        zip_stat_init(&status);
+        status.size = file_.size();
+        status.valid = ZIP_STAT_SIZE;
+        return sizeof status;
+      }
+      case ZIP_SOURCE_SEEK: {
+        const zip_int64_t position =
+            zip_source_seek_compute_offset(position_, file_.size(), data, length, nullptr);
+        if (position < 0) return -1;
+        position_ = static_cast<std::uint64_t>(position);
+        return 0;
+      }
+      case ZIP_SOURCE_TELL:
+        return static_cast<zip_int64_t>(position_);
+      case ZIP_SOURCE_SUPPORTS:
+        return ZIP_SOURCE_SUPPORTS_SEEKABLE;
+      default:
+        return -1;
+    }
+  }
+
+ private:
+  const RandomAccessFile& file_;
+  ZIPFailure& failure_;
+  std::uint64_t position_ = 0;
+};
+
+struct EntryCloser {
+  void operator()(zip_file_t* file) const { zip_fclose(file); }
+};
+
+}  // namespace
+
+ZIPReader::ZIPReader(const RandomAccessFile& archive, const std::vector<ZIPEntry>& entries)
+    : entries_(entries), buffer_(kBufferSize) {
+  zip_source_t* source = makeZIPSource(std::make_unique<ArchiveSource>(archive, failure_));
+  zip_error_t error;
+  zip_error_init(&error);
+  zip_ = zip_open_from_source(source, ZIP_RDONLY, &error);
+  const int code = zip_error_code_zip(&error);
+  zip_error_fini(&error);
+  try {
+    if (zip_ == nullptr) {
+      zip_source_free(source);
+      failure_.rethrow();
+      if (code == ZIP_ER_MEMORY) throw std::bad_alloc();
+      throw ZIPError(ZIPError::Case::damagedArchive, "its directory cannot be read");
+    }
+    requireSameDirectory();
+  } catch (...) {
+    if (zip_ != nullptr) zip_discard(zip_);
+    throw;
+  }
+}
+
+ZIPReader::~ZIPReader() { zip_discard(zip_); }
+
+/// What was judged must be what is unpacked. A name is taken from what was judged, and data with
+/// the size and the checksum of what was judged is that data, so that these alone need to be the
+/// same.
+void ZIPReader::requireSameDirectory() const {
+  bool isSame = zip_get_num_entries(zip_, 0) == static_cast<zip_int64_t>(entries_.size());
+  for (std::size_t i = 0; isSame && i < entries_.size(); ++i) {
+    zip_stat_t status;
+    isSame = zip_stat_index(zip_, i, 0, &status) == 0 && status.size == entries_[i].size &&
+             status.comp_size == entries_[i].compressedSize && status.crc == entries_[i].checksum &&
+             status.comp_method == entries_[i].method;
+  }
+  if (!isSame) {
+    throw ZIPError(ZIPError::Case::damagedArchive, "its directory can be read in two ways");
+  }
+}
+
+void ZIPReader::read(std::size_t index, FunctionRef<void(std::string_view)> take) {
+  const ZIPEntry& entry = entries_[index];
+  const std::unique_ptr<zip_file_t, EntryCloser> file(zip_fopen_index(zip_, index, 0));
+  if (file == nullptr) fail(entry, 0, zip_error_code_zip(zip_get_error(zip_)));
+  std::uint64_t done = 0;
+  while (true) {
+    const zip_int64_t count = zip_fread(file.get(), buffer_.data(), buffer_.size());
+    if (count < 0) fail(entry, done, zip_error_code_zip(zip_file_get_error(file.get())));
+    if (count == 0) break;
+    const auto size = static_cast<std::size_t>(count);
+    // Here, not at the end: the limits were asked about the size that the records tell.
+    if (size > entry.size - done) throw ZIPError(ZIPError::Case::sizeMismatch, entry.name);
+    done += size;
+    take({buffer_.data(), size});
+  }
+  if (done != entry.size) throw ZIPError(ZIPError::Case::sizeMismatch, entry.name);
+}
+
+void ZIPReader::fail(const ZIPEntry& entry, std::uint64_t done, int code) const {
+  using Case = ZIPError::Case;
+  failure_.rethrow();
+  switch (code) {
+    case ZIP_ER_MEMORY:
+      throw std::bad_alloc();
+    case ZIP_ER_CRC:
+      throw ZIPError(done == entry.size ? Case::checksumMismatch : Case::sizeMismatch, entry.name);
+    case ZIP_ER_INCONS:
+      throw ZIPError(Case::sizeMismatch, entry.name);
+    case ZIP_ER_COMPNOTSUPP:
+    case ZIP_ER_ENCRNOTSUPP:
+    case ZIP_ER_NOPASSWD:
+      throw ZIPError(Case::unsupportedEntry, entry.name);
+    default:
+      throw ZIPError(Case::damagedData, entry.name);
+  }
+}
+
+}  // namespace tavlen

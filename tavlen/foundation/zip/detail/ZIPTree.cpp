@@ -1,0 +1,83 @@
+#include "tavlen/foundation/zip/detail/ZIPTree.h"
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <system_error>
+
+#include "tavlen/foundation/files/FileReplacement.h"
+#include "tavlen/foundation/text/Unicode.h"
+#include "tavlen/foundation/zip/ZIPError.h"
+#include "tavlen/foundation/zip/detail/ZIPBudget.h"
+#include "tavlen/foundation/zip/detail/ZIPEntryName.h"
+#include "tavlen/foundation/zip/detail/ZIPNameSet.h"
+
+namespace tavlen {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+class TreeReader {
+ public:
+  explicit TreeReader(const ZIPArchive::Limits& limits) : names_(limits.entries), budget_(limits) {}
+
+  /// The depth is that of the longest name that judgeZIPName() lets pass.
+  void add(const fs::path& path, std::string name) {
+    struct stat status {};
+    if (::lstat(path.c_str(), &status) != 0) fail(errno, path);
+    judgeKind(status.st_mode, name);
+    const bool isFolder = S_ISDIR(status.st_mode);
+    if (isFolder) name += '/';
+    judgeZIPName(name);
+    names_.add(name);
+    const std::uint64_t size = isFolder ? 0 : static_cast<std::uint64_t>(status.st_size);
+    budget_.add(name, size);
+    items_.push_back({name, path, status.st_mode, size, status.st_mtime});
+    if (!isFolder) return;
+    for (const fs::path& child : childrenOf(path)) add(path / child, name + child.string());
+  }
+
+  std::vector<ZIPItem> takeItems() { return std::move(items_); }
+
+ private:
+  [[noreturn]] static void fail(int code, const fs::path& path) {
+    throw std::system_error(code, std::generic_category(), path.string());
+  }
+
+  static void judgeKind(mode_t mode, const std::string& name) {
+    if (S_ISREG(mode) || S_ISDIR(mode)) return;
+    throw ZIPError(S_ISLNK(mode) ? ZIPError::Case::symbolicLink : ZIPError::Case::specialFile,
+                   wellFormedUTF8(name));
+  }
+
+  static std::vector<fs::path> childrenOf(const fs::path& folder) {
+    std::vector<fs::path> names;
+    std::error_code error;
+    fs::directory_iterator entry(folder, error);
+    for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
+      fs::path name = entry->path().filename();
+      if (!isTemporaryName(name)) names.push_back(std::move(name));
+    }
+    if (error) throw std::system_error(error, folder.string());
+    std::sort(names.begin(), names.end());
+    return names;
+  }
+
+  ZIPNameSet names_;
+  ZIPBudget budget_;
+  std::vector<ZIPItem> items_;
+};
+
+}  // namespace
+
+std::vector<ZIPItem> readZIPTree(const fs::path& item, const ZIPArchive::Limits& limits) {
+  TreeReader reader(limits);
+  const bool endsInSlash = !item.has_filename() && item.has_parent_path();
+  const fs::path path = endsInSlash ? item.parent_path() : item;
+  reader.add(path, path.filename().string());
+  return reader.takeItems();
+}
+
+}  // namespace tavlen

@@ -1,0 +1,241 @@
+#include "tavlen/foundation/zip/detail/ZIPWriter.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <memory>
+#include <string>
+#include <system_error>
+
+#include "tavlen/foundation/files/FileDescriptor.h"
+#include "tavlen/foundation/zip/detail/ZIPSource.h"
+
+namespace tavlen {
+
+namespace {
+
+[[noreturn]] void fail(int code, const std::filesystem::path& path) {
+  throw std::system_error(code, std::generic_category(), path.string());
+}
+
+/// A file that becomes an entry. It is opened when libzip comes to it, so that there is no limit to
+/// the number of entries.
+class ItemSource {
+ public:
+  ItemSource(const ZIPItem& item, ByteProgress& progress, ZIPFailure& failure)
+      : item_(item), progress_(progress), failure_(failure) {}
+
+  ZIPFailure& failure() { return failure_; }
+
+  zip_int64_t handle(zip_source_cmd_t command, void* data, zip_uint64_t length) {
+    switch (command) {
+      case ZIP_SOURCE_OPEN:
+        open();
+        return 0;
+      case ZIP_SOURCE_READ:
+        return read(data, length);
+      case ZIP_SOURCE_CLOSE:
+        file_ = FileDescriptor();
+        return 0;
+      case ZIP_SOURCE_STAT: {
+        auto& status = *static_cast<zip_stat_t*>(data);
+        zip_stat_init(&status);
+        status.size = item_.size;
+        status.mtime = item_.modified;
+        status.valid = ZIP_STAT_SIZE | ZIP_STAT_MTIME;
+        return sizeof status;
+      }
+      case ZIP_SOURCE_SUPPORTS:
+        return ZIP_SOURCE_SUPPORTS_READABLE;
+      default:
+        return -1;
+    }
+  }
+
+ private:
+  void open() {
+    file_ = FileDescriptor(
+        ::open(item_.path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    struct stat status {};
+    if (file_.get() < 0 || ::fstat(file_.get(), &status) != 0) fail(errno, item_.path);
+    if (!S_ISREG(status.st_mode)) fail(EINVAL, item_.path);
+    rest_ = item_.size;
+    progress_.add(0);
+  }
+
+  zip_int64_t read(void* data, zip_uint64_t length) {
+    ssize_t count = 0;
+    do {
+      count = ::read(file_.get(), data, std::min(length, rest_));
+    } while (count < 0 && errno == EINTR);
+    if (count < 0) fail(errno, item_.path);
+    rest_ -= static_cast<std::uint64_t>(count);
+    if (count > 0) progress_.add(static_cast<std::uint64_t>(count));
+    return count;
+  }
+
+  const ZIPItem& item_;
+  ByteProgress& progress_;
+  ZIPFailure& failure_;
+  FileDescriptor file_;
+  std::uint64_t rest_ = 0;
+};
+
+/// The archive as it grows. What libzip writes in small pieces goes out in large ones.
+class OutputSource {
+ public:
+  OutputSource(int descriptor, const std::filesystem::path& path, ZIPFailure& failure)
+      : descriptor_(descriptor), path_(path), failure_(failure) {
+    buffer_.reserve(kBufferSize);
+  }
+
+  ZIPFailure& failure() { return failure_; }
+
+  zip_int64_t handle(zip_source_cmd_t command, void* data, zip_uint64_t length) {
+    switch (command) {
+      case ZIP_SOURCE_STAT: {
+        auto& status = *static_cast<zip_stat_t*>(data);
+        zip_stat_init(&status);
+        status.size = 0;
+        status.valid = ZIP_STAT_SIZE;
+        return sizeof status;
+      }
+      case ZIP_SOURCE_WRITE:
+        return write(static_cast<const char*>(data), length);
+      case ZIP_SOURCE_SEEK_WRITE: {
+        const zip_int64_t target =
+            zip_source_seek_compute_offset(position(), size_, data, length, nullptr);
+        if (target < 0) return -1;
+        flush();
+        start_ = static_cast<std::uint64_t>(target);
+        return 0;
+      }
+      case ZIP_SOURCE_TELL_WRITE:
+        return static_cast<zip_int64_t>(position());
+      case ZIP_SOURCE_COMMIT_WRITE:
+        flush();
+        return 0;
+      case ZIP_SOURCE_SUPPORTS:
+        return ZIP_SOURCE_SUPPORTS_WRITABLE;
+      case ZIP_SOURCE_OPEN:
+      case ZIP_SOURCE_CLOSE:
+      case ZIP_SOURCE_READ:
+      case ZIP_SOURCE_BEGIN_WRITE:
+      case ZIP_SOURCE_ROLLBACK_WRITE:
+      case ZIP_SOURCE_REMOVE:
+        return 0;  // the file is empty before and its owner's afterwards
+      default:
+        return -1;
+    }
+  }
+
+ private:
+  static constexpr std::size_t kBufferSize = std::size_t{256} << 10;
+
+  std::uint64_t position() const { return start_ + buffer_.size(); }
+
+  zip_int64_t write(const char* data, zip_uint64_t length) {
+    if (length > kBufferSize - std::min(kBufferSize, buffer_.size())) flush();
+    buffer_.append(data, length);
+    size_ = std::max(size_, position());
+    return static_cast<zip_int64_t>(length);
+  }
+
+  void flush() {
+    std::string_view rest = buffer_;
+    while (!rest.empty()) {
+      const ssize_t count =
+          ::pwrite(descriptor_, rest.data(), rest.size(), static_cast<off_t>(start_));
+      if (count > 0) {
+        start_ += static_cast<std::uint64_t>(count);
+        rest.remove_prefix(static_cast<std::size_t>(count));
+      } else if (count == 0 || errno != EINTR) {
+        fail(count == 0 ? EIO : errno, path_);
+      }
+    }
+    buffer_.clear();
+  }
+
+  int descriptor_;
+  const std::filesystem::path& path_;
+  ZIPFailure& failure_;
+  std::string buffer_;
+  std::uint64_t start_ = 0;  ///< where the buffer belongs in the file
+  std::uint64_t size_ = 0;
+};
+
+class Writer {
+ public:
+  Writer(int descriptor, const std::filesystem::path& path) : path_(path) {
+    zip_source_t* source =
+        makeZIPSource(std::make_unique<OutputSource>(descriptor, path, failure_));
+    zip_ = zip_open_from_source(source, ZIP_CREATE | ZIP_TRUNCATE, nullptr);
+    if (zip_ == nullptr) {
+      zip_source_free(source);
+      throw std::bad_alloc();
+    }
+  }
+  Writer(const Writer&) = delete;
+  Writer& operator=(const Writer&) = delete;
+  ~Writer() {
+    if (zip_ != nullptr) zip_discard(zip_);
+  }
+
+  void add(const ZIPItem& item, ByteProgress& progress) {
+    constexpr zip_uint32_t kFastest = 1;
+    constexpr std::uint32_t kDOSFolder = 0x10;
+    const zip_int64_t added = item.isFolder() ? addFolder(item) : addFile(item, progress);
+    require(added >= 0);
+    const auto index = static_cast<zip_uint64_t>(added);
+    const std::uint32_t kind = item.isFolder() ? S_IFDIR : S_IFREG;
+    const std::uint32_t attributes =
+        (kind | (item.mode & 0777U)) << 16U | (item.isFolder() ? kDOSFolder : 0);
+    require(zip_file_set_external_attributes(zip_, index, 0, ZIP_OPSYS_UNIX, attributes) == 0);
+    require(zip_file_set_mtime(zip_, index, item.modified, 0) == 0);
+    require(item.isFolder() ||
+            zip_set_file_compression(zip_, index, ZIP_CM_DEFLATE, kFastest) == 0);
+  }
+
+  /// The sources read and write here.
+  void finish() {
+    require(zip_close(zip_) == 0);
+    zip_ = nullptr;
+  }
+
+ private:
+  zip_int64_t addFolder(const ZIPItem& item) {
+    return zip_dir_add(zip_, item.name.c_str(), ZIP_FL_ENC_UTF_8);
+  }
+
+  zip_int64_t addFile(const ZIPItem& item, ByteProgress& progress) {
+    zip_source_t* source = makeZIPSource(std::make_unique<ItemSource>(item, progress, failure_));
+    const zip_int64_t index = zip_file_add(zip_, item.name.c_str(), source, ZIP_FL_ENC_UTF_8);
+    if (index < 0) zip_source_free(source);
+    return index;
+  }
+
+  void require(bool isDone) {
+    if (isDone) return;
+    failure_.rethrow();
+    if (zip_error_code_zip(zip_get_error(zip_)) == ZIP_ER_MEMORY) throw std::bad_alloc();
+    throw std::system_error(EIO, std::generic_category(),
+                            path_.string() + ": " + zip_strerror(zip_));
+  }
+
+  const std::filesystem::path& path_;
+  ZIPFailure failure_;
+  zip_t* zip_ = nullptr;
+};
+
+}  // namespace
+
+void writeZIP(int descriptor, const std::filesystem::path& path, const std::vector<ZIPItem>& items,
+              ByteProgress& progress) {
+  Writer writer(descriptor, path);
+  for (const ZIPItem& item : items) writer.add(item, progress);
+  writer.finish();
+}
+
+}  // namespace tavlen

@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "tavlen/foundation/text/Log.h"
-#include "tavlen/introspection/DynamicClassParser.h"
+#include "tavlen/introspection/classes/DynamicClassParser.h"
 
 namespace {
 

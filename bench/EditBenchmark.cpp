@@ -8,12 +8,12 @@
 #include <string>
 
 #include "SampleManifest.h"
+#include "tavlen/editing/ArrayParameterManager.h"
+#include "tavlen/editing/RootParameterManager.h"
 #include "tavlen/foundation/files/FileReplacement.h"
 #include "tavlen/foundation/files/TemporaryDirectory.h"
 #include "tavlen/foundation/json/JSONDecoder.h"
 #include "tavlen/foundation/json/JSONEncoder.h"
-#include "tavlen/parameters/ArrayParameterManager.h"
-#include "tavlen/parameters/RootParameterManager.h"
 
 namespace {
 

@@ -10,7 +10,7 @@
 
 #include "SampleEncodings.h"
 #include "SignaturePeer.h"
-#include "tavlen/introspection/JXTypeCursor.h"
+#include "tavlen/introspection/types/JXTypeCursor.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 
 #include "HeapUse.h"
 #include "SampleEncodings.h"
-#include "tavlen/introspection/JXType.h"
+#include "tavlen/introspection/types/JXType.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include <memory>
 #include <vector>
 
-#include "tavlen/introspection/ObjCClass.h"
+#include "tavlen/introspection/classes/ObjCClass.h"
 
 namespace tavlen::bench {
 

@@ -18,9 +18,9 @@
 #include "SampleManifest.h"
 #include "tavlen/device/DeviceRoot.h"
 #include "tavlen/foundation/json/JSONEncoder.h"
+#include "tavlen/items/TweaksDirectory.h"
+#include "tavlen/store/TweakManager.h"
 #include "tavlen/tweaks/TweakFile.h"
-#include "tavlen/tweaks/TweakManager.h"
-#include "tavlen/tweaks/TweaksDirectory.h"
 
 namespace {
 

@@ -6,9 +6,9 @@
 #include <filesystem>
 #include <system_error>
 
-#include "tavlen/bundles/InfoPlist.h"
-#include "tavlen/device/AppList.h"
+#include "tavlen/bundles/AppList.h"
 #include "tavlen/device/DeviceRoot.h"
+#include "tavlen/device/InfoPlist.h"
 
 namespace tavlen::cli {
 

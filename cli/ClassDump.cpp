@@ -14,9 +14,9 @@
 #include "cli/ProgressLine.h"
 #include "tavlen/foundation/files/MachOHeader.h"
 #include "tavlen/foundation/files/RandomAccessFile.h"
-#include "tavlen/introspection/DynamicClassParser.h"
-#include "tavlen/introspection/RemoteClassParser.h"
-#include "tavlen/introspection/TessaloopInterface.h"
+#include "tavlen/introspection/classes/DynamicClassParser.h"
+#include "tavlen/introspection/remote/RemoteClassParser.h"
+#include "tavlen/introspection/remote/TessaloopInterface.h"
 
 namespace tavlen::cli {
 

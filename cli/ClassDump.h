@@ -4,7 +4,7 @@
 #include <string>
 
 #include "cli/ImageArgument.h"
-#include "tavlen/introspection/ClassParser.h"
+#include "tavlen/introspection/classes/ClassParser.h"
 
 namespace tavlen::cli {
 

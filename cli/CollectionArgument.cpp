@@ -5,7 +5,7 @@
 
 #include "cli/StoredItem.h"
 #include "tavlen/collections/TweakCollectionManifest.h"
-#include "tavlen/tweaks/TweakManager.h"
+#include "tavlen/store/TweakManager.h"
 
 namespace tavlen::cli {
 

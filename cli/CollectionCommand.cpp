@@ -18,12 +18,12 @@
 #include "cli/TextTable.h"
 #include "tavlen/collections/TweakCollection.h"
 #include "tavlen/collections/TweakCollectionManifest.h"
-#include "tavlen/collections/TweakPoster.h"
 #include "tavlen/foundation/json/JSONEncoder.h"
+#include "tavlen/items/TweakError.h"
+#include "tavlen/items/TweakPoster.h"
+#include "tavlen/items/TweaksDirectory.h"
+#include "tavlen/store/TweakManager.h"
 #include "tavlen/tweaks/Manifest.h"
-#include "tavlen/tweaks/TweakError.h"
-#include "tavlen/tweaks/TweakManager.h"
-#include "tavlen/tweaks/TweaksDirectory.h"
 
 namespace tavlen::cli {
 

@@ -8,7 +8,7 @@
 #include "cli/Commands.h"
 #include "cli/Console.h"
 #include "cli/StoredItem.h"
-#include "tavlen/tweaks/TweaksDirectory.h"
+#include "tavlen/items/TweaksDirectory.h"
 
 namespace tavlen::cli {
 

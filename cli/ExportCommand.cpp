@@ -16,7 +16,7 @@
 #include "tavlen/foundation/files/FileTree.h"
 #include "tavlen/foundation/files/TemporaryDirectory.h"
 #include "tavlen/foundation/text/TerminalText.h"
-#include "tavlen/tweaks/TweakManager.h"
+#include "tavlen/store/TweakManager.h"
 
 namespace tavlen::cli {
 

@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "cli/CommandLine.h"
-#include "tavlen/parameters/HookManager.h"
+#include "tavlen/editing/HookManager.h"
 
 namespace tavlen::cli {
 

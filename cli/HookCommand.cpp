@@ -14,9 +14,9 @@
 #include "cli/HookArgument.h"
 #include "cli/StoredItem.h"
 #include "cli/TextTable.h"
-#include "tavlen/collections/TweakPoster.h"
 #include "tavlen/foundation/json/JSONEncoder.h"
 #include "tavlen/foundation/objc/MethodTypes.h"
+#include "tavlen/items/TweakPoster.h"
 #include "tavlen/tweaks/Manifest.h"
 
 namespace tavlen::cli {

@@ -10,7 +10,7 @@
 #include "tavlen/collections/TweakCollection.h"
 #include "tavlen/collections/TweakCollectionManifest.h"
 #include "tavlen/foundation/coding/CodingError.h"
-#include "tavlen/tweaks/TweakManager.h"
+#include "tavlen/store/TweakManager.h"
 
 namespace tavlen::cli {
 

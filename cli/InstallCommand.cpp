@@ -13,7 +13,7 @@
 #include "cli/TweakArgument.h"
 #include "tavlen/bundles/IPA.h"
 #include "tavlen/collections/TweakCollectionManifest.h"
-#include "tavlen/tweaks/InstallableItem.h"
+#include "tavlen/items/InstallableItem.h"
 
 namespace tavlen::cli {
 

@@ -7,7 +7,7 @@
 #include "cli/Console.h"
 #include "cli/StoredItem.h"
 #include "cli/UsageError.h"
-#include "tavlen/tweaks/GlyphNames.h"
+#include "tavlen/items/GlyphNames.h"
 
 namespace tavlen::cli {
 

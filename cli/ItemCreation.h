@@ -5,8 +5,8 @@
 #include <string>
 
 #include "cli/Commands.h"
-#include "tavlen/tweaks/TweakColor.h"
-#include "tavlen/tweaks/TweakGlyph.h"
+#include "tavlen/items/TweakColor.h"
+#include "tavlen/items/TweakGlyph.h"
 
 namespace tavlen {
 class TweakProtocol;

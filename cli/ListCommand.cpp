@@ -16,8 +16,8 @@
 #include "tavlen/foundation/text/TerminalText.h"
 #include "tavlen/foundation/text/TextComparison.h"
 #include "tavlen/foundation/text/Unicode.h"
-#include "tavlen/tweaks/TweakManager.h"
-#include "tavlen/tweaks/TweaksDirectory.h"
+#include "tavlen/items/TweaksDirectory.h"
+#include "tavlen/store/TweakManager.h"
 
 namespace tavlen::cli {
 

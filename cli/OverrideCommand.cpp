@@ -13,8 +13,8 @@
 #include "cli/OverrideValue.h"
 #include "cli/StoredItem.h"
 #include "cli/TextTable.h"
-#include "tavlen/collections/TweakPoster.h"
 #include "tavlen/foundation/json/JSONEncoder.h"
+#include "tavlen/items/TweakPoster.h"
 #include "tavlen/tweaks/Manifest.h"
 
 namespace tavlen::cli {

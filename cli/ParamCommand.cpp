@@ -23,12 +23,12 @@
 #include "cli/TextTable.h"
 #include "cli/TypedValue.h"
 #include "cli/UsageError.h"
-#include "tavlen/collections/TweakPoster.h"
+#include "tavlen/editing/ArrayParameterManager.h"
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/foundation/image/Image.h"
 #include "tavlen/foundation/json/JSONEncoder.h"
 #include "tavlen/foundation/text/TerminalText.h"
-#include "tavlen/parameters/ArrayParameterManager.h"
+#include "tavlen/items/TweakPoster.h"
 #include "tavlen/tweaks/Hook.h"
 
 namespace tavlen::cli {

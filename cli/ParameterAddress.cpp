@@ -4,10 +4,10 @@
 #include <string>
 
 #include "cli/UsageError.h"
+#include "tavlen/editing/ArrayParameterManager.h"
+#include "tavlen/editing/RootParameterManager.h"
 #include "tavlen/foundation/coding/CodingPath.h"
 #include "tavlen/foundation/text/TerminalText.h"
-#include "tavlen/parameters/ArrayParameterManager.h"
-#include "tavlen/parameters/RootParameterManager.h"
 
 namespace tavlen::cli {
 

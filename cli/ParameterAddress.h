@@ -6,8 +6,8 @@
 #include <string_view>
 #include <vector>
 
-#include "tavlen/parameters/DictionaryParameterManager.h"
-#include "tavlen/parameters/HookManager.h"
+#include "tavlen/editing/DictionaryParameterManager.h"
+#include "tavlen/editing/HookManager.h"
 
 namespace tavlen::cli {
 

@@ -7,11 +7,11 @@
 #include <vector>
 
 #include "tavlen/collections/TweakCollection.h"
-#include "tavlen/collections/TweakDiffNotifications.h"
 #include "tavlen/foundation/coding/CodingError.h"
 #include "tavlen/foundation/tasks/NotificationCenter.h"
-#include "tavlen/tweaks/TweakManager.h"
-#include "tavlen/tweaks/TweaksDirectory.h"
+#include "tavlen/items/TweakDiffNotifications.h"
+#include "tavlen/items/TweaksDirectory.h"
+#include "tavlen/store/TweakManager.h"
 
 namespace tavlen::cli {
 

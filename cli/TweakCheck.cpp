@@ -9,7 +9,7 @@
 #include "tavlen/foundation/coding/CodingPath.h"
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/foundation/objc/MethodTypes.h"
-#include "tavlen/tweaks/GlyphNames.h"
+#include "tavlen/items/GlyphNames.h"
 
 namespace tavlen::cli {
 

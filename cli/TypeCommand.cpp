@@ -9,7 +9,7 @@
 #include "cli/TypeTree.h"
 #include "tavlen/foundation/json/JSONEncoder.h"
 #include "tavlen/foundation/text/TerminalText.h"
-#include "tavlen/introspection/JXType.h"
+#include "tavlen/introspection/types/JXType.h"
 
 namespace tavlen::cli {
 

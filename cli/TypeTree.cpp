@@ -3,11 +3,11 @@
 #include <string_view>
 
 #include "tavlen/foundation/text/Unicode.h"
-#include "tavlen/introspection/JXTypeArray.h"
-#include "tavlen/introspection/JXTypeBitField.h"
-#include "tavlen/introspection/JXTypeComplex.h"
-#include "tavlen/introspection/JXTypeID.h"
-#include "tavlen/introspection/JXTypePointer.h"
+#include "tavlen/introspection/types/JXTypeArray.h"
+#include "tavlen/introspection/types/JXTypeBitField.h"
+#include "tavlen/introspection/types/JXTypeComplex.h"
+#include "tavlen/introspection/types/JXTypeID.h"
+#include "tavlen/introspection/types/JXTypePointer.h"
 
 namespace tavlen::cli {
 

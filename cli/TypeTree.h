@@ -1,7 +1,7 @@
 #pragma once
 
 #include "tavlen/foundation/coding/Encoder.h"
-#include "tavlen/introspection/JXType.h"
+#include "tavlen/introspection/types/JXType.h"
 
 namespace tavlen::cli {
 

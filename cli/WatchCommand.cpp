@@ -17,10 +17,10 @@
 #include "tavlen/foundation/json/JSONEncoder.h"
 #include "tavlen/foundation/text/TerminalText.h"
 #include "tavlen/foundation/text/Unicode.h"
-#include "tavlen/tweaks/StoreSnapshot.h"
+#include "tavlen/items/TweaksDirectory.h"
+#include "tavlen/store/StoreSnapshot.h"
+#include "tavlen/store/TweakManager.h"
 #include "tavlen/tweaks/TweakFile.h"
-#include "tavlen/tweaks/TweakManager.h"
-#include "tavlen/tweaks/TweaksDirectory.h"
 
 namespace tavlen::cli {
 

@@ -6,7 +6,7 @@
 
 #include "tavlen/device/TweakInfo.h"
 #include "tavlen/foundation/archive/KeyedArchive.h"
-#include "tavlen/introspection/ObjCClass.h"
+#include "tavlen/introspection/classes/ObjCClass.h"
 
 using namespace tavlen;
 

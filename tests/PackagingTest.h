@@ -11,7 +11,7 @@
 #include "AppPlist.h"
 #include "TemporaryFolder.h"
 #include "Thrown.h"
-#include "tavlen/device/AppList.h"
+#include "tavlen/bundles/AppList.h"
 #include "tavlen/device/DevicePaths.h"
 #include "tavlen/device/DeviceRoot.h"
 #include "tavlen/device/TweakInfo.h"

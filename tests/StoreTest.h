@@ -12,12 +12,12 @@
 #include "TemporaryFolder.h"
 #include "tavlen/collections/TweakCollectionDiff.h"
 #include "tavlen/collections/TweakCollectionManifest.h"
-#include "tavlen/collections/TweakDiffNotifications.h"
 #include "tavlen/device/DeviceRoot.h"
 #include "tavlen/foundation/tasks/NotificationCenter.h"
+#include "tavlen/items/TweakDiffNotifications.h"
+#include "tavlen/items/TweaksDirectory.h"
 #include "tavlen/tweaks/Manifest.h"
 #include "tavlen/tweaks/TweakFileDiff.h"
-#include "tavlen/tweaks/TweaksDirectory.h"
 
 namespace tavlen {
 

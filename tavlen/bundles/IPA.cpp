@@ -3,14 +3,14 @@
 #include <exception>
 #include <system_error>
 
-#include "tavlen/bundles/InfoPlist.h"
-#include "tavlen/bundles/TweakInstallation.h"
-#include "tavlen/collections/NotificationPoster.h"
-#include "tavlen/device/AppList.h"
+#include "tavlen/bundles/AppList.h"
+#include "tavlen/bundles/detail/TweakInstallation.h"
 #include "tavlen/device/DevicePaths.h"
 #include "tavlen/device/FileOperations.h"
+#include "tavlen/device/InfoPlist.h"
 #include "tavlen/device/InstalledTweaks.h"
 #include "tavlen/foundation/files/FileSystem.h"
+#include "tavlen/foundation/tasks/NotificationPoster.h"
 
 namespace tavlen {
 

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <system_error>
 
-#include "tavlen/bundles/InfoPlist.h"
+#include "tavlen/device/InfoPlist.h"
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/foundation/plist/PropertyListDecoder.h"
 

@@ -4,9 +4,9 @@
 #include <exception>
 #include <utility>
 
-#include "tavlen/collections/TweakDiffNotifications.h"
 #include "tavlen/foundation/tasks/MainQueue.h"
-#include "tavlen/tweaks/TweakProtocol.h"
+#include "tavlen/items/TweakDiffNotifications.h"
+#include "tavlen/items/TweakProtocol.h"
 
 namespace tavlen {
 

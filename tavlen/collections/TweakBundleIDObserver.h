@@ -6,7 +6,7 @@
 #include <optional>
 #include <string>
 
-#include "tavlen/collections/TweakDiffProtocol.h"
+#include "tavlen/items/TweakDiffProtocol.h"
 
 namespace tavlen {
 

@@ -7,8 +7,6 @@
 
 #include "tavlen/collections/TweakCollectionDiff.h"
 #include "tavlen/collections/TweakCollectionManifest.h"
-#include "tavlen/collections/TweakDiffNotifications.h"
-#include "tavlen/collections/TweakPoster.h"
 #include "tavlen/device/DeviceRoot.h"
 #include "tavlen/foundation/files/DiskSync.h"
 #include "tavlen/foundation/files/FileReplacement.h"
@@ -16,9 +14,11 @@
 #include "tavlen/foundation/files/FileTree.h"
 #include "tavlen/foundation/json/JSONDecoder.h"
 #include "tavlen/foundation/json/JSONEncoder.h"
-#include "tavlen/tweaks/TweakError.h"
+#include "tavlen/items/TweakDiffNotifications.h"
+#include "tavlen/items/TweakError.h"
+#include "tavlen/items/TweakPoster.h"
+#include "tavlen/items/TweaksDirectory.h"
 #include "tavlen/tweaks/TweakFile.h"
-#include "tavlen/tweaks/TweaksDirectory.h"
 
 namespace tavlen {
 

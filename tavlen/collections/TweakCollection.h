@@ -8,9 +8,9 @@
 #include <string_view>
 #include <utility>
 
-#include "tavlen/tweaks/TweakColor.h"
-#include "tavlen/tweaks/TweakGlyph.h"
-#include "tavlen/tweaks/TweakProtocol.h"
+#include "tavlen/items/TweakColor.h"
+#include "tavlen/items/TweakGlyph.h"
+#include "tavlen/items/TweakProtocol.h"
 
 namespace tavlen {
 

@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "tavlen/collections/TweakCollection.h"
-#include "tavlen/collections/TweakDiffProtocol.h"
+#include "tavlen/items/TweakDiffProtocol.h"
 
 namespace tavlen {
 

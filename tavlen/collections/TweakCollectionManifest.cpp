@@ -2,8 +2,8 @@
 
 #include <exception>
 
+#include "tavlen/store/TweakManager.h"
 #include "tavlen/tweaks/TweakFile.h"
-#include "tavlen/tweaks/TweakManager.h"
 
 namespace tavlen {
 

@@ -7,9 +7,9 @@
 
 #include "tavlen/collections/TweakCollection.h"
 #include "tavlen/foundation/coding/Coding.h"
-#include "tavlen/tweaks/ItemConfiguration.h"
-#include "tavlen/tweaks/TweakConfiguration.h"
-#include "tavlen/tweaks/TweakManifest.h"
+#include "tavlen/items/ItemConfiguration.h"
+#include "tavlen/items/TweakConfiguration.h"
+#include "tavlen/items/TweakManifest.h"
 
 namespace tavlen {
 

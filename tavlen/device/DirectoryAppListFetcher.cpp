@@ -7,9 +7,9 @@
 #include <system_error>
 #include <utility>
 
-#include "tavlen/bundles/InfoPlist.h"
-#include "tavlen/device/AppDisplayName.h"
-#include "tavlen/device/ExcludedApps.h"
+#include "tavlen/device/InfoPlist.h"
+#include "tavlen/device/detail/AppDisplayName.h"
+#include "tavlen/device/detail/ExcludedApps.h"
 #include "tavlen/foundation/plist/PropertyListSerialization.h"
 
 namespace tavlen {

@@ -3,8 +3,8 @@
 #include <optional>
 #include <utility>
 
-#include "tavlen/device/AppDisplayName.h"
-#include "tavlen/device/ExcludedApps.h"
+#include "tavlen/device/detail/AppDisplayName.h"
+#include "tavlen/device/detail/ExcludedApps.h"
 #include "tavlen/foundation/objc/ObjCRuntime.h"
 
 namespace tavlen {

@@ -2,9 +2,9 @@
 
 #include <utility>
 
-#include "tavlen/parameters/ArrayLiteral.h"
-#include "tavlen/parameters/CollectionParameter.h"
-#include "tavlen/parameters/Rendering.h"
+#include "tavlen/parameters/detail/ArrayLiteral.h"
+#include "tavlen/parameters/detail/CollectionParameter.h"
+#include "tavlen/parameters/detail/Rendering.h"
 
 namespace tavlen {
 

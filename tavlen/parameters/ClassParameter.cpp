@@ -1,7 +1,7 @@
 #include "tavlen/parameters/ClassParameter.h"
 
-#include "tavlen/parameters/Rendering.h"
-#include "tavlen/parameters/RuntimeParameter.h"
+#include "tavlen/parameters/detail/Rendering.h"
+#include "tavlen/parameters/detail/RuntimeParameter.h"
 
 namespace tavlen {
 

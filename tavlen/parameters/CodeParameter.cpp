@@ -1,6 +1,6 @@
 #include "tavlen/parameters/CodeParameter.h"
 
-#include "tavlen/parameters/Rendering.h"
+#include "tavlen/parameters/detail/Rendering.h"
 
 namespace tavlen {
 

@@ -1,7 +1,7 @@
 #include "tavlen/parameters/ColorParameter.h"
 
 #include "tavlen/foundation/text/NumberText.h"
-#include "tavlen/parameters/Rendering.h"
+#include "tavlen/parameters/detail/Rendering.h"
 
 namespace tavlen {
 

@@ -1,7 +1,7 @@
 #include "tavlen/parameters/ImageParameter.h"
 
-#include "tavlen/parameters/FileParameter.h"
-#include "tavlen/parameters/Rendering.h"
+#include "tavlen/parameters/detail/FileParameter.h"
+#include "tavlen/parameters/detail/Rendering.h"
 
 namespace tavlen {
 

@@ -1,7 +1,7 @@
 #include "tavlen/parameters/ProtocolParameter.h"
 
-#include "tavlen/parameters/Rendering.h"
-#include "tavlen/parameters/RuntimeParameter.h"
+#include "tavlen/parameters/detail/Rendering.h"
+#include "tavlen/parameters/detail/RuntimeParameter.h"
 
 namespace tavlen {
 

@@ -1,7 +1,7 @@
 #include "tavlen/parameters/URLParameter.h"
 
 #include "tavlen/foundation/json/JSONEncoder.h"
-#include "tavlen/parameters/Rendering.h"
+#include "tavlen/parameters/detail/Rendering.h"
 
 namespace tavlen {
 

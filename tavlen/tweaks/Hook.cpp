@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "tavlen/introspection/ObjCClass.h"
+#include "tavlen/introspection/classes/ObjCClass.h"
 
 namespace tavlen {
 

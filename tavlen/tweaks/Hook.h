@@ -8,8 +8,8 @@
 #include <string_view>
 
 #include "tavlen/foundation/coding/Coding.h"
+#include "tavlen/introspection/classes/MethodIdentity.h"
 #include "tavlen/parameters/ParameterContainer.h"
-#include "tavlen/tweaks/MethodIdentity.h"
 
 namespace tavlen {
 

@@ -5,11 +5,11 @@
 
 #include "tavlen/bundles/OverrideContainer.h"
 #include "tavlen/foundation/coding/Coding.h"
+#include "tavlen/items/ItemConfiguration.h"
+#include "tavlen/items/TweakConfiguration.h"
+#include "tavlen/items/TweakManifest.h"
 #include "tavlen/tweaks/Hook.h"
-#include "tavlen/tweaks/ItemConfiguration.h"
-#include "tavlen/tweaks/TweakConfiguration.h"
 #include "tavlen/tweaks/TweakFile.h"
-#include "tavlen/tweaks/TweakManifest.h"
 
 namespace tavlen {
 

@@ -6,8 +6,6 @@
 #include <utility>
 
 #include "tavlen/bundles/IPA.h"
-#include "tavlen/collections/TweakDiffNotifications.h"
-#include "tavlen/collections/TweakPoster.h"
 #include "tavlen/device/DeviceRoot.h"
 #include "tavlen/foundation/files/DiskSync.h"
 #include "tavlen/foundation/files/FileReplacement.h"
@@ -16,9 +14,11 @@
 #include "tavlen/foundation/json/JSONDecoder.h"
 #include "tavlen/foundation/json/JSONEncoder.h"
 #include "tavlen/foundation/text/Unicode.h"
+#include "tavlen/items/TweakDiffNotifications.h"
+#include "tavlen/items/TweakPoster.h"
+#include "tavlen/items/TweaksDirectory.h"
 #include "tavlen/tweaks/Manifest.h"
 #include "tavlen/tweaks/TweakFileDiff.h"
-#include "tavlen/tweaks/TweaksDirectory.h"
 
 namespace tavlen {
 

@@ -13,9 +13,9 @@
 #include "tavlen/bundles/OverrideContainer.h"
 #include "tavlen/foundation/errors/LocalizedError.h"
 #include "tavlen/foundation/image/Image.h"
-#include "tavlen/tweaks/TweakColor.h"
-#include "tavlen/tweaks/TweakGlyph.h"
-#include "tavlen/tweaks/TweakProtocol.h"
+#include "tavlen/items/TweakColor.h"
+#include "tavlen/items/TweakGlyph.h"
+#include "tavlen/items/TweakProtocol.h"
 
 namespace tavlen {
 

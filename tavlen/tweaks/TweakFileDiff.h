@@ -5,7 +5,7 @@
 #include <variant>
 #include <vector>
 
-#include "tavlen/collections/TweakDiffProtocol.h"
+#include "tavlen/items/TweakDiffProtocol.h"
 #include "tavlen/tweaks/Hook.h"
 #include "tavlen/tweaks/TweakFile.h"
 

@@ -6,14 +6,14 @@
 
 #include "tavlen/bundles/IPA.h"
 #include "tavlen/bundles/InfoOverrides.h"
-#include "tavlen/bundles/InfoPlist.h"
+#include "tavlen/device/InfoPlist.h"
 #include "tavlen/device/InstalledTweaks.h"
 #include "tavlen/foundation/base/UUID.h"
 #include "tavlen/foundation/files/FileReplacement.h"
 #include "tavlen/foundation/files/FileTree.h"
 #include "tavlen/foundation/plist/PropertyListEncoder.h"
+#include "tavlen/items/TweakError.h"
 #include "tavlen/tweaks/Manifest.h"
-#include "tavlen/tweaks/TweakError.h"
 #include "tavlen/tweaks/TweakProcessor.h"
 
 namespace tavlen {

@@ -19,7 +19,6 @@
 #include "TemporaryFolder.h"
 #include "Thrown.h"
 #include "tavlen/bundles/InstallableTweak.h"
-#include "tavlen/collections/NotificationPoster.h"
 #include "tavlen/device/DevicePaths.h"
 #include "tavlen/device/DeviceRoot.h"
 #include "tavlen/device/InstalledTweaks.h"
@@ -27,6 +26,7 @@
 #include "tavlen/foundation/archive/KeyedArchive.h"
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/foundation/tasks/NotificationCenter.h"
+#include "tavlen/foundation/tasks/NotificationPoster.h"
 
 namespace tavlen {
 namespace {

@@ -1,4 +1,4 @@
-#include "tavlen/collections/NotificationPoster.h"
+#include "tavlen/foundation/tasks/NotificationPoster.h"
 
 #include <gtest/gtest.h>
 

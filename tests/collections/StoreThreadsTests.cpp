@@ -4,8 +4,8 @@
 #include <thread>
 
 #include "StoreTest.h"
-#include "tavlen/collections/TweakPoster.h"
-#include "tavlen/tweaks/TweakManager.h"
+#include "tavlen/items/TweakPoster.h"
+#include "tavlen/store/TweakManager.h"
 
 namespace tavlen {
 namespace {

@@ -4,11 +4,11 @@
 
 #include "StoreTest.h"
 #include "Thrown.h"
-#include "tavlen/collections/TweakPoster.h"
 #include "tavlen/foundation/coding/CodingError.h"
 #include "tavlen/foundation/files/FileSystem.h"
-#include "tavlen/tweaks/TweakError.h"
-#include "tavlen/tweaks/TweakManager.h"
+#include "tavlen/items/TweakError.h"
+#include "tavlen/items/TweakPoster.h"
+#include "tavlen/store/TweakManager.h"
 
 namespace tavlen {
 namespace {

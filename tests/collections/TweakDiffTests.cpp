@@ -6,8 +6,8 @@
 
 #include "StoreTest.h"
 #include "tavlen/collections/TweakBundleIDObserver.h"
-#include "tavlen/collections/TweakPoster.h"
 #include "tavlen/foundation/tasks/MainQueue.h"
+#include "tavlen/items/TweakPoster.h"
 
 namespace tavlen {
 namespace {

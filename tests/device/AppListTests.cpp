@@ -1,4 +1,4 @@
-#include "tavlen/device/AppList.h"
+#include "tavlen/bundles/AppList.h"
 
 #include <gtest/gtest.h>
 

@@ -9,9 +9,9 @@
 #include <string>
 
 #include "StandIns.h"
-#include "tavlen/device/ExcludedApps.h"
 #include "tavlen/device/LSAppListFetcher.h"
 #include "tavlen/device/SystemService.h"
+#include "tavlen/device/detail/ExcludedApps.h"
 #include "tavlen/foundation/files/FileSystem.h"
 
 namespace tavlen {

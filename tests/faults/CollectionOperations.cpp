@@ -5,7 +5,7 @@
 #include "tavlen/device/DeviceRoot.h"
 #include "tavlen/foundation/files/FileTree.h"
 #include "tavlen/foundation/zip/ZIPArchive.h"
-#include "tavlen/tweaks/TweakManager.h"
+#include "tavlen/store/TweakManager.h"
 
 namespace tavlen::faults {
 

@@ -2,11 +2,11 @@
 
 #include "Operation.h"
 #include "SampleStore.h"
-#include "tavlen/parameters/HookManager.h"
-#include "tavlen/parameters/RootParameterManager.h"
+#include "tavlen/editing/HookManager.h"
+#include "tavlen/editing/RootParameterManager.h"
+#include "tavlen/items/TweaksDirectory.h"
 #include "tavlen/tweaks/Hook.h"
 #include "tavlen/tweaks/TweakFile.h"
-#include "tavlen/tweaks/TweaksDirectory.h"
 
 namespace tavlen::faults {
 

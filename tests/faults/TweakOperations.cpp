@@ -5,9 +5,9 @@
 #include "SampleStore.h"
 #include "tavlen/foundation/files/FileReplacement.h"
 #include "tavlen/foundation/image/Image.h"
+#include "tavlen/items/TweaksDirectory.h"
 #include "tavlen/tweaks/Manifest.h"
 #include "tavlen/tweaks/TweakFile.h"
-#include "tavlen/tweaks/TweaksDirectory.h"
 
 namespace tavlen::faults {
 

@@ -7,7 +7,7 @@
 #include "tavlen/device/TweakInfo.h"
 #include "tavlen/foundation/archive/KeyedArchive.h"
 #include "tavlen/foundation/files/FileSystem.h"
-#include "tavlen/introspection/ObjCClass.h"
+#include "tavlen/introspection/classes/ObjCClass.h"
 
 namespace tavlen {
 namespace {

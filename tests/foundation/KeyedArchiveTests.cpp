@@ -7,7 +7,7 @@
 #include "tavlen/foundation/json/JSONDecoder.h"
 #include "tavlen/foundation/json/JSONEncoder.h"
 #include "tavlen/foundation/text/Base64.h"
-#include "tavlen/introspection/ObjCClass.h"
+#include "tavlen/introspection/classes/ObjCClass.h"
 
 namespace tavlen {
 namespace {

@@ -28,7 +28,7 @@
 #include "tavlen/device/DeviceRoot.h"
 #include "tavlen/foundation/tasks/DatagramReceiver.h"
 #include "tavlen/foundation/text/Log.h"
-#include "tavlen/introspection/TessaloopClient.h"
+#include "tavlen/introspection/remote/detail/TessaloopClient.h"
 
 namespace tavlen {
 

@@ -1,4 +1,4 @@
-#include "tavlen/introspection/DynamicClassParser.h"
+#include "tavlen/introspection/classes/DynamicClassParser.h"
 
 #include <dlfcn.h>
 #include <gmock/gmock.h>
@@ -24,7 +24,7 @@
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/foundation/tasks/ScopedProgress.h"
 #include "tavlen/foundation/text/Log.h"
-#include "tavlen/introspection/RuntimeClasses.h"
+#include "tavlen/introspection/classes/RuntimeClasses.h"
 
 namespace {
 

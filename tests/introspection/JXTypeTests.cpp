@@ -12,15 +12,15 @@
 #include <thread>
 #include <vector>
 
-#include "tavlen/introspection/JXTypeArray.h"
-#include "tavlen/introspection/JXTypeBasic.h"
-#include "tavlen/introspection/JXTypeBitField.h"
-#include "tavlen/introspection/JXTypeCursor.h"
-#include "tavlen/introspection/JXTypeID.h"
-#include "tavlen/introspection/JXTypeIDIgnoreName.h"
-#include "tavlen/introspection/JXTypePointer.h"
-#include "tavlen/introspection/JXTypeStruct.h"
-#include "tavlen/introspection/JXTypeUnion.h"
+#include "tavlen/introspection/types/JXTypeArray.h"
+#include "tavlen/introspection/types/JXTypeBasic.h"
+#include "tavlen/introspection/types/JXTypeBitField.h"
+#include "tavlen/introspection/types/JXTypeCursor.h"
+#include "tavlen/introspection/types/JXTypeID.h"
+#include "tavlen/introspection/types/JXTypeIDIgnoreName.h"
+#include "tavlen/introspection/types/JXTypePointer.h"
+#include "tavlen/introspection/types/JXTypeStruct.h"
+#include "tavlen/introspection/types/JXTypeUnion.h"
 
 namespace tavlen {
 

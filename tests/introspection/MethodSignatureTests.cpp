@@ -1,4 +1,4 @@
-#include "tavlen/introspection/MethodSignature.h"
+#include "tavlen/introspection/classes/MethodSignature.h"
 
 #include <gtest/gtest.h>
 

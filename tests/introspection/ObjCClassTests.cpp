@@ -1,4 +1,4 @@
-#include "tavlen/introspection/ObjCClass.h"
+#include "tavlen/introspection/classes/ObjCClass.h"
 
 #include <gtest/gtest.h>
 

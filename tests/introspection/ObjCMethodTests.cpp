@@ -1,4 +1,4 @@
-#include "tavlen/introspection/ObjCMethod.h"
+#include "tavlen/introspection/classes/ObjCMethod.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "tavlen/introspection/RemoteClassParser.h"
+#include "tavlen/introspection/remote/RemoteClassParser.h"
 
 #include <gmock/gmock.h>
 #include <sys/resource.h>
@@ -10,9 +10,9 @@
 #include "DumpTest.h"
 #include "tavlen/foundation/archive/KeyedArchive.h"
 #include "tavlen/foundation/files/FileSystem.h"
-#include "tavlen/introspection/DynamicClassParser.h"
-#include "tavlen/introspection/RemoteDump.h"
-#include "tavlen/introspection/TessaloopInterface.h"
+#include "tavlen/introspection/classes/DynamicClassParser.h"
+#include "tavlen/introspection/remote/TessaloopInterface.h"
+#include "tavlen/introspection/remote/detail/RemoteDump.h"
 
 #if defined(TAVLEN_FINDS_LEAKS) || defined(__SANITIZE_THREAD__)
 #define TAVLEN_SANITIZED

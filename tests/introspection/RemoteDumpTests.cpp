@@ -1,4 +1,4 @@
-#include "tavlen/introspection/RemoteDump.h"
+#include "tavlen/introspection/remote/detail/RemoteDump.h"
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
@@ -17,8 +17,8 @@
 #include "tavlen/device/DevicePaths.h"
 #include "tavlen/foundation/archive/KeyedArchive.h"
 #include "tavlen/foundation/files/FileDescriptor.h"
-#include "tavlen/introspection/DumpFolder.h"
-#include "tavlen/introspection/RemoteClassParser.h"
+#include "tavlen/introspection/remote/RemoteClassParser.h"
+#include "tavlen/introspection/remote/detail/DumpFolder.h"
 
 namespace tavlen {
 namespace {

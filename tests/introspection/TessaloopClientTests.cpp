@@ -1,4 +1,4 @@
-#include "tavlen/introspection/TessaloopClient.h"
+#include "tavlen/introspection/remote/detail/TessaloopClient.h"
 
 #include <gmock/gmock.h>
 #include <signal.h>

@@ -3,9 +3,9 @@
 #include <any>
 #include <utility>
 
-#include "tavlen/collections/TweakDiffNotifications.h"
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/foundation/json/JSONEncoder.h"
+#include "tavlen/items/TweakDiffNotifications.h"
 #include "tavlen/tweaks/TweakFileDiff.h"
 
 namespace tavlen {

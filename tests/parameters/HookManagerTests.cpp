@@ -1,4 +1,4 @@
-#include "tavlen/parameters/HookManager.h"
+#include "tavlen/editing/HookManager.h"
 
 #include <gtest/gtest.h>
 
@@ -7,10 +7,10 @@
 
 #include "EditedTweak.h"
 #include "Thrown.h"
-#include "tavlen/collections/TweakDiffNotifications.h"
-#include "tavlen/collections/TweakPoster.h"
+#include "tavlen/editing/RootParameterManager.h"
 #include "tavlen/foundation/coding/CodingError.h"
-#include "tavlen/parameters/RootParameterManager.h"
+#include "tavlen/items/TweakDiffNotifications.h"
+#include "tavlen/items/TweakPoster.h"
 
 namespace tavlen {
 namespace {

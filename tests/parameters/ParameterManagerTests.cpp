@@ -1,4 +1,4 @@
-#include "tavlen/parameters/ParameterManager.h"
+#include "tavlen/editing/ParameterManager.h"
 
 #include <gtest/gtest.h>
 
@@ -6,12 +6,12 @@
 
 #include "EditedTweak.h"
 #include "Thrown.h"
+#include "tavlen/editing/ArrayParameterManager.h"
+#include "tavlen/editing/DictionaryParameterManager.h"
+#include "tavlen/editing/RootParameterManager.h"
 #include "tavlen/foundation/coding/CodingError.h"
 #include "tavlen/foundation/files/URL.h"
 #include "tavlen/foundation/json/JSONEncoder.h"
-#include "tavlen/parameters/ArrayParameterManager.h"
-#include "tavlen/parameters/DictionaryParameterManager.h"
-#include "tavlen/parameters/RootParameterManager.h"
 
 namespace tavlen {
 namespace {

@@ -5,7 +5,7 @@
 #include "Thrown.h"
 #include "tavlen/foundation/json/JSONDecoder.h"
 #include "tavlen/foundation/json/JSONEncoder.h"
-#include "tavlen/introspection/ObjCClass.h"
+#include "tavlen/introspection/classes/ObjCClass.h"
 #include "tavlen/tweaks/HookSource.h"
 
 namespace tavlen {

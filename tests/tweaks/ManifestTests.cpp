@@ -11,7 +11,7 @@
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/foundation/json/JSONDecoder.h"
 #include "tavlen/foundation/json/JSONEncoder.h"
-#include "tavlen/tweaks/TweakError.h"
+#include "tavlen/items/TweakError.h"
 
 namespace tavlen {
 namespace {

@@ -1,4 +1,4 @@
-#include "tavlen/tweaks/StoreSnapshot.h"
+#include "tavlen/store/StoreSnapshot.h"
 
 #include <gtest/gtest.h>
 

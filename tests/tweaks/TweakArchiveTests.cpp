@@ -3,8 +3,8 @@
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/foundation/zip/ZIPArchive.h"
 #include "tavlen/foundation/zip/ZIPError.h"
-#include "tavlen/tweaks/TweakError.h"
-#include "tavlen/tweaks/TweakManager.h"
+#include "tavlen/items/TweakError.h"
+#include "tavlen/store/TweakManager.h"
 
 namespace tavlen {
 namespace {

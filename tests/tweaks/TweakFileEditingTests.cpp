@@ -10,8 +10,8 @@
 #include "StoreTest.h"
 #include "Thrown.h"
 #include "tavlen/bundles/IPA.h"
-#include "tavlen/collections/TweakPoster.h"
 #include "tavlen/foundation/files/FileSystem.h"
+#include "tavlen/items/TweakPoster.h"
 
 namespace tavlen {
 namespace {

@@ -1,11 +1,11 @@
-#include "tavlen/tweaks/TweakGlyph.h"
+#include "tavlen/items/TweakGlyph.h"
 
 #include <gtest/gtest.h>
 
 #include <optional>
 #include <string>
 
-#include "tavlen/tweaks/GlyphNames.h"
+#include "tavlen/items/GlyphNames.h"
 
 namespace tavlen {
 namespace {

@@ -1,4 +1,4 @@
-#include "tavlen/tweaks/TweakManager.h"
+#include "tavlen/store/TweakManager.h"
 
 #include <gmock/gmock.h>
 #include <sys/resource.h>
@@ -7,7 +7,7 @@
 
 #include "StoreTest.h"
 #include "Thrown.h"
-#include "tavlen/tweaks/TweakError.h"
+#include "tavlen/items/TweakError.h"
 
 namespace tavlen {
 namespace {

@@ -8,7 +8,7 @@
 #include "PackagingTest.h"
 #include "tavlen/bundles/Info.h"
 #include "tavlen/foundation/plist/PropertyListDecoder.h"
-#include "tavlen/tweaks/TweakError.h"
+#include "tavlen/items/TweakError.h"
 
 namespace tavlen {
 namespace {

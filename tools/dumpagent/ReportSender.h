@@ -3,7 +3,7 @@
 #include <cstdint>
 
 #include "tavlen/foundation/files/FileDescriptor.h"
-#include "tavlen/introspection/TessaloopDatagram.h"
+#include "tavlen/introspection/remote/TessaloopDatagram.h"
 
 namespace tavlen::dumpagent {
 

@@ -22,7 +22,7 @@
 #include "tavlen/foundation/files/ExecutablePath.h"
 #include "tavlen/foundation/tasks/ScopedProgress.h"
 #include "tavlen/foundation/text/Log.h"
-#include "tavlen/introspection/DynamicClassParser.h"
+#include "tavlen/introspection/classes/DynamicClassParser.h"
 
 namespace {
 

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <memory>
+#include <utility>
+#include <variant>
+
+#include "tavlen/editing/ParameterError.h"
+#include "tavlen/editing/ParameterManager.h"
+#include "tavlen/foundation/base/FunctionRef.h"
+
+namespace tavlen {
+
+/// A manager whose parameter is to be of the kind `Kind`. A value.
+template <class Kind>
+class TypedParameterManager {
+ public:
+  /// `untyped` must not be null.
+  explicit TypedParameterManager(std::shared_ptr<const ParameterManager> untyped)
+      : untyped_(std::move(untyped)) {}
+
+  const ParameterManager& untyped() const { return *untyped_; }
+  const std::shared_ptr<TweakFile>& tweak() const { return untyped_->tweak(); }
+
+  /// Throws ParameterError::typeMismatch for a parameter of another kind.
+  Kind parameter() const {
+    Parameter found = untyped_->parameter();
+    if (Kind* kind = std::get_if<Kind>(&found)) return std::move(*kind);
+    throw ParameterError::typeMismatch(Kind::typeName, found);
+  }
+  /// Whatever kind stands there.
+  void setParameter(Kind parameter) const { untyped_->setParameter(std::move(parameter)); }
+  /// Reads the parameter, lets `change` edit it and writes it back. What `change` throws stops
+  /// that.
+  void updateParameter(FunctionRef<void(Kind&)> change) const {
+    Kind changed = parameter();
+    change(changed);
+    setParameter(std::move(changed));
+  }
+
+ private:
+  std::shared_ptr<const ParameterManager> untyped_;
+};
+
+template <class Kind>
+TypedParameterManager<Kind> ParameterManager::typed() const {
+  return TypedParameterManager<Kind>(shared());
+}
+
+}  // namespace tavlen

@@ -1,0 +1,106 @@
+#include "tavlen/introspection/classes/DynamicClassParser.h"
+
+#include <objc/runtime.h>
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+#include <vector>
+
+#include "tavlen/bundles/Executable.h"
+#include "tavlen/foundation/objc/ObjCImages.h"
+#include "tavlen/foundation/tasks/ScopedProgress.h"
+#include "tavlen/foundation/text/Log.h"
+#include "tavlen/foundation/text/Unicode.h"
+#include "tavlen/introspection/classes/RuntimeClasses.h"
+
+namespace tavlen {
+
+namespace {
+
+std::optional<std::string> superclassName(Class superclass) {
+  if (superclass == nullptr) return std::nullopt;
+  return wellFormedUTF8(class_getName(superclass));
+}
+
+std::optional<std::string> superclassPath(Class superclass) {
+  if (superclass == nullptr) return std::nullopt;
+  std::optional<std::string> path = ObjCRuntime::imagePath(superclass);
+  if (path.has_value()) *path = wellFormedUTF8(*path);
+  return path;
+}
+
+}  // namespace
+
+const DynamicClassParser& DynamicClassParser::sharedParser() {
+  // Never destroyed: an initialiser's thread may ask it while the process ends.
+  static const DynamicClassParser& parser = *new DynamicClassParser;
+  return parser;
+}
+
+DynamicClassParser::Cache DynamicClassParser::cache() const {
+  const std::lock_guard lock(lock_);
+  return cache_;
+}
+
+ObjCClass::Methods DynamicClassParser::methodsOfClass(objc_class* cls, bool instance) const {
+  ObjCClass::Methods methods;
+  class_enumerateMethods(cls, instance, [&](Method method) {
+    const char* encoding = method_getTypeEncoding(method);
+    const char* selector = sel_getName(method_getName(method));
+    if (encoding == nullptr || selector == nullptr) return;
+    methods.push_back(std::make_shared<ObjCMethod>(wellFormedUTF8(selector),
+                                                   wellFormedUTF8(encoding), !instance));
+  });
+  return methods;
+}
+
+std::shared_ptr<ObjCClass> DynamicClassParser::parseClass(objc_class* cls) const {
+  const std::lock_guard lock(lock_);
+  const std::string name = class_getName(cls);
+  if (const auto known = cache_.find(name); known != cache_.end()) return known->second;
+  ObjCClass::Methods methods = methodsOfClass(cls, true);
+  ObjCClass::Methods ofClass = methodsOfClass(cls, false);
+  methods.reserve(methods.size() + ofClass.size());
+  std::move(ofClass.begin(), ofClass.end(), std::back_inserter(methods));
+  Class superclass = class_getSuperclass(cls);
+  auto record = std::make_shared<ObjCClass>(
+      wellFormedUTF8(name), std::move(methods), std::nullopt, superclassName(superclass),
+      superclassPath(superclass),
+      class_copyProtocolNames(cls).value_or(std::vector<std::string>()));
+  return cache_.emplace(name, std::move(record)).first->second;
+}
+
+bool DynamicClassParser::load(const std::filesystem::path& path) {
+  logMessage("dlopening " + path.string() + "!");
+  const auto error = ObjCRuntime::loadImage(path);
+  if (error) logMessage("dlopen encountered error: " + *error);
+  return !error;
+}
+
+std::optional<DynamicClassParser::Classes> DynamicClassParser::parseClassesAtPath(
+    const std::filesystem::path& path, bool shouldDlopen) const {
+  const std::lock_guard lock(lock_);
+  if (shouldDlopen && !load(path)) return std::nullopt;
+  Classes classes;
+  const ScopedProgress current(Progress::make(1), 1);
+  logMessage("Enumerating classes of " + path.string());
+  objc_enumerateClassesOfImage(path, [&](Class cls) { classes.push_back(parseClass(cls)); });
+  return classes;
+}
+
+ClassParser::Classes DynamicClassParser::parseBelow(const std::shared_ptr<Progress>& parent,
+                                                    const Executable& executable) const {
+  const std::lock_guard lock(lock_);
+  if (!executable.parseDynamically() && !load(executable.path())) throw Error::failed();
+  // Not before: an initialiser that the load runs may parse, too, and would take the unit.
+  std::optional<ScopedProgress> current;
+  if (parent != nullptr) current.emplace(parent, 1);
+  return parseClassesAtPath(executable.path(), false).value();
+}
+
+DynamicClassParser::Error DynamicClassParser::Error::failed() {
+  return Error({"dynamic_class_parser.error.failed", "Dynamic dump failed"});
+}
+
+}  // namespace tavlen

@@ -1,0 +1,81 @@
+#include "tavlen/introspection/classes/ObjCMethod.h"
+
+#include <algorithm>
+
+#include "tavlen/introspection/classes/MethodSignature.h"
+#include "tavlen/introspection/types/JXType.h"
+
+namespace tavlen {
+
+namespace {
+
+constexpr std::string_view kNoBreakSpace = "\xC2\xA0";
+/// The receiver and the selector, which a declaration does not show.
+constexpr std::size_t kHiddenArguments = 2;
+
+/// Writes a declaration piece by piece.
+class DeclarationText {
+ public:
+  DeclarationText(const MethodSignature& signature, const StyledText::Color& typeColor,
+                  const StyledText::Color& foregroundColor, StyledText& text)
+      : signature_(signature), typeColor_(typeColor), color_(foregroundColor), text_(text) {}
+
+  void append(std::string_view selector) {
+    text_.append(" ", color_);
+    appendType(signature_.methodReturnType());
+    appendParts(selector);
+    for (; argument_ < signature_.numberOfArguments(); ++argument_) {
+      text_.append(", ", color_);
+      appendType(signature_.getArgumentTypeAtIndex(argument_));
+    }
+  }
+
+ private:
+  void appendType(const std::string& encoding) {
+    text_.append("(", color_);
+    if (const auto type = JXTypeForEncoding(encoding))
+      text_.append(type->description(), typeColor_);
+    text_.append(")", color_);
+  }
+
+  void appendParts(std::string_view selector) {
+    while (!selector.empty()) {
+      const std::size_t colon = selector.find(':');
+      const std::size_t length = std::min(colon, selector.size() - 1) + 1;
+      text_.append(selector.substr(0, length), color_);
+      selector.remove_prefix(length);
+      if (colon == std::string_view::npos) return;
+      if (argument_ < signature_.numberOfArguments()) {
+        appendType(signature_.getArgumentTypeAtIndex(argument_++));
+      }
+      if (!selector.empty()) text_.append(" ", color_);
+    }
+  }
+
+  const MethodSignature& signature_;
+  const StyledText::Color& typeColor_;
+  const StyledText::Color& color_;
+  StyledText& text_;
+  std::size_t argument_ = kHiddenArguments;
+};
+
+}  // namespace
+
+StyledText ObjCMethod::description(const StyledText::Color& typeColor,
+                                   const StyledText::Color& foregroundColor,
+                                   const StyledText::Font& font) const {
+  StyledText text;
+  text.append(isClassMethod ? "+" : "-", foregroundColor);
+  text.append(kNoBreakSpace, foregroundColor);
+  if (const auto signature = MethodSignature::signatureWithObjCTypes(encoding)) {
+    DeclarationText(*signature, typeColor, foregroundColor, text).append(selector);
+  } else {
+    text.append(selector, foregroundColor);
+  }
+  text.setFont(font);
+  return text;
+}
+
+std::string ObjCMethod::description() const { return description({}, {}, {}).plain(); }
+
+}  // namespace tavlen

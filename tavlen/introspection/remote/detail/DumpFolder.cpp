@@ -1,0 +1,206 @@
+#include "tavlen/introspection/remote/detail/DumpFolder.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdint>
+#include <cstdlib>
+#include <optional>
+#include <string_view>
+#include <system_error>
+#include <vector>
+
+#include "tavlen/device/DevicePaths.h"
+#include "tavlen/device/DeviceRoot.h"
+#include "tavlen/foundation/errors/MainBundle.h"
+#include "tavlen/foundation/files/FileSystem.h"
+#include "tavlen/foundation/files/Interruption.h"
+#include "tavlen/foundation/files/TreeRemoval.h"
+
+namespace tavlen {
+
+namespace {
+
+namespace fs = std::filesystem;
+using Identity = DumpFolder::Identity;
+
+[[noreturn]] void fail(int code, const fs::path& path) {
+  throw std::system_error(code, std::generic_category(), path.string());
+}
+
+std::optional<Identity> identityOf(int folder, const std::string& path, int flags) {
+  struct stat status {};
+  if (::fstatat(folder, path.c_str(), &status, flags) != 0) return std::nullopt;
+  return Identity{status.st_dev, status.st_ino};
+}
+
+/// What `path`, below an open folder, leads to, and the folders around it, up to the system's root
+/// or as far as they can be told.
+std::vector<Identity> outwards(int folder, std::string path) {
+  std::vector<Identity> identities;
+  for (;; path += "/..") {
+    const std::optional<Identity> next = identityOf(folder, path, 0);
+    // The root is its own parent.
+    if (!next || (!identities.empty() && *next == identities.back())) return identities;
+    identities.push_back(*next);
+  }
+}
+
+bool holds(const std::vector<Identity>& identities, const Identity& identity) {
+  return std::find(identities.begin(), identities.end(), identity) != identities.end();
+}
+
+/// Whether the entry `item` is the folder `named` or one around it, or the link by that name. What
+/// does not exist is taken to be in the innermost folder that does.
+bool isAround(const Identity& item, fs::path named) {
+  if (identityOf(AT_FDCWD, named, AT_SYMLINK_NOFOLLOW) == item) return true;
+  std::vector<Identity> identities = outwards(AT_FDCWD, named);
+  while (identities.empty() && named.has_relative_path()) {
+    named = named.parent_path();
+    identities = outwards(AT_FDCWD, named);
+  }
+  return holds(identities, item);
+}
+
+FileDescriptor openFolder(int parent, const fs::path& name) {
+  return FileDescriptor(uninterrupted([&] {
+    return ::openat(parent, name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+  }));
+}
+
+/// What of the library's own, and of the app's, lies on the disk.
+std::vector<fs::path> untouchableFolders(const DeviceRoot& root, const fs::path& appDir) {
+  const fs::path product = fs::path(kFileOperationsPath).parent_path().parent_path();
+  return {root.resolve(kApplicationSupportDir), root.resolve(kTweakLibrariesDir),
+          root.resolve(product.native()), MainBundle::url(), appDir};
+}
+
+/// What many share: folders in them are anybody's, they themselves nobody's.
+std::vector<fs::path> sharedFolders(const DeviceRoot& root) {
+  std::vector<fs::path> folders = {root.url()};
+  for (const std::string_view path :
+       {std::string_view("/tmp"), std::string_view("/var/tmp"), std::string_view("/var/mobile"),
+        std::string_view("/var/mobile/Library/Application Support"), kCrashReporterDir}) {
+    folders.push_back(root.resolve(path));
+  }
+  std::error_code error;
+  folders.push_back(fs::temp_directory_path(error));
+  folders.push_back(fs::current_path(error));
+  // Read only: nobody changes the environment while threads run.
+  if (const char* const home = std::getenv("HOME")) {  // NOLINT(concurrency-mt-unsafe)
+    folders.emplace_back(home);
+  }
+  return folders;
+}
+
+}  // namespace
+
+DumpFolder::DumpFolder(const std::string& archive) : path_(archive) {
+  if (archive.find('\0') != std::string::npos) fail(EINVAL, path_);
+  const DeviceRoot root = DeviceRoot::shared();
+  const fs::path given(archive);
+  fs::path file = given.lexically_normal();
+  if (!file.has_filename()) file = file.parent_path();
+  archive_ = file.filename();
+  const fs::path folder = file.parent_path();
+  const bool leadsUp = std::find(given.begin(), given.end(), "..") != given.end();
+  if (given.is_absolute() && !leadsUp && folder.has_relative_path()) {
+    name_ = folder.filename();
+    openIn(fs::canonical(root.resolve(folder.parent_path().native())),
+           root.resolve(folder.native()));
+  } else {
+    folder_ = openFolder(AT_FDCWD, fs::canonical(given.is_absolute() ? root.resolve(folder.native())
+                                                                     : "." / folder));
+  }
+  if (folder_.get() < 0) fail(errno, path_);
+}
+
+/// `target` is where a link in the folder's place leads.
+void DumpFolder::openIn(const fs::path& parent, const fs::path& target) {
+  path_ = parent / name_;
+  parent_ = openFolder(AT_FDCWD, parent);
+  if (parent_.get() < 0) return;
+  struct stat status {};
+  if (::fstatat(parent_.get(), name_.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) return;
+  isLink_ = S_ISLNK(status.st_mode);
+  entry_ = {status.st_dev, status.st_ino};
+  folder_ =
+      isLink_ ? openFolder(AT_FDCWD, fs::canonical(target)) : openFolder(parent_.get(), name_);
+  if (isLink_ || folder_.get() < 0) return;
+  // What has been opened counts.
+  if (const auto opened = identityOf(folder_.get(), ".", 0)) entry_ = *opened;
+}
+
+std::string DumpFolder::readArchive(std::size_t most) const {
+  const fs::path shown = path_ / archive_;
+  if (!isPlainComponent(archive_)) fail(EISDIR, shown);
+  // Without O_NONBLOCK a pipe that nobody writes to would never be opened.
+  const FileDescriptor file(uninterrupted([&] {
+    return ::openat(folder_.get(), archive_.c_str(),
+                    O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+  }));
+  struct stat status {};
+  if (file.get() < 0 || ::fstat(file.get(), &status) != 0) fail(errno, shown);
+  if (!S_ISREG(status.st_mode)) fail(EINVAL, shown.string() + ": not a regular file");
+  // The size is a hint: the file may grow while it is read.
+  if (static_cast<std::uintmax_t>(status.st_size) > most) fail(EFBIG, shown);
+  std::string bytes;
+  bytes.reserve(static_cast<std::size_t>(status.st_size));
+  std::vector<char> buffer(std::size_t{1} << 16);
+  for (;;) {
+    const ssize_t got =
+        uninterrupted([&] { return ::read(file.get(), buffer.data(), buffer.size()); });
+    if (got < 0) fail(errno, shown);
+    if (got == 0) return bytes;
+    bytes.append(buffer.data(), static_cast<std::size_t>(got));
+    if (bytes.size() > most) fail(EFBIG, shown);
+  }
+}
+
+void DumpFolder::remove(const fs::path& appDir) const {
+  if (parent_.get() < 0) refuse();
+  check(appDir);
+  // What another has put in its place is not what was read.
+  if (!isStillThere()) return;
+  if (isLink_) return removeEntry(0);
+  removeContents(folder_, path_);
+  if (isStillThere()) removeEntry(AT_REMOVEDIR);
+}
+
+void DumpFolder::check(const fs::path& appDir) const {
+  const DeviceRoot root = DeviceRoot::shared();
+  std::vector<Identity> around = outwards(isLink_ ? parent_.get() : folder_.get(), ".");
+  if (isLink_) around.insert(around.begin(), entry_);
+  const std::optional<Identity> top = identityOf(AT_FDCWD, root.url(), 0);
+  // The root neither is the folder nor holds it directly.
+  if (!top || around.size() < 3 ||
+      std::find(around.begin() + 2, around.end(), *top) == around.end()) {
+    refuse();
+  }
+  for (const fs::path& own : untouchableFolders(root, appDir)) {
+    const std::optional<Identity> identity = identityOf(AT_FDCWD, own, 0);
+    if (isAround(entry_, own) || (identity && holds(around, *identity))) refuse();
+  }
+  for (const fs::path& shared : sharedFolders(root)) {
+    if (isAround(entry_, shared)) refuse();
+  }
+}
+
+/// Whether the name in the parent is still that of what was opened. False where nothing has it.
+bool DumpFolder::isStillThere() const {
+  const std::optional<Identity> now = identityOf(parent_.get(), name_, AT_SYMLINK_NOFOLLOW);
+  if (!now && errno != ENOENT) fail(errno, path_);
+  if (now && *now != entry_) refuse();
+  return now.has_value();
+}
+
+void DumpFolder::removeEntry(int flags) const {
+  if (::unlinkat(parent_.get(), name_.c_str(), flags) != 0 && errno != ENOENT) fail(errno, path_);
+}
+
+void DumpFolder::refuse() const { fail(EPERM, path_); }
+
+}  // namespace tavlen

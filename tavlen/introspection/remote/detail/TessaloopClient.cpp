@@ -1,0 +1,202 @@
+#include "tavlen/introspection/remote/detail/TessaloopClient.h"
+
+#include <algorithm>
+#include <array>
+#include <condition_variable>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+#include "tavlen/device/AppControl.h"
+#include "tavlen/device/SystemService.h"
+#include "tavlen/foundation/base/FatalError.h"
+#include "tavlen/foundation/errors/Placeholders.h"
+#include "tavlen/foundation/tasks/DatagramReceiver.h"
+#include "tavlen/foundation/text/Log.h"
+
+namespace tavlen {
+
+/// What becomes of one request. The system's completion block keeps it, too, so that a block that
+/// is called late, twice or never concerns no other request.
+class TessaloopClient::Request {
+ public:
+  bool isCancelled() {
+    const std::lock_guard lock(lock_);
+    return isCancelled_;
+  }
+  void cancel() {
+    const std::lock_guard lock(lock_);
+    isCancelled_ = true;
+    isEnded_ = true;
+    path_.reset();
+    changed_.notify_all();
+  }
+  /// Nothing more is to be waited for.
+  void end() {
+    const std::lock_guard lock(lock_);
+    isEnded_ = true;
+    changed_.notify_all();
+  }
+  /// What a request that is cancelled receives comes too late.
+  void setPath(std::optional<std::string> path) {
+    const std::lock_guard lock(lock_);
+    if (!isCancelled_) path_ = std::move(path);
+  }
+
+  void pause(std::chrono::microseconds duration) {
+    // The clock's range ends before the durations that can be asked for.
+    constexpr std::chrono::microseconds kLongest = std::chrono::hours(24);
+    std::unique_lock lock(lock_);
+    changed_.wait_for(lock, std::min(duration, kLongest), [this] { return isCancelled_; });
+  }
+  std::optional<std::string> wait() {
+    std::unique_lock lock(lock_);
+    changed_.wait(lock, [this] { return isEnded_; });
+    return path_;
+  }
+
+ private:
+  std::mutex lock_;
+  std::condition_variable changed_;
+  bool isCancelled_ = false;
+  bool isEnded_ = false;
+  std::optional<std::string> path_;
+};
+
+/// A request from its call to its return, in which it can be cancelled.
+class TessaloopClient::Registration {
+ public:
+  explicit Registration(TessaloopClient& client)
+      : client_(client), request_(std::make_shared<Request>()) {
+    client_.endRequests(request_);
+  }
+  Registration(const Registration&) = delete;
+  Registration& operator=(const Registration&) = delete;
+  ~Registration() {
+    const std::lock_guard lock(client_.socketLock_);
+    std::erase(client_.requests_, request_);
+  }
+
+  const std::shared_ptr<Request>& request() const { return request_; }
+
+ private:
+  TessaloopClient& client_;
+  std::shared_ptr<Request> request_;
+};
+
+/// The socket of a request and the loop that receives from it. At its end the port is free, and
+/// nothing of the request runs on the socket's queue.
+class TessaloopClient::Listening {
+ public:
+  explicit Listening(TessaloopClient& client) : client_(client) {}
+  Listening(const Listening&) = delete;
+  Listening& operator=(const Listening&) = delete;
+  ~Listening() {
+    if (receiver_ == nullptr) return;
+    receiver_->close();
+    client_.socketQueue_.sync([] {});
+    const std::lock_guard lock(client_.socketLock_);
+    client_.receiver_ = nullptr;
+  }
+
+  void start(const std::shared_ptr<Request>& request, const ProgressHandler& progress) {
+    try {
+      bind(*request);
+    } catch (const std::system_error& error) {
+      logMessage(std::string("error listening to the dump agent: ") + error.what());
+    }
+    if (receiver_ == nullptr) return request->end();
+    client_.socketQueue_.async([receiver = receiver_, request, progress] {
+      receiver->receive(TessaloopDatagram::kMostBytes, [&](std::string_view bytes) {
+        TessaloopDatagram datagram = TessaloopDatagram::read(bytes);
+        if (datagram.isFinal()) {
+          request->setPath(std::move(datagram.path));
+          return false;
+        }
+        if (progress) progress(datagram.value);
+        return true;
+      });
+      request->end();
+    });
+  }
+
+ private:
+  /// Not for a request that is cancelled: nobody would close the socket until it ends.
+  void bind(Request& request) {
+    const std::lock_guard lock(client_.socketLock_);
+    if (request.isCancelled()) return;
+    receiver_ = std::make_shared<DatagramReceiver>(client_.parameters_.port);
+    client_.receiver_ = receiver_;
+  }
+
+  TessaloopClient& client_;
+  std::shared_ptr<DatagramReceiver> receiver_;
+};
+
+TessaloopClient::TessaloopClient(const Parameters& parameters)
+    : parameters_(parameters),
+      socketQueue_("dev.tavlen.tessaloop-interface-socket-queue"),
+      invocationQueue_("dev.tavlen.tessaloop-interface-invocation-queue") {}
+
+TessaloopClient::~TessaloopClient() = default;
+
+std::optional<std::string> TessaloopClient::invoke(const std::string& bundleID,
+                                                   const std::string& imagePath,
+                                                   bool isMainExecutable,
+                                                   const ProgressHandler& progress) {
+  if (socketQueue_.isCurrent()) fatalError("a progress handler asks for another dump");
+  const Registration registration(*this);
+  const std::string image =
+      isMainExecutable ? std::string(TessaloopDatagram::kMainImage) : imagePath;
+  std::optional<std::string> path;
+  invocationQueue_.sync([&] { path = run(registration.request(), bundleID, image, progress); });
+  return path;
+}
+
+void TessaloopClient::cancel() { endRequests(nullptr); }
+
+std::optional<std::uint16_t> TessaloopClient::port() {
+  const std::lock_guard lock(socketLock_);
+  if (receiver_ == nullptr || receiver_->isClosed()) return std::nullopt;
+  return receiver_->port();
+}
+
+void TessaloopClient::endRequests(const std::shared_ptr<Request>& next) {
+  std::shared_ptr<DatagramReceiver> receiver;
+  {
+    const std::lock_guard lock(socketLock_);
+    for (const std::shared_ptr<Request>& request : requests_) request->cancel();
+    if (next != nullptr) requests_.push_back(next);
+    receiver = receiver_;
+  }
+  // Without the lock: this waits for a progress handler, which may cancel, too.
+  if (receiver != nullptr) receiver->close();
+}
+
+std::optional<std::string> TessaloopClient::run(const std::shared_ptr<Request>& request,
+                                                const std::string& bundleID,
+                                                const std::string& image,
+                                                const ProgressHandler& progress) {
+  Listening listening(*this);
+  listening.start(request, progress);
+  if (!request->isCancelled()) killAppWithBundleID(bundleID);
+  request->pause(parameters_.pause);
+  if (!request->isCancelled()) launch(request, bundleID, image);
+  return request->wait();
+}
+
+void TessaloopClient::launch(const std::shared_ptr<Request>& request, const std::string& bundleID,
+                             const std::string& image) {
+  SystemService::OpenOptions options;
+  options.isSuspended = true;
+  options.environment.emplace(TessaloopDatagram::kImageVariable, image);
+  SystemService::openApplication(bundleID, options,
+                                 [request, bundleID](const std::optional<std::string>& error) {
+                                   if (!error) return;
+                                   const std::array<std::string, 2> arguments = {bundleID, *error};
+                                   logMessage(fillPlaceholders("error opening %@: %@", arguments));
+                                   request->end();
+                                 });
+}
+
+}  // namespace tavlen

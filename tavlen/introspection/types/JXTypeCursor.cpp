@@ -1,0 +1,135 @@
+#include "tavlen/introspection/types/JXTypeCursor.h"
+
+#include <array>
+#include <mutex>
+
+#include "tavlen/introspection/types/JXTypeArray.h"
+#include "tavlen/introspection/types/JXTypeBasic.h"
+#include "tavlen/introspection/types/JXTypeBitField.h"
+#include "tavlen/introspection/types/JXTypeID.h"
+#include "tavlen/introspection/types/JXTypeIDIgnoreName.h"
+#include "tavlen/introspection/types/JXTypePointer.h"
+#include "tavlen/introspection/types/JXTypeStruct.h"
+#include "tavlen/introspection/types/JXTypeUnion.h"
+
+namespace tavlen {
+
+namespace {
+
+using Initialiser = std::shared_ptr<JXType> (*)(JXTypeCursor&, JXTypeQualifiers);
+using Initialisers = std::array<Initialiser, 256>;
+
+template <class Type>
+std::shared_ptr<JXType> initialise(JXTypeCursor& cursor, JXTypeQualifiers qualifiers) {
+  return Type::initWithEncoding(cursor, qualifiers);
+}
+
+/// Lets `Type` have the characters that it supports and that no earlier one has.
+template <class Type>
+void enlist(Initialisers& initialisers) {
+  for (std::size_t i = 0; i < initialisers.size(); ++i) {
+    if (initialisers[i] == nullptr && Type::supportsEncoding(static_cast<char>(i))) {
+      initialisers[i] = initialise<Type>;
+    }
+  }
+}
+
+template <class... Types>
+Initialisers inOrder() {
+  Initialisers initialisers{};
+  (enlist<Types>(initialisers), ...);
+  return initialisers;
+}
+
+Initialiser initialiserFor(char character) {
+  static const Initialisers initialisers =
+      inOrder<JXTypeBasic, JXTypeID, JXTypeBitField, JXTypePointer, JXTypeStruct, JXTypeUnion,
+              JXTypeArray>();
+  return initialisers[static_cast<unsigned char>(character)];
+}
+
+/// Hides the text behind the cursor while it stands.
+class CutText {
+ public:
+  explicit CutText(JXTypeCursor& cursor) : cursor_(cursor), length_(cursor.text().size()) {
+    cursor.cut(cursor.position());
+  }
+  CutText(const CutText&) = delete;
+  CutText& operator=(const CutText&) = delete;
+  ~CutText() { cursor_.uncut(length_); }
+
+ private:
+  JXTypeCursor& cursor_;
+  std::size_t length_;
+};
+
+bool ignoresNames() {
+  const std::lock_guard lock(JXTypeIDIgnoreNameLock);
+  return JXTypeIDIgnoreName;
+}
+
+std::shared_ptr<JXType> typeWith(JXTypeCursor& cursor, JXTypeQualifiers qualifiers) {
+  const char character = cursor.character();
+  const std::size_t begin = cursor.position();
+  JXTypeParse& parse = cursor.parse();
+  const bool holdsOthers = JXTypeParse::holdsOthers(character);
+  if (holdsOthers && (parse.depth == 0 || parse.hasRoom())) {
+    return initialiserFor(character)(cursor, qualifiers);
+  }
+  const Initialiser initialiser =
+      cursor.isAtEnd() || holdsOthers ? initialise<JXTypeBasic> : initialiserFor(character);
+  std::shared_ptr<JXType> type = initialiser(cursor, qualifiers);
+  parse.count(cursor.position(), cursor.position() - begin);
+  return type;
+}
+
+}  // namespace
+
+void JXTypeCursor::keepText() {
+  if (kept_ != nullptr) return;
+  kept_ = std::make_shared<const std::string>(text_);
+  text_ = *kept_;
+}
+
+JXTypeText JXTypeCursor::textFrom(std::size_t begin) const {
+  return {std::shared_ptr<const char>(kept_, text_.data() + begin), position_ - begin};
+}
+
+std::shared_ptr<JXType> JXTypeWithEncoding(JXTypeCursor& cursor) {
+  if (cursor.text().empty()) return nullptr;
+  const std::size_t before = cursor.position();
+  const JXTypeQualifiers qualifiers = JXRemoveQualifiers(cursor);
+  const std::size_t begin = cursor.position();
+  JXTypeParse& parse = cursor.parse();
+  if (parse.depth > 0) {
+    parse.count(begin, begin - before);
+    return typeWith(cursor, qualifiers);
+  }
+
+  parse.furthestTaken = 0;
+  // For both readings: the first may leave it down. A type that holds no others is read once.
+  const bool wereIgnored = JXTypeParse::holdsOthers(cursor.character()) && ignoresNames();
+  std::shared_ptr<JXType> type = typeWith(cursor, qualifiers);
+  if (parse.furthestTaken < cursor.position() || cursor.isAtEnd()) return type;
+  // Read up to there, the member that was taken back reaches the end of the text, with all that it
+  // is part of. So nothing is taken back for what follows, and the whole of the text is read.
+  const CutText cut(cursor);
+  cursor.moveTo(begin);
+  if (wereIgnored) {
+    const std::lock_guard lock(JXTypeIDIgnoreNameLock);
+    JXTypeIDIgnoreName = true;
+  }
+  return typeWith(cursor, qualifiers);
+}
+
+JXTypeQualifiers JXRemoveQualifiers(JXTypeCursor& cursor) {
+  JXTypeQualifiers qualifiers = JXTypeQualifiers::none;
+  for (; !cursor.isAtEnd(); cursor.advance()) {
+    const JXTypeQualifiers qualifier = JXTypeQualifierForEncoding(cursor.character());
+    if (qualifier == JXTypeQualifiers::none) break;
+    qualifiers = qualifiers | qualifier;
+  }
+  return qualifiers;
+}
+
+}  // namespace tavlen

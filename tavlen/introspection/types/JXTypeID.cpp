@@ -1,0 +1,160 @@
+#include "tavlen/introspection/types/JXTypeID.h"
+
+#include <mutex>
+#include <utility>
+
+#include "tavlen/introspection/types/JXTypeCursor.h"
+#include "tavlen/introspection/types/JXTypeIDIgnoreName.h"
+
+namespace tavlen {
+
+namespace {
+
+/// `piece` without its last character, which may have several bytes.
+std::string_view withoutLast(std::string_view piece) {
+  std::size_t last = piece.empty() ? 0 : piece.size() - 1;
+  while (last > 0 && (static_cast<unsigned char>(piece[last]) & 0xC0) == 0x80) --last;
+  return piece.substr(0, last);
+}
+
+/// The pieces of `text` behind each "<", without their last characters.
+JXTypeID::Protocols protocolsIn(std::string_view text) {
+  JXTypeID::Protocols protocols;
+  for (std::size_t begin = text.find('<'); begin != std::string_view::npos;) {
+    const std::size_t end = text.find('<', begin + 1);
+    const std::size_t length = end == std::string_view::npos ? end : end - begin - 1;
+    protocols.push_back(withoutLast(text.substr(begin + 1, length)));
+    begin = end;
+  }
+  return protocols;
+}
+
+/// Moves `cursor` from an opening quote behind the closing one. What lies between.
+std::string_view readQuoted(JXTypeCursor& cursor) {
+  cursor.advance();
+  const std::size_t begin = cursor.position();
+  cursor.moveTo(cursor.text().find('"', begin));
+  const std::string_view quoted = cursor.text().substr(begin, cursor.position() - begin);
+  cursor.advance();
+  return quoted;
+}
+
+bool ignoresName() {
+  const std::lock_guard lock(JXTypeIDIgnoreNameLock);
+  return JXTypeIDIgnoreName;
+}
+
+}  // namespace
+
+JXTypeID::JXTypeID(Key /*key*/, JXTypeText encoding, JXTypeQualifiers qualifiers, bool isBlock,
+                   std::string_view name, std::unique_ptr<const Protocols> protocols)
+    : JXType(std::move(encoding), qualifiers, 0, isBlock),
+      name_(name),
+      protocols_(std::move(protocols)) {}
+
+std::shared_ptr<JXTypeID> JXTypeID::withoutName(JXTypeQualifiers qualifiers, bool isBlock) {
+  const JXTypeText text = JXTypeText::lasting(isBlock ? "@?" : "@");
+  if (qualifiers != JXTypeQualifiers::none) {
+    return std::make_shared<JXTypeID>(Key(), text, qualifiers, isBlock, std::string_view(),
+                                      nullptr);
+  }
+  // As frequent as basic types, so there is one of each, made for good and not counted.
+  static auto* object = new JXTypeID(Key(), JXTypeText::lasting("@"), JXTypeQualifiers::none, false,
+                                     std::string_view(), nullptr);
+  static auto* block = new JXTypeID(Key(), JXTypeText::lasting("@?"), JXTypeQualifiers::none, true,
+                                    std::string_view(), nullptr);
+  return {std::shared_ptr<void>(), isBlock ? block : object};
+}
+
+std::shared_ptr<JXTypeID> JXTypeID::initWithEncoding(JXTypeCursor& cursor,
+                                                     JXTypeQualifiers qualifiers) {
+  const std::size_t begin = cursor.position();
+  cursor.advance();
+  // The flag means something before a quote only.
+  if (!cursor.isAt('"') || ignoresName()) {
+    const bool isBlock = cursor.isAt('?');
+    if (isBlock) cursor.advance();
+    return withoutName(qualifiers, isBlock);
+  }
+  cursor.keepText();
+  std::string_view name = readQuoted(cursor);
+  std::unique_ptr<const Protocols> protocols;
+  if (const std::size_t bracket = name.find('<'); bracket != std::string_view::npos) {
+    protocols = std::make_unique<const Protocols>(protocolsIn(name));
+    name = bracket == 0 ? std::string_view() : name.substr(0, bracket);
+  }
+  return std::make_shared<JXTypeID>(Key(), cursor.textFrom(begin), qualifiers, false, name,
+                                    std::move(protocols));
+}
+
+std::shared_ptr<JXTypeID> JXTypeID::initWithName(
+    const std::optional<std::string>& name,
+    const std::optional<std::vector<std::string>>& protocols, bool isBlock) {
+  // The names of a block stand behind its encoding.
+  std::string text = isBlock ? "@?" : "@";
+  if (name || protocols) text += '"';
+  std::vector<std::string_view> pieces;
+  const std::size_t nameBegin = text.size();
+  text += name.value_or("");
+  std::size_t begin = text.size();
+  for (const std::string& protocol : protocols.value_or(std::vector<std::string>())) {
+    text += "<" + protocol + ">";
+  }
+  if (name || protocols) text += '"';
+  const JXTypeText kept = JXTypeText::ownedBy(std::move(text), isBlock ? 2 : std::string::npos);
+  const char* bytes = kept.bytes.get();
+  std::unique_ptr<Protocols> list;
+  if (protocols) {
+    list = std::make_unique<Protocols>();
+    for (const std::string& protocol : *protocols) {
+      list->emplace_back(bytes + begin + 1, protocol.size());
+      begin += protocol.size() + 2;
+    }
+  }
+  const std::string_view keptName =
+      name ? std::string_view(bytes + nameBegin, name->size()) : std::string_view();
+  return std::make_shared<JXTypeID>(Key(), kept, JXTypeQualifiers::none, isBlock, keptName,
+                                    std::move(list));
+}
+
+std::optional<std::string_view> JXTypeID::name() const {
+  return name_.data() != nullptr ? std::optional(name_) : std::nullopt;
+}
+
+void JXTypeID::appendOwnHead(std::string& out, bool padding) const {
+  if (isBlock()) {
+    out += "void (^";
+    return;
+  }
+  if (name()) {
+    out += name_;
+  } else {
+    out += "id";
+  }
+  if (protocols_ != nullptr && !protocols_->empty()) {
+    out += '<';
+    for (const std::string_view& protocol : *protocols_) {
+      if (&protocol != protocols_->data()) out += ", ";
+      out += protocol;
+    }
+    out += '>';
+  }
+  if (name()) {
+    out += " *";
+  } else if (padding) {
+    out += ' ';
+  }
+}
+
+void JXTypeID::appendOwnTail(std::string& out) const {
+  if (isBlock()) out += ")(void)";
+}
+
+bool JXTypeID::hasSameParts(const JXType& other) const {
+  const auto& object = static_cast<const JXTypeID&>(other);
+  const bool haveProtocols = protocols_ != nullptr && object.protocols_ != nullptr;
+  return name() == object.name() && (protocols_ == nullptr) == (object.protocols_ == nullptr) &&
+         (!haveProtocols || *protocols_ == *object.protocols_);
+}
+
+}  // namespace tavlen

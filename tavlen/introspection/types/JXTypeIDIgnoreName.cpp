@@ -1,0 +1,8 @@
+#include "tavlen/introspection/types/JXTypeIDIgnoreName.h"
+
+namespace tavlen {
+
+bool JXTypeIDIgnoreName = false;
+JXTypeLock JXTypeIDIgnoreNameLock("JXTypeIDIgnoreNameLock");
+
+}  // namespace tavlen

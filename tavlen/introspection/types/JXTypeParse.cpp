@@ -1,0 +1,28 @@
+#include "tavlen/introspection/types/JXTypeParse.h"
+
+#include "tavlen/introspection/types/JXType.h"
+
+namespace tavlen {
+
+JXTypeParse::Level::Level(JXTypeParse& parse, std::size_t position)
+    : parse_(parse), members_(parse.members.size()), names_(parse.names.size()) {
+  if (parse.depth++ > 0) return;
+  parse.begin = parse.furthest = position;
+  parse.furthestTaken = 0;
+  parse.steps = parse.corrections = 0;
+}
+
+JXTypeParse::Level::~Level() {
+  // More than before are left only where an exception passes.
+  parse_.members.resize(members_);
+  parse_.names.resize(names_);
+  if (--parse_.depth == 0 && !parse_.readings.empty()) parse_.readings = {};
+}
+
+bool JXTypeParse::hasRoom() const {
+  // The bound grows with what has been read, not with what there is: what follows a type must not
+  // change how it is read.
+  return depth < JXType::kMaximumDepth && steps <= kFreeSteps + kStepsPerByte * (furthest - begin);
+}
+
+}  // namespace tavlen

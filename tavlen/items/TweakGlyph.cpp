@@ -1,0 +1,10 @@
+#include "tavlen/items/TweakGlyph.h"
+
+namespace tavlen {
+
+const TweakGlyph& TweakGlyph::default_() {
+  static const TweakGlyph glyph{"tools", "solid"};
+  return glyph;
+}
+
+}  // namespace tavlen

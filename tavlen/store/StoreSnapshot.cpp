@@ -1,0 +1,123 @@
+#include "tavlen/store/StoreSnapshot.h"
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <system_error>
+#include <utility>
+
+#include "tavlen/collections/TweakCollection.h"
+#include "tavlen/items/TweaksDirectory.h"
+#include "tavlen/tweaks/TweakFile.h"
+
+namespace tavlen {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// In the order of StoreSnapshot::Document.
+constexpr std::array<const char*, 3> kDocumentNames = {"Manifest.json", "script.objs", "Icon.png"};
+
+/// The first folder above `path` that is there.
+fs::path existingParent(fs::path path) {
+  std::error_code ignored;
+  do {
+    path = path.parent_path();
+  } while (path.has_relative_path() && !fs::is_directory(path, ignored));
+  return path;
+}
+
+}  // namespace
+
+StoreSnapshot StoreSnapshot::take() {
+  StoreSnapshot snapshot;
+  const fs::path store = TweaksDirectory::url();
+  std::error_code error;
+  fs::directory_iterator entry(store, error);
+  snapshot.folders_.push_back(error ? existingParent(store) : store);
+  for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
+    snapshot.add(entry->path());
+  }
+  std::sort(snapshot.folders_.begin(), snapshot.folders_.end());
+  return snapshot;
+}
+
+void StoreSnapshot::add(const fs::path& entry) {
+  const std::string id = entry.filename().native();
+  if (id.starts_with('.')) return;
+  Item item;
+  if (TweakFile::isValidID(id)) {
+    std::error_code ignored;
+    // It may get its manifest later.
+    if (fs::is_directory(entry, ignored)) folders_.push_back(entry);
+    item = tweakAt(entry);
+  } else if (id.ends_with(TweakCollection::kIDSuffix)) {
+    item.front() = stampOf(entry);
+  }
+  if (item.front()) items_.emplace(id, item);
+}
+
+StoreSnapshot::Item StoreSnapshot::tweakAt(const fs::path& folder) {
+  Item item;
+  std::transform(kDocumentNames.begin(), kDocumentNames.end(), item.begin(),
+                 [&](const char* name) { return stampOf(folder / name); });
+  return item;
+}
+
+std::optional<StoreSnapshot::Stamp> StoreSnapshot::stampOf(const fs::path& file) {
+  struct stat status {};
+  if (::stat(file.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
+#ifdef __APPLE__
+  const timespec& written = status.st_mtimespec;
+#else
+  const timespec& written = status.st_mtim;
+#endif
+  return Stamp{static_cast<std::uint64_t>(status.st_dev), status.st_ino, status.st_size,
+               written.tv_sec, written.tv_nsec};
+}
+
+std::vector<StoreSnapshot::Document> StoreSnapshot::difference(const Item& before,
+                                                               const Item& after) {
+  std::vector<Document> documents;
+  for (std::size_t index = 0; index < kDocuments; ++index) {
+    if (before.at(index) != after.at(index)) documents.push_back(static_cast<Document>(index));
+  }
+  return documents;
+}
+
+std::vector<StoreSnapshot::Change> StoreSnapshot::changesSince(const StoreSnapshot& before) const {
+  std::vector<Change> changes;
+  const auto add = [&](Change::Kind kind, const std::string& id, const Item& old,
+                       const Item& item) {
+    std::vector<Document> documents = difference(old, item);
+    if (!documents.empty()) changes.push_back({kind, id, std::move(documents)});
+  };
+  auto old = before.items_.begin();
+  auto item = items_.begin();
+  while (old != before.items_.end() || item != items_.end()) {
+    const bool isGone =
+        item == items_.end() || (old != before.items_.end() && old->first < item->first);
+    const bool isNew =
+        old == before.items_.end() || (item != items_.end() && item->first < old->first);
+    if (isGone) {
+      add(Change::Kind::deleted, old->first, old->second, {});
+    } else if (isNew) {
+      add(Change::Kind::created, item->first, {}, item->second);
+    } else {
+      add(Change::Kind::changed, item->first, old->second, item->second);
+    }
+    if (!isNew) ++old;
+    if (!isGone) ++item;
+  }
+  return changes;
+}
+
+std::vector<std::string> StoreSnapshot::ids() const {
+  std::vector<std::string> ids;
+  ids.reserve(items_.size());
+  for (const auto& entry : items_) ids.push_back(entry.first);
+  return ids;
+}
+
+}  // namespace tavlen

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <string_view>
+#include <vector>
+
+#include "tavlen/foundation/errors/LocalizedError.h"
+#include "tavlen/items/TweakProtocol.h"
+
+namespace tavlen {
+
+class Progress;
+
+/// The stored tweaks and collections as a whole. Keeps no state. Threads: any.
+class TweakManager {
+ public:
+  class Error;
+
+  TweakManager() = delete;
+
+  /// What the tweaks directory holds, in the order of its listing. What cannot be opened is left
+  /// out; empty where the directory cannot be read.
+  static std::vector<std::shared_ptr<TweakProtocol>> allTweaks();
+
+  /// The item of that identifier in the tweaks directory. Throws Error::unknownTweakType for an
+  /// identifier that no kind accepts, or that is not one plain path component, and what the kind's
+  /// at() throws.
+  static std::shared_ptr<TweakProtocol> tweakWithID(std::string_view id);
+  /// The item at `url`, of the kind that its last component tells. Errors as tweakWithID().
+  static std::shared_ptr<TweakProtocol> tweakAt(std::filesystem::path url);
+
+  /// Whether `url` is named like an archive of one of the kinds.
+  static bool canHandle(const std::filesystem::path& url);
+
+  /// Imports an archive; announcing what came is the caller's. Throws Error::unknownTweakType,
+  /// ZIPError, std::system_error, and what the kind's handlePayloadAt() throws.
+  static std::shared_ptr<TweakProtocol> decompressAt(const std::filesystem::path& url,
+                                                     Progress* progress = nullptr);
+
+  /// Writes an archive, named after the item, into a fresh temporary folder beside the tweaks
+  /// directory, and gives its path; file and folder are then the caller's to remove. Throws
+  /// ZIPError, std::system_error, and what reading the manifest throws.
+  static std::filesystem::path export_(const TweakProtocol& tweak, Progress* progress = nullptr);
+};
+
+class TweakManager::Error : public LocalizedError {
+ public:
+  enum class Case { unknownTweakType };
+
+  static Error unknownTweakType();
+
+  Case which() const { return case_; }
+  bool operator==(const Error& other) const { return case_ == other.case_; }
+
+ private:
+  Error(Case which, LocalizedText text) : LocalizedError(text), case_(which) {}
+
+  Case case_;
+};
+
+}  // namespace tavlen

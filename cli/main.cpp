@@ -3,10 +3,10 @@
 #include <string>
 #include <string_view>
 
-#include "cli/Commands.h"
-#include "cli/ErrorReport.h"
-#include "cli/Installation.h"
-#include "cli/RootOption.h"
+#include "cli/arguments/RootOption.h"
+#include "cli/commands/Commands.h"
+#include "cli/work/ErrorReport.h"
+#include "cli/work/Installation.h"
 #include "tavlen/foundation/errors/MainBundle.h"
 #include "tavlen/foundation/text/Log.h"
 

@@ -1,9 +1,0 @@
-#include "cli/Commands.h"
-#include "cli/ItemCreation.h"
-#include "tavlen/tweaks/TweakFile.h"
-
-namespace tavlen::cli {
-
-void addNewCommand(Command app) { addItemCreation(app, "tweak", TweakFile::create); }
-
-}  // namespace tavlen::cli

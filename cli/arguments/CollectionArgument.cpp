@@ -1,0 +1,38 @@
+#include "cli/arguments/CollectionArgument.h"
+
+#include <exception>
+#include <stdexcept>
+
+#include "cli/arguments/StoredItem.h"
+#include "tavlen/collections/TweakCollectionManifest.h"
+#include "tavlen/store/TweakManager.h"
+
+namespace tavlen::cli {
+
+namespace {
+
+bool isTweak(const std::string& id) {
+  try {
+    return std::dynamic_pointer_cast<TweakFile>(TweakManager::tweakWithID(id)) != nullptr;
+  } catch (const std::exception&) {
+    return false;
+  }
+}
+
+}  // namespace
+
+std::shared_ptr<TweakCollection> storedCollection(const std::string& text) {
+  auto collection = std::dynamic_pointer_cast<TweakCollection>(storedItem(text));
+  if (!collection) throw std::runtime_error(text + ": is a tweak, not a collection");
+  return collection;
+}
+
+std::vector<std::string> missingMembers(const TweakCollection::Manifest& manifest) {
+  std::vector<std::string> missing;
+  for (const std::string& id : manifest._tweaks) {
+    if (!isTweak(id)) missing.push_back(id);
+  }
+  return missing;
+}
+
+}  // namespace tavlen::cli

@@ -1,0 +1,68 @@
+#include "cli/arguments/HookArgument.h"
+
+#include <stdexcept>
+
+#include "tavlen/tweaks/Manifest.h"
+
+namespace tavlen::cli {
+
+namespace {
+
+constexpr const char* kInstanceMethodBegin = "-[";
+
+/// The parser takes "-[Class selector]" for the option "-[" and its value after it.
+void restorePrefix(std::string& text) {
+  // A method has a blank inside; a name that ends in "]" may have none.
+  if (text.ends_with(']') && text.find('[') == std::string::npos &&
+      text.find(' ') != std::string::npos)
+    text = kInstanceMethodBegin + text;
+}
+
+}  // namespace
+
+std::string methodText(const MethodIdentity& identity) {
+  return (identity.isClassMethod ? "+[" : kInstanceMethodBegin) + identity.className + " " +
+         identity.selector + "]";
+}
+
+std::optional<MethodIdentity> methodNamed(std::string_view text) {
+  const bool isClassMethod = text.starts_with("+[");
+  if ((!isClassMethod && !text.starts_with(kInstanceMethodBegin)) || !text.ends_with(']')) {
+    return std::nullopt;
+  }
+  text = text.substr(2, text.size() - 3);
+  // Names of Swift's generic classes may hold blanks; selectors never do.
+  const std::size_t blank = text.rfind(' ');
+  if (blank == std::string_view::npos || blank == 0 || blank + 1 == text.size()) {
+    return std::nullopt;
+  }
+  return MethodIdentity{std::string(text.substr(0, blank)), std::string(text.substr(blank + 1)),
+                        isClassMethod};
+}
+
+void addHookArgument(Command command, std::string& text) {
+  command
+      .text((std::string(kInstanceMethodBegin) + ",--hook,HOOK").c_str(), text,
+            "The hook: '-[Class selector]', '+[Class selector]', or the name it was given")
+      .required()
+      .notEmpty()
+      .transform(restorePrefix);
+}
+
+HookManager hookArgument(const std::shared_ptr<TweakFile>& tweak, const std::string& text) {
+  std::optional<MethodIdentity> named;
+  bool isAmbiguous = false;
+  for (const std::optional<Hook>& hook : tweak->manifest()._hooks) {
+    if (!hook) continue;
+    if (methodText(hook->identity()) == text) return tweak->managerFor(hook->identity());
+    if (hook->customName != text) continue;
+    isAmbiguous = isAmbiguous || named.has_value();
+    named = hook->identity();
+  }
+  if (!named) throw HookManager::Error::hookNotFound();
+  if (isAmbiguous)
+    throw std::runtime_error("several hooks have that name; name one as '-[Class selector]'");
+  return tweak->managerFor(*named);
+}
+
+}  // namespace tavlen::cli

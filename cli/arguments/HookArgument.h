@@ -1,0 +1,27 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "cli/arguments/CommandLine.h"
+#include "tavlen/editing/HookManager.h"
+
+namespace tavlen::cli {
+
+/// "-[Class selector]", or "+[Class selector]" for a class method.
+std::string methodText(const MethodIdentity& identity);
+
+/// Reads what methodText() writes. Nothing for any other text.
+std::optional<MethodIdentity> methodNamed(std::string_view text);
+
+/// Adds the argument HOOK, as hookArgument() takes it.
+void addHookArgument(Command command, std::string& text);
+
+/// The editor of the hook that a user names: by its method, as methodText() gives it, or by the
+/// hook's own name, which must then be the only one. Throws HookManager::Error::hookNotFound, what
+/// TweakFile::manifest() throws, and std::runtime_error for a name that several hooks have.
+HookManager hookArgument(const std::shared_ptr<TweakFile>& tweak, const std::string& text);
+
+}  // namespace tavlen::cli

@@ -1,0 +1,91 @@
+#include "cli/arguments/ImageArgument.h"
+
+#include <algorithm>
+#include <exception>
+#include <filesystem>
+#include <stdexcept>
+#include <system_error>
+
+#include "cli/arguments/AppArgument.h"
+#include "tavlen/foundation/files/MachOHeader.h"
+#include "tavlen/foundation/files/RandomAccessFile.h"
+
+namespace tavlen::cli {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+NamedImage mainImageOf(const std::shared_ptr<IPA>& app) {
+  return {app, namingInfo(*app, [&] { return app->mainExecutable(); })};
+}
+
+/// The loader searches for a name without a folder, and takes any other as it stands.
+NamedImage loneImage(const fs::path& file) {
+  const fs::path path = fs::absolute(file);
+  return {nullptr, std::make_shared<Executable>(std::weak_ptr<IPA>(), path.parent_path(),
+                                                path.filename().string(), false)};
+}
+
+/// Whether `file` is an image of a device, or of this machine, on which an app may be tried.
+bool isImage(const fs::path& file) {
+  const RandomAccessFile opened(file);
+  return MachOHeader::read(opened) || opened.read(0, 4) ==
+                                          "\x7F"
+                                          "ELF";
+}
+
+/// The image in `file`, and the app whose bundle holds it.
+NamedImage imageInBundle(const fs::path& file) {
+  if (!isImage(file)) throw std::runtime_error("is no image");
+  const fs::path given = fs::absolute(file);
+  // The device's name for a file has no "..".
+  const bool leadsUp = std::find(given.begin(), given.end(), "..") != given.end();
+  const fs::path path = leadsUp ? fs::canonical(given) : given;
+  for (fs::path folder = path.parent_path(); folder.has_relative_path();
+       folder = folder.parent_path()) {
+    if (folder.extension() != ".app") continue;
+    NamedImage main = mainImageOf(IPA::openAt(folder));
+    std::error_code ignored;
+    if (fs::equivalent(path, main.executable->path(), ignored)) return main;
+    std::string inside = path.lexically_relative(folder).string();
+    return {main.app, std::make_shared<Executable>(main.app, folder, std::move(inside), false)};
+  }
+  throw std::runtime_error("is in no app's bundle; the remote parser asks a running app");
+}
+
+}  // namespace
+
+ImageOptions addImageArgument(Command command, const char* name, ImageArgument& argument) {
+  const Option image = command
+                           .text(name, argument.image,
+                                 "The image: a library's file, an app's bundle identifier or its "
+                                 "bundle folder")
+                           .notEmpty()
+                           .typeName("IMAGE|APP");
+  const Option parser =
+      command
+          .text("--parser", argument.parser,
+                "dynamic loads the image into this process, remote asks the app, relaunched")
+          .oneOf({kDynamicParser, kRemoteParser})
+          .showsDefault();
+  return {image, parser};
+}
+
+NamedImage imageNamed(const ImageArgument& argument) {
+  const fs::path file = argument.image;
+  std::error_code ignored;
+  const fs::file_type type = fs::status(file, ignored).type();
+  if (type == fs::file_type::not_found || type == fs::file_type::directory) {
+    return mainImageOf(appArgument(argument.image));
+  }
+  try {
+    return argument.parser == kRemoteParser ? imageInBundle(file) : loneImage(file);
+  } catch (const std::system_error&) {
+    throw;  // names the file
+  } catch (const std::exception& error) {
+    throw std::runtime_error(argument.image + ": " + error.what());
+  }
+}
+
+}  // namespace tavlen::cli

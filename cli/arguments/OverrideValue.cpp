@@ -1,0 +1,119 @@
+#include "cli/arguments/OverrideValue.h"
+
+#include <algorithm>
+#include <optional>
+#include <type_traits>
+#include <utility>
+#include <variant>
+
+#include "cli/arguments/UsageError.h"
+#include "tavlen/foundation/base/FatalError.h"
+#include "tavlen/foundation/coding/CodingPath.h"
+#include "tavlen/foundation/text/TerminalText.h"
+#include "tavlen/foundation/text/Unicode.h"
+
+namespace tavlen::cli {
+
+namespace {
+
+constexpr std::string_view kNone = "none";
+/// Every orientation's name begins so; people leave it out.
+constexpr std::string_view kOrientationPrefix = "UIInterfaceOrientation";
+
+using Orientations = std::vector<InterfaceOrientation>;
+
+[[noreturn]] void refuse(const std::string& text, const std::string& expected) {
+  throw UsageError("VALUE", oneLine(abbreviated(text)) + ": expected " + expected);
+}
+
+std::string shortName(InterfaceOrientation orientation) {
+  return std::string(rawValue(orientation).substr(kOrientationPrefix.size()));
+}
+
+void parse(const std::string& text, std::string& value) {
+  if (!isValidUTF8(text)) refuse(text, "UTF-8");
+  value = text;
+}
+
+void parse(const std::string& text, bool& value) {
+  if (text != "true" && text != "false") refuse(text, "true or false");
+  value = text == "true";
+}
+
+void parse(const std::string& text, std::optional<SemanticVersion>& value) {
+  value = SemanticVersion::parse(text);
+  if (!value && text != kNone) refuse(text, "a version such as 14.0, or none");
+}
+
+void parse(const std::string& text, Orientations& value) {
+  if (text == kNone) return;
+  std::string_view rest = text;
+  while (true) {
+    const std::size_t comma = rest.find(',');
+    std::string name(rest.substr(0, comma));
+    if (!name.starts_with(kOrientationPrefix)) name.insert(0, kOrientationPrefix);
+    const auto orientation = fromRawValue<InterfaceOrientation>(name);
+    if (!orientation) {
+      std::string names;
+      for (const InterfaceOrientation known : allCases<InterfaceOrientation>())
+        names += shortName(known) + ", ";
+      refuse(text,
+             "none, or a list, with commas and no blanks, of " + names.substr(0, names.size() - 2));
+    }
+    value.push_back(*orientation);
+    if (comma == std::string_view::npos) return;
+    rest.remove_prefix(comma + 1);
+  }
+}
+
+std::string textOf(const std::string& value) { return value; }
+std::string textOf(bool value) { return value ? "true" : "false"; }
+std::string textOf(const std::optional<SemanticVersion>& value) {
+  return value ? value->description() : std::string(kNone);
+}
+std::string textOf(const Orientations& value) {
+  std::string text;
+  for (const InterfaceOrientation orientation : value)
+    text += (text.empty() ? "" : ",") + shortName(orientation);
+  return value.empty() ? std::string(kNone) : text;
+}
+
+template <std::size_t... I>
+Override emptyOverride(std::size_t index, std::index_sequence<I...> /*kinds*/) {
+  Override result;
+  ((index == I ? (void)result.emplace<I>() : void()), ...);
+  return result;
+}
+
+}  // namespace
+
+std::vector<std::string> overrideKinds() {
+  const auto identifiers = OverrideContainer::supportedTypes();
+  return {identifiers.begin(), identifiers.end()};
+}
+
+const OverrideKindInfo& overrideKind(std::string_view identifier) {
+  for (const auto& section : OverrideContainer::all()) {
+    for (const OverrideKindInfo& kind : section) {
+      if (kind.identifier == identifier) return kind;
+    }
+  }
+  fatalError("no kind of override has that identifier");
+}
+
+std::string_view identifierOf(const Override& override_) {
+  return OverrideContainer::supportedTypes()[override_.index()];
+}
+
+Override parseOverride(std::string_view identifier, const std::string& text) {
+  const std::size_t index = TypeKeyedFamily<Override>::indexOf(identifier);
+  Override result = emptyOverride(index, std::make_index_sequence<std::variant_size_v<Override>>());
+  std::visit([&](auto& kind) { parse(text, kind.value); }, result);
+  return result;
+}
+
+std::string overrideText(const Override& override_) {
+  return std::visit([](const auto& kind) { return textOf(kind.value); }, override_);
+}
+
+}  // namespace tavlen::cli

@@ -1,0 +1,96 @@
+#include "cli/arguments/StoredItem.h"
+
+#include <exception>
+#include <filesystem>
+#include <stdexcept>
+#include <system_error>
+#include <vector>
+
+#include "tavlen/collections/TweakCollection.h"
+#include "tavlen/foundation/coding/CodingError.h"
+#include "tavlen/foundation/tasks/NotificationCenter.h"
+#include "tavlen/items/TweakDiffNotifications.h"
+#include "tavlen/items/TweaksDirectory.h"
+#include "tavlen/store/TweakManager.h"
+
+namespace tavlen::cli {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+std::shared_ptr<TweakProtocol> itemNamed(const std::string& name) {
+  std::vector<std::shared_ptr<TweakProtocol>> found;
+  for (const std::shared_ptr<TweakProtocol>& item : TweakManager::allTweaks()) {
+    try {
+      if (item->genericManifest().genericConfiguration().name() == name) found.push_back(item);
+    } catch (const std::exception&) {
+      continue;  // gone, or broken, since it was listed
+    }
+  }
+  if (found.empty()) return nullptr;
+  if (found.size() > 1) {
+    std::string identifiers;
+    for (const auto& item : found) identifiers += " " + item->id();
+    throw std::runtime_error(
+        name + ": several items have that name; name one by its identifier:" + identifiers);
+  }
+  return found.front();
+}
+
+bool isStored(const std::string& id) {
+  std::error_code ignored;
+  return fs::symlink_status(TweaksDirectory::url() / id, ignored).type() !=
+         fs::file_type::not_found;
+}
+
+/// Opens what lies at `path`, which messages call `shown`.
+std::shared_ptr<TweakProtocol> itemAt(const std::string& path, const std::string& shown) {
+  std::error_code ignored;
+  const bool isFolder = fs::is_directory(path, ignored);
+  try {
+    // A tweak's folder may have any name where it is named by its path.
+    if (isFolder || !fs::exists(path, ignored)) return TweakFile::at(path);
+    return TweakManager::tweakAt(path);
+  } catch (const DecodingError& error) {
+    const std::string document =
+        isFolder ? (path.ends_with('/') ? path : path + "/") + "Manifest.json" : path;
+    throw std::runtime_error(document + ": " + error.description());
+  } catch (const LocalizedError& error) {
+    throw std::runtime_error(shown + ": " + error.description());
+  }
+}
+
+}  // namespace
+
+bool isItemPath(const std::string& text) {
+  std::error_code ignored;
+  return text.find('/') != std::string::npos || text == "." || text == ".." ||
+         fs::exists(fs::path(text) / "Manifest.json", ignored) ||
+         (TweakCollection::isValidID(text) && fs::is_regular_file(text, ignored));
+}
+
+std::shared_ptr<TweakProtocol> storedItem(const std::string& text) {
+  if (isItemPath(text)) return itemAt(text, text);
+  if (isStored(text)) return itemAt((TweaksDirectory::url() / text).string(), text);
+  if (std::shared_ptr<TweakProtocol> item = itemNamed(text)) return item;
+  std::error_code ignored;
+  if (fs::exists(text, ignored)) return itemAt(text, text);
+  throw std::runtime_error(text + ": no tweak or collection of that identifier or name is stored");
+}
+
+std::shared_ptr<TweakFile> storedTweak(const std::string& text) {
+  std::shared_ptr<TweakFile> tweak = std::dynamic_pointer_cast<TweakFile>(storedItem(text));
+  if (!tweak) throw std::runtime_error(text + ": is a collection, not a tweak");
+  return tweak;
+}
+
+std::string kindOf(const TweakProtocol& item) {
+  return dynamic_cast<const TweakFile*>(&item) != nullptr ? "tweak" : "collection";
+}
+
+void announce(TweakProtocol& item, GenericTweakDiffMode mode) {
+  postTweakDiffs(NotificationCenter::default_(), {item.diffFor(mode)});
+}
+
+}  // namespace tavlen::cli

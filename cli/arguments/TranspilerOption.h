@@ -1,0 +1,17 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+#include "cli/arguments/CommandLine.h"
+
+namespace tavlen::cli {
+
+/// Adds `--transpiler DIR` to `command`; parsing stores the folder in `folder`, which must live as
+/// long as the command.
+void addTranspilerOption(Command command, std::string& folder);
+
+/// The folder of ob.js: `folder`, or the command's own one where the user gave none.
+std::filesystem::path transpilerFolder(const std::string& folder);
+
+}  // namespace tavlen::cli

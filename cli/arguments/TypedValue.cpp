@@ -1,0 +1,216 @@
+#include "cli/arguments/TypedValue.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string_view>
+#include <utility>
+
+#include "cli/arguments/DateText.h"
+#include "cli/arguments/UsageError.h"
+#include "tavlen/foundation/coding/CodingError.h"
+#include "tavlen/foundation/files/FileReplacement.h"
+#include "tavlen/foundation/files/FileSystem.h"
+#include "tavlen/foundation/json/JSONDecoder.h"
+#include "tavlen/foundation/json/JSONEncoder.h"
+#include "tavlen/foundation/text/NumberText.h"
+#include "tavlen/foundation/text/TerminalText.h"
+#include "tavlen/foundation/text/Unicode.h"
+
+namespace tavlen::cli {
+
+namespace {
+
+constexpr std::string_view kNil = "nil";
+constexpr std::string_view kJSON = "json";
+constexpr double kMostOfByte = 255;
+
+template <class Number>
+std::optional<Parameter> numberFrom(const std::string& text) {
+  Number value{};
+  const char* end = text.data() + text.size();
+  const auto [last, error] = std::from_chars(text.data(), end, value);
+  if (error != std::errc() || last != end) return std::nullopt;
+  if constexpr (std::is_floating_point_v<Number>) {
+    if (!std::isfinite(value)) return std::nullopt;
+  }
+  return ValueParameter<Number>{value};
+}
+
+std::optional<Parameter> boolFrom(const std::string& text) {
+  if (text != "true" && text != "false") return std::nullopt;
+  return ValueParameter<bool>{text == "true"};
+}
+
+std::optional<Parameter> dateFrom(const std::string& text) {
+  const std::optional<Date> date = dateFromText(text);
+  return date ? std::optional<Parameter>(DateParameter{*date}) : std::nullopt;
+}
+
+std::optional<Parameter> colorFrom(const std::string& text) {
+  constexpr std::size_t kOpaque = 7;
+  constexpr std::size_t kWithAlpha = 9;
+  if (!text.starts_with('#') || (text.size() != kOpaque && text.size() != kWithAlpha))
+    return std::nullopt;
+  std::array<double, 4> components = {0, 0, 0, 1};
+  for (std::size_t i = 0; i < text.size() / 2; ++i) {
+    unsigned byte = 0;
+    const char* digits = text.data() + 1 + 2 * i;
+    if (std::from_chars(digits, digits + 2, byte, 16).ptr != digits + 2) return std::nullopt;
+    components[i] = byte / kMostOfByte;
+  }
+  return ColorParameter{components[0], components[1], components[2], components[3]};
+}
+
+/// A kind that is any text.
+template <class Kind>
+std::optional<Parameter> textFrom(const std::string& text) {
+  return Kind{text};
+}
+
+template <class Kind>
+std::optional<Parameter> nameFrom(const std::string& text) {
+  return text.empty() ? std::nullopt : textFrom<Kind>(text);
+}
+
+template <class Kind>
+std::optional<Parameter> fileFrom(const std::string& text) {
+  const std::filesystem::path name = std::filesystem::path(text).filename();
+  if (!isPlainComponent(name.native()) || isTemporaryName(name)) return std::nullopt;
+  // No archive may hold such a name, so the tweak could not be exported.
+  if (name.native().find('\\') != std::string::npos) return std::nullopt;
+  return Kind{name.native()};
+}
+
+/// A way to write a kind: what stands before the colon, what is expected behind it.
+struct Form {
+  std::string_view name;
+  const char* expected;
+  std::optional<Parameter> (*parse)(const std::string& text);
+  bool isFile = false;
+};
+
+constexpr std::array<Form, 14> kForms = {{
+    {"bool", "true or false", boolFrom},
+    {"int", "a whole number from -2^63 to 2^63-1", numberFrom<std::int64_t>},
+    {"uint", "a whole number from 0 to 2^64-1", numberFrom<std::uint64_t>},
+    {"double", "a finite number such as 0.5", numberFrom<double>},
+    {"string", "a text", textFrom<ValueParameter<std::string>>},
+    {"url", "a URL", nameFrom<URLParameter>},
+    {"date", "a date such as 2026-01-31T12:00:00Z", dateFrom},
+    {"color", "a color such as #ff0000 or #ff000080", colorFrom},
+    {"data", "the path of a file", fileFrom<DataParameter>, true},
+    {"image", "the path of a file", fileFrom<ImageParameter>, true},
+    {"class", "a class's name", nameFrom<ClassParameter>},
+    {"selector", "a selector", nameFrom<SelectorParameter>},
+    {"protocol", "a protocol's name", nameFrom<ProtocolParameter>},
+    {"code", "source text", textFrom<CodeParameter>},
+}};
+
+std::string knownForms() {
+  std::string names;
+  for (const Form& form : kForms) names.append(form.name).append(":, ");
+  return names + "json: or nil";
+}
+
+[[noreturn]] void refuse(const char* argument, std::string_view text, const std::string& problem) {
+  throw UsageError(argument, oneLine(abbreviated(text)) + ": " + problem);
+}
+
+Parameter parameterFromJSON(const std::string& json, const std::string& text,
+                            const char* argument) {
+  try {
+    return decodeJSON<ParameterContainer>(json).value;
+  } catch (const DecodingError& error) {
+    refuse(argument, text,
+           "expected a parameter as manifests hold it: " + oneLine(error.description()));
+  }
+}
+
+std::string byteText(double component) {
+  constexpr std::string_view kDigits = "0123456789abcdef";
+  const auto byte = static_cast<std::size_t>(std::lround(component * kMostOfByte));
+  return {kDigits[byte / 16], kDigits[byte % 16]};
+}
+
+bool isByte(double component) {
+  return component >= 0 && component <= 1 &&
+         std::round(component * kMostOfByte) / kMostOfByte == component;
+}
+
+std::string jsonText(const Parameter& parameter) {
+  return "json:" + encodeJSON(ParameterContainer{parameter});
+}
+
+/// Writes the kinds one by one; nothing for a value that only the JSON form can hold.
+struct Writer {
+  using Text = std::optional<std::string>;
+
+  Text operator()(const NilParameter&) const { return std::string(kNil); }
+  Text operator()(const CodeParameter& kind) const { return "code:" + kind.code; }
+  Text operator()(const ValueParameter<std::int64_t>& kind) const {
+    return "int:" + std::to_string(kind.value);
+  }
+  Text operator()(const ValueParameter<std::uint64_t>& kind) const {
+    return "uint:" + std::to_string(kind.value);
+  }
+  Text operator()(const ValueParameter<double>& kind) const {
+    std::string text = "double:";
+    appendDescription(text, kind.value);
+    return text;
+  }
+  Text operator()(const ValueParameter<std::string>& kind) const { return "string:" + kind.value; }
+  Text operator()(const ValueParameter<bool>& kind) const {
+    return std::string(kind.value ? "bool:true" : "bool:false");
+  }
+  Text operator()(const URLParameter& kind) const { return "url:" + kind.string; }
+  Text operator()(const DateParameter& kind) const {
+    const Text text = textFromDate(kind.date);
+    return text ? Text("date:" + *text) : std::nullopt;
+  }
+  Text operator()(const ColorParameter& kind) const {
+    if (!isByte(kind.red) || !isByte(kind.green) || !isByte(kind.blue) || !isByte(kind.alpha))
+      return std::nullopt;
+    const std::string text =
+        "color:#" + byteText(kind.red) + byteText(kind.green) + byteText(kind.blue);
+    return kind.alpha == 1 ? text : text + byteText(kind.alpha);
+  }
+  Text operator()(const DataParameter& kind) const { return "data:" + kind.filename; }
+  Text operator()(const ImageParameter& kind) const { return "image:" + kind.filename; }
+  Text operator()(const ClassParameter& kind) const { return "class:" + kind.name; }
+  Text operator()(const SelectorParameter& kind) const { return "selector:" + kind.name; }
+  Text operator()(const ProtocolParameter& kind) const { return "protocol:" + kind.name; }
+  Text operator()(const ArrayParameter&) const { return std::nullopt; }
+  Text operator()(const DictionaryParameter&) const { return std::nullopt; }
+};
+
+}  // namespace
+
+TypedValue parseTypedValue(const std::string& text, const char* argument) {
+  if (text == kNil) return {NilParameter(), ""};
+  if (!isValidUTF8(text)) refuse(argument, text, "expected UTF-8");
+  const std::size_t colon = text.find(':');
+  const std::string name = text.substr(0, colon);
+  const std::string rest = colon == std::string::npos ? "" : text.substr(colon + 1);
+  if (name == kJSON && colon != std::string::npos)
+    return {parameterFromJSON(rest, text, argument), ""};
+  const auto form = std::find_if(kForms.begin(), kForms.end(),
+                                 [&](const Form& known) { return known.name == name; });
+  if (form == kForms.end() || colon == std::string::npos)
+    refuse(argument, text, "expected a value that begins with " + knownForms());
+  std::optional<Parameter> parameter = form->parse(rest);
+  if (!parameter)
+    refuse(argument, text, std::string("expected ") + form->expected + " behind the colon");
+  return {*std::move(parameter), form->isFile ? rest : ""};
+}
+
+std::string typedText(const Parameter& parameter) {
+  const std::optional<std::string> text = std::visit(Writer(), parameter);
+  return text ? *text : jsonText(parameter);
+}
+
+}  // namespace tavlen::cli

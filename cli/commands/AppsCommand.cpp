@@ -1,0 +1,116 @@
+#include <algorithm>
+#include <compare>
+#include <exception>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "cli/commands/Commands.h"
+#include "cli/terminal/Console.h"
+#include "cli/terminal/TextTable.h"
+#include "tavlen/bundles/InfoManager.h"
+#include "tavlen/device/DeviceRoot.h"
+#include "tavlen/device/DirectoryAppListFetcher.h"
+#include "tavlen/device/InstalledTweaks.h"
+#include "tavlen/device/LSAppListFetcher.h"
+#include "tavlen/foundation/base/FunctionRef.h"
+#include "tavlen/foundation/json/JSONEncoder.h"
+#include "tavlen/foundation/plist/PropertyListDecoder.h"
+#include "tavlen/foundation/text/TerminalText.h"
+#include "tavlen/foundation/text/TextComparison.h"
+#include "tavlen/foundation/text/Unicode.h"
+
+namespace tavlen::cli {
+
+namespace {
+
+/// An app as it is printed.
+struct Row {
+  std::string name;
+  std::string bundleID;
+  std::optional<std::string> version;
+  std::optional<std::string> activeTweak;
+  std::string path;
+  /// What is wrong with its Info.plist.
+  std::optional<std::string> note;
+
+  static constexpr auto codedFields() {
+    return std::tuple{
+        requiredField("name", &Row::name),       requiredField("bundleID", &Row::bundleID),
+        optionalField("version", &Row::version), optionalField("activeTweak", &Row::activeTweak),
+        requiredField("path", &Row::path),       optionalField("note", &Row::note)};
+  }
+};
+
+Row rowOf(const AppListApp& app, FunctionRef<Info()> info) {
+  Row row;
+  row.name = app.displayName;
+  row.bundleID = app.bundleID;
+  row.path = wellFormedUTF8(app.bundle.native());
+  try {
+    row.version = info().version();
+  } catch (const std::exception& error) {
+    row.note = std::string("Info.plist: ") + error.what();
+  }
+  if (const auto record = InstalledTweaks::record(app.bundleID)) row.activeTweak = record->tweakID;
+  return row;
+}
+
+Info decodeInfo(const PropertyList& list) {
+  Info info;
+  PropertyListDecoder decoder(list);
+  decode(decoder, info);
+  return info;
+}
+
+/// Each app's Info.plist is opened once: a tree's is read already to tell whether it is an app.
+std::vector<Row> readRows() {
+  std::vector<Row> rows;
+  if (DeviceRoot::shared().isDevice()) {
+    for (const AppListApp& app : LSAppListFetcher().fetchAllApps()) {
+      rows.push_back(rowOf(app, [&] { return InfoManager(app.bundle).info(); }));
+    }
+  } else {
+    DirectoryAppListFetcher(DeviceRoot::shared())
+        .visitAllApps([&](const AppListApp& app, const PropertyList& list) {
+          rows.push_back(rowOf(app, [&] { return decodeInfo(list); }));
+        });
+  }
+  return rows;
+}
+
+void sortByName(std::vector<Row>& rows) {
+  std::stable_sort(rows.begin(), rows.end(), [](const Row& left, const Row& right) {
+    return std::is_lt(localizedCaseInsensitiveCompare(left.name, right.name));
+  });
+}
+
+std::string table(const std::vector<Row>& rows) {
+  TextTable table({"NAME", "IDENTIFIER", "VERSION", "ACTIVE TWEAK", "NOTE"});
+  for (const Row& row : rows) {
+    table.addRow({row.name, row.bundleID, row.version.value_or("-"), row.activeTweak.value_or(""),
+                  row.note.value_or("")});
+  }
+  return table.text();
+}
+
+}  // namespace
+
+void addAppsCommand(Command app) {
+  Command command = app.addCommand("apps", "List the apps that tweaks can be made for");
+  const auto json = std::make_shared<bool>(false);
+  command.flag("--json", *json, "Print a JSON array");
+  command.run([json] {
+    std::vector<Row> rows = readRows();
+    sortByName(rows);
+    if (!*json && rows.empty())
+      printMessage("tavlen: no apps in the device root " +
+                   oneLine(DeviceRoot::shared().url().native()) + "; --root names a device tree\n");
+    if (*json || !rows.empty()) printData(*json ? encodeJSON(rows) + "\n" : table(rows));
+    return 0;
+  });
+}
+
+}  // namespace tavlen::cli

@@ -1,0 +1,62 @@
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "cli/arguments/TranspilerOption.h"
+#include "cli/arguments/TweakArgument.h"
+#include "cli/commands/Commands.h"
+#include "cli/terminal/Console.h"
+#include "cli/work/ErrorReport.h"
+#include "cli/work/Transpilation.h"
+#include "cli/work/TweakCheck.h"
+#include "tavlen/foundation/text/TerminalText.h"
+
+namespace tavlen::cli {
+
+namespace {
+
+std::string counted(std::size_t warnings) {
+  if (warnings == 0) return "ok";
+  return std::to_string(warnings) + (warnings == 1 ? " warning" : " warnings");
+}
+
+/// What is to be said of the tweak at `argument` if it builds. What is wrong or questionable goes
+/// to the standard error stream.
+std::optional<std::string> verdictOf(const std::string& argument,
+                                     const std::filesystem::path& transpiler) {
+  try {
+    const OpenedTweak tweak = openTweak(argument);
+    const std::vector<std::string> warnings = warningsFor(tweak);
+    for (const std::string& warning : warnings) printWarning(warning);
+    if (transpile(tweak, transpiler)) {
+      return counted(warnings.size() + (tweak.scriptIsUnreadable ? 1 : 0));
+    }
+    printError(argument + ": does not build");
+  } catch (const std::exception& error) {
+    reportError(error);
+  }
+  return std::nullopt;
+}
+
+}  // namespace
+
+void addCheckCommand(Command app) {
+  Command command = app.addCommand("check", "Say what is wrong with tweaks, and where");
+  const auto tweaks = std::make_shared<std::vector<std::string>>();
+  const auto transpiler = std::make_shared<std::string>();
+  command.texts("TWEAK", *tweaks, "The tweaks: their identifiers, names or paths").notEmpty();
+  addTranspilerOption(command, *transpiler);
+  command.run([tweaks, transpiler] {
+    bool allBuild = true;
+    for (const std::string& tweak : *tweaks) {
+      const auto verdict = verdictOf(tweak, transpilerFolder(*transpiler));
+      if (verdict) printData(oneLine(tweak) + ": " + *verdict + "\n");
+      allBuild = allBuild && verdict.has_value();
+    }
+    return allBuild ? 0 : 1;
+  });
+}
+
+}  // namespace tavlen::cli

@@ -1,0 +1,54 @@
+#include <fnmatch.h>
+
+#include <algorithm>
+#include <memory>
+#include <string>
+
+#include "cli/commands/Commands.h"
+#include "cli/terminal/Console.h"
+#include "cli/work/ClassDump.h"
+#include "tavlen/foundation/json/JSONEncoder.h"
+#include "tavlen/foundation/text/TerminalText.h"
+
+namespace tavlen::cli {
+
+namespace {
+
+struct Options {
+  ImageArgument image;
+  std::string pattern = "*";
+  bool json = false;
+};
+
+int listClasses(const Options& options) {
+  ClassParser::Classes classes = dumpClasses(options.image);
+  const auto differs = [&](const std::shared_ptr<ObjCClass>& cls) {
+    return ::fnmatch(options.pattern.c_str(), cls->name.c_str(), 0) != 0;
+  };
+  classes.erase(std::remove_if(classes.begin(), classes.end(), differs), classes.end());
+  std::string out;
+  if (options.json) {
+    out = encodeJSON(classes) + "\n";
+  } else {
+    for (const auto& cls : classes) out += oneLine(cls->description()) + "\n";
+  }
+  printData(out);
+  return 0;
+}
+
+}  // namespace
+
+void addClassesCommand(Command app) {
+  Command command = app.addCommand("classes", "List the Objective-C classes of an image");
+  const auto options = std::make_shared<Options>();
+  addImageArgument(command, "IMAGE", options->image).image.required();
+  command
+      .text("--match", options->pattern,
+            "Only the classes whose name fits the pattern, as shells match files")
+      .notEmpty()
+      .typeName("PATTERN");
+  command.flag("--json", options->json, "Print a JSON array of the classes, methods included");
+  command.run([options] { return listClasses(*options); });
+}
+
+}  // namespace tavlen::cli

@@ -1,0 +1,159 @@
+#include <algorithm>
+#include <exception>
+#include <filesystem>
+#include <iterator>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <system_error>
+#include <vector>
+
+#include "cli/arguments/CollectionArgument.h"
+#include "cli/arguments/StoredItem.h"
+#include "cli/commands/Commands.h"
+#include "cli/commands/ItemCreation.h"
+#include "cli/terminal/Console.h"
+#include "cli/terminal/TextTable.h"
+#include "tavlen/collections/TweakCollection.h"
+#include "tavlen/collections/TweakCollectionManifest.h"
+#include "tavlen/foundation/json/JSONEncoder.h"
+#include "tavlen/items/TweakError.h"
+#include "tavlen/items/TweakPoster.h"
+#include "tavlen/items/TweaksDirectory.h"
+#include "tavlen/store/TweakManager.h"
+#include "tavlen/tweaks/Manifest.h"
+
+namespace tavlen::cli {
+
+namespace {
+
+struct MemberOptions {
+  std::string collection;
+  std::vector<std::string> tweaks;
+};
+
+struct ListOptions {
+  std::string collection;
+  bool json = false;
+};
+
+/// A member as it is printed.
+struct Row {
+  std::optional<std::string> name;
+  std::string id;
+  bool isMissing = false;
+
+  static constexpr auto codedFields() {
+    return std::tuple{optionalField("name", &Row::name), requiredField("identifier", &Row::id),
+                      requiredField("missing", &Row::isMissing)};
+  }
+};
+
+using Manifest = TweakCollection::Manifest;
+
+bool contains(const std::vector<std::string>& ids, const std::string& id) {
+  return std::find(ids.begin(), ids.end(), id) != ids.end();
+}
+
+/// Collections name their members by identifiers in the store.
+void checkIsStored(const TweakFile& tweak, const std::string& text) {
+  std::error_code ignored;
+  if (!std::filesystem::equivalent(tweak.url(), TweaksDirectory::url() / tweak.id(), ignored)) {
+    throw std::runtime_error(text + ": does not lie in " + TweaksDirectory::url().string());
+  }
+}
+
+void addMember(Manifest& manifest, const std::string& text) {
+  const std::shared_ptr<TweakFile> tweak = storedTweak(text);
+  checkIsStored(*tweak, text);
+  const std::string& expected = manifest.configuration.bundleID;
+  const std::string found = tweak->genericManifest().genericConfiguration().bundleID();
+  if (found != expected) {
+    throw std::runtime_error(text + ": " + TweakError::bundleIDMismatch(expected, found).what());
+  }
+  if (contains(manifest._tweaks, tweak->id())) {
+    throw std::runtime_error(text + ": is in the collection already");
+  }
+  manifest._tweaks.push_back(tweak->id());
+}
+
+/// An identifier need not be that of a tweak that is still there.
+void removeMember(Manifest& manifest, const std::string& text) {
+  const std::string id = contains(manifest._tweaks, text) ? text : storedTweak(text)->id();
+  if (std::erase(manifest._tweaks, id) == 0) {
+    throw std::runtime_error(text + ": is not in the collection");
+  }
+}
+
+/// All at once: one that fails leaves the collection as it was.
+int edit(const MemberOptions& options, void (*change)(Manifest&, const std::string&)) {
+  const std::shared_ptr<TweakCollection> collection = storedCollection(options.collection);
+  const std::lock_guard lock(tweakPoster().recursiveLock);
+  collection->updateManifest([&](Manifest& manifest) {
+    for (const std::string& tweak : options.tweaks) change(manifest, tweak);
+  });
+  return 0;
+}
+
+/// A collection is no member, as the library leaves it out, too.
+Row rowOf(const std::string& id) {
+  try {
+    if (const auto tweak = std::dynamic_pointer_cast<TweakFile>(TweakManager::tweakWithID(id))) {
+      return {tweak->manifest().configuration.name, id, false};
+    }
+  } catch (const std::exception&) {
+    // As the other case.
+  }
+  return {std::nullopt, id, true};
+}
+
+int list(const ListOptions& options) {
+  const Manifest manifest = storedCollection(options.collection)->manifest();
+  std::vector<Row> rows;
+  std::transform(manifest._tweaks.begin(), manifest._tweaks.end(), std::back_inserter(rows), rowOf);
+  if (options.json) {
+    printData(encodeJSON(rows) + "\n");
+    return 0;
+  }
+  TextTable table({"NAME", "IDENTIFIER", "NOTE"});
+  for (const Row& row : rows) {
+    table.addRow({row.name.value_or("-"), row.id, row.isMissing ? "missing" : ""});
+  }
+  if (!rows.empty()) printData(table.text());
+  return 0;
+}
+
+void addEdit(Command collection, const char* name, const char* description, const char* tweakHelp,
+             void (*change)(Manifest&, const std::string&)) {
+  Command command = collection.addCommand(name, description);
+  const auto options = std::make_shared<MemberOptions>();
+  command.text("COLLECTION", options->collection, kCollectionHelp).required().notEmpty();
+  command.texts("TWEAK", options->tweaks, tweakHelp).notEmpty();
+  command.run([options, change] { return edit(*options, change); });
+}
+
+void addList(Command collection) {
+  Command command = collection.addCommand("list", "List a collection's members in their order");
+  const auto options = std::make_shared<ListOptions>();
+  command.text("COLLECTION", options->collection, kCollectionHelp).required().notEmpty();
+  command.flag("--json", options->json, "Print a JSON array");
+  command.run([options] { return list(*options); });
+}
+
+}  // namespace
+
+void addCollectionCommand(Command app) {
+  Command command = app.addCommand("collection", "Make collections of tweaks and edit them");
+  command.requireCommand();
+  addItemCreation(command, "collection", TweakCollection::create);
+  addEdit(command, "add", "Add tweaks of the same app to a collection, at its end", kTweakHelp,
+          addMember);
+  addEdit(command, "remove", "Take tweaks out of a collection; the tweaks stay stored",
+          "The tweak: its identifier, which may be a missing one's, its name, or its path",
+          removeMember);
+  addList(command);
+}
+
+}  // namespace tavlen::cli

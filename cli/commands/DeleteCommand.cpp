@@ -1,0 +1,49 @@
+#include <filesystem>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <system_error>
+
+#include "cli/arguments/StoredItem.h"
+#include "cli/commands/Commands.h"
+#include "cli/terminal/Console.h"
+#include "cli/work/ActiveTweak.h"
+#include "tavlen/items/TweaksDirectory.h"
+
+namespace tavlen::cli {
+
+namespace {
+
+/// A path may name a folder anywhere; only what the store holds is this command's to delete.
+bool isInStore(const TweakProtocol& item) {
+  std::error_code ignored;
+  return std::filesystem::equivalent(std::filesystem::absolute(item.url()).parent_path(),
+                                     TweaksDirectory::url(), ignored);
+}
+
+int deleteItem(const std::string& name) {
+  const std::shared_ptr<TweakProtocol> item = storedItem(name);
+  if (!isInStore(*item)) {
+    throw std::runtime_error(name + ": does not lie in " + TweaksDirectory::url().string());
+  }
+  const std::string bundleID = item->genericManifest().genericConfiguration().bundleID();
+  item->uninstall();
+  if (isActiveTweak(bundleID, item->id())) {
+    printWarning(name + ": could not be uninstalled from " + bundleID);
+  }
+  item->remove();
+  announce(*item, GenericTweakDiffMode::delete_);
+  return 0;
+}
+
+}  // namespace
+
+void addDeleteCommand(Command app) {
+  Command command =
+      app.addCommand("delete", "Uninstall a stored tweak or collection and delete it");
+  const auto name = std::make_shared<std::string>();
+  command.text("ITEM", *name, kItemHelp).required().notEmpty();
+  command.run([name] { return deleteItem(*name); });
+}
+
+}  // namespace tavlen::cli

@@ -1,0 +1,70 @@
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "cli/arguments/AppArgument.h"
+#include "cli/commands/Commands.h"
+#include "cli/terminal/Console.h"
+#include "cli/terminal/TextTable.h"
+#include "tavlen/bundles/Executable.h"
+#include "tavlen/foundation/json/JSONEncoder.h"
+#include "tavlen/foundation/text/Unicode.h"
+
+namespace tavlen::cli {
+
+namespace {
+
+/// An executable as it is printed.
+struct Row {
+  std::string kind;
+  std::string name;
+  std::string relativePath;
+  std::string path;
+
+  static constexpr auto codedFields() {
+    return std::tuple{requiredField("kind", &Row::kind), requiredField("name", &Row::name),
+                      requiredField("relativePath", &Row::relativePath),
+                      requiredField("path", &Row::path)};
+  }
+};
+
+Row rowOf(std::string_view kind, const Executable& executable) {
+  return {std::string(kind), wellFormedUTF8(executable.name()),
+          wellFormedUTF8(executable.relativePath()), wellFormedUTF8(executable.path().native())};
+}
+
+std::vector<Row> rowsOf(IPA& ipa) {
+  std::vector<Row> rows = {rowOf("main", *ipa.mainExecutable())};
+  for (const auto& executable : ipa.bundleExecutables()) {
+    rows.push_back(rowOf("bundle", *executable));
+  }
+  for (const auto& executable : ipa.dynamicExecutables()) {
+    rows.push_back(rowOf("dynamic", *executable));
+  }
+  return rows;
+}
+
+std::string table(const std::vector<Row>& rows) {
+  TextTable table({"KIND", "PATH"});
+  for (const Row& row : rows) table.addRow({row.kind, row.relativePath});
+  return table.text();
+}
+
+}  // namespace
+
+void addExecutablesCommand(Command app) {
+  Command command = app.addCommand("executables", "List the Mach-O images of an app");
+  const auto name = std::make_shared<std::string>();
+  const auto json = std::make_shared<bool>(false);
+  command.text("APP", *name, kAppHelp).required().notEmpty();
+  command.flag("--json", *json, "Print a JSON array");
+  command.run([name, json] {
+    const std::shared_ptr<IPA> ipa = appArgument(*name);
+    const std::vector<Row> rows = namingInfo(*ipa, [&] { return rowsOf(*ipa); });
+    printData(*json ? encodeJSON(rows) + "\n" : table(rows));
+    return 0;
+  });
+}
+
+}  // namespace tavlen::cli

@@ -1,0 +1,124 @@
+#include <cerrno>
+#include <filesystem>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <system_error>
+#include <utility>
+
+#include "cli/arguments/CollectionArgument.h"
+#include "cli/arguments/StoredItem.h"
+#include "cli/commands/Commands.h"
+#include "cli/terminal/Console.h"
+#include "cli/terminal/ProgressLine.h"
+#include "tavlen/collections/TweakCollectionManifest.h"
+#include "tavlen/foundation/files/DiskSync.h"
+#include "tavlen/foundation/files/FileTree.h"
+#include "tavlen/foundation/files/TemporaryDirectory.h"
+#include "tavlen/foundation/text/TerminalText.h"
+#include "tavlen/store/TweakManager.h"
+
+namespace tavlen::cli {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+struct Options {
+  std::string item;
+  std::string output;
+  bool force = false;
+};
+
+/// What the library hands over, which goes away with the object.
+class ExportedArchive {
+ public:
+  explicit ExportedArchive(fs::path path) : path_(std::move(path)) {}
+  ExportedArchive(const ExportedArchive&) = delete;
+  ExportedArchive& operator=(const ExportedArchive&) = delete;
+  ~ExportedArchive() {
+    std::error_code ignored;
+    fs::remove_all(path_.parent_path(), ignored);
+    // Only when nobody else works in it.
+    fs::remove(path_.parent_path().parent_path(), ignored);
+  }
+
+  const fs::path& path() const { return path_; }
+
+ private:
+  fs::path path_;
+};
+
+/// The archive has the collection's document as it is, so that it names them.
+void warnOfMissingMembers(const TweakProtocol& item) {
+  const auto* collection = dynamic_cast<const TweakCollection*>(&item);
+  if (collection == nullptr) return;
+  for (const std::string& id : missingMembers(collection->manifest())) {
+    printWarning(id + ": a member that does not open is left out; the archive's import will fail");
+  }
+}
+
+[[noreturn]] void refuse(const fs::path& file) {
+  throw std::runtime_error(file.string() + ": is there already; --force replaces it");
+}
+
+bool isTaken(const fs::path& file) {
+  std::error_code ignored;
+  return fs::symlink_status(file, ignored).type() != fs::file_type::not_found;
+}
+
+void move(const fs::path& archive, const fs::path& file, bool force) {
+  if (!isTaken(file)) return moveItem(archive, file);
+  if (!force) refuse(file);
+  if (fs::is_directory(file)) {
+    throw std::system_error(EISDIR, std::generic_category(), file.string());
+  }
+  // The old one goes only when the new one is there.
+  const TemporaryDirectory beside(fs::absolute(file).parent_path());
+  const fs::path whole = beside.path() / file.filename();
+  moveItem(archive, whole);
+  syncFile(whole);
+  fs::rename(whole, file);
+  syncFolder(fs::absolute(file).parent_path());
+}
+
+int exportItem(const Options& options) {
+  const std::shared_ptr<TweakProtocol> item = storedItem(options.item);
+  fs::path file = options.output.empty() ? "." : options.output;
+  const bool isFolder = !file.has_filename() || fs::is_directory(file);
+  // Before the work, not after it.
+  if (!isFolder && !options.force && isTaken(file)) refuse(file);
+  warnOfMissingMembers(*item);
+  const ExportedArchive archive = [&] {
+    const ProgressLine line("exporting " + options.item);
+    return ExportedArchive(TweakManager::export_(*item, line.progress().get()));
+  }();
+  if (isFolder)
+    file = options.output.empty() ? archive.path().filename() : file / archive.path().filename();
+  move(archive.path(), file, options.force);
+  if (!TweakManager::canHandle(file)) {
+    printWarning(file.string() + ": import knows archives by their extension, ." +
+                 std::string(item->archiveExtension()));
+  }
+  printData(oneLine(file.string()) + "\n");
+  return 0;
+}
+
+}  // namespace
+
+void addExportCommand(Command app) {
+  Command command = app.addCommand(
+      "export", "Write a stored tweak or collection to an archive and print the archive's path");
+  const auto options = std::make_shared<Options>();
+  command.text("ITEM", options->item, kItemHelp).required().notEmpty();
+  command
+      .text("-o,--output", options->output,
+            "The archive, or the folder for it, where it is named after the item; without "
+            "it, that is the current folder")
+      .typeName("FILE|DIR")
+      .notEmpty();
+  command.flag("-f,--force", options->force, "Replace a file that is there already");
+  command.run([options] { return exportItem(*options); });
+}
+
+}  // namespace tavlen::cli

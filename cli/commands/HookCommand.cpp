@@ -1,0 +1,241 @@
+#include <algorithm>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "cli/arguments/ErrorPlace.h"
+#include "cli/arguments/HookArgument.h"
+#include "cli/arguments/StoredItem.h"
+#include "cli/commands/Commands.h"
+#include "cli/terminal/Console.h"
+#include "cli/terminal/TextTable.h"
+#include "cli/work/ClassDump.h"
+#include "tavlen/foundation/json/JSONEncoder.h"
+#include "tavlen/foundation/objc/MethodTypes.h"
+#include "tavlen/items/TweakPoster.h"
+#include "tavlen/tweaks/Manifest.h"
+
+namespace tavlen::cli {
+
+namespace {
+
+struct Options {
+  std::string tweak;
+  std::string hook;
+  std::optional<std::string> className;
+  std::optional<std::string> selector;
+  std::optional<std::string> signature;
+  std::optional<std::string> name;
+  std::optional<std::string> method;
+  ImageArgument image;
+  bool isClassMethod = false;
+  bool isInstanceMethod = false;
+  bool hasNoName = false;
+  bool json = false;
+};
+
+/// The library stores any signature; one that does not fit its selector is most likely mistyped.
+void warnOfSignature(const Hook& hook) {
+  const auto types = splitMethodTypes(hook.signature);
+  const auto colons = std::count(hook.selector.begin(), hook.selector.end(), ':');
+  const auto expected = static_cast<std::size_t>(colons) + 2;  // with the receiver, the selector
+  if (!types || types->arguments.size() != expected) {
+    printWarning("the signature \"" + hook.signature + "\" does not fit the selector \"" +
+                 hook.selector + "\"");
+  }
+}
+
+void requireFree(const HookManager& manager) {
+  const auto hooks = manager.tweak->manifest()._hooks;
+  const bool isTaken = std::any_of(hooks.begin(), hooks.end(), [&](const auto& hook) {
+    return hook && hook->identity() == manager.identity;
+  });
+  if (isTaken) throw std::runtime_error("the tweak hooks that method already");
+}
+
+std::string methodProblem(const std::string& text) {
+  return methodNamed(text) ? "" : "not '-[Class selector]' or '+[Class selector]': " + text;
+}
+
+/// The hook of a method that the image has, with the types that it has there.
+Hook dumpedHook(const Options& options) {
+  const MethodIdentity wanted = *methodNamed(*options.method);
+  const std::shared_ptr<ObjCClass> cls = dumpedClass(options.image, wanted.className);
+  for (const auto& [method, identity] : cls->methodIdentities()) {
+    if (identity == wanted) return Hook::with(*cls, *method, {});
+  }
+  throw std::runtime_error(options.image.image + ": " + wanted.className + " has no method " +
+                           methodText(wanted) + " of its own");
+}
+
+Hook newHook(const Options& options) {
+  if (options.method) return dumpedHook(options);
+  return Hook::with(options.className.value_or(""), options.selector.value_or(""),
+                    options.signature.value_or(""), options.isClassMethod, {});
+}
+
+void addHook(const Options& options) {
+  const auto tweak = storedTweak(options.tweak);
+  const Hook plain = newHook(options);
+  naming(options.tweak + ": " + methodText(plain.identity()), [&] {
+    const std::lock_guard lock(tweakPoster().recursiveLock);
+    const HookManager manager = tweak->managerFor(plain.identity());
+    requireFree(manager);
+    Hook hook = plain;
+    hook.customName = options.name;
+    manager.setHook(hook);
+  });
+  warnOfSignature(plain);
+}
+
+void applyTo(Hook& hook, const Options& options) {
+  if (options.className) hook.className = *options.className;
+  if (options.selector) hook.selector = *options.selector;
+  if (options.signature) hook.signature = *options.signature;
+  if (options.isClassMethod) hook.isClassMethod = true;
+  if (options.isInstanceMethod) hook.isClassMethod = false;
+  if (options.name) hook.customName = options.name;
+  if (options.hasNoName) hook.customName.reset();
+}
+
+void setHook(const Options& options) {
+  const auto tweak = storedTweak(options.tweak);
+  Hook changed;
+  naming(options.tweak + ": " + options.hook, [&] {
+    const std::lock_guard lock(tweakPoster().recursiveLock);
+    const HookManager manager = hookArgument(tweak, options.hook);
+    manager.updateHook([&](Hook& hook) {
+      applyTo(hook, options);
+      if (hook.identity() != manager.identity) requireFree(tweak->managerFor(hook.identity()));
+      changed = hook;
+    });
+  });
+  if (options.selector || options.signature) warnOfSignature(changed);
+}
+
+void removeHook(const Options& options) {
+  const auto tweak = storedTweak(options.tweak);
+  naming(options.tweak + ": " + options.hook, [&] {
+    const std::lock_guard lock(tweakPoster().recursiveLock);
+    hookArgument(tweak, options.hook).deleteHook();
+  });
+}
+
+std::string table(const std::vector<Hook>& hooks) {
+  TextTable table({"NAME", "SIGNATURE", "REPLACES", "HOOK"}, TextTable::LastColumn::whole);
+  for (const Hook& hook : hooks) {
+    std::string indices;
+    for (const auto& entry : hook._args)
+      indices += (indices.empty() ? "" : ", ") + std::to_string(entry.first);
+    table.addRow(
+        {hook.customName.value_or(""), hook.signature, indices, methodText(hook.identity())});
+  }
+  return table.text();
+}
+
+void listHooks(const Options& options) {
+  const auto tweak = storedTweak(options.tweak);
+  const std::vector<Hook> hooks = naming(options.tweak, [&] { return tweak->manifest().hooks(); });
+  if (options.json) return printData(encodeJSON(hooks) + "\n");
+  if (!hooks.empty()) printData(table(hooks));
+}
+
+using SharedOptions = std::shared_ptr<Options>;
+
+/// A subcommand of `hook`, with the argument that all have.
+Command addTo(Command group, const char* name, const char* help, const SharedOptions& options) {
+  Command command = group.addCommand(name, help);
+  command.text("TWEAK", options->tweak, kTweakHelp).required().notEmpty();
+  return command;
+}
+
+Action actionOf(const SharedOptions& options, void (*edit)(const Options&)) {
+  return [options, edit] {
+    edit(*options);
+    return 0;
+  };
+}
+
+void addAdd(Command group) {
+  const auto options = std::make_shared<Options>();
+  Command command = addTo(group, "add", "Hook a method", options);
+  const Option cls = command.text("CLASS", options->className, "The method's class").notEmpty();
+  const Option selector =
+      command.text("SELECTOR", options->selector, "The method's selector").notEmpty();
+  const Option signature =
+      command
+          .text("--signature", options->signature, "The method's type encoding, such as v24@0:8@16")
+          .notEmpty()
+          .typeName("TYPES");
+  const Option sign =
+      command.flag("--class-method", options->isClassMethod, "It is a class method");
+  Option method = command
+                      .text("--method", options->method,
+                            "Instead of these, a method that the image of --in has")
+                      .notEmpty()
+                      .check(methodProblem)
+                      .typeName("'-[CLASS SELECTOR]'");
+  for (const Option& typed : {cls, selector, signature, sign}) method.excludes(typed);
+  ImageOptions image = addImageArgument(command, "--in", options->image);
+  image.image.needs(method);
+  image.parser.needs(method);
+  method.needs(image.image);
+  command.text("--name", options->name, "A name to show for the hook").notEmpty().typeName("NAME");
+  command.prepare([=]() -> Action {
+    if (!method.isGiven()) {
+      for (const Option& typed : {cls, selector, signature}) typed.requireGiven();
+    }
+    return actionOf(options, addHook);
+  });
+}
+
+void addRemove(Command group) {
+  const auto options = std::make_shared<Options>();
+  Command command = addTo(group, "remove", "Remove a hook and its parameters", options);
+  addHookArgument(command, options->hook);
+  command.run(actionOf(options, removeHook));
+}
+
+void addList(Command group) {
+  const auto options = std::make_shared<Options>();
+  Command command = addTo(group, "list", "List the hooks", options);
+  command.flag("--json", options->json, "Print a JSON array, as the manifest holds it");
+  command.run(actionOf(options, listHooks));
+}
+
+void addSet(Command group) {
+  const auto options = std::make_shared<Options>();
+  Command command = addTo(group, "set", "Change a hook; its parameters stay", options);
+  addHookArgument(command, options->hook);
+  Command changes = command.addGroup("Changes", "", 1, 0);
+  changes.text("--class", options->className, "Another class").notEmpty().typeName("CLASS");
+  changes.text("--selector", options->selector, "Another selector").notEmpty().typeName("SELECTOR");
+  changes.text("--signature", options->signature, "Another type encoding")
+      .notEmpty()
+      .typeName("TYPES");
+  const Option isClass =
+      changes.flag("--class-method", options->isClassMethod, "Make it a class method");
+  changes.flag("--instance-method", options->isInstanceMethod, "Make it an instance method")
+      .excludes(isClass);
+  const Option name =
+      changes.text("--name", options->name, "A name to show").notEmpty().typeName("NAME");
+  changes.flag("--no-name", options->hasNoName, "Show no name").excludes(name);
+  command.run(actionOf(options, setHook));
+}
+
+}  // namespace
+
+void addHookCommand(Command app) {
+  Command group = app.addCommand("hook", "List and edit the hooks of a tweak");
+  group.requireCommand();
+  addAdd(group);
+  addRemove(group);
+  addList(group);
+  addSet(group);
+}
+
+}  // namespace tavlen::cli

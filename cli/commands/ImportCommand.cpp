@@ -1,0 +1,64 @@
+#include <exception>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "cli/arguments/StoredItem.h"
+#include "cli/commands/Commands.h"
+#include "cli/terminal/Console.h"
+#include "cli/terminal/ProgressLine.h"
+#include "tavlen/collections/TweakCollection.h"
+#include "tavlen/collections/TweakCollectionManifest.h"
+#include "tavlen/foundation/coding/CodingError.h"
+#include "tavlen/store/TweakManager.h"
+
+namespace tavlen::cli {
+
+namespace {
+
+void announceCreation(TweakProtocol& item) {
+  if (const auto* collection = dynamic_cast<const TweakCollection*>(&item)) {
+    for (const std::shared_ptr<TweakFile>& member : collection->manifest().tweaks()) {
+      announce(*member, GenericTweakDiffMode::create);
+    }
+  }
+  announce(item, GenericTweakDiffMode::create);
+}
+
+int import(const std::vector<std::string>& files) {
+  int status = 0;
+  for (const std::string& file : files) {
+    std::shared_ptr<TweakProtocol> item;
+    try {
+      const ProgressLine line("importing " + file);
+      item = TweakManager::decompressAt(file, line.progress().get());
+    } catch (const DecodingError& error) {
+      printError(file + ": Manifest.json: " + error.description());
+      status = 1;
+      continue;
+    } catch (const std::exception& error) {
+      const std::string text = error.what();
+      // The file system's errors may name it themselves.
+      printError(text.starts_with(file) ? text : std::string(file).append(": ").append(text));
+      status = 1;
+      continue;
+    }
+    announceCreation(*item);
+    printData(item->id() + "\n");
+  }
+  return status;
+}
+
+}  // namespace
+
+void addImportCommand(Command app) {
+  Command command =
+      app.addCommand("import",
+                     "Take archives of tweaks and collections into the store and print the new "
+                     "identifiers");
+  const auto files = std::make_shared<std::vector<std::string>>();
+  command.texts("FILE", *files, "The archives, as export writes them").notEmpty();
+  command.run([files] { return import(*files); });
+}
+
+}  // namespace tavlen::cli

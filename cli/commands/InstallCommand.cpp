@@ -1,0 +1,82 @@
+#include <algorithm>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "cli/arguments/StoredItem.h"
+#include "cli/arguments/TranspilerOption.h"
+#include "cli/arguments/TweakArgument.h"
+#include "cli/commands/Commands.h"
+#include "cli/terminal/Console.h"
+#include "cli/work/ActiveTweak.h"
+#include "cli/work/Transpilation.h"
+#include "tavlen/bundles/IPA.h"
+#include "tavlen/collections/TweakCollectionManifest.h"
+#include "tavlen/items/InstallableItem.h"
+
+namespace tavlen::cli {
+
+namespace {
+
+struct Options {
+  std::string item;
+  std::string transpiler;
+  bool copyExecutables = false;
+};
+
+using Tweaks = std::vector<std::shared_ptr<TweakFile>>;
+
+/// The tweaks that an installation of `item` puts on the device. Warns of members that it cannot.
+Tweaks tweaksOf(const std::shared_ptr<TweakProtocol>& item) {
+  const auto collection = std::dynamic_pointer_cast<TweakCollection>(item);
+  if (!collection) return {std::dynamic_pointer_cast<TweakFile>(item)};
+  const TweakCollection::Manifest manifest = collection->manifest();
+  Tweaks tweaks = manifest.tweaks();
+  for (const std::string& id : manifest._tweaks) {
+    const bool isOpen = std::any_of(tweaks.begin(), tweaks.end(),
+                                    [&](const auto& tweak) { return tweak->id() == id; });
+    if (!isOpen) printWarning("the member " + id + " cannot be opened and is left out");
+  }
+  return tweaks;
+}
+
+/// Converts each tweak again, so that an error is shown at its place in the source. Whether one did
+/// not build.
+bool showsSyntaxError(const Tweaks& tweaks, const std::filesystem::path& transpiler) {
+  return std::any_of(tweaks.begin(), tweaks.end(), [&](const auto& tweak) {
+    const OpenedTweak opened = openTweak(std::filesystem::absolute(tweak->url()).string());
+    if (transpile(opened, transpiler)) return false;
+    printError(opened.folder + ": does not build");
+    return true;
+  });
+}
+
+int install(const Options& options) {
+  const std::shared_ptr<TweakProtocol> item = storedItem(options.item);
+  const std::shared_ptr<IPA> ipa = item->associatedIPA();
+  const Tweaks tweaks = tweaksOf(item);
+  const std::filesystem::path transpiler = transpilerFolder(options.transpiler);
+  const InstallableItem installable(item, transpiler, options.copyExecutables);
+  try {
+    setActiveTweak(*ipa, &installable);
+  } catch (const TweakProcessor::Error&) {
+    if (!showsSyntaxError(tweaks, transpiler)) throw;
+    return 1;
+  }
+  return 0;
+}
+
+}  // namespace
+
+void addInstallCommand(Command app) {
+  Command command =
+      app.addCommand("install", "Make a tweak or a collection the active one of its app");
+  const auto options = std::make_shared<Options>();
+  command.text("ITEM", options->item, kItemHelp).required().notEmpty();
+  command.flag("--executables", options->copyExecutables, "Install its executables, too");
+  addTranspilerOption(command, options->transpiler);
+  command.run([options] { return install(*options); });
+}
+
+}  // namespace tavlen::cli

@@ -1,0 +1,76 @@
+#include "cli/commands/ItemCreation.h"
+
+#include <utility>
+#include <vector>
+
+#include "cli/arguments/AppArgument.h"
+#include "cli/arguments/StoredItem.h"
+#include "cli/arguments/UsageError.h"
+#include "cli/terminal/Console.h"
+#include "tavlen/items/GlyphNames.h"
+
+namespace tavlen::cli {
+
+namespace {
+
+struct Options {
+  std::string name;
+  std::string app;
+  TweakColor color = TweakColor::lightGreen;
+  TweakGlyph glyph = TweakGlyph::default_();
+};
+
+std::string described(const TweakGlyph& glyph) { return glyph.icon + "/" + glyph.style; }
+
+/// Where the user names no style, the plain one is meant, or the only one that there is.
+TweakGlyph glyphNamed(const std::string& text) {
+  const std::size_t slash = text.find('/');
+  const bool hasStyle = slash != std::string::npos;
+  TweakGlyph glyph{text.substr(0, slash), hasStyle ? text.substr(slash + 1) : "solid"};
+  if (isKnownGlyph(glyph)) return glyph;
+  const auto suggestion = suggestedGlyph(glyph);
+  if (suggestion && !hasStyle && suggestion->icon == glyph.icon) return *suggestion;
+  throw UsageError("--glyph",
+                   "unknown glyph \"" + described(glyph) + "\"" +
+                       (suggestion ? "; did you mean " + described(*suggestion) + "?" : ""));
+}
+
+void addLook(Command command, Options& options) {
+  const auto& colors = RawValues<TweakColor>::names;
+  command
+      .text(
+          "--color",
+          [&options](const std::string& name) { options.color = *fromRawValue<TweakColor>(name); },
+          "The colour that it is shown in")
+      .oneOf({colors.begin(), colors.end()})
+      .typeName("COLOR");
+  command
+      .text(
+          "--glyph", [&options](const std::string& text) { options.glyph = glyphNamed(text); },
+          "The icon that it is shown with, by the names of Font Awesome 5.15.4 Free")
+      .typeName("ICON[/STYLE]");
+}
+
+int create(const Options& options, const ItemFactory& make) {
+  const std::string bundleID = bundleIDOf(options.app);
+  const std::shared_ptr<TweakProtocol> item =
+      make(options.name, options.color, options.glyph, bundleID);
+  announce(*item, GenericTweakDiffMode::create);
+  if (!isInstalledApp(bundleID)) printWarning(bundleID + ": no app of that identifier is here");
+  printData(item->id() + "\n");
+  return 0;
+}
+
+}  // namespace
+
+void addItemCreation(Command group, const std::string& kind, ItemFactory make) {
+  Command command =
+      group.addCommand("new", "Make a new, empty " + kind + " and print its identifier");
+  const auto options = std::make_shared<Options>();
+  command.text("NAME", options->name, "The " + kind + "'s name").required().notEmpty().utf8();
+  command.text("--app", options->app, kAppHelp).required().notEmpty().utf8().typeName("APP");
+  addLook(command, *options);
+  command.run([options, make = std::move(make)] { return create(*options, make); });
+}
+
+}  // namespace tavlen::cli

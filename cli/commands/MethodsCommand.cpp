@@ -1,0 +1,43 @@
+#include <memory>
+#include <string>
+
+#include "cli/commands/Commands.h"
+#include "cli/terminal/Console.h"
+#include "cli/work/ClassDump.h"
+#include "tavlen/foundation/json/JSONEncoder.h"
+#include "tavlen/foundation/text/TerminalText.h"
+
+namespace tavlen::cli {
+
+namespace {
+
+struct Options {
+  std::string className;
+  ImageArgument image;
+  bool json = false;
+};
+
+int listMethods(const Options& options) {
+  const std::shared_ptr<ObjCClass> cls = dumpedClass(options.image, options.className);
+  std::string out;
+  if (options.json) {
+    out = encodeJSON(cls->methods) + "\n";
+  } else {
+    for (const auto& method : cls->methods) out += oneLine(method->description()) + "\n";
+  }
+  printData(out);
+  return 0;
+}
+
+}  // namespace
+
+void addMethodsCommand(Command app) {
+  Command command = app.addCommand("methods", "List the methods that a class has of its own");
+  const auto options = std::make_shared<Options>();
+  command.text("CLASS", options->className, "The class's name").required().notEmpty();
+  addImageArgument(command, "--in", options->image).image.required();
+  command.flag("--json", options->json, "Print a JSON array");
+  command.run([options] { return listMethods(*options); });
+}
+
+}  // namespace tavlen::cli

@@ -1,0 +1,153 @@
+#include <algorithm>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "cli/arguments/ErrorPlace.h"
+#include "cli/arguments/OverrideValue.h"
+#include "cli/arguments/StoredItem.h"
+#include "cli/commands/Commands.h"
+#include "cli/terminal/Console.h"
+#include "cli/terminal/TextTable.h"
+#include "tavlen/foundation/json/JSONEncoder.h"
+#include "tavlen/items/TweakPoster.h"
+#include "tavlen/tweaks/Manifest.h"
+
+namespace tavlen::cli {
+
+namespace {
+
+struct Options {
+  std::string tweak;
+  std::string kind;
+  std::optional<std::string> value;
+  bool json = false;
+};
+
+using Boxes = std::vector<OverrideContainer>;
+
+auto isOf(const std::string& kind) {
+  return [&kind](const OverrideContainer& box) { return identifierOf(box.value) == kind; };
+}
+
+/// Lets `change` edit the tweak's overrides as one step. Errors name tweak and kind.
+template <class Change>
+void editOverrides(const Options& options, Change change) {
+  const auto tweak = storedTweak(options.tweak);
+  naming(options.tweak + ": " + options.kind, [&] {
+    const std::lock_guard lock(tweakPoster().recursiveLock);
+    tweak->updateManifest(
+        [&](TweakFile::Manifest& manifest) { change(*tweak, manifest._overrides); });
+  });
+}
+
+Boxes::iterator requireKind(Boxes& boxes, const std::string& kind) {
+  const auto found = std::find_if(boxes.begin(), boxes.end(), isOf(kind));
+  if (found == boxes.end()) throw std::runtime_error("the tweak has no such override");
+  return found;
+}
+
+Action addAction(const Options& options) {
+  std::optional<Override> value;
+  if (options.value) value = parseOverride(options.kind, *options.value);
+  return [options, value] {
+    editOverrides(options, [&](const TweakFile& tweak, Boxes& boxes) {
+      if (std::any_of(boxes.begin(), boxes.end(), isOf(options.kind)))
+        throw std::runtime_error("the tweak has such an override already; set changes it");
+      boxes.push_back({value ? *value : tweak.makeOverride(overrideKind(options.kind))});
+    });
+    return 0;
+  };
+}
+
+Action setAction(const Options& options) {
+  const Override value = parseOverride(options.kind, options.value.value_or(""));
+  return [options, value] {
+    editOverrides(options, [&](const TweakFile& /*tweak*/, Boxes& boxes) {
+      const auto found = requireKind(boxes, options.kind);
+      found->value = value;
+      // Others of the kind, which a manifest may hold, would win over it.
+      boxes.erase(std::remove_if(found + 1, boxes.end(), isOf(options.kind)), boxes.end());
+    });
+    return 0;
+  };
+}
+
+Action removeAction(const Options& options) {
+  return [options] {
+    editOverrides(options, [&](const TweakFile& /*tweak*/, Boxes& boxes) {
+      boxes.erase(std::remove_if(requireKind(boxes, options.kind), boxes.end(), isOf(options.kind)),
+                  boxes.end());
+    });
+    return 0;
+  };
+}
+
+std::string table(const Boxes& boxes) {
+  TextTable table({"KIND", "TITLE", "VALUE"}, TextTable::LastColumn::whole);
+  for (const OverrideContainer& box : boxes) {
+    table.addRow(
+        {std::string(identifierOf(box.value)), localizedName(box.value), overrideText(box.value)});
+  }
+  return table.text();
+}
+
+Action listAction(const Options& options) {
+  return [options] {
+    const auto tweak = storedTweak(options.tweak);
+    const Boxes boxes = naming(options.tweak, [&] { return tweak->manifest()._overrides; });
+    if (options.json) {
+      printData(encodeJSON(boxes) + "\n");
+    } else if (!boxes.empty()) {
+      printData(table(boxes));
+    }
+    return 0;
+  };
+}
+
+/// A subcommand of `override`. `make` judges the arguments, so that a malformed value is wrong
+/// usage, and gives what is to be done.
+Command addTo(Command group, const char* name, const char* help,
+              const std::shared_ptr<Options>& options, Action (*make)(const Options&)) {
+  Command command = group.addCommand(name, help);
+  command.text("TWEAK", options->tweak, kTweakHelp).required().notEmpty();
+  command.prepare([options, make] { return make(*options); });
+  return command;
+}
+
+void addKind(Command command, const std::shared_ptr<Options>& options) {
+  command.text("KIND", options->kind, "The kind of override")
+      .required()
+      .oneOfIgnoringCase(overrideKinds());
+}
+
+}  // namespace
+
+void addOverrideCommand(Command app) {
+  Command group = app.addCommand("override", "List and edit a tweak's overrides of Info.plist");
+  group.requireCommand();
+
+  auto options = std::make_shared<Options>();
+  Command add = addTo(group, "add", "Add an override, of the app's own value without one", options,
+                      addAction);
+  addKind(add, options);
+  add.text("VALUE", options->value, kOverrideValueHelp);
+
+  options = std::make_shared<Options>();
+  Command set = addTo(group, "set", "Change an override", options, setAction);
+  addKind(set, options);
+  set.text("VALUE", options->value, kOverrideValueHelp).required();
+
+  options = std::make_shared<Options>();
+  addKind(addTo(group, "remove", "Remove an override", options, removeAction), options);
+
+  options = std::make_shared<Options>();
+  addTo(group, "list", "List the overrides", options, listAction)
+      .flag("--json", options->json, "Print a JSON array, as the manifest holds it");
+}
+
+}  // namespace tavlen::cli

@@ -1,0 +1,93 @@
+#include <exception>
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+#include "cli/arguments/StoredItem.h"
+#include "cli/commands/Commands.h"
+#include "cli/terminal/Console.h"
+#include "cli/terminal/EditedText.h"
+#include "tavlen/foundation/json/JSONEncoder.h"
+#include "tavlen/foundation/text/Unicode.h"
+
+namespace tavlen::cli {
+
+namespace {
+
+std::string scriptOf(const TweakFile& tweak) { return tweak.readScript().value_or(std::string()); }
+
+int show(const std::string& name, bool json) {
+  const std::string script = scriptOf(*storedTweak(name));
+  printData(json ? encodeJSON(script) + "\n" : script);
+  return 0;
+}
+
+void requireUTF8(const std::string& text, const std::string& file) {
+  if (!isValidUTF8(text)) throw std::runtime_error(file + ": is not UTF-8");
+}
+
+int set(const std::string& name, const std::string& file) {
+  const std::shared_ptr<TweakFile> tweak = storedTweak(name);
+  const std::string text = readInput(file);
+  requireUTF8(text, file == "-" ? "standard input" : file);
+  tweak->writeScript(text);
+  return 0;
+}
+
+/// Stores what the user made of `before`. Nothing where somebody else stored another script
+/// meanwhile.
+void store(TweakFile& tweak, const std::string& before, const EditedText& edited) {
+  const std::string after = edited.text();
+  requireUTF8(after, edited.file().string());
+  if (scriptOf(tweak) != before) {
+    throw std::runtime_error("the script was changed by somebody else meanwhile");
+  }
+  tweak.writeScript(after);
+}
+
+int edit(const std::string& name) {
+  const std::shared_ptr<TweakFile> tweak = storedTweak(name);
+  const std::string before = scriptOf(*tweak);
+  EditedText edited("script.objs", before);
+  try {
+    edited.edit();
+    if (edited.text() == before) {
+      printMessage("tavlen: the script is as it was\n");
+      return 0;
+    }
+    store(*tweak, before, edited);
+  } catch (const std::exception& error) {
+    // An editor that failed before the user wrote anything leaves nothing worth keeping.
+    if (edited.text() == before) throw;
+    edited.keep();
+    throw std::runtime_error(error.what() + std::string("; the text is kept in ") +
+                             edited.file().string());
+  }
+  return 0;
+}
+
+}  // namespace
+
+void addScriptCommand(Command app) {
+  Command group = app.addCommand("script", "Show, replace or edit the script of a tweak");
+  group.requireCommand();
+  const auto tweak = std::make_shared<std::string>();
+  const auto file = std::make_shared<std::string>();
+  const auto add = [&](const char* name, const char* help) {
+    Command command = group.addCommand(name, help);
+    command.text("TWEAK", *tweak, kTweakHelp).required().notEmpty();
+    return command;
+  };
+  Command showing = add("show", "Print the script");
+  const auto json = std::make_shared<bool>(false);
+  showing.flag("--json", *json, "Print a JSON string");
+  showing.run([tweak, json] { return show(*tweak, *json); });
+  Command setting = add("set", "Store another script");
+  setting.text("FILE", *file, "The script, in UTF-8; - for the standard input")
+      .required()
+      .notEmpty();
+  setting.run([tweak, file] { return set(*tweak, *file); });
+  add("edit", "Edit the script in $VISUAL or $EDITOR").run([tweak] { return edit(*tweak); });
+}
+
+}  // namespace tavlen::cli

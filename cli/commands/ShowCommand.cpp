@@ -1,0 +1,140 @@
+#include <algorithm>
+#include <memory>
+#include <optional>
+#include <string>
+#include <system_error>
+#include <vector>
+
+#include "cli/arguments/StoredItem.h"
+#include "cli/commands/Commands.h"
+#include "cli/terminal/Console.h"
+#include "cli/work/ActiveTweak.h"
+#include "tavlen/collections/TweakCollectionManifest.h"
+#include "tavlen/foundation/json/JSONEncoder.h"
+#include "tavlen/foundation/text/TerminalText.h"
+#include "tavlen/foundation/text/Unicode.h"
+#include "tavlen/tweaks/Manifest.h"
+
+namespace tavlen {
+
+template <>
+struct Coding<TweakManifest> {
+  static void encode(Encoder& encoder, const TweakManifest& manifest) { manifest.encode(encoder); }
+};
+
+namespace cli {
+
+namespace {
+
+/// What the command knows of an item, in JSON.
+struct Item {
+  std::string id;
+  std::string kind;
+  std::string path;
+  bool isInstalled;
+
+  static constexpr auto codedFields() {
+    return std::tuple{requiredField("identifier", &Item::id), requiredField("kind", &Item::kind),
+                      requiredField("path", &Item::path),
+                      requiredField("installed", &Item::isInstalled)};
+  }
+};
+
+std::string row(const std::string& title, const std::string& value) {
+  constexpr std::size_t kTitleWidth = 12;
+  std::string text = title.empty() ? "" : title + ":";
+  text.resize(kTitleWidth, ' ');
+  return text + oneLine(value) + "\n";
+}
+
+/// A row an entry, the title before the first; "none" without any.
+std::string list(const std::string& title, const std::vector<std::string>& entries) {
+  if (entries.empty()) return row(title, "none");
+  std::string text;
+  for (const std::string& entry : entries) text += row(text.empty() ? title : "", entry);
+  return text;
+}
+
+std::string scriptSummary(const TweakFile& tweak) {
+  try {
+    const std::string script = tweak.readScript().value_or(std::string());
+    return script.empty() ? "none" : std::to_string(script.size()) + " bytes";
+  } catch (const std::system_error&) {
+    return "cannot be read";
+  }
+}
+
+std::string contentsOf(const TweakFile& tweak) {
+  const TweakFile::Manifest manifest = tweak.manifest();
+  std::vector<std::string> hooks;
+  for (const Hook& hook : manifest.hooks()) {
+    hooks.push_back(std::string(hook.prefix()) + "[" + hook.className + " " + hook.selector + "]");
+  }
+  std::vector<std::string> overrides;
+  for (const Override& override_ : manifest.overrides()) {
+    overrides.push_back(localizedName(override_));
+  }
+  return list("Hooks", hooks) + list("Overrides", overrides) + row("Script", scriptSummary(tweak)) +
+         row("Icon", tweak.customIcon() ? "its own" : "the app's");
+}
+
+std::string contentsOf(const TweakCollection& collection) {
+  const TweakCollection::Manifest manifest = collection.manifest();
+  const std::vector<std::shared_ptr<TweakFile>> opened = manifest.tweaks();
+  std::vector<std::string> members;
+  for (const std::string& id : manifest._tweaks) {
+    const auto member = std::find_if(opened.begin(), opened.end(),
+                                     [&](const auto& tweak) { return tweak->id() == id; });
+    members.push_back(id + "  " +
+                      (member == opened.end()
+                           ? "(cannot be opened)"
+                           : (*member)->genericManifest().genericConfiguration().name()));
+  }
+  return list("Tweaks", members);
+}
+
+std::string table(const TweakProtocol& item, const TweakConfiguration& configuration,
+                  bool isInstalled) {
+  const TweakGlyph& glyph = configuration.glyph();
+  std::string text = row("Name", configuration.name()) + row("Kind", kindOf(item)) +
+                     row("Identifier", item.id()) + row("App", configuration.bundleID()) +
+                     row("Color", std::string(rawValue(configuration.color()))) +
+                     row("Glyph", glyph.icon + "/" + glyph.style) +
+                     row("Installed", isInstalled ? "yes" : "no");
+  if (const auto* tweak = dynamic_cast<const TweakFile*>(&item)) return text + contentsOf(*tweak);
+  if (const auto* collection = dynamic_cast<const TweakCollection*>(&item)) {
+    return text + contentsOf(*collection);
+  }
+  return text;
+}
+
+int show(const std::string& name, bool json) {
+  const std::shared_ptr<TweakProtocol> item = storedItem(name);
+  const TweakManifest manifest = item->genericManifest();
+  const TweakConfiguration configuration = manifest.genericConfiguration();
+  const bool isInstalled = isActiveTweak(configuration.bundleID(), item->id());
+  if (json) {
+    std::string text = encodeJSON(Item{wellFormedUTF8(item->id()), kindOf(*item),
+                                       wellFormedUTF8(item->url().native()), isInstalled});
+    // The document is encoded by itself: it may be as deep as documents may be.
+    text.back() = ',';
+    printData(text + "\"manifest\":" + encodeJSON(manifest) + "}\n");
+  } else {
+    printData(table(*item, configuration, isInstalled));
+  }
+  return 0;
+}
+
+}  // namespace
+
+void addShowCommand(Command app) {
+  Command command = app.addCommand("show", "Print what a tweak or a collection holds");
+  const auto name = std::make_shared<std::string>();
+  const auto json = std::make_shared<bool>(false);
+  command.text("ITEM", *name, kItemHelp).required().notEmpty();
+  command.flag("--json", *json, "Print a JSON object");
+  command.run([name, json] { return show(*name, *json); });
+}
+
+}  // namespace cli
+}  // namespace tavlen

@@ -1,0 +1,146 @@
+#include <unistd.h>
+
+#include <array>
+#include <csignal>
+#include <exception>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <system_error>
+#include <vector>
+
+#include "cli/commands/Commands.h"
+#include "cli/terminal/Console.h"
+#include "cli/terminal/EndSignals.h"
+#include "tavlen/foundation/files/DirectoryWatcher.h"
+#include "tavlen/foundation/json/JSONEncoder.h"
+#include "tavlen/foundation/text/TerminalText.h"
+#include "tavlen/foundation/text/Unicode.h"
+#include "tavlen/items/TweaksDirectory.h"
+#include "tavlen/store/StoreSnapshot.h"
+#include "tavlen/store/TweakManager.h"
+#include "tavlen/tweaks/TweakFile.h"
+
+namespace tavlen::cli {
+
+namespace {
+
+/// A change as it is printed.
+struct Row {
+  std::string event;
+  std::string kind;
+  std::string id;
+  std::vector<std::string> documents;
+  std::optional<std::string> name;
+
+  static constexpr auto codedFields() {
+    return std::tuple{requiredField("event", &Row::event), requiredField("kind", &Row::kind),
+                      requiredField("identifier", &Row::id),
+                      requiredField("documents", &Row::documents),
+                      optionalField("name", &Row::name)};
+  }
+};
+
+/// The items' names, which those that are gone had once.
+class Names {
+ public:
+  void read(const std::string& id) {
+    try {
+      names_[id] = TweakManager::tweakWithID(id)->genericManifest().genericConfiguration().name();
+    } catch (const std::exception&) {
+      return;  // gone, or broken; as it was called before
+    }
+  }
+  std::optional<std::string> of(const std::string& id) const {
+    const auto name = names_.find(id);
+    return name == names_.end() ? std::nullopt : std::optional(name->second);
+  }
+  void forget(const std::string& id) { names_.erase(id); }
+
+ private:
+  std::map<std::string, std::string> names_;
+};
+
+Row rowOf(const StoreSnapshot::Change& change, const Names& names) {
+  static constexpr std::array kEvents = {"created", "changed", "deleted"};
+  static constexpr std::array kDocuments = {"manifest", "script", "icon"};
+  Row row;
+  row.event = kEvents.at(static_cast<std::size_t>(change.kind));
+  row.kind = TweakFile::isValidID(change.id) ? "tweak" : "collection";
+  row.id = wellFormedUTF8(change.id);
+  for (const StoreSnapshot::Document document : change.documents) {
+    row.documents.emplace_back(kDocuments.at(static_cast<std::size_t>(document)));
+  }
+  row.name = names.of(change.id);
+  return row;
+}
+
+/// The name stands last, as it may hold blanks.
+std::string line(const Row& row) {
+  std::string documents;
+  for (const std::string& document : row.documents) {
+    documents += (documents.empty() ? "" : ",") + document;
+  }
+  return row.event + " " + oneLine(row.id) + " " + documents + " " +
+         oneLine(row.name.value_or("-"));
+}
+
+/// Folders that come while it looks are watched before the next look.
+StoreSnapshot look(DirectoryWatcher& watcher) {
+  StoreSnapshot snapshot = StoreSnapshot::take();
+  for (std::vector<std::filesystem::path> watched; watched != snapshot.folders();
+       snapshot = StoreSnapshot::take()) {
+    watched = snapshot.folders();
+    watcher.watch(watched);
+  }
+  return snapshot;
+}
+
+void print(const StoreSnapshot::Change& change, Names& names, bool json) {
+  const bool isDeletion = change.kind == StoreSnapshot::Change::Kind::deleted;
+  if (!isDeletion) names.read(change.id);
+  const Row row = rowOf(change, names);
+  printData((json ? encodeJSON(row) : line(row)) + "\n");
+  if (isDeletion) names.forget(change.id);
+}
+
+int watch(bool json) {
+  const EndSignals signals;
+  const std::array<int, 2> ends = {signals.descriptor(), STDOUT_FILENO};
+  DirectoryWatcher watcher;
+  StoreSnapshot current = look(watcher);
+  Names names;
+  for (const std::string& id : current.ids()) names.read(id);
+  printMessage("tavlen: watching " + oneLine(TweaksDirectory::url().native()) + "\n");
+  while (watcher.wait(ends) != DirectoryWatcher::Wake::end) {
+    StoreSnapshot next = look(watcher);
+    for (const StoreSnapshot::Change& change : next.changesSince(current)) {
+      print(change, names, json);
+    }
+    current = std::move(next);
+  }
+  return 0;
+}
+
+/// Who reads no further wants no more: that is no failure.
+int watchUntilUnread(bool json) {
+  try {
+    return watch(json);
+  } catch (const std::system_error& error) {
+    if (error.code() == std::errc::broken_pipe) return 0;
+    throw;
+  }
+}
+
+}  // namespace
+
+void addWatchCommand(Command app) {
+  Command command = app.addCommand(
+      "watch", "Print a line for each tweak or collection that is made, changed or deleted");
+  const auto json = std::make_shared<bool>(false);
+  command.flag("--json", *json, "Print a JSON object a line");
+  command.run([json] { return watchUntilUnread(*json); });
+}
+
+}  // namespace tavlen::cli

@@ -1,0 +1,87 @@
+#include "cli/terminal/EditedText.h"
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <stdexcept>
+#include <system_error>
+
+#include "tavlen/device/Process.h"
+#include "tavlen/foundation/files/FileReplacement.h"
+#include "tavlen/foundation/files/FileSystem.h"
+
+namespace tavlen::cli {
+
+namespace {
+
+std::string editor() {
+  for (const char* variable : {"VISUAL", "EDITOR"}) {
+    const char* value = std::getenv(variable);  // NOLINT(concurrency-mt-unsafe)
+    if (value != nullptr && *value != '\0') return value;
+  }
+  return "vi";
+}
+
+/// Ctrl-C in the editor is meant for the editor.
+class KeyboardSignals {
+ public:
+  KeyboardSignals() {
+    for (std::size_t i = 0; i < kSignals.size(); ++i) {
+      struct sigaction ignore {};
+      ignore.sa_handler = SIG_IGN;
+      ::sigaction(kSignals[i], &ignore, &before_[i]);
+    }
+  }
+  KeyboardSignals(const KeyboardSignals&) = delete;
+  KeyboardSignals& operator=(const KeyboardSignals&) = delete;
+  ~KeyboardSignals() {
+    for (std::size_t i = 0; i < kSignals.size(); ++i) {
+      ::sigaction(kSignals[i], &before_[i], nullptr);
+    }
+  }
+
+ private:
+  static constexpr std::array<int, 2> kSignals = {SIGINT, SIGQUIT};
+  std::array<struct sigaction, 2> before_{};
+};
+
+}  // namespace
+
+EditedText::EditedText(const std::string& name, std::string_view text) {
+  std::string folder = (std::filesystem::temp_directory_path() / "tavlen-XXXXXX").string();
+  if (::mkdtemp(folder.data()) == nullptr) {
+    throw std::system_error(errno, std::generic_category(), folder);
+  }
+  file_ = std::filesystem::path(folder) / name;
+  try {
+    replaceFile(file_, text);
+  } catch (...) {
+    std::error_code ignored;
+    std::filesystem::remove_all(folder, ignored);
+    throw;
+  }
+}
+
+EditedText::~EditedText() {
+  std::error_code ignored;
+  if (!isKept_) std::filesystem::remove_all(file_.parent_path(), ignored);
+}
+
+void EditedText::edit() const {
+  // By a shell, as the variables may hold options, and the file apart from the text of the command.
+  const std::string program = editor();
+  Process process("/bin/sh", {"sh", "-c", program + " \"$@\"", program, file_.string()});
+  try {
+    process.launch();
+    // Not before: the editor would inherit it.
+    const KeyboardSignals ignored;
+    process.waitUntilExit();
+  } catch (const Process::Error& error) {
+    throw std::runtime_error(program + ": " + error.description());
+  }
+}
+
+std::string EditedText::text() const { return readFile(file_); }
+
+}  // namespace tavlen::cli

@@ -1,0 +1,64 @@
+#include "cli/terminal/EndSignals.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <system_error>
+
+namespace tavlen::cli {
+
+namespace {
+
+constexpr std::array<int, 3> kSignals = {SIGINT, SIGTERM, SIGPIPE};
+
+/// The pipe's side that is closed; -1 once it is. For the handler, hence no other type.
+volatile std::sig_atomic_t openEnd = -1;
+
+void closeEnd() {
+  const int end = openEnd;
+  openEnd = -1;
+  if (end >= 0) ::close(end);
+}
+
+extern "C" void endAtSignal(int /*signal*/) {
+  const int error = errno;
+  closeEnd();
+  errno = error;
+}
+
+struct sigaction handle(int signal, void (*handler)(int)) {
+  struct sigaction action {};
+  struct sigaction former {};
+  action.sa_handler = handler;
+  ::sigaction(signal, nullptr, &former);
+  // Whoever started the command wants it to go on.
+  if (former.sa_handler != SIG_IGN) ::sigaction(signal, &action, nullptr);
+  return former;
+}
+
+}  // namespace
+
+EndSignals::EndSignals() {
+  std::array<int, 2> pipe{};
+  if (::pipe(pipe.data()) != 0) {
+    throw std::system_error(errno, std::generic_category(), "pipe");
+  }
+  for (const int end : pipe) ::fcntl(end, F_SETFD, FD_CLOEXEC);
+  descriptor_ = pipe[0];
+  openEnd = pipe[1];
+  std::transform(kSignals.begin(), kSignals.end(), former_.begin(), [](int signal) {
+    return handle(signal, signal == SIGPIPE ? SIG_IGN : endAtSignal);
+  });
+}
+
+EndSignals::~EndSignals() {
+  for (std::size_t i = 0; i < kSignals.size(); ++i) {
+    ::sigaction(kSignals[i], &former_[i], nullptr);
+  }
+  closeEnd();
+  ::close(descriptor_);
+}
+
+}  // namespace tavlen::cli

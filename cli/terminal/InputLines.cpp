@@ -1,0 +1,53 @@
+#include "cli/terminal/InputLines.h"
+
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <string>
+#include <system_error>
+
+namespace tavlen::cli {
+
+namespace {
+
+constexpr std::size_t kLongestLine = std::size_t{16} << 20;
+
+std::string_view withoutReturn(std::string_view line) {
+  if (line.ends_with('\r')) line.remove_suffix(1);
+  return line;
+}
+
+/// 0 at the end of the input.
+std::size_t readSome(std::array<char, 1 << 16>& buffer) {
+  while (true) {
+    const ssize_t count = ::read(STDIN_FILENO, buffer.data(), buffer.size());
+    if (count >= 0) return static_cast<std::size_t>(count);
+    if (errno != EINTR) throw std::system_error(errno, std::generic_category(), "standard input");
+  }
+}
+
+}  // namespace
+
+void forEachInputLine(FunctionRef<void(std::string_view)> line, FunctionRef<void()> pause) {
+  std::array<char, 1 << 16> buffer{};
+  std::string begun;  // a line of which more is to come
+  while (const std::size_t count = readSome(buffer)) {
+    std::string_view rest(buffer.data(), count);
+    for (std::size_t end = 0; (end = rest.find('\n')) != std::string_view::npos;) {
+      begun += rest.substr(0, end);
+      line(withoutReturn(begun));
+      begun.clear();
+      rest.remove_prefix(end + 1);
+    }
+    begun += rest;
+    if (begun.size() > kLongestLine) {
+      throw std::system_error(EFBIG, std::generic_category(), "a line of the standard input");
+    }
+    pause();
+  }
+  if (!begun.empty()) line(withoutReturn(begun));
+  pause();
+}
+
+}  // namespace tavlen::cli

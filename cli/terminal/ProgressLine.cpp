@@ -1,0 +1,86 @@
+#include "cli/terminal/ProgressLine.h"
+
+#include <poll.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstddef>
+#include <utility>
+
+#include "cli/terminal/Console.h"
+#include "cli/terminal/TextTable.h"
+#include "tavlen/foundation/text/TerminalText.h"
+
+namespace tavlen::cli {
+
+namespace {
+
+constexpr std::chrono::milliseconds kInterval(200);
+/// Back to the line's begin; what stands behind the cursor goes.
+constexpr const char* kNewLine = "\r\x1B[K";
+
+std::size_t terminalColumns() {
+  constexpr std::size_t kUsual = 80;
+  winsize size{};
+  const bool isKnown = ::ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+  return isKnown ? size.ws_col : kUsual;
+}
+
+constexpr std::size_t kNarrowest = 12;
+
+/// A bar of `width` columns, brackets included; empty where that is too little for one.
+std::string bar(double fraction, std::size_t width) {
+  constexpr std::size_t kWidest = 42;
+  if (width < kNarrowest) return "";
+  const std::size_t inside = std::min(width, kWidest) - 2;
+  const auto full = static_cast<std::size_t>(fraction * static_cast<double>(inside));
+  return "[" + std::string(full, '#') + std::string(inside - full, '.') + "]";
+}
+
+}  // namespace
+
+ProgressLine::ProgressLine(const std::string& work)
+    : work_(oneLine(work)), thread_([this] { show(); }) {}
+
+ProgressLine::~ProgressLine() {
+  {
+    const std::lock_guard lock(lock_);
+    hasEnded_ = true;
+  }
+  end_.notify_one();
+  thread_.join();
+}
+
+void ProgressLine::show() {
+  const bool isTerminal = ::isatty(STDERR_FILENO) == 1;
+  std::unique_lock lock(lock_);
+  while (!end_.wait_for(lock, kInterval, [this] { return hasEnded_; })) {
+    pollfd end{signals_.descriptor(), 0, 0};
+    const bool isCancelled = ::poll(&end, 1, 0) > 0;
+    if (isTerminal && !isCancelled) print();
+    if (!isCancelled) continue;
+    // What is said of the end stands in a line of its own.
+    if (std::exchange(isShown_, false)) printMessage(kNewLine);
+    progress_->cancel();
+  }
+  if (isShown_) printMessage(kNewLine);
+}
+
+void ProgressLine::print() {
+  const double fraction = std::clamp(progress_->fractionCompleted(), 0.0, 1.0);
+  const std::string percent = std::to_string(static_cast<int>(fraction * 100)) + " %";
+  // A line that the terminal breaks could not be taken back whole; the bar is worth more than the
+  // words.
+  const std::size_t columns = terminalColumns();
+  std::size_t taken = displayWidth(work_) + percent.size() + 4;  // with ": " and two blanks
+  const bool isWide = taken + kNarrowest > columns;
+  if (isWide) taken = percent.size() + 2;
+  std::string line = isWide ? "" : work_ + ": ";
+  if (columns > taken) line += bar(fraction, columns - taken);
+  printMessage(kNewLine + line + " " + percent);
+  isShown_ = true;
+}
+
+}  // namespace tavlen::cli

@@ -1,0 +1,119 @@
+#include "cli/work/ClassDump.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstdlib>
+#include <functional>
+#include <mutex>
+#include <stdexcept>
+#include <system_error>
+#include <thread>
+#include <utility>
+
+#include "cli/terminal/Console.h"
+#include "cli/terminal/ProgressLine.h"
+#include "tavlen/foundation/files/MachOHeader.h"
+#include "tavlen/foundation/files/RandomAccessFile.h"
+#include "tavlen/introspection/classes/DynamicClassParser.h"
+#include "tavlen/introspection/remote/RemoteClassParser.h"
+#include "tavlen/introspection/remote/TessaloopInterface.h"
+
+namespace tavlen::cli {
+
+namespace {
+
+/// While it stands, the cancellation of a progress calls `end` again and again: what is to be ended
+/// may only be about to begin.
+class Cancellation {
+ public:
+  Cancellation(Progress& progress, std::function<void()> end) {
+    progress.setCancellationHandler([state = state_, end = std::move(end)] {
+      constexpr std::chrono::milliseconds kInterval(50);
+      std::unique_lock lock(state->lock);
+      while (!state->isOver) {
+        end();
+        lock.unlock();
+        std::this_thread::sleep_for(kInterval);
+        lock.lock();
+      }
+    });
+  }
+  Cancellation(const Cancellation&) = delete;
+  Cancellation& operator=(const Cancellation&) = delete;
+  ~Cancellation() {
+    const std::lock_guard lock(state_->lock);
+    state_->isOver = true;
+  }
+
+ private:
+  struct State {
+    std::mutex lock;
+    bool isOver = false;  ///< guarded by lock
+  };
+
+  std::shared_ptr<State> state_ = std::make_shared<State>();
+};
+
+std::system_error cancelled(const ImageArgument& argument) {
+  return {std::make_error_code(std::errc::operation_canceled), argument.image};
+}
+
+/// Why an image cannot be loaded here, where that is plain.
+std::string hintFor(const std::filesystem::path& file) {
+  try {
+    if (MachOHeader::read(RandomAccessFile(file))) {
+      return " (it is an image of the device, which does not load into this process; --parser "
+             "remote asks the running app)";
+    }
+  } catch (const std::system_error& error) {
+    return ": " + error.code().message();
+  }
+  return " (--verbose shows what the loader said)";
+}
+
+ClassParser::Classes dumpDynamically(const Executable& image, const ImageArgument& argument,
+                                     const std::shared_ptr<Progress>& progress) {
+  // Nothing could stop the code of an image that is being loaded, and nothing is left behind.
+  const Cancellation cancellation(*progress, [&argument] {
+    printError(cancelled(argument).what());
+    std::_Exit(EXIT_FAILURE);
+  });
+  try {
+    return DynamicClassParser::sharedParser().parse(image, progress);
+  } catch (const DynamicClassParser::Error& error) {
+    throw std::runtime_error(argument.image + ": " + error.description() + hintFor(image.path()));
+  }
+}
+
+ClassParser::Classes dumpRemotely(const Executable& image, const ImageArgument& argument,
+                                  const std::shared_ptr<Progress>& progress) {
+  const Cancellation cancellation(*progress, cancelTessaloopIfNeeded);
+  try {
+    return RemoteClassParser().parse(image, progress);
+  } catch (const RemoteClassParser::Error& error) {
+    if (progress->isCancelled()) throw cancelled(argument);
+    throw std::runtime_error(argument.image + ": " + error.description());
+  }
+}
+
+}  // namespace
+
+ClassParser::Classes dumpClasses(const ImageArgument& argument) {
+  const NamedImage image = imageNamed(argument);
+  const ProgressLine line("reading classes of " + argument.image);
+  line.progress()->setTotalUnitCount(1);
+  const bool isRemote = argument.parser == kRemoteParser;
+  return (isRemote ? dumpRemotely : dumpDynamically)(*image.executable, argument, line.progress());
+}
+
+std::shared_ptr<ObjCClass> dumpedClass(const ImageArgument& argument, const std::string& name) {
+  const ClassParser::Classes classes = dumpClasses(argument);
+  const auto found = std::find_if(classes.begin(), classes.end(),
+                                  [&](const auto& cls) { return cls->name == name; });
+  if (found == classes.end()) {
+    throw std::runtime_error(argument.image + ": defines no class " + name);
+  }
+  return *found;
+}
+
+}  // namespace tavlen::cli

@@ -1,0 +1,130 @@
+#include "cli/work/TweakCheck.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <system_error>
+
+#include "tavlen/foundation/coding/CodingPath.h"
+#include "tavlen/foundation/files/FileSystem.h"
+#include "tavlen/foundation/objc/MethodTypes.h"
+#include "tavlen/items/GlyphNames.h"
+
+namespace tavlen::cli {
+
+namespace {
+
+/// Walks a manifest and collects what is questionable, with the path to where it stands.
+class Checker {
+ public:
+  explicit Checker(const OpenedTweak& tweak) : tweak_(tweak) {}
+
+  std::vector<std::string> run() {
+    checkGlyph();
+    const auto& hooks = tweak_.manifest._hooks;
+    for (std::size_t i = 0; i < hooks.size(); ++i) {
+      if (!hooks[i]) continue;
+      const std::string place = "hooks[" + std::to_string(i) + "]";
+      checkIdentity(*hooks[i], place);
+      checkSignature(*hooks[i], place);
+      for (const auto& [index, box] : hooks[i]->_args) {
+        checkResources(box, place + ".args." + std::to_string(index));
+      }
+    }
+    return std::move(warnings_);
+  }
+
+ private:
+  void warn(const std::string& place, const std::string& text) {
+    warnings_.push_back(tweak_.pathOf("Manifest.json") + ": " + place + ": " + text);
+  }
+
+  void checkGlyph() {
+    const auto& glyph = tweak_.manifest.configuration._glyph;
+    if (!glyph || isKnownGlyph(*glyph)) return;
+    std::string text = "unknown glyph " + described(*glyph);
+    if (const auto suggestion = suggestedGlyph(*glyph)) {
+      text += "; did you mean " + described(*suggestion) + "?";
+    }
+    warn("configuration.glyph", text);
+  }
+
+  static std::string described(const TweakGlyph& glyph) {
+    return "\"" + abbreviated(glyph.icon) + "\" in the style \"" + abbreviated(glyph.style) + "\"";
+  }
+
+  void checkIdentity(const Hook& hook, const std::string& place) {
+    const auto [first, added] = places_.try_emplace(hook.identity(), place);
+    if (!added) warn(place, "hooks the same method as " + first->second);
+  }
+
+  void checkSignature(const Hook& hook, const std::string& place) {
+    const auto colons =
+        static_cast<std::size_t>(std::count(hook.selector.begin(), hook.selector.end(), ':'));
+    const auto types = splitMethodTypes(hook.signature);
+    if (!types || types->arguments.size() < 2) {
+      return warn(place + ".signature",
+                  "\"" + abbreviated(hook.signature) + "\" is no method's type encoding");
+    }
+    const std::size_t arguments =
+        types->arguments.size() - 2;  // after the receiver and the selector
+    if (arguments != colons) {
+      warn(place + ".signature", "\"" + abbreviated(hook.signature) + "\" has " +
+                                     counted(arguments, "argument") + ", the selector \"" +
+                                     abbreviated(hook.selector) + "\" takes " +
+                                     std::to_string(colons));
+    }
+    for (const auto& [index, box] : hook._args) {
+      const bool known = index >= Hook::kReturnValue &&
+                         index < static_cast<std::int64_t>(std::max(arguments, colons));
+      if (!known) warn(place + ".args." + std::to_string(index), "the method has no such argument");
+    }
+    if ((types->result == "v" || types->result == "Vv") &&
+        hook._args.contains(Hook::kReturnValue)) {
+      warn(place + ".args.-1", "the method returns nothing");
+    }
+  }
+
+  static std::string counted(std::size_t count, const std::string& noun) {
+    return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
+  }
+
+  void checkResources(const ParameterContainer& box, const std::string& place) {
+    if (const auto* data = std::get_if<DataParameter>(&box.value)) {
+      checkResource(data->filename, place);
+    } else if (const auto* image = std::get_if<ImageParameter>(&box.value)) {
+      checkResource(image->filename, place);
+    } else if (const auto* array = std::get_if<ArrayParameter>(&box.value)) {
+      for (std::size_t i = 0; i < array->_items.size(); ++i) {
+        checkResources(array->_items[i], place + ".items[" + std::to_string(i) + "]");
+      }
+    } else if (const auto* dictionary = std::get_if<DictionaryParameter>(&box.value)) {
+      for (std::size_t i = 0; i < dictionary->_items.size(); ++i) {
+        const std::string pair = place + ".items[" + std::to_string(i) + "]";
+        checkResources(dictionary->_items[i]._key, pair + ".key");
+        checkResources(dictionary->_items[i]._value, pair + ".value");
+      }
+    }
+  }
+
+  void checkResource(const std::string& name, const std::string& place) {
+    const std::filesystem::path folder = tweak_.file->resourcesDir();
+    const std::string shown = "the resource \"" + abbreviated(name) + "\"";
+    const auto file = pathInside(folder, name);
+    if (!file) return warn(place + ".filename", shown + " lies outside of Resources");
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(*file, error))
+      warn(place + ".filename", shown + " is missing");
+  }
+
+  const OpenedTweak& tweak_;
+  std::map<MethodIdentity, std::string> places_;
+  std::vector<std::string> warnings_;
+};
+
+}  // namespace
+
+std::vector<std::string> warningsFor(const OpenedTweak& tweak) { return Checker(tweak).run(); }
+
+}  // namespace tavlen::cli

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "tavlen/foundation/plist/PropertyListDecoder.h"
-#include "tests/foundation/PropertyListGraph.h"
+#include "tests/foundation/plist/PropertyListGraph.h"
 
 using namespace tavlen;
 

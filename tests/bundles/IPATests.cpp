@@ -14,10 +14,6 @@
 #include <thread>
 #include <vector>
 
-#include "AppPlist.h"
-#include "MachOFile.h"
-#include "TemporaryFolder.h"
-#include "Thrown.h"
 #include "tavlen/bundles/InstallableTweak.h"
 #include "tavlen/device/DevicePaths.h"
 #include "tavlen/device/DeviceRoot.h"
@@ -27,6 +23,10 @@
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/foundation/tasks/NotificationCenter.h"
 #include "tavlen/foundation/tasks/NotificationPoster.h"
+#include "tests/support/AppPlist.h"
+#include "tests/support/MachOFile.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tests/support/Thrown.h"
 
 namespace tavlen {
 namespace {

@@ -8,10 +8,10 @@
 #include <cerrno>
 #include <system_error>
 
-#include "TemporaryFolder.h"
-#include "Thrown.h"
 #include "tavlen/foundation/coding/CodingError.h"
 #include "tavlen/foundation/plist/PropertyListEncoder.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tests/support/Thrown.h"
 
 namespace tavlen {
 namespace {

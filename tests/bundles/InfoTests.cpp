@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include "Thrown.h"
 #include "tavlen/foundation/plist/PropertyListDecoder.h"
 #include "tavlen/foundation/plist/PropertyListEncoder.h"
+#include "tests/support/Thrown.h"
 
 namespace tavlen {
 namespace {

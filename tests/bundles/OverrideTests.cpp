@@ -2,12 +2,12 @@
 
 #include <gtest/gtest.h>
 
-#include "TemporaryFolder.h"
-#include "Thrown.h"
 #include "tavlen/bundles/OverrideContainer.h"
 #include "tavlen/foundation/errors/MainBundle.h"
 #include "tavlen/foundation/json/JSONDecoder.h"
 #include "tavlen/foundation/json/JSONEncoder.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tests/support/Thrown.h"
 
 namespace tavlen {
 namespace {

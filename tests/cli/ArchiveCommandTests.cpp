@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "StoreTest.h"
+#include "tests/cli/CommandStoreTest.h"
 
 namespace tavlen {
 namespace {

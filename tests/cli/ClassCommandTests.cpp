@@ -1,9 +1,9 @@
 #include <gmock/gmock.h>
 
-#include "AppPlist.h"
-#include "CommandTest.h"
-#include "MachOFile.h"
-#include "RunningCommand.h"
+#include "tests/cli/CommandTest.h"
+#include "tests/cli/RunningCommand.h"
+#include "tests/support/AppPlist.h"
+#include "tests/support/MachOFile.h"
 
 namespace tavlen {
 namespace {

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "StoreTest.h"
+#include "tests/cli/CommandStoreTest.h"
 
 namespace tavlen {
 namespace {

@@ -1,10 +1,10 @@
 #include <gmock/gmock.h>
 
-#include "CommandTest.h"
 #include "tavlen/bundles/Info.h"
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/foundation/json/JSONDecoder.h"
 #include "tavlen/foundation/plist/PropertyListEncoder.h"
+#include "tests/cli/CommandTest.h"
 
 namespace tavlen {
 namespace {

@@ -1,4 +1,4 @@
-#include "CommandTest.h"
+#include "tests/cli/CommandTest.h"
 
 #include <fcntl.h>
 #include <sys/wait.h>

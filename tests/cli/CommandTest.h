@@ -7,8 +7,8 @@
 #include <utility>
 #include <vector>
 
-#include "TemporaryFolder.h"
-#include "TestPaths.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tests/support/TestPaths.h"
 
 namespace tavlen {
 

@@ -1,10 +1,10 @@
 #include <gmock/gmock.h>
 
-#include "AppPlist.h"
-#include "CommandTest.h"
-#include "MachOFile.h"
 #include "tavlen/device/TweakInfo.h"
 #include "tavlen/foundation/archive/KeyedArchive.h"
+#include "tests/cli/CommandTest.h"
+#include "tests/support/AppPlist.h"
+#include "tests/support/MachOFile.h"
 
 namespace tavlen {
 namespace {

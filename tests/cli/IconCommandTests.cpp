@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "CommandTest.h"
 #include "tavlen/foundation/image/Image.h"
+#include "tests/cli/CommandTest.h"
 
 namespace tavlen {
 namespace {

@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 
-#include "AppPlist.h"
-#include "CommandTest.h"
+#include "tests/cli/CommandTest.h"
+#include "tests/support/AppPlist.h"
 
 namespace tavlen {
 namespace {

@@ -1,6 +1,6 @@
 #include <gmock/gmock.h>
 
-#include "CommandTest.h"
+#include "tests/cli/CommandTest.h"
 
 namespace tavlen {
 namespace {

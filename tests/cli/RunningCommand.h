@@ -14,7 +14,7 @@
 #include <utility>
 #include <vector>
 
-#include "CommandTest.h"
+#include "tests/cli/CommandTest.h"
 
 namespace tavlen {
 

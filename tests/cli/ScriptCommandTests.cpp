@@ -2,8 +2,8 @@
 
 #include <csignal>
 
-#include "StoreTest.h"
-#include "tools/FileSizeLimit.h"
+#include "tests/cli/CommandStoreTest.h"
+#include "tests/tools/FileSizeLimit.h"
 
 namespace tavlen {
 namespace {

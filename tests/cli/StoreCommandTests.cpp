@@ -1,6 +1,6 @@
 #include <gmock/gmock.h>
 
-#include "StoreTest.h"
+#include "tests/cli/CommandStoreTest.h"
 
 namespace tavlen {
 namespace {

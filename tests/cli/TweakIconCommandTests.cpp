@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 
-#include "StoreTest.h"
 #include "tavlen/foundation/image/Image.h"
+#include "tests/cli/CommandStoreTest.h"
 
 namespace tavlen {
 namespace {

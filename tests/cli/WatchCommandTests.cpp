@@ -4,8 +4,8 @@
 #include <functional>
 #include <memory>
 
-#include "RunningCommand.h"
-#include "StoreTest.h"
+#include "tests/cli/CommandStoreTest.h"
+#include "tests/cli/RunningCommand.h"
 
 namespace tavlen {
 namespace {

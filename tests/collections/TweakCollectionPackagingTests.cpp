@@ -4,8 +4,8 @@
 
 #include <set>
 
-#include "PackagingTest.h"
 #include "tavlen/collections/TweakCollectionManifest.h"
+#include "tests/support/PackagingTest.h"
 
 namespace tavlen {
 namespace {

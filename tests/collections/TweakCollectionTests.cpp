@@ -2,13 +2,13 @@
 
 #include <gmock/gmock.h>
 
-#include "StoreTest.h"
-#include "Thrown.h"
 #include "tavlen/foundation/coding/CodingError.h"
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/items/TweakError.h"
 #include "tavlen/items/TweakPoster.h"
 #include "tavlen/store/TweakManager.h"
+#include "tests/support/StoreTest.h"
+#include "tests/support/Thrown.h"
 
 namespace tavlen {
 namespace {

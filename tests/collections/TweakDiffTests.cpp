@@ -4,10 +4,10 @@
 #include <stdexcept>
 #include <thread>
 
-#include "StoreTest.h"
 #include "tavlen/collections/TweakBundleIDObserver.h"
 #include "tavlen/foundation/tasks/MainQueue.h"
 #include "tavlen/items/TweakPoster.h"
+#include "tests/support/StoreTest.h"
 
 namespace tavlen {
 namespace {

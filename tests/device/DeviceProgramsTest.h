@@ -5,9 +5,9 @@
 #include <filesystem>
 #include <string>
 
-#include "TemporaryFolder.h"
 #include "tavlen/device/DeviceRoot.h"
 #include "tavlen/foundation/files/FileSystem.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace tavlen {
 

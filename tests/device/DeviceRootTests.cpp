@@ -5,7 +5,7 @@
 #include <cerrno>
 #include <system_error>
 
-#include "TemporaryFolder.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace tavlen {
 namespace {

@@ -10,9 +10,9 @@
 #include <stdexcept>
 #include <string>
 
-#include "TemporaryFolder.h"
 #include "tavlen/bundles/Info.h"
 #include "tavlen/foundation/plist/PropertyListDecoder.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace tavlen {
 namespace {

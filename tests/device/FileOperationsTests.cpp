@@ -2,9 +2,9 @@
 
 #include <cerrno>
 
-#include "DeviceProgramsTest.h"
-#include "Thrown.h"
 #include "tavlen/device/Process.h"
+#include "tests/device/DeviceProgramsTest.h"
+#include "tests/support/Thrown.h"
 
 namespace tavlen {
 namespace {

@@ -2,8 +2,8 @@
 
 #include <limits>
 
-#include "DeviceProgramsTest.h"
 #include "tavlen/device/Process.h"
+#include "tests/device/DeviceProgramsTest.h"
 
 namespace tavlen {
 namespace {

@@ -11,10 +11,10 @@
 #include <string>
 #include <thread>
 
-#include "TemporaryFolder.h"
-#include "Thrown.h"
 #include "tavlen/foundation/files/FileReplacement.h"
 #include "tavlen/foundation/files/FileSystem.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tests/support/Thrown.h"
 
 namespace tavlen {
 namespace {

@@ -8,11 +8,11 @@
 #include <optional>
 #include <string>
 
-#include "StandIns.h"
 #include "tavlen/device/LSAppListFetcher.h"
 #include "tavlen/device/SystemService.h"
 #include "tavlen/device/detail/ExcludedApps.h"
 #include "tavlen/foundation/files/FileSystem.h"
+#include "tests/support/StandIns.h"
 
 namespace tavlen {
 namespace {

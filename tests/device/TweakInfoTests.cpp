@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include "TemporaryFolder.h"
 #include "tavlen/device/DeviceRoot.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace tavlen {
 namespace {

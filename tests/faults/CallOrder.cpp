@@ -1,4 +1,4 @@
-#include "CallOrder.h"
+#include "tests/faults/CallOrder.h"
 
 #include <algorithm>
 #include <array>

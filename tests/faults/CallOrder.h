@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <string>
 
-#include "injector/FaultInjector.h"
+#include "tests/faults/injector/FaultInjector.h"
 
 namespace tavlen::faults {
 

@@ -1,11 +1,11 @@
-#include "Operation.h"
-#include "SampleStore.h"
 #include "tavlen/collections/TweakCollection.h"
 #include "tavlen/collections/TweakCollectionManifest.h"
 #include "tavlen/device/DeviceRoot.h"
 #include "tavlen/foundation/files/FileTree.h"
 #include "tavlen/foundation/zip/ZIPArchive.h"
 #include "tavlen/store/TweakManager.h"
+#include "tests/faults/Operation.h"
+#include "tests/faults/SampleStore.h"
 
 namespace tavlen::faults {
 

@@ -1,4 +1,4 @@
-#include "FaultLoop.h"
+#include "tests/faults/FaultLoop.h"
 
 #include <gtest/gtest.h>
 #include <sys/mman.h>
@@ -13,8 +13,8 @@
 #include <set>
 #include <system_error>
 
-#include "CallOrder.h"
 #include "tavlen/device/DevicePaths.h"
+#include "tests/faults/CallOrder.h"
 
 namespace tavlen::faults {
 

@@ -3,9 +3,9 @@
 #include <memory>
 #include <string>
 
-#include "Operation.h"
-#include "SampleStore.h"
-#include "injector/FaultInjector.h"
+#include "tests/faults/Operation.h"
+#include "tests/faults/SampleStore.h"
+#include "tests/faults/injector/FaultInjector.h"
 
 namespace tavlen::faults {
 

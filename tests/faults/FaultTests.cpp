@@ -11,9 +11,9 @@
 #include <utility>
 #include <vector>
 
-#include "FaultLoop.h"
-#include "Operation.h"
-#include "TemporaryFolder.h"
+#include "tests/faults/FaultLoop.h"
+#include "tests/faults/Operation.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace tavlen::faults {
 namespace {

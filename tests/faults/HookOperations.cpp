@@ -1,12 +1,12 @@
 #include <cstdint>
 
-#include "Operation.h"
-#include "SampleStore.h"
 #include "tavlen/editing/HookManager.h"
 #include "tavlen/editing/RootParameterManager.h"
 #include "tavlen/items/TweaksDirectory.h"
 #include "tavlen/tweaks/Hook.h"
 #include "tavlen/tweaks/TweakFile.h"
+#include "tests/faults/Operation.h"
+#include "tests/faults/SampleStore.h"
 
 namespace tavlen::faults {
 

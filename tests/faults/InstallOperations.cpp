@@ -2,16 +2,16 @@
 
 #include <cstdlib>
 
-#include "AppPlist.h"
-#include "Operation.h"
-#include "SampleStore.h"
-#include "TemporaryFolder.h"
-#include "TestPaths.h"
 #include "tavlen/bundles/IPA.h"
 #include "tavlen/bundles/InstallableTweak.h"
 #include "tavlen/device/DevicePaths.h"
 #include "tavlen/device/DeviceRoot.h"
 #include "tavlen/foundation/files/FileReplacement.h"
+#include "tests/faults/Operation.h"
+#include "tests/faults/SampleStore.h"
+#include "tests/support/AppPlist.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tests/support/TestPaths.h"
 
 namespace tavlen::faults {
 

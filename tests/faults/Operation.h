@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "StoreTree.h"
+#include "tests/faults/StoreTree.h"
 
 namespace tavlen::faults {
 

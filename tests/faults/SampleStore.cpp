@@ -1,4 +1,4 @@
-#include "SampleStore.h"
+#include "tests/faults/SampleStore.h"
 
 #include "tavlen/device/DevicePaths.h"
 #include "tavlen/device/DeviceRoot.h"

@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <string>
 
-#include "TemporaryFolder.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace tavlen::faults {
 

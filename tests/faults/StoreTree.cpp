@@ -1,4 +1,4 @@
-#include "StoreTree.h"
+#include "tests/faults/StoreTree.h"
 
 #include <sys/stat.h>
 

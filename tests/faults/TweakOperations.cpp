@@ -1,13 +1,13 @@
 #include <optional>
 #include <string>
 
-#include "Operation.h"
-#include "SampleStore.h"
 #include "tavlen/foundation/files/FileReplacement.h"
 #include "tavlen/foundation/image/Image.h"
 #include "tavlen/items/TweaksDirectory.h"
 #include "tavlen/tweaks/Manifest.h"
 #include "tavlen/tweaks/TweakFile.h"
+#include "tests/faults/Operation.h"
+#include "tests/faults/SampleStore.h"
 
 namespace tavlen::faults {
 

@@ -2,10 +2,10 @@
 
 #include <limits>
 
-#include "Thrown.h"
 #include "tavlen/foundation/json/JSONDecoder.h"
 #include "tavlen/foundation/json/JSONEncoder.h"
 #include "tavlen/parameters/ParameterContainer.h"
+#include "tests/support/Thrown.h"
 
 namespace tavlen {
 namespace {

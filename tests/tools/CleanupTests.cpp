@@ -1,8 +1,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "HelperTest.h"
-#include "Swapper.h"
+#include "tests/tools/HelperTest.h"
+#include "tests/tools/Swapper.h"
 
 namespace tavlen {
 namespace {

@@ -3,9 +3,9 @@
 
 #include <csignal>
 
-#include "FileSizeLimit.h"
-#include "HelperTest.h"
-#include "Swapper.h"
+#include "tests/tools/FileSizeLimit.h"
+#include "tests/tools/HelperTest.h"
+#include "tests/tools/Swapper.h"
 
 namespace tavlen {
 namespace {

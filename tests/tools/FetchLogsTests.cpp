@@ -4,9 +4,9 @@
 #include <csignal>
 #include <set>
 
-#include "FileSizeLimit.h"
-#include "HelperTest.h"
 #include "tavlen/foundation/files/FileSystem.h"
+#include "tests/tools/FileSizeLimit.h"
+#include "tests/tools/HelperTest.h"
 
 namespace tavlen {
 namespace {

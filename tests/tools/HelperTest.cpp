@@ -1,4 +1,4 @@
-#include "HelperTest.h"
+#include "tests/tools/HelperTest.h"
 
 #include <fcntl.h>
 #include <grp.h>
@@ -10,8 +10,8 @@
 #include <set>
 #include <sstream>
 
-#include "TestPaths.h"
 #include "tavlen/foundation/files/FileSystem.h"
+#include "tests/support/TestPaths.h"
 
 namespace tavlen {
 

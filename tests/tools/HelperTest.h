@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "TemporaryFolder.h"
 #include "tavlen/foundation/base/FunctionRef.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace tavlen {
 

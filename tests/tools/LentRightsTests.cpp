@@ -3,12 +3,12 @@
 
 #include <exception>
 
-#include "HelperTest.h"
-#include "Swapper.h"
 #include "kvfileops/Cleanup.h"
 #include "kvfileops/Copy.h"
 #include "kvfileops/FetchLogs.h"
 #include "tavlen/device/DeviceRoot.h"
+#include "tests/tools/HelperTest.h"
+#include "tests/tools/Swapper.h"
 
 namespace tavlen {
 namespace {

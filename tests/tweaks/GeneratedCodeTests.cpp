@@ -1,11 +1,11 @@
 #include <gtest/gtest.h>
 
-#include "TestPaths.h"
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/foundation/javascript/JavaScriptContext.h"
 #include "tavlen/foundation/json/JSONEncoder.h"
 #include "tavlen/tweaks/Manifest.h"
 #include "tavlen/tweaks/TweakProcessor.h"
+#include "tests/support/TestPaths.h"
 
 namespace tavlen {
 namespace {

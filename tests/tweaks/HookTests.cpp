@@ -2,11 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include "Thrown.h"
 #include "tavlen/foundation/json/JSONDecoder.h"
 #include "tavlen/foundation/json/JSONEncoder.h"
 #include "tavlen/introspection/classes/ObjCClass.h"
 #include "tavlen/tweaks/HookSource.h"
+#include "tests/support/Thrown.h"
 
 namespace tavlen {
 namespace {

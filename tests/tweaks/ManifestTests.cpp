@@ -4,14 +4,14 @@
 
 #include <chrono>
 
-#include "TemporaryFolder.h"
-#include "TestPaths.h"
-#include "Thrown.h"
 #include "tavlen/foundation/errors/MainBundle.h"
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/foundation/json/JSONDecoder.h"
 #include "tavlen/foundation/json/JSONEncoder.h"
 #include "tavlen/items/TweakError.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tests/support/TestPaths.h"
+#include "tests/support/Thrown.h"
 
 namespace tavlen {
 namespace {

@@ -6,12 +6,12 @@
 #include <stdexcept>
 #include <thread>
 
-#include "PackagingTest.h"
-#include "StoreTest.h"
-#include "Thrown.h"
 #include "tavlen/bundles/IPA.h"
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/items/TweakPoster.h"
+#include "tests/support/PackagingTest.h"
+#include "tests/support/StoreTest.h"
+#include "tests/support/Thrown.h"
 
 namespace tavlen {
 namespace {

@@ -2,10 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include "TemporaryFolder.h"
-#include "Thrown.h"
 #include "tavlen/foundation/coding/CodingError.h"
 #include "tavlen/tweaks/Manifest.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tests/support/Thrown.h"
 
 namespace tavlen {
 namespace {

@@ -5,10 +5,10 @@
 
 #include <functional>
 
-#include "PackagingTest.h"
 #include "tavlen/bundles/Info.h"
 #include "tavlen/foundation/plist/PropertyListDecoder.h"
 #include "tavlen/items/TweakError.h"
+#include "tests/support/PackagingTest.h"
 
 namespace tavlen {
 namespace {

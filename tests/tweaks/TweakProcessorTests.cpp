@@ -2,10 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include "TemporaryFolder.h"
 #include "tavlen/foundation/coding/CodingError.h"
 #include "tavlen/tweaks/HookSource.h"
 #include "tavlen/tweaks/Manifest.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace tavlen {
 namespace {

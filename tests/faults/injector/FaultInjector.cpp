@@ -1,4 +1,4 @@
-#include "FaultInjector.h"
+#include "tests/faults/injector/FaultInjector.h"
 
 #include <dirent.h>
 #include <dlfcn.h>

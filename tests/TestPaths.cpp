@@ -1,6 +1,0 @@
-#include "TestPaths.h"
-
-const tavlen::TestPaths& tavlen::paths() {
-  static const TestPaths paths = {TAVLEN_TEST_PATHS};
-  return paths;
-}

@@ -1,0 +1,169 @@
+#include "tavlen/editing/ParameterManager.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "tavlen/editing/ArrayParameterManager.h"
+#include "tavlen/editing/DictionaryParameterManager.h"
+#include "tavlen/editing/RootParameterManager.h"
+#include "tavlen/foundation/coding/CodingError.h"
+#include "tavlen/foundation/files/URL.h"
+#include "tavlen/foundation/json/JSONEncoder.h"
+#include "tests/editing/EditedTweak.h"
+#include "tests/support/Thrown.h"
+
+namespace tavlen {
+namespace {
+
+using Accessor = DictionaryParameterManager::Accessor;
+using Words = std::vector<std::string>;
+
+constexpr const char* kArray =
+    R"({"type":"Array","items":[{"type":"Nil"},{"type":"_ValueParameter<Int64>","value":1}]})";
+const std::string kDictionary =
+    R"({"type":"Dictionary","items":[{"key":{"type":"Class","name":"K"},"value":)" +
+    std::string(kArray) + "}]}";
+/// Argument 0 is an array, 1 a number, 2 a dictionary with an array as its value.
+const std::string kArguments = R"("0":)" + std::string(kArray) +
+                               R"(,"1":{"type":"_ValueParameter<Int64>","value":5},"2":)" +
+                               kDictionary;
+
+/// Chains over the hook -[C a] of a tweak.
+class ParameterManagerTest : public testing::Test {
+ protected:
+  RootParameterManager root(std::int64_t index, const char* selector = "a") const {
+    return {tweak_.file()->managerFor({"C", selector, false}), index};
+  }
+  static ArrayParameterManager item(const ParameterManager& array, std::int64_t index) {
+    return {array.typed<ArrayParameter>(), index};
+  }
+  static DictionaryParameterManager pair(const ParameterManager& dictionary, std::int64_t index,
+                                         Accessor accessor) {
+    return {dictionary.typed<DictionaryParameter>(), index, accessor};
+  }
+  std::string location() const { return URL::fileURL(tweak_.file()->url()).absoluteString; }
+
+  EditedTweak tweak_{"null," + storedHook("a", kArguments)};
+};
+
+std::string jsonOf(const Parameter& parameter) { return encodeJSON(ParameterContainer{parameter}); }
+
+TEST_F(ParameterManagerTest, EachLinkReadsAndReplacesItsLevelOnly) {
+  const auto value = pair(root(2), 0, Accessor::value);
+  struct Case {
+    std::shared_ptr<const ParameterManager> link;
+    std::string read;
+    std::string arguments;  // once the link's parameter is a nil
+  };
+  const std::string nil = R"({"type":"Nil"})";
+  const auto replaced = [](const std::string& part, const std::string& by, std::size_t from) {
+    std::string text = kArguments;
+    return text.replace(text.find(part, from), part.size(), by);
+  };
+  const std::size_t second = kArguments.find("\"2\"");
+  const std::string number = R"({"type":"_ValueParameter<Int64>","value":1})";
+  const std::vector<Case> cases = {
+      {root(1).shared(), R"({"type":"_ValueParameter<Int64>","value":5})",
+       replaced(R"({"type":"_ValueParameter<Int64>","value":5})", nil, 0)},
+      {item(root(0), 1).shared(), number, replaced(number, nil, 0)},
+      {pair(root(2), 0, Accessor::key).shared(), R"({"type":"Class","name":"K"})",
+       replaced(R"({"type":"Class","name":"K"})", nil, 0)},
+      {value.shared(), kArray, replaced(kArray, nil, second)},
+      {item(value, 1).shared(), number, replaced(number, nil, second)}};
+  for (const Case& link : cases) {
+    const std::string before = tweak_.stored();
+    EXPECT_EQ(link.link->tweak(), tweak_.file());
+    EXPECT_EQ(jsonOf(link.link->parameter()), link.read);
+    EXPECT_EQ(tweak_.takeDiffs(), Words());
+    link.link->setParameter(NilParameter{});
+    EXPECT_EQ(tweak_.storedHooks(), "[null," + storedHook("a", link.arguments) + "]");
+    EXPECT_EQ(tweak_.takeDiffs(), Words{"UpdateHook(a)"}) << "one edit, one diff";
+    std::ofstream(tweak_.file()->url() / "Manifest.json") << before;
+  }
+}
+
+TEST_F(ParameterManagerTest, ReadingSaysWhatIsWrongInItsOrder) {
+  const std::string mismatch = "Parameter type mismatch: expected ";
+  const std::vector<std::pair<std::shared_ptr<const ParameterManager>, std::string>> cases = {
+      {root(7).shared(), "Parameter not found at index 7 in tweak " + location()},
+      {root(0, "none").shared(), "Hook not found"},
+      {item(root(0), 2).shared(), "Index out of bounds: 2"},
+      {item(root(2), 5).shared(), mismatch + "ArrayParameter but found DictionaryParameter"},
+      {item(root(2), -1).shared(), "Index out of bounds: -1"},
+      {item(root(7, "none"), -1).shared(), "Index out of bounds: -1"},
+      {item(root(0), std::numeric_limits<std::int64_t>::max()).shared(),
+       "Index out of bounds: 9223372036854775807"},
+      {pair(root(2), 1, Accessor::key).shared(), "Index out of bounds: 1"},
+      {pair(root(1), 1, Accessor::key).shared(),
+       mismatch + "DictionaryParameter but found _ValueParameter<Int64>"},
+      {pair(root(1), -2, Accessor::value).shared(), "Index out of bounds: -2"},
+      {item(pair(root(2), 0, Accessor::key), 0).shared(),
+       mismatch + "ArrayParameter but found ClassParameter"}};
+  for (const auto& [link, text] : cases)
+    EXPECT_EQ(messageOf([&link = link] { link->parameter(); }), text);
+}
+
+TEST_F(ParameterManagerTest, WritingSaysWhatIsWrongInItsOrderAndWritesNothing) {
+  const std::string mismatch = "Parameter type mismatch: expected ";
+  const std::vector<std::pair<std::shared_ptr<const ParameterManager>, std::string>> cases = {
+      {root(0, "none").shared(), "Hook not found"},
+      {item(root(0), 2).shared(), "Index out of bounds: 2"},
+      {item(root(0), -1).shared(), "Index out of bounds: -1"},
+      {item(root(2), -1).shared(), mismatch + "ArrayParameter but found DictionaryParameter"},
+      {pair(root(2), 1, Accessor::key).shared(), "Index out of bounds: 1"},
+      {pair(root(0), -1, Accessor::key).shared(),
+       mismatch + "DictionaryParameter but found ArrayParameter"},
+      {item(root(9), 0).shared(), "Parameter not found at index 9 in tweak " + location()}};
+  const std::string before = tweak_.stored();
+  for (const auto& [link, text] : cases)
+    EXPECT_EQ(messageOf([&link = link] { link->setParameter(NilParameter{}); }), text);
+  EXPECT_THROW(item(root(0), 0).setParameter(ValueParameter<std::string>{"\xFF"}), EncodingError);
+  EXPECT_EQ(tweak_.stored(), before);
+  EXPECT_EQ(tweak_.takeDiffs(), Words());
+}
+
+TEST_F(ParameterManagerTest, ErrorsKnowTheirCasesAndKeys) {
+  const auto mismatch = ParameterError::typeMismatch(ArrayParameter::typeName, URLParameter{});
+  EXPECT_EQ(mismatch.which(), ParameterError::Case::typeMismatch);
+  EXPECT_EQ(mismatch.localizationKey(), "parameter_view.error.type_mismatch");
+  EXPECT_EQ(mismatch.expected(), "ArrayParameter");
+  EXPECT_EQ(mismatch.found(), "URLParameter");
+  EXPECT_EQ(mismatch.idx(), std::nullopt);
+  const auto notFound = ParameterError::notFound(-1, tweak_.file());
+  EXPECT_EQ(notFound.which(), ParameterError::Case::notFound);
+  EXPECT_EQ(notFound.localizationKey(), "parameter_view.error.not_found");
+  EXPECT_EQ(notFound.idx(), -1);
+  EXPECT_EQ(notFound.tweak(), tweak_.file());
+  EXPECT_TRUE(location().starts_with("file:///") && location().ends_with("/T%201")) << location();
+  const auto index = ArrayParameterManager::Error::indexOutOfBounds(3);
+  const auto pairIndex = DictionaryParameterManager::Error::pairIndexOutOfBounds(3);
+  EXPECT_EQ(index.localizationKey(), "array_parameter_manager.error.index_out_of_bounds");
+  EXPECT_EQ(pairIndex.localizationKey(), index.localizationKey());
+  EXPECT_EQ(pairIndex.index(), index.index());
+}
+
+TEST_F(ParameterManagerTest, ARootAddsWhatIsMissing) {
+  const RootParameterManager result = root(Hook::kReturnValue);
+  EXPECT_THROW(result.parameter(), ParameterError);
+  EXPECT_THROW(result.updateParameter([](Parameter&) {}), ParameterError);
+  result.setParameter(CodeParameter{"x"});
+  EXPECT_EQ(result.parameter(), Parameter(CodeParameter{"x"}));
+  EXPECT_EQ(tweak_.file()->manifest()._hooks.size(), 2U);
+  EXPECT_EQ(tweak_.takeDiffs(), Words{"UpdateHook(a)"});
+}
+
+TEST_F(ParameterManagerTest, ItemsAreInsertedThroughTheirCollection) {
+  const auto value = pair(root(2), 0, Accessor::value);
+  value.typed<ArrayParameter>().updateParameter([](ArrayParameter& array) {
+    array._items.insert(array._items.begin(), {CodeParameter{"first"}});
+  });
+  EXPECT_EQ(item(value, 0).parameter(), Parameter(CodeParameter{"first"}));
+  EXPECT_EQ(item(value, 2).parameter(), Parameter(ValueParameter<std::int64_t>{1}));
+  value.updateParameter([](Parameter& parameter) { parameter = NilParameter{}; });
+  EXPECT_EQ(value.parameter(), Parameter(NilParameter{}));
+  EXPECT_EQ(tweak_.takeDiffs(), (Words{"UpdateHook(a)", "UpdateHook(a)"}));
+}
+
+}  // namespace
+}  // namespace tavlen

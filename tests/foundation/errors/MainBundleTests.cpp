@@ -1,0 +1,158 @@
+#include "tavlen/foundation/errors/MainBundle.h"
+
+#include <gtest/gtest.h>
+#include <unicode/uloc.h>
+
+#include <filesystem>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "tavlen/foundation/errors/LocalizedError.h"
+#include "tavlen/foundation/errors/Placeholders.h"
+#include "tests/support/TemporaryFolder.h"
+
+namespace tavlen {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// A bundle in a temporary folder, the main one while the test runs, and a locale for that time.
+class MainBundleTest : public testing::Test {
+ protected:
+  MainBundleTest() { MainBundle::setURL(bundle_); }
+  ~MainBundleTest() override {
+    MainBundle::setURL({});
+    setLocale(locale_);
+  }
+
+  static void setLocale(const std::string& locale) {
+    UErrorCode status = U_ZERO_ERROR;
+    uloc_setDefault(locale.c_str(), &status);
+    ASSERT_TRUE(U_SUCCESS(status));
+  }
+  void addTable(const std::string& folder, const std::string& text) const {
+    folder_.write(folder + "/Localizable.strings", text);
+  }
+  /// What the key "k" gives after everything has been forgotten.
+  std::string lookUp() const {
+    MainBundle::setURL(bundle_);
+    return MainBundle::localizedString({"k", "English"});
+  }
+
+  const TemporaryFolder folder_;
+  const fs::path bundle_ = folder_.path();
+  const std::string locale_ = uloc_getDefault();
+};
+
+TEST_F(MainBundleTest, TheClosestTableAnswers) {
+  const std::string kFolders[] = {".",           "Base.lproj",  "en.lproj", "de.lproj",
+                                  "de_AT.lproj", "de-AT.lproj", "zh.lproj", "zh-Hant.lproj"};
+  setLocale("de_AT");
+  EXPECT_EQ(lookUp(), "English");
+  for (const std::string& folder : kFolders) {
+    addTable(folder, "k = \"" + folder + "\";");
+    if (!folder.starts_with("zh")) {
+      EXPECT_EQ(lookUp(), folder);
+    }
+  }
+  const std::pair<const char*, const char*> kLocales[] = {
+      {"de_AT@collation=phonebook", "de-AT.lproj"},
+      {"de_DE", "de.lproj"},
+      {"zh_TW", "zh-Hant.lproj"},
+      {"zh_CN", "zh.lproj"},
+      {"fr", "en.lproj"},
+      {"en_US_POSIX", "en.lproj"},
+      {"", "en.lproj"}};
+  for (const auto& [locale, folder] : kLocales) {
+    setLocale(locale);
+    EXPECT_EQ(lookUp(), folder) << locale;
+  }
+}
+
+TEST_F(MainBundleTest, WhatCannotBeReadLeavesTheEnglish) {
+  setLocale("en_GB");
+  addTable("en.lproj", "k = Text; empty = ''; '' = nothing;");
+  EXPECT_EQ(lookUp(), "Text");
+  EXPECT_EQ(MainBundle::localizedString({"empty", "English"}), "");
+  EXPECT_EQ(MainBundle::localizedString({"other", "English"}), "English");
+  EXPECT_EQ(MainBundle::localizedString({"", "English"}), "English");
+  addTable("en.lproj", "k = Text");
+  EXPECT_EQ(MainBundle::localizedString({"k", "English"}), "Text") << "the table is kept";
+  EXPECT_EQ(lookUp(), "English");
+  addTable("en.lproj", std::string("\xFF\xFEk\0=\0\xE9\0", 8));
+  EXPECT_EQ(lookUp(), "English") << "cut";
+  addTable("en.lproj", std::string("\xFF\xFEk\0=\0'\0\xE9\0'\0;\0", 14));
+  EXPECT_EQ(lookUp(), "é");
+  fs::create_directories(bundle_ / "en-GB.lproj" / "Localizable.strings");
+  EXPECT_EQ(lookUp(), "English");
+  MainBundle::setURL(bundle_ / "missing");
+  EXPECT_EQ(MainBundle::localizedString({"k", "English"}), "English");
+  MainBundle::setURL({});
+  EXPECT_EQ(MainBundle::localizedString({"k", "English"}), "English");
+  EXPECT_EQ(MainBundle::url(), "");
+}
+
+struct SampleError : LocalizedError {
+  SampleError() : LocalizedError({"k", "%@ is not in %@"}, {"a", "%@b"}) {}
+};
+
+TEST_F(MainBundleTest, ErrorsSpeakTheUsersLanguage) {
+  setLocale("de");
+  const SampleError error;
+  EXPECT_STREQ(error.what(), "a is not in %@b");
+  addTable("de.lproj", "k = \"in %2$@ fehlt %1$@\";");
+  MainBundle::setURL(bundle_);
+  EXPECT_STREQ(error.what(), "in %@b fehlt a");
+}
+
+TEST_F(MainBundleTest, ThreadsMayLookUpWhileTheFolderChanges) {
+  addTable("en.lproj", "k = Text;");
+  setLocale("en");
+  std::vector<std::thread> threads;
+  for (int i = 0; i < 4; ++i) {
+    threads.emplace_back([this, i] {
+      for (int round = 0; round < 50; ++round) {
+        if (i == 0) MainBundle::setURL(round % 2 == 0 ? bundle_ : fs::path());
+        const std::string text = MainBundle::localizedString({"k", "English"});
+        EXPECT_TRUE(text == "Text" || text == "English") << text;
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+}
+
+struct FormatCase {
+  std::string format;
+  std::vector<std::string> arguments;
+  std::string filled;
+};
+
+TEST(Placeholders, AreFilledInOnePass) {
+  const FormatCase kCases[] = {
+      {"%2$@ %1$@", {"a", "b"}, "b a"},
+      {"%1$@%1$@", {"a"}, "aa"},
+      {"%d%%", {"5"}, "5%"},
+      {"%@: %ld, %lld, %lu, %zu, %hhx, %s",
+       {"a", "1", "2", "3", "4", "5", "6"},
+       "a: 1, 2, 3, 4, 5, 6"},
+      {"%@ %@", {"%@ %1$@ %%", "b"}, "%@ %1$@ %% b"},
+      {"%%@", {"a"}, "%@"},
+      {"", {"a"}, ""},
+      // None, or without an argument: as written.
+      {"%@ %@", {"a"}, "a %@"},
+      {"%2$@ %0$@ %18446744073709551617$@ %-1$@", {"a"}, "%2$@ %0$@ %18446744073709551617$@ %-1$@"},
+      {"100% done, 5%", {"a"}, "100% done, 5%"},
+      {"%", {"a"}, "%"},
+      {"%l", {"a"}, "%l"},
+      {"%1$", {"a"}, "%1$"},
+      {"%1", {"a"}, "%1"},
+      {"%lld %llld %y%@", {"1"}, "1 %llld %y%@"}};
+  for (const FormatCase& c : kCases) {
+    EXPECT_EQ(fillPlaceholders(c.format, c.arguments), c.filled) << c.format;
+  }
+}
+
+}  // namespace
+}  // namespace tavlen

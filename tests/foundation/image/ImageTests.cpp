@@ -1,0 +1,272 @@
+#include "tavlen/foundation/image/Image.h"
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include <cstdlib>
+#include <random>
+
+#include "tests/foundation/image/ImageFiles.h"
+
+namespace tavlen {
+namespace {
+
+using namespace std::string_literals;
+using Pixels = std::vector<std::uint8_t>;
+
+Pixels decodedPixels(const std::string& file) {
+  const std::optional<Image> image = Image::decode(file);
+  return image ? image->pixels() : Pixels();
+}
+
+std::string textOf(const Pixels& bytes) { return {bytes.begin(), bytes.end()}; }
+
+unsigned premultiplied(unsigned value, unsigned alpha) { return (value * alpha + 127) / 255; }
+
+Image noise(std::uint32_t width, std::uint32_t height) {
+  std::mt19937 random(7);
+  Pixels pixels(std::size_t{width} * height * 4);
+  for (std::uint8_t& byte : pixels) byte = static_cast<std::uint8_t>(random());
+  return {width, height, pixels};
+}
+
+/// The library must not write to the process's error stream, whatever it is given.
+class ImageTest : public testing::Test {
+ protected:
+  void SetUp() override { testing::internal::CaptureStderr(); }
+  void TearDown() override { EXPECT_EQ(testing::internal::GetCapturedStderr(), ""); }
+};
+
+TEST_F(ImageTest, PNGKeepsEveryPixel) {
+  for (const auto& [width, height] :
+       {std::pair(1U, 1U), std::pair(300U, 7U), std::pair(1U, Image::kLongestSide)}) {
+    const Image image = noise(width, height);
+    EXPECT_EQ(Image::decode(image.pngData()), image);
+  }
+}
+
+TEST_F(ImageTest, CgBIColorsAreRestoredForEveryAlpha) {
+  // A row an alpha; in it every premultiplied value as blue, beside fixed green and red.
+  std::string samples;
+  for (unsigned alpha = 0; alpha < 256; ++alpha) {
+    for (unsigned blue = 0; blue <= alpha; ++blue) {
+      for (const unsigned byte : {blue, alpha / 2, alpha, alpha})
+        samples += static_cast<char>(byte);
+    }
+    samples.resize((alpha + 1) * 256 * 4);
+  }
+  const Pixels pixels = decodedPixels(
+      pngFile({.width = 256, .height = 256, .rows = unfiltered(samples, 1024), .isCgBI = true}));
+  ASSERT_EQ(pixels.size(), samples.size());
+  for (unsigned alpha = 0; alpha < 256; ++alpha) {
+    for (unsigned blue = 0; blue <= alpha; ++blue) {
+      const std::uint8_t* pixel = &pixels[(alpha * 256 + blue) * 4];
+      EXPECT_EQ(pixel[3], alpha);
+      EXPECT_EQ(pixel[0], alpha == 0 ? 0 : 255);
+      EXPECT_EQ(premultiplied(pixel[1], alpha), alpha / 2);
+      EXPECT_EQ(premultiplied(pixel[2], alpha), blue);
+    }
+  }
+}
+
+TEST_F(ImageTest, CgBIOfAllColorTypes) {
+  const struct {
+    PNGParts parts;
+    Pixels pixels;
+  } rows[] = {
+      {{.rows = "\0\x10\x20\x40\x80"s}, {128, 64, 32, 128}},    // BGRA
+      {{.rows = "\0\xFF\x81\x80\x80"s}, {255, 255, 255, 128}},  // brighter than the alpha allows
+      {{.rows = "\0\x10\x20\x40\0"s}, {0, 0, 0, 0}},
+      {{.colorType = 2, .rows = "\0\x01\x02\x03"s}, {3, 2, 1, 255}},
+      {{.bitDepth = 16, .colorType = 2, .rows = "\0\x01\x01\x02\x02\x03\x03"s}, {3, 2, 1, 255}},
+      {{.colorType = 4, .rows = "\0\x20\x40"s}, {128, 128, 128, 64}},
+      {{.colorType = 0, .rows = "\0\x09"s}, {9, 9, 9, 255}},
+      {{.bitDepth = 2,
+        .colorType = 3,
+        .rows = "\0\x40"s,
+        .palette = "abc\1\2\3",
+        .transparency = "\xFF\x80"},
+       {1, 2, 3, 128}},
+      {{.rows = "\0\1\2\3\xFF"s, .trailing = "junk"}, {3, 2, 1, 255}}};
+  for (auto [parts, pixels] : rows) {
+    parts.isCgBI = true;
+    EXPECT_EQ(decodedPixels(pngFile(parts)), pixels) << testing::PrintToString(parts.rows);
+  }
+}
+
+TEST_F(ImageTest, PNGOfAllColorTypes) {
+  const struct {
+    PNGParts parts;
+    Pixels pixels;
+  } rows[] = {{{.rows = "\0\1\2\3\4"s}, {1, 2, 3, 4}},
+              {{.width = 2, .bitDepth = 1, .colorType = 0, .rows = "\0\x40"s},
+               {0, 0, 0, 255, 255, 255, 255, 255}},
+              {{.bitDepth = 16, .colorType = 0, .rows = "\0\x80\x80"s}, {128, 128, 128, 255}},
+              {{.colorType = 2, .rows = "\0abc"s, .transparency = "\0a\0b\0c"s}, {97, 98, 99, 0}},
+              {{.bitDepth = 4, .colorType = 3, .rows = "\0\x10"s, .palette = "abcdef"},
+               {100, 101, 102, 255}},
+              {{.colorType = 4, .rows = "\0\x20\x40"s}, {32, 32, 32, 64}}};
+  for (const auto& [parts, pixels] : rows) {
+    EXPECT_EQ(decodedPixels(pngFile(parts)), pixels) << testing::PrintToString(parts.rows);
+  }
+}
+
+TEST_F(ImageTest, InterlacedPicturesHaveAllTheirPixels) {
+  constexpr std::uint32_t kPasses[7][4] = {{0, 8, 0, 8}, {4, 8, 0, 8}, {0, 4, 4, 8}, {2, 4, 0, 4},
+                                           {0, 2, 2, 4}, {1, 2, 0, 2}, {0, 1, 1, 2}};
+  for (const auto& [width, height] : {std::pair(1U, 1U), std::pair(3U, 5U), std::pair(9U, 8U)}) {
+    PNGParts parts{.width = width, .height = height, .colorType = 0, .isInterlaced = true};
+    Pixels expected;
+    for (std::uint32_t i = 0; i < width * height; ++i) {
+      const auto grey = static_cast<std::uint8_t>(i * 3);
+      expected.insert(expected.end(), {grey, grey, grey, 255});
+    }
+    for (const auto& [left, columnStep, top, rowStep] : kPasses) {
+      for (std::uint32_t y = top; y < height && left < width; y += rowStep) {
+        parts.rows += '\0';
+        for (std::uint32_t x = left; x < width; x += columnStep) {
+          parts.rows += static_cast<char>((y * width + x) * 3);
+        }
+      }
+    }
+    EXPECT_EQ(decodedPixels(pngFile(parts)), expected);
+    parts.isCgBI = true;
+    EXPECT_EQ(decodedPixels(pngFile(parts)), expected);
+    parts.rows += '\0';  // one byte more than the header implies
+    EXPECT_EQ(Image::decode(pngFile(parts)), std::nullopt);
+  }
+}
+
+TEST_F(ImageTest, JPEGOfAllColorSpaces) {
+  const struct {
+    JPEGOptions options;
+    std::string sample;
+    Pixels color;
+  } rows[] = {
+      {{.channels = 1}, "\x64", {100, 100, 100, 255}},
+      {{.channels = 3}, "\xC8\x64\x32", {200, 100, 50, 255}},
+      {{.channels = 3, .isProgressive = true}, "\xC8\x64\x32", {200, 100, 50, 255}},
+      {{.channels = 3, .isArithmetic = true}, "\xC8\x64\x32", {200, 100, 50, 255}},
+      {{.channels = 4}, "\xFF\x80\x40\x80", {128, 64, 32, 255}},  // stored inverted, and marked
+  };
+  for (const auto& [options, sample, color] : rows) {
+    std::string samples;
+    for (int i = 0; i < 17 * 9; ++i) samples += sample;
+    const std::optional<Image> image = Image::decode(jpegFile(17, 9, samples, options));
+    ASSERT_TRUE(image);
+    EXPECT_EQ(image->width(), 17U);
+    EXPECT_EQ(image->height(), 9U);
+    for (std::size_t i = 0; i < image->pixels().size(); ++i) {
+      EXPECT_NEAR(image->pixels()[i], color[i % 4], 2);
+    }
+  }
+}
+
+TEST_F(ImageTest, WhatIsDamagedIsNoImage) {
+  const Image image = noise(5, 4);
+  const std::string samples = textOf(image.pixels());
+  const std::string files[] = {
+      image.pngData(),
+      pngFile({.width = 5, .height = 4, .rows = unfiltered(samples, 20), .isCgBI = true}),
+      jpegFile(20, 4, samples, {.channels = 1}),
+      jpegFile(20, 4, samples, {.channels = 1, .isProgressive = true})};
+  for (const std::string& file : files) {
+    const std::optional<Image> whole = Image::decode(file);
+    ASSERT_TRUE(whole);
+    const bool isPNG = file[0] == '\x89';
+    for (std::size_t size = 0; size < file.size(); ++size) {
+      EXPECT_FALSE(Image::decode(file.substr(0, size))) << size << " of " << file.size();
+      std::string changed = file;
+      changed[size] = static_cast<char>(changed[size] ^ 0x10);
+      // Only PNG has checksums; in the other a pixel may change.
+      EXPECT_TRUE(!Image::decode(changed) || !isPNG) << size;
+    }
+  }
+}
+
+/// How much the process has ever used, in bytes.
+std::int64_t peakMemory() {
+  rusage usage{};
+  getrusage(RUSAGE_SELF, &usage);
+  return std::int64_t{usage.ru_maxrss} * 1024;
+}
+
+TEST_F(ImageTest, HostileFilesCostNothing) {
+  const std::string zeros(std::size_t{1} << 20, '\0');
+  const std::string jpeg = jpegFile(8, 8, std::string(64, 'x'), {.channels = 1});
+  const auto resizedJPEG = [&](std::string sides) {  // the frame header's height and width
+    std::string file = jpeg;
+    return file.replace(file.find("\xFF\xC0") + 5, 4, sides);
+  };
+  const std::string files[] = {
+      "",
+      "GIF89a",
+      "\xFF\xD8\xFF",
+      "\x89PNG\r\n\x1A\n",
+      pngFile({.width = 100'000, .height = 100'000, .rows = "\0"s}),
+      pngFile({.width = 100'000, .height = 100'000, .rows = "\0"s, .isCgBI = true}),
+      pngFile({.width = 16'384, .height = 4'096, .rows = "\0"s}),
+      pngFile({.width = 16'384, .height = 4'096, .rows = "\0"s, .isCgBI = true}),
+      pngFile({.width = 0, .height = 1, .rows = "\0"s, .isCgBI = true}),
+      pngFile({.bitDepth = 3, .rows = "\0\1\2\3\4"s, .isCgBI = true}),
+      pngFile({.width = 4, .height = 4, .rows = zeros, .isCgBI = true}),
+      resizedJPEG("\xFF\xDC\xFF\xDC"),
+      resizedJPEG("\x10\0\x40\0"s),
+      jpegFile(8, 8, std::string(64, 'x'), {.channels = 1, .hasManyScans = true})};
+  const std::int64_t before = peakMemory();
+  for (const std::string& file : files) {
+    EXPECT_EQ(Image::decode(file), std::nullopt) << testing::PrintToString(file.substr(0, 60));
+  }
+  EXPECT_LT(peakMemory() - before, std::int64_t{64} << 20);
+}
+
+TEST_F(ImageTest, ShrinkingAveragesWhatAPixelCovers) {
+  const struct {
+    Image image;
+    std::uint32_t width, height;
+    Pixels pixels;
+  } rows[] = {
+      {{2, 1, {10, 0, 0, 255, 20, 0, 0, 255}}, 1, 1, {15, 0, 0, 255}},
+      {{1, 2, {10, 0, 0, 255, 20, 0, 0, 255}}, 1, 1, {15, 0, 0, 255}},
+      // The middle one of three goes half to each side.
+      {{3, 1, {0, 0, 0, 255, 90, 0, 0, 255, 240, 0, 0, 255}},
+       2,
+       1,
+       {30, 0, 0, 255, 190, 0, 0, 255}},
+      // Green that cannot be seen stays out of the mean; half of the light stays.
+      {{2, 1, {200, 0, 0, 255, 0, 200, 0, 0}}, 1, 1, {200, 0, 0, 128}},
+      {{2, 1, {100, 0, 0, 100, 0, 100, 0, 50}}, 1, 1, {67, 33, 0, 75}},
+      {{2, 1, {9, 9, 9, 0, 7, 7, 7, 0}}, 1, 1, {0, 0, 0, 0}},
+      {{2, 2, {0, 0, 0, 255, 4, 0, 0, 255, 8, 0, 0, 255, 12, 0, 0, 255}}, 1, 1, {6, 0, 0, 255}}};
+  for (const auto& [image, width, height, pixels] : rows) {
+    EXPECT_EQ(image.resized(width, height).value().pixels(), pixels);
+  }
+}
+
+TEST_F(ImageTest, GrowingInterpolates) {
+  const Image image(2, 1, {0, 0, 0, 255, 100, 0, 0, 255});
+  EXPECT_EQ(image.resized(4, 1).value().pixels(),
+            (Pixels{0, 0, 0, 255, 25, 0, 0, 255, 75, 0, 0, 255, 100, 0, 0, 255}));
+  const Image pixel(1, 1, {9, 8, 7, 6});
+  const Image block = pixel.resized(3, 2).value();
+  for (std::size_t i = 0; i < block.pixels().size(); ++i) EXPECT_EQ(block.pixels()[i], 9 - i % 4);
+  EXPECT_EQ(block.resized(1, 1), pixel);
+}
+
+TEST_F(ImageTest, ResizingIsBounded) {
+  const Image image(2, 2, Pixels(16, 255));
+  for (const auto& [width, height] :
+       {std::pair(0U, 1U), std::pair(1U, 0U), std::pair(Image::kLongestSide + 1, 1U),
+        std::pair(Image::kLongestSide, Image::kLongestSide)}) {
+    EXPECT_EQ(image.resized(width, height), std::nullopt);
+  }
+  // One colour stays one colour, however the sides change.
+  for (const auto& [width, height] : {std::pair(Image::kLongestSide, 1U), std::pair(7U, 5U)}) {
+    const Image grown = image.resized(width, height).value();
+    EXPECT_EQ(grown.pixels(), Pixels(std::size_t{width} * height * 4, 255));
+    EXPECT_EQ(grown.resized(2, 2), image);
+  }
+}
+
+}  // namespace
+}  // namespace tavlen

@@ -1,0 +1,247 @@
+#include "tavlen/foundation/json/JSONDecoder.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+#include "tests/support/Thrown.h"
+
+namespace tavlen {
+namespace {
+
+using Case = DecodingError::Case;
+using namespace std::string_literals;
+
+struct Inner {
+  std::string n;
+  static constexpr auto codedFields() { return std::tuple{requiredField("n", &Inner::n)}; }
+  bool operator==(const Inner&) const = default;
+};
+
+struct Outer {
+  std::vector<Inner> list;
+  std::optional<double> maybe;
+  static constexpr auto codedFields() {
+    return std::tuple{requiredField("list", &Outer::list), optionalField("maybe", &Outer::maybe)};
+  }
+};
+
+/// The texts of the values that one number's text has as Int64, UInt64 and Double; empty where it
+/// has none.
+struct NumberCase {
+  const char* text;
+  const char* int64;
+  const char* uint64;
+  std::optional<double> real;
+};
+
+constexpr double kTwo63 = 9223372036854775808.0;
+
+const NumberCase kNumbers[] = {
+    {"1.0", "1", "1", 1.0},
+    {"1e2", "100", "100", 100.0},
+    {"1E+2", "100", "100", 100.0},
+    {"1.5", "", "", 1.5},
+    {"-0", "0", "0", -0.0},
+    {"-1", "-1", "", -1.0},
+    {"1.0000000000000001", "1", "1", 1.0},
+    {"9223372036854775807", "9223372036854775807", "9223372036854775807", kTwo63},
+    {"-9223372036854775808", "-9223372036854775808", "", -kTwo63},
+    {"-9223372036854775808.0", "-9223372036854775808", "", -kTwo63},
+    {"9223372036854775808", "", "9223372036854775808", kTwo63},
+    {"9223372036854775807.0", "", "9223372036854775807", kTwo63},
+    {"9007199254740993.0", "9007199254740993", "9007199254740993", 9007199254740992.0},
+    {"900719925474099.35e1", "9007199254740993", "9007199254740993", 9007199254740994.0},
+    {"18446744073709551615", "", "18446744073709551615", 2 * kTwo63},
+    {"18446744073709551616", "", "", 2 * kTwo63},
+    {"1e19", "", "10000000000000000000", 1e19},
+    {"5e-324", "", "", 5e-324},
+    {"1e-400", "0", "0", std::nullopt},
+    {"10000e-410", "0", "0", std::nullopt},
+    {"0e-400", "0", "0", 0.0},
+    {"0.0e9", "0", "0", 0.0}};
+
+const char* const kNoNumbers[] = {"1e400", "-1e400", "0.00001e405", "1e99999999999999999999",
+                                  "01",    "-01",    "1.",          "1.e2",
+                                  "1e",    "-",      "1-2",         "--1"};
+
+template <class Integer>
+std::string decodedText(const std::string& text) {
+  try {
+    return std::to_string(decodeJSON<Integer>(text));
+  } catch (const DecodingError& error) {
+    EXPECT_EQ(error.which(), Case::dataCorrupted);
+    return "";
+  }
+}
+
+TEST(JSONDecoder, ReadsNumbersAsThePlatformDoes) {
+  for (const NumberCase& c : kNumbers) {
+    SCOPED_TRACE(c.text);
+    EXPECT_EQ(decodedText<std::int64_t>(c.text), c.int64);
+    EXPECT_EQ(decodedText<std::uint64_t>(c.text), c.uint64);
+    if (c.real) {
+      EXPECT_EQ(decodeJSON<double>(c.text), *c.real);
+    } else {
+      EXPECT_THROW(decodeJSON<double>(c.text), DecodingError);
+    }
+  }
+  for (const char* text : kNoNumbers) {
+    EXPECT_EQ(decodedText<std::int64_t>(text) + decodedText<std::uint64_t>(text), "") << text;
+    EXPECT_THROW(decodeJSON<double>(text), DecodingError) << text;
+  }
+}
+
+TEST(JSONDecoder, ReadsStrings) {
+  const std::pair<std::string, std::string> cases[] = {
+      {R"("")", ""},
+      {R"("\"\\\/\b\f\n\r\t")", "\"\\/\b\f\n\r\t"},
+      {R"("\u0041\u00e9\u00E9\u20ac\ud83d\ude00\u0000z")", "Aéé€😀\0z"s},
+      {"\"\x7F\u2028 plain text longer than eight bytes, é\"",
+       "\x7F\u2028 plain text longer than eight bytes, é"}};
+  for (const auto& [text, value] : cases) EXPECT_EQ(decodeJSON<std::string>(text), value) << text;
+  const std::string bad[] = {R"("\ud83d")", R"("\ude00")", R"("\ud83dx")",     R"("\ud83d\u0041")",
+                             R"("\x")",     R"("\u12")",   R"("\u12g4")",      "\"a\nb\"",
+                             "\"a\x1F\"",   "\"a\0\""s,    R"("open)",         "\"open with \\",
+                             R"("\ud83d\)", "\"\xFF\"",    "\"\xED\xA0\x80\"", "\"\xC0\xAF\""};
+  for (const std::string& text : bad)
+    EXPECT_THROW(decodeJSON<std::string>(text), DecodingError) << text;
+}
+
+std::string utf16(std::u16string_view text, bool bigEndian) {
+  std::string out;
+  for (const char16_t unit : text) {
+    const char high = static_cast<char>(unit >> 8);
+    const char low = static_cast<char>(unit & 0xFF);
+    out += bigEndian ? high : low;
+    out += bigEndian ? low : high;
+  }
+  return out;
+}
+
+TEST(JSONDecoder, TellsTheEncodingByMarkOrZeros) {
+  const std::string text = R"(["é😀"])";
+  const std::u16string wide = u"[\"é😀\"]";
+  const std::string expected = "é😀";
+  const auto element = [](const std::string& bytes) {
+    return decodeJSON<std::vector<std::string>>(bytes).at(0);
+  };
+  EXPECT_EQ(element("\xEF\xBB\xBF" + text), expected);
+  EXPECT_EQ(element(utf16(wide, true)), expected);
+  EXPECT_EQ(element(utf16(wide, false)), expected);
+  EXPECT_EQ(element("\xFE\xFF" + utf16(wide, true)), expected);
+  EXPECT_EQ(element("\xFF\xFE" + utf16(wide, false)), expected);
+  for (const std::string& seven :
+       {"\0\0\0\x37"s, "7\0\0\0"s, "\0\0\xFE\xFF\0\0\0\x37"s, "\xFE\xFF\0\0\x37\0\0\0"s, "7\0"s}) {
+    EXPECT_EQ(decodeJSON<std::int64_t>(seven), 7) << testing::PrintToString(seven);
+  }
+  for (const std::string& none : {"\xFF\xFE\0\0\x37\0\0\0"s, "\xFF\xFE\x37"s}) {
+    EXPECT_THROW(decodeJSON<std::int64_t>(none), DecodingError) << testing::PrintToString(none);
+  }
+}
+
+struct ErrorCase {
+  const char* text;
+  Case which;
+  const char* description;
+};
+
+const ErrorCase kErrors[] = {
+    {R"({"list":[{"n":"x"},{"n":1}]})", Case::typeMismatch,
+     "list[1].n: expected a string, found a number"},
+    {R"({"list":[{"n":null}]})", Case::valueNotFound, "list[0].n: expected a string, found null"},
+    {R"({"list":[{}]})", Case::keyNotFound, "list[0]: missing key \"n\""},
+    {R"({"list":{}})", Case::typeMismatch, "list: expected an array, found a dictionary"},
+    {R"({"list":[],"maybe":"x"})", Case::typeMismatch, "maybe: expected a number, found a string"},
+    {R"({"list":[],"maybe":1e400})", Case::dataCorrupted,
+     "maybe: number 1e400 does not fit a 64-bit float"},
+    {R"(true)", Case::typeMismatch, "expected a dictionary, found a Boolean"},
+    {R"({})", Case::keyNotFound, "missing key \"list\""},
+    {"{\n  \"list\" [] }", Case::dataCorrupted,
+     "The given data was not valid JSON: expected a colon at line 2, column 10"}};
+
+TEST(JSONDecoder, SaysWhatIsWrongAndWhere) {
+  for (const ErrorCase& c : kErrors) {
+    const auto error = thrown<DecodingError>([&] { decodeJSON<Outer>(c.text); });
+    ASSERT_TRUE(error) << c.text;
+    EXPECT_EQ(error->which(), c.which) << c.text;
+    EXPECT_EQ(error->description(), c.description);
+  }
+  const auto error = thrown<DecodingError>([] { decodeJSON<bool>("null"); });
+  ASSERT_TRUE(error);
+  EXPECT_EQ(error->which(), Case::typeMismatch) << "unlike every other type";
+}
+
+TEST(JSONDecoder, RefusesMalformedDocuments) {
+  const char* cases[] = {"",           "  \n",   "[1,]",    "[,]",     "[1,,2]",   "[1 2]",
+                         "[1",         "[1}",    "{",       "{\"a\"}", "{\"a\":}", "{,}",
+                         "{\"a\":1,}", "{a:1}",  "{'a':1}", "[] x",    "[][]",     "[tru]",
+                         "[nul_]",     "[True]", "[.5]",    "[+1]",    "[NaN]",    "[Infinity]",
+                         "/**/[]",     "[1]//",  "[\"a]",   "\v[]",    "[\"\\\"]"};
+  for (const char* text : cases) {
+    EXPECT_THROW(readJSON(text, [](Decoder& decoder) { decoder.elements([] {}); }), DecodingError)
+        << text;
+  }
+}
+
+TEST(JSONDecoder, SkipsWhatNobodyAsksForUnchecked) {
+  const Outer value = decodeJSON<Outer>(
+      R"( {"x":[1-2.e,{"deep":["\q",{"}":"]"}],"e":{}}],"list":[{"n":"first","n":5,"l":[[]]}],"list":7,"maybe":null} )");
+  ASSERT_EQ(value.list.size(), 1U);
+  EXPECT_EQ(value.list[0].n, "first");
+  EXPECT_FALSE(value.maybe);
+}
+
+TEST(JSONDecoder, HoldsItsDepthLimit) {
+  const auto nested = [](std::size_t depth) {
+    return std::string(depth, '[') + std::string(depth, ']');
+  };
+  const auto inObject = [&](std::size_t depth) {
+    return R"({"unknown":)" + nested(depth) + R"(,"list":[]})";
+  };
+  EXPECT_NO_THROW(decodeJSON<Outer>(inObject(511)));
+  EXPECT_THROW(decodeJSON<Outer>(inObject(512)), DecodingError);
+  EXPECT_THROW(decodeJSON<Outer>(inObject(100000)), DecodingError);
+  std::function<void(Decoder&)> descend = [&](Decoder& decoder) {
+    decoder.elements([&] { descend(decoder); });
+  };
+  EXPECT_NO_THROW(readJSON(nested(512), [&](Decoder& decoder) { descend(decoder); }));
+  EXPECT_THROW(readJSON(nested(513), [&](Decoder& decoder) { descend(decoder); }), DecodingError);
+}
+
+TEST(JSONDecoder, StandsWhereItStoodAfterAFailedAttempt) {
+  bool first = true;
+  std::vector<std::string> texts;
+  readJSON(R"([[["a",1],"b"]])", [&](Decoder& decoder) {
+    decoder.elements([&] {
+      const auto readAll = [&] { decoder.elements([&] { texts.push_back(decoder.string()); }); };
+      first = decoder.attempt(readAll);
+      decoder.elements([&] {
+        if (decoder.attempt([&] { texts.push_back(decoder.string()); })) return;
+        decoder.elements([&] {
+          texts.push_back(decoder.attempt([&] { decoder.integer(); }) ? "number"
+                                                                      : decoder.string());
+        });
+      });
+    });
+  });
+  EXPECT_FALSE(first);
+  EXPECT_EQ(texts, (std::vector<std::string>{"a", "number", "b"}));
+}
+
+TEST(JSONDecoder, ReadsDecimalKeys) {
+  using Table = std::map<std::int64_t, bool>;
+  EXPECT_EQ(decodeJSON<Table>(R"({"7":true,"-1":false,"+2":true,"-0":true,"01":true,"1":false})"),
+            (Table{{7, true}, {-1, false}, {2, true}, {0, true}, {1, true}}));
+  for (const char* key : {" 1", "1 ", "", "-", "--1", "+-1", "1.0", "1e1", "0x1", "1_0", "１",
+                          "9223372036854775808"}) {
+    const auto error =
+        thrown<DecodingError>([&] { decodeJSON<Table>("{\"" + std::string(key) + "\":true}"); });
+    ASSERT_TRUE(error) << key;
+    EXPECT_EQ(error->which(), Case::typeMismatch);
+    EXPECT_EQ(error->codingPath(), CodingPath({std::string(key)}));
+  }
+}
+
+}  // namespace
+}  // namespace tavlen

@@ -1,0 +1,286 @@
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <limits>
+
+#include "tavlen/foundation/plist/PropertyListDecoder.h"
+#include "tavlen/foundation/plist/PropertyListEncoder.h"
+#include "tests/foundation/plist/PropertyListGraph.h"
+
+namespace tavlen {
+namespace {
+
+using namespace std::string_literals;
+using Case = DecodingError::Case;
+using Index = PropertyList::Index;
+
+struct Scalars {
+  bool flag = false;
+  std::int64_t count = 0;
+  std::uint64_t size = 0;
+  double ratio = 0;
+  std::string text;
+  Date date;
+  bool operator==(const Scalars&) const = default;
+  static constexpr auto codedFields() {
+    return std::tuple{
+        requiredField("flag", &Scalars::flag), requiredField("count", &Scalars::count),
+        requiredField("size", &Scalars::size), requiredField("ratio", &Scalars::ratio),
+        requiredField("text", &Scalars::text), requiredField("date", &Scalars::date)};
+  }
+};
+
+struct Tree {
+  std::optional<std::string> name;
+  std::vector<Tree> children;
+  std::optional<std::vector<std::optional<std::int64_t>>> numbers;
+  bool operator==(const Tree& other) const {
+    return name == other.name && children == other.children && numbers == other.numbers;
+  }
+  static constexpr auto codedFields() {
+    return std::tuple{optionalField("name", &Tree::name),
+                      requiredField("children", &Tree::children),
+                      optionalField("numbers", &Tree::numbers)};
+  }
+};
+
+std::string plist(std::string_view body) {
+  return "<plist version='1.0'>" + std::string(body) + "</plist>";
+}
+
+/// The error of `body` as "case path: text", or nothing.
+template <class Body>
+std::string errorOf(const Body& body) {
+  try {
+    body();
+    return "";
+  } catch (const DecodingError& error) {
+    static const char* const kCases[] = {"key ", "type ", "null ", "data "};
+    return kCases[static_cast<int>(error.which())] + error.description();
+  } catch (const EncodingError& error) {
+    return "encoding " + error.description();
+  }
+}
+
+PropertyList nestedArrays(std::size_t depth) {
+  PropertyList list;
+  for (Index i = 1; i < depth; ++i) list.add(PropertyList::Array{Indices{i}});
+  list.add(PropertyList::Array{});
+  return list;
+}
+
+void readNested(Decoder& decoder) {
+  decoder.elements([&] { readNested(decoder); });
+}
+
+TEST(PropertyListCoding, roundTrip) {
+  const Scalars scalars{true,
+                        std::numeric_limits<std::int64_t>::min(),
+                        std::numeric_limits<std::uint64_t>::max(),
+                        0.1,
+                        "a\r\n<é😀>",
+                        Date{86400}};
+  const Tree tree{"root", {{{}, {}, {{1, {}, -3}}}, {"", {}, {}}}, {}};
+  for (const auto format : {PropertyListFormat::binary, PropertyListFormat::xml}) {
+    EXPECT_EQ(decodePropertyList<Scalars>(encodePropertyList(scalars, format)), scalars);
+    EXPECT_EQ(decodePropertyList<Tree>(encodePropertyList(tree, format)), tree);
+  }
+  // A null is a string; an absent field is left out; a record keeps its order.
+  Tree withNull;
+  withNull.numbers.emplace(1);
+  EXPECT_EQ(encodePropertyList(std::vector<Tree>{withNull}).substr(0, 44),
+            "bplist00\xA1\x01\xD2\x02\x03\x04\x05\x58"s + "children" + "\x57numbers" +
+                "\xA0\xA1\x06\x55$null" + "\x08\x0A\x0F");
+}
+
+TEST(PropertyListCoding, typedRules) {
+  // What each kind of value gives when it is asked for a boolean, a signed and an unsigned integer,
+  // a real, a string and a date: a value, or a letter for the error.
+  const auto ask = [](const PropertyList& list) {
+    std::string answers;
+    const auto add = [&](auto read) {
+      PropertyListDecoder decoder(list);
+      const std::string error = errorOf([&] { answers += read(decoder) + " "; });
+      if (!error.empty()) answers += error.substr(0, 1) + " ";
+    };
+    add([](Decoder& d) { return d.boolean() ? "true"s : "false"s; });
+    add([](Decoder& d) { return std::to_string(d.integer()); });
+    add([](Decoder& d) { return std::to_string(d.unsignedInteger()); });
+    add([](Decoder& d) { return std::to_string(d.real()); });
+    add([](Decoder& d) { return d.string(); });
+    add([](Decoder& d) { return std::to_string(d.date().secondsSinceReferenceDate); });
+    return answers;
+  };
+  const struct {
+    PropertyList::Node value;
+    const char* answers;
+  } rows[] = {{true, "true t t t t t "},
+              {std::int64_t{1}, "t 1 1 1.000000 t t "},
+              {std::int64_t{-1}, "t -1 d -1.000000 t t "},
+              {std::uint64_t{7}, "t 7 7 7.000000 t t "},
+              {std::uint64_t{1} << 63, "t d 9223372036854775808 9223372036854775808.000000 t t "},
+              {2.0, "t 2 2 2.000000 t t "},
+              {2.5, "t d d 2.500000 t t "},
+              {-2.0, "t -2 d -2.000000 t t "},
+              {0x1p63, "t d 9223372036854775808 9223372036854775808.000000 t t "},
+              {-0x1p63, "t -9223372036854775808 d -9223372036854775808.000000 t t "},
+              {0x1p64, "t d d 18446744073709551616.000000 t t "},
+              {std::numeric_limits<double>::quiet_NaN(), "t d d nan t t "},
+              {-std::numeric_limits<double>::infinity(), "t d d -inf t t "},
+              {"1", "t t t t 1 t "},
+              {"$null", "n n n n n n "},
+              {Date{1}, "t t t t t 1.000000 "},
+              {PropertyList::Data{"1"}, "t t t t t t "},
+              {PropertyList::UID{1}, "t t t t t t "},
+              {PropertyList::Array{}, "t t t t t t "},
+              {PropertyList::Dictionary{}, "t t t t t t "}};
+  for (const auto& row : rows) {
+    PropertyList list;
+    list.add(row.value);
+    EXPECT_EQ(ask(list), row.answers);
+  }
+}
+
+TEST(PropertyListCoding, errorsSayWhere) {
+  const auto decodeTree = [](const char* body) {
+    return errorOf([&] { decodePropertyList<Tree>(plist(body)); });
+  };
+  const struct {
+    const char* body;
+    const char* error;
+  } rows[] = {{"<dict/>", "key missing key \"children\""},
+              {"<array/>", "type expected a dictionary, found an array"},
+              {"<string>$null</string>", "null expected a dictionary, found null"},
+              {"<dict><key>children</key><true/></dict>",
+               "type children: expected an array, found a boolean"},
+              {"<dict><key>children</key><array><dict/></array></dict>",
+               "key children[0]: missing key \"children\""},
+              {"<dict><key>numbers</key><array><string>$null</string><real>0.5</real></array>"
+               "<key>children</key><array/></dict>",
+               "data numbers[1]: the number is not a signed 64-bit integer"},
+              // The first failing field of the record, not of the file; the last of equal keys.
+              {"<dict><key>children</key><true/><key>name</key><true/></dict>",
+               "type name: expected a string, found a boolean"},
+              {"<dict><key>children</key><array/><key>children</key><true/></dict>",
+               "type children: expected an array, found a boolean"},
+              {"<dict><key>children</key><true/><key>children</key><array/><key>name</key>"
+               "<string>$null</string><key>unknown</key><date>2001-01-01T00:00:00Z</date></dict>",
+               ""}};
+  for (const auto& row : rows) EXPECT_EQ(decodeTree(row.body), row.error) << row.body;
+  EXPECT_EQ(errorOf([] { decodePropertyList<Tree>("hello"); }),
+            "data The given data was not a valid property list. It is neither binary nor XML.");
+}
+
+TEST(PropertyListCoding, peeksAttemptsAndVisits) {
+  const PropertyList list = readPropertyList(
+      plist("<dict><key>a</key><integer>1</integer><key>type</key><string>T</string>"
+            "<key>b</key><array><integer>2</integer><true/></array>"
+            "<key>a</key><integer>3</integer></dict>"));
+  PropertyListDecoder decoder(list);
+  EXPECT_EQ(decoder.peekString("type"), "T");
+  EXPECT_EQ(errorOf([&] { decoder.peekString("c"); }), "key missing key \"c\"");
+  EXPECT_EQ(errorOf([&] { decoder.peekString("b"); }), "type b: expected a string, found an array");
+  std::string seen;
+  decoder.members([&](std::string_view key) {
+    seen += key;
+    if (key == "b") {
+      // The error comes from inside of the array; what follows stands before it again.
+      EXPECT_FALSE(decoder.attempt([&] { decoder.elements([&] { decoder.integer(); }); }));
+      decoder.elements([&] { seen += decoder.attempt([&] { decoder.integer(); }) ? '+' : '-'; });
+    } else if (key == "a") {
+      seen += std::to_string(decoder.integer());
+    }
+  });
+  EXPECT_EQ(seen, "typeb+-a3");
+  EXPECT_EQ(decoder.peekString("type"), "T");
+}
+
+TEST(PropertyListCoding, decodingIsBounded) {
+  const auto readDepth = [](const PropertyList& list) {
+    return errorOf([&] {
+      PropertyListDecoder decoder(list);
+      readNested(decoder);
+    });
+  };
+  EXPECT_EQ(readDepth(nestedArrays(512)), "");
+  EXPECT_TRUE(readDepth(nestedArrays(513)).ends_with("nested deeper than 512 containers"));
+  PropertyList cycle;
+  cycle.add("children"s);
+  cycle.add(PropertyList::Dictionary{Members{{0, 2}}});
+  cycle.setRoot(cycle.add(PropertyList::Array{Indices{1}}));
+  PropertyListDecoder decoder(cycle);
+  std::vector<Tree> trees;
+  EXPECT_TRUE(errorOf([&] { decode(decoder, trees); }).ends_with("deeper than 512 containers"));
+
+  PropertyList bomb;
+  for (Index i = 1; i < 30; ++i) bomb.add(PropertyList::Array{Indices{i, i}});
+  bomb.add(PropertyList::Array{});
+  EXPECT_TRUE(readDepth(bomb).ends_with("too many values by shared references"));
+
+  // A long text, and a wide dictionary, in many places.
+  const Index kPlaces = 10'000;
+  PropertyList text;
+  text.add(PropertyList::Array{std::vector<Index>(kPlaces, 1)});
+  text.add(std::string(1'000'000, 'x'));
+  PropertyListDecoder textDecoder(text);
+  std::vector<std::string> texts;
+  EXPECT_TRUE(
+      errorOf([&] { decode(textDecoder, texts); }).ends_with("too much data by shared references"));
+  PropertyList wide;
+  wide.add(PropertyList::Array{std::vector<Index>(kPlaces, 1)});
+  wide.add(PropertyList::Dictionary{Members(kPlaces, {2, 3})});
+  wide.add("children"s);
+  wide.add(PropertyList::Array{});
+  PropertyListDecoder wideDecoder(wide);
+  EXPECT_TRUE(errorOf([&] {
+                decode(wideDecoder, trees);
+              }).ends_with("too many values by shared references"));
+
+  // One long key, or two with the same text, under each of which stand many members.
+  for (const bool isLong : {true, false}) {
+    PropertyList keys;
+    Members members;
+    for (Index i = 0; i < kPlaces; ++i) members.push_back({1 + i % 2, 1});
+    keys.add(PropertyList::Dictionary{members});
+    for (int i = 0; i < 2; ++i) keys.add(std::string(isLong ? 1'000'000 : 1, 'k'));
+    std::size_t count = 0;
+    const std::string error = errorOf([&] {
+      PropertyListDecoder keyDecoder(keys);
+      keyDecoder.members([&](std::string_view) { ++count; });
+    });
+    EXPECT_EQ(error, isLong ? "data too much data by shared references" : "");
+    EXPECT_EQ(errorOf([&] { writePropertyList(keys, PropertyListFormat::xml); }).empty(), !isLong);
+    EXPECT_EQ(count, isLong ? 0U : 1U);
+  }
+
+  // What is large without being shared is no bomb.
+  std::vector<std::string> many(2'000'000, "x");
+  many.emplace_back(100'000'000, 'x');
+  EXPECT_EQ(decodePropertyList<std::vector<std::string>>(encodePropertyList(many)), many);
+}
+
+TEST(PropertyListCoding, encodingIsChecked) {
+  const auto depth = [](std::size_t count) {
+    return errorOf([&] {
+      PropertyListEncoder encoder;
+      for (std::size_t i = 0; i < count; ++i) encoder.beginArray(1);
+      for (std::size_t i = 0; i < count; ++i) encoder.endArray();
+      writePropertyList(encoder.finish(), PropertyListFormat::binary);
+    });
+  };
+  EXPECT_EQ(depth(511), "");
+  EXPECT_EQ(depth(512), "encoding nested deeper than 511 containers");
+  EXPECT_NE(errorOf([] { encodePropertyList("text"s); }), "");
+  EXPECT_NE(errorOf([] { encodePropertyList(std::optional<Tree>()); }), "");
+  EXPECT_NE(errorOf([] { encodePropertyList(std::int64_t{1}); }), "");
+  EXPECT_EQ(errorOf([] {
+              encodePropertyList(std::vector<Tree>{{"\xFF", {}, {}}});
+            }),
+            "encoding [0].name: the string is not valid UTF-8");
+  const std::vector<std::string> nul{"\0"s};
+  EXPECT_NE(errorOf([&] { encodePropertyList(nul, PropertyListFormat::xml); }), "");
+  EXPECT_EQ(decodePropertyList<std::vector<std::string>>(encodePropertyList(nul)), nul);
+}
+
+}  // namespace
+}  // namespace tavlen

@@ -1,0 +1,355 @@
+#include "tavlen/introspection/classes/DynamicClassParser.h"
+
+#include <dlfcn.h>
+#include <gmock/gmock.h>
+#include <objc/runtime.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <functional>
+#include <iostream>
+#include <mutex>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "tavlen/bundles/Executable.h"
+#include "tavlen/foundation/files/ExecutablePath.h"
+#include "tavlen/foundation/files/FileSystem.h"
+#include "tavlen/foundation/tasks/ScopedProgress.h"
+#include "tavlen/foundation/text/Log.h"
+#include "tavlen/introspection/classes/RuntimeClasses.h"
+#include "tests/introspection/classes/LoadClasses.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tests/support/TestPaths.h"
+
+namespace {
+
+std::function<void(std::string)>& sampleCallback() {
+  static std::function<void(std::string)> callback;
+  return callback;
+}
+
+}  // namespace
+
+/// Called by the image of initialisers.
+extern "C" void tavlenSampleCallback(const char* initialiser);
+void tavlenSampleCallback(const char* initialiser) {
+  if (sampleCallback()) sampleCallback()(initialiser);
+}
+
+namespace tavlen {
+namespace {
+
+using testing::ElementsAre;
+using Lines = std::vector<std::string>;
+
+constexpr const char* kFoundation = "libgnustep-base.so.1.28";
+
+std::string pathOfDefinition(const char* className) {
+  Dl_info info;
+  return ::dladdr(objc_lookUpClass(className), &info) != 0 ? info.dli_fname : "";
+}
+
+Lines namesOf(const ClassParser::Classes& classes) {
+  Lines names;
+  for (const auto& each : classes) names.push_back(each->name);
+  return names;
+}
+
+std::string textOf(const ObjCClass& cls) {
+  std::string text = "class " + cls.name + '\n';
+  if (cls.mangledSuperclass) text += "mangled " + *cls.mangledSuperclass + '\n';
+  if (cls.supercls)
+    text += "super " + *cls.supercls + ' ' + cls.superclassPath.value_or("-") + '\n';
+  for (const auto& each : cls.protocols) text += "protocol " + each + '\n';
+  for (const auto& each : cls.methods) {
+    text += (each->isClassMethod ? "+ " : "- ") + each->selector + ' ' + each->encoding + '\n';
+  }
+  return text;
+}
+
+/// Keeps what is logged while it stands.
+class Messages {
+ public:
+  Messages() {
+    setLogSink([this](std::string_view message) {
+      const std::lock_guard lock(lock_);
+      lines_.emplace_back(message);
+    });
+  }
+  Messages(const Messages&) = delete;
+  Messages& operator=(const Messages&) = delete;
+  ~Messages() { setLogSink({}); }
+  Lines take() { return std::exchange(lines_, {}); }
+
+ private:
+  std::mutex lock_;
+  Lines lines_;
+};
+
+class DynamicClassParserTest : public testing::Test {
+ protected:
+  ClassParser::Classes parse(const std::filesystem::path& path, bool shouldDlopen = true) {
+    auto classes = parser_.parseClassesAtPath(path, shouldDlopen);
+    EXPECT_TRUE(classes.has_value()) << path;
+    return std::move(classes).value_or(ClassParser::Classes());
+  }
+  Class classNamed(const char* name) {
+    Class cls = objc_lookUpClass(name);
+    EXPECT_NE(cls, nullptr) << name;
+    return cls;
+  }
+  Class madeClass(const char* name, Class super) {
+    Class cls = objc_allocateClassPair(super, name, 0);
+    objc_registerClassPair(cls);
+    return cls;
+  }
+  /// Some code for a method that nobody calls.
+  IMP anyCode() {
+    return class_getMethodImplementation(classNamed("SampleRoot"), sel_registerName("tag"));
+  }
+
+  DynamicClassParser parser_;
+  Messages messages_;
+};
+
+TEST_F(DynamicClassParserTest, ReadsWhatAnImageDefines) {
+  const std::string image = paths().classesImage;
+  std::string text;
+  for (const auto& each : parse(image)) text += textOf(*each);
+  // The run time gives the methods of a category first, each list from its end; it lists the
+  // instance methods of a root class as class methods, too, which no other class shows.
+  EXPECT_EQ(text, R"(class SampleRoot
+- tag i16@0:8
++ tag i16@0:8
++ make @16@0:8
+class SamplePicture
+super SampleRoot )" + image +
+                      R"(
+protocol SampleDrawing
+protocol SampleNaming
+- name r*16@0:8
+- name r*16@0:8
+- drawIn:at: v40@0:8^{Box={Point=dd}C}16{Point=dd}24
++ name @16@0:8
+class SampleBare
+super SamplePicture )" +
+                      image + R"(
+class SampleAlien
+super Object )" + pathOfDefinition("Object") +
+                      R"(
+- boxOf: {Box={Point=dd}C}24@0:8O@16
+)");
+  EXPECT_THAT(messages_.take(),
+              ElementsAre("dlopening " + image + "!", "Enumerating classes of " + image));
+}
+
+TEST_F(DynamicClassParserTest, ReadsAClassOnce) {
+  const auto first = parse(paths().classesImage);
+  messages_.take();
+  const TemporaryFolder folder;
+  std::filesystem::create_symlink(paths().classesImage, folder.path() / "link.so");
+  EXPECT_EQ(parse(folder.path() / "link.so", false), first);  // the same records
+  EXPECT_EQ(messages_.take().size(), 1U);                     // and nothing is loaded
+  EXPECT_EQ(parser_.cache().size(), 4U);
+  EXPECT_EQ(parser_.cache().at("SampleBare"), first.at(2));
+  EXPECT_NE(DynamicClassParser::sharedParser().parseClass(classNamed("SampleBare")), first.at(2));
+
+  Class made = madeClass("MadeOnce", nullptr);
+  const auto record = parser_.parseClass(made);
+  class_addMethod(made, sel_registerName("late"), anyCode(), "v16@0:8");
+  EXPECT_EQ(parser_.parseClass(made), record);
+  EXPECT_EQ(textOf(*record), "class MadeOnce\n");
+  EXPECT_EQ(parser_.methodsOfClass(made, true).size(), 1U);
+}
+
+TEST_F(DynamicClassParserTest, GivesNothingForWhatDoesNotLoad) {
+  const TemporaryFolder folder;
+  const auto text = folder.write("text.so", std::string(100, 'x'));
+  const auto pipe = folder.path() / "pipe";
+  ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+  const std::vector<std::pair<std::filesystem::path, std::string>> cases = {
+      {folder.path() / "missing.so", "No such file or directory"},
+      {text, "invalid ELF header"},
+      {pipe, "not a regular file"},
+      {folder.path(), "not a regular file"},
+      {"", "not a regular file"},
+  };
+  for (const auto& [path, reason] : cases) {
+    SCOPED_TRACE(path);
+    EXPECT_EQ(parser_.parseClassesAtPath(path, true), std::nullopt);
+    EXPECT_THAT(messages_.take(),
+                ElementsAre("dlopening " + path.string() + "!",
+                            testing::AllOf(testing::StartsWith("dlopen encountered error: "),
+                                           testing::HasSubstr(reason))));
+    EXPECT_THAT(parse(path, false), testing::IsEmpty());
+    messages_.take();
+  }
+}
+
+TEST_F(DynamicClassParserTest, AnImageMayHaveNoClasses) {
+  ::dlopen("/no/such/image", RTLD_LAZY);  // whose error is not that of the next
+  EXPECT_THAT(parse(paths().noClassesImage), testing::IsEmpty());
+  EXPECT_NE(::dlopen(paths().noClassesImage.c_str(), RTLD_LAZY | RTLD_NOLOAD), nullptr);
+}
+
+TEST_F(DynamicClassParserTest, KnowsTheProgram) {
+  const auto classes = parse(executablePath(), false);
+  ASSERT_THAT(namesOf(classes), ElementsAre("SampleOfProgram", "SampleBelowProgram"));
+  EXPECT_EQ(classes[1]->superclassPath, executablePath().string());
+}
+
+TEST_F(DynamicClassParserTest, InitialisersMayAsk) {
+  std::vector<std::pair<std::string, ClassParser::Classes>> answers;
+  sampleCallback() = [&](const std::string& initialiser) {
+    answers.emplace_back(initialiser, parse(paths().classesImage));
+  };
+  const auto classes = parse(paths().initialisersImage);
+  sampleCallback() = nullptr;
+  EXPECT_THAT(namesOf(classes), ElementsAre("SampleLoaded"));
+  const auto expected = parse(paths().classesImage);
+  EXPECT_THAT(answers, testing::UnorderedElementsAre(testing::Pair("load", expected),
+                                                     testing::Pair("constructor", expected)));
+}
+
+TEST_F(DynamicClassParserTest, ClassesMadeAtRunTimeHaveNoImage) {
+  parse(paths().classesImage);
+  Class made = madeClass("Made\xFF", classNamed("SampleRoot"));
+  Class below = madeClass("Made\xFE", made);
+  class_addMethod(made, sel_registerName("typeless"), anyCode(), "v");
+  class_addMethod(made, sel_registerName("odd\xC3:"), anyCode(), "{\x80=}");
+  unsigned count = 0;
+  Method* methods = class_copyMethodList(made, &count);
+  for (Method* each = methods; each != methods + count; ++each) {
+    // The second field. Nothing else makes a method without types.
+    auto& types = reinterpret_cast<const char**>(*each)[1];
+    if (*types == 'v') types = nullptr;
+  }
+  std::free(methods);
+  EXPECT_EQ(textOf(*parser_.parseClass(made)), "class Made\xEF\xBF\xBD\nsuper SampleRoot " +
+                                                   paths().classesImage +
+                                                   "\n- odd\xEF\xBF\xBD: {\xEF\xBF\xBD=}\n");
+  EXPECT_EQ(textOf(*parser_.parseClass(below)),
+            "class Made\xEF\xBF\xBD\nsuper Made\xEF\xBF\xBD -\n");
+  EXPECT_EQ(namesOf(parse(paths().classesImage)).size(), 4U);
+}
+
+TEST_F(DynamicClassParserTest, ListsProtocolsOrNone) {
+  parse(paths().classesImage);
+  EXPECT_THAT(class_copyProtocolNames(classNamed("SamplePicture")),
+              testing::Optional(ElementsAre("SampleDrawing", "SampleNaming")));
+  EXPECT_EQ(class_copyProtocolNames(classNamed("SampleBare")), std::nullopt);
+}
+
+TEST_F(DynamicClassParserTest, ProgressHasAUnitAClass) {
+  parse(paths().classesImage);
+  const auto top = Progress::discrete(2);
+  std::vector<double> fractions;
+  {
+    const ScopedProgress current(top, 2);
+    objc_enumerateClassesOfImage(paths().classesImage, [&](Class) {
+      EXPECT_EQ(Progress::current()->totalUnitCount(), 4);
+      fractions.push_back(top->fractionCompleted());
+    });
+  }
+  EXPECT_THAT(fractions, ElementsAre(0, 0.25, 0.5, 0.75));
+  EXPECT_TRUE(top->isFinished());
+
+  const auto parent = Progress::discrete(2);
+  parent->becomeCurrent(1);
+  objc_enumerateClassesOfImage(paths().noClassesImage, [](Class) { FAIL(); });
+  const auto child = Progress::make(1);  // the first: nothing was made for no class
+  parent->resignCurrent();
+  EXPECT_EQ(parent->completedUnitCount(), 0);
+  child->setCompletedUnitCount(1);
+  EXPECT_EQ(parent->completedUnitCount(), 1);
+}
+
+TEST_F(DynamicClassParserTest, ServesExecutables) {
+  const TemporaryFolder folder;
+  const ClassParser& parser = parser_;
+  const auto parent = Progress::discrete(3);
+  const auto executable = [](const std::filesystem::path& image) {
+    return Executable({}, image.parent_path(), image.filename(), false);
+  };
+  std::filesystem::copy_file(paths().noClassesImage, folder.path() / "fresh.so");
+  const Executable fresh = executable(folder.path() / "fresh.so");
+  EXPECT_THAT(parser.parse(fresh, parent), testing::IsEmpty());
+  EXPECT_EQ(messages_.take().size(), 2U);
+  EXPECT_THAT(parser.parse(fresh), testing::IsEmpty());
+  EXPECT_EQ(messages_.take().size(), 1U);  // it is not loaded again
+  EXPECT_EQ(parser.parse(executable(paths().classesImage), parent), parse(paths().classesImage));
+  EXPECT_EQ(parent->completedUnitCount(), 2);
+  try {
+    parser.parse(executable(folder.path() / "missing.so"), parent);
+    FAIL();
+  } catch (const DynamicClassParser::Error& error) {
+    EXPECT_EQ(error.localizationKey(), "dynamic_class_parser.error.failed");
+    EXPECT_STREQ(error.what(), "Dynamic dump failed");
+  }
+  EXPECT_EQ(Progress::current(), nullptr);
+}
+
+TEST_F(DynamicClassParserTest, ThreadsShareRecords) {
+  std::array<ClassParser::Classes, 4> results;
+  std::vector<std::thread> threads;
+  for (auto& result : results) {
+    threads.emplace_back([&] {
+      const auto& parser = DynamicClassParser::sharedParser();
+      for (int i = 0; i < 20; ++i) {
+        result = parser.parseClassesAtPath(paths().classesImage, true).value();
+        EXPECT_EQ(parser.parseClass(objc_lookUpClass("SampleBare")), result.at(2));
+        EXPECT_GE(parser.cache().size(), result.size());
+      }
+    });
+  }
+  for (auto& each : threads) each.join();
+  for (const auto& each : results) EXPECT_EQ(each, results.front());
+}
+
+std::string foundationByItself() {
+  const TemporaryFolder folder;
+  const auto file = folder.path() / "dump";
+  // Its leaks are not ours.
+  const std::string command =
+      "ASAN_OPTIONS=detect_leaks=0 '" + paths().foundationDump + "' > '" + file.string() + "'";
+  if (std::system(command.c_str()) != 0) return "";  // NOLINT(cert-env33-c)
+  return readFile(file);
+}
+
+std::string foundationByParser() {
+  loadClasses(kFoundation);  // which loses a list of methods meanwhile
+  auto classes = DynamicClassParser().parseClassesAtPath(kFoundation, true).value();
+  std::sort(classes.begin(), classes.end(),
+            [](const auto& a, const auto& b) { return a->name < b->name; });
+  std::string text;
+  for (const auto& each : classes) text += textOf(*each);
+  return text;
+}
+
+int compareFoundation() {
+  std::istringstream expected(foundationByItself());
+  std::istringstream found(foundationByParser());
+  std::size_t count = 0;
+  std::string line;
+  for (std::string other; std::getline(expected, line); ++count) {
+    if (!std::getline(found, other) || line != other) {
+      std::cerr << "expected: " << line << "\nfound: " << other << '\n';
+      return 1;
+    }
+  }
+  return count > 8000 && !std::getline(found, line) ? 0 : 1;
+}
+
+// In a process of its own: classes add methods to themselves at the first message.
+TEST(DynamicClassParserDeathTest, AgreesWithFoundationAboutItself) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  EXPECT_EXIT(std::exit(compareFoundation()), testing::ExitedWithCode(0), "");
+}
+
+}  // namespace
+}  // namespace tavlen

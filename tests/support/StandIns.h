@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstdlib>
+#include <string>
+
+#include "tests/introspection/classes/LoadClasses.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tests/support/TestPaths.h"
+
+namespace tavlen {
+
+/// The stand-ins of the system's Objective-C classes, loaded into this process. What they answer is
+/// this object's for as long as it lives; tests/standins/SystemClasses.m says how. One at a time.
+class StandIns {
+ public:
+  /// `members` are those of the script's dictionary, as the XML of a property list.
+  explicit StandIns(const std::string& members = "") {
+    loadClasses(paths().standInsLibrary.c_str());
+    const auto script = folder_.write(
+        "script.plist", "<?xml version=\"1.0\" encoding=\"UTF-8\"?><plist version=\"1.0\"><dict>" +
+                            members + "</dict></plist>");
+    ::setenv("TAVLEN_STAND_INS", script.c_str(), 1);
+  }
+  StandIns(const StandIns&) = delete;
+  StandIns& operator=(const StandIns&) = delete;
+  ~StandIns() { ::unsetenv("TAVLEN_STAND_INS"); }
+
+ private:
+  TemporaryFolder folder_;
+};
+
+}  // namespace tavlen

@@ -2,7 +2,8 @@
 
 #include <exception>
 
-#include "tavlen/store/TweakManager.h"
+#include "tavlen/foundation/files/FileSystem.h"
+#include "tavlen/items/TweaksDirectory.h"
 #include "tavlen/tweaks/TweakFile.h"
 
 namespace tavlen {
@@ -10,11 +11,10 @@ namespace tavlen {
 std::vector<std::shared_ptr<TweakFile>> TweakCollection::Manifest::tweaks() const {
   std::vector<std::shared_ptr<TweakFile>> tweaks;
   for (const std::string& id : _tweaks) {
-    // Otherwise a collection that names itself would be read for nothing.
-    if (!TweakFile::isValidID(id)) continue;
+    // Whatever an imported collection names, only stored tweaks are its members.
+    if (!TweakFile::isValidID(id) || !isPlainComponent(id)) continue;
     try {
-      auto tweak = std::dynamic_pointer_cast<TweakFile>(TweakManager::tweakWithID(id));
-      if (tweak != nullptr) tweaks.push_back(std::move(tweak));
+      tweaks.push_back(TweakFile::at(TweaksDirectory::url() / id));
     } catch (const std::exception&) {
       continue;  // left out, as documented
     }

@@ -6,7 +6,7 @@
 #include "cli/arguments/RootOption.h"
 #include "cli/commands/Commands.h"
 #include "cli/work/ErrorReport.h"
-#include "cli/work/Installation.h"
+#include "cli/work/ProgramFolders.h"
 #include "tavlen/foundation/errors/MainBundle.h"
 #include "tavlen/foundation/text/Log.h"
 

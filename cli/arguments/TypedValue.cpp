@@ -17,8 +17,8 @@
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/foundation/json/JSONDecoder.h"
 #include "tavlen/foundation/json/JSONEncoder.h"
+#include "tavlen/foundation/text/EscapedText.h"
 #include "tavlen/foundation/text/NumberText.h"
-#include "tavlen/foundation/text/TerminalText.h"
 #include "tavlen/foundation/text/Unicode.h"
 
 namespace tavlen::cli {
@@ -118,7 +118,7 @@ std::string knownForms() {
 }
 
 [[noreturn]] void refuse(const char* argument, std::string_view text, const std::string& problem) {
-  throw UsageError(argument, oneLine(abbreviated(text)) + ": " + problem);
+  throw UsageError(argument, escapedForTerminal(abbreviated(text)) + ": " + problem);
 }
 
 Parameter parameterFromJSON(const std::string& json, const std::string& text,
@@ -127,7 +127,7 @@ Parameter parameterFromJSON(const std::string& json, const std::string& text,
     return decodeJSON<ParameterContainer>(json).value;
   } catch (const DecodingError& error) {
     refuse(argument, text,
-           "expected a parameter as manifests hold it: " + oneLine(error.description()));
+           "expected a parameter as manifests hold it: " + escapedForTerminal(error.description()));
   }
 }
 

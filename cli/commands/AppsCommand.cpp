@@ -13,12 +13,12 @@
 #include "tavlen/bundles/InfoManager.h"
 #include "tavlen/device/DeviceRoot.h"
 #include "tavlen/device/DirectoryAppListFetcher.h"
-#include "tavlen/device/InstalledTweaks.h"
+#include "tavlen/device/InstalledRecords.h"
 #include "tavlen/device/LSAppListFetcher.h"
 #include "tavlen/foundation/base/FunctionRef.h"
 #include "tavlen/foundation/json/JSONEncoder.h"
 #include "tavlen/foundation/plist/PropertyListDecoder.h"
-#include "tavlen/foundation/text/TerminalText.h"
+#include "tavlen/foundation/text/EscapedText.h"
 #include "tavlen/foundation/text/TextComparison.h"
 #include "tavlen/foundation/text/Unicode.h"
 
@@ -54,7 +54,7 @@ Row rowOf(const AppListApp& app, FunctionRef<Info()> info) {
   } catch (const std::exception& error) {
     row.note = std::string("Info.plist: ") + error.what();
   }
-  if (const auto record = InstalledTweaks::record(app.bundleID)) row.activeTweak = record->tweakID;
+  if (const auto record = InstalledRecords::record(app.bundleID)) row.activeTweak = record->tweakID;
   return row;
 }
 
@@ -107,7 +107,8 @@ void addAppsCommand(Command app) {
     sortByName(rows);
     if (!*json && rows.empty())
       printMessage("tavlen: no apps in the device root " +
-                   oneLine(DeviceRoot::shared().url().native()) + "; --root names a device tree\n");
+                   escapedForTerminal(DeviceRoot::shared().url().native()) +
+                   "; --root names a device tree\n");
     if (*json || !rows.empty()) printData(*json ? encodeJSON(rows) + "\n" : table(rows));
     return 0;
   });

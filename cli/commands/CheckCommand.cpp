@@ -11,7 +11,7 @@
 #include "cli/work/ErrorReport.h"
 #include "cli/work/Transpilation.h"
 #include "cli/work/TweakCheck.h"
-#include "tavlen/foundation/text/TerminalText.h"
+#include "tavlen/foundation/text/EscapedText.h"
 
 namespace tavlen::cli {
 
@@ -52,7 +52,7 @@ void addCheckCommand(Command app) {
     bool allBuild = true;
     for (const std::string& tweak : *tweaks) {
       const auto verdict = verdictOf(tweak, transpilerFolder(*transpiler));
-      if (verdict) printData(oneLine(tweak) + ": " + *verdict + "\n");
+      if (verdict) printData(escapedForTerminal(tweak) + ": " + *verdict + "\n");
       allBuild = allBuild && verdict.has_value();
     }
     return allBuild ? 0 : 1;

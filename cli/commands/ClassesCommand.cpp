@@ -8,7 +8,7 @@
 #include "cli/terminal/Console.h"
 #include "cli/work/ClassDump.h"
 #include "tavlen/foundation/json/JSONEncoder.h"
-#include "tavlen/foundation/text/TerminalText.h"
+#include "tavlen/foundation/text/EscapedText.h"
 
 namespace tavlen::cli {
 
@@ -30,7 +30,7 @@ int listClasses(const Options& options) {
   if (options.json) {
     out = encodeJSON(classes) + "\n";
   } else {
-    for (const auto& cls : classes) out += oneLine(cls->description()) + "\n";
+    for (const auto& cls : classes) out += escapedForTerminal(cls->description()) + "\n";
   }
   printData(out);
   return 0;

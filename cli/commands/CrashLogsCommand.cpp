@@ -9,7 +9,7 @@
 #include "cli/terminal/Console.h"
 #include "tavlen/device/FileOperations.h"
 #include "tavlen/device/Process.h"
-#include "tavlen/foundation/text/TerminalText.h"
+#include "tavlen/foundation/text/EscapedText.h"
 
 namespace tavlen::cli {
 
@@ -34,7 +34,7 @@ int copyLogs(const std::string& app, const std::filesystem::path& directory) {
   }
   std::string added;
   for (const std::string& name : namesIn(directory)) {
-    if (!before.contains(name)) added += oneLine(name) + "\n";
+    if (!before.contains(name)) added += escapedForTerminal(name) + "\n";
   }
   if (added.empty()) {
     printMessage("tavlen: no crash logs that are not in the folder already\n");

@@ -15,7 +15,7 @@
 #include "tavlen/foundation/files/DiskSync.h"
 #include "tavlen/foundation/files/FileTree.h"
 #include "tavlen/foundation/files/TemporaryDirectory.h"
-#include "tavlen/foundation/text/TerminalText.h"
+#include "tavlen/foundation/text/EscapedText.h"
 #include "tavlen/store/TweakManager.h"
 
 namespace tavlen::cli {
@@ -100,7 +100,7 @@ int exportItem(const Options& options) {
     printWarning(file.string() + ": import knows archives by their extension, ." +
                  std::string(item->archiveExtension()));
   }
-  printData(oneLine(file.string()) + "\n");
+  printData(escapedForTerminal(file.string()) + "\n");
   return 0;
 }
 

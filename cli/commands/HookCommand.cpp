@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "cli/arguments/ErrorPlace.h"
 #include "cli/arguments/HookArgument.h"
 #include "cli/arguments/StoredItem.h"
+#include "cli/arguments/WithPlace.h"
 #include "cli/commands/Commands.h"
 #include "cli/terminal/Console.h"
 #include "cli/terminal/TextTable.h"
@@ -81,7 +81,7 @@ Hook newHook(const Options& options) {
 void addHook(const Options& options) {
   const auto tweak = storedTweak(options.tweak);
   const Hook plain = newHook(options);
-  naming(options.tweak + ": " + methodText(plain.identity()), [&] {
+  withPlace(options.tweak + ": " + methodText(plain.identity()), [&] {
     const std::lock_guard lock(tweakPoster().recursiveLock);
     const HookManager manager = tweak->managerFor(plain.identity());
     requireFree(manager);
@@ -105,7 +105,7 @@ void applyTo(Hook& hook, const Options& options) {
 void setHook(const Options& options) {
   const auto tweak = storedTweak(options.tweak);
   Hook changed;
-  naming(options.tweak + ": " + options.hook, [&] {
+  withPlace(options.tweak + ": " + options.hook, [&] {
     const std::lock_guard lock(tweakPoster().recursiveLock);
     const HookManager manager = hookArgument(tweak, options.hook);
     manager.updateHook([&](Hook& hook) {
@@ -119,7 +119,7 @@ void setHook(const Options& options) {
 
 void removeHook(const Options& options) {
   const auto tweak = storedTweak(options.tweak);
-  naming(options.tweak + ": " + options.hook, [&] {
+  withPlace(options.tweak + ": " + options.hook, [&] {
     const std::lock_guard lock(tweakPoster().recursiveLock);
     hookArgument(tweak, options.hook).deleteHook();
   });
@@ -139,7 +139,8 @@ std::string table(const std::vector<Hook>& hooks) {
 
 void listHooks(const Options& options) {
   const auto tweak = storedTweak(options.tweak);
-  const std::vector<Hook> hooks = naming(options.tweak, [&] { return tweak->manifest().hooks(); });
+  const std::vector<Hook> hooks =
+      withPlace(options.tweak, [&] { return tweak->manifest().hooks(); });
   if (options.json) return printData(encodeJSON(hooks) + "\n");
   if (!hooks.empty()) printData(table(hooks));
 }

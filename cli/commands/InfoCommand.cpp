@@ -7,7 +7,7 @@
 #include "cli/commands/Commands.h"
 #include "cli/terminal/Console.h"
 #include "tavlen/foundation/json/JSONEncoder.h"
-#include "tavlen/foundation/text/TerminalText.h"
+#include "tavlen/foundation/text/EscapedText.h"
 
 namespace tavlen::cli {
 
@@ -61,7 +61,7 @@ std::string row(const std::string& title, const std::string& value) {
   constexpr std::size_t kTitleWidth = 20;
   std::string text = title + ":";
   text.resize(kTitleWidth, ' ');
-  return text + oneLine(value) + "\n";
+  return text + escapedForTerminal(value) + "\n";
 }
 
 std::string listed(const std::vector<InterfaceOrientation>& orientations) {

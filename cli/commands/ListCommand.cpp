@@ -13,7 +13,7 @@
 #include "cli/terminal/TextTable.h"
 #include "cli/work/ActiveTweak.h"
 #include "tavlen/foundation/json/JSONEncoder.h"
-#include "tavlen/foundation/text/TerminalText.h"
+#include "tavlen/foundation/text/EscapedText.h"
 #include "tavlen/foundation/text/TextComparison.h"
 #include "tavlen/foundation/text/Unicode.h"
 #include "tavlen/items/TweaksDirectory.h"
@@ -85,7 +85,8 @@ int list(bool json) {
   const std::size_t entries = entryCount();
   const std::vector<Row> rows = readRows();
   if (!json && entries == 0) {
-    printMessage("tavlen: nothing is stored in " + oneLine(TweaksDirectory::url().native()) + "\n");
+    printMessage("tavlen: nothing is stored in " +
+                 escapedForTerminal(TweaksDirectory::url().native()) + "\n");
   }
   if (json) {
     printData(encodeJSON(rows) + "\n");

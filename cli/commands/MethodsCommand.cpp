@@ -5,7 +5,7 @@
 #include "cli/terminal/Console.h"
 #include "cli/work/ClassDump.h"
 #include "tavlen/foundation/json/JSONEncoder.h"
-#include "tavlen/foundation/text/TerminalText.h"
+#include "tavlen/foundation/text/EscapedText.h"
 
 namespace tavlen::cli {
 
@@ -23,7 +23,7 @@ int listMethods(const Options& options) {
   if (options.json) {
     out = encodeJSON(cls->methods) + "\n";
   } else {
-    for (const auto& method : cls->methods) out += oneLine(method->description()) + "\n";
+    for (const auto& method : cls->methods) out += escapedForTerminal(method->description()) + "\n";
   }
   printData(out);
   return 0;

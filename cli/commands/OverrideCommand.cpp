@@ -7,9 +7,9 @@
 #include <utility>
 #include <vector>
 
-#include "cli/arguments/ErrorPlace.h"
 #include "cli/arguments/OverrideValue.h"
 #include "cli/arguments/StoredItem.h"
+#include "cli/arguments/WithPlace.h"
 #include "cli/commands/Commands.h"
 #include "cli/terminal/Console.h"
 #include "cli/terminal/TextTable.h"
@@ -38,7 +38,7 @@ auto isOf(const std::string& kind) {
 template <class Change>
 void editOverrides(const Options& options, Change change) {
   const auto tweak = storedTweak(options.tweak);
-  naming(options.tweak + ": " + options.kind, [&] {
+  withPlace(options.tweak + ": " + options.kind, [&] {
     const std::lock_guard lock(tweakPoster().recursiveLock);
     tweak->updateManifest(
         [&](TweakFile::Manifest& manifest) { change(*tweak, manifest._overrides); });
@@ -99,7 +99,7 @@ std::string table(const Boxes& boxes) {
 Action listAction(const Options& options) {
   return [options] {
     const auto tweak = storedTweak(options.tweak);
-    const Boxes boxes = naming(options.tweak, [&] { return tweak->manifest()._overrides; });
+    const Boxes boxes = withPlace(options.tweak, [&] { return tweak->manifest()._overrides; });
     if (options.json) {
       printData(encodeJSON(boxes) + "\n");
     } else if (!boxes.empty()) {

@@ -13,12 +13,12 @@
 #include <variant>
 #include <vector>
 
-#include "cli/arguments/ErrorPlace.h"
 #include "cli/arguments/HookArgument.h"
 #include "cli/arguments/ParameterAddress.h"
 #include "cli/arguments/StoredItem.h"
 #include "cli/arguments/TypedValue.h"
 #include "cli/arguments/UsageError.h"
+#include "cli/arguments/WithPlace.h"
 #include "cli/commands/Commands.h"
 #include "cli/terminal/Console.h"
 #include "cli/terminal/TextTable.h"
@@ -27,7 +27,7 @@
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/foundation/image/Image.h"
 #include "tavlen/foundation/json/JSONEncoder.h"
-#include "tavlen/foundation/text/TerminalText.h"
+#include "tavlen/foundation/text/EscapedText.h"
 #include "tavlen/items/TweakPoster.h"
 #include "tavlen/tweaks/Hook.h"
 
@@ -53,7 +53,7 @@ struct Options {
 /// Runs `edit` on the hook that the options name, as one step. Errors name the place.
 void editHook(const Options& options, const std::function<void(const HookManager&)>& edit) {
   const auto tweak = storedTweak(options.tweak);
-  naming(options.place(), [&] {
+  withPlace(options.place(), [&] {
     const std::lock_guard lock(tweakPoster().recursiveLock);
     edit(hookArgument(tweak, options.hook));
   });
@@ -90,7 +90,9 @@ std::string shown(const Hook& hook, bool json) {
 }
 
 std::string shown(const Parameter& parameter, bool json) {
-  return (json ? encodeJSON(ParameterContainer{parameter}) : oneLine(typedText(parameter))) + "\n";
+  return (json ? encodeJSON(ParameterContainer{parameter})
+               : escapedForTerminal(typedText(parameter))) +
+         "\n";
 }
 
 Action getAction(const Options& options) {
@@ -98,7 +100,7 @@ Action getAction(const Options& options) {
   if (!options.address.empty()) address = parseParameterAddress(options.address);
   return [options, address] {
     const auto tweak = storedTweak(options.tweak);
-    printData(naming(options.place(), [&] {
+    printData(withPlace(options.place(), [&] {
       const HookManager hook = hookArgument(tweak, options.hook);
       return address ? shown(managerAt(hook, *address)->parameter(), options.json)
                      : shown(hook.hook(), options.json);
@@ -219,7 +221,8 @@ void removeArgument(const HookManager& manager, std::int64_t argument) {
 /// The item's index; the place behind the last is none.
 std::int64_t indexOf(const ItemAddress& address, const Options& options) {
   if (address.index) return *address.index;
-  throw UsageError("ADDRESS", oneLine(options.address) + ": expected an index at its end");
+  throw UsageError("ADDRESS",
+                   escapedForTerminal(options.address) + ": expected an index at its end");
 }
 
 Action removeAction(const Options& options) {

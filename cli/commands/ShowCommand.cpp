@@ -11,7 +11,7 @@
 #include "cli/work/ActiveTweak.h"
 #include "tavlen/collections/TweakCollectionManifest.h"
 #include "tavlen/foundation/json/JSONEncoder.h"
-#include "tavlen/foundation/text/TerminalText.h"
+#include "tavlen/foundation/text/EscapedText.h"
 #include "tavlen/foundation/text/Unicode.h"
 #include "tavlen/tweaks/Manifest.h"
 
@@ -44,7 +44,7 @@ std::string row(const std::string& title, const std::string& value) {
   constexpr std::size_t kTitleWidth = 12;
   std::string text = title.empty() ? "" : title + ":";
   text.resize(kTitleWidth, ' ');
-  return text + oneLine(value) + "\n";
+  return text + escapedForTerminal(value) + "\n";
 }
 
 /// A row an entry, the title before the first; "none" without any.

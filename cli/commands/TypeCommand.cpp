@@ -8,7 +8,7 @@
 #include "cli/terminal/InputLines.h"
 #include "cli/work/TypeTree.h"
 #include "tavlen/foundation/json/JSONEncoder.h"
-#include "tavlen/foundation/text/TerminalText.h"
+#include "tavlen/foundation/text/EscapedText.h"
 #include "tavlen/introspection/types/JXType.h"
 
 namespace tavlen::cli {
@@ -23,7 +23,7 @@ std::string answerTo(std::string_view encoding, bool json) {
     JSONEncoder encoder(answer);
     encodeTypeTree(encoder, type.get());
   } else if (type != nullptr) {
-    answer = oneLine(type->description());
+    answer = escapedForTerminal(type->description());
   }
   return answer;
 }

@@ -15,7 +15,7 @@
 #include "cli/terminal/EndSignals.h"
 #include "tavlen/foundation/files/DirectoryWatcher.h"
 #include "tavlen/foundation/json/JSONEncoder.h"
-#include "tavlen/foundation/text/TerminalText.h"
+#include "tavlen/foundation/text/EscapedText.h"
 #include "tavlen/foundation/text/Unicode.h"
 #include "tavlen/items/TweaksDirectory.h"
 #include "tavlen/store/StoreSnapshot.h"
@@ -82,8 +82,8 @@ std::string line(const Row& row) {
   for (const std::string& document : row.documents) {
     documents += (documents.empty() ? "" : ",") + document;
   }
-  return row.event + " " + oneLine(row.id) + " " + documents + " " +
-         oneLine(row.name.value_or("-"));
+  return row.event + " " + escapedForTerminal(row.id) + " " + documents + " " +
+         escapedForTerminal(row.name.value_or("-"));
 }
 
 /// Folders that come while it looks are watched before the next look.
@@ -112,7 +112,7 @@ int watch(bool json) {
   StoreSnapshot current = look(watcher);
   Names names;
   for (const std::string& id : current.ids()) names.read(id);
-  printMessage("tavlen: watching " + oneLine(TweaksDirectory::url().native()) + "\n");
+  printMessage("tavlen: watching " + escapedForTerminal(TweaksDirectory::url().native()) + "\n");
   while (watcher.wait(ends) != DirectoryWatcher::Wake::end) {
     StoreSnapshot next = look(watcher);
     for (const StoreSnapshot::Change& change : next.changesSince(current)) {

@@ -6,14 +6,14 @@
 #include <system_error>
 
 #include "tavlen/foundation/files/FileSystem.h"
-#include "tavlen/foundation/text/TerminalText.h"
+#include "tavlen/foundation/text/EscapedText.h"
 
 namespace tavlen::cli {
 
 namespace {
 
 void printLine(std::string_view kind, std::string_view text) {
-  printMessage("tavlen: " + std::string(kind) + ": " + oneLine(text) + "\n");
+  printMessage("tavlen: " + std::string(kind) + ": " + escapedForTerminal(text) + "\n");
 }
 
 }  // namespace

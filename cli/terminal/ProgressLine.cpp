@@ -11,7 +11,7 @@
 
 #include "cli/terminal/Console.h"
 #include "cli/terminal/TextTable.h"
-#include "tavlen/foundation/text/TerminalText.h"
+#include "tavlen/foundation/text/EscapedText.h"
 
 namespace tavlen::cli {
 
@@ -42,7 +42,7 @@ std::string bar(double fraction, std::size_t width) {
 }  // namespace
 
 ProgressLine::ProgressLine(const std::string& work)
-    : work_(oneLine(work)), thread_([this] { show(); }) {}
+    : work_(escapedForTerminal(work)), thread_([this] { show(); }) {}
 
 ProgressLine::~ProgressLine() {
   {

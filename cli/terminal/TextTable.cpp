@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "cli/terminal/Console.h"
-#include "tavlen/foundation/text/TerminalText.h"
+#include "tavlen/foundation/text/EscapedText.h"
 #include "tavlen/foundation/text/Unicode.h"
 
 namespace tavlen::cli {
@@ -81,7 +81,7 @@ void TextTable::addRow(const std::vector<std::string>& cells) {
   std::vector<std::string>& row = rows_.emplace_back();
   for (const std::string& cell : cells) {
     const bool isWhole = last_ == LastColumn::whole && row.size() + 1 == cells.size();
-    row.push_back(isWhole ? oneLine(cell) : cut(oneLine(cell)));
+    row.push_back(isWhole ? escapedForTerminal(cell) : cut(escapedForTerminal(cell)));
   }
 }
 

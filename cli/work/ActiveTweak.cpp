@@ -5,13 +5,13 @@
 
 #include "cli/arguments/AppArgument.h"
 #include "tavlen/device/FileOperations.h"
-#include "tavlen/device/InstalledTweaks.h"
+#include "tavlen/device/InstalledRecords.h"
 #include "tavlen/device/Process.h"
 
 namespace tavlen::cli {
 
 bool isActiveTweak(const std::string& bundleID, const std::string& id) {
-  const std::optional<TweakInfo> record = InstalledTweaks::record(bundleID);
+  const std::optional<TweakInfo> record = InstalledRecords::record(bundleID);
   return record && record->tweakID == id;
 }
 

@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "cli/terminal/Console.h"
-#include "tavlen/foundation/text/TerminalText.h"
+#include "tavlen/foundation/text/EscapedText.h"
 #include "tavlen/tweaks/TweakProcessor.h"
 
 namespace tavlen::cli {
@@ -14,7 +14,7 @@ namespace {
 void printCallStack(std::string_view stack) {
   while (!stack.empty()) {
     const std::size_t end = stack.find('\n');
-    printMessage("    " + oneLine(stack.substr(0, end)) + "\n");
+    printMessage("    " + escapedForTerminal(stack.substr(0, end)) + "\n");
     stack.remove_prefix(end == std::string_view::npos ? stack.size() : end + 1);
   }
 }

@@ -4,10 +4,10 @@
 #include <string>
 #include <string_view>
 
+#include "cli/terminal/CaretLine.h"
 #include "cli/terminal/Console.h"
-#include "cli/terminal/SourceLine.h"
 #include "tavlen/foundation/coding/CodingPath.h"
-#include "tavlen/foundation/text/TerminalText.h"
+#include "tavlen/foundation/text/EscapedText.h"
 #include "tavlen/tweaks/HookSource.h"
 
 namespace tavlen::cli {
@@ -81,8 +81,8 @@ std::string_view lineAt(std::string_view text, std::size_t number) {
 /// Writes the error and under it the line with a caret. `place` is what compilers put before
 /// "error".
 void printDiagnostic(const std::string& place, const SyntaxError& error, std::string_view text) {
-  printMessage(oneLine(place) + ": error: " + oneLine(error.message) + "\n" +
-               markedLine(lineAt(text, error.line), error.column));
+  printMessage(escapedForTerminal(place) + ": error: " + escapedForTerminal(error.message) + "\n" +
+               caretLine(lineAt(text, error.line), error.column));
 }
 
 /// Converts pieces of source one after the other. A processor keeps its first exception, so each

@@ -8,7 +8,7 @@
 #include "tavlen/device/DevicePaths.h"
 #include "tavlen/device/FileOperations.h"
 #include "tavlen/device/InfoPlist.h"
-#include "tavlen/device/InstalledTweaks.h"
+#include "tavlen/device/InstalledRecords.h"
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/foundation/tasks/NotificationPoster.h"
 
@@ -71,7 +71,7 @@ std::vector<std::shared_ptr<Executable>> IPA::dynamicExecutables() {
 
 std::optional<std::string> IPA::activeTweakID() const {
   try {
-    const std::optional<TweakInfo> record = InstalledTweaks::record(infoManager_.info().bundleID);
+    const std::optional<TweakInfo> record = InstalledRecords::record(infoManager_.info().bundleID);
     return record ? record->tweakID : std::nullopt;
   } catch (const std::exception&) {
     return std::nullopt;

@@ -27,7 +27,7 @@ class IPA : public std::enable_shared_from_this<IPA> {
   /// The uniform type identifier of app archives.
   static constexpr std::string_view uti = "com.apple.itunes.ipa";
   /// Posted when the files of an app have changed. The user info is that of
-  /// InstalledTweaks::kDidChangeNotification.
+  /// InstalledRecords::kDidChangeNotification.
   static constexpr std::string_view kFilesDidChangeNotification = "IPAFilesDidChange";
 
   /// Reads nothing.

@@ -7,7 +7,7 @@
 #include "tavlen/bundles/IPA.h"
 #include "tavlen/bundles/InfoOverrides.h"
 #include "tavlen/device/InfoPlist.h"
-#include "tavlen/device/InstalledTweaks.h"
+#include "tavlen/device/InstalledRecords.h"
 #include "tavlen/foundation/base/UUID.h"
 #include "tavlen/foundation/files/FileReplacement.h"
 #include "tavlen/foundation/files/FileTree.h"
@@ -119,7 +119,7 @@ void packageTweak(const TweakFile& tweak, const fs::path& directory, const fs::p
   TweakInfo next = tweakInfo;
   for (const Override& override_ : manifest.overrides()) applyTo(next, override_);
   if (hasIcon) {
-    next.customIconURL = URL::fileURL(fs::path(InstalledTweaks::directory(*tweakInfo.bundleID)) /
+    next.customIconURL = URL::fileURL(fs::path(InstalledRecords::directory(*tweakInfo.bundleID)) /
                                       bundle.url().filename() / kIconFile);
   }
   tweakInfo = std::move(next);

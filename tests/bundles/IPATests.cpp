@@ -17,7 +17,7 @@
 #include "tavlen/bundles/InstallableTweak.h"
 #include "tavlen/device/DevicePaths.h"
 #include "tavlen/device/DeviceRoot.h"
-#include "tavlen/device/InstalledTweaks.h"
+#include "tavlen/device/InstalledRecords.h"
 #include "tavlen/device/Process.h"
 #include "tavlen/foundation/archive/KeyedArchive.h"
 #include "tavlen/foundation/files/FileSystem.h"
@@ -67,7 +67,7 @@ class IPATest : public testing::Test {
 
   fs::path appDir() const { return tree_.path() / "Applications/Notes.app"; }
   fs::path installed() const {
-    return DeviceRoot::shared().resolve(InstalledTweaks::directory("com.example.notes"));
+    return DeviceRoot::shared().resolve(InstalledRecords::directory("com.example.notes"));
   }
   /// The calls of programs so far, a line each, without the tree's path.
   std::string calls() const {
@@ -220,7 +220,7 @@ class SampleTweak : public InstallableTweak {
 
 TEST_F(IPATest, InstallsReplacesAndClearsATweak) {
   const auto ipa = IPA::withAppDir(appDir());
-  const std::string directory = InstalledTweaks::directory("com.example.notes");
+  const std::string directory = InstalledRecords::directory("com.example.notes");
   std::vector<std::string> notices;
   const auto observe = [&](const Notification& notification) {
     const auto& info = *notification.userInfo;
@@ -251,7 +251,7 @@ TEST_F(IPATest, InstallsReplacesAndClearsATweak) {
   const SampleTweak iconed("T2", "an icon");
   ipa->setActiveTweak(&iconed);
   EXPECT_THAT(names(), ElementsAre("T2.bundle", "TweakInfo.plist"));
-  EXPECT_EQ(InstalledTweaks::record("com.example.notes")->customIconURL->absoluteString,
+  EXPECT_EQ(InstalledRecords::record("com.example.notes")->customIconURL->absoluteString,
             "file:///var/mobile/Library/Application%20Support/Marrowgleam/Installed%20Tweaks/"
             "com.example.notes/T2.bundle/Icon.png");
   EXPECT_THAT(calls(), testing::EndsWith("killall -9 SpringBoard\n"));
@@ -290,7 +290,7 @@ TEST_F(IPATest, AFailedInstallationLeavesTheOldOneOrNoRecord) {
   helper("exit 3");
   EXPECT_EQ(thrown<Process::Error>([&] { ipa->setActiveTweak(&next); }),
             Process::Error::terminated(3));
-  EXPECT_EQ(InstalledTweaks::record("com.example.notes"), std::nullopt);
+  EXPECT_EQ(InstalledRecords::record("com.example.notes"), std::nullopt);
 
   fs::remove(DeviceRoot::shared().resolve(kFileOperationsPath));
   EXPECT_EQ(messageOf([&] { ipa->setActiveTweak(&next); }), "Missing kvfileops");
@@ -326,7 +326,7 @@ TEST_F(IPATest, ALinkInThePlaceOfTheInstallationIsTheHelpers) {
   IPA::withAppDir(appDir())->setActiveTweak(nullptr);
   EXPECT_TRUE(fs::exists(tree_.path() / "var/mobile/Documents/kept"));
   EXPECT_EQ(calls(),
-            "kvfileops cleanup " + InstalledTweaks::directory("com.example.notes") + " 0\n");
+            "kvfileops cleanup " + InstalledRecords::directory("com.example.notes") + " 0\n");
 }
 
 TEST_F(IPATest, WhatItMayNotWriteGoesThroughTheHelper) {
@@ -356,7 +356,7 @@ TEST_F(IPATest, WhatItMayNotWriteGoesThroughTheHelper) {
   int status = 0;
   ASSERT_EQ(::waitpid(child, &status, 0), child);
   EXPECT_EQ(status, 0);
-  const std::string place = InstalledTweaks::directory("com.example.notes");
+  const std::string place = InstalledRecords::directory("com.example.notes");
   EXPECT_THAT(calls(), testing::MatchesRegex("kvfileops cleanup " + place +
                                              " 1\nkvfileops copy "
                                              "/.*/T1.bundle " +

@@ -10,7 +10,7 @@ namespace {
 namespace fs = std::filesystem;
 
 /// Exports and imports what the store of the tree holds.
-class ArchiveCommandTest : public StoreTest {
+class ArchiveCommandTest : public CommandStoreTest {
  protected:
   std::string only(const std::vector<std::string>& arguments) const {
     const Result result = run(arguments);

@@ -7,7 +7,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-class CollectionCommandTest : public StoreTest {
+class CollectionCommandTest : public CommandStoreTest {
  protected:
   /// The members' names in the collection "C", "-" for missing ones.
   std::string members() const {

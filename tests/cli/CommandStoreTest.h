@@ -12,9 +12,9 @@ namespace tavlen {
 
 /// In a folder with the device tree "tree", which has the app com.example.notes and the reference
 /// helper.
-class StoreTest : public CommandTest {
+class CommandStoreTest : public CommandTest {
  protected:
-  StoreTest() {
+  CommandStoreTest() {
     write("tree/Applications/Notes.app/Info.plist", appPlist("com.example.notes", "Notes"));
     helper("exec '" + paths().fileOperations + "' \"$@\"");
     environment();

@@ -9,7 +9,7 @@ namespace fs = std::filesystem;
 using testing::EndsWith;
 using testing::HasSubstr;
 
-class InstallCommandTest : public StoreTest {
+class InstallCommandTest : public CommandStoreTest {
  protected:
   /// What the app's folder of installed tweaks holds of files named `name`, one after the other.
   std::string installed(const std::string& name) const {

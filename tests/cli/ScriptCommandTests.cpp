@@ -12,7 +12,7 @@ namespace fs = std::filesystem;
 using testing::HasSubstr;
 using testing::StartsWith;
 
-TEST_F(StoreTest, AScriptIsStoredWholeOrNotAtAll) {
+TEST_F(CommandStoreTest, AScriptIsStoredWholeOrNotAtAll) {
   const std::string id = newTweak("T");
   const std::string script = stored(id) + "/script.objs";
   EXPECT_EQ(run({"script", "show", "T"}).out, "");
@@ -47,7 +47,7 @@ TEST_F(StoreTest, AScriptIsStoredWholeOrNotAtAll) {
   EXPECT_EQ(run({"script", "set", "T", "new"}).status, 1);
 }
 
-TEST_F(StoreTest, AnEditedScriptIsNeverLost) {
+TEST_F(CommandStoreTest, AnEditedScriptIsNeverLost) {
   const std::string script = stored(newTweak("T")) + "/script.objs";
   const struct {
     std::string editor;

@@ -12,7 +12,7 @@ using testing::StartsWith;
 
 const std::string kError = "tavlen: error: ";
 
-TEST_F(StoreTest, NewMakesATweakOrSaysWhatIsWrong) {
+TEST_F(CommandStoreTest, NewMakesATweakOrSaysWhatIsWrong) {
   EXPECT_THAT(run({"list"}).err, StartsWith("tavlen: nothing is stored in "));
   const Result made = run({"new", "N\n", "--app", "tree/Applications/Notes.app", "--color",
                            "darkPink", "--glyph", "apple"});
@@ -52,7 +52,7 @@ TEST_F(StoreTest, NewMakesATweakOrSaysWhatIsWrong) {
       << "what is refused makes nothing";
 }
 
-TEST_F(StoreTest, ListSortsWhatOpensAndCountsTheRest) {
+TEST_F(CommandStoreTest, ListSortsWhatOpensAndCountsTheRest) {
   const std::string alpha = newTweak("alpha");
   const std::string beta = newTweak("Beta", "com.gone");
   writeCollection("C", R"(a\u001b collection)", "");
@@ -78,7 +78,7 @@ TEST_F(StoreTest, ListSortsWhatOpensAndCountsTheRest) {
   EXPECT_THAT(run({"list"}).err, EndsWith("/Tweaks: Not a directory\n"));
 }
 
-TEST_F(StoreTest, ItemsGoByIdentifierNameOrPath) {
+TEST_F(CommandStoreTest, ItemsGoByIdentifierNameOrPath) {
   const std::string id = newTweak("My tweak");
   write(stored(id) + "/script.objs", "one();");
   writeTweak("here", "");
@@ -118,7 +118,7 @@ TEST_F(StoreTest, ItemsGoByIdentifierNameOrPath) {
   EXPECT_EQ(run({"build", "Both"}).err, kError + "Both: is a collection, not a tweak\n");
 }
 
-TEST_F(StoreTest, DeleteTakesAwayWhatTheStoreHolds) {
+TEST_F(CommandStoreTest, DeleteTakesAwayWhatTheStoreHolds) {
   const std::string id = newTweak("A");
   writeCollection("C", "C", "\"" + id + "\"");
   writeTweak("mine", "");

@@ -8,7 +8,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-TEST_F(StoreTest, IconSetStoresThePictureAndClearTakesItAway) {
+TEST_F(CommandStoreTest, IconSetStoresThePictureAndClearTakesItAway) {
   const std::string icon = stored(newTweak("T")) + "/Icon.png";
   const Image picture(2, 1, {1, 2, 3, 255, 4, 5, 6, 7});
   write("picture", picture.pngData());

@@ -12,7 +12,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-class WatchCommandTest : public StoreTest {
+class WatchCommandTest : public CommandStoreTest {
  protected:
   /// Puts a file into the store in one step, so that it is one change.
   void place(const std::string& name, std::string_view text) const {

@@ -10,7 +10,7 @@
 
 #include "tavlen/foundation/base/SystemError.h"
 #include "tavlen/foundation/files/FileDescriptor.h"
-#include "tavlen/foundation/files/Interruption.h"
+#include "tavlen/foundation/files/RetryOnInterrupt.h"
 
 namespace tavlen::dumpagent {
 
@@ -36,7 +36,7 @@ std::filesystem::path ArchiveFolder::write(std::string_view bytes) const {
   if (file.get() < 0) throwSystemError(archive.string());
   while (!bytes.empty()) {
     const ssize_t count =
-        uninterrupted([&] { return ::write(file.get(), bytes.data(), bytes.size()); });
+        retryOnInterrupt([&] { return ::write(file.get(), bytes.data(), bytes.size()); });
     if (count < 0) throwSystemError(archive.string());
     bytes.remove_prefix(static_cast<std::size_t>(count));
   }

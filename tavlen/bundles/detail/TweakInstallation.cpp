@@ -13,7 +13,7 @@
 #include "tavlen/device/DevicePaths.h"
 #include "tavlen/device/DeviceRoot.h"
 #include "tavlen/device/FileOperations.h"
-#include "tavlen/device/InstalledTweaks.h"
+#include "tavlen/device/InstalledRecords.h"
 #include "tavlen/device/ProcessControl.h"
 #include "tavlen/foundation/archive/KeyedArchive.h"
 #include "tavlen/foundation/files/FileReplacement.h"
@@ -35,11 +35,11 @@ bool isMissingPermission(const std::error_code& error) {
 class Installation {
  public:
   explicit Installation(const std::string& bundleID)
-      : directory_(InstalledTweaks::directory(bundleID)),
+      : directory_(InstalledRecords::directory(bundleID)),
         // A link in the place of the folder itself is not followed: it is the helper's to remove.
         target_(root_.resolve(kInstalledTweaksDir) / bundleID),
         record_(target_ / kTweakInfoFilename),
-        installed_(InstalledTweaks::record(bundleID)) {
+        installed_(InstalledRecords::record(bundleID)) {
     next_.bundleID = bundleID;
   }
 
@@ -134,7 +134,7 @@ class Installation {
     if (next_.tweakID) userInfo.emplace("tweakID", *next_.tweakID);
     IPA::poster().performNotificationPostingOperation([&] {
       NotificationCenter& center = NotificationCenter::default_();
-      center.post({std::string(InstalledTweaks::kDidChangeNotification), nullptr, userInfo});
+      center.post({std::string(InstalledRecords::kDidChangeNotification), nullptr, userInfo});
       center.post({std::string(IPA::kFilesDidChangeNotification), nullptr, userInfo});
     });
   }

@@ -6,7 +6,7 @@
 #include <cerrno>
 #include <system_error>
 
-#include "tavlen/foundation/files/Interruption.h"
+#include "tavlen/foundation/files/RetryOnInterrupt.h"
 
 namespace tavlen {
 
@@ -15,9 +15,9 @@ namespace {
 /// Gives 0, or why not, as errno tells it.
 int sync(const std::filesystem::path& path, int flags) {
   const int descriptor =
-      uninterrupted([&] { return ::open(path.c_str(), O_RDONLY | O_CLOEXEC | flags); });
+      retryOnInterrupt([&] { return ::open(path.c_str(), O_RDONLY | O_CLOEXEC | flags); });
   if (descriptor < 0) return errno;
-  const int code = uninterrupted([&] { return ::fsync(descriptor); }) == 0 ? 0 : errno;
+  const int code = retryOnInterrupt([&] { return ::fsync(descriptor); }) == 0 ? 0 : errno;
   ::close(descriptor);
   return code;
 }

@@ -15,7 +15,7 @@
 
 #include "tavlen/foundation/files/DiskSync.h"
 #include "tavlen/foundation/files/FileDescriptor.h"
-#include "tavlen/foundation/files/Interruption.h"
+#include "tavlen/foundation/files/RetryOnInterrupt.h"
 #include "tavlen/foundation/files/TemporaryDirectory.h"
 #include "tavlen/foundation/files/TreeRemoval.h"
 
@@ -43,7 +43,7 @@ bool isTaken(const fs::path& path) {
 class File {
  public:
   File(fs::path path, int flags, mode_t mode = 0) : path_(std::move(path)) {
-    descriptor_ = uninterrupted(
+    descriptor_ = retryOnInterrupt(
         [&] { return ::open(path_.c_str(), flags | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, mode); });
     if (descriptor_ < 0) fail(errno, path_);
   }
@@ -60,14 +60,14 @@ class File {
   }
   std::size_t read(std::vector<char>& buffer) const {
     const ssize_t got =
-        uninterrupted([&] { return ::read(descriptor_, buffer.data(), buffer.size()); });
+        retryOnInterrupt([&] { return ::read(descriptor_, buffer.data(), buffer.size()); });
     if (got < 0) fail(errno, path_);
     return static_cast<std::size_t>(got);
   }
   void write(std::string_view bytes) const {
     while (!bytes.empty()) {
       const ssize_t count =
-          uninterrupted([&] { return ::write(descriptor_, bytes.data(), bytes.size()); });
+          retryOnInterrupt([&] { return ::write(descriptor_, bytes.data(), bytes.size()); });
       if (count <= 0) fail(count < 0 ? errno : EIO, path_);
       bytes.remove_prefix(static_cast<std::size_t>(count));
     }
@@ -76,7 +76,7 @@ class File {
     if (::fchmod(descriptor_, mode & 0777) != 0) fail(errno, path_);
   }
   void sync() const {
-    if (uninterrupted([&] { return ::fsync(descriptor_); }) != 0) fail(errno, path_);
+    if (retryOnInterrupt([&] { return ::fsync(descriptor_); }) != 0) fail(errno, path_);
   }
   /// Some file systems report a failed write only here.
   void close() {

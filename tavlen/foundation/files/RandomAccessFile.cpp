@@ -9,7 +9,7 @@
 #include <system_error>
 #include <utility>
 
-#include "tavlen/foundation/files/Interruption.h"
+#include "tavlen/foundation/files/RetryOnInterrupt.h"
 
 namespace tavlen {
 
@@ -21,7 +21,7 @@ constexpr std::uint64_t kLargestOffset = std::numeric_limits<off_t>::max();
 
 RandomAccessFile::RandomAccessFile(std::string path)
     // Without O_NONBLOCK a pipe that nobody writes to would never be opened.
-    : path_(std::move(path)), descriptor_(uninterrupted([this] {
+    : path_(std::move(path)), descriptor_(retryOnInterrupt([this] {
         return ::open(path_.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
       })) {
   if (descriptor_ < 0) fail(errno);

@@ -13,14 +13,14 @@
 #include <utility>
 #include <vector>
 
-#include "tavlen/foundation/files/Interruption.h"
+#include "tavlen/foundation/files/RetryOnInterrupt.h"
 
 namespace tavlen {
 
 namespace {
 
 FileDescriptor openFolder(int parent, const char* name) {
-  return FileDescriptor(uninterrupted(
+  return FileDescriptor(retryOnInterrupt(
       [&] { return ::openat(parent, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC); }));
 }
 

@@ -13,7 +13,7 @@
 #include <utility>
 
 #include "tavlen/foundation/base/SystemError.h"
-#include "tavlen/foundation/files/Interruption.h"
+#include "tavlen/foundation/files/RetryOnInterrupt.h"
 
 namespace tavlen {
 
@@ -129,7 +129,7 @@ void DatagramReceiver::receive(std::size_t mostBytes, Handler handler) {
 /// system's own receive.
 bool DatagramReceiver::waitForDatagram() const {
   std::array<pollfd, 2> descriptors = {{{socket_.get(), POLLIN, 0}, {wake_.get(), POLLIN, 0}}};
-  const int count = uninterrupted(
+  const int count = retryOnInterrupt(
       [&] { return ::poll(descriptors.data(), static_cast<nfds_t>(descriptors.size()), -1); });
   return count > 0 && descriptors[1].revents == 0;
 }
@@ -138,7 +138,7 @@ void DatagramReceiver::close() {
   std::unique_lock lock(lock_);
   if (!std::exchange(isClosed_, true)) {
     // One byte fits into a pipe that nothing else is written to.
-    (void)uninterrupted([&] { return ::write(wakeSender_.get(), "", 1); });
+    (void)retryOnInterrupt([&] { return ::write(wakeSender_.get(), "", 1); });
   }
   if (receiving_ == std::this_thread::get_id()) return;
   ended_.wait(lock, [this] { return receiving_ == std::thread::id(); });

@@ -6,7 +6,7 @@
 #include <string>
 #include <utility>
 
-#include "tavlen/foundation/text/TerminalText.h"
+#include "tavlen/foundation/text/EscapedText.h"
 
 #if defined(__APPLE__)
 #include <os/log.h>
@@ -54,7 +54,7 @@ void setLogSink(LogSink sink) {
 }
 
 void logToStandardError(std::string_view message) {
-  const std::string line = oneLine(message) + "\n";
+  const std::string line = escapedForTerminal(message) + "\n";
   // One call, so that lines of several threads do not mix. There is nowhere to say that it failed.
   (void)std::fwrite(line.data(), 1, line.size(), stderr);
 }

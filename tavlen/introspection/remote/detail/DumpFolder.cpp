@@ -17,7 +17,7 @@
 #include "tavlen/device/DeviceRoot.h"
 #include "tavlen/foundation/errors/MainBundle.h"
 #include "tavlen/foundation/files/FileSystem.h"
-#include "tavlen/foundation/files/Interruption.h"
+#include "tavlen/foundation/files/RetryOnInterrupt.h"
 #include "tavlen/foundation/files/TreeRemoval.h"
 
 namespace tavlen {
@@ -66,7 +66,7 @@ bool isAround(const Identity& item, fs::path named) {
 }
 
 FileDescriptor openFolder(int parent, const fs::path& name) {
-  return FileDescriptor(uninterrupted([&] {
+  return FileDescriptor(retryOnInterrupt([&] {
     return ::openat(parent, name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
   }));
 }
@@ -138,7 +138,7 @@ std::string DumpFolder::readArchive(std::size_t most) const {
   const fs::path shown = path_ / archive_;
   if (!isPlainComponent(archive_)) fail(EISDIR, shown);
   // Without O_NONBLOCK a pipe that nobody writes to would never be opened.
-  const FileDescriptor file(uninterrupted([&] {
+  const FileDescriptor file(retryOnInterrupt([&] {
     return ::openat(folder_.get(), archive_.c_str(),
                     O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
   }));
@@ -152,7 +152,7 @@ std::string DumpFolder::readArchive(std::size_t most) const {
   std::vector<char> buffer(std::size_t{1} << 16);
   for (;;) {
     const ssize_t got =
-        uninterrupted([&] { return ::read(file.get(), buffer.data(), buffer.size()); });
+        retryOnInterrupt([&] { return ::read(file.get(), buffer.data(), buffer.size()); });
     if (got < 0) fail(errno, shown);
     if (got == 0) return bytes;
     bytes.append(buffer.data(), static_cast<std::size_t>(got));

@@ -10,7 +10,7 @@
 /// The records of the tweaks that are installed on the device, one an app.
 ///
 /// Threads: any; nobody is kept from writing while somebody reads.
-namespace tavlen::InstalledTweaks {
+namespace tavlen::InstalledRecords {
 
 /// Posted when the active tweak of an app has changed. The user info holds texts: "bundleID", and
 /// "tweakID" when a tweak is active now.
@@ -24,4 +24,4 @@ std::string directory(const std::string& bundleID);
 /// identifier that cannot name a folder.
 std::optional<TweakInfo> record(const std::string& bundleID);
 
-}  // namespace tavlen::InstalledTweaks
+}  // namespace tavlen::InstalledRecords

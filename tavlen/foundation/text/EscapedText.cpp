@@ -1,4 +1,4 @@
-#include "tavlen/foundation/text/TerminalText.h"
+#include "tavlen/foundation/text/EscapedText.h"
 
 #include "tavlen/foundation/text/Unicode.h"
 
@@ -20,7 +20,7 @@ void appendHex(std::u16string& out, char16_t unit, int digits) {
 
 }  // namespace
 
-std::string oneLine(std::string_view text) {
+std::string escapedForTerminal(std::string_view text) {
   std::u16string out;
   for (const char16_t unit : utf16FromUTF8(text)) {
     if (unit == u'\n') {

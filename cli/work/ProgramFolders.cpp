@@ -1,4 +1,4 @@
-#include "cli/work/Installation.h"
+#include "cli/work/ProgramFolders.h"
 
 #include "tavlen/foundation/files/ExecutablePath.h"
 

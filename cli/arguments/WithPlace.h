@@ -12,7 +12,7 @@ namespace tavlen::cli {
 /// Runs `body`; the text of what it throws then begins with `place` and a colon. A decoding error
 /// is the manifest's.
 template <class Body>
-decltype(auto) naming(const std::string& place, Body&& body) {
+decltype(auto) withPlace(const std::string& place, Body&& body) {
   try {
     return std::forward<Body>(body)();
   } catch (const DecodingError& error) {

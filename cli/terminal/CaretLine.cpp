@@ -1,4 +1,4 @@
-#include "cli/terminal/SourceLine.h"
+#include "cli/terminal/CaretLine.h"
 
 #include <unicode/uchar.h>
 #include <unicode/utf16.h>
@@ -6,7 +6,7 @@
 #include <algorithm>
 
 #include "cli/terminal/Console.h"
-#include "tavlen/foundation/text/TerminalText.h"
+#include "tavlen/foundation/text/EscapedText.h"
 #include "tavlen/foundation/text/Unicode.h"
 
 namespace tavlen::cli {
@@ -28,7 +28,7 @@ std::size_t cellsOf(UChar32 character) {
 
 }  // namespace
 
-std::string markedLine(std::string_view line, std::size_t column) {
+std::string caretLine(std::string_view line, std::size_t column) {
   const std::u16string units = utf16FromUTF8(line);
   const std::size_t caret = std::min(column - 1, units.size());
   std::string shown(kIndent);
@@ -46,7 +46,7 @@ std::string markedLine(std::string_view line, std::size_t column) {
     U16_NEXT(units.data(), i, units.size(), character);
     std::string text;
     appendUTF8(text, static_cast<char32_t>(character));
-    const std::string safe = character == '\t' ? text : oneLine(text);
+    const std::string safe = character == '\t' ? text : escapedForTerminal(text);
     const std::size_t cells = safe == text ? cellsOf(character) : safe.size();
     if (isBefore) below.append(character == '\t' ? 1 : cells, character == '\t' ? '\t' : ' ');
     shown += safe;

@@ -11,6 +11,6 @@ namespace tavlen::cli {
 /// `column` counts UTF-16 units from 1 and may lie behind the line's end. Tabs stay, and indent the
 /// caret as well; control characters are written as escapes. Of a long line only the part around
 /// the column is shown.
-std::string markedLine(std::string_view line, std::size_t column);
+std::string caretLine(std::string_view line, std::size_t column);
 
 }  // namespace tavlen::cli

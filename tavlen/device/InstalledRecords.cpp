@@ -1,4 +1,4 @@
-#include "tavlen/device/InstalledTweaks.h"
+#include "tavlen/device/InstalledRecords.h"
 
 #include <exception>
 
@@ -7,7 +7,7 @@
 #include "tavlen/foundation/archive/KeyedArchive.h"
 #include "tavlen/foundation/files/FileSystem.h"
 
-namespace tavlen::InstalledTweaks {
+namespace tavlen::InstalledRecords {
 
 namespace {
 
@@ -33,4 +33,4 @@ std::optional<TweakInfo> record(const std::string& bundleID) {
   }
 }
 
-}  // namespace tavlen::InstalledTweaks
+}  // namespace tavlen::InstalledRecords

@@ -7,6 +7,6 @@ namespace tavlen {
 
 /// `text` on one line, safe for a terminal: control characters are written as escapes, what is not
 /// UTF-8 as U+FFFD.
-std::string oneLine(std::string_view text);
+std::string escapedForTerminal(std::string_view text);
 
 }  // namespace tavlen

@@ -7,7 +7,7 @@ namespace tavlen {
 /// Makes the system call `call` again for as long as a signal interrupts it; gives its result, with
 /// errno. Not for close(), which has closed all the same.
 template <class Call>
-auto uninterrupted(const Call& call) {
+auto retryOnInterrupt(const Call& call) {
   auto result = call();
   while (result < 0 && errno == EINTR) result = call();
   return result;

@@ -9,8 +9,7 @@
 namespace tavlen {
 
 ParameterError ParameterError::typeMismatch(std::string_view expected, const Parameter& found) {
-  const std::string_view name =
-      std::visit([](const ParameterKind auto& kind) { return kind.typeName; }, found);
+  const std::string_view name = std::visit([](const auto& kind) { return kind.typeName; }, found);
   ParameterError error(
       Case::typeMismatch,
       {"parameter_view.error.type_mismatch", "Parameter type mismatch: expected %@ but found %@"},

@@ -1,16 +1,58 @@
 #pragma once
 
+#include <concepts>
 #include <span>
 #include <string_view>
+#include <utility>
+#include <vector>
 
-#include "tavlen/parameters/ArrayParameter.h"
-#include "tavlen/parameters/DictionaryParameter.h"
 #include "tavlen/parameters/Parameter.h"
 
 namespace tavlen {
 
+struct ParameterContainer;
+
+/// A list of parameters.
+struct ArrayParameter {
+  static constexpr std::string_view typeName = "ArrayParameter";
+  static constexpr std::string_view identifier = identifierWithBaseName(typeName, "Parameter");
+
+  using Item = Parameter;
+
+  std::vector<ParameterContainer> _items;
+
+  static ArrayParameter withItems(std::vector<Parameter> items);
+  std::vector<Parameter> items() const;
+  void setItems(std::vector<Parameter> items);
+
+  static constexpr auto codedFields() {
+    return std::tuple{requiredField("items", &ArrayParameter::_items)};
+  }
+  bool operator==(const ArrayParameter&) const = default;
+};
+
+/// A list of pairs, in the user's order; nothing keeps keys apart.
+struct DictionaryParameter {
+  static constexpr std::string_view typeName = "DictionaryParameter";
+  static constexpr std::string_view identifier = identifierWithBaseName(typeName, "Parameter");
+
+  struct Pair;
+  using Item = Pair;
+
+  std::vector<Pair> _items;
+
+  static DictionaryParameter withItems(std::vector<Pair> items);
+  const std::vector<Pair>& items() const { return _items; }
+  void setItems(std::vector<Pair> items);
+
+  static constexpr auto codedFields() {
+    return std::tuple{requiredField("items", &DictionaryParameter::_items)};
+  }
+  bool operator==(const DictionaryParameter&) const = default;
+};
+
 /// The box that a stored parameter lies in: coded with its kind's identifier under the type key,
-/// beside the kind's own fields. Every kind may stand at any depth, since collections hold boxes.
+/// next to the kind's own fields. Every kind may stand at any depth, since collections hold boxes.
 struct ParameterContainer {
   Parameter value;
 
@@ -38,5 +80,14 @@ struct DictionaryParameter::Pair {
   }
   bool operator==(const Pair&) const = default;
 };
+
+/// A parameter that holds other parameters, as a list of items of its own type.
+template <class Kind>
+concept CollectionParameter = requires(Kind kind, std::vector<typename Kind::Item> items) {
+  { Kind::withItems(std::move(items)) } -> std::same_as<Kind>;
+  { kind.items() } -> std::convertible_to<std::vector<typename Kind::Item>>;
+  kind.setItems(std::move(items));
+};
+static_assert(CollectionParameter<ArrayParameter> && CollectionParameter<DictionaryParameter>);
 
 }  // namespace tavlen

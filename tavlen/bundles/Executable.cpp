@@ -24,7 +24,7 @@ bool Executable::parseDynamically() const {
 }
 
 Executable::Error Executable::Error::missing(std::string name) {
-  return Error({"executable.error.missing", "Missing %@"}, {std::move(name)});
+  return {Case::missing, {"executable.error.missing", "Missing %@"}, {std::move(name)}};
 }
 
 }  // namespace tavlen

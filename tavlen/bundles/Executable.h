@@ -5,7 +5,7 @@
 #include <string>
 #include <utility>
 
-#include "tavlen/foundation/errors/LocalizedError.h"
+#include "tavlen/foundation/errors/CasedError.h"
 
 namespace tavlen {
 
@@ -17,6 +17,7 @@ class IPA;
 /// Does not keep its app alive. Threads: calls may run side by side.
 class Executable {
  public:
+  enum class ErrorCase { missing };
   class Error;
 
   /// `relativePath` leads from the bundle's folder to the image. Nothing is read.
@@ -40,18 +41,13 @@ class Executable {
   bool isMain_;
 };
 
-class Executable::Error : public LocalizedError {
+class Executable::Error : public CasedError<Executable::ErrorCase> {
  public:
-  enum class Case { missing };
-
   /// `name` is the file's name.
   static Error missing(std::string name);
 
-  Case which() const { return Case::missing; }
-  bool operator==(const Error& other) const { return payload() == other.payload(); }
-
  private:
-  using LocalizedError::LocalizedError;
+  using CasedError::CasedError;
 };
 
 }  // namespace tavlen

@@ -10,7 +10,7 @@
 
 #include "tavlen/bundles/BundleExecutables.h"
 #include "tavlen/bundles/InfoManager.h"
-#include "tavlen/foundation/errors/LocalizedError.h"
+#include "tavlen/foundation/errors/CasedError.h"
 
 namespace tavlen {
 
@@ -22,6 +22,7 @@ class NotificationPoster;
 /// Threads: calls may run side by side; two that set the active tweak of one app must not.
 class IPA : public std::enable_shared_from_this<IPA> {
  public:
+  enum class ErrorCase { missing, errorReading, notFound, invalidFilename, invalidIPA, cleanedUp };
   class Error;
 
   /// The uniform type identifier of app archives.
@@ -94,10 +95,8 @@ class IPA : public std::enable_shared_from_this<IPA> {
   std::optional<BundleExecutables> executables_;
 };
 
-class IPA::Error : public LocalizedError {
+class IPA::Error : public CasedError<IPA::ErrorCase> {
  public:
-  enum class Case { missing, errorReading, notFound, invalidFilename, invalidIPA, cleanedUp };
-
   static Error missing(std::string name);
   static Error errorReading(std::string name);
   static Error notFound(std::string bundleID);
@@ -106,16 +105,8 @@ class IPA::Error : public LocalizedError {
   /// The app has been deleted.
   static Error cleanedUp();
 
-  Case which() const { return case_; }
-  bool operator==(const Error& other) const {
-    return case_ == other.case_ && payload() == other.payload();
-  }
-
  private:
-  Error(Case which, LocalizedText text, std::vector<std::string> payload = {})
-      : LocalizedError(text, std::move(payload)), case_(which) {}
-
-  Case case_;
+  using CasedError::CasedError;
 };
 
 }  // namespace tavlen

@@ -7,31 +7,23 @@
 #include <vector>
 
 #include "tavlen/bundles/Info.h"
-#include "tavlen/foundation/errors/LocalizedError.h"
+#include "tavlen/foundation/errors/CasedError.h"
 #include "tavlen/foundation/image/Image.h"
 
 namespace tavlen {
 
 /// Reads what an app bundle says about itself. Keeps nothing: every call reads the files again.
 struct InfoManager {
-  class Error : public LocalizedError {
-   public:
-    enum class Case { iconNotFound, noIconFound, couldNotResize };
+  enum class ErrorCase { iconNotFound, noIconFound, couldNotResize };
 
+  class Error : public CasedError<ErrorCase> {
+   public:
     static Error iconNotFound(std::string name);
     static Error noIconFound();
     static Error couldNotResize();
 
-    Case which() const { return case_; }
-    bool operator==(const Error& other) const {
-      return case_ == other.case_ && payload() == other.payload();
-    }
-
    private:
-    Error(Case which, LocalizedText text, std::vector<std::string> payload = {})
-        : LocalizedError(text, std::move(payload)), case_(which) {}
-
-    Case case_;
+    using CasedError::CasedError;
   };
 
   explicit InfoManager(std::filesystem::path url) : bundleURL(std::move(url)) {}

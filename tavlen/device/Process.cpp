@@ -74,8 +74,8 @@ Process::Error Process::Error::terminated(std::int32_t code) {
 Process::Error Process::Error::notLaunched() { return Error(Case::notLaunched); }
 
 std::string Process::Error::description() const {
-  std::string text(nameOf(case_));
-  if (case_ != Case::notLaunched) text += "(" + std::to_string(number_) + ")";
+  std::string text(nameOf(which()));
+  if (which() != Case::notLaunched) text += "(" + std::to_string(number_) + ")";
   return text;
 }
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "tavlen/foundation/errors/LocalizedError.h"
+#include "tavlen/foundation/errors/CasedError.h"
 
 namespace tavlen {
 
@@ -17,6 +17,13 @@ namespace tavlen {
 /// Threads: one object one thread at a time; objects share nothing.
 class Process {
  public:
+  enum class ErrorCase {
+    posixSpawn,   ///< the launch failed; the number is the call's error
+    waitpid,      ///< waiting failed; the number is errno
+    signalled,    ///< ended by the signal of that number
+    terminated,   ///< ended with that exit status, or was stopped by that signal
+    notLaunched,  ///< there was nothing to wait for; no number
+  };
   class Error;
 
   /// `path` is looked up along PATH when it has no slash. `arguments` is the whole vector, the
@@ -42,28 +49,16 @@ class Process {
 
 /// How a run failed. It has neither key nor text: its description is the case with its number,
 /// "terminated(3)".
-class Process::Error : public LocalizedError {
+class Process::Error : public CasedError<Process::ErrorCase> {
  public:
-  enum class Case {
-    posixSpawn,   ///< the launch failed; the number is the call's error
-    waitpid,      ///< waiting failed; the number is errno
-    signalled,    ///< ended by the signal of that number
-    terminated,   ///< ended with that exit status, or was stopped by that signal
-    notLaunched,  ///< there was nothing to wait for; no number
-  };
-
   static Error posixSpawn(std::int32_t error);
   static Error waitpid(std::int32_t error);
   static Error signalled(std::int32_t signal);
   static Error terminated(std::int32_t code);
   static Error notLaunched();
 
-  Case which() const { return case_; }
   std::int32_t number() const { return number_; }
   std::string description() const override;
-  bool operator==(const Error& other) const {
-    return case_ == other.case_ && number_ == other.number_;
-  }
 
   /// What a status of waitpid says: nothing for success. A stopped child counts as ended, with the
   /// stop signal as its code.
@@ -71,9 +66,8 @@ class Process::Error : public LocalizedError {
 
  private:
   explicit Error(Case which, std::int32_t number = 0)
-      : LocalizedError({}), case_(which), number_(number) {}
+      : CasedError(which, {}, {std::to_string(number)}), number_(number) {}
 
-  Case case_;
   std::int32_t number_;
 };
 

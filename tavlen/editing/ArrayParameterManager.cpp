@@ -31,7 +31,7 @@ std::shared_ptr<const ParameterManager> ArrayParameterManager::shared() const {
 }
 
 ArrayParameterManager::Error::Error(Case which, LocalizedText text, std::int64_t index)
-    : LocalizedError(text, {std::to_string(index)}), case_(which), index_(index) {}
+    : CasedError(which, text, {std::to_string(index)}), index_(index) {}
 
 ArrayParameterManager::Error ArrayParameterManager::Error::indexOutOfBounds(std::int64_t index) {
   return {Case::indexOutOfBounds,

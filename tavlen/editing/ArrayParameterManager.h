@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "tavlen/editing/TypedParameterManager.h"
-#include "tavlen/foundation/errors/LocalizedError.h"
+#include "tavlen/foundation/errors/CasedError.h"
 
 namespace tavlen {
 
@@ -15,6 +15,7 @@ namespace tavlen {
 /// change its items, set it.
 class ArrayParameterManager final : public ParameterManager {
  public:
+  enum class ErrorCase { indexOutOfBounds };
   class Error;
 
   ArrayParameterManager(TypedParameterManager<ArrayParameter> manager, std::int64_t idx)
@@ -32,22 +33,15 @@ class ArrayParameterManager final : public ParameterManager {
   std::shared_ptr<const ParameterManager> shared() const override;
 };
 
-class ArrayParameterManager::Error : public LocalizedError {
+class ArrayParameterManager::Error : public CasedError<ArrayParameterManager::ErrorCase> {
  public:
-  enum class Case { indexOutOfBounds };
-
   static Error indexOutOfBounds(std::int64_t index);
 
-  Case which() const { return case_; }
   std::int64_t index() const { return index_; }
-  bool operator==(const Error& other) const {
-    return case_ == other.case_ && index_ == other.index_;
-  }
 
  private:
   Error(Case which, LocalizedText text, std::int64_t index);
 
-  Case case_;
   std::int64_t index_;
 };
 

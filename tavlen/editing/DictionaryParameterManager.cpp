@@ -34,7 +34,7 @@ std::shared_ptr<const ParameterManager> DictionaryParameterManager::shared() con
 }
 
 DictionaryParameterManager::Error::Error(Case which, LocalizedText text, std::int64_t index)
-    : LocalizedError(text, {std::to_string(index)}), case_(which), index_(index) {}
+    : CasedError(which, text, {std::to_string(index)}), index_(index) {}
 
 DictionaryParameterManager::Error DictionaryParameterManager::Error::pairIndexOutOfBounds(
     std::int64_t index) {

@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "tavlen/editing/TypedParameterManager.h"
-#include "tavlen/foundation/errors/LocalizedError.h"
+#include "tavlen/foundation/errors/CasedError.h"
 
 namespace tavlen {
 
@@ -15,6 +15,7 @@ namespace tavlen {
 /// manager, change its items, set it.
 class DictionaryParameterManager final : public ParameterManager {
  public:
+  enum class ErrorCase { pairIndexOutOfBounds };
   class Error;
   /// The side of the pair.
   enum class Accessor { key, value };
@@ -37,22 +38,15 @@ class DictionaryParameterManager final : public ParameterManager {
 };
 
 /// Has the array's key and text.
-class DictionaryParameterManager::Error : public LocalizedError {
+class DictionaryParameterManager::Error : public CasedError<DictionaryParameterManager::ErrorCase> {
  public:
-  enum class Case { pairIndexOutOfBounds };
-
   static Error pairIndexOutOfBounds(std::int64_t index);
 
-  Case which() const { return case_; }
   std::int64_t index() const { return index_; }
-  bool operator==(const Error& other) const {
-    return case_ == other.case_ && index_ == other.index_;
-  }
 
  private:
   Error(Case which, LocalizedText text, std::int64_t index);
 
-  Case case_;
   std::int64_t index_;
 };
 

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "tavlen/foundation/base/FunctionRef.h"
-#include "tavlen/foundation/errors/LocalizedError.h"
+#include "tavlen/foundation/errors/CasedError.h"
 #include "tavlen/introspection/classes/MethodIdentity.h"
 
 namespace tavlen {
@@ -22,6 +22,7 @@ struct Hook;
 /// others may edit the same hook, hold tweakPoster()'s lock around both.
 class HookManager {
  public:
+  enum class ErrorCase { hookNotFound };
   class Error;
 
   /// Never null.
@@ -39,19 +40,12 @@ class HookManager {
   void deleteHook() const;
 };
 
-class HookManager::Error : public LocalizedError {
+class HookManager::Error : public CasedError<HookManager::ErrorCase> {
  public:
-  enum class Case { hookNotFound };
-
   static Error hookNotFound();
 
-  Case which() const { return case_; }
-  bool operator==(const Error& other) const { return case_ == other.case_; }
-
  private:
-  Error(Case which, LocalizedText text) : LocalizedError(text), case_(which) {}
-
-  Case case_;
+  using CasedError::CasedError;
 };
 
 }  // namespace tavlen

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "tavlen/foundation/errors/LocalizedError.h"
+#include "tavlen/foundation/errors/CasedError.h"
 #include "tavlen/items/TweakProtocol.h"
 
 namespace tavlen {
@@ -15,6 +15,7 @@ class Progress;
 /// The stored tweaks and collections as a whole. Keeps no state. Threads: any.
 class TweakManager {
  public:
+  enum class ErrorCase { unknownTweakType };
   class Error;
 
   TweakManager() = delete;
@@ -44,19 +45,12 @@ class TweakManager {
   static std::filesystem::path export_(const TweakProtocol& tweak, Progress* progress = nullptr);
 };
 
-class TweakManager::Error : public LocalizedError {
+class TweakManager::Error : public CasedError<TweakManager::ErrorCase> {
  public:
-  enum class Case { unknownTweakType };
-
   static Error unknownTweakType();
 
-  Case which() const { return case_; }
-  bool operator==(const Error& other) const { return case_ == other.case_; }
-
  private:
-  Error(Case which, LocalizedText text) : LocalizedError(text), case_(which) {}
-
-  Case case_;
+  using CasedError::CasedError;
 };
 
 }  // namespace tavlen

@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "tavlen/bundles/OverrideContainer.h"
-#include "tavlen/foundation/errors/LocalizedError.h"
+#include "tavlen/foundation/errors/CasedError.h"
 #include "tavlen/foundation/image/Image.h"
 #include "tavlen/items/TweakColor.h"
 #include "tavlen/items/TweakGlyph.h"
@@ -25,6 +25,7 @@ struct MethodIdentity;
 /// A handle on one tweak folder.
 class TweakFile : public TweakProtocol, public std::enable_shared_from_this<TweakFile> {
  public:
+  enum class ErrorCase { missing, notFound };
   class Error;
   struct Manifest;
   struct Diff;
@@ -108,24 +109,14 @@ class TweakFile : public TweakProtocol, public std::enable_shared_from_this<Twea
   explicit TweakFile(std::filesystem::path url) : TweakProtocol(std::move(url)) {}
 };
 
-class TweakFile::Error : public LocalizedError {
+class TweakFile::Error : public CasedError<TweakFile::ErrorCase> {
  public:
-  enum class Case { missing, notFound };
-
   /// `file` is the name of the file that is missing.
   static Error missing(std::string file);
   static Error notFound();
 
-  Case which() const { return case_; }
-  bool operator==(const Error& other) const {
-    return case_ == other.case_ && payload() == other.payload();
-  }
-
  private:
-  Error(Case which, LocalizedText text, std::vector<std::string> payload = {})
-      : LocalizedError(text, std::move(payload)), case_(which) {}
-
-  Case case_;
+  using CasedError::CasedError;
 };
 
 }  // namespace tavlen

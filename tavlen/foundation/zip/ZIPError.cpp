@@ -57,6 +57,6 @@ LocalizedText textOf(ZIPError::Case which) {
 }  // namespace
 
 ZIPError::ZIPError(Case which, std::string detail)
-    : LocalizedError(textOf(which), {std::move(detail)}), case_(which) {}
+    : CasedError(which, textOf(which), {std::move(detail)}) {}
 
 }  // namespace tavlen

@@ -100,7 +100,7 @@ ClassParser::Classes DynamicClassParser::parseBelow(const std::shared_ptr<Progre
 }
 
 DynamicClassParser::Error DynamicClassParser::Error::failed() {
-  return Error({"dynamic_class_parser.error.failed", "Dynamic dump failed"});
+  return {Case::failed, {"dynamic_class_parser.error.failed", "Dynamic dump failed"}};
 }
 
 }  // namespace tavlen

@@ -7,7 +7,7 @@
 #include <string>
 #include <unordered_map>
 
-#include "tavlen/foundation/errors/LocalizedError.h"
+#include "tavlen/foundation/errors/CasedError.h"
 #include "tavlen/introspection/classes/ClassParser.h"
 
 // What the run time's headers call Class is a pointer to one.
@@ -26,6 +26,7 @@ namespace tavlen {
 /// what the parse waits for.
 class DynamicClassParser : public ClassParser {
  public:
+  enum class ErrorCase { failed };
   class Error;
   /// By the names that the run time has for the classes.
   using Cache = std::unordered_map<std::string, std::shared_ptr<ObjCClass>>;
@@ -62,17 +63,13 @@ class DynamicClassParser : public ClassParser {
   mutable Cache cache_;
 };
 
-class DynamicClassParser::Error : public LocalizedError {
+class DynamicClassParser::Error : public CasedError<DynamicClassParser::ErrorCase> {
  public:
-  enum class Case { failed };
-
   /// The image does not load.
   static Error failed();
 
-  Case which() const { return Case::failed; }
-
  private:
-  using LocalizedError::LocalizedError;
+  using CasedError::CasedError;
 };
 
 }  // namespace tavlen

@@ -6,7 +6,7 @@
 namespace tavlen {
 
 RemoteClassParser::Error RemoteClassParser::Error::failed() {
-  return Error({"remote_class_parser.error.failed", "Remote dump failed"});
+  return {Case::failed, {"remote_class_parser.error.failed", "Remote dump failed"}};
 }
 
 ClassParser::Classes RemoteClassParser::parseBelow(const std::shared_ptr<Progress>& parent,

@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "tavlen/foundation/errors/LocalizedError.h"
+#include "tavlen/foundation/errors/CasedError.h"
 #include "tavlen/introspection/classes/ClassParser.h"
 
 namespace tavlen {
@@ -20,6 +20,7 @@ namespace tavlen {
 /// beyond 64 bits as a percentage, ends the process.
 class RemoteClassParser : public ClassParser {
  public:
+  enum class ErrorCase { failed };
   class Error;
 
  private:
@@ -27,16 +28,12 @@ class RemoteClassParser : public ClassParser {
                      const Executable& executable) const override;
 };
 
-class RemoteClassParser::Error : public LocalizedError {
+class RemoteClassParser::Error : public CasedError<RemoteClassParser::ErrorCase> {
  public:
-  enum class Case { failed };
-
   static Error failed();
 
-  Case which() const { return Case::failed; }
-
  private:
-  using LocalizedError::LocalizedError;
+  using CasedError::CasedError;
 };
 
 }  // namespace tavlen

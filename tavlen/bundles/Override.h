@@ -1,9 +1,9 @@
 #pragma once
 
-#include <concepts>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -17,159 +17,114 @@
 
 namespace tavlen {
 
-/// The part that all kinds of overrides share: one value under the key "value", absent only where
-/// it is optional.
+/// An override of one kind: a value, stored under the key "value" and absent only where it is
+/// optional. `Kind` gives the name of the kind, its title for the user, and the app's current
+/// value, which an override of the kind begins with.
 template <class Kind>
-constexpr auto overrideFields() {
-  if constexpr (requires(Kind kind) { kind.value.has_value(); }) {
-    return std::tuple{optionalField("value", &Kind::value)};
-  } else {
-    return std::tuple{requiredField("value", &Kind::value)};
+struct OverrideOfKind {
+  static constexpr std::string_view typeName = Kind::typeName;
+  static constexpr std::string_view identifier = identifierWithBaseName(typeName, "Override");
+  static constexpr LocalizedText title = Kind::title;
+
+  using Value = decltype(Kind::currentValue(std::declval<const Info&>()));
+  Value value{};
+
+  /// Made of the app's current value.
+  static OverrideOfKind withInfo(const Info& info) { return {Kind::currentValue(info)}; }
+
+  static constexpr auto codedFields() {
+    if constexpr (requires(Value value) { value.has_value(); }) {
+      return std::tuple{optionalField("value", &OverrideOfKind::value)};
+    } else {
+      return std::tuple{requiredField("value", &OverrideOfKind::value)};
+    }
   }
-}
+  bool operator==(const OverrideOfKind&) const = default;
+};
 
-/// The name under the icon.
-struct DisplayNameOverride {
+struct DisplayNameKind {
   static constexpr std::string_view typeName = "DisplayNameOverride";
-  static constexpr std::string_view identifier = identifierWithBaseName(typeName, "Override");
   static constexpr LocalizedText title = {"override_title.display_name", "Display Name"};
-
-  std::string value;
-
-  /// Made of the app's current value.
-  static DisplayNameOverride withInfo(const Info& info);
-  static constexpr auto codedFields() { return overrideFields<DisplayNameOverride>(); }
-  bool operator==(const DisplayNameOverride&) const = default;
+  static std::string currentValue(const Info& info) { return info.name(); }
 };
+/// The name under the icon.
+using DisplayNameOverride = OverrideOfKind<DisplayNameKind>;
 
-/// The short name.
-struct BundleNameOverride {
+struct BundleNameKind {
   static constexpr std::string_view typeName = "BundleNameOverride";
-  static constexpr std::string_view identifier = identifierWithBaseName(typeName, "Override");
   static constexpr LocalizedText title = {"override_title.bundle_name", "Bundle Name"};
-
-  std::string value;
-
-  /// Made of the app's current value.
-  static BundleNameOverride withInfo(const Info& info);
-  static constexpr auto codedFields() { return overrideFields<BundleNameOverride>(); }
-  bool operator==(const BundleNameOverride&) const = default;
+  static std::string currentValue(const Info& info) { return info.bundleName(); }
 };
+/// The short name.
+using BundleNameOverride = OverrideOfKind<BundleNameKind>;
 
-/// The identifier.
-struct BundleIDOverride {
+struct BundleIDKind {
   static constexpr std::string_view typeName = "BundleIDOverride";
-  static constexpr std::string_view identifier = identifierWithBaseName(typeName, "Override");
   static constexpr LocalizedText title = {"override_title.bundle_id", "Bundle ID"};
-
-  std::string value;
-
-  /// Made of the app's current value.
-  static BundleIDOverride withInfo(const Info& info);
-  static constexpr auto codedFields() { return overrideFields<BundleIDOverride>(); }
-  bool operator==(const BundleIDOverride&) const = default;
+  static std::string currentValue(const Info& info) { return info.bundleID; }
 };
+/// The identifier.
+using BundleIDOverride = OverrideOfKind<BundleIDKind>;
 
-/// The version that users see.
-struct VersionOverride {
+struct VersionKind {
   static constexpr std::string_view typeName = "VersionOverride";
-  static constexpr std::string_view identifier = identifierWithBaseName(typeName, "Override");
   static constexpr LocalizedText title = {"override_title.version", "Version"};
-
-  std::string value;
-
-  /// Made of the app's current value.
-  static VersionOverride withInfo(const Info& info);
-  static constexpr auto codedFields() { return overrideFields<VersionOverride>(); }
-  bool operator==(const VersionOverride&) const = default;
+  static std::string currentValue(const Info& info) { return info.version(); }
 };
+/// The version that users see.
+using VersionOverride = OverrideOfKind<VersionKind>;
 
-/// The build number.
-struct BuildOverride {
+struct BuildKind {
   static constexpr std::string_view typeName = "BuildOverride";
-  static constexpr std::string_view identifier = identifierWithBaseName(typeName, "Override");
   static constexpr LocalizedText title = {"override_title.build", "Build"};
-
-  std::string value;
-
-  /// Made of the app's current value.
-  static BuildOverride withInfo(const Info& info);
-  static constexpr auto codedFields() { return overrideFields<BuildOverride>(); }
-  bool operator==(const BuildOverride&) const = default;
+  static std::string currentValue(const Info& info) { return info.build; }
 };
+/// The build number.
+using BuildOverride = OverrideOfKind<BuildKind>;
 
-/// The oldest system that runs the app; an absent value asks for none.
-struct MinimumOSVersionOverride {
+struct MinimumOSVersionKind {
   static constexpr std::string_view typeName = "MinimumOSVersionOverride";
-  static constexpr std::string_view identifier = identifierWithBaseName(typeName, "Override");
   static constexpr LocalizedText title = {"override_title.min_os_version", "Min OS Version"};
-
-  std::optional<SemanticVersion> value;
-
-  /// Made of the app's current value.
-  static MinimumOSVersionOverride withInfo(const Info& info);
-  static constexpr auto codedFields() { return overrideFields<MinimumOSVersionOverride>(); }
-  bool operator==(const MinimumOSVersionOverride&) const = default;
+  static std::optional<SemanticVersion> currentValue(const Info& info) {
+    return info.minimumOSVersion;
+  }
 };
+/// The oldest system that runs the app; an absent value asks for none.
+using MinimumOSVersionOverride = OverrideOfKind<MinimumOSVersionKind>;
 
-/// Whether the app runs as an iPad app.
-struct IPadSupportOverride {
+struct IPadSupportKind {
   static constexpr std::string_view typeName = "IPadSupportOverride";
-  static constexpr std::string_view identifier = identifierWithBaseName(typeName, "Override");
   static constexpr LocalizedText title = {"override_title.ipad_support", "iPad Support"};
-
-  bool value = false;
-
-  /// Made of the app's current value.
-  static IPadSupportOverride withInfo(const Info& info);
-  static constexpr auto codedFields() { return overrideFields<IPadSupportOverride>(); }
-  bool operator==(const IPadSupportOverride&) const = default;
+  static bool currentValue(const Info& info) { return info.supportsIPad(); }
 };
+/// Whether the app runs as an iPad app.
+using IPadSupportOverride = OverrideOfKind<IPadSupportKind>;
 
-/// The orientations on an iPhone. An empty list is a value like any other.
-struct OrientationsOverride {
+struct OrientationsKind {
   static constexpr std::string_view typeName = "OrientationsOverride";
-  static constexpr std::string_view identifier = identifierWithBaseName(typeName, "Override");
   static constexpr LocalizedText title = {"override_title.orientations", "Orientations"};
-
-  std::vector<InterfaceOrientation> value;
-
-  /// Made of the app's current value.
-  static OrientationsOverride withInfo(const Info& info);
-  static constexpr auto codedFields() { return overrideFields<OrientationsOverride>(); }
-  bool operator==(const OrientationsOverride&) const = default;
+  static std::vector<InterfaceOrientation> currentValue(const Info& info) {
+    return info.orientations().value_or(std::vector<InterfaceOrientation>());
+  }
 };
+/// The orientations on an iPhone. An empty list is a value like any other.
+using OrientationsOverride = OverrideOfKind<OrientationsKind>;
 
-/// The orientations on an iPad; made of the iPhone list where the app has none of its own.
-struct OrientationsIPadOverride {
+struct OrientationsIPadKind {
   static constexpr std::string_view typeName = "OrientationsIPadOverride";
-  static constexpr std::string_view identifier = identifierWithBaseName(typeName, "Override");
   static constexpr LocalizedText title = {"override_title.orientations_ipad",
                                           "Orientations (iPad)"};
-
-  std::vector<InterfaceOrientation> value;
-
-  /// Made of the app's current value.
-  static OrientationsIPadOverride withInfo(const Info& info);
-  static constexpr auto codedFields() { return overrideFields<OrientationsIPadOverride>(); }
-  bool operator==(const OrientationsIPadOverride&) const = default;
+  static std::vector<InterfaceOrientation> currentValue(const Info& info) {
+    return info.ipadOrientations().value_or(OrientationsKind::currentValue(info));
+  }
 };
+/// The orientations on an iPad; made of the iPhone list where the app has none of its own.
+using OrientationsIPadOverride = OverrideOfKind<OrientationsIPadKind>;
 
 /// One edit of the target app's Info.plist that a tweak carries.
 using Override = std::variant<DisplayNameOverride, BundleNameOverride, BundleIDOverride,
                               VersionOverride, BuildOverride, MinimumOSVersionOverride,
                               IPadSupportOverride, OrientationsOverride, OrientationsIPadOverride>;
-
-/// What every kind offers: its name, the identifier that is stored for it, its title, its coded
-/// field, and itself made of an app's current value.
-template <class Kind>
-concept OverrideKind = requires(const Info& info) {
-  { Kind::typeName } -> std::convertible_to<std::string_view>;
-  { Kind::identifier } -> std::convertible_to<std::string_view>;
-  { Kind::title } -> std::convertible_to<LocalizedText>;
-  { Kind::withInfo(info) } -> std::same_as<Kind>;
-  Kind::codedFields();
-};
 
 /// The kind's title for the user.
 std::string localizedName(const Override& override_);

@@ -6,7 +6,7 @@ namespace tavlen {
 
 namespace {
 
-template <OverrideKind... Kinds>
+template <class... Kinds>
 std::vector<OverrideKindInfo> section() {
   return {OverrideKindInfo{Kinds::identifier, Kinds::title,
                            [](const Info& info) -> Override { return Kinds::withInfo(info); }}...};

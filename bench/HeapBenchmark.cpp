@@ -1,7 +1,6 @@
 // The heap that reading a large manifest takes. The figures are the counters; times mean nothing
 // here, since allocations are counted.
 #include <benchmark/benchmark.h>
-#include <simdjson.h>
 
 #include <string>
 
@@ -41,18 +40,6 @@ void heapOfDecoding(benchmark::State& state) {
   }
 }
 
-void heapOfSimdjsonParser(benchmark::State& state) {
-  const simdjson::padded_string text(document());
-  for (auto _ : state) {
-    const std::size_t before = HeapUse::current();
-    simdjson::ondemand::parser parser;
-    auto parsed = parser.iterate(text);
-    benchmark::DoNotOptimize(parsed);
-    state.counters["buffersPerInputByte"] = ratio(HeapUse::current() - before, document().size());
-  }
-}
-
 BENCHMARK(heapOfDecoding)->Iterations(1);
-BENCHMARK(heapOfSimdjsonParser)->Iterations(1);
 
 }  // namespace

@@ -1,7 +1,6 @@
-// Reading and writing a large manifest, and the source of its hooks, beside general JSON libraries
-// on the same bytes and values. scripts/bench compares the rows by their names.
+// Reading and writing a large manifest, and the source of its hooks, next to a general JSON
+// library on the same bytes and values. scripts/bench compares the rows by their names.
 #include <benchmark/benchmark.h>
-#include <simdjson.h>
 
 #include <cstdint>
 #include <nlohmann/json.hpp>
@@ -46,43 +45,6 @@ void decodeNlohmann(benchmark::State& state) {
   setBytes(state, text.size());
 }
 
-/// Reads every value below `value`, so that nothing is left unread; the sum keeps the reading from
-/// being removed.
-std::size_t walk(simdjson::ondemand::value value) {
-  std::size_t sum = 0;
-  switch (value.type()) {
-    case simdjson::ondemand::json_type::array:
-      for (auto element : value.get_array()) sum += walk(element.value());
-      return sum;
-    case simdjson::ondemand::json_type::object:
-      for (auto field : value.get_object()) {
-        sum += std::string_view(field.unescaped_key()).size();
-        sum += walk(field.value());
-      }
-      return sum;
-    case simdjson::ondemand::json_type::string:
-      return std::string_view(value.get_string()).size();
-    case simdjson::ondemand::json_type::number:
-      return static_cast<std::size_t>(value.get_number().value().as_double() != 0);
-    case simdjson::ondemand::json_type::boolean:
-      return static_cast<std::size_t>(value.get_bool().value());
-    default:
-      return static_cast<std::size_t>(value.is_null());
-  }
-}
-
-void decodeSimdjsonWalk(benchmark::State& state) {
-  const simdjson::padded_string text(document());
-  simdjson::ondemand::parser parser;
-  for (auto _ : state) {
-    auto parsed = parser.iterate(text);
-    std::size_t sum = 0;
-    for (auto field : parsed.get_object()) sum += walk(field.value());
-    benchmark::DoNotOptimize(sum);
-  }
-  setBytes(state, document().size());
-}
-
 void encodeTavlen(benchmark::State& state) {
   std::size_t size = 0;
   for (auto _ : state) {
@@ -117,7 +79,6 @@ void hookSourceTavlen(benchmark::State& state) {
 
 BENCHMARK(decodeTavlen)->Unit(benchmark::kMillisecond);
 BENCHMARK(decodeNlohmann)->Unit(benchmark::kMillisecond);
-BENCHMARK(decodeSimdjsonWalk)->Unit(benchmark::kMillisecond);
 BENCHMARK(encodeTavlen)->Unit(benchmark::kMillisecond);
 BENCHMARK(encodeNlohmann)->Unit(benchmark::kMillisecond);
 BENCHMARK(hookSourceTavlen)->Unit(benchmark::kMillisecond);

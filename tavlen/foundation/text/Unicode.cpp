@@ -1,8 +1,10 @@
 #include "tavlen/foundation/text/Unicode.h"
 
-#include <simdjson.h>
+#include <unicode/utf8.h>
 
+#include <array>
 #include <cstdint>
+#include <cstring>
 
 namespace tavlen {
 
@@ -18,38 +20,13 @@ constexpr char32_t joined(char32_t high, char32_t low) {
   return 0x10000 + ((high - 0xD800) << 10) + (low - 0xDC00);
 }
 
-struct Decoded {
-  char32_t codePoint;
-  std::size_t length;
-};
-
-/// The scalar at `position`, or U+FFFD over the longest prefix that could have begun one.
-Decoded decodeUTF8(std::string_view text, std::size_t position) {
-  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
-  const unsigned char lead = byte(position);
-  if (lead < 0x80) return {lead, 1};
-  const std::size_t trailing = lead >= 0xC2 && lead <= 0xDF   ? 1
-                               : lead >= 0xE0 && lead <= 0xEF ? 2
-                               : lead >= 0xF0 && lead <= 0xF4 ? 3
-                                                              : 0;
-  if (trailing == 0) return {kReplacement, 1};
-  char32_t codePoint = lead & (0x3FU >> trailing);
-  for (std::size_t i = 1; i <= trailing; ++i) {
-    if (position + i >= text.size()) return {kReplacement, i};
-    const unsigned char next = byte(position + i);
-    unsigned char low = 0x80;
-    unsigned char high = 0xBF;
-    if (i == 1) {
-      // The second byte alone tells overlong forms, surrogates and values past the end of Unicode.
-      if (lead == 0xE0) low = 0xA0;
-      if (lead == 0xED) high = 0x9F;
-      if (lead == 0xF0) low = 0x90;
-      if (lead == 0xF4) high = 0x8F;
-    }
-    if (next < low || next > high) return {kReplacement, i};
-    codePoint = (codePoint << 6) | (next & 0x3FU);
-  }
-  return {codePoint, trailing + 1};
+/// Reads the character at `position` and passes over it: negative for a malformed sequence, the
+/// longest prefix that could have begun a character.
+UChar32 nextUTF8(std::string_view text, std::size_t& position) {
+  const auto* bytes = reinterpret_cast<const std::uint8_t*>(text.data());
+  UChar32 codePoint = 0;
+  U8_NEXT(bytes, position, text.size(), codePoint);
+  return codePoint;
 }
 
 /// Reads units of `Size` bytes; `bigEndian` is a template parameter so that the loop holds no test.
@@ -101,7 +78,19 @@ bool isASCII(std::string_view text) {
 }
 
 bool isValidUTF8(std::string_view text) {
-  return simdjson::validate_utf8(text.data(), text.size());
+  constexpr std::uint64_t kHighBits = 0x8080808080808080;
+  std::size_t position = 0;
+  while (position < text.size()) {
+    if (std::array<std::uint64_t, 2> block; text.size() - position >= sizeof block) {
+      std::memcpy(block.data(), text.data() + position, sizeof block);
+      if (((block[0] | block[1]) & kHighBits) == 0) {
+        position += sizeof block;
+        continue;
+      }
+    }
+    if (nextUTF8(text, position) < 0) return false;
+  }
+  return true;
 }
 
 std::string wellFormedUTF8(std::string_view text) {
@@ -112,13 +101,13 @@ std::u16string utf16FromUTF8(std::string_view text) {
   std::u16string out;
   out.reserve(text.size());
   for (std::size_t i = 0; i < text.size();) {
-    const Decoded next = decodeUTF8(text, i);
-    i += next.length;
-    if (next.codePoint < 0x10000) {
-      out.push_back(static_cast<char16_t>(next.codePoint));
+    const UChar32 next = nextUTF8(text, i);
+    const char32_t codePoint = next < 0 ? kReplacement : static_cast<char32_t>(next);
+    if (codePoint < 0x10000) {
+      out.push_back(static_cast<char16_t>(codePoint));
     } else {
-      out.push_back(static_cast<char16_t>(0xD800 + ((next.codePoint - 0x10000) >> 10)));
-      out.push_back(static_cast<char16_t>(0xDC00 + ((next.codePoint - 0x10000) & 0x3FF)));
+      out.push_back(static_cast<char16_t>(0xD800 + ((codePoint - 0x10000) >> 10)));
+      out.push_back(static_cast<char16_t>(0xDC00 + ((codePoint - 0x10000) & 0x3FF)));
     }
   }
   return out;

@@ -3,14 +3,13 @@
 #include <array>
 #include <mutex>
 
+#include "tavlen/introspection/types/JXTypeAggregate.h"
 #include "tavlen/introspection/types/JXTypeArray.h"
 #include "tavlen/introspection/types/JXTypeBasic.h"
 #include "tavlen/introspection/types/JXTypeBitField.h"
 #include "tavlen/introspection/types/JXTypeID.h"
 #include "tavlen/introspection/types/JXTypeIDIgnoreName.h"
 #include "tavlen/introspection/types/JXTypePointer.h"
-#include "tavlen/introspection/types/JXTypeStruct.h"
-#include "tavlen/introspection/types/JXTypeUnion.h"
 
 namespace tavlen {
 

@@ -12,6 +12,7 @@
 #include <thread>
 #include <vector>
 
+#include "tavlen/introspection/types/JXTypeAggregate.h"
 #include "tavlen/introspection/types/JXTypeArray.h"
 #include "tavlen/introspection/types/JXTypeBasic.h"
 #include "tavlen/introspection/types/JXTypeBitField.h"
@@ -19,8 +20,6 @@
 #include "tavlen/introspection/types/JXTypeID.h"
 #include "tavlen/introspection/types/JXTypeIDIgnoreName.h"
 #include "tavlen/introspection/types/JXTypePointer.h"
-#include "tavlen/introspection/types/JXTypeStruct.h"
-#include "tavlen/introspection/types/JXTypeUnion.h"
 
 namespace tavlen {
 

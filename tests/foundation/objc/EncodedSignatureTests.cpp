@@ -104,36 +104,6 @@ TEST(TypeLayout, IsTheOneOfArm64) {
       EXPECT_EQ(layout->alignment, row.alignment) << type;
     }
   }
-  const auto floatSize = [](const char* type) { return layoutOfType(type)->floatSize; };
-  EXPECT_EQ(floatSize("{A=f{B=f[2f]}}"), 4);
-  EXPECT_EQ(floatSize("{A={E=}d}"), 8);
-  for (const char* mixed : {"{A=fd}", "{A=fdf}", "{A=fi}", "{A=if}", "^f"}) {
-    EXPECT_EQ(floatSize(mixed), 0) << mixed;
-  }
-}
-
-TEST(EncodedSignature, FrameHoldsWhatRegistersDoNot) {
-  const struct {
-    const char* arguments;
-    std::size_t onStack;
-  } rows[] = {
-      {"qqqqqqdddddddd qqqqqqv{E=} {A=dddd}{A=dddd} qqqqqq{A=ff}f", 0},
-      {"qqqqqqq qqqqqqc ddddddddff jdjdjdjdjf", 8},
-      {"qqqqqqcccci", 8},                         // a scalar takes its own size,
-      {"qqqqqqcq ddddddddf{A=ff}f qqqqqqt", 16},  // at its own alignment
-      {"qqqqqqqt", 32},
-      {"{A=ddddd}qqqqqq qqqqqq[100q] qqqqqq[0i]", 8},  // by address
-      {"{A=ccc}qqqqqq", 8},
-      {"qqqqqq{A=c}{A=c}", 16},                     // small structures take whole words
-      {"{A=dddd}{A=ddd}{A=dd}d qqqqq{A=qq}q", 24},  // no register for the rest, or for a half
-  };
-  for (const auto& row : rows) {
-    for (const std::string& arguments : words(row.arguments)) {
-      const auto signature = encodedSignature("v@:" + arguments);
-      ASSERT_NE(signature, nullptr) << arguments;
-      EXPECT_EQ(signature->frameLength(), 224 + row.onStack) << arguments;
-    }
-  }
 }
 
 TEST(EncodedSignature, RefusesWhatThePlatformRefuses) {

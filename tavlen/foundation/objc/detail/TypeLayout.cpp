@@ -8,40 +8,37 @@ namespace tavlen {
 
 namespace {
 
-using Kind = TypeLayout::Kind;
 using Neighbour = TypeScanner::Neighbour;
 
 std::optional<TypeLayout> layoutOfScalar(char letter) {
-  const auto integer = [](std::uint64_t size) { return TypeLayout{Kind::scalar, 0, size, size}; };
+  const auto ofSize = [](std::uint64_t size) { return TypeLayout{size, size}; };
   switch (letter) {
     case 'v':
       return TypeLayout();
     case 'c':
     case 'C':
     case 'B':
-      return integer(1);
+      return ofSize(1);
     case 's':
     case 'S':
-      return integer(2);
+      return ofSize(2);
     case 'i':
     case 'I':
     case 'l':
     case 'L':
-      return integer(4);
+    case 'f':
+      return ofSize(4);
     case 'q':
     case 'Q':
     case '#':
     case ':':
     case '*':
-      return integer(8);
-    case 't':
-    case 'T':
-      return integer(16);
-    case 'f':
-      return TypeLayout{Kind::scalar, 4, 4, 4};
     case 'd':
     case 'D':
-      return TypeLayout{Kind::scalar, 8, 8, 8};
+      return ofSize(8);
+    case 't':
+    case 'T':
+      return ofSize(16);
     default:
       return std::nullopt;
   }
@@ -53,10 +50,13 @@ bool isComplex(std::string_view qualifiers, char letter) {
          kNumbers.find(letter) != std::string_view::npos;
 }
 
-/// Puts `member` behind those that `whole` has. False when it is too much.
+/// The next multiple of `alignment`, which is not 0.
+constexpr std::uint64_t roundedUp(std::uint64_t size, std::uint64_t alignment) {
+  return (size + alignment - 1) / alignment * alignment;
+}
+
+/// Puts `member` after those that `whole` has. False when it is too much.
 bool append(TypeLayout& whole, const TypeLayout& member) {
-  if (whole.size == 0) whole.floatSize = member.floatSize;
-  if (member.size > 0 && member.floatSize != whole.floatSize) whole.floatSize = 0;
   whole.alignment = std::max(whole.alignment, member.alignment);
   whole.size = roundedUp(whole.size, member.alignment) + member.size;
   return whole.size <= TypeLayout::kLargestSize;
@@ -79,14 +79,11 @@ class LayoutReader {
     if (c == '[') return array(depth);
     if (c == '^' || c == '@') {
       if (!scanner_.skipType(after)) return std::nullopt;
-      return TypeLayout{Kind::scalar, 0, 8, 8};
+      return TypeLayout{8, 8};
     }
     auto layout = layoutOfScalar(c);
     if (!layout || !scanner_.skip(c)) return std::nullopt;
-    if (isComplex(qualifiers, c)) {
-      layout->kind = Kind::structure;
-      layout->size *= 2;
-    }
+    if (isComplex(qualifiers, c)) layout->size *= 2;
     return layout;
   }
 
@@ -95,7 +92,7 @@ class LayoutReader {
     scanner_.skip('{');
     if (!scanner_.skipName() || !scanner_.skip('=')) return std::nullopt;
     const bool hasNames = scanner_.next() == '"';
-    TypeLayout whole{Kind::structure, 0, 0, 1};
+    TypeLayout whole;
     while (!scanner_.skip('}')) {
       if (hasNames && !scanner_.skipQuoted()) return std::nullopt;
       const auto member = type(depth + 1, hasNames ? Neighbour::fieldName : Neighbour::any);
@@ -113,7 +110,7 @@ class LayoutReader {
     const auto element = type(depth + 1, Neighbour::any);
     if (!element || !scanner_.skip(']')) return std::nullopt;
     if (element->size > 0 && *count > TypeLayout::kLargestSize / element->size) return std::nullopt;
-    return TypeLayout{Kind::array, element->floatSize, *count * element->size, element->alignment};
+    return TypeLayout{*count * element->size, element->alignment};
   }
 
   TypeScanner scanner_;

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <concepts>
-#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -49,28 +48,6 @@ struct ArchiveCoding<bool> {
   }
   static void decode(KeyedUnarchiver& unarchiver, PropertyList::Index stored, bool& value) {
     value = unarchiver.boolean(stored);
-  }
-};
-
-template <>
-struct ArchiveCoding<std::int64_t> {
-  static constexpr bool isObject = false;
-  static PropertyList::Index encode(KeyedArchiver& archiver, std::int64_t value) {
-    return archiver.integer(value);
-  }
-  static void decode(KeyedUnarchiver& unarchiver, PropertyList::Index stored, std::int64_t& value) {
-    value = unarchiver.integer(stored);
-  }
-};
-
-template <>
-struct ArchiveCoding<double> {
-  static constexpr bool isObject = false;
-  static PropertyList::Index encode(KeyedArchiver& archiver, double value) {
-    return archiver.real(value);
-  }
-  static void decode(KeyedUnarchiver& unarchiver, PropertyList::Index stored, double& value) {
-    value = unarchiver.real(stored);
   }
 };
 

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <array>
-#include <cstdint>
 #include <initializer_list>
 #include <optional>
 #include <string>
@@ -42,10 +41,8 @@ class KeyedArchiver {
   Index object(std::string_view className, FunctionRef<void()> members,
                const void* identity = nullptr);
 
-  /// These stand under their key themselves. They are no objects, which arrays hold.
+  /// It stands under its key itself: it is no object, which arrays hold.
   Index boolean(bool value);
-  Index integer(std::int64_t value) { return list_.add(value); }
-  Index real(double value) { return list_.add(value); }
 
   /// Within object(): the next member.
   void member(std::string_view key, Index value);

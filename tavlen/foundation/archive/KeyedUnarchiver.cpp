@@ -211,19 +211,4 @@ bool KeyedUnarchiver::boolean(Index value) const {
   return *integer != 0;
 }
 
-std::int64_t KeyedUnarchiver::integer(Index value) const {
-  if (list_.get<std::uint64_t>(value) && !list_.integer(value)) {
-    throw DecodingError::dataCorrupted("the number is not a signed 64-bit integer");
-  }
-  const auto integer = list_.integer(value);
-  if (!integer) throw DecodingError::typeMismatch("an integer", description(list_.kind(value)));
-  return *integer;
-}
-
-double KeyedUnarchiver::real(Index value) const {
-  const auto real = list_.get<double>(value);
-  if (!real) throw DecodingError::typeMismatch("a real number", description(list_.kind(value)));
-  return *real;
-}
-
 }  // namespace tavlen

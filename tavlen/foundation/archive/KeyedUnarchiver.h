@@ -60,10 +60,8 @@ class KeyedUnarchiver {
   void record(Index object, std::string_view className, std::span<const Field> fields,
               void* record);
 
-  /// These stand under their key themselves.
-  bool boolean(Index value) const;  ///< an integer is taken, too
-  std::int64_t integer(Index value) const;
-  double real(Index value) const;
+  /// It stands under its key itself. An integer is taken, too.
+  bool boolean(Index value) const;
 
   /// Whether the archive holds several references to `object`.
   bool isShared(Index object) const { return references_[object] > 1; }

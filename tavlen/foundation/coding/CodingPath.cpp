@@ -1,20 +1,12 @@
 #include "tavlen/foundation/coding/CodingPath.h"
 
-#include <algorithm>
+#include "tavlen/foundation/text/Characters.h"
 
 namespace tavlen {
-
-CodingPath::CodingPath(std::vector<Element> elements) : reversed_(std::move(elements)) {
-  std::reverse(reversed_.begin(), reversed_.end());
-}
 
 void CodingPath::prependKey(std::string_view key) { reversed_.emplace_back(std::string(key)); }
 
 void CodingPath::prependIndex(std::size_t index) { reversed_.emplace_back(index); }
-
-std::vector<CodingPath::Element> CodingPath::elements() const {
-  return {reversed_.rbegin(), reversed_.rend()};
-}
 
 std::string CodingPath::text() const {
   // A path as deep as documents may be would fill screens; its two ends tell the place.
@@ -42,7 +34,7 @@ std::string abbreviated(std::string_view text) {
   if (text.size() <= kLongest) return std::string(text);
   std::size_t end = kLongest;
   // Never in the middle of a character.
-  while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) --end;
+  while (end > 0 && isUTF8Continuation(text[end])) --end;
   return std::string(text.substr(0, end)) + "…";
 }
 

@@ -14,18 +14,10 @@ namespace tavlen {
 /// path.
 class CodingPath {
  public:
-  using Element = std::variant<std::string, std::size_t>;
-
-  CodingPath() = default;
-  /// From the document's root inwards.
-  explicit CodingPath(std::vector<Element> elements);
-
   void prependKey(std::string_view key);
   void prependIndex(std::size_t index);
 
   bool empty() const { return reversed_.empty(); }
-  /// From the document's root inwards.
-  std::vector<Element> elements() const;
   /// The path as people write it: `hooks[3].args.-1.value`. Overlong keys and
   /// the middle of an overlong path are left out.
   std::string text() const;
@@ -33,6 +25,8 @@ class CodingPath {
   bool operator==(const CodingPath&) const = default;
 
  private:
+  using Element = std::variant<std::string, std::size_t>;
+
   std::vector<Element> reversed_;
 };
 

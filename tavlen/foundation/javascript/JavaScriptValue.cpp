@@ -32,8 +32,6 @@ JavaScriptValue::~JavaScriptValue() {
 
 bool JavaScriptValue::isUndefined() const { return JSValueIsUndefined(context_->context_, value_); }
 
-bool JavaScriptValue::isNull() const { return JSValueIsNull(context_->context_, value_); }
-
 bool JavaScriptValue::isString() const { return JSValueIsString(context_->context_, value_); }
 
 bool JavaScriptValue::isObject() const { return JSValueIsObject(context_->context_, value_); }

@@ -32,7 +32,6 @@ class JavaScriptValue {
 
   /// These tests run no script. A String object is an object and no string.
   bool isUndefined() const;
-  bool isNull() const;
   bool isString() const;
   bool isObject() const;
 

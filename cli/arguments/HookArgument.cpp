@@ -20,11 +20,6 @@ void restorePrefix(std::string& text) {
 
 }  // namespace
 
-std::string methodText(const MethodIdentity& identity) {
-  return (identity.isClassMethod ? "+[" : kInstanceMethodBegin) + identity.className + " " +
-         identity.selector + "]";
-}
-
 std::optional<MethodIdentity> methodNamed(std::string_view text) {
   const bool isClassMethod = text.starts_with("+[");
   if ((!isClassMethod && !text.starts_with(kInstanceMethodBegin)) || !text.ends_with(']')) {

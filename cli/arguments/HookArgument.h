@@ -10,9 +10,6 @@
 
 namespace tavlen::cli {
 
-/// "-[Class selector]", or "+[Class selector]" for a class method.
-std::string methodText(const MethodIdentity& identity);
-
 /// Reads what methodText() writes. Nothing for any other text.
 std::optional<MethodIdentity> methodNamed(std::string_view text);
 

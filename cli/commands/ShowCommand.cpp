@@ -67,9 +67,7 @@ std::string scriptSummary(const TweakFile& tweak) {
 std::string contentsOf(const TweakFile& tweak) {
   const TweakFile::Manifest manifest = tweak.manifest();
   std::vector<std::string> hooks;
-  for (const Hook& hook : manifest.hooks()) {
-    hooks.push_back(std::string(hook.prefix()) + "[" + hook.className + " " + hook.selector + "]");
-  }
+  for (const Hook& hook : manifest.hooks()) hooks.push_back(methodText(hook.identity()));
   std::vector<std::string> overrides;
   for (const Override& override_ : manifest.overrides()) {
     overrides.push_back(localizedName(override_));

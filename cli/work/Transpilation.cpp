@@ -114,8 +114,8 @@ std::string placeOf(const OpenedTweak& tweak, std::size_t hookPlace) {
     const auto& hook = tweak.manifest._hooks[i];
     if (!hook || present++ != hookPlace) continue;
     return tweak.pathOf("Manifest.json") + ": hooks[" + std::to_string(i) + "] " +
-           std::string(hook->prefix()) + "[" + abbreviated(hook->className) + " " +
-           abbreviated(hook->selector) + "]";
+           methodText(
+               {abbreviated(hook->className), abbreviated(hook->selector), hook->isClassMethod});
   }
   return tweak.pathOf("Manifest.json");
 }

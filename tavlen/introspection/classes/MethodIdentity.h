@@ -18,6 +18,12 @@ struct MethodIdentity {
   auto operator<=>(const MethodIdentity&) const = default;
 };
 
+/// The method as people write it: "-[Class selector]", or "+[Class selector]" for a class method.
+inline std::string methodText(const MethodIdentity& identity) {
+  return (identity.isClassMethod ? "+[" : "-[") + identity.className + " " + identity.selector +
+         "]";
+}
+
 }  // namespace tavlen
 
 template <>

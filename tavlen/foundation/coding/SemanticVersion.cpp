@@ -5,16 +5,14 @@
 
 #include "tavlen/foundation/coding/CodingPath.h"
 #include "tavlen/foundation/coding/Encoder.h"
+#include "tavlen/foundation/text/Characters.h"
 
 namespace tavlen {
 
 namespace {
 
-constexpr bool isDigit(char character) { return character >= '0' && character <= '9'; }
-
 constexpr bool isWordCharacter(char character) {
-  return isDigit(character) || (character >= 'a' && character <= 'z') ||
-         (character >= 'A' && character <= 'Z') || character == '-';
+  return isDigit(character) || isLetter(character) || character == '-';
 }
 
 /// Cuts the part before the next dot off the front of `text`.

@@ -3,7 +3,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cstdint>
 #include <system_error>
@@ -22,26 +21,6 @@ namespace {
 
 /// No document comes near it, and a sparse file of any size is made in no time.
 constexpr std::size_t kLargestFile = std::size_t{1} << 31;
-
-std::string checkedUTF8(std::string text, const std::filesystem::path& path) {
-  constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-  if (!isValidUTF8(text)) fail(EILSEQ, path.string() + ": the text is malformed in its encoding");
-  if (text.starts_with(kByteOrderMark)) text.erase(0, kByteOrderMark.size());
-  return text;
-}
-
-struct ByteOrderMark {
-  std::string_view bytes;
-  TextEncoding encoding;
-};
-
-// The four-byte marks first: one of them begins with a two-byte mark.
-constexpr std::array<ByteOrderMark, 4> kWideMarks = {{
-    {{"\xFF\xFE\0\0", 4}, TextEncoding::utf32LittleEndian},
-    {{"\0\0\xFE\xFF", 4}, TextEncoding::utf32BigEndian},
-    {{"\xFE\xFF", 2}, TextEncoding::utf16BigEndian},
-    {{"\xFF\xFE", 2}, TextEncoding::utf16LittleEndian},
-}};
 
 std::optional<std::string> contentsUpTo(const RandomAccessFile& file, std::size_t most) {
   if (file.size() > most) return std::nullopt;
@@ -73,15 +52,12 @@ std::optional<std::string> readFileUpTo(const std::filesystem::path& path, std::
 
 std::string readText(const std::filesystem::path& path) {
   std::string bytes = readFile(path);
-  for (const ByteOrderMark& mark : kWideMarks) {
-    if (!bytes.starts_with(mark.bytes)) continue;
-    std::string text;
-    const std::string_view rest = std::string_view(bytes).substr(mark.bytes.size());
-    if (!convertToUTF8(rest, mark.encoding, text))
-      fail(EILSEQ, path.string() + ": the text is malformed in its encoding");
-    return text;
-  }
-  return checkedUTF8(std::move(bytes), path);
+  const ByteOrderMark mark = byteOrderMarkOf(bytes).value_or(ByteOrderMark{TextEncoding::utf8, 0});
+  bytes.erase(0, mark.length);
+  std::string text;
+  if (!convertToUTF8(bytes, mark.encoding, text))
+    fail(EILSEQ, path.string() + ": the text is malformed in its encoding");
+  return text;
 }
 
 int executableError(const std::filesystem::path& path) {

@@ -6,6 +6,7 @@
 #include "tavlen/foundation/json/detail/JSONNumber.h"
 #include "tavlen/foundation/json/detail/JSONScanner.h"
 #include "tavlen/foundation/json/detail/JSONText.h"
+#include "tavlen/foundation/text/Characters.h"
 
 namespace tavlen {
 
@@ -147,7 +148,7 @@ class JSONDecoder final : public Decoder {
 
   std::string_view number(std::string_view expected) {
     const char first = scanner_.peek();
-    if (first != '-' && (first < '0' || first > '9')) mismatch(expected);
+    if (first != '-' && !isDigit(first)) mismatch(expected);
     return scanner_.number();
   }
 

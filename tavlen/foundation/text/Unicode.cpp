@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdint>
 #include <cstring>
+#include <utility>
 
 namespace tavlen {
 
@@ -146,6 +147,23 @@ void appendUTF8(std::string& out, char32_t codePoint) {
     push(0x80 | ((codePoint >> 6) & 0x3F));
     push(0x80 | (codePoint & 0x3F));
   }
+}
+
+std::optional<ByteOrderMark> byteOrderMarkOf(std::string_view bytes) {
+  using namespace std::string_view_literals;
+  using enum TextEncoding;
+  // The four-byte marks first: one of them begins with a two-byte mark.
+  constexpr std::array<std::pair<std::string_view, TextEncoding>, 5> kMarks = {{
+      {"\xFF\xFE\0\0"sv, utf32LittleEndian},
+      {"\0\0\xFE\xFF"sv, utf32BigEndian},
+      {"\xEF\xBB\xBF"sv, utf8},
+      {"\xFF\xFE"sv, utf16LittleEndian},
+      {"\xFE\xFF"sv, utf16BigEndian},
+  }};
+  for (const auto& [mark, encoding] : kMarks) {
+    if (bytes.starts_with(mark)) return ByteOrderMark{encoding, mark.size()};
+  }
+  return std::nullopt;
 }
 
 bool convertToUTF8(std::string_view bytes, TextEncoding encoding, std::string& out) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -30,6 +32,15 @@ enum class TextEncoding {
   utf32LittleEndian,
   utf32BigEndian
 };
+
+/// A mark at the beginning of a text that tells its encoding.
+struct ByteOrderMark {
+  TextEncoding encoding;
+  std::size_t length;
+};
+
+/// The mark that `bytes` begin with; nothing where there is none.
+std::optional<ByteOrderMark> byteOrderMarkOf(std::string_view bytes);
 
 /// The UTF-8 form of `bytes`, whose encoding is known and whose byte order mark is already gone.
 /// Gives false, with `out` unspecified, for a malformed text: a lone surrogate, a stray byte at the

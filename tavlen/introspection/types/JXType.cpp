@@ -4,6 +4,7 @@
 #include <typeinfo>
 #include <utility>
 
+#include "tavlen/foundation/text/Characters.h"
 #include "tavlen/introspection/types/JXTypeBasic.h"
 #include "tavlen/introspection/types/JXTypeCursor.h"
 
@@ -61,7 +62,7 @@ std::uint64_t JXType::numberFromEncoding(JXTypeCursor& cursor) {
   std::uint64_t number = 0;
   for (; !cursor.isAtEnd(); cursor.advance()) {
     const char character = cursor.character();
-    if (character < '0' || character > '9') break;
+    if (!isDigit(character)) break;
     number = number * 10 + static_cast<std::uint64_t>(character - '0');
   }
   return number;

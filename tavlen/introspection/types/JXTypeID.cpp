@@ -3,6 +3,7 @@
 #include <mutex>
 #include <utility>
 
+#include "tavlen/foundation/text/Characters.h"
 #include "tavlen/introspection/types/JXTypeCursor.h"
 #include "tavlen/introspection/types/JXTypeIDIgnoreName.h"
 
@@ -13,7 +14,7 @@ namespace {
 /// `piece` without its last character, which may have several bytes.
 std::string_view withoutLast(std::string_view piece) {
   std::size_t last = piece.empty() ? 0 : piece.size() - 1;
-  while (last > 0 && (static_cast<unsigned char>(piece[last]) & 0xC0) == 0x80) --last;
+  while (last > 0 && isUTF8Continuation(piece[last])) --last;
   return piece.substr(0, last);
 }
 

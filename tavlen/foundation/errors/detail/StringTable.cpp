@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <utility>
 
+#include "tavlen/foundation/text/Characters.h"
 #include "tavlen/foundation/text/Unicode.h"
 
 namespace tavlen {
@@ -34,15 +35,14 @@ constexpr std::array<char16_t, 128> kNextStep = {
 
 /// The value of a digit in any base up to 16, or 16.
 constexpr std::uint32_t digitValue(char character) {
-  if (character >= '0' && character <= '9') return static_cast<std::uint32_t>(character - '0');
+  if (isDigit(character)) return static_cast<std::uint32_t>(character - '0');
   if (character >= 'a' && character <= 'f') return static_cast<std::uint32_t>(character - 'a') + 10;
   if (character >= 'A' && character <= 'F') return static_cast<std::uint32_t>(character - 'A') + 10;
   return 16;
 }
 
 constexpr bool standsUnquoted(char character) {
-  return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z') ||
-         (character >= '0' && character <= '9') ||
+  return isLetter(character) || isDigit(character) ||
          std::string_view("_$/:.-").find(character) != std::string_view::npos;
 }
 

@@ -7,12 +7,11 @@
 #include <string>
 
 #include "tavlen/foundation/coding/CodingError.h"
+#include "tavlen/foundation/text/Characters.h"
 
 namespace tavlen {
 
 namespace {
-
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
 /// The parts of a well-formed number.
 struct NumberParts {

@@ -5,8 +5,10 @@
 #include <bit>
 #include <cstdint>
 #include <cstring>
+#include <functional>
 
 #include "tavlen/foundation/coding/CodingError.h"
+#include "tavlen/foundation/text/Characters.h"
 #include "tavlen/foundation/text/Unicode.h"
 
 namespace tavlen {
@@ -32,7 +34,7 @@ constexpr bool endsPlainText(char c) {
 constexpr bool isWhiteSpace(char c) { return c == ' ' || c == '\n' || c == '\t' || c == '\r'; }
 
 constexpr bool isNumberCharacter(char c) {
-  return (c >= '0' && c <= '9') || c == '+' || c == '-' || c == '.' || c == 'e' || c == 'E';
+  return isDigit(c) || c == '+' || c == '-' || c == '.' || c == 'e' || c == 'E';
 }
 
 constexpr char closingFor(char opening) { return opening == '{' ? '}' : ']'; }
@@ -172,7 +174,7 @@ char32_t JSONScanner::fourHexDigits() {
   for (int i = 0; i < 4; ++i) {
     const char c = position_ == end_ ? '\0' : *position_;
     char32_t digit = 0;
-    if (c >= '0' && c <= '9') {
+    if (isDigit(c)) {
       digit = static_cast<char32_t>(c - '0');
     } else if ((c | 0x20) >= 'a' && (c | 0x20) <= 'f') {
       digit = static_cast<char32_t>((c | 0x20) - 'a' + 10);
@@ -225,7 +227,7 @@ void JSONScanner::skipScalar(char first) {
       if (position_ == end_) fail("unexpected end");
       [[fallthrough]];
     default:
-      if (first != '-' && (first < '0' || first > '9')) fail("unexpected character");
+      if (first != '-' && !isDigit(first)) fail("unexpected character");
       number();
   }
 }
@@ -289,8 +291,7 @@ void JSONScanner::fail(std::string_view reason) const {
   const char* lineBegin = position_;
   while (lineBegin != begin_ && lineBegin[-1] != '\n') --lineBegin;
   // Columns count characters, as editors do: every byte but the continuation bytes of UTF-8.
-  const auto column =
-      1 + std::count_if(lineBegin, position_, [](char c) { return (c & 0xC0) != 0x80; });
+  const auto column = 1 + std::count_if(lineBegin, position_, std::not_fn(isUTF8Continuation));
   throw DecodingError::dataCorrupted("The given data was not valid JSON: " + std::string(reason) +
                                      " at line " + std::to_string(line) + ", column " +
                                      std::to_string(column));

@@ -1,6 +1,6 @@
 #include "tavlen/foundation/json/detail/JSONText.h"
 
-#include <array>
+#include <optional>
 
 #include "tavlen/foundation/coding/CodingError.h"
 #include "tavlen/foundation/text/Unicode.h"
@@ -9,30 +9,13 @@ namespace tavlen {
 
 namespace {
 
-struct Detected {
-  TextEncoding encoding;
-  std::size_t markLength;
-};
-
-Detected encodingFromMark(std::string_view bytes) {
+/// The platform reads FE FF 00 00 as UTF-32, and FF FE always as UTF-16. Both are kept, so that a
+/// document means the same here as there.
+std::optional<ByteOrderMark> markOf(std::string_view bytes) {
   using namespace std::string_view_literals;
-  struct Mark {
-    std::string_view bytes;
-    TextEncoding encoding;
-  };
-  // The order decides: the platform reads FE FF 00 00 as UTF-32, and FF FE always as UTF-16. Both
-  // are kept, so that a document means the same here as there.
-  static constexpr std::array<Mark, 5> kMarks = {{
-      {"\xEF\xBB\xBF"sv, TextEncoding::utf8},
-      {"\x00\x00\xFE\xFF"sv, TextEncoding::utf32BigEndian},
-      {"\xFE\xFF\x00\x00"sv, TextEncoding::utf32LittleEndian},
-      {"\xFE\xFF"sv, TextEncoding::utf16BigEndian},
-      {"\xFF\xFE"sv, TextEncoding::utf16LittleEndian},
-  }};
-  for (const Mark& mark : kMarks) {
-    if (bytes.starts_with(mark.bytes)) return {mark.encoding, mark.bytes.size()};
-  }
-  return {TextEncoding::utf8, 0};
+  if (bytes.starts_with("\xFE\xFF\0\0"sv)) return ByteOrderMark{TextEncoding::utf32LittleEndian, 4};
+  if (bytes.starts_with("\xFF\xFE"sv)) return ByteOrderMark{TextEncoding::utf16LittleEndian, 2};
+  return byteOrderMarkOf(bytes);
 }
 
 /// JSON begins with two ASCII characters or is shorter, so the zeros among the first bytes tell the
@@ -54,9 +37,9 @@ TextEncoding encodingFromZeros(std::string_view bytes) {
 }  // namespace
 
 JSONText::JSONText(std::string_view bytes) {
-  const Detected mark = encodingFromMark(bytes);
-  const TextEncoding encoding = mark.markLength > 0 ? mark.encoding : encodingFromZeros(bytes);
-  view_ = bytes.substr(mark.markLength);
+  const std::optional<ByteOrderMark> mark = markOf(bytes);
+  const TextEncoding encoding = mark ? mark->encoding : encodingFromZeros(bytes);
+  view_ = bytes.substr(mark ? mark->length : 0);
   if (encoding == TextEncoding::utf8) {
     if (!isValidUTF8(view_)) {
       throw DecodingError::dataCorrupted(

@@ -4,13 +4,13 @@
 #include <string>
 #include <system_error>
 
+#include "tavlen/foundation/text/Characters.h"
+
 namespace tavlen {
 
 namespace {
 
 constexpr std::string_view kScalars = "cislqCISLQfdDBvtT*#:?";
-
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
 /// The brackets that are open.
 class OpenBrackets {

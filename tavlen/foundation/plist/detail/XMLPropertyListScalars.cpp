@@ -6,6 +6,7 @@
 #include <cmath>
 #include <limits>
 
+#include "tavlen/foundation/text/Characters.h"
 #include "tavlen/foundation/text/NumberText.h"
 
 namespace tavlen {
@@ -20,14 +21,6 @@ using std::chrono::year_month_day;
 std::string_view withoutLeadingBlanks(std::string_view text) {
   const std::size_t start = text.find_first_not_of(" \t\r\n");
   return text.substr(start == std::string_view::npos ? text.size() : start);
-}
-
-std::string lowercased(std::string_view text) {
-  std::string lower(text);
-  for (char& c : lower) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
-  return lower;
 }
 
 /// The whole of `text` as a number, without a sign or blanks.
@@ -69,7 +62,7 @@ std::optional<double> realFromXML(std::string_view text) {
     magnitude = std::numeric_limits<double>::infinity();
   } else if (name == "nan") {
     magnitude = std::numeric_limits<double>::quiet_NaN();
-  } else if (name.starts_with('.') || (!name.empty() && name[0] >= '0' && name[0] <= '9')) {
+  } else if (name.starts_with('.') || (!name.empty() && isDigit(name[0]))) {
     magnitude = wholeNumber<double>(text);  // which alone would take "nan(1)" and a second sign
   }
   if (magnitude && isNegative) magnitude = -*magnitude;
@@ -93,7 +86,7 @@ std::optional<Date> dateFromXML(std::string_view text) {
     if (kPattern[i] != '0') {
       if (text[i] != kPattern[i]) return std::nullopt;
       ++field;
-    } else if (text[i] >= '0' && text[i] <= '9') {
+    } else if (isDigit(text[i])) {
       fields[field] = fields[field] * 10 + static_cast<unsigned>(text[i] - '0');
     } else {
       return std::nullopt;

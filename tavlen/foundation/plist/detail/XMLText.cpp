@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <array>
 #include <optional>
+#include <utility>
 
 #include "tavlen/foundation/plist/PropertyList.h"
+#include "tavlen/foundation/text/Characters.h"
 #include "tavlen/foundation/text/Unicode.h"
 
 namespace tavlen {
@@ -15,25 +17,23 @@ using namespace std::string_view_literals;
 
 constexpr std::string_view kBlanks = " \t\r\n";
 
-struct Sign {
-  std::string_view bytes;
-  TextEncoding encoding;
-  std::size_t markLength;
-};
-
-/// The longer of two that begin alike stands first. Those without a mark are the first character,
-/// '<', and the zeros of the second.
-constexpr std::array<Sign, 9> kSigns = {{
-    {"\xEF\xBB\xBF"sv, TextEncoding::utf8, 3},
-    {"\xFF\xFE\0\0"sv, TextEncoding::utf32LittleEndian, 4},
-    {"\0\0\xFE\xFF"sv, TextEncoding::utf32BigEndian, 4},
-    {"\xFF\xFE"sv, TextEncoding::utf16LittleEndian, 2},
-    {"\xFE\xFF"sv, TextEncoding::utf16BigEndian, 2},
-    {"<\0\0\0"sv, TextEncoding::utf32LittleEndian, 0},
-    {"\0\0\0<"sv, TextEncoding::utf32BigEndian, 0},
-    {"<\0"sv, TextEncoding::utf16LittleEndian, 0},
-    {"\0<"sv, TextEncoding::utf16BigEndian, 0},
+/// A text without a mark, in UTF-16 or UTF-32, begins with '<' and its zeros; the longer of two
+/// that begin alike stands first.
+constexpr std::array<std::pair<std::string_view, TextEncoding>, 4> kWideStarts = {{
+    {"<\0\0\0"sv, TextEncoding::utf32LittleEndian},
+    {"\0\0\0<"sv, TextEncoding::utf32BigEndian},
+    {"<\0"sv, TextEncoding::utf16LittleEndian},
+    {"\0<"sv, TextEncoding::utf16BigEndian},
 }};
+
+/// What tells the encoding, a mark or the zeros; nothing where it is left to the XML declaration.
+std::optional<ByteOrderMark> signOf(std::string_view bytes) {
+  if (const auto mark = byteOrderMarkOf(bytes)) return mark;
+  for (const auto& [start, encoding] : kWideStarts) {
+    if (bytes.starts_with(start)) return ByteOrderMark{encoding, 0};
+  }
+  return std::nullopt;
+}
 
 std::string_view takeUntil(std::string_view& text, std::string_view ends) {
   const std::size_t length = std::min(text.find_first_of(ends), text.size());
@@ -58,8 +58,7 @@ std::optional<std::string_view> takeValue(std::string_view& text) {
   text.remove_prefix(1);
   const std::string_view value = takeUntil(text, std::string_view(&quote, 1));
   const auto isPlain = [](char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '.' ||
-           c == '-' || c == '_';
+    return isLetter(c) || isDigit(c) || c == '.' || c == '-' || c == '_';
   };
   if (text.empty() || !std::all_of(value.begin(), value.end(), isPlain)) return std::nullopt;
   text.remove_prefix(1);
@@ -67,9 +66,7 @@ std::optional<std::string_view> takeValue(std::string_view& text) {
 }
 
 bool keepsASCII(std::string_view encoding) {
-  std::string name(encoding);
-  std::transform(name.begin(), name.end(), name.begin(),
-                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c; });
+  const std::string name = lowercased(encoding);
   return name == "utf-8" || name == "us-ascii" || name == "ascii" ||
          name.starts_with("iso-8859-") || name.starts_with("windows-125");
 }
@@ -88,12 +85,9 @@ bool declaresASCII(std::string_view text) {
 }  // namespace
 
 XMLText::XMLText(std::string_view bytes) : view_(bytes) {
-  const auto* sign = std::find_if(std::begin(kSigns), std::end(kSigns), [&](const Sign& candidate) {
-    return bytes.starts_with(candidate.bytes);
-  });
-  if (sign != std::end(kSigns)) {
+  if (const std::optional<ByteOrderMark> sign = signOf(bytes)) {
     isUTF8_ = true;
-    view_.remove_prefix(sign->markLength);
+    view_.remove_prefix(sign->length);
     if (sign->encoding != TextEncoding::utf8) {
       if (!convertToUTF8(view_, sign->encoding, converted_)) {
         throw invalidPropertyList("The text is malformed in its encoding.");

@@ -25,7 +25,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   require(split && split->arguments.size() == signature->numberOfArguments());
   std::string types = signature->methodReturnType();
   for (std::size_t i = 0; i < signature->numberOfArguments(); ++i) {
-    types += signature->argumentTypeAtIndex(i);
+    types += signature->getArgumentTypeAtIndex(i);
   }
   const auto again = encodedSignature(types);
   require(again != nullptr && again->description() == signature->description() &&

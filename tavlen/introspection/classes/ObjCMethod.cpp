@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "tavlen/introspection/classes/MethodSignature.h"
+#include "tavlen/foundation/objc/MethodSignature.h"
 #include "tavlen/introspection/types/JXType.h"
 
 namespace tavlen {

@@ -60,11 +60,11 @@ TEST(EncodedSignature, ReadsTypesWithoutTheirOffsets) {
     EXPECT_EQ(signature->frameLength(), 224U) << row.encoding;
     std::vector<std::string> arguments;
     for (std::size_t i = 0; i < signature->numberOfArguments(); ++i) {
-      arguments.push_back(signature->argumentTypeAtIndex(i));
+      arguments.push_back(signature->getArgumentTypeAtIndex(i));
     }
     EXPECT_EQ(arguments, row.arguments);
     for (const std::size_t past : {arguments.size(), arguments.size() + 1, ~std::size_t{0}}) {
-      EXPECT_THROW(signature->argumentTypeAtIndex(past), std::out_of_range);
+      EXPECT_THROW(signature->getArgumentTypeAtIndex(past), std::out_of_range);
     }
   }
   EXPECT_TRUE(encodedSignature("rVv@:")->isOneway());

@@ -35,10 +35,10 @@ std::set<std::string> loadedEncodings() {
   return encodings;
 }
 
-std::vector<std::string> typesOf(const SignatureObject& signature) {
+std::vector<std::string> typesOf(const MethodSignature& signature) {
   std::vector<std::string> types{signature.methodReturnType()};
   for (std::size_t i = 0; i < signature.numberOfArguments(); ++i) {
-    types.push_back(signature.argumentTypeAtIndex(i));
+    types.push_back(signature.getArgumentTypeAtIndex(i));
   }
   return types;
 }
@@ -60,7 +60,7 @@ TEST(PlatformSignature, AnswersWhatTheObjectDoes) {
   EXPECT_TRUE(signature->description().starts_with("<NSMethodSignature"))
       << signature->description();
   EXPECT_NE(signature->debugDescription(), "");
-  EXPECT_THROW(signature->argumentTypeAtIndex(4), std::out_of_range);
+  EXPECT_THROW(signature->getArgumentTypeAtIndex(4), std::out_of_range);
   EXPECT_EQ(platformSignature(""), nullptr);
   EXPECT_EQ(platformSignature("v@:\0@"sv), nullptr);
   // GNUstep's reader runs out of stack on each of these.
@@ -78,21 +78,21 @@ TEST(PlatformSignature, KeepsTheObjectThatItWraps) {
   const auto live = [] {
     return ObjCRuntime::send<int>(ObjCRuntime::classNamed("RuntimeProbe"), "live");
   };
-  std::shared_ptr<const SignatureObject> wrapper;
+  std::shared_ptr<const MethodSignature> wrapper;
   {
     const ObjCRuntime::AutoreleasePool pool;
     probe = ObjCRuntime::send(ObjCRuntime::classNamed("RuntimeProbe"), "probe");
-    wrapper = platformSignature(probe);
+    wrapper = MethodSignature::initWithSignature(probe);
   }
   EXPECT_EQ(live(), 1);
   // It is no signature, so it raises at every question.
   EXPECT_EQ(wrapper->numberOfArguments(), 0U);
   EXPECT_EQ(wrapper->methodReturnType(), "");
   EXPECT_FALSE(wrapper->isOneway());
-  EXPECT_THROW(wrapper->argumentTypeAtIndex(0), std::out_of_range);
+  EXPECT_THROW(wrapper->getArgumentTypeAtIndex(0), std::out_of_range);
   wrapper.reset();
   EXPECT_EQ(live(), 0);
-  EXPECT_EQ(platformSignature(static_cast<objc_object*>(nullptr)), nullptr);
+  EXPECT_EQ(MethodSignature::initWithSignature(nullptr), nullptr);
 }
 
 TEST(PlatformSignature, AgreesWithOurReading) {

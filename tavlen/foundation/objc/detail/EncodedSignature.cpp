@@ -13,7 +13,7 @@ namespace tavlen {
 
 namespace {
 
-class EncodedSignature : public SignatureObject {
+class EncodedSignature : public MethodSignature {
  public:
   explicit EncodedSignature(std::string_view encoding) : encoding_(encoding) {}
 
@@ -35,7 +35,7 @@ class EncodedSignature : public SignatureObject {
     return TypeScanner(types_.result).skipQualifiers().find('V') != std::string_view::npos;
   }
   std::size_t methodReturnLength() const override { return returnLength_; }
-  std::string argumentTypeAtIndex(std::size_t index) const override {
+  std::string getArgumentTypeAtIndex(std::size_t index) const override {
     if (index >= types_.arguments.size()) {
       throw std::out_of_range("the method has no argument " + std::to_string(index));
     }
@@ -65,7 +65,7 @@ class EncodedSignature : public SignatureObject {
 
 }  // namespace
 
-std::shared_ptr<const SignatureObject> encodedSignature(std::string_view encoding) {
+std::shared_ptr<const MethodSignature> encodedSignature(std::string_view encoding) {
   const auto signature = std::make_shared<EncodedSignature>(encoding);
   if (!signature->read()) return nullptr;
   return signature;

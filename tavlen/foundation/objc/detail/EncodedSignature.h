@@ -3,7 +3,7 @@
 #include <memory>
 #include <string_view>
 
-#include "tavlen/foundation/objc/SignatureObject.h"
+#include "tavlen/foundation/objc/MethodSignature.h"
 
 namespace tavlen {
 
@@ -15,6 +15,6 @@ namespace tavlen {
 /// the registers. What it reports beyond that is not known.
 ///
 /// Work and memory are linear in the encoding's length.
-std::shared_ptr<const SignatureObject> encodedSignature(std::string_view encoding);
+std::shared_ptr<const MethodSignature> encodedSignature(std::string_view encoding);
 
 }  // namespace tavlen

@@ -32,7 +32,7 @@ bool isShallow(std::string_view encoding) {
   return true;
 }
 
-class PlatformSignature : public SignatureObject {
+class PlatformSignature : public MethodSignature {
  public:
   /// Takes over a reference that its caller retained.
   explicit PlatformSignature(id signature) : signature_(signature) {}
@@ -51,7 +51,7 @@ class PlatformSignature : public SignatureObject {
   std::size_t methodReturnLength() const override {
     return answer<unsigned long>("methodReturnLength");
   }
-  std::string argumentTypeAtIndex(std::size_t index) const override {
+  std::string getArgumentTypeAtIndex(std::size_t index) const override {
     if (index >= numberOfArguments()) {
       throw std::out_of_range("the method has no argument " + std::to_string(index));
     }
@@ -101,11 +101,11 @@ class PlatformSignature : public SignatureObject {
 
 }  // namespace
 
-std::shared_ptr<const SignatureObject> platformSignature(std::string_view encoding) {
+std::shared_ptr<const MethodSignature> platformSignature(std::string_view encoding) {
   // The platform reads up to the first NUL and would take the rest for nothing.
   if (encoding.find('\0') != std::string_view::npos || !isShallow(encoding)) return nullptr;
   const std::string types(encoding);
-  std::shared_ptr<const SignatureObject> signature;
+  std::shared_ptr<const MethodSignature> signature;
   const AutoreleasePool pool;
   runGuarded([&] {
     signature = platformSignature(
@@ -114,7 +114,7 @@ std::shared_ptr<const SignatureObject> platformSignature(std::string_view encodi
   return signature;
 }
 
-std::shared_ptr<const SignatureObject> platformSignature(objc_object* signature) {
+std::shared_ptr<const MethodSignature> platformSignature(objc_object* signature) {
   id retained = nullptr;
   runGuarded([&] { retained = send(signature, "retain"); });
   if (retained == nullptr) return nullptr;

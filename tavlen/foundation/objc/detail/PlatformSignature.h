@@ -3,7 +3,7 @@
 #include <memory>
 #include <string_view>
 
-#include "tavlen/foundation/objc/SignatureObject.h"
+#include "tavlen/foundation/objc/MethodSignature.h"
 
 struct objc_object;
 
@@ -14,9 +14,9 @@ namespace tavlen {
 
 /// Null for an encoding from which the platform makes none, for one that nests so deep that the
 /// platform is not asked, and where there is no such class.
-std::shared_ptr<const SignatureObject> platformSignature(std::string_view encoding);
+std::shared_ptr<const MethodSignature> platformSignature(std::string_view encoding);
 
 /// Wraps `signature`, which is retained. Null for nil.
-std::shared_ptr<const SignatureObject> platformSignature(objc_object* signature);
+std::shared_ptr<const MethodSignature> platformSignature(objc_object* signature);
 
 }  // namespace tavlen

@@ -33,7 +33,7 @@ struct OverrideOfKind {
   static OverrideOfKind withInfo(const Info& info) { return {Kind::currentValue(info)}; }
 
   static constexpr auto codedFields() {
-    if constexpr (requires(Value value) { value.has_value(); }) {
+    if constexpr (requires(Value held) { held.has_value(); }) {
       return std::tuple{optionalField("value", &OverrideOfKind::value)};
     } else {
       return std::tuple{requiredField("value", &OverrideOfKind::value)};

@@ -17,7 +17,9 @@ class CasedError : public LocalizedError {
  public:
   using Case = ErrorCase;
 
+  /// What is wrong.
   Case which() const { return case_; }
+  /// Whether case and payload are equal; texts follow from the case.
   bool operator==(const CasedError& other) const {
     return case_ == other.case_ && payload() == other.payload();
   }

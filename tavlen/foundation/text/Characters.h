@@ -5,14 +5,16 @@
 
 namespace tavlen {
 
-/// What the library asks of single bytes of a text. Unlike the C library's functions, these know
-/// ASCII alone, whatever the locale, and take any byte.
+// Unlike the C library's functions, these know ASCII alone, whatever the locale, and take any byte.
 
+/// Whether `c` is one of 0 to 9.
 constexpr bool isDigit(char c) { return c >= '0' && c <= '9'; }
+/// Whether `c` is a letter of ASCII, of either case.
 constexpr bool isLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
+/// The small letter of a capital one; other bytes stay.
 constexpr char lowercased(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c; }
 
-/// `text` with its ASCII letters in lower case; other bytes stay.
+/// `text` with lowercased() applied to each byte.
 inline std::string lowercased(std::string_view text) {
   std::string result(text);
   for (char& c : result) c = lowercased(c);

@@ -6,6 +6,7 @@
 
 #include <csignal>
 #include <string_view>
+#include <utility>
 
 #include "tavlen/foundation/files/FileSystem.h"
 
@@ -28,6 +29,25 @@ std::vector<char*> childEnvironment(std::vector<std::string>& further) {
   for (std::string& variable : further) environment.push_back(variable.data());
   environment.push_back(nullptr);
   return environment;
+}
+
+std::vector<std::string> wordsOf(const std::string& line) {
+  std::vector<std::string> words;
+  bool isQuoted = false;
+  bool isInWord = false;
+  for (const char c : line) {
+    if (c == ' ' && !isQuoted) {
+      isInWord = false;
+      continue;
+    }
+    if (!std::exchange(isInWord, true)) words.emplace_back();
+    if (c == '\'') {
+      isQuoted = !isQuoted;
+    } else {
+      words.back() += c;
+    }
+  }
+  return words;
 }
 
 }  // namespace
@@ -54,8 +74,10 @@ pid_t startCommand(std::vector<std::string> arguments, const std::vector<char*>&
   return child;
 }
 
-CommandTest::Result CommandTest::run(const std::vector<std::string>& arguments,
+CommandTest::Result CommandTest::run(const std::string& line, const std::vector<std::string>& more,
                                      const std::string& output) const {
+  std::vector<std::string> words = wordsOf(line);
+  words.insert(words.end(), more.begin(), more.end());
   const std::string out = output.empty() ? (outputs_.path() / "out").string() : output;
   const std::string err = (outputs_.path() / "err").string();
   posix_spawn_file_actions_t actions;
@@ -65,12 +87,26 @@ CommandTest::Result CommandTest::run(const std::vector<std::string>& arguments,
   posix_spawn_file_actions_addopen(&actions, 2, err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
   posix_spawn_file_actions_addchdir_np(&actions, folder().c_str());
   std::vector<std::string> further = environment_;
-  const pid_t child = startCommand(arguments, childEnvironment(further), actions);
+  const pid_t child = startCommand(std::move(words), childEnvironment(further), actions);
   posix_spawn_file_actions_destroy(&actions);
   int status = 0;
   if (child > 0) waitpid(child, &status, 0);
   return {WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status),
           output.empty() ? readFile(out) : "", readFile(err)};
+}
+
+void CommandTest::expectRefused(const std::string& start,
+                                const std::vector<Refusal>& refusals) const {
+  for (const auto& [line, status, error] : refusals) {
+    SCOPED_TRACE(line);
+    const Result result = run(start + " " + line);
+    EXPECT_EQ(result.status, status);
+    EXPECT_EQ(result.out, "");
+    const bool isWhole = error.ends_with('\n');
+    std::string expected = (status == 1 ? "tavlen: error: " : "") + error;
+    if (isWhole && status == 2) expected += "Run with --help for more information.\n";
+    EXPECT_EQ(isWhole ? result.err : result.err.substr(0, expected.size()), expected);
+  }
 }
 
 void CommandTest::writeTweak(const std::string& name, const std::string& hooks,

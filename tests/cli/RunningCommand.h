@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <poll.h>
+#include <pty.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -24,9 +25,14 @@ inline constexpr std::chrono::seconds kLimit(30);
 /// A running command, whose lines are read as they come.
 class RunningCommand {
  public:
-  RunningCommand(std::vector<std::string> words, std::vector<std::string> variables) {
+  /// It prints to a terminal of so many columns, or to a pipe where that is 0.
+  RunningCommand(std::vector<std::string> words, std::vector<std::string> variables,
+                 unsigned short columns = 0) {
     std::array<int, 2> pipe{};
-    EXPECT_EQ(::pipe2(pipe.data(), O_CLOEXEC), 0);
+    const winsize size{24, columns, 0, 0};
+    EXPECT_EQ(columns > 0 ? ::openpty(pipe.data(), &pipe[1], nullptr, nullptr, &size)
+                          : ::pipe2(pipe.data(), O_CLOEXEC),
+              0);
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_adddup2(&actions, pipe[1], 1);
@@ -53,10 +59,10 @@ class RunningCommand {
     }
   }
 
-  /// The next line that it prints, to either stream; what it has of one when the time is over.
-  std::string line() {
+  /// What it prints, to either stream, until the next `end`; what it has when the time is over.
+  std::string until(char end = '\n') {
     const std::chrono::steady_clock::time_point last = std::chrono::steady_clock::now() + kLimit;
-    while (text_.find('\n') == std::string::npos && std::chrono::steady_clock::now() < last) {
+    while (text_.find(end) == std::string::npos && std::chrono::steady_clock::now() < last) {
       pollfd output = {output_, POLLIN, 0};
       if (::poll(&output, 1, 1000) <= 0) continue;
       std::array<char, 4096> bytes;
@@ -64,10 +70,10 @@ class RunningCommand {
       if (size <= 0) break;
       text_.append(bytes.data(), static_cast<std::size_t>(size));
     }
-    const std::size_t end = std::min(text_.find('\n'), text_.size());
-    const std::string line = text_.substr(0, end);
-    text_.erase(0, end + 1);
-    return line;
+    const std::size_t size = std::min(text_.find(end), text_.size());
+    const std::string found = text_.substr(0, size);
+    text_.erase(0, size + 1);
+    return found;
   }
   void closeOutput() {
     if (output_ >= 0) ::close(std::exchange(output_, -1));

@@ -53,16 +53,6 @@ TEST(FaultInjectorTest, SeesAndFailsTheCallsOfOtherLibraries) {
   }
 }
 
-std::vector<Operation> allOperations() {
-  std::vector<Operation> operations;
-  for (const auto& some :
-       {tweakOperations, hookOperations, collectionOperations, installOperations}) {
-    const std::vector<Operation> part = some();
-    operations.insert(operations.end(), part.begin(), part.end());
-  }
-  return operations;
-}
-
 class FaultTest : public testing::TestWithParam<Operation> {};
 
 TEST_P(FaultTest, LeavesTheOldDocumentsOrTheNewOnes) {
@@ -71,8 +61,9 @@ TEST_P(FaultTest, LeavesTheOldDocumentsOrTheNewOnes) {
   if (!HasFatalFailure()) loop.runAll();
 }
 
-INSTANTIATE_TEST_SUITE_P(Store, FaultTest, testing::ValuesIn(allOperations()),
-                         [](const auto& test) { return test.param.name; });
+constexpr auto kName = [](const auto& test) { return test.param.name; };
+INSTANTIATE_TEST_SUITE_P(Store, FaultTest, testing::ValuesIn(storeOperations()), kName);
+INSTANTIATE_TEST_SUITE_P(Installation, FaultTest, testing::ValuesIn(installOperations()), kName);
 
 }  // namespace
 }  // namespace tavlen::faults

@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <utility>
 #include <variant>
@@ -21,13 +22,20 @@
 
 namespace tavlen {
 
-/// The name of a diff's mode.
+/// The name of a diff's mode, and the selectors of its hooks: "updateHook a".
 inline std::string nameOf(const TweakDiffProtocol& diff) {
   static constexpr const char* kTweakModes[] = {
       "updateHook", "addHooks", "create", "updateManifest", "updateIcon", "deleteHook", "delete"};
   static constexpr const char* kCollectionModes[] = {"create", "updateManifest", "delete"};
   if (const auto* tweak = dynamic_cast<const TweakFile::Diff*>(&diff)) {
-    return kTweakModes[tweak->mode.index()];
+    std::string text = kTweakModes[tweak->mode.index()];
+    using Mode = TweakFile::Diff;
+    if (const auto* update = std::get_if<Mode::UpdateHook>(&tweak->mode)) {
+      text += " " + update->hook.selector;
+    } else if (const auto* added = std::get_if<Mode::AddHooks>(&tweak->mode)) {
+      for (const Hook& hook : added->hooks) text += " " + hook.selector;
+    }
+    return text;
   }
   const auto& collection = dynamic_cast<const TweakCollection::Diff&>(diff);
   return std::string("collection ") + kCollectionModes[static_cast<int>(collection.mode)];
@@ -58,7 +66,10 @@ class StoreTest : public testing::Test {
   }
 
   /// The diffs since the last call, as their modes' names; a list of several in brackets.
-  std::vector<std::string> announced() { return std::exchange(announced_, {}); }
+  std::vector<std::string> announced() {
+    const std::lock_guard lock(lock_);
+    return std::exchange(announced_, {});
+  }
 
   /// How many entries the store's folder has, hidden ones too.
   static std::ptrdiff_t storedEntries() {
@@ -80,11 +91,13 @@ class StoreTest : public testing::Test {
     for (const TweakDiff& diff : diffs) {
       text += (text.empty() ? "" : ", ") + (diff != nullptr ? nameOf(*diff) : "null");
     }
+    const std::lock_guard lock(lock_);
     announced_.push_back(diffs.size() == 1 ? text : "[" + text + "]");
   }
 
   NotificationCenter::Token token_{};
-  std::vector<std::string> announced_;
+  std::mutex lock_;
+  std::vector<std::string> announced_;  ///< guarded by lock_
 };
 
 }  // namespace tavlen

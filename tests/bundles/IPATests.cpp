@@ -12,7 +12,6 @@
 #include <thread>
 #include <vector>
 
-#include "tavlen/bundles/InstallableTweak.h"
 #include "tavlen/device/DevicePaths.h"
 #include "tavlen/device/DeviceRoot.h"
 #include "tavlen/device/InstalledRecords.h"
@@ -23,6 +22,7 @@
 #include "tavlen/foundation/tasks/NotificationPoster.h"
 #include "tests/support/AppPlist.h"
 #include "tests/support/MachOFile.h"
+#include "tests/support/SamplePackage.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/Thrown.h"
 
@@ -183,29 +183,6 @@ TEST_F(IPATest, TellsTheActiveTweak) {
   EXPECT_EQ(ipa->activeTweakID(), std::nullopt);
 }
 
-/// A tweak whose package is one folder, with an icon where it has one.
-class SampleTweak : public InstallableTweak {
- public:
-  explicit SampleTweak(std::string id, std::string icon = "")
-      : id_(std::move(id)), icon_(std::move(icon)) {}
-
-  std::string id() const override { return id_; }
-  void package(const fs::path& directory, TweakInfo& tweakInfo) const override {
-    if (id_ == "broken") throw std::runtime_error("does not build");
-    const std::string name = id_ + ".bundle";
-    fs::create_directory(directory / name);
-    std::ofstream(directory / name / "code.js") << "code of " << id_;
-    if (icon_.empty()) return;
-    std::ofstream(directory / name / "Icon.png") << icon_;
-    tweakInfo.customIconURL = URL::fileURL(std::string(kInstalledTweaksDir) + "/" +
-                                           *tweakInfo.bundleID + "/" + name + "/Icon.png");
-  }
-
- private:
-  std::string id_;
-  std::string icon_;
-};
-
 TEST_F(IPATest, InstallsReplacesAndClearsATweak) {
   const auto ipa = IPA::withAppDir(appDir());
   const std::string cleanup =
@@ -228,7 +205,7 @@ TEST_F(IPATest, InstallsReplacesAndClearsATweak) {
                // The same bytes elsewhere change nothing that the home screen shows.
                {"T4", "another icon", cleanup + " 1\n"}};
   for (const auto& [id, icon, expected] : steps) {
-    const SampleTweak tweak(id, icon);
+    const SamplePackage tweak(id, icon);
     ipa->setActiveTweak(&tweak);
     EXPECT_EQ(calls(), expected) << id;
     EXPECT_EQ(ipa->activeTweakID(), id);
@@ -250,11 +227,11 @@ TEST_F(IPATest, InstallsReplacesAndClearsATweak) {
 
 TEST_F(IPATest, AFailedInstallationLeavesTheOldOneOrNoRecord) {
   const auto ipa = IPA::withAppDir(appDir());
-  const SampleTweak old("T1");
-  const SampleTweak next("T2");
+  const SamplePackage old("T1");
+  const SamplePackage next("T2");
   ipa->setActiveTweak(&old);
 
-  const SampleTweak broken("broken");
+  const SamplePackage broken("broken");
   EXPECT_THROW(ipa->setActiveTweak(&broken), std::runtime_error);
   EXPECT_EQ(ipa->activeTweakID(), "T1");
 
@@ -278,7 +255,7 @@ TEST_F(IPATest, NeverInstallsOutsideTheTree) {
   outside.write("com.example.notes/kept", "kept");
   fs::create_directories(installed().parent_path().parent_path());
   fs::create_symlink(outside.path(), installed().parent_path());
-  const SampleTweak tweak("T1");
+  const SamplePackage tweak("T1");
   IPA::withAppDir(appDir())->setActiveTweak(&tweak);
   // As on the device, the link leads to a folder of its own tree.
   EXPECT_TRUE(fs::exists(tree_.path() / outside.path().relative_path() / "com.example.notes"));
@@ -307,7 +284,7 @@ TEST_F(IPATest, WhatItMayNotWriteGoesThroughTheHelper) {
   fs::permissions(tree_.path(), fs::perms(0755));
   const auto install = [&] {
     if (::setgid(65534) != 0 || ::setuid(65534) != 0) ::_exit(2);
-    const SampleTweak tweak("T1");
+    const SamplePackage tweak("T1");
     IPA::withAppDir(appDir())->setActiveTweak(&tweak);
     ::_exit(0);
   };

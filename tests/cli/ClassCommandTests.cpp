@@ -37,7 +37,7 @@ class ClassCommandTest : public CommandTest {
           "<key>launchOptions</key><string>" +
               (folder() / "launched").string() + "</string><key>programs</key><dict>" + programs +
               "</dict></dict></plist>");
-    return {"LD_PRELOAD=" + paths().standInsLibrary, "LC_ALL=C",
+    return {"LD_PRELOAD=" + paths().standInsLibrary,
             "TAVLEN_STAND_INS=" + (folder() / "script.plist").string(),
             "TAVLEN_ROOT=" + folder().string()};
   }

@@ -1,8 +1,9 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <spawn.h>
+#include <sys/types.h>
 
+#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -12,10 +13,11 @@
 
 namespace tavlen {
 
-/// Starts the command with nothing ignored or blocked of the signals that end a program: the tests
-/// may run in the background of a script, or under nohup. `environment` ends with a null.
-pid_t startCommand(std::vector<std::string> arguments, const std::vector<char*>& environment,
-                   const posix_spawn_file_actions_t& actions);
+/// Starts the command in an environment of `variables` and the locale "C", with nothing ignored or
+/// blocked of the signals that end a program: the tests may run in the background of a script, or
+/// under nohup. `prepare` is called in the new process.
+pid_t startCommand(std::vector<std::string> words, std::vector<std::string> variables,
+                   const std::function<void()>& prepare);
 
 /// Runs the command in a temporary folder, and makes tweaks there.
 class CommandTest : public testing::Test {

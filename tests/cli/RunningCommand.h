@@ -33,19 +33,10 @@ class RunningCommand {
     EXPECT_EQ(columns > 0 ? ::openpty(pipe.data(), &pipe[1], nullptr, nullptr, &size)
                           : ::pipe2(pipe.data(), O_CLOEXEC),
               0);
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, pipe[1], 1);
-    posix_spawn_file_actions_adddup2(&actions, pipe[1], 2);
-    std::vector<char*> environment;
-    for (std::string& variable : variables) environment.push_back(variable.data());
-    // What the sanitizers are to overlook stands there; of equal names the first counts.
-    for (char** variable = environ; *variable != nullptr; ++variable) {
-      environment.push_back(*variable);
-    }
-    environment.push_back(nullptr);
-    child_ = startCommand(std::move(words), environment, actions);
-    posix_spawn_file_actions_destroy(&actions);
+    child_ = startCommand(std::move(words), std::move(variables), [&] {
+      ::dup2(pipe[1], 1);
+      ::dup2(pipe[1], 2);
+    });
     ::close(pipe[1]);
     output_ = pipe[0];
   }

@@ -30,7 +30,7 @@ class WatchCommandTest : public CommandStoreTest {
   std::unique_ptr<RunningCommand> watch(const std::vector<std::string>& options = {}) const {
     std::vector<std::string> words = {"watch", "--root", (folder() / "tree").string()};
     words.insert(words.end(), options.begin(), options.end());
-    auto command = std::make_unique<RunningCommand>(words, std::vector<std::string>{"LC_ALL=C"});
+    auto command = std::make_unique<RunningCommand>(words, std::vector<std::string>());
     const std::string first = command->until();
     EXPECT_TRUE(first.starts_with("tavlen: watching ")) << first;
     return command;

@@ -30,7 +30,7 @@ TEST_F(TweakCollectionPackagingTest, EachMemberThatOpensIsPackaged) {
   tree().write(tweak("D", "d") + "Icon.png", icon(2));
   tree().write(tweak("E", "never") + "Icon.png", icon(3));
   package(R"("GONE","B","../../x","C.collection","D","A")");
-  std::set<std::string> codes;
+  std::multiset<std::string> codes;
   for (const auto& entry : fs::directory_iterator(directory())) {
     codes.insert(readFile(entry.path() / "code.js"));
   }

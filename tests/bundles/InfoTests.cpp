@@ -38,19 +38,15 @@ std::string errorOf(const std::string& bytes) {
 }
 
 TEST(Info, namesAndVersionFallBack) {
-  const std::string bundleName = text("CFBundleName", "A");
-  const std::string displayName = text("CFBundleDisplayName", "B");
   const struct {
     std::string more;
     const char* name;
     const char* bundleName;
-  } rows[] = {
-      {bundleName, "A", "A"},
-      {displayName, "B", "B"},
-      {bundleName + displayName, "B", "A"},
-      {"", "exe", "exe"},
-      {text("CFBundleName", "") + displayName, "B", ""},  // empty is present
-  };
+  } rows[] = {{text("CFBundleName", "A"), "A", "A"},
+              {text("CFBundleDisplayName", "B"), "B", "B"},
+              {text("CFBundleName", "A") + text("CFBundleDisplayName", "B"), "B", "A"},
+              {"", "exe", "exe"},
+              {text("CFBundleName", ""), "", ""}};  // empty is present
   for (const auto& row : rows) {
     Info info = decoded(row.more);
     EXPECT_EQ(info.name(), row.name);
@@ -61,8 +57,8 @@ TEST(Info, namesAndVersionFallBack) {
     info.setName("C");
     EXPECT_EQ(info._name, "C");
     EXPECT_EQ(info._bundleName, before._bundleName);
-    info.setBundleName(row.bundleName);
-    EXPECT_EQ(info._bundleName, row.bundleName);
+    info.setBundleName("D");
+    EXPECT_EQ(info._bundleName, "D");
   }
   Info info = decoded("");
   EXPECT_EQ(info.version(), "42");

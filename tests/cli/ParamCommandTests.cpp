@@ -105,35 +105,24 @@ TEST_F(ParamCommandTest, MalformedArgumentsAreWrongUsage) {
   std::string deep = "0";
   for (int i = 0; i < 600; ++i) deep += ".0";
   refusals.push_back({"get T X " + deep, 2, "ADDRESS: 0.0"});
-  const std::pair<std::string, std::string> values[] = {
-      {"nil:", "a value that begins with"},
-      {"text", "a value that begins with"},
-      {"int", "a value that begins with"},
-      {"bool:yes", "true or false"},
-      {"int:1.5", "a whole number"},
-      {"int:9223372036854775808", "a whole number"},
-      {"uint:-1", "a whole number from 0"},
-      {"double:", "a finite number"},
-      {"double:inf", "a finite number"},
-      {"double:1e999", "a finite number"},
-      {"double:1 ", "a finite number"},
-      {"url:", "a URL"},
-      {"date:2026-02-29T12:00:00Z", "a date such as"},
-      {"date:2026-01-31T12:00:00", "a date such as"},
-      {"date:2026-01-31T12:00:00.Z", "a date such as"},
-      {"date:2026-01-31T24:00:00Z", "a date such as"},
-      {"date:2026-01-31T12:00:00ZZ", "a date such as"},
-      {"color:#ff00", "a color such as"},
-      {"color:#ff00zz", "a color such as"},
-      {"color:#-1-1-1", "a color such as"},
-      {"class:", "a class's name"},
-      {"data:", "the path of a file"},
-      {"image:a/..", "the path of a file"},
-      {"json:", "a parameter as manifests hold it"},
-      {R"(json:{"type":"X"})", "a parameter as manifests hold it: type: unknown kind"}};
-  for (const auto& [value, expected] : values) {
-    refusals.push_back(
-        {"set T X -1 '" + value + "'", 2, "VALUE: " + value + ": expected " + expected});
+  const std::pair<std::string, std::vector<std::string>> values[] = {
+      {"a value that begins with", {"nil:", "text", "int"}},
+      {"true or false", {"bool:yes"}},
+      {"a whole number", {"int:1.5", "int:9223372036854775808", "uint:-1"}},
+      {"a finite number", {"double:", "double:inf", "double:1e999", "double:1 "}},
+      {"a URL", {"url:"}},
+      {"a date such as",
+       {"date:2026-02-29T12:00:00Z", "date:2026-01-31T12:00:00", "date:2026-01-31T12:00:00.Z",
+        "date:2026-01-31T24:00:00Z", "date:2026-01-31T12:00:00ZZ"}},
+      {"a color such as", {"color:#ff00", "color:#ff00zz", "color:#-1-1-1"}},
+      {"a class's name", {"class:"}},
+      {"the path of a file", {"data:", "image:a/.."}},
+      {"a parameter as manifests hold it", {"json:", R"(json:{"type":"X"})"}}};
+  for (const auto& [expected, wrong] : values) {
+    for (const std::string& value : wrong) {
+      refusals.push_back(
+          {"set T X -1 '" + value + "'", 2, "VALUE: " + value + ": expected " + expected});
+    }
   }
   refusals.push_back({"set T X -1 string:\xFF", 2, "VALUE: string:\uFFFD: expected UTF-8"});
   expectRefused("param", refusals);

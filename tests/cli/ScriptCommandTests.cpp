@@ -1,15 +1,11 @@
 #include <gmock/gmock.h>
 
-#include <csignal>
-
 #include "tests/cli/CommandStoreTest.h"
-#include "tests/tools/FileSizeLimit.h"
 
 namespace tavlen {
 namespace {
 
 namespace fs = std::filesystem;
-using testing::HasSubstr;
 using testing::StartsWith;
 
 TEST_F(CommandStoreTest, AScriptIsStoredWholeOrNotAtAll) {
@@ -27,16 +23,6 @@ TEST_F(CommandStoreTest, AScriptIsStoredWholeOrNotAtAll) {
                                  {"-", 1, "standard input: is not UTF-8\n"},
                                  {".", 1, ".: Is a directory\n"},
                                  {"gone", 1, "gone: No such file or directory\n"}});
-  write("large", std::string(100'000, 'x'));
-  {
-    const FileSizeLimit limit(50'000);
-    // Ignored, it leaves the command with the call's error, as a full disk does.
-    std::signal(SIGXFSZ, SIG_IGN);
-    const Result full = run("script set T large");
-    std::signal(SIGXFSZ, SIG_DFL);
-    EXPECT_EQ(full.status, 1);
-    EXPECT_THAT(full.err, HasSubstr("script.objs: File too large"));
-  }
   EXPECT_EQ(contents(script), contents("new"));
   fs::remove(folder() / script);
   fs::create_directory(folder() / script);

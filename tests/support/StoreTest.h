@@ -41,7 +41,9 @@ inline std::string nameOf(const TweakDiffProtocol& diff) {
   return std::string("collection ") + kCollectionModes[static_cast<int>(collection.mode)];
 }
 
-/// A device tree of the test's own with an empty store. Notes what is announced.
+/// A device tree with an empty store. Notes what is announced.
+///
+/// The tree is that of the process, as the shared app list is, and is empty for every test.
 class StoreTest : public testing::Test {
  protected:
   static constexpr const char* kTweakManifest =
@@ -49,6 +51,9 @@ class StoreTest : public testing::Test {
 
   StoreTest() {
     DeviceRoot::setShared(DeviceRoot(root_.path()));
+    for (const auto& entry : std::filesystem::directory_iterator(root_.path())) {
+      removeItem(entry.path());
+    }
     token_ = NotificationCenter::default_().addObserver(
         std::string(kTweaksDidUpdateNotification), nullptr,
         [this](const Notification& notification) { note(notification); });
@@ -82,7 +87,12 @@ class StoreTest : public testing::Test {
     return std::filesystem::exists(TweaksDirectory::url().parent_path() / ".TemporaryItems");
   }
 
-  TemporaryFolder root_;
+  static const TemporaryFolder& tree() {
+    static const TemporaryFolder folder;
+    return folder;
+  }
+
+  const TemporaryFolder& root_ = tree();
 
  private:
   void note(const Notification& notification) {

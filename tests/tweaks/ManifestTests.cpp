@@ -72,54 +72,39 @@ TEST(Manifest, ExamplesAreReadAndWrittenByteForByte) {
 
 TEST(Manifest, SaysWhatIsWrongAndWhere) {
   const auto hookWith = [](const std::string& args) {
-    return R"({"className":"A","selector":"a","signature":"v","isClassMethod":false,"args":)" +
-           args + "}";
+    return document(
+        R"({"className":"A","selector":"a","signature":"v","isClassMethod":false,"args":)" + args +
+        "}");
   };
-  const std::string configuration = R"({"configuration":{"name":"N","color":"darkRed",)";
-  const std::string rest = R"(},"overrides":[],"hooks":[]})";
+  const auto colored = [](const std::string& color) {
+    return R"({"configuration":{"name":"N","color":)" + color +
+           R"(,"bundleID":""},"overrides":[],"hooks":[]})";
+  };
   const std::pair<std::string, std::string> cases[] = {
-      {document(kHookA + ",null,null," + hookWith(R"({"-1":{"type":"Foo"}})")),
-       R"(hooks[3].args.-1.type: unknown kind "Foo")"},
-      {document(hookWith(R"({"0":{"type":"Array","items":[{"type":"Image"}]}})")),
+      {document(kHookA + R"(,null,null,{"selector":"b"})"), R"(hooks[3]: missing key "className")"},
+      {hookWith(R"({"-1":{"type":"Foo"}})"), R"(hooks[0].args.-1.type: unknown kind "Foo")"},
+      {hookWith(R"({"0":{"type":"Array","items":[{"type":"Image"}]}})"),
        R"(hooks[0].args.0.items[0]: missing key "filename")"},
-      {document(hookWith(R"({"1.5":{"type":"Nil"}})")),
+      {hookWith(R"({"1.5":{"type":"Nil"}})"),
        "hooks[0].args.1.5: expected a whole number as the key, found \"1.5\""},
-      {document(hookWith(R"({"99999999999999999999":{"type":"Nil"}})")),
-       "hooks[0].args.99999999999999999999: expected a whole number as the key, found "
-       "\"99999999999999999999\""},
-      {document(hookWith(R"({"0":{"type":"_ValueParameter<Int64>","value":9223372036854775808}})")),
+      {hookWith(R"({"0":{"type":"_ValueParameter<Int64>","value":9223372036854775808}})"),
        "hooks[0].args.0.value: number 9223372036854775808 does not fit a signed 64-bit integer"},
-      {document(hookWith("7")), "hooks[0].args: expected a dictionary, found a number"},
-      {document(hookWith(R"({"1":null})")), "hooks[0].args.1: expected a dictionary, found null"},
-      {document(R"({"selector":"b"})"), R"(hooks[0]: missing key "className")"},
+      {hookWith(R"({"1":null})"), "hooks[0].args.1: expected a dictionary, found null"},
+      {hookWith("7"), "hooks[0].args: expected a dictionary, found a number"},
       {document("", R"(,"glyph":"tools")"),
        "configuration.glyph: expected a dictionary, found a string"},
       {document("", "", "null"), "overrides[0]: expected a dictionary, found null"},
       {document("", "", R"({"type":"Icon","value":""})"),
        R"(overrides[0].type: unknown kind "Icon")"},
-      {configuration + R"("bundleID":null)" + rest,
-       "configuration.bundleID: expected a string, found null"},
-      {configuration + R"("bundleID":"a\ud800b")" + rest, ""},
-      {configuration + "\"bundleID\":\"a\xFF\"" + rest, ""},
-      {configuration + R"("other":1)" + rest, R"(configuration: missing key "bundleID")"},
-      {R"({"configuration":{"name":"N","color":"darkBlue","bundleID":""})" + rest.substr(1),
-       R"(configuration.color: unknown color "darkBlue")"},
-      {R"({"configuration":{"name":"N","color":"lightgreen","bundleID":""})" + rest.substr(1),
-       R"(configuration.color: unknown color "lightgreen")"},
-      {R"({"configuration":{"name":"N","color":3,"bundleID":""})" + rest.substr(1),
-       "configuration.color: expected a string, found a number"},
+      {colored(R"("darkBlue")"), R"(configuration.color: unknown color "darkBlue")"},
+      {colored("3"), "configuration.color: expected a string, found a number"},
+      {R"({"configuration":{"name":"N","color":"darkRed"}})",
+       R"(configuration: missing key "bundleID")"},
       {R"({"overrides":[],"hooks":[]})", R"(missing key "configuration")"},
-      {"[]", "expected a dictionary, found an array"},
-      {"", ""}};
+      {"[]", "expected a dictionary, found an array"}};
   for (const auto& [json, description] : cases) {
-    SCOPED_TRACE(json);
-    const auto error = thrown<DecodingError>([&json = json] { decodeJSON<Manifest>(json); });
-    ASSERT_TRUE(error);
-    if (description.empty()) {
-      EXPECT_EQ(error->which(), DecodingError::Case::dataCorrupted);
-    } else {
-      EXPECT_EQ(error->description(), description);
-    }
+    EXPECT_EQ(messageOf<DecodingError>([&json = json] { decodeJSON<Manifest>(json); }), description)
+        << json;
   }
 }
 

@@ -6,10 +6,8 @@
 #include <stdexcept>
 #include <thread>
 
-#include "tavlen/bundles/IPA.h"
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/items/TweakPoster.h"
-#include "tests/support/PackagingTest.h"
 #include "tests/support/StoreTest.h"
 #include "tests/support/Thrown.h"
 
@@ -253,36 +251,6 @@ TEST_F(TweakFileEditingTest, PayloadsAreCopiesWithoutTemporaryFiles) {
   fs::create_directories(root_.path() / "taken");
   EXPECT_THROW(tweak->preparePayloadIn(root_.path() / "taken"), std::system_error);
   EXPECT_TRUE(fs::is_empty(root_.path() / "taken"));
-}
-
-TEST_F(TweakFileEditingTest, TheTargetAppLendsItsIconAndValues) {
-  struct Listed : PackagingTest {
-    using PackagingTest::tree;
-  };
-  const fs::path info = Listed::tree().write(
-      "Applications/App.app/Info.plist",
-      appPlist("a.b", "x",
-               "<key>CFBundleVersion</key><string>1.7</string><key>CFBundleIconFile</key>"
-               "<string>Icon</string>"));
-  const Image green(1, 1, {0, 255, 0, 255});
-  Listed::tree().write("Applications/App.app/Icon.png", green.pngData());
-  const auto tweak = newTweak("A");
-  EXPECT_EQ(tweak->associatedIPA()->appDir(), info.parent_path());
-  EXPECT_EQ(tweak->displayedIcon(), green);
-  tweak->setCustomIcon(red());
-  EXPECT_EQ(tweak->displayedIcon(), red());
-  std::ofstream(tweak->url() / "Icon.png") << "no picture";
-  EXPECT_EQ(tweak->displayedIcon(), green);
-  for (const auto& [index, kind] : OverrideContainer::allByIndex()) {
-    if (kind.identifier == "Build") {
-      EXPECT_EQ(std::get<BuildOverride>(tweak->makeOverride(kind)).value, "1.7");
-    }
-  }
-  tweak->updateManifest([](auto& manifest) { manifest.configuration.bundleID = "not.there"; });
-  EXPECT_THROW(tweak->displayedIcon(), IPA::Error);
-  EXPECT_THROW(tweak->associatedIPA(), IPA::Error);
-  tweak->delete_();
-  EXPECT_FALSE(fs::exists(tweak->url())) << "there is nothing to uninstall it from";
 }
 
 }  // namespace

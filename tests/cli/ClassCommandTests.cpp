@@ -141,9 +141,8 @@ TEST_F(ClassCommandTest, AnInterruptEndsARequestOnTheAgentPort) {
     RunningCommand dump({"classes", image, "--parser", "remote"}, service(""), columns);
     const std::string newLine = columns == 0 ? "" : "\r\x1B[K";
     EXPECT_EQ(columns > 0 ? dump.until('%') : bar, newLine + bar);
-    const auto last = std::chrono::steady_clock::now() + kLimit;
-    while (!std::filesystem::remove(folder() / "launched")) {
-      ASSERT_LT(std::chrono::steady_clock::now(), last);
+    for (int i = 0; !std::filesystem::remove(folder() / "launched"); ++i) {
+      ASSERT_LT(i, 3000);
       ::usleep(10'000);
     }
     dump.signal(SIGINT);

@@ -230,16 +230,5 @@ TEST_F(CommandTest, InfoShowsWhatTheFileHolds) {
   expectRefused("info", {{"cut", 1, "cut/Info.plist: "}});
 }
 
-TEST_F(CommandTest, ALargeScriptBuilds) {
-  writeTweak("T", hookJSON("a", "v16@0:8"));
-  std::string script;
-  while (script.size() < 1'000'000) script += "[[view layer] setOpacity:@(0.5) animated:true];\n";
-  write("T/script.objs", script);
-  const Result result = run("build T -o out");
-  EXPECT_EQ(result.status, 0) << result.err;
-  EXPECT_THAT(contents("out/code.js"),
-              HasSubstr("objc_send(objc_send(view, \"layer\"), \"setOpacity:animated:\""));
-}
-
 }  // namespace
 }  // namespace tavlen

@@ -2,14 +2,12 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <poll.h>
 #include <pty.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
-#include <chrono>
 #include <csignal>
 #include <string>
 #include <utility>
@@ -19,10 +17,8 @@
 
 namespace tavlen {
 
-/// Far more than anything takes.
-inline constexpr std::chrono::seconds kLimit(30);
-
-/// A running command, whose lines are read as they come.
+/// A running command, whose lines are read as they come. It is killed if it takes far longer than
+/// anything does.
 class RunningCommand {
  public:
   /// It prints to a terminal of so many columns, or to a pipe where that is 0.
@@ -34,6 +30,7 @@ class RunningCommand {
                           : ::pipe2(pipe.data(), O_CLOEXEC),
               0);
     child_ = startCommand(std::move(words), std::move(variables), [&] {
+      ::alarm(30);
       ::dup2(pipe[1], 1);
       ::dup2(pipe[1], 2);
     });
@@ -50,13 +47,10 @@ class RunningCommand {
     }
   }
 
-  /// What it prints, to either stream, until the next `end`; what it has when the time is over.
+  /// What it prints, to either stream, until the next `end`, or until its own end.
   std::string until(char end = '\n') {
-    const std::chrono::steady_clock::time_point last = std::chrono::steady_clock::now() + kLimit;
-    while (text_.find(end) == std::string::npos && std::chrono::steady_clock::now() < last) {
-      pollfd output = {output_, POLLIN, 0};
-      if (::poll(&output, 1, 1000) <= 0) continue;
-      std::array<char, 4096> bytes;
+    std::array<char, 4096> bytes;
+    while (text_.find(end) == std::string::npos) {
       const ssize_t size = ::read(output_, bytes.data(), bytes.size());
       if (size <= 0) break;
       text_.append(bytes.data(), static_cast<std::size_t>(size));
@@ -70,15 +64,10 @@ class RunningCommand {
     if (output_ >= 0) ::close(std::exchange(output_, -1));
   }
   void signal(int number) const { ::kill(child_, number); }
-  /// Its exit status, or minus the signal that ended it; nothing good when it does not end.
+  /// Its exit status, or minus the signal that ended it.
   int status() {
     int status = 0;
-    const std::chrono::steady_clock::time_point last = std::chrono::steady_clock::now() + kLimit;
-    while (::waitpid(child_, &status, WNOHANG) == 0) {
-      if (std::chrono::steady_clock::now() > last) return -1000;
-      ::usleep(10'000);
-    }
-    child_ = 0;
+    ::waitpid(std::exchange(child_, 0), &status, 0);
     return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
   }
 

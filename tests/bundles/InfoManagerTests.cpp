@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <map>
 #include <system_error>
 
 #include "tavlen/foundation/coding/CodingError.h"
@@ -186,9 +187,21 @@ TEST_F(InfoManagerTest, ANamedIconIsTheLargestOfItsFiles) {
   EXPECT_EQ(outcome("a%@"), "Icon not found: a%@");
 }
 
-TEST(ResizedIcon, IsNeitherEmptyNorHuge) {
+TEST(InfoManagerErrors, HaveTheirKeys) {
+  using Error = InfoManager::Error;
+  const std::string prefix = "info_manager.error.";
+  EXPECT_EQ(Error::iconNotFound("a").localizationKey(), prefix + "icon_not_found");
+  EXPECT_EQ(Error::noIconFound().localizationKey(), prefix + "no_icon_found");
+  EXPECT_EQ(Error::couldNotResize().localizationKey(), prefix + "could_not_resize");
+}
+
+TEST(ResizedIcon, KeepsItsAspectAndIsNeitherEmptyNorHuge) {
   const Image wide(300, 200, std::vector<std::uint8_t>(300 * 200 * 4, 255));
-  EXPECT_EQ(InfoManager::resizedIcon(wide, 60).height(), 40U);
+  for (const auto& [longer, height] :
+       std::map<std::uint32_t, std::uint32_t>{{1, 1}, {5, 3}, {60, 40}}) {
+    EXPECT_EQ(InfoManager::resizedIcon(wide, longer).width(), longer);
+    EXPECT_EQ(InfoManager::resizedIcon(wide, longer).height(), height);
+  }
   for (const std::uint32_t size : {0U, Image::kLongestSide + 1, 0xFFFF'FFFFU}) {
     EXPECT_EQ(thrown<InfoManager::Error>([&] { InfoManager::resizedIcon(wide, size); }),
               InfoManager::Error::couldNotResize());

@@ -42,7 +42,7 @@ TEST_F(TweakCollectionPackagingTest, EachMemberThatOpensIsPackaged) {
 
   // An icon from before is nobody's.
   tweakInfo_.customIconURL = URL{"file:///old.png"};
-  package("");
+  package(R"("B")");
   EXPECT_EQ(tweakInfo_.customIconURL, std::nullopt);
 }
 

@@ -5,8 +5,6 @@
 namespace tavlen {
 namespace {
 
-namespace fs = std::filesystem;
-
 class CollectionCommandTest : public CommandStoreTest {
  protected:
   /// The members' names in the collection "C", "-" for missing ones.

@@ -58,14 +58,15 @@ TEST_F(CommandTest, BuildReplacesBothFilesAndLeavesNoOther) {
 TEST_F(CommandTest, OutputThatCannotBeWrittenIsAFailure) {
   write("file", "kept");
   fs::create_directories(folder() / "taken/code.js");
-  expectRefused("build " + kEverything + " -o", {{"file", 1, "file: Not a directory\n"},
-                                                 {"file/x", 1, "file/x: Not a directory\n"},
-                                                 {"taken", 1, "taken/code.js: Is a directory\n"}});
+  expectRefused("build '" + kEverything + "' -o",
+                {{"file", 1, "file: Not a directory\n"},
+                 {"file/x", 1, "file/x: Not a directory\n"},
+                 {"taken", 1, "taken/code.js: Is a directory\n"}});
   EXPECT_EQ(contents("file"), "kept");
   EXPECT_EQ(std::distance(fs::directory_iterator(folder() / "taken"), {}), 1);
   for (const std::string& line :
-       {"build " + kEverything, "source " + kGreeting, "check " + kGreeting,
-        "info " + paths().examples + "/apps/Example.app", std::string("--version")}) {
+       {"build '" + kEverything + "'", "source '" + kGreeting + "'", "check '" + kGreeting + "'",
+        "info '" + paths().examples + "/apps/Example.app'", std::string("--version")}) {
     const Result result = run(line, {}, "/dev/full");
     EXPECT_EQ(result.status, 1) << line;
     EXPECT_EQ(result.err, "tavlen: error: standard output: No space left on device\n");

@@ -7,7 +7,6 @@ namespace {
 
 using testing::EndsWith;
 using testing::HasSubstr;
-using testing::StartsWith;
 
 using TypeCommandTest = CommandTest;
 

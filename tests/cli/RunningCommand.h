@@ -30,7 +30,7 @@ class RunningCommand {
                           : ::pipe2(pipe.data(), O_CLOEXEC),
               0);
     child_ = startCommand(std::move(words), std::move(variables), [&] {
-      ::alarm(30);
+      ::alarm(120);
       ::dup2(pipe[1], 1);
       ::dup2(pipe[1], 2);
     });

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tavlen/bundles/InfoOverrides.h"
 #include "tavlen/bundles/OverrideContainer.h"
 #include "tavlen/foundation/errors/MainBundle.h"
 #include "tavlen/foundation/json/JSONDecoder.h"
@@ -30,81 +31,72 @@ Info appInfo() {
   return info;
 }
 
-struct KindCase {
-  const char* titleKey;
-  const char* title;
-  Override seeded;  ///< made of appInfo()
-  const char* json;
-};
-
-// The identifiers stand in users' documents, so they are repeated here in full.
-std::vector<KindCase> kindCases() {
-  return {
-      {"override_title.display_name", "Display Name", DisplayNameOverride{"Display"},
-       R"({"type":"DisplayName","value":"Display"})"},
-      {"override_title.bundle_name", "Bundle Name", BundleNameOverride{"Bundle"},
-       R"({"type":"BundleName","value":"Bundle"})"},
-      {"override_title.bundle_id", "Bundle ID", BundleIDOverride{"com.example.app"},
-       R"({"type":"BundleID","value":"com.example.app"})"},
-      {"override_title.version", "Version", VersionOverride{"1.2"},
-       R"({"type":"Version","value":"1.2"})"},
-      {"override_title.build", "Build", BuildOverride{"42"}, R"({"type":"Build","value":"42"})"},
-      {"override_title.min_os_version", "Min OS Version",
-       MinimumOSVersionOverride{decodeJSON<SemanticVersion>("\"14.1\"")},
-       R"({"type":"MinimumOSVersion","value":"14.1"})"},
-      {"override_title.ipad_support", "iPad Support", IPadSupportOverride{true},
-       R"({"type":"IPadSupport","value":true})"},
-      {"override_title.orientations", "Orientations", OrientationsOverride{{Orientation::portrait}},
-       R"({"type":"Orientations","value":["UIInterfaceOrientationPortrait"]})"},
-      {"override_title.orientations_ipad", "Orientations (iPad)",
-       OrientationsIPadOverride{{Orientation::landscapeLeft}},
-       R"({"type":"OrientationsIPad","value":["UIInterfaceOrientationLandscapeLeft"]})"}};
-}
-
 TEST(Override, EveryKindIsStoredTitledAndSeeded) {
+  using Version = SemanticVersion;
+  // The identifiers stand in users' documents, so they are repeated here in full.
+  const struct {
+    std::string titleKey;
+    std::string title;
+    Override seeded;  ///< made of appInfo()
+    std::string json;
+  } cases[] = {
+      {"display_name", "Display Name", DisplayNameOverride{"Display"},
+       R"("DisplayName","value":"Display")"},
+      {"bundle_name", "Bundle Name", BundleNameOverride{"Bundle"},
+       R"("BundleName","value":"Bundle")"},
+      {"bundle_id", "Bundle ID", BundleIDOverride{"com.example.app"},
+       R"("BundleID","value":"com.example.app")"},
+      {"version", "Version", VersionOverride{"1.2"}, R"("Version","value":"1.2")"},
+      {"build", "Build", BuildOverride{"42"}, R"("Build","value":"42")"},
+      {"min_os_version", "Min OS Version",
+       MinimumOSVersionOverride{decodeJSON<Version>("\"14.1\"")},
+       R"("MinimumOSVersion","value":"14.1")"},
+      {"ipad_support", "iPad Support", IPadSupportOverride{true}, R"("IPadSupport","value":true)"},
+      {"orientations", "Orientations", OrientationsOverride{{Orientation::portrait}},
+       R"("Orientations","value":["UIInterfaceOrientationPortrait"])"},
+      {"orientations_ipad", "Orientations (iPad)",
+       OrientationsIPadOverride{{Orientation::landscapeLeft}},
+       R"("OrientationsIPad","value":["UIInterfaceOrientationLandscapeLeft"])"}};
   const auto index = OverrideContainer::allByIndex();
-  const auto cases = kindCases();
-  ASSERT_EQ(index.size(), cases.size());
-  ASSERT_EQ(OverrideContainer::supportedTypes().size(), cases.size());
+  ASSERT_EQ(index.size(), std::size(cases));
+  ASSERT_EQ(OverrideContainer::supportedTypes().size(), std::size(cases));
   const TemporaryFolder bundle;
-  std::string table;
-  for (const KindCase& c : cases) {
-    table += "\"" + std::string(c.titleKey) + "\" = \"<" + c.title + ">\";\n";
-  }
-  bundle.write("Localizable.strings", table);
   auto kind = index.begin();
-  for (std::size_t i = 0; i < cases.size(); ++i, ++kind) {
-    const KindCase& c = cases[i];
-    SCOPED_TRACE(c.title);
-    const OverrideContainer box{c.seeded};
-    EXPECT_EQ(encodeJSON(box), c.json);
-    EXPECT_EQ(decodeJSON<OverrideContainer>(c.json), box);
-    EXPECT_EQ(kind->second.withInfo(appInfo()), c.seeded);
-    EXPECT_EQ(kind->second.title.key, c.titleKey);
-    EXPECT_EQ(kind->second.identifier, OverrideContainer::supportedTypes()[i]);
+  for (const auto& [titleKey, title, seeded, rest] : cases) {
+    SCOPED_TRACE(title);
+    const std::string key = "override_title." + titleKey;
+    const std::string json = R"({"type":)" + rest + "}";
+    EXPECT_EQ(encodeJSON(OverrideContainer{seeded}), json);
+    EXPECT_EQ(decodeJSON<OverrideContainer>(json), OverrideContainer{seeded});
+    EXPECT_EQ(kind->second.withInfo(appInfo()), seeded);
+    EXPECT_EQ(kind->second.title.key, key);
+    const auto place = static_cast<std::size_t>(std::distance(index.begin(), kind));
+    EXPECT_EQ(kind->second.identifier, OverrideContainer::supportedTypes()[place]);
     MainBundle::setURL({});
-    EXPECT_EQ(localizedName(c.seeded), c.title);
+    EXPECT_EQ(localizedName(seeded), title);
+    bundle.write("Localizable.strings", "\"" + key + "\" = \"<" + title + ">\";");
     MainBundle::setURL(bundle.path());
-    EXPECT_EQ(localizedName(c.seeded), "<" + std::string(c.title) + ">");
+    EXPECT_EQ(localizedName(seeded), "<" + title + ">");
+    TweakInfo record("a.b", "c");
+    applyTo(record, seeded);
+    EXPECT_EQ(record, TweakInfo("a.b", "c")) << "an override is the app's, not the record's";
+    ++kind;
   }
   MainBundle::setURL({});
 }
 
 TEST(Override, SectionsAreInTheOrderOfPresentation) {
-  std::vector<std::vector<std::string_view>> sections;
+  std::string sections;
   for (const auto& section : OverrideContainer::all()) {
-    auto& row = sections.emplace_back();
-    for (const OverrideKindInfo& kind : section) row.push_back(kind.identifier);
+    for (const OverrideKindInfo& kind : section) sections += std::string(kind.identifier) + " ";
+    sections += "| ";
   }
   EXPECT_EQ(sections,
-            (std::vector<std::vector<std::string_view>>{{"DisplayName", "BundleName", "BundleID"},
-                                                        {"Version", "Build"},
-                                                        {"MinimumOSVersion", "IPadSupport"},
-                                                        {"Orientations", "OrientationsIPad"}}));
+            "DisplayName BundleName BundleID | Version Build | MinimumOSVersion IPadSupport | "
+            "Orientations OrientationsIPad | ");
   const auto index = OverrideContainer::allByIndex();
   EXPECT_EQ(index.at({2, 1}).identifier, "IPadSupport");
   EXPECT_EQ(index.at({3, 0}).identifier, "Orientations");
-  EXPECT_EQ(&OverrideContainer::all(), &OverrideContainer::all());
 }
 
 TEST(Override, MissingValuesOfTheAppFallBack) {
@@ -162,13 +154,34 @@ TEST(Override, AWrongValueFails) {
   }
 }
 
-TEST(Override, LeavesTheInstallationAlone) {
-  TweakInfo before("a.b", "c");
-  before.customIconURL = URL{"file:///icon.png"};
-  for (const KindCase& c : kindCases()) {
-    TweakInfo info = before;
-    applyTo(info, c.seeded);
-    EXPECT_EQ(info, before) << c.title;
+constexpr const char* kBefore =
+    R"({"CFBundleExecutable":"N","CFBundleIdentifier":"a.b","CFBundleVersion":"1",)"
+    R"("UISupportedInterfaceOrientations":["X"],"UIDeviceFamily":1,"MinimumOSVersion":"14.0"})";
+
+TEST(InfoOverrides, EachKindEditsItsKey) {
+  const struct {
+    const char* override_;
+    const char* before;  ///< what of the list is replaced, and by what
+    const char* after;
+  } rows[] = {
+      {R"({"type":"DisplayName","value":"D"})", R"("UIS)", R"("CFBundleDisplayName":"D","UIS)"},
+      {R"({"type":"DisplayName","value":"N"})", "", ""},
+      {R"({"type":"BundleName","value":"N"})", R"({"CFB)", R"({"CFBundleName":"N","CFB)"},
+      {R"({"type":"BundleID","value":"c"})", R"("a.b")", R"("c")"},
+      {R"({"type":"Version","value":"2"})", R"("UIS)", R"("CFBundleShortVersionString":"2","UIS)"},
+      {R"({"type":"Build","value":"7"})", R"("1")", R"("7")"},
+      {R"({"type":"MinimumOSVersion","value":"9"})", R"("14.0")", R"("9")"},
+      {R"({"type":"MinimumOSVersion"})", R"(,"MinimumOSVersion":"14.0")", ""},
+      {R"({"type":"IPadSupport","value":true})", R"(Family":1)", R"(Family":2)"},
+      {R"({"type":"Orientations","value":[]})", R"(["X"])", "[]"},
+      {R"({"type":"OrientationsIPad","value":["UIInterfaceOrientationPortrait"]})", R"(["X"])",
+       R"(["X"],"UISupportedInterfaceOrientations~ipad":["UIInterfaceOrientationPortrait"])"}};
+  for (const auto& row : rows) {
+    Info info = decodeJSON<Info>(kBefore);
+    applyTo(info, decodeJSON<OverrideContainer>(row.override_).value);
+    std::string expected = kBefore;
+    expected.replace(expected.find(row.before), std::string_view(row.before).size(), row.after);
+    EXPECT_EQ(encodeJSON(info), expected) << row.override_;
   }
 }
 

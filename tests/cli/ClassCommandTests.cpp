@@ -10,6 +10,7 @@ namespace {
 
 using testing::AllOf;
 using testing::AnyOf;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::StartsWith;
 
@@ -36,7 +37,7 @@ class ClassCommandTest : public CommandTest {
           "<key>launchOptions</key><string>" +
               (folder() / "launched").string() + "</string><key>programs</key><dict>" + programs +
               "</dict></dict></plist>");
-    return {"LD_PRELOAD=" + paths().standInsLibrary, "LC_ALL=C",
+    return {"LD_PRELOAD=" + paths().standInsLibrary,
             "TAVLEN_STAND_INS=" + (folder() / "script.plist").string(),
             "TAVLEN_ROOT=" + folder().string()};
   }
@@ -45,37 +46,37 @@ class ClassCommandTest : public CommandTest {
 };
 
 TEST_F(ClassCommandTest, ListsTheClassesOfAnImage) {
-  const Result some = run({"classes", "image.so", "--match", "LS*Proxy"});
+  const Result some = run("classes image.so --match LS*Proxy");
   EXPECT_EQ(some.err, "");
   EXPECT_THAT(some.out, AnyOf("LSApplicationProxy : NSObject\n"
                               "LSCurrentApplicationProxy : LSApplicationProxy\n",
                               "LSCurrentApplicationProxy : LSApplicationProxy\n"
                               "LSApplicationProxy : NSObject\n"))
       << "the compiler lays the classes out";
-  EXPECT_THAT(run({"classes", "image.so"}).out, HasSubstr("FBSSystemService : NSObject\n"));
-  EXPECT_EQ(run({"classes", "image.so", "--match", "LSApp"}).out, "") << "names fit as a whole";
-  EXPECT_THAT(run({"classes", "image.so", "--match", "LSApplicationWorkspace", "--json"}).out,
+  EXPECT_THAT(run("classes image.so").out, HasSubstr("FBSSystemService : NSObject\n"));
+  EXPECT_EQ(run("classes image.so --match LSApp").out, "") << "names fit as a whole";
+  EXPECT_THAT(run("classes image.so --match LSApplicationWorkspace --json").out,
               AllOf(StartsWith(R"([{"name":"LSApplicationWorkspace","methods":[{"selector":)"),
                     HasSubstr(R"("supercls":"NSObject","superclassPath":)")));
 }
 
 TEST_F(ClassCommandTest, ListsTheMethodsOfAClass) {
-  const Result methods = run({"methods", "LSApplicationWorkspace", "--in", "image.so"});
+  const Result methods = run("methods LSApplicationWorkspace --in image.so");
   EXPECT_EQ(methods.err, "");
   EXPECT_EQ(methods.out, "-\u00A0 (id)allApplications\n+\u00A0 (id)defaultWorkspace\n");
-  EXPECT_EQ(run({"methods", "LSApplicationWorkspace", "--in", "image.so", "--json"}).out,
+  EXPECT_EQ(run("methods LSApplicationWorkspace --in image.so --json").out,
             R"([{"selector":"allApplications","encoding":"@16@0:8","isClassMethod":false},)"
             R"({"selector":"defaultWorkspace","encoding":"@16@0:8","isClassMethod":true}])"
             "\n");
-  const Result missing = run({"methods", "NSObject", "--in", "image.so"});
+  const Result missing = run("methods NSObject --in image.so");
   EXPECT_EQ(missing.status, 1);
   EXPECT_EQ(missing.err, "tavlen: error: image.so: defines no class NSObject\n");
 }
 
 TEST_F(ClassCommandTest, AHookTakesItsTypesFromTheImage) {
-  const Result added = run({"hook", "add", "T", "--method",
-                            "-[LSApplicationProxy objectForInfoDictionaryKey:ofClass:]", "--in",
-                            "image.so", "--name", "Key"});
+  const Result added =
+      run("hook add T --method '-[LSApplicationProxy objectForInfoDictionaryKey:ofClass:]' --in "
+          "image.so --name Key");
   EXPECT_EQ(added.status, 0);
   EXPECT_EQ(added.out + added.err, "");
   EXPECT_THAT(
@@ -84,89 +85,72 @@ TEST_F(ClassCommandTest, AHookTakesItsTypesFromTheImage) {
                 R"("selector":"objectForInfoDictionaryKey:ofClass:","signature":"@32@0:8@16#24",)"
                 R"("isClassMethod":false,"args":{}}])"));
   const std::string before = manifest();
-  struct Row {
-    std::vector<std::string> words;
-    int status;
-    std::string text;
-  };
-  const std::vector<Row> rows = {
-      {{"--method", "-[LSApplicationWorkspace defaultWorkspace]", "--in", "image.so"},
-       1,
-       "LSApplicationWorkspace has no method -[LSApplicationWorkspace defaultWorkspace]"},
-      {{"--method", "-[Nobody x]", "--in", "image.so"}, 1, "defines no class Nobody"},
-      {{"--method", "-[Nobody]", "--in", "image.so"}, 2, "--method"},
-      {{"--method", "[Nobody x]", "--in", "image.so"}, 2, "--method"},
-      {{"--method", "-[Nobody x]"}, 2, "--in"},
-      {{"A", "b", "--signature", "v16@0:8", "--in", "image.so"}, 2, "--in"},
-      {{"A", "b", "--method", "-[A b]", "--in", "image.so"}, 2, "--method"},
-      {{"A", "b", "--signature", "v16@0:8", "--parser", "remote"}, 2, "--method"},
-      {{"A", "b"}, 2, "--signature"},
-      {{"--signature", "v16@0:8"}, 2, "CLASS"},
-  };
-  for (const Row& row : rows) {
-    std::vector<std::string> words = {"hook", "add", "T"};
-    words.insert(words.end(), row.words.begin(), row.words.end());
-    const Result result = run(words);
-    EXPECT_EQ(result.status, row.status) << row.text;
-    EXPECT_THAT(result.err, HasSubstr(row.text));
-  }
+  const std::string workspace = "LSApplicationWorkspace";
+  expectRefused(
+      "hook add T",
+      {{"--method '-[" + workspace + " defaultWorkspace]' --in image.so", 1,
+        "image.so: " + workspace + " has no method -[" + workspace + " defaultWorkspace]"},
+       {"--method '-[Nobody x]' --in image.so", 1, "image.so: defines no class Nobody"},
+       {"--method '-[Nobody]' --in image.so", 2, "--method"},
+       {"--method '[Nobody x]' --in image.so", 2, "--method"},
+       {"--method '-[Nobody x]'", 2, ""},
+       {"A b --signature v16@0:8 --in image.so", 2, "--in"},
+       {"A b --method '-[A b]' --in image.so", 2, "CLASS excludes --method"},
+       {"A b --signature v16@0:8 --parser remote", 2, ""},
+       {"A b", 2, "--signature"},
+       {"--signature v16@0:8", 2, "CLASS"}});
   EXPECT_EQ(manifest(), before);
 }
 
 TEST_F(ClassCommandTest, SaysWhyThereAreNoClassesOnTheAgentPort) {
   write("text.so", "no library");
   writeApp();
-  struct Row {
-    std::vector<std::string> words;
-    std::string text;
-  };
-  const std::vector<Row> rows = {
-      {{"text.so"}, "error: text.so: Dynamic dump failed"},
-      {{"--verbose", "text.so"}, "dlopen encountered error: "},
-      {{"Applications/Notes.app"},
-       "error: Applications/Notes.app: Dynamic dump failed (it is an image of the device"},
-      {{"Applications/Notes.app/Notes"},
-       "error: Applications/Notes.app/Notes: Dynamic dump failed (it is an image of"},
-      {{"none.so"}, "none.so"},
-      {{"./none.so"}, "./none.so: No such file"},
-      {{"Applications/Notes.app", "--parser", "remote"},
-       "error: Applications/Notes.app: Remote dump failed"},
-      {{"Applications/Notes.app/Notes", "--parser", "remote"},
-       "error: Applications/Notes.app/Notes: Remote dump failed"},
-      {{"Applications/Notes.app/Info.plist", "--parser", "remote"}, "Info.plist: is no image"},
-      {{"image.so", "--parser", "remote"}, "image.so: is in no app's bundle"},
-      {{"/dev/null"}, "/dev/null: Dynamic dump failed: "},
-  };
-  for (const Row& row : rows) {
-    std::vector<std::string> words = {"classes"};
-    words.insert(words.end(), row.words.begin(), row.words.end());
-    const Result result = run(words);
-    EXPECT_EQ(result.status, 1) << row.text;
-    EXPECT_EQ(result.out, "");
-    EXPECT_THAT(result.err, HasSubstr(row.text));
-  }
-  EXPECT_EQ(run({"classes", "image.so", "--parser", "static"}).status, 2);
+  const std::string app = "Applications/Notes.app";
+  expectRefused("classes",
+                {{"text.so", 1, "text.so: Dynamic dump failed"},
+                 {app, 1, app + ": Dynamic dump failed (it is an image of the device"},
+                 {app + "/Notes", 1, app + "/Notes: Dynamic dump failed (it is an image of"},
+                 {"none.so", 1, "IPA not found with bundle ID: none.so\n"},
+                 {"./none.so", 1, "./none.so: No such file or directory\n"},
+                 {app + " --parser remote", 1, app + ": Remote dump failed"},
+                 {app + "/Notes --parser remote", 1, app + "/Notes: Remote dump failed"},
+                 {app + "/Info.plist --parser remote", 1, app + "/Info.plist: is no image"},
+                 {"image.so --parser remote", 1, "image.so: is in no app's bundle"},
+                 {"/dev/null", 1, "/dev/null: Dynamic dump failed: "},
+                 {"image.so --parser static", 2, ""}});
+  EXPECT_THAT(run("classes --verbose text.so").err, HasSubstr("dlopen encountered error: "));
 }
 
 TEST_F(ClassCommandTest, AsksAnAppOnTheAgentPort) {
   writeApp();
   setEnvironment(service("<key>com.example.notes</key><string>" + paths().dumpAgent + "</string>"));
-  const Result methods = run({"methods", "DumpedProbe", "--in", kImage, "--parser", "remote"});
+  const Result methods = run("methods DumpedProbe --in", {kImage, "--parser", "remote"});
   EXPECT_EQ(methods.status, 0) << methods.err;
   EXPECT_THAT(methods.out, HasSubstr("-\u00A0 (int)add:(int) to:(int)\n"));
 }
 
 TEST_F(ClassCommandTest, AnInterruptEndsARequestOnTheAgentPort) {
   writeApp();
-  RunningCommand dump({"classes", (folder() / kImage).string(), "--parser", "remote"}, service(""));
-  const auto last = std::chrono::steady_clock::now() + kLimit;
-  while (!std::filesystem::exists(folder() / "launched")) {
-    ASSERT_LT(std::chrono::steady_clock::now(), last);
-    ::usleep(10'000);
+  const std::string image = (folder() / kImage).string();
+  const std::pair<unsigned short, std::string> terminals[] = {
+      {0, "nothing"},
+      {300, "reading classes of " + image + ": [" + std::string(40, '.') + "] 0 "},
+      {40, "[" + std::string(33, '.') + "] 0 "},
+      {10, " 0 "}};
+  for (const auto& [columns, bar] : terminals) {
+    RunningCommand dump({"classes", image, "--parser", "remote"}, service(""), columns);
+    const std::string newLine = columns == 0 ? "" : "\r\x1B[K";
+    EXPECT_EQ(columns > 0 ? dump.until('%') : bar, newLine + bar);
+    for (int i = 0; !std::filesystem::remove(folder() / "launched"); ++i) {
+      ASSERT_LT(i, 3000);
+      ::usleep(10'000);
+    }
+    dump.signal(SIGINT);
+    const std::string rest = dump.until();
+    EXPECT_THAT(rest, EndsWith(newLine + "tavlen: error: " + image + ": Operation canceled" +
+                               (columns == 0 ? "" : "\r")));
+    EXPECT_EQ(dump.status(), 1);
   }
-  dump.signal(SIGINT);
-  EXPECT_EQ(dump.line(), "tavlen: error: " + (folder() / kImage).string() + ": Operation canceled");
-  EXPECT_EQ(dump.status(), 1);
 }
 
 }  // namespace

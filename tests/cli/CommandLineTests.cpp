@@ -2,7 +2,6 @@
 
 #include "tavlen/bundles/Info.h"
 #include "tavlen/foundation/files/FileSystem.h"
-#include "tavlen/foundation/json/JSONDecoder.h"
 #include "tavlen/foundation/plist/PropertyListEncoder.h"
 #include "tests/cli/CommandTest.h"
 
@@ -17,42 +16,30 @@ const std::string kEverything = paths().examples + "/tweaks/Everything";
 const std::string kGreeting = paths().examples + "/tweaks/Greeting";
 
 TEST_F(CommandTest, ArgumentsAreChecked) {
-  const struct {
-    std::vector<std::string> arguments;
-    int status;
-    const char* message;
-  } cases[] = {
-      {{}, 2, "A subcommand is required"},
-      {{"frobnicate"}, 2, "not expected: frobnicate"},
-      {{"--frobnicate"}, 2, "not expected: --frobnicate"},
-      {{"build"}, 2, "TWEAK is required"},
-      {{"build", "a", "b"}, 2, "not expected: b"},
-      {{"build", "a", "-o"}, 2, "--output"},
-      {{"check"}, 2, "TWEAK is required"},
-      {{"info", "--jason", "x"}, 2, "not expected: --jason"},
-  };
-  for (const auto& c : cases) {
-    const Result result = run(c.arguments);
-    EXPECT_EQ(result.status, c.status) << c.message;
-    EXPECT_EQ(result.out, "");
-    EXPECT_THAT(result.err, HasSubstr(c.message));
-  }
-  EXPECT_THAT(run({"--version"}).out, testing::MatchesRegex("tavlen [0-9.]+\n"));
-  EXPECT_THAT(run({"--help"}).out, HasSubstr("Usage: tavlen"));
+  expectRefused("", {{"", 2, "A subcommand is required"},
+                     {"frobnicate", 2, "The following argument was not expected: frobnicate"},
+                     {"--frobnicate", 2, "The following argument was not expected: --frobnicate"},
+                     {"build", 2, "TWEAK is required"},
+                     {"build a b", 2, "The following argument was not expected: b"},
+                     {"build a -o", 2, "--output"},
+                     {"check", 2, "TWEAK is required"},
+                     {"info --jason x", 2, "The following argument was not expected: --jason"}});
+  EXPECT_THAT(run("--version").out, testing::MatchesRegex("tavlen [0-9.]+\n"));
+  EXPECT_THAT(run("--help").out, HasSubstr("Usage: tavlen"));
 }
 
 TEST_F(CommandTest, DoesItsWorkOnTheExamples) {
   for (const std::string& tweak : {kEverything, kGreeting + "/"}) {
     const std::string golden = fs::path(tweak).filename().empty() ? "Greeting" : "Everything";
-    const Result source = run({"source", tweak});
+    const Result source = run("source", {tweak});
     EXPECT_EQ(source.out, readFile(paths().testData + "/golden/" + golden + ".objs"));
-    const Result build = run({"build", tweak});
+    const Result build = run("build", {tweak});
     EXPECT_THAT(build.out, HasSubstr("objc_orig(this, arguments);\n"));
-    const Result written = run({"build", tweak, "-o", "new/" + golden});
+    const Result written = run("build", {tweak, "-o", "new/" + golden});
     EXPECT_EQ(written.out + written.err + build.err + source.err, "");
     EXPECT_EQ(contents("new/" + golden + "/code.js"), build.out);
   }
-  const Result check = run({"check", kEverything, kGreeting});
+  const Result check = run("check", {kEverything, kGreeting});
   EXPECT_EQ(check.out, kEverything + ": ok\n" + kGreeting + ": ok\n");
   EXPECT_EQ(check.status, 0);
 }
@@ -61,7 +48,7 @@ TEST_F(CommandTest, BuildReplacesBothFilesAndLeavesNoOther) {
   write("out/code.js", "old");
   write("out/code.js.map", "old");
   write("out/mine", "kept");
-  EXPECT_EQ(run({"build", kEverything, "-o", "out"}).status, 0);
+  EXPECT_EQ(run("build", {kEverything, "-o", "out"}).status, 0);
   EXPECT_THAT(contents("out/code.js"), StartsWith("hookClass("));
   EXPECT_THAT(contents("out/code.js.map"), StartsWith("{\"version\":3,"));
   EXPECT_EQ(contents("out/mine"), "kept");
@@ -71,26 +58,17 @@ TEST_F(CommandTest, BuildReplacesBothFilesAndLeavesNoOther) {
 TEST_F(CommandTest, OutputThatCannotBeWrittenIsAFailure) {
   write("file", "kept");
   fs::create_directories(folder() / "taken/code.js");
-  const std::pair<const char*, const char*> folders[] = {
-      {"file", "tavlen: error: file: Not a directory\n"},
-      {"file/x", "tavlen: error: file/x: Not a directory\n"},
-      {"taken", "tavlen: error: taken/code.js: Is a directory\n"},
-  };
-  for (const auto& [name, message] : folders) {
-    const Result result = run({"build", kEverything, "-o", name});
-    EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.err, message);
-  }
+  expectRefused("build '" + kEverything + "' -o",
+                {{"file", 1, "file: Not a directory\n"},
+                 {"file/x", 1, "file/x: Not a directory\n"},
+                 {"taken", 1, "taken/code.js: Is a directory\n"}});
   EXPECT_EQ(contents("file"), "kept");
   EXPECT_EQ(std::distance(fs::directory_iterator(folder() / "taken"), {}), 1);
-  const std::vector<std::string> printing[] = {{"build", kEverything},
-                                               {"source", kGreeting},
-                                               {"check", kGreeting},
-                                               {"info", paths().examples + "/apps/Example.app"},
-                                               {"--version"}};
-  for (const auto& arguments : printing) {
-    const Result result = run(arguments, "/dev/full");
-    EXPECT_EQ(result.status, 1) << arguments[0];
+  for (const std::string& line :
+       {"build '" + kEverything + "'", "source '" + kGreeting + "'", "check '" + kGreeting + "'",
+        "info '" + paths().examples + "/apps/Example.app'", std::string("--version")}) {
+    const Result result = run(line, {}, "/dev/full");
+    EXPECT_EQ(result.status, 1) << line;
     EXPECT_EQ(result.err, "tavlen: error: standard output: No space left on device\n");
   }
 }
@@ -109,36 +87,26 @@ TEST_F(CommandTest, ABadTweakIsNamedInOneLineAndNothingIsWritten) {
   write("deep/Manifest.json", std::string(100'000, '['));
   writeTweak("fine\x1b[31m\xC2\x9B", "null,1");
   const std::string kInvalid = "The given data was not valid JSON: ";
-  const std::pair<std::string, std::string> cases[] = {
-      {"nowhere", "nowhere: no tweak or collection of that identifier or name is stored"},
-      {"./nowhere", "./nowhere: Not found"},
-      {"file", "file: Not found"},
-      {"empty", "empty: Missing Manifest.json"},
-      {"folder", "folder/Manifest.json: Is a directory"},
-      {"kind", R"(kind/Manifest.json: hooks[3].args.-1.type: unknown kind "Foo")"},
-      {"kind/", R"(kind/Manifest.json: hooks[3].args.-1.type: unknown kind "Foo")"},
-      {"escape",
-       R"(escape/Manifest.json: hooks[0].args.0.type: unknown kind "\x1b[31m\u009b\u202e\n")"},
-      {"text", "text/Manifest.json: " + kInvalid + "expected a colon at line 2, column 17"},
-      {"bytes", ""},
-      {"string", "string/Manifest.json: expected a dictionary, found a string"},
-      {"deep", ""},
-      {"fine\x1b[31m\xC2\x9B",
-       R"(fine\x1b[31m\u009b/Manifest.json: hooks[1]: expected a dictionary, found a number)"},
-  };
   write("out/code.js", "old");
-  for (const auto& [name, message] : cases) {
-    for (const char* command : {"source", "check", "build"}) {
-      std::vector<std::string> arguments = {command, name};
-      if (command == std::string("build")) arguments.insert(arguments.end(), {"-o", "out"});
-      const Result result = run(arguments);
-      EXPECT_EQ(result.status, 1) << name;
-      EXPECT_EQ(result.out, "");
-      if (!message.empty()) {
-        EXPECT_EQ(result.err, "tavlen: error: " + message + "\n");
-      }
-      EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1) << result.err;
-    }
+  for (const char* command : {"source", "check", "build -o out"}) {
+    expectRefused(
+        command,
+        {{"nowhere", 1, "nowhere: no tweak or collection of that identifier or name is stored\n"},
+         {"./nowhere", 1, "./nowhere: Not found\n"},
+         {"file", 1, "file: Not found\n"},
+         {"empty", 1, "empty: Missing Manifest.json\n"},
+         {"folder", 1, "folder/Manifest.json: Is a directory\n"},
+         {"kind/", 1, "kind/Manifest.json: hooks[3].args.-1.type: unknown kind \"Foo\"\n"},
+         {"escape", 1,
+          "escape/Manifest.json: hooks[0].args.0.type: unknown kind "
+          "\"\\x1b[31m\\u009b\\u202e\\n\"\n"},
+         {"text", 1, "text/Manifest.json: " + kInvalid + "expected a colon at line 2, column 17\n"},
+         {"bytes", 1, "bytes/Manifest.json: " + kInvalid},
+         {"string", 1, "string/Manifest.json: expected a dictionary, found a string\n"},
+         {"deep", 1, "deep/Manifest.json: expected a dictionary, found an array\n"},
+         {"fine\x1b[31m\xC2\x9B", 1,
+          "fine\\x1b[31m\\u009b/Manifest.json: hooks[1]: expected a dictionary, found a "
+          "number\n"}});
   }
   EXPECT_EQ(contents("out/code.js"), "old");
   EXPECT_EQ(std::distance(fs::directory_iterator(folder() / "out"), {}), 1);
@@ -157,8 +125,6 @@ TEST_F(CommandTest, SyntaxErrorsStandAtTheirPlace) {
   } cases[] = {
       {"", "ok();\n[a b] [c];\nfoo bar;\n",
        "T/script.objs:3:5: error: Unexpected token\n    foo bar;\n        ^\n"},
-      {hook + ",null," + hook, "foo bar;",
-       "T/script.objs:1:5: error: Unexpected token\n    foo bar;\n        ^\n"},
       {hook, "ok();\r\n\r\nfoo bar;\r\n",
        "T/script.objs:3:5: error: Unexpected token\n    foo bar;\n        ^\n"},
       {hook, "ok();\u2028\tx = '日é😀e\u0301' y;",
@@ -183,14 +149,11 @@ TEST_F(CommandTest, SyntaxErrorsStandAtTheirPlace) {
        manifest + "hooks[2] -[A b]: error: Identifier 'x' has already been declared\n"
                   "    \t\targuments[0] = 2; }, }); let x; hookClass('', {}, { a() {;\n"
                   "    \t\t                             ^\n"},
-      {hook + "," + code("`"), "`;",
-       manifest + "hooks[1] -[A b]: error: Unterminated template\n    \t\targuments[0] = `;\n"
-                  "    \t\t                ^\n"},
   };
   for (const auto& c : cases) {
     writeTweak("T", c.hooks);
     write("T/script.objs", c.script);
-    const Result result = run({"build", "T", "-o", "out"});
+    const Result result = run("build T -o out");
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.err, c.message + "tavlen: error: T: does not build\n");
   }
@@ -199,9 +162,9 @@ TEST_F(CommandTest, SyntaxErrorsStandAtTheirPlace) {
 
 TEST_F(CommandTest, AScriptThatCannotBeReadCountsAsEmpty) {
   writeTweak("T", hookJSON("a", "v16@0:8"));
-  const std::string empty = run({"source", "T"}).out;
+  const std::string empty = run("source T").out;
   write("T/script.objs", "fine(); \xFF");
-  const Result result = run({"source", "T"});
+  const Result result = run("source T");
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(result.out, empty);
   EXPECT_THAT(result.err, StartsWith("tavlen: warning: the script cannot be read and counts as "
@@ -220,7 +183,7 @@ TEST_F(CommandTest, CheckWarnsOfWhatIsQuestionable) {
   write("x/x", "");
   fs::create_directory_symlink("../../x", folder() / "T/Resources/link");
   writeTweak("broken", "1");
-  const Result result = run({"check", "T", "broken", "nowhere", kGreeting});
+  const Result result = run("check T broken nowhere", {kGreeting});
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(result.out, "T: 9 warnings\n" + kGreeting + ": ok\n");
   const std::string place = "tavlen: warning: T/Manifest.json: ";
@@ -245,21 +208,10 @@ TEST_F(CommandTest, CheckWarnsOfWhatIsQuestionable) {
                 "number\n"
                 "tavlen: error: nowhere: no tweak or collection of that identifier or name is "
                 "stored\n");
-  EXPECT_EQ(run({"check", "T"}).status, 0) << "warnings are no failure";
+  EXPECT_EQ(run("check T").status, 0) << "warnings are no failure";
 }
 
-/// The values of `info --json` that the test looks at.
-struct ShownInfo {
-  std::string name;
-  std::vector<InterfaceOrientation> orientations;
-
-  static constexpr auto codedFields() {
-    return std::tuple{requiredField("name", &ShownInfo::name),
-                      requiredField("orientations", &ShownInfo::orientations)};
-  }
-};
-
-TEST_F(CommandTest, InfoReadsBothFormsOfAPropertyList) {
+TEST_F(CommandTest, InfoShowsWhatTheFileHolds) {
   Info info;
   info.executable = "exe";
   info.bundleID = "a.b";
@@ -267,42 +219,16 @@ TEST_F(CommandTest, InfoReadsBothFormsOfAPropertyList) {
   info._name = "N\x1b[31m\n\xC2\x9B";
   info._orientations = {"UIInterfaceOrientationPortrait", "Sideways"};
   const std::string binary = encodePropertyList(info, PropertyListFormat::binary);
-  info._name = "N\n\xC2\x9B";
-  write("xml/Info.plist", encodePropertyList(info));
-  write("binary/Info.plist", binary);
+  write("app/Info.plist", binary);
   write("cut/Info.plist", binary.substr(0, binary.size() - 10));
-  write("other/Info.plist", "<plist><array/></plist>");
-  const std::string rest =
-      "Version:            7\nBuild:              7\nExecutable:         exe\n"
-      "iPad:               no\nOrientations:       Portrait\n";
-  EXPECT_EQ(run({"info", "binary"}).out,
+  EXPECT_EQ(run("info app").out,
             "Name:               N\\x1b[31m\\n\\u009b\nBundle name:        N\\x1b[31m\\n\\u009b\n"
-            "Identifier:         a.b\n" +
-                rest);
-  EXPECT_EQ(run({"info", "xml"}).out,
-            "Name:               N\\n\\u009b\nBundle name:        N\\n\\u009b\n"
-            "Identifier:         a.b\n" +
-                rest);
-  const auto shown = decodeJSON<ShownInfo>(run({"info", "--json", "binary/"}).out);
-  EXPECT_EQ(shown.name, "N\x1b[31m\n\xC2\x9B");
-  EXPECT_EQ(shown.orientations, std::vector{InterfaceOrientation::portrait});
-  for (const char* bundle : {"cut", "other"}) {
-    const Result result = run({"info", bundle});
-    EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.out, "");
-    EXPECT_THAT(result.err, StartsWith("tavlen: error: " + std::string(bundle) + "/Info.plist: "));
-  }
-}
-
-TEST_F(CommandTest, ALargeScriptBuilds) {
-  writeTweak("T", hookJSON("a", "v16@0:8"));
-  std::string script;
-  while (script.size() < 1'000'000) script += "[[view layer] setOpacity:@(0.5) animated:true];\n";
-  write("T/script.objs", script);
-  const Result result = run({"build", "T", "-o", "out"});
-  EXPECT_EQ(result.status, 0) << result.err;
-  EXPECT_THAT(contents("out/code.js"),
-              HasSubstr("objc_send(objc_send(view, \"layer\"), \"setOpacity:animated:\""));
+            "Identifier:         a.b\nVersion:            7\nBuild:              7\n"
+            "Executable:         exe\niPad:               no\nOrientations:       Portrait\n");
+  const std::string json = run("info --json app/").out;
+  EXPECT_THAT(json, HasSubstr("\"name\":\"N\\u001b[31m\\n\xC2\x9B\""));
+  EXPECT_THAT(json, HasSubstr(R"("orientations":["UIInterfaceOrientationPortrait"])"));
+  expectRefused("info", {{"cut", 1, "cut/Info.plist: "}});
 }
 
 }  // namespace

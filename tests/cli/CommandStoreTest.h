@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -35,7 +34,7 @@ class CommandStoreTest : public CommandTest {
 
   /// Makes a tweak by the command; gives its identifier.
   std::string newTweak(const std::string& name, const std::string& app = "com.example.notes") {
-    const Result made = run({"new", name, "--app", app});
+    const Result made = run("new --app " + app, {name});
     EXPECT_EQ(made.status, 0) << made.err;
     return made.out.substr(0, made.out.find('\n'));
   }

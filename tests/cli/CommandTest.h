@@ -1,8 +1,9 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <spawn.h>
+#include <sys/types.h>
 
+#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -12,10 +13,11 @@
 
 namespace tavlen {
 
-/// Starts the command with nothing ignored or blocked of the signals that end a program: the tests
-/// may run in the background of a script, or under nohup. `environment` ends with a null.
-pid_t startCommand(std::vector<std::string> arguments, const std::vector<char*>& environment,
-                   const posix_spawn_file_actions_t& actions);
+/// Starts the command in an environment of `variables` and the locale "C", with nothing ignored or
+/// blocked of the signals that end a program: the tests may run in the background of a script, or
+/// under nohup. `prepare` is called in the new process.
+pid_t startCommand(std::vector<std::string> words, std::vector<std::string> variables,
+                   const std::function<void()>& prepare);
 
 /// Runs the command in a temporary folder, and makes tweaks there.
 class CommandTest : public testing::Test {
@@ -26,9 +28,20 @@ class CommandTest : public testing::Test {
     std::string err;
   };
 
-  /// Runs the command with these arguments in folder(). What it prints goes to the file `output`
+  /// Runs the command in folder() with the words of `line`, which blanks part unless they stand in
+  /// single quotes, and then with `more` as they are. What it prints goes to the file `output`
   /// instead where one is named.
-  Result run(const std::vector<std::string>& arguments, const std::string& output = "") const;
+  Result run(const std::string& line, const std::vector<std::string>& more = {},
+             const std::string& output = "") const;
+
+  struct Refusal {
+    std::string line;
+    int status;
+    std::string error;  ///< how it begins, after "tavlen: error: " where the status is 1; if it
+                        ///< ends with a line's end, there is no more
+  };
+  /// Runs `start` with each line after it. None may print anything but its error.
+  void expectRefused(const std::string& start, const std::vector<Refusal>& refusals) const;
 
   /// Further variables, "NAME=value", of what is run from now on.
   void setEnvironment(std::vector<std::string> variables) { environment_ = std::move(variables); }

@@ -1,16 +1,15 @@
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdlib>
+#include <optional>
 
 #include "tavlen/foundation/image/Image.h"
-#include "tests/cli/CommandTest.h"
+#include "tests/cli/CommandStoreTest.h"
 
 namespace tavlen {
 namespace {
 
 namespace fs = std::filesystem;
-using testing::ElementsAre;
 
 const std::string kContainers = "device/var/containers/Bundle/Application";
 
@@ -31,69 +30,44 @@ class IconCommandTest : public CommandTest {
     }
     return name;
   }
-  /// What the command writes with these arguments; all of one colour where it fails.
-  Image icon(std::vector<std::string> arguments) const {
-    arguments.insert(arguments.begin(), "icon");
-    arguments.insert(arguments.end(), {"-o", "icon.png"});
-    const Result result = run(arguments);
-    EXPECT_EQ(result.status, 0) << result.err;
+  /// The width of the picture that the command writes with these options; 0 where it fails.
+  std::size_t width(const std::string& app, const std::string& options = "") const {
+    const Result result = run("icon -o icon.png " + options, {app});
     EXPECT_EQ(result.out + result.err, "");
-    return Image::decode(contents("icon.png")).value_or(Image(1, 1, {0, 0, 0, 0}));
+    if (result.status != 0) return 0;
+    const std::optional<Image> picture = Image::decode(contents("icon.png"));
+    return picture ? picture->width() : 0;
   }
 };
 
-std::vector<int> pixel(const Image& image, std::size_t x, std::size_t y) {
-  const auto first =
-      image.pixels().begin() + static_cast<std::ptrdiff_t>((y * image.width() + x) * 4);
-  return {first, first + 4};
-}
-
 TEST_F(IconCommandTest, WritesTheLargestIconOrTheOneAskedFor) {
   const std::string notes = app("Notes.app");
-  const Image largest = icon({notes});
-  EXPECT_EQ(largest.width(), 180U);
-  EXPECT_THAT(pixel(largest, 0, 0), ElementsAre(0, 0, 0, 0));
-  EXPECT_THAT(pixel(largest, 90, 90), ElementsAre(255, 255, 255, 255));
-  EXPECT_THAT(pixel(largest, 90, 0), ElementsAre(46, 110, 220, 255));
-
-  EXPECT_EQ(icon({notes, "--name", "AppIcon76x76"}).width(), 152U);
-  EXPECT_EQ(icon({notes, "--name", "AppIcon60x60@2x.png"}).width(), 120U);
-  const Image small = icon({notes, "--size", "45"});
-  EXPECT_EQ(small.height(), 45U);
-  EXPECT_THAT(pixel(small, 22, 22), ElementsAre(255, 255, 255, 255));
-  EXPECT_EQ(icon({app("旅ノート.app")}).width(), 120U);
-  EXPECT_EQ(icon({"device/Applications/Almanac.app/"}).width(), 120U);
+  EXPECT_EQ(width(notes), 180U);
+  EXPECT_EQ(width(notes, "--name AppIcon76x76"), 152U);
+  EXPECT_EQ(width(notes, "--name AppIcon60x60@2x.png"), 120U);
+  EXPECT_EQ(width(notes, "--size 45"), 45U);
+  EXPECT_EQ(width(app("旅ノート.app")), 120U);
+  EXPECT_EQ(width("device/Applications/Almanac.app/"), 120U);
 }
 
 TEST_F(IconCommandTest, AFailureIsOneLineAndLeavesTheFileAlone) {
   write("icon.png", "old");
   write("bare/Info.plist", contents(app("Notes.app") + "/Info.plist"));
-  const struct {
-    std::vector<std::string> arguments;
-    std::string error;
-  } rows[] = {
-      {{"bare"}, "bare: No icon found"},
-      {{"bare", "--name", "a\nb"}, R"(bare: Icon not found: a\nb)"},
-      {{app("Notes.app"), "--size", "0"}, app("Notes.app") + ": Could not resize icon"},
-      {{app("Notes.app"), "--size", "16385"}, app("Notes.app") + ": Could not resize icon"},
-      {{app("Broken.app")}, app("Broken.app") + "/Info.plist: missing key \"CFBundleExecutable\""},
-      {{"nowhere"}, "IPA not found with bundle ID: nowhere"},
-      {{"./nowhere"}, "./nowhere: No such file or directory"},
-      {{app("Notes.app"), "-o", "nowhere/x"}, "nowhere/x: No such file or directory"},
-  };
-  for (const auto& [arguments, error] : rows) {
-    std::vector<std::string> words = {"icon"};
-    words.insert(words.end(), arguments.begin(), arguments.end());
-    if (std::find(words.begin(), words.end(), "-o") == words.end()) {
-      words.insert(words.end(), {"-o", "icon.png"});
-    }
-    const Result result = run(words);
-    EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.err, "tavlen: error: " + error + "\n");
-  }
+  const std::string notes = app("Notes.app");
+  const std::string broken = app("Broken.app");
+  expectRefused(
+      "icon",
+      {{"bare -o icon.png", 1, "bare: No icon found\n"},
+       {"bare --name 'a\nb' -o icon.png", 1, "bare: Icon not found: a\\nb\n"},
+       {notes + " --size 0 -o icon.png", 1, notes + ": Could not resize icon\n"},
+       {notes + " --size 16385 -o icon.png", 1, notes + ": Could not resize icon\n"},
+       {broken + " -o icon.png", 1, broken + "/Info.plist: missing key \"CFBundleExecutable\"\n"},
+       {"nowhere -o icon.png", 1, "IPA not found with bundle ID: nowhere\n"},
+       {"./nowhere -o icon.png", 1, "./nowhere: No such file or directory\n"},
+       {notes + " -o nowhere/x", 1, "nowhere/x: No such file or directory\n"},
+       {"bare", 2, ""},
+       {"bare -o x --size -1", 2, ""}});
   EXPECT_EQ(contents("icon.png"), "old");
-  EXPECT_EQ(run({"icon", "bare"}).status, 2);
-  EXPECT_EQ(run({"icon", "bare", "-o", "x", "--size", "-1"}).status, 2);
 }
 
 TEST_F(IconCommandTest, TheTreeIsReplacedAndNothingElseIs) {
@@ -106,6 +80,27 @@ TEST_F(IconCommandTest, TheTreeIsReplacedAndNothingElseIs) {
       std::system(("'" + script + "' '" + (folder() / "mine").string() + "' 2>/dev/null").c_str()),
       0);
   EXPECT_TRUE(fs::exists(folder() / "mine/file"));
+}
+
+TEST_F(CommandStoreTest, IconSetStoresThePictureAndClearTakesItAway) {
+  const std::string icon = stored(newTweak("T")) + "/Icon.png";
+  const Image picture(2, 1, {1, 2, 3, 255, 4, 5, 6, 7});
+  write("picture", picture.pngData());
+  write("text", "no picture");
+  EXPECT_EQ(run("icon set T picture").err, "");
+  EXPECT_EQ(Image::decode(contents(icon)), picture);
+  setInput("text");
+  for (const char* file : {"text", "-", "gone", "."}) {
+    EXPECT_EQ(run("icon set T", {file}).status, 1) << file;
+  }
+  EXPECT_EQ(Image::decode(contents(icon)), picture) << "as it was";
+  EXPECT_EQ(run("icon clear T").err, "");
+  EXPECT_FALSE(fs::exists(folder() / icon));
+  for (const char* misuse : {"", "set", "set T", "clear", "clear T x", "clear T -o x",
+                             "clear T --size 3", "set T picture x", "-o x", "com.example.notes"}) {
+    EXPECT_EQ(run(std::string("icon ") + misuse).status, 2) << misuse;
+  }
+  EXPECT_FALSE(fs::exists(folder() / icon));
 }
 
 }  // namespace

@@ -2,13 +2,12 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <poll.h>
+#include <pty.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
-#include <chrono>
 #include <csignal>
 #include <string>
 #include <utility>
@@ -18,28 +17,23 @@
 
 namespace tavlen {
 
-/// Far more than anything takes.
-inline constexpr std::chrono::seconds kLimit(30);
-
-/// A running command, whose lines are read as they come.
+/// A running command, whose lines are read as they come. It is killed if it takes far longer than
+/// anything does.
 class RunningCommand {
  public:
-  RunningCommand(std::vector<std::string> words, std::vector<std::string> variables) {
+  /// It prints to a terminal of so many columns, or to a pipe where that is 0.
+  RunningCommand(std::vector<std::string> words, std::vector<std::string> variables,
+                 unsigned short columns = 0) {
     std::array<int, 2> pipe{};
-    EXPECT_EQ(::pipe2(pipe.data(), O_CLOEXEC), 0);
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, pipe[1], 1);
-    posix_spawn_file_actions_adddup2(&actions, pipe[1], 2);
-    std::vector<char*> environment;
-    for (std::string& variable : variables) environment.push_back(variable.data());
-    // What the sanitizers are to overlook stands there; of equal names the first counts.
-    for (char** variable = environ; *variable != nullptr; ++variable) {
-      environment.push_back(*variable);
-    }
-    environment.push_back(nullptr);
-    child_ = startCommand(std::move(words), environment, actions);
-    posix_spawn_file_actions_destroy(&actions);
+    const winsize size{24, columns, 0, 0};
+    EXPECT_EQ(columns > 0 ? ::openpty(pipe.data(), &pipe[1], nullptr, nullptr, &size)
+                          : ::pipe2(pipe.data(), O_CLOEXEC),
+              0);
+    child_ = startCommand(std::move(words), std::move(variables), [&] {
+      ::alarm(120);
+      ::dup2(pipe[1], 1);
+      ::dup2(pipe[1], 2);
+    });
     ::close(pipe[1]);
     output_ = pipe[0];
   }
@@ -53,35 +47,27 @@ class RunningCommand {
     }
   }
 
-  /// The next line that it prints, to either stream; what it has of one when the time is over.
-  std::string line() {
-    const std::chrono::steady_clock::time_point last = std::chrono::steady_clock::now() + kLimit;
-    while (text_.find('\n') == std::string::npos && std::chrono::steady_clock::now() < last) {
-      pollfd output = {output_, POLLIN, 0};
-      if (::poll(&output, 1, 1000) <= 0) continue;
-      std::array<char, 4096> bytes;
+  /// What it prints, to either stream, until the next `end`, or until its own end.
+  std::string until(char end = '\n') {
+    std::array<char, 4096> bytes;
+    while (text_.find(end) == std::string::npos) {
       const ssize_t size = ::read(output_, bytes.data(), bytes.size());
       if (size <= 0) break;
       text_.append(bytes.data(), static_cast<std::size_t>(size));
     }
-    const std::size_t end = std::min(text_.find('\n'), text_.size());
-    const std::string line = text_.substr(0, end);
-    text_.erase(0, end + 1);
-    return line;
+    const std::size_t size = std::min(text_.find(end), text_.size());
+    const std::string found = text_.substr(0, size);
+    text_.erase(0, size + 1);
+    return found;
   }
   void closeOutput() {
     if (output_ >= 0) ::close(std::exchange(output_, -1));
   }
   void signal(int number) const { ::kill(child_, number); }
-  /// Its exit status, or minus the signal that ended it; nothing good when it does not end.
+  /// Its exit status, or minus the signal that ended it.
   int status() {
     int status = 0;
-    const std::chrono::steady_clock::time_point last = std::chrono::steady_clock::now() + kLimit;
-    while (::waitpid(child_, &status, WNOHANG) == 0) {
-      if (std::chrono::steady_clock::now() > last) return -1000;
-      ::usleep(10'000);
-    }
-    child_ = 0;
+    ::waitpid(std::exchange(child_, 0), &status, 0);
     return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
   }
 

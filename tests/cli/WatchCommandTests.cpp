@@ -30,8 +30,8 @@ class WatchCommandTest : public CommandStoreTest {
   std::unique_ptr<RunningCommand> watch(const std::vector<std::string>& options = {}) const {
     std::vector<std::string> words = {"watch", "--root", (folder() / "tree").string()};
     words.insert(words.end(), options.begin(), options.end());
-    auto command = std::make_unique<RunningCommand>(words, std::vector<std::string>{"LC_ALL=C"});
-    const std::string first = command->line();
+    auto command = std::make_unique<RunningCommand>(words, std::vector<std::string>());
+    const std::string first = command->until();
     EXPECT_TRUE(first.starts_with("tavlen: watching ")) << first;
     return command;
   }
@@ -47,21 +47,15 @@ TEST_F(WatchCommandTest, PrintsALineAChangedItem) {
       {[] {}, "created " + id + " manifest A b"},
       {[&] { place(id + "/script.objs", "x();"); }, "changed " + id + " script A b"},
       {[&] { placeCollection("C"); }, "created C.collection manifest C"},
-      {[&] {
-         run({"collection", "add", "C", id});
-       },
-       "changed C.collection manifest C"},
-      {[&] {
-         run({"delete", id});
-       },
-       "deleted " + id + " manifest,script A b"},
+      {[&] { run("collection add C", {id}); }, "changed C.collection manifest C"},
+      {[&] { run("delete", {id}); }, "deleted " + id + " manifest,script A b"},
       {[&] { fs::remove_all((folder() / stored("")).parent_path()); },
        "deleted C.collection manifest C"},
       {[&] { place("B/Manifest.json", "{"); }, "created B manifest -"},
   };
   for (const auto& step : steps) {
     step.change();
-    EXPECT_EQ(watched->line(), step.line);
+    EXPECT_EQ(watched->until(), step.line);
   }
 }
 
@@ -69,10 +63,10 @@ TEST_F(WatchCommandTest, PrintsAnObjectALine) {
   place("A/Manifest.json", "{");
   const auto watched = watch({"--json"});
   place("A/Icon.png", "");
-  EXPECT_EQ(watched->line(),
+  EXPECT_EQ(watched->until(),
             R"({"event":"changed","kind":"tweak","identifier":"A","documents":["icon"]})");
   placeCollection("a\\nb");
-  const std::string line = watched->line();
+  const std::string line = watched->until();
   EXPECT_TRUE(line.starts_with(R"({"event":"created","kind":"collection",)")) << line;
 }
 

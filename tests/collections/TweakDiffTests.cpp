@@ -42,10 +42,10 @@ TEST_F(TweakDiffTest, EveryObserverGetsEveryListInOrder) {
   using Diff = TweakFile::Diff;
   const auto diff = [&](Diff::Mode mode) { return std::make_shared<Diff>(tweak, std::move(mode)); };
   postTweakDiffs(center,
-                 {diff(Diff::AddHooks()), diff(Diff::UpdateHook()), diff(Diff::DeleteHook()),
-                  diff(Diff::UpdateIcon()), collection->diffFor(GenericTweakDiffMode::create)});
+                 {diff(Diff::AddHooks()), diff(Diff::DeleteHook()), diff(Diff::UpdateIcon()),
+                  collection->diffFor(GenericTweakDiffMode::create)});
   postTweakDiffs(center, {});
-  const std::string all = " addHooks updateHook deleteHook updateIcon collection create";
+  const std::string all = " addHooks deleteHook updateIcon collection create";
   EXPECT_THAT(calls, ElementsAre("1" + all, "2" + all, "1", "2"));
   EXPECT_THAT(announced(), IsEmpty()) << "it was another centre";
 

@@ -36,13 +36,10 @@ std::string pathOf(const std::array<char, 400>& text) {
   return path;
 }
 
-bool isSyncOf(const Record& record, const std::string& path) {
-  return record.call == Call::sync && record.error == 0 && pathOf(record.path) == path;
-}
-
 bool isSynced(std::span<const Record> records, const std::string& path) {
-  return std::any_of(records.begin(), records.end(),
-                     [&](const Record& record) { return isSyncOf(record, path); });
+  return std::any_of(records.begin(), records.end(), [&](const Record& record) {
+    return record.call == Call::sync && record.error == 0 && pathOf(record.path) == path;
+  });
 }
 
 }  // namespace

@@ -42,9 +42,7 @@ inline std::ostream& operator<<(std::ostream& out, const Operation& operation) {
 }
 
 /// All, one function a source. Who adds an operation that saves adds it there.
-std::vector<Operation> collectionOperations();
-std::vector<Operation> hookOperations();
+std::vector<Operation> storeOperations();
 std::vector<Operation> installOperations();
-std::vector<Operation> tweakOperations();
 
 }  // namespace tavlen::faults

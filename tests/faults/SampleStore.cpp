@@ -18,11 +18,9 @@ std::string manifestNamed(const std::string& name) {
 
 }  // namespace
 
-void SampleStore::make() {
-  root_ = fs::canonical(folder_.path()) / "root";
-  copy_ = folder_.path() / "copy";
-  store_ = kTweaksDir;
-  const std::string store = "root" + store_ + "/";
+SampleStore::SampleStore(const std::function<void()>& prepare)
+    : root_(fs::canonical(folder_.path()) / "root"), copy_(folder_.path() / "copy") {
+  const std::string store = "root" + std::string(kTweaksDir) + "/";
   folder_.write(store + kFirstTweak + "/Manifest.json", manifestNamed("First"));
   folder_.write(store + kFirstTweak + "/script.objs", "first();\n");
   folder_.write(store + kFirstTweak + "/Resources/note.txt", "a note");
@@ -35,9 +33,9 @@ void SampleStore::make() {
       R"("tweaks":[")" +
           kFirstTweak + R"(",")" + kSecondTweak + R"("]})");
   DeviceRoot::setShared(DeviceRoot(root_));
+  if (prepare) prepare();
+  fs::copy(root_, copy_, fs::copy_options::recursive);
 }
-
-void SampleStore::keep() const { fs::copy(root_, copy_, fs::copy_options::recursive); }
 
 void SampleStore::reset() const {
   fs::remove_all(root_);

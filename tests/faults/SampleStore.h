@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <string>
 
 #include "tests/support/TemporaryFolder.h"
@@ -16,29 +17,17 @@ inline const std::string kCollection = "33333333-3333-4333-8333-333333333333.col
 /// back as it was prepared for every run.
 class SampleStore {
  public:
-  /// `prepare` adds to it.
-  template <class Prepare>
-  explicit SampleStore(const Prepare& prepare) {
-    make();
-    if (prepare) prepare();
-    keep();
-  }
+  /// `prepare` adds to it, where it is set.
+  explicit SampleStore(const std::function<void()>& prepare);
 
   const std::filesystem::path& root() const { return root_; }
-  /// The tweaks directory, relative to root().
-  const std::string& store() const { return store_; }
-
   /// Everything is as it was prepared again.
   void reset() const;
 
  private:
-  void make();
-  void keep() const;
-
   TemporaryFolder folder_{memoryFolder()};
   std::filesystem::path root_;
   std::filesystem::path copy_;
-  std::string store_;
 };
 
 }  // namespace tavlen::faults

@@ -1,7 +1,5 @@
 #include "tests/faults/StoreTree.h"
 
-#include <sys/stat.h>
-
 #include <algorithm>
 #include <utility>
 #include <vector>
@@ -14,30 +12,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::string modeOf(const fs::path& path) {
-  struct stat status {};
-  ::lstat(path.c_str(), &status);
-  return std::to_string(status.st_mode) + ":";
-}
-
-void add(const fs::path& path, const std::string& name, Tree& tree,
-         const ArchiveReader& readArchive) {
-  if (path.filename().native().starts_with('.')) return;
-  std::string& entry = tree[name];
-  entry = modeOf(path);
-  if (fs::is_symlink(path)) {
-    entry += fs::read_symlink(path).native();
-  } else if (fs::is_directory(path)) {
-    for (const fs::directory_entry& child : fs::directory_iterator(path)) {
-      add(child.path(), name + "/" + child.path().filename().native(), tree, readArchive);
-    }
-  } else if (path.extension().native().starts_with(".tvx") && readArchive) {
-    for (const auto& [inside, contents] : readArchive(path)) tree[name + inside] = contents;
-  } else {
-    entry += readFile(path);
-  }
-}
-
 void replaceAll(std::string& text, const std::string& from, const std::string& to) {
   for (std::size_t at = text.find(from); at != text.npos; at = text.find(from, at + to.size())) {
     text.replace(at, from.size(), to);
@@ -48,8 +22,25 @@ void replaceAll(std::string& text, const std::string& from, const std::string& t
 
 Tree readTree(const fs::path& folder, const ArchiveReader& readArchive) {
   Tree tree;
-  for (const fs::directory_entry& child : fs::directory_iterator(folder)) {
-    add(child.path(), "/" + child.path().filename().native(), tree, readArchive);
+  for (auto entry = fs::recursive_directory_iterator(folder);
+       entry != fs::recursive_directory_iterator(); ++entry) {
+    const fs::path& path = entry->path();
+    if (path.filename().native().starts_with('.')) {
+      entry.disable_recursion_pending();
+      continue;
+    }
+    const fs::file_status status = entry->symlink_status();
+    const std::string name = path.native().substr(folder.native().size());
+    std::string& text = tree[name];
+    text = std::to_string(static_cast<int>(status.type())) + " " +
+           std::to_string(static_cast<unsigned>(status.permissions())) + ":";
+    if (fs::is_symlink(status)) {
+      text += fs::read_symlink(path).native();
+    } else if (readArchive && path.extension().native().starts_with(".tvx")) {
+      for (const auto& [inside, contents] : readArchive(path)) tree[name + inside] = contents;
+    } else if (fs::is_regular_file(status)) {
+      text += readFile(path);
+    }
   }
   return tree;
 }

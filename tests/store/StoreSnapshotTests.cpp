@@ -3,31 +3,22 @@
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <string>
 
 #include "tavlen/device/DevicePaths.h"
-#include "tavlen/device/DeviceRoot.h"
 #include "tavlen/foundation/files/FileReplacement.h"
-#include "tests/support/TemporaryFolder.h"
+#include "tests/support/StoreTest.h"
 
 namespace tavlen {
 namespace {
 
 namespace fs = std::filesystem;
 
-class StoreSnapshotTest : public testing::Test {
+class StoreSnapshotTest : public StoreTest {
  protected:
-  StoreSnapshotTest() { DeviceRoot::setShared(DeviceRoot(folder_.path())); }
-  ~StoreSnapshotTest() override { DeviceRoot::setShared(DeviceRoot()); }
-
   void write(const std::string& name) const {
-    folder_.write(std::string(kTweaksDir).substr(1) + "/" + name, "text");
+    root_.write(std::string(kTweaksDir).substr(1) + "/" + name, "text");
   }
-  fs::path stored(const std::string& name) const {
-    return folder_.path() / std::string(kTweaksDir).substr(1) / name;
-  }
-
-  TemporaryFolder folder_;
+  static fs::path stored(const std::string& name) { return TweaksDirectory::url() / name; }
 };
 
 /// A change's kind by its sign, and its documents by their first letters: "+T:msi".

@@ -43,13 +43,10 @@ TEST_F(TweakArchiveTest, NamesBecomeFileNames) {
       {"", ""},  // the identifier
       {":/", "--"},
       {std::string("a\0b", 3), "a-b"},
-      {".", "."},
       {"..", ".."},
-      {".hidden", ".hidden"},
       {"n.tvx", "n.tvx"},
       {longName, longName.substr(0, 251)},
-      {longName.substr(1), longName.substr(1, 250)},
-      {std::string(300, 'n'), std::string(251, 'n')}};
+      {longName.substr(1), longName.substr(1, 250)}};
   for (const auto& [name, stem] : rows) {
     const auto tweak = newTweak(name);
     const fs::path file = TweakManager::export_(*tweak);

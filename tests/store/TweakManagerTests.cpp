@@ -99,22 +99,15 @@ TEST_F(TweakManagerTest, TheNameTellsTheKind) {
   EXPECT_THROW(TweakManager::tweakWithID("collection"), TweakFile::Error);
   EXPECT_THROW(TweakManager::tweakWithID("D.collection"), TweakError);
 
-  const struct {
-    const char* id;
-    bool ofTweak;
-    bool ofCollection;
-  } ids[] = {{"", true, false},
-             {"0A1B2C3D-0000-4000-8000-00000000000F", true, false},
-             {"collection", true, false},
-             {"a.b", false, false},
-             {".", false, false},
-             {".collection", false, true},
-             {"x.collection", false, true},
-             {"x.Collection", false, false},
-             {"x.collection.tvxc", false, false}};
-  for (const auto& [id, ofTweak, ofCollection] : ids) {
-    EXPECT_EQ(TweakFile::isValidID(id), ofTweak) << id;
-    EXPECT_EQ(TweakCollection::isValidID(id), ofCollection) << id;
+  const std::vector<std::string_view> tweaks = {"", "0A1B2C3D-0000-4000-8000-00000000000F",
+                                                "collection"};
+  const std::vector<std::string_view> collections = {".collection", "x.collection"};
+  const std::vector<std::string_view> neither = {"a.b", ".", "x.Collection", "x.collection.tvxc"};
+  for (const auto& ids : {tweaks, collections, neither}) {
+    for (const std::string_view id : ids) {
+      EXPECT_EQ(TweakFile::isValidID(id), ids == tweaks) << id;
+      EXPECT_EQ(TweakCollection::isValidID(id), ids == collections) << id;
+    }
   }
 }
 

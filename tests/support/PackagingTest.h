@@ -1,7 +1,5 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <filesystem>
 #include <memory>
@@ -10,21 +8,18 @@
 
 #include "tavlen/bundles/AppList.h"
 #include "tavlen/device/DevicePaths.h"
-#include "tavlen/device/DeviceRoot.h"
 #include "tavlen/device/TweakInfo.h"
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/foundation/image/Image.h"
 #include "tests/support/AppPlist.h"
-#include "tests/support/TemporaryFolder.h"
+#include "tests/support/StoreTest.h"
 #include "tests/support/Thrown.h"
 
 namespace tavlen {
 
-/// A device tree with the app com.example.notes, stored tweaks, and a transpiler that gives back
-/// what it is given.
-///
-/// The tree is that of the process, as the shared app list is.
-class PackagingTest : public testing::Test {
+/// With the app com.example.notes, stored tweaks, and a transpiler that gives back what it is
+/// given.
+class PackagingTest : public StoreTest {
  protected:
   /// Lists that app and a.b for the shared list, which asks once in a process.
   struct Fetcher final : AppListFetcher {
@@ -37,10 +32,6 @@ class PackagingTest : public testing::Test {
       (AppList::setSharedFetcher(std::make_unique<Fetcher>()), true);
 
   PackagingTest() {
-    DeviceRoot::setShared(DeviceRoot(tree().path()));
-    for (const auto& entry : std::filesystem::directory_iterator(tree().path())) {
-      std::filesystem::remove_all(entry.path());
-    }
     tree().write("Applications/Notes.app/Info.plist",
                  appPlist("com.example.notes", "Notes",
                           "<key>CFBundleVersion</key><string>1</string><key>MinimumOSVersion</key>"
@@ -50,7 +41,6 @@ class PackagingTest : public testing::Test {
                  "throw new Error('bad'); return { code: source + ++count, map: 'map' }; } };");
     std::filesystem::create_directory(directory());
   }
-  ~PackagingTest() override { DeviceRoot::setShared(DeviceRoot()); }
 
   /// Makes the stored tweak `id`; gives its folder's path in the tree, a slash at its end.
   static std::string tweak(const std::string& id, const std::string& script = "",
@@ -65,10 +55,6 @@ class PackagingTest : public testing::Test {
   }
   static std::string icon(std::uint8_t red) { return Image(1, 1, {red, 0, 0, 255}).pngData(); }
 
-  static const TemporaryFolder& tree() {
-    static const TemporaryFolder folder;
-    return folder;
-  }
   /// The store's folder in the tree.
   static std::string store() { return std::string(kTweaksDir.substr(1)) + "/"; }
   static std::filesystem::path path(const std::string& name) { return tree().path() / name; }

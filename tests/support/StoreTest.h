@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <utility>
 #include <variant>
@@ -21,19 +22,28 @@
 
 namespace tavlen {
 
-/// The name of a diff's mode.
+/// The name of a diff's mode, and the selectors of its hooks: "updateHook a".
 inline std::string nameOf(const TweakDiffProtocol& diff) {
   static constexpr const char* kTweakModes[] = {
       "updateHook", "addHooks", "create", "updateManifest", "updateIcon", "deleteHook", "delete"};
   static constexpr const char* kCollectionModes[] = {"create", "updateManifest", "delete"};
   if (const auto* tweak = dynamic_cast<const TweakFile::Diff*>(&diff)) {
-    return kTweakModes[tweak->mode.index()];
+    std::string text = kTweakModes[tweak->mode.index()];
+    using Mode = TweakFile::Diff;
+    if (const auto* update = std::get_if<Mode::UpdateHook>(&tweak->mode)) {
+      text += " " + update->hook.selector;
+    } else if (const auto* added = std::get_if<Mode::AddHooks>(&tweak->mode)) {
+      for (const Hook& hook : added->hooks) text += " " + hook.selector;
+    }
+    return text;
   }
   const auto& collection = dynamic_cast<const TweakCollection::Diff&>(diff);
   return std::string("collection ") + kCollectionModes[static_cast<int>(collection.mode)];
 }
 
-/// A device tree of the test's own with an empty store. Notes what is announced.
+/// A device tree with an empty store. Notes what is announced.
+///
+/// The tree is that of the process, as the shared app list is, and is empty for every test.
 class StoreTest : public testing::Test {
  protected:
   static constexpr const char* kTweakManifest =
@@ -41,6 +51,9 @@ class StoreTest : public testing::Test {
 
   StoreTest() {
     DeviceRoot::setShared(DeviceRoot(root_.path()));
+    for (const auto& entry : std::filesystem::directory_iterator(root_.path())) {
+      removeItem(entry.path());
+    }
     token_ = NotificationCenter::default_().addObserver(
         std::string(kTweaksDidUpdateNotification), nullptr,
         [this](const Notification& notification) { note(notification); });
@@ -58,7 +71,10 @@ class StoreTest : public testing::Test {
   }
 
   /// The diffs since the last call, as their modes' names; a list of several in brackets.
-  std::vector<std::string> announced() { return std::exchange(announced_, {}); }
+  std::vector<std::string> announced() {
+    const std::lock_guard lock(lock_);
+    return std::exchange(announced_, {});
+  }
 
   /// How many entries the store's folder has, hidden ones too.
   static std::ptrdiff_t storedEntries() {
@@ -71,7 +87,12 @@ class StoreTest : public testing::Test {
     return std::filesystem::exists(TweaksDirectory::url().parent_path() / ".TemporaryItems");
   }
 
-  TemporaryFolder root_;
+  static const TemporaryFolder& tree() {
+    static const TemporaryFolder folder;
+    return folder;
+  }
+
+  const TemporaryFolder& root_ = tree();
 
  private:
   void note(const Notification& notification) {
@@ -80,11 +101,13 @@ class StoreTest : public testing::Test {
     for (const TweakDiff& diff : diffs) {
       text += (text.empty() ? "" : ", ") + (diff != nullptr ? nameOf(*diff) : "null");
     }
+    const std::lock_guard lock(lock_);
     announced_.push_back(diffs.size() == 1 ? text : "[" + text + "]");
   }
 
   NotificationCenter::Token token_{};
-  std::vector<std::string> announced_;
+  std::mutex lock_;
+  std::vector<std::string> announced_;  ///< guarded by lock_
 };
 
 }  // namespace tavlen

@@ -17,19 +17,17 @@ Hook hookOn(std::string className, std::string selector,
 }
 
 TEST(Hook, IsStoredWithItsNameOnlyWhenItHasOne) {
-  Hook hook =
-      Hook::with("A", "b:", "v24@0:8@16", true, {{0, NilParameter{}}, {-1, CodeParameter{"x"}}});
+  const std::map<std::int64_t, Parameter> args = {{0, NilParameter{}}, {-1, CodeParameter{"x"}}};
+  Hook hook = Hook::with("A", "b:", "v24@0:8@16", true, args);
   const std::string plain =
       R"("className":"A","selector":"b:","signature":"v24@0:8@16","isClassMethod":true,)"
       R"("args":{"-1":{"type":"Code","code":"x"},"0":{"type":"Nil"}}})";
   EXPECT_EQ(encodeJSON(hook), "{" + plain);
-  EXPECT_EQ(decodeJSON<Hook>("{" + plain), hook);
   EXPECT_EQ(decodeJSON<Hook>(R"({"customName":null,)" + plain), hook);
   hook.customName = "";
   EXPECT_EQ(encodeJSON(hook), R"({"customName":"",)" + plain);
   EXPECT_EQ(decodeJSON<Hook>(encodeJSON(hook)), hook);
-  EXPECT_EQ(hook.args(),
-            (std::map<std::int64_t, Parameter>{{-1, CodeParameter{"x"}}, {0, NilParameter{}}}));
+  EXPECT_EQ(hook.args(), args);
   EXPECT_EQ(hook.transpilerKey(), "v24@0:8@16+b:");
   EXPECT_EQ(hook.identity(), (MethodIdentity{"A", "b:", true}));
 }
@@ -42,17 +40,6 @@ TEST(Hook, IsMadeOfAMethodAndGivesItBack) {
   EXPECT_EQ(hook, Hook::with("A", "b:", "v24@0:8@16", true, args));
   EXPECT_EQ(*hook.method(), method);
   EXPECT_NE(hook.method(), hook.method());
-}
-
-TEST(Hook, AWrongDocumentIsRefused) {
-  const char* cases[] = {
-      R"({"selector":"b","signature":"","isClassMethod":true,"args":{}})",
-      R"({"className":"A","selector":"b","signature":"","isClassMethod":1,"args":{}})",
-      R"({"className":"A","selector":"b","signature":"","isClassMethod":true,"args":[]})",
-      R"({"className":"A","selector":"b","signature":"","isClassMethod":true,"args":{"one":{"type":"Nil"}}})",
-      R"({"className":"A","selector":"b","signature":"","isClassMethod":true,"args":{"1":null}})",
-      R"({"className":"A","selector":"b","signature":"","isClassMethod":true,"args":null})"};
-  for (const char* json : cases) EXPECT_THROW(decodeJSON<Hook>(json), DecodingError) << json;
 }
 
 TEST(HookSource, RendersOneFunctionAHook) {

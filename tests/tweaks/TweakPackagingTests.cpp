@@ -5,6 +5,7 @@
 
 #include <functional>
 
+#include "tavlen/bundles/IPA.h"
 #include "tavlen/bundles/Info.h"
 #include "tavlen/foundation/plist/PropertyListDecoder.h"
 #include "tavlen/items/TweakError.h"
@@ -72,6 +73,13 @@ TEST_F(TweakPackagingTest, LeavesOutWhatTheTweakDoesNotHave) {
 
 TEST_F(TweakPackagingTest, AFailureLeavesNothing) {
   tree().write("secret", "secret");
+  tree().write("Icon.png", icon(1));
+  const auto linked = [](const std::string& name, const fs::path& target) {
+    return [=](const std::string& folder) {
+      fs::create_directories(path(folder + name).parent_path());
+      fs::create_symlink(target, path(folder + name));
+    };
+  };
   const struct {
     std::function<void(const std::string& folder)> spoil;
     std::string error;  ///< a part of it
@@ -81,30 +89,19 @@ TEST_F(TweakPackagingTest, AFailureLeavesNothing) {
       {[](const auto&) { tweak("T", "bad"); }, "Error: bad\n\nCall stack:\ntranspile@"},
       {[](const auto& folder) { fs::remove(path(folder + "Manifest.json")); },
        "Missing Manifest.json"},
-      {[](const auto& folder) { fs::create_symlink("/secret", path(folder + "Resources")); },
-       "/T/Resources: a symbolic link is not packaged: Invalid argument"},
-      {[](const auto& folder) {
-         tree().write(folder + "Resources/a/b", "");
-         fs::create_symlink("b", path(folder + "Resources/a/link"));
-       },
-       "/T/Resources/a/link: a symbolic link is not packaged: Invalid argument"},
-      {[](const auto& folder) {
-         fs::create_directory(path(folder + "Executables"));
-         fs::create_symlink(path("secret"), path(folder + "Executables/link"));
-       },
-       "/T/Executables/link: a symbolic link is not packaged: Invalid argument"},
+      {linked("Resources", "/secret"),
+       "/T/Resources: a symbolic link is not packaged: Invalid arg"},
+      {linked("Resources/a/link", "b"), "/T/Resources/a/link: a symbolic link is not packaged: "},
+      {linked("Executables/link", path("secret")),
+       "/T/Executables/link: a symbolic link is not packaged: "},
+      {linked("Icon.png", path("Icon.png")), "/T/Icon.png: a symbolic link is not packaged: "},
       {[](const auto& folder) {
          fs::create_directory(path(folder + "Resources"));
          ::mkfifo(path(folder + "Resources/pipe").c_str(), 0600);
        },
        "/T/Resources/pipe: "},
       {[](const auto& folder) { tree().write(folder + "Resources", ""); },
-       "/T/Resources: Not a directory"},
-      {[](const auto& folder) {
-         tree().write("Icon.png", icon(1));
-         fs::create_symlink(path("Icon.png"), path(folder + "Icon.png"));
-       },
-       "/T/Icon.png: a symbolic link is not packaged: Invalid argument"}};
+       "/T/Resources: Not a directory"}};
   for (const auto& [spoil, error] : rows) {
     fs::remove_all(path(store()));
     const std::string folder = tweak("T");
@@ -127,6 +124,34 @@ TEST_F(TweakPackagingTest, AFailureLeavesNothing) {
   tweak("T", "", "", "com.gone");
   tweakInfo_.bundleID = "com.gone";
   EXPECT_EQ(failure(), "IPA not found with bundle ID: com.gone");
+}
+
+TEST_F(TweakPackagingTest, TheTargetAppLendsItsIconAndValues) {
+  const fs::path info = tree().write(
+      "Applications/App.app/Info.plist",
+      appPlist("a.b", "x",
+               "<key>CFBundleVersion</key><string>1.7</string><key>CFBundleIconFile</key>"
+               "<string>Icon</string>"));
+  const Image red(1, 1, {255, 0, 0, 255});
+  const Image green(1, 1, {0, 255, 0, 255});
+  tree().write("Applications/App.app/Icon.png", green.pngData());
+  const auto tweak = newTweak("A");
+  EXPECT_EQ(tweak->associatedIPA()->appDir(), info.parent_path());
+  EXPECT_EQ(tweak->displayedIcon(), green);
+  tweak->setCustomIcon(red);
+  EXPECT_EQ(tweak->displayedIcon(), red);
+  std::ofstream(tweak->url() / "Icon.png") << "no picture";
+  EXPECT_EQ(tweak->displayedIcon(), green);
+  for (const auto& [index, kind] : OverrideContainer::allByIndex()) {
+    if (kind.identifier == "Build") {
+      EXPECT_EQ(std::get<BuildOverride>(tweak->makeOverride(kind)).value, "1.7");
+    }
+  }
+  tweak->updateManifest([](auto& manifest) { manifest.configuration.bundleID = "not.there"; });
+  EXPECT_THROW(tweak->displayedIcon(), IPA::Error);
+  EXPECT_THROW(tweak->associatedIPA(), IPA::Error);
+  tweak->delete_();
+  EXPECT_FALSE(fs::exists(tweak->url())) << "there is nothing to uninstall it from";
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include "tavlen/tweaks/HookSource.h"
 #include "tavlen/tweaks/Manifest.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/Thrown.h"
 
 namespace tavlen {
 namespace {
@@ -26,11 +27,9 @@ class TweakProcessorTest : public testing::Test {
   }
   /// The description of what converting `source` reports.
   static std::string errorOf(TweakProcessor& processor, const std::string& source = "x") {
-    try {
-      return "none: " + processor.convert(source).code;
-    } catch (const Error& error) {
-      return error.description();
-    }
+    std::string code;
+    const auto error = thrown<Error>([&] { code = processor.convert(source).code; });
+    return error ? error->description() : "none: " + code;
   }
   std::string errorOfBody(const std::string& body) const {
     TweakProcessor processor = processorOf(transpiler(body));
@@ -81,33 +80,21 @@ TEST_F(TweakProcessorTest, TextSurvivesBothWays) {
 }
 
 TEST_F(TweakProcessorTest, ReportsWhatWasThrown) {
-  const std::pair<const char*, const char*> cases[] = {
-      {"throw 'text';", "undefined: undefined"},
-      {"throw 5;", "undefined: undefined"},
-      {"throw Symbol('s');", "undefined: undefined"},
-      {"throw null;", "undefined: undefined"},
-      {"throw undefined;", "undefined: undefined"},
-      {"throw { name: 'N', message: null };", "N: null"},
-      {"throw { name: 1, message: [2, 3], stack: 's\\n2' };", "1: 2,3\n\nCall stack:\ns\n2"},
-      {"throw { get name() { throw 1; }, get message() { throw 2; }, get stack() { throw 3; } };",
-       "undefined: undefined"},
-      {"throw { name: Symbol(), message: { toString() { throw 1; } }, stack: Symbol() };",
-       "undefined: undefined"},
-      {"throw new Proxy({}, { get() { throw 1; } });", "undefined: undefined"}};
-  for (const auto& [body, description] : cases) EXPECT_EQ(errorOfBody(body), description) << body;
-  TweakProcessor processor = processorOf(transpiler("throw new SyntaxError('Unexpected token');"));
-  try {
-    processor.convert("");
-    ADD_FAILURE() << "converted";
-  } catch (const Error& error) {
-    EXPECT_EQ(error.which(), Error::Case::jsException);
-    EXPECT_EQ(error.name(), "SyntaxError");
-    EXPECT_EQ(error.message(), "Unexpected token");
-    ASSERT_TRUE(error.stack().has_value());
-    EXPECT_NE(error.stack()->find("transpile@ob.js:1"), std::string::npos) << *error.stack();
-    EXPECT_EQ(error.description(),
-              "SyntaxError: Unexpected token\n\nCall stack:\n" + *error.stack());
+  for (const char* thing :
+       {"'text'", "5", "Symbol('s')", "null", "undefined", "new Proxy({}, { get() { throw 1; } })",
+        "{ get name() { throw 1; }, get message() { throw 2; }, get stack() { throw 3; } }",
+        "{ name: Symbol(), message: { toString() { throw 1; } }, stack: Symbol() }"}) {
+    EXPECT_EQ(errorOfBody("throw " + std::string(thing)), "undefined: undefined") << thing;
   }
+  EXPECT_EQ(errorOfBody("throw { name: 'N', message: null };"), "N: null");
+  EXPECT_EQ(errorOfBody("throw { name: 1, message: [2, 3], stack: 's\\n2' };"),
+            "1: 2,3\n\nCall stack:\ns\n2");
+  TweakProcessor processor = processorOf(transpiler("throw new SyntaxError('Unexpected token');"));
+  const Error error = thrown<Error>([&] { processor.convert(""); }).value();
+  EXPECT_EQ(error.which(), Error::Case::jsException);
+  EXPECT_EQ(error.name() + "/" + error.message(), "SyntaxError/Unexpected token");
+  EXPECT_TRUE(error.stack().value().find("transpile@ob.js:1") != std::string::npos);
+  EXPECT_EQ(error.description(), "SyntaxError: Unexpected token\n\nCall stack:\n" + *error.stack());
   EXPECT_EQ(errorOfBody("return transpile2();").substr(0, 16), "ReferenceError: ");
   EXPECT_EQ(errorOfBody("return (function f() { f(); })();").substr(0, 12), "RangeError: ");
 }
@@ -131,9 +118,7 @@ TEST_F(TweakProcessorTest, AResultOfAnotherShapeIsInvalid) {
   }
   EXPECT_EQ(errorOfBody("function f() {} f.code = 'c'; f.map = ''; return f;"), "none: c");
   EXPECT_EQ(errorOfBody("return { __proto__: { code: 'p', map: '' } };"), "none: p");
-}
-
-TEST_F(TweakProcessorTest, AnInvalidResultLeavesTheNextConversionAlone) {
+  // It leaves the next conversion alone.
   TweakProcessor processor =
       processorOf(transpiler("return calls == 1 ? 5 : { code: '' + calls, map: '' };"));
   EXPECT_EQ(errorOf(processor), "Transpiler output was not a String");
@@ -154,13 +139,10 @@ TEST_F(TweakProcessorTest, TheFirstExceptionIsReportedForEver) {
       transpiler("return { get code() { throw { name: 'Getter', message: calls }; }, map: '' };"));
   EXPECT_EQ(errorOf(other), "Transpiler output was not a String");
   EXPECT_EQ(errorOf(other), "Getter: 1");
-}
-
-TEST_F(TweakProcessorTest, AnExceptionWhileLoadingIsReportedByTheFirstConversion) {
-  TweakProcessor processor = processorOf(transpiler("return { code: '', map: '' };") +
-                                         "throw { name: 'L', message: 'm' };");
-  EXPECT_EQ(errorOf(processor), "L: m");
-  EXPECT_EQ(errorOf(processor), "L: m");
+  TweakProcessor failsToLoad = processorOf(transpiler("return { code: '', map: '' };") +
+                                           "throw { name: 'L', message: 'm' };");
+  EXPECT_EQ(errorOf(failsToLoad), "L: m");
+  EXPECT_EQ(errorOf(failsToLoad), "L: m");
 }
 
 TEST_F(TweakProcessorTest, ATranspilerWithoutItsMethodIsAnError) {

@@ -179,10 +179,13 @@ Subject onPaths(Call call, int folder, const char* path, int newFolder, const ch
   return {call, absolute(folder, path), absolute(newFolder, newPath)};
 }
 
-Subject onStream(Call call, std::FILE* stream, std::size_t size = 0) {
-  Subject subject = onDescriptor(call, stream == nullptr ? -1 : ::fileno(stream), size);
+Subject uninterrupted(Subject subject) {
   subject.isInterruptible = false;
   return subject;
+}
+
+Subject onStream(Call call, std::FILE* stream, std::size_t size = 0) {
+  return uninterrupted(onDescriptor(call, stream == nullptr ? -1 : ::fileno(stream), size));
 }
 
 Call callOfFlags(int flags) {
@@ -220,107 +223,79 @@ using namespace tavlen::faults;  // NOLINT(google-build-using-namespace)
   }                                                                                  \
   extern "C" __attribute__((visibility("default"))) result injected_##symbol parameters
 
-#define INTERPOSE_OPEN(symbol)                                                  \
-  INTERPOSE(int, symbol, (const char* path, int flags, mode_t mode)) {          \
-    return pass(onPath(callOfFlags(flags), AT_FDCWD, path),                     \
-                [=](std::size_t) { return next_##symbol(path, flags, mode); }); \
-  }
-#define INTERPOSE_OPENAT(symbol)                                                        \
-  INTERPOSE(int, symbol, (int folder, const char* path, int flags, mode_t mode)) {      \
-    return pass(onPath(callOfFlags(flags), folder, path),                               \
-                [=](std::size_t) { return next_##symbol(folder, path, flags, mode); }); \
+/// A function that passes on its arguments as they are, for a call on `subject`. `some` is how many
+/// bytes to write.
+#define INTERPOSE_CALL(result, symbol, parameters, subject, arguments)                           \
+  INTERPOSE(result, symbol, parameters) {                                                        \
+    return pass(subject, [=](std::size_t some) { return (void)some, next_##symbol arguments; }); \
   }
 
-// These two take the mode as a variable argument, which comes where a fixed one would.
-INTERPOSE_OPEN(open)
-INTERPOSE_OPEN(open64)
-INTERPOSE_OPENAT(openat)
-INTERPOSE_OPENAT(openat64)
+// The first two take the mode as a variable argument, which comes where a fixed one would.
+#define INTERPOSE_OPEN(open, openat, creat)                                             \
+  INTERPOSE_CALL(int, open, (const char* path, int flags, mode_t mode),                 \
+                 onPath(callOfFlags(flags), AT_FDCWD, path), (path, flags, mode))       \
+  INTERPOSE_CALL(int, openat, (int folder, const char* path, int flags, mode_t mode),   \
+                 onPath(callOfFlags(flags), folder, path), (folder, path, flags, mode)) \
+  INTERPOSE_CALL(int, creat, (const char* path, mode_t mode),                           \
+                 onPath(Call::create, AT_FDCWD, path), (path, mode))
+INTERPOSE_OPEN(open, openat, creat)
+INTERPOSE_OPEN(open64, openat64, creat64)
 
-#define INTERPOSE_PATH(call, symbol)                                                             \
-  INTERPOSE(int, symbol, (const char* path)) {                                                   \
-    return pass(onPath(call, AT_FDCWD, path), [=](std::size_t) { return next_##symbol(path); }); \
-  }
-#define INTERPOSE_PATH_MODE(call, symbol)                                \
-  INTERPOSE(int, symbol, (const char* path, mode_t mode)) {              \
-    return pass(onPath(call, AT_FDCWD, path),                            \
-                [=](std::size_t) { return next_##symbol(path, mode); }); \
-  }
+INTERPOSE_CALL(int, mkdir, (const char* path, mode_t mode),
+               onPath(Call::makeFolder, AT_FDCWD, path), (path, mode))
+INTERPOSE_CALL(int, mkdirat, (int folder, const char* path, mode_t mode),
+               onPath(Call::makeFolder, folder, path), (folder, path, mode))
+INTERPOSE_CALL(char*, mkdtemp, (char* pattern), onPath(Call::makeFolder, AT_FDCWD, pattern),
+               (pattern))
+INTERPOSE_CALL(int, chmod, (const char* path, mode_t mode),
+               onPath(Call::changeMode, AT_FDCWD, path), (path, mode))
+INTERPOSE_CALL(int, fchmod, (int descriptor, mode_t mode),
+               onDescriptor(Call::changeMode, descriptor), (descriptor, mode))
+INTERPOSE_CALL(int, fchmodat, (int folder, const char* path, mode_t mode, int flags),
+               onPath(Call::changeMode, folder, path), (folder, path, mode, flags))
 
-INTERPOSE_PATH_MODE(Call::create, creat)
-INTERPOSE_PATH_MODE(Call::create, creat64)
-INTERPOSE_PATH_MODE(Call::makeFolder, mkdir)
-INTERPOSE_PATH_MODE(Call::changeMode, chmod)
-INTERPOSE_PATH(Call::remove, unlink)
-INTERPOSE_PATH(Call::remove, rmdir)
-INTERPOSE_PATH(Call::remove, remove)
+#define INTERPOSE_REMOVE(symbol) \
+  INTERPOSE_CALL(int, symbol, (const char* path), onPath(Call::remove, AT_FDCWD, path), (path))
+INTERPOSE_REMOVE(unlink)
+INTERPOSE_REMOVE(rmdir)
+INTERPOSE_REMOVE(remove)
+INTERPOSE_CALL(int, unlinkat, (int folder, const char* path, int flags),
+               onPath(Call::remove, folder, path), (folder, path, flags))
 
-INTERPOSE(int, mkdirat, (int folder, const char* path, mode_t mode)) {
-  return pass(onPath(Call::makeFolder, folder, path),
-              [=](std::size_t) { return next_mkdirat(folder, path, mode); });
-}
-INTERPOSE(int, unlinkat, (int folder, const char* path, int flags)) {
-  return pass(onPath(Call::remove, folder, path),
-              [=](std::size_t) { return next_unlinkat(folder, path, flags); });
-}
-INTERPOSE(int, fchmodat, (int folder, const char* path, mode_t mode, int flags)) {
-  return pass(onPath(Call::changeMode, folder, path),
-              [=](std::size_t) { return next_fchmodat(folder, path, mode, flags); });
-}
-INTERPOSE(char*, mkdtemp, (char* pattern)) {
-  return pass(onPath(Call::makeFolder, AT_FDCWD, pattern),
-              [=](std::size_t) { return next_mkdtemp(pattern); });
-}
-
-#define INTERPOSE_MKSTEMP(symbol)                                            \
-  INTERPOSE(int, symbol, (char* pattern, int flags)) {                       \
-    return pass(onPath(Call::create, AT_FDCWD, pattern),                     \
-                [=](std::size_t) { return next_##symbol(pattern, flags); }); \
-  }
 // Those without flags leave the second argument alone.
+#define INTERPOSE_MKSTEMP(symbol)                                                                  \
+  INTERPOSE_CALL(int, symbol, (char* pattern, int flags), onPath(Call::create, AT_FDCWD, pattern), \
+                 (pattern, flags))
 INTERPOSE_MKSTEMP(mkstemp)
 INTERPOSE_MKSTEMP(mkstemp64)
 INTERPOSE_MKSTEMP(mkostemp)
 INTERPOSE_MKSTEMP(mkostemp64)
 
-#define INTERPOSE_PATHS(call, symbol)                                       \
-  INTERPOSE(int, symbol, (const char* path, const char* newPath)) {         \
-    return pass(onPaths(call, AT_FDCWD, path, AT_FDCWD, newPath),           \
-                [=](std::size_t) { return next_##symbol(path, newPath); }); \
-  }
+#define INTERPOSE_PATHS(call, symbol)                                  \
+  INTERPOSE_CALL(int, symbol, (const char* path, const char* newPath), \
+                 onPaths(call, AT_FDCWD, path, AT_FDCWD, newPath), (path, newPath))
 INTERPOSE_PATHS(Call::rename, rename)
 INTERPOSE_PATHS(Call::link, link)
-INTERPOSE(int, symlink, (const char* text, const char* path)) {
-  return pass(onPath(Call::link, AT_FDCWD, path),
-              [=](std::size_t) { return next_symlink(text, path); });
-}
-INTERPOSE(int, symlinkat, (const char* text, int folder, const char* path)) {
-  return pass(onPath(Call::link, folder, path),
-              [=](std::size_t) { return next_symlinkat(text, folder, path); });
-}
-INTERPOSE(int, linkat,
-          (int folder, const char* path, int newFolder, const char* newPath, int flags)) {
-  return pass(onPaths(Call::link, folder, path, newFolder, newPath),
-              [=](std::size_t) { return next_linkat(folder, path, newFolder, newPath, flags); });
-}
-INTERPOSE(int, renameat, (int folder, const char* path, int newFolder, const char* newPath)) {
-  return pass(onPaths(Call::rename, folder, path, newFolder, newPath),
-              [=](std::size_t) { return next_renameat(folder, path, newFolder, newPath); });
-}
-INTERPOSE(int, renameat2,
-          (int folder, const char* path, int newFolder, const char* newPath, unsigned flags)) {
-  return pass(onPaths(Call::rename, folder, path, newFolder, newPath),
-              [=](std::size_t) { return next_renameat2(folder, path, newFolder, newPath, flags); });
-}
+INTERPOSE_CALL(int, renameat, (int folder, const char* path, int newFolder, const char* newPath),
+               onPaths(Call::rename, folder, path, newFolder, newPath),
+               (folder, path, newFolder, newPath))
+INTERPOSE_CALL(int, renameat2,
+               (int folder, const char* path, int newFolder, const char* newPath, unsigned flags),
+               onPaths(Call::rename, folder, path, newFolder, newPath),
+               (folder, path, newFolder, newPath, flags))
+INTERPOSE_CALL(int, linkat,
+               (int folder, const char* path, int newFolder, const char* newPath, int flags),
+               onPaths(Call::link, folder, path, newFolder, newPath),
+               (folder, path, newFolder, newPath, flags))
+INTERPOSE_CALL(int, symlink, (const char* text, const char* path),
+               onPath(Call::link, AT_FDCWD, path), (text, path))
+INTERPOSE_CALL(int, symlinkat, (const char* text, int folder, const char* path),
+               onPath(Call::link, folder, path), (text, folder, path))
 
-INTERPOSE(ssize_t, read, (int descriptor, void* bytes, std::size_t size)) {
-  return pass(onDescriptor(Call::read, descriptor),
-              [=](std::size_t) { return next_read(descriptor, bytes, size); });
-}
-INTERPOSE(ssize_t, write, (int descriptor, const void* bytes, std::size_t size)) {
-  return pass(onDescriptor(Call::write, descriptor, size),
-              [=](std::size_t some) { return next_write(descriptor, bytes, some); });
-}
+INTERPOSE_CALL(ssize_t, read, (int descriptor, void* bytes, std::size_t size),
+               onDescriptor(Call::read, descriptor), (descriptor, bytes, size))
+INTERPOSE_CALL(ssize_t, write, (int descriptor, const void* bytes, std::size_t size),
+               onDescriptor(Call::write, descriptor, size), (descriptor, bytes, some))
 INTERPOSE(ssize_t, writev, (int descriptor, const struct iovec* parts, int count)) {
   std::size_t size = 0;
   for (int part = 0; part < count; ++part) size += parts[part].iov_len;
@@ -330,38 +305,22 @@ INTERPOSE(ssize_t, writev, (int descriptor, const struct iovec* parts, int count
   });
 }
 
-#define INTERPOSE_PREAD(symbol)                                                               \
-  INTERPOSE(ssize_t, symbol, (int descriptor, void* bytes, std::size_t size, off_t offset)) { \
-    return pass(onDescriptor(Call::read, descriptor),                                         \
-                [=](std::size_t) { return next_##symbol(descriptor, bytes, size, offset); }); \
-  }
-#define INTERPOSE_PWRITE(symbol)                                                                   \
-  INTERPOSE(ssize_t, symbol,                                                                       \
-            (int descriptor, const void* bytes, std::size_t size, off_t offset)) {                 \
-    return pass(onDescriptor(Call::write, descriptor, size),                                       \
-                [=](std::size_t some) { return next_##symbol(descriptor, bytes, some, offset); }); \
-  }
-INTERPOSE_PREAD(pread)
-INTERPOSE_PREAD(pread64)
-INTERPOSE_PWRITE(pwrite)
-INTERPOSE_PWRITE(pwrite64)
-
-#define INTERPOSE_SENDFILE(symbol)                                                                 \
-  INTERPOSE(ssize_t, symbol, (int to, int from, off_t* offset, std::size_t size)) {                \
-    Subject subject = onDescriptor(Call::write, to, size);                                         \
-    subject.isInterruptible = false;                                                               \
-    return pass(subject, [=](std::size_t some) { return next_##symbol(to, from, offset, some); }); \
-  }
-INTERPOSE_SENDFILE(sendfile)
-INTERPOSE_SENDFILE(sendfile64)
-INTERPOSE(ssize_t, copy_file_range,
-          (int from, off_t* offset, int to, off_t* toOffset, std::size_t size, unsigned flags)) {
-  Subject subject = onDescriptor(Call::write, to, size);
-  subject.isInterruptible = false;
-  return pass(subject, [=](std::size_t some) {
-    return next_copy_file_range(from, offset, to, toOffset, some, flags);
-  });
-}
+#define INTERPOSE_AT_OFFSET(pread, pwrite, sendfile, ftruncate)                                  \
+  INTERPOSE_CALL(ssize_t, pread, (int descriptor, void* bytes, std::size_t size, off_t offset),  \
+                 onDescriptor(Call::read, descriptor), (descriptor, bytes, size, offset))        \
+  INTERPOSE_CALL(ssize_t, pwrite,                                                                \
+                 (int descriptor, const void* bytes, std::size_t size, off_t offset),            \
+                 onDescriptor(Call::write, descriptor, size), (descriptor, bytes, some, offset)) \
+  INTERPOSE_CALL(ssize_t, sendfile, (int to, int from, off_t* offset, std::size_t size),         \
+                 uninterrupted(onDescriptor(Call::write, to, size)), (to, from, offset, some))   \
+  INTERPOSE_CALL(int, ftruncate, (int descriptor, off_t size),                                   \
+                 onDescriptor(Call::truncate, descriptor), (descriptor, size))
+INTERPOSE_AT_OFFSET(pread, pwrite, sendfile, ftruncate)
+INTERPOSE_AT_OFFSET(pread64, pwrite64, sendfile64, ftruncate64)
+INTERPOSE_CALL(ssize_t, copy_file_range,
+               (int from, off_t* offset, int to, off_t* toOffset, std::size_t size, unsigned flags),
+               uninterrupted(onDescriptor(Call::write, to, size)),
+               (from, offset, to, toOffset, some, flags))
 
 // No process can tell a sync from none, so none is made: the disk would be what the loops wait for.
 #define INTERPOSE_SYNC(symbol)                                                           \
@@ -378,22 +337,9 @@ INTERPOSE(int, close, (int descriptor)) {
   return pass(onDescriptor(Call::close, descriptor),
               [=](std::size_t) { return next_close(descriptor); });
 }
-INTERPOSE(int, fchmod, (int descriptor, mode_t mode)) {
-  return pass(onDescriptor(Call::changeMode, descriptor),
-              [=](std::size_t) { return next_fchmod(descriptor, mode); });
-}
-#define INTERPOSE_FTRUNCATE(symbol)                                            \
-  INTERPOSE(int, symbol, (int descriptor, off_t size)) {                       \
-    return pass(onDescriptor(Call::truncate, descriptor),                      \
-                [=](std::size_t) { return next_##symbol(descriptor, size); }); \
-  }
-INTERPOSE_FTRUNCATE(ftruncate)
-INTERPOSE_FTRUNCATE(ftruncate64)
-
 #define INTERPOSE_READDIR(symbol, Result)                                                  \
   INTERPOSE(Result, symbol, (DIR * folder)) {                                              \
-    Subject subject = onDescriptor(Call::read, ::dirfd(folder));                           \
-    subject.isInterruptible = false;                                                       \
+    const Subject subject = uninterrupted(onDescriptor(Call::read, ::dirfd(folder)));      \
     /* It reports its end as it reports an error, but leaves errno alone. */               \
     const int before = errno;                                                              \
     auto* const entry = pass(subject, [=](std::size_t) { return next_##symbol(folder); }); \
@@ -402,17 +348,14 @@ INTERPOSE_FTRUNCATE(ftruncate64)
   }
 INTERPOSE_READDIR(readdir, struct dirent*)
 INTERPOSE_READDIR(readdir64, struct dirent64*)
-INTERPOSE(DIR*, opendir, (const char* path)) {
-  Subject subject = onPath(Call::open, AT_FDCWD, path);
-  subject.isInterruptible = false;
-  return pass(subject, [=](std::size_t) { return next_opendir(path); });
-}
+INTERPOSE_CALL(DIR*, opendir, (const char* path), uninterrupted(onPath(Call::open, AT_FDCWD, path)),
+               (path))
 
 #define INTERPOSE_FOPEN(symbol)                                                                  \
   INTERPOSE(std::FILE*, symbol, (const char* path, const char* mode)) {                          \
     const bool isReading = std::strncmp(mode, "r", 1) == 0 && std::strchr(mode, '+') == nullptr; \
-    Subject subject = onPath(isReading ? Call::open : Call::create, AT_FDCWD, path);             \
-    subject.isInterruptible = false;                                                             \
+    const Call call = isReading ? Call::open : Call::create;                                     \
+    const Subject subject = uninterrupted(onPath(call, AT_FDCWD, path));                         \
     return pass(subject, [=](std::size_t) { return next_##symbol(path, mode); });                \
   }
 INTERPOSE_FOPEN(fopen)

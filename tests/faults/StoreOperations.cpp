@@ -1,9 +1,21 @@
+#include <cstdint>
+#include <optional>
+#include <string>
+
 #include "tavlen/collections/TweakCollection.h"
 #include "tavlen/collections/TweakCollectionManifest.h"
 #include "tavlen/device/DeviceRoot.h"
+#include "tavlen/editing/HookManager.h"
+#include "tavlen/editing/RootParameterManager.h"
+#include "tavlen/foundation/files/FileReplacement.h"
 #include "tavlen/foundation/files/FileTree.h"
+#include "tavlen/foundation/image/Image.h"
 #include "tavlen/foundation/zip/ZIPArchive.h"
+#include "tavlen/items/TweaksDirectory.h"
 #include "tavlen/store/TweakManager.h"
+#include "tavlen/tweaks/Hook.h"
+#include "tavlen/tweaks/Manifest.h"
+#include "tavlen/tweaks/TweakFile.h"
 #include "tests/faults/Operation.h"
 #include "tests/faults/SampleStore.h"
 
@@ -12,6 +24,16 @@ namespace tavlen::faults {
 namespace {
 
 namespace fs = std::filesystem;
+
+const Image kPicture(1, 1, {255, 0, 0, 255});
+
+std::shared_ptr<TweakFile> firstTweak() {
+  return TweakFile::at(TweaksDirectory::url() / kFirstTweak);
+}
+
+HookManager managerFor(const char* selector) {
+  return firstTweak()->managerFor({"A", selector, false});
+}
 
 std::shared_ptr<TweakCollection> collection() {
   return std::dynamic_pointer_cast<TweakCollection>(TweakManager::tweakWithID(kCollection));
@@ -56,8 +78,33 @@ Operation importOf(const char* name, const std::string& id, Leftover leftover) {
 
 }  // namespace
 
-std::vector<Operation> collectionOperations() {
+std::vector<Operation> storeOperations() {
   return {
+      {"ManifestWrite",
+       [] {
+         firstTweak()->updateManifest(
+             [](TweakFile::Manifest& manifest) { manifest.configuration.name = "Changed"; });
+       }},
+      // More than a stream or a socket takes at once.
+      {"FileReplacement",
+       [] { replaceFile(firstTweak()->resourcesDir() / "note.txt", std::string(300'000, 'x')); }},
+      {.name = "Create",
+       .run = [] { TweakFile::create("New", TweakColor::darkRed, TweakGlyph::default_(), "a.b"); },
+       .leftover = Leftover::halfMadeItem},
+      {"Delete", [] { firstTweak()->remove(); }},
+      {"Script", [] { firstTweak()->writeScript("changed();\n"); }},
+      {"IconSet", [] { firstTweak()->writeCustomIcon(kPicture); }},
+      {.name = "IconClear",
+       .run = [] { firstTweak()->writeCustomIcon(std::nullopt); },
+       .prepare = [] { firstTweak()->writeCustomIcon(kPicture); }},
+      {"HookAddition",
+       [] { managerFor("other").setHook(Hook::with("A", "other", "v16@0:8", false, {})); }},
+      {"HookDeletion", [] { managerFor("number").deleteHook(); }},
+      {"ParameterEdit",
+       [] {
+         RootParameterManager(managerFor("number"), Hook::kReturnValue)
+             .setParameter(ValueParameter<std::int64_t>{8});
+       }},
       {.name = "CollectionCreate",
        .run =
            [] {

@@ -2,7 +2,6 @@
 #include <unistd.h>
 
 #include "tests/tools/HelperTest.h"
-#include "tests/tools/Swapper.h"
 
 namespace tavlen {
 namespace {

@@ -3,9 +3,7 @@
 
 #include <csignal>
 
-#include "tests/tools/FileSizeLimit.h"
 #include "tests/tools/HelperTest.h"
-#include "tests/tools/Swapper.h"
 
 namespace tavlen {
 namespace {

@@ -5,7 +5,6 @@
 #include <set>
 
 #include "tavlen/foundation/files/FileSystem.h"
-#include "tests/tools/FileSizeLimit.h"
 #include "tests/tools/HelperTest.h"
 
 namespace tavlen {

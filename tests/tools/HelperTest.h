@@ -1,8 +1,14 @@
 #pragma once
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/types.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <csignal>
+#include <cstdio>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -49,6 +55,40 @@ class HelperTest : public testing::Test {
   TemporaryFolder outside_;
   TemporaryFolder messages_;
   std::string rootVariable_;
+};
+
+/// While it lives, the process and those that it starts can write no file beyond `bytes`: the
+/// system kills one that tries.
+class FileSizeLimit {
+ public:
+  explicit FileSizeLimit(rlim_t bytes) {
+    ::getrlimit(RLIMIT_FSIZE, &before_);
+    const rlimit limit{bytes, before_.rlim_max};
+    ::setrlimit(RLIMIT_FSIZE, &limit);
+  }
+  ~FileSizeLimit() { ::setrlimit(RLIMIT_FSIZE, &before_); }
+  FileSizeLimit(const FileSizeLimit&) = delete;
+  FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+
+ private:
+  rlimit before_{};
+};
+
+/// A process that swaps two entries as fast as it can, until it is destroyed.
+class Swapper {
+ public:
+  Swapper(const std::filesystem::path& a, const std::filesystem::path& b) : child_(::fork()) {
+    while (child_ == 0) ::renameat2(AT_FDCWD, a.c_str(), AT_FDCWD, b.c_str(), RENAME_EXCHANGE);
+  }
+  ~Swapper() {
+    ::kill(child_, SIGKILL);
+    ::waitpid(child_, nullptr, 0);
+  }
+  Swapper(const Swapper&) = delete;
+  Swapper& operator=(const Swapper&) = delete;
+
+ private:
+  pid_t child_;
 };
 
 }  // namespace tavlen

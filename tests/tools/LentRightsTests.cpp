@@ -8,7 +8,6 @@
 #include "kvfileops/FetchLogs.h"
 #include "tavlen/device/DeviceRoot.h"
 #include "tests/tools/HelperTest.h"
-#include "tests/tools/Swapper.h"
 
 namespace tavlen {
 namespace {

@@ -5,13 +5,13 @@
 
 #include <filesystem>
 #include <string>
-#include <thread>
 #include <utility>
 #include <vector>
 
 #include "tavlen/foundation/errors/LocalizedError.h"
 #include "tavlen/foundation/errors/Placeholders.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/Threads.h"
 
 namespace tavlen {
 namespace {
@@ -110,17 +110,13 @@ TEST_F(MainBundleTest, ErrorsSpeakTheUsersLanguage) {
 TEST_F(MainBundleTest, ThreadsMayLookUpWhileTheFolderChanges) {
   addTable("en.lproj", "k = Text;");
   setLocale("en");
-  std::vector<std::thread> threads;
-  for (int i = 0; i < 4; ++i) {
-    threads.emplace_back([this, i] {
-      for (int round = 0; round < 50; ++round) {
-        if (i == 0) MainBundle::setURL(round % 2 == 0 ? bundle_ : fs::path());
-        const std::string text = MainBundle::localizedString({"k", "English"});
-        EXPECT_TRUE(text == "Text" || text == "English") << text;
-      }
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
+  inThreads(4, [this](int thread) {
+    for (int round = 0; round < 50; ++round) {
+      if (thread == 0) MainBundle::setURL(round % 2 == 0 ? bundle_ : fs::path());
+      const std::string text = MainBundle::localizedString({"k", "English"});
+      EXPECT_TRUE(text == "Text" || text == "English") << text;
+    }
+  });
 }
 
 struct FormatCase {

@@ -4,8 +4,9 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <thread>
 #include <vector>
+
+#include "tests/support/Threads.h"
 
 using namespace std::string_literals;
 
@@ -187,17 +188,14 @@ TEST(JavaScriptContext, ManyContextsAndOneAThread) {
               "undefined" + std::to_string(i));
   }
   std::vector<std::string> results(4);
-  std::vector<std::thread> threads;
-  for (std::string& result : results) {
-    threads.emplace_back([&result] {
-      const auto context = JavaScriptContext::make();
-      run(*context, "var sum = 0; function add(s) { sum += s.length; return sum }");
-      for (int i = 0; i < 1000; ++i) {
-        result = *context->globalObject().call("add", {context->string("abc")}).text();
-      }
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
+  inThreads(4, [&](int thread) {
+    const auto context = JavaScriptContext::make();
+    run(*context, "var sum = 0; function add(s) { sum += s.length; return sum }");
+    for (int i = 0; i < 1000; ++i) {
+      results[static_cast<std::size_t>(thread)] =
+          *context->globalObject().call("add", {context->string("abc")}).text();
+    }
+  });
   EXPECT_THAT(results, testing::Each("3000"));
 }
 

@@ -7,6 +7,8 @@
 #include <string>
 #include <thread>
 
+#include "tests/support/Threads.h"
+
 namespace tavlen {
 namespace {
 
@@ -159,7 +161,8 @@ TEST(Progress, StopsAtProgrammingErrors) {
 
 TEST(Progress, MayBeUsedByManyThreads) {
   const auto top = Progress::discrete(4 * 50);
-  const auto worker = [&] {
+  inThreads(4, [&](int thread) {
+    if (thread == 0) top->cancel();
     for (int i = 0; i < 50; ++i) {
       top->becomeCurrent(1);
       const auto child = Progress::make(2);
@@ -171,11 +174,7 @@ TEST(Progress, MayBeUsedByManyThreads) {
       }
       child->setCancellationHandler({});
     }
-  };
-  std::thread threads[] = {std::thread(worker), std::thread(worker), std::thread(worker),
-                           std::thread(worker)};
-  top->cancel();
-  for (std::thread& thread : threads) thread.join();
+  });
   EXPECT_EQ(top->completedUnitCount(), 200);
 }
 

@@ -6,9 +6,9 @@
 #include <compare>
 #include <string>
 #include <string_view>
-#include <thread>
 #include <utility>
-#include <vector>
+
+#include "tests/support/Threads.h"
 
 namespace tavlen {
 namespace {
@@ -120,30 +120,28 @@ TEST(TextComparison, Compare) {
       EXPECT_EQ(localizedCaseInsensitiveCompare(right, left), kSame) << left << " in " << locale;
     }
     for (const auto& [left, right] : kOrdered) {
-      EXPECT_EQ(localizedCaseInsensitiveCompare(left, right), kAscending)
-          << left << " in " << locale;
-      EXPECT_EQ(localizedCaseInsensitiveCompare(right, left), kDescending)
-          << left << " in " << locale;
+      SCOPED_TRACE(std::string(left) + " in " + locale);
+      EXPECT_EQ(localizedCaseInsensitiveCompare(left, right), kAscending);
+      EXPECT_EQ(localizedCaseInsensitiveCompare(right, left), kDescending);
     }
   }
 }
 
 TEST(TextComparison, TheLocaleDecidesTheOrder) {
-  {
-    const LocaleGuard guard("sv");
-    EXPECT_EQ(localizedCaseInsensitiveCompare("Z", "ä"), kAscending);
-  }
-  {
-    const LocaleGuard guard("tr");
-    EXPECT_EQ(localizedCaseInsensitiveCompare("I", "ı"), kSame);
-    EXPECT_EQ(localizedCaseInsensitiveCompare("İ", "i"), kSame);
-    EXPECT_EQ(localizedCaseInsensitiveCompare("I", "i"), kAscending);
-  }
-  {
-    const LocaleGuard guard("en@colNumeric=yes;colStrength=tertiary;colAlternate=shifted");
-    EXPECT_EQ(localizedCaseInsensitiveCompare("10", "9"), kAscending);
-    EXPECT_EQ(localizedCaseInsensitiveCompare("a", "A"), kSame);
-    EXPECT_EQ(localizedCaseInsensitiveCompare("a-b", "ab"), kAscending);
+  const char* const kSettings = "en@colNumeric=yes;colStrength=tertiary;colAlternate=shifted";
+  const struct {
+    const char *locale, *left, *right;
+    std::weak_ordering order;
+  } rows[] = {{"sv", "Z", "ä", kAscending},
+              {"tr", "I", "ı", kSame},
+              {"tr", "İ", "i", kSame},
+              {"tr", "I", "i", kAscending},
+              {kSettings, "10", "9", kAscending},
+              {kSettings, "a", "A", kSame},
+              {kSettings, "a-b", "ab", kAscending}};
+  for (const auto& row : rows) {
+    const LocaleGuard guard(row.locale);
+    EXPECT_EQ(localizedCaseInsensitiveCompare(row.left, row.right), row.order) << row.left;
   }
 }
 
@@ -166,17 +164,12 @@ TEST(TextComparison, AnyBytesMayBeCompared) {
 }
 
 TEST(TextComparison, ThreadsCompareSideBySide) {
-  std::vector<std::thread> threads;
-  threads.reserve(4);
-  for (int i = 0; i < 4; ++i) {
-    threads.emplace_back([] {
-      for (int round = 0; round < 200; ++round) {
-        EXPECT_EQ(localizedCaseInsensitiveCompare("b", "A"), kDescending);
-        EXPECT_TRUE(localizedCaseInsensitiveContains("Tweak", "tWEAK"));
-      }
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
+  inThreads(4, [](int) {
+    for (int round = 0; round < 200; ++round) {
+      EXPECT_EQ(localizedCaseInsensitiveCompare("b", "A"), kDescending);
+      EXPECT_TRUE(localizedCaseInsensitiveContains("Tweak", "tWEAK"));
+    }
+  });
 }
 
 }  // namespace

@@ -13,7 +13,6 @@
 #include <mutex>
 #include <sstream>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "tavlen/bundles/Executable.h"
@@ -22,9 +21,11 @@
 #include "tavlen/foundation/tasks/ScopedProgress.h"
 #include "tavlen/foundation/text/Log.h"
 #include "tavlen/introspection/classes/RuntimeClasses.h"
+#include "tavlen/introspection/types/JXType.h"
 #include "tests/introspection/classes/LoadClasses.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TestPaths.h"
+#include "tests/support/Threads.h"
 
 namespace {
 
@@ -296,19 +297,26 @@ TEST_F(DynamicClassParserTest, ServesExecutables) {
 
 TEST_F(DynamicClassParserTest, ThreadsShareRecords) {
   std::array<ClassParser::Classes, 4> results;
-  std::vector<std::thread> threads;
-  for (auto& result : results) {
-    threads.emplace_back([&] {
-      const auto& parser = DynamicClassParser::sharedParser();
-      for (int i = 0; i < 20; ++i) {
-        result = parser.parseClassesAtPath(paths().classesImage, true).value();
-        EXPECT_EQ(parser.parseClass(objc_lookUpClass("SampleBare")), result.at(2));
-        EXPECT_GE(parser.cache().size(), result.size());
-      }
-    });
-  }
-  for (auto& each : threads) each.join();
+  inThreads(4, [&](int thread) {
+    auto& result = results.at(static_cast<std::size_t>(thread));
+    const auto& parser = DynamicClassParser::sharedParser();
+    for (int i = 0; i < 20; ++i) {
+      result = parser.parseClassesAtPath(paths().classesImage, true).value();
+      EXPECT_EQ(parser.parseClass(objc_lookUpClass("SampleBare")), result.at(2));
+      EXPECT_GE(parser.cache().size(), result.size());
+    }
+  });
   for (const auto& each : results) EXPECT_EQ(each, results.front());
+}
+
+TEST(JXType, IsReadByManyThreads) {
+  // Each struct has an object before another named member, so each is read twice.
+  std::string text = "i";
+  for (int i = 0; i < 40; ++i) text = "{P=\"a\"" + text + "\"b\"@\"c\"i}";
+  const std::string expected = JXTypeForEncoding(text)->description();
+  inThreads(4, [&](int) {
+    for (int i = 0; i < 50; ++i) EXPECT_EQ(JXTypeForEncoding(text)->description(), expected);
+  });
 }
 
 std::string foundationByItself() {

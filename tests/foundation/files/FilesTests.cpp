@@ -1,0 +1,276 @@
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <system_error>
+
+#include "tavlen/foundation/files/FileReplacement.h"
+#include "tavlen/foundation/files/FileSystem.h"
+#include "tavlen/foundation/files/MachOHeader.h"
+#include "tavlen/foundation/files/RandomAccessFile.h"
+#include "tavlen/foundation/files/URL.h"
+#include "tests/support/MachOFile.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tests/support/Thrown.h"
+
+namespace tavlen {
+namespace {
+
+using namespace std::string_literals;
+using macho::bigWord;
+using macho::fat;
+using macho::thin;
+using macho::thin32;
+
+class FileSystemTest : public testing::Test {
+ protected:
+  std::filesystem::path write(const std::string& bytes) const {
+    return temporary_.write("f", bytes);
+  }
+  template <class Body>
+  static int errorOf(const std::filesystem::path& path, Body body) {
+    const auto error = thrown<std::system_error>([&] { body(path); });
+    if (!error) return 0;
+    EXPECT_NE(std::string(error->what()).find(path.string()), std::string::npos) << error->what();
+    return error->code().value();
+  }
+
+  const TemporaryFolder temporary_;
+  const std::filesystem::path folder_ = temporary_.path();
+};
+
+TEST_F(FileSystemTest, readsOnlyRegularFiles) {
+  const std::string large(100'000, 'x');
+  EXPECT_EQ(readFile(write(large)), large);
+  EXPECT_EQ(readFile(write("")), "");
+  std::filesystem::create_symlink("f", folder_ / "link");
+  EXPECT_EQ(readFile(folder_ / "link"), "");
+  // Its size is 0 as long as nobody reads it.
+  EXPECT_FALSE(readFile("/proc/self/stat").empty());
+
+  ASSERT_EQ(::mkfifo((folder_ / "pipe").c_str(), 0600), 0);
+  EXPECT_EQ(errorOf(folder_ / "pipe", readFile), EINVAL);
+  EXPECT_EQ(errorOf("/dev/zero", readFile), EINVAL);
+  EXPECT_EQ(errorOf(folder_, readFile), EISDIR);
+  EXPECT_EQ(errorOf(folder_ / "missing", readFile), ENOENT);
+}
+
+TEST_F(FileSystemTest, detectsTheEncodingOfText) {
+  const struct {
+    std::string bytes;
+    int textError;
+    std::string text;
+  } rows[] = {
+      {"", 0, ""},
+      {"caf\xC3\xA9", 0, "caf\xC3\xA9"},
+      {"\xEF\xBB\xBFz", 0, "z"},
+      {"\xFE\xFF\0z\xD8\x3D\xDE\0"s, 0, "z\xF0\x9F\x98\x80"},
+      {"\xFF\xFEz\0"s, 0, "z"},
+      {"\xFF\xFE\0\0z\0\0\0"s, 0, "z"},
+      {"\0\0\xFE\xFF\0\0\0z"s, 0, "z"},
+      {"\xFF\xFEz"s, EILSEQ, ""},               // half a unit
+      {"\xFE\xFF\xD8\x3D\0z"s, EILSEQ, ""},     // lone surrogate
+      {"\0\0\xFE\xFF\0\x11\0\0"s, EILSEQ, ""},  // above U+10FFFF
+      {"caf\xE9", EILSEQ, ""},                  // Latin-1
+  };
+  for (const auto& row : rows) {
+    const std::filesystem::path path = write(row.bytes);
+    EXPECT_EQ(errorOf(path, readText), row.textError) << testing::PrintToString(row.bytes);
+    if (row.textError == 0) {
+      EXPECT_EQ(readText(path), row.text);
+    }
+  }
+}
+
+TEST_F(FileSystemTest, refusesFilesThatNoDocumentIsAsLargeAs) {
+  EXPECT_EQ(readFileUpTo(write("abc"), 3), "abc");
+  EXPECT_EQ(readFileUpTo(folder_ / "f", 2), std::nullopt);
+  EXPECT_EQ(readFileUpTo("/proc/self/stat", 2), std::nullopt);  // it grows while it is read
+  std::filesystem::resize_file(write(""), std::uintmax_t{1} << 40);
+  EXPECT_EQ(errorOf(folder_ / "f", readFile), EFBIG);
+}
+
+TEST_F(FileSystemTest, findsStoredNamesInsideTheirFolderOnly) {
+  std::filesystem::create_directories(folder_ / "in" / "sub");
+  std::filesystem::create_symlink("..", folder_ / "in" / "out");
+  std::filesystem::create_symlink("sub", folder_ / "in" / "same");
+  for (const std::string& name : {"a"s, "sub/a"s, "sub/../a"s, "same/a"s, "missing/a"s, "..a"s}) {
+    EXPECT_TRUE(pathInside(folder_ / "in", name)) << name;
+  }
+  for (const std::string& name :
+       {""s, "/etc"s, ".."s, "../in2/a"s, "sub/../../a"s, "out/f"s, "."s, "a\0b"s}) {
+    EXPECT_FALSE(pathInside(folder_ / "in", name)) << testing::PrintToString(name);
+  }
+}
+
+TEST_F(FileSystemTest, replacesFilesWholeOrNotAtAll) {
+  const std::filesystem::path file = write("old");
+  std::filesystem::permissions(
+      file, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+  { const FileReplacement dropped(file, "never committed"); }
+  EXPECT_EQ(readFile(file), "old");
+  replaceFile(file, "new");
+  EXPECT_EQ(readFile(file), "new");
+  EXPECT_EQ(std::filesystem::status(file).permissions(),
+            std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+
+  std::filesystem::create_directory(folder_ / "other");
+  std::filesystem::create_symlink("other/target", folder_ / "link");  // to nothing yet
+  replaceFile(folder_ / "link", "through the link");
+  EXPECT_TRUE(std::filesystem::is_symlink(folder_ / "link"));
+  EXPECT_EQ(readFile(folder_ / "other" / "target"), "through the link");
+
+  std::filesystem::create_symlink("loop", folder_ / "loop");
+  const auto replace = [](const std::filesystem::path& path) { replaceFile(path, "x"); };
+  EXPECT_EQ(errorOf(folder_ / "loop", replace), ELOOP);
+  EXPECT_EQ(errorOf(folder_ / "other", replace), EISDIR);
+  EXPECT_EQ(errorOf(folder_ / "missing" / "f", replace), ENOENT);
+
+  const std::filesystem::path leftOver = folder_ / ".tavlen-1-2";
+  std::ofstream(leftOver) << "of a crash";
+  const std::filesystem::path young = folder_ / ".tavlen-3-4";
+  std::ofstream(young) << "of somebody at work";
+  std::filesystem::last_write_time(
+      leftOver, std::filesystem::file_time_type::clock::now() - std::chrono::hours(1));
+  replaceFile(file, "newer");
+  EXPECT_FALSE(std::filesystem::exists(leftOver));
+  EXPECT_TRUE(std::filesystem::exists(young));
+}
+
+TEST(PlainComponent, keepsAPathInItsFolder) {
+  for (const char* name : {"a", "...", ".a", "a b", "é", "-"}) EXPECT_TRUE(isPlainComponent(name));
+  for (const std::string& name : {""s, "."s, ".."s, "/"s, "a/b"s, "a/"s, "a\0b"s}) {
+    EXPECT_FALSE(isPlainComponent(name)) << testing::PrintToString(name);
+  }
+}
+
+TEST(URL, filePathsAreEscapedAndRead) {
+  const struct {
+    const char* path;
+    const char* text;
+  } rows[] = {{"/a b", "file:///a%20b"},
+              {"/a#b?c%d", "file:///a%23b%3Fc%25d"},
+              {"/a;b:c@d&e=f+g", "file:///a;b:c@d&e=f+g"},
+              {"/a%20b", "file:///a%2520b"},
+              {"/[x]{y}|z^`", "file:///%5Bx%5D%7By%7D%7Cz%5E%60"},
+              {"/\"<>\\", "file:///%22%3C%3E%5C"},
+              {"/日", "file:///%E6%97%A5"},
+              {"/😀", "file:///%F0%9F%98%80"},
+              {"/é", "file:///%C3%A9"},
+              {"/!$&'()*+,-._~09AZaz", "file:///!$&'()*+,-._~09AZaz"},
+              {"/\x01\x7F\xFF", "file:///%01%7F%FF"},
+              {"/", "file:///"}};
+  for (const auto& row : rows) {
+    EXPECT_EQ(URL::fileURL(row.path).absoluteString, row.text);
+    EXPECT_EQ((URL{row.text}.path()), row.path) << row.text;
+  }
+  EXPECT_EQ(URL::fileURL("/a//").absoluteString, "file:///a");
+  EXPECT_EQ(URL::fileURL("/a//", true).absoluteString, "file:///a/");
+  EXPECT_EQ(URL::fileURL("/a", true).absoluteString, "file:///a/");
+  EXPECT_EQ(URL::fileURL("/", true).absoluteString, "file:///");
+  EXPECT_EQ(URL::fileURL("a:b").path(), std::filesystem::current_path() / "a:b");
+}
+
+TEST(URL, pathIsThatOfFileURLsOnly) {
+  const struct {
+    const char* text;
+    const char* path;
+  } rows[] = {{"FILE:///A%2fb", "/A/b"},
+              {"file://LocalHost/a/?q#f", "/a"},
+              {"file:/a%3f#/b?", "/a?"},
+              {"file:///a//", "/a"},
+              {"file:////a", "//a"}};
+  for (const auto& row : rows) EXPECT_EQ(URL{row.text}.path(), row.path) << row.text;
+  for (const char* text : {"file://localhosts/a", "file://host/a", "file://", "file:a", "file",
+                           "http://a/b", "/a", "", "file:///a%00b", "file:///a%", "file:///a%4",
+                           "file:///a%4x", "file:///a%-1", "file:///a%+1", "file:///a% 1"}) {
+    EXPECT_EQ(URL{text}.path(), std::nullopt) << text;
+  }
+}
+
+/// The base and most rows are those of RFC 3986, section 5.4.
+TEST(URL, referencesAreResolved) {
+  const URL base{"http://a/b/c/d;p?q"};
+  const struct {
+    const char* reference;
+    std::string below;  ///< "http://a/"
+  } rows[] = {{"g", "b/c/g"},        {"./g", "b/c/g"},
+              {"g/", "b/c/g/"},      {"/g", "g"},
+              {"?y", "b/c/d;p?y"},   {"g?y#s", "b/c/g?y#s"},
+              {"#s", "b/c/d;p?q#s"}, {";x", "b/c/;x"},
+              {"", "b/c/d;p?q"},     {".", "b/c/"},
+              {"..", "b/"},          {"../g", "b/g"},
+              {"../..", ""},         {"../../../g", "g"},
+              {"/./g", "g"},         {"/../g", "g"},
+              {"..g", "b/c/..g"},    {"./g/.", "b/c/g/"},
+              {"g/../h", "b/c/h"},   {"g?y/../x", "b/c/g?y/../x"},
+              {"1:2", "b/c/1:2"}};
+  for (const auto& row : rows) {
+    EXPECT_EQ(base.resolved(row.reference).absoluteString, "http://a/" + row.below)
+        << row.reference;
+  }
+  EXPECT_EQ(base.resolved("g:h").absoluteString, "g:h");
+  EXPECT_EQ(base.resolved("//g").absoluteString, "http://g");
+  EXPECT_EQ(URL{"file:///tmp/x/"}.resolved("a%20b").absoluteString, "file:///tmp/x/a%20b");
+  EXPECT_EQ(URL{"http://a"}.resolved("g").absoluteString, "http://a/g");
+  EXPECT_EQ(URL{"a/b"}.resolved("../../c").absoluteString, "/c");
+  EXPECT_EQ(URL{""}.resolved("g").absoluteString, "g");
+}
+
+constexpr std::uint32_t kX86_64 = 0x01000007;
+
+class MachOHeaderTests : public testing::Test {
+ protected:
+  /// The file type that is read; 0 for no header.
+  std::uint32_t fileType(const std::string& bytes) const {
+    const RandomAccessFile file(folder_.write("image", bytes));
+    const auto header = MachOHeader::read(file);
+    return header ? static_cast<std::uint32_t>(header->fileType) : 0;
+  }
+
+ private:
+  TemporaryFolder folder_;
+};
+
+TEST_F(MachOHeaderTests, ReadsThinFiles) {
+  EXPECT_EQ(fileType(thin(2)), 2U);
+  EXPECT_EQ(fileType(thin32(8)), 8U);
+  EXPECT_EQ(fileType(thin(10)), 10U);
+  const RandomAccessFile file(TemporaryFolder().write("a", thin(6, macho::kARM64, 0x80000002)));
+  EXPECT_EQ(MachOHeader::read(file)->cpuSubtype, 2U) << "without its feature bits";
+}
+
+TEST_F(MachOHeaderTests, TakesTheSliceThatADevicePrefers) {
+  // Each slice has a file type of its own, which tells the one that was taken.
+  const std::string arm64e = thin(6, macho::kARM64, 2);
+  const std::string arm64 = thin(2);
+  const std::string intel = thin(8, kX86_64, 3);
+  const std::string old = thin32(1);
+  EXPECT_EQ(fileType(fat({old, intel, arm64e, arm64})), 2U);
+  EXPECT_EQ(fileType(fat({old, intel, arm64e})), 6U);
+  EXPECT_EQ(fileType(fat({old, intel})), 8U);
+  EXPECT_EQ(fileType(fat({old})), 1U);
+  EXPECT_EQ(fileType(fat({"no image at all, but as long as a header", arm64})), 2U);
+}
+
+TEST_F(MachOHeaderTests, NothingElseIsAnImage) {
+  const std::string whole = thin(2);
+  for (std::size_t size = 0; size < whole.size(); ++size) {
+    EXPECT_EQ(fileType(whole.substr(0, size)), 0U) << size;
+  }
+  const std::string fatFile = fat({whole});
+  for (std::size_t size = 0; size < fatFile.size(); ++size) {
+    EXPECT_EQ(fileType(fatFile.substr(0, size)), 0U) << size;
+  }
+  EXPECT_EQ(fileType(bigWord(0xCAFEBABE) + bigWord(52) + std::string(4096, 'x')), 0U)
+      << "a Java class file";
+  EXPECT_EQ(fileType(bigWord(0xFEEDFACF) + std::string(28, '\0')), 0U) << "big-endian";
+  EXPECT_EQ(fileType(fat({fatFile})), 0U) << "a fat file in a fat file";
+  // A slice that begins in the fat header, where a thin header is forged.
+  std::string overlapping = fat({whole});
+  overlapping.replace(16, 4, bigWord(4));
+  EXPECT_EQ(fileType(overlapping), 0U);
+}
+
+}  // namespace
+}  // namespace tavlen

@@ -5,13 +5,9 @@
 #include <objc/runtime.h>
 #include <sys/stat.h>
 
-#include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <functional>
-#include <iostream>
-#include <mutex>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -19,10 +15,9 @@
 #include "tavlen/foundation/files/ExecutablePath.h"
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/foundation/tasks/ScopedProgress.h"
-#include "tavlen/foundation/text/Log.h"
 #include "tavlen/introspection/classes/RuntimeClasses.h"
 #include "tavlen/introspection/types/JXType.h"
-#include "tests/introspection/classes/LoadClasses.h"
+#include "tests/support/LogLines.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TestPaths.h"
 #include "tests/support/Threads.h"
@@ -48,8 +43,6 @@ namespace {
 using testing::ElementsAre;
 using Lines = std::vector<std::string>;
 
-constexpr const char* kFoundation = "libgnustep-base.so.1.28";
-
 std::string pathOfDefinition(const char* className) {
   Dl_info info;
   return ::dladdr(objc_lookUpClass(className), &info) != 0 ? info.dli_fname : "";
@@ -72,25 +65,6 @@ std::string textOf(const ObjCClass& cls) {
   }
   return text;
 }
-
-/// Keeps what is logged while it stands.
-class Messages {
- public:
-  Messages() {
-    setLogSink([this](std::string_view message) {
-      const std::lock_guard lock(lock_);
-      lines_.emplace_back(message);
-    });
-  }
-  Messages(const Messages&) = delete;
-  Messages& operator=(const Messages&) = delete;
-  ~Messages() { setLogSink({}); }
-  Lines take() { return std::exchange(lines_, {}); }
-
- private:
-  std::mutex lock_;
-  Lines lines_;
-};
 
 class DynamicClassParserTest : public testing::Test {
  protected:
@@ -115,7 +89,7 @@ class DynamicClassParserTest : public testing::Test {
   }
 
   DynamicClassParser parser_;
-  Messages messages_;
+  LogLines messages_;
 };
 
 TEST_F(DynamicClassParserTest, ReadsWhatAnImageDefines) {
@@ -317,46 +291,6 @@ TEST(JXType, IsReadByManyThreads) {
   inThreads(4, [&](int) {
     for (int i = 0; i < 50; ++i) EXPECT_EQ(JXTypeForEncoding(text)->description(), expected);
   });
-}
-
-std::string foundationByItself() {
-  const TemporaryFolder folder;
-  const auto file = folder.path() / "dump";
-  // Its leaks are not ours.
-  const std::string command =
-      "ASAN_OPTIONS=detect_leaks=0 '" + paths().foundationDump + "' > '" + file.string() + "'";
-  if (std::system(command.c_str()) != 0) return "";  // NOLINT(cert-env33-c)
-  return readFile(file);
-}
-
-std::string foundationByParser() {
-  loadClasses(kFoundation);  // which loses a list of methods meanwhile
-  auto classes = DynamicClassParser().parseClassesAtPath(kFoundation, true).value();
-  std::sort(classes.begin(), classes.end(),
-            [](const auto& a, const auto& b) { return a->name < b->name; });
-  std::string text;
-  for (const auto& each : classes) text += textOf(*each);
-  return text;
-}
-
-int compareFoundation() {
-  std::istringstream expected(foundationByItself());
-  std::istringstream found(foundationByParser());
-  std::size_t count = 0;
-  std::string line;
-  for (std::string other; std::getline(expected, line); ++count) {
-    if (!std::getline(found, other) || line != other) {
-      std::cerr << "expected: " << line << "\nfound: " << other << '\n';
-      return 1;
-    }
-  }
-  return count > 8000 && !std::getline(found, line) ? 0 : 1;
-}
-
-// In a process of its own: classes add methods to themselves at the first message.
-TEST(DynamicClassParserDeathTest, AgreesWithFoundationAboutItself) {
-  GTEST_FLAG_SET(death_test_style, "threadsafe");
-  EXPECT_EXIT(std::exit(compareFoundation()), testing::ExitedWithCode(0), "");
 }
 
 }  // namespace

@@ -45,6 +45,15 @@ class HelperTest : public testing::Test {
   std::filesystem::path tweaks(const std::string& name = "") const;
   void write(const std::string& name, std::string_view bytes) const { root_.write(name, bytes); }
   void writeTweak(const std::string& name, std::string_view bytes = "x") const;
+  void writeOutside(const std::string& name, std::string_view bytes = "x") const {
+    outside_.write(name, bytes);
+  }
+  /// Makes `depth` folders called "z" in each other in `folder`, and gives the deepest.
+  static std::filesystem::path nest(std::filesystem::path folder, int depth) {
+    while (depth-- > 0) folder /= "z";
+    std::filesystem::create_directories(folder);
+    return folder;
+  }
 
   /// Everything below `folder`: names, kinds, permissions, contents.
   static std::string contents(const std::filesystem::path& folder);

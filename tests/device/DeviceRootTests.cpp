@@ -5,41 +5,19 @@
 #include <cerrno>
 #include <system_error>
 
+#include "tests/support/TableFile.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace tavlen {
 namespace {
 
 TEST(DeviceRoot, ResolvesDevicePaths) {
-  const struct {
-    const char* root;
-    const char* prefix;
-    const char* devicePath;
-    const char* resolved;
-  } rows[] = {{"/", "", "/usr/bin/killall", "/usr/bin/killall"},
-              {"/no/tree", "", "/", "/no/tree"},
-              {"/no/tree/", "", "/var//mobile/", "/no/tree/var/mobile"},
-              {"/no/./tree/x/..", "", "/var/./mobile", "/no/tree/var/mobile"},
-              {"/no/tree", "", "/../../etc/passwd", "/no/tree/etc/passwd"},
-              {"/no/tree", "", "var", "/no/tree/var"},
-              {"/no/tree", "", "//etc", "/no/tree/etc"},
-              {"/", "/var/jb", "/usr/bin/killall", "/var/jb/usr/bin/killall"},
-              {"/", "/var/jb/", "/bin", "/var/jb/bin"},
-              {"/", "var/jb", "/var/../bin/kill", "/var/jb/bin/kill"},
-              {"/", "/var/jb", "/usrlocal/x", "/usrlocal/x"},
-              {"/", "/var/jb", "/Applications/Marrowgleam.app/bin/kvfileops",
-               "/var/jb/Applications/Marrowgleam.app/bin/kvfileops"},
-              {"/", "/var/jb", "/Applications/Other.app", "/Applications/Other.app"},
-              {"/", "/var/jb", "/var/jb/usr/bin/killall", "/var/jb/usr/bin/killall"},
-              {"/", "/usr/jb", "/usr/jb/bin/kill", "/usr/jb/bin/kill"},
-              {"/no/tree", "/usr/jb", "/usr/bin", "/no/tree/usr/jb/usr/bin"},
-              {"/", "/", "/bin/kill", "/bin/kill"}};
-  for (const auto& row : rows) {
-    SCOPED_TRACE(testing::Message() << row.root << ' ' << row.prefix << ' ' << row.devicePath);
-    const DeviceRoot root(row.root, row.prefix);
-    EXPECT_EQ(root.resolve(row.devicePath), row.resolved);
+  for (const auto& row : tableFrom("device-paths.txt", 4)) {
+    SCOPED_TRACE(testing::PrintToString(row));
+    const DeviceRoot root(row[0], row[1]);
+    EXPECT_EQ(root.resolve(row[2]), row[3]);
     // Asked again, nothing is joined twice.
-    EXPECT_EQ(root.resolve(root.devicePath(row.resolved).native()), row.resolved);
+    EXPECT_EQ(root.resolve(root.devicePath(row[3]).native()), row[3]);
   }
   EXPECT_EQ(DeviceRoot("tree").url(), std::filesystem::current_path() / "tree");
   EXPECT_TRUE(DeviceRoot("/x/..").isDevice());

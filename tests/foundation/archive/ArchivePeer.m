@@ -15,101 +15,75 @@ static id mutableIfAsked(id value) {
   return makesMutable && value != nil ? AUTORELEASE([value mutableCopy]) : value;
 }
 
-@interface ObjCMethod : NSObject <NSCoding> {
-  NSString *selector;
-  NSString *encoding;
+// A class that keeps what it reads under its keys, and writes it again.
+@interface Record : NSObject <NSCoding> {
+  NSMutableDictionary *values;
+}
+- (NSArray *)keys;
+@end
+
+@implementation Record
+- (NSArray *)keys { return nil; }
+- (id)initWithCoder:(NSCoder *)coder {
+  values = [NSMutableDictionary new];
+  NSEnumerator *each = [[self keys] objectEnumerator];
+  for (NSString *key = [each nextObject]; key; key = [each nextObject]) {
+    id value = [coder decodeObjectForKey:key];
+    if (value) [values setObject:value forKey:key];
+  }
+  return self;
+}
+- (id)archived:(NSString *)key { return mutableIfAsked([values objectForKey:key]); }
+- (void)encodeWithCoder:(NSCoder *)coder {
+  NSEnumerator *each = [[self keys] objectEnumerator];
+  for (NSString *key = [each nextObject]; key; key = [each nextObject]) {
+    [coder encodeObject:[self archived:key] forKey:key];
+  }
+}
+- (void)dealloc {
+  RELEASE(values);
+  [super dealloc];
+}
+@end
+
+@interface ObjCMethod : Record {
   BOOL isClassMethod;
 }
 @end
 
 @implementation ObjCMethod
+- (NSArray *)keys { return [NSArray arrayWithObjects:@"selector", @"encoding", nil]; }
 - (id)initWithCoder:(NSCoder *)coder {
-  ASSIGN(selector, [coder decodeObjectForKey:@"selector"]);
-  ASSIGN(encoding, [coder decodeObjectForKey:@"encoding"]);
   isClassMethod = [coder decodeBoolForKey:@"isClassMethod"];
-  return self;
+  return [super initWithCoder:coder];
 }
 - (void)encodeWithCoder:(NSCoder *)coder {
-  [coder encodeObject:mutableIfAsked(selector) forKey:@"selector"];
-  [coder encodeObject:encoding forKey:@"encoding"];
+  [super encodeWithCoder:coder];
   [coder encodeBool:isClassMethod forKey:@"isClassMethod"];
-}
-- (void)dealloc {
-  RELEASE(selector);
-  RELEASE(encoding);
-  [super dealloc];
 }
 @end
 
-@interface ObjCClass : NSObject <NSCoding> {
-  NSString *name;
-  NSArray *methods;
-  NSString *mangledSuperclass;
-  NSString *supercls;
-  NSString *superclassPath;
-  NSArray *protocols;
-}
+@interface ObjCClass : Record
 @end
 
 @implementation ObjCClass
-- (id)initWithCoder:(NSCoder *)coder {
-  ASSIGN(name, [coder decodeObjectForKey:@"name"]);
-  ASSIGN(methods, [coder decodeObjectForKey:@"methods"]);
-  ASSIGN(mangledSuperclass, [coder decodeObjectForKey:@"mangledSuperclass"]);
-  ASSIGN(supercls, [coder decodeObjectForKey:@"supercls"]);
-  ASSIGN(superclassPath, [coder decodeObjectForKey:@"superclassPath"]);
-  ASSIGN(protocols, [coder decodeObjectForKey:@"protocols"]);
-  return self;
-}
-- (void)encodeWithCoder:(NSCoder *)coder {
-  [coder encodeObject:mutableIfAsked(name) forKey:@"name"];
-  [coder encodeObject:mutableIfAsked(methods) forKey:@"methods"];
-  [coder encodeObject:mangledSuperclass forKey:@"mangledSuperclass"];
-  [coder encodeObject:supercls forKey:@"supercls"];
-  [coder encodeObject:superclassPath forKey:@"superclassPath"];
-  [coder encodeObject:mutableIfAsked(protocols) forKey:@"protocols"];
-}
-- (void)dealloc {
-  RELEASE(name);
-  RELEASE(methods);
-  RELEASE(mangledSuperclass);
-  RELEASE(supercls);
-  RELEASE(superclassPath);
-  RELEASE(protocols);
-  [super dealloc];
+- (NSArray *)keys {
+  return [NSArray arrayWithObjects:@"name", @"methods", @"mangledSuperclass", @"supercls", @"superclassPath", @"protocols",
+                                   nil];
 }
 @end
 
-@interface TweakInfo : NSObject <NSCoding> {
-  NSString *bundleID;
-  NSString *tweakID;
-  NSURL *customIconURL;
-}
+@interface TweakInfo : Record
 @end
 
 @implementation TweakInfo
-- (id)initWithCoder:(NSCoder *)coder {
-  ASSIGN(bundleID, [coder decodeObjectForKey:@"bundleID"]);
-  ASSIGN(tweakID, [coder decodeObjectForKey:@"tweakID"]);
-  ASSIGN(customIconURL, [coder decodeObjectForKey:@"customIconURL"]);
-  return self;
-}
-- (NSURL *)archivedURL {
-  if (!rebasesURLs || customIconURL == nil) return customIconURL;
-  NSString *path = [customIconURL path];
+- (NSArray *)keys { return [NSArray arrayWithObjects:@"bundleID", @"tweakID", @"customIconURL", nil]; }
+- (id)archived:(NSString *)key {
+  id value = [values objectForKey:key];
+  if (!rebasesURLs || ![value isKindOfClass:[NSURL class]]) return value;
+  NSString *path = [value path];
   NSURL *base = [NSURL fileURLWithPath:[path stringByDeletingLastPathComponent] isDirectory:YES];
   return [NSURL URLWithString:[path lastPathComponent] relativeToURL:base];
-}
-- (void)encodeWithCoder:(NSCoder *)coder {
-  [coder encodeObject:mutableIfAsked(bundleID) forKey:@"bundleID"];
-  [coder encodeObject:tweakID forKey:@"tweakID"];
-  [coder encodeObject:[self archivedURL] forKey:@"customIconURL"];
-}
-- (void)dealloc {
-  RELEASE(bundleID);
-  RELEASE(tweakID);
-  RELEASE(customIconURL);
-  [super dealloc];
 }
 @end
 

@@ -6,6 +6,7 @@
 
 #include "tavlen/foundation/json/JSONDecoder.h"
 #include "tavlen/foundation/json/JSONEncoder.h"
+#include "tests/support/TableFile.h"
 #include "tests/support/Thrown.h"
 
 namespace tavlen {
@@ -90,41 +91,6 @@ struct Outer {
   }
 };
 
-/// The texts of the values that one number's text has as Int64, UInt64 and Double; empty where it
-/// has none.
-struct NumberCase {
-  const char* text;
-  const char* int64;
-  const char* uint64;
-  std::optional<double> real;
-};
-
-constexpr double kTwo63 = 9223372036854775808.0;
-
-const NumberCase kNumbers[] = {
-    {"1.0", "1", "1", 1.0},
-    {"1e2", "100", "100", 100.0},
-    {"1E+2", "100", "100", 100.0},
-    {"1.5", "", "", 1.5},
-    {"-0", "0", "0", -0.0},
-    {"-1", "-1", "", -1.0},
-    {"1.0000000000000001", "1", "1", 1.0},
-    {"9223372036854775807", "9223372036854775807", "9223372036854775807", kTwo63},
-    {"-9223372036854775808", "-9223372036854775808", "", -kTwo63},
-    {"-9223372036854775808.0", "-9223372036854775808", "", -kTwo63},
-    {"9223372036854775808", "", "9223372036854775808", kTwo63},
-    {"9223372036854775807.0", "", "9223372036854775807", kTwo63},
-    {"9007199254740993.0", "9007199254740993", "9007199254740993", 9007199254740992.0},
-    {"900719925474099.35e1", "9007199254740993", "9007199254740993", 9007199254740994.0},
-    {"18446744073709551615", "", "18446744073709551615", 2 * kTwo63},
-    {"18446744073709551616", "", "", 2 * kTwo63},
-    {"1e19", "", "10000000000000000000", 1e19},
-    {"5e-324", "", "", 5e-324},
-    {"1e-400", "0", "0", std::nullopt},
-    {"10000e-410", "0", "0", std::nullopt},
-    {"0e-400", "0", "0", 0.0},
-    {"0.0e9", "0", "0", 0.0}};
-
 const char* const kNoNumbers[] = {"1e400", "-1e400", "0.00001e405", "1e99999999999999999999",
                                   "01",    "-01",    "1.",          "1.e2",
                                   "1e",    "-",      "1-2",         "--1"};
@@ -140,14 +106,14 @@ std::string decodedText(const std::string& text) {
 }
 
 TEST(JSONDecoder, ReadsNumbersAsThePlatformDoes) {
-  for (const NumberCase& c : kNumbers) {
-    SCOPED_TRACE(c.text);
-    EXPECT_EQ(decodedText<std::int64_t>(c.text), c.int64);
-    EXPECT_EQ(decodedText<std::uint64_t>(c.text), c.uint64);
-    if (c.real) {
-      EXPECT_EQ(decodeJSON<double>(c.text), *c.real);
+  for (const auto& row : tableFrom("numbers.txt", 4)) {
+    SCOPED_TRACE(row[0]);
+    EXPECT_EQ(decodedText<std::int64_t>(row[0]), row[1]);
+    EXPECT_EQ(decodedText<std::uint64_t>(row[0]), row[2]);
+    if (row[3].empty()) {
+      EXPECT_THROW(decodeJSON<double>(row[0]), DecodingError);
     } else {
-      EXPECT_THROW(decodeJSON<double>(c.text), DecodingError);
+      EXPECT_EQ(decodeJSON<double>(row[0]), std::strtod(row[3].c_str(), nullptr));
     }
   }
   for (const char* text : kNoNumbers) {
@@ -204,36 +170,23 @@ TEST(JSONDecoder, TellsTheEncodingByMarkOrZeros) {
   }
 }
 
-struct ErrorCase {
-  const char* text;
-  Case which;
-  const char* description;
-};
-
-const ErrorCase kErrors[] = {
-    {R"({"list":[{"n":"x"},{"n":1}]})", Case::typeMismatch,
-     "list[1].n: expected a string, found a number"},
-    {R"({"list":[{"n":null}]})", Case::valueNotFound, "list[0].n: expected a string, found null"},
-    {R"({"list":[{}]})", Case::keyNotFound, "list[0]: missing key \"n\""},
-    {R"({"list":{}})", Case::typeMismatch, "list: expected an array, found a dictionary"},
-    {R"({"list":[],"maybe":"x"})", Case::typeMismatch, "maybe: expected a number, found a string"},
-    {R"({"list":[],"maybe":1e400})", Case::dataCorrupted,
-     "maybe: number 1e400 does not fit a 64-bit float"},
-    {R"(true)", Case::typeMismatch, "expected a dictionary, found a Boolean"},
-    {R"({})", Case::keyNotFound, "missing key \"list\""},
-    {"{\n  \"list\" [] }", Case::dataCorrupted,
-     "The given data was not valid JSON: expected a colon at line 2, column 10"}};
+/// The kind of a coding error as "keyNotFound: <what is wrong>"; empty without one.
+template <class T>
+std::string errorOf(const std::string& json) {
+  const auto error = thrown<DecodingError>([&] { decodeJSON<T>(json); });
+  if (!error) return "";
+  const char* const kCases[] = {"keyNotFound", "typeMismatch", "valueNotFound", "dataCorrupted"};
+  return kCases[static_cast<int>(error->which())] + ": "s + error->description();
+}
 
 TEST(JSONDecoder, SaysWhatIsWrongAndWhere) {
-  for (const ErrorCase& c : kErrors) {
-    const auto error = thrown<DecodingError>([&] { decodeJSON<Outer>(c.text); });
-    ASSERT_TRUE(error) << c.text;
-    EXPECT_EQ(error->which(), c.which) << c.text;
-    EXPECT_EQ(error->description(), c.description);
+  for (const auto& row : tableFrom("json-errors.txt", 3)) {
+    EXPECT_EQ(errorOf<Outer>(row[0]), row[1] + ": " + row[2]);
   }
-  const auto error = thrown<DecodingError>([] { decodeJSON<bool>("null"); });
-  ASSERT_TRUE(error);
-  EXPECT_EQ(error->which(), Case::typeMismatch) << "unlike every other type";
+  EXPECT_EQ(
+      errorOf<Outer>("{\n  \"list\" [] }"),
+      "dataCorrupted: The given data was not valid JSON: expected a colon at line 2, column 10");
+  EXPECT_TRUE(errorOf<bool>("null").starts_with("typeMismatch")) << "unlike every other type";
 }
 
 TEST(JSONDecoder, RefusesMalformedDocuments) {

@@ -9,12 +9,12 @@
 #include <stdexcept>
 #include <vector>
 
-#include "tavlen/foundation/objc/MethodTypes.h"
 #include "tavlen/foundation/objc/ObjCRuntime.h"
 #include "tavlen/foundation/objc/detail/EncodedSignature.h"
 #include "tavlen/foundation/objc/detail/PlatformSignature.h"
 #include "tavlen/foundation/objc/detail/TypeLayout.h"
 #include "tests/support/StandIns.h"
+#include "tests/support/TableFile.h"
 
 namespace tavlen {
 namespace {
@@ -33,40 +33,22 @@ std::vector<std::string> words(const std::string& text) {
   return {std::istream_iterator<std::string>(stream), {}};
 }
 
+std::vector<std::string> typesOf(const SignatureObject& signature) {
+  std::vector<std::string> types{signature.methodReturnType()};
+  for (std::size_t i = 0; i < signature.numberOfArguments(); ++i) {
+    types.push_back(signature.argumentTypeAtIndex(i));
+  }
+  return types;
+}
+
 TEST(EncodedSignature, ReadsTypesWithoutTheirOffsets) {
-  const std::string rectangle = "{CGRect={CGPoint=dd}{CGSize=dd}}";
-  const struct {
-    std::string encoding, result;
-    std::size_t length;
-    std::vector<std::string> arguments;
-  } rows[] = {
-      {"v16@0:8", "v", 0, {"@", ":"}},
-      {"@24@0:8@16", "@", 8, {"@", ":", "@"}},
-      {"c@:iSdf", "c", 1, {"@", ":", "i", "S", "d", "f"}},
-      {rectangle + "@:", rectangle, 32, {"@", ":"}},
-      {"Vv@:", "Vv", 0, {"@", ":"}},
-      {"v@:r*^vn@", "v", 0, {"@", ":", "r*", "^v", "n@"}},
-      {"v@?0q8", "v", 0, {"@?", "q"}},
-      {"v", "v", 0, {}},
-      {"r^{S}@:^(U=id)^?@?@?<v@?>", "r^{S}", 8, {"@", ":", "^(U=id)", "^?", "@?", "@?<v@?>"}},
-      {"@\"NSString\"24@0:8@\"<A><B>\"16", "@\"NSString\"", 8, {"@", ":", "@\"<A><B>\""}},
-      {"v32@0:8^{vector<int, std::less<(a > b)>>=^i}16^{operator<=}24",
-       "v",
-       0,
-       {"@", ":", "^{vector<int, std::less<(a > b)>>=^i}", "^{operator<=}"}},
-      {"i+4@-8:+16", "i", 4, {"@", ":"}}};
-  for (const auto& row : rows) {
-    const auto signature = encodedSignature(row.encoding);
-    ASSERT_NE(signature, nullptr) << row.encoding;
-    EXPECT_EQ(signature->methodReturnType(), row.result);
-    EXPECT_EQ(signature->methodReturnLength(), row.length) << row.encoding;
-    EXPECT_EQ(signature->isOneway(), row.result.starts_with('V'));
-    std::vector<std::string> arguments;
-    for (std::size_t i = 0; i < signature->numberOfArguments(); ++i) {
-      arguments.push_back(signature->argumentTypeAtIndex(i));
-    }
-    EXPECT_EQ(arguments, row.arguments);
-    EXPECT_THROW(signature->argumentTypeAtIndex(arguments.size()), std::out_of_range);
+  for (const auto& row : tableFrom("signatures.txt", 3)) {
+    const auto signature = encodedSignature(row[0]);
+    ASSERT_NE(signature, nullptr) << row[0];
+    EXPECT_EQ(std::to_string(signature->methodReturnLength()), row[1]) << row[0];
+    EXPECT_EQ(signature->isOneway(), row[2].starts_with('V'));
+    EXPECT_EQ(typesOf(*signature), std::vector(row.begin() + 2, row.end()));
+    EXPECT_THROW(signature->argumentTypeAtIndex(row.size() - 3), std::out_of_range);
   }
   EXPECT_TRUE(encodedSignature("rVv@:")->isOneway());
   EXPECT_FALSE(encodedSignature("v@V@:")->isOneway());
@@ -77,26 +59,11 @@ TEST(EncodedSignature, ReadsTypesWithoutTheirOffsets) {
 }
 
 TEST(EncodedSignature, LengthsAreThoseOfArm64) {
-  const struct {
-    std::size_t length;
-    const char* types;
-  } rows[] = {{0, "v {A=} [0i]"},
-              {1, "c C B"},
-              {2, "s S"},
-              {4, "i I l L f"},
-              {6, "[3s]"},
-              {8, "{A=c[3s]} jf {A=ci} q Q d D @ # : * ^v @? rn^{S} @?<v@?> j@"},
-              {12, "{A={B=ic}c}"},
-              {16,
-               "jd {A=cq} {A=qc} {_NSRange=QQ} {P=\"a\"@\"b\"i} {P=\"a\"^@\"b\"c} t T "
-               "{P=\"a\"@\"NSString<A>\"\"b\"@\"C\"} {V<int,(X)(1==1),{f}>=\"__x_\"^i\"__y_\"c}"},
-              {32, "{S=^b3^?@?^(U=id)} {CGRect={CGPoint=dd}{CGSize=dd}} {A=ct}"},
-              {48, "{CGAffineTransform=dddddd}"}};
-  for (const auto& row : rows) {
-    for (const std::string& type : words(row.types)) {
-      const auto signature = encodedSignature(type + "@:");
-      ASSERT_NE(signature, nullptr) << type;
-      EXPECT_EQ(signature->methodReturnLength(), row.length) << type;
+  for (const auto& row : tableFrom("lengths.txt", 2)) {
+    for (std::size_t i = 1; i < row.size(); ++i) {
+      const auto signature = encodedSignature(row[i] + "@:");
+      ASSERT_NE(signature, nullptr) << row[i];
+      EXPECT_EQ(std::to_string(signature->methodReturnLength()), row[0]) << row[i];
     }
   }
 }
@@ -142,32 +109,6 @@ TEST(EncodedSignature, HostileTextsAreRefused) {
             4U);
 }
 
-// A text cut anywhere, or with any byte replaced, is read or refused; what is read consists of
-// types that are there.
-TEST(EncodedSignature, DamagedTextsDoNoHarm) {
-  const std::string good =
-      "r^{A=\"a\"@\"B<C>\"\"b\"[2{D=ff}]}32@0:8@?<v@?q>16{E<F, (G)1>=ci}24Vn[3^(H=id)]28";
-  ASSERT_NE(encodedSignature(good), nullptr);
-  int read = 0;
-  for (std::size_t i = 0; i < good.size(); ++i) {
-    for (const char c : "{}[](<>\"=?@^b9iVZ"s) {
-      std::string damaged = good;
-      damaged[i] = c;
-      for (const std::string& text : {damaged, damaged.substr(0, i + 1)}) {
-        const auto signature = encodedSignature(text);
-        const auto types = splitMethodTypes(text);
-        if (signature == nullptr) continue;
-        ++read;
-        ASSERT_TRUE(types.has_value());
-        EXPECT_EQ(signature->numberOfArguments(), types->arguments.size());
-        EXPECT_EQ(encodedSignature(signature->methodReturnType())->methodReturnLength(),
-                  signature->methodReturnLength());
-      }
-    }
-  }
-  EXPECT_GT(read, 100);
-}
-
 /// The encodings of all methods of the classes that are loaded.
 std::set<std::string> loadedEncodings() {
   const int count = objc_getClassList(nullptr, 0);
@@ -183,14 +124,6 @@ std::set<std::string> loadedEncodings() {
     }
   }
   return encodings;
-}
-
-std::vector<std::string> typesOf(const SignatureObject& signature) {
-  std::vector<std::string> types{signature.methodReturnType()};
-  for (std::size_t i = 0; i < signature.numberOfArguments(); ++i) {
-    types.push_back(signature.argumentTypeAtIndex(i));
-  }
-  return types;
 }
 
 // In a process of its own, in which nothing has loaded a class.

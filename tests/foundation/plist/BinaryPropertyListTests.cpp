@@ -6,6 +6,7 @@
 #include "tavlen/foundation/plist/BinaryPropertyListWriter.h"
 #include "tavlen/foundation/plist/detail/BinaryPropertyListReader.h"
 #include "tests/foundation/plist/PropertyLists.h"
+#include "tests/support/TableFile.h"
 
 namespace tavlen {
 namespace {
@@ -146,35 +147,10 @@ TEST(BinaryPropertyList, graphsKeepTheirShape) {
 
 TEST(BinaryPropertyList, refusesHostileObjects) {
   EXPECT_FALSE(isRefused(assemble({"\x50"})));
-  const std::vector<std::string> rows[] = {
-      {"\0"s},                                                   // null
-      {"\x0F"},                                                  // fill
-      {"\x15" + std::string(32, '\0')},                          // an integer of 32 bytes
-      {"\x14\0\0\0\0\0\0\0\x01" + std::string(8, '\0')},         // above 2^64
-      {"\x14" + std::string(8, '\xFF') + std::string(8, '\0')},  // below -2^63
-      {"\x13\0"s},                                               // cut short
-      {"\x24" + std::string(16, '\0')},                          // a real of 16 bytes
-      {"\x32" + std::string(4, '\0')},                           // a date of 4 bytes
-      {"\x51\xE9"},                                              // Latin-1
-      {"\x61\xD8\0"s},                                           // a lone surrogate
-      {"\x62\0z"s},                                              // half of the text
-      {"\x88" + std::string(9, '\0')},                           // a UID of 9 bytes
-      {"\xC1\x01", "\x50"},                                      // a set
-      {"\xA1\x01"},                                              // a reference out of range
-      {"\xD1\0\x01"s},                                           // likewise
-      {"\xD1\x01\x01", "\x10\x01"},                              // a key that is a number
-      {"\xD1\0\0"s},                          // a key that is the dictionary itself
-      {"\x5F"},                               // no count
-      {"\x5F\x50z"},                          // a count that is a string
-      {"\x5F\x14" + std::string(16, '\0')},   // a count of 16 bytes
-      {"\x4F\x13" + std::string(8, '\x7F')},  // huge counts, each kind
-      {"\x4F\x13" + std::string(8, '\xFF')},
-      {"\x6F\x13\x80" + std::string(7, '\0')},  // times two is nothing
-      {"\xAF\x13" + std::string(8, '\xFF')},
-      {"\xDF\x13\x80" + std::string(7, '\0')},
-      {"\xAF\x12\x7F\xFF\xFF\xFF"}};
-  for (const auto& objects : rows) {
-    EXPECT_TRUE(isRefused(assemble(objects))) << testing::PrintToString(objects[0]);
+  for (const auto& row : tableFrom("plist/hostile-objects.txt", 1)) {
+    std::vector<std::string> objects;
+    for (const std::string& object : row) objects.push_back(fromHex(object));
+    EXPECT_TRUE(isRefused(assemble(objects))) << row[0];
   }
   // With references of 8 bytes the length of 2^61 of them is nothing.
   EXPECT_TRUE(isRefused(assemble({"\xAF\x13\x20" + std::string(7, '\0')}, 8)));

@@ -6,6 +6,7 @@
 #include "tavlen/foundation/plist/PropertyListDecoder.h"
 #include "tavlen/foundation/plist/PropertyListEncoder.h"
 #include "tests/foundation/plist/PropertyLists.h"
+#include "tests/support/TableFile.h"
 
 namespace tavlen {
 namespace {
@@ -138,28 +139,9 @@ TEST(PropertyListCoding, typedRules) {
 }
 
 TEST(PropertyListCoding, errorsSayWhere) {
-  const auto decodeTree = [](const char* body) {
-    return errorOf([&] { decodePropertyList<Tree>(plist(body)); });
-  };
-  const struct {
-    const char* body;
-    const char* error;
-  } rows[] = {{"<array/>", "type expected a dictionary, found an array"},
-              {"<string>$null</string>", "null expected a dictionary, found null"},
-              {"<dict><key>children</key><array><dict/></array></dict>",
-               "key children[0]: missing key \"children\""},
-              {"<dict><key>numbers</key><array><string>$null</string><real>0.5</real></array>"
-               "<key>children</key><array/></dict>",
-               "data numbers[1]: the number is not a signed 64-bit integer"},
-              // The first failing field of the record, not of the file; the last of equal keys.
-              {"<dict><key>children</key><true/><key>name</key><true/></dict>",
-               "type name: expected a string, found a boolean"},
-              {"<dict><key>children</key><array/><key>children</key><true/></dict>",
-               "type children: expected an array, found a boolean"},
-              {"<dict><key>children</key><true/><key>children</key><array/><key>name</key>"
-               "<string>$null</string><key>unknown</key><date>2001-01-01T00:00:00Z</date></dict>",
-               ""}};
-  for (const auto& row : rows) EXPECT_EQ(decodeTree(row.body), row.error) << row.body;
+  for (const auto& row : tableFrom("plist/errors.txt", 2)) {
+    EXPECT_EQ(errorOf([&] { decodePropertyList<Tree>(plist(row[0])); }), row[1]) << row[0];
+  }
   EXPECT_EQ(errorOf([] { decodePropertyList<Tree>("hello"); }),
             "data The given data was not a valid property list. It is neither binary nor XML.");
 }

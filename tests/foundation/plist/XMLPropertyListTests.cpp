@@ -10,6 +10,7 @@
 #include "tavlen/foundation/plist/PropertyListSerialization.h"
 #include "tavlen/foundation/plist/detail/XMLPropertyListScalars.h"
 #include "tests/foundation/plist/PropertyLists.h"
+#include "tests/support/TableFile.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TestPaths.h"
 
@@ -56,58 +57,28 @@ TEST(XMLPropertyList, hasItsBytes) {
 }
 
 TEST(XMLPropertyList, scalarsHaveTheirTexts) {
-  const struct {
-    const char* text;
-    std::optional<XMLInteger> value;
-  } integers[] = {{"0", std::int64_t{0}},
-                  {" \n+ 12", std::int64_t{12}},
-                  {"- 0x1F", std::int64_t{-31}},
-                  {"-0", std::int64_t{0}},
-                  {"0XfF", std::int64_t{255}},
-                  {"007", std::int64_t{7}},
-                  {"-9223372036854775808", std::numeric_limits<std::int64_t>::min()},
-                  {"9223372036854775807", std::numeric_limits<std::int64_t>::max()},
-                  {"9223372036854775808", std::uint64_t{1} << 63},
-                  {"18446744073709551615", std::numeric_limits<std::uint64_t>::max()}};
-  for (const auto& row : integers) EXPECT_EQ(integerFromXML(row.text), row.value) << row.text;
-  for (const char* text : {"18446744073709551616", "-9223372036854775809", "", " ", "-", "--1",
-                           "0x", "1 ", "1.0", "1e3"}) {
-    EXPECT_EQ(integerFromXML(text), std::nullopt) << text;
+  for (const auto& row : tableFrom("plist/scalars.txt", 3)) {
+    SCOPED_TRACE(testing::PrintToString(row));
+    const std::string& text = row[1];
+    if (row[0] == "integer") {
+      const auto value = integerFromXML(text);
+      ASSERT_EQ(value.has_value(), row[2] != "none");
+      if (!value) continue;
+      EXPECT_EQ(std::visit([](auto number) { return std::to_string(number); }, *value), row[2]);
+    } else if (row[2] == "none") {
+      EXPECT_FALSE(row[0] == "real" ? realFromXML(text).has_value()
+                                    : dateFromXML(text).has_value());
+    } else if (row[0] == "real") {
+      EXPECT_EQ(realFromXML(text), std::strtod(row[2].c_str(), nullptr));
+    } else {
+      const Date date{std::strtod(row[2].c_str(), nullptr)};
+      EXPECT_EQ(dateFromXML(text), date);
+      EXPECT_EQ(xmlFromDate(date), text);
+    }
   }
-
-  constexpr double kInfinity = std::numeric_limits<double>::infinity();
-  const struct {
-    const char* text;
-    std::optional<double> value;
-  } reals[] = {{"0.1", 0.1},         {" -1.5E3", -1500.0},
-               {"+.5", .5},          {"7", 7.0},
-               {"inf", kInfinity},   {"+Infinity", kInfinity},
-               {"-INF", -kInfinity}, {"5e-324", 5e-324},
-               {"1e400", {}},        {"", {}},
-               {"1,5", {}},          {"0x10", {}},
-               {"nan(1)", {}},       {"--1", {}},
-               {"1 ", {}},           {"infinit", {}}};
-  for (const auto& row : reals) EXPECT_EQ(realFromXML(row.text), row.value) << row.text;
+  EXPECT_EQ(integerFromXML(" \n+ 12"), XMLInteger(std::int64_t{12}));
   EXPECT_TRUE(std::isnan(realFromXML("NaN").value()));
-
-  const struct {
-    const char* text;
-    Date value;
-  } dates[] = {
-      {"2001-01-01T00:00:00Z", Date{0}},          {"1970-01-01T00:00:00Z", Date{-978307200}},
-      {"2000-02-29T23:59:59Z", Date{-26438401}},  {"1900-03-01T00:00:00Z", Date{-3182198400}},
-      {"2100-03-01T00:00:00Z", Date{3129235200}}, {"0001-01-01T00:00:00Z", Date{-63113904000}}};
-  for (const auto& row : dates) {
-    EXPECT_EQ(dateFromXML(row.text), row.value) << row.text;
-    EXPECT_EQ(xmlFromDate(row.value), row.text);
-  }
-  for (const char* text :
-       {"1900-02-29T00:00:00Z", "2001-04-31T00:00:00Z", "2001-00-01T00:00:00Z",
-        "2001-13-01T00:00:00Z", "2001-01-00T00:00:00Z", "2001-01-01T24:00:00Z",
-        "2001-01-01T00:60:00Z", "2001-01-01T00:00:60Z", "2001-01-01T00:00:00", "2001-01-01",
-        "2001-1-1T0:0:0Z", " 2001-01-01T00:00:00Z", "2001-01-01T00:00:0-Z", ""}) {
-    EXPECT_EQ(dateFromXML(text), std::nullopt) << text;
-  }
+  constexpr double kInfinity = std::numeric_limits<double>::infinity();
   for (const double out : {-63145526401.0, 1e12, 1e300, kInfinity, -kInfinity}) {
     EXPECT_EQ(xmlFromDate(Date{out}), std::nullopt) << out;
   }
@@ -158,17 +129,11 @@ TEST(XMLPropertyList, refusesWhatIsNone) {
         plist("<true/>") + plist("<true/>")}) {
     EXPECT_NE(refusal(bytes), "") << bytes;
   }
-  const std::vector<const char*> bodies[] = {
-      {"", "text", "<x/>", "<true/><true/>", "<true/>text", "<true>text</true>", "<key>a</key>",
-       "<array><key>a</key></array>", "<array>text<true/></array>", "<dict><true/></dict>",
-       "<dict><key>a</key></dict>", "<dict><key>a</key><key>b</key></dict>",
-       "<dict><key>a</key><true/><true/></dict>", "<dict>text</dict>", "<dict>"},
-      {"<string><b/></string>", "<integer/>", "<real>x</real>", "<date>today</date>",
-       "<data>AAA</data>", "<data>A A-_</data>", "<string>\xFF</string>", "<string>&#0;</string>",
-       "<string>\x01</string>", "<string>&undefined;</string>", "<a:string xmlns:a='x'/>",
-       "<plist><true/></plist>"}};
-  for (const auto& row : bodies) {
-    for (const char* body : row) EXPECT_NE(refusal(plist(body)), "") << body;
+  for (const auto& row : tableFrom("plist/refused.txt", 1)) {
+    EXPECT_NE(refusal(plist(row[0])), "") << row[0];
+  }
+  for (const std::string text : {"", "<string>\xFF</string>", "<string>\x01</string>"}) {
+    EXPECT_NE(refusal(plist(text)), "") << text;
   }
   EXPECT_EQ(refusal("<plist>\n<dict>\n<true/></dict></plist>"), "Line 3: a value without a key");
 

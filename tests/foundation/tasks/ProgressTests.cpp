@@ -68,20 +68,6 @@ TEST(Progress, HoldsTheSharesOfItsChildren) {
   EXPECT_EQ(late->completedUnitCount(), kMost) << "the sum wrapped";
 }
 
-TEST(Progress, ReachesThroughSeveralLevels) {
-  const auto top = Progress::discrete(100);
-  const auto leaf = Progress::discrete(100);
-  {
-    const auto middle = Progress::discrete(100);
-    top->addChild(middle, 100);
-    middle->addChild(leaf, 100);
-  }
-  leaf->setCompletedUnitCount(50);
-  EXPECT_DOUBLE_EQ(top->fractionCompleted(), 0.5);
-  leaf->setCompletedUnitCount(100);
-  EXPECT_TRUE(top->isFinished());
-}
-
 TEST(Progress, GivesTheUnitsToTheFirstProgressMadeWhileCurrent) {
   const auto parent = Progress::discrete(100);
   parent->becomeCurrent(100);

@@ -12,6 +12,7 @@
 #include "tavlen/foundation/tasks/Progress.h"
 #include "tavlen/foundation/zip/ZIPError.h"
 #include "tavlen/foundation/zip/detail/ZIPExtraction.h"
+#include "tests/support/TableFile.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TestPaths.h"
 #include "tests/support/Thrown.h"
@@ -68,14 +69,6 @@ std::string noise(std::size_t count) {
   std::string bytes(count, '\0');
   std::uint32_t state = 1;
   for (char& byte : bytes) byte = static_cast<char>((state = state * 1664525 + 1013904223) >> 24);
-  return bytes;
-}
-
-std::string fromHex(std::string_view text) {
-  std::string bytes;
-  for (std::size_t i = 0; i < text.size(); i += 2) {
-    bytes += static_cast<char>(std::stoi(std::string(text.substr(i, 2)), nullptr, 16));
-  }
   return bytes;
 }
 

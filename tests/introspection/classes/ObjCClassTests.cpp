@@ -9,6 +9,7 @@
 #include "tavlen/introspection/classes/MethodSignature.h"
 #include "tavlen/introspection/classes/ObjCClass.h"
 #include "tavlen/introspection/classes/ObjCMethod.h"
+#include "tests/support/TableFile.h"
 
 namespace tavlen {
 namespace {
@@ -54,34 +55,12 @@ const StyledText::Color kForeground{0, 0, 0, 0.5};
 const StyledText::Font kFont{"Menlo", 11.5};
 
 TEST(ObjCMethod, ReadsAsADeclarationOnOneLine) {
-  const struct {
-    const char *selector, *encoding, *text;
-  } rows[] = {
-      {"title", "@16@0:8", " (id)title"},
-      {"setTitle:", "v24@0:8@\"NSString\"16", " (void)setTitle:(NSString *)"},
-      {"setObject:forKey:", "v32@0:8@16r*24", " (void)setObject:(id) forKey:(const char *)"},
-      {"do:with:", "Vv@:^i@?", " (oneway void)do:(int *) with:(void (^)(void))"},
-      {"frame", "{CGPoint=dd}16@0:8", " (struct CGPoint { double field1; double field2; })frame"},
-      {"::", "v@:i:", " (void):(int) :(SEL)"},
-      {"a:b", "v@:i", " (void)a:(int) b"},
-      // More colons than arguments, and fewer.
-      {"a:b:", "v@:i", " (void)a:(int) b:"},
-      {"a:b:", "v", " (void)a: b:"},
-      {"a", "B@:i@", " (BOOL)a, (int), (id)"},
-      {"a:", "v@:ic", " (void)a:(int), (char)"},
-      {"", "v@:", " (void)"},
-      // No signature.
-      {"a:b:", "", "a:b:"},
-      {"a:", "v@:{", "a:"},
-      {"decimal", "{?=b8b4}@:", "decimal"},
-      {"", "?", ""},
-  };
-  for (const auto& row : rows) {
-    ObjCMethod method(row.selector, row.encoding, false);
-    EXPECT_EQ(method.description(), kInstance + row.text);
-    EXPECT_EQ(method.description(kType, kForeground, kFont).plain(), kInstance + row.text);
+  for (const auto& row : tableFrom("methods.txt", 3)) {
+    ObjCMethod method(row[0], row[1], false);
+    EXPECT_EQ(method.description(), kInstance + row[2]);
+    EXPECT_EQ(method.description(kType, kForeground, kFont).plain(), kInstance + row[2]);
     method.isClassMethod = true;
-    EXPECT_EQ(method.description(), "+\xC2\xA0" + std::string(row.text));
+    EXPECT_EQ(method.description(), "+\xC2\xA0" + row[2]);
   }
 }
 

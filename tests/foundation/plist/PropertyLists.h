@@ -64,20 +64,15 @@ inline std::string plist(std::string_view body) {
   return "<plist version='1.0'>" + std::string(body) + "</plist>";
 }
 
-/// Fills a list with a random tree that both forms can hold and nothing of it is lost in: whole
+/// Fills a list with random trees that both forms can hold and nothing of it is lost in: whole
 /// seconds, distinct keys, unsigned integers above 2^63-1 only.
 class RandomPropertyList {
  public:
   explicit RandomPropertyList(unsigned seed) : random_(seed) {}
 
-  PropertyList make() {
-    list_.setRoot(container(6));
-    return std::move(list_);
-  }
-
   /// A list of `count` such trees.
-  PropertyList makeMany(int count) {
-    std::vector<PropertyList::Index> trees;
+  PropertyList make(int count) {
+    std::vector<Index> trees;
     for (int i = 0; i < count; ++i) trees.push_back(container(6));
     list_.setRoot(list_.add(PropertyList::Array{trees}));
     return std::move(list_);
@@ -137,6 +132,8 @@ class RandomPropertyList {
   PropertyList list_;
 };
 
-inline PropertyList randomPropertyList(unsigned seed) { return RandomPropertyList(seed).make(); }
+inline PropertyList randomPropertyList(unsigned seed, int count) {
+  return RandomPropertyList(seed).make(count);
+}
 
 }  // namespace tavlen

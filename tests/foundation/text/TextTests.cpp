@@ -17,6 +17,7 @@
 #include "tavlen/foundation/text/NumberText.h"
 #include "tavlen/foundation/text/StyledText.h"
 #include "tavlen/foundation/text/Unicode.h"
+#include "tests/support/TableFile.h"
 
 namespace tavlen {
 namespace {
@@ -67,39 +68,13 @@ TEST(Unicode, EncodingsAgree) {
   }
 }
 
-struct MalformedCase {
-  std::string_view bytes;
-  std::u16string_view replaced;
-};
-
-/// One U+FFFD for each longest prefix that could have begun a character.
-constexpr MalformedCase kMalformed[] = {
-    {"a\x80z", u"a\uFFFDz"},
-    {"\xBF\xBF", u"\uFFFD\uFFFD"},
-    {"\xC0\x80", u"\uFFFD\uFFFD"},  // overlong
-    {"\xC1\xBF", u"\uFFFD\uFFFD"},
-    {"\xE0\x9F\xBF", u"\uFFFD\uFFFD\uFFFD"},
-    {"\xF0\x8F\xBF\xBF", u"\uFFFD\uFFFD\uFFFD\uFFFD"},
-    {"\xED\xA0\x80", u"\uFFFD\uFFFD\uFFFD"},  // surrogates
-    {"\xED\xBF\xBF", u"\uFFFD\uFFFD\uFFFD"},
-    {"\xF4\x90\x80\x80", u"\uFFFD\uFFFD\uFFFD\uFFFD"},  // past the end
-    {"\xF5\x80", u"\uFFFD\uFFFD"},
-    {"\xFE\xFF", u"\uFFFD\uFFFD"},
-    {"\xC3", u"\uFFFD"},  // cut
-    {"\xE2\x82", u"\uFFFD"},
-    {"\xF0\x9F\x98", u"\uFFFD"},
-    {"\xC3z", u"\uFFFDz"},
-    {"\xE2\x82z", u"\uFFFDz"},
-    {"\xF0\x9F\xC3\xA9", u"\uFFFD\u00E9"},
-    {"\xF0\x9F\x98\xF0\x9F\x98\x80", u"\uFFFD\U0001F600"}};
-
 TEST(Unicode, MalformedUTF8IsRefusedOrReplaced) {
-  for (const MalformedCase& c : kMalformed) {
-    SCOPED_TRACE(testing::PrintToString(c.bytes));
+  for (const auto& row : tableFrom("malformed.txt", 2)) {
+    SCOPED_TRACE(row[0]);
     std::string out;
-    EXPECT_FALSE(isValidUTF8(c.bytes));
-    EXPECT_FALSE(convertToUTF8(c.bytes, TextEncoding::utf8, out));
-    EXPECT_EQ(utf16FromUTF8(c.bytes), c.replaced);
+    EXPECT_FALSE(isValidUTF8(fromHex(row[0])));
+    EXPECT_FALSE(convertToUTF8(fromHex(row[0]), TextEncoding::utf8, out));
+    EXPECT_EQ(utf8FromUTF16(utf16FromUTF8(fromHex(row[0]))), row[1]);
   }
 }
 
@@ -132,17 +107,6 @@ TEST(Unicode, LoneSurrogatesAreRefusedOrReplaced) {
   }
 }
 
-/// Around 1, below 1e-4 and above 2^53, where the decimal layout ends.
-const std::vector<std::string_view> kTexts[] = {
-    {"0.0", "-0.0", "1.0", "-1.0", "100.0", "0.1", "0.2", "0.30000000000000004",
-     "0.3333333333333333", "0.6666666666666666", "3.14", "3.141592653589793", "123456789.125",
-     "0.10000000149011612"},
-    {"0.001", "0.0001", "0.00012345", "9.999e-05", "1e-05", "-1e-05", "2.5e-05", "1e-07",
-     "2.220446049250313e-16"},
-    {"1000000000000000.0", "9007199254740991.0", "9007199254740992.0", "-9007199254740992.0",
-     "9.007199254740994e+15", "1e+16", "1.5e+16", "1.2345678901234568e+17", "1e+21", "1e+22",
-     "1e+23", "1e+100", "1.7976931348623157e+308", "2.2250738585072014e-308", "5e-324"}};
-
 template <class Append>
 std::string textOf(double value, const Append& append) {
   std::string out = "=";  // what stood there before stays
@@ -158,7 +122,7 @@ double valueOf(std::string_view text) {
 }
 
 TEST(NumberText, DescriptionsAndNumbersHaveTheirLayout) {
-  for (const auto& row : kTexts) {
+  for (const auto& row : tableFrom("descriptions.txt", 1)) {
     for (const std::string_view text : row) {
       const double value = valueOf(text);
       EXPECT_EQ(textOf(value, appendDescription), text);

@@ -213,13 +213,6 @@ TEST_F(DynamicClassParserTest, ClassesMadeAtRunTimeHaveNoImage) {
   EXPECT_EQ(namesOf(parse(paths().classesImage)).size(), 4U);
 }
 
-TEST_F(DynamicClassParserTest, ListsProtocolsOrNone) {
-  parse(paths().classesImage);
-  EXPECT_THAT(class_copyProtocolNames(classNamed("SamplePicture")),
-              testing::Optional(ElementsAre("SampleDrawing", "SampleNaming")));
-  EXPECT_EQ(class_copyProtocolNames(classNamed("SampleBare")), std::nullopt);
-}
-
 TEST_F(DynamicClassParserTest, ProgressHasAUnitAClass) {
   parse(paths().classesImage);
   const auto top = Progress::discrete(2);

@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <sys/types.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -15,6 +14,7 @@
 
 #include "tavlen/foundation/base/FunctionRef.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/tools/FileSizeLimit.h"
 
 namespace tavlen {
 
@@ -64,23 +64,6 @@ class HelperTest : public testing::Test {
   TemporaryFolder outside_;
   TemporaryFolder messages_;
   std::string rootVariable_;
-};
-
-/// While it lives, the process and those that it starts can write no file beyond `bytes`: the
-/// system kills one that tries.
-class FileSizeLimit {
- public:
-  explicit FileSizeLimit(rlim_t bytes) {
-    ::getrlimit(RLIMIT_FSIZE, &before_);
-    const rlimit limit{bytes, before_.rlim_max};
-    ::setrlimit(RLIMIT_FSIZE, &limit);
-  }
-  ~FileSizeLimit() { ::setrlimit(RLIMIT_FSIZE, &before_); }
-  FileSizeLimit(const FileSizeLimit&) = delete;
-  FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-
- private:
-  rlimit before_{};
 };
 
 /// A process that swaps two entries as fast as it can, until it is destroyed.

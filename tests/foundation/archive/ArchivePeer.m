@@ -17,31 +17,25 @@ static id mutableIfAsked(id value) {
 
 // A class that keeps what it reads under its keys, and writes it again.
 @interface Record : NSObject <NSCoding> {
-  NSMutableDictionary *values;
+  id values[6];
 }
-- (NSArray *)keys;
+- (NSString *const *)keys;  // with nil at its end
 @end
 
 @implementation Record
-- (NSArray *)keys { return nil; }
+- (NSString *const *)keys { return NULL; }
 - (id)initWithCoder:(NSCoder *)coder {
-  values = [NSMutableDictionary new];
-  NSEnumerator *each = [[self keys] objectEnumerator];
-  for (NSString *key = [each nextObject]; key; key = [each nextObject]) {
-    id value = [coder decodeObjectForKey:key];
-    if (value) [values setObject:value forKey:key];
-  }
+  NSString *const *keys = [self keys];
+  for (int i = 0; keys[i]; ++i) values[i] = RETAIN([coder decodeObjectForKey:keys[i]]);
   return self;
 }
-- (id)archived:(NSString *)key { return mutableIfAsked([values objectForKey:key]); }
+- (id)archived:(id)value { return mutableIfAsked(value); }
 - (void)encodeWithCoder:(NSCoder *)coder {
-  NSEnumerator *each = [[self keys] objectEnumerator];
-  for (NSString *key = [each nextObject]; key; key = [each nextObject]) {
-    [coder encodeObject:[self archived:key] forKey:key];
-  }
+  NSString *const *keys = [self keys];
+  for (int i = 0; keys[i]; ++i) [coder encodeObject:[self archived:values[i]] forKey:keys[i]];
 }
 - (void)dealloc {
-  RELEASE(values);
+  for (int i = 0; i < 6; ++i) RELEASE(values[i]);
   [super dealloc];
 }
 @end
@@ -52,7 +46,10 @@ static id mutableIfAsked(id value) {
 @end
 
 @implementation ObjCMethod
-- (NSArray *)keys { return [NSArray arrayWithObjects:@"selector", @"encoding", nil]; }
+- (NSString *const *)keys {
+  static NSString *const keys[] = {@"selector", @"encoding", nil};
+  return keys;
+}
 - (id)initWithCoder:(NSCoder *)coder {
   isClassMethod = [coder decodeBoolForKey:@"isClassMethod"];
   return [super initWithCoder:coder];
@@ -67,9 +64,9 @@ static id mutableIfAsked(id value) {
 @end
 
 @implementation ObjCClass
-- (NSArray *)keys {
-  return [NSArray arrayWithObjects:@"name", @"methods", @"mangledSuperclass", @"supercls", @"superclassPath", @"protocols",
-                                   nil];
+- (NSString *const *)keys {
+  static NSString *const keys[] = {@"name", @"methods", @"mangledSuperclass", @"supercls", @"superclassPath", @"protocols", nil};
+  return keys;
 }
 @end
 
@@ -77,9 +74,11 @@ static id mutableIfAsked(id value) {
 @end
 
 @implementation TweakInfo
-- (NSArray *)keys { return [NSArray arrayWithObjects:@"bundleID", @"tweakID", @"customIconURL", nil]; }
-- (id)archived:(NSString *)key {
-  id value = [values objectForKey:key];
+- (NSString *const *)keys {
+  static NSString *const keys[] = {@"bundleID", @"tweakID", @"customIconURL", nil};
+  return keys;
+}
+- (id)archived:(id)value {
   if (!rebasesURLs || ![value isKindOfClass:[NSURL class]]) return value;
   NSString *path = [value path];
   NSURL *base = [NSURL fileURLWithPath:[path stringByDeletingLastPathComponent] isDirectory:YES];

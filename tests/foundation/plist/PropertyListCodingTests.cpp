@@ -91,8 +91,6 @@ TEST(PropertyListCoding, roundTrip) {
 }
 
 TEST(PropertyListCoding, typedRules) {
-  // What each kind of value gives when it is asked for a boolean, a signed and an unsigned integer,
-  // a real, a string and a date: a value, or a letter for the error.
   const auto ask = [](const PropertyList& list) {
     std::string answers;
     const auto add = [&](auto read) {
@@ -108,33 +106,8 @@ TEST(PropertyListCoding, typedRules) {
     add([](Decoder& d) { return std::to_string(d.date().secondsSinceReferenceDate); });
     return answers;
   };
-  const struct {
-    PropertyList::Node value;
-    const char* answers;
-  } rows[] = {{true, "true t t t t t "},
-              {std::int64_t{1}, "t 1 1 1.000000 t t "},
-              {std::int64_t{-1}, "t -1 d -1.000000 t t "},
-              {std::uint64_t{7}, "t 7 7 7.000000 t t "},
-              {std::uint64_t{1} << 63, "t d 9223372036854775808 9223372036854775808.000000 t t "},
-              {2.0, "t 2 2 2.000000 t t "},
-              {2.5, "t d d 2.500000 t t "},
-              {-2.0, "t -2 d -2.000000 t t "},
-              {0x1p63, "t d 9223372036854775808 9223372036854775808.000000 t t "},
-              {-0x1p63, "t -9223372036854775808 d -9223372036854775808.000000 t t "},
-              {0x1p64, "t d d 18446744073709551616.000000 t t "},
-              {std::numeric_limits<double>::quiet_NaN(), "t d d nan t t "},
-              {-std::numeric_limits<double>::infinity(), "t d d -inf t t "},
-              {"1", "t t t t 1 t "},
-              {"$null", "n n n n n n "},
-              {Date{1}, "t t t t t 1.000000 "},
-              {PropertyList::Data{"1"}, "t t t t t t "},
-              {PropertyList::UID{1}, "t t t t t t "},
-              {PropertyList::Array{}, "t t t t t t "},
-              {PropertyList::Dictionary{}, "t t t t t t "}};
-  for (const auto& row : rows) {
-    PropertyList list;
-    list.add(row.value);
-    EXPECT_EQ(ask(list), row.answers);
+  for (const auto& row : tableFrom("plist/typed.txt", 2)) {
+    EXPECT_EQ(ask(readPropertyList(plist(row[0]))), row[1] + " ") << row[0];
   }
 }
 

@@ -8,6 +8,7 @@
 #include "tavlen/foundation/json/JSONEncoder.h"
 #include "tests/support/TableFile.h"
 #include "tests/support/Thrown.h"
+#include "tests/support/WideText.h"
 
 namespace tavlen {
 namespace {
@@ -138,29 +139,13 @@ TEST(JSONDecoder, ReadsStrings) {
     EXPECT_THROW(decodeJSON<std::string>(text), DecodingError) << text;
 }
 
-std::string utf16(std::u16string_view text, bool bigEndian) {
-  std::string out;
-  for (const char16_t unit : text) {
-    const char high = static_cast<char>(unit >> 8);
-    const char low = static_cast<char>(unit & 0xFF);
-    out += bigEndian ? high : low;
-    out += bigEndian ? low : high;
-  }
-  return out;
-}
-
 TEST(JSONDecoder, TellsTheEncodingByMarkOrZeros) {
-  const std::string text = R"(["é😀"])";
-  const std::u16string wide = u"[\"é😀\"]";
-  const std::string expected = "é😀";
-  const auto element = [](const std::string& bytes) {
-    return decodeJSON<std::vector<std::string>>(bytes).at(0);
-  };
-  EXPECT_EQ(element("\xEF\xBB\xBF" + text), expected);
-  EXPECT_EQ(element(utf16(wide, true)), expected);
-  EXPECT_EQ(element(utf16(wide, false)), expected);
-  EXPECT_EQ(element("\xFE\xFF" + utf16(wide, true)), expected);
-  EXPECT_EQ(element("\xFF\xFE" + utf16(wide, false)), expected);
+  constexpr std::u16string_view kWide = u"[\"é😀\"]";
+  for (const std::string& bytes :
+       {"\xEF\xBB\xBF[\"é😀\"]"s, bytesOf(kWide, true), bytesOf(kWide, false),
+        "\xFE\xFF" + bytesOf(kWide, true), "\xFF\xFE" + bytesOf(kWide, false)}) {
+    EXPECT_EQ(decodeJSON<std::vector<std::string>>(bytes).at(0), "é😀");
+  }
   for (const std::string& seven :
        {"\0\0\0\x37"s, "7\0\0\0"s, "\0\0\xFE\xFF\0\0\0\x37"s, "\xFE\xFF\0\0\x37\0\0\0"s, "7\0"s}) {
     EXPECT_EQ(decodeJSON<std::int64_t>(seven), 7) << testing::PrintToString(seven);

@@ -13,6 +13,7 @@
 #include "tests/support/TableFile.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TestPaths.h"
+#include "tests/support/WideText.h"
 
 namespace tavlen {
 namespace {
@@ -97,18 +98,15 @@ TEST(XMLPropertyList, readsWhatOthersWrite) {
   EXPECT_EQ(text("\xEF\xBB\xBF<?xml version='1.0'?>" + plist("<string>é</string>")), "é");
   EXPECT_EQ(text("<?xml version='1.0' encoding='ISO-8859-1'?>" + plist("<string>\xE9</string>")),
             "é");
-  std::string wide[4];  // UTF-16 and UTF-32, the little end first in the even ones
-  for (const char c : "<?xml version=\"1.0\" encoding = 'UTF-16' standalone='no' ?>" +
-                          plist("<string>z</string>")) {
-    wide[0] += {c, '\0'};
-    wide[1] += {'\0', c};
-    wide[2] += {c, '\0', '\0', '\0'};
-    wide[3] += {'\0', '\0', '\0', c};
-  }
-  const std::string marks[4] = {"\xFF\xFE", "\xFE\xFF", "\xFF\xFE\0\0"s, "\0\0\xFE\xFF"s};
-  for (std::size_t i = 0; i < 4; ++i) {
-    EXPECT_EQ(text(wide[i]), "z") << i;
-    EXPECT_EQ(text(marks[i] + wide[i]), "z") << i;
+  const std::string ascii =
+      "<?xml version=\"1.0\" encoding = 'UTF-16' standalone='no' ?>" + plist("<string>z</string>");
+  const std::u16string units(ascii.begin(), ascii.end());
+  const std::u32string scalars(ascii.begin(), ascii.end());
+  for (const auto& [mark, bytes] : {std::pair("\xFF\xFE"s, bytesOf<char16_t>(units, false)),
+                                    std::pair("\xFE\xFF"s, bytesOf<char16_t>(units, true)),
+                                    std::pair("\xFF\xFE\0\0"s, bytesOf<char32_t>(scalars, false)),
+                                    std::pair("\0\0\xFE\xFF"s, bytesOf<char32_t>(scalars, true))}) {
+    EXPECT_EQ(text(bytes) + text(mark + bytes), "zz") << mark;
   }
 
   const PropertyList list = readPropertyList(plist(
@@ -174,8 +172,7 @@ TEST(XMLPropertyList, refusesWhatIsSlowToParse) {
   const std::string subset = "<!DOCTYPE plist [" + entities + "]>" + plist("<true/>");
   const std::string wideTag = plist("<array" + attributes + "/>");
   const std::string hidden = "<?xml version='1.0' encoding='IBM037'?>" + plist("<true/>");
-  std::string wide = "\xFF\xFE";
-  for (const char c : wideTag) wide += {c, '\0'};
+  const std::u16string wide(wideTag.begin(), wideTag.end());
   const struct {
     std::string bytes;
     const char* reason;
@@ -185,7 +182,7 @@ TEST(XMLPropertyList, refusesWhatIsSlowToParse) {
               {"<!DOCTYPE plist '" + subset, "A tag has many attributes."},
               {plist("<!ENTITY a 'x'><true/>"), "It holds a declaration."},
               {wideTag, "A tag has many attributes."},
-              {wide, "A tag has many attributes."},
+              {"\xFF\xFE" + bytesOf<char16_t>(wide, false), "A tag has many attributes."},
               {plist("<!-- \" --><array" + attributes + "/>"), "A tag has many attributes."},
               {plist("<![CDATA[<!--]]><array" + attributes + "/>"), "A tag has many attributes."},
               {"<?a <!-- ?>" + wideTag, "A tag has many attributes."},

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cerrno>
 #include <system_error>
 
 #include "tests/support/TableFile.h"
@@ -39,33 +38,28 @@ TEST(DeviceRoot, FollowsLinksBelowTheRoot) {
   folder.write("outside/secret", "s");
   const fs::path tree = folder.path() / "tree";
   folder.write("tree/private/var/mobile/file", "f");
-  const struct {
-    const char* link;
-    const char* target;
-  } links[] = {{"var", "private/var"},
-               {"absolute", "/private/var"},
-               {"private/up", "../var/mobile"},
-               {"beside", "../outside"},
-               {"escape", "/../../outside/secret"},
-               {"dangling", "/missing/x"},
-               {"circle", "circle"}};
-  for (const auto& each : links) fs::create_symlink(each.target, tree / each.link);
+  const std::pair<const char*, const char*> links[] = {{"var", "private/var"},
+                                                       {"absolute", "/private/var"},
+                                                       {"private/up", "../var/mobile"},
+                                                       {"beside", "../outside"},
+                                                       {"escape", "/../../outside/secret"},
+                                                       {"dangling", "/missing/x"},
+                                                       {"circle", "circle"}};
+  for (const auto& [link, target] : links) fs::create_symlink(target, tree / link);
 
-  const struct {
-    const char* devicePath;
-    const char* resolved;
-  } rows[] = {{"/var/mobile/file", "private/var/mobile/file"},
-              {"/absolute/mobile/file", "private/var/mobile/file"},
-              {"/private/up/file", "private/var/mobile/file"},
-              {"/private/up/new/deeper", "private/var/mobile/new/deeper"},
-              {"/var", "private/var"},
-              {"/beside/secret", "outside/secret"},
-              {"/escape", "outside/secret"},
-              {"/dangling/y", "missing/x/y"}};
+  const std::pair<const char*, const char*> rows[] = {
+      {"/var/mobile/file", "private/var/mobile/file"},
+      {"/absolute/mobile/file", "private/var/mobile/file"},
+      {"/private/up/file", "private/var/mobile/file"},
+      {"/private/up/new/deeper", "private/var/mobile/new/deeper"},
+      {"/var", "private/var"},
+      {"/beside/secret", "outside/secret"},
+      {"/escape", "outside/secret"},
+      {"/dangling/y", "missing/x/y"}};
   const DeviceRoot root(tree);
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.devicePath);
-    EXPECT_EQ(root.resolve(row.devicePath), tree / row.resolved);
+  for (const auto& [devicePath, resolved] : rows) {
+    SCOPED_TRACE(devicePath);
+    EXPECT_EQ(root.resolve(devicePath), tree / resolved);
   }
   EXPECT_THROW(root.resolve("/circle/x"), std::system_error);
   EXPECT_EQ(DeviceRoot("/").resolve((tree / "var").native()), tree / "var");

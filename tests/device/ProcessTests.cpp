@@ -9,6 +9,7 @@
 #include <csignal>
 #include <filesystem>
 #include <string>
+#include <utility>
 
 #include "tavlen/foundation/files/FileReplacement.h"
 #include "tavlen/foundation/files/FileSystem.h"
@@ -39,25 +40,22 @@ std::string resultOfShell(const std::string& script) {
 }
 
 TEST(Process, ReadsAStatusByTheDocumentedMasks) {
-  const struct {
-    int status;
-    std::string description;
-  } rows[] = {{0, ""},
-              {0x0300, "terminated(3)"},
-              {0xFF00, "terminated(255)"},
-              {0x80, ""},  // the core bit alone says nothing
-              {9, "signalled(9)"},
-              {0x8B, "signalled(11)"},  // with a core
-              {0x0309, "signalled(9)"},
-              {0x7E, "signalled(126)"},
-              {0x7F, ""},  // stopped by nothing
-              {0x137F, "terminated(19)"},
-              {0xFFFF, "terminated(255)"},  // continued
-              {0x10000, ""},
-              {-1, "terminated(255)"}};
-  for (const auto& row : rows) {
-    const auto error = Process::Error::ofStatus(row.status);
-    EXPECT_EQ(error ? error->description() : "", row.description) << row.status;
+  const std::pair<int, std::string> rows[] = {{0, ""},
+                                              {0x0300, "terminated(3)"},
+                                              {0xFF00, "terminated(255)"},
+                                              {0x80, ""},  // the core bit alone says nothing
+                                              {9, "signalled(9)"},
+                                              {0x8B, "signalled(11)"},  // with a core
+                                              {0x0309, "signalled(9)"},
+                                              {0x7E, "signalled(126)"},
+                                              {0x7F, ""},  // stopped by nothing
+                                              {0x137F, "terminated(19)"},
+                                              {0xFFFF, "terminated(255)"},  // continued
+                                              {0x10000, ""},
+                                              {-1, "terminated(255)"}};
+  for (const auto& [status, description] : rows) {
+    const auto error = Process::Error::ofStatus(status);
+    EXPECT_EQ(error ? error->description() : "", description) << status;
   }
 }
 

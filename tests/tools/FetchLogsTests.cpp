@@ -3,6 +3,7 @@
 
 #include <csignal>
 #include <set>
+#include <utility>
 
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tests/support/AppPlist.h"
@@ -111,17 +112,14 @@ TEST_F(FetchLogsTest, KnowsTheAppsOfTheAppList) {
   for (const char* name : {"LinkedApp", "DeepApp", "NotesApp", "Other"}) {
     writeLog(std::string(name) + "-1.ips");
   }
-  const struct {
-    std::string bundleID;
-    std::set<std::string> logs;
-  } rows[] = {{"com.linked", {"LinkedApp-1.ips"}},
-              {"com.deep", {"DeepApp-1.ips"}},
-              {"com.up", {}},
-              {"com.other", {}}};
-  for (const auto& row : rows) {
-    EXPECT_EQ(fetch(row.bundleID), 0) << row.bundleID;
-    EXPECT_EQ(fetched(), row.logs) << row.bundleID;
-    for (const std::string& log : row.logs) fs::remove(outside() / log);
+  const std::pair<std::string, std::set<std::string>> rows[] = {{"com.linked", {"LinkedApp-1.ips"}},
+                                                                {"com.deep", {"DeepApp-1.ips"}},
+                                                                {"com.up", {}},
+                                                                {"com.other", {}}};
+  for (const auto& [bundleID, logs] : rows) {
+    EXPECT_EQ(fetch(bundleID), 0) << bundleID;
+    EXPECT_EQ(fetched(), logs) << bundleID;
+    for (const std::string& log : logs) fs::remove(outside() / log);
   }
 }
 

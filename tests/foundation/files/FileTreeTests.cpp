@@ -9,7 +9,6 @@
 #include <cstdio>
 #include <optional>
 #include <thread>
-#include <vector>
 
 #include "tavlen/foundation/files/FileDescriptor.h"
 #include "tavlen/foundation/files/FileReplacement.h"

@@ -160,15 +160,12 @@ TEST(URL, filePathsAreEscapedAndRead) {
 }
 
 TEST(URL, pathIsThatOfFileURLsOnly) {
-  const struct {
-    const char* text;
-    const char* path;
-  } rows[] = {{"FILE:///A%2fb", "/A/b"},
-              {"file://LocalHost/a/?q#f", "/a"},
-              {"file:/a%3f#/b?", "/a?"},
-              {"file:///a//", "/a"},
-              {"file:////a", "//a"}};
-  for (const auto& row : rows) EXPECT_EQ(URL{row.text}.path(), row.path) << row.text;
+  const std::pair<const char*, const char*> rows[] = {{"FILE:///A%2fb", "/A/b"},
+                                                      {"file://LocalHost/a/?q#f", "/a"},
+                                                      {"file:/a%3f#/b?", "/a?"},
+                                                      {"file:///a//", "/a"},
+                                                      {"file:////a", "//a"}};
+  for (const auto& [text, path] : rows) EXPECT_EQ(URL{text}.path(), path) << text;
   for (const char* text : {"file://localhosts/a", "file://host/a", "file://", "file:a", "file",
                            "http://a/b", "/a", "", "file:///a%00b", "file:///a%", "file:///a%4",
                            "file:///a%4x", "file:///a%-1", "file:///a%+1", "file:///a% 1"}) {

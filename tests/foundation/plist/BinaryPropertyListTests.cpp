@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <limits>
 
 #include "tavlen/foundation/plist/BinaryPropertyListWriter.h"
@@ -45,41 +44,39 @@ PropertyList inArray(const PropertyList::Node& node) {
 TEST(BinaryPropertyList, scalarsHaveTheirBytes) {
   const std::string kLong(256, 'x');
   constexpr auto kLeast = std::numeric_limits<std::int64_t>::min();
-  const struct {
-    PropertyList::Node value;
-    std::string bytes;
-  } rows[] = {{true, "\x09"},
-              {false, "\x08"},
-              {std::int64_t{0}, "\x10\0"s},
-              {std::int64_t{255}, "\x10\xFF"},
-              {std::int64_t{256}, "\x11\x01\0"s},
-              {std::int64_t{65536}, "\x12\0\x01\0\0"s},
-              {std::int64_t{1} << 32, "\x13\0\0\0\x01\0\0\0\0"s},
-              {std::int64_t{-1}, "\x13" + std::string(8, '\xFF')},
-              {kLeast, "\x13\x80" + std::string(7, '\0')},
-              {std::uint64_t{5}, "\x14" + std::string(15, '\0') + "\x05"},
-              {std::numeric_limits<std::uint64_t>::max(),
-               "\x14" + std::string(8, '\0') + std::string(8, '\xFF')},
-              {1.0, "\x23\x3F\xF0" + std::string(6, '\0')},
-              {-0.0, "\x23\x80" + std::string(7, '\0')},
-              {Date{-1.5}, "\x33\xBF\xF8" + std::string(6, '\0')},
-              {PropertyList::Data{"\0\xFF"sv}, "\x42\0\xFF"s},
-              {PropertyList::Data{"xxxxxxxxxxxxxxx"}, "\x4F\x10\x0F" + std::string(15, 'x')},
-              {"", "\x50"},
-              {"a\0b"sv, "\x53"s + "a\0b"s},
-              {kLong, "\x5F\x11\x01\0"s + std::string(256, 'x')},
-              {"é", "\x61\0\xE9"s},
-              {"😀", "\x62\xD8\x3D\xDE\0"s},
-              {PropertyList::UID{255}, "\x80\xFF"},
-              {PropertyList::UID{256}, "\x81\x01\0"s},
-              {PropertyList::UID{65536}, "\x83\0\x01\0\0"s},
-              {PropertyList::Array{}, "\xA0"},
-              {PropertyList::Dictionary{}, "\xD0"}};
-  for (const auto& row : rows) {
-    const std::string bytes = writeBinaryPropertyList(inArray(row.value));
-    EXPECT_EQ(bytes.substr(10, row.bytes.size()), row.bytes) << testing::PrintToString(row.bytes);
-    EXPECT_TRUE(sameGraph(readBinaryPropertyList(bytes), inArray(row.value)))
-        << testing::PrintToString(row.bytes);
+  const std::pair<PropertyList::Node, std::string> rows[] = {
+      {true, "\x09"},
+      {false, "\x08"},
+      {std::int64_t{0}, "\x10\0"s},
+      {std::int64_t{255}, "\x10\xFF"},
+      {std::int64_t{256}, "\x11\x01\0"s},
+      {std::int64_t{65536}, "\x12\0\x01\0\0"s},
+      {std::int64_t{1} << 32, "\x13\0\0\0\x01\0\0\0\0"s},
+      {std::int64_t{-1}, "\x13" + std::string(8, '\xFF')},
+      {kLeast, "\x13\x80" + std::string(7, '\0')},
+      {std::uint64_t{5}, "\x14" + std::string(15, '\0') + "\x05"},
+      {std::numeric_limits<std::uint64_t>::max(),
+       "\x14" + std::string(8, '\0') + std::string(8, '\xFF')},
+      {1.0, "\x23\x3F\xF0" + std::string(6, '\0')},
+      {-0.0, "\x23\x80" + std::string(7, '\0')},
+      {Date{-1.5}, "\x33\xBF\xF8" + std::string(6, '\0')},
+      {PropertyList::Data{"\0\xFF"sv}, "\x42\0\xFF"s},
+      {PropertyList::Data{"xxxxxxxxxxxxxxx"}, "\x4F\x10\x0F" + std::string(15, 'x')},
+      {"", "\x50"},
+      {"a\0b"sv, "\x53"s + "a\0b"s},
+      {kLong, "\x5F\x11\x01\0"s + std::string(256, 'x')},
+      {"é", "\x61\0\xE9"s},
+      {"😀", "\x62\xD8\x3D\xDE\0"s},
+      {PropertyList::UID{255}, "\x80\xFF"},
+      {PropertyList::UID{256}, "\x81\x01\0"s},
+      {PropertyList::UID{65536}, "\x83\0\x01\0\0"s},
+      {PropertyList::Array{}, "\xA0"},
+      {PropertyList::Dictionary{}, "\xD0"}};
+  for (const auto& [value, bytes] : rows) {
+    SCOPED_TRACE(testing::PrintToString(bytes));
+    const std::string written = writeBinaryPropertyList(inArray(value));
+    EXPECT_EQ(written.substr(10, bytes.size()), bytes);
+    EXPECT_TRUE(sameGraph(readBinaryPropertyList(written), inArray(value)));
   }
   // Forms that only others write.
   const auto readOne = [](const std::string& object) {
@@ -160,29 +157,27 @@ TEST(BinaryPropertyList, refusesHostileTrailers) {
   const std::string good = assemble({"\xA1\x01", "\x51z"});
   ASSERT_FALSE(isRefused(good));
   const std::size_t trailer = good.size() - 32;
-  const struct {
-    std::size_t offset;
-    std::string bytes;
-  } rows[] = {{0, "bplist1"},
-              {trailer + 6, "\0"s},  // widths
-              {trailer + 6, "\x09"},
-              {trailer + 7, "\0"s},
-              {trailer + 7, "\x09"},
-              {trailer + 8, bigEndian(0, 8)},  // numbers of objects
-              {trailer + 8, bigEndian(3, 8)},
-              {trailer + 8, bigEndian(1ULL << 61, 8)},  // times eight is nothing
-              {trailer + 8, bigEndian(~0ULL, 8)},
-              {trailer + 16, bigEndian(2, 8)},  // roots
-              {trailer + 24, bigEndian(7, 8)},  // offsets of the table
-              {trailer + 24, bigEndian(good.size() - 31, 8)},
-              {trailer + 24, bigEndian(~0ULL, 8)},
-              {trailer - 8, bigEndian(7, 8)},  // offsets of objects
-              {trailer - 8, bigEndian(trailer - 16, 8)},
-              {trailer - 8, bigEndian(~0ULL, 8)}};
-  for (const auto& row : rows) {
+  const std::pair<std::size_t, std::string> rows[] = {
+      {0, "bplist1"},
+      {trailer + 6, "\0"s},  // widths
+      {trailer + 6, "\x09"},
+      {trailer + 7, "\0"s},
+      {trailer + 7, "\x09"},
+      {trailer + 8, bigEndian(0, 8)},  // numbers of objects
+      {trailer + 8, bigEndian(3, 8)},
+      {trailer + 8, bigEndian(1ULL << 61, 8)},  // times eight is nothing
+      {trailer + 8, bigEndian(~0ULL, 8)},
+      {trailer + 16, bigEndian(2, 8)},  // roots
+      {trailer + 24, bigEndian(7, 8)},  // offsets of the table
+      {trailer + 24, bigEndian(good.size() - 31, 8)},
+      {trailer + 24, bigEndian(~0ULL, 8)},
+      {trailer - 8, bigEndian(7, 8)},  // offsets of objects
+      {trailer - 8, bigEndian(trailer - 16, 8)},
+      {trailer - 8, bigEndian(~0ULL, 8)}};
+  for (const auto& [offset, bytes] : rows) {
     std::string bad = good;
-    bad.replace(row.offset, row.bytes.size(), row.bytes);
-    EXPECT_TRUE(isRefused(bad)) << row.offset << " " << testing::PrintToString(row.bytes);
+    bad.replace(offset, bytes.size(), bytes);
+    EXPECT_TRUE(isRefused(bad)) << offset << " " << testing::PrintToString(bytes);
   }
   // A hundred thousand entries for one long text would be ten gigabytes.
   std::string shared = "bplist00\x4F\x12" + bigEndian(100'000, 4) + std::string(100'000, 'x');

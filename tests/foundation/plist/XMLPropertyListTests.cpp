@@ -173,32 +173,30 @@ TEST(XMLPropertyList, refusesWhatIsSlowToParse) {
   const std::string wideTag = plist("<array" + attributes + "/>");
   const std::string hidden = "<?xml version='1.0' encoding='IBM037'?>" + plist("<true/>");
   const std::u16string wide(wideTag.begin(), wideTag.end());
-  const struct {
-    std::string bytes;
-    const char* reason;
-  } rows[] = {{subset, "A tag is too long."},
-              {"<!DOCTYPE plist []>" + plist("<true/>"), "Its document type holds declarations."},
-              {"<!DOCTYPE plist SYSTEM '>' [" + entities, "A tag is too long."},
-              {"<!DOCTYPE plist '" + subset, "A tag has many attributes."},
-              {plist("<!ENTITY a 'x'><true/>"), "It holds a declaration."},
-              {wideTag, "A tag has many attributes."},
-              {"\xFF\xFE" + bytesOf<char16_t>(wide, false), "A tag has many attributes."},
-              {plist("<!-- \" --><array" + attributes + "/>"), "A tag has many attributes."},
-              {plist("<![CDATA[<!--]]><array" + attributes + "/>"), "A tag has many attributes."},
-              {"<?a <!-- ?>" + wideTag, "A tag has many attributes."},
-              {plist("<true" + std::string(2000, ' ') + "/>"), "A tag is too long."},
-              {plist("<array>" + many("<string xmlns:a", "='u'/>") + "</array>"),
-               "It has many attributes or instructions."},
-              {many("<?a", "?>") + plist("<true/>"), "It has many attributes or instructions."},
-              {plist("<true <!-- /> -->"), "A tag is not closed."},
-              {plist("<!-- "), "\"<!--\" is not closed."},
-              {hidden, "Its XML declaration is malformed or names an unsupported encoding."},
-              {"<?xml version='\" encoding='IBM037'?>" + plist("<true/>"),
-               "Its XML declaration is malformed or names an unsupported encoding."},
-              {plist(std::string_view("a\0b", 3)), "It holds the character U+0000."},
-              {"\xFF\xFE<", "The text is malformed in its encoding."}};
-  for (const auto& row : rows) {
-    EXPECT_EQ(refusal(row.bytes), row.reason) << row.bytes.substr(0, 80);
+  const std::pair<std::string, const char*> rows[] = {
+      {subset, "A tag is too long."},
+      {"<!DOCTYPE plist []>" + plist("<true/>"), "Its document type holds declarations."},
+      {"<!DOCTYPE plist SYSTEM '>' [" + entities, "A tag is too long."},
+      {"<!DOCTYPE plist '" + subset, "A tag has many attributes."},
+      {plist("<!ENTITY a 'x'><true/>"), "It holds a declaration."},
+      {wideTag, "A tag has many attributes."},
+      {"\xFF\xFE" + bytesOf<char16_t>(wide, false), "A tag has many attributes."},
+      {plist("<!-- \" --><array" + attributes + "/>"), "A tag has many attributes."},
+      {plist("<![CDATA[<!--]]><array" + attributes + "/>"), "A tag has many attributes."},
+      {"<?a <!-- ?>" + wideTag, "A tag has many attributes."},
+      {plist("<true" + std::string(2000, ' ') + "/>"), "A tag is too long."},
+      {plist("<array>" + many("<string xmlns:a", "='u'/>") + "</array>"),
+       "It has many attributes or instructions."},
+      {many("<?a", "?>") + plist("<true/>"), "It has many attributes or instructions."},
+      {plist("<true <!-- /> -->"), "A tag is not closed."},
+      {plist("<!-- "), "\"<!--\" is not closed."},
+      {hidden, "Its XML declaration is malformed or names an unsupported encoding."},
+      {"<?xml version='\" encoding='IBM037'?>" + plist("<true/>"),
+       "Its XML declaration is malformed or names an unsupported encoding."},
+      {plist(std::string_view("a\0b", 3)), "It holds the character U+0000."},
+      {"\xFF\xFE<", "The text is malformed in its encoding."}};
+  for (const auto& [bytes, reason] : rows) {
+    EXPECT_EQ(refusal(bytes), reason) << bytes.substr(0, 80);
   }
   for (const std::string& harmless :
        {"<!DOCTYPE plist PUBLIC '-//Apple//DTD PLIST 1.0//EN' \"a>b\">" + plist("<true/>"),

@@ -4,7 +4,6 @@
 #include <stdexcept>
 #include <string>
 #include <thread>
-#include <vector>
 
 #include "tavlen/foundation/tasks/MainQueue.h"
 #include "tavlen/foundation/tasks/NotificationCenter.h"

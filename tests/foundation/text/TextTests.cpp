@@ -119,15 +119,12 @@ TEST(NumberText, WhatIsNoNumberHasADescription) {
   const double infinity = std::numeric_limits<double>::infinity();
   EXPECT_EQ(textOf(infinity, appendDescription), "inf");
   EXPECT_EQ(textOf(-infinity, appendDescription), "-inf");
-  const struct {
-    std::uint64_t bits;
-    std::string_view text;
-  } kNaNs[] = {{0x7FF8000000000000, "nan"},
-               {0xFFF8000000000000, "-nan"},
-               {0x7FF8000000000001, "nan(0x1)"},
-               {0x7FF0000000000001, "snan"}};
-  for (const auto& c : kNaNs) {
-    EXPECT_EQ(textOf(std::bit_cast<double>(c.bits), appendDescription), c.text);
+  const std::pair<std::uint64_t, std::string_view> kNaNs[] = {{0x7FF8000000000000, "nan"},
+                                                              {0xFFF8000000000000, "-nan"},
+                                                              {0x7FF8000000000001, "nan(0x1)"},
+                                                              {0x7FF0000000000001, "snan"}};
+  for (const auto& [bits, text] : kNaNs) {
+    EXPECT_EQ(textOf(std::bit_cast<double>(bits), appendDescription), text);
   }
 }
 
@@ -146,18 +143,15 @@ TEST(NumberText, EveryNumberReadsBack) {
 }
 
 TEST(Base64, isStrict) {
-  const struct {
-    std::string bytes;
-    const char* text;
-  } rows[] = {{"", ""},
-              {"\0"s, "AA=="},
-              {"\xFF", "/w=="},
-              {"\xFF\xFF", "//8="},
-              {"\xFB\xEF\xBE", "++++"},
-              {"abcd", "YWJjZA=="}};
-  for (const auto& row : rows) {
-    EXPECT_EQ(base64FromBytes(row.bytes), row.text);
-    EXPECT_EQ(bytesFromBase64(row.text), row.bytes);
+  const std::pair<std::string, const char*> rows[] = {{"", ""},
+                                                      {"\0"s, "AA=="},
+                                                      {"\xFF", "/w=="},
+                                                      {"\xFF\xFF", "//8="},
+                                                      {"\xFB\xEF\xBE", "++++"},
+                                                      {"abcd", "YWJjZA=="}};
+  for (const auto& [bytes, text] : rows) {
+    EXPECT_EQ(base64FromBytes(bytes), text);
+    EXPECT_EQ(bytesFromBase64(text), bytes);
   }
   for (const char* text : {"A", "AA", "AA=", "AA===", "AAA", "AAA==", "AAAA=", "====", "AA==AA==",
                            "AA=A", "A-_A", "AA ==", "\xC3\xA9=="}) {

@@ -5,7 +5,6 @@
 #include <sys/inotify.h>
 #include <sys/stat.h>
 
-#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cmath>
@@ -268,18 +267,15 @@ TEST_F(RemoteDumpTest, KnowsTheFoldersOfTheDeviceItself) {
 }
 
 TEST_F(RemoteDumpTest, ShowsItsProgressAsOneUnitOfTheParent) {
-  const struct {
-    std::vector<double> fractions;
-    double ofParent;
-  } cases[] = {{{}, 0},          {{0.25, 0.5}, 0.25}, {{0.5, 0.259999}, 0.125},  // towards zero
-               {{-0.0099}, 0},   {{0.999999}, 0.495}, {{1}, 0.5},
-               {{0.5, -0.01}, 0}};  // below zero it counts for nothing
-  for (const auto& row : cases) {
+  const std::pair<std::vector<double>, double> cases[] = {
+      {{}, 0},          {{0.25, 0.5}, 0.25}, {{0.5, 0.259999}, 0.125},  // towards zero
+      {{-0.0099}, 0},   {{0.999999}, 0.495}, {{1}, 0.5},
+      {{0.5, -0.01}, 0}};  // below zero it counts for nothing
+  for (const auto& [fractions, ofParent] : cases) {
     const auto parent = Progress::discrete(2);
     write("tmp/dump/classes", encodeKeyedArchive(Classes()));
-    dump("/tmp/dump/classes", row.fractions, parent);
-    EXPECT_DOUBLE_EQ(parent->fractionCompleted(), row.ofParent)
-        << testing::PrintToString(row.fractions);
+    dump("/tmp/dump/classes", fractions, parent);
+    EXPECT_DOUBLE_EQ(parent->fractionCompleted(), ofParent) << testing::PrintToString(fractions);
   }
   EXPECT_EQ(Progress::current(), nullptr);
 }

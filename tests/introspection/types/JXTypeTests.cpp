@@ -1,8 +1,6 @@
 #include <gmock/gmock.h>
 
 #include <chrono>
-#include <cstdint>
-#include <limits>
 #include <memory>
 #include <mutex>
 #include <optional>

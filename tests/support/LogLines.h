@@ -11,7 +11,7 @@
 
 namespace tavlen {
 
-/// What is logged for as long as it lives, by any thread. One at a time.
+/// Collects what any thread logs while it exists. There can be one at a time.
 class LogLines {
  public:
   LogLines() {

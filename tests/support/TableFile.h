@@ -12,8 +12,8 @@
 
 namespace tavlen {
 
-/// The rows of a table in tests/data, whose columns tabs divide. Each has at least `columns`, empty
-/// ones at its end; a line that begins with "//" is none.
+/// The rows of a table in tests/data, with columns divided by tabs. Each row is filled up with
+/// empty columns to at least `columns`; lines that begin with "//" are remarks.
 inline std::vector<std::vector<std::string>> tableFrom(const std::string& name,
                                                        std::size_t columns) {
   std::istringstream lines(readFile(paths().testData + "/" + name));
@@ -29,7 +29,7 @@ inline std::vector<std::vector<std::string>> tableFrom(const std::string& name,
   return rows;
 }
 
-/// The bytes that pairs of hexadecimal digits stand for.
+/// The bytes of a text in hexadecimal digits.
 inline std::string fromHex(std::string_view text) {
   std::string bytes;
   for (; !text.empty(); text.remove_prefix(2)) {

@@ -5,7 +5,8 @@
 
 namespace tavlen {
 
-/// Calls `work` with 0, 1 and so on up to below `count`, each on a thread of its own, and waits.
+/// Calls `work` with each number below `count`, each call on a thread of its own, and waits for
+/// all.
 template <class Work>
 void inThreads(int count, const Work& work) {
   std::vector<std::jthread> threads;

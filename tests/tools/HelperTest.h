@@ -48,7 +48,7 @@ class HelperTest : public testing::Test {
   void writeOutside(const std::string& name, std::string_view bytes = "x") const {
     outside_.write(name, bytes);
   }
-  /// Makes `depth` folders called "z" in each other in `folder`, and gives the deepest.
+  /// Makes `depth` nested folders in `folder`, each called "z"; returns the deepest.
   static std::filesystem::path nest(std::filesystem::path folder, int depth) {
     while (depth-- > 0) folder /= "z";
     std::filesystem::create_directories(folder);

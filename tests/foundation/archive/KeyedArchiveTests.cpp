@@ -357,7 +357,7 @@ TEST_F(KeyedArchiveInterop, classesSurvive) {
   }
   EXPECT_EQ(reread("reread", classes), classes);
   EXPECT_EQ(reread("mutable", classes), classes);
-  classes[1].protocols = {"$null"};  // whose text the other takes for nil
+  classes[1].protocols = {"$null"};  // which the other Foundation takes for nil
   EXPECT_EQ(decodeKeyedArchive<std::vector<ObjCClass>>(encodeKeyedArchive(classes)), classes);
   EXPECT_EQ(messageOf([&] {
               encodeKeyedArchive(

@@ -224,12 +224,11 @@ TEST_F(MachOHeaderTests, TakesTheSliceThatADevicePrefers) {
 
 TEST_F(MachOHeaderTests, NothingElseIsAnImage) {
   const std::string whole = thin(2);
-  for (std::size_t size = 0; size < whole.size(); ++size) {
-    EXPECT_EQ(fileType(whole.substr(0, size)), 0U) << size;
-  }
   const std::string fatFile = fat({whole});
-  for (std::size_t size = 0; size < fatFile.size(); ++size) {
-    EXPECT_EQ(fileType(fatFile.substr(0, size)), 0U) << size;
+  for (const std::string& file : {whole, fatFile}) {
+    for (std::size_t size = 0; size < file.size(); ++size) {
+      EXPECT_EQ(fileType(file.substr(0, size)), 0U) << size;
+    }
   }
   EXPECT_EQ(fileType(bigWord(0xCAFEBABE) + bigWord(52) + std::string(4096, 'x')), 0U)
       << "a Java class file";

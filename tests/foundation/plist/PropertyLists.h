@@ -30,16 +30,16 @@ inline std::string plist(std::string_view body) {
   return "<plist version='1.0'>" + std::string(body) + "</plist>";
 }
 
-/// Fills a list with random trees that both forms can hold and nothing of it is lost in: whole
-/// seconds, distinct keys, unsigned integers above 2^63-1 only.
+/// Random trees that both forms can hold and nothing of them is lost in: whole seconds, distinct
+/// keys, unsigned integers above 2^63-1 only.
 class RandomPropertyList {
  public:
   explicit RandomPropertyList(unsigned seed) : random_(seed) {}
 
   /// A list of `count` such trees.
   PropertyList make(int count) {
-    std::vector<Index> trees;
-    for (int i = 0; i < count; ++i) trees.push_back(container(6));
+    Indices trees;
+    while (count-- > 0) trees.push_back(container(6));
     list_.setRoot(list_.add(PropertyList::Array{trees}));
     return std::move(list_);
   }
@@ -57,16 +57,13 @@ class RandomPropertyList {
   }
 
   Index container(unsigned depth) {
-    if (below(2) == 0) {
-      std::vector<Index> elements;
-      for (std::uint64_t i = below(6); i > 0; --i) elements.push_back(value(depth));
-      return list_.add(PropertyList::Array{elements});
-    }
-    std::vector<PropertyList::Member> members;
+    Indices elements;
+    Members members;
     for (std::uint64_t i = below(6); i > 0; --i) {
-      const Index key = list_.add(text() + std::to_string(i));
-      members.push_back({key, value(depth)});
+      elements.push_back(value(depth));
+      members.push_back({list_.add(text() + std::to_string(i)), elements.back()});
     }
+    if (below(2) == 0) return list_.add(PropertyList::Array{elements});
     return list_.add(PropertyList::Dictionary{members});
   }
 
@@ -83,8 +80,8 @@ class RandomPropertyList {
       case 4:  // three hundred years around 2001
         return list_.add(Date{static_cast<double>(below(10'000'000'000)) - 5e9});
       case 5: {
-        std::string bytes;
-        for (std::uint64_t i = below(100); i > 0; --i) bytes += static_cast<char>(below(256));
+        std::string bytes(below(100), '\0');
+        for (char& byte : bytes) byte = static_cast<char>(below(256));
         return list_.add(PropertyList::Data{bytes});
       }
       case 6:
@@ -97,9 +94,5 @@ class RandomPropertyList {
   std::mt19937_64 random_;
   PropertyList list_;
 };
-
-inline PropertyList randomPropertyList(unsigned seed, int count) {
-  return RandomPropertyList(seed).make(count);
-}
 
 }  // namespace tavlen

@@ -240,7 +240,7 @@ TEST(XMLPropertyList, depthAndSizeAreBounded) {
 TEST(PropertyListInPython, agrees) {
   const TemporaryFolder folder;
   // One list of many, since each run of the program takes its time.
-  const PropertyList list = randomPropertyList(1000, 400);
+  const PropertyList list = RandomPropertyList(1000).make(400);
   for (const auto ours : {PropertyListFormat::binary, PropertyListFormat::xml}) {
     for (const char* theirs : {"binary", "xml"}) {
       const std::filesystem::path input = folder.path() / "in";

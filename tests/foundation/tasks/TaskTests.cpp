@@ -4,6 +4,7 @@
 #include <stdexcept>
 #include <string>
 #include <thread>
+#include <utility>
 
 #include "tavlen/foundation/tasks/MainQueue.h"
 #include "tavlen/foundation/tasks/NotificationCenter.h"
@@ -132,17 +133,14 @@ TEST(NotificationCenter, CallsMatchingObserversInTheOrderOfRegistration) {
   center.addObserver(std::nullopt, &a, note('4'));
   center.addObserver("M", nullptr, note('5'));
   center.addObserver("N", nullptr, note('6'));
-  const struct {
-    Notification posted;
-    std::string called;
-  } rows[] = {
+  const std::pair<Notification, std::string> rows[] = {
       {{"N", nullptr, {}}, "126"}, {{"N", &a, {}}, "12346"}, {{"N", &b, {}}, "126"},
       {{"M", &a, {}}, "245"},      {{"", nullptr, {}}, "2"},
   };
-  for (const auto& row : rows) {
+  for (const auto& [posted, expected] : rows) {
     called.clear();
-    center.post(row.posted);
-    EXPECT_EQ(called, row.called);
+    center.post(posted);
+    EXPECT_EQ(called, expected);
   }
 }
 

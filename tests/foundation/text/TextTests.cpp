@@ -121,7 +121,7 @@ TEST(NumberText, WhatIsNoNumberHasADescription) {
   EXPECT_EQ(textOf(-infinity, appendDescription), "-inf");
   const std::pair<std::uint64_t, std::string_view> kNaNs[] = {{0x7FF8000000000000, "nan"},
                                                               {0xFFF8000000000000, "-nan"},
-                                                              {0x7FF8000000000001, "nan(0x1)"},
+                                                              {0x7FF800000000001F, "nan(0x1f)"},
                                                               {0x7FF0000000000001, "snan"}};
   for (const auto& [bits, text] : kNaNs) {
     EXPECT_EQ(textOf(std::bit_cast<double>(bits), appendDescription), text);

@@ -16,7 +16,7 @@
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/foundation/tasks/ScopedProgress.h"
 #include "tavlen/introspection/classes/RuntimeClasses.h"
-#include "tavlen/introspection/types/JXType.h"
+#include "tavlen/introspection/types/JXTypeCursor.h"
 #include "tests/support/LogLines.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TestPaths.h"
@@ -276,13 +276,19 @@ TEST_F(DynamicClassParserTest, ThreadsShareRecords) {
   for (const auto& each : results) EXPECT_EQ(each, results.front());
 }
 
+// Next to the other tests of threads, which alone are built for the thread sanitizer.
 TEST(JXType, IsReadByManyThreads) {
   // Each struct has an object before another named member, so each is read twice.
   std::string text = "i";
   for (int i = 0; i < 40; ++i) text = "{P=\"a\"" + text + "\"b\"@\"c\"i}";
+  text += "@\"NSString\"";
   const std::string expected = JXTypeForEncoding(text)->description();
   inThreads(4, [&](int) {
-    for (int i = 0; i < 50; ++i) EXPECT_EQ(JXTypeForEncoding(text)->description(), expected);
+    for (int i = 0; i < 50; ++i) {
+      JXTypeCursor cursor(text);
+      EXPECT_EQ(JXTypeWithEncoding(cursor)->description(), expected);
+      EXPECT_EQ(JXTypeWithEncoding(cursor)->description(), "NSString *");
+    }
   });
 }
 

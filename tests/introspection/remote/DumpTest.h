@@ -104,6 +104,7 @@ class DumpTest : public testing::Test {
 
  protected:
   LogLines log_;
+  /// The app and its image, which are read when a test asks them.
   std::shared_ptr<IPA> ipa_ = IPA::withAppDir(appDir());
   Executable image_{ipa_, appDir(), "Frameworks/Probe.dylib", false};
 };

@@ -32,7 +32,7 @@ std::string assemble(const std::vector<std::string>& objects, std::size_t refere
   return bytes + bigEndian(objects.size(), 8) + bigEndian(0, 8) + bigEndian(tableOffset, 8);
 }
 
-bool isRefused(const std::string& bytes) { return !refusal(bytes).empty(); }
+bool isRefused(const std::string& bytes) { return !refusal(bytes, readBinaryPropertyList).empty(); }
 
 PropertyList inArray(const PropertyList::Node& node) {
   PropertyList list;

@@ -12,9 +12,10 @@
 namespace tavlen {
 
 /// What the error of reading says; nothing where the bytes are read.
-inline std::string refusal(std::string_view bytes) {
+inline std::string refusal(std::string_view bytes,
+                           PropertyList (*read)(std::string_view) = readPropertyList) {
   try {
-    static_cast<void>(readPropertyList(bytes));
+    static_cast<void>(read(bytes));
     return "";
   } catch (const DecodingError& error) {
     const std::string begin = "The given data was not a valid property list. ";

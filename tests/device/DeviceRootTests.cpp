@@ -2,44 +2,21 @@
 
 #include <gtest/gtest.h>
 
-#include <cerrno>
 #include <system_error>
 
+#include "tests/support/TableFile.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace tavlen {
 namespace {
 
 TEST(DeviceRoot, ResolvesDevicePaths) {
-  const struct {
-    const char* root;
-    const char* prefix;
-    const char* devicePath;
-    const char* resolved;
-  } rows[] = {{"/", "", "/usr/bin/killall", "/usr/bin/killall"},
-              {"/no/tree", "", "/", "/no/tree"},
-              {"/no/tree/", "", "/var//mobile/", "/no/tree/var/mobile"},
-              {"/no/./tree/x/..", "", "/var/./mobile", "/no/tree/var/mobile"},
-              {"/no/tree", "", "/../../etc/passwd", "/no/tree/etc/passwd"},
-              {"/no/tree", "", "var", "/no/tree/var"},
-              {"/no/tree", "", "//etc", "/no/tree/etc"},
-              {"/", "/var/jb", "/usr/bin/killall", "/var/jb/usr/bin/killall"},
-              {"/", "/var/jb/", "/bin", "/var/jb/bin"},
-              {"/", "var/jb", "/var/../bin/kill", "/var/jb/bin/kill"},
-              {"/", "/var/jb", "/usrlocal/x", "/usrlocal/x"},
-              {"/", "/var/jb", "/Applications/Marrowgleam.app/bin/kvfileops",
-               "/var/jb/Applications/Marrowgleam.app/bin/kvfileops"},
-              {"/", "/var/jb", "/Applications/Other.app", "/Applications/Other.app"},
-              {"/", "/var/jb", "/var/jb/usr/bin/killall", "/var/jb/usr/bin/killall"},
-              {"/", "/usr/jb", "/usr/jb/bin/kill", "/usr/jb/bin/kill"},
-              {"/no/tree", "/usr/jb", "/usr/bin", "/no/tree/usr/jb/usr/bin"},
-              {"/", "/", "/bin/kill", "/bin/kill"}};
-  for (const auto& row : rows) {
-    SCOPED_TRACE(testing::Message() << row.root << ' ' << row.prefix << ' ' << row.devicePath);
-    const DeviceRoot root(row.root, row.prefix);
-    EXPECT_EQ(root.resolve(row.devicePath), row.resolved);
+  for (const auto& row : tableFrom("device-paths.txt", 4)) {
+    SCOPED_TRACE(testing::PrintToString(row));
+    const DeviceRoot root(row[0], row[1]);
+    EXPECT_EQ(root.resolve(row[2]), row[3]);
     // Asked again, nothing is joined twice.
-    EXPECT_EQ(root.resolve(root.devicePath(row.resolved).native()), row.resolved);
+    EXPECT_EQ(root.resolve(root.devicePath(row[3]).native()), row[3]);
   }
   EXPECT_EQ(DeviceRoot("tree").url(), std::filesystem::current_path() / "tree");
   EXPECT_TRUE(DeviceRoot("/x/..").isDevice());
@@ -61,33 +38,28 @@ TEST(DeviceRoot, FollowsLinksBelowTheRoot) {
   folder.write("outside/secret", "s");
   const fs::path tree = folder.path() / "tree";
   folder.write("tree/private/var/mobile/file", "f");
-  const struct {
-    const char* link;
-    const char* target;
-  } links[] = {{"var", "private/var"},
-               {"absolute", "/private/var"},
-               {"private/up", "../var/mobile"},
-               {"beside", "../outside"},
-               {"escape", "/../../outside/secret"},
-               {"dangling", "/missing/x"},
-               {"circle", "circle"}};
-  for (const auto& each : links) fs::create_symlink(each.target, tree / each.link);
+  const std::pair<const char*, const char*> links[] = {{"var", "private/var"},
+                                                       {"absolute", "/private/var"},
+                                                       {"private/up", "../var/mobile"},
+                                                       {"beside", "../outside"},
+                                                       {"escape", "/../../outside/secret"},
+                                                       {"dangling", "/missing/x"},
+                                                       {"circle", "circle"}};
+  for (const auto& [link, target] : links) fs::create_symlink(target, tree / link);
 
-  const struct {
-    const char* devicePath;
-    const char* resolved;
-  } rows[] = {{"/var/mobile/file", "private/var/mobile/file"},
-              {"/absolute/mobile/file", "private/var/mobile/file"},
-              {"/private/up/file", "private/var/mobile/file"},
-              {"/private/up/new/deeper", "private/var/mobile/new/deeper"},
-              {"/var", "private/var"},
-              {"/beside/secret", "outside/secret"},
-              {"/escape", "outside/secret"},
-              {"/dangling/y", "missing/x/y"}};
+  const std::pair<const char*, const char*> rows[] = {
+      {"/var/mobile/file", "private/var/mobile/file"},
+      {"/absolute/mobile/file", "private/var/mobile/file"},
+      {"/private/up/file", "private/var/mobile/file"},
+      {"/private/up/new/deeper", "private/var/mobile/new/deeper"},
+      {"/var", "private/var"},
+      {"/beside/secret", "outside/secret"},
+      {"/escape", "outside/secret"},
+      {"/dangling/y", "missing/x/y"}};
   const DeviceRoot root(tree);
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.devicePath);
-    EXPECT_EQ(root.resolve(row.devicePath), tree / row.resolved);
+  for (const auto& [devicePath, resolved] : rows) {
+    SCOPED_TRACE(devicePath);
+    EXPECT_EQ(root.resolve(devicePath), tree / resolved);
   }
   EXPECT_THROW(root.resolve("/circle/x"), std::system_error);
   EXPECT_EQ(DeviceRoot("/").resolve((tree / "var").native()), tree / "var");

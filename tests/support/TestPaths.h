@@ -17,7 +17,6 @@ struct TestPaths {
   std::string dumpAgent;
   std::string dumpAgentWithClasses;  ///< the agent in a program that has classes, as apps do
   std::string archivePeer;
-  std::string foundationDump;
   std::string standInsLibrary;
   std::string dumpedImage;
   std::string classesImage;

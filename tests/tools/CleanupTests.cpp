@@ -2,7 +2,6 @@
 #include <unistd.h>
 
 #include "tests/tools/HelperTest.h"
-#include "tests/tools/Swapper.h"
 
 namespace tavlen {
 namespace {
@@ -52,8 +51,7 @@ TEST_F(CleanupTest, RefusesWhatIsNoDirectChildOfTheTweaks) {
         folder + "/a.b/inner", folder + "/near/inner", folder + "/link/d", folder + "/missing/x",
         folder + "/../x", folder + "/a.b/../../x", (root() / "var/mobile/other").string(),
         (outside() / "d").string(), root().string(), std::string("a.b"), std::string(),
-        std::string("/"),
-        std::string("/var/mobile/Library/Application Support/Marrowgleam/Installed Tweaks/a.b")}) {
+        std::string("/"), "/" + tweaks("a.b").lexically_relative(root()).string()}) {
     EXPECT_EQ(status({"cleanup", path, "0"}), 1) << path;
     EXPECT_EQ(status({"cleanup", path, "1"}), 1) << path;
   }
@@ -62,7 +60,7 @@ TEST_F(CleanupTest, RefusesWhatIsNoDirectChildOfTheTweaks) {
 
 TEST_F(CleanupTest, LeavesAnEmptyFolderOrNone) {
   write("keep", "x");
-  std::ofstream(outside() / "keep") << "x";
+  writeOutside("keep");
   const auto fill = [&](const std::string& name) {
     writeTweak(name + "/TweakInfo.plist");
     writeTweak(name + "/x.bundle/Resources/closed/f");
@@ -89,7 +87,7 @@ TEST_F(CleanupTest, LeavesAnEmptyFolderOrNone) {
 }
 
 TEST_F(CleanupTest, TakesLinksAndFilesInTheFoldersPlaceForWhatTheyAre) {
-  std::ofstream(outside() / "keep") << "x";
+  writeOutside("keep");
   for (const char* flag : {"0", "1"}) {
     fs::create_directory_symlink(outside(), tweaks("link"));
     writeTweak("file");
@@ -129,31 +127,14 @@ TEST_F(CleanupTest, IsBoundedInDepthAndMemory) {
   for (int i = 0; i < 1500; ++i) writeTweak("many/" + std::to_string(i));
   EXPECT_EQ(status({"cleanup", tweaks("many").string(), "1"}), 0);
   EXPECT_TRUE(fs::is_empty(tweaks("many")));
-  const auto nest = [&](int depth) {
-    fs::path deepest = tweaks("deep");
-    for (int i = 1; i < depth; ++i) deepest /= "d";
-    fs::create_directories(deepest);
-  };
-  nest(128);
-  EXPECT_EQ(status({"cleanup", tweaks("deep").string(), "0"}), 0);
-  nest(129);
-  EXPECT_EQ(status({"cleanup", tweaks("deep").string(), "0"}), 1);
-}
-
-TEST_F(CleanupTest, FailsWithoutPermission) {
-  if (::geteuid() != 0) GTEST_SKIP() << "needs another user than the folders' owner";
-  writeTweak("a/f");
-  const std::string before = everything();
-  for (const char* name : {"a", "b"}) {
-    EXPECT_EQ(status({"cleanup", tweaks(name).string(), "1"}, User::nobody), 1);
+  for (const int depth : {127, 128}) {
+    nest(tweaks("deep"), depth);
+    EXPECT_EQ(status({"cleanup", tweaks("deep").string(), "0"}), depth == 127 ? 0 : 1);
   }
-  EXPECT_EQ(status({"cleanup", tweaks("a").string(), "0"}, User::nobody), 1);
-  EXPECT_EQ(everything(), before);
 }
 
 TEST_F(CleanupTest, IsNotLedOutsideByLinksThatAppearMeanwhile) {
-  fs::create_directory(outside() / "d");
-  std::ofstream(outside() / "d" / "keep") << "x";
+  writeOutside("d/keep");
   for (int i = 0; i < 30; ++i) {
     for (int file = 0; file < 20; ++file) writeTweak("a/d/" + std::to_string(file));
     fs::create_directory_symlink(outside() / "d", tweaks("link"));

@@ -3,9 +3,7 @@
 
 #include <csignal>
 
-#include "tests/tools/FileSizeLimit.h"
 #include "tests/tools/HelperTest.h"
-#include "tests/tools/Swapper.h"
 
 namespace tavlen {
 namespace {
@@ -19,10 +17,8 @@ class CopyTest : public HelperTest {
   std::string source() const { return (outside() / "x.bundle").string(); }
   std::string destination() const { return tweaks("a.b/x.bundle").string(); }
   void writeSource(const std::string& name, int mode = 0644) const {
-    const fs::path file = outside() / "x.bundle" / name;
-    fs::create_directories(file.parent_path());
-    std::ofstream(file) << name;
-    fs::permissions(file, fs::perms(mode));
+    writeOutside("x.bundle/" + name, name);
+    fs::permissions(outside() / "x.bundle" / name, fs::perms(mode));
   }
 };
 
@@ -30,7 +26,7 @@ TEST_F(CopyTest, KeepsContentsAndPermissions) {
   writeSource("code.js");
   writeSource("Executables/run", 0755);
   writeSource("Resources/large", 0600);
-  std::ofstream(outside() / "x.bundle/Resources/large") << std::string(300'000, 'y');
+  writeOutside("x.bundle/Resources/large", std::string(300'000, 'y'));
   fs::create_directory(outside() / "x.bundle/empty");
   fs::permissions(outside() / "x.bundle/Resources", fs::perms(0555));
   EXPECT_EQ(status({"copy", source(), destination()}), 0);
@@ -57,11 +53,7 @@ TEST_F(CopyTest, LeavesNothingOfWhatFails) {
        [](const fs::path& f) { fs::create_directory_symlink("/etc", f / "z"); }},
       {"a link to nothing", [](const fs::path& f) { fs::create_symlink("b", f / "z"); }},
       {"a pipe", [](const fs::path& f) { ASSERT_EQ(::mkfifo((f / "z").c_str(), 0600), 0); }},
-      {"too deep", [](const fs::path& f) {
-         fs::path deepest = f;
-         for (int i = 1; i < 64; ++i) deepest /= "z";  // the per-app folder is one more
-         fs::create_directories(deepest);
-       }}};
+      {"too deep", [](const fs::path& f) { nest(f, 63); }}};  // the per-app folder is one more
   const std::string before = contents(root());
   for (const auto& row : rows) {
     row.make(inside);
@@ -73,8 +65,7 @@ TEST_F(CopyTest, LeavesNothingOfWhatFails) {
 }
 
 TEST_F(CopyTest, MakesFilesWholeOrNotAtAll) {
-  writeSource("document");
-  std::ofstream(outside() / "x.bundle/document") << std::string(300'000, 'y');
+  writeOutside("x.bundle/document", std::string(300'000, 'y'));
   const std::string file = tweaks("a.b/TweakInfo.plist").string();
   {
     const FileSizeLimit limit(100'000);
@@ -89,18 +80,12 @@ TEST_F(CopyTest, MakesFilesWholeOrNotAtAll) {
 }
 
 TEST_F(CopyTest, MakesNothingThatCleanupLeaves) {
-  const auto nest = [](fs::path deepest, int depth) {
-    for (int i = 0; i < depth; ++i) deepest /= "z";
-    fs::create_directories(deepest);
-  };
   nest(source(), 62);
   EXPECT_EQ(status({"copy", source(), destination()}), 0);
   EXPECT_EQ(status({"cleanup", tweaks("a.b").string(), "0"}), 0);
   EXPECT_FALSE(fs::exists(tweaks("a.b")));
   // Where the destination lies counts, too.
-  nest(tweaks("a.b"), 60);
-  fs::path deepest = tweaks("a.b");
-  for (int i = 0; i < 60; ++i) deepest /= "z";
+  const fs::path deepest = nest(tweaks("a.b"), 60);
   EXPECT_EQ(status({"copy", source(), (deepest / "x").string()}), 1);
   EXPECT_TRUE(fs::is_empty(deepest));
 }
@@ -153,8 +138,7 @@ TEST_F(CopyTest, IsNotLedOutsideByLinksThatAppearMeanwhile) {
 
 TEST_F(CopyTest, CopiesNothingThatALinkInTheSourcesPlaceLeadsTo) {
   writeSource("d/a");
-  fs::create_directory(outside() / "secret");
-  std::ofstream(outside() / "secret/key") << "x";
+  writeOutside("secret/key");
   fs::create_directory_symlink(outside() / "secret", outside() / "link");
   int copies = 0;
   for (const std::string swapped : {"x.bundle", "x.bundle/d"}) {
@@ -186,14 +170,20 @@ TEST_F(CopyTest, FailsWithoutPermission) {
   EXPECT_EQ(status({"copy", source(), destination()}, User::nobody), 0);
   // "closed" cannot be written to; these can be read or entered no more, either.
   for (const int mode : {0000, 0300, 0400}) {
-    const fs::path folder = tweaks("a.b/closed" + std::to_string(mode));
-    fs::create_directory(folder);
-    std::ofstream(folder / "f") << "x";
-    fs::permissions(folder, fs::perms(mode));
-    ASSERT_EQ(::chown(folder.c_str(), kNobody, kNobody), 0);
+    const std::string name = "a.b/closed" + std::to_string(mode);
+    writeTweak(name + "/f");
+    fs::permissions(tweaks(name), fs::perms(mode));
+    ASSERT_EQ(::chown(tweaks(name).c_str(), kNobody, kNobody), 0);
   }
   EXPECT_EQ(status({"cleanup", tweaks("a.b").string(), "1"}, User::nobody), 0);
   EXPECT_TRUE(fs::is_empty(tweaks("a.b")));
+  // What is root's.
+  writeTweak("a/f");
+  const std::string before = contents(tweaks());
+  for (const char* name : {"a", "b"}) {
+    EXPECT_EQ(status({"cleanup", tweaks(name).string(), "1"}, User::nobody), 1) << name;
+  }
+  EXPECT_EQ(contents(tweaks()), before);
 }
 
 }  // namespace

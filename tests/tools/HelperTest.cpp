@@ -28,6 +28,19 @@ void becomeUser(uid_t user) {
   }
 }
 
+/// Runs `program` in a process of its own, which it is to end. The exit status, or minus the signal
+/// that ended it.
+int statusOfChild(FunctionRef<void()> program) {
+  const pid_t child = ::fork();
+  if (child == 0) {
+    program();
+    ::_exit(kNotStarted);
+  }
+  int status = 0;
+  EXPECT_EQ(::waitpid(child, &status, 0), child);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+}
+
 }  // namespace
 
 HelperTest::HelperTest() : rootVariable_(root_.path().string()) {
@@ -54,26 +67,21 @@ HelperTest::Result HelperTest::run(const std::vector<std::string>& words, User u
   const std::string messages = (messages_.path() / "err").string();
   // By its descriptor, because nobody may not get through to the folder where it was built.
   const int program = ::open(paths().fileOperations.c_str(), O_RDONLY | O_CLOEXEC);
-  const pid_t child = ::fork();
-  if (child == 0) {
+  const int status = statusOfChild([&] {
     ::dup2(::open(messages.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600), 2);
     ::setenv("TAVLEN_ROOT", rootVariable_.c_str(), 1);
     if (user == User::nobody) becomeUser(kNobody);
     ::fexecve(program, arguments.data(), environ);
-    ::_exit(kNotStarted);
-  }
+  });
   ::close(program);
-  int status = 0;
-  EXPECT_EQ(::waitpid(child, &status, 0), child);
-  return {WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status), readFile(messages)};
+  return {status, readFile(messages)};
 }
 
 bool HelperTest::runWithLentRights(FunctionRef<void()> job) {
-  const pid_t child = ::fork();
-  if (child == 0) {
+  const int status = statusOfChild([&] {
     if (::setgroups(0, nullptr) != 0 || ::setresgid(kNobody, 0, 0) != 0 ||
         ::setresuid(kNobody, 0, 0) != 0) {
-      ::_exit(kNotStarted);
+      return;
     }
     try {
       job();
@@ -81,10 +89,8 @@ bool HelperTest::runWithLentRights(FunctionRef<void()> job) {
       ::_exit(1);
     }
     ::_exit(0);
-  }
-  int status = 0;
-  EXPECT_EQ(::waitpid(child, &status, 0), child);
-  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) <= 1) << status;
+  });
+  EXPECT_TRUE(status == 0 || status == 1) << status;
   return status == 0;
 }
 

@@ -1,14 +1,20 @@
 #pragma once
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/types.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <csignal>
+#include <cstdio>
 #include <filesystem>
 #include <string>
 #include <vector>
 
 #include "tavlen/foundation/base/FunctionRef.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/tools/FileSizeLimit.h"
 
 namespace tavlen {
 
@@ -39,6 +45,15 @@ class HelperTest : public testing::Test {
   std::filesystem::path tweaks(const std::string& name = "") const;
   void write(const std::string& name, std::string_view bytes) const { root_.write(name, bytes); }
   void writeTweak(const std::string& name, std::string_view bytes = "x") const;
+  void writeOutside(const std::string& name, std::string_view bytes = "x") const {
+    outside_.write(name, bytes);
+  }
+  /// Makes `depth` nested folders in `folder`, each called "z"; returns the deepest.
+  static std::filesystem::path nest(std::filesystem::path folder, int depth) {
+    while (depth-- > 0) folder /= "z";
+    std::filesystem::create_directories(folder);
+    return folder;
+  }
 
   /// Everything below `folder`: names, kinds, permissions, contents.
   static std::string contents(const std::filesystem::path& folder);
@@ -49,6 +64,23 @@ class HelperTest : public testing::Test {
   TemporaryFolder outside_;
   TemporaryFolder messages_;
   std::string rootVariable_;
+};
+
+/// A process that swaps two entries as fast as it can, until it is destroyed.
+class Swapper {
+ public:
+  Swapper(const std::filesystem::path& a, const std::filesystem::path& b) : child_(::fork()) {
+    while (child_ == 0) ::renameat2(AT_FDCWD, a.c_str(), AT_FDCWD, b.c_str(), RENAME_EXCHANGE);
+  }
+  ~Swapper() {
+    ::kill(child_, SIGKILL);
+    ::waitpid(child_, nullptr, 0);
+  }
+  Swapper(const Swapper&) = delete;
+  Swapper& operator=(const Swapper&) = delete;
+
+ private:
+  pid_t child_;
 };
 
 }  // namespace tavlen

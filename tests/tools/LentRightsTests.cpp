@@ -8,7 +8,6 @@
 #include "kvfileops/FetchLogs.h"
 #include "tavlen/device/DeviceRoot.h"
 #include "tests/tools/HelperTest.h"
-#include "tests/tools/Swapper.h"
 
 namespace tavlen {
 namespace {
@@ -45,8 +44,8 @@ class LentRightsTest : public HelperTest {
 
 TEST_F(LentRightsTest, CopiesBelongToTheCaller) {
   fs::create_directories(source_ / "inner");
-  for (const char* name : {"private", "inner/f"}) {
-    std::ofstream(source_ / name) << "x";
+  for (const std::string name : {"private", "inner/f"}) {
+    writeOutside("x.bundle/" + name);
     fs::permissions(source_ / name, fs::perms(0600));
     give(source_ / name);
   }
@@ -62,14 +61,15 @@ TEST_F(LentRightsTest, CopiesBelongToTheCaller) {
 }
 
 TEST_F(LentRightsTest, ReadsAndWritesForTheCallerOnlyWhatTheCallerMay) {
-  std::ofstream(source_ / "secret") << "x";
+  writeOutside("x.bundle/secret");
   fs::permissions(source_ / "secret", fs::perms(0600));
   EXPECT_FALSE(copy(source_, destination_));
   EXPECT_FALSE(copy(source_ / "secret", tweaks("a.b/secret")));
   EXPECT_TRUE(fs::is_empty(tweaks("a.b")));
 
-  write("var/mobile/Library/Logs/CrashReporter/com.x-1.ips", "log");
-  fs::permissions(root() / "var/mobile/Library/Logs/CrashReporter/com.x-1.ips", fs::perms(0600));
+  const std::string log = "var/mobile/Library/Logs/CrashReporter/com.x-1.ips";
+  write(log, "log");
+  fs::permissions(root() / log, fs::perms(0600));
   const auto fetch = [&](const fs::path& folder) {
     return runWithLentRights([&] {
       if (!fileops::fetchLogs(device(), "com.x", folder)) throw std::exception();
@@ -93,7 +93,7 @@ TEST_F(LentRightsTest, OnlyTheFoldersOfTweaksAreGivenAway) {
 }
 
 TEST_F(LentRightsTest, FoldersThatTakeTheCopysPlaceAreNotFilled) {
-  std::ofstream(source_ / "f") << "x";
+  writeOutside("x.bundle/f");
   const fs::path other = tweaks("a.b/other");
   const fs::path taken = tweaks("a.b/taken");
   writeTweak("a.b/other/keep");

@@ -15,101 +15,74 @@ static id mutableIfAsked(id value) {
   return makesMutable && value != nil ? AUTORELEASE([value mutableCopy]) : value;
 }
 
-@interface ObjCMethod : NSObject <NSCoding> {
-  NSString *selector;
-  NSString *encoding;
+// A class that keeps what it reads under its keys, and writes it again.
+@interface Record : NSObject <NSCoding> {
+  id values[6];
+}
+- (NSString *const *)keys;  // with nil at its end
+@end
+
+@implementation Record
+- (NSString *const *)keys { return NULL; }
+- (id)initWithCoder:(NSCoder *)coder {
+  NSString *const *keys = [self keys];
+  for (int i = 0; keys[i]; ++i) values[i] = RETAIN([coder decodeObjectForKey:keys[i]]);
+  return self;
+}
+- (id)archived:(id)value { return mutableIfAsked(value); }
+- (void)encodeWithCoder:(NSCoder *)coder {
+  NSString *const *keys = [self keys];
+  for (int i = 0; keys[i]; ++i) [coder encodeObject:[self archived:values[i]] forKey:keys[i]];
+}
+- (void)dealloc {
+  for (int i = 0; i < 6; ++i) RELEASE(values[i]);
+  [super dealloc];
+}
+@end
+
+@interface ObjCMethod : Record {
   BOOL isClassMethod;
 }
 @end
 
 @implementation ObjCMethod
+- (NSString *const *)keys {
+  static NSString *const keys[] = {@"selector", @"encoding", nil};
+  return keys;
+}
 - (id)initWithCoder:(NSCoder *)coder {
-  ASSIGN(selector, [coder decodeObjectForKey:@"selector"]);
-  ASSIGN(encoding, [coder decodeObjectForKey:@"encoding"]);
   isClassMethod = [coder decodeBoolForKey:@"isClassMethod"];
-  return self;
+  return [super initWithCoder:coder];
 }
 - (void)encodeWithCoder:(NSCoder *)coder {
-  [coder encodeObject:mutableIfAsked(selector) forKey:@"selector"];
-  [coder encodeObject:encoding forKey:@"encoding"];
+  [super encodeWithCoder:coder];
   [coder encodeBool:isClassMethod forKey:@"isClassMethod"];
-}
-- (void)dealloc {
-  RELEASE(selector);
-  RELEASE(encoding);
-  [super dealloc];
 }
 @end
 
-@interface ObjCClass : NSObject <NSCoding> {
-  NSString *name;
-  NSArray *methods;
-  NSString *mangledSuperclass;
-  NSString *supercls;
-  NSString *superclassPath;
-  NSArray *protocols;
-}
+@interface ObjCClass : Record
 @end
 
 @implementation ObjCClass
-- (id)initWithCoder:(NSCoder *)coder {
-  ASSIGN(name, [coder decodeObjectForKey:@"name"]);
-  ASSIGN(methods, [coder decodeObjectForKey:@"methods"]);
-  ASSIGN(mangledSuperclass, [coder decodeObjectForKey:@"mangledSuperclass"]);
-  ASSIGN(supercls, [coder decodeObjectForKey:@"supercls"]);
-  ASSIGN(superclassPath, [coder decodeObjectForKey:@"superclassPath"]);
-  ASSIGN(protocols, [coder decodeObjectForKey:@"protocols"]);
-  return self;
-}
-- (void)encodeWithCoder:(NSCoder *)coder {
-  [coder encodeObject:mutableIfAsked(name) forKey:@"name"];
-  [coder encodeObject:mutableIfAsked(methods) forKey:@"methods"];
-  [coder encodeObject:mangledSuperclass forKey:@"mangledSuperclass"];
-  [coder encodeObject:supercls forKey:@"supercls"];
-  [coder encodeObject:superclassPath forKey:@"superclassPath"];
-  [coder encodeObject:mutableIfAsked(protocols) forKey:@"protocols"];
-}
-- (void)dealloc {
-  RELEASE(name);
-  RELEASE(methods);
-  RELEASE(mangledSuperclass);
-  RELEASE(supercls);
-  RELEASE(superclassPath);
-  RELEASE(protocols);
-  [super dealloc];
+- (NSString *const *)keys {
+  static NSString *const keys[] = {@"name", @"methods", @"mangledSuperclass", @"supercls", @"superclassPath", @"protocols", nil};
+  return keys;
 }
 @end
 
-@interface TweakInfo : NSObject <NSCoding> {
-  NSString *bundleID;
-  NSString *tweakID;
-  NSURL *customIconURL;
-}
+@interface TweakInfo : Record
 @end
 
 @implementation TweakInfo
-- (id)initWithCoder:(NSCoder *)coder {
-  ASSIGN(bundleID, [coder decodeObjectForKey:@"bundleID"]);
-  ASSIGN(tweakID, [coder decodeObjectForKey:@"tweakID"]);
-  ASSIGN(customIconURL, [coder decodeObjectForKey:@"customIconURL"]);
-  return self;
+- (NSString *const *)keys {
+  static NSString *const keys[] = {@"bundleID", @"tweakID", @"customIconURL", nil};
+  return keys;
 }
-- (NSURL *)archivedURL {
-  if (!rebasesURLs || customIconURL == nil) return customIconURL;
-  NSString *path = [customIconURL path];
+- (id)archived:(id)value {
+  if (!rebasesURLs || ![value isKindOfClass:[NSURL class]]) return value;
+  NSString *path = [value path];
   NSURL *base = [NSURL fileURLWithPath:[path stringByDeletingLastPathComponent] isDirectory:YES];
   return [NSURL URLWithString:[path lastPathComponent] relativeToURL:base];
-}
-- (void)encodeWithCoder:(NSCoder *)coder {
-  [coder encodeObject:mutableIfAsked(bundleID) forKey:@"bundleID"];
-  [coder encodeObject:tweakID forKey:@"tweakID"];
-  [coder encodeObject:[self archivedURL] forKey:@"customIconURL"];
-}
-- (void)dealloc {
-  RELEASE(bundleID);
-  RELEASE(tweakID);
-  RELEASE(customIconURL);
-  [super dealloc];
 }
 @end
 

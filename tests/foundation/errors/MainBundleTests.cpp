@@ -5,13 +5,14 @@
 
 #include <filesystem>
 #include <string>
-#include <thread>
 #include <utility>
 #include <vector>
 
 #include "tavlen/foundation/errors/LocalizedError.h"
 #include "tavlen/foundation/errors/Placeholders.h"
+#include "tests/support/TableFile.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/Threads.h"
 
 namespace tavlen {
 namespace {
@@ -110,47 +111,18 @@ TEST_F(MainBundleTest, ErrorsSpeakTheUsersLanguage) {
 TEST_F(MainBundleTest, ThreadsMayLookUpWhileTheFolderChanges) {
   addTable("en.lproj", "k = Text;");
   setLocale("en");
-  std::vector<std::thread> threads;
-  for (int i = 0; i < 4; ++i) {
-    threads.emplace_back([this, i] {
-      for (int round = 0; round < 50; ++round) {
-        if (i == 0) MainBundle::setURL(round % 2 == 0 ? bundle_ : fs::path());
-        const std::string text = MainBundle::localizedString({"k", "English"});
-        EXPECT_TRUE(text == "Text" || text == "English") << text;
-      }
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
+  inThreads(4, [this](int thread) {
+    for (int round = 0; round < 50; ++round) {
+      if (thread == 0) MainBundle::setURL(round % 2 == 0 ? bundle_ : fs::path());
+      const std::string text = MainBundle::localizedString({"k", "English"});
+      EXPECT_TRUE(text == "Text" || text == "English") << text;
+    }
+  });
 }
 
-struct FormatCase {
-  std::string format;
-  std::vector<std::string> arguments;
-  std::string filled;
-};
-
 TEST(Placeholders, AreFilledInOnePass) {
-  const FormatCase kCases[] = {
-      {"%2$@ %1$@", {"a", "b"}, "b a"},
-      {"%1$@%1$@", {"a"}, "aa"},
-      {"%d%%", {"5"}, "5%"},
-      {"%@: %ld, %lld, %lu, %zu, %hhx, %s",
-       {"a", "1", "2", "3", "4", "5", "6"},
-       "a: 1, 2, 3, 4, 5, 6"},
-      {"%@ %@", {"%@ %1$@ %%", "b"}, "%@ %1$@ %% b"},
-      {"%%@", {"a"}, "%@"},
-      {"", {"a"}, ""},
-      // None, or without an argument: as written.
-      {"%@ %@", {"a"}, "a %@"},
-      {"%2$@ %0$@ %18446744073709551617$@ %-1$@", {"a"}, "%2$@ %0$@ %18446744073709551617$@ %-1$@"},
-      {"100% done, 5%", {"a"}, "100% done, 5%"},
-      {"%", {"a"}, "%"},
-      {"%l", {"a"}, "%l"},
-      {"%1$", {"a"}, "%1$"},
-      {"%1", {"a"}, "%1"},
-      {"%lld %llld %y%@", {"1"}, "1 %llld %y%@"}};
-  for (const FormatCase& c : kCases) {
-    EXPECT_EQ(fillPlaceholders(c.format, c.arguments), c.filled) << c.format;
+  for (const auto& row : tableFrom("placeholders.txt", 2)) {
+    EXPECT_EQ(fillPlaceholders(row[0], std::vector(row.begin() + 2, row.end())), row[1]) << row[0];
   }
 }
 

@@ -1,5 +1,3 @@
-#include "tavlen/foundation/files/FileTree.h"
-
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
@@ -9,14 +7,17 @@
 #include <cerrno>
 #include <chrono>
 #include <cstdio>
+#include <optional>
 #include <thread>
 
 #include "tavlen/foundation/files/FileDescriptor.h"
 #include "tavlen/foundation/files/FileReplacement.h"
 #include "tavlen/foundation/files/FileSystem.h"
+#include "tavlen/foundation/files/FileTree.h"
 #include "tavlen/foundation/files/TemporaryDirectory.h"
 #include "tavlen/foundation/files/TreeRemoval.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/Threads.h"
 #include "tests/support/Thrown.h"
 
 namespace tavlen {
@@ -224,6 +225,25 @@ TEST_F(FileTreeTest, LeftOversOfACrashAreSwept) {
   fs::last_write_time(items / "tavlen-new", longAgo);
   EXPECT_THROW(TemporaryDirectory(path("linked")), std::system_error);
   EXPECT_TRUE(fs::exists(items / "tavlen-new/file"));
+}
+
+TEST(TemporaryDirectory, IsFreshPrivateAndGoneAtTheEnd) {
+  const TemporaryFolder folder;
+  std::optional<TemporaryDirectory> one(folder.path() / "new");
+  const TemporaryDirectory two(folder.path() / "new");
+  EXPECT_NE(one->path(), two.path());
+  EXPECT_EQ(fs::status(two.path()).permissions(), fs::perms::owner_all);
+  fs::create_directories(one->path() / "a/b");
+  one.reset();
+  EXPECT_EQ(std::distance(fs::directory_iterator(folder.path() / "new/.TemporaryItems"), {}), 1);
+}
+
+TEST(TemporaryDirectory, SeveralThreadsShareTheFolderAround) {
+  const TemporaryFolder folder;
+  inThreads(4, [&](int) {
+    for (int i = 0; i < 500; ++i) EXPECT_NO_THROW(TemporaryDirectory(folder.path()));
+  });
+  EXPECT_TRUE(fs::is_empty(folder.path()));
 }
 
 }  // namespace

@@ -4,8 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <thread>
 #include <vector>
+
+#include "tests/support/TableFile.h"
+#include "tests/support/Threads.h"
 
 using namespace std::string_literals;
 
@@ -55,36 +57,21 @@ TEST(JavaScriptContext, TextCrossesUnharmedBothWays) {
 }
 
 TEST(JavaScriptContext, KindsAndTextsOfValues) {
-  struct Case {
-    std::string script;
-    std::string kind;
-    std::optional<std::string> text;
-  };
-  const std::vector<Case> cases = {{"undefined", "undefined", "undefined"},
-                                   {"null", "", "null"},
-                                   {"'5'", "string", "5"},
-                                   {"5", "", "5"},
-                                   {"0.1", "", "0.1"},
-                                   {"true", "", "true"},
-                                   {"10n ** 20n", "", "100000000000000000000"},
-                                   {"({})", "object", "[object Object]"},
-                                   {"[1, [2, 'x']]", "object", "1,2,x"},
-                                   {"new String('s')", "object", "s"},
-                                   {"Symbol('s')", "", std::nullopt},
-                                   {"({toString() { throw 1 }})", "object", std::nullopt},
-                                   {"Object.create(null)", "object", std::nullopt}};
   const auto kind = [](const JavaScriptValue& value) {
-    return std::string(value.isUndefined() ? "undefined" : "") +
-           (value.isString() ? "string" : "") + (value.isObject() ? "object" : "");
+    return value.isUndefined() ? "undefined"
+           : value.isString()  ? "string"
+           : value.isObject()  ? "object"
+                               : "other";
   };
-  for (const Case& c : cases) {
+  for (const auto& row : tableFrom("values.txt", 2)) {
     const auto context = JavaScriptContext::make();
-    const JavaScriptValue value = run(*context, c.script);
-    EXPECT_EQ(kind(value), c.kind) << c.script;
-    EXPECT_EQ(value.text(Exceptions::ignore), c.text) << c.script;
-    EXPECT_FALSE(context->exception()) << c.script;
-    EXPECT_EQ(value.text(), c.text) << c.script;
-    EXPECT_EQ(context->exception().has_value(), !c.text) << c.script;
+    const auto expected = row.size() > 2 ? std::optional(row[2]) : std::nullopt;
+    const JavaScriptValue value = run(*context, row[0]);
+    EXPECT_EQ(kind(value), row[1]) << row[0];
+    EXPECT_EQ(value.text(Exceptions::ignore), expected) << row[0];
+    EXPECT_FALSE(context->exception()) << row[0];
+    EXPECT_EQ(value.text(), expected) << row[0];
+    EXPECT_EQ(context->exception().has_value(), !expected) << row[0];
   }
 }
 
@@ -187,17 +174,14 @@ TEST(JavaScriptContext, ManyContextsAndOneAThread) {
               "undefined" + std::to_string(i));
   }
   std::vector<std::string> results(4);
-  std::vector<std::thread> threads;
-  for (std::string& result : results) {
-    threads.emplace_back([&result] {
-      const auto context = JavaScriptContext::make();
-      run(*context, "var sum = 0; function add(s) { sum += s.length; return sum }");
-      for (int i = 0; i < 1000; ++i) {
-        result = *context->globalObject().call("add", {context->string("abc")}).text();
-      }
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
+  inThreads(4, [&](int thread) {
+    const auto context = JavaScriptContext::make();
+    run(*context, "var sum = 0; function add(s) { sum += s.length; return sum }");
+    for (int i = 0; i < 1000; ++i) {
+      results[static_cast<std::size_t>(thread)] =
+          *context->globalObject().call("add", {context->string("abc")}).text();
+    }
+  });
   EXPECT_THAT(results, testing::Each("3000"));
 }
 

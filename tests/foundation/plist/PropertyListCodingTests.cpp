@@ -5,7 +5,8 @@
 
 #include "tavlen/foundation/plist/PropertyListDecoder.h"
 #include "tavlen/foundation/plist/PropertyListEncoder.h"
-#include "tests/foundation/plist/PropertyListGraph.h"
+#include "tests/foundation/plist/PropertyLists.h"
+#include "tests/support/TableFile.h"
 
 namespace tavlen {
 namespace {
@@ -43,10 +44,6 @@ struct Tree {
                       optionalField("numbers", &Tree::numbers)};
   }
 };
-
-std::string plist(std::string_view body) {
-  return "<plist version='1.0'>" + std::string(body) + "</plist>";
-}
 
 /// The error of `body` as "case path: text", or nothing.
 template <class Body>
@@ -94,8 +91,6 @@ TEST(PropertyListCoding, roundTrip) {
 }
 
 TEST(PropertyListCoding, typedRules) {
-  // What each kind of value gives when it is asked for a boolean, a signed and an unsigned integer,
-  // a real, a string and a date: a value, or a letter for the error.
   const auto ask = [](const PropertyList& list) {
     std::string answers;
     const auto add = [&](auto read) {
@@ -111,62 +106,15 @@ TEST(PropertyListCoding, typedRules) {
     add([](Decoder& d) { return std::to_string(d.date().secondsSinceReferenceDate); });
     return answers;
   };
-  const struct {
-    PropertyList::Node value;
-    const char* answers;
-  } rows[] = {{true, "true t t t t t "},
-              {std::int64_t{1}, "t 1 1 1.000000 t t "},
-              {std::int64_t{-1}, "t -1 d -1.000000 t t "},
-              {std::uint64_t{7}, "t 7 7 7.000000 t t "},
-              {std::uint64_t{1} << 63, "t d 9223372036854775808 9223372036854775808.000000 t t "},
-              {2.0, "t 2 2 2.000000 t t "},
-              {2.5, "t d d 2.500000 t t "},
-              {-2.0, "t -2 d -2.000000 t t "},
-              {0x1p63, "t d 9223372036854775808 9223372036854775808.000000 t t "},
-              {-0x1p63, "t -9223372036854775808 d -9223372036854775808.000000 t t "},
-              {0x1p64, "t d d 18446744073709551616.000000 t t "},
-              {std::numeric_limits<double>::quiet_NaN(), "t d d nan t t "},
-              {-std::numeric_limits<double>::infinity(), "t d d -inf t t "},
-              {"1", "t t t t 1 t "},
-              {"$null", "n n n n n n "},
-              {Date{1}, "t t t t t 1.000000 "},
-              {PropertyList::Data{"1"}, "t t t t t t "},
-              {PropertyList::UID{1}, "t t t t t t "},
-              {PropertyList::Array{}, "t t t t t t "},
-              {PropertyList::Dictionary{}, "t t t t t t "}};
-  for (const auto& row : rows) {
-    PropertyList list;
-    list.add(row.value);
-    EXPECT_EQ(ask(list), row.answers);
+  for (const auto& row : tableFrom("plist/typed.txt", 2)) {
+    EXPECT_EQ(ask(readPropertyList(plist(row[0]))), row[1] + " ") << row[0];
   }
 }
 
 TEST(PropertyListCoding, errorsSayWhere) {
-  const auto decodeTree = [](const char* body) {
-    return errorOf([&] { decodePropertyList<Tree>(plist(body)); });
-  };
-  const struct {
-    const char* body;
-    const char* error;
-  } rows[] = {{"<dict/>", "key missing key \"children\""},
-              {"<array/>", "type expected a dictionary, found an array"},
-              {"<string>$null</string>", "null expected a dictionary, found null"},
-              {"<dict><key>children</key><true/></dict>",
-               "type children: expected an array, found a boolean"},
-              {"<dict><key>children</key><array><dict/></array></dict>",
-               "key children[0]: missing key \"children\""},
-              {"<dict><key>numbers</key><array><string>$null</string><real>0.5</real></array>"
-               "<key>children</key><array/></dict>",
-               "data numbers[1]: the number is not a signed 64-bit integer"},
-              // The first failing field of the record, not of the file; the last of equal keys.
-              {"<dict><key>children</key><true/><key>name</key><true/></dict>",
-               "type name: expected a string, found a boolean"},
-              {"<dict><key>children</key><array/><key>children</key><true/></dict>",
-               "type children: expected an array, found a boolean"},
-              {"<dict><key>children</key><true/><key>children</key><array/><key>name</key>"
-               "<string>$null</string><key>unknown</key><date>2001-01-01T00:00:00Z</date></dict>",
-               ""}};
-  for (const auto& row : rows) EXPECT_EQ(decodeTree(row.body), row.error) << row.body;
+  for (const auto& row : tableFrom("plist/errors.txt", 2)) {
+    EXPECT_EQ(errorOf([&] { decodePropertyList<Tree>(plist(row[0])); }), row[1]) << row[0];
+  }
   EXPECT_EQ(errorOf([] { decodePropertyList<Tree>("hello"); }),
             "data The given data was not a valid property list. It is neither binary nor XML.");
 }
@@ -196,53 +144,56 @@ TEST(PropertyListCoding, peeksAttemptsAndVisits) {
 }
 
 TEST(PropertyListCoding, decodingIsBounded) {
-  const auto readDepth = [](const PropertyList& list) {
-    return errorOf([&] {
-      PropertyListDecoder decoder(list);
-      readNested(decoder);
-    });
+  constexpr Index kPlaces = 10'000;
+  const Indices places(kPlaces, 1);
+  const auto listOf = [](const std::vector<PropertyList::Node>& nodes) {
+    PropertyList list;
+    for (const auto& node : nodes) list.add(node);
+    return list;
   };
-  EXPECT_EQ(readDepth(nestedArrays(512)), "");
-  EXPECT_TRUE(readDepth(nestedArrays(513)).ends_with("nested deeper than 512 containers"));
-  PropertyList cycle;
-  cycle.add("children"s);
-  cycle.add(PropertyList::Dictionary{Members{{0, 2}}});
-  cycle.setRoot(cycle.add(PropertyList::Array{Indices{1}}));
-  PropertyListDecoder decoder(cycle);
-  std::vector<Tree> trees;
-  EXPECT_TRUE(errorOf([&] { decode(decoder, trees); }).ends_with("deeper than 512 containers"));
-
   PropertyList bomb;
   for (Index i = 1; i < 30; ++i) bomb.add(PropertyList::Array{Indices{i, i}});
   bomb.add(PropertyList::Array{});
-  EXPECT_TRUE(readDepth(bomb).ends_with("too many values by shared references"));
-
-  // A long text, and a wide dictionary, in many places.
-  const Index kPlaces = 10'000;
-  PropertyList text;
-  text.add(PropertyList::Array{std::vector<Index>(kPlaces, 1)});
-  text.add(std::string(1'000'000, 'x'));
-  PropertyListDecoder textDecoder(text);
-  std::vector<std::string> texts;
-  EXPECT_TRUE(
-      errorOf([&] { decode(textDecoder, texts); }).ends_with("too much data by shared references"));
-  PropertyList wide;
-  wide.add(PropertyList::Array{std::vector<Index>(kPlaces, 1)});
-  wide.add(PropertyList::Dictionary{Members(kPlaces, {2, 3})});
-  wide.add("children"s);
-  wide.add(PropertyList::Array{});
-  PropertyListDecoder wideDecoder(wide);
-  EXPECT_TRUE(errorOf([&] {
-                decode(wideDecoder, trees);
-              }).ends_with("too many values by shared references"));
+  const auto readAll = [](Decoder& decoder) { readNested(decoder); };
+  const auto readTrees = [](Decoder& decoder) {
+    std::vector<Tree> trees;
+    decode(decoder, trees);
+  };
+  const auto readTexts = [](Decoder& decoder) {
+    std::vector<std::string> texts;
+    decode(decoder, texts);
+  };
+  const struct {
+    PropertyList list;
+    std::function<void(Decoder&)> read;
+    const char* error;
+  } rows[] = {
+      {nestedArrays(512), readAll, ""},
+      {nestedArrays(513), readAll, "nested deeper than 512 containers"},
+      {listOf({PropertyList::Array{Indices{1}}, PropertyList::Dictionary{Members{{2, 0}}},
+               "children"}),
+       readTrees, "deeper than 512 containers"},
+      {bomb, readAll, "too many values by shared references"},
+      // A long text, and a wide dictionary, in many places.
+      {listOf({PropertyList::Array{places}, std::string(1'000'000, 'x')}), readTexts,
+       "too much data by shared references"},
+      {listOf({PropertyList::Array{places}, PropertyList::Dictionary{Members(kPlaces, {2, 3})},
+               "children", PropertyList::Array{}}),
+       readTrees, "too many values by shared references"}};
+  for (const auto& row : rows) {
+    const std::string error = errorOf([&] {
+      PropertyListDecoder decoder(row.list);
+      row.read(decoder);
+    });
+    EXPECT_TRUE(error.ends_with(row.error) && error.empty() == (*row.error == '\0')) << error;
+  }
 
   // One long key, or two with the same text, under each of which stand many members.
   for (const bool isLong : {true, false}) {
-    PropertyList keys;
     Members members;
     for (Index i = 0; i < kPlaces; ++i) members.push_back({1 + i % 2, 1});
-    keys.add(PropertyList::Dictionary{members});
-    for (int i = 0; i < 2; ++i) keys.add(std::string(isLong ? 1'000'000 : 1, 'k'));
+    const std::string key(isLong ? 1'000'000 : 1, 'k');
+    const PropertyList keys = listOf({PropertyList::Dictionary{members}, key, key});
     std::size_t count = 0;
     const std::string error = errorOf([&] {
       PropertyListDecoder keyDecoder(keys);

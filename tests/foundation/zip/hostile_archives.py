@@ -2,11 +2,12 @@
 
     hostile_archives.py FOLDER OUTSIDE
 
-FOLDER/list has a line for each: file name, case of the error, "=" and what the error names (in hexadecimal, as names may
+FOLDER/list has a line for each: file name, key of the error, "=" and what the error names (in hexadecimal, as names may
 hold anything) or "-" where the test does not look. OUTSIDE is a path that some of the archives try to write to.
 The tests unpack with small limits: 50 entries, 1 MiB an entry, 2 MiB in all, 20 to 1 after 256 KiB.
 """
 import pathlib
+import re
 import struct
 import sys
 import zlib
@@ -236,7 +237,8 @@ def main():
         seen.add(data)
         file = f"{number:03}.zip"
         (folder / file).write_bytes(data)
-        lines.append(f"{file} {case} {'-' if name is None else '=' + name.encode().hex()}")
+        key = re.sub("([A-Z])", r"_\1", case).lower()
+        lines.append(f"{file} {key} {'-' if name is None else '=' + name.encode().hex()}")
     (folder / "list").write_text("\n".join(lines) + "\n")
 
 

@@ -1,20 +1,52 @@
-#include "tavlen/introspection/classes/ObjCClass.h"
-
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <stdexcept>
 
 #include "tavlen/foundation/archive/KeyedArchive.h"
 #include "tavlen/foundation/json/JSONDecoder.h"
 #include "tavlen/foundation/json/JSONEncoder.h"
+#include "tavlen/introspection/classes/ObjCClass.h"
+#include "tavlen/introspection/classes/ObjCMethod.h"
+#include "tests/support/TableFile.h"
 
 namespace tavlen {
 namespace {
 
-const StyledText::Color kForeground{0, 0, 0, 1};
+const std::string kInstance = "-\xC2\xA0";
+const StyledText::Color kType{1, 0, 0, 1};
+const StyledText::Color kForeground{0, 0, 0, 0.5};
+const StyledText::Font kFont{"Menlo", 11.5};
+
+TEST(ObjCMethod, ReadsAsADeclarationOnOneLine) {
+  for (const auto& row : tableFrom("methods.txt", 3)) {
+    ObjCMethod method(row[0], row[1], false);
+    EXPECT_EQ(method.description(), kInstance + row[2]);
+    EXPECT_EQ(method.description(kType, kForeground, kFont).plain(), kInstance + row[2]);
+    method.isClassMethod = true;
+    EXPECT_EQ(method.description(), "+\xC2\xA0" + row[2]);
+  }
+}
+
+TEST(ObjCMethod, ColoursItsTypes) {
+  const ObjCMethod method("a:b:", "v@:i@", false);
+  using Runs = std::vector<StyledText::Run>;
+  EXPECT_EQ(method.description(kType, kForeground, kFont).runs(),
+            (Runs{{kInstance + " (", kForeground, kFont},
+                  {"void", kType, kFont},
+                  {")a:(", kForeground, kFont},
+                  {"int", kType, kFont},
+                  {") b:(", kForeground, kFont},
+                  {"id", kType, kFont},
+                  {")", kForeground, kFont}}));
+  EXPECT_EQ(ObjCMethod("a", "", true).description(kType, kForeground, kFont).runs(),
+            (Runs{{"+\xC2\xA0"
+                   "a",
+                   kForeground, kFont}}));
+}
+
 const StyledText::Color kVendored{0, 1, 0, 1};
 const StyledText::Color kCustom{0, 0, 1, 1};
-const StyledText::Font kFont{"Menlo", 11};
 
 StyledText styled(const ObjCClass& cls) {
   return cls.description(kForeground, kVendored, kCustom, kFont);
@@ -87,34 +119,33 @@ TEST(ObjCClass, IsStoredUnderItsKeys) {
   const std::string json =
       R"({"name":"PXView","methods":[{"selector":"tint:","encoding":"v24@0:8@16",)"
       R"("isClassMethod":false}],"supercls":"UIView",)"
-      R"("superclassPath":"/System/Library/Frameworks/UIKit.framework/UIKit",)"
+      R"("superclassPath":"\/System\/Library\/Frameworks\/UIKit.framework\/UIKit",)"
       R"("protocols":["NSCopying","PXTinted"]})";
-  std::string plain = encodeJSON(cls);
-  for (std::size_t at = 0; (at = plain.find("\\/")) != std::string::npos;) plain.erase(at, 1);
-  EXPECT_EQ(plain, json);
+  EXPECT_EQ(encodeJSON(cls), json);
   EXPECT_EQ(decodeJSON<ObjCClass>(json), cls);
+  EXPECT_THROW(decodeJSON<ObjCMethod>(R"({"selector":"a:","encoding":"v"})"), DecodingError);
 
-  // In an archive: all keys in their order, and the truth value is no object.
+  // In an archive: all keys in their order, nil under its key, and the truth value is no object.
   const PropertyList list = readPropertyList(encodeKeyedArchive(cls));
   const auto objects =
       list.get<PropertyList::Array>(list.find(list.root(), "$objects").value())->elements;
   const auto keys = [&](PropertyList::Index object) {
-    std::vector<std::string> names;
+    std::string names;
     const auto dictionary = list.get<PropertyList::Dictionary>(object).value();
     for (const auto& member : dictionary.members) {
-      const auto key = list.get<std::string_view>(member.key);
-      if (!key->starts_with("$")) names.emplace_back(*key);
+      names += std::string(*list.get<std::string_view>(member.key)) + " ";
     }
     return names;
   };
   EXPECT_EQ(keys(objects[1]),
-            (std::vector<std::string>{"name", "methods", "mangledSuperclass", "supercls",
-                                      "superclassPath", "protocols"}));
+            "name methods mangledSuperclass supercls superclassPath protocols $class ");
+  const auto nil = list.find(objects[1], "mangledSuperclass");
+  EXPECT_EQ(list.get<PropertyList::UID>(nil.value())->value, 0U);
   const auto method = std::find_if(objects.begin(), objects.end(), [&](PropertyList::Index object) {
     return list.find(object, "selector").has_value();
   });
   ASSERT_NE(method, objects.end());
-  EXPECT_EQ(keys(*method), (std::vector<std::string>{"selector", "encoding", "isClassMethod"}));
+  EXPECT_EQ(keys(*method), "selector encoding isClassMethod $class ");
   EXPECT_EQ(list.get<bool>(list.find(*method, "isClassMethod").value()), false);
 }
 

@@ -3,12 +3,10 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <chrono>
 #include <filesystem>
 #include <functional>
 #include <future>
-#include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -16,16 +14,15 @@
 #include <string_view>
 #include <system_error>
 #include <thread>
-#include <utility>
 #include <vector>
 
 #include "tavlen/bundles/Executable.h"
 #include "tavlen/bundles/IPA.h"
 #include "tavlen/device/DeviceRoot.h"
 #include "tavlen/foundation/tasks/DatagramReceiver.h"
-#include "tavlen/foundation/text/Log.h"
 #include "tavlen/introspection/remote/detail/TessaloopClient.h"
 #include "tests/support/AppPlist.h"
+#include "tests/support/LogLines.h"
 #include "tests/support/StandIns.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/UDPSender.h"
@@ -67,20 +64,13 @@ class DumpTest : public testing::Test {
 
   DumpTest() {
     DeviceRoot::setShared(DeviceRoot(tree()));
-    setLogSink([this](std::string_view message) {
-      const std::lock_guard lock(logLock_);
-      log_.emplace_back(message);
-    });
     tree_.write("bin/kill", "#!/bin/sh\nkill \"$@\" 2>/dev/null\n");
     std::filesystem::permissions(tree() / "bin/kill", std::filesystem::perms::owner_all);
     writeInfo(kApp);
     tree_.write("Applications/Dumped.app/Frameworks/none", "");
     std::filesystem::copy_file(paths().dumpedImage, tree() / (kImage + 1));
   }
-  ~DumpTest() override {
-    setLogSink({});
-    DeviceRoot::setShared(DeviceRoot());
-  }
+  ~DumpTest() override { DeviceRoot::setShared(DeviceRoot()); }
 
   const std::filesystem::path& tree() const { return tree_.path(); }
   std::filesystem::path write(const std::string& name, std::string_view bytes) const {
@@ -109,21 +99,14 @@ class DumpTest : public testing::Test {
     return none ? 0 : std::distance(begin(folders), end(folders));
   }
 
-  std::vector<std::string> log() const {
-    const std::lock_guard lock(logLock_);
-    return log_;
-  }
-  long countInLog(std::string_view text) const {
-    const std::vector<std::string> lines = log();
-    return std::count_if(lines.begin(), lines.end(), [&](const std::string& line) {
-      return line.find(text) != std::string::npos;
-    });
-  }
-
  private:
   TemporaryFolder tree_;
-  mutable std::mutex logLock_;
-  std::vector<std::string> log_;
+
+ protected:
+  LogLines log_;
+  /// The app and its image, which are read when a test asks them.
+  std::shared_ptr<IPA> ipa_ = IPA::withAppDir(appDir());
+  Executable image_{ipa_, appDir(), "Frameworks/Probe.dylib", false};
 };
 
 /// A port that nobody has, for requests of which an agent is told beforehand. It is none of those

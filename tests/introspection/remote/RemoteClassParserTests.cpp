@@ -27,11 +27,6 @@ using Classes = ClassParser::Classes;
 /// The whole way: a launch that starts the reference agent, its reports, its archive.
 class RemoteClassParserTest : public DumpTest {
  protected:
-  RemoteClassParserTest()
-      : ipa_(IPA::withAppDir(appDir())),
-        program_(ipa_, appDir(), "Dumped", true),
-        image_(ipa_, appDir(), "Frameworks/Probe.dylib", false) {}
-
   /// As RemoteClassParser does, at another port and without its pause.
   static Classes dump(TessaloopClient& client, const Executable& executable) {
     return dumpRemotely(executable, nullptr,
@@ -41,9 +36,7 @@ class RemoteClassParserTest : public DumpTest {
                         });
   }
 
-  std::shared_ptr<IPA> ipa_;
-  Executable program_;
-  Executable image_;
+  Executable program_{ipa_, appDir(), "Dumped", true};
 };
 
 /// Processes name an image by the path by which they loaded it first.
@@ -126,14 +119,8 @@ TEST_F(RemoteClassParserTest, LeavesNothingAfterManyRequests) {
   constexpr long kKept = 8;
   const std::uint16_t port = freePort();
   const StandIns standIns(script(port));
-  const auto silentIPA = [&] {
-    const fs::path folder = tree() / "Applications/Silent.app";
-    fs::create_directories(folder);
-    writeInfo(kSilentApp);
-    fs::rename(appDir() / "Info.plist", folder / "Info.plist");
-    writeInfo(kApp);
-    return IPA::withAppDir(folder);
-  }();
+  write("Applications/Silent.app/Info.plist", appPlist(kSilentApp, "Silent"));
+  const auto silentIPA = IPA::withAppDir(tree() / "Applications/Silent.app");
   const Executable silent(silentIPA, silentIPA->appDir(), "Silent", true);
   const auto request = [&](TessaloopClient& client, int i) {
     if (i % 2 == 0) {
@@ -200,7 +187,7 @@ TEST_F(RemoteClassParserTest, FailsWithoutFurtherThreads) {
     const Path path = invokeTessaloop(kSilentApp, "/image", false, {});
     cancelTessaloopIfNeeded();
     ::setrlimit(RLIMIT_AS, &former);
-    ::_exit(path ? 2 : countInLog("error preparing for the dump agent: ") == 1 ? 0 : 1);
+    ::_exit(path ? 2 : log_.count("error preparing for the dump agent: ") == 1 ? 0 : 1);
   };
   EXPECT_EXIT(request(), testing::ExitedWithCode(0), "");
 }

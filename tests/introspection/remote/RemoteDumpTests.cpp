@@ -5,7 +5,6 @@
 #include <sys/inotify.h>
 #include <sys/stat.h>
 
-#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cmath>
@@ -30,9 +29,6 @@ using Classes = ClassParser::Classes;
 /// What of a dump does not depend on who is asked: the request is answered by the test.
 class RemoteDumpTest : public DumpTest {
  protected:
-  RemoteDumpTest()
-      : ipa_(IPA::withAppDir(appDir())), image_(ipa_, appDir(), "Frameworks/Probe.dylib", false) {}
-
   static Classes sampleClasses() {
     return {std::make_shared<ObjCClass>(
         "A", ObjCClass::Methods{std::make_shared<ObjCMethod>("b:", "v@:@", true)}, std::nullopt,
@@ -66,9 +62,6 @@ class RemoteDumpTest : public DumpTest {
     write(path.substr(1), encodeKeyedArchive(sampleClasses()));
     return outcome(path + end);
   }
-
-  std::shared_ptr<IPA> ipa_;
-  Executable image_;
 };
 
 TEST_F(RemoteDumpTest, TakesTheArchiveAndDeletesItsFolder) {
@@ -114,43 +107,37 @@ TEST_F(RemoteDumpTest, FailsForWhatIsNoArchiveOfClasses) {
   EXPECT_EQ(outcome(std::string(5000, '/') + std::string(5000, 'a')), "Remote dump failed");
   EXPECT_TRUE(fs::exists(folder / "text"));  // only after a good one
   EXPECT_EQ(outcome("/tmp/dump/class\0"s + "es"), "Remote dump failed");
-  EXPECT_EQ(countInLog("remote dump: /tmp/dump/text: "), 1);
+  EXPECT_EQ(log_.count("remote dump: /tmp/dump/text: "), 1);
   EXPECT_THROW(dump(std::nullopt), RemoteClassParser::Error);
 }
 
 TEST_F(RemoteDumpTest, DeletesNoFolderThatIsNotTheAgents) {
   const std::string support(kApplicationSupportDir);
+  const std::string tweaks(kTweaksDir);
   for (const std::string& folder :
-       {std::string(""), std::string("/etc"), std::string("/tmp"), std::string("/var/tmp"),
-        std::string("/var/mobile"), std::string("/var/mobile/Library"),
-        std::string("/var/mobile/Library/Application Support"),
-        std::string("/var/mobile/Library/Logs"), support, std::string(kTweaksDir),
-        std::string(kTweaksDir) + "/A/Resources", support + "/.TemporaryItems/x",
+       {""s, "/etc"s, "/tmp"s, "/var/tmp"s, "/var/mobile"s, "/var/mobile/Library"s,
+        "/var/mobile/Library/Application Support"s, "/var/mobile/Library/Logs"s, support, tweaks,
+        tweaks + "/A/Resources", support + "/.TemporaryItems/x",
         std::string(kInstalledTweaksDir) + "/com.example.a", std::string(kTweakLibrariesDir),
-        std::string("/usr/lib"), std::string("/Applications/Marrowgleam.app/bin"),
-        std::string("/Applications/Dumped.app"),
-        std::string("/Applications/Dumped.app/Frameworks")}) {
+        "/usr/lib"s, "/Applications/Marrowgleam.app/bin"s, "/Applications/Dumped.app"s,
+        "/Applications/Dumped.app/Frameworks"s}) {
     fs::create_directories(tree() / support.substr(1));
     EXPECT_EQ(outcomeOfArchiveAt(folder + "/f"), "refused") << folder;
     EXPECT_TRUE(fs::exists(tree().string() + folder + "/f")) << folder;
   }
-  // By another way.
-  write("etc/y", encodeKeyedArchive(sampleClasses()));
+  // By another way; a relative path is the working folder's.
   fs::create_directories(tree() / "tmp/x");
-  EXPECT_EQ(outcome("/tmp/x/../../etc/y"), "refused");
-  EXPECT_EQ(outcome("/tmp/x/../../../../../etc/y"), "refused");
   fs::create_directory_symlink("/var/mobile", tree() / "tmp/link");
-  EXPECT_EQ(outcome("/tmp/link/Library/f"), "refused");
   fs::create_directory_symlink("/", tree() / "tmp/top");
-  EXPECT_EQ(outcome("/tmp/top/etc/y"), "refused");
-  fs::create_directory_symlink(kTweaksDir, tree() / "tmp/tweaks");
-  EXPECT_EQ(outcome("/tmp/tweaks/A/Resources/f"), "refused");
-  EXPECT_TRUE(fs::exists(tree() / "etc/y"));
-  EXPECT_TRUE(fs::exists(tree() / std::string(kTweaksDir.substr(1)) / "A/Resources/f"));
-  // A relative path is the working folder's.
-  const fs::path relative = fs::relative(tree() / "etc/y");
-  EXPECT_EQ(outcome(relative), "refused");
-  EXPECT_TRUE(fs::exists(relative));
+  fs::create_directory_symlink(tweaks, tree() / "tmp/tweaks");
+  for (const std::string& path :
+       {"/tmp/x/../../etc/f"s, "/tmp/x/../../../../../etc/f"s, "/tmp/link/Library/f"s,
+        "/tmp/top/etc/f"s, "/tmp/tweaks/A/Resources/f"s, fs::relative(tree() / "etc/f").string()}) {
+    EXPECT_EQ(outcome(path), "refused") << path;
+  }
+  for (const std::string& kept : {"/etc"s, "/var/mobile/Library"s, tweaks + "/A/Resources"}) {
+    EXPECT_TRUE(fs::exists(tree().string() + kept + "/f")) << kept;
+  }
 }
 
 TEST_F(RemoteDumpTest, DeletesTheLinkThatWasNamedNotItsTarget) {
@@ -249,32 +236,26 @@ TEST_F(RemoteDumpTest, KnowsTheFoldersOfTheDeviceItself) {
       return true;
     }
   };
-  const auto give = [&](const char* variable, const std::string& folder) {
+  const auto swap = [](const char* variable, const std::string& value) {
     const char* const former = std::getenv(variable);
-    const Path value = former == nullptr ? Path() : former;
-    fs::create_directories(tree() / folder);
-    ::setenv(variable, (tree() / folder).c_str(), 1);
-    return value;
+    std::string formerValue = former == nullptr ? "" : former;
+    EXPECT_EQ(value.empty() ? ::unsetenv(variable) : ::setenv(variable, value.c_str(), 1), 0);
+    return formerValue;
   };
-  const auto takeBack = [](const char* variable, const Path& former) {
-    if (former) {
-      ::setenv(variable, former->c_str(), 1);
-    } else {
-      ::unsetenv(variable);
-    }
-  };
-  const Path home = give("HOME", "users/home");
-  const Path temporary = give("TMPDIR", "users/temporary");
+  for (const char* folder : {"home", "temporary", "working/deep"}) {
+    fs::create_directories(tree() / "users" / folder);
+  }
+  const std::string home = swap("HOME", tree() / "users/home");
+  const std::string temporary = swap("TMPDIR", tree() / "users/temporary");
   const fs::path working = fs::current_path();
-  fs::create_directories(tree() / "users/working/deep");
   fs::current_path(tree() / "users/working/deep");
   for (const char* archive : {"users/home/f", "users/temporary/f", "users/working/f", "users/f",
                               "users/working/deep/f", "Applications/Dumped.app/Frameworks/f"}) {
     EXPECT_TRUE(isRefused(archive)) << archive;
   }
   fs::current_path(working);
-  takeBack("HOME", home);
-  takeBack("TMPDIR", temporary);
+  swap("HOME", home);
+  swap("TMPDIR", temporary);
   fs::create_directories(tree() / "kept");
   fs::create_directory_symlink(tree() / "kept", tree() / "link");
   fs::create_directory_symlink(appDir(), tree() / "app");
@@ -286,18 +267,15 @@ TEST_F(RemoteDumpTest, KnowsTheFoldersOfTheDeviceItself) {
 }
 
 TEST_F(RemoteDumpTest, ShowsItsProgressAsOneUnitOfTheParent) {
-  const struct {
-    std::vector<double> fractions;
-    double ofParent;
-  } cases[] = {{{}, 0},          {{0.25, 0.5}, 0.25}, {{0.5, 0.259999}, 0.125},  // towards zero
-               {{-0.0099}, 0},   {{0.999999}, 0.495}, {{1}, 0.5},
-               {{0.5, -0.01}, 0}};  // below zero it counts for nothing
-  for (const auto& row : cases) {
+  const std::pair<std::vector<double>, double> cases[] = {
+      {{}, 0},          {{0.25, 0.5}, 0.25}, {{0.5, 0.259999}, 0.125},  // towards zero
+      {{-0.0099}, 0},   {{0.999999}, 0.495}, {{1}, 0.5},
+      {{0.5, -0.01}, 0}};  // below zero it counts for nothing
+  for (const auto& [fractions, ofParent] : cases) {
     const auto parent = Progress::discrete(2);
     write("tmp/dump/classes", encodeKeyedArchive(Classes()));
-    dump("/tmp/dump/classes", row.fractions, parent);
-    EXPECT_DOUBLE_EQ(parent->fractionCompleted(), row.ofParent)
-        << testing::PrintToString(row.fractions);
+    dump("/tmp/dump/classes", fractions, parent);
+    EXPECT_DOUBLE_EQ(parent->fractionCompleted(), ofParent) << testing::PrintToString(fractions);
   }
   EXPECT_EQ(Progress::current(), nullptr);
 }

@@ -1,5 +1,3 @@
-#include "tavlen/foundation/files/FileSystem.h"
-
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
@@ -7,6 +5,12 @@
 #include <system_error>
 
 #include "tavlen/foundation/files/FileReplacement.h"
+#include "tavlen/foundation/files/FileSystem.h"
+#include "tavlen/foundation/files/MachOHeader.h"
+#include "tavlen/foundation/files/RandomAccessFile.h"
+#include "tavlen/foundation/files/URL.h"
+#include "tests/support/MachOFile.h"
+#include "tests/support/TableFile.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/Thrown.h"
 
@@ -14,6 +18,10 @@ namespace tavlen {
 namespace {
 
 using namespace std::string_literals;
+using macho::bigWord;
+using macho::fat;
+using macho::thin;
+using macho::thin32;
 
 class FileSystemTest : public testing::Test {
  protected:
@@ -135,6 +143,101 @@ TEST(PlainComponent, keepsAPathInItsFolder) {
   for (const std::string& name : {""s, "."s, ".."s, "/"s, "a/b"s, "a/"s, "a\0b"s}) {
     EXPECT_FALSE(isPlainComponent(name)) << testing::PrintToString(name);
   }
+}
+
+TEST(URL, filePathsAreEscapedAndRead) {
+  for (const auto& row : tableFrom("file-urls.txt", 2)) {
+    EXPECT_EQ(URL::fileURL(row[0]).absoluteString, row[1]);
+    EXPECT_EQ((URL{row[1]}.path()), row[0]);
+  }
+  EXPECT_EQ(URL::fileURL("/\x01\x7F\xFF").absoluteString, "file:///%01%7F%FF");
+  EXPECT_EQ(URL{"file:///%01%7F%FF"}.path(), "/\x01\x7F\xFF");
+  EXPECT_EQ(URL::fileURL("/a//").absoluteString, "file:///a");
+  EXPECT_EQ(URL::fileURL("/a//", true).absoluteString, "file:///a/");
+  EXPECT_EQ(URL::fileURL("/a", true).absoluteString, "file:///a/");
+  EXPECT_EQ(URL::fileURL("/", true).absoluteString, "file:///");
+  EXPECT_EQ(URL::fileURL("a:b").path(), std::filesystem::current_path() / "a:b");
+}
+
+TEST(URL, pathIsThatOfFileURLsOnly) {
+  const std::pair<const char*, const char*> rows[] = {{"FILE:///A%2fb", "/A/b"},
+                                                      {"file://LocalHost/a/?q#f", "/a"},
+                                                      {"file:/a%3f#/b?", "/a?"},
+                                                      {"file:///a//", "/a"},
+                                                      {"file:////a", "//a"}};
+  for (const auto& [text, path] : rows) EXPECT_EQ(URL{text}.path(), path) << text;
+  for (const char* text : {"file://localhosts/a", "file://host/a", "file://", "file:a", "file",
+                           "http://a/b", "/a", "", "file:///a%00b", "file:///a%", "file:///a%4",
+                           "file:///a%4x", "file:///a%-1", "file:///a%+1", "file:///a% 1"}) {
+    EXPECT_EQ(URL{text}.path(), std::nullopt) << text;
+  }
+}
+
+TEST(URL, referencesAreResolved) {
+  const URL base{"http://a/b/c/d;p?q"};
+  for (const auto& row : tableFrom("references.txt", 2)) {
+    EXPECT_EQ(base.resolved(row[0]).absoluteString, "http://a/" + row[1]) << row[0];
+  }
+  EXPECT_EQ(base.resolved("g:h").absoluteString, "g:h");
+  EXPECT_EQ(base.resolved("//g").absoluteString, "http://g");
+  EXPECT_EQ(URL{"file:///tmp/x/"}.resolved("a%20b").absoluteString, "file:///tmp/x/a%20b");
+  EXPECT_EQ(URL{"http://a"}.resolved("g").absoluteString, "http://a/g");
+  EXPECT_EQ(URL{"a/b"}.resolved("../../c").absoluteString, "/c");
+  EXPECT_EQ(URL{""}.resolved("g").absoluteString, "g");
+}
+
+constexpr std::uint32_t kX86_64 = 0x01000007;
+
+class MachOHeaderTests : public testing::Test {
+ protected:
+  /// The file type that is read; 0 for no header.
+  std::uint32_t fileType(const std::string& bytes) const {
+    const RandomAccessFile file(folder_.write("image", bytes));
+    const auto header = MachOHeader::read(file);
+    return header ? static_cast<std::uint32_t>(header->fileType) : 0;
+  }
+
+ private:
+  TemporaryFolder folder_;
+};
+
+TEST_F(MachOHeaderTests, ReadsThinFiles) {
+  EXPECT_EQ(fileType(thin(2)), 2U);
+  EXPECT_EQ(fileType(thin32(8)), 8U);
+  EXPECT_EQ(fileType(thin(10)), 10U);
+  const RandomAccessFile file(TemporaryFolder().write("a", thin(6, macho::kARM64, 0x80000002)));
+  EXPECT_EQ(MachOHeader::read(file)->cpuSubtype, 2U) << "without its feature bits";
+}
+
+TEST_F(MachOHeaderTests, TakesTheSliceThatADevicePrefers) {
+  // Each slice has a file type of its own, which tells the one that was taken.
+  const std::string arm64e = thin(6, macho::kARM64, 2);
+  const std::string arm64 = thin(2);
+  const std::string intel = thin(8, kX86_64, 3);
+  const std::string old = thin32(1);
+  EXPECT_EQ(fileType(fat({old, intel, arm64e, arm64})), 2U);
+  EXPECT_EQ(fileType(fat({old, intel, arm64e})), 6U);
+  EXPECT_EQ(fileType(fat({old, intel})), 8U);
+  EXPECT_EQ(fileType(fat({old})), 1U);
+  EXPECT_EQ(fileType(fat({"no image at all, but as long as a header", arm64})), 2U);
+}
+
+TEST_F(MachOHeaderTests, NothingElseIsAnImage) {
+  const std::string whole = thin(2);
+  const std::string fatFile = fat({whole});
+  for (const std::string& file : {whole, fatFile}) {
+    for (std::size_t size = 0; size < file.size(); ++size) {
+      EXPECT_EQ(fileType(file.substr(0, size)), 0U) << size;
+    }
+  }
+  EXPECT_EQ(fileType(bigWord(0xCAFEBABE) + bigWord(52) + std::string(4096, 'x')), 0U)
+      << "a Java class file";
+  EXPECT_EQ(fileType(bigWord(0xFEEDFACF) + std::string(28, '\0')), 0U) << "big-endian";
+  EXPECT_EQ(fileType(fat({fatFile})), 0U) << "a fat file in a fat file";
+  // A slice that begins in the fat header, where a thin header is forged.
+  std::string overlapping = fat({whole});
+  overlapping.replace(16, 4, bigWord(4));
+  EXPECT_EQ(fileType(overlapping), 0U);
 }
 
 }  // namespace

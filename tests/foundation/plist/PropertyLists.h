@@ -1,28 +1,46 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <random>
 #include <string>
 #include <vector>
 
-#include "tavlen/foundation/plist/PropertyList.h"
+#include "tavlen/foundation/plist/PropertyListSerialization.h"
+#include "tests/foundation/plist/PropertyListGraph.h"
 
 namespace tavlen {
 
-/// Fills a list with a random tree that both forms can hold and nothing of it is lost in: whole
-/// seconds, distinct keys, unsigned integers above 2^63-1 only.
+/// What the error of reading says; nothing where the bytes are read.
+inline std::string refusal(std::string_view bytes,
+                           PropertyList (*read)(std::string_view) = readPropertyList) {
+  try {
+    static_cast<void>(read(bytes));
+    return "";
+  } catch (const DecodingError& error) {
+    const std::string begin = "The given data was not a valid property list. ";
+    EXPECT_EQ(error.which(), DecodingError::Case::dataCorrupted);
+    EXPECT_TRUE(error.codingPath().empty());
+    EXPECT_TRUE(error.text().starts_with(begin));
+    return error.text().substr(begin.size());
+  }
+}
+
+/// An XML property list.
+inline std::string plist(std::string_view body) {
+  return "<plist version='1.0'>" + std::string(body) + "</plist>";
+}
+
+/// Random trees that both forms can hold and nothing of them is lost in: whole seconds, distinct
+/// keys, unsigned integers above 2^63-1 only.
 class RandomPropertyList {
  public:
   explicit RandomPropertyList(unsigned seed) : random_(seed) {}
 
-  PropertyList make() {
-    list_.setRoot(container(6));
-    return std::move(list_);
-  }
-
   /// A list of `count` such trees.
-  PropertyList makeMany(int count) {
-    std::vector<PropertyList::Index> trees;
-    for (int i = 0; i < count; ++i) trees.push_back(container(6));
+  PropertyList make(int count) {
+    Indices trees;
+    while (count-- > 0) trees.push_back(container(6));
     list_.setRoot(list_.add(PropertyList::Array{trees}));
     return std::move(list_);
   }
@@ -40,16 +58,13 @@ class RandomPropertyList {
   }
 
   Index container(unsigned depth) {
-    if (below(2) == 0) {
-      std::vector<Index> elements;
-      for (std::uint64_t i = below(6); i > 0; --i) elements.push_back(value(depth));
-      return list_.add(PropertyList::Array{elements});
-    }
-    std::vector<PropertyList::Member> members;
+    Indices elements;
+    Members members;
     for (std::uint64_t i = below(6); i > 0; --i) {
-      const Index key = list_.add(text() + std::to_string(i));
-      members.push_back({key, value(depth)});
+      elements.push_back(value(depth));
+      members.push_back({list_.add(text() + std::to_string(i)), elements.back()});
     }
+    if (below(2) == 0) return list_.add(PropertyList::Array{elements});
     return list_.add(PropertyList::Dictionary{members});
   }
 
@@ -66,8 +81,8 @@ class RandomPropertyList {
       case 4:  // three hundred years around 2001
         return list_.add(Date{static_cast<double>(below(10'000'000'000)) - 5e9});
       case 5: {
-        std::string bytes;
-        for (std::uint64_t i = below(100); i > 0; --i) bytes += static_cast<char>(below(256));
+        std::string bytes(below(100), '\0');
+        for (char& byte : bytes) byte = static_cast<char>(below(256));
         return list_.add(PropertyList::Data{bytes});
       }
       case 6:
@@ -80,7 +95,5 @@ class RandomPropertyList {
   std::mt19937_64 random_;
   PropertyList list_;
 };
-
-inline PropertyList randomPropertyList(unsigned seed) { return RandomPropertyList(seed).make(); }
 
 }  // namespace tavlen

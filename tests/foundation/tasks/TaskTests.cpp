@@ -1,0 +1,232 @@
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <utility>
+
+#include "tavlen/foundation/tasks/MainQueue.h"
+#include "tavlen/foundation/tasks/NotificationCenter.h"
+#include "tavlen/foundation/tasks/NotificationPoster.h"
+#include "tavlen/foundation/tasks/SerialQueue.h"
+#include "tests/support/Threads.h"
+
+namespace tavlen {
+namespace {
+
+using std::chrono::milliseconds;
+
+TEST(MainQueue, RunsWhatWasThereInOrder) {
+  MainQueue queue;
+  std::string ran;
+  queue.async([&] {
+    ran += '1';
+    queue.async([&] { ran += '3'; });  // for the next time
+    EXPECT_EQ(queue.drain(), 0U);      // serial: not inside of work
+  });
+  queue.async([&] { ran += '2'; });
+  EXPECT_EQ(queue.drain(), 2U);
+  EXPECT_EQ(ran, "12");
+  EXPECT_EQ(queue.waitAndDrain(milliseconds::max()), 1U);  // which does not wait
+  EXPECT_EQ(ran, "123");
+  EXPECT_EQ(queue.waitAndDrain(milliseconds(1)), 0U);
+}
+
+TEST(MainQueue, StaysUsableWhenWorkThrows) {
+  MainQueue queue;
+  bool ran = false;
+  queue.async([] { throw 1; });
+  queue.async([&] { ran = true; });
+  EXPECT_THROW(queue.drain(), int);
+  EXPECT_FALSE(ran);
+  EXPECT_EQ(queue.drain(), 1U);
+  EXPECT_TRUE(ran);
+}
+
+TEST(MainQueue, TellsItsHostOfAdditions) {
+  MainQueue queue;
+  int additions = 0;
+  queue.setWorkAddedHandler([&] {
+    ++additions;
+    queue.drain();  // no lock is held
+  });
+  auto held = std::shared_ptr<void>(nullptr, [&](void*) { queue.async([] {}); });
+  queue.async([held = std::move(held)] {});  // adds when it is destroyed
+  EXPECT_EQ(additions, 2);
+  queue.setWorkAddedHandler({});
+  queue.async([] {});
+  EXPECT_EQ(additions, 2);
+}
+
+TEST(MainQueue, IsSerialWhateverThreadsAddAndDrain) {
+  MainQueue queue;
+  constexpr int kPieces = 200;
+  int ran = 0;  // no atomic: that work never overlaps is what is tested
+  const auto adder = [&](int) {
+    for (int i = 0; i < kPieces; ++i) queue.async([&] { ++ran; });
+  };
+  std::atomic<bool> isOver = false;
+  std::thread drainer([&] {
+    while (!isOver) queue.waitAndDrain(milliseconds(1));
+  });
+  inThreads(2, adder);
+  while (queue.drain() > 0) {
+  }
+  isOver = true;
+  drainer.join();
+  queue.drain();
+  EXPECT_EQ(ran, 2 * kPieces);
+}
+
+TEST(SerialQueue, RunsPieceAfterPieceOnItsThread) {
+  std::string ran;
+  {
+    SerialQueue queue("dev.tavlen.test-queue");
+    EXPECT_FALSE(queue.isCurrent());
+    queue.async([&] { ran += '1'; });
+    queue.sync([&] {
+      ran += '2';
+      queue.async([&] { ran += queue.isCurrent() ? '3' : 'x'; });
+    });
+    EXPECT_THROW(queue.sync([] { throw std::runtime_error("passes"); }), std::runtime_error);
+    queue.async([&] { ran += '4'; });
+  }  // waits for what was added
+  EXPECT_EQ(ran, "1234");
+}
+
+TEST(SerialQueue, IsSerialWhateverThreadsAdd) {
+  constexpr int kPieces = 200;
+  int ran = 0;  // no atomic: that work never overlaps is what is tested
+  {
+    SerialQueue queue("test");
+    inThreads(2, [&](int) {
+      for (int i = 0; i < kPieces; i += 2) {
+        queue.async([&] { ++ran; });
+        queue.sync([&] { ++ran; });
+      }
+    });
+  }
+  EXPECT_EQ(ran, 2 * kPieces);
+}
+
+TEST(SerialQueueDeathTest, WaitsNotForItself) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  const auto wait = [] {
+    SerialQueue queue("the-label");
+    queue.sync([&] { queue.sync([] {}); });
+  };
+  EXPECT_DEATH(wait(), "the-label");
+}
+
+TEST(NotificationCenter, CallsMatchingObserversInTheOrderOfRegistration) {
+  NotificationCenter center;
+  const int a = 0;
+  const int b = 0;
+  std::string called;
+  const auto note = [&](char mark) {
+    return [&called, mark](const Notification&) { called += mark; };
+  };
+  center.addObserver("N", nullptr, note('1'));
+  center.addObserver(std::nullopt, nullptr, note('2'));
+  center.addObserver("N", &a, note('3'));
+  center.addObserver(std::nullopt, &a, note('4'));
+  center.addObserver("M", nullptr, note('5'));
+  center.addObserver("N", nullptr, note('6'));
+  const std::pair<Notification, std::string> rows[] = {
+      {{"N", nullptr, {}}, "126"}, {{"N", &a, {}}, "12346"}, {{"N", &b, {}}, "126"},
+      {{"M", &a, {}}, "245"},      {{"", nullptr, {}}, "2"},
+  };
+  for (const auto& [posted, expected] : rows) {
+    called.clear();
+    center.post(posted);
+    EXPECT_EQ(called, expected);
+  }
+}
+
+TEST(NotificationCenter, LetsHandlersChangeTheListAndPost) {
+  NotificationCenter center;
+  std::string called;
+  NotificationCenter::Token second{};
+  const NotificationCenter::Token first =
+      center.addObserver("N", nullptr, [&](const Notification& notification) {
+        called += '1';
+        const bool isNested = notification.userInfo.has_value();
+        if (isNested) return;
+        center.removeObserver(first);  // the one that runs
+        center.removeObserver(second);
+        center.addObserver("N", nullptr, [&](const Notification&) { called += '3'; });
+        center.post({"N", nullptr, std::map<std::string, std::any>{{"nested", true}}});
+      });
+  second = center.addObserver("N", nullptr, [&](const Notification&) { called += '2'; });
+  center.post({"N", nullptr, {}});
+  EXPECT_EQ(called, "13");  // the new one by the nested post only
+  center.removeObserver(second);
+  center.post({"N", nullptr, {}});
+  EXPECT_EQ(called, "133");
+}
+
+TEST(NotificationCenter, ReleasesHandlersWithoutItsLockAndPassesExceptionsOn) {
+  NotificationCenter center;
+  bool posted = false;
+  center.addObserver("released", nullptr, [&](const Notification&) { posted = true; });
+  auto onRelease = std::shared_ptr<void>(nullptr, [&](void*) {
+    center.post({"released", nullptr, {}});
+  });
+  const auto token = center.addObserver(
+      "N", nullptr, [held = std::move(onRelease)](const Notification&) { throw 1; });
+  EXPECT_THROW(center.post({"N", nullptr, {}}), int);
+  center.removeObserver(token);
+  EXPECT_TRUE(posted);
+}
+
+TEST(NotificationCenter, MayBeUsedByManyThreads) {
+  NotificationCenter center;
+  std::atomic<int> count = 0;
+  center.addObserver("N", nullptr, [&](const Notification&) { ++count; });
+  inThreads(3, [&](int) {
+    for (int i = 0; i < 300; ++i) {
+      const auto token = center.addObserver("N", nullptr, [](const Notification&) {});
+      center.post({"N", nullptr, {}});
+      center.removeObserver(token);
+    }
+  });
+  EXPECT_EQ(count, 900);
+}
+
+bool posts(NotificationPoster& poster) {
+  bool ran = false;
+  poster.performNotificationPostingOperation([&] { ran = true; });
+  return ran;
+}
+
+TEST(NotificationPoster, DropsWhatIsPostedInSilence) {
+  NotificationPoster poster;
+  EXPECT_TRUE(posts(poster));
+  poster.performWithoutNotifications([&] {
+    poster.performWithoutNotifications([&] { EXPECT_FALSE(posts(poster)); });
+    EXPECT_FALSE(posts(poster)) << "the inner call ended the outer one's silence";
+  });
+  EXPECT_TRUE(posts(poster));
+  EXPECT_THROW(poster.performWithoutNotifications([] { throw 1; }), int);
+  EXPECT_TRUE(posts(poster));
+  // The lock is free again, for other threads too.
+  std::thread([&] { EXPECT_TRUE(posts(poster)); }).join();
+}
+
+TEST(NotificationPoster, SerialisesBodiesOfAllThreads) {
+  NotificationPoster poster;
+  int silent = 0;  // no atomics: the lock is what is tested
+  int posted = 0;
+  inThreads(3, [&](int) {
+    for (int i = 0; i < 300; ++i) {
+      poster.performWithoutNotifications([&] { ++silent; });
+      poster.performNotificationPostingOperation([&] { ++posted; });
+    }
+  });
+  EXPECT_EQ(silent, 900);
+  EXPECT_EQ(posted, 900);
+}
+
+}  // namespace
+}  // namespace tavlen

@@ -1,0 +1,200 @@
+#include <gtest/gtest.h>
+
+#include <array>
+#include <bit>
+#include <charconv>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <random>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "tavlen/foundation/text/Base64.h"
+#include "tavlen/foundation/text/Log.h"
+#include "tavlen/foundation/text/NumberText.h"
+#include "tavlen/foundation/text/StyledText.h"
+#include "tavlen/foundation/text/Unicode.h"
+#include "tests/support/TableFile.h"
+#include "tests/support/WideText.h"
+
+namespace tavlen {
+namespace {
+
+using namespace std::string_view_literals;
+using namespace std::string_literals;
+
+TEST(Unicode, EncodingsAgree) {
+  // Both ends of every length of UTF-8 and of the surrogates' gap.
+  constexpr std::u32string_view kScalars =
+      U"\0\u007F\u0080\u07FF\u0800\uD7FF\uE000\uFEFF\uFFFF\U00010000\U0001F600\U0010FFFF"sv;
+  constexpr std::u16string_view kUnits =
+      u"\0\u007F\u0080\u07FF\u0800\uD7FF\uE000\uFEFF\uFFFF\U00010000\U0001F600\U0010FFFF"sv;
+  constexpr std::string_view kText =
+      "\0\x7F\xC2\x80\xDF\xBF\xE0\xA0\x80\xED\x9F\xBF\xEE\x80\x80\xEF\xBB\xBF\xEF\xBF\xBF"
+      "\xF0\x90\x80\x80\xF0\x9F\x98\x80\xF4\x8F\xBF\xBF"sv;
+  std::string appended;
+  for (const char32_t scalar : kScalars) appendUTF8(appended, scalar);
+  EXPECT_EQ(appended, kText);
+  EXPECT_TRUE(isValidUTF8(kText));
+  EXPECT_EQ(utf16FromUTF8(kText), kUnits);
+  EXPECT_EQ(utf8FromUTF16(kUnits), kText);
+  const std::pair<TextEncoding, std::string> kEncoded[] = {
+      {TextEncoding::utf8, std::string(kText)},
+      {TextEncoding::utf16LittleEndian, bytesOf(kUnits, false)},
+      {TextEncoding::utf16BigEndian, bytesOf(kUnits, true)},
+      {TextEncoding::utf32LittleEndian, bytesOf(kScalars, false)},
+      {TextEncoding::utf32BigEndian, bytesOf(kScalars, true)}};
+  for (const auto& [encoding, bytes] : kEncoded) {
+    std::string out = "old";
+    EXPECT_TRUE(convertToUTF8(bytes, encoding, out));
+    EXPECT_EQ(out, kText);
+    // No prefix that ends within a unit converts.
+    EXPECT_FALSE(convertToUTF8(std::string_view(bytes).substr(0, bytes.size() - 1), encoding, out));
+  }
+}
+
+TEST(Unicode, MalformedUTF8IsRefusedOrReplaced) {
+  for (const auto& row : tableFrom("malformed.txt", 2)) {
+    SCOPED_TRACE(row[0]);
+    std::string out;
+    EXPECT_FALSE(isValidUTF8(fromHex(row[0])));
+    EXPECT_FALSE(convertToUTF8(fromHex(row[0]), TextEncoding::utf8, out));
+    EXPECT_EQ(utf8FromUTF16(utf16FromUTF8(fromHex(row[0]))), row[1]);
+  }
+}
+
+TEST(Unicode, LoneSurrogatesAreRefusedOrReplaced) {
+  constexpr char16_t kHigh = 0xD83D;
+  constexpr char16_t kLow = 0xDE00;
+  const std::pair<std::u16string, std::string_view> kCases[] = {
+      {{kHigh}, "\uFFFD"},
+      {{kLow}, "\uFFFD"},
+      {{u'a', kHigh, u'z'}, "a\uFFFDz"},
+      {{kLow, kHigh}, "\uFFFD\uFFFD"},
+      {{kHigh, kHigh, kLow}, "\uFFFD\U0001F600"},
+      {{kHigh, kLow, kLow}, "\U0001F600\uFFFD"}};
+  std::string out;
+  for (const auto& [units, text] : kCases) {
+    const std::u16string_view view = units;
+    EXPECT_EQ(utf8FromUTF16(view), text);
+    EXPECT_FALSE(convertToUTF8(bytesOf(view, false), TextEncoding::utf16LittleEndian, out));
+    EXPECT_FALSE(convertToUTF8(bytesOf(view, true), TextEncoding::utf16BigEndian, out));
+  }
+  for (const char32_t wrong : std::array<char32_t, 4>{0xD800, 0xDFFF, 0x110000, 0xFFFFFFFF}) {
+    const std::u32string text = {U'a', wrong};
+    EXPECT_FALSE(convertToUTF8(bytesOf<char32_t>(text, true), TextEncoding::utf32BigEndian, out));
+  }
+}
+
+template <class Append>
+std::string textOf(double value, const Append& append) {
+  std::string out = "=";  // what stood there before stays
+  append(out, value);
+  return out.substr(1);
+}
+
+double valueOf(std::string_view text) {
+  double value = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  EXPECT_TRUE(error == std::errc() && end == text.data() + text.size()) << text;
+  return value;
+}
+
+TEST(NumberText, DescriptionsAndNumbersHaveTheirLayout) {
+  for (const auto& row : tableFrom("descriptions.txt", 1)) {
+    for (const std::string_view text : row) {
+      const double value = valueOf(text);
+      EXPECT_EQ(textOf(value, appendDescription), text);
+      std::string_view number = text;
+      if (number.ends_with(".0")) number.remove_suffix(2);
+      EXPECT_EQ(textOf(value, appendNumber), number);
+    }
+  }
+}
+
+TEST(NumberText, WhatIsNoNumberHasADescription) {
+  const double infinity = std::numeric_limits<double>::infinity();
+  EXPECT_EQ(textOf(infinity, appendDescription), "inf");
+  EXPECT_EQ(textOf(-infinity, appendDescription), "-inf");
+  const std::pair<std::uint64_t, std::string_view> kNaNs[] = {{0x7FF8000000000000, "nan"},
+                                                              {0xFFF8000000000000, "-nan"},
+                                                              {0x7FF800000000001F, "nan(0x1f)"},
+                                                              {0x7FF0000000000001, "snan"}};
+  for (const auto& [bits, text] : kNaNs) {
+    EXPECT_EQ(textOf(std::bit_cast<double>(bits), appendDescription), text);
+  }
+}
+
+TEST(NumberText, EveryNumberReadsBack) {
+  std::mt19937_64 random(20'231);
+  for (int round = 0; round < 200'000; ++round) {
+    const std::uint64_t bits = random();
+    // Half of them from the range in which the layout changes, which bit patterns rarely hit.
+    const double value = round % 2 == 0 ? std::bit_cast<double>(bits)
+                                        : std::ldexp(static_cast<double>(bits >> (bits % 60)), -40);
+    if (!std::isfinite(value)) continue;
+    const std::string text = textOf(value, appendNumber);
+    ASSERT_EQ(std::bit_cast<std::uint64_t>(valueOf(text)), std::bit_cast<std::uint64_t>(value))
+        << text;
+  }
+}
+
+TEST(Base64, isStrict) {
+  const std::pair<std::string, const char*> rows[] = {{"", ""},
+                                                      {"\0"s, "AA=="},
+                                                      {"\xFF", "/w=="},
+                                                      {"\xFF\xFF", "//8="},
+                                                      {"\xFB\xEF\xBE", "++++"},
+                                                      {"abcd", "YWJjZA=="}};
+  for (const auto& [bytes, text] : rows) {
+    EXPECT_EQ(base64FromBytes(bytes), text);
+    EXPECT_EQ(bytesFromBase64(text), bytes);
+  }
+  for (const char* text : {"A", "AA", "AA=", "AA===", "AAA", "AAA==", "AAAA=", "====", "AA==AA==",
+                           "AA=A", "A-_A", "AA ==", "\xC3\xA9=="}) {
+    EXPECT_EQ(bytesFromBase64(text), std::nullopt) << text;
+  }
+  EXPECT_EQ(bytesFromBase64(" A\nA\t=\r= ", Base64Blanks::skipped), "\0"s);
+}
+
+TEST(StyledText, JoinsWhatLooksAlike) {
+  const StyledText::Color red{1, 0, 0, 1};
+  const StyledText::Color blue{0, 0, 1, 1};
+  const StyledText::Font small{"Menlo", 9};
+  using Runs = std::vector<StyledText::Run>;
+  StyledText text;
+  text.setFont(small);
+  EXPECT_EQ(text.runs(), Runs());
+  text.append("a", red);
+  text.append("", blue);
+  text.append("b", red);
+  text.append("c", blue);
+  EXPECT_EQ(text.runs(), (Runs{{"ab", red, {}}, {"c", blue, {}}}));
+  text.setFont({"Menlo", 12});
+  text.append("d", blue);
+  EXPECT_EQ(text.runs().size(), 3U);
+  text.setFont(small);
+  EXPECT_EQ(text.runs(), (Runs{{"ab", red, small}, {"cd", blue, small}}));
+  EXPECT_EQ(text.plain(), "abcd");
+}
+
+TEST(Log, GoesToOneSinkAtATime) {
+  std::vector<std::string> messages;
+  setLogSink([&](std::string_view message) {
+    messages.emplace_back(message);
+    if (message == "outer") logMessage("inner");  // no lock is held
+  });
+  logMessage("outer");
+  EXPECT_EQ(messages, (std::vector<std::string>{"outer", "inner"}));
+  setLogSink({});
+  testing::internal::CaptureStderr();
+  logMessage("a\nb\x1B[0m\x7F caf\xC3\xA9\xC2\x9B");
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "a\\nb\\x1b[0m\\x7f caf\xC3\xA9\\u009b\n");
+  EXPECT_EQ(messages.size(), 2U);
+}
+
+}  // namespace
+}  // namespace tavlen

@@ -6,9 +6,9 @@
 #include <array>
 #include <cerrno>
 #include <cstdint>
-#include <system_error>
 #include <utility>
 
+#include "tavlen/foundation/base/SystemError.h"
 #include "tavlen/foundation/files/RandomAccessFile.h"
 #include "tavlen/foundation/text/Unicode.h"
 
@@ -16,16 +16,16 @@ namespace tavlen {
 
 namespace {
 
-[[noreturn]] void fail(int code, const std::filesystem::path& path) {
-  throw std::system_error(code, std::generic_category(), path.string());
-}
-
 /// No document comes near it, and a sparse file of any size is made in no time.
 constexpr std::size_t kLargestFile = std::size_t{1} << 31;
 
+[[noreturn]] void failMalformed(const std::filesystem::path& path) {
+  throwSystemError(EILSEQ, path.string() + ": the text is malformed in its encoding");
+}
+
 std::string checkedUTF8(std::string text, const std::filesystem::path& path) {
   constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-  if (!isValidUTF8(text)) fail(EILSEQ, path.string() + ": the text is malformed in its encoding");
+  if (!isValidUTF8(text)) failMalformed(path);
   if (text.starts_with(kByteOrderMark)) text.erase(0, kByteOrderMark.size());
   return text;
 }
@@ -63,7 +63,7 @@ std::string readFile(const std::filesystem::path& path) { return readFileNamed(p
 
 std::string readFileNamed(const std::string& path) {
   std::optional<std::string> bytes = contentsUpTo(RandomAccessFile(path), kLargestFile);
-  if (!bytes) fail(EFBIG, path);
+  if (!bytes) throwSystemError(EFBIG, path);
   return std::move(*bytes);
 }
 
@@ -77,11 +77,16 @@ std::string readText(const std::filesystem::path& path) {
     if (!bytes.starts_with(mark.bytes)) continue;
     std::string text;
     const std::string_view rest = std::string_view(bytes).substr(mark.bytes.size());
-    if (!convertToUTF8(rest, mark.encoding, text))
-      fail(EILSEQ, path.string() + ": the text is malformed in its encoding");
+    if (!convertToUTF8(rest, mark.encoding, text)) failMalformed(path);
     return text;
   }
   return checkedUTF8(std::move(bytes), path);
+}
+
+bool isTaken(const std::filesystem::path& path) {
+  std::error_code error;
+  return std::filesystem::symlink_status(path, error).type() !=
+         std::filesystem::file_type::not_found;
 }
 
 int executableError(const std::filesystem::path& path) {

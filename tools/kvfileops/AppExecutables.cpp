@@ -6,8 +6,8 @@
 #include <system_error>
 
 #include "kvfileops/CallerRights.h"
-#include "kvfileops/Failure.h"
 #include "tavlen/device/DirectoryAppListFetcher.h"
+#include "tavlen/foundation/base/SystemError.h"
 #include "tavlen/foundation/files/FileSystem.h"
 
 namespace tavlen::fileops {
@@ -19,7 +19,8 @@ void requireReadable(const DeviceRoot& root, std::string_view devicePath) {
   const std::filesystem::path folder = root.resolve(devicePath);
   std::error_code error;
   const std::filesystem::directory_iterator opened(folder, error);
-  if (error && error != std::errc::no_such_file_or_directory) fail(error.value(), folder);
+  if (error && error != std::errc::no_such_file_or_directory)
+    throwSystemError(error.value(), folder);
 }
 
 }  // namespace

@@ -2,16 +2,16 @@
 
 #include <unistd.h>
 
-#include <cerrno>
 #include <cstdlib>
-#include <system_error>
+
+#include "tavlen/foundation/base/SystemError.h"
 
 namespace tavlen::fileops {
 
 CallerRights::CallerRights() : user_(::geteuid()), group_(::getegid()) {
   // The group first: without the user's privileges it could not be changed any more.
   if (::setegid(::getgid()) != 0 || ::seteuid(::getuid()) != 0) {
-    throw std::system_error(errno, std::generic_category(), "taking the caller's rights");
+    throwSystemError("taking the caller's rights");
   }
 }
 

@@ -1,8 +1,8 @@
 #include "kvfileops/Cleanup.h"
 
 #include "kvfileops/DeviceFolder.h"
-#include "kvfileops/Failure.h"
 #include "kvfileops/NewFolder.h"
+#include "kvfileops/Refusal.h"
 #include "kvfileops/TreeRemoval.h"
 #include "tavlen/device/DevicePaths.h"
 
@@ -16,7 +16,7 @@ void cleanUp(const DeviceRoot& root, const std::filesystem::path& path, AfterCle
     if (const auto folder = tweaks.open()) removeEntry(folder->get(), entry.string(), path);
     return;
   }
-  const Descriptor folder = tweaks.make();
+  const FileDescriptor folder = tweaks.make();
   if (emptyFolder(folder.get(), entry.string(), path)) return;
   removeEntry(folder.get(), entry.string(), path);  // a file or a link in the folder's place
   (void)makeFolder(folder.get(), entry.string(), Owner::caller, path);

@@ -1,9 +1,5 @@
 #include "kvfileops/Copy.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <cerrno>
 #include <exception>
 #include <iterator>
@@ -13,13 +9,15 @@
 
 #include "kvfileops/CallerRights.h"
 #include "kvfileops/DeviceFolder.h"
-#include "kvfileops/Failure.h"
 #include "kvfileops/FileCopy.h"
-#include "kvfileops/FolderReader.h"
 #include "kvfileops/NewFile.h"
 #include "kvfileops/NewFolder.h"
+#include "kvfileops/OpenEntry.h"
+#include "kvfileops/Refusal.h"
 #include "kvfileops/TreeRemoval.h"
 #include "tavlen/device/DevicePaths.h"
+#include "tavlen/foundation/base/SystemError.h"
+#include "tavlen/foundation/files/FolderReader.h"
 #include "tavlen/foundation/text/Log.h"
 
 namespace tavlen::fileops {
@@ -41,16 +39,10 @@ struct Entry {
   }
 };
 
-struct stat statusOf(int descriptor, const std::filesystem::path& shown) {
-  struct stat status {};
-  if (::fstat(descriptor, &status) != 0) fail(errno, shown);
-  return status;
-}
-
 /// What is made stays the program's own, and closed to others, until it is filled.
-void handOver(int descriptor, mode_t mode, const std::filesystem::path& shown) {
-  giveToCaller(descriptor, shown);
-  if (::fchmod(descriptor, mode & 0777) != 0) fail(errno, shown);
+void handOver(const FileDescriptor& made, mode_t mode, const std::filesystem::path& shown) {
+  giveToCaller(made, shown);
+  made.setMode(mode & 0777, shown);
 }
 
 class TreeCopy {
@@ -78,8 +70,8 @@ class TreeCopy {
   }
 
   void copyEntry(const Entry& source, const Entry& destination, int depth) {
-    std::optional<Descriptor> folder;
-    std::optional<Descriptor> file;
+    std::optional<FileDescriptor> folder;
+    std::optional<FileDescriptor> file;
     {
       const CallerRights rights;
       folder = openFolder(source.folder, source.name, source.shown);
@@ -95,39 +87,39 @@ class TreeCopy {
   }
 
   /// A file that is copied alone is a document: there whole or not at all.
-  static void copyDocument(const Descriptor& from, const Entry& source, const Entry& destination) {
+  static void copyDocument(const FileDescriptor& from, const Entry& source,
+                           const Entry& destination) {
     NewFile to(destination.folder, destination.name, S_IRUSR | S_IWUSR, destination.shown);
     fill(to.descriptor(), from, source, destination);
-    if (!to.commit()) fail(EEXIST, destination.shown);
+    if (!to.commit()) throwSystemError(EEXIST, destination.shown);
   }
 
-  static void copyFile(const Descriptor& from, const Entry& source, const Entry& destination) {
-    Descriptor to(::openat(destination.folder, destination.name.c_str(),
-                           O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
-                           S_IRUSR | S_IWUSR));
-    if (to.get() < 0) fail(errno, destination.shown);
-    fill(to.get(), from, source, destination);
-    closeWritten(std::move(to), destination.shown);
+  static void copyFile(const FileDescriptor& from, const Entry& source, const Entry& destination) {
+    FileDescriptor to = FileDescriptor::openAt(destination.folder, destination.name.c_str(),
+                                               kOpenNewFile, destination.shown, S_IRUSR | S_IWUSR);
+    fill(to, from, source, destination);
+    to.close(destination.shown);
   }
 
-  static void fill(int to, const Descriptor& from, const Entry& source, const Entry& destination) {
-    copyBytes(from.get(), to, std::numeric_limits<std::uint64_t>::max(), source.shown);
-    handOver(to, statusOf(from.get(), source.shown).st_mode, destination.shown);
+  static void fill(const FileDescriptor& to, const FileDescriptor& from, const Entry& source,
+                   const Entry& destination) {
+    copyBytes(from, to, std::numeric_limits<std::uint64_t>::max(), source.shown);
+    handOver(to, from.status(source.shown).st_mode, destination.shown);
   }
 
-  void copyFolder(Descriptor from, const Entry& source, const Entry& destination, int depth) {
+  void copyFolder(FileDescriptor from, const Entry& source, const Entry& destination, int depth) {
     if (depth > kDeepestFolder) throw Refusal(source.shown, "folders are nested too deeply");
-    const struct stat status = statusOf(from.get(), source.shown);
+    const struct stat status = from.status(source.shown);
     if (isCopy(status)) throw Refusal(source.shown, "holds the copy itself");
-    const std::optional<Descriptor> to =
+    const std::optional<FileDescriptor> to =
         makeNewFolder(destination.folder, destination.name, S_IRWXU, destination.shown);
-    if (!to) fail(EEXIST, destination.shown);
-    if (!copy_) copy_ = statusOf(to->get(), destination.shown);
+    if (!to) throwSystemError(EEXIST, destination.shown);
+    if (!copy_) copy_ = to->status(destination.shown);
     FolderReader reader(std::move(from), source.shown);
     while (const std::optional<std::string> name = reader.next()) {
       copyEntry(source.in(reader, *name), {to->get(), *name, destination.shown / *name}, depth + 1);
     }
-    handOver(to->get(), status.st_mode, destination.shown);
+    handOver(*to, status.st_mode, destination.shown);
   }
 
   bool isCopy(const struct stat& status) const {
@@ -146,9 +138,9 @@ void copy(const DeviceRoot& root, const std::filesystem::path& source,
   if (!source.is_absolute()) throw Refusal(source, "is no absolute path");
   const DeviceFolder tweaks(root, kInstalledTweaksDir);
   const std::filesystem::path place = tweaks.relativePath(destination);
-  std::optional<Descriptor> folder = tweaks.open();
-  if (!folder) fail(ENOENT, tweaks.path());
-  const Descriptor parent = descend(std::move(*folder), place.parent_path(), destination);
+  std::optional<FileDescriptor> folder = tweaks.open();
+  if (!folder) throwSystemError(ENOENT, tweaks.path());
+  const FileDescriptor parent = descend(std::move(*folder), place.parent_path(), destination);
   // A slash at its end would have a link followed.
   std::string from = source.string();
   while (from.size() > 1 && from.back() == '/') from.pop_back();

@@ -11,6 +11,8 @@ namespace tavlen::fileops {
 /// rights, and the copy belongs to the caller. Permissions are kept, but not the bits that lend the
 /// owner's rights.
 ///
+/// Not the library's copy, which follows paths: every entry here is opened in the folder around it.
+///
 /// Links and everything else that is neither file nor folder are refused. What fails leaves nothing
 /// of the copy. Throws Refusal, std::system_error.
 void copy(const DeviceRoot& root, const std::filesystem::path& source,

@@ -1,23 +1,18 @@
 #include "kvfileops/DeviceFolder.h"
 
-#include <fcntl.h>
-
 #include <algorithm>
-#include <cerrno>
 #include <cstdlib>
 #include <iterator>
 #include <system_error>
 
-#include "kvfileops/Failure.h"
 #include "kvfileops/NewFolder.h"
+#include "kvfileops/OpenEntry.h"
+#include "kvfileops/Refusal.h"
 #include "tavlen/foundation/files/FileSystem.h"
 
 namespace tavlen::fileops {
 
 namespace {
-
-/// For going through it only: it need not be readable.
-constexpr int kPassage = O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
 
 /// `path` as seen from `folder`; nothing where it lies elsewhere. Both are free of links and dots.
 std::optional<std::filesystem::path> pathFrom(const std::filesystem::path& folder,
@@ -33,12 +28,6 @@ std::filesystem::path withoutSlashAtEnd(const std::filesystem::path& path) {
   std::string text = path.string();
   while (text.size() > 1 && text.back() == '/') text.pop_back();
   return text;
-}
-
-Descriptor openRoot(const std::filesystem::path& root) {
-  Descriptor folder(::open(root.c_str(), kPassage));
-  if (folder.get() < 0) fail(errno, root);
-  return folder;
 }
 
 }  // namespace
@@ -60,14 +49,14 @@ DeviceFolder::DeviceFolder(const DeviceRoot& root, std::string_view devicePath)
   if (!pathFrom(root_, path_)) throw Refusal(path_, "lies outside the root, " + root_.string());
 }
 
-std::optional<Descriptor> DeviceFolder::open() const {
+std::optional<FileDescriptor> DeviceFolder::open() const {
   std::error_code error;
   if (!std::filesystem::exists(path_, error) && !error) return std::nullopt;
-  return descend(openRoot(root_), *pathFrom(root_, path_), path_);
+  return descend(FileDescriptor::open(root_, kOpenPassage), *pathFrom(root_, path_), path_);
 }
 
-Descriptor DeviceFolder::make() const {
-  Descriptor folder = openRoot(root_);
+FileDescriptor DeviceFolder::make() const {
+  FileDescriptor folder = FileDescriptor::open(root_, kOpenPassage);
   const std::filesystem::path relative = *pathFrom(root_, path_);
   for (auto component = relative.begin(); component != relative.end(); ++component) {
     // What leads to the folder belongs to the device, not to whoever came first.
@@ -88,12 +77,10 @@ std::filesystem::path DeviceFolder::relativePath(const std::filesystem::path& pa
   return *folder / name;
 }
 
-Descriptor descend(Descriptor from, const std::filesystem::path& relative,
-                   const std::filesystem::path& shown) {
+FileDescriptor descend(FileDescriptor from, const std::filesystem::path& relative,
+                       const std::filesystem::path& shown) {
   for (const std::filesystem::path& component : relative) {
-    Descriptor next(::openat(from.get(), component.c_str(), kPassage));
-    if (next.get() < 0) fail(errno, shown);
-    from = std::move(next);
+    from = FileDescriptor::openAt(from.get(), component.c_str(), kOpenPassage, shown);
   }
   return from;
 }

@@ -4,8 +4,8 @@
 #include <optional>
 #include <string_view>
 
-#include "kvfileops/Descriptor.h"
 #include "tavlen/device/DeviceRoot.h"
+#include "tavlen/foundation/files/FileDescriptor.h"
 
 namespace tavlen::fileops {
 
@@ -27,10 +27,10 @@ class DeviceFolder {
   const std::filesystem::path& path() const { return path_; }
 
   /// The folder, for calls relative to it; nothing where it does not exist.
-  std::optional<Descriptor> open() const;
+  std::optional<FileDescriptor> open() const;
   /// The same; it is made where it is missing, and then belongs to the caller, but not what leads
   /// to it.
-  Descriptor make() const;
+  FileDescriptor make() const;
 
   /// How the entry `path` is called from here: one component or more. It need not exist, and is not
   /// followed if it is a link. Refuses one that does not lie below the folder.
@@ -43,7 +43,7 @@ class DeviceFolder {
 
 /// The folder at `relative` below the opened folder `from`, for calls relative to it. Follows no
 /// link.
-Descriptor descend(Descriptor from, const std::filesystem::path& relative,
-                   const std::filesystem::path& shown);
+FileDescriptor descend(FileDescriptor from, const std::filesystem::path& relative,
+                       const std::filesystem::path& shown);
 
 }  // namespace tavlen::fileops

@@ -1,9 +1,5 @@
 #include "kvfileops/FetchLogs.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <cerrno>
 #include <exception>
 #include <optional>
@@ -13,13 +9,14 @@
 #include "kvfileops/CallerRights.h"
 #include "kvfileops/CrashLog.h"
 #include "kvfileops/DeviceFolder.h"
-#include "kvfileops/Failure.h"
 #include "kvfileops/FileCopy.h"
-#include "kvfileops/FileHead.h"
-#include "kvfileops/FolderReader.h"
 #include "kvfileops/NewFile.h"
+#include "kvfileops/OpenEntry.h"
+#include "kvfileops/Refusal.h"
 #include "tavlen/device/DevicePaths.h"
+#include "tavlen/foundation/base/SystemError.h"
 #include "tavlen/foundation/files/FileSystem.h"
+#include "tavlen/foundation/files/FolderReader.h"
 #include "tavlen/foundation/text/Log.h"
 
 namespace tavlen::fileops {
@@ -30,39 +27,41 @@ constexpr std::uint64_t kLargestLog = std::uint64_t{64} << 20;
 /// A header has some hundred bytes.
 constexpr std::size_t kHeadSize = std::size_t{64} << 10;
 
-Descriptor openDestination(const std::filesystem::path& destination) {
+FileDescriptor openDestination(const std::filesystem::path& destination) {
   if (!destination.is_absolute()) throw Refusal(destination, "is no absolute path");
   const CallerRights rights;
-  Descriptor folder(::open(destination.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
-  if (folder.get() < 0) fail(errno, destination);
-  return folder;
+  return FileDescriptor::open(destination, O_PATH | O_DIRECTORY);
 }
 
 /// Whoever may write among the logs could give any file of the volume a log's name.
-void requireOneName(const Descriptor& log, const std::filesystem::path& shown) {
-  struct stat status {};
-  if (::fstat(log.get(), &status) != 0) fail(errno, shown);
-  if (status.st_nlink != 1) throw Refusal(shown, "has other names and may be no log");
+void requireOneName(const FileDescriptor& log, const std::filesystem::path& shown) {
+  if (log.status(shown).st_nlink != 1) throw Refusal(shown, "has other names and may be no log");
+}
+
+/// Where the log is read from later does not change.
+std::string headOf(const FileDescriptor& log, const std::filesystem::path& shown) {
+  std::string bytes(kHeadSize, '\0');
+  bytes.resize(log.readAt(0, bytes, shown));
+  return bytes;
 }
 
 class LogCopy {
  public:
-  LogCopy(CrashLogSubject subject, Descriptor folder, std::filesystem::path shown)
+  LogCopy(CrashLogSubject subject, FileDescriptor folder, std::filesystem::path shown)
       : subject_(std::move(subject)), folder_(std::move(folder)), shown_(std::move(shown)) {}
 
   void copyIfAbout(const FolderReader& logs, const std::string& name) const {
     const std::filesystem::path shown = logs.path() / name;
-    const std::optional<Descriptor> log = openRegularFile(logs.descriptor(), name, shown);
+    const std::optional<FileDescriptor> log = openRegularFile(logs.descriptor(), name, shown);
     if (!log) return;
     requireOneName(*log, shown);
-    if (!isNamedAfter(subject_, name) &&
-        !isAbout(subject_, headOfFile(log->get(), kHeadSize, shown))) {
+    if (!isNamedAfter(subject_, name) && !isAbout(subject_, headOf(*log, shown))) {
       return;
     }
     const CallerRights rights;
     if (isThere(name)) return;
     NewFile copy(folder_.get(), name, 0644, shown_ / name);
-    copyBytes(log->get(), copy.descriptor(), kLargestLog, shown);
+    copyBytes(*log, copy.descriptor(), kLargestLog, shown);
     (void)copy.commit();  // where it is there by now, that is as good
   }
 
@@ -70,12 +69,12 @@ class LogCopy {
   bool isThere(const std::string& name) const {
     struct stat status {};
     if (::fstatat(folder_.get(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0) return true;
-    if (errno != ENOENT) fail(errno, shown_ / name);
+    if (errno != ENOENT) throwSystemError(shown_ / name);
     return false;
   }
 
   CrashLogSubject subject_;
-  Descriptor folder_;
+  FileDescriptor folder_;
   std::filesystem::path shown_;
 };
 
@@ -84,12 +83,12 @@ class LogCopy {
 bool fetchLogs(const DeviceRoot& root, const std::string& bundleID,
                const std::filesystem::path& destination) {
   if (!isPlainComponent(bundleID)) throw Refusal(bundleID, "is no bundle identifier");
-  Descriptor target = openDestination(destination);
+  FileDescriptor target = openDestination(destination);
   const DeviceFolder folder(root, kCrashReporterDir);
-  const std::optional<Descriptor> passage = folder.open();
+  const std::optional<FileDescriptor> passage = folder.open();
   if (!passage) return true;  // nothing has crashed yet
-  std::optional<Descriptor> logs = openFolder(passage->get(), ".", folder.path());
-  if (!logs) fail(ENOTDIR, folder.path());
+  std::optional<FileDescriptor> logs = openFolder(passage->get(), ".", folder.path());
+  if (!logs) throwSystemError(ENOTDIR, folder.path());
 
   bool isComplete = true;
   CrashLogSubject subject{bundleID, {}};

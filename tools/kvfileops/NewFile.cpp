@@ -1,34 +1,23 @@
 #include "kvfileops/NewFile.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <cerrno>
-#include <cstdio>
-#include <random>
 #include <utility>
 
-#include "kvfileops/Failure.h"
+#include "tavlen/foundation/base/SystemError.h"
+#include "tavlen/foundation/files/ExclusiveRename.h"
 
 namespace tavlen::fileops {
 
 namespace {
 
-/// The library's own prefix, so that its next writer in the folder sweeps what a crash left.
-std::string temporaryName() {
-  std::random_device random;
-  return ".tavlen-" + std::to_string(random()) + "-" + std::to_string(random());
-}
-
-/// As rename(), but EEXIST where `to` stands.
+/// Gives 0, or why not, as errno tells it; EEXIST where `to` stands.
 int renameToNew(int folder, const char* from, const char* to) {
-#if defined(RENAME_NOREPLACE)
-  if (::renameat2(folder, from, folder, to, RENAME_NOREPLACE) == 0) return 0;
-  if (errno != EINVAL && errno != ENOSYS) return -1;
-#endif
-  // Where the system or the file system has no such call.
-  if (::linkat(folder, from, folder, to, 0) != 0) return -1;
-  return ::unlinkat(folder, from, 0);
+  const int code = renameExclusively(folder, from, to);
+  if (code != ENOTSUP) return code;
+  // A link replaces nothing either, even where somebody makes an entry of that name meanwhile.
+  const bool isDone =
+      ::linkat(folder, from, folder, to, 0) == 0 && ::unlinkat(folder, from, 0) == 0;
+  return isDone ? 0 : errno;
 }
 
 }  // namespace
@@ -37,29 +26,15 @@ NewFile::NewFile(int folder, std::string name, mode_t mode, std::filesystem::pat
     : folder_(folder),
       name_(std::move(name)),
       shown_(std::move(shown)),
-      temporaryName_(temporaryName()),
-      file_(::openat(folder, temporaryName_.c_str(),
-                     O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode)) {
-  if (file_.get() < 0) fail(errno, shown_);
-}
-
-NewFile::~NewFile() {
-  if (!temporaryName_.empty()) (void)::unlinkat(folder_, temporaryName_.c_str(), 0);
-}
+      file_(folder, {}, mode, shown_) {}
 
 bool NewFile::commit() {
-  if (::fsync(file_.get()) != 0) fail(errno, shown_);
-  closeWritten(std::move(file_), shown_);
-  if (renameToNew(folder_, temporaryName_.c_str(), name_.c_str()) != 0) {
-    if (errno == EEXIST) return false;
-    fail(errno, shown_);
-  }
-  temporaryName_.clear();
+  file_.finish();
+  const int code = renameToNew(folder_, file_.path().c_str(), name_.c_str());
+  if (code == EEXIST) return false;
+  if (code != 0) throwSystemError(code, shown_);
+  file_.leave();
   return true;
-}
-
-void closeWritten(Descriptor file, const std::filesystem::path& shown) {
-  if (::close(file.release()) != 0 && errno != EINTR) fail(errno, shown);
 }
 
 }  // namespace tavlen::fileops

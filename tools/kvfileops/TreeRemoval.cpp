@@ -1,22 +1,20 @@
 #include "kvfileops/TreeRemoval.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <cerrno>
 #include <optional>
 #include <system_error>
 
-#include "kvfileops/Failure.h"
-#include "kvfileops/FolderReader.h"
+#include "kvfileops/OpenEntry.h"
+#include "kvfileops/Refusal.h"
+#include "tavlen/foundation/base/SystemError.h"
+#include "tavlen/foundation/files/FolderReader.h"
 
 namespace tavlen::fileops {
 
 namespace {
 
 void unlink(int parent, const std::string& name, int flags, const std::filesystem::path& shown) {
-  if (::unlinkat(parent, name.c_str(), flags) != 0 && errno != ENOENT) fail(errno, shown);
+  if (::unlinkat(parent, name.c_str(), flags) != 0 && errno != ENOENT) throwSystemError(shown);
 }
 
 /// A folder that was copied with its permissions may be closed to its owner, too.
@@ -28,8 +26,8 @@ void makeWritable(int folder) {
 }
 
 /// As openFolder(), for one that its owner may not even read.
-std::optional<Descriptor> openAnyFolder(int parent, const std::string& name,
-                                        const std::filesystem::path& shown) {
+std::optional<FileDescriptor> openAnyFolder(int parent, const std::string& name,
+                                            const std::filesystem::path& shown) {
   try {
     return openFolder(parent, name, shown);
   } catch (const std::system_error& error) {
@@ -43,7 +41,7 @@ std::optional<Descriptor> openAnyFolder(int parent, const std::string& name,
 bool emptyFolder(int parent, const std::string& name, const std::filesystem::path& shown,
                  int depth) {
   if (depth > kDeepestRemoval) throw Refusal(shown, "folders are nested too deeply");
-  std::optional<Descriptor> folder = openAnyFolder(parent, name, shown);
+  std::optional<FileDescriptor> folder = openAnyFolder(parent, name, shown);
   if (!folder) return false;
   makeWritable(folder->get());
   FolderReader reader(std::move(*folder), shown);

@@ -3,6 +3,9 @@
 #include <filesystem>
 #include <string>
 
+/// Removal of what its caller may change meanwhile. It is not the library's, which goes back up by
+/// "..": here each folder on the way stays open, which bounds the depth, and memory is bounded
+/// whatever a folder holds.
 namespace tavlen::fileops {
 
 /// How many folders may be nested in what is removed: each keeps a descriptor open.

@@ -4,7 +4,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <cerrno>
+#include "tavlen/foundation/files/RetryOnInterrupt.h"
 
 #if defined(__APPLE__)
 #include <crt_externs.h>
@@ -48,11 +48,7 @@ int spawn(const char* path, const std::vector<std::string>& arguments, ProgramLo
 }
 
 pid_t waitForChild(pid_t child, int& status) {
-  pid_t result = 0;
-  do {
-    result = ::waitpid(child, &status, 0);
-  } while (result == -1 && errno == EINTR);
-  return result;
+  return retryOnInterrupt([&] { return ::waitpid(child, &status, 0); });
 }
 
 }  // namespace tavlen::detail

@@ -1,7 +1,6 @@
 #include "tavlen/foundation/files/DirectoryWatcher.h"
 
 #include <poll.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -10,8 +9,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <system_error>
 #include <utility>
+
+#include "tavlen/foundation/base/SystemError.h"
 
 #ifdef __linux__
 #include <sys/inotify.h>
@@ -36,7 +36,7 @@ Ready waitFor(int notices, std::span<const int> ends, milliseconds atMost) {
   for (const int end : ends) descriptors.push_back({end, 0, 0});
   const int count = ::poll(descriptors.data(), static_cast<nfds_t>(descriptors.size()),
                            static_cast<int>(atMost.count()));
-  if (count < 0 && errno != EINTR) throw std::system_error(errno, std::generic_category(), "poll");
+  if (count < 0 && errno != EINTR) throwSystemError("poll");
   if (count <= 0) return Ready::nothing;
   const bool isEnd = std::any_of(descriptors.begin() + 1, descriptors.end(),
                                  [](const pollfd& end) { return end.revents != 0; });
@@ -53,10 +53,10 @@ void DirectoryWatcher::watch(const std::vector<std::filesystem::path>& folders) 
   constexpr std::uint32_t kEvents = IN_CREATE | IN_CLOSE_WRITE | IN_MOVED_FROM | IN_MOVED_TO |
                                     IN_DELETE | IN_DELETE_SELF | IN_MOVE_SELF | IN_ONLYDIR;
   std::set<int> watches;
-  isComplete_ = notices_ >= 0;
+  isComplete_ = notices_.get() >= 0;
   if (!isComplete_) return;
   for (const std::filesystem::path& folder : folders) {
-    const int watch = ::inotify_add_watch(notices_, folder.c_str(), kEvents);
+    const int watch = ::inotify_add_watch(notices_.get(), folder.c_str(), kEvents);
     if (watch >= 0) {
       watches.insert(watch);
     } else if (errno != ENOENT && errno != ENOTDIR) {
@@ -64,7 +64,7 @@ void DirectoryWatcher::watch(const std::vector<std::filesystem::path>& folders) 
     }
   }
   for (const int former : watches_) {
-    if (!watches.contains(former)) ::inotify_rm_watch(notices_, former);
+    if (!watches.contains(former)) ::inotify_rm_watch(notices_.get(), former);
   }
   watches_ = std::move(watches);
 }
@@ -74,7 +74,7 @@ bool DirectoryWatcher::takeNotices() const {
   bool isChange = false;
   std::array<char, 16'384> buffer;
   for (;;) {
-    const ssize_t size = ::read(notices_, buffer.data(), buffer.size());
+    const ssize_t size = ::read(notices_.get(), buffer.data(), buffer.size());
     if (size <= 0) return isChange;
     for (std::size_t at = 0; at < static_cast<std::size_t>(size);) {
       inotify_event event;
@@ -98,17 +98,13 @@ bool DirectoryWatcher::takeNotices() const { return false; }
 
 #endif
 
-DirectoryWatcher::~DirectoryWatcher() {
-  if (notices_ >= 0) ::close(notices_);
-}
-
 DirectoryWatcher::Wake DirectoryWatcher::wait(std::span<const int> ends) {
   using Clock = std::chrono::steady_clock;
   const Clock::time_point last = Clock::now() + (isComplete_ ? kLongestSleep : kLookInterval);
   for (;;) {
     const auto left = std::chrono::ceil<milliseconds>(last - Clock::now());
     if (left <= milliseconds(0)) return Wake::change;
-    const Ready ready = waitFor(notices_, ends, left);
+    const Ready ready = waitFor(notices_.get(), ends, left);
     if (ready == Ready::end) return Wake::end;
     if (ready == Ready::nothing || !takeNotices()) continue;
     if (waitFor(-1, ends, kSettlingTime) == Ready::end) return Wake::end;

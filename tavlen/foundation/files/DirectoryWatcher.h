@@ -5,6 +5,8 @@
 #include <span>
 #include <vector>
 
+#include "tavlen/foundation/files/FileDescriptor.h"
+
 namespace tavlen {
 
 /// Sleeps until something may have happened in one of some folders.
@@ -18,9 +20,6 @@ class DirectoryWatcher {
   enum class Wake { change, end };
 
   DirectoryWatcher();
-  DirectoryWatcher(const DirectoryWatcher&) = delete;
-  DirectoryWatcher& operator=(const DirectoryWatcher&) = delete;
-  ~DirectoryWatcher();
 
   /// From now on, these folders and no others; not what lies deeper in them. What is no folder is
   /// left out.
@@ -34,7 +33,7 @@ class DirectoryWatcher {
  private:
   bool takeNotices() const;
 
-  int notices_ = -1;  ///< none where the system has none
+  FileDescriptor notices_;  ///< none where the system has none
   std::set<int> watches_;
   bool isComplete_ = false;  ///< whether each folder is watched
 };

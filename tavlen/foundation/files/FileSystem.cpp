@@ -5,19 +5,15 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdint>
-#include <system_error>
 #include <utility>
 
+#include "tavlen/foundation/base/SystemError.h"
 #include "tavlen/foundation/files/RandomAccessFile.h"
 #include "tavlen/foundation/text/Unicode.h"
 
 namespace tavlen {
 
 namespace {
-
-[[noreturn]] void fail(int code, const std::filesystem::path& path) {
-  throw std::system_error(code, std::generic_category(), path.string());
-}
 
 /// No document comes near it, and a sparse file of any size is made in no time.
 constexpr std::size_t kLargestFile = std::size_t{1} << 31;
@@ -42,7 +38,7 @@ std::string readFile(const std::filesystem::path& path) { return readFileNamed(p
 
 std::string readFileNamed(const std::string& path) {
   std::optional<std::string> bytes = contentsUpTo(RandomAccessFile(path), kLargestFile);
-  if (!bytes) fail(EFBIG, path);
+  if (!bytes) throwSystemError(EFBIG, path);
   return std::move(*bytes);
 }
 
@@ -56,8 +52,14 @@ std::string readText(const std::filesystem::path& path) {
   bytes.erase(0, mark.length);
   std::string text;
   if (!convertToUTF8(bytes, mark.encoding, text))
-    fail(EILSEQ, path.string() + ": the text is malformed in its encoding");
+    throwSystemError(EILSEQ, path.string() + ": the text is malformed in its encoding");
   return text;
+}
+
+bool isTaken(const std::filesystem::path& path) {
+  std::error_code error;
+  return std::filesystem::symlink_status(path, error).type() !=
+         std::filesystem::file_type::not_found;
 }
 
 int executableError(const std::filesystem::path& path) {

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-/// Reading files that others made.
+/// Reading files that others made, and asking what stands at a path.
 ///
 /// Errors are std::system_error with the path in the text. Threads: all functions may be called
 /// from any thread.
@@ -27,6 +27,9 @@ std::optional<std::string> readFileUpTo(const std::filesystem::path& path, std::
 /// The file's text as UTF-8. A byte order mark tells UTF-32 or UTF-16 and is dropped; without one
 /// the text is UTF-8. Malformed text is EILSEQ: there is no fallback to another encoding.
 std::string readText(const std::filesystem::path& path);
+
+/// Whether anything stands at `path`, a link to nothing too, or it cannot be told.
+bool isTaken(const std::filesystem::path& path);
 
 /// Whether a program can be started there: a regular file that may be run. Gives 0, or why not, as
 /// errno tells it.

@@ -18,13 +18,17 @@ void copyItem(const std::filesystem::path& source, const std::filesystem::path& 
               const std::function<bool(const std::filesystem::path& name)>& isLeftOut = {});
 
 /// Moves a file, link or folder so that nobody finds a part of it at the destination: by its name
-/// alone where both lie on one volume; otherwise it is copied beside the destination first, brought
-/// to the disk, renamed, and then removed. A source that cannot be removed is an error that leaves
-/// the copy.
+/// alone where both lie on one volume; otherwise it is copied next to the destination first,
+/// brought to the disk, renamed, and then removed. A source that cannot be removed is an error that
+/// leaves the copy.
 void moveItem(const std::filesystem::path& source, const std::filesystem::path& destination);
 
 /// Removes a file, a link itself, or a folder with all in it, also one that is closed to its owner.
 /// Links that somebody puts into it meanwhile are not followed. Nothing there is no error.
 void removeItem(const std::filesystem::path& item);
+
+/// The same where a failure is of no consequence: for what is removed on the way out of an error,
+/// and for what is swept later.
+void removeQuietly(const std::filesystem::path& item) noexcept;
 
 }  // namespace tavlen

@@ -5,6 +5,8 @@
 #include <span>
 #include <string>
 
+#include "tavlen/foundation/files/FileDescriptor.h"
+
 namespace tavlen {
 
 /// A regular file that is open for reading, anywhere in it.
@@ -18,9 +20,6 @@ class RandomAccessFile {
   explicit RandomAccessFile(const std::filesystem::path& path) : RandomAccessFile(path.string()) {}
   /// The same for a path's text.
   explicit RandomAccessFile(std::string path);
-  RandomAccessFile(const RandomAccessFile&) = delete;
-  RandomAccessFile& operator=(const RandomAccessFile&) = delete;
-  ~RandomAccessFile();
 
   /// In bytes, when it was opened.
   std::uint64_t size() const { return size_; }
@@ -30,10 +29,8 @@ class RandomAccessFile {
   std::size_t readInto(std::uint64_t offset, std::span<char> bytes) const;
 
  private:
-  [[noreturn]] void fail(int code) const;
-
   std::string path_;
-  int descriptor_;
+  FileDescriptor file_;
   std::uint64_t size_ = 0;
 };
 

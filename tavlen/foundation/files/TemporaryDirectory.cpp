@@ -4,13 +4,12 @@
 #include <cerrno>
 #include <chrono>
 #include <cstdlib>
-#include <exception>
 #include <string>
-#include <string_view>
 #include <system_error>
 #include <thread>
 #include <utility>
 
+#include "tavlen/foundation/base/SystemError.h"
 #include "tavlen/foundation/files/FileTree.h"
 
 namespace tavlen {
@@ -21,14 +20,6 @@ namespace {
 constexpr std::chrono::hours kLeftOverAge(24);
 /// The common folder may hold what the system, or another program, put there.
 constexpr std::string_view kOwnPrefix = "tavlen-";
-
-void removeQuietly(const std::filesystem::path& item) noexcept {
-  try {
-    removeItem(item);
-  } catch (const std::exception&) {
-    // Temporary items are swept again later.
-  }
-}
 
 void sweepLeftOvers(const std::filesystem::path& items) {
   std::error_code error;
@@ -60,19 +51,16 @@ TemporaryDirectory::TemporaryDirectory(const std::filesystem::path& folder) {
     std::filesystem::create_directories(items, error);
     // It would lead this object, and whoever sweeps, into a folder of somebody else's.
     std::error_code unknown;
-    if (std::filesystem::is_symlink(items, unknown)) {
-      throw std::system_error(ELOOP, std::generic_category(), items.string());
-    }
+    if (std::filesystem::is_symlink(items, unknown)) throwSystemError(ELOOP, items);
     if (error == std::errc::file_exists && attempt < kAttempts &&
         std::filesystem::is_directory(folder, unknown)) {
       continue;
     }
     if (error) throw std::system_error(error, items.string());
-    std::string pattern = (items / (std::string(kOwnPrefix) + "XXXXXX")).string();
-    if (::mkdtemp(pattern.data()) != nullptr) {
-      path_ = pattern;
-    } else if (errno != ENOENT || attempt == kAttempts) {
-      throw std::system_error(errno, std::generic_category(), pattern);
+    try {
+      path_ = makeUniqueFolder(items, kOwnPrefix);
+    } catch (const std::system_error& failure) {
+      if (failure.code() != std::errc::no_such_file_or_directory || attempt == kAttempts) throw;
     }
   }
 }
@@ -86,5 +74,12 @@ TemporaryDirectory::~TemporaryDirectory() {
 }
 
 std::filesystem::path TemporaryDirectory::release() { return std::exchange(path_, {}); }
+
+std::filesystem::path makeUniqueFolder(const std::filesystem::path& parent,
+                                       std::string_view prefix) {
+  std::string pattern = (parent / (std::string(prefix) + "XXXXXX")).string();
+  if (::mkdtemp(pattern.data()) == nullptr) throwSystemError(pattern);
+  return pattern;
+}
 
 }  // namespace tavlen

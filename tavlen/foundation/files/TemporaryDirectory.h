@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <string_view>
 
 namespace tavlen {
 
@@ -27,5 +28,10 @@ class TemporaryDirectory {
  private:
   std::filesystem::path path_;
 };
+
+/// Makes a fresh folder in `parent`, private to its user, whose name begins with `prefix` and goes
+/// on at random. Throws std::system_error.
+std::filesystem::path makeUniqueFolder(const std::filesystem::path& parent,
+                                       std::string_view prefix);
 
 }  // namespace tavlen

@@ -1,28 +1,18 @@
 #include "tavlen/foundation/files/TreeRemoval.h"
 
-#include <dirent.h>
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <cerrno>
-#include <memory>
+#include <optional>
 #include <string>
-#include <string_view>
 #include <system_error>
 #include <utility>
 #include <vector>
 
-#include "tavlen/foundation/files/RetryOnInterrupt.h"
+#include "tavlen/foundation/base/SystemError.h"
+#include "tavlen/foundation/files/FolderReader.h"
 
 namespace tavlen {
 
 namespace {
-
-FileDescriptor openFolder(int parent, const char* name) {
-  return FileDescriptor(retryOnInterrupt(
-      [&] { return ::openat(parent, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC); }));
-}
 
 class RemovalOfContents {
  public:
@@ -57,7 +47,7 @@ class RemovalOfContents {
 
   void enter(FileDescriptor folder, std::string name) {
     struct stat status {};
-    if (folder.get() < 0 || ::fstat(folder.get(), &status) != 0) return note(errno);
+    if (!folder || ::fstat(folder.get(), &status) != 0) return note(errno);
     // Where it fails the deletion tells.
     if ((status.st_mode & S_IRWXU) != S_IRWXU) {
       (void)::fchmod(folder.get(), (status.st_mode & 07777) | S_IRWXU);
@@ -73,9 +63,9 @@ class RemovalOfContents {
     const Level left = std::move(levels_.back());
     levels_.pop_back();
     if (levels_.empty()) return true;
-    FileDescriptor parent = openFolder(current_.get(), "..");
+    FileDescriptor parent = FileDescriptor::tryOpenAt(current_.get(), "..", kOpenFolder);
     struct stat status {};
-    if (parent.get() < 0 || ::fstat(parent.get(), &status) != 0) {
+    if (!parent || ::fstat(parent.get(), &status) != 0) {
       note(errno);
       return false;
     }
@@ -93,23 +83,12 @@ class RemovalOfContents {
 
   std::vector<std::string> names() {
     std::vector<std::string> names;
-    FileDescriptor copy = openFolder(current_.get(), ".");
-    const std::unique_ptr<DIR, int (*)(DIR*)> stream(
-        copy.get() < 0 ? nullptr : ::fdopendir(copy.get()), ::closedir);
-    if (stream == nullptr) {
-      note(errno);
-      return names;
+    try {
+      FolderReader reader(FileDescriptor::openAt(current_.get(), ".", kOpenFolder, {}), {});
+      while (std::optional<std::string> name = reader.next()) names.push_back(std::move(*name));
+    } catch (const std::system_error& error) {
+      note(error.code().value());
     }
-    (void)copy.release();
-    for (;;) {
-      errno = 0;
-      // The stream is this function's own.
-      const dirent* const entry = ::readdir(stream.get());  // NOLINT(concurrency-mt-unsafe)
-      if (entry == nullptr) break;
-      const std::string_view name = static_cast<const char*>(entry->d_name);
-      if (name != "." && name != "..") names.emplace_back(name);
-    }
-    if (errno != 0) note(errno);
     return names;
   }
 
@@ -141,8 +120,8 @@ class RemovalOfContents {
 
 FileDescriptor openForRemoval(int parent, const std::filesystem::path& name) {
   struct stat status {};
-  FileDescriptor folder = openFolder(parent, name.c_str());
-  if (folder.get() < 0 && errno == EACCES) {
+  FileDescriptor folder = FileDescriptor::tryOpenAt(parent, name.c_str(), kOpenFolder);
+  if (!folder && errno == EACCES) {
     // Closed to its owner, it can only be named.
     if (::fstatat(parent, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) return folder;
     const mode_t mode = (status.st_mode & 07777) | S_IRWXU;
@@ -151,16 +130,14 @@ FileDescriptor openForRemoval(int parent, const std::filesystem::path& name) {
       errno = EACCES;
       return folder;
     }
-    folder = openFolder(parent, name.c_str());
+    folder = FileDescriptor::tryOpenAt(parent, name.c_str(), kOpenFolder);
   }
   return folder;
 }
 
 void removeContents(const FileDescriptor& folder, const std::filesystem::path& path) {
   const RemovalOfContents removal(folder);
-  if (removal.error() != 0) {
-    throw std::system_error(removal.error(), std::generic_category(), path.string());
-  }
+  if (removal.error() != 0) throwSystemError(removal.error(), path);
 }
 
 }  // namespace tavlen

@@ -1,18 +1,13 @@
 #include "tavlen/foundation/zip/ZIPArchive.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <cerrno>
-#include <numeric>
 #include <system_error>
-#include <utility>
+#include <vector>
 
-#include "tavlen/foundation/files/FileDescriptor.h"
-#include "tavlen/foundation/files/FileReplacement.h"
+#include "tavlen/foundation/base/SystemError.h"
 #include "tavlen/foundation/files/FileTree.h"
 #include "tavlen/foundation/files/RandomAccessFile.h"
+#include "tavlen/foundation/files/TemporaryFile.h"
 #include "tavlen/foundation/zip/detail/ByteProgress.h"
 #include "tavlen/foundation/zip/detail/ZIPDirectory.h"
 #include "tavlen/foundation/zip/detail/ZIPExtraction.h"
@@ -26,61 +21,27 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// An archive under a temporary name beside its place.
-class NewArchive {
- public:
-  explicit NewArchive(const fs::path& archive) : archive_(archive) {
-    struct stat status {};
-    if (::lstat(archive.c_str(), &status) == 0) fail(EEXIST);
-    do {
-      temporary_ = archive.parent_path() / makeTemporaryName();
-      file_ =
-          FileDescriptor(::open(temporary_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
-    } while (file_.get() < 0 && errno == EEXIST);
-    if (file_.get() >= 0) return;
-    temporary_.clear();
-    fail(errno);
-  }
-  NewArchive(const NewArchive&) = delete;
-  NewArchive& operator=(const NewArchive&) = delete;
-  ~NewArchive() {
-    if (!temporary_.empty()) ::unlink(temporary_.c_str());
-  }
-
-  int descriptor() const { return file_.get(); }
-  const fs::path& temporary() const { return temporary_; }
-
-  void commit() {
-    if (::fsync(file_.get()) != 0) fail(errno);
-    if (::close(file_.release()) != 0 && errno != EINTR) fail(errno);
-    moveItem(temporary_, archive_);
-    temporary_.clear();
-  }
-
- private:
-  [[noreturn]] void fail(int code) const {
-    throw std::system_error(code, std::generic_category(), archive_.string());
-  }
-
-  const fs::path& archive_;
-  fs::path temporary_;
-  FileDescriptor file_;
-};
+std::uint64_t totalSize(const std::vector<ZIPItem>& items) {
+  std::uint64_t sum = 0;
+  for (const ZIPItem& item : items) sum += item.size;
+  return sum;
+}
 
 }  // namespace
 
 void ZIPArchive::zipItem(const fs::path& item, const fs::path& archive, Progress* progress,
                          const Limits& limits) {
   const std::vector<ZIPItem> items = readZIPTree(item, limits);
-  ByteProgress bytes(progress, std::accumulate(items.begin(), items.end(), std::uint64_t{0},
-                                               [](std::uint64_t sum, const ZIPItem& each) {
-                                                 return sum + each.size;
-                                               }));
-  NewArchive output(archive);
+  ByteProgress bytes(progress, totalSize(items));
+  std::error_code ignored;
+  if (fs::exists(fs::symlink_status(archive, ignored))) throwSystemError(EEXIST, archive);
+  TemporaryFile output(AT_FDCWD, archive.parent_path(), 0666, archive);
   writeZIP(output.descriptor(), archive, items, bytes);
   // As a reader will judge it: only now is it known how small the data has become.
-  readZIPDirectory(RandomAccessFile(output.temporary()), limits);
-  output.commit();
+  readZIPDirectory(RandomAccessFile(output.path()), limits);
+  output.finish();
+  moveItem(output.path(), archive);
+  output.leave();
   bytes.finish();
 }
 

@@ -2,9 +2,9 @@
 
 #include <bit>
 #include <cerrno>
-#include <system_error>
 
 #include "tavlen/foundation/base/LittleEndian.h"
+#include "tavlen/foundation/base/SystemError.h"
 #include "tavlen/foundation/text/Unicode.h"
 
 namespace tavlen {
@@ -28,7 +28,7 @@ std::string TessaloopDatagram::written() const {
   if (!isFinal()) return bytes;
   const std::string text = path.value_or("");
   if (text.size() >= kMostPathBytes) {
-    throw std::system_error(ENAMETOOLONG, std::generic_category(), text);
+    throwSystemError(ENAMETOOLONG, text);
   }
   return bytes.append(text).append(1, '\0');
 }

@@ -108,7 +108,15 @@ TEST_F(FileSystemTest, replacesFilesWholeOrNotAtAll) {
   const std::filesystem::path file = write("old");
   std::filesystem::permissions(
       file, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+  const std::filesystem::path leftOver = folder_ / ".tavlen-1-2";
+  std::ofstream(leftOver) << "of a crash";
+  const std::filesystem::path young = folder_ / ".tavlen-3-4";
+  std::ofstream(young) << "of another at work";
+  std::filesystem::last_write_time(
+      leftOver, std::filesystem::file_time_type::clock::now() - std::chrono::hours(1));
   { const FileReplacement dropped(file, "never committed"); }
+  EXPECT_FALSE(std::filesystem::exists(leftOver));
+  EXPECT_TRUE(std::filesystem::exists(young));
   EXPECT_EQ(readFile(file), "old");
   replaceFile(file, "new");
   EXPECT_EQ(readFile(file), "new");
@@ -126,16 +134,6 @@ TEST_F(FileSystemTest, replacesFilesWholeOrNotAtAll) {
   EXPECT_EQ(errorOf(folder_ / "loop", replace), ELOOP);
   EXPECT_EQ(errorOf(folder_ / "other", replace), EISDIR);
   EXPECT_EQ(errorOf(folder_ / "missing" / "f", replace), ENOENT);
-
-  const std::filesystem::path leftOver = folder_ / ".tavlen-1-2";
-  std::ofstream(leftOver) << "of a crash";
-  const std::filesystem::path young = folder_ / ".tavlen-3-4";
-  std::ofstream(young) << "of somebody at work";
-  std::filesystem::last_write_time(
-      leftOver, std::filesystem::file_time_type::clock::now() - std::chrono::hours(1));
-  replaceFile(file, "newer");
-  EXPECT_FALSE(std::filesystem::exists(leftOver));
-  EXPECT_TRUE(std::filesystem::exists(young));
 }
 
 TEST(PlainComponent, keepsAPathInItsFolder) {

@@ -34,10 +34,11 @@ class ZIPExtraction {
 
  private:
   /// Opens the folder `path`, which may be empty for the top, and makes what is missing of it.
-  int openFolder(std::string_view path, const std::string& entry);
+  const FileDescriptor& openFolder(std::string_view path, const std::string& entry);
   FileDescriptor stepInto(int parent, std::string_view path, const std::string& component,
                           const std::string& entry);
-  [[noreturn]] void fail(int code, std::string_view name) const;
+  /// How errors name what `name` is in the archive.
+  std::string shownPath(std::string_view name) const;
 
   std::filesystem::path folder_;
   bool isKept_ = false;

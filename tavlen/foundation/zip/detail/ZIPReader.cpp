@@ -21,40 +21,41 @@ class ArchiveSource {
 
   zip_int64_t handle(zip_source_cmd_t command, void* data, zip_uint64_t length) {
     switch (command) {
+      case ZIP_SOURCE_SUPPORTS:
+        return ZIP_SOURCE_SUPPORTS_SEEKABLE;
+      case ZIP_SOURCE_STAT:
+        return answerZIPStat(data, file_.size());
       case ZIP_SOURCE_OPEN:
         position_ = 0;
         return 0;
-      case ZIP_SOURCE_READ: {
-        const std::size_t count = file_.readInto(position_, {static_cast<char*>(data), length});
-        position_ += count;
-        return static_cast<zip_int64_t>(count);
-      }
-      case ZIP_SOURCE_CLOSE:
-        return 0;
-      case ZIP_SOURCE_STAT: {
-        auto& status = *static_cast<zip_stat_t*>(data);
-        zip_stat_init(&status);
-        status.size = file_.size();
-        status.valid = ZIP_STAT_SIZE;
-        return sizeof status;
-      }
-      case ZIP_SOURCE_SEEK: {
-        const zip_int64_t position =
-            zip_source_seek_compute_offset(position_, file_.size(), data, length, nullptr);
-        if (position < 0) return -1;
-        position_ = static_cast<std::uint64_t>(position);
-        return 0;
-      }
+      case ZIP_SOURCE_READ:
+        return read({static_cast<char*>(data), length});
+      case ZIP_SOURCE_SEEK:
+        return seek(data, length);
       case ZIP_SOURCE_TELL:
         return static_cast<zip_int64_t>(position_);
-      case ZIP_SOURCE_SUPPORTS:
-        return ZIP_SOURCE_SUPPORTS_SEEKABLE;
+      case ZIP_SOURCE_CLOSE:
+        return 0;
       default:
         return -1;
     }
   }
 
  private:
+  zip_int64_t read(std::span<char> bytes) {
+    const std::size_t count = file_.readInto(position_, bytes);
+    position_ += count;
+    return static_cast<zip_int64_t>(count);
+  }
+
+  zip_int64_t seek(void* where, zip_uint64_t length) {
+    const zip_int64_t position =
+        zip_source_seek_compute_offset(position_, file_.size(), where, length, nullptr);
+    if (position < 0) return -1;
+    position_ = static_cast<std::uint64_t>(position);
+    return 0;
+  }
+
   const RandomAccessFile& file_;
   ZIPFailure& failure_;
   std::uint64_t position_ = 0;

@@ -4,10 +4,13 @@
 
 #include <array>
 #include <cerrno>
+#include <cstdint>
 #include <cstring>
+#include <ctime>
 #include <exception>
 #include <memory>
 #include <new>
+#include <optional>
 #include <utility>
 
 namespace tavlen {
@@ -26,6 +29,20 @@ class ZIPFailure {
  private:
   std::exception_ptr failure_;
 };
+
+/// Answers ZIP_SOURCE_STAT with the size, and with the time of the last change where it is known.
+inline zip_int64_t answerZIPStat(void* data, std::uint64_t size,
+                                 std::optional<std::time_t> modified = std::nullopt) {
+  auto& status = *static_cast<zip_stat_t*>(data);
+  zip_stat_init(&status);
+  status.valid = ZIP_STAT_SIZE;
+  status.size = size;
+  if (modified) {
+    status.valid |= ZIP_STAT_MTIME;
+    status.mtime = *modified;
+  }
+  return sizeof status;
+}
 
 /// Answers libzip's commands to a source by `source.handle(command, data, length)`, which may
 /// throw into `source.failure()`.

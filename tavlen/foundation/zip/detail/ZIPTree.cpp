@@ -3,10 +3,10 @@
 #include <sys/stat.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <system_error>
 
-#include "tavlen/foundation/files/FileReplacement.h"
+#include "tavlen/foundation/base/SystemError.h"
+#include "tavlen/foundation/files/TemporaryFile.h"
 #include "tavlen/foundation/text/Unicode.h"
 #include "tavlen/foundation/zip/ZIPError.h"
 #include "tavlen/foundation/zip/detail/ZIPBudget.h"
@@ -26,7 +26,7 @@ class TreeReader {
   /// The depth is that of the longest name that judgeZIPName() lets pass.
   void add(const fs::path& path, std::string name) {
     struct stat status {};
-    if (::lstat(path.c_str(), &status) != 0) fail(errno, path);
+    if (::lstat(path.c_str(), &status) != 0) throwSystemError(path);
     judgeKind(status.st_mode, name);
     const bool isFolder = S_ISDIR(status.st_mode);
     if (isFolder) name += '/';
@@ -42,10 +42,6 @@ class TreeReader {
   std::vector<ZIPItem> takeItems() { return std::move(items_); }
 
  private:
-  [[noreturn]] static void fail(int code, const fs::path& path) {
-    throw std::system_error(code, std::generic_category(), path.string());
-  }
-
   static void judgeKind(mode_t mode, const std::string& name) {
     if (S_ISREG(mode) || S_ISDIR(mode)) return;
     throw ZIPError(S_ISLNK(mode) ? ZIPError::Case::symbolicLink : ZIPError::Case::specialFile,

@@ -1,24 +1,18 @@
 #include "tavlen/foundation/zip/detail/ZIPWriter.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
+#include <cerrno>
 #include <memory>
+#include <span>
 #include <string>
-#include <system_error>
+#include <string_view>
 
-#include "tavlen/foundation/files/FileDescriptor.h"
+#include "tavlen/foundation/base/SystemError.h"
 #include "tavlen/foundation/zip/detail/ZIPSource.h"
 
 namespace tavlen {
 
 namespace {
-
-[[noreturn]] void fail(int code, const std::filesystem::path& path) {
-  throw std::system_error(code, std::generic_category(), path.string());
-}
 
 /// A file that becomes an entry. It is opened when libzip comes to it, so that there is no limit to
 /// the number of entries.
@@ -31,49 +25,36 @@ class ItemSource {
 
   zip_int64_t handle(zip_source_cmd_t command, void* data, zip_uint64_t length) {
     switch (command) {
+      case ZIP_SOURCE_SUPPORTS:
+        return ZIP_SOURCE_SUPPORTS_READABLE;
+      case ZIP_SOURCE_STAT:
+        return answerZIPStat(data, item_.size, item_.modified);
       case ZIP_SOURCE_OPEN:
-        open();
-        return 0;
+        return open();
       case ZIP_SOURCE_READ:
-        return read(data, length);
+        return read({static_cast<char*>(data), std::min(length, rest_)});
       case ZIP_SOURCE_CLOSE:
         file_ = FileDescriptor();
         return 0;
-      case ZIP_SOURCE_STAT: {
-        auto& status = *static_cast<zip_stat_t*>(data);
-        zip_stat_init(&status);
-        status.size = item_.size;
-        status.mtime = item_.modified;
-        status.valid = ZIP_STAT_SIZE | ZIP_STAT_MTIME;
-        return sizeof status;
-      }
-      case ZIP_SOURCE_SUPPORTS:
-        return ZIP_SOURCE_SUPPORTS_READABLE;
       default:
         return -1;
     }
   }
 
  private:
-  void open() {
-    file_ = FileDescriptor(
-        ::open(item_.path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
-    struct stat status {};
-    if (file_.get() < 0 || ::fstat(file_.get(), &status) != 0) fail(errno, item_.path);
-    if (!S_ISREG(status.st_mode)) fail(EINVAL, item_.path);
+  zip_int64_t open() {
+    file_ = FileDescriptor::open(item_.path, kOpenToRead | O_NOFOLLOW);
+    if (!S_ISREG(file_.status(item_.path).st_mode)) throwSystemError(EINVAL, item_.path);
     rest_ = item_.size;
     progress_.add(0);
+    return 0;
   }
 
-  zip_int64_t read(void* data, zip_uint64_t length) {
-    ssize_t count = 0;
-    do {
-      count = ::read(file_.get(), data, std::min(length, rest_));
-    } while (count < 0 && errno == EINTR);
-    if (count < 0) fail(errno, item_.path);
-    rest_ -= static_cast<std::uint64_t>(count);
-    if (count > 0) progress_.add(static_cast<std::uint64_t>(count));
-    return count;
+  zip_int64_t read(std::span<char> bytes) {
+    const std::size_t count = file_.read(bytes, item_.path);
+    rest_ -= count;
+    if (count > 0) progress_.add(count);
+    return static_cast<zip_int64_t>(count);
   }
 
   const ZIPItem& item_;
@@ -86,8 +67,8 @@ class ItemSource {
 /// The archive as it grows. What libzip writes in small pieces goes out in large ones.
 class OutputSource {
  public:
-  OutputSource(int descriptor, const std::filesystem::path& path, ZIPFailure& failure)
-      : descriptor_(descriptor), path_(path), failure_(failure) {
+  OutputSource(const FileDescriptor& output, const std::filesystem::path& path, ZIPFailure& failure)
+      : output_(output), path_(path), failure_(failure) {
     buffer_.reserve(kBufferSize);
   }
 
@@ -95,30 +76,19 @@ class OutputSource {
 
   zip_int64_t handle(zip_source_cmd_t command, void* data, zip_uint64_t length) {
     switch (command) {
-      case ZIP_SOURCE_STAT: {
-        auto& status = *static_cast<zip_stat_t*>(data);
-        zip_stat_init(&status);
-        status.size = 0;
-        status.valid = ZIP_STAT_SIZE;
-        return sizeof status;
-      }
+      case ZIP_SOURCE_SUPPORTS:
+        return ZIP_SOURCE_SUPPORTS_WRITABLE;
+      case ZIP_SOURCE_STAT:
+        return answerZIPStat(data, 0);
       case ZIP_SOURCE_WRITE:
-        return write(static_cast<const char*>(data), length);
-      case ZIP_SOURCE_SEEK_WRITE: {
-        const zip_int64_t target =
-            zip_source_seek_compute_offset(position(), size_, data, length, nullptr);
-        if (target < 0) return -1;
-        flush();
-        start_ = static_cast<std::uint64_t>(target);
-        return 0;
-      }
+        return write({static_cast<const char*>(data), length});
+      case ZIP_SOURCE_SEEK_WRITE:
+        return seek(data, length);
       case ZIP_SOURCE_TELL_WRITE:
         return static_cast<zip_int64_t>(position());
       case ZIP_SOURCE_COMMIT_WRITE:
         flush();
         return 0;
-      case ZIP_SOURCE_SUPPORTS:
-        return ZIP_SOURCE_SUPPORTS_WRITABLE;
       case ZIP_SOURCE_OPEN:
       case ZIP_SOURCE_CLOSE:
       case ZIP_SOURCE_READ:
@@ -136,29 +106,29 @@ class OutputSource {
 
   std::uint64_t position() const { return start_ + buffer_.size(); }
 
-  zip_int64_t write(const char* data, zip_uint64_t length) {
-    if (length > kBufferSize - std::min(kBufferSize, buffer_.size())) flush();
-    buffer_.append(data, length);
+  zip_int64_t write(std::string_view bytes) {
+    if (bytes.size() > kBufferSize - std::min(kBufferSize, buffer_.size())) flush();
+    buffer_.append(bytes);
     size_ = std::max(size_, position());
-    return static_cast<zip_int64_t>(length);
+    return static_cast<zip_int64_t>(bytes.size());
+  }
+
+  zip_int64_t seek(void* where, zip_uint64_t length) {
+    const zip_int64_t target =
+        zip_source_seek_compute_offset(position(), size_, where, length, nullptr);
+    if (target < 0) return -1;
+    flush();
+    start_ = static_cast<std::uint64_t>(target);
+    return 0;
   }
 
   void flush() {
-    std::string_view rest = buffer_;
-    while (!rest.empty()) {
-      const ssize_t count =
-          ::pwrite(descriptor_, rest.data(), rest.size(), static_cast<off_t>(start_));
-      if (count > 0) {
-        start_ += static_cast<std::uint64_t>(count);
-        rest.remove_prefix(static_cast<std::size_t>(count));
-      } else if (count == 0 || errno != EINTR) {
-        fail(count == 0 ? EIO : errno, path_);
-      }
-    }
+    output_.writeAt(start_, buffer_, path_);
+    start_ += buffer_.size();
     buffer_.clear();
   }
 
-  int descriptor_;
+  const FileDescriptor& output_;
   const std::filesystem::path& path_;
   ZIPFailure& failure_;
   std::string buffer_;
@@ -168,9 +138,8 @@ class OutputSource {
 
 class Writer {
  public:
-  Writer(int descriptor, const std::filesystem::path& path) : path_(path) {
-    zip_source_t* source =
-        makeZIPSource(std::make_unique<OutputSource>(descriptor, path, failure_));
+  Writer(const FileDescriptor& output, const std::filesystem::path& path) : path_(path) {
+    zip_source_t* source = makeZIPSource(std::make_unique<OutputSource>(output, path, failure_));
     zip_ = zip_open_from_source(source, ZIP_CREATE | ZIP_TRUNCATE, nullptr);
     if (zip_ == nullptr) {
       zip_source_free(source);
@@ -220,8 +189,7 @@ class Writer {
     if (isDone) return;
     failure_.rethrow();
     if (zip_error_code_zip(zip_get_error(zip_)) == ZIP_ER_MEMORY) throw std::bad_alloc();
-    throw std::system_error(EIO, std::generic_category(),
-                            path_.string() + ": " + zip_strerror(zip_));
+    throwSystemError(EIO, path_.string() + ": " + zip_strerror(zip_));
   }
 
   const std::filesystem::path& path_;
@@ -231,9 +199,9 @@ class Writer {
 
 }  // namespace
 
-void writeZIP(int descriptor, const std::filesystem::path& path, const std::vector<ZIPItem>& items,
-              ByteProgress& progress) {
-  Writer writer(descriptor, path);
+void writeZIP(const FileDescriptor& output, const std::filesystem::path& path,
+              const std::vector<ZIPItem>& items, ByteProgress& progress) {
+  Writer writer(output, path);
   for (const ZIPItem& item : items) writer.add(item, progress);
   writer.finish();
 }

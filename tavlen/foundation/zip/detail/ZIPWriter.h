@@ -3,15 +3,16 @@
 #include <filesystem>
 #include <vector>
 
+#include "tavlen/foundation/files/FileDescriptor.h"
 #include "tavlen/foundation/zip/detail/ByteProgress.h"
 #include "tavlen/foundation/zip/detail/ZIPTree.h"
 
 namespace tavlen {
 
-/// Writes an archive of `items` to the empty file that is open, for reading too, as `descriptor`;
-/// errors name it `path`. Files are deflated at the fastest level, and taken as long as `items`
+/// Writes an archive of `items` to `output`, an empty file that is open for writing; errors name it
+/// `path`. Files are deflated at the fastest level, and taken as long as `items`
 /// says where they have grown since. Throws std::system_error.
-void writeZIP(int descriptor, const std::filesystem::path& path, const std::vector<ZIPItem>& items,
-              ByteProgress& progress);
+void writeZIP(const FileDescriptor& output, const std::filesystem::path& path,
+              const std::vector<ZIPItem>& items, ByteProgress& progress);
 
 }  // namespace tavlen

@@ -1,23 +1,18 @@
 #include "tavlen/introspection/remote/detail/DumpFolder.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <cstdint>
 #include <cstdlib>
 #include <optional>
 #include <string_view>
-#include <system_error>
 #include <vector>
 
 #include "tavlen/device/DevicePaths.h"
 #include "tavlen/device/DeviceRoot.h"
+#include "tavlen/foundation/base/SystemError.h"
 #include "tavlen/foundation/errors/MainBundle.h"
 #include "tavlen/foundation/files/FileSystem.h"
-#include "tavlen/foundation/files/RetryOnInterrupt.h"
 #include "tavlen/foundation/files/TreeRemoval.h"
 
 namespace tavlen {
@@ -26,10 +21,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using Identity = DumpFolder::Identity;
-
-[[noreturn]] void fail(int code, const fs::path& path) {
-  throw std::system_error(code, std::generic_category(), path.string());
-}
 
 std::optional<Identity> identityOf(int folder, const std::string& path, int flags) {
   struct stat status {};
@@ -66,9 +57,7 @@ bool isAround(const Identity& item, fs::path named) {
 }
 
 FileDescriptor openFolder(int parent, const fs::path& name) {
-  return FileDescriptor(retryOnInterrupt([&] {
-    return ::openat(parent, name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
-  }));
+  return FileDescriptor::tryOpenAt(parent, name.c_str(), kOpenFolder);
 }
 
 /// What of the library's own, and of the app's, lies on the disk.
@@ -99,7 +88,7 @@ std::vector<fs::path> sharedFolders(const DeviceRoot& root) {
 }  // namespace
 
 DumpFolder::DumpFolder(const std::string& archive) : path_(archive) {
-  if (archive.find('\0') != std::string::npos) fail(EINVAL, path_);
+  if (archive.find('\0') != std::string::npos) throwSystemError(EINVAL, path_);
   const DeviceRoot root = DeviceRoot::shared();
   const fs::path given(archive);
   fs::path file = given.lexically_normal();
@@ -115,7 +104,7 @@ DumpFolder::DumpFolder(const std::string& archive) : path_(archive) {
     folder_ = openFolder(AT_FDCWD, fs::canonical(given.is_absolute() ? root.resolve(folder.native())
                                                                      : "." / folder));
   }
-  if (folder_.get() < 0) fail(errno, path_);
+  if (folder_.get() < 0) throwSystemError(path_);
 }
 
 /// `target` is where a link in the folder's place leads.
@@ -136,28 +125,21 @@ void DumpFolder::openIn(const fs::path& parent, const fs::path& target) {
 
 std::string DumpFolder::readArchive(std::size_t most) const {
   const fs::path shown = path_ / archive_;
-  if (!isPlainComponent(archive_)) fail(EISDIR, shown);
-  // Without O_NONBLOCK a pipe that nobody writes to would never be opened.
-  const FileDescriptor file(retryOnInterrupt([&] {
-    return ::openat(folder_.get(), archive_.c_str(),
-                    O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
-  }));
-  struct stat status {};
-  if (file.get() < 0 || ::fstat(file.get(), &status) != 0) fail(errno, shown);
-  if (!S_ISREG(status.st_mode)) fail(EINVAL, shown.string() + ": not a regular file");
+  if (!isPlainComponent(archive_)) throwSystemError(EISDIR, shown);
+  const FileDescriptor file =
+      FileDescriptor::openAt(folder_.get(), archive_.c_str(), kOpenToRead | O_NOFOLLOW, shown);
+  const struct stat status = file.status(shown);
+  if (!S_ISREG(status.st_mode)) throwSystemError(EINVAL, shown.string() + ": not a regular file");
   // The size is a hint: the file may grow while it is read.
-  if (static_cast<std::uintmax_t>(status.st_size) > most) fail(EFBIG, shown);
+  if (static_cast<std::uintmax_t>(status.st_size) > most) throwSystemError(EFBIG, shown);
   std::string bytes;
   bytes.reserve(static_cast<std::size_t>(status.st_size));
   std::vector<char> buffer(std::size_t{1} << 16);
-  for (;;) {
-    const ssize_t got =
-        retryOnInterrupt([&] { return ::read(file.get(), buffer.data(), buffer.size()); });
-    if (got < 0) fail(errno, shown);
-    if (got == 0) return bytes;
-    bytes.append(buffer.data(), static_cast<std::size_t>(got));
-    if (bytes.size() > most) fail(EFBIG, shown);
+  while (const std::size_t count = file.read(buffer, shown)) {
+    bytes.append(buffer.data(), count);
+    if (bytes.size() > most) throwSystemError(EFBIG, shown);
   }
+  return bytes;
 }
 
 void DumpFolder::remove(const fs::path& appDir) const {
@@ -192,15 +174,16 @@ void DumpFolder::check(const fs::path& appDir) const {
 /// Whether the name in the parent is still that of what was opened. False where nothing has it.
 bool DumpFolder::isStillThere() const {
   const std::optional<Identity> now = identityOf(parent_.get(), name_, AT_SYMLINK_NOFOLLOW);
-  if (!now && errno != ENOENT) fail(errno, path_);
+  if (!now && errno != ENOENT) throwSystemError(path_);
   if (now && *now != entry_) refuse();
   return now.has_value();
 }
 
 void DumpFolder::removeEntry(int flags) const {
-  if (::unlinkat(parent_.get(), name_.c_str(), flags) != 0 && errno != ENOENT) fail(errno, path_);
+  if (::unlinkat(parent_.get(), name_.c_str(), flags) != 0 && errno != ENOENT)
+    throwSystemError(path_);
 }
 
-void DumpFolder::refuse() const { fail(EPERM, path_); }
+void DumpFolder::refuse() const { throwSystemError(EPERM, path_); }
 
 }  // namespace tavlen

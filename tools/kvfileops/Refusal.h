@@ -3,7 +3,6 @@
 #include <filesystem>
 #include <stdexcept>
 #include <string>
-#include <system_error>
 
 namespace tavlen::fileops {
 
@@ -13,10 +12,5 @@ class Refusal : public std::runtime_error {
   Refusal(const std::filesystem::path& path, const std::string& reason)
       : std::runtime_error(path.string() + ": " + reason) {}
 };
-
-/// Throws the system's error `code` (an errno) for `path`.
-[[noreturn]] inline void fail(int code, const std::filesystem::path& path) {
-  throw std::system_error(code, std::generic_category(), path.string());
-}
 
 }  // namespace tavlen::fileops

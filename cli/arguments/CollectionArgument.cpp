@@ -21,10 +21,10 @@ bool isTweak(const std::string& id) {
 
 }  // namespace
 
-std::shared_ptr<TweakCollection> storedCollection(const std::string& text) {
-  auto collection = std::dynamic_pointer_cast<TweakCollection>(storedItem(text));
-  if (!collection) throw std::runtime_error(text + ": is a tweak, not a collection");
-  return collection;
+TweakCollection::Opened openedCollection(const std::string& text) {
+  OpenedItem item = openedItem(text);
+  if (auto* collection = std::get_if<TweakCollection::Opened>(&item)) return std::move(*collection);
+  throw std::runtime_error(text + ": is a tweak, not a collection");
 }
 
 std::vector<std::string> missingMembers(const TweakCollection::Manifest& manifest) {

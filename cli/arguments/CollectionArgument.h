@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "tavlen/collections/TweakCollection.h"
+#include "tavlen/collections/TweakCollectionManifest.h"
 
 namespace tavlen::cli {
 
@@ -12,8 +12,8 @@ namespace tavlen::cli {
 inline constexpr const char* kCollectionHelp =
     "The collection: its identifier, its name, or its path";
 
-/// As storedItem(), for a collection. Throws for a tweak, too.
-std::shared_ptr<TweakCollection> storedCollection(const std::string& text);
+/// As openedItem(), for a collection. Throws for a tweak, too.
+TweakCollection::Opened openedCollection(const std::string& text);
 
 /// The identifiers in the collection that name no tweak that can be opened.
 std::vector<std::string> missingMembers(const TweakCollection::Manifest& manifest);

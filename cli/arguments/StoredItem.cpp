@@ -1,7 +1,7 @@
 #include "cli/arguments/StoredItem.h"
 
-#include <exception>
 #include <filesystem>
+#include <optional>
 #include <stdexcept>
 #include <system_error>
 #include <vector>
@@ -19,23 +19,16 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::shared_ptr<TweakProtocol> itemNamed(const std::string& name) {
-  std::vector<std::shared_ptr<TweakProtocol>> found;
-  for (const std::shared_ptr<TweakProtocol>& item : TweakManager::allTweaks()) {
-    try {
-      if (item->genericManifest().genericConfiguration().name() == name) found.push_back(item);
-    } catch (const std::exception&) {
-      continue;  // gone, or broken, since it was listed
-    }
-  }
-  if (found.empty()) return nullptr;
+std::optional<OpenedItem> itemNamed(const std::string& name) {
+  std::vector<OpenedItem> found = TweakManager::openNamed(name);
+  if (found.empty()) return std::nullopt;
   if (found.size() > 1) {
     std::string identifiers;
-    for (const auto& item : found) identifiers += " " + item->id();
+    for (const OpenedItem& opened : found) identifiers += " " + opened.item()->id();
     throw std::runtime_error(
         name + ": several items have that name; name one by its identifier:" + identifiers);
   }
-  return found.front();
+  return std::move(found.front());
 }
 
 bool isStored(const std::string& id) {
@@ -45,13 +38,13 @@ bool isStored(const std::string& id) {
 }
 
 /// Opens what lies at `path`, which messages call `shown`.
-std::shared_ptr<TweakProtocol> itemAt(const std::string& path, const std::string& shown) {
+OpenedItem itemAt(const std::string& path, const std::string& shown) {
   std::error_code ignored;
   const bool isFolder = fs::is_directory(path, ignored);
   try {
     // A tweak's folder may have any name where it is named by its path.
-    if (isFolder || !fs::exists(path, ignored)) return TweakFile::at(path);
-    return TweakManager::tweakAt(path);
+    if (isFolder || !fs::exists(path, ignored)) return TweakFile::open(path);
+    return TweakManager::openAt(path);
   } catch (const DecodingError& error) {
     const std::string document =
         isFolder ? (path.ends_with('/') ? path : path + "/") + "Manifest.json" : path;
@@ -70,20 +63,22 @@ bool isItemPath(const std::string& text) {
          (TweakCollection::isValidID(text) && fs::is_regular_file(text, ignored));
 }
 
-std::shared_ptr<TweakProtocol> storedItem(const std::string& text) {
+OpenedItem openedItem(const std::string& text) {
   if (isItemPath(text)) return itemAt(text, text);
   if (isStored(text)) return itemAt((TweaksDirectory::url() / text).string(), text);
-  if (std::shared_ptr<TweakProtocol> item = itemNamed(text)) return item;
+  if (std::optional<OpenedItem> item = itemNamed(text)) return std::move(*item);
   std::error_code ignored;
   if (fs::exists(text, ignored)) return itemAt(text, text);
   throw std::runtime_error(text + ": no tweak or collection of that identifier or name is stored");
 }
 
-std::shared_ptr<TweakFile> storedTweak(const std::string& text) {
-  std::shared_ptr<TweakFile> tweak = std::dynamic_pointer_cast<TweakFile>(storedItem(text));
-  if (!tweak) throw std::runtime_error(text + ": is a collection, not a tweak");
-  return tweak;
+TweakFile::Opened openedTweak(const std::string& text) {
+  OpenedItem item = openedItem(text);
+  if (auto* tweak = std::get_if<TweakFile::Opened>(&item)) return std::move(*tweak);
+  throw std::runtime_error(text + ": is a collection, not a tweak");
 }
+
+std::shared_ptr<TweakFile> storedTweak(const std::string& text) { return openedTweak(text).file; }
 
 std::string kindOf(const TweakProtocol& item) {
   return dynamic_cast<const TweakFile*>(&item) != nullptr ? "tweak" : "collection";

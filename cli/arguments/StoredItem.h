@@ -3,7 +3,7 @@
 #include <memory>
 #include <string>
 
-#include "tavlen/tweaks/TweakFile.h"
+#include "tavlen/store/OpenedItem.h"
 
 namespace tavlen::cli {
 
@@ -21,9 +21,12 @@ bool isItemPath(const std::string& text);
 /// store, or by its name, which must then be the only one, or by what else lies here. Throws
 /// std::runtime_error whose text begins with `text`, or with the path of the document at fault;
 /// std::system_error, which names its file, passes through.
-std::shared_ptr<TweakProtocol> storedItem(const std::string& text);
+OpenedItem openedItem(const std::string& text);
 
-/// As storedItem(), for a tweak. Throws for a collection, too.
+/// As openedItem(), for a tweak. Throws for a collection, too.
+TweakFile::Opened openedTweak(const std::string& text);
+
+/// As openedTweak(), for commands that do not ask for the manifest.
 std::shared_ptr<TweakFile> storedTweak(const std::string& text);
 
 /// "tweak" or "collection".

@@ -1,6 +1,7 @@
 #include "cli/arguments/TweakArgument.h"
 
-#include <stdexcept>
+#include <exception>
+#include <utility>
 
 #include "cli/arguments/StoredItem.h"
 #include "cli/terminal/Console.h"
@@ -14,14 +15,10 @@ std::string OpenedTweak::pathOf(const std::string& name) const {
 OpenedTweak openTweak(const std::string& argument) {
   OpenedTweak tweak;
   tweak.argument = argument;
-  tweak.file = storedTweak(argument);
+  TweakFile::Opened opened = openedTweak(argument);
+  tweak.file = std::move(opened.file);
+  tweak.manifest = std::move(opened.manifest);
   tweak.folder = isItemPath(argument) ? argument : tweak.file->url().string();
-  try {
-    tweak.manifest = tweak.file->manifest();
-  } catch (const LocalizedError& error) {
-    // It was there a moment ago.
-    throw std::runtime_error(tweak.pathOf("Manifest.json") + ": " + error.description());
-  }
   try {
     tweak.script = tweak.file->readScript().value_or(std::string());
   } catch (const std::exception& error) {

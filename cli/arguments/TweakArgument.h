@@ -22,7 +22,7 @@ struct OpenedTweak {
   std::string pathOf(const std::string& name) const;
 };
 
-/// Opens and reads the tweak that `argument` names, as storedTweak() finds it. Throws
+/// Opens and reads the tweak that `argument` names, as openedTweak() finds it. Throws
 /// std::runtime_error whose text begins with the file at fault.
 OpenedTweak openTweak(const std::string& argument);
 

@@ -66,10 +66,10 @@ void checkIsStored(const TweakFile& tweak, const std::string& text) {
 }
 
 void addMember(Manifest& manifest, const std::string& text) {
-  const std::shared_ptr<TweakFile> tweak = storedTweak(text);
+  const auto [tweak, opened] = openedTweak(text);
   checkIsStored(*tweak, text);
   const std::string& expected = manifest.configuration.bundleID;
-  const std::string found = tweak->genericManifest().genericConfiguration().bundleID();
+  const std::string& found = opened.configuration.bundleID;
   if (found != expected) {
     throw std::runtime_error(text + ": " + TweakError::bundleIDMismatch(expected, found).what());
   }
@@ -89,20 +89,18 @@ void removeMember(Manifest& manifest, const std::string& text) {
 
 /// All at once: one that fails leaves the collection as it was.
 int edit(const MemberOptions& options, void (*change)(Manifest&, const std::string&)) {
-  const std::shared_ptr<TweakCollection> collection = storedCollection(options.collection);
   const std::lock_guard lock(tweakPoster().recursiveLock);
-  collection->updateManifest([&](Manifest& manifest) {
-    for (const std::string& tweak : options.tweaks) change(manifest, tweak);
-  });
+  auto [collection, manifest] = openedCollection(options.collection);
+  for (const std::string& tweak : options.tweaks) change(manifest, tweak);
+  collection->setManifest(manifest);
   return 0;
 }
 
 /// A collection is no member, as the library leaves it out, too.
 Row rowOf(const std::string& id) {
   try {
-    if (const auto tweak = std::dynamic_pointer_cast<TweakFile>(TweakManager::tweakWithID(id))) {
-      return {tweak->manifest().configuration.name, id, false};
-    }
+    const OpenedItem opened = TweakManager::openWithID(id);
+    if (opened.tweak() != nullptr) return {opened.configuration().name(), id, false};
   } catch (const std::exception&) {
     // As the other case.
   }
@@ -110,7 +108,7 @@ Row rowOf(const std::string& id) {
 }
 
 int list(const ListOptions& options) {
-  const Manifest manifest = storedCollection(options.collection)->manifest();
+  const Manifest manifest = openedCollection(options.collection).manifest;
   std::vector<Row> rows;
   std::transform(manifest._tweaks.begin(), manifest._tweaks.end(), std::back_inserter(rows), rowOf);
   if (options.json) {

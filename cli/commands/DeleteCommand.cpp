@@ -22,11 +22,12 @@ bool isInStore(const TweakProtocol& item) {
 }
 
 int deleteItem(const std::string& name) {
-  const std::shared_ptr<TweakProtocol> item = storedItem(name);
+  const OpenedItem opened = openedItem(name);
+  const std::shared_ptr<TweakProtocol> item = opened.item();
   if (!isInStore(*item)) {
     throw std::runtime_error(name + ": does not lie in " + TweaksDirectory::url().string());
   }
-  const std::string bundleID = item->genericManifest().genericConfiguration().bundleID();
+  const std::string bundleID = opened.configuration().bundleID();
   item->uninstall();
   if (isActiveTweak(bundleID, item->id())) {
     printWarning(name + ": could not be uninstalled from " + bundleID);

@@ -50,10 +50,9 @@ class ExportedArchive {
 };
 
 /// The archive has the collection's document as it is, so that it names them.
-void warnOfMissingMembers(const TweakProtocol& item) {
-  const auto* collection = dynamic_cast<const TweakCollection*>(&item);
-  if (collection == nullptr) return;
-  for (const std::string& id : missingMembers(collection->manifest())) {
+void warnOfMissingMembers(const OpenedItem& item) {
+  if (item.collection() == nullptr) return;
+  for (const std::string& id : missingMembers(item.collection()->manifest)) {
     printWarning(id + ": a member that does not open is left out; the archive's import will fail");
   }
 }
@@ -83,22 +82,22 @@ void move(const fs::path& archive, const fs::path& file, bool force) {
 }
 
 int exportItem(const Options& options) {
-  const std::shared_ptr<TweakProtocol> item = storedItem(options.item);
+  const OpenedItem item = openedItem(options.item);
   fs::path file = options.output.empty() ? "." : options.output;
   const bool isFolder = !file.has_filename() || fs::is_directory(file);
   // Before the work, not after it.
   if (!isFolder && !options.force && isTaken(file)) refuse(file);
-  warnOfMissingMembers(*item);
+  warnOfMissingMembers(item);
   const ExportedArchive archive = [&] {
     const ProgressLine line("exporting " + options.item);
-    return ExportedArchive(TweakManager::export_(*item, line.progress().get()));
+    return ExportedArchive(TweakManager::exportOpened(item, line.progress().get()));
   }();
   if (isFolder)
     file = options.output.empty() ? archive.path().filename() : file / archive.path().filename();
   move(archive.path(), file, options.force);
   if (!TweakManager::canHandle(file)) {
     printWarning(file.string() + ": import knows archives by their extension, ." +
-                 std::string(item->archiveExtension()));
+                 std::string(item.item()->archiveExtension()));
   }
   printData(escapedForTerminal(file.string()) + "\n");
   return 0;

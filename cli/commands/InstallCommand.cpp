@@ -13,7 +13,7 @@
 #include "cli/work/Transpilation.h"
 #include "tavlen/bundles/IPA.h"
 #include "tavlen/collections/TweakCollectionManifest.h"
-#include "tavlen/items/InstallableItem.h"
+#include "tavlen/store/InstallableItem.h"
 
 namespace tavlen::cli {
 
@@ -25,27 +25,22 @@ struct Options {
   bool copyExecutables = false;
 };
 
-using Tweaks = std::vector<std::shared_ptr<TweakFile>>;
+using Tweaks = std::vector<TweakFile::Opened>;
 
-/// The tweaks that an installation of `item` puts on the device. Warns of members that it cannot.
-Tweaks tweaksOf(const std::shared_ptr<TweakProtocol>& item) {
-  const auto collection = std::dynamic_pointer_cast<TweakCollection>(item);
-  if (!collection) return {std::dynamic_pointer_cast<TweakFile>(item)};
-  const TweakCollection::Manifest manifest = collection->manifest();
-  Tweaks tweaks = manifest.tweaks();
-  for (const std::string& id : manifest._tweaks) {
+void warnOfMissingMembers(const OpenedItem& item, const Tweaks& tweaks) {
+  if (item.collection() == nullptr) return;
+  for (const std::string& id : item.collection()->manifest._tweaks) {
     const bool isOpen = std::any_of(tweaks.begin(), tweaks.end(),
-                                    [&](const auto& tweak) { return tweak->id() == id; });
+                                    [&](const auto& tweak) { return tweak.file->id() == id; });
     if (!isOpen) printWarning("the member " + id + " cannot be opened and is left out");
   }
-  return tweaks;
 }
 
 /// Converts each tweak again, so that an error is shown at its place in the source. Whether one did
 /// not build.
 bool showsSyntaxError(const Tweaks& tweaks, const std::filesystem::path& transpiler) {
   return std::any_of(tweaks.begin(), tweaks.end(), [&](const auto& tweak) {
-    const OpenedTweak opened = openTweak(std::filesystem::absolute(tweak->url()).string());
+    const OpenedTweak opened = openTweak(std::filesystem::absolute(tweak.file->url()).string());
     if (transpile(opened, transpiler)) return false;
     printError(opened.folder + ": does not build");
     return true;
@@ -53,15 +48,15 @@ bool showsSyntaxError(const Tweaks& tweaks, const std::filesystem::path& transpi
 }
 
 int install(const Options& options) {
-  const std::shared_ptr<TweakProtocol> item = storedItem(options.item);
-  const std::shared_ptr<IPA> ipa = item->associatedIPA();
-  const Tweaks tweaks = tweaksOf(item);
+  const OpenedItem item = openedItem(options.item);
+  const std::shared_ptr<IPA> ipa = IPA::findWithBundleID(item.configuration().bundleID());
   const std::filesystem::path transpiler = transpilerFolder(options.transpiler);
   const InstallableItem installable(item, transpiler, options.copyExecutables);
+  warnOfMissingMembers(item, installable.tweaks());
   try {
     setActiveTweak(*ipa, &installable);
   } catch (const TweakProcessor::Error&) {
-    if (!showsSyntaxError(tweaks, transpiler)) throw;
+    if (!showsSyntaxError(installable.tweaks(), transpiler)) throw;
     return 1;
   }
   return 0;

@@ -40,21 +40,14 @@ struct Row {
 };
 
 std::vector<Row> readRows() {
+  std::vector<ListedItem> items = TweakManager::listedTweaks();
+  sortByName(items);
   std::vector<Row> rows;
-  for (const std::shared_ptr<TweakProtocol>& item : TweakManager::allTweaks()) {
-    try {
-      const TweakConfiguration configuration = item->genericManifest().genericConfiguration();
-      const std::string& bundleID = configuration.bundleID();
-      rows.push_back({configuration.name(), kindOf(*item), bundleID,
-                      isActiveTweak(bundleID, item->id()), wellFormedUTF8(item->id())});
-    } catch (const std::exception&) {
-      continue;  // gone, or broken, since it was listed
-    }
+  for (const auto& [item, configuration] : items) {
+    rows.push_back({configuration.name(), kindOf(*item), configuration.bundleID(),
+                    isActiveTweak(configuration.bundleID(), item->id()),
+                    wellFormedUTF8(item->id())});
   }
-  std::sort(rows.begin(), rows.end(), [](const Row& left, const Row& right) {
-    const std::weak_ordering order = localizedCaseInsensitiveCompare(left.name, right.name);
-    return std::is_eq(order) ? left.id < right.id : std::is_lt(order);
-  });
   return rows;
 }
 

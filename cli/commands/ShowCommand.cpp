@@ -64,62 +64,56 @@ std::string scriptSummary(const TweakFile& tweak) {
   }
 }
 
-std::string contentsOf(const TweakFile& tweak) {
-  const TweakFile::Manifest manifest = tweak.manifest();
+std::string contentsOf(const TweakFile::Opened& tweak) {
+  const auto& [file, manifest] = tweak;
   std::vector<std::string> hooks;
   for (const Hook& hook : manifest.hooks()) hooks.push_back(methodText(hook.identity()));
   std::vector<std::string> overrides;
   for (const Override& override_ : manifest.overrides()) {
     overrides.push_back(localizedName(override_));
   }
-  return list("Hooks", hooks) + list("Overrides", overrides) + row("Script", scriptSummary(tweak)) +
-         row("Icon", tweak.customIcon() ? "its own" : "the app's");
+  return list("Hooks", hooks) + list("Overrides", overrides) + row("Script", scriptSummary(*file)) +
+         row("Icon", file->customIcon() ? "its own" : "the app's");
 }
 
-std::string contentsOf(const TweakCollection& collection) {
-  const TweakCollection::Manifest manifest = collection.manifest();
-  const std::vector<std::shared_ptr<TweakFile>> opened = manifest.tweaks();
+std::string contentsOf(const TweakCollection::Opened& collection) {
+  const std::vector<TweakFile::Opened> opened = collection.manifest.openedTweaks();
   std::vector<std::string> members;
-  for (const std::string& id : manifest._tweaks) {
+  for (const std::string& id : collection.manifest._tweaks) {
     const auto member = std::find_if(opened.begin(), opened.end(),
-                                     [&](const auto& tweak) { return tweak->id() == id; });
-    members.push_back(id + "  " +
-                      (member == opened.end()
-                           ? "(cannot be opened)"
-                           : (*member)->genericManifest().genericConfiguration().name()));
+                                     [&](const auto& tweak) { return tweak.file->id() == id; });
+    members.push_back(
+        id + "  " +
+        (member == opened.end() ? "(cannot be opened)" : member->manifest.configuration.name));
   }
   return list("Tweaks", members);
 }
 
-std::string table(const TweakProtocol& item, const TweakConfiguration& configuration,
-                  bool isInstalled) {
+std::string table(const OpenedItem& opened, bool isInstalled) {
+  const std::shared_ptr<TweakProtocol> item = opened.item();
+  const TweakConfiguration configuration = opened.configuration();
   const TweakGlyph& glyph = configuration.glyph();
-  std::string text = row("Name", configuration.name()) + row("Kind", kindOf(item)) +
-                     row("Identifier", item.id()) + row("App", configuration.bundleID()) +
-                     row("Color", std::string(rawValue(configuration.color()))) +
-                     row("Glyph", glyph.icon + "/" + glyph.style) +
-                     row("Installed", isInstalled ? "yes" : "no");
-  if (const auto* tweak = dynamic_cast<const TweakFile*>(&item)) return text + contentsOf(*tweak);
-  if (const auto* collection = dynamic_cast<const TweakCollection*>(&item)) {
-    return text + contentsOf(*collection);
-  }
-  return text;
+  return row("Name", configuration.name()) + row("Kind", kindOf(*item)) +
+         row("Identifier", item->id()) + row("App", configuration.bundleID()) +
+         row("Color", std::string(rawValue(configuration.color()))) +
+         row("Glyph", glyph.icon + "/" + glyph.style) +
+         row("Installed", isInstalled ? "yes" : "no") +
+         std::visit([](const auto& each) { return contentsOf(each); }, opened);
 }
 
 int show(const std::string& name, bool json) {
-  const std::shared_ptr<TweakProtocol> item = storedItem(name);
-  const TweakManifest manifest = item->genericManifest();
-  const TweakConfiguration configuration = manifest.genericConfiguration();
-  const bool isInstalled = isActiveTweak(configuration.bundleID(), item->id());
-  if (json) {
-    std::string text = encodeJSON(Item{wellFormedUTF8(item->id()), kindOf(*item),
-                                       wellFormedUTF8(item->url().native()), isInstalled});
-    // The document is encoded by itself: it may be as deep as documents may be.
-    text.back() = ',';
-    printData(text + "\"manifest\":" + encodeJSON(manifest) + "}\n");
-  } else {
-    printData(table(*item, configuration, isInstalled));
+  const OpenedItem opened = openedItem(name);
+  const std::shared_ptr<TweakProtocol> item = opened.item();
+  const bool isInstalled = isActiveTweak(opened.configuration().bundleID(), item->id());
+  if (!json) {
+    printData(table(opened, isInstalled));
+    return 0;
   }
+  std::string text = encodeJSON(Item{wellFormedUTF8(item->id()), kindOf(*item),
+                                     wellFormedUTF8(item->url().native()), isInstalled});
+  // The document is encoded by itself: it may be as deep as documents may be.
+  text.back() = ',';
+  printData(text + "\"manifest\":" + encodeJSON(opened.manifest()) + "}\n");
   return 0;
 }
 

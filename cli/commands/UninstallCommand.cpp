@@ -12,9 +12,10 @@ namespace tavlen::cli {
 namespace {
 
 int uninstallItem(const std::string& name) {
-  const std::shared_ptr<TweakProtocol> item = storedItem(name);
-  const std::shared_ptr<IPA> ipa = item->associatedIPA();
-  if (ipa->activeTweakID() != item->id()) throw std::runtime_error(name + ": is not installed");
+  const OpenedItem opened = openedItem(name);
+  const std::shared_ptr<IPA> ipa = IPA::findWithBundleID(opened.configuration().bundleID());
+  if (ipa->activeTweakID() != opened.item()->id())
+    throw std::runtime_error(name + ": is not installed");
   setActiveTweak(*ipa, nullptr);
   return 0;
 }

@@ -47,7 +47,7 @@ class Names {
  public:
   void read(const std::string& id) {
     try {
-      names_[id] = TweakManager::tweakWithID(id)->genericManifest().genericConfiguration().name();
+      names_[id] = TweakManager::tweakWithID(id)->genericConfiguration().name();
     } catch (const std::exception&) {
       return;  // gone, or broken; as it was called before
     }

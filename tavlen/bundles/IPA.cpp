@@ -88,7 +88,7 @@ Info IPA::infoForFileOperations() const {
 }
 
 void IPA::setActiveTweak(const InstallableTweak* tweak) {
-  installActiveTweak(infoForFileOperations().bundleID, tweak);
+  installActiveTweak(infoForFileOperations(), tweak);
 }
 
 void IPA::copyCrashLogs(const std::filesystem::path& directory) const {

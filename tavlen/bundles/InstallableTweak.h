@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <string>
 
+#include "tavlen/bundles/Info.h"
 #include "tavlen/device/TweakInfo.h"
 
 namespace tavlen {
@@ -15,10 +16,12 @@ class InstallableTweak {
   /// The identifier that the installed record names.
   virtual std::string id() const = 0;
 
-  /// Builds what the loader takes: fresh folders in the existing folder `directory`, to be moved
-  /// into the installed-tweaks folder of the app `tweakInfo.bundleID`. Where one of them is the
+  /// Builds what the loader takes for the app that says `target` of itself: fresh folders in the
+  /// existing folder `directory`, to be moved into the installed-tweaks folder of the app
+  /// `tweakInfo.bundleID`. Where one of them is the
   /// icon, `tweakInfo` gets the URL that it will have there, as a path of the device.
-  virtual void package(const std::filesystem::path& directory, TweakInfo& tweakInfo) const = 0;
+  virtual void package(const Info& target, const std::filesystem::path& directory,
+                       TweakInfo& tweakInfo) const = 0;
 };
 
 }  // namespace tavlen

@@ -14,7 +14,7 @@ namespace {
 
 std::optional<std::string> bundleIDOf(const TweakProtocol& tweak) {
   try {
-    return tweak.genericManifest().genericConfiguration().bundleID();
+    return tweak.genericConfiguration().bundleID();
   } catch (const std::exception&) {
     return std::nullopt;
   }

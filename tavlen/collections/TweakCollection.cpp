@@ -55,6 +55,24 @@ std::shared_ptr<TweakCollection> TweakCollection::at(std::filesystem::path url) 
   return collection;
 }
 
+TweakCollection::Opened TweakCollection::open(std::filesystem::path url) {
+  std::shared_ptr<TweakCollection> collection(new TweakCollection(std::move(url)));
+  Manifest manifest = collection->manifest();
+  return {std::move(collection), std::move(manifest)};
+}
+
+TweakCollection::Opened TweakCollection::opened(std::filesystem::path url,
+                                                std::string_view document) {
+  Manifest manifest = decodeJSON<Manifest>(document);
+  return {std::shared_ptr<TweakCollection>(new TweakCollection(std::move(url))),
+          std::move(manifest)};
+}
+
+ListedItem TweakCollection::listed(std::filesystem::path url, std::string_view document) {
+  Opened collection = opened(std::move(url), document);
+  return {std::move(collection.file), collection.manifest.genericConfiguration()};
+}
+
 std::shared_ptr<TweakCollection> TweakCollection::create(std::string name, TweakColor color,
                                                          TweakGlyph glyph, std::string bundleID) {
   std::shared_ptr<TweakCollection> collection(new TweakCollection(uniqueTweakURL()));
@@ -115,6 +133,10 @@ TweakCollection::Manifest TweakCollection::manifest() const {
 }
 
 TweakManifest TweakCollection::genericManifest() const { return TweakManifest(manifest()); }
+
+TweakConfiguration TweakCollection::genericConfiguration() const {
+  return manifest().genericConfiguration();
+}
 
 void TweakCollection::setManifest(const Manifest& manifest) {
   replaceFile(DeviceRoot::shared().follow(url()), encodeJSON(manifest));

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <utility>
 
+#include "tavlen/items/ListedItem.h"
 #include "tavlen/items/TweakColor.h"
 #include "tavlen/items/TweakGlyph.h"
 #include "tavlen/items/TweakProtocol.h"
@@ -19,6 +20,7 @@ namespace tavlen {
 class TweakCollection : public TweakProtocol, public std::enable_shared_from_this<TweakCollection> {
  public:
   struct Manifest;
+  struct Opened;
   struct Diff;
 
   /// Of exported collections.
@@ -28,6 +30,15 @@ class TweakCollection : public TweakProtocol, public std::enable_shared_from_thi
 
   /// Opens the file at `url` and reads it once, to check it. Errors as manifest()'s.
   static std::shared_ptr<TweakCollection> at(std::filesystem::path url);
+  /// at(), with the manifest that it has read. Errors as at()'s.
+  static Opened open(std::filesystem::path url);
+  /// The collection in the file `url`, whose bytes the caller has read; no file is opened. Throws
+  /// DecodingError.
+  static Opened opened(std::filesystem::path url, std::string_view document);
+  /// As opened(), with the settings alone.
+  static ListedItem listed(std::filesystem::path url, std::string_view document);
+  /// The path of the collection `id`, relative to the folder that it lies in.
+  static std::string documentOf(std::string_view id) { return std::string(id); }
   /// Makes a new collection without members in the tweaks directory. Posts nothing. Throws
   /// std::system_error.
   static std::shared_ptr<TweakCollection> create(std::string name, TweakColor color,
@@ -50,6 +61,7 @@ class TweakCollection : public TweakProtocol, public std::enable_shared_from_thi
   /// std::system_error where it cannot be read, pass through.
   Manifest manifest() const;
   TweakManifest genericManifest() const override;
+  TweakConfiguration genericConfiguration() const override;
   /// Replaces the file whole or not at all, then posts the change unless tweakPoster() is silenced.
   /// Throws EncodingError and std::system_error, and posts nothing then.
   void setManifest(const Manifest& manifest);

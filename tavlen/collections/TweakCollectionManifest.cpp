@@ -4,22 +4,36 @@
 
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/items/TweaksDirectory.h"
-#include "tavlen/tweaks/TweakFile.h"
 
 namespace tavlen {
 
-std::vector<std::shared_ptr<TweakFile>> TweakCollection::Manifest::tweaks() const {
-  std::vector<std::shared_ptr<TweakFile>> tweaks;
-  for (const std::string& id : _tweaks) {
+namespace {
+
+/// What `open` makes of the folder of each of the stored tweaks among `ids`; what it throws for is
+/// left out, as documented.
+template <class Open>
+auto openMembers(const std::vector<std::string>& ids, const Open& open) {
+  std::vector<decltype(open(TweaksDirectory::url()))> members;
+  for (const std::string& id : ids) {
     // Whatever an imported collection names, only stored tweaks are its members.
     if (!TweakFile::isValidID(id) || !isPlainComponent(id)) continue;
     try {
-      tweaks.push_back(TweakFile::at(TweaksDirectory::url() / id));
+      members.push_back(open(TweaksDirectory::url() / id));
     } catch (const std::exception&) {
-      continue;  // left out, as documented
+      continue;
     }
   }
-  return tweaks;
+  return members;
+}
+
+}  // namespace
+
+std::vector<std::shared_ptr<TweakFile>> TweakCollection::Manifest::tweaks() const {
+  return openMembers(_tweaks, TweakFile::at);
+}
+
+std::vector<TweakFile::Opened> TweakCollection::Manifest::openedTweaks() const {
+  return openMembers(_tweaks, TweakFile::open);
 }
 
 void TweakCollection::Manifest::setTweaks(std::span<const std::shared_ptr<TweakFile>> tweaks) {

@@ -10,10 +10,9 @@
 #include "tavlen/items/ItemConfiguration.h"
 #include "tavlen/items/TweakConfiguration.h"
 #include "tavlen/items/TweakManifest.h"
+#include "tavlen/tweaks/Manifest.h"
 
 namespace tavlen {
-
-class TweakFile;
 
 /// The document of a collection.
 struct TweakCollection::Manifest {
@@ -26,6 +25,8 @@ struct TweakCollection::Manifest {
   /// The members, opened in the tweaks directory; those that cannot be opened, and collections, are
   /// left out.
   std::vector<std::shared_ptr<TweakFile>> tweaks() const;
+  /// As tweaks(), with the manifests that were read.
+  std::vector<TweakFile::Opened> openedTweaks() const;
   void setTweaks(std::span<const std::shared_ptr<TweakFile>> tweaks);
 
   TweakConfiguration genericConfiguration() const { return TweakConfiguration(configuration); }
@@ -40,5 +41,11 @@ struct TweakCollection::Manifest {
 };
 
 static_assert(TweakManifestRecord<TweakCollection::Manifest>);
+
+/// A collection and its manifest as it was read when the collection was opened.
+struct TweakCollection::Opened {
+  std::shared_ptr<TweakCollection> file;  ///< never null
+  Manifest manifest;
+};
 
 }  // namespace tavlen

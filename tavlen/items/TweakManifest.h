@@ -1,6 +1,7 @@
 #pragma once
 
 #include <concepts>
+#include <functional>
 #include <memory>
 #include <utility>
 
@@ -15,36 +16,24 @@ concept TweakManifestRecord = CodedRecord<T> && requires(const T& manifest) {
   { manifest.genericConfiguration() } -> std::same_as<TweakConfiguration>;
 };
 
-/// A manifest of either kind, for users that treat both alike. Holds a copy of its own, which
-/// copies of it share.
+/// A manifest of either kind, for users that treat both alike. Copies share what they hold, which
+/// never changes.
 class TweakManifest {
  public:
   template <TweakManifestRecord Record>
   explicit TweakManifest(Record record)
-      : self_(std::make_shared<const Model<Record>>(std::move(record))) {}
+      : configuration_(record.genericConfiguration()),
+        encode_([shared = std::make_shared<const Record>(std::move(record))](Encoder& encoder) {
+          tavlen::encode(encoder, *shared);
+        }) {}
 
-  TweakConfiguration genericConfiguration() const { return self_->genericConfiguration(); }
-  void encode(Encoder& encoder) const { self_->encode(encoder); }
+  const TweakConfiguration& genericConfiguration() const { return configuration_; }
+  /// Throws EncodingError.
+  void encode(Encoder& encoder) const { encode_(encoder); }
 
  private:
-  struct Interface {
-    virtual ~Interface() = default;
-    virtual TweakConfiguration genericConfiguration() const = 0;
-    virtual void encode(Encoder& encoder) const = 0;
-  };
-
-  template <class Record>
-  struct Model final : Interface {
-    explicit Model(Record value) : record(std::move(value)) {}
-    TweakConfiguration genericConfiguration() const override {
-      return record.genericConfiguration();
-    }
-    void encode(Encoder& encoder) const override { tavlen::encode(encoder, record); }
-
-    Record record;
-  };
-
-  std::shared_ptr<const Interface> self_;
+  TweakConfiguration configuration_;
+  std::function<void(Encoder&)> encode_;
 };
 
 }  // namespace tavlen

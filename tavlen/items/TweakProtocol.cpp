@@ -43,19 +43,19 @@ TweakProtocol::TweakProtocol(std::filesystem::path url) : url_(withName(std::mov
 
 bool TweakProtocol::isShownInSearchFor(std::string_view query) const {
   try {
-    return localizedCaseInsensitiveContains(genericManifest().genericConfiguration().name(), query);
+    return localizedCaseInsensitiveContains(genericConfiguration().name(), query);
   } catch (const std::exception&) {
     return false;
   }
 }
 
 std::weak_ordering TweakProtocol::compareTo(const TweakProtocol& other) const {
-  return localizedCaseInsensitiveCompare(genericManifest().genericConfiguration().name(),
-                                         other.genericManifest().genericConfiguration().name());
+  return localizedCaseInsensitiveCompare(genericConfiguration().name(),
+                                         other.genericConfiguration().name());
 }
 
 std::shared_ptr<IPA> TweakProtocol::associatedIPA() const {
-  return IPA::findWithBundleID(genericManifest().genericConfiguration().bundleID());
+  return IPA::findWithBundleID(genericConfiguration().bundleID());
 }
 
 void TweakProtocol::uninstall() {

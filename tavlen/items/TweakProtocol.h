@@ -33,6 +33,9 @@ class TweakProtocol {
 
   /// The manifest as it is on the disk now; errors as the kind's manifest().
   virtual TweakManifest genericManifest() const = 0;
+  /// genericManifest().genericConfiguration(), at less cost: the whole document is checked, and
+  /// only this is kept. Errors as genericManifest().
+  virtual TweakConfiguration genericConfiguration() const = 0;
   /// The extension of the kind's archives, without the full stop.
   virtual std::string_view archiveExtension() const = 0;
   /// Says that this item was created, or deleted.

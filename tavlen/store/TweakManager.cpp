@@ -37,17 +37,29 @@ struct CloseFolder {
 };
 using FolderPointer = std::unique_ptr<DIR, CloseFolder>;
 
+/// The static members of a kind of items; see TweakProtocol.
 struct Kind {
   std::string_view compressedExtension;
   bool (*isValidID)(std::string_view text);
   std::shared_ptr<TweakProtocol> (*at)(fs::path url);
+  OpenedItem (*open)(fs::path url);
+  std::string (*documentOf)(std::string_view id);
+  OpenedItem (*opened)(fs::path url, std::string_view document);
+  ListedItem (*listed)(fs::path url, std::string_view document);
   std::shared_ptr<TweakProtocol> (*handlePayloadAt)(const fs::path& url);
 };
 
 template <class T>
 constexpr Kind kindOf() {
-  return {T::compressedExtension, T::isValidID,
+  return {T::compressedExtension,
+          T::isValidID,
           [](fs::path url) -> std::shared_ptr<TweakProtocol> { return T::at(std::move(url)); },
+          [](fs::path url) -> OpenedItem { return T::open(std::move(url)); },
+          T::documentOf,
+          [](fs::path url, std::string_view document) -> OpenedItem {
+            return T::opened(std::move(url), document);
+          },
+          T::listed,
           [](const fs::path& url) -> std::shared_ptr<TweakProtocol> {
             return T::handlePayloadAt(url);
           }};
@@ -120,37 +132,96 @@ void refuseSpecialFiles(const TweakProtocol& item) {
   }
 }
 
-}  // namespace
+/// The kind of the item at `url`. Throws TweakManager::Error::unknownTweakType.
+const Kind& kindAt(const fs::path& url) {
+  const Kind* const kind =
+      kindOfID((url.has_filename() ? url : url.parent_path()).filename().native());
+  if (kind == nullptr) throw TweakManager::Error::unknownTweakType();
+  return *kind;
+}
 
-std::vector<std::shared_ptr<TweakProtocol>> TweakManager::allTweaks() {
-  std::vector<std::shared_ptr<TweakProtocol>> tweaks;
+/// Where the item of that identifier would lie. Throws TweakManager::Error::unknownTweakType.
+fs::path storedURL(std::string_view id) {
+  if (!isPlainComponent(id)) throw TweakManager::Error::unknownTweakType();
+  return TweaksDirectory::url() / id;
+}
+
+/// Calls `visit` with the kind, the place and the document's bytes of every entry of the tweaks
+/// directory, in the order of its listing. What cannot be read, or what `visit` throws for, is left
+/// out, as documented.
+template <class Visit>
+void visitDocuments(const Visit& visit) {
   const fs::path folder = TweaksDirectory::url();
   const FolderPointer entries(::opendir(folder.c_str()));
-  if (entries == nullptr) return tweaks;
+  if (entries == nullptr) return;
+  const int descriptor = ::dirfd(entries.get());
   // NOLINTNEXTLINE(concurrency-mt-unsafe): only where threads share a stream
   while (const dirent* const entry = ::readdir(entries.get())) {
     const std::string_view name(&entry->d_name[0]);
     const Kind* const kind = kindOfID(name);
     if (kind == nullptr || isTemporaryName(name)) continue;
     try {
-      tweaks.push_back(kind->at(folder / name));
+      visit(*kind, folder / name, readFileNamed(kind->documentOf(name), descriptor));
     } catch (const std::exception&) {
-      continue;  // left out, as documented
+      continue;
     }
   }
+}
+
+/// Writes the archive of `tweak`, whose name is `name`, as export_() does.
+fs::path exportAs(const std::string& name, const TweakProtocol& tweak, Progress* progress) {
+  const std::string file = archiveName(name, tweak.id(), tweak.archiveExtension());
+  TemporaryDirectory output(temporaryItemsParent());
+  {
+    const TemporaryDirectory temporary(temporaryItemsParent());
+    const fs::path payload = temporary.path() / kPayloadFolder;
+    const fs::path archive = temporary.path() / "Payload.zip";
+    refuseSpecialFiles(tweak);
+    tweak.preparePayloadIn(payload);
+    ZIPArchive::zipItem(payload, archive, progress);
+    moveItem(archive, output.path() / file);
+  }
+  return output.release() / file;
+}
+
+}  // namespace
+
+std::vector<std::shared_ptr<TweakProtocol>> TweakManager::allTweaks() {
+  std::vector<std::shared_ptr<TweakProtocol>> tweaks;
+  for (ListedItem& listed : listedTweaks()) tweaks.push_back(std::move(listed.item));
   return tweaks;
 }
 
+std::vector<ListedItem> TweakManager::listedTweaks() {
+  std::vector<ListedItem> items;
+  visitDocuments([&](const Kind& kind, fs::path url, std::string_view document) {
+    items.push_back(kind.listed(std::move(url), document));
+  });
+  return items;
+}
+
+std::vector<OpenedItem> TweakManager::openNamed(std::string_view name) {
+  std::vector<OpenedItem> items;
+  visitDocuments([&](const Kind& kind, const fs::path& url, std::string_view document) {
+    if (kind.listed(url, document).configuration.name() == name) {
+      items.push_back(kind.opened(url, document));
+    }
+  });
+  return items;
+}
+
 std::shared_ptr<TweakProtocol> TweakManager::tweakWithID(std::string_view id) {
-  if (!isPlainComponent(id)) throw Error::unknownTweakType();
-  return tweakAt(TweaksDirectory::url() / id);
+  return tweakAt(storedURL(id));
 }
 
 std::shared_ptr<TweakProtocol> TweakManager::tweakAt(std::filesystem::path url) {
-  const Kind* const kind =
-      kindOfID((url.has_filename() ? url : url.parent_path()).filename().native());
-  if (kind == nullptr) throw Error::unknownTweakType();
-  return kind->at(std::move(url));
+  return kindAt(url).at(std::move(url));
+}
+
+OpenedItem TweakManager::openWithID(std::string_view id) { return openAt(storedURL(id)); }
+
+OpenedItem TweakManager::openAt(std::filesystem::path url) {
+  return kindAt(url).open(std::move(url));
 }
 
 bool TweakManager::canHandle(const std::filesystem::path& url) {
@@ -169,19 +240,11 @@ std::shared_ptr<TweakProtocol> TweakManager::decompressAt(const std::filesystem:
 }
 
 std::filesystem::path TweakManager::export_(const TweakProtocol& tweak, Progress* progress) {
-  const std::string name = archiveName(tweak.genericManifest().genericConfiguration().name(),
-                                       tweak.id(), tweak.archiveExtension());
-  TemporaryDirectory output(temporaryItemsParent());
-  {
-    const TemporaryDirectory temporary(temporaryItemsParent());
-    const fs::path payload = temporary.path() / kPayloadFolder;
-    const fs::path archive = temporary.path() / "Payload.zip";
-    refuseSpecialFiles(tweak);
-    tweak.preparePayloadIn(payload);
-    ZIPArchive::zipItem(payload, archive, progress);
-    moveItem(archive, output.path() / name);
-  }
-  return output.release() / name;
+  return exportAs(tweak.genericConfiguration().name(), tweak, progress);
+}
+
+std::filesystem::path TweakManager::exportOpened(const OpenedItem& opened, Progress* progress) {
+  return exportAs(opened.configuration().name(), *opened.item(), progress);
 }
 
 TweakManager::Error TweakManager::Error::unknownTweakType() {

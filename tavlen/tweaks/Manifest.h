@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -44,5 +45,12 @@ struct TweakFile::Manifest {
 };
 
 static_assert(TweakManifestRecord<TweakFile::Manifest>);
+
+/// A tweak and its manifest as it was read when the tweak was opened, for callers that pass on what
+/// they have read.
+struct TweakFile::Opened {
+  std::shared_ptr<TweakFile> file;  ///< never null
+  Manifest manifest;
+};
 
 }  // namespace tavlen

@@ -3,10 +3,12 @@
 #include <cerrno>
 #include <exception>
 #include <system_error>
+#include <tuple>
 #include <utility>
 
 #include "tavlen/bundles/IPA.h"
 #include "tavlen/device/DeviceRoot.h"
+#include "tavlen/foundation/coding/Discarded.h"
 #include "tavlen/foundation/files/DiskSync.h"
 #include "tavlen/foundation/files/FileReplacement.h"
 #include "tavlen/foundation/files/FileSystem.h"
@@ -34,6 +36,19 @@ constexpr const char* kExecutablesFolder = "Executables";
 
 /// As large as an app's icon may be.
 constexpr std::size_t kLargestIcon = std::size_t{64} << 20;
+
+/// What a manifest is checked as where only its settings are kept.
+struct ManifestSummary {
+  TweakFile::Manifest::Configuration configuration;
+  Discarded<decltype(TweakFile::Manifest::_overrides)> overrides;
+  Discarded<decltype(TweakFile::Manifest::_hooks)> hooks;
+
+  static constexpr auto codedFields() {
+    return std::tuple{requiredField("configuration", &ManifestSummary::configuration),
+                      requiredField("overrides", &ManifestSummary::overrides),
+                      requiredField("hooks", &ManifestSummary::hooks)};
+  }
+};
 
 /// Writes go where the device's links lead, so that none leaves a device tree.
 void store(const fs::path& file, std::string_view contents) {
@@ -69,6 +84,26 @@ std::shared_ptr<TweakFile> TweakFile::at(std::filesystem::path url) {
   std::shared_ptr<TweakFile> tweak(new TweakFile(std::move(url)));
   tweak->validate();
   return tweak;
+}
+
+TweakFile::Opened TweakFile::open(std::filesystem::path url) {
+  std::shared_ptr<TweakFile> tweak(new TweakFile(std::move(url)));
+  Manifest manifest = decodeJSON<Manifest>(tweak->documentInFolder());
+  return {std::move(tweak), std::move(manifest)};
+}
+
+TweakFile::Opened TweakFile::opened(std::filesystem::path url, std::string_view document) {
+  Manifest manifest = decodeJSON<Manifest>(document);
+  return {std::shared_ptr<TweakFile>(new TweakFile(std::move(url))), std::move(manifest)};
+}
+
+ListedItem TweakFile::listed(std::filesystem::path url, std::string_view document) {
+  TweakConfiguration configuration(decodeJSON<ManifestSummary>(document).configuration);
+  return {std::shared_ptr<TweakFile>(new TweakFile(std::move(url))), std::move(configuration)};
+}
+
+std::string TweakFile::documentOf(std::string_view id) {
+  return std::string(id).append("/").append(kManifestFile);
 }
 
 std::shared_ptr<TweakFile> TweakFile::create(std::string name, TweakColor color, TweakGlyph glyph,
@@ -110,31 +145,37 @@ std::filesystem::path TweakFile::resourcesDir() const { return url() / kResource
 
 std::filesystem::path TweakFile::executablesDir() const { return url() / kExecutablesFolder / ""; }
 
-void TweakFile::validate() const {
+std::string TweakFile::documentInFolder() const {
   try {
-    manifest();
+    return document();
   } catch (const std::exception&) {
-    // Asked only now, as listing a large store opens many folders.
+    // Asked only now, as opening a tweak that is well need not ask.
     std::error_code ignored;
     if (!fs::is_directory(url(), ignored)) throw Error::notFound();
     throw;
   }
 }
 
-TweakFile::Manifest TweakFile::manifest() const {
-  std::string bytes;
+void TweakFile::validate() const { decodeJSON<ManifestSummary>(documentInFolder()); }
+
+std::string TweakFile::document() const {
   try {
-    bytes = readFileNamed(url().native() + "/" + kManifestFile);
+    return readFileNamed(url().native() + "/" + kManifestFile);
   } catch (const std::system_error& error) {
     const bool isMissing = error.code() == std::errc::no_such_file_or_directory ||
                            error.code() == std::errc::not_a_directory;
     if (isMissing) throw Error::missing(kManifestFile);
     throw;
   }
-  return decodeJSON<Manifest>(bytes);
 }
 
+TweakFile::Manifest TweakFile::manifest() const { return decodeJSON<Manifest>(document()); }
+
 TweakManifest TweakFile::genericManifest() const { return TweakManifest(manifest()); }
+
+TweakConfiguration TweakFile::genericConfiguration() const {
+  return TweakConfiguration(decodeJSON<ManifestSummary>(document()).configuration);
+}
 
 void TweakFile::setManifest(const Manifest& manifest) {
   store(url() / kManifestFile, encodeJSON(manifest));

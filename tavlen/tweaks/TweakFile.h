@@ -13,6 +13,7 @@
 #include "tavlen/bundles/OverrideContainer.h"
 #include "tavlen/foundation/errors/CasedError.h"
 #include "tavlen/foundation/image/Image.h"
+#include "tavlen/items/ListedItem.h"
 #include "tavlen/items/TweakColor.h"
 #include "tavlen/items/TweakGlyph.h"
 #include "tavlen/items/TweakProtocol.h"
@@ -28,6 +29,7 @@ class TweakFile : public TweakProtocol, public std::enable_shared_from_this<Twea
   enum class ErrorCase { missing, notFound };
   class Error;
   struct Manifest;
+  struct Opened;
   struct Diff;
 
   /// Of exported tweaks.
@@ -35,6 +37,15 @@ class TweakFile : public TweakProtocol, public std::enable_shared_from_this<Twea
 
   /// Opens the folder at `url` and reads its manifest once, to check it. Errors as validate()'s.
   static std::shared_ptr<TweakFile> at(std::filesystem::path url);
+  /// at(), with the manifest that it has read. Errors as at()'s.
+  static Opened open(std::filesystem::path url);
+  /// The tweak in the folder `url`, whose document's bytes the caller has read; no file is opened.
+  /// Throws DecodingError.
+  static Opened opened(std::filesystem::path url, std::string_view document);
+  /// As opened(), with the settings alone.
+  static ListedItem listed(std::filesystem::path url, std::string_view document);
+  /// The path of the document of the tweak `id`, relative to the folder that the tweak lies in.
+  static std::string documentOf(std::string_view id);
   /// Makes a new tweak in the tweaks directory. Posts nothing: who adds it to what is shown
   /// announces it. Throws std::system_error, and may leave a part of the folder then.
   static std::shared_ptr<TweakFile> create(std::string name, TweakColor color, TweakGlyph glyph,
@@ -64,6 +75,7 @@ class TweakFile : public TweakProtocol, public std::enable_shared_from_this<Twea
   /// std::system_error where the file cannot be read, pass through.
   Manifest manifest() const;
   TweakManifest genericManifest() const override;
+  TweakConfiguration genericConfiguration() const override;
   /// Replaces Manifest.json whole or not at all, then posts the change unless tweakPoster() is
   /// silenced. Throws EncodingError and std::system_error, and posts nothing then.
   void setManifest(const Manifest& manifest);
@@ -107,6 +119,11 @@ class TweakFile : public TweakProtocol, public std::enable_shared_from_this<Twea
 
  private:
   explicit TweakFile(std::filesystem::path url) : TweakProtocol(std::move(url)) {}
+
+  /// The bytes of Manifest.json. Throws as manifest(), but for DecodingError.
+  std::string document() const;
+  /// The same, but Error::notFound unless a folder stands at url().
+  std::string documentInFolder() const;
 };
 
 class TweakFile::Error : public CasedError<TweakFile::ErrorCase> {

@@ -99,22 +99,23 @@ void checkTarget(const TweakInfo& tweakInfo, const std::string& bundleID) {
   throw TweakError::bundleIDMismatch(tweakInfo.bundleID.value_or(std::string()), bundleID);
 }
 
-void packageTweak(const TweakFile& tweak, const fs::path& directory, const fs::path& transpiler,
-                  TweakInfo& tweakInfo, bool copyExecutables) {
-  const TweakFile::Manifest manifest = tweak.manifest();
+void packageTweak(const TweakFile::Opened& tweak, const Info& target, const Packaging& packaging,
+                  TweakInfo& tweakInfo) {
+  const auto& [file, manifest] = tweak;
   checkTarget(tweakInfo, manifest.configuration.bundleID);
-  const std::string info = infoPlist(tweak.associatedIPA()->infoManager().info(), manifest);
+  const std::string info = infoPlist(target, manifest);
   // Each tweak gets a transpiler that nothing happened to.
-  const TweakProcessor::Output output = TweakProcessor(transpiler).process(tweak);
+  const TweakProcessor::Output output =
+      TweakProcessor(packaging.transpiler).process(manifest, file->script());
 
-  Bundle bundle(directory);
+  Bundle bundle(packaging.directory);
   replaceFile(bundle.url() / kCodeFile, output.code);
   replaceFile(bundle.url() / kMapFile, output.map);
   replaceFile(bundle.url() / kInfoPlistFilename, info);
-  copyFolder(tweak, bundle.url(), kResourcesFolder);
-  if (copyExecutables) copyFolder(tweak, bundle.url(), kExecutablesFolder);
-  const bool hasIcon = tweak.customIcon().has_value();
-  if (hasIcon) copySettled(tweak.url() / kIconFile, bundle.url() / kIconFile);
+  copyFolder(*file, bundle.url(), kResourcesFolder);
+  if (packaging.copyExecutables) copyFolder(*file, bundle.url(), kExecutablesFolder);
+  const bool hasIcon = file->customIcon().has_value();
+  if (hasIcon) copySettled(file->url() / kIconFile, bundle.url() / kIconFile);
 
   TweakInfo next = tweakInfo;
   for (const Override& override_ : manifest.overrides()) applyTo(next, override_);
@@ -128,7 +129,11 @@ void packageTweak(const TweakFile& tweak, const fs::path& directory, const fs::p
 
 void TweakFile::package(const fs::path& directory, const fs::path& transpiler, TweakInfo& tweakInfo,
                         bool copyExecutables) const {
-  packageTweak(*this, directory, transpiler, tweakInfo, copyExecutables);
+  const Opened opened = {std::const_pointer_cast<TweakFile>(shared_from_this()), manifest()};
+  const std::string& bundleID = opened.manifest.configuration.bundleID;
+  checkTarget(tweakInfo, bundleID);
+  packageTweak(opened, IPA::findWithBundleID(bundleID)->infoManager().info(),
+               {directory, transpiler, copyExecutables}, tweakInfo);
 }
 
 }  // namespace tavlen

@@ -71,8 +71,13 @@ std::string TweakProcessor::assembled(std::string generatedCode, std::string_vie
   return generatedCode += script;
 }
 
+TweakProcessor::Output TweakProcessor::process(const TweakFile::Manifest& manifest,
+                                               std::string_view script) {
+  return convert(assembled(generateCode(manifest.hooks()), script));
+}
+
 TweakProcessor::Output TweakProcessor::process(const TweakFile& tweak) {
-  return convert(assembled(generateCode(tweak.manifest().hooks()), tweak.script()));
+  return process(tweak.manifest(), tweak.script());
 }
 
 TweakProcessor::Error TweakProcessor::Error::jsException(std::string name, std::string message,

@@ -45,8 +45,12 @@ class TweakProcessor {
   /// is empty, and its script.
   static std::string assembled(std::string generatedCode, std::string_view script);
 
-  /// Converts the hooks and the script of `tweak`. Throws what TweakFile::manifest(),
-  /// generateCode() and convert() throw; a script that cannot be read counts as empty.
+  /// Converts the hooks of `manifest` and the text of its tweak's script. Throws what
+  /// generateCode() and convert() throw.
+  Output process(const TweakFile::Manifest& manifest, std::string_view script);
+  /// Reads the hooks and the script of `tweak` and converts them. Throws what
+  /// TweakFile::manifest(), generateCode() and convert() throw; a script that cannot be read counts
+  /// as empty.
   Output process(const TweakFile& tweak);
 
  private:

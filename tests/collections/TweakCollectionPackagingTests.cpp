@@ -1,4 +1,4 @@
-#include "tavlen/collections/detail/TweakCollectionPackaging.h"
+#include "tavlen/collections/TweakCollectionPackaging.h"
 
 #include <gmock/gmock.h>
 

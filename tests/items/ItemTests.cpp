@@ -62,8 +62,8 @@ TEST(TweakColor, TheirNamesAndOrderAreStored) {
 }
 
 TEST(TweakConfiguration, EqualsOnlyItsOwnType) {
-  const ItemConfiguration<struct One> record{"N", TweakColor::lightPink, "a.b", std::nullopt};
-  const ItemConfiguration<struct Other> other{"N", TweakColor::lightPink, "a.b", std::nullopt};
+  const ItemConfiguration<TweakFile> record{"N", TweakColor::lightPink, "a.b", std::nullopt};
+  const ItemConfiguration<TweakCollection> other{"N", TweakColor::lightPink, "a.b", std::nullopt};
   auto withGlyph = record;
   withGlyph.setGlyph(TweakGlyph::default_());
   const TweakConfiguration configuration(record);

@@ -19,7 +19,8 @@ class SamplePackage : public InstallableTweak {
       : id_(std::move(id)), icon_(std::move(icon)) {}
 
   std::string id() const override { return id_; }
-  void package(const std::filesystem::path& directory, TweakInfo& tweakInfo) const override {
+  void package(const Info& /*target*/, const std::filesystem::path& directory,
+               TweakInfo& tweakInfo) const override {
     if (id_ == "broken") throw std::runtime_error("does not build");
     const std::string name = id_ + ".bundle";
     std::filesystem::create_directory(directory / name);

@@ -34,13 +34,14 @@ bool isMissingPermission(const std::error_code& error) {
 
 class Installation {
  public:
-  explicit Installation(const std::string& bundleID)
-      : directory_(InstalledRecords::directory(bundleID)),
+  explicit Installation(const Info& app)
+      : app_(app),
+        directory_(InstalledRecords::directory(app.bundleID)),
         // A link in the place of the folder itself is not followed: it is the helper's to remove.
-        target_(root_.resolve(kInstalledTweaksDir) / bundleID),
+        target_(root_.resolve(kInstalledTweaksDir) / app.bundleID),
         record_(target_ / kTweakInfoFilename),
-        installed_(InstalledRecords::record(bundleID)) {
-    next_.bundleID = bundleID;
+        installed_(InstalledRecords::record(app.bundleID)) {
+    next_.bundleID = app.bundleID;
   }
 
   void replaceBy(const InstallableTweak* tweak) {
@@ -51,7 +52,7 @@ class Installation {
       if (root_.isDevice()) installedTweaks = fs::weakly_canonical(installedTweaks);
       package.emplace(installedTweaks.parent_path());
       next_.tweakID = tweak->id();
-      tweak->package(package->path(), next_);
+      tweak->package(app_, package->path(), next_);
     }
     const bool shouldRespring = iconChanges(package ? package->path() : fs::path());
     removeInstalled();
@@ -148,6 +149,7 @@ class Installation {
   }
 
   const DeviceRoot root_ = DeviceRoot::shared();
+  const Info& app_;
   std::string directory_;  ///< of the app, as the device names it
   fs::path target_;        ///< the same, here
   fs::path record_;
@@ -157,8 +159,8 @@ class Installation {
 
 }  // namespace
 
-void installActiveTweak(const std::string& bundleID, const InstallableTweak* tweak) {
-  Installation(bundleID).replaceBy(tweak);
+void installActiveTweak(const Info& target, const InstallableTweak* tweak) {
+  Installation(target).replaceBy(tweak);
 }
 
 }  // namespace tavlen

@@ -36,8 +36,8 @@ std::optional<std::string> contentsUpTo(const RandomAccessFile& file, std::size_
 
 std::string readFile(const std::filesystem::path& path) { return readFileNamed(path.string()); }
 
-std::string readFileNamed(const std::string& path) {
-  std::optional<std::string> bytes = contentsUpTo(RandomAccessFile(path), kLargestFile);
+std::string readFileNamed(const std::string& path, int folder) {
+  std::optional<std::string> bytes = contentsUpTo(RandomAccessFile(path, folder), kLargestFile);
   if (!bytes) throwSystemError(EFBIG, path);
   return std::move(*bytes);
 }

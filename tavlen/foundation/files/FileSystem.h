@@ -1,5 +1,7 @@
 #pragma once
 
+#include <fcntl.h>
+
 #include <cstddef>
 #include <filesystem>
 #include <optional>
@@ -17,9 +19,10 @@ namespace tavlen {
 /// the open.
 std::string readFile(const std::filesystem::path& path);
 
-/// The same for a path's text. A path object costs an allocation a component, which the readers of
-/// thousands of files notice.
-std::string readFileNamed(const std::string& path);
+/// The same for a path's text, relative to the folder that is open as `folder`. A path object costs
+/// an allocation a component, and a long path a look-up of each, which readers of thousands of
+/// files notice.
+std::string readFileNamed(const std::string& path, int folder = AT_FDCWD);
 
 /// As readFile(), but nothing for a file of more than `most` bytes; no more than those are read.
 std::optional<std::string> readFileUpTo(const std::filesystem::path& path, std::size_t most);

@@ -7,9 +7,9 @@
 
 namespace tavlen {
 
-RandomAccessFile::RandomAccessFile(std::string path)
+RandomAccessFile::RandomAccessFile(std::string path, int folder)
     : path_(std::move(path)),
-      file_(FileDescriptor::openAt(AT_FDCWD, path_.c_str(), kOpenToRead, path_)) {
+      file_(FileDescriptor::openAt(folder, path_.c_str(), kOpenToRead, path_)) {
   const struct stat status = file_.status(path_);
   if (S_ISDIR(status.st_mode)) throwSystemError(EISDIR, path_);
   if (!S_ISREG(status.st_mode)) throwSystemError(EINVAL, path_ + ": not a regular file");

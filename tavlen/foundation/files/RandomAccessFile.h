@@ -1,5 +1,7 @@
 #pragma once
 
+#include <fcntl.h>
+
 #include <cstdint>
 #include <filesystem>
 #include <span>
@@ -18,8 +20,8 @@ class RandomAccessFile {
   /// A symbolic link is followed; a folder (EISDIR) and anything else that is no regular file
   /// (EINVAL) are refused, and a pipe never blocks.
   explicit RandomAccessFile(const std::filesystem::path& path) : RandomAccessFile(path.string()) {}
-  /// The same for a path's text.
-  explicit RandomAccessFile(std::string path);
+  /// The same for a path's text, relative to the folder that is open as `folder`.
+  explicit RandomAccessFile(std::string path, int folder = AT_FDCWD);
 
   /// In bytes, when it was opened.
   std::uint64_t size() const { return size_; }

@@ -1,8 +1,8 @@
 #include "cli/arguments/HookArgument.h"
 
+#include <memory>
 #include <stdexcept>
-
-#include "tavlen/tweaks/Manifest.h"
+#include <utility>
 
 namespace tavlen::cli {
 
@@ -44,12 +44,17 @@ void addHookArgument(Command command, std::string& text) {
       .transform(restorePrefix);
 }
 
-HookManager hookArgument(const std::shared_ptr<TweakFile>& tweak, const std::string& text) {
+HookManager hookArgument(TweakFile::Opened tweak, const std::string& text) {
+  HookManager manager = {
+      std::move(tweak.file), {}, std::make_shared<TweakFile::Manifest>(std::move(tweak.manifest))};
   std::optional<MethodIdentity> named;
   bool isAmbiguous = false;
-  for (const std::optional<Hook>& hook : tweak->manifest()._hooks) {
+  for (const std::optional<Hook>& hook : manager.opened->_hooks) {
     if (!hook) continue;
-    if (methodText(hook->identity()) == text) return tweak->managerFor(hook->identity());
+    if (methodText(hook->identity()) == text) {
+      manager.identity = hook->identity();
+      return manager;
+    }
     if (hook->customName != text) continue;
     isAmbiguous = isAmbiguous || named.has_value();
     named = hook->identity();
@@ -57,7 +62,8 @@ HookManager hookArgument(const std::shared_ptr<TweakFile>& tweak, const std::str
   if (!named) throw HookManager::Error::hookNotFound();
   if (isAmbiguous)
     throw std::runtime_error("several hooks have that name; name one as '-[Class selector]'");
-  return tweak->managerFor(*named);
+  manager.identity = std::move(*named);
+  return manager;
 }
 
 }  // namespace tavlen::cli

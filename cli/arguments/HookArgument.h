@@ -7,6 +7,7 @@
 
 #include "cli/arguments/CommandLine.h"
 #include "tavlen/editing/HookManager.h"
+#include "tavlen/tweaks/Manifest.h"
 
 namespace tavlen::cli {
 
@@ -17,8 +18,9 @@ std::optional<MethodIdentity> methodNamed(std::string_view text);
 void addHookArgument(Command command, std::string& text);
 
 /// The editor of the hook that a user names: by its method, as methodText() gives it, or by the
-/// hook's own name, which must then be the only one. Throws HookManager::Error::hookNotFound, what
-/// TweakFile::manifest() throws, and std::runtime_error for a name that several hooks have.
-HookManager hookArgument(const std::shared_ptr<TweakFile>& tweak, const std::string& text);
+/// hook's own name, which must then be the only one. It goes on with the manifest of `tweak`.
+/// Throws HookManager::Error::hookNotFound, and std::runtime_error for a name that several hooks
+/// have.
+HookManager hookArgument(TweakFile::Opened tweak, const std::string& text);
 
 }  // namespace tavlen::cli

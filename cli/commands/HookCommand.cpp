@@ -49,11 +49,10 @@ void warnOfSignature(const Hook& hook) {
   }
 }
 
-void requireFree(const HookManager& manager) {
-  const auto hooks = manager.tweak->manifest()._hooks;
-  const bool isTaken = std::any_of(hooks.begin(), hooks.end(), [&](const auto& hook) {
-    return hook && hook->identity() == manager.identity;
-  });
+void requireFree(const TweakFile::Manifest& manifest, const MethodIdentity& identity) {
+  const bool isTaken =
+      std::any_of(manifest._hooks.begin(), manifest._hooks.end(),
+                  [&](const auto& hook) { return hook && hook->identity() == identity; });
   if (isTaken) throw std::runtime_error("the tweak hooks that method already");
 }
 
@@ -79,15 +78,18 @@ Hook newHook(const Options& options) {
 }
 
 void addHook(const Options& options) {
-  const auto tweak = storedTweak(options.tweak);
+  TweakFile::Opened tweak = openedTweak(options.tweak);
   const Hook plain = newHook(options);
   withPlace(options.tweak + ": " + methodText(plain.identity()), [&] {
     const std::lock_guard lock(tweakPoster().recursiveLock);
-    const HookManager manager = tweak->managerFor(plain.identity());
-    requireFree(manager);
+    // Reading the classes of an image takes long enough for others to edit the tweak.
+    if (options.method) tweak.manifest = tweak.file->manifest();
+    requireFree(tweak.manifest, plain.identity());
     Hook hook = plain;
     hook.customName = options.name;
-    manager.setHook(hook);
+    HookManager{tweak.file, plain.identity(),
+                std::make_shared<TweakFile::Manifest>(std::move(tweak.manifest))}
+        .setHook(hook);
   });
   warnOfSignature(plain);
 }
@@ -103,14 +105,14 @@ void applyTo(Hook& hook, const Options& options) {
 }
 
 void setHook(const Options& options) {
-  const auto tweak = storedTweak(options.tweak);
+  const std::lock_guard lock(tweakPoster().recursiveLock);
+  TweakFile::Opened tweak = openedTweak(options.tweak);
   Hook changed;
   withPlace(options.tweak + ": " + options.hook, [&] {
-    const std::lock_guard lock(tweakPoster().recursiveLock);
-    const HookManager manager = hookArgument(tweak, options.hook);
+    const HookManager manager = hookArgument(std::move(tweak), options.hook);
     manager.updateHook([&](Hook& hook) {
       applyTo(hook, options);
-      if (hook.identity() != manager.identity) requireFree(tweak->managerFor(hook.identity()));
+      if (hook.identity() != manager.identity) requireFree(*manager.opened, hook.identity());
       changed = hook;
     });
   });
@@ -118,11 +120,10 @@ void setHook(const Options& options) {
 }
 
 void removeHook(const Options& options) {
-  const auto tweak = storedTweak(options.tweak);
-  withPlace(options.tweak + ": " + options.hook, [&] {
-    const std::lock_guard lock(tweakPoster().recursiveLock);
-    hookArgument(tweak, options.hook).deleteHook();
-  });
+  const std::lock_guard lock(tweakPoster().recursiveLock);
+  TweakFile::Opened tweak = openedTweak(options.tweak);
+  withPlace(options.tweak + ": " + options.hook,
+            [&] { hookArgument(std::move(tweak), options.hook).deleteHook(); });
 }
 
 std::string table(const std::vector<Hook>& hooks) {
@@ -138,9 +139,7 @@ std::string table(const std::vector<Hook>& hooks) {
 }
 
 void listHooks(const Options& options) {
-  const auto tweak = storedTweak(options.tweak);
-  const std::vector<Hook> hooks =
-      withPlace(options.tweak, [&] { return tweak->manifest().hooks(); });
+  const std::vector<Hook> hooks = openedTweak(options.tweak).manifest.hooks();
   if (options.json) return printData(encodeJSON(hooks) + "\n");
   if (!hooks.empty()) printData(table(hooks));
 }

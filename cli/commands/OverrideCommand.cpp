@@ -13,6 +13,7 @@
 #include "cli/commands/Commands.h"
 #include "cli/terminal/Console.h"
 #include "cli/terminal/TextTable.h"
+#include "tavlen/bundles/IPA.h"
 #include "tavlen/foundation/json/JSONEncoder.h"
 #include "tavlen/items/TweakPoster.h"
 #include "tavlen/tweaks/Manifest.h"
@@ -34,15 +35,22 @@ auto isOf(const std::string& kind) {
   return [&kind](const OverrideContainer& box) { return identifierOf(box.value) == kind; };
 }
 
-/// Lets `change` edit the tweak's overrides as one step. Errors name tweak and kind.
+/// Lets `change` edit the tweak's manifest, and the overrides in it, as one step. Errors name tweak
+/// and kind.
 template <class Change>
 void editOverrides(const Options& options, Change change) {
-  const auto tweak = storedTweak(options.tweak);
+  const std::lock_guard lock(tweakPoster().recursiveLock);
+  TweakFile::Opened tweak = openedTweak(options.tweak);
   withPlace(options.tweak + ": " + options.kind, [&] {
-    const std::lock_guard lock(tweakPoster().recursiveLock);
-    tweak->updateManifest(
-        [&](TweakFile::Manifest& manifest) { change(*tweak, manifest._overrides); });
+    change(tweak.manifest, tweak.manifest._overrides);
+    tweak.file->setManifest(tweak.manifest);
   });
+}
+
+/// An override of the values that the tweak's app has.
+Override ownValue(const std::string& kind, const TweakFile::Manifest& manifest) {
+  const auto app = IPA::findWithBundleID(manifest.configuration.bundleID);
+  return overrideKind(kind).withInfo(app->infoManager().info());
 }
 
 Boxes::iterator requireKind(Boxes& boxes, const std::string& kind) {
@@ -55,10 +63,10 @@ Action addAction(const Options& options) {
   std::optional<Override> value;
   if (options.value) value = parseOverride(options.kind, *options.value);
   return [options, value] {
-    editOverrides(options, [&](const TweakFile& tweak, Boxes& boxes) {
+    editOverrides(options, [&](const TweakFile::Manifest& manifest, Boxes& boxes) {
       if (std::any_of(boxes.begin(), boxes.end(), isOf(options.kind)))
         throw std::runtime_error("the tweak has such an override already; set changes it");
-      boxes.push_back({value ? *value : tweak.makeOverride(overrideKind(options.kind))});
+      boxes.push_back({value ? *value : ownValue(options.kind, manifest)});
     });
     return 0;
   };
@@ -67,7 +75,7 @@ Action addAction(const Options& options) {
 Action setAction(const Options& options) {
   const Override value = parseOverride(options.kind, options.value.value_or(""));
   return [options, value] {
-    editOverrides(options, [&](const TweakFile& /*tweak*/, Boxes& boxes) {
+    editOverrides(options, [&](const TweakFile::Manifest& /*manifest*/, Boxes& boxes) {
       const auto found = requireKind(boxes, options.kind);
       found->value = value;
       // Others of the kind, which a manifest may hold, would win over it.
@@ -79,7 +87,7 @@ Action setAction(const Options& options) {
 
 Action removeAction(const Options& options) {
   return [options] {
-    editOverrides(options, [&](const TweakFile& /*tweak*/, Boxes& boxes) {
+    editOverrides(options, [&](const TweakFile::Manifest& /*manifest*/, Boxes& boxes) {
       boxes.erase(std::remove_if(requireKind(boxes, options.kind), boxes.end(), isOf(options.kind)),
                   boxes.end());
     });
@@ -98,8 +106,7 @@ std::string table(const Boxes& boxes) {
 
 Action listAction(const Options& options) {
   return [options] {
-    const auto tweak = storedTweak(options.tweak);
-    const Boxes boxes = withPlace(options.tweak, [&] { return tweak->manifest()._overrides; });
+    const Boxes boxes = openedTweak(options.tweak).manifest._overrides;
     if (options.json) {
       printData(encodeJSON(boxes) + "\n");
     } else if (!boxes.empty()) {

@@ -52,11 +52,9 @@ struct Options {
 
 /// Runs `edit` on the hook that the options name, as one step. Errors name the place.
 void editHook(const Options& options, const std::function<void(const HookManager&)>& edit) {
-  const auto tweak = storedTweak(options.tweak);
-  withPlace(options.place(), [&] {
-    const std::lock_guard lock(tweakPoster().recursiveLock);
-    edit(hookArgument(tweak, options.hook));
-  });
+  const std::lock_guard lock(tweakPoster().recursiveLock);
+  TweakFile::Opened tweak = openedTweak(options.tweak);
+  withPlace(options.place(), [&] { edit(hookArgument(std::move(tweak), options.hook)); });
 }
 
 /// A row a value that holds no others, with the address that leads to it.
@@ -99,9 +97,9 @@ Action getAction(const Options& options) {
   std::optional<ParameterAddress> address;
   if (!options.address.empty()) address = parseParameterAddress(options.address);
   return [options, address] {
-    const auto tweak = storedTweak(options.tweak);
+    TweakFile::Opened tweak = openedTweak(options.tweak);
     printData(withPlace(options.place(), [&] {
-      const HookManager hook = hookArgument(tweak, options.hook);
+      const HookManager hook = hookArgument(std::move(tweak), options.hook);
       return address ? shown(managerAt(hook, *address)->parameter(), options.json)
                      : shown(hook.hook(), options.json);
     }));

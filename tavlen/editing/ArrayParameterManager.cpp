@@ -26,6 +26,12 @@ void ArrayParameterManager::setParameter(Parameter parameter) const {
       [&](ArrayParameter& array) { itemAt(array, arrayIdx).value = std::move(parameter); });
 }
 
+void ArrayParameterManager::updateParameter(FunctionRef<void(Parameter&)> change) const {
+  if (arrayIdx < 0) throw Error::indexOutOfBounds(arrayIdx);
+  parameterManager.updateParameter(
+      [&](ArrayParameter& array) { change(itemAt(array, arrayIdx).value); });
+}
+
 std::shared_ptr<const ParameterManager> ArrayParameterManager::shared() const {
   return std::make_shared<const ArrayParameterManager>(*this);
 }

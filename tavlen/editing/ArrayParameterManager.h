@@ -30,6 +30,7 @@ class ArrayParameterManager final : public ParameterManager {
   Parameter parameter() const override;
   /// Throws Error::indexOutOfBounds once the array is read.
   void setParameter(Parameter parameter) const override;
+  void updateParameter(FunctionRef<void(Parameter&)> change) const override;
   std::shared_ptr<const ParameterManager> shared() const override;
 };
 

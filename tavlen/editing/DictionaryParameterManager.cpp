@@ -29,6 +29,12 @@ void DictionaryParameterManager::setParameter(Parameter parameter) const {
   });
 }
 
+void DictionaryParameterManager::updateParameter(FunctionRef<void(Parameter&)> change) const {
+  if (pairIdx < 0) throw Error::pairIndexOutOfBounds(pairIdx);
+  parameterManager.updateParameter(
+      [&](DictionaryParameter& dictionary) { change(boxAt(dictionary, pairIdx, accessor).value); });
+}
+
 std::shared_ptr<const ParameterManager> DictionaryParameterManager::shared() const {
   return std::make_shared<const DictionaryParameterManager>(*this);
 }

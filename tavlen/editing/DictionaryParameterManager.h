@@ -34,6 +34,7 @@ class DictionaryParameterManager final : public ParameterManager {
   Parameter parameter() const override;
   /// Throws Error::pairIndexOutOfBounds once the dictionary is read.
   void setParameter(Parameter parameter) const override;
+  void updateParameter(FunctionRef<void(Parameter&)> change) const override;
   std::shared_ptr<const ParameterManager> shared() const override;
 };
 

@@ -1,6 +1,7 @@
 #include "tavlen/editing/HookManager.h"
 
 #include <algorithm>
+#include <mutex>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -9,7 +10,6 @@
 #include "tavlen/items/TweakDiffNotifications.h"
 #include "tavlen/items/TweakPoster.h"
 #include "tavlen/tweaks/Manifest.h"
-#include "tavlen/tweaks/TweakFile.h"
 #include "tavlen/tweaks/TweakFileDiff.h"
 
 namespace tavlen {
@@ -29,57 +29,66 @@ auto firstOf(Hooks& hooks, const MethodIdentity& identity) {
   return std::find_if(hooks.begin(), hooks.end(), isOf(identity));
 }
 
-void post(const std::shared_ptr<TweakFile>& tweak, TweakFile::Diff::Mode mode) {
+using Mode = TweakFile::Diff::Mode;
+
+/// Stores what `change` makes of the manifest and posts what it gives.
+void edit(const HookManager& hook, FunctionRef<Mode(TweakFile::Manifest&)> change) {
+  std::optional<Mode> mode;
+  {
+    const std::lock_guard lock(tweakPoster().recursiveLock);
+    TweakFile::Manifest read;
+    if (!hook.opened) read = hook.tweak->manifest();
+    TweakFile::Manifest& manifest = hook.opened ? *hook.opened : read;
+    mode = change(manifest);
+    tweakPoster().performWithoutNotifications([&] { hook.tweak->setManifest(manifest); });
+  }
   postTweakDiffs(NotificationCenter::default_(),
-                 {std::make_shared<TweakFile::Diff>(tweak, std::move(mode))});
+                 {std::make_shared<TweakFile::Diff>(hook.tweak, std::move(*mode))});
 }
 
 }  // namespace
 
 Hook HookManager::hook() const {
-  TweakFile::Manifest manifest = tweak->manifest();
-  const auto found = firstOf(manifest._hooks, identity);
-  if (found == manifest._hooks.end() || !*found) throw Error::hookNotFound();
-  return *std::move(*found);
+  TweakFile::Manifest read;
+  if (!opened) read = tweak->manifest();
+  const auto& hooks = opened ? opened->_hooks : read._hooks;
+  const auto found = firstOf(hooks, identity);
+  if (found == hooks.end()) throw Error::hookNotFound();
+  return **found;
 }
 
 void HookManager::setHook(const Hook& hook) const {
-  bool isThere = false;
-  tweakPoster().performWithoutNotifications([&] {
-    TweakFile::Manifest manifest = tweak->manifest();
+  edit(*this, [&](TweakFile::Manifest& manifest) -> Mode {
     const auto found = firstOf(manifest._hooks, identity);
-    isThere = found != manifest._hooks.end();
-    if (isThere) {
-      *found = hook;
-    } else {
+    if (found == manifest._hooks.end()) {
       manifest._hooks.emplace_back(hook);
+      return TweakFile::Diff::AddHooks{{hook}};
     }
-    tweak->setManifest(manifest);
+    *found = hook;
+    return TweakFile::Diff::UpdateHook{hook};
   });
-  if (isThere) {
-    post(tweak, TweakFile::Diff::UpdateHook{hook});
-  } else {
-    post(tweak, TweakFile::Diff::AddHooks{{hook}});
-  }
 }
 
 void HookManager::updateHook(FunctionRef<void(Hook&)> change) const {
-  Hook changed = hook();
-  change(changed);
-  setHook(changed);
+  edit(*this, [&](TweakFile::Manifest& manifest) -> Mode {
+    const auto found = firstOf(manifest._hooks, identity);
+    if (found == manifest._hooks.end()) throw Error::hookNotFound();
+    Hook changed = **found;
+    change(changed);
+    *found = changed;
+    return TweakFile::Diff::UpdateHook{std::move(changed)};
+  });
 }
 
 void HookManager::deleteHook() const {
-  tweakPoster().performWithoutNotifications([&] {
-    TweakFile::Manifest manifest = tweak->manifest();
+  edit(*this, [&](TweakFile::Manifest& manifest) -> Mode {
     std::erase_if(manifest._hooks, isOf(identity));
-    tweak->setManifest(manifest);
+    return TweakFile::Diff::DeleteHook();
   });
-  post(tweak, TweakFile::Diff::DeleteHook());
 }
 
 HookManager TweakFile::managerFor(MethodIdentity identity) {
-  return {shared_from_this(), std::move(identity)};
+  return {shared_from_this(), std::move(identity), nullptr};
 }
 
 HookManager::Error HookManager::Error::hookNotFound() {

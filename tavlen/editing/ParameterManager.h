@@ -15,10 +15,10 @@ class TypedParameterManager;
 ///
 /// The kinds are links of a chain: the root names an argument of a hook, each further link an item
 /// of the collection that the link above it leads to. A link holds no parameter: reading goes down
-/// from the root each time, writing goes back up, so one edit writes the manifest once and posts
-/// one diff. Links are values; a copy shares the links above. A chain is walked and let go by
-/// recursion: no stored document nests deeper than 512 levels, and no chain should.
-/// Threads: any, as HookManager.
+/// from the root each time, and so does an edit, which reads and writes the manifest once and posts
+/// one diff, however deep the parameter lies. Links are values; a copy shares the links above. A
+/// chain is walked and let go by recursion: no stored document nests deeper than 512 levels, and no
+/// chain should. Threads: any, as HookManager.
 class ParameterManager {
  public:
   virtual ~ParameterManager() = default;
@@ -33,8 +33,8 @@ class ParameterManager {
   virtual std::shared_ptr<const ParameterManager> shared() const = 0;
 
   /// Reads the parameter, lets `change` edit it and writes it back. What `change` throws stops
-  /// that.
-  void updateParameter(FunctionRef<void(Parameter&)> change) const;
+  /// that. Throws as parameter() and setParameter().
+  virtual void updateParameter(FunctionRef<void(Parameter&)> change) const = 0;
 
   /// This manager for parameters of one kind. Include TypedParameterManager.h to use it.
   template <class Kind>

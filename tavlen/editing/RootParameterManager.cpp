@@ -17,6 +17,14 @@ void RootParameterManager::setParameter(Parameter parameter) const {
       [&](Hook& hook) { hook._args[parameterIdx].value = std::move(parameter); });
 }
 
+void RootParameterManager::updateParameter(FunctionRef<void(Parameter&)> change) const {
+  hookManager.updateHook([&](Hook& hook) {
+    const auto found = hook._args.find(parameterIdx);
+    if (found == hook._args.end()) throw ParameterError::notFound(parameterIdx, tweak());
+    change(found->second.value);
+  });
+}
+
 std::shared_ptr<const ParameterManager> RootParameterManager::shared() const {
   return std::make_shared<const RootParameterManager>(*this);
 }

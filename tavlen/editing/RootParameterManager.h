@@ -25,6 +25,7 @@ class RootParameterManager final : public ParameterManager {
   Parameter parameter() const override;
   /// Adds the argument where the hook has none there. Throws as HookManager::hook().
   void setParameter(Parameter parameter) const override;
+  void updateParameter(FunctionRef<void(Parameter&)> change) const override;
   std::shared_ptr<const ParameterManager> shared() const override;
 };
 

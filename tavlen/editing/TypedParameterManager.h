@@ -32,9 +32,11 @@ class TypedParameterManager {
   /// Reads the parameter, lets `change` edit it and writes it back. What `change` throws stops
   /// that.
   void updateParameter(FunctionRef<void(Kind&)> change) const {
-    Kind changed = parameter();
-    change(changed);
-    setParameter(std::move(changed));
+    untyped_->updateParameter([&](Parameter& found) {
+      Kind* const kind = std::get_if<Kind>(&found);
+      if (kind == nullptr) throw ParameterError::typeMismatch(Kind::typeName, found);
+      change(*kind);
+    });
   }
 
  private:

@@ -64,9 +64,8 @@ std::string methodProblem(const std::string& text) {
 Hook dumpedHook(const Options& options) {
   const MethodIdentity wanted = *methodNamed(*options.method);
   const std::shared_ptr<ObjCClass> cls = dumpedClass(options.image, wanted.className);
-  for (const auto& [method, identity] : cls->methodIdentities()) {
-    if (identity == wanted) return Hook::with(*cls, *method, {});
-  }
+  const auto method = cls->methodNamed(wanted.selector, wanted.isClassMethod);
+  if (method != nullptr) return Hook::with(*cls, *method, {});
   throw std::runtime_error(options.image.image + ": " + wanted.className + " has no method " +
                            methodText(wanted) + " of its own");
 }

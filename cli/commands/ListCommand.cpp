@@ -43,6 +43,7 @@ std::vector<Row> readRows() {
   std::vector<ListedItem> items = TweakManager::listedTweaks();
   sortByName(items);
   std::vector<Row> rows;
+  rows.reserve(items.size());
   for (const auto& [item, configuration] : items) {
     rows.push_back({configuration.name(), kindOf(*item), configuration.bundleID(),
                     isActiveTweak(configuration.bundleID(), item->id()),

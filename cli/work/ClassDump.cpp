@@ -1,6 +1,5 @@
 #include "cli/work/ClassDump.h"
 
-#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <functional>
@@ -71,49 +70,66 @@ std::string hintFor(const std::filesystem::path& file) {
   return " (--verbose shows what the loader said)";
 }
 
-ClassParser::Classes dumpDynamically(const Executable& image, const ImageArgument& argument,
-                                     const std::shared_ptr<Progress>& progress) {
+/// What is asked of a parser.
+template <class Answer>
+using Question = std::function<Answer(const ClassParser& parser, const Executable& image,
+                                      const std::shared_ptr<Progress>& progress)>;
+
+template <class Answer>
+Answer askDynamically(const Question<Answer>& question, const Executable& image,
+                      const ImageArgument& argument, const std::shared_ptr<Progress>& progress) {
   // Nothing could stop the code of an image that is being loaded, and nothing is left behind.
   const Cancellation cancellation(*progress, [&argument] {
     printError(cancelled(argument).what());
     std::_Exit(EXIT_FAILURE);
   });
   try {
-    return DynamicClassParser::sharedParser().parse(image, progress);
+    return question(DynamicClassParser::sharedParser(), image, progress);
   } catch (const DynamicClassParser::Error& error) {
     throw std::runtime_error(argument.image + ": " + error.description() + hintFor(image.path()));
   }
 }
 
-ClassParser::Classes dumpRemotely(const Executable& image, const ImageArgument& argument,
-                                  const std::shared_ptr<Progress>& progress) {
+template <class Answer>
+Answer askRemotely(const Question<Answer>& question, const Executable& image,
+                   const ImageArgument& argument, const std::shared_ptr<Progress>& progress) {
   const Cancellation cancellation(*progress, cancelTessaloopIfNeeded);
   try {
-    return RemoteClassParser().parse(image, progress);
+    return question(RemoteClassParser(), image, progress);
   } catch (const RemoteClassParser::Error& error) {
     if (progress->isCancelled()) throw cancelled(argument);
     throw std::runtime_error(argument.image + ": " + error.description());
   }
 }
 
-}  // namespace
-
-ClassParser::Classes dumpClasses(const ImageArgument& argument) {
+template <class Answer>
+Answer ask(const ImageArgument& argument, const Question<Answer>& question) {
   const NamedImage image = imageNamed(argument);
   const ProgressLine line("reading classes of " + argument.image);
   line.progress()->setTotalUnitCount(1);
   const bool isRemote = argument.parser == kRemoteParser;
-  return (isRemote ? dumpRemotely : dumpDynamically)(*image.executable, argument, line.progress());
+  return (isRemote ? askRemotely<Answer> : askDynamically<Answer>)(question, *image.executable,
+                                                                   argument, line.progress());
+}
+
+}  // namespace
+
+ClassParser::Classes dumpClasses(const ImageArgument& argument) {
+  return ask<ClassParser::Classes>(
+      argument, [](const ClassParser& parser, const Executable& image, const auto& progress) {
+        return parser.parse(image, progress);
+      });
 }
 
 std::shared_ptr<ObjCClass> dumpedClass(const ImageArgument& argument, const std::string& name) {
-  const ClassParser::Classes classes = dumpClasses(argument);
-  const auto found = std::find_if(classes.begin(), classes.end(),
-                                  [&](const auto& cls) { return cls->name == name; });
-  if (found == classes.end()) {
+  auto found = ask<std::shared_ptr<ObjCClass>>(
+      argument, [&](const ClassParser& parser, const Executable& image, const auto& progress) {
+        return parser.parseClassNamed(name, image, progress);
+      });
+  if (found == nullptr) {
     throw std::runtime_error(argument.image + ": defines no class " + name);
   }
-  return *found;
+  return found;
 }
 
 }  // namespace tavlen::cli

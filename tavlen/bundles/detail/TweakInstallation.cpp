@@ -106,7 +106,6 @@ class Installation {
 
   void moveIntoPlace(const fs::path& package) const {
     std::error_code error;
-    fs::create_directories(target_, error);
     for (const fs::directory_entry& entry : fs::directory_iterator(package)) {
       const fs::path destination = target_ / entry.path().filename();
       fs::rename(entry.path(), destination, error);

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <memory>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "tavlen/foundation/tasks/Progress.h"
@@ -31,10 +33,26 @@ class ClassParser {
     return parseBelow(parent, executable);
   }
 
+  /// Of parse(), the first class of that name; null where there is none. A parser makes records of
+  /// no more classes than it has to.
+  std::shared_ptr<ObjCClass> parseClassNamed(std::string_view name, const Executable& executable,
+                                             const std::shared_ptr<Progress>& parent) const {
+    return parseNamedBelow(parent, executable, name);
+  }
+
  private:
   /// `parent` may be null.
   virtual Classes parseBelow(const std::shared_ptr<Progress>& parent,
                              const Executable& executable) const = 0;
+  /// The same; this one makes records of all.
+  virtual std::shared_ptr<ObjCClass> parseNamedBelow(const std::shared_ptr<Progress>& parent,
+                                                     const Executable& executable,
+                                                     std::string_view name) const {
+    for (std::shared_ptr<ObjCClass>& cls : parseBelow(parent, executable)) {
+      if (cls->name == name) return std::move(cls);
+    }
+    return nullptr;
+  }
 };
 
 }  // namespace tavlen

@@ -78,25 +78,51 @@ bool DynamicClassParser::load(const std::filesystem::path& path) {
   return !error;
 }
 
+bool DynamicClassParser::visitClasses(const std::filesystem::path& path, bool shouldDlopen,
+                                      FunctionRef<void(objc_class* cls)> visit) const {
+  if (shouldDlopen && !load(path)) return false;
+  const ScopedProgress current(Progress::make(1), 1);
+  logMessage("Enumerating classes of " + path.string());
+  objc_enumerateClassesOfImage(path, visit);
+  return true;
+}
+
 std::optional<DynamicClassParser::Classes> DynamicClassParser::parseClassesAtPath(
     const std::filesystem::path& path, bool shouldDlopen) const {
   const std::lock_guard lock(lock_);
-  if (shouldDlopen && !load(path)) return std::nullopt;
   Classes classes;
-  const ScopedProgress current(Progress::make(1), 1);
-  logMessage("Enumerating classes of " + path.string());
-  objc_enumerateClassesOfImage(path, [&](Class cls) { classes.push_back(parseClass(cls)); });
-  return classes;
+  const bool isLoaded = visitClasses(path, shouldDlopen,
+                                     [&](objc_class* cls) { classes.push_back(parseClass(cls)); });
+  return isLoaded ? std::optional(std::move(classes)) : std::nullopt;
+}
+
+void DynamicClassParser::visitBelow(const std::shared_ptr<Progress>& parent,
+                                    const Executable& executable,
+                                    FunctionRef<void(objc_class* cls)> visit) const {
+  if (!executable.parseDynamically() && !load(executable.path())) throw Error::failed();
+  // Not before: an initialiser that the load runs may parse, too, and would take the unit.
+  std::optional<ScopedProgress> current;
+  if (parent != nullptr) current.emplace(parent, 1);
+  visitClasses(executable.path(), false, visit);
 }
 
 ClassParser::Classes DynamicClassParser::parseBelow(const std::shared_ptr<Progress>& parent,
                                                     const Executable& executable) const {
   const std::lock_guard lock(lock_);
-  if (!executable.parseDynamically() && !load(executable.path())) throw Error::failed();
-  // Not before: an initialiser that the load runs may parse, too, and would take the unit.
-  std::optional<ScopedProgress> current;
-  if (parent != nullptr) current.emplace(parent, 1);
-  return parseClassesAtPath(executable.path(), false).value();
+  Classes classes;
+  visitBelow(parent, executable, [&](objc_class* cls) { classes.push_back(parseClass(cls)); });
+  return classes;
+}
+
+std::shared_ptr<ObjCClass> DynamicClassParser::parseNamedBelow(
+    const std::shared_ptr<Progress>& parent, const Executable& executable,
+    std::string_view name) const {
+  const std::lock_guard lock(lock_);
+  std::shared_ptr<ObjCClass> found;
+  visitBelow(parent, executable, [&](objc_class* cls) {
+    if (found == nullptr && wellFormedUTF8(class_getName(cls)) == name) found = parseClass(cls);
+  });
+  return found;
 }
 
 DynamicClassParser::Error DynamicClassParser::Error::failed() {

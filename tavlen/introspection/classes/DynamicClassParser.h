@@ -7,6 +7,7 @@
 #include <string>
 #include <unordered_map>
 
+#include "tavlen/foundation/base/FunctionRef.h"
 #include "tavlen/foundation/errors/CasedError.h"
 #include "tavlen/introspection/classes/ClassParser.h"
 
@@ -58,6 +59,16 @@ class DynamicClassParser : public ClassParser {
   /// Loads the image unless Executable::parseDynamically(). Throws Error::failed().
   Classes parseBelow(const std::shared_ptr<Progress>& parent,
                      const Executable& executable) const override;
+  std::shared_ptr<ObjCClass> parseNamedBelow(const std::shared_ptr<Progress>& parent,
+                                             const Executable& executable,
+                                             std::string_view name) const override;
+  /// Calls `visit` with each class of the image, which is loaded first where that is asked for;
+  /// false where it does not load. To be called with the lock held.
+  bool visitClasses(const std::filesystem::path& path, bool shouldDlopen,
+                    FunctionRef<void(objc_class* cls)> visit) const;
+  /// The same for an executable, as one unit of `parent`. Throws Error::failed().
+  void visitBelow(const std::shared_ptr<Progress>& parent, const Executable& executable,
+                  FunctionRef<void(objc_class* cls)> visit) const;
 
   mutable std::recursive_mutex lock_;  // guards cache_, and is held for a whole parse
   mutable Cache cache_;

@@ -1,5 +1,7 @@
 #include "tavlen/introspection/classes/ObjCClass.h"
 
+#include <algorithm>
+
 namespace tavlen {
 
 namespace {
@@ -19,6 +21,14 @@ std::vector<std::pair<std::shared_ptr<ObjCMethod>, MethodIdentity>> ObjCClass::m
     identities.emplace_back(method, MethodIdentity{name, method->selector, method->isClassMethod});
   }
   return identities;
+}
+
+std::shared_ptr<ObjCMethod> ObjCClass::methodNamed(std::string_view selector,
+                                                   bool isClassMethod) const {
+  const auto found = std::find_if(methods.begin(), methods.end(), [&](const auto& method) {
+    return method->isClassMethod == isClassMethod && method->selector == selector;
+  });
+  return found != methods.end() ? *found : nullptr;
 }
 
 StyledText ObjCClass::description(const StyledText::Color& foregroundColor,

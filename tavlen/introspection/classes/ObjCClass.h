@@ -45,6 +45,9 @@ class ObjCClass {
   /// Each of the methods with what tells it from others, in the order of `methods`.
   std::vector<std::pair<std::shared_ptr<ObjCMethod>, MethodIdentity>> methodIdentities() const;
 
+  /// The first of the methods of that selector; null where the class has none of its own.
+  std::shared_ptr<ObjCMethod> methodNamed(std::string_view selector, bool isClassMethod) const;
+
   /// "Name : Super <P, Q>", without the parts that the class does not have. The class, and a
   /// superclass from outside of the system's folders, take `customTypeColor`; the protocols and any
   /// other superclass, one of an unknown image among them, `vendoredTypeColor`; the punctuation

@@ -28,8 +28,9 @@ int deleteItem(const std::string& name) {
     throw std::runtime_error(name + ": does not lie in " + TweaksDirectory::url().string());
   }
   const std::string bundleID = opened.configuration().bundleID();
-  item->uninstall();
-  if (isActiveTweak(bundleID, item->id())) {
+  const bool isInstalled = isActiveTweak(bundleID, item->id());
+  if (isInstalled) item->uninstall();
+  if (isInstalled && isActiveTweak(bundleID, item->id())) {
     printWarning(name + ": could not be uninstalled from " + bundleID);
   }
   item->remove();

@@ -63,7 +63,7 @@ TweakCollection::Opened TweakCollection::open(std::filesystem::path url) {
 
 TweakCollection::Opened TweakCollection::opened(std::filesystem::path url,
                                                 std::string_view document) {
-  Manifest manifest = decodeJSON<Manifest>(document);
+  auto manifest = decodeJSON<Manifest>(document);
   return {std::shared_ptr<TweakCollection>(new TweakCollection(std::move(url))),
           std::move(manifest)};
 }

@@ -215,13 +215,15 @@ std::shared_ptr<TweakProtocol> TweakManager::tweakWithID(std::string_view id) {
 }
 
 std::shared_ptr<TweakProtocol> TweakManager::tweakAt(std::filesystem::path url) {
-  return kindAt(url).at(std::move(url));
+  const Kind& kind = kindAt(url);
+  return kind.at(std::move(url));
 }
 
 OpenedItem TweakManager::openWithID(std::string_view id) { return openAt(storedURL(id)); }
 
 OpenedItem TweakManager::openAt(std::filesystem::path url) {
-  return kindAt(url).open(std::move(url));
+  const Kind& kind = kindAt(url);
+  return kind.open(std::move(url));
 }
 
 bool TweakManager::canHandle(const std::filesystem::path& url) {

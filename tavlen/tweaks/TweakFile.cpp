@@ -88,12 +88,12 @@ std::shared_ptr<TweakFile> TweakFile::at(std::filesystem::path url) {
 
 TweakFile::Opened TweakFile::open(std::filesystem::path url) {
   std::shared_ptr<TweakFile> tweak(new TweakFile(std::move(url)));
-  Manifest manifest = decodeJSON<Manifest>(tweak->documentInFolder());
+  auto manifest = decodeJSON<Manifest>(tweak->documentInFolder());
   return {std::move(tweak), std::move(manifest)};
 }
 
 TweakFile::Opened TweakFile::opened(std::filesystem::path url, std::string_view document) {
-  Manifest manifest = decodeJSON<Manifest>(document);
+  auto manifest = decodeJSON<Manifest>(document);
   return {std::shared_ptr<TweakFile>(new TweakFile(std::move(url))), std::move(manifest)};
 }
 

@@ -33,8 +33,11 @@ TEST(Readme, ExampleRunsAsItStands) {
   fs::create_directory_symlink(built.parent_path() / "share", clone.path() / "build/release/share");
   fs::copy(paths().examples, clone.path() / "examples", fs::copy_options::recursive);
   std::ofstream(clone.path() / "example.sh") << exampleOfReadme();
-  const std::string command =
-      "cd '" + clone.path().string() + "' && sh -e example.sh >out 2>err </dev/null";
+  // The address sanitizer overlooks what GNUstep leaks, and finds GNUstep only in whole call
+  // stacks.
+  const std::string command = "cd '" + clone.path().string() +
+                              "' && ASAN_OPTIONS=fast_unwind_on_malloc=0 "
+                              "sh -e example.sh >out 2>err </dev/null";
   ASSERT_EQ(std::system(command.c_str()), 0) << readFile(clone.path() / "err");
   const std::string out = readFile(clone.path() / "out");
   EXPECT_NE(out.find("Morning  tweak  com.example.notes  yes"), std::string::npos) << out;

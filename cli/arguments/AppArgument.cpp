@@ -17,11 +17,12 @@ namespace {
 /// A path of the device, as `apps` and the system's own logs print it, names the app in the root.
 std::filesystem::path appFolder(const std::string& text) {
   std::error_code ignored;
+  const DeviceRoot root = DeviceRoot::shared();
   if (text.starts_with('/') && !std::filesystem::exists(text, ignored)) {
-    std::filesystem::path inRoot = DeviceRoot::shared().resolve(text);
+    std::filesystem::path inRoot = root.resolve(text);
     if (std::filesystem::exists(inRoot, ignored)) return inRoot;
   }
-  return text;
+  return root.follow(text);
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "tavlen/collections/TweakCollection.h"
+#include "tavlen/device/DeviceRoot.h"
 #include "tavlen/foundation/coding/CodingError.h"
 #include "tavlen/foundation/tasks/NotificationCenter.h"
 #include "tavlen/items/TweakDiffNotifications.h"
@@ -39,11 +40,11 @@ bool isStored(const std::string& id) {
 
 /// Opens what lies at `path`, which messages call `shown`.
 OpenedItem itemAt(const std::string& path, const std::string& shown) {
-  std::error_code ignored;
-  const bool isFolder = fs::is_directory(path, ignored);
+  const fs::file_status status = DeviceRoot::shared().status(path);
+  const bool isFolder = fs::is_directory(status);
   try {
     // A tweak's folder may have any name where it is named by its path.
-    if (isFolder || !fs::exists(path, ignored)) return TweakFile::open(path);
+    if (isFolder || !fs::exists(status)) return TweakFile::open(path);
     return TweakManager::openAt(path);
   } catch (const DecodingError& error) {
     const std::string document =

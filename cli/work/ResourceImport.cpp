@@ -3,6 +3,7 @@
 #include <optional>
 #include <stdexcept>
 
+#include "tavlen/device/DeviceFiles.h"
 #include "tavlen/foundation/files/FileSystem.h"
 
 namespace tavlen::cli {
@@ -12,17 +13,19 @@ namespace fs = std::filesystem;
 ResourceImport::ResourceImport(const TweakFile& tweak, const std::string& file, bool replaces) {
   const std::string contents = readFile(file);
   const std::string name = fs::path(file).filename().string();
-  fs::create_directories(tweak.resourcesDir());
-  const std::optional<fs::path> place = pathInside(tweak.resourcesDir(), name);
+  const DeviceRoot root = DeviceRoot::shared();
+  const fs::path resources = root.follow(tweak.resourcesDir());
+  fs::create_directories(resources);
+  const std::optional<fs::path> place = pathInside(root, resources, name);
   if (!place) throw std::runtime_error(name + ": leads out of Resources");
-  if (fs::exists(*place)) {
-    if (readFile(*place) == contents) return;
+  if (fs::exists(root.status(*place))) {
+    if (readFile(openedFile(root, *place)) == contents) return;
     if (!replaces) {
       throw std::runtime_error("Resources/" + name +
                                " is there with other contents; --replace overwrites it");
     }
   }
-  replacement_ = std::make_unique<FileReplacement>(*place, contents);
+  replacement_.reset(new FileReplacement(replacementOf(root, *place, contents)));
 }
 
 void ResourceImport::commit() {

@@ -6,8 +6,8 @@
 #include <optional>
 #include <system_error>
 
+#include "tavlen/device/DeviceFiles.h"
 #include "tavlen/foundation/coding/CodingPath.h"
-#include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/foundation/objc/MethodTypes.h"
 #include "tavlen/items/GlyphNames.h"
 
@@ -111,10 +111,10 @@ class Checker {
   void checkResource(const std::string& name, const std::string& place) {
     const std::filesystem::path folder = tweak_.file->resourcesDir();
     const std::string shown = "the resource \"" + abbreviated(name) + "\"";
-    const auto file = pathInside(folder, name);
+    const DeviceRoot root = DeviceRoot::shared();
+    const auto file = pathInside(root, folder, name);
     if (!file) return warn(place + ".filename", shown + " lies outside of Resources");
-    std::error_code error;
-    if (!std::filesystem::is_regular_file(*file, error))
+    if (!std::filesystem::is_regular_file(root.status(*file)))
       warn(place + ".filename", shown + " is missing");
   }
 

@@ -6,6 +6,7 @@
 #include "tavlen/bundles/AppList.h"
 #include "tavlen/bundles/detail/TweakInstallation.h"
 #include "tavlen/device/DevicePaths.h"
+#include "tavlen/device/DeviceRoot.h"
 #include "tavlen/device/FileOperations.h"
 #include "tavlen/device/InfoPlist.h"
 #include "tavlen/device/InstalledRecords.h"
@@ -20,12 +21,12 @@ std::shared_ptr<IPA> IPA::withAppDir(std::filesystem::path appDir) {
 }
 
 std::shared_ptr<IPA> IPA::openAt(const std::filesystem::path& appDir) {
-  std::error_code error;
-  if (!std::filesystem::is_directory(appDir, error) ||
-      !std::filesystem::exists(appDir / kInfoPlistFilename, error)) {
+  const DeviceRoot root = DeviceRoot::shared();
+  if (!std::filesystem::is_directory(root.status(appDir)) ||
+      !std::filesystem::exists(root.status(appDir / kInfoPlistFilename))) {
     throw Error::invalidIPA();
   }
-  return withAppDir(appDir);
+  return withAppDir(root.follow(appDir));
 }
 
 std::vector<std::shared_ptr<IPA>> IPA::all() { return AppList::shared().apps(); }

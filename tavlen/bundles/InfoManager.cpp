@@ -7,6 +7,7 @@
 #include <string_view>
 #include <system_error>
 
+#include "tavlen/device/DeviceFiles.h"
 #include "tavlen/device/InfoPlist.h"
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/foundation/plist/PropertyListDecoder.h"
@@ -65,21 +66,23 @@ class LargestIcon {
     return std::uint64_t{image.width()} * image.height();
   }
 
-  void considerFile(const std::string& name) {
-    // Most candidates are not there, and asking that first is cheap.
-    std::error_code error;
-    if (!std::filesystem::exists(bundle_ / name, error)) return;
-    const std::optional<std::filesystem::path> file = pathInside(bundle_, name);
+  void considerFile(std::string_view name) {
+    while (name.ends_with('/')) name.remove_suffix(1);
+    // Most candidates do not exist, and that is cheap to ask.
+    if (!std::filesystem::exists(root_.status(bundle_ / name))) return;
+    const std::optional<std::filesystem::path> file = pathInside(root_, bundle_, name);
     if (!file) return;
     // Another image of the same size never wins, so a list of one large file, a thousand times
     // over, need not cost a thousand decodings.
     if (!seen_.insert(*file).second) return;
-    const std::optional<std::string> bytes = readFileUpTo(*file, kLargestIconFile);
+    const std::optional<std::string> bytes =
+        readFileUpTo(openedFile(root_, *file), kLargestIconFile);
     if (!bytes) return;
     std::optional<Image> image = Image::decode(*bytes);
     if (image && (!largest_ || area(*image) > area(*largest_))) largest_ = std::move(image);
   }
 
+  const DeviceRoot root_ = DeviceRoot::shared();
   const std::filesystem::path& bundle_;
   std::set<std::filesystem::path> seen_;
   std::optional<Image> largest_;

@@ -7,9 +7,8 @@
 
 #include "tavlen/collections/TweakCollectionDiff.h"
 #include "tavlen/collections/TweakCollectionManifest.h"
-#include "tavlen/device/DeviceRoot.h"
+#include "tavlen/device/DeviceFiles.h"
 #include "tavlen/foundation/files/DiskSync.h"
-#include "tavlen/foundation/files/FileReplacement.h"
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/foundation/files/FileTree.h"
 #include "tavlen/foundation/json/JSONDecoder.h"
@@ -122,7 +121,7 @@ void TweakCollection::validate() const { manifest(); }
 TweakCollection::Manifest TweakCollection::manifest() const {
   std::string bytes;
   try {
-    bytes = readFile(url());
+    bytes = readFile(openedFile(DeviceRoot::shared(), url()));
   } catch (const std::system_error& error) {
     const bool isMissing = error.code() == std::errc::no_such_file_or_directory ||
                            error.code() == std::errc::not_a_directory;
@@ -139,7 +138,7 @@ TweakConfiguration TweakCollection::genericConfiguration() const {
 }
 
 void TweakCollection::setManifest(const Manifest& manifest) {
-  replaceFile(DeviceRoot::shared().follow(url()), encodeJSON(manifest));
+  replaceFile(DeviceRoot::shared(), url(), encodeJSON(manifest));
   tweakPoster().performNotificationPostingOperation([&] {
     postTweakDiffs(NotificationCenter::default_(),
                    {std::make_shared<Diff>(shared_from_this(), Diff::Mode::updateManifest)});
@@ -161,8 +160,8 @@ TweakDiff TweakCollection::diffFor(GenericTweakDiffMode mode) {
 void TweakCollection::preparePayloadIn(const std::filesystem::path& directory) const {
   const fs::path tweaks = directory / kTweaksFolder;
   fs::create_directories(tweaks);
-  // A file that is named by a link goes along, not the link.
-  copyItem(fs::canonical(url()), directory / kManifestFile);
+  // Where the item is a link, what it leads to goes along, not the link.
+  copyItem(canonical(DeviceRoot::shared(), url()), directory / kManifestFile);
   // The members of the copy: another may edit the collection meanwhile.
   const Manifest copied = TweakCollection(directory / kManifestFile).manifest();
   for (const std::shared_ptr<TweakFile>& tweak : copied.tweaks()) {

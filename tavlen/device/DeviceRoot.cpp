@@ -8,6 +8,9 @@
 #include <system_error>
 #include <utility>
 
+#include "tavlen/foundation/base/SystemError.h"
+#include "tavlen/foundation/files/FileSystem.h"
+
 namespace tavlen {
 
 namespace {
@@ -27,11 +30,6 @@ DeviceRoot& sharedRoot() {
 std::filesystem::path normalised(const std::filesystem::path& path) {
   std::filesystem::path normal = ("/" / path).lexically_normal();
   return normal.has_filename() || normal == "/" ? normal : normal.parent_path();
-}
-
-bool isInside(const std::filesystem::path& path, const std::filesystem::path& folder) {
-  return std::mismatch(folder.begin(), folder.end(), path.begin(), path.end()).first ==
-         folder.end();
 }
 
 /// The components of `path` before those of `rest`.
@@ -94,8 +92,8 @@ void DeviceRoot::setShared(DeviceRoot root) {
 
 std::filesystem::path DeviceRoot::resolve(std::string_view devicePath) const {
   std::filesystem::path path = normalised(devicePath);
-  const auto holdsPath = [&](std::string_view folder) { return isInside(path, folder); };
-  if (!prefix_.empty() && !isInside(path, prefix_) &&
+  const auto holdsPath = [&](std::string_view folder) { return isAtOrBelow(path, folder); };
+  if (!prefix_.empty() && !isAtOrBelow(path, prefix_) &&
       std::any_of(kPrefixedFolders.begin(), kPrefixedFolders.end(), holdsPath)) {
     path = prefix_ / path.relative_path();
   }
@@ -103,15 +101,47 @@ std::filesystem::path DeviceRoot::resolve(std::string_view devicePath) const {
   return path == "/" ? root_ : root_ / path.relative_path();
 }
 
+bool DeviceRoot::hasOwnLinksAt(const std::filesystem::path& path) const {
+  return !isDevice() && isAtOrBelow(normalised(std::filesystem::absolute(path)), root_);
+}
+
 std::filesystem::path DeviceRoot::follow(const std::filesystem::path& path) const {
-  if (isDevice() || !isInside(normalised(std::filesystem::absolute(path)), root_)) return path;
-  return resolve(devicePath(std::filesystem::absolute(path)).native());
+  if (!hasOwnLinksAt(path)) return path;
+  const std::filesystem::path inRoot = devicePath(std::filesystem::absolute(path));
+  return root_ / withoutLinks(root_, inRoot).relative_path();
+}
+
+std::filesystem::path DeviceRoot::followParent(const std::filesystem::path& path) const {
+  if (!hasOwnLinksAt(path)) return path;
+  const std::filesystem::path normal = normalised(std::filesystem::absolute(path));
+  return normal == root_ ? root_ : follow(normal.parent_path()) / normal.filename();
+}
+
+FileDescriptor DeviceRoot::open(const std::filesystem::path& path, int flags, mode_t mode) const {
+  if (!hasOwnLinksAt(path)) return FileDescriptor::open(path, flags, mode);
+  const bool isLastFollowed = (flags & O_NOFOLLOW) == 0;
+  const std::filesystem::path target = isLastFollowed ? follow(path) : followParent(path);
+  const std::filesystem::path relative = target.lexically_relative(root_);
+  const FileDescriptor root = FileDescriptor::open(root_, kOpenToPass & ~O_NOFOLLOW);
+  FileDescriptor opened = FileDescriptor::tryOpenBelow(root.get(), relative.native(), flags, mode);
+  if (!opened) throwSystemError(path);
+  return opened;
+}
+
+std::filesystem::file_status DeviceRoot::status(const std::filesystem::path& path) const {
+  std::error_code error;
+  if (!hasOwnLinksAt(path)) return std::filesystem::status(path, error);
+  try {
+    return std::filesystem::symlink_status(follow(path), error);
+  } catch (const std::system_error&) {
+    return std::filesystem::file_status(std::filesystem::file_type::not_found);
+  }
 }
 
 std::filesystem::path DeviceRoot::devicePath(const std::filesystem::path& path) const {
   if (path.is_relative()) return path;
   const std::filesystem::path normal = normalised(path);
-  if (!isInside(normal, root_)) return path;
+  if (!isAtOrBelow(normal, root_)) return path;
   const std::filesystem::path relative = normal.lexically_relative(root_);
   return relative == "." ? std::filesystem::path("/") : "/" / relative;
 }

@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "tavlen/foundation/files/FileDescriptor.h"
+
 namespace tavlen {
 
 /// Where the device's file system lies: the folder that stands for its "/".
@@ -35,10 +37,21 @@ class DeviceRoot {
   /// when it does not.
   std::filesystem::path devicePath(const std::filesystem::path& path) const;
 
+  /// Whether `path`, a host path, lies below a root other than "/", where links are the device's.
+  bool hasOwnLinksAt(const std::filesystem::path& path) const;
+
   /// Where `path`, a host path, leads by the device's links: as resolve() for one below any root
-  /// but
-  /// "/", `path` itself otherwise.
+  /// but "/", `path` itself otherwise.
   std::filesystem::path follow(const std::filesystem::path& path) const;
+  /// The same, but where the last component itself is a link, the link.
+  std::filesystem::path followParent(const std::filesystem::path& path) const;
+
+  /// Opens `path`, a host path, close-on-exec. Below any root but "/" links lead where the device's
+  /// lead, and one that is put on the way concurrently is an error (ELOOP, ENOTDIR) rather than a
+  /// way out. Throws std::system_error.
+  FileDescriptor open(const std::filesystem::path& path, int flags, mode_t mode = 0) const;
+  /// What stands at `path`, a host path, by the device's links; not_found where they lead nowhere.
+  std::filesystem::file_status status(const std::filesystem::path& path) const;
 
  private:
   std::filesystem::path root_;

@@ -5,6 +5,7 @@
 #include <optional>
 #include <system_error>
 
+#include "tavlen/device/DeviceFiles.h"
 #include "tavlen/foundation/files/FileSystem.h"
 
 namespace tavlen {
@@ -17,10 +18,8 @@ constexpr std::size_t kLargestInfoPlist = std::size_t{16} << 20;
 }  // namespace
 
 std::string readInfoPlist(const DeviceRoot& root, const std::filesystem::path& bundle) {
-  std::filesystem::path file = bundle / kInfoPlistFilename;
-  std::error_code ignored;
-  if (std::filesystem::is_symlink(file, ignored)) file = root.follow(file);
-  std::optional<std::string> bytes = readFileUpTo(file, kLargestInfoPlist);
+  const std::filesystem::path file = bundle / kInfoPlistFilename;
+  std::optional<std::string> bytes = readFileUpTo(openedFile(root, file), kLargestInfoPlist);
   if (!bytes) throw std::system_error(EFBIG, std::generic_category(), file.string());
   return std::move(*bytes);
 }

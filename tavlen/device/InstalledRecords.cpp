@@ -2,8 +2,8 @@
 
 #include <exception>
 
+#include "tavlen/device/DeviceFiles.h"
 #include "tavlen/device/DevicePaths.h"
-#include "tavlen/device/DeviceRoot.h"
 #include "tavlen/foundation/archive/KeyedArchive.h"
 #include "tavlen/foundation/files/FileSystem.h"
 
@@ -24,7 +24,8 @@ std::optional<TweakInfo> record(const std::string& bundleID) {
   if (!isPlainComponent(bundleID)) return std::nullopt;
   const std::string file = directory(bundleID) + "/" + std::string(kTweakInfoFilename);
   try {
-    const auto bytes = readFileUpTo(DeviceRoot::shared().resolve(file), kLargestRecord);
+    const DeviceRoot root = DeviceRoot::shared();
+    const auto bytes = readFileUpTo(openedFile(root, root.resolve(file)), kLargestRecord);
     if (!bytes) return std::nullopt;
     return decodeKeyedArchive<TweakInfo>(*bytes);
   } catch (const std::exception&) {

@@ -2,7 +2,7 @@
 
 #include <system_error>
 
-#include "tavlen/device/DeviceRoot.h"
+#include "tavlen/device/DeviceFiles.h"
 #include "tavlen/foundation/files/FileSystem.h"
 
 namespace tavlen {
@@ -14,7 +14,8 @@ std::optional<std::string> contentsOf(const URL& url) {
   const auto devicePath = url.path();
   if (!devicePath) return std::nullopt;
   try {
-    return readFileUpTo(DeviceRoot::shared().resolve(devicePath->native()),
+    const DeviceRoot root = DeviceRoot::shared();
+    return readFileUpTo(openedFile(root, root.resolve(devicePath->native())),
                         TweakInfo::kLargestIcon);
   } catch (const std::system_error&) {
     return std::nullopt;

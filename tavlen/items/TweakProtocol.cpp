@@ -77,7 +77,7 @@ void TweakProtocol::delete_() {
 }
 
 void TweakProtocol::remove() {
-  const fs::path item = fs::absolute(url());
+  const fs::path item = DeviceRoot::shared().followParent(fs::absolute(url()));
   const fs::path folder = item.parent_path();
   std::error_code ignored;
   if (fs::symlink_status(item, ignored).type() == fs::file_type::not_found) {

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "tavlen/collections/TweakCollection.h"
+#include "tavlen/device/DeviceRoot.h"
 #include "tavlen/items/TweaksDirectory.h"
 #include "tavlen/tweaks/TweakFile.h"
 
@@ -26,6 +27,19 @@ fs::path existingParent(fs::path path) {
     path = path.parent_path();
   } while (path.has_relative_path() && !fs::is_directory(path, ignored));
   return path;
+}
+
+/// What `path` is, or leads to as a link. Below another root than "/" the device's links count;
+/// most entries are none, and finding that out takes one call.
+fs::path target(const fs::path& path) {
+  std::error_code ignored;
+  if (!fs::is_symlink(path, ignored)) return path;
+  try {
+    const DeviceRoot root = DeviceRoot::shared();
+    return root.hasOwnLinksAt(path) ? root.follow(path) : fs::canonical(path);
+  } catch (const std::system_error&) {
+    return {};
+  }
 }
 
 }  // namespace
@@ -48,10 +62,11 @@ void StoreSnapshot::add(const fs::path& entry) {
   if (id.starts_with('.')) return;
   Item item;
   if (TweakFile::isValidID(id)) {
+    const fs::path folder = target(entry);
     std::error_code ignored;
     // It may get its manifest later.
-    if (fs::is_directory(entry, ignored)) folders_.push_back(entry);
-    item = tweakAt(entry);
+    if (fs::is_directory(folder, ignored)) folders_.push_back(folder);
+    item = tweakAt(folder);
   } else if (id.ends_with(TweakCollection::kIDSuffix)) {
     item.front() = stampOf(entry);
   }
@@ -67,7 +82,7 @@ StoreSnapshot::Item StoreSnapshot::tweakAt(const fs::path& folder) {
 
 std::optional<StoreSnapshot::Stamp> StoreSnapshot::stampOf(const fs::path& file) {
   struct stat status {};
-  if (::stat(file.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
+  if (::lstat(target(file).c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
 #ifdef __APPLE__
   const timespec& written = status.st_mtimespec;
 #else

@@ -1,7 +1,5 @@
 #include "tavlen/store/TweakManager.h"
 
-#include <dirent.h>
-
 #include <algorithm>
 #include <array>
 #include <exception>
@@ -11,12 +9,12 @@
 
 #include "tavlen/collections/TweakCollection.h"
 #include "tavlen/collections/TweakCollectionManifest.h"
+#include "tavlen/device/DeviceFiles.h"
 #include "tavlen/device/DevicePaths.h"
-#include "tavlen/device/DeviceRoot.h"
 #include "tavlen/foundation/base/UUID.h"
-#include "tavlen/foundation/files/FileReplacement.h"
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/foundation/files/FileTree.h"
+#include "tavlen/foundation/files/FolderReader.h"
 #include "tavlen/foundation/files/TemporaryDirectory.h"
 #include "tavlen/foundation/text/Unicode.h"
 #include "tavlen/foundation/zip/ZIPArchive.h"
@@ -31,11 +29,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr const char* kPayloadFolder = "Payload";
-
-struct CloseFolder {
-  void operator()(DIR* folder) const { ::closedir(folder); }
-};
-using FolderPointer = std::unique_ptr<DIR, CloseFolder>;
 
 /// The static members of a kind of items; see TweakProtocol.
 struct Kind {
@@ -125,10 +118,11 @@ void refuseSpecialFiles(const TweakProtocol& item) {
   const fs::path payload = kPayloadFolder;
   if (const auto* collection = dynamic_cast<const TweakCollection*>(&item)) {
     for (const std::shared_ptr<TweakFile>& tweak : collection->manifest().tweaks()) {
-      refuseSpecialFiles(tweak->url(), payload / "Tweaks" / tweak->id());
+      refuseSpecialFiles(DeviceRoot::shared().follow(tweak->url()),
+                         payload / "Tweaks" / tweak->id());
     }
   } else {
-    refuseSpecialFiles(item.url(), payload);
+    refuseSpecialFiles(DeviceRoot::shared().follow(item.url()), payload);
   }
 }
 
@@ -152,19 +146,20 @@ fs::path storedURL(std::string_view id) {
 template <class Visit>
 void visitDocuments(const Visit& visit) {
   const fs::path folder = TweaksDirectory::url();
-  const FolderPointer entries(::opendir(folder.c_str()));
-  if (entries == nullptr) return;
-  const int descriptor = ::dirfd(entries.get());
-  // NOLINTNEXTLINE(concurrency-mt-unsafe): only where threads share a stream
-  while (const dirent* const entry = ::readdir(entries.get())) {
-    const std::string_view name(&entry->d_name[0]);
-    const Kind* const kind = kindOfID(name);
-    if (kind == nullptr || isTemporaryName(name)) continue;
-    try {
-      visit(*kind, folder / name, readFileNamed(kind->documentOf(name), descriptor));
-    } catch (const std::exception&) {
-      continue;
+  try {
+    const DeviceFolder store(DeviceRoot::shared(), folder);
+    FolderReader names(store.opened(), folder);
+    while (const std::optional<std::string> name = names.next()) {
+      const Kind* const kind = kindOfID(*name);
+      if (kind == nullptr || isTemporaryName(*name)) continue;
+      try {
+        visit(*kind, folder / *name, readFile(store.openedFile(kind->documentOf(*name))));
+      } catch (const std::exception&) {
+        continue;
+      }
     }
+  } catch (const std::system_error&) {
+    return;  // as documented: it cannot be listed
   }
 }
 

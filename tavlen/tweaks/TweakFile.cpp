@@ -7,10 +7,9 @@
 #include <utility>
 
 #include "tavlen/bundles/IPA.h"
-#include "tavlen/device/DeviceRoot.h"
+#include "tavlen/device/DeviceFiles.h"
 #include "tavlen/foundation/coding/Discarded.h"
 #include "tavlen/foundation/files/DiskSync.h"
-#include "tavlen/foundation/files/FileReplacement.h"
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/foundation/files/FileTree.h"
 #include "tavlen/foundation/json/JSONDecoder.h"
@@ -50,14 +49,13 @@ struct ManifestSummary {
   }
 };
 
-/// Writes go where the device's links lead, so that none leaves a device tree.
 void store(const fs::path& file, std::string_view contents) {
-  replaceFile(DeviceRoot::shared().follow(file), contents);
+  replaceFile(DeviceRoot::shared(), file, contents);
 }
 
 void storeIcon(const fs::path& folder, const std::optional<Image>& icon) {
   if (icon) return store(folder / kIconFile, icon->pngData());
-  const fs::path file = DeviceRoot::shared().follow(folder) / kIconFile;
+  const fs::path file = DeviceRoot::shared().followParent(folder / kIconFile);
   std::error_code error;
   fs::remove(file, error);
   if (error) throw std::system_error(error, file.string());
@@ -71,9 +69,10 @@ void post(TweakDiff diff) {
 /// What the user wrote is on the disk before it has its place in the store. What a tweak carries
 /// beside it may be large, and can be imported again.
 void syncDocuments(const std::filesystem::path& folder) {
+  const DeviceRoot root = DeviceRoot::shared();
   for (const char* name : {kManifestFile, kScriptFile, kIconFile}) {
-    std::error_code ignored;
-    if (std::filesystem::is_regular_file(folder / name, ignored)) syncFile(folder / name);
+    const fs::path file = folder / name;
+    if (fs::is_regular_file(root.status(file))) root.open(file, kOpenToRead).sync(file);
   }
   syncFolder(folder);
 }
@@ -150,8 +149,7 @@ std::string TweakFile::documentInFolder() const {
     return document();
   } catch (const std::exception&) {
     // Asked only now, as opening a tweak that is well need not ask.
-    std::error_code ignored;
-    if (!fs::is_directory(url(), ignored)) throw Error::notFound();
+    if (!fs::is_directory(DeviceRoot::shared().status(url()))) throw Error::notFound();
     throw;
   }
 }
@@ -160,7 +158,7 @@ void TweakFile::validate() const { decodeJSON<ManifestSummary>(documentInFolder(
 
 std::string TweakFile::document() const {
   try {
-    return readFileNamed(url().native() + "/" + kManifestFile);
+    return readFile(openedFile(DeviceRoot::shared(), url().native() + "/" + kManifestFile));
   } catch (const std::system_error& error) {
     const bool isMissing = error.code() == std::errc::no_such_file_or_directory ||
                            error.code() == std::errc::not_a_directory;
@@ -190,7 +188,8 @@ void TweakFile::updateManifest(const std::function<void(Manifest&)>& change) {
 
 std::optional<Image> TweakFile::customIcon() const {
   try {
-    const std::optional<std::string> bytes = readFileUpTo(url() / kIconFile, kLargestIcon);
+    const std::optional<std::string> bytes =
+        readFileUpTo(openedFile(DeviceRoot::shared(), url() / kIconFile), kLargestIcon);
     return bytes ? Image::decode(*bytes) : std::nullopt;
   } catch (const std::exception&) {
     return std::nullopt;
@@ -224,11 +223,8 @@ TweakDiff TweakFile::diffFor(GenericTweakDiffMode mode) {
 }
 
 void TweakFile::preparePayloadIn(const std::filesystem::path& directory) const {
-  // A folder that is named by a link goes along, not the link.
-  std::error_code error;
-  const fs::path folder = fs::canonical(url(), error);
-  if (error) throw std::system_error(error, url().string());
-  copyItem(folder, directory, isTemporaryName);
+  // Where the item is a link, what it leads to goes along, not the link.
+  copyItem(canonical(DeviceRoot::shared(), url()), directory, isTemporaryName);
 }
 
 std::string TweakFile::script() const {
@@ -240,10 +236,10 @@ std::string TweakFile::script() const {
 }
 
 std::optional<std::string> TweakFile::readScript() const {
+  const DeviceRoot root = DeviceRoot::shared();
   const fs::path file = url() / kScriptFile;
-  std::error_code ignored;
-  if (fs::symlink_status(file, ignored).type() == fs::file_type::not_found) return std::nullopt;
-  return readText(file);
+  if (!isTaken(root.followParent(file))) return std::nullopt;
+  return readText(openedFile(root, file));
 }
 
 void TweakFile::setScript(std::string_view text) {

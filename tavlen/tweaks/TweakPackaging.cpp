@@ -6,6 +6,7 @@
 
 #include "tavlen/bundles/IPA.h"
 #include "tavlen/bundles/InfoOverrides.h"
+#include "tavlen/device/DeviceRoot.h"
 #include "tavlen/device/InfoPlist.h"
 #include "tavlen/device/InstalledRecords.h"
 #include "tavlen/foundation/base/UUID.h"
@@ -75,7 +76,7 @@ void copySettled(const fs::path& source, const fs::path& destination) {
 
 /// A folder that the tweak does not have, as one that no version control kept, is made empty.
 void copyFolder(const TweakFile& tweak, const fs::path& bundle, const char* name) {
-  const fs::path source = tweak.url() / name;
+  const fs::path source = DeviceRoot::shared().follow(tweak.url()) / name;
   std::error_code ignored;
   const fs::file_type type = fs::symlink_status(source, ignored).type();
   if (type == fs::file_type::not_found) {
@@ -115,7 +116,8 @@ void packageTweak(const TweakFile::Opened& tweak, const Info& target, const Pack
   copyFolder(*file, bundle.url(), kResourcesFolder);
   if (packaging.copyExecutables) copyFolder(*file, bundle.url(), kExecutablesFolder);
   const bool hasIcon = file->customIcon().has_value();
-  if (hasIcon) copySettled(file->url() / kIconFile, bundle.url() / kIconFile);
+  if (hasIcon)
+    copySettled(DeviceRoot::shared().follow(file->url()) / kIconFile, bundle.url() / kIconFile);
 
   TweakInfo next = tweakInfo;
   for (const Override& override_ : manifest.overrides()) applyTo(next, override_);

@@ -5,13 +5,18 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/items/TweakError.h"
+#include "tavlen/store/StoreSnapshot.h"
 #include "tests/support/StoreTest.h"
 #include "tests/support/Thrown.h"
 
 namespace tavlen {
 namespace {
 
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::UnorderedElementsAre;
 using testing::UnorderedElementsAreArray;
 
 namespace fs = std::filesystem;
@@ -64,6 +69,46 @@ TEST_F(TweakManagerTest, ListsWhatOpensInTheOrderOfTheFolder) {
   const bool bindsUser = ::access(TweaksDirectory::url().c_str(), R_OK) != 0;
   EXPECT_EQ(listed().empty(), bindsUser);
   fs::permissions(TweaksDirectory::url(), fs::perms::owner_all);
+}
+
+TEST_F(TweakManagerTest, ReadsAndWritesThroughTheLinksOfTheDevice) {
+  // Absolute links, which name places of the tree and not of this machine: here nothing, there
+  // another file.
+  const auto tweak = newTweak("A");
+  root_.write("kept/Manifest.json", std::string(kTweakManifest));
+  const TemporaryFolder machine;
+  for (const char* name : {"Manifest.json", "script.objs", "Icon.png"}) {
+    fs::remove(tweak->url() / name);
+    fs::create_symlink(machine.write(name, "of the machine"), tweak->url() / name);
+  }
+  EXPECT_THROW(tweak->validate(), TweakFile::Error);
+  EXPECT_EQ(tweak->script(), "");
+  EXPECT_THAT(listed(), IsEmpty());
+
+  const std::string inTree = machine.path().relative_path();
+  fs::create_directories(root_.path() / inTree);
+  tweak->writeScript("// s");
+  EXPECT_EQ(tweak->script(), "// s");
+  tweak->setManifest({});
+  EXPECT_THAT(listed(), ElementsAre(tweak->id()));
+  EXPECT_THAT(StoreSnapshot::take().ids(), ElementsAre(tweak->id()));
+  tweak->writeCustomIcon(Image(1, 1, {1, 2, 3, 255}));
+  EXPECT_TRUE(tweak->customIcon());
+  tweak->writeCustomIcon(std::nullopt);
+  EXPECT_FALSE(fs::is_symlink(tweak->url() / "Icon.png"));
+  for (const char* name : {"Manifest.json", "script.objs", "Icon.png"}) {
+    EXPECT_EQ(readFile(machine.path() / name), "of the machine");
+    EXPECT_TRUE(fs::exists(root_.path() / inTree / name)) << name;
+  }
+
+  // Items that are links themselves.
+  fs::create_directory_symlink("/kept", TweaksDirectory::url() / "linked");
+  fs::create_symlink(machine.write("c", "{"), TweaksDirectory::url() / "c.collection");
+  root_.write(inTree + "/c", kCollectionManifest);
+  EXPECT_THAT(listed(), UnorderedElementsAre(tweak->id(), "linked", "c.collection"));
+  EXPECT_EQ(StoreSnapshot::take().ids().size(), 3U);
+  const fs::path archive = TweakManager::export_(*TweakManager::tweakWithID("linked"));
+  EXPECT_NO_THROW(TweakManager::decompressAt(archive));
 }
 
 TEST_F(TweakManagerTest, ManyBrokenEntriesHideNothing) {

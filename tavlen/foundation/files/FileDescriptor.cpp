@@ -41,6 +41,19 @@ FileDescriptor FileDescriptor::tryOpenAt(int parent, const char* name, int flags
       retryOnInterrupt([&] { return ::openat(parent, name, flags | O_CLOEXEC, mode); }));
 }
 
+FileDescriptor FileDescriptor::tryOpenBelow(int parent, std::string_view path, int flags,
+                                            mode_t mode) {
+  FileDescriptor folder;
+  for (std::size_t slash = path.find('/'); slash != std::string_view::npos;
+       slash = path.find('/')) {
+    folder = tryOpenAt(parent, std::string(path.substr(0, slash)).c_str(), kOpenToPass);
+    if (!folder) return folder;
+    parent = folder.get();
+    path.remove_prefix(slash + 1);
+  }
+  return tryOpenAt(parent, std::string(path).c_str(), flags | O_NOFOLLOW, mode);
+}
+
 struct stat FileDescriptor::status(const std::string& shown) const {
   struct stat status {};
   if (::fstat(value_, &status) != 0) throwSystemError(shown);

@@ -20,6 +20,12 @@ inline constexpr int kOpenFolder = O_RDONLY | O_DIRECTORY | O_NOFOLLOW;
 inline constexpr int kOpenToRead = O_RDONLY | O_NONBLOCK | O_NOCTTY;
 /// A new file for writing, in the place of nothing, not even of a link:
 inline constexpr int kOpenNewFile = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW;
+/// A folder as the start of other calls; where the system can, without the right to list it.
+#ifdef O_PATH
+inline constexpr int kOpenToPass = O_PATH | O_DIRECTORY | O_NOFOLLOW;
+#else
+inline constexpr int kOpenToPass = kOpenFolder;
+#endif
 
 /// Owns an open file descriptor, or holds none (-1).
 ///
@@ -47,6 +53,9 @@ class FileDescriptor {
                                mode_t mode = 0);
   /// The same, but holds none on failure, with errno.
   static FileDescriptor tryOpenAt(int parent, const char* name, int flags, mode_t mode = 0);
+  /// Opens `path`, which is relative and has no "..", below the open folder `parent`. Holds none on
+  /// failure, with errno: ELOOP or ENOTDIR for a symbolic link anywhere on the way.
+  static FileDescriptor tryOpenBelow(int parent, std::string_view path, int flags, mode_t mode = 0);
 
   explicit operator bool() const { return value_ >= 0; }
   int get() const { return value_; }

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <filesystem>
+#include <string>
 #include <string_view>
 
+#include "tavlen/foundation/files/FileDescriptor.h"
 #include "tavlen/foundation/files/TemporaryFile.h"
 
 namespace tavlen {
@@ -21,15 +23,21 @@ class FileReplacement {
   /// regular file (EINVAL) in the file's place, too.
   FileReplacement(const std::filesystem::path& file, std::string_view contents);
 
+  /// The file `name`, itself no link, of the folder opened as `folder`; errors call it `shown`.
+  FileReplacement(FileDescriptor folder, std::string name, std::filesystem::path shown,
+                  std::string_view contents);
+
   /// To be called once; what is not committed is dropped. Throws std::system_error with the path;
   /// the file is then as it was.
   void commit();
 
  private:
-  void copyPermissions() const;
+  FileReplacement(const std::filesystem::path& file, const std::filesystem::path& target,
+                  std::string_view contents);
 
-  std::filesystem::path file_;    ///< as errors name it
-  std::filesystem::path target_;  ///< behind all links
+  std::filesystem::path file_;  ///< as errors name it
+  FileDescriptor folder_;
+  std::string name_;
   TemporaryFile temporary_;
 };
 

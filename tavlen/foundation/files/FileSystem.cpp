@@ -8,7 +8,6 @@
 #include <utility>
 
 #include "tavlen/foundation/base/SystemError.h"
-#include "tavlen/foundation/files/RandomAccessFile.h"
 #include "tavlen/foundation/text/Unicode.h"
 
 namespace tavlen {
@@ -18,7 +17,17 @@ namespace {
 /// No document comes near it, and a sparse file of any size is made in no time.
 constexpr std::size_t kLargestFile = std::size_t{1} << 31;
 
-std::optional<std::string> contentsUpTo(const RandomAccessFile& file, std::size_t most) {
+}  // namespace
+
+std::string readFile(const RandomAccessFile& file) {
+  std::optional<std::string> bytes = readFileUpTo(file, kLargestFile);
+  if (!bytes) throwSystemError(EFBIG, file.path());
+  return std::move(*bytes);
+}
+
+std::string readFile(const std::filesystem::path& path) { return readFile(RandomAccessFile(path)); }
+
+std::optional<std::string> readFileUpTo(const RandomAccessFile& file, std::size_t most) {
   if (file.size() > most) return std::nullopt;
   // The size is a hint: the file may grow or shrink while it is read. One more byte lets the read
   // see the end.
@@ -32,29 +41,21 @@ std::optional<std::string> contentsUpTo(const RandomAccessFile& file, std::size_
   return bytes;
 }
 
-}  // namespace
-
-std::string readFile(const std::filesystem::path& path) { return readFileNamed(path.string()); }
-
-std::string readFileNamed(const std::string& path, int folder) {
-  std::optional<std::string> bytes = contentsUpTo(RandomAccessFile(path, folder), kLargestFile);
-  if (!bytes) throwSystemError(EFBIG, path);
-  return std::move(*bytes);
-}
-
 std::optional<std::string> readFileUpTo(const std::filesystem::path& path, std::size_t most) {
-  return contentsUpTo(RandomAccessFile(path), most);
+  return readFileUpTo(RandomAccessFile(path), most);
 }
 
-std::string readText(const std::filesystem::path& path) {
-  std::string bytes = readFile(path);
+std::string readText(const RandomAccessFile& file) {
+  std::string bytes = readFile(file);
   const ByteOrderMark mark = byteOrderMarkOf(bytes).value_or(ByteOrderMark{TextEncoding::utf8, 0});
   bytes.erase(0, mark.length);
   std::string text;
   if (!convertToUTF8(bytes, mark.encoding, text))
-    throwSystemError(EILSEQ, path.string() + ": the text is malformed in its encoding");
+    throwSystemError(EILSEQ, file.path() + ": the text is malformed in its encoding");
   return text;
 }
+
+std::string readText(const std::filesystem::path& path) { return readText(RandomAccessFile(path)); }
 
 bool isTaken(const std::filesystem::path& path) {
   std::error_code error;
@@ -74,19 +75,23 @@ bool isPlainComponent(std::string_view name) {
          name.find_first_of(std::string_view("/\0", 2)) == std::string_view::npos;
 }
 
+bool isAtOrBelow(const std::filesystem::path& path, const std::filesystem::path& folder) {
+  return std::mismatch(folder.begin(), folder.end(), path.begin(), path.end()).first ==
+         folder.end();
+}
+
+bool isRelativeName(std::string_view name) {
+  return !name.empty() && name.front() != '/' && name.find('\0') == std::string_view::npos;
+}
+
 std::optional<std::filesystem::path> pathInside(const std::filesystem::path& folder,
                                                 std::string_view name) {
-  const std::filesystem::path relative(name);
-  if (name.empty() || name.find('\0') != std::string_view::npos || relative.is_absolute()) {
-    return std::nullopt;
-  }
+  if (!isRelativeName(name)) return std::nullopt;
   std::error_code error;
   const std::filesystem::path base = std::filesystem::weakly_canonical(folder, error);
   if (error) return std::nullopt;
-  const std::filesystem::path file = std::filesystem::weakly_canonical(base / relative, error);
-  if (error) return std::nullopt;
-  const auto [inBase, inFile] = std::mismatch(base.begin(), base.end(), file.begin(), file.end());
-  if (inBase != base.end() || inFile == file.end()) return std::nullopt;
+  std::filesystem::path file = std::filesystem::weakly_canonical(base / name, error);
+  if (error || file == base || !isAtOrBelow(file, base)) return std::nullopt;
   return file;
 }
 

@@ -8,8 +8,10 @@
 namespace tavlen {
 
 RandomAccessFile::RandomAccessFile(std::string path, int folder)
-    : path_(std::move(path)),
-      file_(FileDescriptor::openAt(folder, path_.c_str(), kOpenToRead, path_)) {
+    : RandomAccessFile(FileDescriptor::openAt(folder, path.c_str(), kOpenToRead, path), path) {}
+
+RandomAccessFile::RandomAccessFile(FileDescriptor file, std::string path)
+    : path_(std::move(path)), file_(std::move(file)) {
   const struct stat status = file_.status(path_);
   if (S_ISDIR(status.st_mode)) throwSystemError(EISDIR, path_);
   if (!S_ISREG(status.st_mode)) throwSystemError(EINVAL, path_ + ": not a regular file");

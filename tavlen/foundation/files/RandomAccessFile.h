@@ -22,7 +22,11 @@ class RandomAccessFile {
   explicit RandomAccessFile(const std::filesystem::path& path) : RandomAccessFile(path.string()) {}
   /// The same for a path's text, relative to the folder that is open as `folder`.
   explicit RandomAccessFile(std::string path, int folder = AT_FDCWD);
+  /// Takes over a file opened with kOpenToRead, which errors call `path`. Refuses as above.
+  RandomAccessFile(FileDescriptor file, std::string path);
 
+  /// As errors name it.
+  const std::string& path() const { return path_; }
   /// In bytes, when it was opened.
   std::uint64_t size() const { return size_; }
   /// The bytes from `offset` on, `count` of them or as many as the file has there.

@@ -29,16 +29,26 @@ std::string makeName() {
 
 /// Whether this process has not listed `folder` in the last ten minutes; it is then taken to do so
 /// now.
-bool isSweepDue(const std::filesystem::path& folder) {
+bool isSweepDue(int folder) {
   using Clock = std::chrono::steady_clock;
   static std::mutex lock;
-  static std::map<std::string, Clock::time_point> sweeps;
+  static std::map<std::pair<dev_t, ino_t>, Clock::time_point> sweeps;
+  struct stat status {};
+  if (::fstat(folder, &status) != 0) return false;
   const Clock::time_point now = Clock::now();
   const std::lock_guard guard(lock);
-  const auto [sweep, isFirst] = sweeps.try_emplace(folder, now);
+  const auto [sweep, isFirst] = sweeps.try_emplace({status.st_dev, status.st_ino}, now);
   if (!isFirst && now - sweep->second <= kLeftOverAge) return false;
   sweep->second = now;
   return true;
+}
+
+bool isLeftOver(int folder, const std::string& name) {
+  if (!name.starts_with(kPrefix)) return false;
+  struct stat status {};
+  if (::fstatat(folder, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) return false;
+  const auto written = std::chrono::system_clock::from_time_t(status.st_mtime);
+  return std::chrono::system_clock::now() - written > kLeftOverAge;
 }
 
 }  // namespace
@@ -66,16 +76,14 @@ bool isTemporaryName(const std::filesystem::path& name) {
   return name.native().starts_with(kPrefix) || name == TemporaryDirectory::kItemsFolder;
 }
 
-void sweepTemporaryFiles(const std::filesystem::path& folder) {
+void sweepTemporaryFiles(int folder) {
   if (!isSweepDue(folder)) return;
-  const auto now = std::filesystem::file_time_type::clock::now();
+  FileDescriptor listed = FileDescriptor::tryOpenAt(folder, ".", O_RDONLY | O_DIRECTORY);
+  if (!listed) return;
   try {
-    FolderReader reader(FileDescriptor::open(folder, O_RDONLY | O_DIRECTORY), folder);
+    FolderReader reader(std::move(listed), "temporary files");
     while (const std::optional<std::string> name = reader.next()) {
-      if (!name->starts_with(kPrefix)) continue;
-      std::error_code error;
-      const auto written = std::filesystem::last_write_time(folder / *name, error);
-      if (!error && now - written > kLeftOverAge) std::filesystem::remove(folder / *name, error);
+      if (isLeftOver(folder, *name)) (void)::unlinkat(folder, name->c_str(), 0);
     }
   } catch (const std::system_error&) {
     // The next one that looks finds them.

@@ -45,9 +45,9 @@ class TemporaryFile {
 /// which a crash may have left: not a part of what the user stored.
 bool isTemporaryName(const std::filesystem::path& name);
 
-/// Removes temporary files that crashes left in `folder`, once they are ten minutes old. Listing a
-/// large folder takes longer than writing a file, so a process lists each folder at most once in
-/// that time. Errors are ignored.
-void sweepTemporaryFiles(const std::filesystem::path& folder);
+/// Removes temporary files that crashes left in the open folder `folder`, once they are ten minutes
+/// old. Listing a large folder takes longer than writing a file, so a process lists each folder at
+/// most once in that time. Errors are ignored.
+void sweepTemporaryFiles(int folder);
 
 }  // namespace tavlen

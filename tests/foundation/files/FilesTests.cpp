@@ -18,6 +18,9 @@ namespace tavlen {
 namespace {
 
 using namespace std::string_literals;
+
+constexpr auto kReadFile = [](const std::filesystem::path& path) { return readFile(path); };
+constexpr auto kReadText = [](const std::filesystem::path& path) { return readText(path); };
 using macho::bigWord;
 using macho::fat;
 using macho::thin;
@@ -50,10 +53,10 @@ TEST_F(FileSystemTest, readsOnlyRegularFiles) {
   EXPECT_FALSE(readFile("/proc/self/stat").empty());
 
   ASSERT_EQ(::mkfifo((folder_ / "pipe").c_str(), 0600), 0);
-  EXPECT_EQ(errorOf(folder_ / "pipe", readFile), EINVAL);
-  EXPECT_EQ(errorOf("/dev/zero", readFile), EINVAL);
-  EXPECT_EQ(errorOf(folder_, readFile), EISDIR);
-  EXPECT_EQ(errorOf(folder_ / "missing", readFile), ENOENT);
+  EXPECT_EQ(errorOf(folder_ / "pipe", kReadFile), EINVAL);
+  EXPECT_EQ(errorOf("/dev/zero", kReadFile), EINVAL);
+  EXPECT_EQ(errorOf(folder_, kReadFile), EISDIR);
+  EXPECT_EQ(errorOf(folder_ / "missing", kReadFile), ENOENT);
 }
 
 TEST_F(FileSystemTest, detectsTheEncodingOfText) {
@@ -76,7 +79,7 @@ TEST_F(FileSystemTest, detectsTheEncodingOfText) {
   };
   for (const auto& row : rows) {
     const std::filesystem::path path = write(row.bytes);
-    EXPECT_EQ(errorOf(path, readText), row.textError) << testing::PrintToString(row.bytes);
+    EXPECT_EQ(errorOf(path, kReadText), row.textError) << testing::PrintToString(row.bytes);
     if (row.textError == 0) {
       EXPECT_EQ(readText(path), row.text);
     }
@@ -88,7 +91,7 @@ TEST_F(FileSystemTest, refusesFilesThatNoDocumentIsAsLargeAs) {
   EXPECT_EQ(readFileUpTo(folder_ / "f", 2), std::nullopt);
   EXPECT_EQ(readFileUpTo("/proc/self/stat", 2), std::nullopt);  // it grows while it is read
   std::filesystem::resize_file(write(""), std::uintmax_t{1} << 40);
-  EXPECT_EQ(errorOf(folder_ / "f", readFile), EFBIG);
+  EXPECT_EQ(errorOf(folder_ / "f", kReadFile), EFBIG);
 }
 
 TEST_F(FileSystemTest, findsStoredNamesInsideTheirFolderOnly) {

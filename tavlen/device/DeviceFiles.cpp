@@ -1,0 +1,69 @@
+#include "tavlen/device/DeviceFiles.h"
+
+#include <cerrno>
+#include <system_error>
+#include <utility>
+
+#include "tavlen/foundation/base/SystemError.h"
+#include "tavlen/foundation/files/FileSystem.h"
+
+namespace tavlen {
+
+namespace fs = std::filesystem;
+
+RandomAccessFile openedFile(const DeviceRoot& root, const fs::path& path) {
+  return {root.open(path, kOpenToRead), path.string()};
+}
+
+DeviceFolder::DeviceFolder(DeviceRoot root, fs::path path)
+    : root_(std::move(root)),
+      path_(std::move(path)),
+      hasOwnLinks_(root_.hasOwnLinksAt(path_)),
+      folder_(root_.open(path_, O_RDONLY | O_DIRECTORY)) {}
+
+FileDescriptor DeviceFolder::opened() const {
+  return FileDescriptor::openAt(folder_.get(), ".", kOpenFolder, path_);
+}
+
+RandomAccessFile DeviceFolder::openedFile(const std::string& name) const {
+  if (!hasOwnLinks_) return RandomAccessFile(name, folder_.get());
+  FileDescriptor file = FileDescriptor::tryOpenBelow(folder_.get(), name, kOpenToRead);
+  if (!file && (errno == ELOOP || errno == ENOTDIR)) file = root_.open(path_ / name, kOpenToRead);
+  if (!file) throwSystemError(name);
+  return {std::move(file), name};
+}
+
+FileReplacement replacementOf(const DeviceRoot& root, const fs::path& path,
+                              std::string_view contents) {
+  const fs::path target = root.follow(path);
+  // Outside the root, links are the system's, which the replacement follows by itself.
+  if (!root.hasOwnLinksAt(path)) return {path, contents};
+  return {root.open(target.parent_path(), kOpenFolder), target.filename(), path, contents};
+}
+
+void replaceFile(const DeviceRoot& root, const fs::path& path, std::string_view contents) {
+  replacementOf(root, path, contents).commit();
+}
+
+fs::path canonical(const DeviceRoot& root, const fs::path& path) {
+  std::error_code error;
+  fs::path found = fs::canonical(root.follow(path), error);
+  if (error) throw std::system_error(error, path.string());
+  return found;
+}
+
+std::optional<fs::path> pathInside(const DeviceRoot& root, const fs::path& folder,
+                                   std::string_view name) {
+  if (!root.hasOwnLinksAt(folder)) return pathInside(folder, name);
+  if (!isRelativeName(name)) return std::nullopt;
+  try {
+    const fs::path base = root.follow(folder);
+    fs::path file = root.follow(base / name);
+    if (file == base || !isAtOrBelow(file, base)) return std::nullopt;
+    return file;
+  } catch (const std::system_error&) {
+    return std::nullopt;
+  }
+}
+
+}  // namespace tavlen

@@ -4,7 +4,9 @@
 #include <filesystem>
 #include <stdexcept>
 
+#include "tavlen/device/DevicePrograms.h"
 #include "tavlen/device/DeviceRoot.h"
+#include "tavlen/foundation/files/ExecutablePath.h"
 
 namespace tavlen::cli {
 
@@ -28,6 +30,8 @@ void useRoot(const std::string& root) {
   }
   const std::filesystem::path folder = std::filesystem::canonical(root);
   DeviceRoot::setShared(DeviceRoot(folder));
+  // The tree's own programs are not run; the helper that came with this command does their work.
+  DevicePrograms::setForOtherRoots({executablePath().parent_path() / "kvfileops", {}, {}});
   // The file-operations helper learns it from here. No other thread runs yet.
   ::setenv(kVariable, folder.c_str(), 1);  // NOLINT(concurrency-mt-unsafe)
 }

@@ -6,7 +6,7 @@
 #include "cli/commands/Commands.h"
 #include "cli/work/ProgramCheck.h"
 #include "tavlen/device/AppControl.h"
-#include "tavlen/device/ProcessControl.h"
+#include "tavlen/device/DevicePrograms.h"
 #include "tavlen/device/SystemService.h"
 
 namespace tavlen::cli {
@@ -14,11 +14,12 @@ namespace tavlen::cli {
 namespace {
 
 int kill(const std::string& app) {
+  requireRunningDevice();
   const std::string bundleID = bundleIDOf(app);
   if (!SystemService::isAvailable()) {
     throw std::runtime_error("the system service that knows the running apps is missing");
   }
-  requireProgram(killProgram());
+  requireProgram(DevicePrograms::shared().kill);
   if (!SystemService::pidForApplication(bundleID)) {
     throw std::runtime_error(bundleID + " is not running");
   }

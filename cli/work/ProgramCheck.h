@@ -8,4 +8,7 @@ namespace tavlen::cli {
 /// silent.
 void requireProgram(const std::filesystem::path& program);
 
+/// Throws std::runtime_error unless the device root is "/": a copied tree has no running programs.
+void requireRunningDevice();
+
 }  // namespace tavlen::cli

@@ -1,11 +1,9 @@
 #include "tavlen/device/FileOperations.h"
 
-#include <system_error>
 #include <utility>
 #include <vector>
 
-#include "tavlen/device/DevicePaths.h"
-#include "tavlen/device/DeviceRoot.h"
+#include "tavlen/device/DevicePrograms.h"
 #include "tavlen/device/Process.h"
 #include "tavlen/foundation/files/FileSystem.h"
 
@@ -23,15 +21,9 @@ void run(std::vector<std::string> words) {
 
 }  // namespace
 
-std::filesystem::path helper() { return DeviceRoot::shared().resolve(kFileOperationsPath); }
+std::filesystem::path helper() { return DevicePrograms::shared().fileOperations; }
 
-bool isAvailable() {
-  try {
-    return executableError(helper()) == 0;
-  } catch (const std::system_error&) {
-    return false;
-  }
-}
+bool isAvailable() { return executableError(helper()) == 0; }
 
 void cleanUp(const std::filesystem::path& directory, bool isFollowedByTweak) {
   run({"cleanup", directory.string(), isFollowedByTweak ? "1" : "0"});

@@ -11,7 +11,7 @@
 /// sets that, too. Threads: any.
 namespace tavlen::FileOperations {
 
-/// Where the helper lies.
+/// Where the helper lies: DevicePrograms tells. Empty where there is none.
 std::filesystem::path helper();
 /// Whether a program is there.
 bool isAvailable();

@@ -3,29 +3,19 @@
 #include <array>
 #include <charconv>
 #include <string>
-#include <system_error>
 
-#include "tavlen/device/DeviceRoot.h"
+#include "tavlen/device/DevicePrograms.h"
 #include "tavlen/device/detail/Spawn.h"
 
 namespace tavlen {
 
 namespace {
 
-/// A program behind links in a circle is missing like any other.
-void runSilently(std::filesystem::path (*program)(), const char* argument) {
-  try {
-    killProcess(program().c_str(), argument);
-  } catch (const std::system_error&) {
-    return;
-  }
+void runSilently(const std::filesystem::path& program, const char* argument) {
+  if (!program.empty()) killProcess(program.c_str(), argument);
 }
 
 }  // namespace
-
-std::filesystem::path killProgram() { return DeviceRoot::shared().resolve("/bin/kill"); }
-
-std::filesystem::path killallProgram() { return DeviceRoot::shared().resolve("/usr/bin/killall"); }
 
 pid_t killProcess(const char* path, const char* argument) {
   pid_t child = -1;
@@ -42,9 +32,9 @@ void killProcessWithPID(pid_t pid) {
   if (pid < 1) return;
   std::array<char, 16> text{};
   std::to_chars(text.data(), text.data() + text.size() - 1, pid);
-  runSilently(killProgram, text.data());
+  runSilently(DevicePrograms::shared().kill, text.data());
 }
 
-void respring() { runSilently(killallProgram, "SpringBoard"); }
+void respring() { runSilently(DevicePrograms::shared().killall, "SpringBoard"); }
 
 }  // namespace tavlen

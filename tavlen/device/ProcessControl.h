@@ -2,17 +2,11 @@
 
 #include <sys/types.h>
 
-#include <filesystem>
-
-/// Ending programs of the device by its own kill and killall. Nothing here reports a failure: a
-/// program that is missing and a process that survives leave no trace; a caller that wants to tell
-/// looks whether the program is there. All block until the program that they start has ended.
-/// Threads: any.
+/// Ending programs of the device by its own kill and killall, as DevicePrograms names them. Nothing
+/// here reports a failure: a program that is missing and a process that survives leave no trace; a
+/// caller that wants to tell looks whether the program is there. All block until the program that
+/// they start has ended. Threads: any.
 namespace tavlen {
-
-/// Where the device's programs lie, as host paths. Throw std::system_error for links in a circle.
-std::filesystem::path killProgram();
-std::filesystem::path killallProgram();
 
 /// Runs `path`, a host path that is not searched for, with the arguments "-9" and `argument`, and
 /// waits. The child's pid, or -1 where it was not started or could not be waited for.

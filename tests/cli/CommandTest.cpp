@@ -47,9 +47,9 @@ std::vector<std::string> wordsOf(const std::string& line) {
 
 }  // namespace
 
-pid_t startCommand(std::vector<std::string> words, std::vector<std::string> variables,
-                   const std::function<void()>& prepare) {
-  words.insert(words.begin(), paths().command);
+pid_t startCommand(const std::string& program, std::vector<std::string> words,
+                   std::vector<std::string> variables, const std::function<void()>& prepare) {
+  words.insert(words.begin(), program);
   variables.emplace_back("LC_ALL=C");
   // What a preset tells the engine and the sanitizers, and nothing else of this machine.
   for (char** entry = environ; *entry != nullptr; ++entry) {
@@ -70,6 +70,19 @@ pid_t startCommand(std::vector<std::string> words, std::vector<std::string> vari
   ::_exit(127);
 }
 
+void CommandTest::helper(const std::string& script) {
+  namespace fs = std::filesystem;
+  const fs::path folder = outputs_.path() / "installed/bin";
+  if (fs::create_directories(folder)) {
+    fs::copy_file(paths().command, folder / "tavlen");
+    fs::create_directory_symlink(fs::path(paths().command).parent_path().parent_path() / "share",
+                                 folder.parent_path() / "share");
+    program_ = folder / "tavlen";
+  }
+  const fs::path helper = outputs_.write("installed/bin/kvfileops", "#!/bin/sh\n" + script + "\n");
+  fs::permissions(helper, fs::perms::owner_all);
+}
+
 CommandTest::Result CommandTest::run(const std::string& line, const std::vector<std::string>& more,
                                      const std::string& output) const {
   std::vector<std::string> words = wordsOf(line);
@@ -77,7 +90,7 @@ CommandTest::Result CommandTest::run(const std::string& line, const std::vector<
   const std::string out = output.empty() ? (outputs_.path() / "out").string() : output;
   const std::string err = (outputs_.path() / "err").string();
   const int writing = O_WRONLY | O_CREAT | O_TRUNC;
-  const pid_t child = startCommand(std::move(words), environment_, [&] {
+  const pid_t child = startCommand(program_, std::move(words), environment_, [&] {
     redirect(0, folder() / input_, O_RDONLY);
     redirect(1, out, writing);
     redirect(2, err, writing);

@@ -13,11 +13,11 @@
 
 namespace tavlen {
 
-/// Starts the command in an environment of `variables` and the locale "C", with nothing ignored or
-/// blocked of the signals that end a program: the tests may run in the background of a script, or
-/// under nohup. `prepare` is called in the new process.
-pid_t startCommand(std::vector<std::string> words, std::vector<std::string> variables,
-                   const std::function<void()>& prepare);
+/// Starts the command, the file `program`, in an environment of `variables` and the locale "C",
+/// with nothing ignored or blocked of the signals that end a program: the tests may run in the
+/// background of a script, or under nohup. `prepare` is called in the new process.
+pid_t startCommand(const std::string& program, std::vector<std::string> words,
+                   std::vector<std::string> variables, const std::function<void()>& prepare);
 
 /// Runs the command in a temporary folder, and makes tweaks there.
 class CommandTest : public testing::Test {
@@ -56,7 +56,11 @@ class CommandTest : public testing::Test {
                   const std::string& configuration = "") const;
   std::string contents(const std::string& name) const;
 
+  /// What is run from now on is a copy of the command with this script as its helper.
+  void helper(const std::string& script);
+
  private:
+  std::string program_ = paths().command;
   TemporaryFolder folder_;
   TemporaryFolder outputs_;
   std::vector<std::string> environment_;

@@ -29,7 +29,7 @@ class RunningCommand {
     EXPECT_EQ(columns > 0 ? ::openpty(pipe.data(), &pipe[1], nullptr, nullptr, &size)
                           : ::pipe2(pipe.data(), O_CLOEXEC),
               0);
-    child_ = startCommand(std::move(words), std::move(variables), [&] {
+    child_ = startCommand(paths().command, std::move(words), std::move(variables), [&] {
       ::alarm(120);
       ::dup2(pipe[1], 1);
       ::dup2(pipe[1], 2);

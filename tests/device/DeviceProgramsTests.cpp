@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <limits>
 
+#include "tavlen/device/DevicePrograms.h"
 #include "tavlen/device/DeviceRoot.h"
 #include "tavlen/device/FileOperations.h"
 #include "tavlen/device/Process.h"
@@ -20,7 +21,10 @@ namespace {
 /// A device root of the test's own, whose programs write down what they are called with.
 class DeviceProgramsTest : public testing::Test {
  protected:
-  DeviceProgramsTest() { DeviceRoot::setShared(DeviceRoot(root_.path())); }
+  DeviceProgramsTest() {
+    DeviceRoot::setShared(DeviceRoot(root_.path()));
+    DevicePrograms::setForOtherRoots({root() / "helper", root() / "kill", root() / "killall"});
+  }
   ~DeviceProgramsTest() override { DeviceRoot::setShared(DeviceRoot()); }
 
   std::filesystem::path addProgram(const std::string& path, const std::string& end = "") const {
@@ -47,8 +51,8 @@ using ProcessControlTest = DeviceProgramsTest;
 using FileOperationsTest = DeviceProgramsTest;
 
 TEST_F(ProcessControlTest, RunsTheDevicesPrograms) {
-  EXPECT_EQ(addProgram("bin/kill"), killProgram());
-  EXPECT_EQ(addProgram("usr/bin/killall"), killallProgram());
+  addProgram("kill");
+  addProgram("killall");
   killProcessWithPID(12345);
   EXPECT_EQ(calls(), "[-9][12345]");
   killProcessWithPID(std::numeric_limits<pid_t>::max());
@@ -59,6 +63,19 @@ TEST_F(ProcessControlTest, RunsTheDevicesPrograms) {
   }
   respring();
   EXPECT_EQ(calls(), "[-9][SpringBoard]");
+
+  // A tree's own programs are data.
+  for (const char* path :
+       {"bin/kill", "usr/bin/killall", "Applications/Marrowgleam.app/bin/kvfileops"}) {
+    addProgram(path);
+  }
+  DevicePrograms::setForOtherRoots({});
+  killProcessWithPID(12345);
+  respring();
+  EXPECT_FALSE(FileOperations::isAvailable());
+  EXPECT_EQ(calls(), "");
+  DeviceRoot::setShared(DeviceRoot("/", "/var/jb"));
+  EXPECT_EQ(DevicePrograms::shared().killall, "/var/jb/usr/bin/killall");
 }
 
 TEST_F(ProcessControlTest, AnswersTheChildOrMinusOne) {
@@ -76,9 +93,8 @@ TEST_F(ProcessControlTest, AnswersTheChildOrMinusOne) {
 }
 
 TEST_F(FileOperationsTest, PassesItsWordsToTheHelper) {
-  const std::string place = "Applications/Marrowgleam.app/bin/kvfileops";
   EXPECT_FALSE(FileOperations::isAvailable());
-  EXPECT_EQ(addProgram(place), FileOperations::helper());
+  EXPECT_EQ(addProgram("helper"), FileOperations::helper());
   EXPECT_TRUE(FileOperations::isAvailable());
   FileOperations::cleanUp("/a b", true);
   EXPECT_EQ(calls(), "[cleanup][/a b][1]");
@@ -95,7 +111,7 @@ TEST_F(FileOperationsTest, PassesTheHelpersFailureOn) {
     return thrown<Process::Error>([] { FileOperations::fetchLogs("a.b", "/to"); });
   };
   EXPECT_EQ(error(), Process::Error::posixSpawn(ENOENT));
-  addProgram("Applications/Marrowgleam.app/bin/kvfileops", "exit 2");
+  addProgram("helper", "exit 2");
   EXPECT_EQ(error(), Process::Error::terminated(2));
   std::filesystem::permissions(FileOperations::helper(), std::filesystem::perms::owner_read);
   EXPECT_FALSE(FileOperations::isAvailable());

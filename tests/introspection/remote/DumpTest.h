@@ -18,6 +18,7 @@
 
 #include "tavlen/bundles/Executable.h"
 #include "tavlen/bundles/IPA.h"
+#include "tavlen/device/DevicePrograms.h"
 #include "tavlen/device/DeviceRoot.h"
 #include "tavlen/foundation/tasks/DatagramReceiver.h"
 #include "tavlen/introspection/remote/detail/TessaloopClient.h"
@@ -64,8 +65,9 @@ class DumpTest : public testing::Test {
 
   DumpTest() {
     DeviceRoot::setShared(DeviceRoot(tree()));
-    tree_.write("bin/kill", "#!/bin/sh\nkill \"$@\" 2>/dev/null\n");
-    std::filesystem::permissions(tree() / "bin/kill", std::filesystem::perms::owner_all);
+    tree_.write("kill", "#!/bin/sh\nkill \"$@\" 2>/dev/null\n");
+    std::filesystem::permissions(tree() / "kill", std::filesystem::perms::owner_all);
+    DevicePrograms::setForOtherRoots({{}, tree() / "kill", {}});
     writeInfo(kApp);
     tree_.write("Applications/Dumped.app/Frameworks/none", "");
     std::filesystem::copy_file(paths().dumpedImage, tree() / (kImage + 1));

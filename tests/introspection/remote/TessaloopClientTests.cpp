@@ -164,8 +164,8 @@ TEST_F(TessaloopClientTest, IsCancelledBeforeTheSocketAndDuringTheKill) {
   const StandIns standIns(notingScript() + "<key>pids</key><dict><key>" + kApp +
                           "</key><integer>4711</integer></dict>");
   // One that does not end until it may.
-  write("bin/kill", "#!/bin/sh\necho >> '" + (tree() / "killing").string() + "'\nwhile ! [ -e '" +
-                        (tree() / "go").string() + "' ]; do sleep 0.02; done\n");
+  write("kill", "#!/bin/sh\necho >> '" + (tree() / "killing").string() + "'\nwhile ! [ -e '" +
+                    (tree() / "go").string() + "' ]; do sleep 0.02; done\n");
   TessaloopClient client(quick());
   RunningRequest first(client, kApp);
   ASSERT_TRUE(becomesTrue([&] { return std::filesystem::exists(tree() / "killing"); }));

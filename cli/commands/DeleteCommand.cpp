@@ -29,7 +29,10 @@ int deleteItem(const std::string& name) {
   }
   const std::string bundleID = opened.configuration().bundleID();
   const bool isInstalled = isActiveTweak(bundleID, item->id());
-  if (isInstalled) item->uninstall();
+  if (isInstalled) {
+    tellThatNothingRuns();
+    item->uninstall();
+  }
   if (isInstalled && isActiveTweak(bundleID, item->id())) {
     printWarning(name + ": could not be uninstalled from " + bundleID);
   }

@@ -4,18 +4,31 @@
 #include <stdexcept>
 
 #include "cli/arguments/AppArgument.h"
+#include "cli/terminal/Console.h"
+#include "tavlen/device/DeviceRoot.h"
 #include "tavlen/device/FileOperations.h"
 #include "tavlen/device/InstalledRecords.h"
 #include "tavlen/device/Process.h"
 
 namespace tavlen::cli {
 
-bool isActiveTweak(const std::string& bundleID, const std::string& id) {
+std::optional<std::string> activeTweakID(const std::string& bundleID) {
   const std::optional<TweakInfo> record = InstalledRecords::record(bundleID);
-  return record && record->tweakID == id;
+  return record ? record->tweakID : std::nullopt;
+}
+
+bool isActiveTweak(const std::string& bundleID, const std::string& id) {
+  return activeTweakID(bundleID) == id;
+}
+
+void tellThatNothingRuns() {
+  if (DeviceRoot::shared().isDevice()) return;
+  printMessage(
+      "tavlen: not a running device: the app is not ended and the home screen not restarted\n");
 }
 
 void setActiveTweak(IPA& ipa, const InstallableTweak* tweak) {
+  tellThatNothingRuns();
   try {
     ipa.setActiveTweak(tweak);
   } catch (const Process::Error& error) {

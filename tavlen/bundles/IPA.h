@@ -69,11 +69,13 @@ class IPA : public std::enable_shared_from_this<IPA> {
   /// Installs `tweak` in the place of the one that is active, or none when it is null; then ends
   /// the app, or restarts the home screen where the icon changes.
   ///
-  /// Blocks. A failure before the old installation is removed leaves it working; one after that
-  /// leaves no record. Throws what InfoManager::info() throws, Error::invalidFilename for a bundle
-  /// identifier that cannot name a folder, Error::missing where the file-operations helper is not
-  /// there, Error::cleanedUp, Process::Error for the helper's failure, std::system_error for the
-  /// file system's, and what the tweak's package() throws.
+  /// Blocks. All that can fail is tried before the old installation is touched: the new one is made
+  /// whole on the same volume, and the helper has shown that it runs. A later failure puts the old
+  /// one back; where that fails, too, or the process dies at that moment, nothing is installed and
+  /// no record says otherwise. Throws what InfoManager::info() throws, Error::invalidFilename for a
+  /// bundle identifier that cannot name a folder, Error::missing where the file-operations helper
+  /// is not there, Error::cleanedUp, Process::Error for the helper's failure, std::system_error for
+  /// the file system's, and what the tweak's package() throws.
   void setActiveTweak(const InstallableTweak* tweak);
 
   /// Gathers the app's crash logs in the existing folder `directory`. Blocks. Throws

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "tavlen/device/DevicePaths.h"
+#include "tavlen/device/DevicePrograms.h"
 #include "tavlen/device/DeviceRoot.h"
 #include "tavlen/device/InstalledRecords.h"
 #include "tavlen/device/Process.h"
@@ -40,8 +41,10 @@ class IPATest : public testing::Test {
     DeviceRoot::setShared(DeviceRoot(tree_.path()));
     app("com.example.notes", "Notes");
     tree_.write("Applications/Notes.app/Notes", macho::thin(2));
-    program("bin/kill", "echo kill \"$@\" >> \"$root/calls\"");
-    program("usr/bin/killall", "echo killall \"$@\" >> \"$root/calls\"");
+    program("kill", "echo kill \"$@\" >> \"$root/calls\"");
+    program("killall", "echo killall \"$@\" >> \"$root/calls\"");
+    DevicePrograms::setForOtherRoots(
+        {helperPath(), tree_.path() / "kill", tree_.path() / "killall"});
     // The helper as documented, with nothing that only a privileged one can do.
     helper(
         "case $1 in\n"
@@ -59,19 +62,19 @@ class IPATest : public testing::Test {
     fs::permissions(file, fs::perms::owner_all);
   }
   void helper(const std::string& script) const {
-    program(std::string(kFileOperationsPath.substr(1)),
-            "echo kvfileops \"$@\" >> \"$root/calls\"\n" + script);
+    program("helper", "echo kvfileops \"$@\" >> \"$root/calls\"\n" + script);
   }
 
+  fs::path helperPath() const { return tree_.path() / "helper"; }
   fs::path appDir() const { return tree_.path() / "Applications/Notes.app"; }
   fs::path installed() const {
     return DeviceRoot::shared().resolve(InstalledRecords::directory("com.example.notes"));
   }
-  /// The calls of programs so far, a line each, without the tree's path.
+  /// The calls of programs so far, a line each, without the tree's path and the helper's trial run.
   std::string calls() const {
     if (!fs::exists(tree_.path() / "calls")) return "";
-    return std::regex_replace(readFile(tree_.path() / "calls"), std::regex(tree_.path().string()),
-                              "");
+    const std::regex noise(tree_.path().string() + "|kvfileops cleanup .*/[0-9A-F-]{36} 0\n");
+    return std::regex_replace(readFile(tree_.path() / "calls"), noise, "");
   }
 
   TemporaryFolder tree_;
@@ -235,12 +238,21 @@ TEST_F(IPATest, AFailedInstallationLeavesTheOldOneOrNoRecord) {
   EXPECT_THROW(ipa->setActiveTweak(&broken), std::runtime_error);
   EXPECT_EQ(ipa->activeTweakID(), "T1");
 
-  helper("exit 3");
-  EXPECT_EQ(thrown<Process::Error>([&] { ipa->setActiveTweak(&next); }),
-            Process::Error::terminated(3));
-  EXPECT_EQ(InstalledRecords::record("com.example.notes"), std::nullopt);
+  // One that does not run here, that stops before its work, after it, and at the removal.
+  for (const char* script : {"exit 3", "case $2 in *notes) exit 3; esac",
+                             "case $2 in *notes) rm -rf \"$2\"; exit 3; esac"}) {
+    helper(script);
+    for (const InstallableTweak* tweak :
+         std::initializer_list<const SamplePackage*>{&next, nullptr}) {
+      EXPECT_EQ(thrown<Process::Error>([&] { ipa->setActiveTweak(tweak); }),
+                Process::Error::terminated(3));
+      EXPECT_EQ(ipa->activeTweakID(), "T1") << script;
+      EXPECT_TRUE(fs::exists(installed() / "T1.bundle/code.js")) << script;
+      EXPECT_EQ(std::distance(fs::directory_iterator(installed()), {}), 2) << script;
+    }
+  }
 
-  fs::remove(DeviceRoot::shared().resolve(kFileOperationsPath));
+  fs::remove(helperPath());
   EXPECT_EQ(messageOf([&] { ipa->setActiveTweak(&next); }), "Missing kvfileops");
   for (const std::string bundleID : {"..", "a/b", ""}) {
     app(bundleID, "Notes");
@@ -280,7 +292,7 @@ TEST_F(IPATest, WhatItMayNotWriteGoesThroughTheHelper) {
   for (const fs::path& open : {tree_.path() / "calls", installed().parent_path().parent_path()}) {
     fs::permissions(open, fs::perms::all);
   }
-  fs::permissions(DeviceRoot::shared().resolve(kFileOperationsPath), fs::perms(0755));
+  fs::permissions(helperPath(), fs::perms(0755));
   fs::permissions(tree_.path(), fs::perms(0755));
   const auto install = [&] {
     if (::setgid(65534) != 0 || ::setuid(65534) != 0) ::_exit(2);

@@ -4,11 +4,11 @@
 #include <filesystem>
 #include <map>
 #include <optional>
-#include <system_error>
 #include <utility>
 
 #include "tavlen/bundles/IPA.h"
 #include "tavlen/bundles/InstallableTweak.h"
+#include "tavlen/bundles/detail/PreviousInstallation.h"
 #include "tavlen/device/AppControl.h"
 #include "tavlen/device/DevicePaths.h"
 #include "tavlen/device/DeviceRoot.h"
@@ -16,6 +16,7 @@
 #include "tavlen/device/InstalledRecords.h"
 #include "tavlen/device/ProcessControl.h"
 #include "tavlen/foundation/archive/KeyedArchive.h"
+#include "tavlen/foundation/base/UUID.h"
 #include "tavlen/foundation/files/FileReplacement.h"
 #include "tavlen/foundation/files/TemporaryDirectory.h"
 #include "tavlen/foundation/tasks/NotificationCenter.h"
@@ -27,11 +28,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-bool isMissingPermission(const std::error_code& error) {
-  return error == std::errc::permission_denied || error == std::errc::operation_not_permitted ||
-         error == std::errc::read_only_file_system;
-}
-
 class Installation {
  public:
   explicit Installation(const Info& app)
@@ -39,27 +35,34 @@ class Installation {
         directory_(InstalledRecords::directory(app.bundleID)),
         // A link in the place of the folder itself is not followed: it is the helper's to remove.
         target_(root_.resolve(kInstalledTweaksDir) / app.bundleID),
-        record_(target_ / kTweakInfoFilename),
         installed_(InstalledRecords::record(app.bundleID)) {
     next_.bundleID = app.bundleID;
   }
 
   void replaceBy(const InstallableTweak* tweak) {
-    std::optional<TemporaryDirectory> package;
+    const TemporaryDirectory work(workParent());
+    const fs::path package = work.path() / "package";
+    const fs::path aside = work.path() / "aside";
+    fs::create_directory(package);
+    fs::create_directory(aside);
     if (tweak != nullptr) {
-      fs::path installedTweaks = root_.resolve(kInstalledTweaksDir);
-      // Beside what a link leads to, for the same volume; resolve() follows links but on a device.
-      if (root_.isDevice()) installedTweaks = fs::weakly_canonical(installedTweaks);
-      package.emplace(installedTweaks.parent_path());
       next_.tweakID = tweak->id();
-      tweak->package(app_, package->path(), next_);
+      tweak->package(app_, package, next_);
     }
-    const bool shouldRespring = iconChanges(package ? package->path() : fs::path());
-    removeInstalled();
-    FileOperations::cleanUp(target_, tweak != nullptr);
-    if (package) {
-      moveIntoPlace(package->path());
-      writeRecord(package->path());
+    const std::string archive = encodeKeyedArchive(next_);
+    const bool shouldRespring = iconChanges(package);
+    // A helper that does not run here, as one made for another processor, is to cost nothing: it
+    // shows itself on a folder that does not exist.
+    FileOperations::cleanUp(target_.parent_path() / newUUIDText(), false);
+
+    PreviousInstallation previous(target_, aside);
+    try {
+      previous.moveAside();
+      FileOperations::cleanUp(target_, tweak != nullptr);
+      if (tweak != nullptr) putInPlace(package, archive);
+    } catch (...) {
+      previous.putBack();
+      throw;
     }
     try {
       announce();
@@ -72,6 +75,14 @@ class Installation {
   }
 
  private:
+  /// Next to the folder of installed tweaks, for the same volume; a link to that folder is
+  /// followed.
+  fs::path workParent() const {
+    fs::path installedTweaks = root_.resolve(kInstalledTweaksDir);
+    if (root_.isDevice()) installedTweaks = fs::weakly_canonical(installedTweaks);
+    return installedTweaks.parent_path();
+  }
+
   /// The record names its icon where it will lie; now it still lies in `package`.
   bool iconChanges(const fs::path& package) const {
     TweakInfo packaged = next_;
@@ -86,47 +97,14 @@ class Installation {
     return packaged.shouldRespringAfterChangingFromOther(installed_);
   }
 
-  /// The record goes first, so that a failure leaves none rather than one of half a tweak. What the
-  /// library may not remove is left to the helper.
-  void removeInstalled() const {
-    std::error_code error;
-    if (!fs::is_directory(fs::symlink_status(target_, error))) return;
-    remove(record_);
-    for (const fs::directory_entry& entry : fs::directory_iterator(target_, error)) {
-      remove(entry.path());
-    }
-    if (error && !isMissingPermission(error)) throw fs::filesystem_error("", target_, error);
-  }
-
-  static void remove(const fs::path& path) {
-    std::error_code error;
-    fs::remove_all(path, error);
-    if (error && !isMissingPermission(error)) throw std::system_error(error, path.string());
-  }
-
-  void moveIntoPlace(const fs::path& package) const {
-    std::error_code error;
+  /// The record comes last, so that a failure leaves none rather than one of half a tweak.
+  void putInPlace(const fs::path& package, const std::string& archive) const {
     for (const fs::directory_entry& entry : fs::directory_iterator(package)) {
-      const fs::path destination = target_ / entry.path().filename();
-      fs::rename(entry.path(), destination, error);
-      if (isMissingPermission(error)) {
-        FileOperations::copy(entry.path(), destination);
-      } else if (error) {
-        throw std::system_error(error, destination.string());
-      }
+      moveOrCopyByHelper(entry.path(), target_ / entry.path().filename());
     }
-  }
-
-  void writeRecord(const fs::path& package) const {
-    const std::string archive = encodeKeyedArchive(next_);
-    try {
-      replaceFile(record_, archive);
-    } catch (const std::system_error& error) {
-      if (!isMissingPermission(error.code())) throw;
-      const fs::path source = package / kTweakInfoFilename;
-      replaceFile(source, archive);
-      FileOperations::copy(source, record_);
-    }
+    const fs::path record = package / kTweakInfoFilename;
+    replaceFile(record, archive);
+    moveOrCopyByHelper(record, target_ / kTweakInfoFilename);
   }
 
   void announce() const {
@@ -149,9 +127,8 @@ class Installation {
 
   const DeviceRoot root_ = DeviceRoot::shared();
   const Info& app_;
-  std::string directory_;  ///< of the app, as the device names it
-  fs::path target_;        ///< the same, here
-  fs::path record_;
+  std::string directory_;               ///< of the app, as the device names it
+  fs::path target_;                     ///< the same, here
   std::optional<TweakInfo> installed_;  ///< before
   TweakInfo next_;                      ///< after
 };

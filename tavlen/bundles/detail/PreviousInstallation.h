@@ -1,0 +1,48 @@
+#pragma once
+
+#include <filesystem>
+#include <system_error>
+#include <vector>
+
+namespace tavlen {
+
+/// What is installed for an app while something else takes its place: moved aside, so that it can
+/// come back when the new installation fails.
+///
+/// Threads: one object one thread at a time.
+class PreviousInstallation {
+ public:
+  /// Lists `folder`, the app's folder of installed tweaks, which need not exist. `aside` is an
+  /// existing empty folder on the same volume. Throws std::system_error.
+  PreviousInstallation(std::filesystem::path folder, std::filesystem::path aside);
+
+  /// Empties the folder, beginning with the record, so that a crash leaves none rather than one of
+  /// half a tweak. What the library may not move is copied, as far as it can be read, and left to
+  /// the helper. Throws std::system_error.
+  void moveAside();
+  /// Removes what came in its place and puts everything back, the record last and only if all the
+  /// rest is there. Where the library may not write, by the helper. Failures are not reported: the
+  /// caller has one to report.
+  void putBack() const noexcept;
+
+ private:
+  void removeNew() const;
+  /// Whether `name` is back, or never went.
+  bool restore(const std::filesystem::path& name) const;
+
+  std::filesystem::path folder_;
+  std::filesystem::path aside_;
+  bool existed_;
+  bool hadRecord_ = false;
+  std::vector<std::filesystem::path> names_;  ///< of what the folder held besides the record
+};
+
+/// Whether `error` is one that the helper's rights may overcome.
+bool isMissingPermission(const std::error_code& error);
+
+/// Moves `source` to `destination`, or has the helper copy it there where the library may not
+/// write. Throws std::system_error and Process::Error.
+void moveOrCopyByHelper(const std::filesystem::path& source,
+                        const std::filesystem::path& destination);
+
+}  // namespace tavlen

@@ -2,7 +2,9 @@
 #include <compare>
 #include <exception>
 #include <filesystem>
+#include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <system_error>
 #include <vector>
@@ -42,11 +44,15 @@ struct Row {
 std::vector<Row> readRows() {
   std::vector<ListedItem> items = TweakManager::listedTweaks();
   sortByName(items);
+  // An app may have thousands of tweaks, but it has one record.
+  std::map<std::string, std::optional<std::string>> activeIDs;
   std::vector<Row> rows;
   rows.reserve(items.size());
   for (const auto& [item, configuration] : items) {
-    rows.push_back({configuration.name(), kindOf(*item), configuration.bundleID(),
-                    isActiveTweak(configuration.bundleID(), item->id()),
+    const std::string& bundleID = configuration.bundleID();
+    const auto [active, isNew] = activeIDs.try_emplace(bundleID);
+    if (isNew) active->second = activeTweakID(bundleID);
+    rows.push_back({configuration.name(), kindOf(*item), bundleID, active->second == item->id(),
                     wellFormedUTF8(item->id())});
   }
   return rows;

@@ -102,7 +102,8 @@ std::filesystem::path DeviceRoot::resolve(std::string_view devicePath) const {
 }
 
 bool DeviceRoot::hasOwnLinksAt(const std::filesystem::path& path) const {
-  return !isDevice() && isAtOrBelow(normalised(std::filesystem::absolute(path)), root_);
+  return !isDevice() && !path.empty() &&
+         isAtOrBelow(normalised(std::filesystem::absolute(path)), root_);
 }
 
 std::filesystem::path DeviceRoot::follow(const std::filesystem::path& path) const {

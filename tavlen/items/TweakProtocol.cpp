@@ -5,12 +5,11 @@
 #include <system_error>
 
 #include "tavlen/bundles/IPA.h"
-#include "tavlen/device/DevicePaths.h"
 #include "tavlen/device/DeviceRoot.h"
 #include "tavlen/foundation/files/FileSystem.h"
-#include "tavlen/foundation/files/TemporaryDirectory.h"
+#include "tavlen/foundation/files/FileTree.h"
+#include "tavlen/foundation/files/TemporaryFile.h"
 #include "tavlen/foundation/text/TextComparison.h"
-#include "tavlen/items/TweaksDirectory.h"
 
 namespace tavlen {
 
@@ -24,17 +23,6 @@ fs::path withName(fs::path url) {
   if (url.empty() || isPlainComponent(url.filename().native())) return url;
   url = fs::absolute(url).lexically_normal();
   return url.has_filename() ? url : url.parent_path();
-}
-
-/// Takes `item` out of sight in one step, into `folder`, and off the disk afterwards. Gives false
-/// when that lies on another volume.
-bool removeBy(const fs::path& folder, const fs::path& item) {
-  const TemporaryDirectory trash(folder);
-  std::error_code error;
-  fs::rename(item, trash.path() / item.filename(), error);
-  if (error == std::errc::cross_device_link) return false;
-  if (error) throw std::system_error(error, item.string());
-  return true;
 }
 
 }  // namespace
@@ -78,18 +66,16 @@ void TweakProtocol::delete_() {
 
 void TweakProtocol::remove() {
   const fs::path item = DeviceRoot::shared().followParent(fs::absolute(url()));
-  const fs::path folder = item.parent_path();
-  std::error_code ignored;
-  if (fs::symlink_status(item, ignored).type() == fs::file_type::not_found) {
-    throw std::system_error(ENOENT, std::generic_category(), item.string());
-  }
-  // Stored items leave the tweaks directory; others, and those on a volume of their own, move
-  // within the folder that they lie in.
-  const bool isStored = fs::equivalent(folder, TweaksDirectory::url(), ignored);
-  if (isStored && removeBy(DeviceRoot::shared().resolve(kApplicationSupportDir), item)) return;
-  if (!removeBy(folder, item)) {
-    throw std::system_error(EXDEV, std::generic_category(), item.string());
-  }
+  // Out of sight in one step, under a name that lists leave out, and off the disk afterwards. Both
+  // names lie in the same folder, so that no folder need be made, which takes space.
+  const fs::path hidden = item.parent_path() / temporaryName();
+  std::error_code error;
+  fs::rename(item, hidden, error);
+  if (!error) return removeQuietly(hidden);
+  // On a full disk even a name may find no room.
+  const bool isFull = error == std::errc::no_space_on_device || error.value() == EDQUOT;
+  if (!isFull) throw std::system_error(error, item.string());
+  removeItem(item);
 }
 
 }  // namespace tavlen

@@ -12,6 +12,7 @@
 #include "tavlen/foundation/files/DiskSync.h"
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/foundation/files/FileTree.h"
+#include "tavlen/foundation/files/TemporaryFile.h"
 #include "tavlen/foundation/json/JSONDecoder.h"
 #include "tavlen/foundation/json/JSONEncoder.h"
 #include "tavlen/foundation/text/Unicode.h"
@@ -109,13 +110,18 @@ std::shared_ptr<TweakFile> TweakFile::create(std::string name, TweakColor color,
                                              std::string bundleID) {
   std::shared_ptr<TweakFile> tweak(new TweakFile(uniqueTweakURL()));
   tweakPoster().performWithoutNotifications([&] {
-    std::filesystem::create_directories(tweak->url());
-    std::filesystem::create_directory(tweak->resourcesDir());
-    std::filesystem::create_directory(tweak->executablesDir());
+    // Under a name that lists leave out, so that a crash leaves no half tweak among the others.
+    const fs::path folder = TweaksDirectory::create();
+    sweepTemporaryFiles(FileDescriptor::open(folder, O_RDONLY | O_DIRECTORY).get());
+    const fs::path draft = folder / temporaryName();
+    fs::create_directory(draft);
+    fs::create_directory(draft / kResourcesFolder);
+    fs::create_directory(draft / kExecutablesFolder);
     Manifest manifest;
     manifest.configuration = {std::move(name), color, std::move(bundleID), std::move(glyph)};
-    tweak->setManifest(manifest);
-    syncFolder(tweak->url().parent_path());
+    store(draft / kManifestFile, encodeJSON(manifest));
+    fs::rename(draft, tweak->url());
+    syncFolder(folder);
     tweak->validate();
   });
   return tweak;

@@ -47,7 +47,8 @@ class TweakFile : public TweakProtocol, public std::enable_shared_from_this<Twea
   /// The path of the document of the tweak `id`, relative to the folder that the tweak lies in.
   static std::string documentOf(std::string_view id);
   /// Makes a new tweak in the tweaks directory. Posts nothing: who adds it to what is shown
-  /// announces it. Throws std::system_error, and may leave a part of the folder then.
+  /// announces it. Throws std::system_error; a part of the folder may then stay under a name that
+  /// lists leave out, until a later tweak is made.
   static std::shared_ptr<TweakFile> create(std::string name, TweakColor color, TweakGlyph glyph,
                                            std::string bundleID);
   /// Takes in the unpacked tweak folder `url`: it moves into the tweaks directory, which is made

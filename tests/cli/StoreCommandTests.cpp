@@ -38,7 +38,7 @@ TEST_F(CommandStoreTest, ListSortsWhatOpensAndCountsTheRest) {
   const std::string alpha = newTweak("alpha");
   const std::string beta = newTweak("Beta", "com.gone");
   writeCollection("C", R"(a\u001b collection)", "");
-  EXPECT_EQ(run("install alpha").err, "");
+  EXPECT_EQ(run("install alpha").status, 0);
   const Result all = run("list");
   EXPECT_EQ(all.err, "");
   EXPECT_THAT(all.out, StartsWith("NAME              KIND        APP                INSTALLED  "
@@ -109,17 +109,9 @@ TEST_F(CommandStoreTest, DeleteTakesAwayWhatTheStoreHolds) {
   helper("exit 3");
   const Result forced = run("delete A");
   EXPECT_EQ(forced.status, 0);
-  EXPECT_EQ(forced.out + forced.err, "") << "the record went before the helper failed";
+  EXPECT_THAT(forced.err, HasSubstr("warning: A: could not be uninstalled from com.example.notes"));
   EXPECT_THAT(run("list").err, StartsWith("tavlen: nothing is stored"));
   EXPECT_TRUE(fs::exists(folder() / "mine"));
-
-  newTweak("B");
-  EXPECT_EQ(run("install B").status, 1) << "the helper still fails";
-  write("tree/var/mobile/Library/Application Support/Marrowgleam/.TemporaryItems", "");
-  const Result stuck = run("delete B");
-  EXPECT_EQ(stuck.status, 1);
-  EXPECT_THAT(stuck.err, StartsWith(kError));
-  EXPECT_THAT(run("list").out, HasSubstr("B     tweak"));
 }
 
 }  // namespace

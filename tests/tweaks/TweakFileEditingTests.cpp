@@ -233,7 +233,7 @@ TEST_F(TweakFileEditingTest, PayloadsAreCopiesWithoutTemporaryFiles) {
   tweak->writeScript("s");
   std::ofstream(tweak->url() / ".tavlen-1-2") << "left over";
   std::ofstream(tweak->resourcesDir() / "a") << "x";
-  fs::create_symlink(tweak->url(), root_.path() / "link");
+  fs::create_symlink(DeviceRoot::shared().devicePath(tweak->url()), root_.path() / "link");
   for (const auto& [source, copy] : {std::pair(tweak->url(), "P"), {root_.path() / "link", "Q"}}) {
     TweakFile::at(source)->preparePayloadIn(root_.path() / copy);
     EXPECT_TRUE(fs::is_directory(fs::symlink_status(root_.path() / copy)));

@@ -94,7 +94,7 @@ TEST_F(TweakPackagingTest, AFailureLeavesNothing) {
       {linked("Resources/a/link", "b"), "/T/Resources/a/link: a symbolic link is not packaged: "},
       {linked("Executables/link", path("secret")),
        "/T/Executables/link: a symbolic link is not packaged: "},
-      {linked("Icon.png", path("Icon.png")), "/T/Icon.png: a symbolic link is not packaged: "},
+      {linked("Icon.png", "/Icon.png"), "/T/Icon.png: a symbolic link is not packaged: "},
       {[](const auto& folder) {
          fs::create_directory(path(folder + "Resources"));
          ::mkfifo(path(folder + "Resources/pipe").c_str(), 0600);

@@ -13,6 +13,7 @@
 #include "tavlen/foundation/base/SystemError.h"
 #include "tavlen/foundation/files/FolderReader.h"
 #include "tavlen/foundation/files/TemporaryDirectory.h"
+#include "tavlen/foundation/files/TreeRemoval.h"
 
 namespace tavlen {
 
@@ -21,11 +22,6 @@ namespace {
 constexpr std::string_view kPrefix = ".tavlen-";
 /// Longer than any write takes, so that no file in use is taken for a left-over.
 constexpr std::chrono::minutes kLeftOverAge(10);
-
-std::string makeName() {
-  std::random_device random;
-  return std::string(kPrefix) + std::to_string(random()) + "-" + std::to_string(random());
-}
 
 /// Whether this process has not listed `folder` in the last ten minutes; it is then taken to do so
 /// now.
@@ -51,13 +47,26 @@ bool isLeftOver(int folder, const std::string& name) {
   return std::chrono::system_clock::now() - written > kLeftOverAge;
 }
 
+void removeEntry(int folder, const std::string& name) {
+  if (::unlinkat(folder, name.c_str(), 0) == 0) return;
+  const FileDescriptor tree = openForRemoval(folder, name);
+  if (!tree) return;
+  removeContents(tree, name);
+  (void)::unlinkat(folder, name.c_str(), AT_REMOVEDIR);
+}
+
 }  // namespace
+
+std::string temporaryName() {
+  std::random_device random;
+  return std::string(kPrefix) + std::to_string(random()) + "-" + std::to_string(random());
+}
 
 TemporaryFile::TemporaryFile(int parent, const std::filesystem::path& folder, mode_t mode,
                              std::filesystem::path shown)
     : parent_(parent), shown_(std::move(shown)) {
   do {
-    path_ = folder / makeName();
+    path_ = folder / temporaryName();
     file_ = FileDescriptor::tryOpenAt(parent_, path_.c_str(), kOpenNewFile, mode);
   } while (!file_ && errno == EEXIST);
   if (!file_) throwSystemError(shown_);
@@ -83,7 +92,7 @@ void sweepTemporaryFiles(int folder) {
   try {
     FolderReader reader(std::move(listed), "temporary files");
     while (const std::optional<std::string> name = reader.next()) {
-      if (isLeftOver(folder, *name)) (void)::unlinkat(folder, name->c_str(), 0);
+      if (isLeftOver(folder, *name)) removeEntry(folder, *name);
     }
   } catch (const std::system_error&) {
     // The next one that looks finds them.

@@ -3,6 +3,7 @@
 #include <sys/types.h>
 
 #include <filesystem>
+#include <string>
 
 #include "tavlen/foundation/files/FileDescriptor.h"
 
@@ -41,13 +42,17 @@ class TemporaryFile {
   FileDescriptor file_;
 };
 
+/// A random name that isTemporaryName() knows: for what is made or taken apart in a folder whose
+/// lists leave such names out.
+std::string temporaryName();
+
 /// Whether `name` is that of a temporary file, or of the folder that TemporaryDirectory makes,
 /// which a crash may have left: not a part of what the user stored.
 bool isTemporaryName(const std::filesystem::path& name);
 
-/// Removes temporary files that crashes left in the open folder `folder`, once they are ten minutes
-/// old. Listing a large folder takes longer than writing a file, so a process lists each folder at
-/// most once in that time. Errors are ignored.
+/// Removes what crashes left in the open folder `folder` under temporary names, folders with all in
+/// them, once it is ten minutes old. Listing a large folder takes longer than writing a file, so a
+/// process lists each folder at most once in that time. Errors are ignored.
 void sweepTemporaryFiles(int folder);
 
 }  // namespace tavlen

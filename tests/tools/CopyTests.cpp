@@ -126,22 +126,6 @@ TEST_F(CopyTest, RefusesOtherPlacesAndWhatIsThere) {
   }
 }
 
-TEST_F(CopyTest, IsNotLedOutsideByLinksThatAppearMeanwhile) {
-  writeSource("a");
-  fs::create_directory(outside() / "d");
-  fs::create_directory_symlink(outside() / "d", tweaks("link"));
-  int copies = 0;
-  {
-    const Swapper swapper(tweaks("a.b"), tweaks("link"));
-    for (int i = 0; i < 60; ++i) {
-      const std::string place = tweaks("a.b/" + std::to_string(i)).string();
-      if (run({"copy", source(), place}).status == 0) ++copies;
-    }
-  }
-  EXPECT_GT(copies, 0);
-  EXPECT_TRUE(fs::is_empty(outside() / "d"));
-}
-
 TEST_F(CopyTest, CopiesNothingThatALinkInTheSourcesPlaceLeadsTo) {
   writeSource("d/a");
   writeOutside("secret/key");

@@ -49,6 +49,7 @@ void takeOwnState() {
   setSignal(SIGXFSZ, SIG_IGN);
   setSignal(SIGPIPE, SIG_IGN);
   setSignal(SIGCHLD, SIG_DFL);
+  ::alarm(0);  // a new program inherits the one that was set
   openStandardStreams();
   if (!hasLentRights()) return;
   static char* none[] = {nullptr};

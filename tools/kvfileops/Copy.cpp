@@ -114,19 +114,23 @@ class TreeCopy {
 
   void copyFolder(FileDescriptor from, const Entry& source, const Entry& destination, int depth) {
     if (depth > kDeepestFolder) throw Refusal(source.shown, "folders are nested too deeply");
-    const struct stat status = from.status(source.shown);
-    if (isCopy(status)) throw Refusal(source.shown, "holds the copy itself");
+    if (isCopy(from.status(source.shown))) throw Refusal(source.shown, "holds the copy itself");
     std::optional<FileDescriptor> made =
         makeNewFolder(destination.folder, destination.name, S_IRWXU, destination.shown);
     if (!made) throwSystemError(EEXIST, destination.shown);
-    const bool isTopmost = !copy_;
-    if (isTopmost) copy_ = std::move(made);
-    const FileDescriptor& to = isTopmost ? *copy_ : *made;
+    if (copy_) return fillFolder(*made, std::move(from), source, destination, depth);
+    copy_ = std::move(made);
+    fillFolder(*copy_, std::move(from), source, destination, depth);
+  }
+
+  void fillFolder(const FileDescriptor& to, FileDescriptor from, const Entry& source,
+                  const Entry& destination, int depth) {
+    const mode_t mode = from.status(source.shown).st_mode;
     FolderReader reader(std::move(from), source.shown);
     while (const std::optional<std::string> name = reader.next()) {
       copyEntry(source.in(reader, *name), {to.get(), *name, destination.shown / *name}, depth + 1);
     }
-    handOver(to, status.st_mode, destination.shown);
+    handOver(to, mode, destination.shown);
   }
 
   bool isCopy(const struct stat& status) const {

@@ -29,7 +29,8 @@ std::optional<std::filesystem::path> pathFrom(const std::filesystem::path& folde
 
 DeviceRoot rootFromEnvironment() {
   // With lent rights, the caller must not choose which folder stands for the device.
-  const char* text = hasLentRights() ? nullptr : std::getenv("TAVLEN_ROOT");
+  if (hasLentRights()) return DeviceRoot();
+  const char* text = std::getenv("TAVLEN_ROOT");  // NOLINT(concurrency-mt-unsafe): one thread
   if (text == nullptr || *text == '\0') return DeviceRoot();
   const std::filesystem::path root(text);
   std::error_code ignored;

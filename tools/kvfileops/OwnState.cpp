@@ -6,11 +6,14 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <csignal>
 
 #include "kvfileops/CallerRights.h"
 
-extern char** environ;
+#ifdef __APPLE__
+extern char** environ;  // which no header declares
+#endif
 
 namespace tavlen::fileops {
 
@@ -52,8 +55,8 @@ void takeOwnState() {
   ::alarm(0);  // a new program inherits the one that was set
   openStandardStreams();
   if (!hasLentRights()) return;
-  static char* none[] = {nullptr};
-  environ = none;
+  static std::array<char*, 1> noVariables = {nullptr};
+  environ = noVariables.data();
   raiseLimit(RLIMIT_NOFILE, kDescriptors);
   for (const int resource : {RLIMIT_FSIZE, RLIMIT_CPU, RLIMIT_AS, RLIMIT_DATA, RLIMIT_STACK}) {
     raiseLimit(resource, RLIM_INFINITY);

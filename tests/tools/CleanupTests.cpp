@@ -100,7 +100,7 @@ TEST_F(CleanupTest, TakesLinksAndFilesInTheFoldersPlaceForWhatTheyAre) {
   EXPECT_TRUE(fs::exists(outside() / "keep"));
 }
 
-TEST_F(CleanupTest, FindsTheTweaksBehindLinksOfTheRootButNotOutside) {
+TEST_F(CleanupTest, FindsTheTweaksThroughLinksOfTheRootButNotOutside) {
   fs::rename(root() / "var", outside() / "var");
   EXPECT_EQ(status({"cleanup", tweaks("a").string(), "0"}), 0);
   EXPECT_FALSE(fs::exists(root() / "var"));
@@ -133,7 +133,7 @@ TEST_F(CleanupTest, IsBoundedInDepthAndMemory) {
   }
 }
 
-TEST_F(CleanupTest, IsNotLedOutsideByLinksThatAppearMeanwhile) {
+TEST_F(CleanupTest, IsNotLedOutsideByLinksThatAppearConcurrently) {
   writeOutside("d/keep");
   for (int i = 0; i < 30; ++i) {
     for (int file = 0; file < 20; ++file) writeTweak("a/d/" + std::to_string(file));

@@ -6,10 +6,10 @@
 #include <unistd.h>
 
 #include <cstdlib>
-#include <exception>
 #include <set>
 #include <sstream>
 
+#include "tavlen/foundation/base/FunctionRef.h"
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tests/support/TestPaths.h"
 
@@ -19,12 +19,11 @@ namespace {
 
 constexpr const char* kTweaks =
     "var/mobile/Library/Application Support/Marrowgleam/Installed Tweaks";
-constexpr int kNotStarted = 127;
 
 void becomeUser(uid_t user) {
-  if (::geteuid() != 0) return;  // has no more rights than anybody
+  if (::geteuid() != 0) return;  // has no more rights than that user
   if (::setgroups(0, nullptr) != 0 || ::setgid(user) != 0 || ::setuid(user) != 0) {
-    ::_exit(kNotStarted);
+    ::_exit(HelperTest::kNotStarted);
   }
 }
 
@@ -34,7 +33,7 @@ int statusOfChild(FunctionRef<void()> program) {
   const pid_t child = ::fork();
   if (child == 0) {
     program();
-    ::_exit(kNotStarted);
+    ::_exit(HelperTest::kNotStarted);
   }
   int status = 0;
   EXPECT_EQ(::waitpid(child, &status, 0), child);
@@ -43,7 +42,7 @@ int statusOfChild(FunctionRef<void()> program) {
 
 }  // namespace
 
-HelperTest::HelperTest() : rootVariable_(root_.path().string()) {
+HelperTest::HelperTest() : program_(paths().fileOperations), rootVariable_(root_.path().string()) {
   std::filesystem::create_directories(tweaks());
   for (const std::filesystem::path& folder : {root_.path(), outside_.path()}) {
     std::filesystem::permissions(folder, std::filesystem::perms(0755));
@@ -59,39 +58,22 @@ void HelperTest::writeTweak(const std::string& name, std::string_view bytes) con
 }
 
 HelperTest::Result HelperTest::run(const std::vector<std::string>& words, User user) const {
-  std::vector<std::string> copies = {paths().fileOperations};
+  std::vector<std::string> copies = {program_};
   copies.insert(copies.end(), words.begin(), words.end());
   std::vector<char*> arguments;
   for (std::string& word : copies) arguments.push_back(word.data());
   arguments.push_back(nullptr);
   const std::string messages = (messages_.path() / "err").string();
-  // By its descriptor, because nobody may not get through to the folder where it was built.
-  const int program = ::open(paths().fileOperations.c_str(), O_RDONLY | O_CLOEXEC);
   const int status = statusOfChild([&] {
     ::dup2(::open(messages.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600), 2);
     ::setenv("TAVLEN_ROOT", rootVariable_.c_str(), 1);
+    if (prepare_ && !prepare_()) return;
+    // By its descriptor, because the user may not get through to the folder where it was built.
+    const int program = ::open(program_.c_str(), O_RDONLY | O_CLOEXEC);
     if (user == User::nobody) becomeUser(kNobody);
     ::fexecve(program, arguments.data(), environ);
   });
-  ::close(program);
   return {status, readFile(messages)};
-}
-
-bool HelperTest::runWithLentRights(FunctionRef<void()> job) {
-  const int status = statusOfChild([&] {
-    if (::setgroups(0, nullptr) != 0 || ::setresgid(kNobody, 0, 0) != 0 ||
-        ::setresuid(kNobody, 0, 0) != 0) {
-      return;
-    }
-    try {
-      job();
-    } catch (const std::exception&) {
-      ::_exit(1);
-    }
-    ::_exit(0);
-  });
-  EXPECT_TRUE(status == 0 || status == 1) << status;
-  return status == 0;
 }
 
 int HelperTest::status(const std::vector<std::string>& words, User user) const {

@@ -9,10 +9,10 @@
 #include <csignal>
 #include <cstdio>
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <vector>
 
-#include "tavlen/foundation/base/FunctionRef.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/tools/FileSizeLimit.h"
 
@@ -20,6 +20,9 @@ namespace tavlen {
 
 /// Runs the file-operations helper on a device tree of the test's own.
 class HelperTest : public testing::Test {
+ public:
+  static constexpr int kNotStarted = 127;  ///< the status where the helper could not be started
+
  protected:
   enum class User { same, nobody };
   struct Result {
@@ -32,14 +35,11 @@ class HelperTest : public testing::Test {
   Result run(const std::vector<std::string>& words, User user = User::same) const;
   /// The exit status alone; what the helper said is shown where the test fails.
   int status(const std::vector<std::string>& words, User user = User::same) const;
-  /// Runs `job` in a process that nobody called and that has the rights of this one besides, as a
-  /// program whose file lends them. Whether it threw nothing. To be called by root only.
-  static bool runWithLentRights(FunctionRef<void()> job);
   static constexpr uid_t kNobody = 65534;
   void setRoot(const std::string& root) { rootVariable_ = root; }
 
   const std::filesystem::path& root() const { return root_.path(); }
-  /// A folder beside the root, which nobody may touch.
+  /// A folder next to the root, which is to stay as it is.
   const std::filesystem::path& outside() const { return outside_.path(); }
   /// The folder of installed tweaks, or what lies in it.
   std::filesystem::path tweaks(const std::string& name = "") const;
@@ -59,6 +59,10 @@ class HelperTest : public testing::Test {
   static std::string contents(const std::filesystem::path& folder);
   std::string everything() const { return contents(root()) + "outside:\n" + contents(outside()); }
 
+  std::string program_;
+  /// What the helper's process does before it becomes the user and starts; false keeps it from it.
+  std::function<bool()> prepare_;
+
  private:
   TemporaryFolder root_;
   TemporaryFolder outside_;
@@ -66,21 +70,29 @@ class HelperTest : public testing::Test {
   std::string rootVariable_;
 };
 
-/// A process that swaps two entries as fast as it can, until it is destroyed.
-class Swapper {
+/// A process that does `step` over and over, until it is destroyed.
+class Repetition {
  public:
-  Swapper(const std::filesystem::path& a, const std::filesystem::path& b) : child_(::fork()) {
-    while (child_ == 0) ::renameat2(AT_FDCWD, a.c_str(), AT_FDCWD, b.c_str(), RENAME_EXCHANGE);
+  explicit Repetition(const std::function<void()>& step) : child_(::fork()) {
+    while (child_ == 0) step();
   }
-  ~Swapper() {
+  ~Repetition() {
     ::kill(child_, SIGKILL);
     ::waitpid(child_, nullptr, 0);
   }
-  Swapper(const Swapper&) = delete;
-  Swapper& operator=(const Swapper&) = delete;
+  Repetition(const Repetition&) = delete;
+  Repetition& operator=(const Repetition&) = delete;
 
  private:
   pid_t child_;
+};
+
+/// Swaps two entries as fast as it can.
+class Swapper : Repetition {
+ public:
+  Swapper(const std::filesystem::path& a, const std::filesystem::path& b)
+      : Repetition(
+            [&] { ::renameat2(AT_FDCWD, a.c_str(), AT_FDCWD, b.c_str(), RENAME_EXCHANGE); }) {}
 };
 
 }  // namespace tavlen

@@ -14,7 +14,7 @@ namespace tavlen::fileops {
 
 namespace {
 
-/// The list of apps says nothing of a folder that it cannot read.
+/// The list of apps skips a folder that it cannot read without an error.
 void requireReadable(const DeviceRoot& root, std::string_view devicePath) {
   const std::filesystem::path folder = root.resolve(devicePath);
   std::error_code error;

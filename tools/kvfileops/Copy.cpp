@@ -15,6 +15,7 @@
 #include "kvfileops/OpenEntry.h"
 #include "kvfileops/Refusal.h"
 #include "kvfileops/TreeRemoval.h"
+#include "kvfileops/TrustedFolder.h"
 #include "tavlen/device/DevicePaths.h"
 #include "tavlen/foundation/base/SystemError.h"
 #include "tavlen/foundation/files/FolderReader.h"
@@ -24,13 +25,13 @@ namespace tavlen::fileops {
 
 namespace {
 
-/// How many folders may be nested in a per-app folder, itself included: each keeps two descriptors
+/// How many folders may be nested in a per-app folder, including itself; each keeps two descriptors
 /// open.
 constexpr int kDeepestFolder = 64;
 static_assert(kDeepestFolder <= kDeepestRemoval, "what was copied can be removed");
 
 struct Entry {
-  int folder;  ///< opened, or AT_FDCWD
+  int folder;  ///< open
   std::string name;
   std::filesystem::path shown;
 
@@ -39,7 +40,7 @@ struct Entry {
   }
 };
 
-/// What is made stays the program's own, and closed to others, until it is filled.
+/// Until it is complete, a file or folder belongs to the program and is closed to others.
 void handOver(const FileDescriptor& made, mode_t mode, const std::filesystem::path& shown) {
   giveToCaller(made, shown);
   made.setMode(mode & 0777, shown);
@@ -47,25 +48,29 @@ void handOver(const FileDescriptor& made, mode_t mode, const std::filesystem::pa
 
 class TreeCopy {
  public:
-  /// `depth` is the destination's, from the folder of tweaks on.
+  /// `depth` is that of the destination, counted from the folder of tweaks.
   TreeCopy(Entry destination, int depth) : destination_(std::move(destination)), depth_(depth) {}
 
   void run(const Entry& source) {
     try {
       copyEntry(source, destination_, depth_);
     } catch (...) {
-      if (copy_) removeWhatIsThere();
+      if (copy_) removeCopy();
       throw;
     }
   }
 
  private:
-  /// Whatever it meets, the first error is the one that is thrown.
-  void removeWhatIsThere() const {
+  /// Through the descriptor: by now another folder may have the copy's name. Reports its errors
+  /// itself, as the copy's own error is the one to throw.
+  void removeCopy() {
     try {
-      removeEntry(destination_.folder, destination_.name, destination_.shown);
+      emptyFolder(std::move(*copy_), destination_.shown);
+      if (::unlinkat(destination_.folder, destination_.name.c_str(), AT_REMOVEDIR) != 0) {
+        throwSystemError(destination_.shown);
+      }
     } catch (const std::exception& error) {
-      logToStandardError(std::string("kvfileops: a part stays: ") + error.what());
+      logToStandardError(std::string("kvfileops: a part of the copy is left: ") + error.what());
     }
   }
 
@@ -86,7 +91,7 @@ class TreeCopy {
     }
   }
 
-  /// A file that is copied alone is a document: there whole or not at all.
+  /// A file that is copied alone is a document, which is complete or does not exist.
   static void copyDocument(const FileDescriptor& from, const Entry& source,
                            const Entry& destination) {
     NewFile to(destination.folder, destination.name, S_IRUSR | S_IWUSR, destination.shown);
@@ -109,44 +114,58 @@ class TreeCopy {
 
   void copyFolder(FileDescriptor from, const Entry& source, const Entry& destination, int depth) {
     if (depth > kDeepestFolder) throw Refusal(source.shown, "folders are nested too deeply");
-    const struct stat status = from.status(source.shown);
-    if (isCopy(status)) throw Refusal(source.shown, "holds the copy itself");
-    const std::optional<FileDescriptor> to =
+    if (isCopy(from.status(source.shown))) throw Refusal(source.shown, "holds the copy itself");
+    std::optional<FileDescriptor> made =
         makeNewFolder(destination.folder, destination.name, S_IRWXU, destination.shown);
-    if (!to) throwSystemError(EEXIST, destination.shown);
-    if (!copy_) copy_ = to->status(destination.shown);
+    if (!made) throwSystemError(EEXIST, destination.shown);
+    if (copy_) return fillFolder(*made, std::move(from), source, destination, depth);
+    copy_ = std::move(made);
+    fillFolder(*copy_, std::move(from), source, destination, depth);
+  }
+
+  void fillFolder(const FileDescriptor& to, FileDescriptor from, const Entry& source,
+                  const Entry& destination, int depth) {
+    const mode_t mode = from.status(source.shown).st_mode;
     FolderReader reader(std::move(from), source.shown);
     while (const std::optional<std::string> name = reader.next()) {
-      copyEntry(source.in(reader, *name), {to->get(), *name, destination.shown / *name}, depth + 1);
+      copyEntry(source.in(reader, *name), {to.get(), *name, destination.shown / *name}, depth + 1);
     }
-    handOver(*to, status.st_mode, destination.shown);
+    handOver(to, mode, destination.shown);
   }
 
   bool isCopy(const struct stat& status) const {
-    return copy_ && copy_->st_dev == status.st_dev && copy_->st_ino == status.st_ino;
+    if (!copy_) return false;
+    const struct stat copy = copy_->status(destination_.shown);
+    return copy.st_dev == status.st_dev && copy.st_ino == status.st_ino;
   }
 
   Entry destination_;
   int depth_;
-  std::optional<struct stat> copy_;  ///< the topmost folder, once it is made: ours to remove
+  std::optional<FileDescriptor> copy_;  ///< the topmost folder, once it is made
 };
+
+TrustedFolder folderOfSource(const std::filesystem::path& source) {
+  const Links links = linksToFollow();
+  const CallerRights rights;
+  return TrustedFolder(source.parent_path(), links);
+}
 
 }  // namespace
 
 void copy(const DeviceRoot& root, const std::filesystem::path& source,
           const std::filesystem::path& destination) {
-  if (!source.is_absolute()) throw Refusal(source, "is no absolute path");
+  // A slash at its end would have a link followed.
+  const std::filesystem::path from = withoutSlashAtEnd(source);
+  if (!from.is_absolute()) throw Refusal(source, "is no absolute path");
   const DeviceFolder tweaks(root, kInstalledTweaksDir);
   const std::filesystem::path place = tweaks.relativePath(destination);
-  std::optional<FileDescriptor> folder = tweaks.open();
-  if (!folder) throwSystemError(ENOENT, tweaks.path());
-  const FileDescriptor parent = descend(std::move(*folder), place.parent_path(), destination);
-  // A slash at its end would have a link followed.
-  std::string from = source.string();
-  while (from.size() > 1 && from.back() == '/') from.pop_back();
+  if (!tweaks.exists()) throwSystemError(ENOENT, tweaks.path());
+  const FileDescriptor parent = descend(tweaks.descriptor(), place.parent_path(), destination);
+  const TrustedFolder sourceFolder = folderOfSource(from);
+  if (!sourceFolder.exists()) throwSystemError(ENOENT, source);
   const auto depth = static_cast<int>(std::distance(place.begin(), place.end()));
   TreeCopy({parent.get(), place.filename().string(), destination}, depth)
-      .run({AT_FDCWD, from, source});
+      .run({sourceFolder.descriptor().get(), from.filename().string(), source});
 }
 
 }  // namespace tavlen::fileops

@@ -10,7 +10,7 @@ namespace tavlen::fileops {
 
 namespace {
 
-/// The first line of an .ips file; it has more members.
+/// The first line of an .ips file. Other members are ignored.
 struct IPSHeader {
   std::optional<std::string> bundleID;
   std::optional<std::string> appName;
@@ -59,7 +59,7 @@ bool isAboutByJSON(const CrashLogSubject& subject, std::string_view line) {
     return header.bundleID == subject.bundleID ||
            (header.appName && isExecutable(subject, *header.appName));
   } catch (const DecodingError&) {
-    return false;  // some other text
+    return false;  // the line is not JSON
   }
 }
 

@@ -1,49 +1,52 @@
 #pragma once
 
 #include <filesystem>
-#include <optional>
 #include <string_view>
 
+#include "kvfileops/TrustedFolder.h"
 #include "tavlen/device/DeviceRoot.h"
 #include "tavlen/foundation/files/FileDescriptor.h"
 
 namespace tavlen::fileops {
 
-/// The root that TAVLEN_ROOT names, "/" where it is not set or the program has more rights than its
-/// caller. Throws Refusal where it is no folder's absolute path.
+/// The root that TAVLEN_ROOT names, "/" where it is not set or the program has lent rights. Throws
+/// Refusal where it is not the absolute path of a folder.
 DeviceRoot rootFromEnvironment();
 
-/// A folder of the device that a job is bounded to.
+/// A folder of the device to which a job is confined.
 ///
-/// Where it lies is settled once, behind all links; afterwards it and everything in it is reached
-/// component by component from the root's descriptor, and no link is followed. So a link that
-/// somebody puts there meanwhile leads to an error, not out of the folder.
+/// It is reached once, as TrustedFolder does, and everything in it is reached from its descriptor
+/// without following a link. A link that appears later therefore causes an error.
 /// Errors: Refusal, std::system_error.
 class DeviceFolder {
  public:
   /// Refuses a folder that lies outside the root.
   DeviceFolder(const DeviceRoot& root, std::string_view devicePath);
 
-  const std::filesystem::path& path() const { return path_; }
+  /// Without links and dots.
+  std::filesystem::path path() const { return folder_.path(); }
+  bool exists() const { return folder_.exists(); }
+  /// For calls relative to the folder, which exists.
+  const FileDescriptor& descriptor() const { return folder_.descriptor(); }
+  /// Makes the folder where it is missing. It then belongs to the caller, but the folders that lead
+  /// to it do not.
+  void make() { folder_.make(Owner::caller); }
 
-  /// The folder, for calls relative to it; nothing where it does not exist.
-  std::optional<FileDescriptor> open() const;
-  /// The same; it is made where it is missing, and then belongs to the caller, but not what leads
-  /// to it.
-  FileDescriptor make() const;
-
-  /// How the entry `path` is called from here: one component or more. It need not exist, and is not
-  /// followed if it is a link. Refuses one that does not lie below the folder.
+  /// The path from here to the entry `path`: one component or more. The entry need not exist, and
+  /// is not followed if it is a link. The caller's rights have to suffice for the way. Refuses an
+  /// entry that does not lie below the folder.
   std::filesystem::path relativePath(const std::filesystem::path& path) const;
 
  private:
-  std::filesystem::path root_;
-  std::filesystem::path path_;
+  TrustedFolder folder_;
 };
 
-/// The folder at `relative` below the opened folder `from`, for calls relative to it. Follows no
-/// link.
-FileDescriptor descend(FileDescriptor from, const std::filesystem::path& relative,
+/// `path` without slashes at its end, which would have a link followed.
+std::filesystem::path withoutSlashAtEnd(const std::filesystem::path& path);
+
+/// Opens the folder at `relative` below the open folder `from`, for calls relative to it; follows
+/// no link. `shown` names it in errors (std::system_error).
+FileDescriptor descend(const FileDescriptor& from, const std::filesystem::path& relative,
                        const std::filesystem::path& shown);
 
 }  // namespace tavlen::fileops

@@ -7,8 +7,8 @@
 
 namespace tavlen::fileops {
 
-/// Copies what is left to read of `from` to the end of `to`, both opened files. More than `most`
-/// bytes are EFBIG. `shown` names the file in errors (std::system_error).
+/// Copies the rest of the open file `from` to the current position of the open file `to`. Throws
+/// EFBIG for more than `most` bytes. `shown` names the file in errors (std::system_error).
 void copyBytes(const FileDescriptor& from, const FileDescriptor& to, std::uint64_t most,
                const std::filesystem::path& shown);
 

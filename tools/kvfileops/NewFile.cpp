@@ -10,11 +10,11 @@ namespace tavlen::fileops {
 
 namespace {
 
-/// Gives 0, or why not, as errno tells it; EEXIST where `to` stands.
+/// Returns 0 or the error's number; EEXIST where there is an entry `to`.
 int renameToNew(int folder, const char* from, const char* to) {
   const int code = renameExclusively(folder, from, to);
   if (code != ENOTSUP) return code;
-  // A link replaces nothing either, even where somebody makes an entry of that name meanwhile.
+  // A hard link replaces nothing either, even if an entry of that name appears at this moment.
   const bool isDone =
       ::linkat(folder, from, folder, to, 0) == 0 && ::unlinkat(folder, from, 0) == 0;
   return isDone ? 0 : errno;

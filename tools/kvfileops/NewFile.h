@@ -9,19 +9,19 @@
 
 namespace tavlen::fileops {
 
-/// A file that gets its name when it is whole and on the disk; until then it has a temporary one.
-/// What a crash leaves is swept by the library's next writer in the folder. Nobody's file is
-/// overwritten. Errors: std::system_error.
+/// A file that gets its name when it is complete and on the disk; until then it has a temporary
+/// one. What a crash leaves is swept by the library's next writer in the folder. No existing file
+/// is overwritten. Errors: std::system_error.
 class NewFile {
  public:
-  /// In the opened folder `folder`, which outlives it, with the permissions `mode` by the process's
-  /// mask. `shown` names the file in errors.
+  /// Makes it in the open folder `folder`, which outlives it, with the permissions `mode`, less the
+  /// process's mask. `shown` names the file in errors.
   NewFile(int folder, std::string name, mode_t mode, std::filesystem::path shown);
 
   /// For writing.
   const FileDescriptor& descriptor() const { return file_.descriptor(); }
-  /// To be called once; what is not committed is removed. False where there is an entry of that
-  /// name, which stays as it is.
+  /// Gives the file its name; to be called once. A file that is not committed is removed. Returns
+  /// false where an entry of that name exists, which stays as it is.
   bool commit();
 
  private:

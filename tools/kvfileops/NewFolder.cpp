@@ -12,8 +12,8 @@ namespace tavlen::fileops {
 
 namespace {
 
-/// Who may write in the parent can exchange the folder before it is opened, but can make none that
-/// belongs to the program.
+/// Whoever may write in the parent can exchange the folder before it is opened, but cannot make one
+/// that belongs to the program.
 bool isFresh(const FileDescriptor& folder, const std::filesystem::path& shown) {
   if (folder.status(shown).st_uid != ::geteuid()) return false;
   std::optional<FileDescriptor> again = openFolder(folder.get(), ".", shown);
@@ -28,10 +28,16 @@ std::optional<FileDescriptor> makeNewFolder(int parent, const std::string& name,
     if (errno == EEXIST) return std::nullopt;
     throwSystemError(shown);
   }
-  std::optional<FileDescriptor> folder = openFolder(parent, name, shown);
-  if (!folder || !isFresh(*folder, shown)) {
-    throw Refusal(shown, "was exchanged while it was made");
+  std::optional<FileDescriptor> folder;
+  try {
+    folder = openFolder(parent, name, shown);
+    if (folder && !isFresh(*folder, shown)) folder.reset();
+  } catch (...) {
+    // The process may have no descriptor left. Only an empty folder is removed.
+    (void)::unlinkat(parent, name.c_str(), AT_REMOVEDIR);
+    throw;
   }
+  if (!folder) throw Refusal(shown, "was exchanged while it was made");
   return folder;
 }
 

@@ -6,6 +6,12 @@
 
 namespace tavlen::fileops {
 
+struct stat statusOfEntry(int parent, const std::string& name, const std::filesystem::path& shown) {
+  struct stat status {};
+  if (::fstatat(parent, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) throwSystemError(shown);
+  return status;
+}
+
 std::optional<FileDescriptor> openFolder(int parent, const std::string& name,
                                          const std::filesystem::path& shown) {
   FileDescriptor folder = FileDescriptor::tryOpenAt(parent, name.c_str(), kOpenFolder);
@@ -16,10 +22,8 @@ std::optional<FileDescriptor> openFolder(int parent, const std::string& name,
 
 std::optional<FileDescriptor> openRegularFile(int parent, const std::string& name,
                                               const std::filesystem::path& shown) {
-  struct stat status {};
-  // Asked first, because opening a device can make it act.
-  if (::fstatat(parent, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) throwSystemError(shown);
-  if (!S_ISREG(status.st_mode)) return std::nullopt;
+  // The kind is asked first, because opening a device can make it act.
+  if (!S_ISREG(statusOfEntry(parent, name, shown).st_mode)) return std::nullopt;
   FileDescriptor file = FileDescriptor::tryOpenAt(parent, name.c_str(), kOpenToRead | O_NOFOLLOW);
   if (!file && errno == ELOOP) return std::nullopt;
   if (!file) throwSystemError(shown);

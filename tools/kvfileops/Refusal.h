@@ -6,7 +6,7 @@
 
 namespace tavlen::fileops {
 
-/// The program does not do what it is asked for.
+/// The program declines to do what it was asked for. The text begins with the path in question.
 class Refusal : public std::runtime_error {
  public:
   Refusal(const std::filesystem::path& path, const std::string& reason)

@@ -1,5 +1,5 @@
-// The reference file-operations helper. Its exit status is its answer: 0 when all was done, 1 when
-// not, 2 when it was not understood. The standard error stream says why.
+// The reference file-operations helper. Its exit status is its answer: 0 when everything was done,
+// 1 when something was not, 2 when the command was not understood. Standard error says why.
 #include <array>
 #include <exception>
 #include <string>
@@ -9,6 +9,7 @@
 #include "kvfileops/Copy.h"
 #include "kvfileops/DeviceFolder.h"
 #include "kvfileops/FetchLogs.h"
+#include "kvfileops/OwnState.h"
 #include "tavlen/foundation/text/Log.h"
 
 namespace {
@@ -58,6 +59,7 @@ Status run(int count, char** words) {
 }  // namespace
 
 int main(int count, char** words) {
+  fileops::takeOwnState();
   try {
     const Status status = run(count, words);
     if (status == kMisused) {

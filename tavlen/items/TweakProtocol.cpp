@@ -18,7 +18,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// The item's name is its identifier, so its path must end in one: not in a slash, "." or "..".
+/// `url` without a slash, "." or ".." at its end: an item's identifier is the last component.
 fs::path withName(fs::path url) {
   if (!url.has_filename()) url = url.parent_path();
   if (url.empty() || isPlainComponent(url.filename().native())) return url;
@@ -26,8 +26,8 @@ fs::path withName(fs::path url) {
   return url.has_filename() ? url : url.parent_path();
 }
 
-/// Takes `item` out of sight in one step, into `folder`, and off the disk afterwards. Gives false
-/// when that lies on another volume.
+/// Renames `item` into `folder`, so that it disappears in one step, and then deletes it. Returns
+/// false if `folder` lies on another volume.
 bool removeBy(const fs::path& folder, const fs::path& item) {
   const TemporaryDirectory trash(folder);
   std::error_code error;
@@ -63,7 +63,7 @@ void TweakProtocol::uninstall() {
     const std::shared_ptr<IPA> ipa = associatedIPA();
     if (ipa->activeTweakID() == id()) ipa->setActiveTweak(nullptr);
   } catch (const std::exception&) {
-    // As documented: what cannot be uninstalled is deleted all the same.
+    // As documented. delete_() goes on to delete the item in any case.
   }
 }
 
@@ -72,7 +72,7 @@ void TweakProtocol::delete_() {
   try {
     remove();
   } catch (const std::exception&) {
-    // As documented; remove() tells.
+    // As documented; callers that need the error use remove().
   }
 }
 
@@ -83,8 +83,8 @@ void TweakProtocol::remove() {
   if (fs::symlink_status(item, ignored).type() == fs::file_type::not_found) {
     throw std::system_error(ENOENT, std::generic_category(), item.string());
   }
-  // Stored items leave the tweaks directory; others, and those on a volume of their own, move
-  // within the folder that they lie in.
+  // A stored item moves out of the tweaks directory. An item that lies elsewhere, or on another
+  // volume, moves within its own folder.
   const bool isStored = fs::equivalent(folder, TweaksDirectory::url(), ignored);
   if (isStored && removeBy(DeviceRoot::shared().resolve(kApplicationSupportDir), item)) return;
   if (!removeBy(folder, item)) {

@@ -19,7 +19,7 @@ namespace fs = std::filesystem;
 /// In the order of StoreSnapshot::Document.
 constexpr std::array<const char*, 3> kDocumentNames = {"Manifest.json", "script.objs", "Icon.png"};
 
-/// The first folder above `path` that is there.
+/// The closest parent folder of `path` that exists.
 fs::path existingParent(fs::path path) {
   std::error_code ignored;
   do {
@@ -49,7 +49,7 @@ void StoreSnapshot::add(const fs::path& entry) {
   Item item;
   if (TweakFile::isValidID(id)) {
     std::error_code ignored;
-    // It may get its manifest later.
+    // Watch the folder even without a manifest: it may be created later.
     if (fs::is_directory(entry, ignored)) folders_.push_back(entry);
     item = tweakAt(entry);
   } else if (id.ends_with(TweakCollection::kIDSuffix)) {

@@ -18,7 +18,6 @@ struct HookSource {
     std::size_t begin;  ///< the first byte of the function, as an offset in the text
     std::size_t end;    ///< one past its last byte
   };
-  /// The source, in UTF-8.
 
   /// The source, in UTF-8.
   std::string text;

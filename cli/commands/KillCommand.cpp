@@ -17,7 +17,7 @@ int kill(const std::string& app) {
   requireRunningDevice();
   const std::string bundleID = bundleIDOf(app);
   if (!SystemService::isAvailable()) {
-    throw std::runtime_error("the system service that knows the running apps is missing");
+    throw std::runtime_error("the system service for running apps is not available");
   }
   requireProgram(DevicePrograms::shared().kill);
   if (!SystemService::pidForApplication(bundleID)) {

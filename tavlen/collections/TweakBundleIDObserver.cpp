@@ -20,8 +20,8 @@ std::optional<std::string> bundleIDOf(const TweakProtocol& tweak) {
   }
 }
 
-/// Whether the item of that identifier was created or changed. Only its first diff counts.
-bool tellOfChange(const TweakDiffs& diffs, const std::string& id) {
+/// Whether the item `id` was created or changed. Only its first diff counts.
+bool containsChange(const TweakDiffs& diffs, const std::string& id) {
   const auto first = std::find_if(diffs.begin(), diffs.end(), [&](const TweakDiff& diff) {
     return diff != nullptr && diff->genericTweak()->id() == id;
   });
@@ -37,7 +37,7 @@ std::shared_ptr<TweakBundleIDObserver> TweakBundleIDObserver::with(
                        [weakObserver = std::weak_ptr(observer), id = observer->tweak_->id(),
                         onUpdate = std::move(onUpdate)](const TweakDiffs& diffs) {
                          const std::shared_ptr<TweakBundleIDObserver> held = weakObserver.lock();
-                         if (held == nullptr || !tellOfChange(diffs, id)) return;
+                         if (held == nullptr || !containsChange(diffs, id)) return;
                          if (held->readAgain()) MainQueue::shared().async(onUpdate);
                        });
   return observer;
@@ -52,7 +52,7 @@ std::optional<std::string> TweakBundleIDObserver::currBundleID() const {
 }
 
 bool TweakBundleIDObserver::readAgain() {
-  // Reading under the lock keeps an older value from being stored over a newer one.
+  // Read under the lock, so that an older value never overwrites a newer one.
   const std::lock_guard lock(lock_);
   const std::optional<std::string> former = std::exchange(currBundleID_, bundleIDOf(*tweak_));
   return currBundleID_ != former;

@@ -10,27 +10,29 @@
 
 namespace tavlen {
 
-/// Follows the target app of one tweak or collection.
+/// Observes the target app of one tweak or collection.
 ///
-/// Its registration outlives it and does nothing once it is gone. Threads: any.
+/// Its registration is never removed, but does nothing once the observer has been destroyed.
+/// Threads: any.
 class TweakBundleIDObserver {
  public:
-  /// `onUpdate` is called on the main queue after a change of the tweak that changed its bundle
-  /// identifier. A manifest that cannot be read has none.
+  /// Calls `onUpdate` on the main queue whenever a posted change of `tweak` has changed its bundle
+  /// identifier. A manifest that cannot be read counts as having no bundle identifier.
   static std::shared_ptr<TweakBundleIDObserver> with(std::shared_ptr<TweakProtocol> tweak,
                                                      std::function<void()> onUpdate);
 
   TweakBundleIDObserver(const TweakBundleIDObserver&) = delete;
   TweakBundleIDObserver& operator=(const TweakBundleIDObserver&) = delete;
 
-  /// As last seen.
+  /// The bundle identifier as last read; nothing if the manifest could not be read.
   std::optional<std::string> currBundleID() const;
+  /// The observed item.
   const std::shared_ptr<TweakProtocol>& tweak() const { return tweak_; }
 
  private:
   explicit TweakBundleIDObserver(std::shared_ptr<TweakProtocol> tweak);
 
-  /// Gives whether the bundle identifier is another than before.
+  /// Reads the bundle identifier again and returns whether it has changed.
   bool readAgain();
 
   std::shared_ptr<TweakProtocol> tweak_;

@@ -25,17 +25,18 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// What an exported collection is made of.
+// The names in an archive of a collection.
 constexpr const char* kManifestFile = "Manifest.json";
 constexpr const char* kTweaksFolder = "Tweaks";
 
-/// A link would bring into the store what lies elsewhere.
+/// Throws for a symbolic link: moving one would put into the store a reference to content
+/// elsewhere.
 void refuseLink(const fs::path& item) {
   std::error_code ignored;
   if (fs::is_symlink(item, ignored)) throw TweakError::notFound();
 }
 
-/// The members' folders in the unpacked folder `tweaks`; they need not be there.
+/// The members' folders in the unpacked folder `tweaks`. They need not exist.
 std::vector<fs::path> memberFolders(const fs::path& tweaks, const std::vector<std::string>& ids) {
   refuseLink(tweaks);
   std::vector<fs::path> folders;
@@ -87,7 +88,7 @@ std::shared_ptr<TweakCollection> TweakCollection::create(std::string name, Tweak
 
 std::shared_ptr<TweakCollection> TweakCollection::handlePayloadAt(
     const std::filesystem::path& url) {
-  // All that can be told beforehand is, so that nothing hostile or broken comes into the store.
+  // Check everything before moving anything, so that nothing hostile or invalid enters the store.
   const TweakCollection payload(url / kManifestFile);
   refuseLink(payload.url());
   Manifest manifest = payload.manifest();
@@ -160,9 +161,9 @@ TweakDiff TweakCollection::diffFor(GenericTweakDiffMode mode) {
 void TweakCollection::preparePayloadIn(const std::filesystem::path& directory) const {
   const fs::path tweaks = directory / kTweaksFolder;
   fs::create_directories(tweaks);
-  // Where the item is a link, what it leads to goes along, not the link.
+  // If url() is a symbolic link, copy the file that it refers to.
   copyItem(canonical(DeviceRoot::shared(), url()), directory / kManifestFile);
-  // The members of the copy: another may edit the collection meanwhile.
+  // Take the members from the copy, because the collection may be edited concurrently.
   const Manifest copied = TweakCollection(directory / kManifestFile).manifest();
   for (const std::shared_ptr<TweakFile>& tweak : copied.tweaks()) {
     if (fs::exists(tweaks / tweak->id())) continue;  // named twice

@@ -15,7 +15,7 @@
 
 namespace tavlen {
 
-/// A handle on one collection file, which names tweaks that are shown, shared and installed
+/// A handle on one collection file. A collection lists tweaks that are shown, shared and installed
 /// together.
 class TweakCollection : public TweakProtocol, public std::enable_shared_from_this<TweakCollection> {
  public:
@@ -23,49 +23,50 @@ class TweakCollection : public TweakProtocol, public std::enable_shared_from_thi
   struct Opened;
   struct Diff;
 
-  /// Of exported collections.
+  /// The extension of archives of collections, without the full stop.
   static constexpr std::string_view compressedExtension = "tvxc";
-  /// What the names of stored collections end in.
+  /// The suffix of the identifiers of stored collections.
   static constexpr std::string_view kIDSuffix = ".collection";
 
-  /// Opens the file at `url` and reads it once, to check it. Errors as manifest()'s.
+  /// Opens the file at `url` and reads it once to check it. Throws as manifest() does.
   static std::shared_ptr<TweakCollection> at(std::filesystem::path url);
-  /// at(), with the manifest that it has read. Errors as at()'s.
+  /// As at(), but also returns the manifest that was read. Throws as at() does.
   static Opened open(std::filesystem::path url);
-  /// The collection in the file `url`, whose bytes the caller has read; no file is opened. Throws
-  /// DecodingError.
+  /// The collection in the file `url`, decoded from its bytes, which the caller has read. Opens no
+  /// file. Throws DecodingError.
   static Opened opened(std::filesystem::path url, std::string_view document);
-  /// As opened(), with the settings alone.
+  /// As opened(), but keeps only the settings. Throws DecodingError.
   static ListedItem listed(std::filesystem::path url, std::string_view document);
-  /// The path of the collection `id`, relative to the folder that it lies in.
+  /// The path of the collection `id`, relative to the folder that contains it.
   static std::string documentOf(std::string_view id) { return std::string(id); }
-  /// Makes a new collection without members in the tweaks directory. Posts nothing. Throws
+  /// Creates a new collection without members in the tweaks directory. Posts nothing. Throws
   /// std::system_error.
   static std::shared_ptr<TweakCollection> create(std::string name, TweakColor color,
                                                  TweakGlyph glyph, std::string bundleID);
-  /// Takes in the unpacked folder `url`, as preparePayloadIn() makes it: the collection and its
-  /// members move into the tweaks directory, under new identifiers. Posts nothing. Throws
-  /// TweakError::missing, DecodingError, std::system_error, and what TweakFile::at() throws; what
-  /// was moved before an error stays.
+  /// Imports the unpacked folder `url`, which has the layout of preparePayloadIn(): moves the
+  /// collection and its members into the tweaks directory under new identifiers. Posts nothing.
+  /// Throws TweakError::missing, DecodingError, std::system_error, and what TweakFile::at() throws.
+  /// Members that were moved before an error stay in the store.
   static std::shared_ptr<TweakCollection> handlePayloadAt(const std::filesystem::path& url);
 
-  /// Whether a stored item of that identifier would be a collection.
+  /// Whether a stored item of that identifier is a collection.
   static bool isValidID(std::string_view text);
-  /// A place for a new collection.
+  /// An unused path for a new collection in the tweaks directory. Creates nothing.
   static std::filesystem::path uniqueTweakURL();
 
-  /// Throws what manifest() throws.
+  /// Reads the file to check it. Throws what manifest() throws.
   void validate() const;
 
-  /// Reads the file. Throws TweakError::missing when it is not there; DecodingError, and
-  /// std::system_error where it cannot be read, pass through.
+  /// Reads the file. Throws TweakError::missing if it does not exist, std::system_error if it
+  /// cannot be read, and DecodingError.
   Manifest manifest() const;
   TweakManifest genericManifest() const override;
   TweakConfiguration genericConfiguration() const override;
-  /// Replaces the file whole or not at all, then posts the change unless tweakPoster() is silenced.
-  /// Throws EncodingError and std::system_error, and posts nothing then.
+  /// Replaces the file atomically, then posts the change unless tweakPoster() is silenced. Throws
+  /// EncodingError and std::system_error, and then posts nothing.
   void setManifest(const Manifest& manifest);
-  /// Reads the manifest, lets `change` edit it and writes it back; what `change` throws stops that.
+  /// Reads the manifest, lets `change` edit it and stores it. If `change` throws, the exception
+  /// passes through and nothing is stored. Throws as manifest() and setManifest() do.
   void updateManifest(const std::function<void(Manifest&)>& change);
 
   std::string_view archiveExtension() const override { return compressedExtension; }

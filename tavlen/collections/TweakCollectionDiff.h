@@ -11,11 +11,15 @@ namespace tavlen {
 
 /// One change of a collection.
 struct TweakCollection::Diff : TweakDiffProtocol {
+  /// The kind of change.
   enum class Mode { create, updateManifest, delete_ };
 
+  /// `changed` must not be null.
   Diff(std::shared_ptr<TweakCollection> changed, Mode how) : tweak(std::move(changed)), mode(how) {}
 
+  /// The changed collection. Never null.
   std::shared_ptr<TweakCollection> tweak;
+  /// What was changed.
   Mode mode;
 
   std::optional<GenericTweakDiffMode> genericMode() const override;

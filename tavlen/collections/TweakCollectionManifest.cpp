@@ -9,13 +9,13 @@ namespace tavlen {
 
 namespace {
 
-/// What `open` makes of the folder of each of the stored tweaks among `ids`; what it throws for is
-/// left out, as documented.
+/// The results of `open` for the folders of the stored tweaks among `ids`. Tweaks for which `open`
+/// throws are left out, as documented.
 template <class Open>
 auto openMembers(const std::vector<std::string>& ids, const Open& open) {
   std::vector<decltype(open(TweaksDirectory::url()))> members;
   for (const std::string& id : ids) {
-    // Whatever an imported collection names, only stored tweaks are its members.
+    // An imported collection may contain any text as an identifier; only stored tweaks are members.
     if (!TweakFile::isValidID(id) || !isPlainComponent(id)) continue;
     try {
       members.push_back(open(TweaksDirectory::url() / id));

@@ -14,21 +14,25 @@
 
 namespace tavlen {
 
-/// The document of a collection.
+/// A collection's document.
 struct TweakCollection::Manifest {
+  /// The type of a collection's settings.
   using Configuration = ItemConfiguration<TweakCollection>;
 
+  /// The collection's settings.
   Configuration configuration;
-  /// The members' identifiers, in the order in which they are shown.
+  /// The members' identifiers, in display order.
   std::vector<std::string> _tweaks;
 
-  /// The members, opened in the tweaks directory; those that cannot be opened, and collections, are
+  /// Opens the members in the tweaks directory. Collections, and members that cannot be opened, are
   /// left out.
   std::vector<std::shared_ptr<TweakFile>> tweaks() const;
-  /// As tweaks(), with the manifests that were read.
+  /// As tweaks(), but also returns the manifests that were read.
   std::vector<TweakFile::Opened> openedTweaks() const;
+  /// Replaces the members by `tweaks`, none of which may be null.
   void setTweaks(std::span<const std::shared_ptr<TweakFile>> tweaks);
 
+  /// A copy of the settings.
   TweakConfiguration genericConfiguration() const { return TweakConfiguration(configuration); }
 
   static constexpr auto codedFields() {
@@ -42,10 +46,10 @@ struct TweakCollection::Manifest {
 
 static_assert(TweakManifestRecord<TweakCollection::Manifest>);
 
-/// A collection and its manifest as it was read when the collection was opened.
+/// A collection with the manifest that was read when it was opened.
 struct TweakCollection::Opened {
   std::shared_ptr<TweakCollection> file;  ///< never null
-  Manifest manifest;
+  Manifest manifest;                      ///< as read; later edits do not change it
 };
 
 }  // namespace tavlen

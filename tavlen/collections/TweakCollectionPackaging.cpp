@@ -12,7 +12,7 @@ void packageCollection(const TweakCollection::Opened& collection,
                        const std::vector<TweakFile::Opened>& members, const Info& target,
                        const Packaging& packaging, TweakInfo& tweakInfo) {
   checkTarget(tweakInfo, collection.manifest.configuration.bundleID);
-  // All targets first: a member that is built costs the transpiler's time.
+  // Check all targets first, before spending time on building any member.
   for (const TweakFile::Opened& member : members) {
     checkTarget(tweakInfo, member.manifest.configuration.bundleID);
   }

@@ -7,9 +7,10 @@
 
 namespace tavlen {
 
-/// The work of TweakCollection::package(): packageTweak() for each of the opened members, in order.
-/// The icon is the first member's that has one. What fails may leave members packaged before it in
-/// the directory, but `tweakInfo` as it was.
+/// Implements TweakCollection::package(): calls packageTweak() for each of the opened members, in
+/// order. The icon is that of the first member that has one. Throws as TweakProtocol::package()
+/// does; an error may leave earlier members' packages in the directory, but does not change
+/// `tweakInfo`.
 void packageCollection(const TweakCollection::Opened& collection,
                        const std::vector<TweakFile::Opened>& members, const Info& target,
                        const Packaging& packaging, TweakInfo& tweakInfo);

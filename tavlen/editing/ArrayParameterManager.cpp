@@ -6,7 +6,7 @@ namespace tavlen {
 
 namespace {
 
-/// The item, which must be there.
+/// The item at `index`. Throws Error::indexOutOfBounds.
 ParameterContainer& itemAt(ArrayParameter& array, std::int64_t index) {
   if (index < 0 || static_cast<std::uint64_t>(index) >= array._items.size())
     throw ArrayParameterManager::Error::indexOutOfBounds(index);

@@ -6,7 +6,7 @@ namespace tavlen {
 
 namespace {
 
-/// The box on that side of the pair, which must be there.
+/// The box on one side of the pair at `index`. Throws Error::pairIndexOutOfBounds.
 ParameterContainer& boxAt(DictionaryParameter& dictionary, std::int64_t index,
                           DictionaryParameterManager::Accessor accessor) {
   if (index < 0 || static_cast<std::uint64_t>(index) >= dictionary._items.size())

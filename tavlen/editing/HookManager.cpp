@@ -16,7 +16,8 @@ namespace tavlen {
 
 namespace {
 
-/// Tells the hooks of an identity, without a copy of theirs.
+/// A predicate for hooks with `identity`. Compares the members, because Hook::identity() copies
+/// them.
 auto isOf(const MethodIdentity& identity) {
   return [&identity](const std::optional<Hook>& hook) {
     return hook && hook->isClassMethod == identity.isClassMethod &&
@@ -31,7 +32,7 @@ auto firstOf(Hooks& hooks, const MethodIdentity& identity) {
 
 using Mode = TweakFile::Diff::Mode;
 
-/// Stores what `change` makes of the manifest and posts what it gives.
+/// Lets `change` edit the manifest, stores it and posts the diff that `change` returns.
 void edit(const HookManager& hook, FunctionRef<Mode(TweakFile::Manifest&)> change) {
   std::optional<Mode> mode;
   {

@@ -12,41 +12,46 @@ namespace tavlen {
 
 struct Hook;
 
-/// Finds and rewrites one hook of a stored tweak.
+/// Finds and edits one hook of a stored tweak.
 ///
-/// Every call reads the manifest, unless the manager has one that was read. Every edit is one step
-/// under tweakPoster()'s lock, reads and writes the manifest once, posts one diff once the lock is
-/// free, whatever is silenced, and keeps the other hooks and the places of absent ones. What
-/// TweakFile::manifest() and setManifest() throw passes through; nothing is written or posted then.
-/// Threads: any, one manager with a manifest of its own one thread at a time. hook() and an edit
-/// after it are not one step; where others may edit the same hook, hold tweakPoster()'s lock around
-/// both.
+/// Every call reads the manifest, unless `opened` is set. Every edit holds tweakPoster()'s lock,
+/// reads and stores the manifest once, and keeps the other hooks and the empty entries. After
+/// releasing the lock it posts one diff, even if tweakPoster() is silenced. Every function throws
+/// what TweakFile::manifest() and setManifest() throw; nothing is then stored or posted.
+/// Threads: any; but a manager with `opened` on one thread at a time. hook() and a later edit are
+/// two steps: if the hook may be edited concurrently, hold tweakPoster()'s lock around both.
 class HookManager {
  public:
+  /// The cases of Error.
   enum class ErrorCase { hookNotFound };
   class Error;
 
-  /// Never null.
+  /// The edited tweak. Never null.
   std::shared_ptr<TweakFile> tweak;
+  /// The hooked method.
   MethodIdentity identity;
-  /// The tweak's manifest as the caller has read it, which stands for what is stored: edits begin
-  /// with it and change it, even where storing it fails. Null for the disk.
+  /// The manifest, if the caller has read it already. It is then used instead of the stored one,
+  /// and every edit changes it, even if storing it fails. Null to read the disk.
   std::shared_ptr<TweakFile::Manifest> opened;
 
-  /// The first hook of that identity. Throws Error::hookNotFound.
+  /// The first hook with the manager's identity. Throws Error::hookNotFound.
   Hook hook() const;
-  /// Puts `hook` in the place of the first one of this manager's identity, whatever its own is, and
-  /// at the end where there is none. Posts UpdateHook or AddHooks.
+  /// Replaces the first hook with the manager's identity by `hook`, whose own identity may differ.
+  /// If no such hook exists, adds `hook` at the end. Posts UpdateHook or AddHooks.
   void setHook(const Hook& hook) const;
-  /// Lets `change` edit the hook and stores it. Throws as hook(), and what `change` throws. What
-  /// `change` stores in the tweak by other ways is lost.
+  /// Lets `change` edit the hook and stores the result. Posts UpdateHook. Throws
+  /// Error::hookNotFound and what `change` throws. If `change` itself stores something in the
+  /// tweak's manifest, that is overwritten.
   void updateHook(FunctionRef<void(Hook&)> change) const;
-  /// Removes every hook of that identity. Writes, and posts DeleteHook, even where there is none.
+  /// Removes every hook with the manager's identity. Stores the manifest and posts DeleteHook even
+  /// if no such hook exists.
   void deleteHook() const;
 };
 
+/// A hook that does not exist.
 class HookManager::Error : public CasedError<HookManager::ErrorCase> {
  public:
+  /// The tweak has no hook with the manager's identity.
   static Error hookNotFound();
 
  private:

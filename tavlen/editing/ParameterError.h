@@ -15,20 +15,24 @@ namespace tavlen {
 
 class TweakFile;
 
+/// The cases of ParameterError.
 enum class ParameterErrorCase { typeMismatch, notFound };
 
-/// What is wrong with a parameter that is looked for in a stored tweak.
+/// A parameter of a stored tweak is missing or has another kind than expected.
 class ParameterError : public CasedError<ParameterErrorCase> {
  public:
-  /// `expected` is a kind's typeName, a constant.
+  /// `expected` is the typeName of a kind; it must outlive the error.
   static ParameterError typeMismatch(std::string_view expected, const Parameter& found);
+  /// The hook in `tweak` has no entry for the argument `idx`.
   static ParameterError notFound(std::int64_t idx, std::shared_ptr<TweakFile> tweak);
 
-  /// Of typeMismatch: the kinds' type names. Empty for the other case.
+  /// The expected kind's type name. Only for typeMismatch; empty otherwise.
   std::string_view expected() const { return expected_; }
+  /// The found kind's type name. Only for typeMismatch; empty otherwise.
   std::string_view found() const { return found_; }
-  /// Of notFound: the argument's position, and the document. None for the other case.
+  /// The argument's index. Only for notFound.
   std::optional<std::int64_t> idx() const { return idx_; }
+  /// The tweak. Only for notFound; null otherwise.
   const std::shared_ptr<TweakFile>& tweak() const { return tweak_; }
 
  private:

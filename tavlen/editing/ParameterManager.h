@@ -13,30 +13,37 @@ class TypedParameterManager;
 
 /// Reads and replaces one parameter of a stored tweak, at any depth.
 ///
-/// The kinds are links of a chain: the root names an argument of a hook, each further link an item
-/// of the collection that the link above it leads to. A link holds no parameter: reading goes down
-/// from the root each time, and so does an edit, which reads and writes the manifest once and posts
-/// one diff, however deep the parameter lies. Links are values; a copy shares the links above. A
-/// chain is walked and let go by recursion: no stored document nests deeper than 512 levels, and no
-/// chain should. Threads: any, as HookManager.
+/// Managers form a chain of links. The root names an argument of a hook; every further link names
+/// an item of the collection to which its parent link leads. For example, the value of the second
+/// pair of a dictionary that replaces argument 0:
+///
+///     RootParameterManager(hook, 0) <- DictionaryParameterManager(1, value)
+///
+/// A link holds no parameter. Reads and edits start at the root every time; an edit reads and
+/// stores the manifest once and posts one diff, no matter how deeply the parameter is nested. Links
+/// are values, and a copy shares its parent links. Chains are walked and destroyed recursively, so
+/// they should not exceed 512 links, the nesting limit of stored documents. Threads: as
+/// HookManager.
 class ParameterManager {
  public:
   virtual ~ParameterManager() = default;
 
-  /// The document that the chain leads to. Never null.
+  /// The edited tweak. Never null.
   virtual const std::shared_ptr<TweakFile>& tweak() const = 0;
-  /// Throws what the link's kind says, and what the links above throw.
+  /// Reads the parameter. Throws what the link's class documents, and what its parent links throw.
   virtual Parameter parameter() const = 0;
-  /// As parameter(), and as HookManager::setHook(); nothing is written or posted after an error.
+  /// Replaces the parameter. Throws as parameter() and HookManager::setHook() do; nothing is then
+  /// stored or posted.
   virtual void setParameter(Parameter parameter) const = 0;
-  /// A copy, to hang further links on.
+  /// A copy, to be used as the parent of further links.
   virtual std::shared_ptr<const ParameterManager> shared() const = 0;
 
-  /// Reads the parameter, lets `change` edit it and writes it back. What `change` throws stops
-  /// that. Throws as parameter() and setParameter().
+  /// Reads the parameter, lets `change` edit it and stores it. If `change` throws, the exception
+  /// passes through and nothing is stored. Throws as parameter() and setParameter() do.
   virtual void updateParameter(FunctionRef<void(Parameter&)> change) const = 0;
 
-  /// This manager for parameters of one kind. Include TypedParameterManager.h to use it.
+  /// A manager of the same parameter that requires the kind `Kind`. Include TypedParameterManager.h
+  /// to use it.
   template <class Kind>
   TypedParameterManager<Kind> typed() const;
 

@@ -9,21 +9,23 @@
 
 namespace tavlen {
 
-/// The first link of a chain: what a hook puts in place of one argument, or of its result.
+/// The first link of a chain: the parameter with which a hook replaces one argument, or its result.
 class RootParameterManager final : public ParameterManager {
  public:
-  /// `idx` is the position in the hook's arguments as Hook numbers them.
+  /// `idx` is an index as in Hook: an argument, or Hook::kReturnValue.
   RootParameterManager(HookManager manager, std::int64_t idx)
       : hookManager(std::move(manager)), parameterIdx(idx) {}
 
+  /// Leads to the hook.
   HookManager hookManager;
+  /// An index as in Hook.
   std::int64_t parameterIdx;
 
   const std::shared_ptr<TweakFile>& tweak() const override { return hookManager.tweak; }
-  /// Throws as HookManager::hook(), and ParameterError::notFound where the hook leaves the argument
-  /// as it is.
+  /// Throws as HookManager::hook() does, and ParameterError::notFound if the hook does not replace
+  /// the argument.
   Parameter parameter() const override;
-  /// Adds the argument where the hook has none there. Throws as HookManager::hook().
+  /// Replaces or adds the entry for the argument. Throws as HookManager::hook() does.
   void setParameter(Parameter parameter) const override;
   void updateParameter(FunctionRef<void(Parameter&)> change) const override;
   std::shared_ptr<const ParameterManager> shared() const override;

@@ -10,7 +10,7 @@
 
 namespace tavlen {
 
-/// A manager whose parameter is to be of the kind `Kind`. A value.
+/// A manager that requires its parameter to be of the kind `Kind`. A value.
 template <class Kind>
 class TypedParameterManager {
  public:
@@ -18,19 +18,21 @@ class TypedParameterManager {
   explicit TypedParameterManager(std::shared_ptr<const ParameterManager> untyped)
       : untyped_(std::move(untyped)) {}
 
+  /// The wrapped manager.
   const ParameterManager& untyped() const { return *untyped_; }
+  /// The edited tweak. Never null.
   const std::shared_ptr<TweakFile>& tweak() const { return untyped_->tweak(); }
 
-  /// Throws ParameterError::typeMismatch for a parameter of another kind.
+  /// Reads the parameter. Throws ParameterError::typeMismatch if it is of another kind.
   Kind parameter() const {
     Parameter found = untyped_->parameter();
     if (Kind* kind = std::get_if<Kind>(&found)) return std::move(*kind);
     throw ParameterError::typeMismatch(Kind::typeName, found);
   }
-  /// Whatever kind stands there.
+  /// Replaces the parameter, even if it is of another kind.
   void setParameter(Kind parameter) const { untyped_->setParameter(std::move(parameter)); }
-  /// Reads the parameter, lets `change` edit it and writes it back. What `change` throws stops
-  /// that.
+  /// Reads the parameter, lets `change` edit it and stores it. If `change` throws, the exception
+  /// passes through and nothing is stored. Throws as parameter() and setParameter() do.
   void updateParameter(FunctionRef<void(Kind&)> change) const {
     untyped_->updateParameter([&](Parameter& found) {
       Kind* const kind = std::get_if<Kind>(&found);

@@ -42,8 +42,9 @@ constexpr std::size_t kLongestName = [] {
 
 constexpr std::size_t kMostCorrections = 3;
 
-/// How many letters must be inserted, removed, replaced or swapped with their neighbour to make one
-/// text of the other. Both are at most kLongestName + kMostCorrections long.
+/// The Damerau-Levenshtein distance (optimal string alignment): how many letters must be inserted,
+/// removed, replaced or swapped with their neighbour to turn one text into the other. Both are at
+/// most kLongestName + kMostCorrections long.
 std::size_t corrections(std::string_view left, std::string_view right) {
   using Row = std::array<std::size_t, kLongestName + kMostCorrections + 1>;
   Row beforeLast{};

@@ -11,19 +11,22 @@
 
 namespace tavlen {
 
-/// How a stored item is shown, and what app it is for. `Item` is the kind of the item: the settings
-/// of a tweak and those of a collection are coded alike and are two types all the same.
+/// How a stored item is shown, and which app it is for. `Item` is the kind of item. Tweaks and
+/// collections code their settings in the same way, but the two types do not mix.
 template <class Item>
 struct ItemConfiguration {
-  /// The name that is shown; items are sorted and searched by it.
+  /// The displayed name; items are sorted and searched by it.
   std::string name;
+  /// The tint.
   TweakColor color = TweakColor::lightGreen;
   /// The identifier of the target app.
   std::string bundleID;
+  /// The glyph as stored; see glyph().
   std::optional<TweakGlyph> _glyph;
 
   /// The stored glyph, or the default one.
   const TweakGlyph& glyph() const { return _glyph ? *_glyph : TweakGlyph::default_(); }
+  /// Stores `glyph`, even if it is the default one.
   void setGlyph(TweakGlyph glyph) { _glyph = std::move(glyph); }
 
   static constexpr auto codedFields() {

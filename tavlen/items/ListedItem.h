@@ -9,14 +9,14 @@ namespace tavlen {
 
 class TweakProtocol;
 
-/// A stored item, and the settings that its document held when it was opened.
+/// A stored item with its settings, as they were when its document was read.
 struct ListedItem {
   std::shared_ptr<TweakProtocol> item;  ///< never null
-  TweakConfiguration configuration;
+  TweakConfiguration configuration;     ///< as read; later edits do not change it
 };
 
-/// Sorts as TweakProtocol::compareTo() orders items, those of equal names by their identifiers,
-/// without reading anything. Threads: any.
+/// Sorts by name in the order of TweakProtocol::compareTo(), and items of equal names by their
+/// identifiers. Reads no document. Threads: any.
 void sortByName(std::vector<ListedItem>& items);
 
 }  // namespace tavlen

@@ -8,8 +8,8 @@
 
 namespace tavlen {
 
-/// The tint of a tweak or a collection; users of the library map it to a colour of the screen. The
-/// list is complete as it stands, without a dark blue and a dark pink.
+/// The tint of a tweak or a collection. The library's users map it to an actual colour. The list is
+/// complete: no dark blue or dark pink exists.
 enum class TweakColor {
   lightGreen,
   darkGreen,
@@ -25,6 +25,7 @@ enum class TweakColor {
 
 template <>
 struct RawValues<TweakColor> {
+  /// The stored names, in the order of the enumerators.
   static constexpr std::array<std::string_view, 10> names = {
       "lightGreen", "darkGreen", "lightBlue",   "lightYellow", "darkYellow",
       "lightRed",   "darkRed",   "lightPurple", "darkPurple",  "lightPink",
@@ -32,7 +33,7 @@ struct RawValues<TweakColor> {
   static constexpr std::string_view typeName = "color";
 };
 
-/// The place of `color` among all colours; 0 for a value that is none of them.
+/// The index of `color` in the enumeration; 0 for a value that is not an enumerator.
 std::size_t index(TweakColor color);
 
 }  // namespace tavlen

@@ -11,20 +11,23 @@ namespace tavlen {
 class TweakCollection;
 class TweakFile;
 
-/// A configuration of either kind, for users that show both alike. A value.
+/// The settings of a tweak or of a collection, for callers that show both in the same way. A value.
 class TweakConfiguration {
  public:
+  /// Wraps `record`, whose `Item` is TweakFile or TweakCollection.
   template <class Item>
   explicit TweakConfiguration(ItemConfiguration<Item> record) : record_(std::move(record)) {}
 
+  /// The displayed name. Valid as long as this object.
   const std::string& name() const {
     return std::visit([](const auto& record) -> const std::string& { return record.name; },
                       record_);
   }
+  /// The tint.
   TweakColor color() const {
     return std::visit([](const auto& record) { return record.color; }, record_);
   }
-  /// The identifier of the target app.
+  /// The identifier of the target app. Valid as long as this object.
   const std::string& bundleID() const {
     return std::visit([](const auto& record) -> const std::string& { return record.bundleID; },
                       record_);
@@ -34,12 +37,12 @@ class TweakConfiguration {
     return std::visit([](const auto& record) -> const TweakGlyph& { return record.glyph(); },
                       record_);
   }
-  /// Throws EncodingError.
+  /// Encodes the wrapped record. Throws EncodingError.
   void encode(Encoder& encoder) const {
     std::visit([&](const auto& record) { tavlen::encode(encoder, record); }, record_);
   }
 
-  /// Whether `other` is a configuration of the same kind and the same value.
+  /// Whether `other` has the same kind and the same value.
   bool isEqualTo(const TweakConfiguration& other) const { return record_ == other.record_; }
 
  private:

@@ -9,15 +9,16 @@
 /// The one notification that carries the changes of tweaks and collections. Threads: any.
 namespace tavlen {
 
-/// Its user info holds the TweakDiffs under kTweakDiffsKey; it has no object.
+/// Its user info holds TweakDiffs under kTweakDiffsKey; its object is empty.
 inline constexpr std::string_view kTweaksDidUpdateNotification = "TweaksDidUpdate";
+/// The key of the TweakDiffs in the notification's user info.
 inline constexpr std::string_view kTweakDiffsKey = "diffs";
 
-/// Posts at once, even an empty list, whatever posters say.
+/// Posts `diffs` immediately, even if the list is empty or tweakPoster() is silenced.
 void postTweakDiffs(NotificationCenter& center, TweakDiffs diffs);
 
-/// `handler` is called with the diffs of every notification that holds some, on the posting thread,
-/// for the life of the process.
+/// Calls `handler` with the diffs of every notification that has some, on the posting thread. The
+/// observer is never removed.
 void addTweakDiffObserver(NotificationCenter& center,
                           std::function<void(const TweakDiffs&)> handler);
 

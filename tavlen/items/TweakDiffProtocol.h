@@ -11,12 +11,13 @@ class TweakProtocol;
 /// What happened to an item as a whole.
 enum class GenericTweakDiffMode { create, delete_ };
 
-/// One change of a tweak or a collection. A value; made by the kinds' own Diff.
+/// One change of a tweak or a collection. A value; TweakFile::Diff and TweakCollection::Diff derive
+/// from it.
 class TweakDiffProtocol {
  public:
   virtual ~TweakDiffProtocol() = default;
 
-  /// Nothing for a change within the item.
+  /// Whether the item was created or deleted; nothing for a change within the item.
   virtual std::optional<GenericTweakDiffMode> genericMode() const = 0;
   /// The changed item.
   virtual std::shared_ptr<TweakProtocol> genericTweak() const = 0;
@@ -31,7 +32,7 @@ class TweakDiffProtocol {
 
 /// A diff of either kind. Never null in a notification.
 using TweakDiff = std::shared_ptr<const TweakDiffProtocol>;
-/// In the order in which the changes were made.
+/// Diffs in the order in which the changes were made.
 using TweakDiffs = std::vector<TweakDiff>;
 
 }  // namespace tavlen

@@ -6,14 +6,17 @@
 
 namespace tavlen {
 
+/// The cases of TweakError.
 enum class TweakErrorCase { missing, bundleIDMismatch, notFound };
 
-/// What is wrong with a stored tweak or collection, whatever its kind.
+/// An error of a stored item that both kinds have in common.
 class TweakError : public CasedError<TweakErrorCase> {
  public:
-  /// `item` is the name of what is missing.
+  /// A file is missing; `item` is its name.
   static TweakError missing(std::string item);
+  /// The item targets another app: `found` instead of `expected`.
   static TweakError bundleIDMismatch(std::string expected, std::string found);
+  /// No item exists at that place.
   static TweakError notFound();
 
  private:

@@ -9,14 +9,15 @@ namespace tavlen {
 
 /// The icon of a tweak or a collection, by the names of Font Awesome 5.15.4.
 ///
-/// Any names are kept: a document may come from a newer program. GlyphNames.h knows which exist.
+/// Unknown names are kept, because a document may come from a newer program. GlyphNames.h knows
+/// which names exist.
 struct TweakGlyph {
   std::string icon;   ///< "tools"
   std::string style;  ///< "solid", "regular", "brands"
 
   bool operator==(const TweakGlyph&) const = default;
 
-  /// The icon `tools` in the style `solid`, which stands in where a document names none.
+  /// The icon `tools` in the style `solid`, for documents that name no glyph.
   static const TweakGlyph& default_();
 
   static constexpr auto codedFields() {

@@ -10,16 +10,17 @@
 
 namespace tavlen {
 
-/// What the manifests of tweaks and of collections have in common.
+/// A manifest of a tweak or a collection.
 template <class T>
 concept TweakManifestRecord = CodedRecord<T> && requires(const T& manifest) {
   { manifest.genericConfiguration() } -> std::same_as<TweakConfiguration>;
 };
 
-/// A manifest of either kind, for users that treat both alike. Copies share what they hold, which
-/// never changes.
+/// The manifest of a tweak or of a collection, for callers that treat both in the same way.
+/// Immutable; copies share the record.
 class TweakManifest {
  public:
+  /// Takes over `record`.
   template <TweakManifestRecord Record>
   explicit TweakManifest(Record record)
       : configuration_(record.genericConfiguration()),
@@ -27,8 +28,9 @@ class TweakManifest {
           tavlen::encode(encoder, *shared);
         }) {}
 
+  /// The manifest's settings. Valid as long as this object.
   const TweakConfiguration& genericConfiguration() const { return configuration_; }
-  /// Throws EncodingError.
+  /// Encodes the wrapped record. Throws EncodingError.
   void encode(Encoder& encoder) const { encode_(encoder); }
 
  private:

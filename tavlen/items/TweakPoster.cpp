@@ -3,7 +3,7 @@
 namespace tavlen {
 
 NotificationPoster& tweakPoster() {
-  // Never destroyed: threads may still write while the process ends.
+  // Deliberately leaked: threads may still write while the process exits.
   static auto* const poster = new NotificationPoster;
   return *poster;
 }

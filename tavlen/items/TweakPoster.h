@@ -4,9 +4,9 @@
 
 namespace tavlen {
 
-/// What all writes of tweaks and collections go through. Its lock serialises hook edits, creations
-/// and imports. An item's own lock is to be taken before it, never after. Lives as long as the
-/// process.
+/// The poster through which every write of a tweak or a collection announces its change. Its lock
+/// serialises hook edits, creations and imports. Lock order: an item's own lock before this one.
+/// Lives as long as the process.
 NotificationPoster& tweakPoster();
 
 }  // namespace tavlen

@@ -17,7 +17,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// The item's name is its identifier, so its path must end in one: not in a slash, "." or "..".
+/// `url` without a slash, "." or ".." at its end: an item's identifier is the last component.
 fs::path withName(fs::path url) {
   if (!url.has_filename()) url = url.parent_path();
   if (url.empty() || isPlainComponent(url.filename().native())) return url;
@@ -51,7 +51,7 @@ void TweakProtocol::uninstall() {
     const std::shared_ptr<IPA> ipa = associatedIPA();
     if (ipa->activeTweakID() == id()) ipa->setActiveTweak(nullptr);
   } catch (const std::exception&) {
-    // As documented: what cannot be uninstalled is deleted all the same.
+    // As documented. delete_() goes on to delete the item in any case.
   }
 }
 
@@ -60,7 +60,7 @@ void TweakProtocol::delete_() {
   try {
     remove();
   } catch (const std::exception&) {
-    // As documented; remove() tells.
+    // As documented; callers that need the error use remove().
   }
 }
 

@@ -23,7 +23,7 @@ std::filesystem::path uniqueURL(std::string_view suffix) {
   std::error_code ignored;
   do {
     unique = folder / newUUIDText().append(suffix);
-    // Where it cannot be told, using the place will say why.
+    // If the check itself fails, using the path will report why.
   } while (std::filesystem::exists(std::filesystem::symlink_status(unique, ignored)));
   return unique;
 }

@@ -3,16 +3,16 @@
 #include <filesystem>
 #include <string_view>
 
-/// The folder that all stored tweaks and collections lie in. Threads: any.
+/// The folder that contains all stored tweaks and collections. Threads: any.
 namespace tavlen::TweaksDirectory {
 
-/// kTweaksDir below the device root; it need not exist.
+/// kTweaksDir under the device root. It need not exist.
 std::filesystem::path url();
 
-/// url(), made with its parents where it is missing. Throws std::system_error.
+/// Creates url() and its parents if they are missing, and returns url(). Throws std::system_error.
 std::filesystem::path create();
 
-/// A fresh UUID's text with `suffix` in url(), at which nothing exists.
+/// An unused path in url(): a new UUID followed by `suffix`. Creates nothing.
 std::filesystem::path uniqueURL(std::string_view suffix = {});
 
 }  // namespace tavlen::TweaksDirectory

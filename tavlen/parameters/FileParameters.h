@@ -8,20 +8,23 @@
 
 namespace tavlen {
 
-/// A sort of object that is made of a file.
+/// A kind of object that is created from a file.
 struct FileObject {
+  /// The parameter kind's type name.
   std::string_view typeName;
-  /// The class whose object is made of the file.
+  /// The Objective-C class that is initialised with the file.
   std::string_view objectClass;
 };
 
-/// The file of that name in the tweak's resources, read at run time as an object of one class.
+/// A file in the tweak's resources, which is loaded at run time as an object of one class.
 template <const FileObject& kObject>
 struct FileParameter {
   static constexpr std::string_view typeName = kObject.typeName;
   static constexpr std::string_view identifier = identifierWithBaseName(typeName, "Parameter");
+  /// As FileObject::objectClass.
   static constexpr std::string_view objectClass = kObject.objectClass;
 
+  /// The file's name, relative to the tweak's resources.
   std::string filename;
 
   static constexpr auto codedFields() {
@@ -30,10 +33,14 @@ struct FileParameter {
   bool operator==(const FileParameter&) const = default;
 };
 
+/// The bytes of a file.
 inline constexpr FileObject kDataObject = {"DataParameter", "NSData"};
+/// The image in a file.
 inline constexpr FileObject kImageObject = {"ImageParameter", "UIImage"};
 
+/// An NSData with the bytes of a resource.
 using DataParameter = FileParameter<kDataObject>;
+/// A UIImage from a resource.
 using ImageParameter = FileParameter<kImageObject>;
 
 }  // namespace tavlen

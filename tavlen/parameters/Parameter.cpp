@@ -12,8 +12,8 @@ namespace tavlen {
 
 namespace {
 
-/// Appends the array literal of the parameters that `boxOf` gives for each of `items`. A nil is
-/// written as the null object, since a collection holds objects only.
+/// Appends the array literal of the parameters that `boxOf` returns for each of `items`. A nil is
+/// written as the null object, because collections hold only objects.
 template <class Item, class BoxOf>
 void appendArrayLiteral(std::string& out, const std::vector<Item>& items, BoxOf boxOf) {
   out += "@[";
@@ -31,7 +31,7 @@ void appendArrayLiteral(std::string& out, const std::vector<Item>& items, BoxOf 
   out += ']';
 }
 
-/// Appends the expression of one kind each.
+/// Appends a parameter's expression; one overload for each kind.
 struct ParameterExpression {
   std::string& out;
 
@@ -78,7 +78,7 @@ struct ParameterExpression {
 
   template <const RuntimeEntity& kEntity>
   void operator()(const RuntimeParameter<kEntity>& parameter) const {
-    // The loaded function's encoding: its result, then its one argument, an object.
+    // The type encoding of the loaded function: its result, then its only argument, an object.
     out.append("loadFunc('").append(kEntity.fetchFunction);
     out.append("', '").append(kEntity.retEncoding).append("@')(");
     appendJSONString(out, parameter.name);
@@ -90,7 +90,7 @@ struct ParameterExpression {
   }
 
   void operator()(const DictionaryParameter& parameter) const {
-    // The keys first, so that a failing key is the one reported.
+    // Render the keys first, so that an error in a key is reported before one in a value.
     std::string keys;
     appendArrayLiteral(keys, parameter._items, &DictionaryParameter::Pair::_key);
     out += "[NSDictionary dictionaryWithObjects:";

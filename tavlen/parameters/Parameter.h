@@ -12,11 +12,11 @@ namespace tavlen {
 struct ArrayParameter;
 struct DictionaryParameter;
 
-/// A typed constant that a hook puts in place of an argument or of a result. The order of the kinds
-/// is that of their look-up in stored documents. Include ParameterContainer.h to use one: it
-/// completes the kinds that nest.
+/// A typed constant with which a hook replaces an argument or a result. Stored documents are
+/// matched against the kinds in this order. Include ParameterContainer.h to use a parameter: it
+/// completes the types of the kinds that nest.
 ///
-/// Every kind offers its `typeName`, the `identifier` that is stored for it, and its coded fields.
+/// Every kind has a `typeName`, the `identifier` under which it is stored, and coded fields.
 using Parameter =
     std::variant<NilParameter, CodeParameter, ValueParameter<std::int64_t>,
                  ValueParameter<std::uint64_t>, ValueParameter<double>, ValueParameter<std::string>,
@@ -24,15 +24,15 @@ using Parameter =
                  ImageParameter, ClassParameter, SelectorParameter, ProtocolParameter,
                  ArrayParameter, DictionaryParameter>;
 
-/// Appends the expression of `parameter`, of whichever kind, in the hook language.
+/// Appends the expression of `parameter` in the hook language.
 ///
-/// Throws EncodingError for a value that is written as JSON and has no such form: a float that is
-/// not finite, a text that is not UTF-8. The first value at fault in the order of writing is named,
-/// of a dictionary the keys before the values; `out` holds a part of the expression then. Code is
-/// not judged, and the numbers of dates and colours never fail: what is not finite is written "inf"
-/// or "nan", and refused when it is stored.
+/// Throws EncodingError for a value that is written as JSON but has no JSON form: a float that is
+/// not finite, or text that is not UTF-8. The error names the first such value in the order of
+/// writing (a dictionary's keys come before its values), and `out` then holds a part of the
+/// expression. Code is not checked. Dates and colours never fail: a number that is not finite is
+/// written as "inf" or "nan" here, and only storing it throws.
 void appendOBJSValue(std::string& out, const Parameter& parameter);
-/// The expression of `parameter`, of whichever kind. Errors as appendOBJSValue()'s.
+/// The expression of `parameter` in the hook language. Throws as appendOBJSValue() does.
 std::string objsValue(const Parameter& parameter);
 
 }  // namespace tavlen

@@ -8,8 +8,9 @@
 
 namespace tavlen {
 
-/// A sort of run-time entity that can be looked up by name.
+/// A kind of run-time entity that can be looked up by name.
 struct RuntimeEntity {
+  /// The parameter kind's type name.
   std::string_view typeName;
   /// The Foundation function that looks the entity up.
   std::string_view fetchFunction;
@@ -17,14 +18,17 @@ struct RuntimeEntity {
   std::string_view retEncoding;
 };
 
-/// The run-time entity of that name, looked up at run time.
+/// A class, selector or protocol, which is looked up by its name at run time.
 template <const RuntimeEntity& kEntity>
 struct RuntimeParameter {
   static constexpr std::string_view typeName = kEntity.typeName;
   static constexpr std::string_view identifier = identifierWithBaseName(typeName, "Parameter");
+  /// As RuntimeEntity::fetchFunction.
   static constexpr std::string_view fetchFunction = kEntity.fetchFunction;
+  /// As RuntimeEntity::retEncoding.
   static constexpr std::string_view retEncoding = kEntity.retEncoding;
 
+  /// The entity's name at run time.
   std::string name;
 
   static constexpr auto codedFields() {
@@ -33,16 +37,21 @@ struct RuntimeParameter {
   bool operator==(const RuntimeParameter&) const = default;
 };
 
-// An object's encoding, not a class's: stored hooks were built with it, and the run time passes
-// both alike.
+/// The encoding is that of an object, not of a class: hooks have always been built with it, and the
+/// run time passes both in the same way.
 inline constexpr RuntimeEntity kRuntimeClass = {"ClassParameter", "NSClassFromString", "@"};
+/// A selector.
 inline constexpr RuntimeEntity kRuntimeSelector = {"SelectorParameter", "NSSelectorFromString",
                                                    ":"};
+/// A protocol, which is an object as well.
 inline constexpr RuntimeEntity kRuntimeProtocol = {"ProtocolParameter", "NSProtocolFromString",
                                                    "@"};
 
+/// A class, by name.
 using ClassParameter = RuntimeParameter<kRuntimeClass>;
+/// A selector, by name.
 using SelectorParameter = RuntimeParameter<kRuntimeSelector>;
+/// A protocol, by name.
 using ProtocolParameter = RuntimeParameter<kRuntimeProtocol>;
 
 }  // namespace tavlen

@@ -9,7 +9,7 @@
 
 namespace tavlen {
 
-/// No object: a nil in place of an argument or a result.
+/// A nil.
 struct NilParameter {
   static constexpr std::string_view typeName = "NilParameter";
   static constexpr std::string_view identifier = identifierWithBaseName(typeName, "Parameter");
@@ -18,11 +18,12 @@ struct NilParameter {
   bool operator==(const NilParameter&) const = default;
 };
 
-/// Source text of the hook language, put in place as it stands.
+/// Source text in the hook language, which is inserted unchanged.
 struct CodeParameter {
   static constexpr std::string_view typeName = "CodeParameter";
   static constexpr std::string_view identifier = identifierWithBaseName(typeName, "Parameter");
 
+  /// An expression in the hook language.
   std::string code;
 
   static constexpr auto codedFields() {
@@ -31,7 +32,8 @@ struct CodeParameter {
   bool operator==(const CodeParameter&) const = default;
 };
 
-/// The kind's name for each type of value. It stands in stored documents, so it is spelt out.
+/// The kind's name for each type of value. Stored documents contain it, so it is written out rather
+/// than derived from the C++ type.
 template <class Value>
 inline constexpr std::string_view kValueParameterName = {};
 template <>
@@ -50,9 +52,10 @@ template <class Value>
 struct ValueParameter {
   static constexpr std::string_view typeName = kValueParameterName<Value>;
   static_assert(!typeName.empty(), "the family holds no parameter of this type");
-  /// The whole name, unlike that of other kinds: each type of value is a kind of its own.
+  /// Unlike other kinds' identifiers, the whole name, because it has to tell the value types apart.
   static constexpr std::string_view identifier = typeName;
 
+  /// The value itself.
   Value value{};
 
   static constexpr auto codedFields() {
@@ -61,11 +64,12 @@ struct ValueParameter {
   bool operator==(const ValueParameter&) const = default;
 };
 
-/// A URL, as its text. The text is not checked here: the run time makes the URL of it.
+/// A URL, as text. It is not checked here; the URL is created from it at run time.
 struct URLParameter {
   static constexpr std::string_view typeName = "URLParameter";
   static constexpr std::string_view identifier = identifierWithBaseName(typeName, "Parameter");
 
+  /// The URL's text.
   std::string string;
 
   static constexpr auto codedFields() {
@@ -79,6 +83,7 @@ struct DateParameter {
   static constexpr std::string_view typeName = "DateParameter";
   static constexpr std::string_view identifier = identifierWithBaseName(typeName, "Parameter");
 
+  /// The point in time.
   Date date;
 
   static constexpr auto codedFields() {
@@ -87,21 +92,27 @@ struct DateParameter {
   bool operator==(const DateParameter&) const = default;
 };
 
-/// A colour; each component lies from 0 to 1, which nothing here enforces.
+/// A colour. Each component is meant to lie between 0 and 1; this is not enforced.
 struct ColorParameter {
   static constexpr std::string_view typeName = "ColorParameter";
   static constexpr std::string_view identifier = identifierWithBaseName(typeName, "Parameter");
 
+  /// From 0 to 1, as all components.
   double red = 0;
+  /// From 0 to 1.
   double green = 0;
+  /// From 0 to 1.
   double blue = 0;
+  /// Opacity: 0 is transparent, 1 is opaque.
   double alpha = 0;
 
-  /// A grey: `share` is that of all three colours.
+  /// A grey: red, green and blue are all `share`.
   static constexpr ColorParameter withWhite(double share, double alpha) {
     return {share, share, share, alpha};
   }
+  /// Opaque black.
   static const ColorParameter black;
+  /// Opaque white.
   static const ColorParameter white;
 
   static constexpr auto codedFields() {

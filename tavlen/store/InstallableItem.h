@@ -9,14 +9,16 @@
 
 namespace tavlen {
 
-/// An opened tweak or collection as IPA::setActiveTweak() takes it. No document is read again.
+/// An opened tweak or collection, in the form required by IPA::setActiveTweak(). Reads no document
+/// again.
 class InstallableItem : public InstallableTweak {
  public:
   /// Opens the members of a collection; those that cannot be opened are left out. `transpiler` is
-  /// the folder of "ob.js"; `copyExecutables` is whether the executables of tweaks go with them.
+  /// the folder that contains "ob.js"; `copyExecutables` says whether to install the tweaks'
+  /// executables.
   InstallableItem(OpenedItem item, std::filesystem::path transpiler, bool copyExecutables);
 
-  /// What is installed: the tweak itself, or the members.
+  /// The tweaks to install: the tweak itself, or the members of the collection.
   const std::vector<TweakFile::Opened>& tweaks() const { return tweaks_; }
 
   std::string id() const override { return item_.item()->id(); }

@@ -9,21 +9,24 @@
 
 namespace tavlen {
 
-/// A tweak or a collection, and its manifest as it was read when the item was opened: for callers
-/// that need the manifest and pass on what they have read.
+/// A tweak or a collection with the manifest that was read when it was opened. Passing it on saves
+/// reading the document again.
 struct OpenedItem : std::variant<TweakFile::Opened, TweakCollection::Opened> {
+  /// Constructed from either alternative.
   using variant::variant;
 
-  /// Null for a collection.
+  /// The opened tweak; null for a collection.
   const TweakFile::Opened* tweak() const { return std::get_if<TweakFile::Opened>(this); }
-  /// Null for a tweak.
+  /// The opened collection; null for a tweak.
   const TweakCollection::Opened* collection() const {
     return std::get_if<TweakCollection::Opened>(this);
   }
 
-  /// Never null.
+  /// The handle. Never null.
   std::shared_ptr<TweakProtocol> item() const;
+  /// A copy of the settings.
   TweakConfiguration configuration() const;
+  /// A copy of the manifest.
   TweakManifest manifest() const;
 };
 

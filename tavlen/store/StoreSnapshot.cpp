@@ -20,7 +20,7 @@ namespace fs = std::filesystem;
 /// In the order of StoreSnapshot::Document.
 constexpr std::array<const char*, 3> kDocumentNames = {"Manifest.json", "script.objs", "Icon.png"};
 
-/// The first folder above `path` that is there.
+/// The closest parent folder of `path` that exists.
 fs::path existingParent(fs::path path) {
   std::error_code ignored;
   do {
@@ -64,7 +64,7 @@ void StoreSnapshot::add(const fs::path& entry) {
   if (TweakFile::isValidID(id)) {
     const fs::path folder = target(entry);
     std::error_code ignored;
-    // It may get its manifest later.
+    // Watch the folder even without a manifest: it may be created later.
     if (fs::is_directory(folder, ignored)) folders_.push_back(folder);
     item = tweakAt(folder);
   } else if (id.ends_with(TweakCollection::kIDSuffix)) {

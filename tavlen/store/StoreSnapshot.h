@@ -11,43 +11,47 @@
 
 namespace tavlen {
 
-/// Which items the tweaks directory held at one moment, and which state of their documents: enough
-/// to tell what has changed since, without reading them. A value.
+/// The items in the tweaks directory at one moment, with the file status of their documents.
+/// Comparing two snapshots shows what has changed, without reading any document. A value.
 ///
-/// An item is there as soon as it has its manifest. Names that begin with "." are none.
+/// An item exists once its manifest exists. Names that begin with "." are ignored.
 class StoreSnapshot {
  public:
+  /// A file of an item.
   enum class Document { manifest, script, icon };
 
+  /// The difference in one item between two snapshots.
   struct Change {
+    /// What happened to an item.
     enum class Kind { created, changed, deleted };
 
+    /// What happened to this one.
     Kind kind;
     /// The item's identifier.
     std::string id;
-    /// Those that came, changed or went; a collection is its manifest.
+    /// The documents that were created, changed or deleted. A collection has only a manifest.
     std::vector<Document> documents;
 
     bool operator==(const Change&) const = default;
   };
 
-  /// Of nothing.
+  /// An empty snapshot.
   StoreSnapshot() = default;
-  /// Never fails: what cannot be looked at is not there.
+  /// Takes a snapshot. Files that cannot be examined count as missing.
   static StoreSnapshot take();
 
-  /// What happened between the two, in the order of the identifiers.
+  /// The changes from `before` to this snapshot, sorted by identifier.
   std::vector<Change> changesSince(const StoreSnapshot& before) const;
 
-  /// The identifiers of the items, in order.
+  /// The items' identifiers, sorted.
   std::vector<std::string> ids() const;
 
-  /// The folders in which a later snapshot's changes show first; while there is no tweaks
-  /// directory, the folder in which it, or what leads to it, will be made.
+  /// The folders to watch for changes: the tweaks directory and the tweaks' folders. If the tweaks
+  /// directory does not exist, its closest existing parent.
   const std::vector<std::filesystem::path>& folders() const { return folders_; }
 
  private:
-  /// Another file, or another state of the same one, has another.
+  /// Identifies a file and its state: it differs for another file and after a change.
   struct Stamp {
     std::uint64_t volume;
     std::uint64_t file;
@@ -58,7 +62,7 @@ class StoreSnapshot {
     bool operator==(const Stamp&) const = default;
   };
   static constexpr std::size_t kDocuments = 3;
-  /// By Document.
+  /// Indexed by Document.
   using Item = std::array<std::optional<Stamp>, kDocuments>;
 
   static std::optional<Stamp> stampOf(const std::filesystem::path& file);

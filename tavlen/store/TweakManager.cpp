@@ -30,7 +30,7 @@ namespace fs = std::filesystem;
 
 constexpr const char* kPayloadFolder = "Payload";
 
-/// The static members of a kind of items; see TweakProtocol.
+/// The static members of TweakFile or TweakCollection, as a row of a table; see TweakProtocol.
 struct Kind {
   std::string_view compressedExtension;
   bool (*isValidID)(std::string_view text);
@@ -58,17 +58,17 @@ constexpr Kind kindOf() {
           }};
 }
 
-/// The first one that takes an item has it.
+/// The kinds, in the order in which they are tried.
 constexpr std::array<Kind, 2> kKinds = {kindOf<TweakFile>(), kindOf<TweakCollection>()};
 
-/// The kind that takes a stored item of that identifier; null when none does.
+/// The kind of a stored item with that identifier; null if no kind accepts it.
 const Kind* kindOfID(std::string_view id) {
   const auto* const kind =
       std::find_if(kKinds.begin(), kKinds.end(), [&](const Kind& k) { return k.isValidID(id); });
   return kind != kKinds.end() ? kind : nullptr;
 }
 
-/// The kind whose archives are named like `url`; null when there is none.
+/// The kind whose archives have the extension of `url`; null if there is none.
 const Kind* kindOfArchive(const fs::path& url) {
   std::string extension = (url.has_filename() ? url : url.parent_path()).extension().string();
   if (extension.empty()) return nullptr;
@@ -81,11 +81,11 @@ const Kind* kindOfArchive(const fs::path& url) {
   return kind != kKinds.end() ? kind : nullptr;
 }
 
-/// A temporary folder beside the tweaks directory, on its volume.
+/// The parent of temporary folders, on the volume of the tweaks directory.
 fs::path temporaryItemsParent() { return DeviceRoot::shared().resolve(kApplicationSupportDir); }
 
-/// `name` as a file's, with the extension. What only names a folder, or hides the file, does so no
-/// more with an extension behind it, or was the user's wish.
+/// Turns a display name into a file name. "." and ".." are harmless once an extension is appended;
+/// a leading dot is kept on purpose.
 std::string archiveName(std::string name, const std::string& id, std::string_view extension) {
   constexpr std::size_t kLongestName = 255;
   constexpr std::string_view kNotInNames("/:\0", 3);
@@ -103,9 +103,10 @@ std::string archiveName(std::string name, const std::string& id, std::string_vie
   return name.append(".").append(extension);
 }
 
-/// What no archive may hold is named as the archive's reader would, not as the copy would fail.
+/// Reports sockets, devices etc. as ZIPError::specialFile before copying, so that the message
+/// matches the one on import.
 void refuseSpecialFiles(const fs::path& folder, const fs::path& nameInArchive) {
-  std::error_code ignored;  // the copy tells
+  std::error_code ignored;  // copying will report it
   fs::recursive_directory_iterator entry(folder, ignored);
   for (; !ignored && entry != fs::recursive_directory_iterator(); entry.increment(ignored)) {
     if (entry->is_symlink() || entry->is_regular_file() || entry->is_directory()) continue;
@@ -134,15 +135,15 @@ const Kind& kindAt(const fs::path& url) {
   return *kind;
 }
 
-/// Where the item of that identifier would lie. Throws TweakManager::Error::unknownTweakType.
+/// The path of the item with that identifier. Throws TweakManager::Error::unknownTweakType.
 fs::path storedURL(std::string_view id) {
   if (!isPlainComponent(id)) throw TweakManager::Error::unknownTweakType();
   return TweaksDirectory::url() / id;
 }
 
-/// Calls `visit` with the kind, the place and the document's bytes of every entry of the tweaks
-/// directory, in the order of its listing. What cannot be read, or what `visit` throws for, is left
-/// out, as documented.
+/// Calls `visit` with the kind, the path and the document's bytes of every item in the tweaks
+/// directory, in directory order. Skips items that cannot be read or for which `visit` throws, as
+/// documented.
 template <class Visit>
 void visitDocuments(const Visit& visit) {
   const fs::path folder = TweaksDirectory::url();
@@ -163,7 +164,7 @@ void visitDocuments(const Visit& visit) {
   }
 }
 
-/// Writes the archive of `tweak`, whose name is `name`, as export_() does.
+/// Implements export_() for `tweak`, whose displayed name is `name`.
 fs::path exportAs(const std::string& name, const TweakProtocol& tweak, Progress* progress) {
   const std::string file = archiveName(name, tweak.id(), tweak.archiveExtension());
   TemporaryDirectory output(temporaryItemsParent());
@@ -231,7 +232,7 @@ std::shared_ptr<TweakProtocol> TweakManager::decompressAt(const std::filesystem:
   if (kind == nullptr) throw Error::unknownTweakType();
   const TemporaryDirectory temporary(temporaryItemsParent());
   const fs::path unpacked = temporary.path() / newUUIDText();
-  // What other programs put beside it, such as "__MACOSX", is no business of ours.
+  // Ignore entries next to it that other programs add, such as "__MACOSX".
   ZIPArchive::unzipItem(url, unpacked, progress, {}, kPayloadFolder);
   return kind->handlePayloadAt(unpacked / kPayloadFolder);
 }

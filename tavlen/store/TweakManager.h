@@ -14,50 +14,56 @@ namespace tavlen {
 
 class Progress;
 
-/// The stored tweaks and collections as a whole. Keeps no state. Threads: any.
+/// Lists, opens, imports and exports stored tweaks and collections. Stateless. Threads: any.
 class TweakManager {
  public:
+  /// The cases of Error.
   enum class ErrorCase { unknownTweakType };
   class Error;
 
   TweakManager() = delete;
 
-  /// What the tweaks directory holds, in the order of its listing. What cannot be opened is left
-  /// out; empty where the directory cannot be read.
+  /// The items in the tweaks directory, in directory order. Items that cannot be opened are left
+  /// out. Empty if the directory cannot be read.
   static std::vector<std::shared_ptr<TweakProtocol>> allTweaks();
-  /// allTweaks(), with what lists show of them: every document is read once.
+  /// As allTweaks(), but also returns the items' settings. Reads every document once.
   static std::vector<ListedItem> listedTweaks();
-  /// Those of allTweaks() that have that name, with their manifests. Reads every document once.
+  /// The items of allTweaks() with that name, and their manifests. Reads every document once.
   static std::vector<OpenedItem> openNamed(std::string_view name);
 
-  /// The item of that identifier in the tweaks directory. Throws Error::unknownTweakType for an
-  /// identifier that no kind accepts, or that is not one plain path component, and what the kind's
-  /// at() throws.
+  /// The item with that identifier in the tweaks directory. Throws Error::unknownTweakType if no
+  /// kind accepts the identifier or if it is not a plain path component, and what the kind's at()
+  /// throws.
   static std::shared_ptr<TweakProtocol> tweakWithID(std::string_view id);
-  /// The item at `url`, of the kind that its last component tells. Errors as tweakWithID().
+  /// The item at `url`. The last component determines the kind. Throws as tweakWithID() does.
   static std::shared_ptr<TweakProtocol> tweakAt(std::filesystem::path url);
-  /// As tweakWithID() and tweakAt(), with the manifest that was read.
+  /// As tweakWithID(), but also returns the manifest that was read.
   static OpenedItem openWithID(std::string_view id);
+  /// As tweakAt(), but also returns the manifest that was read.
   static OpenedItem openAt(std::filesystem::path url);
 
-  /// Whether `url` is named like an archive of one of the kinds.
+  /// Whether `url` has the extension of an archive of tweaks or collections.
   static bool canHandle(const std::filesystem::path& url);
 
-  /// Imports an archive; announcing what came is the caller's. Throws Error::unknownTweakType,
+  /// Imports an archive and returns the new item. Posts nothing; the caller announces the item.
+  /// `progress`, which may be null, reports and cancels unpacking. Throws Error::unknownTweakType,
   /// ZIPError, std::system_error, and what the kind's handlePayloadAt() throws.
   static std::shared_ptr<TweakProtocol> decompressAt(const std::filesystem::path& url,
                                                      Progress* progress = nullptr);
 
-  /// Writes an archive, named after the item, into a fresh temporary folder beside the tweaks
-  /// directory, and gives its path; file and folder are then the caller's to remove. Throws
-  /// ZIPError, std::system_error, and what reading the manifest throws.
+  /// Writes an archive named after the item into a new temporary folder next to the tweaks
+  /// directory, and returns the archive's path. The caller removes the archive and its folder.
+  /// `progress` may be null. Throws ZIPError, std::system_error, and what reading the manifest
+  /// throws.
   static std::filesystem::path export_(const TweakProtocol& tweak, Progress* progress = nullptr);
-  /// As export_(), of an item whose manifest has been read.
+  /// As export_(), but uses the manifest that was read. Throws as export_() does.
   static std::filesystem::path exportOpened(const OpenedItem& opened, Progress* progress = nullptr);
 };
 
+/// An error of the store.
 class TweakManager::Error : public CasedError<TweakManager::ErrorCase> {
  public:
+  /// The name is neither that of a tweak nor that of a collection.
   static Error unknownTweakType();
 
  private:

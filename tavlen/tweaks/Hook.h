@@ -16,42 +16,50 @@ namespace tavlen {
 class ObjCClass;
 class ObjCMethod;
 
-/// One Objective-C method that a tweak replaces, with the constants that it puts in place of
-/// arguments and result. Nothing checks that the signature agrees with the selector, or an index
-/// with either.
+/// One Objective-C method that a tweak replaces, with the constants that replace its arguments and
+/// its result. The signature is not checked against the selector, nor are the indices.
 struct Hook {
-  /// The index in `args` of the method's result; the arguments after receiver and selector count
-  /// from 0.
+  /// The index of the method's result in `args`. Arguments count from 0, without the receiver and
+  /// the selector.
   static constexpr std::int64_t kReturnValue = -1;
 
-  /// A name that the user chose; none unless set.
+  /// A name that the user chose, if any.
   std::optional<std::string> customName;
+  /// The class of the method.
   std::string className;
+  /// The method's selector.
   std::string selector;
   /// The method's types, as an Objective-C type encoding.
   std::string signature;
+  /// Whether it is a class method rather than an instance method.
   bool isClassMethod = false;
+  /// The replacement values in their boxes, as they are coded; see args().
   std::map<std::int64_t, ParameterContainer> _args;
 
+  /// A hook without a custom name.
   static Hook with(std::string className, std::string selector, std::string signature,
                    bool isClassMethod, std::map<std::int64_t, Parameter> args);
-  /// A hook of `method`, which `cls` need not list.
+  /// A hook of `method` in `cls`. The class need not list the method.
   static Hook with(const ObjCClass& cls, const ObjCMethod& method,
                    std::map<std::int64_t, Parameter> args);
 
-  /// A new record of the hooked method; its encoding is the signature.
+  /// A new record of the hooked method, with the signature as its type encoding.
   std::shared_ptr<ObjCMethod> method() const;
 
-  /// The replacement values by index, out of their boxes. What has no entry stays as the caller, or
-  /// the method's own implementation, gave it.
+  /// A copy of the replacement values by index, out of their boxes. An argument or a result without
+  /// an entry is not changed.
   std::map<std::int64_t, Parameter> args() const;
+  /// Replaces all replacement values.
   void setArgs(std::map<std::int64_t, Parameter> args);
 
   /// "+" for a class method, "-" for an instance method.
   std::string_view prefix() const { return isClassMethod ? "+" : "-"; }
+  /// The hooked method.
   MethodIdentity identity() const { return {className, selector, isClassMethod}; }
-  /// What the transpiler knows the method by, within its class: signature, prefix and selector.
+  /// The key by which the transpiler identifies the method within its class: signature, prefix and
+  /// selector.
   std::string transpilerKey() const;
+  /// Appends transpilerKey() to `out`.
   void appendTranspilerKey(std::string& out) const;
 
   static constexpr auto codedFields() {

@@ -42,7 +42,7 @@ void appendFunction(std::string& out, const Hook& hook) {
   out += "\t}";
 }
 
-/// `key` is a buffer that callers with many hooks keep.
+/// Appends the member for `hook`. `key` is scratch space, which callers reuse to save allocations.
 void appendKeyedFunction(std::string& out, const Hook& hook, std::string& key) {
   key.clear();
   hook.appendTranspilerKey(key);
@@ -64,7 +64,7 @@ std::vector<ClassHooks> groupedByClass(std::span<const Hook> hooks) {
   std::unordered_map<std::string_view, std::size_t> places;
   ClassHooks* last = nullptr;
   for (std::size_t i = 0; i < hooks.size(); ++i) {
-    // The hooks of a class mostly follow one another, so that few look-ups are needed.
+    // The hooks of a class are usually adjacent, which saves most of the look-ups.
     if (last == nullptr || last->className != hooks[i].className) {
       const auto [place, added] = places.try_emplace(hooks[i].className, classes.size());
       if (added) classes.push_back({hooks[i].className, {}});
@@ -77,10 +77,10 @@ std::vector<ClassHooks> groupedByClass(std::span<const Hook> hooks) {
   return classes;
 }
 
-/// About the length of the source, so that it seldom has to move while it grows.
+/// The approximate length of the source. Reserving it avoids most reallocations.
 std::size_t estimatedLength(std::span<const Hook> hooks) {
-  constexpr std::size_t kFrame = 60;     // of a function: its key's marks, `function`, the result
-  constexpr std::size_t kArgument = 80;  // an assignment with an expression of the usual length
+  constexpr std::size_t kFrame = 60;     // a function's fixed text: key punctuation, `function`
+  constexpr std::size_t kArgument = 80;  // an assignment of an expression of typical length
   std::size_t length = 0;
   for (const Hook& hook : hooks)
     length += kFrame + hook.signature.size() + hook.selector.size() + kArgument * hook._args.size();
@@ -114,8 +114,8 @@ HookSource generateHookSource(std::span<const Hook> hooks) {
   try {
     return render(hooks);
   } catch (const EncodingError&) {
-    // The blocks are in the order of their classes, but the error to report is that of the first
-    // hook in the list, and before those of the classes' names.
+    // The blocks are in class order, but the error to report is the one of the first hook in the
+    // list, and hooks come before class names.
     for (const Hook& hook : hooks) keyedOBJSFunc(hook);
     throw;
   }

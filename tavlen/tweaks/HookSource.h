@@ -9,29 +9,32 @@
 
 namespace tavlen {
 
-/// The hook source that a list of hooks becomes: a `hookClass` block a class, a function a hook.
+/// The source text generated for a list of hooks: one `hookClass` block for each class, with one
+/// function for each hook.
 struct HookSource {
-  /// Where the function of one hook stands.
+  /// The position of one hook's function in the text.
   struct Entry {
-    std::size_t hook;   ///< its place in the list
-    std::size_t begin;  ///< of its text, in bytes from the source's begin
-    std::size_t end;
+    std::size_t hook;   ///< the hook's index in the list
+    std::size_t begin;  ///< the first byte of the function, as an offset in the text
+    std::size_t end;    ///< one past its last byte
   };
 
+  /// The source, in UTF-8.
   std::string text;
   /// In the order of the text.
   std::vector<Entry> entries;
 };
 
-/// Renders `hooks`. Classes are ordered by the bytes of their names, the hooks of a class as the
-/// list has them, arguments by index. Throws EncodingError for the first hook of the list that has
-/// a value without an expression, or a name that is not UTF-8.
+/// Renders `hooks`. Classes are ordered by the bytes of their names, the hooks of a class as in the
+/// list, and arguments by index. Throws EncodingError for the first hook of the list with a value
+/// that has no expression, or with a name that is not UTF-8.
 HookSource generateHookSource(std::span<const Hook> hooks);
 
-/// The function that replaces the method of `hook`. Errors as above.
+/// The function that replaces the method of `hook`. Throws as generateHookSource() does.
 std::string objsFunc(const Hook& hook);
 
-/// The member of a `hookClass` block that `hook` becomes. Errors as above.
+/// The member of a `hookClass` block for `hook`: its key and its function. Throws as
+/// generateHookSource() does.
 std::string keyedOBJSFunc(const Hook& hook);
 
 }  // namespace tavlen

@@ -14,24 +14,30 @@
 
 namespace tavlen {
 
-/// The document of a tweak, stored as Manifest.json in its folder.
+/// A tweak's document, which is stored as Manifest.json in its folder.
 struct TweakFile::Manifest {
+  /// The type of a tweak's settings.
   using Configuration = ItemConfiguration<TweakFile>;
 
+  /// The tweak's settings.
   Configuration configuration;
+  /// The overrides in their boxes, as they are coded; see overrides().
   std::vector<OverrideContainer> _overrides;
-  /// An absent hook, a null in the file, keeps its place until setHooks() drops it.
+  /// The hooks as they are coded; see hooks(). A null in the file is an empty entry, which is kept
+  /// until setHooks() drops it.
   std::vector<std::optional<Hook>> _hooks;
 
-  /// The overrides out of their boxes, in the user's order.
+  /// A copy of the overrides, out of their boxes, in the user's order.
   std::vector<Override> overrides() const;
+  /// Replaces all overrides.
   void setOverrides(std::vector<Override> overrides);
 
-  /// The hooks that are present, in the user's order.
+  /// A copy of the hooks without the empty entries, in the user's order.
   std::vector<Hook> hooks() const;
-  /// Stores every hook as present.
+  /// Replaces all hooks, and drops empty entries.
   void setHooks(std::vector<Hook> hooks);
 
+  /// A copy of the settings.
   TweakConfiguration genericConfiguration() const { return TweakConfiguration(configuration); }
 
   static constexpr auto codedFields() {
@@ -46,11 +52,11 @@ struct TweakFile::Manifest {
 
 static_assert(TweakManifestRecord<TweakFile::Manifest>);
 
-/// A tweak and its manifest as it was read when the tweak was opened, for callers that pass on what
-/// they have read.
+/// A tweak with the manifest that was read when it was opened. Passing it on saves reading the
+/// document again.
 struct TweakFile::Opened {
   std::shared_ptr<TweakFile> file;  ///< never null
-  Manifest manifest;
+  Manifest manifest;                ///< as read; later edits do not change it
 };
 
 }  // namespace tavlen

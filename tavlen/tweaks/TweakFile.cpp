@@ -34,10 +34,10 @@ constexpr const char* kScriptFile = "script.objs";
 constexpr const char* kResourcesFolder = "Resources";
 constexpr const char* kExecutablesFolder = "Executables";
 
-/// As large as an app's icon may be.
+/// The limit for app icons, too.
 constexpr std::size_t kLargestIcon = std::size_t{64} << 20;
 
-/// What a manifest is checked as where only its settings are kept.
+/// A manifest for callers that need only its settings: the rest is checked and discarded.
 struct ManifestSummary {
   TweakFile::Manifest::Configuration configuration;
   Discarded<decltype(TweakFile::Manifest::_overrides)> overrides;
@@ -67,8 +67,8 @@ void post(TweakDiff diff) {
       [&] { postTweakDiffs(NotificationCenter::default_(), {std::move(diff)}); });
 }
 
-/// What the user wrote is on the disk before it has its place in the store. What a tweak carries
-/// beside it may be large, and can be imported again.
+/// Syncs the user's own documents before the tweak is moved into the store. Other files of a tweak
+/// may be large, and can be imported again.
 void syncDocuments(const std::filesystem::path& folder) {
   const DeviceRoot root = DeviceRoot::shared();
   for (const char* name : {kManifestFile, kScriptFile, kIconFile}) {
@@ -128,8 +128,8 @@ std::shared_ptr<TweakFile> TweakFile::create(std::string name, TweakColor color,
 }
 
 std::shared_ptr<TweakFile> TweakFile::handlePayloadAt(const std::filesystem::path& url) {
-  // Looked at where it lies, so that nothing broken comes into the store. A link would put there
-  // what lies elsewhere.
+  // Check the folder before moving it, so that nothing invalid enters the store. Moving a symbolic
+  // link would put into the store a reference to content elsewhere.
   const std::shared_ptr<TweakFile> payload(new TweakFile(url));
   std::error_code ignored;
   if (fs::is_symlink(payload->url(), ignored)) throw Error::notFound();
@@ -145,7 +145,6 @@ bool TweakFile::isValidID(std::string_view text) { return text.find('.') == text
 
 std::filesystem::path TweakFile::uniqueTweakURL() { return TweaksDirectory::uniqueURL(); }
 
-// A slash at the end, as folders are written.
 std::filesystem::path TweakFile::resourcesDir() const { return url() / kResourcesFolder / ""; }
 
 std::filesystem::path TweakFile::executablesDir() const { return url() / kExecutablesFolder / ""; }
@@ -154,7 +153,7 @@ std::string TweakFile::documentInFolder() const {
   try {
     return document();
   } catch (const std::exception&) {
-    // Asked only now, as opening a tweak that is well need not ask.
+    // Checked only after a failure, which saves a system call for every intact tweak.
     if (!fs::is_directory(DeviceRoot::shared().status(url()))) throw Error::notFound();
     throw;
   }
@@ -206,7 +205,7 @@ void TweakFile::setCustomIcon(const std::optional<Image>& icon) {
   try {
     storeIcon(url(), icon);
   } catch (const std::exception&) {
-    // As documented; writeCustomIcon() tells.
+    // As documented; callers that need the error use writeCustomIcon().
   }
   post(std::make_shared<Diff>(shared_from_this(), Diff::UpdateIcon()));
 }
@@ -229,7 +228,7 @@ TweakDiff TweakFile::diffFor(GenericTweakDiffMode mode) {
 }
 
 void TweakFile::preparePayloadIn(const std::filesystem::path& directory) const {
-  // Where the item is a link, what it leads to goes along, not the link.
+  // If url() is a symbolic link, copy the folder that it refers to.
   copyItem(canonical(DeviceRoot::shared(), url()), directory, isTemporaryName);
 }
 
@@ -252,13 +251,13 @@ void TweakFile::setScript(std::string_view text) {
   try {
     writeScript(text);
   } catch (const std::exception&) {
-    // As documented; writeScript() tells.
+    // As documented; callers that need the error use writeScript().
   }
 }
 
 void TweakFile::writeScript(std::string_view text) {
   const fs::path file = url() / kScriptFile;
-  // It could not be read again.
+  // readScript() would reject such a file.
   if (!isValidUTF8(text)) throw std::system_error(EILSEQ, std::generic_category(), file.string());
   store(file, text);
 }

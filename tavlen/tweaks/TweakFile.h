@@ -26,90 +26,96 @@ struct MethodIdentity;
 /// A handle on one tweak folder.
 class TweakFile : public TweakProtocol, public std::enable_shared_from_this<TweakFile> {
  public:
+  /// The cases of Error.
   enum class ErrorCase { missing, notFound };
   class Error;
   struct Manifest;
   struct Opened;
   struct Diff;
 
-  /// Of exported tweaks.
+  /// The extension of archives of tweaks, without the full stop.
   static constexpr std::string_view compressedExtension = "tvx";
 
-  /// Opens the folder at `url` and reads its manifest once, to check it. Errors as validate()'s.
+  /// Opens the folder at `url` and reads its manifest once to check it. Throws as validate() does.
   static std::shared_ptr<TweakFile> at(std::filesystem::path url);
-  /// at(), with the manifest that it has read. Errors as at()'s.
+  /// As at(), but also returns the manifest that was read. Throws as at() does.
   static Opened open(std::filesystem::path url);
-  /// The tweak in the folder `url`, whose document's bytes the caller has read; no file is opened.
-  /// Throws DecodingError.
+  /// The tweak in the folder `url`, decoded from the bytes of its document, which the caller has
+  /// read. Opens no file. Throws DecodingError.
   static Opened opened(std::filesystem::path url, std::string_view document);
-  /// As opened(), with the settings alone.
+  /// As opened(), but keeps only the settings. Throws DecodingError.
   static ListedItem listed(std::filesystem::path url, std::string_view document);
-  /// The path of the document of the tweak `id`, relative to the folder that the tweak lies in.
+  /// The path of the document of the tweak `id`, relative to the folder that contains the tweak.
   static std::string documentOf(std::string_view id);
-  /// Makes a new tweak in the tweaks directory. Posts nothing: who adds it to what is shown
-  /// announces it. Throws std::system_error; a part of the folder may then stay under a name that
-  /// lists leave out, until a later tweak is made.
+  /// Creates a new tweak in the tweaks directory. Posts no notification; the caller announces the
+  /// tweak after adding it to its UI. Throws std::system_error; a part of the folder may then stay
+  /// under a name that lists leave out, until a later tweak is made.
   static std::shared_ptr<TweakFile> create(std::string name, TweakColor color, TweakGlyph glyph,
                                            std::string bundleID);
-  /// Takes in the unpacked tweak folder `url`: it moves into the tweaks directory, which is made
-  /// where it is missing, under a new identifier. Throws Error::notFound where there is no folder
-  /// or a link to one, what validate() throws, and std::system_error; nothing is left in the store
-  /// then.
+  /// Imports the unpacked tweak folder `url`: moves it into the tweaks directory, which is created
+  /// if it is missing, under a new identifier. Throws Error::notFound if `url` is not a folder or
+  /// is a symbolic link, std::system_error, and what validate() throws; nothing is then left in the
+  /// store.
   static std::shared_ptr<TweakFile> handlePayloadAt(const std::filesystem::path& url);
 
-  /// Whether a stored item of that identifier would be a tweak: there is no full stop in it.
+  /// Whether a stored item of that identifier is a tweak: the identifier contains no full stop.
   static bool isValidID(std::string_view text);
-  /// A place for a new tweak.
+  /// An unused path for a new tweak in the tweaks directory. Creates nothing.
   static std::filesystem::path uniqueTweakURL();
 
-  /// For callers that make several edits as one step; no call of this class takes it. To be taken
-  /// before tweakPoster()'s.
+  /// For callers that combine several edits into one step. No function of this class locks it. Lock
+  /// order: before tweakPoster()'s lock.
   mutable std::recursive_mutex recursiveLock;
 
+  /// The folder "Resources", with a slash at its end. It need not exist.
   std::filesystem::path resourcesDir() const;
+  /// The folder "Executables", with a slash at its end. It need not exist.
   std::filesystem::path executablesDir() const;
 
-  /// Throws Error::notFound unless a folder stands at url(), and what manifest() throws.
+  /// Reads the manifest to check it. Throws Error::notFound unless url() is a folder, and what
+  /// manifest() throws.
   void validate() const;
 
-  /// Reads Manifest.json. Throws Error::missing when it is not there; DecodingError, and
-  /// std::system_error where the file cannot be read, pass through.
+  /// Reads Manifest.json. Throws Error::missing if the file does not exist, std::system_error if it
+  /// cannot be read, and DecodingError.
   Manifest manifest() const;
   TweakManifest genericManifest() const override;
   TweakConfiguration genericConfiguration() const override;
-  /// Replaces Manifest.json whole or not at all, then posts the change unless tweakPoster() is
-  /// silenced. Throws EncodingError and std::system_error, and posts nothing then.
+  /// Replaces Manifest.json atomically, then posts the change unless tweakPoster() is silenced.
+  /// Throws EncodingError and std::system_error, and then posts nothing.
   void setManifest(const Manifest& manifest);
-  /// Reads the manifest, lets `change` edit it and writes it back; what `change` throws stops that.
+  /// Reads the manifest, lets `change` edit it and stores it. If `change` throws, the exception
+  /// passes through and nothing is stored. Throws as manifest() and setManifest() do.
   void updateManifest(const std::function<void(Manifest&)>& change);
 
-  /// The user's own icon; none where there is no file, no image in it, or more than 64 MiB.
+  /// The user's own icon. Returns nothing if the file is missing, is larger than 64 MiB or holds no
+  /// image.
   std::optional<Image> customIcon() const;
-  /// Stores `icon` as PNG, or removes the file. Errors are swallowed; posts in every case, unless
-  /// tweakPoster() is silenced.
+  /// Stores `icon` as PNG, or removes the file if there is no icon. Swallows errors. Posts the
+  /// change even after an error, unless tweakPoster() is silenced.
   void setCustomIcon(const std::optional<Image>& icon);
-  /// As setCustomIcon(), but throws std::system_error, and posts nothing then. Removing a file that
-  /// is not there is no error.
+  /// As setCustomIcon(), but throws std::system_error, and then posts nothing. Removing a missing
+  /// file is not an error.
   void writeCustomIcon(const std::optional<Image>& icon);
   /// The user's own icon, or else the target app's. Throws as manifest(), IPA::findWithBundleID()
-  /// and InfoManager::icon().
+  /// and InfoManager::icon() do.
   Image displayedIcon() const;
 
-  /// The user's script; empty when it cannot be read.
+  /// The user's script; empty if it is missing or cannot be read.
   std::string script() const;
-  /// The user's script, or nothing when there is none. Throws std::system_error where it is there
-  /// and cannot be read.
+  /// The user's script, or nothing if the file does not exist. Throws std::system_error if it
+  /// cannot be read.
   std::optional<std::string> readScript() const;
-  /// Stores the script. Errors are swallowed; nothing is posted.
+  /// Stores the script. Swallows errors and posts nothing.
   void setScript(std::string_view text);
-  /// As setScript(), but throws std::system_error, EILSEQ for text that is not UTF-8.
+  /// As setScript(), but throws std::system_error: EILSEQ for text that is not UTF-8.
   void writeScript(std::string_view text);
 
-  /// A new override of `kind`, made of the target app's current values. Throws as manifest(),
-  /// associatedIPA() and InfoManager::info().
+  /// A new override of `kind`, with the target app's current values. Throws as manifest(),
+  /// associatedIPA() and InfoManager::info() do.
   Override makeOverride(const OverrideKindInfo& kind) const;
 
-  /// The editor of the tweak's hook of that identity, which need not be there.
+  /// An editor for the tweak's hook of that identity, which need not exist.
   HookManager managerFor(MethodIdentity identity);
 
   std::string_view archiveExtension() const override { return compressedExtension; }
@@ -121,16 +127,18 @@ class TweakFile : public TweakProtocol, public std::enable_shared_from_this<Twea
  private:
   explicit TweakFile(std::filesystem::path url) : TweakProtocol(std::move(url)) {}
 
-  /// The bytes of Manifest.json. Throws as manifest(), but for DecodingError.
+  /// The bytes of Manifest.json. Throws as manifest(), except for DecodingError.
   std::string document() const;
-  /// The same, but Error::notFound unless a folder stands at url().
+  /// As document(), but throws Error::notFound unless url() is a folder.
   std::string documentInFolder() const;
 };
 
+/// An error of a stored tweak.
 class TweakFile::Error : public CasedError<TweakFile::ErrorCase> {
  public:
-  /// `file` is the name of the file that is missing.
+  /// The file named `file` is missing.
   static Error missing(std::string file);
+  /// No tweak folder exists at that place.
   static Error notFound();
 
  private:

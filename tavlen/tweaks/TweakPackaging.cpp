@@ -30,7 +30,7 @@ constexpr const char* kResourcesFolder = "Resources";
 constexpr const char* kExecutablesFolder = "Executables";
 constexpr const char* kIconFile = "Icon.png";
 
-/// A fresh folder, which goes again unless it is kept.
+/// Creates a new folder, and deletes it again unless keep() was called (RAII).
 class Bundle {
  public:
   explicit Bundle(const fs::path& directory) : url_(directory / newUUIDText().append(kExtension)) {
@@ -51,8 +51,8 @@ class Bundle {
   bool isKept_ = false;
 };
 
-/// Checks what was copied rather than what is to be: nobody changes it any more. Errors name the
-/// entry in `source`.
+/// Refuses links and removes set-ID bits in `copy`. Checking the copy instead of the source avoids
+/// a TOCTOU race. Errors name the entry in `source`.
 void settle(const fs::path& copy, const fs::path& source) {
   constexpr fs::perms kLentRights = fs::perms::set_uid | fs::perms::set_gid;
   const fs::file_status status = fs::symlink_status(copy);
@@ -74,7 +74,8 @@ void copySettled(const fs::path& source, const fs::path& destination) {
   settle(destination, source);
 }
 
-/// A folder that the tweak does not have, as one that no version control kept, is made empty.
+/// Copies the tweak's folder `name`. If it is missing, creates an empty one: version control, for
+/// example, does not keep empty folders.
 void copyFolder(const TweakFile& tweak, const fs::path& bundle, const char* name) {
   const fs::path source = DeviceRoot::shared().follow(tweak.url()) / name;
   std::error_code ignored;
@@ -105,7 +106,7 @@ void packageTweak(const TweakFile::Opened& tweak, const Info& target, const Pack
   const auto& [file, manifest] = tweak;
   checkTarget(tweakInfo, manifest.configuration.bundleID);
   const std::string info = infoPlist(target, manifest);
-  // Each tweak gets a transpiler that nothing happened to.
+  // A new transpiler for each tweak: an exception in one would fail all later conversions.
   const TweakProcessor::Output output =
       TweakProcessor(packaging.transpiler).process(manifest, file->script());
 

@@ -7,29 +7,30 @@
 #include "tavlen/device/TweakInfo.h"
 #include "tavlen/tweaks/Manifest.h"
 
-/// What the loader on the device takes: of every installed tweak a folder "<UUID>.bundle" with
-/// "code.js", its source map "code.js.map", the app's "Info.plist" with the tweak's overrides,
-/// "Resources", and where they are asked for and there, "Executables" and "Icon.png".
+/// Makes the input of the loader on the device: for every installed tweak, a folder "<UUID>.bundle"
+/// with "code.js", its source map "code.js.map", the app's "Info.plist" with the tweak's overrides,
+/// "Resources", "Icon.png" if the tweak has an icon, and "Executables" if the caller asks for them.
 namespace tavlen {
 
-/// Where packages are made, and of what.
+/// Options for packaging.
 struct Packaging {
-  std::filesystem::path directory;   ///< an existing folder, in which packages become folders
-  std::filesystem::path transpiler;  ///< the folder of "ob.js"
-  bool copyExecutables = false;      ///< whether the executables of tweaks go with them
+  std::filesystem::path directory;   ///< an existing folder, in which the packages are created
+  std::filesystem::path transpiler;  ///< the folder that contains "ob.js"
+  bool copyExecutables = false;      ///< whether to copy the tweaks' executables
 };
 
-/// The work of TweakFile::package(): one such folder, for the app that says `target` of itself.
-/// Files keep their permissions, but not the bits that lend their owner's rights.
+/// Makes the package of one tweak, for the app whose Info.plist is `target`. Implements
+/// TweakFile::package(). Files keep their permissions, except for set-user-ID and set-group-ID.
 ///
-/// Symbolic links are refused with all else that is neither file nor folder (EINVAL): the helper
-/// that installs copies none, and one that leads out would carry in what is not the tweak's. What
-/// fails leaves nothing in the directory, and `tweakInfo` as it was.
+/// Throws as TweakFile::package() does, and std::system_error with EINVAL for a symbolic link or
+/// anything else that is neither file nor folder: the helper that installs packages copies no
+/// links, and a link out of the tweak would bring in foreign files. After an error the directory
+/// holds nothing new and `tweakInfo` is unchanged.
 void packageTweak(const TweakFile::Opened& tweak, const Info& target, const Packaging& packaging,
                   TweakInfo& tweakInfo);
 
-/// Throws TweakError::bundleIDMismatch unless an item made for the app `bundleID` is to be
-/// installed for that one.
+/// Throws TweakError::bundleIDMismatch unless `tweakInfo` names `bundleID`, the target app of the
+/// item.
 void checkTarget(const TweakInfo& tweakInfo, const std::string& bundleID);
 
 }  // namespace tavlen

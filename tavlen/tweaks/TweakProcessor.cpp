@@ -17,8 +17,8 @@ constexpr std::string_view kTranspilerGlobal = "OBJSTranspiler";
 JavaScriptValue loadTranspiler(const std::filesystem::path& container) {
   const std::string script = readText(container / kTranspilerFile);
   const std::shared_ptr<JavaScriptContext> context = JavaScriptContext::make();
-  // An exception here is no failure yet: the global may be there all the same, and the first
-  // conversion reports it.
+  // An exception is not fatal yet: the global may be defined nevertheless, and the first conversion
+  // reports the exception.
   context->evaluate(script, kTranspilerFile);
   JavaScriptValue transpiler =
       context->globalObject().property(kTranspilerGlobal, JavaScriptValue::Exceptions::ignore);
@@ -27,8 +27,7 @@ JavaScriptValue loadTranspiler(const std::filesystem::path& container) {
   return transpiler;
 }
 
-/// A property as the engine's conversion gives it: "undefined" where it is missing or cannot be
-/// read.
+/// A property, converted to text by the engine: "undefined" if it is missing or cannot be read.
 std::string shownProperty(const JavaScriptValue& value, std::string_view name) {
   constexpr auto kIgnore = JavaScriptValue::Exceptions::ignore;
   return value.property(name, kIgnore).text(kIgnore).value_or("undefined");

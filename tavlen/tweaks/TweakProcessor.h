@@ -15,38 +15,36 @@
 
 namespace tavlen {
 
-/// Turns a tweak into code that can be installed, by the transpiler script "ob.js".
+/// Translates a tweak into installable code by means of the transpiler script "ob.js".
 ///
-/// The first exception of its script, in loading or later, stays: every conversion from then on
-/// reports it. So a processor serves one tweak and is dropped. Threads: belongs to the thread that
-/// uses it.
+/// The first exception in the script, while loading or later, is kept: every later conversion
+/// throws it again. Use a processor for one tweak only. Threads: use it on one thread.
 class TweakProcessor {
  public:
   class Error;
 
-  /// What the transpiler makes of a source.
+  /// The result of a conversion.
   struct Output {
-    std::string code;
-    /// A source map of the code.
-    std::string map;
+    std::string code;  ///< JavaScript
+    std::string map;   ///< the source map of `code`, as JSON
   };
 
-  /// Loads "ob.js" from the folder `container`. Throws std::system_error where it cannot be read. A
-  /// script that does not define the global "OBJSTranspiler" stops the process.
+  /// Loads "ob.js" from the folder `container`. Throws std::system_error if it cannot be read. If
+  /// the script does not define the global "OBJSTranspiler", the process is terminated.
   explicit TweakProcessor(const std::filesystem::path& container);
 
-  /// Throws Error.
+  /// Translates hook source. Throws Error.
   Output convert(std::string_view code);
 
-  /// The hook source of `hooks`. Throws EncodingError; see generateHookSource.
+  /// The hook source of `hooks`. Throws EncodingError; see generateHookSource().
   static std::string generateCode(std::span<const Hook> hooks);
 
-  /// The text that a tweak is converted from: the source of its hooks, two line feeds unless that
-  /// is empty, and its script.
+  /// The text to convert for a tweak: the source of its hooks, two line feeds (unless that source
+  /// is empty), and its script.
   static std::string assembled(std::string generatedCode, std::string_view script);
 
-  /// Converts the hooks of `manifest` and the text of its tweak's script. Throws what
-  /// generateCode() and convert() throw.
+  /// Converts the hooks of `manifest` and the script. Throws what generateCode() and convert()
+  /// throw.
   Output process(const TweakFile::Manifest& manifest, std::string_view script);
   /// Reads the hooks and the script of `tweak` and converts them. Throws what
   /// TweakFile::manifest(), generateCode() and convert() throw; a script that cannot be read counts
@@ -58,18 +56,24 @@ class TweakProcessor {
   JavaScriptValue objs_;
 };
 
+/// A failed conversion.
 class TweakProcessor::Error : public LocalizedError {
  public:
+  /// An exception in the transpiler, or a result without code and map.
   enum class Case { jsException, invalidOutput };
 
-  /// `stack` is the call stack, where the engine gives one.
+  /// The script threw an exception. `stack` is the call stack, if the engine provides one.
   static Error jsException(std::string name, std::string message, std::optional<std::string> stack);
+  /// The script did not return an object with code and map.
   static Error invalidOutput();
 
+  /// The case.
   Case which() const { return case_; }
-  /// Of a jsException; empty otherwise.
+  /// The exception's name, such as "SyntaxError". Only for jsException; empty otherwise.
   const std::string& name() const { return name_; }
+  /// The exception's message. Only for jsException; empty otherwise.
   const std::string& message() const { return message_; }
+  /// The exception's call stack, if known. Only for jsException.
   const std::optional<std::string>& stack() const { return stack_; }
   std::string description() const override;
 

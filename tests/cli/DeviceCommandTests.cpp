@@ -125,7 +125,7 @@ TEST_F(DeviceCommandTest, CrashLogsComeThroughTheHelper) {
   EXPECT_EQ(device("crash-logs com.a logs").out, "log.ips\n");
   EXPECT_EQ(contents("logs/log.ips"),
             "fetch-logs com.a " + fs::canonical(folder() / "tree").string() + "\n");
-  EXPECT_THAT(device("crash-logs com.a logs").err, HasSubstr("no crash logs"));
+  EXPECT_THAT(device("crash-logs com.a logs").err, HasSubstr("no new crash logs"));
   EXPECT_EQ(device("crash-logs com.a nowhere").status, 1);
   helper("exit 4");
   EXPECT_THAT(device("crash-logs com.a logs").err, EndsWith("/kvfileops: terminated(4)\n"));

@@ -5,18 +5,19 @@
 
 namespace tavlen::dumpagent {
 
-/// A fresh folder, private to its user, for one archive. It goes with the object unless it is left
-/// to whoever is told of it.
+/// A new folder for one archive, accessible only to its user. The destructor deletes it, unless
+/// leave() was called.
 class ArchiveFolder {
  public:
-  /// Makes it in `parent`, and that where it is missing. Throws std::system_error.
+  /// Creates the folder in `parent`, which is created if it is missing. Throws std::system_error.
   explicit ArchiveFolder(const std::filesystem::path& parent);
   ArchiveFolder(const ArchiveFolder&) = delete;
   ArchiveFolder& operator=(const ArchiveFolder&) = delete;
   ~ArchiveFolder();
 
-  /// Writes the archive and gives its path. Throws std::system_error.
+  /// Writes the archive and returns its path. Throws std::system_error.
   std::filesystem::path write(std::string_view bytes) const;
+  /// Keeps the folder on destruction: the receiver of the archive deletes it.
   void leave() { path_.clear(); }
 
  private:

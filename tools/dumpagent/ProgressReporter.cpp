@@ -18,9 +18,9 @@ ProgressReporter::~ProgressReporter() {
 }
 
 void ProgressReporter::run() {
-  // A progress tells nobody of its changes.
+  // Progress has no change notification, so it is polled.
   constexpr std::chrono::milliseconds kInterval(2);
-  // Fewer reports than fit into the receiver's buffer: where it is full, the final one gets lost.
+  // Few enough reports to fit into the receiver's buffer; otherwise the final one could be dropped.
   constexpr double kStep = 1.0 / 200;
   double reported = -1;
   std::unique_lock lock(lock_);

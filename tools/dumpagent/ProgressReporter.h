@@ -10,10 +10,10 @@
 
 namespace tavlen::dumpagent {
 
-/// Reports how far a progress is whenever it has come further by a step, until the object is gone;
-/// then a last time.
+/// Sends a report whenever a progress has advanced by a step, and a last one on destruction.
 class ProgressReporter {
  public:
+  /// Starts a thread that reports. `progress` must not be null; `sender` must outlive the object.
   ProgressReporter(std::shared_ptr<Progress> progress, const ReportSender& sender);
   ProgressReporter(const ProgressReporter&) = delete;
   ProgressReporter& operator=(const ProgressReporter&) = delete;
@@ -27,7 +27,7 @@ class ProgressReporter {
   std::mutex lock_;
   std::condition_variable changed_;
   bool isOver_ = false;
-  std::thread thread_;  // the last member: it uses the others from its start
+  std::thread thread_;  // last, because it uses the other members as soon as it starts
 };
 
 }  // namespace tavlen::dumpagent

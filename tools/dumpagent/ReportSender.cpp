@@ -17,7 +17,7 @@ ReportSender::ReportSender(std::uint16_t port)
   address.sin_family = AF_INET;
   address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
   address.sin_port = htons(port);
-  // Connected, so that it hears when nobody listens.
+  // Connected, so that the kernel reports a closed port (ECONNREFUSED).
   if (::connect(socket_.get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0) {
     throwSystemError("connect");
   }
@@ -25,7 +25,7 @@ ReportSender::ReportSender(std::uint16_t port)
 
 void ReportSender::send(const TessaloopDatagram& report) const {
   const std::string bytes = report.written();
-  // A refusal here is the answer to what was sent before, and takes the place of this one.
+  // ECONNREFUSED here refers to the previous report and means that this one was not sent.
   for (int attempt = 0; attempt < 2; ++attempt) {
     if (::send(socket_.get(), bytes.data(), bytes.size(), 0) >= 0) return;
     if (errno != ECONNREFUSED && errno != EINTR) return;

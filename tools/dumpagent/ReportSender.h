@@ -10,13 +10,13 @@ namespace tavlen::dumpagent {
 /// Sends the agent's reports to a UDP port of this machine. Threads: any.
 class ReportSender {
  public:
-  /// Throws std::system_error.
+  /// Opens a socket for reports to `port`. Throws std::system_error.
   explicit ReportSender(std::uint16_t port);
 
-  /// Sends a report; one that nobody takes is lost.
+  /// Sends a report. It is lost if no socket is bound to the port.
   void send(const TessaloopDatagram& report) const;
-  /// Whether somebody listened to what was sent last. The system tells at once, since it is this
-  /// machine.
+  /// Whether a socket was bound to the port when the last report was sent. The answer is immediate
+  /// because the port is on this machine.
   bool wasTaken() const;
 
  private:

@@ -1,9 +1,9 @@
-// The reference dump agent: a program where the device's agent is a library in an app. It dumps the
-// image that TESSALOOP_IMAGE names, or its own program for TESSALOOP_MAIN, reports to whoever
-// listens at the port, and exits with 0 when its archive was taken.
+// The reference dump agent. The agent on a device is a library in an app; this one is a program. It
+// dumps the image in TESSALOOP_IMAGE (its own program for TESSALOOP_MAIN), sends its reports to the
+// port, and exits with 0 if the archive was received.
 //
-// Paths, its own among them, are the device's: TAVLEN_ROOT names the folder that stands for the
-// device's "/". TESSALOOP_PORT names another port, for tests.
+// Paths, including its own, are device paths: TAVLEN_ROOT is the folder that represents the
+// device's "/". TESSALOOP_PORT sets another port, for tests.
 #include <charconv>
 #include <cstdint>
 #include <cstdlib>
@@ -29,7 +29,7 @@ namespace {
 using namespace tavlen;
 using namespace tavlen::dumpagent;
 
-/// Empty where it is not set.
+/// The value of an environment variable; empty if it is not set.
 std::string environmentValue(std::string_view name) {
   const char* const value =
       std::getenv(std::string(name).c_str());  // NOLINT(concurrency-mt-unsafe)
@@ -42,15 +42,15 @@ std::uint16_t portToReportTo() {
   std::uint16_t port = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), port);
   if (error != std::errc() || end != text.data() + text.size()) {
-    throw std::runtime_error("TESSALOOP_PORT is no port");
+    throw std::runtime_error("TESSALOOP_PORT is not a port number");
   }
   return port;
 }
 
 std::string archiveOfImage(const DeviceRoot& root, const ReportSender& sender) {
   const std::string image = environmentValue(TessaloopDatagram::kImageVariable);
-  if (image.empty()) throw std::runtime_error("TESSALOOP_IMAGE names no image");
-  // A program is loaded already, and cannot be loaded again.
+  if (image.empty()) throw std::runtime_error("TESSALOOP_IMAGE is not set");
+  // The program itself is already loaded, and cannot be loaded again.
   const bool isMain = image == TessaloopDatagram::kMainImage;
   const std::filesystem::path path = isMain ? executablePath() : root.resolve(image);
   const std::shared_ptr<Progress> progress = Progress::discrete(1);
@@ -68,7 +68,7 @@ void dump(const ReportSender& sender) {
   ArchiveFolder folder(root.resolve("/tmp"));
   const std::filesystem::path path = root.devicePath(folder.write(archive));
   sender.send({.value = TessaloopDatagram::kFinal, .path = path.string()});
-  if (!sender.wasTaken()) throw std::runtime_error("nobody takes the archive");
+  if (!sender.wasTaken()) throw std::runtime_error("no one received the archive");
   folder.leave();
 }
 

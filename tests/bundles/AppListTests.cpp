@@ -1,11 +1,6 @@
 #include "tavlen/bundles/AppList.h"
 
-#include <gtest/gtest.h>
-
-#include <array>
 #include <atomic>
-#include <cstdlib>
-#include <stdexcept>
 #include <thread>
 
 #include "tavlen/bundles/IPA.h"

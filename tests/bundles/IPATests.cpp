@@ -2,17 +2,10 @@
 
 #include <dlfcn.h>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
-#include <any>
 #include <regex>
-#include <stdexcept>
 #include <thread>
-#include <vector>
 
-#include "tavlen/device/DevicePaths.h"
 #include "tavlen/device/DeviceRoot.h"
 #include "tavlen/device/InstalledRecords.h"
 #include "tavlen/device/Process.h"

@@ -1,10 +1,6 @@
 #include "tavlen/bundles/InfoManager.h"
 
-#include <gtest/gtest.h>
 #include <sys/stat.h>
-
-#include <map>
-#include <system_error>
 
 #include "tavlen/foundation/coding/CodingError.h"
 #include "tavlen/foundation/plist/PropertyListEncoder.h"

@@ -1,12 +1,8 @@
 #include "tests/cli/CommandTest.h"
 
-#include <fcntl.h>
 #include <sys/wait.h>
-#include <unistd.h>
 
 #include <csignal>
-#include <string_view>
-#include <utility>
 
 #include "tavlen/foundation/files/FileSystem.h"
 

@@ -1,10 +1,7 @@
 #pragma once
 
-#include <gtest/gtest.h>
 #include <sys/types.h>
 
-#include <functional>
-#include <string>
 #include <utility>
 #include <vector>
 

@@ -1,8 +1,3 @@
-#include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <optional>
-
 #include "tavlen/foundation/image/Image.h"
 #include "tests/cli/CommandStoreTest.h"
 

@@ -6,8 +6,6 @@
 #include <unordered_set>
 
 #include "tavlen/editing/RootParameterManager.h"
-#include "tavlen/foundation/coding/CodingError.h"
-#include "tavlen/items/TweakDiffNotifications.h"
 #include "tavlen/items/TweakPoster.h"
 #include "tests/editing/EditingTest.h"
 #include "tests/support/Thrown.h"

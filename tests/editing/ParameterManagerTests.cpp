@@ -7,8 +7,6 @@
 #include "tavlen/editing/ArrayParameterManager.h"
 #include "tavlen/editing/DictionaryParameterManager.h"
 #include "tavlen/editing/RootParameterManager.h"
-#include "tavlen/foundation/coding/CodingError.h"
-#include "tavlen/foundation/files/URL.h"
 #include "tests/editing/EditingTest.h"
 #include "tests/support/Thrown.h"
 

@@ -1,9 +1,5 @@
-#include <cstdlib>
-
 #include "tavlen/bundles/IPA.h"
-#include "tavlen/device/DevicePaths.h"
 #include "tavlen/device/DeviceRoot.h"
-#include "tavlen/foundation/files/FileReplacement.h"
 #include "tests/faults/Operation.h"
 #include "tests/faults/SampleStore.h"
 #include "tests/support/AppPlist.h"

@@ -1,14 +1,9 @@
-#include <cstdint>
-#include <optional>
-#include <string>
-
 #include "tavlen/collections/TweakCollection.h"
 #include "tavlen/collections/TweakCollectionManifest.h"
 #include "tavlen/device/DeviceRoot.h"
 #include "tavlen/editing/HookManager.h"
 #include "tavlen/editing/RootParameterManager.h"
 #include "tavlen/foundation/files/FileReplacement.h"
-#include "tavlen/foundation/files/FileTree.h"
 #include "tavlen/foundation/image/Image.h"
 #include "tavlen/foundation/zip/ZIPArchive.h"
 #include "tavlen/items/TweaksDirectory.h"

@@ -3,8 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <random>
-#include <string>
-#include <vector>
 
 #include "tavlen/foundation/plist/PropertyListSerialization.h"
 #include "tests/foundation/plist/PropertyListGraph.h"

@@ -1,18 +1,10 @@
-#include <gtest/gtest.h>
-
 #include <cmath>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <limits>
 
-#include "tavlen/foundation/files/FileSystem.h"
-#include "tavlen/foundation/plist/PropertyListSerialization.h"
 #include "tavlen/foundation/plist/detail/XMLPropertyListScalars.h"
 #include "tests/foundation/plist/PropertyLists.h"
 #include "tests/support/TableFile.h"
 #include "tests/support/TemporaryFolder.h"
-#include "tests/support/TestPaths.h"
 #include "tests/support/WideText.h"
 
 namespace tavlen {

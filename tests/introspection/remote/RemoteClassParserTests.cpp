@@ -2,10 +2,6 @@
 
 #include <gmock/gmock.h>
 #include <sys/resource.h>
-#include <unistd.h>
-
-#include <algorithm>
-#include <system_error>
 
 #include "tavlen/foundation/archive/KeyedArchive.h"
 #include "tavlen/foundation/files/FileSystem.h"

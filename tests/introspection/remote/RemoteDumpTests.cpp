@@ -1,20 +1,14 @@
 #include "tavlen/introspection/remote/detail/RemoteDump.h"
 
-#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <sys/inotify.h>
-#include <sys/stat.h>
 
-#include <array>
 #include <cerrno>
 #include <cmath>
 #include <cstdio>
-#include <system_error>
-#include <thread>
 
 #include "tavlen/device/DevicePaths.h"
 #include "tavlen/foundation/archive/KeyedArchive.h"
-#include "tavlen/foundation/files/FileDescriptor.h"
 #include "tavlen/introspection/remote/RemoteClassParser.h"
 #include "tavlen/introspection/remote/detail/DumpFolder.h"
 #include "tests/introspection/remote/DumpTest.h"

@@ -1,9 +1,6 @@
-#include "tavlen/introspection/remote/detail/TessaloopClient.h"
-
 #include <gmock/gmock.h>
 #include <signal.h>
 
-#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <limits>

@@ -1,13 +1,7 @@
 #include <gmock/gmock.h>
 
 #include <chrono>
-#include <memory>
-#include <mutex>
-#include <optional>
 #include <stdexcept>
-#include <string>
-#include <string_view>
-#include <vector>
 
 #include "tavlen/introspection/types/JXTypeAggregate.h"
 #include "tavlen/introspection/types/JXTypeArray.h"

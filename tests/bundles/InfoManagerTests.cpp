@@ -183,14 +183,6 @@ TEST_F(InfoManagerTest, ANamedIconIsTheLargestOfItsFiles) {
   EXPECT_EQ(outcome("a%@"), "Icon not found: a%@");
 }
 
-TEST(InfoManagerErrors, HaveTheirKeys) {
-  using Error = InfoManager::Error;
-  const std::string prefix = "info_manager.error.";
-  EXPECT_EQ(Error::iconNotFound("a").localizationKey(), prefix + "icon_not_found");
-  EXPECT_EQ(Error::noIconFound().localizationKey(), prefix + "no_icon_found");
-  EXPECT_EQ(Error::couldNotResize().localizationKey(), prefix + "could_not_resize");
-}
-
 TEST(ResizedIcon, KeepsItsAspectAndIsNeitherEmptyNorHuge) {
   const Image wide(300, 200, std::vector<std::uint8_t>(300 * 200 * 4, 255));
   for (const auto& [longer, height] :

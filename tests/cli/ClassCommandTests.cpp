@@ -31,14 +31,11 @@ class ClassCommandTest : public CommandTest {
   }
   /// The variables of a command whose launch service starts `programs`, in the app's place.
   std::vector<std::string> service(const std::string& programs) const {
-    write("script.plist",
-          "<?xml version=\"1.0\" encoding=\"UTF-8\"?><plist version=\"1.0\"><dict>"
-          "<key>launchOptions</key><string>" +
-              (folder() / "launched").string() + "</string><key>programs</key><dict>" + programs +
-              "</dict></dict></plist>");
-    return {"LD_PRELOAD=" + paths().standInsLibrary,
-            "TAVLEN_STAND_INS=" + (folder() / "script.plist").string(),
-            "TAVLEN_ROOT=" + folder().string()};
+    auto variables =
+        standIns("<key>launchOptions</key><string>" + (folder() / "launched").string() +
+                 "</string><key>programs</key><dict>" + programs + "</dict>");
+    variables.push_back("TAVLEN_ROOT=" + folder().string());
+    return variables;
   }
   static constexpr const char* kImage = "Applications/Notes.app/Frameworks/Probe.dylib";
   std::string manifest() const { return contents("T/Manifest.json"); }
@@ -122,10 +119,15 @@ TEST_F(ClassCommandTest, SaysWhyThereAreNoClassesOnTheAgentPort) {
 
 TEST_F(ClassCommandTest, AsksAnAppOnTheAgentPort) {
   writeApp();
-  setEnvironment(service("<key>com.example.notes</key><string>" + paths().dumpAgent + "</string>"));
-  const Result methods = run("methods DumpedProbe --in", {kImage, "--parser", "remote"});
-  EXPECT_EQ(methods.status, 0) << methods.err;
-  EXPECT_THAT(methods.out, HasSubstr("-\u00A0 (int)add:(int) to:(int)\n"));
+  const std::string agent =
+      "<key>com.example.notes</key><string>" + paths().dumpAgent + "</string>";
+  RunningCommand dump({"methods", "DumpedProbe", "--in", folder() / kImage, "--parser", "remote"},
+                      service(agent), 300);
+  EXPECT_THAT(dump.until(), HasSubstr(" 0 %"));
+  std::string line = dump.until();
+  while (!line.empty() && line.find("add:") == line.npos) line = dump.until();
+  EXPECT_THAT(line, EndsWith("\r\x1B[K-\u00A0 (int)add:(int) to:(int)\r")) << "the bar is gone";
+  EXPECT_EQ(dump.status(), 0);
 }
 
 TEST_F(ClassCommandTest, AnInterruptEndsARequestOnTheAgentPort) {

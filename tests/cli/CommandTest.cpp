@@ -110,6 +110,13 @@ std::string CommandTest::contents(const std::string& name) const {
   return readFile(folder() / name);
 }
 
+std::vector<std::string> CommandTest::standIns(const std::string& members) const {
+  write("script.plist", "<?xml version=\"1.0\" encoding=\"UTF-8\"?><plist version=\"1.0\"><dict>" +
+                            members + "</dict></plist>");
+  return {"LD_PRELOAD=" + paths().standInsLibrary,
+          "TAVLEN_STAND_INS=" + (folder() / "script.plist").string()};
+}
+
 std::string hookJSON(const std::string& selector, const std::string& signature,
                      const std::string& args) {
   return R"({"className":"A","selector":")" + selector + R"(","signature":")" + signature +

@@ -52,6 +52,8 @@ class CommandTest : public testing::Test {
   void writeTweak(const std::string& name, const std::string& hooks,
                   const std::string& configuration = "") const;
   std::string contents(const std::string& name) const;
+  /// The variables of a command with the stand-ins, whose script has these members.
+  std::vector<std::string> standIns(const std::string& members) const;
 
  private:
   TemporaryFolder folder_;

@@ -145,12 +145,9 @@ TEST_F(DeviceCommandTest, KillAndRespringSayWhatIsMissing) {
   EXPECT_THAT(device("kill com.a").err,
               HasSubstr("the system service that knows the running apps is missing"));
 
-  write("script.plist",
-        "<?xml version=\"1.0\" encoding=\"UTF-8\"?><plist version=\"1.0\"><dict><key>pids</key>"
-        "<dict><key>com.a</key><integer>12345</integer><key>com.odd</key><integer>0</integer>"
-        "</dict></dict></plist>");
-  setEnvironment({"LD_PRELOAD=" + paths().standInsLibrary,
-                  "TAVLEN_STAND_INS=" + (folder() / "script.plist").string()});
+  setEnvironment(
+      standIns("<key>pids</key><dict><key>com.a</key><integer>12345</integer><key>com.odd</key>"
+               "<integer>0</integer></dict>"));
   EXPECT_THAT(device("kill com.a").err, HasSubstr("/tree/bin/kill: No such file or directory\n"));
   program("bin/kill", "echo \"$@\" > killed");
   EXPECT_EQ(device("kill com.odd").err, "tavlen: error: com.odd is not running\n");

@@ -5,7 +5,6 @@
 #include <sys/stat.h>
 
 #include <atomic>
-#include <thread>
 
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/foundation/zip/ZIPArchive.h"
@@ -13,6 +12,7 @@
 #include "tavlen/items/TweakError.h"
 #include "tavlen/items/TweakPoster.h"
 #include "tests/support/StoreTest.h"
+#include "tests/support/Threads.h"
 #include "tests/support/Thrown.h"
 
 namespace tavlen {
@@ -258,9 +258,7 @@ TEST_F(StoreThreadsTest, NoEditUnderALockIsLost) {
       if (round % 2 == 0) collection->remove();
     }
   };
-  std::vector<std::thread> threads;
-  for (int thread = 0; thread < kThreads; ++thread) threads.emplace_back(work, thread);
-  for (std::thread& thread : threads) thread.join();
+  inThreads(kThreads, work);
   NotificationCenter::default_().removeObserver(token);
 
   constexpr std::size_t kEdits = std::size_t{kThreads} * kRounds;

@@ -121,14 +121,6 @@ TEST_F(TweakFileEditingTest, AFailedCreationLetsOthersPostAgain) {
   EXPECT_TRUE(posts);
 }
 
-TEST_F(TweakFileEditingTest, AnUnreadableStoreEndsTheSearchForAFreePlace) {
-  fs::create_directories(TweaksDirectory::url());
-  const fs::path folder = TweaksDirectory::url().parent_path();
-  fs::permissions(folder, fs::perms::none);
-  EXPECT_NO_THROW(TweakFile::uniqueTweakURL());
-  fs::permissions(folder, fs::perms::owner_all);
-}
-
 TEST_F(TweakFileEditingTest, EveryWriteIsAnnouncedOnce) {
   const auto tweak = newTweak("A");
   tweak->updateManifest([](auto& manifest) { manifest.configuration.name = "B"; });
@@ -245,15 +237,6 @@ TEST_F(TweakFileEditingTest, DeletionTakesNothingElseAlong) {
   EXPECT_THROW(tweak->remove(), std::system_error);
   EXPECT_EQ(tweak->manifest().configuration.name, "A");
   fs::permissions(TweaksDirectory::url(), fs::perms::owner_all);
-}
-
-TEST_F(TweakFileEditingTest, SearchesAndSortsByName) {
-  const auto alpha = newTweak("alpha");
-  const auto beta = newTweak("Beta");
-  EXPECT_TRUE(alpha->compareTo(*beta) < 0);
-  EXPECT_TRUE(alpha->isShownInSearchFor("LPH"));
-  EXPECT_FALSE(alpha->isShownInSearchFor("beta"));
-  EXPECT_FALSE(alpha->isShownInSearchFor(""));
 }
 
 TEST_F(TweakFileEditingTest, GenericDiffsAreCreationsAndDeletions) {

@@ -237,28 +237,6 @@ TEST_F(GeneratedCodeTest, HooksDoWhatTheirParametersSay) {
   }
 }
 
-TEST_F(GeneratedCodeTest, FilesAreLookedUpInTheResources) {
-  const std::string image = "[resourcesPath stringByAppendingPathComponent:\"background.png\"]";
-  const std::string data = "[resourcesPath stringByAppendingPathComponent:\"chime.bin\"]";
-  const std::string newImage = "[[UIImage alloc] initWithContentsOfFile:" + image + "]";
-  const std::string newData = "[[NSData alloc] initWithContentsOfFile:" + data + "]";
-  EXPECT_EQ(callHook("ThemeManager", "v32@0:8@16@24-setBackground:sound:", "[1, 2]"),
-            "original\n[UIImage alloc]\n" + image + "\n" + newImage + "\n[NSData alloc]\n" + data +
-                "\n" + newData + "\norig(" + newImage + ", " + newData + ")");
-}
-
-TEST_F(GeneratedCodeTest, ADictionaryHoldsItsPairsInTheirOrder) {
-  const std::string log = callHook("AppSettings", "@16@0:8+sharedDefaults", "[]");
-  EXPECT_EQ(log.substr(0, log.find('\n')),
-            "[NSDictionary dictionaryWithObjects:@["
-            "[NSURL URLWithString:\"https://example.com/notes?a=1&b=2\"], "
-            "[NSDate dateWithTimeIntervalSince1970:1700000000.25], "
-            "[UIColor colorWithRed:0.2 green:0.4 blue:1 alpha:1], "
-            "@[\"title\", [NSNull null], "
-            "@[[NSDictionary dictionaryWithObjects:@[false, @[]] forKeys:@[1, 2]]]]]"
-            " forKeys:@[\"home\", \"installed\", \"tint\", \"columns\"]]");
-}
-
 TEST_F(GeneratedCodeTest, TheScriptsHooksRunBesideThem) {
   const char* launch = "B32@0:8@16@24-application:didFinishLaunchingWithOptions:";
   const std::string asked =

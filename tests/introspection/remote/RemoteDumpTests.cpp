@@ -149,6 +149,24 @@ TEST_F(RemoteDumpTest, DeletesTheLinkThatWasNamedNotItsTarget) {
   EXPECT_TRUE(fs::exists(tree() / "var/mobile/Documents/f"));
 }
 
+TEST_F(RemoteDumpTest, SaysThatItCouldNotDelete) {
+  fs::create_directories(tree() / "tmp");
+  fs::create_directory_symlink("/var", tree() / "tmp/dump");
+  write("var/f", "");
+  fs::permissions(tree(), fs::perms(0755));
+  fs::permissions(tree() / "tmp", fs::perms(0555));
+  const auto remove = [&] {
+    if (::geteuid() == 0 && ::setuid(65534) != 0) ::_exit(2);
+    try {
+      DumpFolder("/tmp/dump/f").remove(appDir());
+    } catch (const std::system_error& error) {
+      ::_exit(error.code() == std::errc::permission_denied ? 0 : 1);
+    }
+    ::_exit(3);
+  };
+  EXPECT_EXIT(remove(), testing::ExitedWithCode(0), "");
+}
+
 /// Exchanges two entries of the tree, as an app that goes on running may at any time.
 void exchange(const fs::path& first, const fs::path& second) {
   EXPECT_EQ(::renameat2(AT_FDCWD, first.c_str(), AT_FDCWD, second.c_str(), RENAME_EXCHANGE), 0);

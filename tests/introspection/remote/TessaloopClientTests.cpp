@@ -252,17 +252,5 @@ TEST_F(TessaloopClientTest, OnlyACancelOrARequestEndsTheWaitForAKilledAgent) {
   EXPECT_EQ(archiveFolders(), 0);
 }
 
-TEST_F(TessaloopClientTest, NamesItsQueues) {
-  const TessaloopClient client(quick());
-  // The system keeps 15 bytes.
-  for (const std::string end : {"ce-socket-queue\n", "nvocation-queue\n"}) {
-    EXPECT_TRUE(becomesTrue([&] {
-      const std::filesystem::directory_iterator tasks("/proc/self/task");
-      return std::any_of(begin(tasks), std::filesystem::end(tasks),
-                         [&](const auto& task) { return readFile(task.path() / "comm") == end; });
-    })) << end;
-  }
-}
-
 }  // namespace
 }  // namespace tavlen

@@ -1,17 +1,12 @@
 #include "tavlen/bundles/AppList.h"
 
-#include <gtest/gtest.h>
-
-#include <array>
 #include <atomic>
-#include <cstdlib>
-#include <stdexcept>
-#include <thread>
 
 #include "tavlen/bundles/IPA.h"
 #include "tavlen/device/DeviceRoot.h"
 #include "tavlen/device/LSAppListFetcher.h"
 #include "tests/support/StandIns.h"
+#include "tests/support/Threads.h"
 
 namespace tavlen {
 namespace {
@@ -64,15 +59,11 @@ TEST(AppList, IsLoadedOnceByManyThreads) {
   AppList system(std::make_unique<LSAppListFetcher>());
   AppList counted(std::make_unique<CountingFetcher>(fetches));
   std::array<std::shared_ptr<IPA>, 8> found;
-  std::array<std::thread, 8> threads;
-  for (std::size_t i = 0; i < threads.size(); ++i) {
-    threads[i] = std::thread([&, i] {
-      EXPECT_EQ(counted.apps().size(), 4U);
-      EXPECT_EQ(LSAppListFetcher().fetchAllApps().size(), 20U);
-      found[i] = i % 2 == 0 ? system.app("com.7") : system.apps().at(7);
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
+  inThreads(8, [&](int i) {
+    EXPECT_EQ(counted.apps().size(), 4U);
+    EXPECT_EQ(LSAppListFetcher().fetchAllApps().size(), 20U);
+    found.at(static_cast<std::size_t>(i)) = i % 2 == 0 ? system.app("com.7") : system.apps().at(7);
+  });
   EXPECT_EQ(fetches, 1);
   for (const auto& app : found) EXPECT_EQ(app, found[0]);
   EXPECT_EQ(found[0]->appDir(), "/A/7.app");

@@ -2,15 +2,8 @@
 
 #include <dlfcn.h>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
-#include <any>
 #include <regex>
-#include <stdexcept>
-#include <thread>
-#include <vector>
 
 #include "tavlen/device/DevicePaths.h"
 #include "tavlen/device/DevicePrograms.h"
@@ -24,7 +17,9 @@
 #include "tests/support/AppPlist.h"
 #include "tests/support/MachOFile.h"
 #include "tests/support/SamplePackage.h"
+#include "tests/support/StandIns.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/Threads.h"
 #include "tests/support/Thrown.h"
 
 namespace tavlen {
@@ -191,6 +186,9 @@ TEST_F(IPATest, InstallsReplacesAndClearsATweak) {
   const std::string cleanup =
       "kvfileops cleanup " + InstalledRecords::directory("com.example.notes");
   const std::string respring = "killall -9 SpringBoard\n";
+  const std::string kill = "kill -9 4711\n";
+  const StandIns standIns(
+      "<key>pids</key><dict><key>com.example.notes</key><integer>4711</integer></dict>");
   std::vector<std::string> notices;
   const auto observe = [&](const Notification& notification) {
     const auto& info = *notification.userInfo;
@@ -202,11 +200,11 @@ TEST_F(IPATest, InstallsReplacesAndClearsATweak) {
     std::string id;
     std::string icon;
     std::string calls;
-  } steps[] = {{"T1", "", cleanup + " 1\n"},
+  } steps[] = {{"T1", "", cleanup + " 1\n" + kill},
                {"T2", "an icon", cleanup + " 1\n" + respring},
                {"T3", "another icon", cleanup + " 1\n" + respring},
                // The same bytes elsewhere change nothing that the home screen shows.
-               {"T4", "another icon", cleanup + " 1\n"}};
+               {"T4", "another icon", cleanup + " 1\n" + kill}};
   for (const auto& [id, icon, expected] : steps) {
     const SamplePackage tweak(id, icon);
     ipa->setActiveTweak(&tweak);
@@ -289,6 +287,7 @@ TEST_F(IPATest, WhatItMayNotWriteGoesThroughTheHelper) {
   if (::geteuid() != 0) GTEST_SKIP() << "needs to give up root";
   fs::create_directories(installed());
   tree_.write("calls", "");
+  helper("[ $1 = cleanup ] || [ -e \"$2\" ] || exit 5");
   for (const fs::path& open : {tree_.path() / "calls", installed().parent_path().parent_path()}) {
     fs::permissions(open, fs::perms::all);
   }
@@ -310,13 +309,9 @@ TEST_F(IPATest, WhatItMayNotWriteGoesThroughTheHelper) {
 
 TEST_F(IPATest, ManyThreadsFillTheCachesOnce) {
   const auto ipa = IPA::withAppDir(appDir());
-  std::vector<std::shared_ptr<Executable>> found(4);
-  {
-    std::vector<std::jthread> threads;
-    for (auto& executable : found) {
-      threads.emplace_back([&] { executable = ipa->mainExecutable(); });
-    }
-  }
+  std::array<std::shared_ptr<Executable>, 4> found;
+  inThreads(
+      4, [&](int thread) { found.at(static_cast<std::size_t>(thread)) = ipa->mainExecutable(); });
   EXPECT_THAT(found, testing::Each(found.front()));
 }
 

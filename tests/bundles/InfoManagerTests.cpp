@@ -1,10 +1,6 @@
 #include "tavlen/bundles/InfoManager.h"
 
-#include <gtest/gtest.h>
 #include <sys/stat.h>
-
-#include <map>
-#include <system_error>
 
 #include "tavlen/foundation/coding/CodingError.h"
 #include "tavlen/foundation/plist/PropertyListEncoder.h"
@@ -185,14 +181,6 @@ TEST_F(InfoManagerTest, ANamedIconIsTheLargestOfItsFiles) {
   EXPECT_EQ(outcome("Icon-76.png"), "1");
   EXPECT_EQ(outcome("bad"), "Icon not found: bad");
   EXPECT_EQ(outcome("a%@"), "Icon not found: a%@");
-}
-
-TEST(InfoManagerErrors, HaveTheirKeys) {
-  using Error = InfoManager::Error;
-  const std::string prefix = "info_manager.error.";
-  EXPECT_EQ(Error::iconNotFound("a").localizationKey(), prefix + "icon_not_found");
-  EXPECT_EQ(Error::noIconFound().localizationKey(), prefix + "no_icon_found");
-  EXPECT_EQ(Error::couldNotResize().localizationKey(), prefix + "could_not_resize");
 }
 
 TEST(ResizedIcon, KeepsItsAspectAndIsNeitherEmptyNorHuge) {

@@ -1,6 +1,5 @@
 #include <gmock/gmock.h>
 
-#include "tests/cli/CommandTest.h"
 #include "tests/cli/RunningCommand.h"
 #include "tests/support/AppPlist.h"
 #include "tests/support/MachOFile.h"
@@ -32,14 +31,11 @@ class ClassCommandTest : public CommandTest {
   }
   /// The variables of a command whose launch service starts `programs`, in the app's place.
   std::vector<std::string> service(const std::string& programs) const {
-    write("script.plist",
-          "<?xml version=\"1.0\" encoding=\"UTF-8\"?><plist version=\"1.0\"><dict>"
-          "<key>launchOptions</key><string>" +
-              (folder() / "launched").string() + "</string><key>programs</key><dict>" + programs +
-              "</dict></dict></plist>");
-    return {"LD_PRELOAD=" + paths().standInsLibrary,
-            "TAVLEN_STAND_INS=" + (folder() / "script.plist").string(),
-            "TAVLEN_ROOT=" + folder().string()};
+    auto variables =
+        standIns("<key>launchOptions</key><string>" + (folder() / "launched").string() +
+                 "</string><key>programs</key><dict>" + programs + "</dict>");
+    variables.push_back("TAVLEN_ROOT=" + folder().string());
+    return variables;
   }
   static constexpr const char* kImage = "Applications/Notes.app/Frameworks/Probe.dylib";
   std::string manifest() const { return contents("T/Manifest.json"); }
@@ -124,10 +120,15 @@ TEST_F(ClassCommandTest, SaysWhyThereAreNoClassesOnTheAgentPort) {
 
 TEST_F(ClassCommandTest, AsksAnAppOnTheAgentPort) {
   writeApp();
-  setEnvironment(service("<key>com.example.notes</key><string>" + paths().dumpAgent + "</string>"));
-  const Result methods = run("methods DumpedProbe --in", {kImage, "--parser", "remote"});
-  EXPECT_EQ(methods.status, 0) << methods.err;
-  EXPECT_THAT(methods.out, HasSubstr("-\u00A0 (int)add:(int) to:(int)\n"));
+  const std::string agent =
+      "<key>com.example.notes</key><string>" + paths().dumpAgent + "</string>";
+  RunningCommand dump({"methods", "DumpedProbe", "--in", folder() / kImage, "--parser", "remote"},
+                      service(agent), 300);
+  EXPECT_THAT(dump.until(), HasSubstr(" 0 %"));
+  std::string line = dump.until();
+  while (!line.empty() && line.find("add:") == line.npos) line = dump.until();
+  EXPECT_THAT(line, EndsWith("\r\x1B[K-\u00A0 (int)add:(int) to:(int)\r")) << "the bar is gone";
+  EXPECT_EQ(dump.status(), 0);
 }
 
 TEST_F(ClassCommandTest, AnInterruptEndsARequestOnTheAgentPort) {
@@ -152,6 +153,80 @@ TEST_F(ClassCommandTest, AnInterruptEndsARequestOnTheAgentPort) {
                                (columns == 0 ? "" : "\r")));
     EXPECT_EQ(dump.status(), 1);
   }
+}
+
+using TypeCommandTest = CommandTest;
+
+TEST_F(TypeCommandTest, AnswersEveryArgumentWithALine) {
+  const Result result =
+      run("type {CGRect={CGPoint=dd}{CGSize=dd}} [4i] [2[3i],i] ^? '' (U=if) list",
+          {"@\"a\nb\x1B\xFF\"", "@\"a,b\"", "v24@0:8@16"});
+  EXPECT_EQ(result.status, 0) << result.err;
+  EXPECT_EQ(result.out,
+            "struct CGRect { struct CGPoint { double field1; double field2; } field1; "
+            "struct CGSize { double field1; double field2; } field2; }\n"
+            "int[4]\nint[2][3]\nvoid (*)(void)\n\nunion U { int field1; float field2; }\nlong\n"
+            "a\\nb\\x1b\xEF\xBF\xBD *\na,b *\nvoid\n");
+  EXPECT_EQ(run("type -- -i --json").out, "void\nvoid\n");
+  EXPECT_EQ(run("type").status, 2);
+  EXPECT_EQ(run("type i --jsno").status, 2);
+  EXPECT_THAT(run("type --help").out, HasSubstr("ENCODING..."));
+}
+
+TEST_F(TypeCommandTest, AnswersEveryLineOfTheInputWithALine) {
+  const struct {
+    std::string input;
+    std::string answers;
+  } rows[] = {
+      {"", ""},
+      {"\n", "\n"},
+      {"i\n\nq", "int\n\nlong long\n"},
+      {"{A=dd\r\n\r\n[4i]\n", "struct A { double field1; double field2; }\n\nint[4]\n"},
+      {"-\n\xFF\n", "void\nvoid\n"},
+      {"{A=" + std::string(100'000, '^') + "}\n*\n", ""},
+  };
+  for (const auto& [input, answers] : rows) {
+    write("lines", input);
+    setInput("lines");
+    const Result result = run("type -");
+    EXPECT_EQ(result.status, 0) << result.err;
+    if (!answers.empty() || input.empty()) {
+      EXPECT_EQ(result.out, answers);
+    } else {
+      EXPECT_THAT(result.out, testing::EndsWith("}\nchar *\n"));
+    }
+  }
+  EXPECT_EQ(run("type -", {}, "/dev/full").status, 1);
+}
+
+TEST_F(TypeCommandTest, PrintsTreesAsJSON) {
+  constexpr std::string_view kTrees =
+      R"json([{"encoding":"^{A=\"x\"@\"N<P>\"\"y\"[2b3]}",)json"
+      R"json("declaration":"const struct A { N<P> *x; unsigned int y[2]:3; } *",)json"
+      R"json("qualifiers":"const","kind":"pointer","isFunction":false,"type":{"kind":"struct",)json"
+      R"json("name":"A","fieldNames":["x","y"],"types":[{"encoding":"@\"N<P>\"",)json"
+      R"json("kind":"object","name":"N","protocols":["P"],"isBlock":false},{"kind":"array",)json"
+      R"json("count":2,"type":{"encoding":"b3","kind":"bitField","bits":3}}]}},null,)json"
+      R"json({"encoding":"@?","declaration":"void (^)(void)","kind":"object","isBlock":true}])json"
+      "\n";
+  EXPECT_EQ(run("type --json", {"r^{A=\"x\"@\"N<P>\"\"y\"[2b3]}", "", "@?"}).out, kTrees);
+  write("lines", "i\n\n(\xFF=}");
+  setInput("lines");
+  EXPECT_EQ(run("type --json -").out,
+            "{\"encoding\":\"i\",\"declaration\":\"int\",\"kind\":\"basic\",\"name\":\"int\"}\n"
+            "\n"
+            "{\"encoding\":\"(\xEF\xBF\xBD=}\",\"declaration\":\"union \xEF\xBF\xBD { void field1; "
+            "}\",\"kind\":\"union\",\"name\":\"\xEF\xBF\xBD\","
+            "\"types\":[{\"encoding\":\"}\",\"kind\":\"basic\",\"name\":\"void\"}]}\n");
+  // The deepest tree that there is.
+  std::string deep;
+  std::string ends;
+  for (int i = 0; i < 250; ++i) {
+    deep += "{X=";
+    ends += "]}";
+  }
+  EXPECT_THAT(run("type --json " + deep + "*").out,
+              EndsWith(R"({"encoding":"c","kind":"basic","name":"char"}})" + ends + "]\n"));
 }
 
 }  // namespace

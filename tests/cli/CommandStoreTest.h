@@ -1,8 +1,5 @@
 #pragma once
 
-#include <string>
-#include <vector>
-
 #include "tavlen/device/DevicePaths.h"
 #include "tests/cli/CommandTest.h"
 #include "tests/support/AppPlist.h"

@@ -1,12 +1,8 @@
 #include "tests/cli/CommandTest.h"
 
-#include <fcntl.h>
 #include <sys/wait.h>
-#include <unistd.h>
 
 #include <csignal>
-#include <string_view>
-#include <utility>
 
 #include "tavlen/foundation/files/FileSystem.h"
 
@@ -125,6 +121,13 @@ void CommandTest::writeTweak(const std::string& name, const std::string& hooks,
 
 std::string CommandTest::contents(const std::string& name) const {
   return readFile(folder() / name);
+}
+
+std::vector<std::string> CommandTest::standIns(const std::string& members) const {
+  write("script.plist", "<?xml version=\"1.0\" encoding=\"UTF-8\"?><plist version=\"1.0\"><dict>" +
+                            members + "</dict></plist>");
+  return {"LD_PRELOAD=" + paths().standInsLibrary,
+          "TAVLEN_STAND_INS=" + (folder() / "script.plist").string()};
 }
 
 std::string hookJSON(const std::string& selector, const std::string& signature,

@@ -1,10 +1,7 @@
 #pragma once
 
-#include <gtest/gtest.h>
 #include <sys/types.h>
 
-#include <functional>
-#include <string>
 #include <utility>
 #include <vector>
 
@@ -55,6 +52,8 @@ class CommandTest : public testing::Test {
   void writeTweak(const std::string& name, const std::string& hooks,
                   const std::string& configuration = "") const;
   std::string contents(const std::string& name) const;
+  /// The variables of a command with the stand-ins, whose script has these members.
+  std::vector<std::string> standIns(const std::string& members) const;
 
   /// What is run from now on is a copy of the command with this script as its helper.
   void helper(const std::string& script);

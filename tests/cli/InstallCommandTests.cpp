@@ -1,5 +1,10 @@
 #include <gmock/gmock.h>
+#include <sys/inotify.h>
 
+#include <algorithm>
+#include <array>
+
+#include "tavlen/foundation/files/FileDescriptor.h"
 #include "tests/cli/CommandStoreTest.h"
 
 namespace tavlen {
@@ -84,6 +89,145 @@ TEST_F(InstallCommandTest, AFailureIsShownAtItsPlace) {
   EXPECT_THAT(run("show good").out, HasSubstr("Installed:  yes\n")) << "as it was";
   helper("exit 4");
   EXPECT_THAT(run("install good").err, EndsWith("/kvfileops: terminated(4)\n"));
+}
+
+/// Exports and imports what the store of the tree holds.
+class ArchiveCommandTest : public CommandStoreTest {
+ protected:
+  std::string only(const std::string& line, const std::vector<std::string>& more = {}) const {
+    const Result result = run(line, more);
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_EQ(result.err, "");
+    return result.out.substr(0, result.out.find('\n'));
+  }
+  std::size_t entries(const std::string& name) const {
+    return static_cast<std::size_t>(
+        std::distance(fs::directory_iterator(folder() / name), fs::directory_iterator()));
+  }
+};
+
+TEST_F(ArchiveCommandTest, AnItemComesBackUnderNewIdentifiers) {
+  const std::string tweak = newTweak("a/b:c");
+  write(stored(tweak) + "/script.objs", "x();");
+  const std::string collection = only("collection new Both --app com.example.notes");
+  only("collection add", {collection, tweak, newTweak("B")});
+  fs::create_directories(folder() / "out");
+  write("out/old.tvx", "old");
+  const std::pair<std::string, std::string> rows[] = {
+      {tweak, "a-b-c.tvx"},
+      {tweak + " -o out", "out/a-b-c.tvx"},
+      {tweak + " -o out/old.tvx --force", "out/old.tvx"},
+      {collection + " -o c.tvxc", "c.tvxc"}};
+  for (const auto& [item, archive] : rows) {
+    EXPECT_EQ(only("export " + item), archive);
+  }
+  EXPECT_EQ(run("export a/b:c -o out").status, 1) << "a path, by its slash";
+  EXPECT_EQ(contents(stored(only("import out/old.tvx")) + "/script.objs"), "x();");
+  const std::string both = only("import c.tvxc");
+  const std::string members = run("collection list", {both, "--json"}).out;
+  EXPECT_EQ(members.find(tweak), std::string::npos);
+  EXPECT_NE(members.find(R"({"name":"a\/b:c",)"), std::string::npos) << members;
+  // Nothing but the store and what was exported.
+  EXPECT_EQ(entries(stored("..")), 1U);
+  EXPECT_EQ(entries(stored("")), 7U);
+  EXPECT_EQ(entries("out"), 2U);
+}
+
+TEST_F(ArchiveCommandTest, AFailureIsOneLineAndChangesNothing) {
+  newTweak("A");
+  write("old.tvx", "old");
+  fs::create_directories(folder() / "folder.tvx");
+  expectRefused("", {{"export A -o old.tvx", 1, "old.tvx: is there already; --force replaces it\n"},
+                     {"export nowhere", 1,
+                      "nowhere: no tweak or collection of that identifier or name is stored\n"},
+                     {"export A -o nowhere/a.tvx", 1, "nowhere/a.tvx: No such file or directory\n"},
+                     {"import nowhere.tvx", 1, "nowhere.tvx: No such file or directory\n"},
+                     {"import old.zip", 1, "old.zip: Unknown tweak type\n"},
+                     {"import folder.tvx", 1, "folder.tvx: Is a directory\n"},
+                     {"import old.tvx", 1, "old.tvx: "}});
+  EXPECT_EQ(contents("old.tvx"), "old");
+  EXPECT_EQ(entries(stored("")), 1U);
+  EXPECT_EQ(entries(stored("..")), 1U);
+}
+
+TEST_F(ArchiveCommandTest, TheOtherFilesAreImportedAllTheSame) {
+  const std::string archive = only("export", {newTweak("A")});
+  const Result result = run("import nowhere.tvx", {archive, archive});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(std::count(result.out.begin(), result.out.end(), '\n'), 2);
+  EXPECT_EQ(entries(stored("")), 3U);
+}
+
+TEST_F(ArchiveCommandTest, WarnsOfMembersThatDoNotOpen) {
+  writeCollection("C", "C", R"("gone","C.collection")");
+  const Result result = run("export C -o c.zip");
+  EXPECT_EQ(result.status, 0);
+  for (const std::string text :
+       {"gone: a member", "C.collection: a member", "c.zip: import knows"}) {
+    EXPECT_NE(result.err.find("tavlen: warning: " + text), std::string::npos) << result.err;
+  }
+  fs::rename(folder() / "c.zip", folder() / "c.TVXC");
+  EXPECT_EQ(run("import c.TVXC").status, 1);
+}
+
+/// Counts how often the file `name` of a folder is opened.
+class OpenCount {
+ public:
+  OpenCount(const std::filesystem::path& folder, std::string name) : name_(std::move(name)) {
+    // Openings that follow each other at once would be told as one, but a closing lies between.
+    EXPECT_GE(::inotify_add_watch(events_.get(), folder.c_str(), IN_OPEN | IN_CLOSE), 0);
+  }
+
+  /// Since the last call.
+  int take() {
+    int count = 0;
+    alignas(inotify_event) std::array<char, 1 << 16> buffer;
+    for (ssize_t size = 0; (size = ::read(events_.get(), buffer.data(), buffer.size())) > 0;) {
+      for (ssize_t at = 0; at < size;) {
+        const auto* event = reinterpret_cast<const inotify_event*>(&buffer.at(std::size_t(at)));
+        if ((event->mask & IN_OPEN) != 0 && event->len > 0 && event->name == name_) ++count;
+        at += ssize_t{sizeof *event} + event->len;
+      }
+    }
+    return count;
+  }
+
+ private:
+  FileDescriptor events_{::inotify_init1(IN_NONBLOCK | IN_CLOEXEC)};
+  std::string name_;
+};
+
+TEST_F(CommandStoreTest, EachCommandOpensATweaksDocumentOnce) {
+  const std::string id = newTweak("Tweak");
+  std::string collection = run("collection new C --app com.example.notes").out;
+  collection.pop_back();
+  OpenCount opens(folder() / stored(id), "Manifest.json");
+  const std::pair<std::string, int> rows[] = {
+      {"hook add Tweak A b --signature v16@0:8", 1},
+      {"hook list Tweak", 1},
+      {"hook set Tweak '-[A b]' --name N", 1},
+      {"param set Tweak N 0 nil", 1},
+      {"param get Tweak N", 1},
+      {"override add Tweak DisplayName Other", 1},
+      {"override list Tweak", 1},
+      {"show Tweak", 1},
+      {"list", 1},
+      {"source Tweak", 1},
+      {"check Tweak", 1},
+      {"build Tweak", 1},
+      {"install Tweak", 1},
+      {"uninstall Tweak", 1},
+      {"collection add " + collection + " Tweak", 1},
+      {"collection list " + collection, 1},
+      {"install " + collection, 1},
+      {"export Tweak", 1 + 1},  // read, and copied
+      {"delete Tweak", 1},
+  };
+  for (const auto& [command, count] : rows) {
+    const Result result = run(command);
+    EXPECT_EQ(result.status, 0) << command << "\n" << result.err;
+    EXPECT_EQ(opens.take(), count) << command;
+  }
 }
 
 }  // namespace

@@ -166,9 +166,6 @@ TEST_F(ParamCommandTest, SaysWhatIsWrongWhereAndChangesNothing) {
   expectRefused(
       "param",
       {{"get T '-[A a:b:]' -1", 1, start + "-1: Parameter not found at index -1 in tweak file:///"},
-       {"set T '-[A a:b:]' 0.0.key nil", 1,
-        start + "0.0.key: Parameter type mismatch: expected DictionaryParameter but found "
-                "ArrayParameter\n"},
        {"insert T '-[A a:b:]' 0.3 nil", 1, start + "0.3: Index out of bounds: 3\n"},
        {"insert T '-[A a:b:]' 0.-1 nil", 1, start + "0.-1: Index out of bounds: -1\n"},
        {"insert T '-[A a:b:]' 1.end nil", 1,

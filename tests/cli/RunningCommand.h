@@ -1,17 +1,12 @@
 #pragma once
 
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <pty.h>
 #include <sys/wait.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <csignal>
-#include <string>
-#include <utility>
-#include <vector>
 
 #include "tests/cli/CommandTest.h"
 

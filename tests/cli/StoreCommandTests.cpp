@@ -112,5 +112,138 @@ TEST_F(CommandStoreTest, DeleteTakesAwayWhatTheStoreHolds) {
   EXPECT_TRUE(fs::exists(folder() / "mine"));
 }
 
+class CollectionCommandTest : public CommandStoreTest {
+ protected:
+  /// The members' names in the collection "C", "-" for missing ones.
+  std::string members() const {
+    const Result list = run("collection list C");
+    EXPECT_EQ(list.status, 0) << list.err;
+    std::string names;
+    for (std::size_t at = list.out.find('\n'); at + 1 < list.out.size();
+         at = list.out.find('\n', at + 1)) {
+      names += list.out.at(at + 1);
+    }
+    return names;
+  }
+};
+
+TEST_F(CollectionCommandTest, MembersAreAddedAndRemoved) {
+  const Result made = run("collection new C --app com.example.notes --color darkRed --glyph star");
+  ASSERT_EQ(made.status, 0) << made.err;
+  const std::string file = stored(made.out.substr(0, made.out.size() - 1));
+  EXPECT_EQ(contents(file),
+            R"({"configuration":{"name":"C","color":"darkRed","bundleID":"com.example.notes",)"
+            R"("glyph":{"icon":"star","style":"solid"}},"tweaks":[]})");
+  const std::string a = newTweak("A");
+  const std::string b = newTweak("B");
+  newTweak("[WIP]");
+  newTweak("O", "com.other");
+  writeTweak("loose", "");
+  const struct {
+    std::string line;
+    std::string error;
+    std::string members;
+  } steps[] = {{"add C B " + a, "", "BA"},
+               {"add C [WIP]", "", "BA["},
+               {"remove C [WIP]", "", "BA"},
+               {"add C A", "A: is in the collection already", "BA"},
+               {"add C O",
+                "O: Bundle ID mismatch (expected 'com.example.notes' but found 'com.other')", "BA"},
+               {"remove C B O", "O: is not in the collection", "BA"},
+               {"add C C", "C: is a collection, not a tweak", "BA"},
+               {"add " + b + " A", b + ": is a tweak, not a collection", "BA"},
+               {"add C loose",
+                "loose: does not lie in " + (folder() / stored("")).parent_path().string(), "BA"},
+               {"remove C B", "", "A"},
+               {"add '" + file + "' B", "", "AB"}};
+  for (const auto& [line, error, left] : steps) {
+    const Result result = run("collection " + line);
+    EXPECT_EQ(result.err, error.empty() ? "" : "tavlen: error: " + error + "\n");
+    EXPECT_EQ(result.status, error.empty() ? 0 : 1);
+    EXPECT_EQ(members(), left);
+  }
+}
+
+TEST_F(CollectionCommandTest, MissingMembersAreShownAndRemovedByIdentifier) {
+  const std::string a = newTweak("A");
+  writeCollection("C", "C", R"("../../x",")" + a + R"(","gone","gone","C.collection")");
+  EXPECT_EQ(members(), "-A---");
+  EXPECT_EQ(run("collection list C --json").out,
+            R"([{"identifier":"..\/..\/x","missing":true},{"name":"A","identifier":")" + a +
+                R"(","missing":false},{"identifier":"gone","missing":true},)"
+                R"({"identifier":"gone","missing":true},)"
+                R"({"identifier":"C.collection","missing":true}])"
+                "\n");
+  EXPECT_EQ(run("collection remove C gone ../../x").err, "");
+  EXPECT_EQ(members(), "A-");
+  EXPECT_EQ(run("collection").status, 2);
+  EXPECT_EQ(run("collection add C").status, 2);
+}
+
+TEST_F(CommandStoreTest, AScriptIsStoredWholeOrNotAtAll) {
+  const std::string id = newTweak("T");
+  const std::string script = stored(id) + "/script.objs";
+  EXPECT_EQ(run("script show T").out, "");
+  write("new", "caf\u00E9();\r\n");
+  EXPECT_EQ(run("script set T new").err, "");
+  setInput("new");
+  EXPECT_EQ(run("script set T -").err, "");
+  EXPECT_EQ(run("script show T").out, contents("new"));
+  write("bad", "\xFFx");
+  setInput("bad");
+  expectRefused("script set T", {{"bad", 1, "bad: is not UTF-8\n"},
+                                 {"-", 1, "standard input: is not UTF-8\n"},
+                                 {".", 1, ".: Is a directory\n"},
+                                 {"gone", 1, "gone: No such file or directory\n"}});
+  EXPECT_EQ(contents(script), contents("new"));
+  fs::remove(folder() / script);
+  fs::create_directory(folder() / script);
+  EXPECT_EQ(run("script show T").status, 1);
+  EXPECT_EQ(run("script set T new").status, 1);
+}
+
+TEST_F(CommandStoreTest, AnEditedScriptIsNeverLost) {
+  const std::string script = stored(newTweak("T")) + "/script.objs";
+  const struct {
+    std::string editor;
+    std::string stored;
+    std::string error;  ///< its beginning
+    bool isKept;
+  } rows[] = {
+      {"sed -i s/old/new/", "new", "", false},
+      {"f() { rm \"$1\"; printf new >\"$1\"; }; f", "new", "", false},
+      {"true", "old", "tavlen: the script is as it was\n", false},
+      {"false", "old", "tavlen: error: false: terminated(1)\n", false},
+      {"f() { printf new >\"$1\"; exit 3; }; f", "old", "tavlen: error: ", true},
+      {"f() { printf '\\377' >\"$1\"; }; f", "old", "tavlen: error: ", true},
+      {"f() { printf new >\"$1\"; printf other >'" + (folder() / script).string() + "'; }; f",
+       "other",
+       "tavlen: error: the script was changed by somebody else meanwhile; the text is kept", true},
+  };
+  for (const auto& row : rows) {
+    write(script, "old");
+    environment({"EDITOR=" + row.editor});
+    const Result result = run("script edit T");
+    EXPECT_EQ(result.status, row.error.starts_with("tavlen: error") ? 1 : 0);
+    EXPECT_EQ(contents(script), row.stored) << row.editor;
+    EXPECT_THAT(result.err, StartsWith(row.error)) << row.editor;
+    EXPECT_EQ(result.err.empty(), row.error.empty()) << result.err;
+    const std::size_t kept = result.err.find("kept in ");
+    ASSERT_EQ(kept != std::string::npos, row.isKept) << row.editor;
+    std::size_t leavings = 0;
+    for (const auto& entry : fs::directory_iterator(folder())) {
+      if (!entry.path().filename().string().starts_with("tavlen-")) continue;
+      ++leavings;
+      EXPECT_TRUE(fs::exists(entry.path() / "script.objs"));
+      fs::remove_all(entry.path());
+    }
+    EXPECT_EQ(leavings, row.isKept ? 1U : 0U) << row.editor;
+  }
+  environment({"VISUAL=sed -i s/old/visual/", "EDITOR=false"});
+  write(script, "old");
+  EXPECT_EQ(run("script edit T").status, 0);
+  EXPECT_EQ(contents(script), "visual");
+}
+
 }  // namespace
 }  // namespace tavlen

@@ -1,7 +1,3 @@
-#include <gtest/gtest.h>
-
-#include <csignal>
-#include <functional>
 #include <memory>
 
 #include "tests/cli/CommandStoreTest.h"

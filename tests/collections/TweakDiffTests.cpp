@@ -1,6 +1,5 @@
 #include <gmock/gmock.h>
 
-#include <optional>
 #include <stdexcept>
 #include <thread>
 

@@ -1,14 +1,10 @@
 #include "tavlen/device/DirectoryAppListFetcher.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/inotify.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
-#include <array>
 #include <stdexcept>
-#include <string>
 
 #include "tavlen/bundles/Info.h"
 #include "tavlen/foundation/plist/PropertyListDecoder.h"

@@ -1,17 +1,12 @@
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <chrono>
-#include <cstdlib>
 #include <future>
 #include <memory>
-#include <optional>
-#include <string>
 
 #include "tavlen/device/LSAppListFetcher.h"
 #include "tavlen/device/SystemService.h"
 #include "tavlen/device/detail/ExcludedApps.h"
-#include "tavlen/foundation/files/FileSystem.h"
 #include "tests/support/StandIns.h"
 #include "tests/support/TableFile.h"
 

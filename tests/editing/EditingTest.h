@@ -1,8 +1,5 @@
 #pragma once
 
-#include <memory>
-#include <string>
-
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/foundation/json/JSONEncoder.h"
 #include "tests/support/StoreTest.h"

@@ -6,10 +6,9 @@
 #include <unordered_set>
 
 #include "tavlen/editing/RootParameterManager.h"
-#include "tavlen/foundation/coding/CodingError.h"
-#include "tavlen/items/TweakDiffNotifications.h"
 #include "tavlen/items/TweakPoster.h"
 #include "tests/editing/EditingTest.h"
+#include "tests/support/Threads.h"
 #include "tests/support/Thrown.h"
 
 namespace tavlen {
@@ -119,38 +118,22 @@ TEST_F(HookManagerTest, PostsOnceTheLockIsFreeWhateverIsSilenced) {
   EXPECT_THAT(announced(), ElementsAre("addHooks a", "deleteHook"));
 }
 
-TEST_F(HookManagerTest, ObserversMayEditTheTweak) {
-  store("");
-  const auto token = NotificationCenter::default_().addObserver(
-      std::string(kTweaksDidUpdateNotification), nullptr, [&](const Notification&) {
-        if (file_->manifest()._hooks.size() < 3)
-          file_->managerFor({"C", "none", false}).setHook(hookOf("more"));
-      });
-  file_->managerFor({"C", "a", false}).setHook(hookOf("a"));
-  NotificationCenter::default_().removeObserver(token);
-  EXPECT_EQ(file_->manifest()._hooks.size(), 3U);
-}
-
 TEST_F(HookManagerTest, ThreadsLoseNoEdit) {
   constexpr int kThreads = 4;
   constexpr int kEdits = 12;
   store(storedHook("shared"));
-  std::vector<std::thread> threads;
-  for (int thread = 0; thread < kThreads; ++thread) {
-    threads.emplace_back([&, thread] {
-      const std::string own = "own" + std::to_string(thread);
-      const auto file = TweakFile::at(file_->url());
-      for (int edit = 0; edit < kEdits; ++edit) {
-        Hook hook = hookOf(own);
-        hook.customName = std::to_string(edit);
-        file->managerFor({"C", own, false}).setHook(hook);
-        const std::lock_guard lock(tweakPoster().recursiveLock);
-        RootParameterManager(file->managerFor({"C", "shared", false}), thread * kEdits + edit)
-            .setParameter(NilParameter{});
-      }
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
+  inThreads(kThreads, [&](int thread) {
+    const std::string own = "own" + std::to_string(thread);
+    const auto file = TweakFile::at(file_->url());
+    for (int edit = 0; edit < kEdits; ++edit) {
+      Hook hook = hookOf(own);
+      hook.customName = std::to_string(edit);
+      file->managerFor({"C", own, false}).setHook(hook);
+      const std::lock_guard lock(tweakPoster().recursiveLock);
+      RootParameterManager(file->managerFor({"C", "shared", false}), thread * kEdits + edit)
+          .setParameter(NilParameter{});
+    }
+  });
   const TweakFile::Manifest manifest = file_->manifest();
   ASSERT_EQ(manifest._hooks.size(), 1U + kThreads);
   EXPECT_EQ(manifest._hooks.front().value()._args.size(), std::size_t{kThreads * kEdits});

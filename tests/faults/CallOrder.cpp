@@ -1,10 +1,8 @@
 #include "tests/faults/CallOrder.h"
 
 #include <algorithm>
-#include <array>
 #include <set>
 #include <span>
-#include <string_view>
 
 namespace tavlen::faults {
 

@@ -1,28 +1,16 @@
-#include <gtest/gtest.h>
 #include <sys/mman.h>
 #include <sys/wait.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <csignal>
-#include <filesystem>
-#include <fstream>
-#include <functional>
 #include <memory>
 #include <new>
-#include <set>
-#include <string>
-#include <system_error>
-#include <vector>
 
 #include "tavlen/device/DevicePaths.h"
 #include "tests/faults/CallOrder.h"
 #include "tests/faults/Operation.h"
 #include "tests/faults/SampleStore.h"
-#include "tests/faults/StoreTree.h"
-#include "tests/support/TemporaryFolder.h"
 
 namespace tavlen::faults {
 namespace {

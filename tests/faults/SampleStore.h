@@ -1,9 +1,5 @@
 #pragma once
 
-#include <filesystem>
-#include <functional>
-#include <string>
-
 #include "tests/support/TemporaryFolder.h"
 
 namespace tavlen::faults {

@@ -1,9 +1,3 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <optional>
-#include <string>
-
 #include "tavlen/foundation/errors/MainBundle.h"
 #include "tavlen/items/GlyphNames.h"
 #include "tavlen/items/ItemConfiguration.h"

@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include <limits>
 
 #include "tavlen/foundation/json/JSONDecoder.h"
@@ -10,18 +8,6 @@
 
 namespace tavlen {
 namespace {
-
-// The identifiers stand in users' documents, so they are repeated here in full.
-TEST(Parameter, StoredIdentifiersNeverChange) {
-  std::string identifiers;
-  for (const std::string_view each : ParameterContainer::supportedTypes()) {
-    identifiers += std::string(each) + " ";
-  }
-  EXPECT_EQ(identifiers,
-            "Nil Code _ValueParameter<Int64> _ValueParameter<UInt64> _ValueParameter<Double> "
-            "_ValueParameter<String> _ValueParameter<Bool> URL Date Color Data Image Class "
-            "Selector Protocol Array Dictionary ");
-}
 
 DictionaryParameter dictionaryOf(std::vector<std::pair<Parameter, Parameter>> pairs) {
   DictionaryParameter dictionary;

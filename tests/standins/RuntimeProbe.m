@@ -18,7 +18,6 @@ static int live = 0;
 }
 - (double)half:(double)value { return value / 2; }
 - (NSRange)rangeFrom:(NSUInteger)location length:(NSUInteger)length { return NSMakeRange(location, length); }
-- (void)raise { [NSException raise:NSGenericException format:@"raised"]; }
 - (id)loneSurrogate {
   unichar unit = 0xD800;
   return [NSString stringWithCharacters:&unit length:1];

@@ -1,9 +1,5 @@
 #include "tavlen/store/StoreSnapshot.h"
 
-#include <gtest/gtest.h>
-
-#include <functional>
-
 #include "tavlen/device/DevicePaths.h"
 #include "tavlen/foundation/files/FileReplacement.h"
 #include "tests/support/StoreTest.h"

@@ -3,12 +3,17 @@
 #include <gmock/gmock.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
-#include <unistd.h>
+
+#include <atomic>
 
 #include "tavlen/foundation/files/FileSystem.h"
+#include "tavlen/foundation/zip/ZIPArchive.h"
+#include "tavlen/foundation/zip/ZIPError.h"
 #include "tavlen/items/TweakError.h"
+#include "tavlen/items/TweakPoster.h"
 #include "tavlen/store/StoreSnapshot.h"
 #include "tests/support/StoreTest.h"
+#include "tests/support/Threads.h"
 #include "tests/support/Thrown.h"
 
 namespace tavlen {
@@ -165,6 +170,149 @@ TEST_F(TweakManagerTest, ArchivesAreToldByTheirExtension) {
     EXPECT_THROW(TweakManager::decompressAt(name), TweakManager::Error) << name;
   }
   EXPECT_EQ(storedEntries(), 0);
+}
+
+class TweakArchiveTest : public StoreTest {
+ protected:
+  /// The archive `name` of the folder "Payload" that lies in `folder`.
+  fs::path archive(const std::string& folder, const std::string& name) const {
+    ZIPArchive::zipItem(root_.path() / folder / "Payload", root_.path() / name);
+    return root_.path() / name;
+  }
+};
+
+TEST_F(TweakArchiveTest, ACollectionBringsItsMembers) {
+  const auto tweak = newTweak("T");
+  const auto collection = newCollection("C");
+  collection->updateManifest([&](auto& manifest) { manifest._tweaks = {tweak->id()}; });
+  const fs::path file = TweakManager::export_(*collection);
+  EXPECT_EQ(file.filename(), "C.tvxc");
+  const auto copy = std::dynamic_pointer_cast<TweakCollection>(TweakManager::decompressAt(file));
+  ASSERT_NE(copy, nullptr);
+  ASSERT_EQ(copy->manifest().tweaks().size(), 1U);
+  EXPECT_NE(copy->manifest()._tweaks.front(), tweak->id());
+
+  // A member that does not open is named but does not come along.
+  collection->updateManifest([](auto& manifest) { manifest._tweaks = {"nowhere"}; });
+  EXPECT_THROW(TweakManager::decompressAt(TweakManager::export_(*collection)), TweakFile::Error);
+}
+
+TEST_F(TweakArchiveTest, NamesBecomeFileNames) {
+  std::string longName = "x";
+  for (int i = 0; i < 200; ++i) longName += "\xC3\xBC";
+  const std::pair<std::string, std::string> rows[] = {
+      {"", ""},  // the identifier
+      {":/", "--"},
+      {std::string("a\0b", 3), "a-b"},
+      {"..", ".."},
+      {"n.tvx", "n.tvx"},
+      {longName, longName.substr(0, 251)},
+      {longName.substr(1), longName.substr(1, 250)}};
+  for (const auto& [name, stem] : rows) {
+    const auto tweak = newTweak(name);
+    const fs::path file = TweakManager::export_(*tweak);
+    EXPECT_EQ(file.filename().string(), (stem.empty() ? tweak->id() : stem) + ".tvx");
+    EXPECT_TRUE(TweakManager::canHandle(file));
+    EXPECT_EQ(TweakManager::decompressAt(file)->genericManifest().genericConfiguration().name(),
+              name);
+  }
+}
+
+TEST_F(TweakArchiveTest, ABrokenArchiveLeavesNothing) {
+  root_.write("file/Payload", "x");
+  root_.write("empty/Payload/Resources/r", "x");
+  root_.write("broken/Payload/Manifest.json", "{");
+  root_.write("other/Else/Manifest.json", kTweakManifest);
+  ZIPArchive::zipItem(root_.path() / "other/Else", root_.path() / "other.tvx");
+  root_.write("none.tvx", "no archive");
+  const fs::path file = archive("file", "file.tvx");
+  for (const fs::path& refused : {file, root_.path() / "other.tvx"}) {
+    EXPECT_EQ(thrown<TweakFile::Error>([&] { TweakManager::decompressAt(refused); }),
+              TweakFile::Error::notFound())
+        << refused;
+  }
+  EXPECT_THROW(TweakManager::decompressAt(archive("empty", "empty.TVX")), TweakFile::Error);
+  EXPECT_THROW(TweakManager::decompressAt(archive("empty", "empty.tvxc")), TweakError);
+  EXPECT_THROW(TweakManager::decompressAt(archive("broken", "broken.tvx")), DecodingError);
+  EXPECT_THROW(TweakManager::decompressAt(root_.path() / "none.tvx"), ZIPError);
+  EXPECT_THROW(TweakManager::decompressAt(root_.path() / "nowhere.tvx"), std::exception);
+  EXPECT_EQ(storedEntries(), 0);
+  EXPECT_FALSE(leftTemporaryItems());
+}
+
+constexpr int kThreads = 8;
+constexpr int kRounds = 12;
+
+class StoreThreadsTest : public testing::Test {
+ protected:
+  StoreThreadsTest() { DeviceRoot::setShared(DeviceRoot(root_.path())); }
+  ~StoreThreadsTest() override { DeviceRoot::setShared(DeviceRoot()); }
+
+  static void addOne(TweakFile::Manifest& manifest) {
+    manifest.configuration.bundleID += "+";
+    manifest._hooks.emplace_back();
+  }
+  /// Imports a collection of two members, under names that only this call uses.
+  std::string import(int thread, int round) const {
+    const std::string name = "in" + std::to_string(thread) + "-" + std::to_string(round);
+    constexpr const char* kConfiguration =
+        R"({"configuration":{"name":"N","color":"darkRed","bundleID":"a.b"},)";
+    root_.write(name + "/Manifest.json", std::string(kConfiguration) + R"("tweaks":["A","B"]})");
+    for (const char* member : {"A", "B"}) {
+      root_.write(name + "/Tweaks/" + member + "/Manifest.json",
+                  std::string(kConfiguration) + R"("overrides":[],"hooks":[]})");
+    }
+    return TweakCollection::handlePayloadAt(root_.path() / name)->id();
+  }
+
+  const TemporaryFolder root_{memoryFolder()};
+};
+
+// One edit under the poster's lock, one under the tweak's own, a creation, a deletion, an import,
+// an icon and a listing a round; every thread has a handle of its own on the first tweak.
+TEST_F(StoreThreadsTest, NoEditUnderALockIsLost) {
+  const auto create = [] {
+    return TweakFile::create("shared", TweakColor::darkRed, TweakGlyph::default_(), "");
+  };
+  const auto byPoster = create();
+  const auto byOwnLock = create();
+  std::atomic<int> manifestDiffs = 0;
+  const auto token = NotificationCenter::default_().addObserver(
+      std::string(kTweaksDidUpdateNotification), nullptr, [&](const Notification& notification) {
+        const auto& diffs = std::any_cast<const TweakDiffs&>(notification.userInfo->at("diffs"));
+        if (nameOf(*diffs.at(0)) == "updateManifest") ++manifestDiffs;
+      });
+  std::atomic<std::size_t> resolvedMembers = 0;
+  const auto work = [&](int thread) {
+    const auto handle = TweakFile::at(byPoster->url());
+    for (int round = 0; round < kRounds; ++round) {
+      tweakPoster().performWithoutNotifications([&] { handle->updateManifest(addOne); });
+      {
+        const std::lock_guard lock(byOwnLock->recursiveLock);
+        byOwnLock->updateManifest(addOne);
+      }
+      handle->setCustomIcon(Image(1, 1, {0, 0, 0, 255}));
+      const auto brief = create();
+      EXPECT_EQ(brief->manifest().configuration.name, "shared");
+      const auto collection = TweakManager::tweakWithID(import(thread, round));
+      resolvedMembers +=
+          dynamic_cast<const TweakCollection&>(*collection).manifest().tweaks().size();
+      EXPECT_GE(TweakManager::allTweaks().size(), 3U);
+      brief->remove();
+      if (round % 2 == 0) collection->remove();
+    }
+  };
+  inThreads(kThreads, work);
+  NotificationCenter::default_().removeObserver(token);
+
+  constexpr std::size_t kEdits = std::size_t{kThreads} * kRounds;
+  for (const auto& tweak : {byPoster, byOwnLock}) {
+    EXPECT_EQ(tweak->manifest()._hooks.size(), kEdits);
+    EXPECT_EQ(tweak->manifest().configuration.bundleID, std::string(kEdits, '+'));
+  }
+  EXPECT_EQ(resolvedMembers, 2 * kEdits);
+  EXPECT_LE(manifestDiffs, static_cast<int>(kEdits)) << "what was silenced was posted";
+  EXPECT_EQ(TweakManager::allTweaks().size(), 2 + 2 * kEdits + kEdits / 2);
 }
 
 }  // namespace

@@ -1,16 +1,8 @@
 #pragma once
 
-#include <algorithm>
-#include <filesystem>
-#include <memory>
-#include <string>
-#include <vector>
-
 #include "tavlen/bundles/AppList.h"
 #include "tavlen/device/DevicePaths.h"
-#include "tavlen/device/TweakInfo.h"
 #include "tavlen/foundation/files/FileSystem.h"
-#include "tavlen/foundation/image/Image.h"
 #include "tests/support/AppPlist.h"
 #include "tests/support/StoreTest.h"
 #include "tests/support/Thrown.h"

@@ -1,9 +1,6 @@
 #pragma once
 
-#include <filesystem>
 #include <stdexcept>
-#include <string>
-#include <utility>
 
 #include "tavlen/bundles/InstallableTweak.h"
 #include "tavlen/device/DevicePaths.h"

@@ -1,8 +1,5 @@
 #pragma once
 
-#include <cstdlib>
-#include <string>
-
 #include "tests/introspection/classes/LoadClasses.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TestPaths.h"

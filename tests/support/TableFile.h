@@ -3,8 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <sstream>
-#include <string>
-#include <string_view>
 #include <vector>
 
 #include "tavlen/foundation/files/FileSystem.h"

@@ -3,9 +3,6 @@
 #include <netinet/in.h>
 #include <sys/socket.h>
 
-#include <cstdint>
-#include <string_view>
-
 #include "tavlen/foundation/files/FileDescriptor.h"
 
 namespace tavlen {

@@ -1,8 +1,14 @@
 #include "tavlen/tweaks/TweakFile.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
+#include <sys/stat.h>
 
-#include "tavlen/foundation/coding/CodingError.h"
+#include <regex>
+#include <stdexcept>
+#include <thread>
+
+#include "tavlen/foundation/files/FileSystem.h"
+#include "tavlen/items/TweakPoster.h"
 #include "tests/support/StoreTest.h"
 #include "tests/support/Thrown.h"
 
@@ -75,6 +81,221 @@ TEST_F(TweakFileTest, AScriptThatCannotBeReadCountsAsEmpty) {
     EXPECT_EQ(tweak->script(), "") << name;
     EXPECT_THROW(tweak->readScript(), std::system_error) << name;
   }
+}
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+const Image& red() {
+  static const Image image(1, 1, {255, 0, 0, 255});
+  return image;
+}
+
+using TweakFileEditingTest = StoreTest;
+
+TEST_F(TweakFileEditingTest, ANewTweakIsWholeAndSilent) {
+  const TweakGlyph glyph = TweakGlyph::default_();
+  const auto tweak = TweakFile::create("Näme", TweakColor::lightGreen, glyph, "com.example.app");
+  EXPECT_TRUE(
+      std::regex_match(tweak->id(), std::regex("[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}")));
+  EXPECT_EQ(tweak->url().parent_path(), TweaksDirectory::url());
+  EXPECT_EQ(std::distance(fs::directory_iterator(tweak->url()), {}), 3);
+  EXPECT_TRUE(fs::is_empty(tweak->resourcesDir()));
+  EXPECT_TRUE(fs::is_empty(tweak->executablesDir()));
+  TweakFile::Manifest expected;
+  expected.configuration = {"Näme", TweakColor::lightGreen, "com.example.app", glyph};
+  EXPECT_EQ(tweak->manifest(), expected);
+  EXPECT_THAT(announced(), IsEmpty());
+}
+
+TEST_F(TweakFileEditingTest, AFailedCreationLetsOthersPostAgain) {
+  root_.write("var/mobile/Library/Application Support/Marrowgleam", "a file");
+  EXPECT_THROW(newTweak("A"), std::system_error);
+  EXPECT_THROW(newCollection("A"), std::system_error);
+  // From another thread, which a lock that is still held would stop.
+  std::thread([] { EXPECT_TRUE(tweakPoster().shouldPostNotifications); }).join();
+  bool posts = false;
+  std::thread([&] {
+    tweakPoster().performNotificationPostingOperation([&] { posts = true; });
+  }).join();
+  EXPECT_TRUE(posts);
+}
+
+TEST_F(TweakFileEditingTest, EveryWriteIsAnnouncedOnce) {
+  const auto tweak = newTweak("A");
+  tweak->updateManifest([](auto& manifest) { manifest.configuration.name = "B"; });
+  EXPECT_EQ(TweakFile::at(tweak->url())->manifest().configuration.name, "B");
+  tweak->setManifest(tweak->manifest());
+  EXPECT_THAT(announced(), ElementsAre("updateManifest", "updateManifest"));
+
+  EXPECT_THROW(tweak->updateManifest([](auto& manifest) {
+    manifest.configuration.name = "C";
+    throw std::runtime_error("no");
+  }),
+               std::runtime_error);
+  EXPECT_EQ(tweak->manifest().configuration.name, "B");
+
+  tweak->setCustomIcon(red());
+  EXPECT_EQ(tweak->customIcon(), red());
+  tweak->setCustomIcon(std::nullopt);
+  tweak->setCustomIcon(std::nullopt);
+  tweak->writeCustomIcon(red());
+  tweak->writeCustomIcon(std::nullopt);
+  tweak->writeCustomIcon(std::nullopt);
+  EXPECT_EQ(tweak->customIcon(), std::nullopt);
+  EXPECT_THAT(announced(), testing::AllOf(testing::SizeIs(6), testing::Each("updateIcon")));
+
+  tweak->setScript("a();");
+  tweak->writeScript("\xC3\xBC");
+  EXPECT_EQ(tweak->script(), "\xC3\xBC");
+  tweakPoster().performWithoutNotifications([&] {
+    tweak->setManifest(tweak->manifest());
+    tweak->setCustomIcon(red());
+  });
+  EXPECT_THAT(announced(), IsEmpty()) << "scripts, or what was silenced";
+}
+
+TEST_F(TweakFileEditingTest, WhatCannotBeWrittenIsSwallowedOrThrown) {
+  const auto tweak = newTweak("A");
+  tweak->writeScript("old");
+  EXPECT_THROW(tweak->writeScript("\xFF"), std::system_error);
+  EXPECT_EQ(tweak->script(), "old");
+  for (const char* name : {"Icon.png", "script.objs", "Manifest.json"}) {
+    fs::remove(tweak->url() / name);
+    fs::create_directories(tweak->url() / name / "inner");
+  }
+  tweak->setScript("new");
+  tweak->setCustomIcon(red());
+  tweak->setCustomIcon(std::nullopt);
+  EXPECT_THAT(announced(), ElementsAre("updateIcon", "updateIcon"));
+  EXPECT_THROW(tweak->writeScript("new"), std::system_error);
+  EXPECT_THROW(tweak->writeCustomIcon(red()), std::system_error);
+  EXPECT_THROW(tweak->writeCustomIcon(std::nullopt), std::system_error);
+  EXPECT_THROW(tweak->setManifest({}), std::system_error);
+  EXPECT_THAT(announced(), IsEmpty());
+  EXPECT_EQ(tweak->customIcon(), std::nullopt);
+}
+
+TEST_F(TweakFileEditingTest, AnEditLeavesTheRestOfTheDocument) {
+  const std::string document =
+      R"({"configuration":{"name":"N","color":"darkRed","bundleID":"a.b"},"overrides":[],"hooks":[null,)"
+      R"({"className":"C","selector":"s","signature":"v16@0:8","isClassMethod":false,"args":{}},null]})";
+  const auto tweak = newTweak("A");
+  std::ofstream(tweak->url() / "Manifest.json") << document;
+  fs::rename(tweak->url() / "Manifest.json", root_.path() / "elsewhere.json");
+  fs::create_symlink((root_.path() / "elsewhere.json").lexically_relative(tweak->url()),
+                     tweak->url() / "Manifest.json");
+  fs::permissions(root_.path() / "elsewhere.json", fs::perms::owner_read | fs::perms::owner_write);
+  tweak->updateManifest([](auto&) {});
+  EXPECT_EQ(readFile(tweak->url() / "Manifest.json"), document);
+  EXPECT_TRUE(fs::is_symlink(tweak->url() / "Manifest.json"));
+  EXPECT_EQ(fs::status(root_.path() / "elsewhere.json").permissions(),
+            fs::perms::owner_read | fs::perms::owner_write);
+}
+
+TEST_F(TweakFileEditingTest, ADeletedTweakStaysDeletedUnderAnOpenHandle) {
+  const auto tweak = newTweak("A");
+  const auto other = TweakFile::at(tweak->url());
+  tweak->delete_();
+  EXPECT_EQ(storedEntries(), 0);
+  EXPECT_FALSE(leftTemporaryItems());
+  EXPECT_THAT(announced(), IsEmpty()) << "announcing it is the caller's";
+
+  other->delete_();
+  EXPECT_THROW(other->remove(), std::system_error);
+  EXPECT_THROW(other->manifest(), TweakFile::Error);
+  EXPECT_THROW(other->setManifest({}), std::system_error);
+  EXPECT_THROW(other->writeScript(""), std::system_error);
+  EXPECT_FALSE(other->isShownInSearchFor("A"));
+  EXPECT_THROW((void)other->compareTo(*other), TweakFile::Error);
+  EXPECT_THROW(other->preparePayloadIn(root_.path() / "P"), std::system_error);
+  EXPECT_EQ(storedEntries(), 0);
+  EXPECT_EQ(thrown<TweakFile::Error>([&] { other->validate(); }), TweakFile::Error::notFound());
+}
+
+TEST_F(TweakFileEditingTest, DeletionTakesNothingElseAlong) {
+  root_.write("mine/T/Manifest.json", kTweakManifest);
+  root_.write("mine/closed/Manifest.json", kTweakManifest);
+  root_.write("mine/closed/Resources/inner/file", "x");
+  fs::permissions(root_.path() / "mine/closed/Resources/inner", fs::perms::none);
+  fs::create_symlink("T", root_.path() / "mine/link");
+  TweakFile::at(root_.path() / "mine/link/")->remove();
+  EXPECT_FALSE(fs::is_symlink(root_.path() / "mine/link"));
+  EXPECT_TRUE(fs::exists(root_.path() / "mine/T/Manifest.json"));
+  TweakFile::at(root_.path() / "mine/closed")->remove();
+  TweakFile::at(root_.path() / "mine/T")->remove();
+  EXPECT_TRUE(fs::is_empty(root_.path() / "mine")) << "temporary items, or a closed folder";
+
+  const auto tweak = newTweak("A");
+  fs::permissions(TweaksDirectory::url(), fs::perms::owner_read | fs::perms::owner_exec);
+  if (::geteuid() == 0) GTEST_SKIP() << "permissions do not bind this user";
+  EXPECT_THROW(tweak->remove(), std::system_error);
+  EXPECT_EQ(tweak->manifest().configuration.name, "A");
+  fs::permissions(TweaksDirectory::url(), fs::perms::owner_all);
+}
+
+TEST_F(TweakFileEditingTest, GenericDiffsAreCreationsAndDeletions) {
+  const auto tweak = newTweak("A");
+  const auto collection = newCollection("B");
+  for (const auto mode : {GenericTweakDiffMode::create, GenericTweakDiffMode::delete_}) {
+    const std::string name = mode == GenericTweakDiffMode::create ? "create" : "delete";
+    for (const std::shared_ptr<TweakProtocol>& item :
+         {std::shared_ptr<TweakProtocol>(tweak), std::shared_ptr<TweakProtocol>(collection)}) {
+      const TweakDiff diff = item->diffFor(mode);
+      EXPECT_EQ(diff->genericMode(), mode);
+      EXPECT_EQ(diff->genericTweak(), item);
+      EXPECT_EQ(nameOf(*diff), item == collection ? "collection " + name : name);
+    }
+  }
+  EXPECT_EQ(TweakFile::Diff(tweak, TweakFile::Diff::UpdateIcon{}).genericMode(), std::nullopt);
+  EXPECT_EQ(
+      TweakCollection::Diff(collection, TweakCollection::Diff::Mode::updateManifest).genericMode(),
+      std::nullopt);
+}
+
+TEST_F(TweakFileEditingTest, PayloadsMoveIntoTheStoreWholeOrNotAtAll) {
+  root_.write("in/good/Manifest.json", kTweakManifest);
+  root_.write("in/good/Resources/a", "x");
+  root_.write("in/empty/file", "");
+  root_.write("in/broken/Manifest.json", "{");
+  fs::create_symlink("good", root_.path() / "in/link");
+  const auto refusal = [&](const char* name) {
+    return messageOf<TweakFile::Error>(
+        [&] { TweakFile::handlePayloadAt(root_.path() / "in" / name); });
+  };
+  for (const char* name : {"nowhere", "empty/file", "link", "link/"}) {
+    EXPECT_EQ(refusal(name), "Not found") << name;
+  }
+  EXPECT_EQ(refusal("empty"), "Missing Manifest.json");
+  EXPECT_THROW(TweakFile::handlePayloadAt(root_.path() / "in/broken"), DecodingError);
+  EXPECT_EQ(storedEntries(), 0);
+
+  const auto tweak = TweakFile::handlePayloadAt(root_.path() / "in/good/");
+  EXPECT_EQ(tweak->url().parent_path(), TweaksDirectory::url());
+  EXPECT_EQ(tweak->manifest().configuration.name, "N");
+  EXPECT_EQ(readFile(tweak->resourcesDir() / "a"), "x");
+  EXPECT_FALSE(fs::exists(root_.path() / "in/good"));
+  EXPECT_THAT(announced(), IsEmpty());
+}
+
+TEST_F(TweakFileEditingTest, PayloadsAreCopiesWithoutTemporaryFiles) {
+  const auto tweak = newTweak("A");
+  tweak->writeScript("s");
+  std::ofstream(tweak->url() / ".tavlen-1-2") << "left over";
+  std::ofstream(tweak->resourcesDir() / "a") << "x";
+  fs::create_symlink(DeviceRoot::shared().devicePath(tweak->url()), root_.path() / "link");
+  for (const auto& [source, copy] : {std::pair(tweak->url(), "P"), {root_.path() / "link", "Q"}}) {
+    TweakFile::at(source)->preparePayloadIn(root_.path() / copy);
+    EXPECT_TRUE(fs::is_directory(fs::symlink_status(root_.path() / copy)));
+    EXPECT_EQ(TweakFile::at(root_.path() / copy)->manifest(), tweak->manifest());
+    EXPECT_EQ(readFile(root_.path() / copy / "Resources/a"), "x");
+    EXPECT_EQ(readFile(root_.path() / copy / "script.objs"), "s");
+    EXPECT_FALSE(fs::exists(root_.path() / copy / ".tavlen-1-2"));
+    EXPECT_THROW(tweak->preparePayloadIn(root_.path() / copy), std::system_error);
+  }
+  fs::create_directories(root_.path() / "taken");
+  EXPECT_THROW(tweak->preparePayloadIn(root_.path() / "taken"), std::system_error);
+  EXPECT_TRUE(fs::is_empty(root_.path() / "taken"));
 }
 
 }  // namespace

@@ -3,10 +3,7 @@
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
-#include <functional>
-
 #include "tavlen/bundles/IPA.h"
-#include "tavlen/bundles/Info.h"
 #include "tavlen/foundation/plist/PropertyListDecoder.h"
 #include "tavlen/items/TweakError.h"
 #include "tests/support/PackagingTest.h"

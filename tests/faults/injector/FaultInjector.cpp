@@ -8,15 +8,18 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <climits>
 #include <csignal>
 #include <cstdio>
-#include <cstring>
+#include <filesystem>
 #include <string>
 
 namespace tavlen::faults {
 
 namespace {
+
+/// An argument or a result of any function.
+using Word = long;
+static_assert(sizeof(Word) == sizeof(void*));
 
 struct State {
   std::string folder;
@@ -33,21 +36,18 @@ State& state() {
 bool isArmed() { return state().log != nullptr; }
 
 std::string descriptorPath(int descriptor) {
-  std::array<char, PATH_MAX> target{};
-  const std::string link = "/proc/self/fd/" + std::to_string(descriptor);
-  const ssize_t size = ::readlink(link.c_str(), target.data(), target.size());
-  return size < 0 ? std::string() : std::string(target.data(), static_cast<std::size_t>(size));
+  std::error_code none;
+  return std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(descriptor), none);
 }
 
-std::string absolute(int folder, const char* path) {
-  if (path == nullptr) return {};
-  if (*path == '/') return path;
-  std::array<char, PATH_MAX> current{};
-  const std::string base = folder != AT_FDCWD ? descriptorPath(folder)
-                           : ::getcwd(current.data(), current.size()) != nullptr
-                               ? std::string(current.data())
-                               : std::string();
-  return base + "/" + path;
+std::string absolute(Word folder, Word name) {
+  const auto* const path = reinterpret_cast<const char*>(name);
+  if (path == nullptr || *path == '/') return path == nullptr ? "" : path;
+  const int descriptor = static_cast<int>(folder);
+  std::error_code none;
+  return (descriptor == AT_FDCWD ? std::filesystem::current_path(none).string()
+                                 : descriptorPath(descriptor)) +
+         "/" + path;
 }
 
 bool isBelow(const std::string& path) {
@@ -63,6 +63,7 @@ struct Subject {
   std::size_t size = 0;  ///< of what is written
   /// By the C library's streams, or by calls that are documented to know no interruption.
   bool isInterruptible = true;
+  bool givesPointer = false;  ///< null where it fails
 
   bool counts() const { return isArmed() && (isBelow(path) || isBelow(newPath)); }
   bool changesDisk() const {
@@ -73,11 +74,7 @@ struct Subject {
 bool canReport(int error, const Subject& subject) {
   switch (error) {
     case EINTR:
-      return subject.isInterruptible &&
-             (subject.call == Call::open || subject.call == Call::create ||
-              subject.call == Call::read || subject.call == Call::write ||
-              subject.call == Call::sync || subject.call == Call::close ||
-              subject.call == Call::truncate);
+      return subject.isInterruptible && subject.call <= Call::truncate;
     case ENOSPC:
       return subject.call != Call::open && subject.call != Call::read &&
              subject.call != Call::remove && subject.call != Call::changeMode;
@@ -109,16 +106,8 @@ Effect decide(const Subject& subject) {
   if (number < plan.first || number - plan.first >= plan.times) return Effect::none;
   ++state().log->hits;
   if (plan.effect == Effect::killBefore) (void)::raise(SIGKILL);
-  if (plan.effect == Effect::shorten && number > plan.first) {
-    return Effect::fail;
-  }
+  if (plan.effect == Effect::shorten && number > plan.first) return Effect::fail;
   return plan.effect;
-}
-
-void copyText(const std::string& text, std::array<char, 400>& place) {
-  const std::size_t size = std::min(text.size(), place.size() - 1);
-  std::copy_n(text.begin(), size, place.begin());
-  place.at(size) = '\0';
 }
 
 void write(const Subject& subject, int error) {
@@ -129,54 +118,49 @@ void write(const Subject& subject, int error) {
   Record& record = log->records.at(index);
   record.call = subject.call;
   record.error = error;
-  copyText(subject.path, record.path);
-  copyText(subject.newPath, record.newPath);
-}
-
-template <class Result>
-Result failure() {
-  if constexpr (std::is_pointer_v<Result>) {
-    return nullptr;
-  } else {
-    return static_cast<Result>(-1);
-  }
+  record.path.at(subject.path.copy(record.path.data(), record.path.size() - 1)) = '\0';
+  record.newPath.at(subject.newPath.copy(record.newPath.data(), record.newPath.size() - 1)) = '\0';
 }
 
 /// Makes the call, or what the plan wants instead. `proceed` is given how many bytes to write.
 template <class Proceed>
-auto pass(const Subject& subject, Proceed proceed) -> decltype(proceed(std::size_t{})) {
-  using Result = decltype(proceed(std::size_t{}));
+Word pass(const Subject& subject, Proceed proceed) {
   if (!subject.counts()) return proceed(subject.size);
   const Effect effect = decide(subject);
+  const Word failure = subject.givesPointer ? 0 : -1;
   if (effect == Effect::fail) {
     // A descriptor is closed whatever close() reports.
     if (subject.call == Call::close) proceed(0);
     const int error = state().plan.effect == Effect::fail ? state().plan.error : ENOSPC;
     write(subject, error);
     errno = error;
-    return failure<Result>();
+    return failure;
   }
   errno = 0;
-  const Result result = proceed(effect == Effect::shorten ? subject.size / 2 : subject.size);
+  const Word result = proceed(effect == Effect::shorten ? subject.size / 2 : subject.size);
   const int error = errno;
-  write(subject, result == failure<Result>() ? error : 0);
+  // Of an int, only the lower half is set.
+  const bool hasFailed =
+      subject.givesPointer ? result == failure : static_cast<int>(result) == failure;
+  write(subject, hasFailed ? error : 0);
   if (effect == Effect::killAfter) (void)::raise(SIGKILL);
   errno = error;
   return result;
 }
 
-Subject onDescriptor(Call call, int descriptor, std::size_t size = 0) {
-  return {call, isArmed() ? descriptorPath(descriptor) : std::string(), "", size};
+Subject onDescriptor(Call call, Word descriptor, Word size = 0) {
+  return {call, isArmed() ? descriptorPath(static_cast<int>(descriptor)) : std::string(), "",
+          static_cast<std::size_t>(size)};
 }
 
-Subject onPath(Call call, int folder, const char* path) {
-  if (!isArmed()) return {call, ""};
-  return {call, absolute(folder, path)};
+Subject onPath(Call call, Word folder, Word path) {
+  return {call, isArmed() ? absolute(folder, path) : std::string()};
 }
 
-Subject onPaths(Call call, int folder, const char* path, int newFolder, const char* newPath) {
-  if (!isArmed()) return {call, ""};
-  return {call, absolute(folder, path), absolute(newFolder, newPath)};
+Subject onPaths(Call call, Word folder, Word path, Word newFolder, Word newPath) {
+  Subject subject = onPath(call, folder, path);
+  if (isArmed()) subject.newPath = absolute(newFolder, newPath);
+  return subject;
 }
 
 Subject uninterrupted(Subject subject) {
@@ -184,16 +168,29 @@ Subject uninterrupted(Subject subject) {
   return subject;
 }
 
-Subject onStream(Call call, std::FILE* stream, std::size_t size = 0) {
-  return uninterrupted(onDescriptor(call, stream == nullptr ? -1 : ::fileno(stream), size));
+Subject givingPointer(Subject subject) {
+  subject.givesPointer = true;
+  return subject;
 }
 
-Call callOfFlags(int flags) {
+Subject onStream(Call call, Word stream, Word size = 0) {
+  auto* const file = reinterpret_cast<std::FILE*>(stream);
+  return uninterrupted(onDescriptor(call, file == nullptr ? -1 : ::fileno(file), size));
+}
+
+Call callOfFlags(Word flags) {
   return (flags & (O_ACCMODE | O_CREAT | O_TRUNC)) == O_RDONLY ? Call::open : Call::create;
 }
 
-bool isForWriting(int descriptor) {
-  const int flags = ::fcntl(descriptor, F_GETFL);
+Subject onStreamAt(Word path, Word mode) {
+  const std::string text = reinterpret_cast<const char*>(mode);
+  const bool isReading = text.starts_with('r') && text.find('+') == text.npos;
+  const Call call = isReading ? Call::open : Call::create;
+  return givingPointer(uninterrupted(onPath(call, AT_FDCWD, path)));
+}
+
+bool isForWriting(Word descriptor) {
+  const int flags = ::fcntl(static_cast<int>(descriptor), F_GETFL);
   return flags >= 0 && (flags & O_ACCMODE) != O_RDONLY;
 }
 
@@ -211,186 +208,130 @@ Armed::~Armed() { state().log = nullptr; }
 
 using namespace tavlen::faults;  // NOLINT(google-build-using-namespace)
 
-/// Defines the C library's function `symbol` anew. The name in C++ is another one, so that the
-/// system's own declarations do not matter. In its body, `next` is the C library's.
-#define INTERPOSE(result, symbol, parameters)                                        \
-  extern "C" result injected_##symbol parameters __asm__(#symbol);                   \
-  template <class... Arguments>                                                      \
-  static result next_##symbol(Arguments... arguments) {                              \
-    static const auto function =                                                     \
-        reinterpret_cast<decltype(&injected_##symbol)>(::dlsym(RTLD_NEXT, #symbol)); \
-    return function(arguments...);                                                   \
-  }                                                                                  \
-  extern "C" __attribute__((visibility("default"))) result injected_##symbol parameters
+/// Defines the C library's function `symbol` anew, with its arguments a to f. All are integers and
+/// pointers, which come in registers, however many there are. In its body, `next` is the C
+/// library's function.
+#define INTERPOSE(symbol)                                                                         \
+  extern "C" Word injected_##symbol(Word, Word, Word, Word, Word, Word) __asm__(#symbol);         \
+  static Word next_##symbol(Word a, Word b = 0, Word c = 0, Word d = 0, Word e = 0, Word f = 0) { \
+    static const auto function =                                                                  \
+        reinterpret_cast<decltype(&injected_##symbol)>(::dlsym(RTLD_NEXT, #symbol));              \
+    return function(a, b, c, d, e, f);                                                            \
+  }                                                                                               \
+  extern "C" __attribute__((visibility("default"))) Word injected_##symbol(                       \
+      [[maybe_unused]] Word a, [[maybe_unused]] Word b, [[maybe_unused]] Word c,                  \
+      [[maybe_unused]] Word d, [[maybe_unused]] Word e, [[maybe_unused]] Word f)
 
-/// A function that passes on its arguments as they are, for a call on `subject`. `some` is how many
-/// bytes to write.
-#define INTERPOSE_CALL(result, symbol, parameters, subject, arguments)                           \
-  INTERPOSE(result, symbol, parameters) {                                                        \
-    return pass(subject, [=](std::size_t some) { return (void)some, next_##symbol arguments; }); \
+/// A function that passes on its arguments as they are, for a call on `subject`.
+#define INTERPOSE_CALL(symbol, subject)                                                 \
+  INTERPOSE(symbol) {                                                                   \
+    return pass(subject, [=](std::size_t) { return next_##symbol(a, b, c, d, e, f); }); \
   }
 
-// The first two take the mode as a variable argument, which comes where a fixed one would.
-#define INTERPOSE_OPEN(open, openat, creat)                                             \
-  INTERPOSE_CALL(int, open, (const char* path, int flags, mode_t mode),                 \
-                 onPath(callOfFlags(flags), AT_FDCWD, path), (path, flags, mode))       \
-  INTERPOSE_CALL(int, openat, (int folder, const char* path, int flags, mode_t mode),   \
-                 onPath(callOfFlags(flags), folder, path), (folder, path, flags, mode)) \
-  INTERPOSE_CALL(int, creat, (const char* path, mode_t mode),                           \
-                 onPath(Call::create, AT_FDCWD, path), (path, mode))
-INTERPOSE_OPEN(open, openat, creat)
-INTERPOSE_OPEN(open64, openat64, creat64)
+/// That function and its twin for large files.
+#define INTERPOSE_BOTH(symbol, subject) \
+  INTERPOSE_CALL(symbol, subject)       \
+  INTERPOSE_CALL(symbol##64, subject)
 
-INTERPOSE_CALL(int, mkdir, (const char* path, mode_t mode),
-               onPath(Call::makeFolder, AT_FDCWD, path), (path, mode))
-INTERPOSE_CALL(int, mkdirat, (int folder, const char* path, mode_t mode),
-               onPath(Call::makeFolder, folder, path), (folder, path, mode))
-INTERPOSE_CALL(char*, mkdtemp, (char* pattern), onPath(Call::makeFolder, AT_FDCWD, pattern),
-               (pattern))
-INTERPOSE_CALL(int, chmod, (const char* path, mode_t mode),
-               onPath(Call::changeMode, AT_FDCWD, path), (path, mode))
-INTERPOSE_CALL(int, fchmod, (int descriptor, mode_t mode),
-               onDescriptor(Call::changeMode, descriptor), (descriptor, mode))
-INTERPOSE_CALL(int, fchmodat, (int folder, const char* path, mode_t mode, int flags),
-               onPath(Call::changeMode, folder, path), (folder, path, mode, flags))
+/// A function that writes as many bytes as its argument `size` says.
+#define INTERPOSE_WRITE(symbol, subject, size)           \
+  INTERPOSE(symbol) {                                    \
+    return pass(subject, [=](std::size_t some) mutable { \
+      size = static_cast<Word>(some);                    \
+      return next_##symbol(a, b, c, d, e, f);            \
+    });                                                  \
+  }
 
-#define INTERPOSE_REMOVE(symbol) \
-  INTERPOSE_CALL(int, symbol, (const char* path), onPath(Call::remove, AT_FDCWD, path), (path))
-INTERPOSE_REMOVE(unlink)
-INTERPOSE_REMOVE(rmdir)
-INTERPOSE_REMOVE(remove)
-INTERPOSE_CALL(int, unlinkat, (int folder, const char* path, int flags),
-               onPath(Call::remove, folder, path), (folder, path, flags))
-
-// Those without flags leave the second argument alone.
-#define INTERPOSE_MKSTEMP(symbol)                                                                  \
-  INTERPOSE_CALL(int, symbol, (char* pattern, int flags), onPath(Call::create, AT_FDCWD, pattern), \
-                 (pattern, flags))
-INTERPOSE_MKSTEMP(mkstemp)
-INTERPOSE_MKSTEMP(mkstemp64)
-INTERPOSE_MKSTEMP(mkostemp)
-INTERPOSE_MKSTEMP(mkostemp64)
-
-#define INTERPOSE_PATHS(call, symbol)                                  \
-  INTERPOSE_CALL(int, symbol, (const char* path, const char* newPath), \
-                 onPaths(call, AT_FDCWD, path, AT_FDCWD, newPath), (path, newPath))
-INTERPOSE_PATHS(Call::rename, rename)
-INTERPOSE_PATHS(Call::link, link)
-INTERPOSE_CALL(int, renameat, (int folder, const char* path, int newFolder, const char* newPath),
-               onPaths(Call::rename, folder, path, newFolder, newPath),
-               (folder, path, newFolder, newPath))
-INTERPOSE_CALL(int, renameat2,
-               (int folder, const char* path, int newFolder, const char* newPath, unsigned flags),
-               onPaths(Call::rename, folder, path, newFolder, newPath),
-               (folder, path, newFolder, newPath, flags))
-INTERPOSE_CALL(int, linkat,
-               (int folder, const char* path, int newFolder, const char* newPath, int flags),
-               onPaths(Call::link, folder, path, newFolder, newPath),
-               (folder, path, newFolder, newPath, flags))
-INTERPOSE_CALL(int, symlink, (const char* text, const char* path),
-               onPath(Call::link, AT_FDCWD, path), (text, path))
-INTERPOSE_CALL(int, symlinkat, (const char* text, int folder, const char* path),
-               onPath(Call::link, folder, path), (text, folder, path))
-
-INTERPOSE_CALL(ssize_t, read, (int descriptor, void* bytes, std::size_t size),
-               onDescriptor(Call::read, descriptor), (descriptor, bytes, size))
-INTERPOSE_CALL(ssize_t, write, (int descriptor, const void* bytes, std::size_t size),
-               onDescriptor(Call::write, descriptor, size), (descriptor, bytes, some))
-INTERPOSE(ssize_t, writev, (int descriptor, const struct iovec* parts, int count)) {
+INTERPOSE_BOTH(open, onPath(callOfFlags(b), AT_FDCWD, a))
+INTERPOSE_BOTH(openat, onPath(callOfFlags(c), a, b))
+INTERPOSE_CALL(creat64, onPath(Call::create, AT_FDCWD, a))
+INTERPOSE_BOTH(mkstemp, onPath(Call::create, AT_FDCWD, a))
+INTERPOSE_BOTH(mkostemp, onPath(Call::create, AT_FDCWD, a))
+INTERPOSE_BOTH(fopen, onStreamAt(a, b))
+INTERPOSE_CALL(opendir, givingPointer(uninterrupted(onPath(Call::open, AT_FDCWD, a))))
+INTERPOSE_CALL(mkdir, onPath(Call::makeFolder, AT_FDCWD, a))
+INTERPOSE_CALL(mkdirat, onPath(Call::makeFolder, a, b))
+INTERPOSE_CALL(mkdtemp, givingPointer(onPath(Call::makeFolder, AT_FDCWD, a)))
+INTERPOSE_CALL(chmod, onPath(Call::changeMode, AT_FDCWD, a))
+INTERPOSE_CALL(fchmod, onDescriptor(Call::changeMode, a))
+INTERPOSE_CALL(fchmodat, onPath(Call::changeMode, a, b))
+INTERPOSE_CALL(unlink, onPath(Call::remove, AT_FDCWD, a))
+INTERPOSE_CALL(rmdir, onPath(Call::remove, AT_FDCWD, a))
+INTERPOSE_CALL(remove, onPath(Call::remove, AT_FDCWD, a))
+INTERPOSE_CALL(unlinkat, onPath(Call::remove, a, b))
+INTERPOSE_CALL(rename, onPaths(Call::rename, AT_FDCWD, a, AT_FDCWD, b))
+INTERPOSE_CALL(renameat2, onPaths(Call::rename, a, b, c, d))
+INTERPOSE_CALL(link, onPaths(Call::link, AT_FDCWD, a, AT_FDCWD, b))
+INTERPOSE_CALL(symlink, onPath(Call::link, AT_FDCWD, b))
+INTERPOSE_BOTH(ftruncate, onDescriptor(Call::truncate, a))
+INTERPOSE_CALL(read, onDescriptor(Call::read, a))
+INTERPOSE_BOTH(pread, onDescriptor(Call::read, a))
+INTERPOSE_WRITE(write, onDescriptor(Call::write, a, c), c)
+INTERPOSE_WRITE(pwrite, onDescriptor(Call::write, a, c), c)
+INTERPOSE_WRITE(pwrite64, onDescriptor(Call::write, a, c), c)
+INTERPOSE_WRITE(sendfile, uninterrupted(onDescriptor(Call::write, a, d)), d)
+INTERPOSE_WRITE(sendfile64, uninterrupted(onDescriptor(Call::write, a, d)), d)
+INTERPOSE_WRITE(copy_file_range, uninterrupted(onDescriptor(Call::write, c, e)), e)
+INTERPOSE(writev) {
+  const auto* const parts = reinterpret_cast<const iovec*>(b);
   std::size_t size = 0;
-  for (int part = 0; part < count; ++part) size += parts[part].iov_len;
-  return pass(onDescriptor(Call::write, descriptor, size), [=](std::size_t some) {
-    if (some == size) return next_writev(descriptor, parts, count);
-    return next_write(descriptor, parts->iov_base, std::min(some, parts->iov_len));
+  for (Word part = 0; part < c; ++part) size += parts[part].iov_len;
+  return pass(onDescriptor(Call::write, a, static_cast<Word>(size)), [=](std::size_t some) {
+    if (some == size) return next_writev(a, b, c);
+    return next_write(a, reinterpret_cast<Word>(parts->iov_base),
+                      static_cast<Word>(std::min(some, parts->iov_len)));
   });
 }
-
-#define INTERPOSE_AT_OFFSET(pread, pwrite, sendfile, ftruncate)                                  \
-  INTERPOSE_CALL(ssize_t, pread, (int descriptor, void* bytes, std::size_t size, off_t offset),  \
-                 onDescriptor(Call::read, descriptor), (descriptor, bytes, size, offset))        \
-  INTERPOSE_CALL(ssize_t, pwrite,                                                                \
-                 (int descriptor, const void* bytes, std::size_t size, off_t offset),            \
-                 onDescriptor(Call::write, descriptor, size), (descriptor, bytes, some, offset)) \
-  INTERPOSE_CALL(ssize_t, sendfile, (int to, int from, off_t* offset, std::size_t size),         \
-                 uninterrupted(onDescriptor(Call::write, to, size)), (to, from, offset, some))   \
-  INTERPOSE_CALL(int, ftruncate, (int descriptor, off_t size),                                   \
-                 onDescriptor(Call::truncate, descriptor), (descriptor, size))
-INTERPOSE_AT_OFFSET(pread, pwrite, sendfile, ftruncate)
-INTERPOSE_AT_OFFSET(pread64, pwrite64, sendfile64, ftruncate64)
-INTERPOSE_CALL(ssize_t, copy_file_range,
-               (int from, off_t* offset, int to, off_t* toOffset, std::size_t size, unsigned flags),
-               uninterrupted(onDescriptor(Call::write, to, size)),
-               (from, offset, to, toOffset, some, flags))
 
 // No process can tell a sync from none, so none is made: the disk would be what the loops wait for.
-#define INTERPOSE_SYNC(symbol)                                                           \
-  INTERPOSE(int, symbol, (int descriptor)) {                                             \
-    if (!isArmed()) return next_##symbol(descriptor);                                    \
-    return pass(onDescriptor(Call::sync, descriptor),                                    \
-                [=](std::size_t) { return ::fcntl(descriptor, F_GETFD) < 0 ? -1 : 0; }); \
-  }
-INTERPOSE_SYNC(fsync)
-INTERPOSE_SYNC(fdatasync)
-INTERPOSE_SYNC(syncfs)
-INTERPOSE(int, close, (int descriptor)) {
-  if (!isArmed() || !isForWriting(descriptor)) return next_close(descriptor);
-  return pass(onDescriptor(Call::close, descriptor),
-              [=](std::size_t) { return next_close(descriptor); });
-}
-#define INTERPOSE_READDIR(symbol, Result)                                                  \
-  INTERPOSE(Result, symbol, (DIR * folder)) {                                              \
-    const Subject subject = uninterrupted(onDescriptor(Call::read, ::dirfd(folder)));      \
-    /* It reports its end as it reports an error, but leaves errno alone. */               \
-    const int before = errno;                                                              \
-    auto* const entry = pass(subject, [=](std::size_t) { return next_##symbol(folder); }); \
-    if (errno == 0) errno = before;                                                        \
-    return entry;                                                                          \
-  }
-INTERPOSE_READDIR(readdir, struct dirent*)
-INTERPOSE_READDIR(readdir64, struct dirent64*)
-INTERPOSE_CALL(DIR*, opendir, (const char* path), uninterrupted(onPath(Call::open, AT_FDCWD, path)),
-               (path))
-
-#define INTERPOSE_FOPEN(symbol)                                                                  \
-  INTERPOSE(std::FILE*, symbol, (const char* path, const char* mode)) {                          \
-    const bool isReading = std::strncmp(mode, "r", 1) == 0 && std::strchr(mode, '+') == nullptr; \
-    const Call call = isReading ? Call::open : Call::create;                                     \
-    const Subject subject = uninterrupted(onPath(call, AT_FDCWD, path));                         \
-    return pass(subject, [=](std::size_t) { return next_##symbol(path, mode); });                \
-  }
-INTERPOSE_FOPEN(fopen)
-INTERPOSE_FOPEN(fopen64)
-INTERPOSE(std::size_t, fread,
-          (void* bytes, std::size_t size, std::size_t count, std::FILE* stream)) {
-  const ssize_t got = pass(onStream(Call::read, stream), [=](std::size_t) {
-    return static_cast<ssize_t>(next_fread(bytes, size, count, stream));
+INTERPOSE(fsync) {
+  if (!isArmed()) return next_fsync(a);
+  return pass(onDescriptor(Call::sync, a), [=](std::size_t) -> Word {
+    return ::fcntl(static_cast<int>(a), F_GETFD) < 0 ? -1 : 0;
   });
-  return got < 0 ? 0 : static_cast<std::size_t>(got);
 }
-INTERPOSE(std::size_t, fwrite,
-          (const void* bytes, std::size_t size, std::size_t count, std::FILE* stream)) {
-  const ssize_t put = pass(onStream(Call::write, stream, size * count), [=](std::size_t some) {
-    const std::size_t done = next_fwrite(bytes, std::size_t{1}, some, stream);
-    if (some < size * count) errno = ENOSPC;
-    return static_cast<ssize_t>(size == 0 ? 0 : done / size);
+INTERPOSE(close) {
+  if (!isArmed() || !isForWriting(a)) return next_close(a);
+  return pass(onDescriptor(Call::close, a), [=](std::size_t) { return next_close(a); });
+}
+#define INTERPOSE_READDIR(symbol)                                                               \
+  INTERPOSE(symbol) {                                                                           \
+    const Word descriptor = ::dirfd(reinterpret_cast<DIR*>(a));                                 \
+    const Subject subject = givingPointer(uninterrupted(onDescriptor(Call::read, descriptor))); \
+    /* It reports its end as it reports an error, but leaves errno alone. */                    \
+    const int before = errno;                                                                   \
+    const Word entry = pass(subject, [=](std::size_t) { return next_##symbol(a); });            \
+    if (errno == 0) errno = before;                                                             \
+    return entry;                                                                               \
+  }
+INTERPOSE_READDIR(readdir)
+INTERPOSE_READDIR(readdir64)
+INTERPOSE(fread) {
+  return std::max(
+      pass(onStream(Call::read, d), [=](std::size_t) { return next_fread(a, b, c, d); }), Word{0});
+}
+INTERPOSE(fwrite) {
+  const Word put = pass(onStream(Call::write, d, b * c), [=](std::size_t some) {
+    const Word done = next_fwrite(a, 1, static_cast<Word>(some), d);
+    if (static_cast<Word>(some) < b * c) errno = ENOSPC;
+    return b == 0 ? 0 : done / b;
   });
-  return put < 0 ? 0 : static_cast<std::size_t>(put);
+  return std::max(put, Word{0});
 }
-INTERPOSE(int, fflush, (std::FILE * stream)) {
-  if (stream == nullptr) return next_fflush(stream);
-  return pass(onStream(Call::write, stream), [=](std::size_t) { return next_fflush(stream); });
+INTERPOSE(fflush) {
+  if (a == 0) return next_fflush(a);
+  return pass(onStream(Call::write, a), [=](std::size_t) { return next_fflush(a); });
 }
-INTERPOSE(int, fclose, (std::FILE * stream)) {
-  const int descriptor = ::fileno(stream);
-  if (!isArmed() || !isForWriting(descriptor)) return next_fclose(stream);
-  Subject subject = onStream(Call::close, stream, 1);
-  return pass(subject, [=](std::size_t size) {
+INTERPOSE(fclose) {
+  const int descriptor = ::fileno(reinterpret_cast<std::FILE*>(a));
+  if (!isArmed() || !isForWriting(descriptor)) return next_fclose(a);
+  return pass(onStream(Call::close, a, 1), [=](std::size_t size) {
     if (size == 0) {
       // It fails: what the stream still holds is lost.
-      const int nowhere = next_open("/dev/null", O_WRONLY | O_CLOEXEC, mode_t{0});
-      ::dup2(nowhere, descriptor);
+      const Word nowhere = next_open(reinterpret_cast<Word>("/dev/null"), O_WRONLY | O_CLOEXEC);
+      ::dup2(static_cast<int>(nowhere), descriptor);
       next_close(nowhere);
     }
-    return next_fclose(stream);
+    return next_fclose(a);
   });
 }

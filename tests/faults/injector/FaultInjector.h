@@ -22,12 +22,13 @@ enum class Call : std::uint8_t {
   write,
   sync,
   close,  ///< of what was open for writing
+  truncate,
+  // No call from here on is interrupted.
   rename,
   link,
   makeFolder,
   remove,
   changeMode,
-  truncate,
 };
 
 enum class Effect : std::uint8_t {

@@ -1,11 +1,5 @@
 #include "tavlen/foundation/coding/SemanticVersion.h"
 
-#include <gtest/gtest.h>
-
-#include <string>
-#include <utility>
-#include <vector>
-
 #include "tavlen/foundation/json/JSONDecoder.h"
 #include "tavlen/foundation/json/JSONEncoder.h"
 #include "tests/support/TableFile.h"

@@ -1,14 +1,9 @@
-#include <fcntl.h>
-#include <gtest/gtest.h>
 #include <sys/resource.h>
-#include <sys/stat.h>
 
 #include <atomic>
 #include <cerrno>
 #include <chrono>
 #include <cstdio>
-#include <optional>
-#include <thread>
 
 #include "tavlen/foundation/files/FileDescriptor.h"
 #include "tavlen/foundation/files/FileReplacement.h"

@@ -1,10 +1,6 @@
 #include "tavlen/foundation/javascript/JavaScriptContext.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
 
 #include "tests/support/TableFile.h"
 #include "tests/support/Threads.h"

@@ -1,8 +1,6 @@
 #pragma once
 
 #include <set>
-#include <utility>
-#include <vector>
 
 #include "tavlen/foundation/plist/PropertyList.h"
 

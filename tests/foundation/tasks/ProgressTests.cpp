@@ -5,7 +5,6 @@
 #include <future>
 #include <limits>
 #include <string>
-#include <thread>
 
 #include "tests/support/Threads.h"
 

@@ -5,12 +5,6 @@
 #include <objc/runtime.h>
 #include <sys/stat.h>
 
-#include <array>
-#include <cstdlib>
-#include <functional>
-#include <string>
-#include <vector>
-
 #include "tavlen/bundles/Executable.h"
 #include "tavlen/foundation/files/ExecutablePath.h"
 #include "tavlen/foundation/files/FileSystem.h"

@@ -1,6 +1,3 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <stdexcept>
 
 #include "tavlen/foundation/archive/KeyedArchive.h"

@@ -1,20 +1,6 @@
 #pragma once
 
-#include <gtest/gtest.h>
-#include <unistd.h>
-
-#include <chrono>
-#include <filesystem>
-#include <functional>
 #include <future>
-#include <memory>
-#include <mutex>
-#include <optional>
-#include <string>
-#include <string_view>
-#include <system_error>
-#include <thread>
-#include <vector>
 
 #include "tavlen/bundles/Executable.h"
 #include "tavlen/bundles/IPA.h"
@@ -25,7 +11,6 @@
 #include "tests/support/AppPlist.h"
 #include "tests/support/LogLines.h"
 #include "tests/support/StandIns.h"
-#include "tests/support/TemporaryFolder.h"
 #include "tests/support/UDPSender.h"
 
 namespace tavlen {

@@ -1,11 +1,6 @@
 #include "tavlen/introspection/remote/RemoteClassParser.h"
 
 #include <gmock/gmock.h>
-#include <sys/resource.h>
-#include <unistd.h>
-
-#include <algorithm>
-#include <system_error>
 
 #include "tavlen/foundation/archive/KeyedArchive.h"
 #include "tavlen/foundation/files/FileSystem.h"
@@ -39,12 +34,6 @@ class RemoteClassParserTest : public DumpTest {
   Executable program_{ipa_, appDir(), "Dumped", true};
 };
 
-/// Processes name an image by the path by which they loaded it first.
-ObjCClass comparable(ObjCClass cls) {
-  if (cls.superclassPath) cls.superclassPath = fs::canonical(*cls.superclassPath).string();
-  return cls;
-}
-
 long entries(const char* folder) {
   const fs::directory_iterator entry(folder);
   return std::distance(begin(entry), end(entry));
@@ -67,36 +56,6 @@ TEST_F(RemoteClassParserTest, DumpsAnImageOfAnApp) {
   for (const auto& cls : dump(client, program_)) names.push_back(cls->name);
   EXPECT_THAT(names, testing::UnorderedElementsAre("SampleOfProgram", "SampleBelowProgram"));
   EXPECT_EQ(archiveFolders(), 0);
-}
-
-TEST_F(RemoteClassParserTest, DumpsAWholeFoundationAsTheRunTimeKnowsIt) {
-  // Each test has a process of its own, but for those who run the program themselves.
-  if (::dlopen(paths().standInsLibrary.c_str(), RTLD_LAZY | RTLD_NOLOAD) != nullptr) {
-    GTEST_SKIP() << "the stand-ins have used classes, some of which got methods then";
-  }
-  DeviceRoot::setShared(DeviceRoot());
-  const fs::path library = paths().foundationLibrary;
-  loadClasses(paths().foundationLibrary.c_str());
-  const auto known = DynamicClassParser::sharedParser().parseClassesAtPath(library, true);
-  ASSERT_TRUE(known);
-  const std::uint16_t port = freePort();
-  // What the library keeps while it is loaded is nobody's leak.
-  const StandIns standIns(script(port, "<key>ASAN_OPTIONS</key><string>detect_leaks=0</string>"));
-  TessaloopClient client(quick(port));
-  RunningRequest request(client, kApp, library);
-  const Path path = request.path();
-  ASSERT_TRUE(path);
-  const auto dumped = decodeKeyedArchive<Classes>(readFile(*path));
-  fs::remove_all(fs::path(*path).parent_path());
-  ASSERT_GT(known->size(), 400U);
-  ASSERT_EQ(dumped.size(), known->size());
-  for (std::size_t i = 0; i < dumped.size(); ++i)
-    EXPECT_EQ(comparable(*dumped[i]), comparable(*known->at(i)));
-  const std::vector<double> fractions = request.fractions();
-  ASSERT_GE(fractions.size(), 2U);
-  EXPECT_TRUE(std::is_sorted(fractions.begin(), fractions.end()));
-  EXPECT_EQ(fractions.front(), 0);
-  EXPECT_EQ(fractions.back(), 1);
 }
 
 TEST_F(RemoteClassParserTest, FailsWhereTheAgentFails) {
@@ -173,25 +132,6 @@ TEST_F(RemoteClassParserTest, PausesAndListensAtTheAgentPort) {
     cancelTessaloopIfNeeded();
   }
 }
-
-#ifndef TAVLEN_SANITIZED  // which need the address space themselves
-TEST_F(RemoteClassParserTest, FailsWithoutFurtherThreads) {
-  GTEST_FLAG_SET(death_test_style, "threadsafe");
-  const auto request = [&] {
-    rlimit former{};
-    ::getrlimit(RLIMIT_AS, &former);
-    // No room for a thread's stack.
-    const rlimit tight{std::stoul(readFile("/proc/self/statm")) * 4096 + (2UL << 20),
-                       former.rlim_max};
-    ::setrlimit(RLIMIT_AS, &tight);
-    const Path path = invokeTessaloop(kSilentApp, "/image", false, {});
-    cancelTessaloopIfNeeded();
-    ::setrlimit(RLIMIT_AS, &former);
-    ::_exit(path ? 2 : log_.count("error preparing for the dump agent: ") == 1 ? 0 : 1);
-  };
-  EXPECT_EXIT(request(), testing::ExitedWithCode(0), "");
-}
-#endif
 
 }  // namespace
 }  // namespace tavlen

@@ -1,20 +1,14 @@
 #include "tavlen/introspection/remote/detail/RemoteDump.h"
 
-#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <sys/inotify.h>
-#include <sys/stat.h>
 
-#include <array>
 #include <cerrno>
 #include <cmath>
 #include <cstdio>
-#include <system_error>
-#include <thread>
 
 #include "tavlen/device/DevicePaths.h"
 #include "tavlen/foundation/archive/KeyedArchive.h"
-#include "tavlen/foundation/files/FileDescriptor.h"
 #include "tavlen/introspection/remote/RemoteClassParser.h"
 #include "tavlen/introspection/remote/detail/DumpFolder.h"
 #include "tests/introspection/remote/DumpTest.h"
@@ -153,6 +147,24 @@ TEST_F(RemoteDumpTest, DeletesTheLinkThatWasNamedNotItsTarget) {
   EXPECT_EQ(outcome("/tmp/docs/dump/f"), "dumped");
   EXPECT_FALSE(fs::exists(tree() / "var/mobile/Documents/dump"));
   EXPECT_TRUE(fs::exists(tree() / "var/mobile/Documents/f"));
+}
+
+TEST_F(RemoteDumpTest, SaysThatItCouldNotDelete) {
+  fs::create_directories(tree() / "tmp");
+  fs::create_directory_symlink("/var", tree() / "tmp/dump");
+  write("var/f", "");
+  fs::permissions(tree(), fs::perms(0755));
+  fs::permissions(tree() / "tmp", fs::perms(0555));
+  const auto remove = [&] {
+    if (::geteuid() == 0 && ::setuid(65534) != 0) ::_exit(2);
+    try {
+      DumpFolder("/tmp/dump/f").remove(appDir());
+    } catch (const std::system_error& error) {
+      ::_exit(error.code() == std::errc::permission_denied ? 0 : 1);
+    }
+    ::_exit(3);
+  };
+  EXPECT_EXIT(remove(), testing::ExitedWithCode(0), "");
 }
 
 /// Exchanges two entries of the tree, as an app that goes on running may at any time.

@@ -1,9 +1,6 @@
-#include "tavlen/introspection/remote/detail/TessaloopClient.h"
-
 #include <gmock/gmock.h>
 #include <signal.h>
 
-#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -253,18 +250,6 @@ TEST_F(TessaloopClientTest, OnlyACancelOrARequestEndsTheWaitForAKilledAgent) {
   EXPECT_EQ(signal(opened, SIGKILL), 0);
   EXPECT_TRUE(becomesTrue([&] { return !agent(); }));
   EXPECT_EQ(archiveFolders(), 0);
-}
-
-TEST_F(TessaloopClientTest, NamesItsQueues) {
-  const TessaloopClient client(quick());
-  // The system keeps 15 bytes.
-  for (const std::string end : {"ce-socket-queue\n", "nvocation-queue\n"}) {
-    EXPECT_TRUE(becomesTrue([&] {
-      const std::filesystem::directory_iterator tasks("/proc/self/task");
-      return std::any_of(begin(tasks), std::filesystem::end(tasks),
-                         [&](const auto& task) { return readFile(task.path() / "comm") == end; });
-    })) << end;
-  }
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdlib>
@@ -228,6 +229,53 @@ TEST_F(ImageTest, JPEGOfAllColorSpaces) {
       EXPECT_NEAR(image->pixels()[i], color[i % 4], 2);
     }
   }
+}
+
+/// An APP1 segment that tells `orientation`, cut off after `size` bytes of its contents.
+std::string exifSegment(unsigned orientation, bool isBigEndian, std::size_t size = 1000) {
+  const std::string little = "\x12\1\3\0\1\0\0\0"s + static_cast<char>(orientation) + "\0\0\0"s;
+  const std::string big = "\1\x12\0\3\0\0\0\1\0"s + static_cast<char>(orientation) + "\0\0"s;
+  // A directory of two entries at byte 10.
+  std::string contents =
+      isBigEndian ? "Exif\0\0MM\0*\0\0\0\x0A??\0\2"s : "Exif\0\0II*\0\x0A\0\0\0??\2\0"s;
+  contents += std::string(12, '\1') + (isBigEndian ? big : little);
+  contents.resize(std::min(size, contents.size()));
+  return "\xFF\xE1\0"s + static_cast<char>(contents.size() + 2) + contents;
+}
+
+TEST_F(ImageTest, JPEGIsShownAsItsOrientationSays) {
+  constexpr std::uint32_t kBlock = 8;  // of one brightness, which the coding keeps
+  std::string samples;
+  for (std::uint32_t y = 0; y < 3 * kBlock; ++y) {
+    for (std::uint32_t x = 0; x < 2 * kBlock; ++x) {
+      samples += static_cast<char>(40 * (y / kBlock * 2 + x / kBlock));
+    }
+  }
+  const std::string plain = jpegFile(2 * kBlock, 3 * kBlock, samples, {.channels = 1});
+  const auto shown = [&](const std::string& segment) {
+    const Image image = Image::decode(plain.substr(0, 2) + segment + plain.substr(2)).value();
+    std::string text;  // the blocks' numbers, row by row
+    for (std::uint32_t y = 0; y < image.height(); y += kBlock) {
+      for (std::uint32_t x = 0; x < image.width(); x += kBlock) {
+        text += static_cast<char>('0' + (image.pixels()[(y * image.width() + x) * 4] + 20) / 40);
+      }
+      text += ' ';
+    }
+    return text;
+  };
+  const std::vector<std::string> rows = {"01 23 45 ", "01 23 45 ", "10 32 54 ", "54 32 10 ",
+                                         "45 23 01 ", "024 135 ",  "420 531 ",  "531 420 ",
+                                         "135 024 ",  "01 23 45 "};
+  for (unsigned orientation = 0; orientation < 10; ++orientation) {
+    for (const bool isBigEndian : {false, true}) {
+      EXPECT_EQ(shown(exifSegment(orientation, isBigEndian)), rows.at(orientation)) << orientation;
+    }
+  }
+  const std::size_t whole = exifSegment(6, false).size() - 4;
+  for (std::size_t size = 0; size < whole - 2; ++size) {
+    EXPECT_EQ(shown(exifSegment(6, false, size)), rows[1]) << size;
+  }
+  EXPECT_EQ(shown("\xFF\xE1\0\x08other\0"s + exifSegment(6, true)), rows[6]);
 }
 
 TEST_F(ImageTest, WhatIsDamagedIsNoImage) {

@@ -56,9 +56,9 @@ std::optional<PNGFile> parse(std::string_view bytes) {
   return file;
 }
 
-/// One decoding, and where libpng goes back to when it fails. libpng's error handler must not
-/// return, and an exception must not cross its C frames: so it jumps, over nothing but those. All
-/// state is kept here, out of reach of the jump.
+/// One decoding, and the place to which libpng jumps when it fails. libpng's error handler must not
+/// return, and an exception must not cross its C frames, so it jumps, and only over those. All
+/// state is kept here, where the jump cannot change it.
 class Decoding {
  public:
   explicit Decoding(const PNGFile& file)

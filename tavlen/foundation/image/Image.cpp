@@ -3,7 +3,6 @@
 #include <utility>
 
 #include "tavlen/foundation/base/FatalError.h"
-#include "tavlen/foundation/image/detail/CgBIImage.h"
 #include "tavlen/foundation/image/detail/ImageResizing.h"
 #include "tavlen/foundation/image/detail/JPEGImage.h"
 #include "tavlen/foundation/image/detail/PNGImage.h"
@@ -11,7 +10,6 @@
 namespace tavlen {
 
 std::optional<Image> Image::decode(std::string_view bytes) {
-  if (isCgBI(bytes)) return decodeCgBI(bytes);
   if (isPNG(bytes)) return decodePNG(bytes);
   if (isJPEG(bytes)) return decodeJPEG(bytes);
   return std::nullopt;

@@ -9,38 +9,41 @@
 namespace tavlen {
 
 /// A picture of 8-bit RGBA pixels, row by row from the top, not premultiplied. Its scale is 1: a
-/// point is a pixel. Threads: const calls may run side by side.
+/// point is a pixel. Threads: const calls may run concurrently.
 class Image {
  public:
-  /// No side is longer, and no picture has more pixels: a header costs nothing to forge.
+  /// The limits of a picture, in pixels: its header alone could ask for any amount of memory.
   static constexpr std::uint32_t kLongestSide = 16'384;
   static constexpr std::uint64_t kMostPixels = std::uint64_t{1} << 26;
 
-  /// Whether a picture may have that size: no side is 0 or too long, and the pixels are not too
-  /// many.
+  /// Whether a picture may have that size: no side is 0 or exceeds the limit, nor does the number
+  /// of pixels.
   static constexpr bool isPossibleSize(std::uint64_t width, std::uint64_t height) {
     return width > 0 && height > 0 && width <= kLongestSide && height <= kLongestSide &&
            width * height <= kMostPixels;
   }
 
-  /// Reads PNG, the device's own "CgBI" form of it, and JPEG. Nothing for what is none of them, is
-  /// damaged or is too large.
+  /// Reads PNG, the device's own "CgBI" form of it, and JPEG, which is turned as its Exif data
+  /// says. Returns nothing for bytes of another format, a damaged file, or a picture that is too
+  /// large.
   static std::optional<Image> decode(std::string_view bytes);
 
-  /// `pixels` are four bytes a pixel, exactly as many as the size asks for. A size that is not
-  /// possible and a wrong number of bytes are programming errors, which stop the process.
+  /// `pixels` has four bytes for each pixel of the size. An impossible size and a wrong number of
+  /// bytes are programming errors, which stop the process.
   Image(std::uint32_t width, std::uint32_t height, std::vector<std::uint8_t> pixels);
 
+  /// In pixels, as is the height.
   std::uint32_t width() const { return width_; }
   std::uint32_t height() const { return height_; }
+  /// Red, green, blue and alpha of each pixel; valid as long as the image.
   const std::vector<std::uint8_t>& pixels() const { return pixels_; }
 
-  /// The picture as a PNG file, every pixel as it is.
+  /// The picture as a PNG file, every pixel as it is. Throws std::bad_alloc.
   std::string pngData() const;
 
-  /// The picture in that size; nothing for a size that is not possible. A side that shrinks is
-  /// averaged over the area that each pixel covers, one that grows is interpolated linearly. What
-  /// is transparent lends its colour to no neighbour.
+  /// The picture in that size, in pixels; nothing for an impossible size. A side that shrinks is
+  /// averaged over the area that each pixel covers, a side that grows is interpolated linearly. The
+  /// colour of a transparent pixel does not spread to its neighbours.
   std::optional<Image> resized(std::uint32_t width, std::uint32_t height) const;
 
   bool operator==(const Image&) const = default;

@@ -1,5 +1,6 @@
 #include "tavlen/foundation/zip/ZIPArchive.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <system_error>
 #include <vector>
@@ -27,6 +28,19 @@ std::uint64_t totalSize(const std::vector<ZIPItem>& items) {
   return sum;
 }
 
+/// Those of `entries` that are at `onlyTop` or below, by the order of their names: whatever order
+/// the archive has them in, each folder is made and filled before the next.
+std::vector<std::size_t> orderOfUnpacking(const std::vector<ZIPEntry>& entries,
+                                          std::string_view onlyTop) {
+  std::vector<std::size_t> order;
+  for (std::size_t i = 0; i < entries.size(); ++i) {
+    if (entries[i].isWithin(onlyTop)) order.push_back(i);
+  }
+  std::sort(order.begin(), order.end(),
+            [&](std::size_t a, std::size_t b) { return entries[a].name < entries[b].name; });
+  return order;
+}
+
 }  // namespace
 
 void ZIPArchive::zipItem(const fs::path& item, const fs::path& archive, Progress* progress,
@@ -50,14 +64,14 @@ void ZIPArchive::unzipItem(const fs::path& archive, const fs::path& destination,
   const RandomAccessFile file(archive);
   const std::vector<ZIPEntry> entries = readZIPDirectory(file, limits, onlyTop);
   ZIPReader reader(file, entries);
+  const std::vector<std::size_t> order = orderOfUnpacking(entries, onlyTop);
   std::uint64_t total = 0;
-  for (const ZIPEntry& entry : entries) total += entry.isWithin(onlyTop) ? entry.size : 0;
+  for (const std::size_t i : order) total += entries[i].size;
   ByteProgress bytes(progress, total);
 
   ZIPExtraction extraction(destination);
-  for (std::size_t i = 0; i < entries.size(); ++i) {
+  for (const std::size_t i : order) {
     const ZIPEntry& entry = entries[i];
-    if (!entry.isWithin(onlyTop)) continue;
     bytes.add(0);
     if (entry.isFolder()) {
       extraction.makeFolder(entry.name, entry.mode);

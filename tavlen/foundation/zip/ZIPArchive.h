@@ -40,9 +40,10 @@ void zipItem(const std::filesystem::path& item, const std::filesystem::path& arc
 /// not exist (EEXIST). The archive is opened once and judged whole before anything is made:
 /// every name, every record. With `onlyTop`, the entry of that name at the top and what is in it
 /// are unpacked and the rest is left, links and what cannot be read among it; names and records are
-/// judged everywhere. Checksums are checked, permissions restored, but for the owner's, who may
-/// read and write everything. Nothing is synced: the archive is still there. After an error what
-/// was unpacked is gone, folder and all.
+/// judged everywhere. Checksums are checked. Permissions are restored as far as the process's mask
+/// lets them, write permission to the owner only, who may read and write everything. Time is linear
+/// in the bytes of the names and of the files. Nothing is synced: the archive is still there. After
+/// an error what was unpacked is gone, folder and all.
 void unzipItem(const std::filesystem::path& archive, const std::filesystem::path& destination,
                Progress* progress = nullptr, const Limits& limits = {},
                std::string_view onlyTop = {});

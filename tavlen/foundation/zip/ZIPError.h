@@ -30,7 +30,7 @@ enum class ZIPErrorCase {
 
 /// Why an archive is not read, or a folder not made into one. Every case but `damagedArchive` and
 /// `tooManyEntries` names the entry at fault, by its name in the archive; of two entries that do
-/// not go together, the later one.
+/// not go together, the later one (for caseConflict, by the order of the names).
 class ZIPError : public CasedError<ZIPErrorCase> {
  public:
   /// `detail` is what the case's text names: the entry; for damagedArchive what is wrong, for

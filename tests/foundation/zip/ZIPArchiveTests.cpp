@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <array>
 #include <map>
 #include <optional>
 #include <sstream>
@@ -111,9 +112,16 @@ class ZIPTree : public testing::Test {
     folder_.write("Payload/Resources/readme", "r");
     folder_.write("Payload/Resources/README", "R");
     fs::create_directories(item() / "Executables/none");
+    // Deeper than folders are held open, and a way up past those.
+    std::string deep = "Payload/";
+    for (int i = 0; i < 40; ++i) deep += "d/";
+    folder_.write(deep + "x", "");
+    folder_.write("Payload/d/z", "");
     ::chmod((item() / "text.txt").c_str(), 0640);
     ::chmod((item() / "Resources/readme").c_str(), 0755);
     ::chmod((item() / "Executables").c_str(), 0711);
+    ::chmod((item() / "Resources").c_str(), 02777);
+    ::chmod((item() / "Resources/empty").c_str(), 0466);
   }
 
   fs::path item() const { return folder_.path() / "Payload"; }
@@ -134,12 +142,19 @@ TEST_F(ZIPTree, ComesBackWithNamesBytesAndPermissions) {
   folder_.write("Payload/.tavlen-1-2", "what a crash left");
   ZIPArchive::zipItem(item(), archive());
   fs::remove(item() / ".tavlen-1-2");
-  ZIPArchive::unzipItem(archive(), out());
-  EXPECT_EQ(modeOf(out()), 0700U);
-  EXPECT_EQ(modeOf(out() / "Payload/text.txt"), 0640U);
-  EXPECT_EQ(modeOf(out() / "Payload/Resources/readme"), 0755U);
-  EXPECT_EQ(modeOf(out() / "Payload/Executables"), 0711U);
-  fs::remove_all(out());
+  for (const auto& [mask, modes] :
+       {std::pair(0U, std::array{0640U, 0755U, 0711U, 0755U, 0644U}),
+        std::pair(027U, std::array{0640U, 0750U, 0710U, 0750U, 0640U})}) {
+    const mode_t before = ::umask(mask);
+    ZIPArchive::unzipItem(archive(), out());
+    ::umask(before);
+    EXPECT_EQ(modeOf(out()), 0700U);
+    std::size_t i = 0;
+    for (const char* name :
+         {"text.txt", "Resources/readme", "Executables", "Resources", "Resources/empty"})
+      EXPECT_EQ(modeOf(out() / "Payload" / name), modes.at(i++)) << name << ' ' << mask;
+    fs::remove_all(out());
+  }
   expectTree(archive());
   run("unzip -tq " + archive().string() + " >/dev/null && python3 -m zipfile -t " +
       archive().string() + " >/dev/null");
@@ -165,6 +180,8 @@ TEST_F(ZIPTree, ArchivesOfOtherProgramsAreTaken) {
       {"bsdtar", in + "LC_ALL=C.UTF-8 bsdtar -cf bsdtar.zip --format zip Payload"},
       {"bsdstored", in + "LC_ALL=C.UTF-8 bsdtar -cf bsdstored.zip --format zip --options "
                          "zip:compression=store Payload"},
+      // Which fills up its last block with zeros.
+      {"bsdpipe", in + "LC_ALL=C.UTF-8 bsdtar -cf - --format zip Payload | cat > bsdpipe.zip"},
       {"7z", in + "LC_ALL=C.UTF-8 7z a -tzip 7z.zip Payload >/dev/null"},
       {"python", in + "python3 -m zipfile -c python.zip Payload"},
       {"zip64", python + "zip64 zip64.zip"},
@@ -297,11 +314,13 @@ TEST(ZIPExtraction, WhatTheVolumeTakesForTheSameIsRefused) {
       EXPECT_EQ(error, ZIPError(Case::caseConflict, name)) << name;
     }
     EXPECT_EQ(errorOf([&] { extraction.makeFolder("A/", 0); }), ZIPError(Case::caseConflict, "A/"));
-    // A folder that somebody swaps for a link is not followed.
-    fs::rename(out / "a", out / "was");
-    fs::create_directory_symlink(folder.path(), out / "a");
-    extraction.makeFile("top", 0, nothing);
-    EXPECT_EQ(systemErrorOf([&] { extraction.makeFile("a/b/x", 0, nothing); }), ENOTDIR);
+    // A folder that another process swaps for a link is not followed.
+    std::string deep;
+    for (int i = 0; i < 40; ++i) deep += "d/";
+    extraction.makeFile(deep + "x", 0, nothing);
+    fs::rename(out / "d", out / "was");
+    fs::create_directory_symlink(folder.path(), out / "d");
+    EXPECT_EQ(systemErrorOf([&] { extraction.makeFile("d/y", 0, nothing); }), ENOTDIR);
   }
   EXPECT_FALSE(fs::exists(out));
   EXPECT_TRUE(fs::exists(folder.path()));

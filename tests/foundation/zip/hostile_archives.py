@@ -156,6 +156,8 @@ def cases(outside):
     yield "checksumMismatch", "sum", archive(Entry("sum", crc=1))
     yield "checksumMismatch", "stored", archive(Entry("stored", method=0, crc=1))
     yield "checksumMismatch", "Payload/second", archive(good, Entry("Payload/second", b"", crc=1))
+    yield "checksumMismatch", "empty", archive(Entry("empty", b"", method=0, crc=1))
+    yield "checksumMismatch", "folder/", archive(Entry("folder/", crc=1))
     yield "sizeMismatch", "more", archive(Entry("more", b"x" * 1000, size=5))
     yield "sizeMismatch", "less", archive(Entry("less", b"x" * 10, size=1000))
     yield "sizeMismatch", "none", archive(Entry("none", b"x", size=0))
@@ -213,7 +215,7 @@ def damaged(good, second):
     size = len(whole) - start - 22
     for data in [
             b"", b"PK", b"PK\3\4", b"not an archive" * 100, whole[:-1], whole[:-22], whole[:start], whole[10:],
-            archive(good, tail=b"x"), b"#!/bin/sh\n" + whole, whole[:-22] + bytes(70000) + whole[-22:],
+            archive(good, tail=b"x"), archive(good, tail=bytes(9) + b"x"), archive(good, tail=bytes(70000)), b"#!/bin/sh\n" + whole, whole[:-22] + bytes(70000) + whole[-22:],
             archive(good, second, count=1), archive(good, second, count=3), archive(good, disk=1),
             archive(good, size=1), archive(good, size=0xFFFFFFF0), archive(good, offset=0), archive(good, drop=1),
             archive(good, offset=0xFFFFFFFF), archive(good, before_end=b"gap"),

@@ -10,7 +10,7 @@ namespace tavlen {
 
 namespace {
 
-/// Which source positions, and how much of each, make up every position along one side.
+/// The source positions, and the part of each, that make up every position along one side.
 class Weights {
  public:
   Weights(std::uint32_t from, std::uint32_t to) {
@@ -39,7 +39,7 @@ class Weights {
     std::size_t offset;
   };
 
-  /// In units of which a source position has `to` and a new one `from`, so that all is exact.
+  /// Lengths are in units of which a source position has `to` and a new one `from`: exact integers.
   void addCovered(std::uint32_t i, std::uint64_t from, std::uint64_t to) {
     const std::uint64_t begin = i * from;
     const std::uint64_t end = begin + from;
@@ -64,7 +64,7 @@ class Weights {
   std::vector<float> weights_;
 };
 
-/// Adds a row of pixels to a row of sums, colours multiplied by their alpha.
+/// Adds a row of pixels, times `weight`, to a row of sums, the colours multiplied by their alpha.
 void addRow(std::span<const std::uint8_t> row, float weight, std::vector<float>& sums) {
   for (std::size_t i = 0; i < row.size(); i += 4) {
     const float alpha = weight * static_cast<float>(row[i + 3]);

@@ -6,7 +6,7 @@
 
 namespace tavlen {
 
-/// Image::resized() for a size that is possible.
+/// Does the work of Image::resized(), for a possible size. Threads: any.
 Image resizedImage(const Image& image, std::uint32_t width, std::uint32_t height);
 
 }  // namespace tavlen

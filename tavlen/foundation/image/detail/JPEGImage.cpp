@@ -13,25 +13,31 @@
 #include <utility>
 #include <vector>
 
+#include "tavlen/foundation/image/detail/EXIFOrientation.h"
+
 namespace tavlen {
 
 namespace {
 
-/// Encoders write about ten. A file may lawfully have thousands, of a few bytes each, and each
-/// costs a walk over the whole picture.
+/// Encoders write about ten. A valid file may have thousands, of a few bytes each, and each costs a
+/// walk over the whole picture.
 constexpr int kMostScans = 32;
 /// What a progressive picture's coefficients may take.
 constexpr long kMostWorkingMemory = 256L << 20;
 
-/// One decoding, and where libjpeg goes back to when it fails. libjpeg's error handler must not
-/// return, and an exception must not cross its C frames: so it jumps, over nothing but those. All
-/// state lies here, out of reach of the jump.
+constexpr int kEXIFMarker = JPEG_APP0 + 1;
+constexpr unsigned kLongestSegment = 0xFFFF;
+
+/// One decoding, and the place to which libjpeg jumps when it fails. libjpeg's error handler must
+/// not return, and an exception must not cross its C frames, so it jumps, and only over those. All
+/// state is kept here, where the jump cannot change it.
 struct Decoding {
   jpeg_decompress_struct info{};
   jpeg_error_mgr errors{};
   jpeg_progress_mgr progress{};
   std::jmp_buf failure{};
   std::vector<std::uint8_t> pixels;
+  EXIFOrientation orientation = EXIFOrientation::upright;
 };
 
 Decoding& decodingOf(j_common_ptr info) { return *static_cast<Decoding*>(info->client_data); }
@@ -40,8 +46,8 @@ Decoding& decodingOf(j_common_ptr info) { return *static_cast<Decoding*>(info->c
   std::longjmp(decodingOf(info).failure, 1);  // NOLINT(cert-err52-cpp): libjpeg's only way out
 }
 
-/// A warning (a negative level) stands for data that the library made up: a damaged picture. These
-/// are about other things.
+/// A warning (a negative level) means that the library made up data: the picture is damaged. The
+/// exceptions below are about other things.
 void judgeMessage(j_common_ptr info, int level) {
   if (level >= 0) return;
   switch (info->err->msg_code) {
@@ -70,6 +76,16 @@ void prepare(Decoding& decoding) {
   decoding.progress.progress_monitor = countScans;
 }
 
+/// The orientation that the first segment with one tells.
+EXIFOrientation orientationOf(const jpeg_decompress_struct& info) {
+  for (const auto* segment = info.marker_list; segment != nullptr; segment = segment->next) {
+    const EXIFOrientation orientation =
+        exifOrientation({reinterpret_cast<const char*>(segment->data), segment->data_length});
+    if (orientation != EXIFOrientation::upright) return orientation;
+  }
+  return EXIFOrientation::upright;
+}
+
 /// Whether `bytes` become rows of `decoding.pixels`, four samples a pixel. No object with a
 /// destructor may live in here, and what is called only allocates before libjpeg is entered.
 bool readRows(Decoding& decoding, std::string_view bytes) {
@@ -78,9 +94,11 @@ bool readRows(Decoding& decoding, std::string_view bytes) {
   jpeg_create_decompress(&info);
   info.progress = &decoding.progress;
   info.mem->max_memory_to_use = kMostWorkingMemory;
+  ::jpeg_save_markers(&info, kEXIFMarker, kLongestSegment);
   ::jpeg_mem_src(&info, reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size());
   ::jpeg_read_header(&info, TRUE);
   if (!Image::isPossibleSize(info.image_width, info.image_height)) return false;
+  decoding.orientation = orientationOf(info);  // libjpeg drops the segments at the end
   info.out_color_space = info.num_components == 4 ? JCS_CMYK : JCS_EXT_RGBA;
   ::jpeg_start_decompress(&info);
   const std::size_t rowSize = std::size_t{info.output_width} * 4;
@@ -95,7 +113,7 @@ bool readRows(Decoding& decoding, std::string_view bytes) {
   return true;
 }
 
-/// Turns inks into light. The program that most such files come from stores them inverted, and
+/// Turns inks into light. The program that most such files come from stores inks inverted, and
 /// marks its files.
 void convertInks(std::vector<std::uint8_t>& pixels, bool isInverted) {
   constexpr unsigned kOpaque = 255;
@@ -128,7 +146,9 @@ std::optional<Image> decodeJPEG(std::string_view bytes) {
   if (decoding.info.out_color_space == JCS_CMYK) {
     convertInks(decoding.pixels, decoding.info.saw_Adobe_marker != FALSE);
   }
-  return Image(decoding.info.output_width, decoding.info.output_height, std::move(decoding.pixels));
+  const jpeg_decompress_struct& info = decoding.info;
+  return shownUpright(Image(info.output_width, info.output_height, std::move(decoding.pixels)),
+                      decoding.orientation);
 }
 
 }  // namespace tavlen

@@ -45,17 +45,10 @@ std::optional<PNGChunk> PNGChunks::next() {
     return std::nullopt;
   }
   const std::string_view checked = body.substr(0, kTypeSize + length);
-  const std::string_view behind = body.substr(checked.size());
-  if (bigEndian32(behind) != checksumOf(checked)) return std::nullopt;
-  rest_ = behind.substr(kChecksumSize);
-  return PNGChunk{checked.substr(0, kTypeSize), checked.substr(kTypeSize)};
-}
-
-bool PNGChunks::reachEnd() {
-  while (const std::optional<PNGChunk> chunk = next()) {
-    if (chunk->type == "IEND") return true;
-  }
-  return false;
+  if (bigEndian32(body.substr(checked.size())) != checksumOf(checked)) return std::nullopt;
+  const std::string_view whole = rest_.substr(0, kLengthSize + checked.size() + kChecksumSize);
+  rest_.remove_prefix(whole.size());
+  return PNGChunk{checked.substr(0, kTypeSize), checked.substr(kTypeSize), whole};
 }
 
 void appendPNGChunk(std::string& file, std::string_view type, std::string_view contents) {

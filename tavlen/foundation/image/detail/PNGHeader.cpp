@@ -33,7 +33,7 @@ std::uint64_t channelCount(std::uint8_t colorType) {
          ((colorType & PNGHeader::kHasAlpha) != 0 ? 1U : 0U);
 }
 
-/// The columns and rows that a pass of an interlaced picture takes: from `first` on, each `step`th.
+/// The columns and rows that a pass of an interlaced picture has: every `step`th, from `first`.
 struct Pass {
   std::uint32_t firstColumn, columnStep, firstRow, rowStep;
 };

@@ -71,6 +71,9 @@ void judgeKind(const ZIPEntry& entry) {
   if (entry.method == kZIPStored && entry.compressedSize != entry.size) {
     refuseEntry(Case::sizeMismatch);
   }
+  // Where there is no data nothing is read, so nothing else would look at the checksum.
+  const bool hasData = !entry.isFolder() && entry.compressedSize != 0;
+  if (!hasData && entry.size == 0 && entry.checksum != 0) refuseEntry(Case::checksumMismatch);
 }
 
 /// Goes through the records of a directory in memory.

@@ -22,14 +22,17 @@ constexpr std::size_t kLongestComment = 0xFFFF;
 
 [[noreturn]] void refuse(const char* what) { throw ZIPError(ZIPError::Case::damagedArchive, what); }
 
-/// Where the end record lies in `tail`, the file's last bytes. A record whose comment does not
-/// reach to the end is not one; a comment that holds another whose does is there to deceive.
+/// Where the end record lies in `tail`, the file's last bytes. Nothing but zeros may follow its
+/// comment: programs that write to a pipe fill up the last block. A comment that holds another
+/// record is there to deceive.
 std::size_t positionOfEnd(std::string_view tail) {
+  const std::size_t zeros = tail.find_last_not_of('\0') + 1;  // npos + 1 is 0
   std::optional<std::size_t> found;
   for (std::size_t at = tail.find(kEndSignature); at != std::string_view::npos;
        at = tail.find(kEndSignature, at + 1)) {
     if (tail.size() - at < kEndSize) break;
-    if (at + kEndSize + littleEndian<std::uint16_t>(tail, at + 20) != tail.size()) continue;
+    const std::size_t end = at + kEndSize + littleEndian<std::uint16_t>(tail, at + 20);
+    if (end > tail.size() || end < zeros) continue;
     if (found) refuse("it ends twice");
     found = at;
   }

@@ -13,7 +13,8 @@ struct ZIPEndRecord {
   std::uint64_t directorySize = 0;
 
   /// Throws ZIPError (damagedArchive) unless the archive has exactly one end, in the end of the
-  /// file, and the directory lies right before it.
+  /// file or with zeros after it, 64 KiB with its comment at most, and the directory lies right
+  /// before it.
   static ZIPEndRecord find(const RandomAccessFile& archive);
 };
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <utility>
 
 #include "tavlen/foundation/base/SystemError.h"
 #include "tavlen/foundation/files/FileTree.h"
@@ -11,28 +12,59 @@ namespace tavlen {
 
 namespace {
 
-constexpr mode_t kPermissions = 0777;
 constexpr mode_t kUsualFile = 0644;
 constexpr mode_t kUsualFolder = 0755;
+/// What an archive may ask for at most: write permission is the owner's alone.
+constexpr mode_t kMostPermissions = 0755;
 
-/// The archive's permissions, but what the owner may not lose: to read, change and remove the tree.
-mode_t permissions(std::uint32_t mode, mode_t usual, mode_t least) {
-  return mode == 0 ? usual : ((mode & kPermissions) | least);
+/// A process may have 256 open files on the device, and a name may have 512 components. Going up
+/// past the last open folder costs a walk from the top, but only once for so many folders left.
+constexpr std::size_t kMostLevels = 32;
+
+/// The length of the path that is a folder on the way to both `a` and `b`.
+std::size_t sharedFolder(std::string_view a, std::string_view b) {
+  if (a.size() > b.size()) std::swap(a, b);
+  const auto end = std::mismatch(a.begin(), a.end(), b.begin()).first;
+  const auto length = static_cast<std::size_t>(end - a.begin());
+  if (length == a.size() && (length == b.size() || b[length] == '/')) return length;
+  const std::size_t slash = length == 0 ? std::string_view::npos : a.rfind('/', length - 1);
+  return slash == std::string_view::npos ? 0 : slash;
 }
 
 }  // namespace
 
 ZIPExtraction::ZIPExtraction(const std::filesystem::path& folder) : folder_(folder) {
   if (::mkdir(folder.c_str(), S_IRWXU) != 0) throwSystemError(folder);
-  top_ = FileDescriptor::tryOpenAt(AT_FDCWD, folder.c_str(), kOpenFolder);
-  if (top_) return;
-  const int code = errno;
-  ::rmdir(folder.c_str());
-  throwSystemError(code, folder);
+  try {
+    top_ = FileDescriptor::open(folder, kOpenFolder);
+    allowed_ = kMostPermissions & ~probedMask();
+  } catch (...) {
+    ::rmdir(folder.c_str());
+    throw;
+  }
 }
 
 ZIPExtraction::~ZIPExtraction() {
   if (!isKept_) removeQuietly(folder_);
+}
+
+/// The process's mask for new files. Asking the system for it sets it, for all threads, so that it
+/// is told from what becomes of a folder with all permissions.
+mode_t ZIPExtraction::probedMask() const {
+  constexpr const char* kProbe = "mask";
+  constexpr mode_t kAll = 0777;
+  const std::string shown = shownPath(kProbe);
+  struct stat status {};
+  if (::mkdirat(top_.get(), kProbe, kAll) != 0 ||
+      ::fstatat(top_.get(), kProbe, &status, AT_SYMLINK_NOFOLLOW) != 0 ||
+      ::unlinkat(top_.get(), kProbe, AT_REMOVEDIR) != 0) {
+    throwSystemError(shown);
+  }
+  return ~status.st_mode & kAll;
+}
+
+mode_t ZIPExtraction::permissions(std::uint32_t mode, mode_t usual, mode_t least) const {
+  return ((mode == 0 ? usual : mode) & allowed_) | least;
 }
 
 void ZIPExtraction::makeFolder(const std::string& name, std::uint32_t mode) {
@@ -58,34 +90,35 @@ void ZIPExtraction::makeFile(const std::string& name, std::uint32_t mode,
 }
 
 const FileDescriptor& ZIPExtraction::openFolder(std::string_view path, const std::string& entry) {
-  if (path.empty()) return top_;
-  if (path == currentPath_) return current_;
-  FileDescriptor folder;
-  for (std::size_t begin = 0; begin < path.size();) {
-    const std::size_t end = std::min(path.find('/', begin), path.size());
-    folder = stepInto(begin == 0 ? top_.get() : folder.get(), path.substr(0, end),
-                      std::string(path.substr(begin, end - begin)), entry);
-    begin = end + 1;
+  const std::size_t shared = sharedFolder(path, path_);
+  path_.resize(shared);
+  while (!levels_.empty() && levels_.back().length > shared) levels_.pop_back();
+  std::size_t length = levels_.empty() ? 0 : levels_.back().length;
+  while (length < path.size()) {
+    const std::size_t begin = length == 0 ? 0 : length + 1;
+    length = std::min(path.find('/', begin), path.size());
+    enter(path.substr(0, length), begin, length > shared, entry);
   }
-  current_ = std::move(folder);
-  currentPath_ = path;
-  return current_;
+  return deepest();
 }
 
-FileDescriptor ZIPExtraction::stepInto(int parent, std::string_view path,
-                                       const std::string& component, const std::string& entry) {
-  const bool isNew = made_.find(path) == made_.end();
-  const std::string shown = shownPath(path);
-  if (isNew) {
-    if (::mkdirat(parent, component.c_str(), S_IRWXU) != 0) {
-      if (errno == EEXIST) throw ZIPError(ZIPError::Case::caseConflict, entry);
-      throwSystemError(shown);
-    }
-    made_.emplace(path);
+/// Goes on to the folder `path`, whose last component is at `begin`, from the one around it.
+void ZIPExtraction::enter(std::string_view path, std::size_t begin, bool isNew,
+                          const std::string& entry) {
+  const std::string component(path.substr(begin));
+  const int parent = deepest().get();
+  if (isNew && ::mkdirat(parent, component.c_str(), S_IRWXU) != 0) {
+    if (errno == EEXIST) throw ZIPError(ZIPError::Case::caseConflict, entry);
+    throwSystemError(shownPath(path));
   }
-  FileDescriptor folder = FileDescriptor::openAt(parent, component.c_str(), kOpenFolder, shown);
-  if (isNew) folder.setMode(kUsualFolder, shown);
-  return folder;
+  FileDescriptor folder = FileDescriptor::tryOpenAt(parent, component.c_str(), kOpenFolder);
+  if (!folder) throwSystemError(shownPath(path));
+  if (isNew) {
+    folder.setMode(permissions(0, kUsualFolder, S_IRWXU), shownPath(path));
+    path_ = path;
+  }
+  if (levels_.size() == kMostLevels) levels_.erase(levels_.begin());
+  levels_.push_back({path.size(), std::move(folder)});
 }
 
 /// By text: a path object costs an allocation a component, for each of many components.

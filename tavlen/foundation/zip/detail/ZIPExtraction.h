@@ -2,9 +2,9 @@
 
 #include <cstdint>
 #include <filesystem>
-#include <set>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "tavlen/foundation/base/FunctionRef.h"
 #include "tavlen/foundation/files/FileDescriptor.h"
@@ -12,8 +12,14 @@
 namespace tavlen {
 
 /// A fresh folder that an archive's entries are made in, each relative to the open folder around
-/// it, through no link and in the place of nothing. Names have been judged, alone and against each
-/// other, so that one that is there already is there for the volume only (ZIPError, caseConflict).
+/// it, through no link and in the place of nothing.
+///
+/// Names have been judged, alone and against each other, and come in the order of their bytes: a
+/// folder comes before its contents, and those come together. So a folder is entered once, and one
+/// that exists already exists for the volume only (ZIPError, caseConflict).
+///
+/// Permissions are those of the archive without what the process's mask takes away, and without
+/// write permission for the group and others; the owner may always read and change the tree.
 /// Errors: std::system_error with the path. Threads: one object one thread at a time.
 class ZIPExtraction {
  public:
@@ -33,19 +39,28 @@ class ZIPExtraction {
   void keep() { isKept_ = true; }
 
  private:
-  /// Opens the folder `path`, which may be empty for the top, and makes what is missing of it.
+  /// An open folder, by the length of its path in `path_`.
+  struct Level {
+    std::size_t length;
+    FileDescriptor folder;
+  };
+
+  mode_t permissions(std::uint32_t mode, mode_t usual, mode_t least) const;
+  mode_t probedMask() const;
+  /// Opens the folder `path`, which may be empty for the top, and makes what is missing of it. The
+  /// descriptor is valid until the next call.
   const FileDescriptor& openFolder(std::string_view path, const std::string& entry);
-  FileDescriptor stepInto(int parent, std::string_view path, const std::string& component,
-                          const std::string& entry);
+  void enter(std::string_view path, std::size_t begin, bool isNew, const std::string& entry);
+  const FileDescriptor& deepest() const { return levels_.empty() ? top_ : levels_.back().folder; }
   /// How errors name what `name` is in the archive.
   std::string shownPath(std::string_view name) const;
 
   std::filesystem::path folder_;
   bool isKept_ = false;
   FileDescriptor top_;
-  FileDescriptor current_;   ///< the folder that was used last: the next entry's, mostly
-  std::string currentPath_;  ///< empty when that was the top
-  std::set<std::string, std::less<>> made_;
+  mode_t allowed_ = 0;
+  std::string path_;           ///< of the folder that was used last; empty for the top
+  std::vector<Level> levels_;  ///< the last of the folders that lead to `path_`
 };
 
 }  // namespace tavlen

@@ -16,9 +16,9 @@ fs::path folderOf(const fs::path& file) {
   return file.has_parent_path() ? file.parent_path() : fs::path(".");
 }
 
-/// The file that `path` leads to, through links; one to nothing leads to where it points.
+/// Follows symbolic links, also a dangling one, to the path that it names.
 fs::path resolved(fs::path path) {
-  constexpr int kMostLinks = 40;  // as the system counts them
+  constexpr int kMostLinks = 40;  // the system's own limit
   std::error_code error;
   for (int links = 0; fs::is_symlink(path, error); ++links) {
     if (links == kMostLinks) throwSystemError(ELOOP, path);
@@ -27,22 +27,23 @@ fs::path resolved(fs::path path) {
   return path;
 }
 
-/// What a replacement of `file` replaces: a regular file, or nothing yet.
+/// The path that a replacement of `file` replaces: a regular file, or a path where nothing exists
+/// yet.
 fs::path targetOf(const fs::path& file) {
   fs::path target = resolved(file);
   std::error_code ignored;
   const fs::file_status status = fs::status(target, ignored);
   if (fs::is_directory(status)) throwSystemError(EISDIR, file);
-  // A pipe or a device would be gone.
+  // Replacing a pipe or a device would destroy it.
   if (fs::exists(status) && !fs::is_regular_file(status)) throwSystemError(EINVAL, file);
   return target;
 }
 
-/// The file that is to become `target`.
+/// Creates the temporary file that is renamed to `target` later.
 TemporaryFile makeTemporary(const fs::path& target, const fs::path& file) {
   const fs::path folder = folderOf(target);
   sweepTemporaryFiles(folder);
-  // The plain mode, so that a new file gets its permissions as any other, by the process's mask.
+  // Mode 0666: a new file gets its permissions from the process's umask, like any other.
   return TemporaryFile(AT_FDCWD, folder, 0666, file);
 }
 
@@ -50,15 +51,16 @@ TemporaryFile makeTemporary(const fs::path& target, const fs::path& file) {
 
 FileReplacement::FileReplacement(const fs::path& file, std::string_view contents)
     : file_(file), target_(targetOf(file)), temporary_(makeTemporary(target_, file)) {
-  copyPermissions();  // before the contents, which a private file must not show meanwhile
+  copyPermissions();  // before the contents, so that a private file never exposes them
   temporary_.descriptor().write(contents, file_);
   temporary_.finish();
 }
 
 void FileReplacement::copyPermissions() const {
   struct stat status {};
-  if (::stat(target_.c_str(), &status) != 0) return;  // there is no file yet
-  // First, as it clears bits of the mode. What another owns stays theirs where we may give it away.
+  if (::stat(target_.c_str(), &status) != 0) return;  // no file yet
+  // Owner first: chown() clears mode bits. A file of another owner keeps that owner where the
+  // system allows it.
   const bool isOurs = status.st_uid == ::geteuid() && status.st_gid == ::getegid();
   if (!isOurs && ::fchown(temporary_.descriptor().get(), status.st_uid, status.st_gid) != 0 &&
       errno != EPERM) {

@@ -19,7 +19,7 @@ namespace tavlen {
 namespace {
 
 constexpr std::string_view kPrefix = ".tavlen-";
-/// Longer than any write takes, so that no file in use is taken for a left-over.
+/// Longer than any write takes, so that a file in use is never taken for a left-over.
 constexpr std::chrono::minutes kLeftOverAge(10);
 
 std::string makeName() {
@@ -27,8 +27,8 @@ std::string makeName() {
   return std::string(kPrefix) + std::to_string(random()) + "-" + std::to_string(random());
 }
 
-/// Whether this process has not listed `folder` in the last ten minutes; it is then taken to do so
-/// now.
+/// Whether this process has not swept `folder` in the last ten minutes. If so, records that it
+/// sweeps it now.
 bool isSweepDue(const std::filesystem::path& folder) {
   using Clock = std::chrono::steady_clock;
   static std::mutex lock;
@@ -78,7 +78,7 @@ void sweepTemporaryFiles(const std::filesystem::path& folder) {
       if (!error && now - written > kLeftOverAge) std::filesystem::remove(folder / *name, error);
     }
   } catch (const std::system_error&) {
-    // The next one that looks finds them.
+    // The next sweep finds them.
   }
 }
 

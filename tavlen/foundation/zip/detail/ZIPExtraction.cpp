@@ -15,7 +15,7 @@ constexpr mode_t kPermissions = 0777;
 constexpr mode_t kUsualFile = 0644;
 constexpr mode_t kUsualFolder = 0755;
 
-/// The archive's permissions, but what the owner may not lose: to read, change and remove the tree.
+/// The archive's permissions, plus those that the owner needs to read, change and remove the tree.
 mode_t permissions(std::uint32_t mode, mode_t usual, mode_t least) {
   return mode == 0 ? usual : ((mode & kPermissions) | least);
 }
@@ -88,7 +88,7 @@ FileDescriptor ZIPExtraction::stepInto(int parent, std::string_view path,
   return folder;
 }
 
-/// By text: a path object costs an allocation a component, for each of many components.
+/// Text, because a path object costs an allocation for each of its components.
 std::string ZIPExtraction::shownPath(std::string_view name) const {
   std::string path = folder_.native();
   if (!path.ends_with('/')) path += '/';

@@ -12,7 +12,7 @@ namespace tavlen {
 
 namespace {
 
-/// A program behind links in a circle is missing like any other.
+/// A cycle of links counts as a missing program.
 void runSilently(std::filesystem::path (*program)(), const char* argument) {
   try {
     killProcess(program().c_str(), argument);
@@ -29,8 +29,8 @@ std::filesystem::path killallProgram() { return DeviceRoot::shared().resolve("/u
 
 pid_t killProcess(const char* path, const char* argument) {
   pid_t child = -1;
-  // Where nothing was started there is nothing to wait for: with what is then in `child`, waiting
-  // could take the status of somebody else's child.
+  // Without a child there is nothing to wait for: `child` is then unspecified, and waiting for it
+  // could reap another child of this process.
   if (detail::spawn(path, {path, "-9", argument}, detail::ProgramLookup::exact, child) != 0) {
     return -1;
   }

@@ -32,12 +32,18 @@ bool isMissingPermission(const std::error_code& error) {
          error == std::errc::read_only_file_system;
 }
 
+/// One replacement of an app's active tweak: build the package, remove the old installation, move
+/// the package into place, write the record, notify observers, restart the app.
+///
+/// This process may lack the permission to change the installed tweaks. Each step tries the change
+/// itself and, where only a permission is missing, has the helper make it: cleanUp() of
+/// FileOperations finishes the removal, its copy() replaces a rename or a write.
 class Installation {
  public:
   explicit Installation(const Info& app)
       : app_(app),
         directory_(InstalledRecords::directory(app.bundleID)),
-        // A link in the place of the folder itself is not followed: it is the helper's to remove.
+        // A link in the place of the folder itself is not followed; the helper removes it.
         target_(root_.resolve(kInstalledTweaksDir) / app.bundleID),
         record_(target_ / kTweakInfoFilename),
         installed_(InstalledRecords::record(app.bundleID)) {
@@ -48,7 +54,8 @@ class Installation {
     std::optional<TemporaryDirectory> package;
     if (tweak != nullptr) {
       fs::path installedTweaks = root_.resolve(kInstalledTweaksDir);
-      // Beside what a link leads to, for the same volume; resolve() follows links but on a device.
+      // Package next to the folder that a link leads to, to be on the same volume. On a device
+      // resolve() does not follow links.
       if (root_.isDevice()) installedTweaks = fs::weakly_canonical(installedTweaks);
       package.emplace(installedTweaks.parent_path());
       next_.tweakID = tweak->id();
@@ -64,7 +71,7 @@ class Installation {
     try {
       announce();
     } catch (...) {
-      // An observer's trouble is not the app's.
+      // An observer's failure must not keep the app from being restarted.
       takeEffect(shouldRespring);
       throw;
     }
@@ -72,7 +79,8 @@ class Installation {
   }
 
  private:
-  /// The record names its icon where it will lie; now it still lies in `package`.
+  /// Whether the icon changes. The record has the icon's final path, but its file is still in
+  /// `package`.
   bool iconChanges(const fs::path& package) const {
     TweakInfo packaged = next_;
     const std::optional<fs::path> icon =
@@ -86,8 +94,8 @@ class Installation {
     return packaged.shouldRespringAfterChangingFromOther(installed_);
   }
 
-  /// The record goes first, so that a failure leaves none rather than one of half a tweak. What the
-  /// library may not remove is left to the helper.
+  /// Removes the old installation as far as permissions allow; the helper removes the rest. The
+  /// record goes first: after a failure there is no record, rather than one of an incomplete tweak.
   void removeInstalled() const {
     std::error_code error;
     if (!fs::is_directory(fs::symlink_status(target_, error))) return;
@@ -149,11 +157,11 @@ class Installation {
 
   const DeviceRoot root_ = DeviceRoot::shared();
   const Info& app_;
-  std::string directory_;  ///< of the app, as the device names it
-  fs::path target_;        ///< the same, here
+  std::string directory_;  ///< the app's folder, as a path on the device
+  fs::path target_;        ///< the same folder, as a host path
   fs::path record_;
-  std::optional<TweakInfo> installed_;  ///< before
-  TweakInfo next_;                      ///< after
+  std::optional<TweakInfo> installed_;  ///< the record before
+  TweakInfo next_;                      ///< the record after
 };
 
 }  // namespace

@@ -53,8 +53,8 @@ class JavaScriptContext : public std::enable_shared_from_this<JavaScriptContext>
   void record(const OpaqueJSValue* exception);
 
   OpaqueJSContext* context_;
-  const OpaqueJSValue* exception_ =
-      nullptr;  // not a JavaScriptValue, which would keep this context alive for ever
+  /// Not a JavaScriptValue, which would keep this context alive for ever.
+  const OpaqueJSValue* exception_ = nullptr;
 };
 
 }  // namespace tavlen

@@ -67,9 +67,9 @@ struct JXTypeParse {
   unsigned depth = 0;        ///< number of containers being parsed
   std::size_t begin = 0;     ///< offset of the root
   std::size_t furthest = 0;  ///< the end of the text read so far
-  std::size_t furthestTaken =
-      0;                    ///< the furthest end of a retracted reading; see JXTypeWithEncoding()
-  std::uint64_t steps = 0;  ///< steps taken so far
+  /// The furthest end of a retracted reading; see JXTypeWithEncoding().
+  std::size_t furthestTaken = 0;
+  std::uint64_t steps = 0;        ///< steps taken so far
   std::uint64_t corrections = 0;  ///< number of members parsed twice
   /// The cache of parsed members, by key().
   std::unordered_map<std::uint64_t, Reading> readings;

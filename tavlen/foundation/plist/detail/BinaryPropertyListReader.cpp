@@ -114,8 +114,7 @@ class Reader {
   /// Checks that `count` units of `unit` bytes are left, without overflow.
   void checkCount(std::uint64_t count, std::size_t unit) const {
     const std::size_t left = objectsEnd_ - position_;
-    if (count > left ||
-        count * unit > left) {  // the first condition keeps the product from overflowing
+    if (count > left || count * unit > left) {  // the first keeps the product from overflowing
       throw invalidPropertyList("A count is out of range.");
     }
   }

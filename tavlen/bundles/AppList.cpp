@@ -12,7 +12,7 @@ namespace tavlen {
 
 namespace {
 
-/// What shared() is to be made of.
+/// The fetcher for shared(), until its first use.
 struct SharedFetcher {
   std::mutex lock;
   std::unique_ptr<const AppListFetcher> fetcher;
@@ -49,13 +49,14 @@ AppList& AppList::shared() {
 void AppList::setSharedFetcher(std::unique_ptr<const AppListFetcher> appFetcher) {
   SharedFetcher& shared = sharedFetcher();
   const std::lock_guard lock(shared.lock);
-  if (shared.isTaken) fatalError("AppList: the shared list is in use already");
+  if (shared.isTaken) fatalError("AppList: the shared list is already in use");
   shared.fetcher = std::move(appFetcher);
 }
 
 void AppList::loadIfNeeded() {
   if (hasLoadedApps_) return;
-  // Filled aside: a fetcher of the host's may throw, and the next question asks it again.
+  // Collect the apps in a local list: the host's fetcher may throw, and the next call must then
+  // fetch again.
   std::vector<std::shared_ptr<IPA>> apps;
   std::map<std::string, std::shared_ptr<IPA>, std::less<>> appsByID;
   for (AppListApp& app : appFetcher_->fetchAllApps()) {

@@ -12,32 +12,33 @@ namespace tavlen {
 
 class IPA;
 
-/// The apps that tweaks can be made for, fetched once and kept.
+/// The apps that tweaks can be made for, fetched once and cached.
 ///
-/// Threads: any may ask; the first question fetches, under a lock.
+/// Threads: any. The first call fetches, under a lock.
 class AppList {
  public:
+  /// A list of the apps of `appFetcher`, which is asked once.
   explicit AppList(std::unique_ptr<const AppListFetcher> appFetcher);
   AppList(const AppList&) = delete;
   AppList& operator=(const AppList&) = delete;
   ~AppList();
 
-  /// The list of the process, made at the first call: over the system's application workspace when
-  /// the device root is "/", over the folders of the tree below any other. It is not fetched again
-  /// when either changes later.
+  /// The list of the process, created by the first call. It uses the system's application workspace
+  /// when the device root is "/", and the folders of the tree below any other root. Later changes
+  /// of root and apps are not seen.
   static AppList& shared();
-  /// Makes shared() use `appFetcher`. To be called before the first use of shared(); later it is a
-  /// programming error, which stops the process.
+  /// Makes shared() use `appFetcher`. Call before the first use of shared(); a later call aborts
+  /// the process.
   static void setSharedFetcher(std::unique_ptr<const AppListFetcher> appFetcher);
 
-  /// In the order of the fetcher; apps of one identifier are all there. The same objects every
-  /// time.
+  /// The apps in the fetcher's order, including several with the same identifier. Every call
+  /// returns the same objects. The fetcher's exceptions propagate.
   std::vector<std::shared_ptr<IPA>> apps();
-  /// The first app of that identifier; null when there is none.
+  /// The first app with that identifier; null without a match.
   std::shared_ptr<IPA> app(const std::string& bundleID);
 
  private:
-  /// To be called with the lock held.
+  /// The lock must be held.
   void loadIfNeeded();
 
   std::unique_ptr<const AppListFetcher> appFetcher_;

@@ -19,12 +19,12 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Finds the regular files below a folder, one name of each that has several.
+/// Finds the regular files below a folder; of a file with several names, one.
 class RegularFiles {
  public:
   explicit RegularFiles(const fs::path& folder) : folder_(folder) {}
 
-  /// Adds the file `relative`, remembers it if it is a folder, and leaves out everything else.
+  /// Adds the file `relative`; queues a folder; ignores other entries.
   void add(std::string relative) {
     struct stat status {};
     if (::lstat((folder_ / relative).c_str(), &status) != 0) return;
@@ -35,7 +35,7 @@ class RegularFiles {
     }
   }
 
-  /// One folder at a time is open, however deep they lie.
+  /// Keeps one folder open at a time, whatever the depth.
   std::vector<std::string> find() {
     pending_.emplace_back();
     while (!pending_.empty()) {
@@ -86,7 +86,7 @@ BundleExecutables BundleExecutables::find(const std::shared_ptr<IPA>& ipa,
   if (!isPlainComponent(mainName)) throw IPA::Error::invalidFilename(mainName);
   const fs::path& folder = ipa->appDir();
   RegularFiles search(folder);
-  // First, so that this is the name that is kept of the main executable's.
+  // Added first, so that the main executable is found under this name.
   search.add(mainName);
   const std::vector<std::string> files = search.find();
   if (files.empty() || files.front() != mainName) throw Executable::Error::missing(mainName);

@@ -14,7 +14,7 @@ Executable::Executable(std::weak_ptr<IPA> ipa, const std::filesystem::path& appD
       isMain_(isMain) {}
 
 bool Executable::parseDynamically() const {
-  // The loader opens the file to compare it: a pipe that took its place would never be opened.
+  // Check the type first: the loader opens the file to compare it, which would block on a pipe.
   std::error_code error;
   if (!std::filesystem::is_regular_file(path_, error)) return false;
   void* image = ::dlopen(path_.c_str(), RTLD_LAZY | RTLD_NOLOAD);

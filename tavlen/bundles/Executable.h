@@ -11,27 +11,30 @@ namespace tavlen {
 
 class IPA;
 
-/// One Mach-O image of an app bundle: its main program, another program in it, or a dynamic
-/// library.
+/// A Mach-O image of an app bundle: its main program, another program, or a dynamic library.
 ///
-/// Does not keep its app alive. Threads: calls may run side by side.
+/// Does not keep its app alive. Threads: calls may run concurrently.
 class Executable {
  public:
+  /// The cases of Error.
   enum class ErrorCase { missing };
   class Error;
 
-  /// `relativePath` leads from the bundle's folder to the image. Nothing is read.
+  /// `relativePath` leads from the bundle's folder `appDir` to the image. Reads nothing.
   Executable(std::weak_ptr<IPA> ipa, const std::filesystem::path& appDir, std::string relativePath,
              bool isMain);
 
-  /// The app; null once it is gone.
+  /// The app; null once it is destroyed.
   std::shared_ptr<IPA> ipa() const { return ipa_.lock(); }
+  /// The image's file, as a host path.
   const std::filesystem::path& path() const { return path_; }
+  /// Whether it is the app's main program.
   bool isMain() const { return isMain_; }
   /// The file's name.
   std::string name() const { return path_.filename().string(); }
+  /// The path from the bundle's folder.
   const std::string& relativePath() const { return relativePath_; }
-  /// Whether its classes are dumped from this process: when the image is loaded in it already.
+  /// Whether its classes can be dumped in this process, because the image is already loaded.
   bool parseDynamically() const;
 
  private:
@@ -41,6 +44,7 @@ class Executable {
   bool isMain_;
 };
 
+/// The error of a missing image.
 class Executable::Error : public CasedError<Executable::ErrorCase> {
  public:
   /// `name` is the file's name.

@@ -16,7 +16,7 @@
 namespace tavlen {
 
 std::shared_ptr<IPA> IPA::withAppDir(std::filesystem::path appDir) {
-  // The constructor is private, which make_shared cannot call.
+  // Not make_shared, which cannot call the private constructor.
   return std::shared_ptr<IPA>(new IPA(std::move(appDir)));
 }
 

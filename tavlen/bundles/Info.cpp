@@ -63,7 +63,7 @@ void Info::setOrientations(const Orientations& orientations) {
 Orientations Info::ipadOrientations() const { return knownOrientations(_ipadOrientations); }
 
 void Info::setIpadOrientations(const Orientations& orientations) {
-  // Not a slip: installed tweaks were built with it.
+  // On purpose: existing tweaks rely on this.
   _orientations = storedOrientations(orientations);
 }
 

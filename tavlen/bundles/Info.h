@@ -11,13 +11,17 @@
 
 namespace tavlen {
 
-/// What the library reads and writes of an app bundle's Info.plist; other keys are not kept.
+/// The values of an app bundle's Info.plist that the library uses; other keys are not kept. A plain
+/// value.
 ///
-/// Names, versions and orientations are read and set through the accessors, which know the
-/// fallbacks; the members that begin with "_" are the keys as they are stored.
+/// Names, versions and orientations have accessors that implement the fallbacks. The members that
+/// begin with "_" are the stored values of the keys in codedFields().
 struct Info {
+  /// The value of a CFBundleIcons key.
   struct Icons {
+    /// The app's own icon, as opposed to alternate ones.
     struct PrimaryIcon {
+      /// File names, with or without scale suffix and extension.
       std::vector<std::string> iconFiles;
 
       bool operator==(const PrimaryIcon&) const = default;
@@ -26,6 +30,7 @@ struct Info {
       }
     };
 
+    /// The app's own icon.
     std::optional<PrimaryIcon> primaryIcon;
 
     bool operator==(const Icons&) const = default;
@@ -34,61 +39,81 @@ struct Info {
     }
   };
 
-  /// Read from one integer or a list of them, written as one: a list comes back narrowed to 2 (the
-  /// iPad, whatever else it held) or 1.
+  /// Decoded from an integer or a list of integers, encoded as one integer: 2 when a list contained
+  /// the iPad, whatever else it contained, otherwise 1.
   struct DeviceFamily {
+    /// Whether the iPad is one of the devices.
     bool supportsIPad = false;
 
     bool operator==(const DeviceFamily&) const = default;
   };
 
+  /// The main executable's file name.
   std::string executable;
+  /// The bundle identifier.
   std::string bundleID;
+  /// The build number.
   std::string build;
+  /// The version that users see.
   std::optional<std::string> _shortVersion;
+  /// The short name.
   std::optional<std::string> _bundleName;
+  /// The display name.
   std::optional<std::string> _name;
+  /// The icons.
   std::optional<Icons> _icons;
+  /// The icons on an iPad.
   std::optional<Icons> _ipadIcons;
+  /// The icon's file names, from an older key.
   std::optional<std::vector<std::string>> _iconFiles;
+  /// The same for an iPad.
   std::optional<std::vector<std::string>> _ipadIconFiles;
+  /// The icon's file name, from the oldest key.
   std::optional<std::string> _iconFile;
+  /// The same for an iPad.
   std::optional<std::string> _ipadIconFile;
-  /// As the file holds them; unknown ones too.
+  /// As stored, including unknown ones.
   std::optional<std::vector<std::string>> _orientations;
+  /// The same for an iPad.
   std::optional<std::vector<std::string>> _ipadOrientations;
+  /// The devices that the app supports.
   DeviceFamily _deviceFamily;
+  /// The oldest system that runs the app; nothing for any.
   std::optional<SemanticVersion> minimumOSVersion;
 
-  /// The display name, else the bundle name, else the executable's.
+  /// The display name, else the bundle name, else the executable's name.
   const std::string& name() const;
-  /// Sets the display name, unless `name` is already what name() answers.
+  /// Sets the display name, unless name() already returns `name`.
   void setName(const std::string& name);
 
-  /// The bundle name, else the display name, else the executable's.
+  /// The bundle name, else the display name, else the executable's name.
   const std::string& bundleName() const;
+  /// Sets the bundle name.
   void setBundleName(std::string name);
 
   /// The short version, else the build.
   const std::string& version() const;
+  /// Sets the short version.
   void setVersion(std::string version);
 
+  /// Whether the app supports the iPad.
   bool supportsIPad() const { return _deviceFamily.supportsIPad; }
+  /// Sets whether the app supports the iPad.
   void setSupportsIPad(bool supports) { _deviceFamily.supportsIPad = supports; }
 
-  /// The stored orientations without the unknown ones, duplicates kept; nothing when none are
-  /// stored. Setting nothing removes the key.
+  /// The stored orientations without unknown ones, with duplicates; nothing when the key is absent.
   std::optional<std::vector<InterfaceOrientation>> orientations() const;
+  /// Sets the orientations; nothing removes the key.
   void setOrientations(const std::optional<std::vector<InterfaceOrientation>>& orientations);
 
-  /// The iPad's own list, without a fallback to the other.
+  /// The iPad's own list; does not fall back to orientations().
   std::optional<std::vector<InterfaceOrientation>> ipadOrientations() const;
-  /// Stores into the list of `orientations`, not into the iPad's: tweaks rely on it.
+  /// Sets the list of orientations(), not the iPad's own: existing tweaks rely on this.
   void setIpadOrientations(const std::optional<std::vector<InterfaceOrientation>>& orientations);
 
   bool operator==(const Info&) const = default;
 
-  /// In the order of coding, which is not the members': the bundle name comes first.
+  /// The coded fields. Their order is the order of coding, in which the bundle name comes first.
   static constexpr auto codedFields() {
     return std::tuple{
         optionalField("CFBundleName", &Info::_bundleName),

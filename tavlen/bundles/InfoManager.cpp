@@ -25,7 +25,7 @@ constexpr std::array<std::string_view, 5> kDefaultNames = {"Icon", "Icon-60", "I
                                                            "Icon-83.5"};
 constexpr std::size_t kLargestIconFile = std::size_t{64} << 20;
 
-/// The names under the three keys of a device, the newest key first; nothing when no key is there.
+/// The names under the three keys for a device, the newest key first; nothing when no key exists.
 std::optional<Names> storedNames(const std::optional<Info::Icons>& icons,
                                  const std::optional<Names>& files,
                                  const std::optional<std::string>& file) {
@@ -35,9 +35,8 @@ std::optional<Names> storedNames(const std::optional<Info::Icons>& icons,
   return std::nullopt;
 }
 
-/// Whether the platform sees "png" as the path extension of `name`: slashes at the end do not
-/// count, and a dot that begins the last component, or stands behind nothing but dots that mean a
-/// folder, begins no extension.
+/// Whether the platform takes "png" for the path extension of `name`: trailing slashes are ignored;
+/// a dot at the beginning of the last component, or after "." or "..", does not begin an extension.
 bool hasExtensionPNG(std::string_view name) {
   constexpr std::string_view kExtension = ".png";
   while (name.ends_with('/')) name.remove_suffix(1);
@@ -47,7 +46,7 @@ bool hasExtensionPNG(std::string_view name) {
   return !stem.empty() && stem != "." && stem != "..";
 }
 
-/// Goes through the files that names stand for, and keeps the largest image.
+/// Tries candidate files and keeps the largest image.
 class LargestIcon {
  public:
   explicit LargestIcon(const std::filesystem::path& bundle) : bundle_(bundle) {}
@@ -68,12 +67,11 @@ class LargestIcon {
 
   void considerFile(std::string_view name) {
     while (name.ends_with('/')) name.remove_suffix(1);
-    // Most candidates do not exist, and that is cheap to ask.
+    // Most candidates do not exist, and this check is cheap.
     if (!std::filesystem::exists(root_.status(bundle_ / name))) return;
     const std::optional<std::filesystem::path> file = pathInside(root_, bundle_, name);
     if (!file) return;
-    // Another image of the same size never wins, so a list of one large file, a thousand times
-    // over, need not cost a thousand decodings.
+    // A file seen before cannot win, so decode it only once, however often a list names it.
     if (!seen_.insert(*file).second) return;
     const std::optional<std::string> bytes =
         readFileUpTo(openedFile(root_, *file), kLargestIconFile);

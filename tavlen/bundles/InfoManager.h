@@ -12,41 +12,47 @@
 
 namespace tavlen {
 
-/// Reads what an app bundle says about itself. Keeps nothing: every call reads the files again.
+/// Reads an app bundle's Info.plist and icons. Caches nothing: every call reads the files again.
+/// Threads: any.
 struct InfoManager {
+  /// The cases of Error.
   enum class ErrorCase { iconNotFound, noIconFound, couldNotResize };
 
+  /// The errors of icons.
   class Error : public CasedError<ErrorCase> {
    public:
+    /// No image for `name`.
     static Error iconNotFound(std::string name);
+    /// No image for any name in the Info.
     static Error noIconFound();
+    /// The requested size is not allowed.
     static Error couldNotResize();
 
    private:
     using CasedError::CasedError;
   };
 
+  /// Reads the bundle in the folder `url`.
   explicit InfoManager(std::filesystem::path url) : bundleURL(std::move(url)) {}
 
-  /// The bundle's folder, in which "Info.plist" lies.
+  /// The bundle's folder, which contains "Info.plist".
   std::filesystem::path bundleURL;
 
-  /// Throws std::system_error when the file cannot be read, DecodingError when it does not hold an
-  /// Info.
+  /// Reads the Info.plist. Throws std::system_error when it cannot be read, DecodingError when it
+  /// is not an Info.
   Info info() const;
 
-  /// The app's icon: of the files that the Info's names stand for, the one with the most points,
-  /// the first of several. What is no image or is larger than the limits, 64 MiB for a file, is
-  /// passed over, and so is a name that leads out of the bundle.
-  /// Throws Error::noIconFound when none is left, std::system_error for a file that is there and
-  /// cannot be read, and what info() throws.
+  /// The app's icon: of the files that the Info's names refer to, the one with the most points, the
+  /// first of equal ones. Files that are not images or exceed the limits (64 MiB for a file) are
+  /// skipped, and so are names that lead out of the bundle. Throws Error::noIconFound when none is
+  /// left, std::system_error for an existing file that cannot be read, and the errors of info().
   Image icon() const;
-  /// The largest of the files that `name`, as an Info would hold it, stands for, on either device.
-  /// Throws Error::iconNotFound when there is none, and std::system_error as above.
+  /// The largest of the files that `name`, a name as in an Info, refers to on either device. Throws
+  /// Error::iconNotFound without one, and std::system_error as above.
   Image icon(const std::string& name) const;
 
-  /// `icon` with its longer side at `longerSide` points, the other one in proportion.
-  /// Throws Error::couldNotResize for 0 and for more than an image may have.
+  /// Scales `icon` in proportion, so that its longer side has `longerSide` points. Throws
+  /// Error::couldNotResize for 0 and for more than an image may have.
   static Image resizedIcon(const Image& icon, std::uint32_t longerSide);
 
   bool operator==(const InfoManager&) const = default;

@@ -5,8 +5,8 @@
 
 namespace tavlen {
 
-/// Makes the edit of `info` that `override_` stands for. The iPad's orientations go to the iPad's
-/// own list, whatever Info::setIpadOrientations() does; an absent minimum version removes the key.
+/// Applies `override_` to `info`. The iPad's orientations are set in the iPad's own list, unlike
+/// Info::setIpadOrientations(). An absent minimum version removes the key.
 void applyTo(Info& info, const Override& override_);
 
 }  // namespace tavlen

@@ -8,18 +8,18 @@
 
 namespace tavlen {
 
-/// What can be made the active tweak of an app.
+/// Something that can be installed as the active tweak of an app.
 class InstallableTweak {
  public:
   virtual ~InstallableTweak() = default;
 
-  /// The identifier that the installed record names.
+  /// The identifier for the installed record.
   virtual std::string id() const = 0;
 
-  /// Builds what the loader takes for the app that says `target` of itself: fresh folders in the
-  /// existing folder `directory`, to be moved into the installed-tweaks folder of the app
-  /// `tweakInfo.bundleID`. Where one of them is the
-  /// icon, `tweakInfo` gets the URL that it will have there, as a path of the device.
+  /// Builds the files for the loader, for the app with the Info `target`: new folders in the
+  /// existing folder `directory`. The caller moves them into the installed-tweaks folder of the app
+  /// `tweakInfo.bundleID`. If there is a custom icon, sets its URL in `tweakInfo`: its final path
+  /// on the device.
   virtual void package(const Info& target, const std::filesystem::path& directory,
                        TweakInfo& tweakInfo) const = 0;
 };

@@ -17,21 +17,27 @@
 
 namespace tavlen {
 
-/// An override of one kind: a value, stored under the key "value" and absent only where it is
-/// optional. `Kind` gives the name of the kind, its title for the user, and the app's current
-/// value, which an override of the kind begins with.
+/// An override of one kind: a value, stored under the key "value", which may be absent only if it
+/// is optional. `Kind` supplies the kind's name, its title for the user, and the app's current
+/// value, with which a new override starts.
 template <class Kind>
 struct OverrideOfKind {
+  /// The kind's full name.
   static constexpr std::string_view typeName = Kind::typeName;
+  /// The stored identifier of the kind.
   static constexpr std::string_view identifier = identifierWithBaseName(typeName, "Override");
+  /// The kind's title for the user.
   static constexpr LocalizedText title = Kind::title;
 
+  /// The type of the overriding value.
   using Value = decltype(Kind::currentValue(std::declval<const Info&>()));
+  /// The overriding value.
   Value value{};
 
-  /// Made of the app's current value.
+  /// An override with the app's current value.
   static OverrideOfKind withInfo(const Info& info) { return {Kind::currentValue(info)}; }
 
+  /// The coded fields.
   static constexpr auto codedFields() {
     if constexpr (requires(Value held) { held.has_value(); }) {
       return std::tuple{optionalField("value", &OverrideOfKind::value)};
@@ -42,46 +48,52 @@ struct OverrideOfKind {
   bool operator==(const OverrideOfKind&) const = default;
 };
 
+/// The kind of DisplayNameOverride.
 struct DisplayNameKind {
   static constexpr std::string_view typeName = "DisplayNameOverride";
   static constexpr LocalizedText title = {"override_title.display_name", "Display Name"};
   static std::string currentValue(const Info& info) { return info.name(); }
 };
-/// The name under the icon.
+/// Overrides the name under the icon.
 using DisplayNameOverride = OverrideOfKind<DisplayNameKind>;
 
+/// The kind of BundleNameOverride.
 struct BundleNameKind {
   static constexpr std::string_view typeName = "BundleNameOverride";
   static constexpr LocalizedText title = {"override_title.bundle_name", "Bundle Name"};
   static std::string currentValue(const Info& info) { return info.bundleName(); }
 };
-/// The short name.
+/// Overrides the short name.
 using BundleNameOverride = OverrideOfKind<BundleNameKind>;
 
+/// The kind of BundleIDOverride.
 struct BundleIDKind {
   static constexpr std::string_view typeName = "BundleIDOverride";
   static constexpr LocalizedText title = {"override_title.bundle_id", "Bundle ID"};
   static std::string currentValue(const Info& info) { return info.bundleID; }
 };
-/// The identifier.
+/// Overrides the bundle identifier.
 using BundleIDOverride = OverrideOfKind<BundleIDKind>;
 
+/// The kind of VersionOverride.
 struct VersionKind {
   static constexpr std::string_view typeName = "VersionOverride";
   static constexpr LocalizedText title = {"override_title.version", "Version"};
   static std::string currentValue(const Info& info) { return info.version(); }
 };
-/// The version that users see.
+/// Overrides the version that users see.
 using VersionOverride = OverrideOfKind<VersionKind>;
 
+/// The kind of BuildOverride.
 struct BuildKind {
   static constexpr std::string_view typeName = "BuildOverride";
   static constexpr LocalizedText title = {"override_title.build", "Build"};
   static std::string currentValue(const Info& info) { return info.build; }
 };
-/// The build number.
+/// Overrides the build number.
 using BuildOverride = OverrideOfKind<BuildKind>;
 
+/// The kind of MinimumOSVersionOverride.
 struct MinimumOSVersionKind {
   static constexpr std::string_view typeName = "MinimumOSVersionOverride";
   static constexpr LocalizedText title = {"override_title.min_os_version", "Min OS Version"};
@@ -89,17 +101,19 @@ struct MinimumOSVersionKind {
     return info.minimumOSVersion;
   }
 };
-/// The oldest system that runs the app; an absent value asks for none.
+/// Overrides the oldest system that runs the app; an absent value removes the requirement.
 using MinimumOSVersionOverride = OverrideOfKind<MinimumOSVersionKind>;
 
+/// The kind of IPadSupportOverride.
 struct IPadSupportKind {
   static constexpr std::string_view typeName = "IPadSupportOverride";
   static constexpr LocalizedText title = {"override_title.ipad_support", "iPad Support"};
   static bool currentValue(const Info& info) { return info.supportsIPad(); }
 };
-/// Whether the app runs as an iPad app.
+/// Overrides whether the app runs as an iPad app.
 using IPadSupportOverride = OverrideOfKind<IPadSupportKind>;
 
+/// The kind of OrientationsOverride.
 struct OrientationsKind {
   static constexpr std::string_view typeName = "OrientationsOverride";
   static constexpr LocalizedText title = {"override_title.orientations", "Orientations"};
@@ -107,9 +121,10 @@ struct OrientationsKind {
     return info.orientations().value_or(std::vector<InterfaceOrientation>());
   }
 };
-/// The orientations on an iPhone. An empty list is a value like any other.
+/// Overrides the orientations on an iPhone. An empty list is a valid value.
 using OrientationsOverride = OverrideOfKind<OrientationsKind>;
 
+/// The kind of OrientationsIPadOverride.
 struct OrientationsIPadKind {
   static constexpr std::string_view typeName = "OrientationsIPadOverride";
   static constexpr LocalizedText title = {"override_title.orientations_ipad",
@@ -118,19 +133,20 @@ struct OrientationsIPadKind {
     return info.ipadOrientations().value_or(OrientationsKind::currentValue(info));
   }
 };
-/// The orientations on an iPad; made of the iPhone list where the app has none of its own.
+/// Overrides the orientations on an iPad. A new one starts with the iPhone's list if the app has no
+/// list for the iPad.
 using OrientationsIPadOverride = OverrideOfKind<OrientationsIPadKind>;
 
-/// One edit of the target app's Info.plist that a tweak carries.
+/// An edit of the target app's Info.plist, as part of a tweak.
 using Override = std::variant<DisplayNameOverride, BundleNameOverride, BundleIDOverride,
                               VersionOverride, BuildOverride, MinimumOSVersionOverride,
                               IPadSupportOverride, OrientationsOverride, OrientationsIPadOverride>;
 
-/// The kind's title for the user.
+/// The kind's title in the user's language.
 std::string localizedName(const Override& override_);
 
-/// Called on the record of an installation for each override that it carries. No kind changes the
-/// record: overrides act on the Info.plist alone.
+/// Called for each override of a tweak when its installation record is made. A no-op: overrides
+/// change only the Info.plist.
 void applyTo(TweakInfo& tweakInfo, const Override& override_);
 
 }  // namespace tavlen

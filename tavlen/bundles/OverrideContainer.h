@@ -13,30 +13,33 @@
 
 namespace tavlen {
 
-/// What is known of a kind of override without a value of it.
+/// A kind of override.
 struct OverrideKindInfo {
+  /// The kind's stored identifier.
   std::string_view identifier;
+  /// The kind's title.
   LocalizedText title;
-  /// A new override of the kind, made of an app's current value.
+  /// Creates an override of the kind with the app's current value.
   Override (*withInfo)(const Info& info);
 
   /// The title in the user's language.
   std::string localizedName() const;
 };
 
-/// The box that a stored override lies in: coded with its kind's identifier under the type key,
-/// beside the kind's own "value".
+/// The stored form of an override: its kind's identifier under the type key, next to the kind's own
+/// "value".
 struct OverrideContainer {
-  /// A section, and a row in it.
+  /// Section and row of a kind in a list.
   using IndexPath = std::pair<std::size_t, std::size_t>;
 
+  /// The override.
   Override value;
 
-  /// The kinds in the sections and the order in which they are shown. Lives as long as the process.
+  /// The kinds in sections, in the order of display. Never destroyed.
   static const std::vector<std::vector<OverrideKindInfo>>& all();
-  /// The kinds by their place in all(); made anew by each call.
+  /// The kinds by their position in all(); a new map on each call.
   static std::map<IndexPath, OverrideKindInfo> allByIndex();
-  /// The identifiers of all kinds, in the order of their look-up, which is that of all().
+  /// The identifiers of all kinds, in the order of all().
   static std::span<const std::string_view> supportedTypes();
 
   bool operator==(const OverrideContainer&) const = default;

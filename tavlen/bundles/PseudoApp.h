@@ -8,12 +8,15 @@
 
 namespace tavlen {
 
-/// What a list shows of an app, apart from the app itself.
+/// The values that a list shows of an app, without a handle on the app.
 struct PseudoApp {
+  /// The bundle identifier.
   std::string bundleID;
+  /// The name to show.
   std::string displayName;
   /// The app bundle's folder.
   std::filesystem::path bundle;
+  /// The icon, if there is one.
   std::optional<Image> icon;
 
   bool operator==(const PseudoApp&) const = default;

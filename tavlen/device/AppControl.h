@@ -4,8 +4,8 @@
 
 namespace tavlen {
 
-/// Ends the running app of that identifier, if there is one, by killProcessWithPID(). Blocks until
-/// that is done and reports no failure. Threads: any.
+/// Ends the app with the identifier `bundleID` by killProcessWithPID(), if it is running. Blocks
+/// until that is done; failures are not reported. Threads: any.
 void killAppWithBundleID(const std::string& bundleID);
 
 }  // namespace tavlen

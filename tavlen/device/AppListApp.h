@@ -5,12 +5,13 @@
 
 namespace tavlen {
 
-/// An app as a fetcher reports it.
+/// An installed app, as a fetcher reports it. A plain value.
 struct AppListApp {
+  /// The bundle identifier.
   std::string bundleID;
-  /// The name to show.
+  /// The name to show the user.
   std::string displayName;
-  /// The app bundle's folder.
+  /// The app bundle's folder, as a host path.
   std::filesystem::path bundle;
 
   bool operator==(const AppListApp&) const = default;

@@ -6,12 +6,12 @@
 
 namespace tavlen {
 
-/// Where an app list gets its apps from.
+/// A source of the apps in an app list.
 class AppListFetcher {
  public:
   virtual ~AppListFetcher() = default;
 
-  /// All apps that a tweak can be made for. What cannot be read is left out.
+  /// Returns all apps that tweaks can be made for, without unreadable ones. Threads: any.
   virtual std::vector<AppListApp> fetchAllApps() const = 0;
 };
 

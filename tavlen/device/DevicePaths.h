@@ -2,25 +2,26 @@
 
 #include <string_view>
 
-/// Where things lie on the device, as its absolute paths; DeviceRoot says where that is here.
+/// Paths on the device, absolute. DeviceRoot::resolve() turns them into host paths.
 namespace tavlen {
 
-/// Holds everything that the product stores for its user.
+/// The folder with everything that the product stores for its user.
 inline constexpr std::string_view kApplicationSupportDir =
     "/var/mobile/Library/Application Support/Marrowgleam";
-/// The stored tweaks, a folder each, and the collections, a file each.
+/// The stored tweaks, each a folder, and collections, each a file.
 inline constexpr std::string_view kTweaksDir =
     "/var/mobile/Library/Application Support/Marrowgleam/Tweaks";
-/// A folder an app, named by its bundle identifier, with the record of its active tweak.
+/// A folder for each app, named by its bundle identifier, with the record of its active tweak.
 inline constexpr std::string_view kInstalledTweaksDir =
     "/var/mobile/Library/Application Support/Marrowgleam/Installed Tweaks";
-/// For the installation code of the product; the library does not read it.
+/// Used by the product's installation code; the library does not read it.
 inline constexpr std::string_view kTweakLibrariesDir = "/usr/lib/Marrowgleam";
-/// The name of the record's file.
+/// The file name of that record.
 inline constexpr std::string_view kTweakInfoFilename = "TweakInfo.plist";
-/// The program that does what needs privileges.
+/// The privileged file-operations helper.
 inline constexpr std::string_view kFileOperationsPath =
     "/Applications/Marrowgleam.app/bin/kvfileops";
+/// The system's crash logs.
 inline constexpr std::string_view kCrashReporterDir = "/var/mobile/Library/Logs/CrashReporter";
 
 }  // namespace tavlen

@@ -15,32 +15,31 @@ namespace tavlen {
 
 namespace {
 
-/// What a rootless jailbreak keeps under its prefix.
+/// The folders that a rootless jailbreak keeps below its prefix.
 constexpr std::array<std::string_view, 3> kPrefixedFolders = {"/bin", "/usr",
                                                               "/Applications/Marrowgleam.app"};
 
 std::mutex sharedLock;
-/// Never destroyed: other threads may ask while the process ends.
+/// Never destroyed: other threads may use it while the process ends.
 DeviceRoot& sharedRoot() {
   static DeviceRoot& root = *new DeviceRoot;
   return root;
 }
 
-/// Absolute, without "." and "..", and without a slash at the end.
+/// Makes a path absolute, without "." and "..", and without a trailing slash.
 std::filesystem::path normalised(const std::filesystem::path& path) {
   std::filesystem::path normal = ("/" / path).lexically_normal();
   return normal.has_filename() || normal == "/" ? normal : normal.parent_path();
 }
 
-/// The components of `path` before those of `rest`.
+/// Inserts the components of `path` before those of `rest`.
 void putBefore(std::deque<std::filesystem::path>& rest, const std::filesystem::path& path) {
   const std::filesystem::path relative = path.relative_path();
   rest.insert(rest.begin(), relative.begin(), relative.end());
 }
 
-/// `path`, absolute on the device, with the symbolic links below `root` followed as the device
-/// does: an absolute one begins at the root again, and ".." stops there. What does not exist stays
-/// as it is.
+/// Resolves the symbolic links in `path`, an absolute path on the device, as the device does: an
+/// absolute target starts at `root` again, and ".." stops there. Missing components are kept.
 std::filesystem::path withoutLinks(const std::filesystem::path& root,
                                    const std::filesystem::path& path) {
   constexpr int kMostLinks = 40;

@@ -8,40 +8,43 @@
 
 namespace tavlen {
 
-/// Where the device's file system lies: the folder that stands for its "/".
+/// The folder that is the device's "/" on this machine.
 ///
-/// Paths of the device are constants with their documented values; everybody who opens one asks
-/// here first. On a device nothing changes: the root is "/". A copied or mounted device tree, and
-/// every test, names another.
+/// Paths on the device are constants with their documented values; resolve them here before opening
+/// them. On a device the root is "/", and nothing changes. A copied or mounted device tree, and
+/// every test, sets another root. A plain value.
 class DeviceRoot {
  public:
-  /// `root` is made absolute. `prefix` is the device's folder under which a rootless jailbreak
-  /// keeps programs and libraries ("/var/jb"): it is put before paths in /bin, /usr and the tool's
-  /// own application, once: a path that begins with it already stays.
+  /// `root` is made absolute. `prefix` is the folder in which a rootless jailbreak keeps programs
+  /// and libraries ("/var/jb"). resolve() puts it before paths in /bin, /usr and the tool's own
+  /// application, unless they already begin with it.
   explicit DeviceRoot(const std::filesystem::path& root = "/", std::string_view prefix = {});
 
-  /// The root of the process. Threads: both may be called from any thread; it is to be set before
-  /// the first use of anything that reads the device.
+  /// The root of the process. Threads: any. Set it before the first use of anything that reads the
+  /// device.
   static DeviceRoot shared();
+  /// Sets the root of the process. Threads: any.
   static void setShared(DeviceRoot root);
 
+  /// The root folder, as a host path.
   const std::filesystem::path& url() const { return root_; }
+  /// Whether this machine is the device: the root is "/".
   bool isDevice() const { return root_ == "/"; }
 
-  /// Where the device's absolute path `devicePath` lies here. Its ".." do not leave the root. Below
-  /// any root but "/", neither do its symbolic links, the last component's included: they are
-  /// followed here, as the device does, so that the result is no link. Throws std::system_error
-  /// (ELOOP) for links in a circle.
+  /// The host path of the device's absolute path `devicePath`. ".." does not leave the root. Below
+  /// any root but "/", symbolic links are resolved as the device does, including the last
+  /// component's, so they do not leave the root either and the result is not a link. Throws
+  /// std::system_error (ELOOP) for a cycle of links.
   std::filesystem::path resolve(std::string_view devicePath) const;
-  /// The device's name for `path`, which resolve() gave or which lies below the root; `path` itself
-  /// when it does not.
+  /// The device's path for the host path `path`, if it lies below the root; else `path` itself. The
+  /// inverse of resolve(), except for links.
   std::filesystem::path devicePath(const std::filesystem::path& path) const;
 
-  /// Whether `path`, a host path, lies below a root other than "/", where links are the device's.
+  /// Whether the host path `path` lies below a root other than "/", where links are the device's.
   bool hasOwnLinksAt(const std::filesystem::path& path) const;
 
-  /// Where `path`, a host path, leads by the device's links: as resolve() for one below any root
-  /// but "/", `path` itself otherwise.
+  /// Follows the device's links in the host path `path` if hasOwnLinksAt() it; else returns it
+  /// unchanged. The result is no link. Throws like resolve().
   std::filesystem::path follow(const std::filesystem::path& path) const;
   /// The same, but where the last component itself is a link, the link.
   std::filesystem::path followParent(const std::filesystem::path& path) const;
@@ -55,7 +58,7 @@ class DeviceRoot {
 
  private:
   std::filesystem::path root_;
-  std::filesystem::path prefix_;  ///< empty when there is none
+  std::filesystem::path prefix_;  ///< empty without a rootless jailbreak
 };
 
 }  // namespace tavlen

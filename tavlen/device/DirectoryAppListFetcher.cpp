@@ -18,7 +18,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// The folder that `entry` is, or leads to.
+/// The folder that `entry` is or links to, with the device's links; nothing for other entries.
 std::optional<fs::path> folderAt(const DeviceRoot& root, const fs::directory_entry& entry) {
   try {
     if (!entry.is_symlink())
@@ -26,13 +26,13 @@ std::optional<fs::path> folderAt(const DeviceRoot& root, const fs::directory_ent
     fs::path place = root.follow(entry.path());
     if (fs::is_directory(place)) return place;
   } catch (const std::system_error&) {
-    // It is gone by now, or a link in a circle.
+    // The entry has vanished, or is part of a cycle of links.
   }
   return std::nullopt;
 }
 
-/// Calls `visit` with the name and the place of each folder in `folder`, in no order.
-/// Nothing happens where it cannot be read.
+/// Calls `visit` with name and path of each folder in `folder`, in no particular order. Ignores a
+/// folder that cannot be read.
 void visitFolders(const DeviceRoot& root, const fs::path& folder,
                   FunctionRef<void(const fs::path& name, fs::path place)> visit) {
   std::error_code error;
@@ -43,7 +43,8 @@ void visitFolders(const DeviceRoot& root, const fs::path& folder,
   }
 }
 
-/// The device's folder `devicePath` here; one that does not exist when links lead nowhere.
+/// The host path of the device's folder `devicePath`; a path that does not exist when its links
+/// form a cycle.
 fs::path placeOf(const DeviceRoot& root, const char* devicePath) {
   try {
     return root.resolve(devicePath);

@@ -9,20 +9,22 @@
 
 namespace tavlen {
 
-/// The apps that lie in the folders of a device tree, sorted by path, without services and hidden
-/// apps.
+/// Finds the apps in the application folders of a device tree, sorted by path, without services and
+/// hidden apps.
 ///
-/// An app is a folder "*.app" with an Info.plist that holds a string "CFBundleIdentifier"; what
-/// cannot be read is no app. Symbolic links are followed as on the device, so that none leads out
-/// of the tree; a folder that several of them name is one app. Threads: any.
+/// An app is a folder "*.app" whose Info.plist has a string "CFBundleIdentifier". Unreadable ones
+/// are ignored. Symbolic links are followed as on the device, so they do not lead out of the tree;
+/// a folder with several links to it is one app. Threads: any.
 class DirectoryAppListFetcher final : public AppListFetcher {
  public:
+  /// Searches the tree of `root`.
   explicit DirectoryAppListFetcher(DeviceRoot root);
 
+  /// All apps; reads the tree on each call.
   std::vector<AppListApp> fetchAllApps() const override;
 
-  /// Calls `visit` with each app of the list, in its order, and the Info.plist, which is read just
-  /// once. What `visit` throws passes.
+  /// Calls `visit` with each of these apps, in order, and its Info.plist, to save reading it again.
+  /// Exceptions of `visit` propagate.
   void visitAllApps(FunctionRef<void(const AppListApp& app, const PropertyList& info)> visit) const;
 
  private:

@@ -3,25 +3,26 @@
 #include <filesystem>
 #include <string>
 
-/// The calls of the privileged file-operations helper, which does what the library itself may not.
+/// Calls of the privileged file-operations helper, for changes that this process may not make
+/// itself.
 ///
-/// Paths are host paths, already resolved. Each blocks until the helper has ended and throws
-/// Process::Error for its failure: posixSpawn(ENOENT) where it is missing. The helper takes its
-/// device root from TAVLEN_ROOT in the environment, which it inherits; whoever sets another root
-/// sets that, too. Threads: any.
+/// Paths are resolved host paths. Each call blocks until the helper has ended, and throws
+/// Process::Error when it fails: posixSpawn(ENOENT) when it is missing. The helper reads its device
+/// root from TAVLEN_ROOT in the environment that it inherits; set it together with DeviceRoot.
+/// Threads: any.
 namespace tavlen::FileOperations {
 
-/// Where the helper lies: DevicePrograms tells. Empty where there is none.
+/// The path of the helper, as DevicePrograms names it. Empty if there is none.
 std::filesystem::path helper();
-/// Whether a program is there.
+/// Whether the helper exists and can be executed.
 bool isAvailable();
 
-/// Leaves `directory`, which lies directly in the folder of installed tweaks, empty when a tweak
-/// follows, and gone when none does.
+/// Empties `directory`, an app's folder directly in the folder of installed tweaks. Also removes it
+/// unless `isFollowedByTweak`.
 void cleanUp(const std::filesystem::path& directory, bool isFollowedByTweak);
-/// Copies `source` to `destination`, whose last component is the source's.
+/// Copies `source` to `destination`. Both must have the same last component.
 void copy(const std::filesystem::path& source, const std::filesystem::path& destination);
-/// Gathers the crash logs of the app in `directory`.
+/// Copies the crash logs of the app `bundleID` to `directory`.
 void fetchLogs(const std::string& bundleID, const std::filesystem::path& directory);
 
 }  // namespace tavlen::FileOperations

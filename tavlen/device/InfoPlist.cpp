@@ -12,7 +12,7 @@ namespace tavlen {
 
 namespace {
 
-/// Thousands of times what apps have; a sparse file of any size is made in no time.
+/// Thousands of times the size that apps need. A sparse file of any size is quick to create.
 constexpr std::size_t kLargestInfoPlist = std::size_t{16} << 20;
 
 }  // namespace

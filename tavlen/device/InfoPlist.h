@@ -7,10 +7,11 @@
 
 namespace tavlen {
 
+/// The file name in an app bundle.
 inline constexpr const char* kInfoPlistFilename = "Info.plist";
 
-/// The bytes of the Info.plist in the folder `bundle`, 16 MiB at the most (EFBIG). A symbolic link
-/// in its place is followed as the device does. Throws std::system_error.
+/// The bytes of the Info.plist in the folder `bundle`, at most 16 MiB (EFBIG). If it is a symbolic
+/// link, it is followed as on the device. Throws std::system_error. Threads: any.
 std::string readInfoPlist(const DeviceRoot& root, const std::filesystem::path& bundle);
 
 }  // namespace tavlen

@@ -11,7 +11,7 @@ namespace tavlen::InstalledRecords {
 
 namespace {
 
-/// A record is some hundred bytes; a file of another's making may have any size.
+/// A record takes some hundred bytes, but a foreign file may have any size.
 constexpr std::size_t kLargestRecord = std::size_t{1} << 20;
 
 }  // namespace
@@ -29,7 +29,7 @@ std::optional<TweakInfo> record(const std::string& bundleID) {
     if (!bytes) return std::nullopt;
     return decodeKeyedArchive<TweakInfo>(*bytes);
   } catch (const std::exception&) {
-    // Whatever stands there instead of a record, no tweak is active.
+    // Whatever file is in the record's place, no tweak is active.
     return std::nullopt;
   }
 }

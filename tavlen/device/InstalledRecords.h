@@ -7,21 +7,21 @@
 
 #include "tavlen/device/TweakInfo.h"
 
-/// The records of the tweaks that are installed on the device, one an app.
+/// The records of the tweaks that are installed on the device, one for each app.
 ///
-/// Threads: any; nobody is kept from writing while somebody reads.
+/// Threads: any. Readers do not block writers.
 namespace tavlen::InstalledRecords {
 
 /// Posted when the active tweak of an app has changed. The user info holds texts: "bundleID", and
-/// "tweakID" when a tweak is active now.
+/// "tweakID" if a tweak is active now.
 inline constexpr std::string_view kDidChangeNotification = "InstalledTweaksDidChange";
 
-/// The folder of the app's installed tweak and its record, as the device names it. `bundleID` must
-/// be one plain component.
+/// The folder with the app's installed tweak and its record, as a path on the device. `bundleID`
+/// must be a single path component.
 std::string directory(const std::string& bundleID);
 
-/// The record for that app; nothing when there is none, or none that can be read, and for an
-/// identifier that cannot name a folder.
+/// The app's record. Returns nothing when it is missing or unreadable, and when `bundleID` cannot
+/// be the name of a folder.
 std::optional<TweakInfo> record(const std::string& bundleID);
 
 }  // namespace tavlen::InstalledRecords

@@ -13,7 +13,7 @@ namespace {
 
 using namespace ObjCRuntime;
 
-/// What the object answers; nil when it does not know the question, as on an older system.
+/// The object's answer; nil when it does not implement the selector, as on older systems.
 id ask(id object, const char* selector) {
   return respondsTo(object, selector) ? send(object, selector) : nullptr;
 }

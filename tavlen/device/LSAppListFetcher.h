@@ -4,13 +4,14 @@
 
 namespace tavlen {
 
-/// The apps of the system's application workspace, a private class that is looked up by name: none
-/// where it is missing. In the workspace's order, without services, placeholders and hidden apps.
+/// Lists the apps of the system's application workspace, a private class that is looked up by name;
+/// without the class the list is empty. In the workspace's order, without services, placeholders
+/// and hidden apps.
 ///
-/// An app that answers what nobody expects, or raises an exception, is left out; the others stay.
-/// Threads: any.
+/// Apps that return unexpected values or raise an exception are left out. Threads: any.
 class LSAppListFetcher final : public AppListFetcher {
  public:
+  /// All apps; asks the workspace on each call.
   std::vector<AppListApp> fetchAllApps() const override;
 };
 

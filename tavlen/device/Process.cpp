@@ -9,7 +9,7 @@
 
 namespace tavlen {
 
-// The documents speak of 32 bits.
+// Errors are documented with 32-bit numbers.
 static_assert(sizeof(pid_t) == sizeof(std::int32_t));
 
 namespace {
@@ -39,7 +39,7 @@ Process::Process(std::string path, std::vector<std::string> arguments)
 
 void Process::launch() {
   pid_.reset();
-  // The system would take the text before the NUL, which may name another file.
+  // The system would use only the text before the NUL, which may name another file.
   if (holdsNUL(path_) || std::any_of(arguments_.begin(), arguments_.end(), holdsNUL)) {
     throw Error::posixSpawn(EINVAL);
   }
@@ -80,7 +80,8 @@ std::string Process::Error::description() const {
 }
 
 std::optional<Process::Error> Process::Error::ofStatus(int status) {
-  // By the documented masks, the same on every system; a stop is read as an exit on purpose.
+  // Decode with documented masks, which are the same on every system. A stop is read as an exit on
+  // purpose.
   const auto bits = static_cast<std::uint32_t>(status);
   const std::uint32_t low = bits & 0x7FU;
   if (low != 0 && low != 0x7F) return signalled(static_cast<std::int32_t>(low));

@@ -11,34 +11,37 @@
 
 namespace tavlen {
 
-/// A child program that is run to its end. It inherits the caller's environment and none of the
-/// library's descriptors.
+/// Runs a child program to its end. It inherits the caller's environment and none of the library's
+/// descriptors.
 ///
 /// Threads: one object one thread at a time; objects share nothing.
 class Process {
  public:
+  /// The ways in which a run fails.
   enum class ErrorCase {
-    posixSpawn,   ///< the launch failed; the number is the call's error
+    posixSpawn,   ///< the launch failed; the number is the error of posix_spawn()
     waitpid,      ///< waiting failed; the number is errno
-    signalled,    ///< ended by the signal of that number
-    terminated,   ///< ended with that exit status, or was stopped by that signal
-    notLaunched,  ///< there was nothing to wait for; no number
+    signalled,    ///< killed by the signal with that number
+    terminated,   ///< ended with that exit status, or stopped by that signal
+    notLaunched,  ///< wait without a launch; no number
   };
   class Error;
 
-  /// `path` is looked up along PATH when it has no slash. `arguments` is the whole vector, the
-  /// program's own name at its beginning included.
+  /// Prepares a run. A `path` without a slash is searched for in PATH. `arguments` is the whole
+  /// argument vector, beginning with the program's name.
   Process(std::string path, std::vector<std::string> arguments);
 
+  /// The path as given.
   const std::string& path() const { return path_; }
+  /// The arguments as given.
   const std::vector<std::string>& arguments() const { return arguments_; }
-  /// The child's identifier; nothing before a launch that succeeded.
+  /// The child's identifier; nothing before a successful launch.
   std::optional<pid_t> pid() const { return pid_; }
 
-  /// Throws Error::posixSpawn, with EINVAL for a NUL in the path or an argument, of which the child
-  /// would see only the beginning. Every launch is to be followed by a wait.
+  /// Starts the child. Throws Error::posixSpawn, with EINVAL for a NUL in the path or an argument,
+  /// where the child would see only the text before it. Call waitUntilExit() after each launch.
   void launch();
-  /// Blocks until the child has ended. Returns for exit status 0 only; throws Error otherwise.
+  /// Blocks until the child has ended. Throws Error unless it exited with status 0.
   void waitUntilExit();
 
  private:
@@ -47,21 +50,28 @@ class Process {
   std::optional<pid_t> pid_;
 };
 
-/// How a run failed. It has neither key nor text: its description is the case with its number,
+/// The failure of a run. It has no localized text; its description is the case with its number:
 /// "terminated(3)".
 class Process::Error : public CasedError<Process::ErrorCase> {
  public:
+  /// `error` is an errno value.
   static Error posixSpawn(std::int32_t error);
+  /// `error` is an errno value.
   static Error waitpid(std::int32_t error);
+  /// `signal` is the signal's number.
   static Error signalled(std::int32_t signal);
+  /// `code` is the exit status or the stop signal.
   static Error terminated(std::int32_t code);
+  /// No child was launched.
   static Error notLaunched();
 
+  /// The number of the case; 0 for notLaunched.
   std::int32_t number() const { return number_; }
+  /// The case with its number.
   std::string description() const override;
 
-  /// What a status of waitpid says: nothing for success. A stopped child counts as ended, with the
-  /// stop signal as its code.
+  /// The error for a status of waitpid(); nothing for success. A stopped child counts as
+  /// terminated, with the stop signal as its code.
   static std::optional<Error> ofStatus(int status);
 
  private:

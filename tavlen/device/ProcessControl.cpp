@@ -19,8 +19,8 @@ void runSilently(const std::filesystem::path& program, const char* argument) {
 
 pid_t killProcess(const char* path, const char* argument) {
   pid_t child = -1;
-  // Where nothing was started there is nothing to wait for: with what is then in `child`, waiting
-  // could take the status of somebody else's child.
+  // Without a child there is nothing to wait for: `child` is then unspecified, and waiting for it
+  // could reap another child of this process.
   if (detail::spawn(path, {path, "-9", argument}, detail::ProgramLookup::exact, child) != 0) {
     return -1;
   }

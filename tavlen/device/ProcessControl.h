@@ -2,17 +2,17 @@
 
 #include <sys/types.h>
 
-/// Ending programs of the device by its own kill and killall, as DevicePrograms names them. Nothing
-/// here reports a failure: a program that is missing and a process that survives leave no trace; a
-/// caller that wants to tell looks whether the program is there. All block until the program that
-/// they start has ended. Threads: any.
+/// Ends processes of the device with its own kill and killall programs, which DevicePrograms names.
+/// Failures are not reported, neither a missing program nor a process that survives; check for the
+/// program if that matters. All calls block until the program has ended. Threads: any.
 namespace tavlen {
 
-/// Runs `path`, a host path that is not searched for, with the arguments "-9" and `argument`, and
-/// waits. The child's pid, or -1 where it was not started or could not be waited for.
+/// Runs `path`, a host path that is not searched for in PATH, with the arguments "-9" and
+/// `argument`, and waits for it. Returns the child's pid, or -1 when it could not be started or
+/// waited for.
 pid_t killProcess(const char* path, const char* argument);
 
-/// Ends the process `pid` of the device; one below 1, which would mean several, is left alone.
+/// Ends the process `pid`. Values below 1, which mean groups of processes, are ignored.
 void killProcessWithPID(pid_t pid);
 
 /// Restarts the home screen.

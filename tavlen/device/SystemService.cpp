@@ -12,11 +12,11 @@ namespace {
 
 using namespace ObjCRuntime;
 
-/// To be called inside runGuarded().
+/// Call only inside runGuarded().
 id sharedService() { return send(classNamed("FBSSystemService"), "sharedService"); }
 
-// What follows builds autoreleased objects and is to be called inside runGuarded(), too. Null where
-// a text is malformed: the system would take a part of it, or raise an exception.
+// The functions below create autoreleased objects; call them only inside runGuarded(). They return
+// null for malformed text, of which the system would use a part or raise an exception.
 
 id makeDictionary() { return send(classNamed("NSMutableDictionary"), "dictionary"); }
 
@@ -54,7 +54,7 @@ std::string descriptionOf(id error) {
   return description.value_or("unknown error");
 }
 
-/// What the system's thread calls.
+/// Called on the system's thread.
 void complete(const OpenCompletion& completion, id error) {
   const AutoreleasePool pool;
   completion(error == nullptr ? std::nullopt : std::optional(descriptionOf(error)));
@@ -79,7 +79,7 @@ std::optional<pid_t> pidForApplication(const std::string& bundleID) {
       pid = send<pid_t>(service, "pidForApplication:", identifier);
     }
   });
-  // Anything below would address a group of processes, or all of them.
+  // Values below 1 would address a group of processes, or all.
   if (pid < 1) return std::nullopt;
   return pid;
 }

@@ -7,30 +7,31 @@
 #include <optional>
 #include <string>
 
-/// The system's service that knows and opens apps, a private class that is looked up by name.
+/// The system's service that knows and opens apps: a private class that is looked up by name.
 namespace tavlen::SystemService {
 
-/// Whether the class and its shared object are there: on a device they are.
+/// Whether the class and its shared object exist, as they do on a device. Threads: any.
 bool isAvailable();
 
-/// The pid of the running app; nothing when it does not run or the service is missing. Never below
-/// 1. Threads: any.
+/// The pid of a running app, at least 1; nothing when it is not running or the service is missing.
+/// Threads: any.
 std::optional<pid_t> pidForApplication(const std::string& bundleID);
 
+/// How an app is opened.
 struct OpenOptions {
-  bool isSuspended = false;  ///< the app starts without coming to the front
-  /// Variables that the app's process gets in addition to its own.
+  bool isSuspended = false;  ///< start the app without bringing it to the front
+  /// Environment variables for the app's process, in addition to its own.
   std::map<std::string, std::string> environment;
 };
 
-/// Takes the description of an error, or nothing where the app was opened. Must not throw.
+/// Receives the description of an error, or nothing when the app was opened. Must not throw.
 using OpenCompletion = std::function<void(const std::optional<std::string>& error)>;
 
-/// Asks the system to open the app and returns without waiting for that.
+/// Asks the system to open the app and returns at once.
 ///
-/// `completion` is the system's to call, from any thread: soon, late, several times or never; it is
-/// kept for as long as the system keeps it. Where the system cannot be asked, it is called with an
-/// error at once, on this thread. Threads: any.
+/// The system calls `completion` on any thread: soon, late, several times or never, and keeps it as
+/// long as it likes. When the system cannot be asked, it is called at once, on this thread, with an
+/// error. Threads: any.
 void openApplication(const std::string& bundleID, const OpenOptions& options,
                      OpenCompletion completion);
 

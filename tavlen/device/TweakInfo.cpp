@@ -9,7 +9,7 @@ namespace tavlen {
 
 namespace {
 
-/// The bytes behind the URL, or nothing when it cannot be read.
+/// The contents of the file at `url`; nothing when it cannot be read.
 std::optional<std::string> contentsOf(const URL& url) {
   const auto devicePath = url.path();
   if (!devicePath) return std::nullopt;

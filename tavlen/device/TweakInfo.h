@@ -12,29 +12,33 @@
 
 namespace tavlen {
 
-/// The record of the tweak that is installed for an app, stored as a keyed archive. Any member may
-/// be absent in a record that was read.
+/// The record of the tweak installed for an app, stored as a keyed archive. Any member may be
+/// absent in a record that was read.
 struct TweakInfo {
-  /// The name of the class in archives.
+  /// The class name in archives.
   static constexpr std::string_view archivedClassName = "TweakInfo";
-  /// In bytes. A larger file is none of an icon: it counts as one that cannot be read.
+  /// The largest icon file that is read, in bytes. A larger one counts as unreadable.
   static constexpr std::uintmax_t kLargestIcon = std::uintmax_t{64} << 20;
 
+  /// An empty record.
   TweakInfo() = default;
+  /// A record without an icon.
   TweakInfo(std::string appID, std::string tweak)
       : bundleID(std::move(appID)), tweakID(std::move(tweak)) {}
 
+  /// The app's bundle identifier.
   std::optional<std::string> bundleID;
+  /// The identifier of the installed tweak.
   std::optional<std::string> tweakID;
-  /// The icon that replaces the app's own, by its path on the device.
+  /// The icon that replaces the app's own, as a path on the device.
   std::optional<URL> customIconURL;
 
-  /// Whether the home screen must be restarted when this record takes the place of `other`: when
-  /// one of them alone has an icon, or the bytes of the two icons differ. Only file URLs are read,
-  /// through the device root; two icons that cannot be read do not differ. No record is a record
-  /// without an icon.
+  /// Whether the home screen must be restarted when this record replaces `other`: when only one of
+  /// them has an icon, or when the bytes of the icons differ. Reads only file URLs, through the
+  /// device root; two unreadable icons are equal. No record counts as one without an icon.
   bool shouldRespringAfterChangingFromOther(const std::optional<TweakInfo>& other) const;
 
+  /// The coded fields, for archives.
   static constexpr auto codedFields() {
     return std::tuple{
         optionalField("bundleID", &TweakInfo::bundleID),

@@ -109,7 +109,7 @@ TEST(AppListDeathTest, SharedListChoosesItsFetcher) {
   EXPECT_EXIT(std::exit(sharedListIsOfTheSystem() ? 0 : 1), good, "");
   EXPECT_EXIT(std::exit(sharedListIsOfTheTree() ? 0 : 1), good, "");
   EXPECT_EXIT(std::exit(sharedListIsOfTheHost() ? 0 : 1), good, "");
-  EXPECT_DEATH(setSharedFetcherTooLate(), "in use already");
+  EXPECT_DEATH(setSharedFetcherTooLate(), "already in use");
 }
 
 }  // namespace

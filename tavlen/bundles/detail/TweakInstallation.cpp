@@ -28,12 +28,18 @@ namespace {
 
 namespace fs = std::filesystem;
 
+/// One replacement of an app's active tweak: build the package, move the old installation aside,
+/// move the package into place, write the record, notify observers, restart the app.
+///
+/// This process may lack the permission to change the installed tweaks. Each step tries the change
+/// itself and, where only a permission is missing, has the helper make it: cleanUp() of
+/// FileOperations finishes the removal, its copy() replaces a rename or a write.
 class Installation {
  public:
   explicit Installation(const Info& app)
       : app_(app),
         directory_(InstalledRecords::directory(app.bundleID)),
-        // A link in the place of the folder itself is not followed: it is the helper's to remove.
+        // A link in the place of the folder itself is not followed; the helper removes it.
         target_(root_.resolve(kInstalledTweaksDir) / app.bundleID),
         installed_(InstalledRecords::record(app.bundleID)) {
     next_.bundleID = app.bundleID;
@@ -67,7 +73,7 @@ class Installation {
     try {
       announce();
     } catch (...) {
-      // An observer's trouble is not the app's.
+      // An observer's failure must not keep the app from being restarted.
       takeEffect(shouldRespring);
       throw;
     }
@@ -75,15 +81,16 @@ class Installation {
   }
 
  private:
-  /// Next to the folder of installed tweaks, for the same volume; a link to that folder is
-  /// followed.
+  /// The folder that contains the installed tweaks, to work on the same volume. On a device
+  /// resolve() does not follow links.
   fs::path workParent() const {
     fs::path installedTweaks = root_.resolve(kInstalledTweaksDir);
     if (root_.isDevice()) installedTweaks = fs::weakly_canonical(installedTweaks);
     return installedTweaks.parent_path();
   }
 
-  /// The record names its icon where it will lie; now it still lies in `package`.
+  /// Whether the icon changes. The record has the icon's final path, but its file is still in
+  /// `package`.
   bool iconChanges(const fs::path& package) const {
     TweakInfo packaged = next_;
     const std::optional<fs::path> icon =
@@ -97,7 +104,7 @@ class Installation {
     return packaged.shouldRespringAfterChangingFromOther(installed_);
   }
 
-  /// The record comes last, so that a failure leaves none rather than one of half a tweak.
+  /// The record comes last: after a failure there is none, rather than one of an incomplete tweak.
   void putInPlace(const fs::path& package, const std::string& archive) const {
     for (const fs::directory_entry& entry : fs::directory_iterator(package)) {
       moveOrCopyByHelper(entry.path(), target_ / entry.path().filename());
@@ -127,10 +134,10 @@ class Installation {
 
   const DeviceRoot root_ = DeviceRoot::shared();
   const Info& app_;
-  std::string directory_;               ///< of the app, as the device names it
-  fs::path target_;                     ///< the same, here
-  std::optional<TweakInfo> installed_;  ///< before
-  TweakInfo next_;                      ///< after
+  std::string directory_;               ///< the app's folder, as a path on the device
+  fs::path target_;                     ///< the same folder, as a host path
+  std::optional<TweakInfo> installed_;  ///< the record before
+  TweakInfo next_;                      ///< the record after
 };
 
 }  // namespace

@@ -7,9 +7,8 @@ namespace tavlen {
 class InstallableTweak;
 struct Info;
 
-/// Makes `tweak`, or none when it is null, the active tweak of the app that says `target` of
-/// itself; its identifier is one plain component. The work of IPA::setActiveTweak(), whose errors
-/// it throws.
+/// Implements IPA::setActiveTweak() for the app with the Info `target`, with the same errors. The
+/// app's identifier must be a single path component.
 void installActiveTweak(const Info& target, const InstallableTweak* tweak);
 
 }  // namespace tavlen

@@ -12,7 +12,7 @@ std::string appDisplayName(FunctionRef<std::optional<std::string>(const char* ke
     std::optional<std::string> name = infoText(key);
     if (name) return std::move(*name);
   }
-  // A folder's name is any bytes, a name to show is text.
+  // A folder's name is arbitrary bytes, but the result must be text.
   return wellFormedUTF8(bundle.stem().native());
 }
 

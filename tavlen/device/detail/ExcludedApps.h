@@ -5,10 +5,10 @@
 
 namespace tavlen {
 
-/// The bundle identifiers of system services that are never listed as apps, in ascending order.
+/// The bundle identifiers of system services, which are never listed as apps, in ascending order.
 std::span<const std::string_view> excludedApps();
 
-/// Whether `bundleID` is one of them, by its exact bytes.
+/// Whether `bundleID` is one of these, case-sensitively.
 bool isExcludedApp(std::string_view bundleID);
 
 }  // namespace tavlen

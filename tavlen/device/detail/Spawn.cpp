@@ -14,7 +14,7 @@ namespace tavlen::detail {
 
 namespace {
 
-/// A copy of the arguments in the form that the system takes.
+/// A copy of the arguments in the form of the system call.
 class ArgumentVector {
  public:
   explicit ArgumentVector(const std::vector<std::string>& arguments) : texts_(arguments) {
@@ -32,7 +32,7 @@ class ArgumentVector {
 
 char** environmentOfProcess() {
 #if defined(__APPLE__)
-  return *_NSGetEnviron();  // `environ` itself is the main program's only
+  return *_NSGetEnviron();  // only the main program has `environ` itself
 #else
   return environ;
 #endif

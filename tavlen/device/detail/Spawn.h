@@ -5,22 +5,23 @@
 #include <string>
 #include <vector>
 
-/// Starting children and waiting for them, for the device's programs; users of the library have
+/// Starting of children and waiting for them, for the device's programs. Users of the library have
 /// Process. Threads: any.
 namespace tavlen::detail {
 
+/// How the program is found.
 enum class ProgramLookup {
   exact,
   alongPath,  ///< along PATH, for a name without a slash
 };
 
-/// Starts `path` with `arguments`, the whole vector, and the caller's environment; without file
-/// actions and attributes. The error number of the call; for 0, `child` is set and is to be waited
-/// for.
+/// Starts `path` with `arguments`, the whole vector, and the caller's environment, without file
+/// actions and attributes. Returns the error number of posix_spawn(). For 0, `child` is set and
+/// must be waited for.
 int spawn(const char* path, const std::vector<std::string>& arguments, ProgramLookup lookup,
           pid_t& child);
 
-/// waitpid() without options, called again when a signal interrupts it.
+/// waitpid() without options, retried when a signal interrupts it.
 pid_t waitForChild(pid_t child, int& status);
 
 }  // namespace tavlen::detail

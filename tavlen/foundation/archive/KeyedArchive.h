@@ -17,29 +17,31 @@
 #include "tavlen/foundation/files/URL.h"
 #include "tavlen/foundation/plist/PropertyListSerialization.h"
 
-/// Records in keyed archives, by the same table as in every other format.
+/// Records in keyed archives, coded by the same field table as in every other format.
 ///
-/// A record names its class, `static constexpr std::string_view archivedClassName`. Every field is
-/// written, an absent one as nil; when reading, an absent or nil field is empty, whether the table
-/// requires it or not, as on the platform. A std::shared_ptr to a record keeps its identity: what
-/// is shared is written once and is shared again after reading.
+/// A record names its class: `static constexpr std::string_view archivedClassName`. All fields are
+/// written, absent ones as nil. When reading, absent and nil fields are empty, even if the table
+/// requires them, as on the platform. A std::shared_ptr to a record keeps its identity: a shared
+/// record is written once and is shared again after reading.
 namespace tavlen {
 
+/// A record that names its archived class.
 template <class T>
 concept ArchivedRecord = CodedRecord<T> && requires {
   { T::archivedClassName } -> std::convertible_to<std::string_view>;
 };
 
-/// The archived form of one type: `encode(archiver, value)`, which gives what stands under a key,
-/// and `decode(unarchiver, stored, value&)`, with `value` as it was made. `stored` is what stands
-/// under the key, or for an object that object itself, which is not nil.
+/// The archived form of one type: `encode(archiver, value)` returns the value to store under a key,
+/// and `decode(unarchiver, stored, value&)` fills a default-constructed `value`. `stored` is the
+/// value under the key; for objects it is the object itself, which is not nil.
 template <class T>
 struct ArchiveCoding;
 
-/// Texts, arrays, records: what stands under a key is a reference. Arrays hold nothing else.
+/// Types stored as references to objects: texts, arrays, records. Arrays hold only these.
 template <class T>
 concept ArchivedObject = ArchiveCoding<T>::isObject;
 
+/// A boolean, stored inline.
 template <>
 struct ArchiveCoding<bool> {
   static constexpr bool isObject = false;
@@ -51,6 +53,7 @@ struct ArchiveCoding<bool> {
   }
 };
 
+/// A text.
 template <>
 struct ArchiveCoding<std::string> {
   static constexpr bool isObject = true;
@@ -62,6 +65,7 @@ struct ArchiveCoding<std::string> {
   }
 };
 
+/// A URL.
 template <>
 struct ArchiveCoding<URL> {
   static constexpr bool isObject = true;
@@ -73,6 +77,7 @@ struct ArchiveCoding<URL> {
   }
 };
 
+/// An object or nil.
 template <ArchivedObject Value>
 struct ArchiveCoding<std::optional<Value>> {
   static constexpr bool isObject = true;
@@ -85,6 +90,7 @@ struct ArchiveCoding<std::optional<Value>> {
   }
 };
 
+/// An array of objects.
 template <ArchivedObject Element>
 struct ArchiveCoding<std::vector<Element>> {
   static constexpr bool isObject = true;
@@ -95,18 +101,19 @@ struct ArchiveCoding<std::vector<Element>> {
   }
   static void decode(KeyedUnarchiver& unarchiver, PropertyList::Index stored,
                      std::vector<Element>& value) {
-    // Room for more is made while they come: each may be a mere reference to the same nothing.
+    // Do not reserve for all: the count may be large and each element a reference to the same empty
+    // object.
     constexpr std::size_t kExpected = 64;
     unarchiver.elements(stored, [&](PropertyList::Index element, std::size_t count) {
       if (value.empty()) value.reserve(std::min(count, kExpected));
-      // A reference takes a byte in the archive; a growing vector holds its elements twice.
+      // A reference takes a byte in the archive, and a growing vector holds its elements twice.
       unarchiver.chargeBytes(2 * sizeof(Element));
       ArchiveCoding<Element>::decode(unarchiver, element, value.emplace_back());
     });
   }
 };
 
-/// The record's table in the form that the unarchiver walks.
+/// The record's table of fields in the form that the unarchiver uses; compare kFieldDecoders.
 template <ArchivedRecord Record>
 inline constexpr auto kArchivedFields = []<std::size_t... I>(std::index_sequence<I...>) {
   return std::array<KeyedUnarchiver::Field, sizeof...(I)>{KeyedUnarchiver::Field{
@@ -125,6 +132,7 @@ inline constexpr auto kArchivedFields = []<std::size_t... I>(std::index_sequence
 }
 (std::make_index_sequence<std::tuple_size_v<decltype(Record::codedFields())>>{});
 
+/// A record: an object of its class.
 template <ArchivedRecord Record>
 struct ArchiveCoding<Record> {
   static constexpr bool isObject = true;
@@ -148,12 +156,13 @@ struct ArchiveCoding<Record> {
   }
 };
 
+/// A shared record; null is nil.
 template <ArchivedRecord Record>
 struct ArchiveCoding<std::shared_ptr<Record>> {
   static constexpr bool isObject = true;
   static PropertyList::Index encode(KeyedArchiver& archiver, const std::shared_ptr<Record>& value) {
     if (value == nullptr) return archiver.null();
-    // Whoever has one owner only is met once.
+    // A record with a single owner is met only once.
     const void* const identity = value.use_count() == 1 ? nullptr : value.get();
     return ArchiveCoding<Record>::encode(archiver, *value, identity);
   }
@@ -161,23 +170,24 @@ struct ArchiveCoding<std::shared_ptr<Record>> {
                      std::shared_ptr<Record>& value) {
     const void* const type = &kArchivedFields<Record>;
     const bool isShared = unarchiver.isShared(stored);
-    if (isShared) value = std::static_pointer_cast<Record>(unarchiver.made(stored, type));
+    if (isShared) value = std::static_pointer_cast<Record>(unarchiver.sharedResult(stored, type));
     if (value != nullptr) return;
     value = std::make_shared<Record>();
     ArchiveCoding<Record>::decode(unarchiver, stored, *value);
-    if (isShared) unarchiver.made(stored, type) = value;
+    if (isShared) unarchiver.sharedResult(stored, type) = value;
   }
 };
 
-/// A keyed archive, in binary, whose root is `value`: a record or a vector. Throws EncodingError.
+/// Encodes `value`, a record or a vector, as the root of a binary keyed archive. Throws
+/// EncodingError.
 template <ArchivedObject T>
 std::string encodeKeyedArchive(const T& value) {
   KeyedArchiver archiver;
   return archiver.finish(ArchiveCoding<T>::encode(archiver, value));
 }
 
-/// The root of a keyed archive of either form, as a T. Throws DecodingError; a root that is nil is
-/// valueNotFound.
+/// Decodes the root of a keyed archive, in either form of property list, as a T. Throws
+/// DecodingError; valueNotFound for a nil root.
 template <ArchivedObject T>
 T decodeKeyedArchive(std::string_view bytes) {
   const PropertyList list = readPropertyList(bytes);

@@ -11,24 +11,24 @@ namespace tavlen {
 
 namespace {
 
-/// What stands for nil. A text like it is written as a mutable string, an object around it.
+/// The stored form of nil. The text "$null" itself is therefore written as a mutable string object.
 constexpr std::string_view kNullText = "$null";
 
 }  // namespace
 
-/// The objects that are open: one more while it lives.
-class KeyedArchiver::Inside {
+/// RAII nesting counter.
+class KeyedArchiver::Nesting {
  public:
-  explicit Inside(KeyedArchiver& archiver) : archiver_(archiver) {
+  explicit Nesting(KeyedArchiver& archiver) : archiver_(archiver) {
     if (archiver_.depth_ == kDeepest) {
       throw EncodingError::invalidValue("nested deeper than " + std::to_string(kDeepest) +
                                         " objects");
     }
     ++archiver_.depth_;
   }
-  ~Inside() { --archiver_.depth_; }
-  Inside(const Inside&) = delete;
-  Inside& operator=(const Inside&) = delete;
+  ~Nesting() { --archiver_.depth_; }
+  Nesting(const Nesting&) = delete;
+  Nesting& operator=(const Nesting&) = delete;
 
  private:
   KeyedArchiver& archiver_;
@@ -50,7 +50,7 @@ KeyedArchiver::Index KeyedArchiver::add(Index object) {
 }
 
 KeyedArchiver::Index KeyedArchiver::key(std::string_view text) {
-  // There are few, so this is faster than hashing.
+  // There are few keys, so a linear search is faster than hashing.
   const auto known = std::find_if(keys_.begin(), keys_.end(),
                                   [&](const auto& entry) { return entry.first == text; });
   if (known != keys_.end()) return known->second;
@@ -93,12 +93,12 @@ KeyedArchiver::Index KeyedArchiver::object(std::string_view className, FunctionR
     const auto known = identities_.find(identity);
     if (known != identities_.end()) return known->second;
   }
-  const Inside inside(*this);
+  const Nesting nesting(*this);
   const std::size_t number = reserve();
   if (identity != nullptr) identities_.emplace(identity, references_[number]);
   const std::size_t first = members_.size();
   members();
-  // The format numbers a class after all that its first object holds.
+  // The class comes last: the format numbers it after everything that its first object contains.
   member("$class", classNamed(className));
   objects_[number] = takeMembers(first);
   return references_[number];
@@ -118,7 +118,7 @@ KeyedArchiver::Index KeyedArchiver::text(std::string_view text) {
   if (!isValidUTF8(text)) throw EncodingError::invalidValue("the string is not valid UTF-8");
   const Index place = list_.add(text);
   texts_.add(hash, place);
-  return add(place);  // which lies right behind the text
+  return add(place);  // its reference follows the text in the list
 }
 
 KeyedArchiver::Index KeyedArchiver::textOfNull() {
@@ -142,8 +142,9 @@ KeyedArchiver::Index KeyedArchiver::array(std::size_t count,
     elements.reserve(count);
     for (std::size_t i = 0; i < count; ++i) {
       elements.push_back(element(i));
-      // Read back, it would be refused.
-      if (elements.back() == null_) throw EncodingError::invalidValue("an array holds no nil");
+      // A reader would refuse it.
+      if (elements.back() == null_)
+        throw EncodingError::invalidValue("an array cannot contain nil");
     }
     member("NS.objects", list_.add(PropertyList::Array{elements}));
   });

@@ -15,67 +15,73 @@
 
 namespace tavlen {
 
-/// Writes objects in the form of the platform's NSKeyedArchiver, in binary; encodeKeyedArchive() is
-/// what records use.
+/// Writes objects in the binary form of the platform's NSKeyedArchiver. Records use
+/// encodeKeyedArchive().
 ///
-/// An object has its number from when it is met; its members follow in the order of their writing,
-/// then its class. Equal texts are one object. What each function gives is the value that stands
-/// for the object under a key. Errors are EncodingErrors: a text that is no valid UTF-8, objects
-/// more than `kDeepest` deep. Keys and names of classes are constants: the views are kept.
+/// Objects are numbered in pre-order: the object, its members in the order of writing, then its
+/// class. Equal texts are one object. Every function returns the value to store under a key,
+/// usually a UID. Throws EncodingError for a text that is not valid UTF-8 and for objects nested
+/// more than `kDeepest` deep. Keys and class names must be constants: the views are kept.
 class KeyedArchiver {
  public:
+  /// An index in the property list.
   using Index = PropertyList::Index;
 
+  /// Maximum nesting of objects.
   static constexpr std::size_t kDeepest = 512;
 
+  /// An empty archive.
   KeyedArchiver();
 
-  /// The absent object.
+  /// The value for nil.
   Index null() const { return null_; }
+  /// Writes a text.
   Index text(std::string_view text);
-  /// A URL without a base.
+  /// Writes a URL without a base.
   Index url(std::string_view absoluteString);
+  /// Writes an array of `count` objects; `element(i)` writes and returns one. Throws EncodingError
+  /// for a nil element.
   Index array(std::size_t count, FunctionRef<Index(std::size_t i)> element);
-  /// An object that `members` writes by member(). The object that stands behind an `identity` is
-  /// written once, even if it holds itself; without one each call writes an object.
+  /// Writes an object whose members `members` adds by member(). An object with an `identity` is
+  /// written once, even if it contains itself; without one, each call writes a new object.
   Index object(std::string_view className, FunctionRef<void()> members,
                const void* identity = nullptr);
 
-  /// It stands under its key itself: it is no object, which arrays hold.
+  /// A boolean is stored inline, without a UID, and is therefore not allowed in an array.
   Index boolean(bool value);
 
-  /// Within object(): the next member.
+  /// Adds a member to the object that is being written by object().
   void member(std::string_view key, Index value);
 
-  /// The archive whose root is `root`. The archiver is spent afterwards.
+  /// Returns the archive with the root `root`. The archiver must not be used afterwards.
   std::string finish(Index root);
 
  private:
-  class Inside;
+  class Nesting;
 
-  /// A number for an object that follows.
+  /// Reserves the next object number.
   std::size_t reserve();
-  /// Gives the reference to it.
+  /// Appends `object` to the archive; returns the reference to it.
   Index add(Index object);
-  /// Makes the dictionary of the members from `firstMember` on.
+  /// Turns the members from `firstMember` on into a dictionary.
   Index takeMembers(std::size_t firstMember);
   Index key(std::string_view text);
-  /// The reference to the class, which is written when it is met first.
+  /// The reference to a class; writes the class at its first use.
   Index classNamed(std::string_view name);
   Index textOfNull();
   Index strings(std::initializer_list<std::string_view> texts);
 
   PropertyList list_;
   Index null_ = 0;
-  std::vector<Index> objects_;                 ///< by number
-  std::vector<Index> references_;              ///< to them
-  std::vector<PropertyList::Member> members_;  ///< of the objects that are open
+  std::vector<Index> objects_;                 ///< by object number
+  std::vector<Index> references_;              ///< to the objects, by object number
+  std::vector<PropertyList::Member> members_;  ///< of the unfinished objects
   std::size_t depth_ = 0;
   std::vector<std::pair<std::string_view, Index>> keys_;
   std::vector<std::pair<std::string_view, Index>> classes_;
-  HashIndex texts_;                ///< texts, by their places in the list
-  std::optional<Index> nullText_;  ///< the reference to the text that means nil elsewhere
-  std::array<std::optional<Index>, 2> booleans_;  ///< false and true
+  HashIndex texts_;                ///< by their indices in the list
+  std::optional<Index> nullText_;  ///< the reference to the text "$null", once it is written
+  std::array<std::optional<Index>, 2> booleans_;  ///< inline values of false and true
   std::unordered_map<const void*, Index> identities_;
 };
 

@@ -29,19 +29,19 @@ std::string_view stringUnder(const PropertyList& list, Index dictionary, std::st
 
 }  // namespace
 
-/// The objects that are open: one more while it lives.
-class KeyedUnarchiver::Inside {
+/// RAII nesting counter.
+class KeyedUnarchiver::Nesting {
  public:
-  explicit Inside(KeyedUnarchiver& unarchiver) : unarchiver_(unarchiver) {
+  explicit Nesting(KeyedUnarchiver& unarchiver) : unarchiver_(unarchiver) {
     if (unarchiver_.depth_ == kDeepest) {
       throw DecodingError::dataCorrupted("nested deeper than " + std::to_string(kDeepest) +
                                          " objects");
     }
     ++unarchiver_.depth_;
   }
-  ~Inside() { --unarchiver_.depth_; }
-  Inside(const Inside&) = delete;
-  Inside& operator=(const Inside&) = delete;
+  ~Nesting() { --unarchiver_.depth_; }
+  Nesting(const Nesting&) = delete;
+  Nesting& operator=(const Nesting&) = delete;
 
  private:
   KeyedUnarchiver& unarchiver_;
@@ -49,13 +49,13 @@ class KeyedUnarchiver::Inside {
 
 KeyedUnarchiver::KeyedUnarchiver(const PropertyList& list) : list_(list), budget_(list) {
   if (stringUnder(list, list.root(), "$archiver") != "NSKeyedArchiver") {
-    throw invalidArchive("It names another archiver, or none.");
+    throw invalidArchive("Its archiver is not NSKeyedArchiver.");
   }
   const auto version = list.find(list.root(), "$version");
   if (!version || list.integer(*version) != 100000) throw invalidArchive("Its version is unknown.");
   const auto objects = list.find(list.root(), "$objects");
   const auto array = objects ? list.get<PropertyList::Array>(*objects) : std::nullopt;
-  if (!array) throw invalidArchive("It holds no objects.");
+  if (!array) throw invalidArchive("It has no objects.");
   objects_ = array->elements;
   const auto top = list.find(list.root(), "$top");
   const auto root = top ? list.find(*top, kRootKey) : std::nullopt;
@@ -106,7 +106,7 @@ bool KeyedUnarchiver::isKind(Index classObject, std::string_view className) {
       return list_.get<std::string_view>(name) == className;
     });
   }
-  // A proper archive has a handful; a list without end would make each search longer.
+  // A normal archive has few classes. Without a limit, a hostile one would make each search longer.
   constexpr std::size_t kMostKinds = 16;
   if (isKind && kinds_.size() < kMostKinds) kinds_.push_back(kind);
   return isKind;
@@ -135,7 +135,7 @@ std::string_view KeyedUnarchiver::text(Index object) {
   return budget_.chargedText(text ? *text : inlineText(object));
 }
 
-/// A mutable string is an object around its text.
+/// A mutable string is an object that contains its text.
 std::string_view KeyedUnarchiver::inlineText(Index object) {
   constexpr std::string_view kExpected = "a string";
   if (list_.kind(object) != PropertyList::Kind::dictionary) {
@@ -150,7 +150,7 @@ std::string_view KeyedUnarchiver::inlineText(Index object) {
 }
 
 URL KeyedUnarchiver::url(Index object) {
-  const Inside inside(*this);
+  const Nesting nesting(*this);
   checked(object, "NSURL");
   const auto relative = list_.find(object, "NS.relative");
   if (!relative) throw DecodingError::keyNotFound("NS.relative");
@@ -171,7 +171,7 @@ URL KeyedUnarchiver::url(Index object) {
 
 void KeyedUnarchiver::elements(Index object,
                                FunctionRef<void(Index element, std::size_t count)> element) {
-  const Inside inside(*this);
+  const Nesting nesting(*this);
   checked(object, "NSArray");
   const auto objects = list_.find(object, "NS.objects");
   if (!objects) return;
@@ -189,7 +189,7 @@ void KeyedUnarchiver::elements(Index object,
 
 void KeyedUnarchiver::record(Index object, std::string_view className,
                              std::span<const Field> fields, void* record) {
-  const Inside inside(*this);
+  const Nesting nesting(*this);
   std::array<Index, kMostFields> values;  // NOLINT(*-member-init): as many as there are fields
   std::fill_n(values.begin(), fields.size(), kAbsent);
   for (const PropertyList::Member& member : checked(object, className).members) {

@@ -17,67 +17,77 @@
 
 namespace tavlen {
 
-/// Reads objects in the form of the platform's NSKeyedArchiver from a property list of either form;
-/// decodeKeyedArchive() is what records use.
+/// Reads objects in the form of the platform's NSKeyedArchiver from a property list of either form.
+/// Records use decodeKeyedArchive().
 ///
-/// Nothing is made by the names in the archive: the caller says what it wants, and an object of
-/// another class is an error; one of a subclass is taken, told by "$classes" ("$classhints" are not
-/// looked at). An absent key, the reference 0 and the
-/// string "$null" are nil. Errors are DecodingErrors, the path added on their way out.
+/// An archive stores objects in one table, "$objects"; values under keys refer to them by UID. An
+/// absent key, the UID 0 and the string "$null" are nil. The caller names the class that it
+/// expects: an object of another class is an error, one of a subclass, according to "$classes", is
+/// accepted. Class names in the archive never create anything, and "$classhints" are ignored.
+/// Throws DecodingError; its path is completed while it propagates.
 ///
-/// Bounded, whatever the archive holds: `kDeepest` objects deep (which ends a cycle), and by
+/// The work is limited for any archive: by `kDeepest` nested objects (which ends a cycle) and by
 /// SharedReferenceBudget.
 class KeyedUnarchiver {
  public:
+  /// An index in the property list.
   using Index = PropertyList::Index;
 
+  /// Maximum nesting of objects.
   static constexpr std::size_t kDeepest = 512;
 
-  /// A row of a record's table.
+  /// A row of a record's field table.
   struct Field {
+    /// The field's key.
     std::string_view key;
+    /// Decodes the stored `value` into the field of `record`.
     void (*decode)(KeyedUnarchiver& unarchiver, Index value, void* record);
   };
+  /// Maximum number of fields of a record.
   static constexpr std::size_t kMostFields = 64;
 
-  /// Keeps a reference to `list`. Throws dataCorrupted for what is no keyed archive.
+  /// Keeps a reference to `list`, which must outlive it. Throws dataCorrupted when `list` is not a
+  /// keyed archive.
   explicit KeyedUnarchiver(const PropertyList& list);
 
-  /// The value that stands for the root, to be passed to the functions below.
+  /// The reference to the root, for object().
   Index root() const { return root_; }
 
-  /// The object that `value` refers to; nothing for nil. What follows is given such objects.
+  /// The object to which `value` refers; nothing for nil. The functions below take such objects.
   std::optional<Index> object(Index value) const;
 
-  /// Valid as long as the list.
+  /// Reads a text. Valid as long as the list.
   std::string_view text(Index object);
-  /// A URL with a base is resolved against it.
+  /// Reads a URL, resolved against its base if it has one.
   URL url(Index object);
-  /// Calls `element` with each object of an array, of which none is nil, and with their number.
+  /// Reads an array: calls `element` with each object, none of which is nil, and the number of
+  /// elements.
   void elements(Index object, FunctionRef<void(Index element, std::size_t count)> element);
-  /// Reads an object of the class `className`, a constant, into `record` by its table. The fields
-  /// of absent keys stay as they are.
+  /// Reads an object of the class `className`, a constant, into `record` by its table. Fields
+  /// without a key keep their values.
   void record(Index object, std::string_view className, std::span<const Field> fields,
               void* record);
 
-  /// It stands under its key itself. An integer is taken, too.
+  /// Reads a boolean, which is stored inline. An integer is accepted as well.
   bool boolean(Index value) const;
 
-  /// Whether the archive holds several references to `object`.
+  /// Whether the archive contains several references to `object`.
   bool isShared(Index object) const { return references_[object] > 1; }
-  /// Counts what the caller makes of an element against the limits.
+  /// Charges for memory that the caller allocates for an element. Throws DecodingError.
   void chargeBytes(std::size_t count) { budget_.chargeBytes(count); }
 
-  /// What was made of a shared object, for `type`, a mark of the caller's: null until somebody
-  /// stores it.
-  std::shared_ptr<void>& made(Index object, const void* type) { return made_[{object, type}]; }
+  /// The value that the caller has decoded from a shared object, for reuse; null until the caller
+  /// stores it here. `type` is any address that identifies the caller's type.
+  std::shared_ptr<void>& sharedResult(Index object, const void* type) {
+    return sharedResults_[{object, type}];
+  }
 
  private:
-  class Inside;
+  class Nesting;
 
   void countReferences();
 
-  /// The object's dictionary; it must be of the class or a class below it.
+  /// The object's dictionary. Throws unless it is of the class or of a subclass.
   PropertyList::Dictionary checked(Index object, std::string_view className);
   std::string_view inlineText(Index object);
   bool isKind(Index classObject, std::string_view className);
@@ -87,10 +97,12 @@ class KeyedUnarchiver {
   Index root_ = 0;
   SharedReferenceBudget budget_;
   std::size_t depth_ = 0;
-  /// The classes that objects were found to be of, as asked for.
+  /// Pairs of class objects and names that isKind() has found to match.
   std::vector<std::pair<Index, std::string_view>> kinds_;
-  std::vector<std::uint8_t> references_;  ///< by the index of the object, counted up to two
-  std::map<std::pair<Index, const void*>, std::shared_ptr<void>> made_;
+  /// The number of references to an object, by its index; counts up to two.
+  std::vector<std::uint8_t> references_;
+  /// By object and type.
+  std::map<std::pair<Index, const void*>, std::shared_ptr<void>> sharedResults_;
 };
 
 }  // namespace tavlen

@@ -6,14 +6,16 @@
 
 namespace tavlen {
 
+/// Declared for function types only; see the specialisation below.
 template <class Signature>
 class FunctionRef;
 
-/// A view of a callable, for parameters of virtual functions: no copy, no allocation.
-/// Valid only while the callable lives, so it is passed down and never stored.
+/// A non-owning reference to a callable, for parameters of virtual functions: no copy, no
+/// allocation. Valid only while the callable lives, so pass it down the stack and never store it.
 template <class Result, class... Arguments>
 class FunctionRef<Result(Arguments...)> {
  public:
+  /// Refers to `callable`, which must outlive this object.
   template <class Callable>
   requires(!std::is_same_v<std::remove_cvref_t<Callable>, FunctionRef>)
       FunctionRef(Callable&& callable)  // NOLINT(google-explicit-constructor,
@@ -24,6 +26,7 @@ class FunctionRef<Result(Arguments...)> {
               std::forward<Arguments>(arguments)...);
         }) {}
 
+  /// Calls the callable. Its exceptions propagate.
   Result operator()(Arguments... arguments) const {
     return call_(object_, std::forward<Arguments>(arguments)...);
   }

@@ -7,16 +7,18 @@
 
 namespace tavlen {
 
-/// Finds things that lie elsewhere, in a table of their indices: an open hash table that allocates
-/// once for many things and compares those of equal hashes only.
+/// An open-addressing hash table of indices into storage that the caller owns. It allocates rarely
+/// and compares objects only when their hashes are equal. Threads: one object one thread at a time.
 class HashIndex {
  public:
+  /// A position in the caller's storage.
   using Index = std::uint32_t;
 
+  /// The result of find() when nothing matches; never added.
   static constexpr Index kNone = std::numeric_limits<Index>::max();
 
-  /// The index that was added with this hash and for which `isEqual(index)` says so; kNone when
-  /// there is none.
+  /// Returns the index that was added with this hash and for which `isEqual(index)` is true, or
+  /// kNone.
   template <class IsEqual>
   Index find(std::size_t hash, const IsEqual& isEqual) const {
     if (slots_.empty()) return kNone;
@@ -28,7 +30,8 @@ class HashIndex {
     }
   }
 
-  /// `index` is not kNone and has not been added before.
+  /// Adds `index` under `hash`. `index` is not kNone and has not been added before. Throws
+  /// std::bad_alloc.
   void add(std::size_t hash, Index index);
 
  private:
@@ -40,7 +43,7 @@ class HashIndex {
   std::size_t mask() const { return slots_.size() - 1; }
   void place(Slot slot);
 
-  std::vector<Slot> slots_;  ///< a power of two of them, at the most half of which are taken
+  std::vector<Slot> slots_;  ///< a power of two in size, at most half full
   std::size_t count_ = 0;
 };
 

@@ -6,7 +6,8 @@
 
 namespace tavlen {
 
-/// The number at `position` of `bytes`, which reach far enough, the lowest byte first.
+/// Reads the little-endian number at `position`. `bytes` must hold all of it: the bounds are not
+/// checked.
 template <class Unsigned>
 Unsigned littleEndian(std::string_view bytes, std::size_t position) {
   std::uint64_t value = 0;

@@ -4,16 +4,16 @@
 #include <string>
 #include <system_error>
 
-/// Failures of system calls as exceptions: std::system_error with `subject`, the path or call that
-/// it is about, in the text. Threads: any.
+/// Failures of system calls as std::system_error. The text contains `subject`: the path or the call
+/// that failed. Threads: any.
 namespace tavlen {
 
-/// Throws `code`, an error as errno counts them.
+/// Throws the error `code`, an errno value.
 [[noreturn]] inline void throwSystemError(int code, const std::string& subject) {
   throw std::system_error(code, std::generic_category(), subject);
 }
 
-/// Throws what errno tells.
+/// Throws the error in errno.
 [[noreturn]] inline void throwSystemError(const std::string& subject) {
   throwSystemError(errno, subject);
 }

@@ -4,7 +4,7 @@
 
 namespace tavlen {
 
-/// A new random UUID's text: 36 characters, the hexadecimal digits in upper case. Threads: any.
+/// The text of a new random UUID: 36 characters, hexadecimal digits in upper case. Threads: any.
 std::string newUUIDText();
 
 }  // namespace tavlen

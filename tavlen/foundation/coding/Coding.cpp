@@ -6,8 +6,7 @@ namespace tavlen {
 
 std::int64_t wholeNumberFromKey(std::string_view key) {
   std::string_view digits = key;
-  // from_chars takes a minus sign and no plus sign; a plus sign before a minus sign is none of a
-  // number.
+  // from_chars accepts a minus sign but no plus sign. "+-1" is not a number, so keep its plus sign.
   if (digits.starts_with('+') && !digits.starts_with("+-")) digits.remove_prefix(1);
   std::int64_t value = 0;
   const char* const end = digits.data() + digits.size();

@@ -17,7 +17,7 @@
 #include "tavlen/foundation/coding/Decoder.h"
 #include "tavlen/foundation/coding/Encoder.h"
 
-/// How values are coded, in every format.
+/// The coding of values, independent of the format.
 ///
 /// A record lists its coded fields once, in the order of coding:
 ///
@@ -28,89 +28,101 @@
 ///       }
 ///     };
 ///
-/// A value with a form of its own specialises Coding<T>.
+/// A type with another form specialises Coding<T>. Threads: no function here has state.
 namespace tavlen {
 
-/// A row of a record's table.
+/// A row of a record's table of fields: key, member, and whether decoding requires the key.
 template <class Record, class Member>
 struct CodedField {
-  std::string_view key;
-  Member Record::*member;
-  bool required;
+  std::string_view key;    ///< a constant
+  Member Record::*member;  ///< the coded member
+  bool required;           ///< whether decoding throws when the key is absent
 };
 
+/// A field that is always encoded, and whose absence is DecodingError::keyNotFound.
 template <class Record, class Member>
 constexpr CodedField<Record, Member> requiredField(std::string_view key, Member Record::*member) {
   return {key, member, true};
 }
 
-/// Left out when it is empty; an absent key and a null read as empty.
+/// A field that is left out when it is empty. An absent key and a null are decoded as empty.
 template <class Record, class Value>
 constexpr CodedField<Record, std::optional<Value>> optionalField(
     std::string_view key, std::optional<Value> Record::*member) {
   return {key, member, false};
 }
 
+/// A record with a table of coded fields.
 template <class T>
 concept CodedRecord = requires {
   T::codedFields();
 };
 
-/// The whole number that a table's key stands for: an optional sign and decimal digits, nothing
-/// else. Throws DecodingError::typeMismatch.
+/// Parses the key of a table of numbers: an optional sign and decimal digits, nothing else. Throws
+/// DecodingError::typeMismatch.
 std::int64_t wholeNumberFromKey(std::string_view key);
 
-/// The coding of one type: `encode(encoder, value)` and `decode(decoder, value&)`.
+/// The coding of one type: static functions `encode(encoder, value)` and `decode(decoder, value&)`.
 template <class T>
 struct Coding;
 
+/// Writes `value`. Throws EncodingError for a value that the format cannot hold; the encoder's
+/// output is then incomplete.
 template <class T>
 void encode(Encoder& encoder, const T& value) {
   Coding<T>::encode(encoder, value);
 }
 
+/// Reads into `value`. Throws DecodingError, with the path to the fault; `value` is then
+/// unspecified.
 template <class T>
 void decode(Decoder& decoder, T& value) {
   Coding<T>::decode(decoder, value);
 }
 
+/// A boolean.
 template <>
 struct Coding<bool> {
   static void encode(Encoder& encoder, bool value) { encoder.boolean(value); }
   static void decode(Decoder& decoder, bool& value) { value = decoder.boolean(); }
 };
 
+/// A signed integer; out of range is a DecodingError.
 template <>
 struct Coding<std::int64_t> {
   static void encode(Encoder& encoder, std::int64_t value) { encoder.integer(value); }
   static void decode(Decoder& decoder, std::int64_t& value) { value = decoder.integer(); }
 };
 
+/// An unsigned integer; out of range is a DecodingError.
 template <>
 struct Coding<std::uint64_t> {
   static void encode(Encoder& encoder, std::uint64_t value) { encoder.unsignedInteger(value); }
   static void decode(Decoder& decoder, std::uint64_t& value) { value = decoder.unsignedInteger(); }
 };
 
+/// A floating-point number.
 template <>
 struct Coding<double> {
   static void encode(Encoder& encoder, double value) { encoder.real(value); }
   static void decode(Decoder& decoder, double& value) { value = decoder.real(); }
 };
 
+/// A UTF-8 text.
 template <>
 struct Coding<std::string> {
   static void encode(Encoder& encoder, const std::string& value) { encoder.string(value); }
   static void decode(Decoder& decoder, std::string& value) { value = decoder.string(); }
 };
 
+/// A point in time, in the format's own form.
 template <>
 struct Coding<Date> {
   static void encode(Encoder& encoder, Date value) { encoder.date(value); }
   static void decode(Decoder& decoder, Date& value) { value = decoder.date(); }
 };
 
-/// An element that may be absent is a null; an absent field is left out by its record instead.
+/// An absent array element is a null. For absent fields see optionalField().
 template <class Value>
 struct Coding<std::optional<Value>> {
   static void encode(Encoder& encoder, const std::optional<Value>& value) {
@@ -129,7 +141,7 @@ struct Coding<std::optional<Value>> {
   }
 };
 
-/// A record that is shared by reference, as the record itself; never null.
+/// A shared record is coded like the record itself. It must not be null.
 template <class Record>
 struct Coding<std::shared_ptr<Record>> {
   static void encode(Encoder& encoder, const std::shared_ptr<Record>& value) {
@@ -141,6 +153,7 @@ struct Coding<std::shared_ptr<Record>> {
   }
 };
 
+/// An array. Errors in an element have its index in their path.
 template <class Element>
 struct Coding<std::vector<Element>> {
   static void encode(Encoder& encoder, const std::vector<Element>& value) {
@@ -156,7 +169,7 @@ struct Coding<std::vector<Element>> {
   }
 };
 
-/// A table with decimal whole numbers as its keys.
+/// A table whose keys are decimal integers.
 template <class Value>
 struct Coding<std::map<std::int64_t, Value>> {
   static void encode(Encoder& encoder, const std::map<std::int64_t, Value>& table) {
@@ -171,14 +184,14 @@ struct Coding<std::map<std::int64_t, Value>> {
   static void decode(Decoder& decoder, std::map<std::int64_t, Value>& table) {
     table.clear();
     decoder.members([&](std::string_view key) {
-      // "1" and "01" are one key: the first counts, as for equal texts.
+      // "1" and "01" are the same key. The first one counts, as for equal texts.
       const auto [place, added] = table.try_emplace(wholeNumberFromKey(key));
       if (added) tavlen::decode(decoder, place->second);
     });
   }
 };
 
-/// Writes the fields of `record` into the keyed container that is open.
+/// Writes the fields of `record` into the open keyed container. Throws EncodingError.
 template <CodedRecord Record>
 void encodeFields(Encoder& encoder, const Record& record) {
   const auto encodeField = [&]<class Member>(const CodedField<Record, Member>& field) {
@@ -192,7 +205,9 @@ void encodeFields(Encoder& encoder, const Record& record) {
   std::apply([&](const auto&... field) { (encodeField(field), ...); }, Record::codedFields());
 }
 
-/// The record's table in the form that decoders walk.
+/// The record's table of fields in the form that decoders use, without the record's type: one
+/// FieldDecoder for each entry of `Record::codedFields()`. `I` counts the entries, so that each
+/// captureless lambda can look up its own member at compile time.
 template <CodedRecord Record>
 inline constexpr auto kFieldDecoders = []<std::size_t... I>(std::index_sequence<I...>) {
   return std::array<FieldDecoder, sizeof...(I)>{FieldDecoder{
@@ -206,6 +221,7 @@ inline constexpr auto kFieldDecoders = []<std::size_t... I>(std::index_sequence<
 }
 (std::make_index_sequence<std::tuple_size_v<decltype(Record::codedFields())>>{});
 
+/// A record: a keyed container with its fields.
 template <CodedRecord Record>
 struct Coding<Record> {
   static void encode(Encoder& encoder, const Record& record) {

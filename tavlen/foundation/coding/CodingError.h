@@ -8,18 +8,20 @@
 
 namespace tavlen {
 
-/// What decoding and encoding errors share: a place in the document and a text.
+/// The common base of decoding and encoding errors: a place in the document and a text.
 ///
-/// The description is `path: text`, or the text alone at the document's root. It is not translated.
+/// The description is `path: text`, or only the text at the document's root. It is not translated.
 class CodingError : public LocalizedError {
  public:
+  /// The place of the fault, from the document's root.
   const CodingPath& codingPath() const { return path_; }
-  /// What is wrong, without the place.
+  /// The fault, without the place.
   const std::string& text() const { return text_; }
   std::string description() const override;
 
-  /// Called by containers while the error passes through them.
+  /// Prepends a path element. Containers call these while the error propagates through them.
   void prependKey(std::string_view key) { path_.prependKey(key); }
+  /// The same for an array index.
   void prependIndex(std::size_t index) { path_.prependIndex(index); }
 
  protected:
@@ -30,23 +32,28 @@ class CodingError : public LocalizedError {
   std::string text_;
 };
 
-/// A document that does not hold what was asked of it. The cases and their paths are the
-/// platform's, except that malformed text and numbers have a path here, too.
+/// A document that does not match the requested type. The cases and their paths are the platform's,
+/// except that malformed text and numbers have a path here as well.
 class DecodingError : public CodingError {
+  /// The kinds of faults.
  public:
   enum class Case {
     keyNotFound,    ///< a required key is absent; the path leads to the object that lacks it
-    typeMismatch,   ///< another kind of value stands there
-    valueNotFound,  ///< a null stands where a value is required
+    typeMismatch,   ///< a value of another kind
+    valueNotFound,  ///< a null where a value is required
     dataCorrupted,  ///< the text, or the value at the path, is malformed or out of range
   };
 
+  /// A required key is absent.
   static DecodingError keyNotFound(std::string_view key);
-  /// `expected` and `found` are noun phrases: "a string", "null".
+  /// A value of another kind. `expected` and `found` are noun phrases: "a string", "null".
   static DecodingError typeMismatch(std::string_view expected, std::string_view found);
+  /// A null where `expected` is required.
   static DecodingError valueNotFound(std::string_view expected);
+  /// A malformed value; `text` says why.
   static DecodingError dataCorrupted(std::string text);
 
+  /// The case of this error.
   Case which() const { return case_; }
 
  private:
@@ -55,16 +62,17 @@ class DecodingError : public CodingError {
   Case case_;
 };
 
-/// A value that the format cannot hold: the platform's invalid-value case, the only one there is.
+/// A value that the format cannot hold: the platform's only case.
 class EncodingError : public CodingError {
  public:
+  /// An error with the description `text`.
   static EncodingError invalidValue(std::string text) { return EncodingError(std::move(text)); }
 
  private:
   using CodingError::CodingError;
 };
 
-/// Runs `body`, whose coding errors then lead through `key`.
+/// Runs `body` and returns its result; prepends `key` to the path of its coding errors.
 template <class Body>
 decltype(auto) underKey(std::string_view key, Body&& body) {
   try {
@@ -75,7 +83,7 @@ decltype(auto) underKey(std::string_view key, Body&& body) {
   }
 }
 
-/// Runs `body`, whose coding errors then lead through `index`.
+/// Runs `body` and returns its result; prepends `index` to the path of its coding errors.
 template <class Body>
 decltype(auto) underIndex(std::size_t index, Body&& body) {
   try {

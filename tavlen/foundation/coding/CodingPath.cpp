@@ -9,7 +9,7 @@ void CodingPath::prependKey(std::string_view key) { reversed_.emplace_back(std::
 void CodingPath::prependIndex(std::size_t index) { reversed_.emplace_back(index); }
 
 std::string CodingPath::text() const {
-  // A path as deep as documents may be would fill screens; its two ends tell the place.
+  // A path as deep as a document may be would fill screens. Its two ends identify the place.
   constexpr std::size_t kShownAtEachEnd = 16;
   const std::size_t count = reversed_.size();
   std::string out;
@@ -33,7 +33,7 @@ std::string abbreviated(std::string_view text) {
   constexpr std::size_t kLongest = 200;
   if (text.size() <= kLongest) return std::string(text);
   std::size_t end = kLongest;
-  // Never in the middle of a character.
+  // Do not cut within a character.
   while (end > 0 && isUTF8Continuation(text[end])) --end;
   return std::string(text.substr(0, end)) + "…";
 }

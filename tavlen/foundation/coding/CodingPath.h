@@ -8,18 +8,21 @@
 
 namespace tavlen {
 
-/// Where in a document a value stands: the keys and indices that lead to it.
+/// The keys and indices that lead to a value in a document.
 ///
-/// It is built from the inside outwards while an error unwinds, so that coding itself keeps no
-/// path.
+/// Errors build it from the inside outwards while they propagate, so that successful coding keeps
+/// no path.
 class CodingPath {
  public:
+  /// Adds a key before the path.
   void prependKey(std::string_view key);
+  /// Adds an array index before the path.
   void prependIndex(std::size_t index);
 
+  /// Whether it is the root.
   bool empty() const { return reversed_.empty(); }
-  /// The path as people write it: `hooks[3].args.-1.value`. Overlong keys and
-  /// the middle of an overlong path are left out.
+  /// The path for the reader: `hooks[3].args.-1.value`. Overlong keys, and the middle of an
+  /// overlong path, are replaced by an ellipsis.
   std::string text() const;
 
   bool operator==(const CodingPath&) const = default;
@@ -30,7 +33,7 @@ class CodingPath {
   std::vector<Element> reversed_;
 };
 
-/// `text` cut to what fits a message, with an ellipsis where something is left out.
+/// `text`, shortened with an ellipsis if it is too long for a message.
 std::string abbreviated(std::string_view text);
 
 }  // namespace tavlen

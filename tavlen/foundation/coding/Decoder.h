@@ -12,49 +12,57 @@ namespace tavlen {
 
 class Decoder;
 
-/// One row of a record's table of coded fields, with the record's type forgotten.
+/// A row of a record's table of coded fields, with the record's type erased.
 struct FieldDecoder {
+  /// The field's key.
   std::string_view key;
-  /// An optional field is left as it is when its key is absent, and becomes empty when a null
-  /// stands there.
+  /// Whether the key must exist. An optional field keeps its value when the key is absent, and
+  /// becomes empty when the value is null.
   bool required;
+  /// Decodes the field of `record`.
   void (*decode)(Decoder& decoder, void* record);
 };
 
-/// What a record reads itself from: one implementation a format.
+/// The source from which records decode themselves; each format implements it.
 ///
-/// A decoder stands before one value; each call below reads that value and moves past it. Inside
-/// the callbacks of a container it stands before the member or element, which the callback may
-/// leave unread. A wrong kind of value, a missing key and a malformed number are DecodingErrors;
-/// the path is added on the error's way out. Bounded: 512 containers deep.
+/// A decoder is positioned at one value. Each call below reads that value and moves past it. The
+/// callback of a container is called at each member or element, and may leave it unread. A value of
+/// the wrong kind, a missing key and a malformed number throw DecodingError; its path is completed
+/// while it propagates. At most 512 containers may be nested. Threads: one object one thread at a
+/// time.
 class Decoder {
  public:
   virtual ~Decoder() = default;
 
-  /// Reads a null if one stands here, else reads nothing.
+  /// Reads a null if there is one; returns whether it did.
   virtual bool null() = 0;
+  /// Reads a boolean.
   virtual bool boolean() = 0;
+  /// Reads an integer that fits.
   virtual std::int64_t integer() = 0;
+  /// Reads an unsigned integer that fits.
   virtual std::uint64_t unsignedInteger() = 0;
+  /// Reads a number.
   virtual double real() = 0;
+  /// Reads a text, in UTF-8.
   virtual std::string string() = 0;
+  /// Reads a date.
   virtual Date date() = 0;
 
-  /// Reads a keyed container into `record` by its table. Keys that the table does not hold are
-  /// ignored.
+  /// Reads a keyed container into `record` by its table. Other keys are ignored.
   virtual void record(std::span<const FieldDecoder> fields, void* record) = 0;
-  /// Reads a keyed container of unknown keys: `member` is called for each. A key may come again
-  /// where the format lets it; the value that counts comes first. The key's text is valid during
-  /// the call.
+  /// Reads a keyed container of unknown keys: calls `member` for each. Where the format allows
+  /// equal keys, the first call for a key has the value that counts. `key` is valid during the
+  /// call.
   virtual void members(FunctionRef<void(std::string_view key)> member) = 0;
-  /// Reads an array: `element` is called for each.
+  /// Reads an array: calls `element` for each element.
   virtual void elements(FunctionRef<void()> element) = 0;
 
-  /// The text under `key` in the keyed container that stands here, which stays unread. Valid until
-  /// the next call.
+  /// The text under `key` in the keyed container at the position, which is not moved. Valid until
+  /// the next call. Throws DecodingError when the key is missing or its value is not a text.
   virtual std::string_view peekString(std::string_view key) = 0;
-  /// Runs `read`; if it ends with a DecodingError, the error is dropped, the decoder stands where
-  /// it stood before, and the answer is false.
+  /// Runs `read`. If that throws DecodingError, drops the error, restores the position and returns
+  /// false.
   virtual bool attempt(FunctionRef<void()> read) = 0;
 };
 

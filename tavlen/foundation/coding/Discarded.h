@@ -7,10 +7,11 @@
 namespace tavlen {
 
 /// A field whose value is decoded, so that the document is checked by the same rules, and then
-/// dropped: for summaries of documents whose whole contents are not needed.
+/// dropped. For summaries that do not need the whole document.
 template <class T>
 struct Discarded {};
 
+/// Decodes a T and drops it.
 template <class T>
 struct Coding<Discarded<T>> {
   static void decode(Decoder& decoder, Discarded<T>& /*field*/) {
@@ -19,7 +20,7 @@ struct Coding<Discarded<T>> {
   }
 };
 
-/// One element at a time is held.
+/// Decodes an array, keeping only one element at a time in memory.
 template <class Element>
 struct Coding<Discarded<std::vector<Element>>> {
   static void decode(Decoder& decoder, Discarded<std::vector<Element>>& /*field*/) {

@@ -8,29 +8,40 @@
 
 namespace tavlen {
 
-/// What a record writes itself into: one implementation a format.
+/// The target into which records encode themselves; each format implements it.
 ///
-/// Calls form one value: a scalar, `beginArray`, values, `endArray`, or `beginRecord`, pairs of
-/// `key` and a value, `endRecord`. Errors: EncodingError for a value that the format cannot hold,
-/// with the path added on its way out.
+/// The calls form one value: a scalar; or `beginArray`, values, `endArray`; or `beginRecord`, pairs
+/// of `key` and a value, `endRecord`. Throws EncodingError for a value that the format cannot hold;
+/// its path is completed while it propagates. Threads: one object one thread at a time.
 class Encoder {
  public:
   virtual ~Encoder() = default;
 
-  /// A keyed container, written in the order of its keys. The caller writes each key once.
+  /// Begins a keyed container, written in the order of its keys. The caller writes each key once.
   virtual void beginRecord() = 0;
+  /// Writes the key of the next value.
   virtual void key(std::string_view key) = 0;
+  /// Ends the keyed container.
   virtual void endRecord() = 0;
 
+  /// Begins an array of `count` elements.
   virtual void beginArray(std::size_t count) = 0;
+  /// Ends the array.
   virtual void endArray() = 0;
 
+  /// Writes a null.
   virtual void null() = 0;
+  /// Writes a boolean.
   virtual void boolean(bool value) = 0;
+  /// Writes a signed integer.
   virtual void integer(std::int64_t value) = 0;
+  /// Writes an unsigned integer.
   virtual void unsignedInteger(std::uint64_t value) = 0;
+  /// Writes a floating-point number.
   virtual void real(double value) = 0;
+  /// Writes a UTF-8 text.
   virtual void string(std::string_view value) = 0;
+  /// Writes a date.
   virtual void date(Date value) = 0;
 };
 

@@ -14,7 +14,8 @@
 
 /// Enumerations that documents store as text.
 ///
-/// An enumeration whose values count up from 0 opts in by listing its stored texts in their order:
+/// An enumeration whose values count up from 0 opts in by listing its stored texts in the same
+/// order:
 ///
 ///     template <>
 ///     struct RawValues<Colour> {
@@ -23,9 +24,11 @@
 ///     };
 namespace tavlen {
 
+/// The stored texts of `E`; to be specialised.
 template <class E>
 struct RawValues;
 
+/// An enumeration with stored texts.
 template <class E>
 concept RawValueEnum = std::is_enum_v<E> && requires {
   { RawValues<E>::names.size() } -> std::convertible_to<std::size_t>;
@@ -38,7 +41,7 @@ constexpr std::string_view rawValue(E value) {
   return RawValues<E>::names[static_cast<std::size_t>(value)];
 }
 
-/// Exact match, case and all; nothing for any other text.
+/// The value whose stored text is `text`, case-sensitively; nothing for any other text.
 template <RawValueEnum E>
 constexpr std::optional<E> fromRawValue(std::string_view text) {
   const auto& names = RawValues<E>::names;
@@ -47,7 +50,7 @@ constexpr std::optional<E> fromRawValue(std::string_view text) {
   return static_cast<E>(found - names.begin());
 }
 
-/// Every value, in the order of the declaration.
+/// All values, in the order of declaration.
 template <RawValueEnum E>
 constexpr auto allCases() {
   std::array<E, RawValues<E>::names.size()> cases{};
@@ -55,7 +58,7 @@ constexpr auto allCases() {
   return cases;
 }
 
-/// One string. An unknown one is DecodingError::dataCorrupted.
+/// Coded as one string. An unknown one is DecodingError::dataCorrupted.
 template <RawValueEnum E>
 struct Coding<E> {
   static void encode(Encoder& encoder, E value) { encoder.string(rawValue(value)); }

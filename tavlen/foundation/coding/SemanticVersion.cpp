@@ -15,7 +15,7 @@ constexpr bool isWordCharacter(char character) {
   return isDigit(character) || isLetter(character) || character == '-';
 }
 
-/// Cuts the part before the next dot off the front of `text`.
+/// Removes the part before the next dot from the front of `text` and returns it.
 std::string_view takePart(std::string_view& text) {
   const std::size_t dot = std::min(text.find('.'), text.size());
   const std::string_view part = text.substr(0, dot);
@@ -46,7 +46,8 @@ bool readNumbers(std::string_view text, std::array<std::int64_t, 3>& numbers) {
   return false;
 }
 
-/// A word as it compares: a number without its leading zeros, so that it may have any length.
+/// A word in the form in which it is compared: numbers lose their leading zeros, so that they may
+/// have any length.
 std::string_view significant(std::string_view word) {
   if (isNumber(word)) word.remove_prefix(std::min(word.find_first_not_of('0'), word.size() - 1));
   return word;
@@ -64,7 +65,7 @@ std::weak_ordering compareWords(std::string_view left, std::string_view right) {
 }
 
 std::weak_ordering comparePreReleases(std::string_view left, std::string_view right) {
-  // None at all comes after every pre-release.
+  // A version without a pre-release comes after all its pre-releases.
   if (left.empty() || right.empty()) return left.empty() <=> right.empty();
   while (!left.empty() && !right.empty()) {
     const auto order = compareWords(takePart(left), takePart(right));
@@ -91,7 +92,7 @@ std::optional<SemanticVersion> SemanticVersion::parse(std::string_view text) {
 }
 
 std::string_view SemanticVersion::preRelease() const {
-  // The bound is for a moved-from version, whose text is gone.
+  // Clamped for a moved-from version, whose text is empty.
   return std::string_view(text_).substr(std::min(preReleaseStart_, text_.size()),
                                         preReleaseEnd_ - preReleaseStart_);
 }

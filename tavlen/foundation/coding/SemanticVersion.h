@@ -12,27 +12,30 @@
 
 namespace tavlen {
 
-/// A version such as "14.0" or "1.2.3-beta.1+5" (semver.org 2.0.0), kept as it was written.
+/// A version such as "14.0" or "1.2.3-beta.1+5" (semver.org 2.0.0), which keeps its text. A plain
+/// value.
 ///
 /// Laxer than the standard: the second and third number may be missing and count as zero, and
-/// numbers may have leading zeros. Equality, order and hash go by value: "14" and "14.0.0" are
-/// equal, a pre-release comes before its release, build metadata takes no part.
+/// numbers may have leading zeros. Equality, order and hash use the value: "14" and "14.0.0" are
+/// equal, a pre-release precedes its release, build metadata is ignored.
 class SemanticVersion {
  public:
   /// Version "0".
   SemanticVersion() = default;
 
-  /// One to three numbers up to 2^63-1, then "-" and a pre-release, then "+" and build metadata:
-  /// dot-separated non-empty words of ASCII letters, digits and hyphens. Nothing for any other
-  /// text.
+  /// Parses one to three numbers up to 2^63-1, then an optional "-" and pre-release, then an
+  /// optional "+" and build metadata. These two are dot-separated non-empty words of ASCII letters,
+  /// digits and hyphens. Returns nothing for any other text.
   static std::optional<SemanticVersion> parse(std::string_view text);
 
   /// The text that was parsed.
   const std::string& description() const { return text_; }
 
+  /// Equality by value.
   bool operator==(const SemanticVersion& other) const { return std::is_eq(*this <=> other); }
+  /// Order by value; the text does not count.
   std::weak_ordering operator<=>(const SemanticVersion& other) const;
-  /// Equal for equal versions.
+  /// A hash that is equal for equal versions.
   std::size_t hash() const;
 
  private:
@@ -40,12 +43,12 @@ class SemanticVersion {
 
   std::string text_ = "0";
   std::array<std::int64_t, 3> numbers_{};
-  /// Where the pre-release stands in the text; without one both are its end.
+  /// Offsets of the pre-release in the text; without one both are its end.
   std::size_t preReleaseStart_ = 1;
   std::size_t preReleaseEnd_ = 1;
 };
 
-/// Stored as one string. One that does not parse is DecodingError::dataCorrupted.
+/// Coded as one string. One that does not parse is DecodingError::dataCorrupted.
 template <>
 struct Coding<SemanticVersion> {
   static void encode(Encoder& encoder, const SemanticVersion& value);
@@ -54,7 +57,9 @@ struct Coding<SemanticVersion> {
 
 }  // namespace tavlen
 
+/// Hash for unordered containers.
 template <>
 struct std::hash<tavlen::SemanticVersion> {
+  /// The version's own hash.
   std::size_t operator()(const tavlen::SemanticVersion& version) const { return version.hash(); }
 };

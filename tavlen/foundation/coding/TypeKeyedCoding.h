@@ -11,35 +11,40 @@
 
 namespace tavlen {
 
-/// The key beside a boxed value's own fields that holds the identifier of its kind. It stands in
-/// stored documents.
+/// The key, next to a boxed value's own fields, of the identifier of its kind. Stored documents
+/// contain it.
 inline constexpr std::string_view kTypeKey = "type";
 
-/// `name` without `baseName` at its end: the identifier that is stored for a kind of that name.
+/// `name` without the suffix `baseName`: the stored identifier of a kind of that name.
 constexpr std::string_view identifierWithBaseName(std::string_view name,
                                                   std::string_view baseName) {
   if (name.ends_with(baseName)) name.remove_suffix(baseName.size());
   return name;
 }
 
+/// The tables of a family; only defined for variants.
 template <class Family>
 struct TypeKeyedFamily;
 
-/// What is known of a family of kinds, a variant of coded records that each have a static
-/// `identifier`: tables in the order of its alternatives.
+/// The tables of a family of kinds, in the order of its alternatives. A family is a variant of
+/// coded records that each have a static `identifier`.
 template <class... Kinds>
 struct TypeKeyedFamily<std::variant<Kinds...>> {
+  /// The variant.
   using Family = std::variant<Kinds...>;
+  /// Decodes one kind into the variant.
   using KindDecoder = void (*)(Decoder&, Family&);
 
+  /// The stored identifiers.
   static constexpr std::array<std::string_view, sizeof...(Kinds)> kIdentifiers = {
       Kinds::identifier...};
+  /// The decoders.
   static constexpr std::array<KindDecoder, sizeof...(Kinds)> kDecoders = {
       [](Decoder& decoder, Family& family) {
         decode(decoder, family.template emplace<Kinds>());
       }...};
 
-  /// The place of `identifier` in the tables; their size if no kind has it.
+  /// The index of `identifier` in the tables; their size when no kind has it.
   static std::size_t indexOf(std::string_view identifier) {
     std::size_t index = 0;
     while (index < kIdentifiers.size() && kIdentifiers[index] != identifier) ++index;
@@ -47,15 +52,15 @@ struct TypeKeyedFamily<std::variant<Kinds...>> {
   }
 };
 
-/// A box around one value of a family: a record whose only member is `value`, a variant of kinds.
+/// A box for one value of a family: a record whose only member is `value`, a variant of kinds.
 template <class T>
 concept TypeKeyedContainer = requires(T container) {
   std::variant_size<decltype(container.value)>::value;
   T::supportedTypes();
 };
 
-/// The type key first, then the kind's own fields. When reading, the key may stand anywhere; a
-/// missing one is keyNotFound, an identifier of no kind is dataCorrupted at the key.
+/// Coded with the type key first, then the kind's own fields. When decoding, the key may be
+/// anywhere. A missing key is keyNotFound, an unknown identifier dataCorrupted at the key.
 template <TypeKeyedContainer Container>
 struct Coding<Container> {
   static void encode(Encoder& encoder, const Container& container) {

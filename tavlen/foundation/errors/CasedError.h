@@ -8,18 +8,20 @@
 
 namespace tavlen {
 
-/// An error that is one case of an enumeration; what tells two of a case apart is the payload.
+/// An error that is one case of an enumeration, told apart from others of the same case by its
+/// payload.
 ///
-/// A component's error derives from this and has a static function for each of its cases, which
-/// names the case's text.
+/// Each component derives its error from this class and adds a static function for each case, which
+/// supplies the text.
 template <class ErrorCase>
 class CasedError : public LocalizedError {
  public:
+  /// The component's enumeration.
   using Case = ErrorCase;
 
-  /// What is wrong.
+  /// The case of this error.
   Case which() const { return case_; }
-  /// Whether case and payload are equal; texts follow from the case.
+  /// Compares case and payload; the text follows from the case.
   bool operator==(const CasedError& other) const {
     return case_ == other.case_ && payload() == other.payload();
   }

@@ -14,8 +14,7 @@ const char* LocalizedError::what() const noexcept {
     what_ = description();
     return what_.c_str();
   } catch (...) {
-    return "an error whose description could not be made";  // out of memory: there is nothing else
-                                                            // to say
+    return "an error whose description could not be made";  // out of memory
   }
 }
 

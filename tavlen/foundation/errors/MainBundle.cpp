@@ -19,17 +19,17 @@ namespace {
 struct State {
   std::mutex mutex;
   std::filesystem::path folder;
-  /// None until the first look-up; without entries for a bundle that has no usable table.
+  /// Empty until the first look-up. Without entries when the bundle has no usable table.
   std::optional<StringTable> table;
 };
 
-/// Never destroyed: errors are described until the last thread of the process has ended.
+/// Never destroyed: other threads may describe errors while the process ends.
 State& state() {
   static State& state = *new State;
   return state;
 }
 
-/// Where the table may lie, the best place first.
+/// The folders that may hold the table, the best first.
 std::vector<std::filesystem::path> tableFolders(const std::filesystem::path& bundle) {
   std::vector<std::filesystem::path> folders;
   for (std::string name : localeFallbacks(userLocale())) {
@@ -53,7 +53,7 @@ StringTable readTable(const std::filesystem::path& bundle) {
     try {
       return StringTable::parse(readText(file)).value_or(StringTable());
     } catch (const std::system_error&) {
-      return {};  // a text in English is better than an error about the text of an error
+      return {};  // English text is better than an error about the text of an error
     }
   }
   return {};

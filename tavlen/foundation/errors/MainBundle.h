@@ -7,22 +7,24 @@
 
 namespace tavlen {
 
-/// The folder that holds the host's own resources: its string tables and the transpiler script.
+/// The folder with the host's own resources: its string tables and the transpiler script.
 ///
-/// Threads: all functions may be called from any thread.
+/// Threads: any, for all functions.
 namespace MainBundle {
 
-/// Names the folder and forgets the tables read so far. Empty, the start value, means that there is
-/// none.
+/// Sets the folder and forgets the tables read so far. Empty, the initial value, means that there
+/// is no such folder.
 void setURL(std::filesystem::path folder);
+/// The folder; empty when none was set.
 std::filesystem::path url();
 
-/// The entry of the bundle's table `Localizable.strings` for `text.key`; the English where there is
-/// none, or no table, or one that cannot be read, and for an empty key.
+/// Returns the entry for `text.key` in the bundle's table `Localizable.strings`. Returns the
+/// English text when the key is empty, and when the table is missing, cannot be read or lacks the
+/// key.
 ///
-/// The table is that of the user's language (`zh-Hant-TW.lproj`, `zh-Hant.lproj`, `zh.lproj`; also
-/// with underscores), else `en.lproj`, `Base.lproj` or the bundle itself: the first that is there.
-/// It is read once, so a later change of the file or of the language is not seen before setURL.
+/// The table is the first that exists of the user's language (`zh-Hant-TW.lproj`, `zh-Hant.lproj`,
+/// `zh.lproj`; also with underscores), `en.lproj`, `Base.lproj` and the bundle itself. It is read
+/// once: later changes of the file or of the language take effect after the next setURL().
 std::string localizedString(const LocalizedText& text);
 
 }  // namespace MainBundle

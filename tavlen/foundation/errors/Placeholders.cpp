@@ -8,10 +8,11 @@ namespace tavlen {
 
 namespace {
 
-/// What follows a percent sign, up to and with the conversion.
+/// A placeholder, as read from the text after its percent sign.
 struct Placeholder {
+  /// In bytes, up to and including the conversion letter.
   std::size_t length;
-  /// From 1, or 0 for the next argument in turn.
+  /// From 1; 0 for the next argument in turn.
   std::size_t position;
 };
 
@@ -19,8 +20,8 @@ bool isOneOf(char character, std::string_view set) {
   return set.find(character) != std::string_view::npos;
 }
 
-/// Reads "@", "ld" or "2$@". Flags and widths are left alone: an argument is a finished text, and
-/// "100% done" is no placeholder for anybody who translates it.
+/// Reads "@", "ld" or "2$@". Flags and widths are not read: an argument is a finished text, and a
+/// translator who writes "100% done" does not mean a placeholder.
 std::optional<Placeholder> readPlaceholder(std::string_view text) {
   constexpr std::string_view kLengths = "hlqjztL";
   constexpr std::string_view kConversions = "@dDiuUxXoOcCsSfFgGeEaAp";

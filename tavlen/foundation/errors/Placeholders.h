@@ -6,13 +6,13 @@
 
 namespace tavlen {
 
-/// `format` with its placeholders replaced by `arguments`, in one pass: what an argument holds is
-/// never read again.
+/// Returns `format` with its placeholders replaced by `arguments`. One pass: a percent sign within
+/// an argument is plain text.
 ///
 /// `%@`, `%d`, `%ld` and the other conversions of C, without flags, width and precision, take the
-/// next argument; `%2$@` takes the second; `%%` is a percent sign. Arguments are finished texts, so
-/// the conversion's letter makes no difference. A placeholder without an argument stays as it is
-/// written, and so does a percent sign that begins none.
+/// next argument; `%2$@` takes the second; `%%` is a percent sign. All conversions do the same,
+/// because arguments are finished texts. A placeholder without an argument stays as written, and so
+/// does a percent sign that begins no placeholder.
 std::string fillPlaceholders(std::string_view format, std::span<const std::string> arguments);
 
 }  // namespace tavlen

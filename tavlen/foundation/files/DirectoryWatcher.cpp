@@ -24,14 +24,15 @@ namespace {
 using std::chrono::milliseconds;
 
 constexpr milliseconds kLookInterval(1000);
-/// Even where all folders are watched: a volume of another machine sends no notices.
+/// The sleep ends even when all folders are watched: network volumes send no notices of changes on
+/// other machines.
 constexpr milliseconds kLongestSleep(30'000);
 constexpr milliseconds kSettlingTime(20);
 
 enum class Ready { nothing, notices, end };
 
 Ready waitFor(int notices, std::span<const int> ends, milliseconds atMost) {
-  // For an end nothing is asked: that it is closed is told in any case.
+  // No events are requested for the ends: POLLHUP is always reported.
   std::vector<pollfd> descriptors = {{notices, POLLIN, 0}};
   for (const int end : ends) descriptors.push_back({end, 0, 0});
   const int count = ::poll(descriptors.data(), static_cast<nfds_t>(descriptors.size()),
@@ -69,7 +70,7 @@ void DirectoryWatcher::watch(const std::vector<std::filesystem::path>& folders) 
   watches_ = std::move(watches);
 }
 
-/// Whether one among those that wait is of a change.
+/// Reads all pending notices; returns whether one of them reports a change.
 bool DirectoryWatcher::takeNotices() const {
   bool isChange = false;
   std::array<char, 16'384> buffer;
@@ -80,7 +81,7 @@ bool DirectoryWatcher::takeNotices() const {
       inotify_event event;
       std::memcpy(&event, buffer.data() + at, sizeof(event));
       at += sizeof(event);
-      // Padded with zeros; none where it is about the folder itself.
+      // The name is padded with zeros. There is none when the notice is about the folder itself.
       const bool isHidden = event.len > 0 && buffer.at(at) == '.';
       isChange = isChange || (!isHidden && event.mask != IN_IGNORED);
       at += event.len;

@@ -2,14 +2,14 @@
 
 #include <filesystem>
 
-/// What is on the disk survives a power failure, too. Threads: any.
+/// Data on the disk survives a power failure, not only a crash. Threads: any.
 namespace tavlen {
 
-/// Brings the file's contents to the disk. Throws std::system_error with the path.
+/// Flushes the contents of `file` to the disk. Throws std::system_error with the path.
 void syncFile(const std::filesystem::path& file);
 
-/// Brings the names in `folder` to the disk. Errors are ignored: not every file system can, and
-/// whatever has got a name is whole either way.
+/// Flushes the names in `folder` to the disk. Errors are ignored: not every file system supports
+/// this, and every file that has a name is complete either way.
 void syncFolder(const std::filesystem::path& folder);
 
 }  // namespace tavlen

@@ -12,7 +12,7 @@ namespace tavlen {
 std::filesystem::path executablePath() {
 #if defined(__APPLE__)
   std::uint32_t size = 0;
-  _NSGetExecutablePath(nullptr, &size);  // tells the size that it needs
+  _NSGetExecutablePath(nullptr, &size);  // stores the required size
   std::string path(size, '\0');
   _NSGetExecutablePath(path.data(), &size);
   return std::filesystem::canonical(path.c_str());

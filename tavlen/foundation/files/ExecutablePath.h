@@ -4,8 +4,8 @@
 
 namespace tavlen {
 
-/// The file of the running program, links resolved. Throws std::system_error where the system does
-/// not tell.
+/// The path of the running program's file, symbolic links resolved. Throws std::system_error when
+/// the system does not tell it. Threads: any.
 std::filesystem::path executablePath();
 
 }  // namespace tavlen

@@ -12,12 +12,13 @@ namespace {
 
 constexpr std::uint64_t kLargestOffset = std::numeric_limits<off_t>::max();
 
-/// `write` is given the bytes that are left, and gives what the system's call does.
+/// Writes all of `bytes`. `write` is called with the remaining bytes and returns what the system
+/// call returns.
 template <class Write>
 void writeAll(std::string_view bytes, const std::string& shown, const Write& write) {
   while (!bytes.empty()) {
     const ssize_t count = retryOnInterrupt([&] { return write(bytes); });
-    // A write of nothing could be repeated for ever.
+    // A write of zero bytes would be repeated for ever.
     if (count <= 0) throwSystemError(count < 0 ? errno : EIO, shown);
     bytes.remove_prefix(static_cast<std::size_t>(count));
   }

@@ -18,9 +18,9 @@ fs::path folderOf(const fs::path& file) {
   return file.has_parent_path() ? file.parent_path() : fs::path(".");
 }
 
-/// The file that `path` leads to, through links; one to nothing leads to where it points.
+/// Follows symbolic links, also a dangling one, to the path that it names.
 fs::path resolved(fs::path path) {
-  constexpr int kMostLinks = 40;  // as the system counts them
+  constexpr int kMostLinks = 40;  // the system's own limit
   std::error_code error;
   for (int links = 0; fs::is_symlink(path, error); ++links) {
     if (links == kMostLinks) throwSystemError(ELOOP, path);
@@ -32,7 +32,7 @@ fs::path resolved(fs::path path) {
 FileDescriptor openedFolder(const fs::path& folder, const fs::path& file) {
   FileDescriptor opened =
       FileDescriptor::tryOpenAt(AT_FDCWD, folder.c_str(), O_RDONLY | O_DIRECTORY);
-  // A folder that may not be listed can take a file all the same.
+  // A folder without read permission may still be writable.
   if (!opened && errno == EACCES) {
     opened = FileDescriptor::tryOpenAt(AT_FDCWD, folder.c_str(), kOpenToPass & ~O_NOFOLLOW);
   }
@@ -40,7 +40,7 @@ FileDescriptor openedFolder(const fs::path& folder, const fs::path& file) {
   return opened;
 }
 
-/// The state of the file that is replaced; nothing where there is none yet.
+/// The status of the file that is replaced; nothing if it does not exist yet.
 std::optional<struct stat> replacedFile(int folder, const std::string& name, const fs::path& file) {
   if (name.empty()) throwSystemError(EISDIR, file);
   struct stat status {};
@@ -49,19 +49,20 @@ std::optional<struct stat> replacedFile(int folder, const std::string& name, con
     throwSystemError(file);
   }
   if (S_ISDIR(status.st_mode)) throwSystemError(EISDIR, file);
-  // A pipe or a device would be gone.
+  // Replacing a pipe or a device would destroy it.
   if (!S_ISREG(status.st_mode)) throwSystemError(EINVAL, file);
   return status;
 }
 
-/// `folder`, without what crashes left there.
+/// Returns `folder` after the removal of what crashes left there.
 int swept(const FileDescriptor& folder) {
   sweepTemporaryFiles(folder.get());
   return folder.get();
 }
 
 void copyPermissions(const struct stat& from, const FileDescriptor& to, const fs::path& file) {
-  // First, as it clears bits of the mode. What another owns stays theirs where we may give it away.
+  // Owner first: chown() clears mode bits. A file of another owner keeps that owner where the
+  // system allows it.
   const bool isOurs = from.st_uid == ::geteuid() && from.st_gid == ::getegid();
   if (!isOurs && ::fchown(to.get(), from.st_uid, from.st_gid) != 0 && errno != EPERM) {
     throwSystemError(file);
@@ -78,7 +79,7 @@ FileReplacement::FileReplacement(const fs::path& file, const fs::path& target,
                                  std::string_view contents)
     : FileReplacement(openedFolder(folderOf(target), file), target.filename(), file, contents) {}
 
-// The plain mode, so that a new file gets its permissions as any other, by the process's mask.
+// Mode 0666: a new file gets its permissions from the process's umask, like any other.
 FileReplacement::FileReplacement(FileDescriptor folder, std::string name, fs::path shown,
                                  std::string_view contents)
     : file_(std::move(shown)),
@@ -86,7 +87,7 @@ FileReplacement::FileReplacement(FileDescriptor folder, std::string name, fs::pa
       name_(std::move(name)),
       temporary_(swept(folder_), {}, 0666, file_) {
   const std::optional<struct stat> replaced = replacedFile(folder_.get(), name_, file_);
-  // Before the contents, which a private file must not show for a moment.
+  // Before the contents, so that a private file never exposes them.
   if (replaced) copyPermissions(*replaced, temporary_.descriptor(), file_);
   temporary_.descriptor().write(contents, file_);
   temporary_.finish();

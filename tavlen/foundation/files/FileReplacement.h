@@ -9,39 +9,41 @@
 
 namespace tavlen {
 
-/// New contents for a file, which take its place whole or not at all.
+/// Replaces the contents of a file atomically.
 ///
-/// The bytes lie in a temporary file next to it, already on the disk, until commit() gives them the
-/// name in one step: a reader and a crash find the old file or the new one. Preparing several and
-/// then committing them leaves little that can fail between the first and the last. A symbolic link
-/// is followed; an existing file's permissions stay. Temporary names begin with "."; what a crash
-/// left of them is removed by later replacements in the same folder (sweepTemporaryFiles()).
+/// The constructor writes the bytes to a temporary file in the same folder and flushes it to the
+/// disk; commit() renames it into place. Readers, and a restart after a crash, see the old contents
+/// or the new ones. Prepare several replacements before committing them: little can fail between
+/// the first commit and the last. A symbolic link is followed; an existing file keeps its
+/// permissions. Temporary names begin with "."; later replacements in the same folder remove those
+/// that a crash left (sweepTemporaryFiles()).
 /// Threads: any, one object one thread at a time.
 class FileReplacement {
  public:
-  /// Throws std::system_error with the path, for a folder (EISDIR) or anything else that is no
-  /// regular file (EINVAL) in the file's place, too.
+  /// Prepares the replacement. Throws std::system_error with the path, also when `file` is a folder
+  /// (EISDIR) or anything else that is not a regular file (EINVAL).
   FileReplacement(const std::filesystem::path& file, std::string_view contents);
 
-  /// The file `name`, itself no link, of the folder opened as `folder`; errors call it `shown`.
+  /// Replaces the file `name`, not a link, of the folder that is open as `folder`; errors name it
+  /// `shown`. Throws like the above.
   FileReplacement(FileDescriptor folder, std::string name, std::filesystem::path shown,
                   std::string_view contents);
 
-  /// To be called once; what is not committed is dropped. Throws std::system_error with the path;
-  /// the file is then as it was.
+  /// Renames the new contents into place. Call once; without the call they are discarded. Throws
+  /// std::system_error with the path; the file is then unchanged.
   void commit();
 
  private:
   FileReplacement(const std::filesystem::path& file, const std::filesystem::path& target,
                   std::string_view contents);
 
-  std::filesystem::path file_;  ///< as errors name it
+  std::filesystem::path file_;  ///< for error texts
   FileDescriptor folder_;
   std::string name_;
   TemporaryFile temporary_;
 };
 
-/// Prepares the replacement of one file and commits it. Errors as FileReplacement's.
+/// Prepares the replacement of one file and commits it. Errors as for FileReplacement.
 void replaceFile(const std::filesystem::path& file, std::string_view contents);
 
 }  // namespace tavlen

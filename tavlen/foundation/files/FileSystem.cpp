@@ -14,7 +14,7 @@ namespace tavlen {
 
 namespace {
 
-/// No document comes near it, and a sparse file of any size is made in no time.
+/// Far above any document. A sparse file of any size is quick to create.
 constexpr std::size_t kLargestFile = std::size_t{1} << 31;
 
 }  // namespace
@@ -29,8 +29,8 @@ std::string readFile(const std::filesystem::path& path) { return readFile(Random
 
 std::optional<std::string> readFileUpTo(const RandomAccessFile& file, std::size_t most) {
   if (file.size() > most) return std::nullopt;
-  // The size is a hint: the file may grow or shrink while it is read. One more byte lets the read
-  // see the end.
+  // The size is a hint: the file may grow or shrink while it is read. The extra byte lets the read
+  // detect the end.
   std::string bytes = file.read(0, static_cast<std::size_t>(file.size()) + 1);
   for (std::size_t more = bytes.size(); bytes.size() > file.size(); more *= 2) {
     const std::string next = file.read(bytes.size(), more);

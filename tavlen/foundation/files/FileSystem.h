@@ -8,46 +8,45 @@
 
 #include "tavlen/foundation/files/RandomAccessFile.h"
 
-/// Reading files that others made, and asking what stands at a path.
+/// Reading of foreign files, and queries about paths.
 ///
-/// Errors are std::system_error with the path in the text. Threads: all functions may be called
-/// from any thread.
+/// Errors are std::system_error with the path in the text. Threads: any, for all functions.
 namespace tavlen {
 
-/// The whole file's bytes, 2 GiB at the most (EFBIG). A path is opened as RandomAccessFile does.
+/// The bytes of a file of at most 2 GiB (EFBIG). A path is opened as RandomAccessFile does.
 std::string readFile(const RandomAccessFile& file);
 std::string readFile(const std::filesystem::path& path);
 
-/// As readFile(), but nothing for a file of more than `most` bytes; no more than those are read.
+/// As readFile(), but returns nothing for a file of more than `most` bytes, and never reads more
+/// than that.
 std::optional<std::string> readFileUpTo(const RandomAccessFile& file, std::size_t most);
 std::optional<std::string> readFileUpTo(const std::filesystem::path& path, std::size_t most);
 
-/// The file's text as UTF-8. A byte order mark tells UTF-32 or UTF-16 and is dropped; without one
-/// the text is UTF-8. Malformed text is EILSEQ: there is no fallback to another encoding.
+/// The text of a file as UTF-8. A byte order mark selects UTF-32 or UTF-16 and is dropped; without
+/// one the text is UTF-8. Malformed text is EILSEQ: no other encoding is tried.
 std::string readText(const RandomAccessFile& file);
 std::string readText(const std::filesystem::path& path);
 
-/// Whether anything stands at `path`, a link to nothing too, or it cannot be told.
+/// Whether anything exists at `path`, including a dangling link. True when the system cannot tell.
 bool isTaken(const std::filesystem::path& path);
 
-/// Whether a program can be started there: a regular file that may be run. Gives 0, or why not, as
-/// errno tells it.
+/// Whether `path` is a regular file that may be executed. Returns 0, or an errno value that says
+/// why not.
 int executableError(const std::filesystem::path& path);
 
-/// Whether `name` can stand between two slashes and names an entry of that folder itself: not
-/// empty, not "." or "..", without "/" and NUL. To be asked before a stored identifier becomes part
-/// of a path.
+/// Whether `name` can be a single path component that names an entry of its folder: not empty, not
+/// "." or "..", without "/" and NUL. Check stored identifiers with it before they become part of a
+/// path.
 bool isPlainComponent(std::string_view name);
 
-/// Whether `path` is `folder` or lies below it, by their components: no file is asked.
+/// Whether `path` is `folder` or lies below it. Compares components only; no file is looked up.
 bool isAtOrBelow(const std::filesystem::path& path, const std::filesystem::path& folder);
 
-/// Whether `name`, a stored path, can name something below a folder: not empty, not absolute,
-/// without NUL.
+/// Whether `name`, a stored path, is a relative one: not empty, not absolute, without NUL.
 bool isRelativeName(std::string_view name);
 
-/// The file that `name`, a stored relative path, names below `folder`; nothing when it is empty or
-/// absolute, holds a NUL, or leads out of the folder, by its components or through a symbolic link.
+/// The file that `name`, a stored relative path, names below `folder`. Returns nothing unless
+/// isRelativeName(), and when `name` leads out of the folder by its components or a symbolic link.
 /// The file need not exist.
 std::optional<std::filesystem::path> pathInside(const std::filesystem::path& folder,
                                                 std::string_view name);

@@ -22,7 +22,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Gives 0, or why not, as errno tells it; EEXIST where something stands at the destination.
+/// Returns 0 or an errno value; EEXIST when the destination exists.
 int renameToNew(const fs::path& source, const fs::path& destination) {
   const int code = renameExclusively(AT_FDCWD, source.c_str(), destination.c_str());
   if (code != ENOTSUP) return code;
@@ -56,7 +56,7 @@ void moveItem(const fs::path& source, const fs::path& destination) {
 }
 
 void removeItem(const fs::path& item) {
-  // With a slash at its end the system would follow a link.
+  // A trailing slash would make the system follow a link.
   const fs::path entry = item.has_filename() ? item : item.parent_path();
   const auto checked = [&](int result) {
     if (result != 0 && errno != ENOENT) throwSystemError(item);
@@ -79,7 +79,7 @@ void removeQuietly(const fs::path& item) noexcept {
   try {
     removeItem(item);
   } catch (const std::exception&) {
-    // The caller has nobody to tell, or something else to tell of.
+    // The caller cannot report it, or is reporting another error.
   }
 }
 

@@ -10,7 +10,7 @@ namespace tavlen {
 FolderReader::FolderReader(FileDescriptor folder, std::filesystem::path shown)
     : shown_(std::move(shown)), stream_(::fdopendir(folder.get())) {
   if (stream_ == nullptr) throwSystemError(shown_);
-  folder.release();  // the stream's now
+  folder.release();  // now owned by the stream
 }
 
 std::optional<std::string> FolderReader::next() {

@@ -13,21 +13,22 @@
 
 namespace tavlen {
 
-/// The names in an open folder, without "." and "..".
+/// Iterates over the names in an open folder, without "." and "..".
 ///
-/// Errors are std::system_error. Threads: any, one object one thread at a time.
+/// Errors are std::system_error with the path. Threads: any, one object one thread at a time.
 class FolderReader {
  public:
-  /// `folder` is a folder opened for reading; `shown` names it in errors.
+  /// Takes over `folder`, a folder opened for reading; `shown` names it in errors.
   FolderReader(FileDescriptor folder, std::filesystem::path shown);
 
-  /// For calls relative to the folder.
+  /// The open folder, for calls relative to it; stays owned.
   int descriptor() const { return ::dirfd(stream_.get()); }
+  /// The folder's path, as errors name it.
   const std::filesystem::path& path() const { return shown_; }
 
-  /// The next name; nothing at the end.
+  /// The next name, in the system's order; nothing at the end.
   std::optional<std::string> next();
-  /// Up to `most` names, from the beginning on.
+  /// Up to `most` names, starting again from the first.
   std::vector<std::string> first(std::size_t most);
 
  private:

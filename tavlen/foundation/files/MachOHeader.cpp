@@ -18,7 +18,8 @@ constexpr std::uint32_t kFat64 = 0xCAFEBABF;
 constexpr std::size_t kThinHeaderSize64 = 32;
 constexpr std::size_t kThinHeaderSize32 = 28;
 constexpr std::size_t kFatHeaderSize = 8;
-/// More is no image: a Java class file begins alike, with a version in the place of the count.
+/// A file with more is no image: a Java class file has the same magic, with its version in the
+/// place of the count.
 constexpr std::uint32_t kMostSlices = 32;
 constexpr std::uint32_t kFeatureBits = 0xFF000000;
 
@@ -32,7 +33,7 @@ std::uint64_t bigEndian(std::string_view bytes) {
   return value;
 }
 
-/// The little-endian word that begins at `offset`.
+/// The little-endian 32-bit word at `offset`.
 std::uint32_t word(std::string_view bytes, std::size_t offset) {
   std::array<char, 4> reversed{};
   std::reverse_copy(bytes.data() + offset, bytes.data() + offset + 4, reversed.begin());
@@ -44,14 +45,14 @@ struct Slice {
   std::uint64_t size = 0;
 };
 
-/// The slices that lie in the file, behind the fat header. Empty for a file that is not fat.
+/// The slices of a fat file that lie within the file, after the fat header. Empty for other files.
 std::vector<Slice> readSlices(const RandomAccessFile& file) {
   const std::string header = file.read(0, kFatHeaderSize);
   if (header.size() < kFatHeaderSize) return {};
   const std::uint64_t magic = bigEndian(std::string_view(header).substr(0, 4));
   const std::uint64_t count = bigEndian(std::string_view(header).substr(4, 4));
   if ((magic != kFat32 && magic != kFat64) || count > kMostSlices) return {};
-  // CPU type and subtype, then offset and size of 4 or 8 bytes, then the alignment.
+  // An entry: CPU type and subtype, then offset and size of 4 or 8 bytes each, then the alignment.
   const bool isWide = magic == kFat64;
   const std::size_t width = isWide ? 8 : 4;
   const std::size_t entrySize = isWide ? 32 : 20;
@@ -80,7 +81,7 @@ std::optional<MachOHeader> readThin(const RandomAccessFile& file, Slice slice) {
                      MachOHeader::FileType{word(bytes, 12)}};
 }
 
-/// The lower the better.
+/// The preference of a device; lower is better.
 int rank(const MachOHeader& header) {
   if (header.cpuType == kARM64) return header.cpuSubtype == kSubtypeARM64E ? 1 : 0;
   return header.cpuType == kX86_64 ? 2 : 3;

@@ -11,27 +11,27 @@
 
 namespace tavlen {
 
-/// A regular file that is open for reading, anywhere in it.
+/// A regular file open for reading at any offset.
 ///
 /// Errors are std::system_error with the path in the text. The descriptor is close-on-exec.
-/// Threads: reads may run side by side.
+/// Threads: reads may run concurrently.
 class RandomAccessFile {
  public:
-  /// A symbolic link is followed; a folder (EISDIR) and anything else that is no regular file
-  /// (EINVAL) are refused, and a pipe never blocks.
+  /// Opens a file. A symbolic link is followed. A folder (EISDIR) and anything else that is not a
+  /// regular file (EINVAL) are refused; a pipe never blocks.
   explicit RandomAccessFile(const std::filesystem::path& path) : RandomAccessFile(path.string()) {}
-  /// The same for a path's text, relative to the folder that is open as `folder`.
+  /// The same for a path given as text, relative to the open folder `folder`.
   explicit RandomAccessFile(std::string path, int folder = AT_FDCWD);
   /// Takes over a file opened with kOpenToRead, which errors call `path`. Refuses as above.
   RandomAccessFile(FileDescriptor file, std::string path);
 
-  /// As errors name it.
+  /// The path for error texts.
   const std::string& path() const { return path_; }
-  /// In bytes, when it was opened.
+  /// The size in bytes when the file was opened.
   std::uint64_t size() const { return size_; }
-  /// The bytes from `offset` on, `count` of them or as many as the file has there.
+  /// Returns `count` bytes from `offset` on, or fewer where the file ends.
   std::string read(std::uint64_t offset, std::size_t count) const;
-  /// The same into memory of the caller's; gives how many bytes there were.
+  /// The same into the caller's memory; returns the number of bytes.
   std::size_t readInto(std::uint64_t offset, std::span<char> bytes) const;
 
  private:

@@ -4,8 +4,8 @@
 
 namespace tavlen {
 
-/// Makes the system call `call` again for as long as a signal interrupts it; gives its result, with
-/// errno. Not for close(), which has closed all the same.
+/// Repeats the system call `call` as long as a signal interrupts it (EINTR). Returns its result,
+/// with errno. Not for close(), which closes the descriptor even when interrupted.
 template <class Call>
 auto retryOnInterrupt(const Call& call) {
   auto result = call();

@@ -16,9 +16,10 @@ namespace tavlen {
 
 namespace {
 
-/// Longer than any operation takes, so that nobody's folder is taken for a left-over.
+/// Longer than any operation takes, so that a folder in use is never taken for a left-over.
 constexpr std::chrono::hours kLeftOverAge(24);
-/// The common folder may hold what the system, or another program, put there.
+/// Only folders with this prefix are swept: the common folder may contain folders of the system or
+/// of other programs.
 constexpr std::string_view kOwnPrefix = "tavlen-";
 
 void sweepLeftOvers(const std::filesystem::path& items) {
@@ -40,8 +41,8 @@ void sweepLeftOvers(const std::filesystem::path& items) {
 TemporaryDirectory::TemporaryDirectory(const std::filesystem::path& folder) {
   const std::filesystem::path items = folder / kItemsFolder;
   sweepLeftOvers(items);
-  // Another's end may remove the common folder between the two calls. Two that try again without a
-  // pause can keep colliding, so each waits a little longer every time.
+  // Another object's destructor may remove the common folder between the two calls. Two threads
+  // that retry without a pause can keep colliding, so each pause is longer than the last.
   constexpr int kAttempts = 1000;
   constexpr std::chrono::microseconds kStep(50);
   constexpr std::chrono::microseconds kLongestPause(5000);
@@ -49,7 +50,7 @@ TemporaryDirectory::TemporaryDirectory(const std::filesystem::path& folder) {
     if (attempt > 1) std::this_thread::sleep_for(std::min(attempt * kStep, kLongestPause));
     std::error_code error;
     std::filesystem::create_directories(items, error);
-    // It would lead this object, and whoever sweeps, into a folder of somebody else's.
+    // A link would lead this object, and later sweeps, into a foreign folder.
     std::error_code unknown;
     if (std::filesystem::is_symlink(items, unknown)) throwSystemError(ELOOP, items);
     if (error == std::errc::file_exists && attempt < kAttempts &&
@@ -68,7 +69,7 @@ TemporaryDirectory::TemporaryDirectory(const std::filesystem::path& folder) {
 TemporaryDirectory::~TemporaryDirectory() {
   if (path_.empty()) return;
   removeQuietly(path_);
-  // Only when nobody else works in it.
+  // Fails while the folder is in use by others.
   std::error_code ignored;
   std::filesystem::remove(path_.parent_path(), ignored);
 }

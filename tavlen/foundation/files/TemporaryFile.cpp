@@ -20,11 +20,11 @@ namespace tavlen {
 namespace {
 
 constexpr std::string_view kPrefix = ".tavlen-";
-/// Longer than any write takes, so that no file in use is taken for a left-over.
+/// Longer than any write takes, so that a file in use is never taken for a left-over.
 constexpr std::chrono::minutes kLeftOverAge(10);
 
-/// Whether this process has not listed `folder` in the last ten minutes; it is then taken to do so
-/// now.
+/// Whether this process has not swept `folder` in the last ten minutes. If so, records that it
+/// sweeps it now.
 bool isSweepDue(int folder) {
   using Clock = std::chrono::steady_clock;
   static std::mutex lock;
@@ -95,7 +95,7 @@ void sweepTemporaryFiles(int folder) {
       if (isLeftOver(folder, *name)) removeEntry(folder, *name);
     }
   } catch (const std::system_error&) {
-    // The next one that looks finds them.
+    // The next sweep finds them.
   }
 }
 

@@ -9,50 +9,51 @@
 
 namespace tavlen {
 
-/// A new file under a temporary name, which goes with the object unless it has got another name.
+/// A new file under a temporary name, removed with the object unless it was renamed.
 ///
-/// Temporary names are random and begin with ".". What a crash leaves of such files goes with
+/// Temporary names are random and begin with ".". Files left by a crash are removed by
 /// sweepTemporaryFiles(). Errors are std::system_error. Threads: any, one object one thread at a
 /// time.
 class TemporaryFile {
  public:
-  /// Makes it for writing in the folder `folder`: a path as seen from the open folder `parent`,
-  /// which outlives the object, or from the working folder for AT_FDCWD; empty for those
-  /// themselves. It has the permissions `mode` by the process's mask. `shown` is the path that
-  /// errors name: what the file is to become.
+  /// Creates the file for writing in `folder`, a path relative to the open folder `parent`, which
+  /// must outlive the object (AT_FDCWD for the working folder); an empty path is `parent` itself.
+  /// Its permissions are `mode` without the bits of the process's umask. `shown` is the path in
+  /// errors: the file's future name.
   TemporaryFile(int parent, const std::filesystem::path& folder, mode_t mode,
                 std::filesystem::path shown);
   TemporaryFile(const TemporaryFile&) = delete;
   TemporaryFile& operator=(const TemporaryFile&) = delete;
   ~TemporaryFile();
 
-  /// As seen from `parent`.
+  /// Relative to `parent`; empty after leave().
   const std::filesystem::path& path() const { return path_; }
+  /// The open file, until finish().
   const FileDescriptor& descriptor() const { return file_; }
 
-  /// Brings the contents to the disk and closes the file.
+  /// Flushes the contents to the disk and closes the file.
   void finish();
-  /// To be called once the file has another name.
+  /// Keeps the file. Call after renaming it.
   void leave() { path_.clear(); }
 
  private:
   int parent_;
   std::filesystem::path shown_;
-  std::filesystem::path path_;  ///< empty once it is gone
+  std::filesystem::path path_;  ///< empty once the file was renamed
   FileDescriptor file_;
 };
 
-/// A random name that isTemporaryName() knows: for what is made or taken apart in a folder whose
-/// lists leave such names out.
+/// A random name for which isTemporaryName() is true: for items that are created or deleted in a
+/// folder whose listings omit such names.
 std::string temporaryName();
 
-/// Whether `name` is that of a temporary file, or of the folder that TemporaryDirectory makes,
-/// which a crash may have left: not a part of what the user stored.
+/// Whether `name` is a temporary file's, or that of the folder in which TemporaryDirectory works. A
+/// crash may have left such entries; they are not part of the user's data.
 bool isTemporaryName(const std::filesystem::path& name);
 
-/// Removes what crashes left in the open folder `folder` under temporary names, folders with all in
-/// them, once it is ten minutes old. Listing a large folder takes longer than writing a file, so a
-/// process lists each folder at most once in that time. Errors are ignored.
+/// Removes entries with temporary names older than ten minutes, left by crashes, from the open
+/// folder `folder`; folders with their contents. Listing a large folder takes longer than writing a
+/// file, so a process lists each folder at most once in ten minutes. Errors are ignored.
 void sweepTemporaryFiles(int folder);
 
 }  // namespace tavlen

@@ -29,12 +29,12 @@ class RemovalOfContents {
     }
   }
 
-  /// The first that went wrong, as errno tells it, or 0.
+  /// The errno value of the first failure, or 0.
   int error() const { return error_; }
 
  private:
-  /// A folder that is not empty yet. Only the innermost one is open: the way back is "..", which
-  /// leads elsewhere when somebody moves a folder.
+  /// A folder that is not empty yet. Only the innermost one is open. The way back is "..", which
+  /// leads elsewhere when another process moves a folder; leave() detects that.
   struct Level {
     struct stat status;
     std::string name;
@@ -48,17 +48,17 @@ class RemovalOfContents {
   void enter(FileDescriptor folder, std::string name) {
     struct stat status {};
     if (!folder || ::fstat(folder.get(), &status) != 0) return note(errno);
-    // Where it fails the deletion tells.
+    // A failure shows when the contents are deleted.
     if ((status.st_mode & S_IRWXU) != S_IRWXU) {
       (void)::fchmod(folder.get(), (status.st_mode & 07777) | S_IRWXU);
     }
     current_ = std::move(folder);
     levels_.push_back({status, std::move(name), {}});
-    // Not while they are read: some volumes would leave out others.
+    // List first, then delete: on some volumes a deletion makes the listing skip entries.
     for (std::string& entry : names()) removeFile(std::move(entry));
   }
 
-  /// Whether it is known where the removal goes on.
+  /// Returns to the parent folder. False when it cannot be found again.
   bool leave() {
     const Level left = std::move(levels_.back());
     levels_.pop_back();
@@ -92,7 +92,7 @@ class RemovalOfContents {
     return names;
   }
 
-  /// Folders wait for their turn.
+  /// Removes anything but a folder; a folder is queued.
   void removeFile(std::string name) {
     struct stat status {};
     if (::fstatat(current_.get(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
@@ -105,7 +105,7 @@ class RemovalOfContents {
   }
 
   void removeFolder(const std::string& name) {
-    // An empty one need not be opened, which another owner may forbid.
+    // An empty folder need not be opened, which its permissions may forbid.
     if (::unlinkat(current_.get(), name.c_str(), AT_REMOVEDIR) == 0 || errno == ENOENT) return;
     if (errno != ENOTEMPTY && errno != EEXIST) return note(errno);
     enter(openForRemoval(current_.get(), name), name);
@@ -122,7 +122,7 @@ FileDescriptor openForRemoval(int parent, const std::filesystem::path& name) {
   struct stat status {};
   FileDescriptor folder = FileDescriptor::tryOpenAt(parent, name.c_str(), kOpenFolder);
   if (!folder && errno == EACCES) {
-    // Closed to its owner, it can only be named.
+    // Its permissions forbid opening it, so they can be changed by name only.
     if (::fstatat(parent, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) return folder;
     const mode_t mode = (status.st_mode & 07777) | S_IRWXU;
     if (!S_ISDIR(status.st_mode) ||

@@ -9,8 +9,8 @@ namespace tavlen {
 
 namespace {
 
-/// What stands in a URL's path as it is, beside letters and digits. A semicolon is one of them: the
-/// platform's two URL types disagree on it, and this follows the newer one.
+/// The characters, other than letters and digits, that a URL's path holds unescaped. The platform's
+/// two URL types disagree on the semicolon; this follows the newer one.
 constexpr std::string_view kUnescaped = "!$&'()*+,-./:;=@_~";
 
 bool isLetterOrDigit(char c) {
@@ -51,7 +51,7 @@ std::optional<std::string> unescaped(std::string_view text) {
   return path;
 }
 
-/// Removes `prefix`, which is in lower case, from the start of `text` in any case.
+/// Removes `prefix`, given in lower case, from the start of `text`, ignoring case.
 bool consume(std::string_view& text, std::string_view prefix) {
   const auto isSame = [](char a, char b) {
     return (a >= 'A' && a <= 'Z' ? static_cast<char>(a - 'A' + 'a') : a) == b;
@@ -68,8 +68,8 @@ void removeTrailingSlashes(std::string& path) {
   while (path.size() > 1 && path.ends_with('/')) path.pop_back();
 }
 
-/// The parts of a URL with the marks that set them off ("http:", "//host", "?query", "#fragment"),
-/// each of which may be empty.
+/// The parts of a URL, each with its delimiter ("http:", "//host", "?query", "#fragment") and
+/// possibly empty.
 struct Parts {
   std::string_view scheme;
   std::string_view authority;
@@ -78,7 +78,7 @@ struct Parts {
   std::string_view fragment;
 };
 
-/// Cuts `text` off at the first of `marks`; gives what comes from there on.
+/// Cuts `text` off before the first of `marks`; returns the rest.
 std::string_view cutAt(std::string_view& text, std::string_view marks) {
   const std::size_t end = std::min(text.find_first_of(marks), text.size());
   const std::string_view rest = text.substr(end);
@@ -112,7 +112,8 @@ Parts partsOf(std::string_view text) {
   return parts;
 }
 
-/// RFC 3986, section 5.2.4, over whole segments: each begins with its slash.
+/// Removes dot segments (RFC 3986, section 5.2.4), whole segments at a time, each with its leading
+/// slash.
 std::string withoutDotSegments(std::string_view path) {
   std::string result;
   while (!path.empty()) {
@@ -132,7 +133,7 @@ std::string withoutDotSegments(std::string_view path) {
   return result;
 }
 
-/// `reference` in the place of what follows the last slash of the base's path.
+/// The base's path up to its last slash, followed by `reference`.
 std::string mergedPath(const Parts& base, std::string_view reference) {
   if (!base.authority.empty() && base.path.empty()) return "/" + std::string(reference);
   std::string path(base.path.substr(0, base.path.rfind('/') + 1));

@@ -7,20 +7,21 @@
 
 namespace tavlen {
 
-/// A URL, as its text.
+/// A URL as text. A plain value.
 struct URL {
+  /// The whole URL, not validated.
   std::string absoluteString;
 
-  /// The URL of an absolute path. What is not allowed in a URL's path is escaped, by bytes and in
-  /// upper case; a directory's ends with one slash, another's with none.
+  /// The "file:" URL of an absolute path. Bytes that a URL's path may not contain are escaped, with
+  /// upper-case digits. A directory's URL ends with one slash, others with none.
   static URL fileURL(const std::filesystem::path& path, bool isDirectory = false);
 
-  /// The path behind a "file:" URL, in any case of letters, with no host or "localhost", unescaped;
-  /// query and fragment are dropped. Nothing for any other URL, and for an escape that is malformed
-  /// or stands for a NUL.
+  /// The unescaped path of a "file:" URL, whose scheme may be in any case and whose host is empty
+  /// or "localhost"; query and fragment are dropped. Returns nothing for any other URL, and for an
+  /// escape that is malformed or encodes a NUL.
   std::optional<std::filesystem::path> path() const;
 
-  /// What `reference`, a whole URL or a part of one, means beside this URL (RFC 3986, section 5.2).
+  /// Resolves `reference`, a whole URL or a relative one, against this URL (RFC 3986, section 5.2).
   URL resolved(std::string_view reference) const;
 
   bool operator==(const URL&) const = default;

@@ -10,38 +10,40 @@ struct OpaqueJSContext;
 
 namespace tavlen {
 
-/// A JavaScript world of its own: a global object, and what scripts leave in it.
+/// A JavaScript environment: a global object and everything that scripts leave in it.
 ///
-/// The context holds the first exception that any call on it or on its values raised, and never
-/// lets go of it; later ones are dropped, and calls go on working all the same. A script may run
-/// for ever and use what memory there is: only trusted script text belongs here.
+/// The context keeps the first exception raised by any call on it or on its values; later ones are
+/// dropped. Calls continue to work after an exception. A script may run for ever and use all
+/// memory: evaluate only trusted script text.
 ///
-/// The language alone is offered: no timers, no modules, no text encoders.
+/// Only the language is offered: no timers, no modules, no text encoders.
 ///
-/// Threads: a context, with all of its values, belongs to the thread that uses it at the time;
-/// contexts do not share anything, so that each thread may have its own.
+/// Threads: one thread at a time may use a context and its values. Contexts share nothing, so each
+/// thread may have its own.
 class JavaScriptContext : public std::enable_shared_from_this<JavaScriptContext> {
  public:
-  /// A fresh context, which lives until the last reference and the last of its values are gone.
+  /// Creates a context, which lives until the last reference to it and the last of its values are
+  /// gone.
   static std::shared_ptr<JavaScriptContext> make();
 
   JavaScriptContext(const JavaScriptContext&) = delete;
   JavaScriptContext& operator=(const JavaScriptContext&) = delete;
   ~JavaScriptContext();
 
-  /// Runs the UTF-8 `script` and gives its last expression's value, or undefined when it does not
-  /// parse or raises an exception, which is recorded. `sourceURL` names the script in call stacks.
+  /// Runs the UTF-8 `script` and returns the value of its last expression. Returns undefined when
+  /// the script does not parse or raises an exception; the exception is recorded. `sourceURL` names
+  /// the script in call stacks.
   JavaScriptValue evaluate(std::string_view script, std::string_view sourceURL);
 
-  /// Its properties are the scripts' `var`s and functions; top-level `let`, `const` and `class`
-  /// names are visible to scripts only.
+  /// The global object. Its properties are the scripts' `var`s and functions; top-level `let`,
+  /// `const` and `class` names are visible to scripts only.
   JavaScriptValue globalObject();
 
-  /// A string with the UTF-8 `text`; each malformed sequence becomes one U+FFFD.
+  /// Creates a string from UTF-8; each malformed sequence becomes one U+FFFD.
   JavaScriptValue string(std::string_view text);
 
-  /// The first exception raised in this context: an Error most often, but a script may throw any
-  /// value, undefined included. Nothing when none was raised.
+  /// The first exception raised in this context; nothing when there was none. Usually an Error, but
+  /// a script may throw any value, even undefined.
   std::optional<JavaScriptValue> exception();
 
  private:
@@ -51,7 +53,8 @@ class JavaScriptContext : public std::enable_shared_from_this<JavaScriptContext>
   void record(const OpaqueJSValue* exception);
 
   OpaqueJSContext* context_;
-  const OpaqueJSValue* exception_ = nullptr;  // bare: a JavaScriptValue would own its owner
+  /// Not a JavaScriptValue, which would keep this context alive for ever.
+  const OpaqueJSValue* exception_ = nullptr;
 };
 
 }  // namespace tavlen

@@ -53,12 +53,13 @@ JavaScriptValue JavaScriptValue::call(std::string_view name,
   std::vector<JSValueRef> values;
   values.reserve(arguments.size());
   for (const JavaScriptValue& argument : arguments) {
-    // The engine would mix two heaps, and crash at some later time.
-    if (argument.context_ != context_) fatalError("a JavaScript argument is of another context");
+    // The engine would mix two heaps and crash later.
+    if (argument.context_ != context_)
+      fatalError("a JavaScript argument belongs to another context");
     values.push_back(argument.value_);
   }
 
-  // A step that fails leaves a null, which ends the chain with its exception.
+  // A step that fails returns null, which ends the chain with its exception.
   JSValueRef exception = nullptr;
   JSValueRef result = nullptr;
   JSObjectRef object = JSValueToObject(context, value_, &exception);

@@ -29,8 +29,8 @@ class JSONDecoder final : public Decoder {
   bool boolean() override {
     const char first = scanner_.peek();
     if (first != 't' && first != 'f') {
-      // The platform counts a null as the wrong type here, and as a missing value for every other
-      // type.
+      // The platform reports a null as the wrong type for a Boolean, and as a missing value for
+      // every other type.
       if (first == 'n') throw DecodingError::typeMismatch("a Boolean", "null");
       mismatch("a Boolean");
     }
@@ -115,8 +115,8 @@ class JSONDecoder final : public Decoder {
   }
 
  private:
-  /// Tables are short and documents mostly in their order, so the row after the last one found is
-  /// tried first.
+  /// Tables are short and documents are usually in their order, so start the search after the row
+  /// found last.
   static std::size_t indexOf(std::span<const FieldDecoder> fields, std::string_view key,
                              std::size_t next) {
     if (next < fields.size() && fields[next].key == key) return next;
@@ -130,7 +130,7 @@ class JSONDecoder final : public Decoder {
   void object(Member&& member) {
     expect('{', "a dictionary");
     if (!scanner_.open('}')) return;
-    // A key with escapes needs a storage of its own: a member that is read may hold keys again.
+    // Local storage for a key with escapes: reading the member may read other keys.
     std::string storage;
     do {
       const std::string_view key = scanner_.key(storage);

@@ -7,26 +7,25 @@
 
 namespace tavlen {
 
-/// Reads one JSON document of `bytes` (UTF-8, or UTF-16 and UTF-32 where a mark or zeros tell)
-/// through `read`, and checks that nothing but white space follows it.
+/// Reads the JSON document `bytes` through `read`, and checks that only white space follows it. The
+/// encoding is UTF-8, or UTF-16 or UTF-32 where a byte order mark or zero bytes show that.
 ///
-/// It accepts what the platform's decoder accepts, with two exceptions: a trailing comma is
-/// refused, and text that is not UTF-8 also where nobody asks for it. Values that nobody asks for
-/// are skipped with a check of their structure only; of equal keys the first counts. At most 512
-/// containers may be nested.
+/// It accepts what the platform's decoder accepts, with two exceptions: trailing commas are
+/// refused, and so is malformed UTF-8 even in values that are not read. Values that `read` does not
+/// ask for are skipped with a check of their structure only; of equal keys the first counts. At
+/// most 512 containers may be nested.
 ///
-/// The reader is the library's own: into the same records it was measured 1.3 times as fast as
-/// simdjson's on-demand interface with fresh buffers, which every caller has, and its errors tell
-/// the place.
+/// This is our own reader because, filling the same records, it was measured 1.3 times as fast as
+/// simdjson's on-demand interface with fresh buffers, which every caller has, and because its
+/// errors name the place.
 ///
-/// Memory: that of the values asked for and a few kilobytes; a document in UTF-16 or UTF-32 is
-/// converted first, and a type key that stands behind large values costs some bytes for each
-/// container of over 4 KiB before it. Time is linear in the document.
-/// Errors: DecodingError; for a malformed text the message holds its line and column.
-/// Threads: any.
+/// Memory: that of the values read and a few kilobytes. A document in UTF-16 or UTF-32 is converted
+/// first; a type key after large values costs some bytes for each container of over 4 KiB before
+/// it. Time is linear in the document.
+/// Errors: DecodingError; for malformed text the message contains line and column. Threads: any.
 void readJSON(std::string_view bytes, FunctionRef<void(Decoder&)> read);
 
-/// The value of type T that the JSON document `bytes` holds; see readJSON.
+/// Decodes the JSON document `bytes` as a T. Errors, memory and threads as for readJSON().
 template <class T>
 T decodeJSON(std::string_view bytes) {
   T value{};

@@ -16,15 +16,15 @@ namespace tavlen {
 
 namespace {
 
-/// How many elements of a long array are measured.
+/// The number of elements of a long array that are measured to estimate its size.
 constexpr std::size_t kSampledElements = 32;
 
 constexpr std::uint64_t kOnes = 0x0101010101010101;
 constexpr std::uint64_t kHighs = 0x8080808080808080;
 
-/// Marks the bytes of `word` that are escaped, and perhaps bytes above a marked one. A subtraction
-/// borrows into the highest bit of a byte that is less than what is taken from it, if the byte is
-/// ASCII.
+/// Sets the high bit of each byte of `word` that must be escaped, and possibly of bytes above such
+/// a byte, so only the lowest mark is reliable. A subtraction borrows into the high bit of an ASCII
+/// byte that is less than the subtrahend.
 constexpr std::uint64_t bytesToEscape(std::uint64_t word) {
   const std::uint64_t borrows = ((word ^ (kOnes * '"')) - kOnes) |
                                 ((word ^ (kOnes * '\\')) - kOnes) |
@@ -43,8 +43,8 @@ std::uint64_t wordAt(const char* bytes) {
   return word;
 }
 
-/// The `count` bytes at `bytes`, one to seven, with spaces above them. Loads that overlap take
-/// fewer steps than one load a byte.
+/// Loads the `count` bytes at `bytes`, one to seven, padded with spaces at the top. Overlapping
+/// loads take fewer steps than a load for each byte.
 std::uint64_t shortWord(const char* bytes, std::size_t count) {
   std::uint64_t word = (kOnes * ' ') << (8 * count);
   if (count >= 4) {
@@ -56,8 +56,8 @@ std::uint64_t shortWord(const char* bytes, std::size_t count) {
   return word;
 }
 
-/// The first place at or after `i` that is to be escaped. `highBits` collects the bytes passed
-/// over.
+/// The position of the first byte at or after `i` that must be escaped. Bytes passed over are ORed
+/// into `highBits`.
 std::size_t nextEscape(std::string_view text, std::size_t i, std::uint64_t& highBits) {
   if constexpr (std::endian::native == std::endian::little) {
     std::uint64_t escapes = 0;
@@ -150,13 +150,13 @@ void JSONEncoder::separate() {
   first_ = false;
 }
 
-/// A text that grows by doubling is written and moved about twice; the pages that this takes cost
-/// more than the coding itself.
+/// Reserves memory for the rest of the array. A text that grows by doubling is copied about twice
+/// over, and the page faults of this cost more than the encoding itself.
 void JSONEncoder::reserveForArray() {
-  // A document may begin with elements that are longer than all others.
+  // Limits the damage when the first elements are much longer than the rest.
   constexpr std::size_t kMostAtOnce = std::size_t{16} << 20;
   const std::size_t perElement = (out_.size() - sample_.begin) / kSampledElements + 1;
-  const std::size_t estimate = perElement * sample_.elementsBehind / 8 * 9;
+  const std::size_t estimate = perElement * sample_.elementsAfter / 8 * 9;
   out_.reserve(out_.size() + std::min(estimate, kMostAtOnce));
   sample_ = {};
 }

@@ -7,14 +7,15 @@
 
 namespace tavlen {
 
-/// Writes JSON as the platform's encoder does at its default settings: compact, "/" escaped,
+/// Writes JSON as the platform's encoder does with its default settings: compact, "/" escaped,
 /// numbers in their shortest form; the keys of a record in the record's order.
 ///
-/// Errors: EncodingError for a number that is not finite, a text that is not UTF-8, and nesting
-/// deeper than 511 containers. What was written until then stays in `out`.
+/// Errors: EncodingError for a number that is not finite, text that is not UTF-8, and nesting
+/// deeper than 511 containers. The text written so far stays in `out`. Threads: one object one
+/// thread at a time.
 class JSONEncoder final : public Encoder {
  public:
-  /// Containers deep at the most; the platform's limit, one less than it reads.
+  /// Maximum nesting of containers: the platform's limit, one less than it reads.
   static constexpr std::size_t kMaximumDepth = 511;
 
   /// Appends to `out`, which must outlive the encoder.
@@ -34,12 +35,12 @@ class JSONEncoder final : public Encoder {
   void date(Date value) override;
 
  private:
-  /// The first elements of a long array, whose length tells about how much room the others take.
+  /// Measures the first elements of a long array, to estimate the size of the rest.
   struct Sample {
-    std::size_t depth = 0;  ///< of the array's elements; 0 when none is being measured
-    std::size_t begin = 0;  ///< of the first element, in out_
+    std::size_t depth = 0;  ///< of the array's elements; 0 when no array is measured
+    std::size_t begin = 0;  ///< offset of the first element in out_
     std::size_t elementsLeft = 0;
-    std::size_t elementsBehind = 0;  ///< how many the array has beyond the sample
+    std::size_t elementsAfter = 0;  ///< the number of elements after the sample
   };
 
   void separate();
@@ -50,17 +51,17 @@ class JSONEncoder final : public Encoder {
   std::string& out_;
   std::size_t depth_ = 0;
   Sample sample_;
-  bool first_ = true;  ///< whether what comes next needs no comma before it
+  bool first_ = true;  ///< whether the next value needs no comma before it
 };
 
-/// Appends the JSON text of `value` to `out`. Errors as JSONEncoder's.
+/// Appends the JSON text of `value` to `out`. Errors as for JSONEncoder.
 template <class T>
 void appendJSON(std::string& out, const T& value) {
   JSONEncoder encoder(out);
   encode(encoder, value);
 }
 
-/// The JSON text of `value`. Errors as JSONEncoder's.
+/// The JSON text of `value`. Errors as for JSONEncoder.
 template <class T>
 std::string encodeJSON(const T& value) {
   std::string out;
@@ -68,7 +69,7 @@ std::string encodeJSON(const T& value) {
   return out;
 }
 
-/// Appends `text` as a JSON string literal. Throws EncodingError where it is not UTF-8.
+/// Appends `text` as a JSON string literal. Throws EncodingError when it is not UTF-8.
 void appendJSONString(std::string& out, std::string_view text);
 
 }  // namespace tavlen

@@ -6,17 +6,16 @@
 
 namespace tavlen {
 
-/// The types of a method's encoding: the result's, then each argument's, the receiver and the
-/// selector among them. Each is a view into the encoding, qualifiers kept, the offset behind it
-/// left out.
+/// The types in a method's encoding, with qualifiers and without offsets. Views into the encoding.
 struct MethodTypes {
+  /// The type of the result.
   std::string_view result;
+  /// The types of the arguments, receiver and selector first.
   std::vector<std::string_view> arguments;
 };
 
-/// Splits the type encoding of a method ("v24@0:8@16"). Nothing for a text that is none: an unknown
-/// letter, a bracket that does not close, an empty text. Work and memory are linear in the text's
-/// length.
+/// Splits the type encoding of a method ("v24@0:8@16"). Returns nothing for malformed text: an
+/// unknown letter, an unbalanced bracket, an empty text. Work and memory are linear in its length.
 std::optional<MethodTypes> splitMethodTypes(std::string_view encoding);
 
 }  // namespace tavlen

@@ -6,8 +6,8 @@
 #pragma clang diagnostic push
 #pragma clang diagnostic ignored "-Wreserved-identifier"
 #endif
-// The ABI's name for the class of blocks that are not on the heap yet. It is an array, of which
-// nothing but the address is used; the system's public headers do not declare it.
+// The block ABI's class of blocks that are not yet on the heap. Only the address of the array is
+// used. The system's public headers do not declare it.
 extern "C" void* _NSConcreteStackBlock;
 #ifdef __clang__
 #pragma clang diagnostic pop

@@ -8,15 +8,15 @@
 
 namespace tavlen {
 
-/// A callable in the form in which Objective-C passes one, made by hand over the public block ABI.
+/// A C++ callable as an Objective-C block, built by hand according to the public block ABI.
 ///
-/// Made by makeBlock(). Whoever is given get() may copy it by the ABI's means and call the copy
-/// later, from any thread, when this object is long gone; what the callable captured is freed once,
-/// with the last copy.
+/// Created by makeBlock(), owned by this object. The receiver of get() may copy the block by the
+/// ABI's functions and call the copy later, from any thread, even after this object is destroyed.
+/// The captures are destroyed once, with the last copy.
 class ObjCBlock {
  public:
-  /// Borrowed. Under GCC's run time it is no object: it must not be retained or put into a
-  /// collection.
+  /// The block, which stays owned. Under GCC's run time it is not an object: do not retain it or
+  /// put it into a collection.
   void* get() const { return block_.get(); }
 
  private:
@@ -31,7 +31,7 @@ class ObjCBlock {
     void (*copy)(void* target, const void* source);
     void (*dispose)(const void* block);
   };
-  /// What all blocks begin with.
+  /// The common beginning of all blocks.
   struct Header {
     void* isa;
     int flags;
@@ -43,13 +43,14 @@ class ObjCBlock {
     void operator()(void* block) const;
   };
 
-  /// Takes over what `literal`, filled but for its class and flags, captured. Throws
+  /// Moves `literal` to the heap, captures included; sets its class and flags first. Throws
   /// std::bad_alloc.
   explicit ObjCBlock(Header& literal);
 
   std::unique_ptr<void, Release> block_;
 };
 
+/// The memory layout of a block with its captures.
 template <class Result, class... Arguments, class Callable>
 struct ObjCBlock::Literal<Result(Arguments...), Callable> {
   static_assert(std::is_nothrow_move_constructible_v<Callable>, "the ABI's copy cannot fail");
@@ -58,23 +59,26 @@ struct ObjCBlock::Literal<Result(Arguments...), Callable> {
   Header header;
   Callable callable;
 
+  /// The code of the block.
   static Result invoke(Literal* block, Arguments... arguments) noexcept {
     return block->callable(std::forward<Arguments>(arguments)...);
   }
-  /// Called once, for the literal: blocks on the heap are counted. The bytes are there already.
+  /// Called once, to move the literal to the heap, where copies are counted. The run time has
+  /// copied the bytes already.
   static void copy(void* target, const void* source) noexcept {
     auto& literal = *static_cast<Literal*>(const_cast<void*>(source));
     ::new (static_cast<void*>(&static_cast<Literal*>(target)->callable))
         Callable(std::move(literal.callable));
   }
+  /// Called with the last copy.
   static void dispose(const void* block) noexcept {
     static_cast<Literal*>(const_cast<void*>(block))->callable.~Callable();
   }
 };
 
-/// A block of the C function type `Signature`: makeBlock<void(id)>(...). The callable captures by
-/// value or by shared pointer. It must not throw, not even an Objective-C exception: that ends the
-/// process.
+/// Creates a block of the C function type `Signature`: makeBlock<void(id)>(...). The callable must
+/// capture by value or shared pointer. It must not throw, not even an Objective-C exception: that
+/// would end the process. Throws std::bad_alloc.
 template <class Signature, class Callable>
 ObjCBlock makeBlock(Callable callable) {
   using Literal = ObjCBlock::Literal<Signature, Callable>;

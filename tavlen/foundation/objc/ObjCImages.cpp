@@ -21,13 +21,13 @@ namespace tavlen::ObjCRuntime {
 
 namespace {
 
-/// Whether the loader may have `path`. It opens a pipe and waits for ever, and takes an empty text
-/// for the program itself.
+/// Whether `path` may be passed to the loader, which would open a pipe and wait for ever, and takes
+/// an empty text for the program itself.
 bool isLoadable(const std::filesystem::path& path) {
   if (!path.has_parent_path()) return !path.empty();  // a name that the loader searches for
   std::error_code error;
   const auto status = std::filesystem::status(path, error);
-  // The device's own libraries are in the loader's cache and no files.
+  // The device's own libraries are in the loader's cache; their files do not exist.
   return !std::filesystem::exists(status) || std::filesystem::is_regular_file(status);
 }
 
@@ -37,8 +37,8 @@ struct CloseImage {
   void operator()(void* image) const { ::dlclose(image); }
 };
 
-/// The loader's record of the image at `path`, which stays where it is while the image is loaded.
-/// Paths are not compared: one image has many, of which the loader keeps the first.
+/// The loader's record of the image at `path`, valid while the image is loaded. Do not compare
+/// paths: an image has many, and the loader keeps only the first.
 const link_map* loadedImage(const std::filesystem::path& path) {
   if (!isLoadable(path)) return nullptr;
   std::unique_ptr<void, CloseImage> image(::dlopen(path.c_str(), RTLD_LAZY | RTLD_NOLOAD));
@@ -52,7 +52,7 @@ const link_map* loadedImage(const std::filesystem::path& path) {
   return map;
 }
 
-/// The image in whose data `cls` lies; null for a class on the heap.
+/// The image whose data contains `cls`; null for a class on the heap.
 const link_map* imageOf(Class cls) {
   dl_find_object found{};
   return _dl_find_object(cls, &found) == 0 ? found.dlfo_link_map : nullptr;
@@ -61,7 +61,8 @@ const link_map* imageOf(Class cls) {
 std::vector<Class> allClasses() {
   std::vector<Class> classes(64);
   std::size_t count = classes.size();
-  // More may be added between two calls, so that only room to spare tells that these are all.
+  // Other threads may add classes between the two calls, so the list is complete only when there is
+  // room to spare.
   while (count == classes.size()) {
     classes.resize(classes.size() * 4);
     count = static_cast<std::size_t>(
@@ -77,8 +78,8 @@ std::vector<Class> allClasses() {
 
 std::optional<std::string> loadImage(const std::filesystem::path& path) {
   if (!isLoadable(path)) return path.string() + ": not a regular file";
-  // Both platforms keep the text for each thread. Whether there is one does not tell a failure: an
-  // initialiser may leave that of a failure of its own.
+  // Both platforms keep the error text for each thread. Its existence does not prove a failure: an
+  // initialiser may have left the text of its own failed call.
   ::dlerror();  // NOLINT(concurrency-mt-unsafe)
   if (::dlopen(path.c_str(), RTLD_LAZY | RTLD_NODELETE) != nullptr) return std::nullopt;
   const char* text = ::dlerror();  // NOLINT(concurrency-mt-unsafe)
@@ -94,8 +95,8 @@ std::vector<Class> classesOfImage(const std::filesystem::path& path) {
   classes.erase(std::remove_if(classes.begin(), classes.end(),
                                [&](Class cls) { return imageOf(cls) != image; }),
                 classes.end());
-  // The run time's order is that of a hash table. GCC lays classes out as they stand in the source
-  // (from its end, unless it optimises), and the linker keeps the order of the sources.
+  // The run time's order is that of a hash table. Addresses are stable: GCC emits classes in source
+  // order (in reverse, unless it optimises), and the linker keeps the order of the sources.
   std::sort(classes.begin(), classes.end(), std::less<>());
   return classes;
 }

@@ -15,7 +15,7 @@ constexpr unsigned long kUTF8StringEncoding = 4;
 
 }  // namespace
 
-// GCC's objc_getClass() may call a handler for unknown classes; this one never does.
+// Not objc_getClass(), which may call a handler for unknown classes under GCC's run time.
 Class classNamed(const char* name) { return reinterpret_cast<Class>(objc_lookUpClass(name)); }
 
 bool isKindOf(id object, Class cls) {
@@ -58,7 +58,7 @@ bool runGuarded(FunctionRef<void()> body) {
 
 std::optional<std::string> text(id string) {
   if (!isKindOf(string, "NSString")) return std::nullopt;
-  // Not UTF8String, which ends at a NUL: an identifier would read as another one.
+  // Not UTF8String, which ends at a NUL and would turn one identifier into another.
   id data = send(string, "dataUsingEncoding:", kUTF8StringEncoding);
   if (data == nullptr) return std::nullopt;
   const auto length = send<unsigned long>(data, "length");
@@ -80,7 +80,7 @@ AutoreleasePool::AutoreleasePool()
     : pool_(send(send(classNamed("NSAutoreleasePool"), "alloc"), "init")) {}
 
 AutoreleasePool::~AutoreleasePool() {
-  // What an object does at its end is not ours to trust.
+  // Objects run their own code when they are released.
   runGuarded([this] { send<void>(pool_, "drain"); });
 }
 

@@ -9,34 +9,38 @@
 
 #include "tavlen/foundation/base/FunctionRef.h"
 
-/// Objective-C from C++: classes by name, messages, texts. The device's run time and GCC's answer
-/// alike.
+/// Objective-C from C++: classes by name, messages, texts. Works alike with the device's run time
+/// and GCC's.
 ///
-/// Classes that are missing and objects that are nil answer nothing, so that a chain of calls needs
-/// no check between its links. A message may raise an Objective-C exception: whoever sends one does
-/// so inside runGuarded(), below an AutoreleasePool. References are borrowed, never owned.
-/// Threads: any; each thread has its own pools.
+/// Missing classes and nil objects answer with nothing, so a chain of calls needs no checks between
+/// its links. A message may raise an Objective-C exception: send messages inside runGuarded(),
+/// within the scope of an AutoreleasePool. References are borrowed, never owned. Threads: any; each
+/// thread has its own pools.
 ///
-/// For sources only: this header brings the run time's names, which are global.
+/// Include in sources only: this header brings in the run time's names, which are global.
 namespace tavlen::ObjCRuntime {
 
-/// The class of that name; null when no image that is loaded defines it.
+/// The class named `name`; null when no loaded image defines it.
 Class classNamed(const char* name);
 
-/// Whether `object` is of class `cls` or of one below it. Asks the run time, so an object that is a
-/// stranger to this question answers it too. False when either is null.
+/// Whether `object` is an instance of `cls` or of a subclass. Asks the run time, not the object, so
+/// it works for objects that do not implement isKindOfClass:. False when either is null.
 bool isKindOf(id object, Class cls);
+/// The same for the class named `className`.
 bool isKindOf(id object, const char* className);
 
 /// Whether the object's class implements `selector`. Forwarded messages do not count.
 bool respondsTo(id object, const char* selector);
 
-/// The code behind a message to `receiver`, which is not null.
+/// A method's code, of unspecified type.
 using Implementation = void (*)();
+/// The code that a message `selector` to `receiver`, which is not null, runs.
 Implementation implementation(id receiver, SEL selector);
+/// The selector named `name`, registered if it is new.
 SEL selectorNamed(const char* name);
 
-/// Larger results come back another way on some devices; nothing here needs one.
+/// Whether a result of this type is returned in registers. Larger results need another message
+/// function on some devices; nothing here uses them.
 template <class Result>
 constexpr bool isReturnedInRegisters() {
   if constexpr (std::is_void_v<Result> || std::is_pointer_v<Result>)
@@ -45,9 +49,9 @@ constexpr bool isReturnedInRegisters() {
     return sizeof(Result) <= 2 * sizeof(void*);
 }
 
-/// Sends a message. The types of the result and of each argument must be exactly the method's:
-/// `unsigned long` for an NSUInteger (a plain 0 is not one), BOOL for a truth value. The answer of
-/// nil is zero, whatever the type.
+/// Sends a message. The types of the result and of every argument must be exactly the method's:
+/// `unsigned long` for an NSUInteger (a plain 0 is not one), BOOL for a truth value. The result is
+/// zero when the receiver is nil.
 template <class Result = id, class... Arguments>
 Result send(id receiver, const char* selector, Arguments... arguments) {
   static_assert(isReturnedInRegisters<Result>());
@@ -56,26 +60,27 @@ Result send(id receiver, const char* selector, Arguments... arguments) {
   using Method = Result (*)(id, SEL, Arguments...);
   return reinterpret_cast<Method>(implementation(receiver, name))(receiver, name, arguments...);
 }
+/// The same for a class method.
 template <class Result = id, class... Arguments>
 Result send(Class receiver, const char* selector, Arguments... arguments) {
   return send<Result>(reinterpret_cast<id>(receiver), selector, arguments...);
 }
 
-/// Runs `body`. False when an Objective-C exception ended it: that one is dropped, since it cannot
-/// be looked at from here. C++ exceptions pass.
+/// Runs `body`. Returns false when an Objective-C exception ended it. The exception is dropped,
+/// because it cannot be inspected from here. C++ exceptions propagate.
 bool runGuarded(FunctionRef<void()> body);
 
-/// The text of an NSString, NULs in it included; nothing for any other object, and for a text that
-/// has no UTF-8 form.
+/// The text of an NSString as UTF-8, with its NULs. Returns nothing for any other object, and for a
+/// text that has no UTF-8 form.
 std::optional<std::string> text(id string);
 
-/// An autoreleased NSString; nil when `text` is malformed.
+/// An autoreleased NSString; nil when `text` is not well-formed UTF-8.
 id makeString(std::string_view text);
 
-/// Takes the objects that are autoreleased on this thread while it stands, and releases them at its
-/// end. Does nothing where there is no NSAutoreleasePool.
+/// RAII: an autorelease pool for the calling thread. A no-op when there is no NSAutoreleasePool.
 class AutoreleasePool {
  public:
+  /// Begins the pool.
   AutoreleasePool();
   AutoreleasePool(const AutoreleasePool&) = delete;
   AutoreleasePool& operator=(const AutoreleasePool&) = delete;

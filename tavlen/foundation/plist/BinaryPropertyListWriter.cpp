@@ -16,7 +16,8 @@ namespace {
 
 using Index = PropertyList::Index;
 
-/// The least of 1, 2, 4 and 8 bytes that holds `value`, as the power of two that markers store.
+/// The smallest of 1, 2, 4 and 8 bytes that holds `value`, as the exponent of two that markers
+/// store.
 unsigned widthPower(std::uint64_t value) {
   unsigned power = 0;
   while (power < 3 && value >> (8U << power) != 0) ++power;
@@ -24,7 +25,7 @@ unsigned widthPower(std::uint64_t value) {
 }
 
 std::size_t hashOf(const PropertyList::Scalar& scalar) {
-  // The multiplication spreads small numbers, of which archives hold many, over the high bits.
+  // The multiplication spreads small numbers, which archives contain many of, over the high bits.
   const std::uint64_t bits = (scalar.bits ^ std::uint64_t(scalar.kind) << 56) * 0x9E3779B97F4A7C15U;
   return static_cast<std::size_t>(bits ^ bits >> 32) ^ std::hash<std::string_view>()(scalar.bytes);
 }
@@ -51,7 +52,7 @@ class Writer {
     out_ += static_cast<char>(offsetSize);
     out_ += static_cast<char>(referenceSize_);
     appendNumber(order_.size(), 8);
-    appendNumber(0, 8);  // the root comes first
+    appendNumber(0, 8);  // the root is object 0
     appendNumber(tableOffset, 8);
     return std::move(out_);
   }
@@ -59,8 +60,8 @@ class Writer {
  private:
   static constexpr Index kUnnumbered = std::numeric_limits<Index>::max();
 
-  /// A walk with a stack of its own. An object gets its number when it is taken from the stack, so
-  /// children are pushed backwards.
+  /// Numbers the objects in pre-order, with an explicit stack instead of recursion. An object is
+  /// numbered when it is popped, so children are pushed in reverse.
   void numberObjects() {
     std::vector<Index> pending{list_.root()};
     while (!pending.empty()) {
@@ -91,7 +92,7 @@ class Writer {
     order_.push_back(index);
   }
 
-  /// Gives an equal scalar's number to this one, if there is one.
+  /// Reuses the number of an equal scalar, if there is one.
   void addScalar(Index index) {
     const PropertyList::Scalar scalar = list_.scalar(index);
     if (scalar.kind == PropertyList::Kind::uid && scalar.bits < list_.size()) {
@@ -109,7 +110,7 @@ class Writer {
   }
 
   void appendObject(Index index) {
-    switch (list_.kind(index)) {  // those that are many, without the way over a variant
+    switch (list_.kind(index)) {  // frequent kinds first, without a std::visit
       case PropertyList::Kind::string:
         return append(list_.string(index));
       case PropertyList::Kind::uid:
@@ -121,7 +122,8 @@ class Writer {
     }
   }
 
-  /// Half of an archive's objects are these, and they count up.
+  /// Numbers a UID by table look-up instead of hashing: half of the objects of an archive are UIDs,
+  /// and their values are small.
   void addUID(Index index, std::size_t value) {
     if (uids_.empty()) uids_.resize(list_.size(), kUnnumbered);
     if (uids_[value] == kUnnumbered) {
@@ -132,14 +134,14 @@ class Writer {
     }
   }
 
-  /// The last `size` bytes of `value`, big-endian.
+  /// Appends the lowest `size` bytes of `value`, big-endian.
   void appendNumber(std::uint64_t value, std::size_t size) {
     std::array<char, 8> bytes{};
     for (std::size_t i = bytes.size(); i-- > 0; value >>= 8) bytes[i] = static_cast<char>(value);
     out_.append(bytes.data() + bytes.size() - size, size);
   }
 
-  /// A reference for each of `parts`, to what `indexOf(part)` says.
+  /// Appends the number `indexOf(part)` for each of `parts`.
   template <class Parts, class IndexOf>
   void appendReferences(const Parts& parts, const IndexOf& indexOf) {
     std::size_t place = out_.size();
@@ -210,10 +212,10 @@ class Writer {
   }
 
   const PropertyList& list_;
-  std::vector<Index> numbers_;  ///< by index in the list
-  std::vector<Index> order_;    ///< by number
-  HashIndex scalars_;           ///< those that have numbers
-  std::vector<Index> uids_;     ///< likewise, by their values
+  std::vector<Index> numbers_;  ///< object numbers, by index in the list
+  std::vector<Index> order_;    ///< the reverse: indices, by number
+  HashIndex scalars_;           ///< the numbered scalars
+  std::vector<Index> uids_;     ///< the numbered UIDs, by value
   std::size_t referenceSize_ = 1;
   std::string out_;
 };

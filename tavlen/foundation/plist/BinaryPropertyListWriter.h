@@ -6,11 +6,11 @@
 
 namespace tavlen {
 
-/// Writes what the root reaches in the binary form ("bplist00").
+/// Writes everything reachable from the root in the binary form ("bplist00").
 ///
-/// Objects stand in pre-order, a dictionary's keys before its values, members in the stored order.
-/// Equal scalars are written once, a shared container once, so that any graph keeps its shape; no
-/// depth is too deep. Throws EncodingError for a string that is no valid UTF-8.
+/// Objects are written in pre-order, a dictionary's keys before its values, members in the stored
+/// order. Equal scalars are written once, and so are shared containers, so the shape of any graph
+/// is kept. Depth is not limited. Throws EncodingError for a string that is not valid UTF-8.
 std::string writeBinaryPropertyList(const PropertyList& list);
 
 }  // namespace tavlen

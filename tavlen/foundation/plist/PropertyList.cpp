@@ -18,7 +18,7 @@ std::uint64_t bitsOf(double value) { return std::bit_cast<std::uint64_t>(value);
 std::uint64_t bitsOf(Date value) { return bitsOf(value.secondsSinceReferenceDate); }
 std::uint64_t bitsOf(PropertyList::UID value) { return value.value; }
 
-/// Stores the parts of an object behind those of the others; gives where they begin.
+/// Appends the parts of an object to the common store; returns the offset of the first.
 template <class Store, class Parts>
 std::uint64_t append(Store& store, const Parts& parts) {
   if (parts.size() > std::numeric_limits<std::uint32_t>::max()) {

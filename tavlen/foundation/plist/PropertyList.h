@@ -15,23 +15,25 @@
 
 namespace tavlen {
 
-/// A property list as a flat table: every object once, containers hold indices into the table.
+/// A property list as a flat table: it holds each object once; containers hold indices into the
+/// table.
 ///
-/// Objects may be shared by several containers, may be reached by nobody, and may form a cycle;
-/// whoever walks from the root needs a limit. In a list that was read, the indices that containers
-/// hold are in range and the keys of dictionaries are strings.
+/// Objects may be shared by several containers, be unreachable, or form a cycle, so a walk from the
+/// root needs a limit. In a list that was read from a file, all indices are in range and all keys
+/// of dictionaries are strings.
 ///
-/// An object takes sixteen bytes, and its text, elements or members lie side by side with those of
-/// all others, so a table is a handful of allocations. What is given out of them are views: valid
-/// until the table changes. Nothing here recurses, so any depth can be built, read and destroyed.
-/// It is a plain value; const calls may run side by side.
+/// An object takes sixteen bytes; the texts, elements and members of all objects are stored
+/// contiguously, so a table takes a handful of allocations. Accessors return views, which are valid
+/// until the table changes. Nothing recurses, so lists of any depth can be built, read and
+/// destroyed. A plain value; threads may make const calls concurrently.
 class PropertyList {
  public:
+  /// The position of an object in the table.
   using Index = std::uint32_t;
 
-  /// In the order of Node's alternatives. Any integer that fits may be an `integer`; an
-  /// `unsignedInteger` is above 2^63-1, or was stored in the binary form's 16 bytes, as the
-  /// platform does with unsigned types whatever their value.
+  /// The kinds of objects, in the order of Node's alternatives. Any integer that fits may be an
+  /// `integer`. An `unsignedInteger` is above 2^63-1, or was stored in 16 bytes in the binary form,
+  /// as the platform does for unsigned types of any value.
   enum class Kind : std::uint8_t {
     boolean,
     integer,
@@ -45,87 +47,97 @@ class PropertyList {
     dictionary
   };
 
+  /// A view of bytes.
   struct Data {
-    std::string_view bytes;
+    std::string_view bytes;  ///< valid until the table changes
   };
-  /// A number that points into a keyed archive's table.
+  /// A number that refers to an object of a keyed archive's table.
   struct UID {
-    std::uint64_t value = 0;
+    std::uint64_t value = 0;  ///< the position in that table
   };
+  /// A view of an array.
   struct Array {
-    std::span<const Index> elements;
+    std::span<const Index> elements;  ///< valid until the table changes
   };
+  /// A member of a dictionary.
   struct Member {
-    Index key;  ///< a string
-    Index value;
+    Index key;    ///< a string
+    Index value;  ///< any object
   };
-  /// In the stored order; equal keys are kept.
+  /// A view of a dictionary, in the stored order; equal keys are kept.
   struct Dictionary {
-    std::span<const Member> members;
+    std::span<const Member> members;  ///< valid until the table changes
   };
   /// An object as a view.
   using Node = std::variant<bool, std::int64_t, std::uint64_t, double, Date, Data, std::string_view,
                             UID, Array, Dictionary>;
 
-  /// What tells one scalar from another: reals and dates by their bits.
+  /// The identity of a scalar, comparable: reals and dates by their bits.
   struct Scalar {
-    Kind kind;
-    std::uint64_t bits;
-    std::string_view bytes;
+    Kind kind;               ///< not a container
+    std::uint64_t bits;      ///< of a number, date, boolean or UID
+    std::string_view bytes;  ///< of a string or data
     bool operator==(const Scalar&) const = default;
   };
 
+  /// The number of objects.
   std::size_t size() const { return objects_.size(); }
-  /// The elements of all arrays, and the members of all dictionaries.
+  /// The elements of all arrays.
   std::span<const Index> allElements() const { return elements_; }
+  /// The members of all dictionaries.
   std::span<const Member> allMembers() const { return members_; }
-  /// How many indices the containers hold together. A walk that looks at more of them has met
-  /// shared objects.
+  /// The number of indices that all containers hold together. A walk that follows more of them has
+  /// met shared objects.
   std::size_t referenceCount() const { return elements_.size() + 2 * members_.size(); }
-  /// The bytes of all strings and data together.
+  /// The number of bytes of all strings and data together.
   std::size_t byteCount() const { return bytes_.size(); }
 
-  /// Meaningful once the table is not empty.
+  /// The root object. Unspecified while the table is empty.
   Index root() const { return root_; }
+  /// Sets the root object.
   void setRoot(Index root) { root_ = root; }
 
+  /// The kind of the object at `index`, which must be in range, as for all accessors.
   Kind kind(Index index) const { return objects_[index].kind; }
+  /// The object at `index`.
   Node node(Index index) const;
-  /// Nothing when another kind stands there.
+  /// The object at `index` as a T; nothing when it is of another kind.
   template <class T>
   std::optional<T> get(Index index) const;
-  /// The text of a string; for the keys of dictionaries, which are always strings.
+  /// The text of the string at `index`, which must be a string, as the keys of dictionaries are.
   std::string_view string(Index index) const { return bytes(objects_[index]); }
-  /// For an object that is no container.
+  /// The identity of the object at `index`, which must not be a container.
   Scalar scalar(Index index) const;
 
-  /// The value under `key` in the dictionary at `index`, the last of equal ones; nothing when there
-  /// is none, or no dictionary.
+  /// The value under `key` in the dictionary at `index`; the last one of equal keys. Nothing when
+  /// there is no such key or no dictionary.
   std::optional<Index> find(Index index, std::string_view key) const;
 
-  /// The string under `key` in the dictionary at `index`; nothing when there is none.
+  /// The string under `key` in the dictionary at `index`; nothing without one.
   std::optional<std::string_view> findString(Index index, std::string_view key) const;
 
-  /// The integer at `index`, of either kind, when it is one and fits.
+  /// The integer at `index`, of either integer kind; nothing when it is out of range or another
+  /// kind.
   std::optional<std::int64_t> integer(Index index) const;
 
-  /// Adds a copy of what `node` views, which must not lie in this table, and says where. A
-  /// container may hold indices that are added later; they must be in the table before anybody
-  /// reads it. Throws std::length_error when the table is full.
+  /// Appends a copy of `node`, which must not refer to this table, and returns its index. A
+  /// container may hold indices of objects that are added later, as long as they are added before
+  /// it is read. Throws std::length_error when the table is full.
   Index add(const Node& node);
 
-  /// How much there is, or may come to be, of what a table holds.
+  /// The capacity of a table's stores: counts of objects, bytes, elements and members.
   struct Room {
-    std::size_t objects;
-    std::size_t bytes;
-    std::size_t elements;
-    std::size_t members;
+    std::size_t objects;   ///< of any kind
+    std::size_t bytes;     ///< of strings and data
+    std::size_t elements;  ///< of arrays
+    std::size_t members;   ///< of dictionaries
   };
+  /// Reserves capacity for at least `room`.
   void reserve(const Room& room);
 
  private:
-  /// `bits` is a scalar's value, or where in the vector of its kind the object's `count` parts
-  /// begin.
+  /// An object. `bits` is the value of a scalar; for other kinds it is the offset of the object's
+  /// `count` parts in the store of that kind.
   struct Object {
     std::uint64_t bits;
     std::uint32_t count;
@@ -162,10 +174,10 @@ std::optional<T> PropertyList::get(Index index) const {
   }
 }
 
-/// What an object is called in messages: "a string".
+/// The kind with an article, for messages: "a string".
 std::string_view description(PropertyList::Kind kind);
 
-/// What the readers throw, for the whole list: the platform's text, then the reason.
+/// The error for a list that cannot be read: the platform's text, followed by `reason`.
 DecodingError invalidPropertyList(std::string_view reason);
 
 }  // namespace tavlen

@@ -8,33 +8,41 @@
 
 namespace tavlen {
 
-/// Adds containers to a list while they are still open: each goes into the list when it ends, so
-/// after what it holds, and the root comes last.
+/// Builds a list from nested containers. A container is added to the list when it ends, so after
+/// its contents; the root comes last. Calls must be balanced. Throws std::length_error as
+/// PropertyList::add() does.
 class PropertyListBuilder {
  public:
+  /// The index of an object in the list.
   using Index = PropertyList::Index;
 
-  /// Adds `node`, to the container that is open if there is one.
+  /// Adds `node` to the open container, or as the root outside of any.
   void add(const PropertyList::Node& node) { place(list_.add(node)); }
+  /// Opens an array.
   void beginArray() { open_.push_back({PropertyList::Kind::array, members_.size(), {}}); }
+  /// Opens a dictionary.
   void beginDictionary() { open_.push_back({PropertyList::Kind::dictionary, members_.size(), {}}); }
-  /// The key of the next value in the dictionary that is open.
+  /// Sets the key of the next value in the open dictionary.
   void key(std::string_view text) { open_.back().key = list_.add(text); }
+  /// Ends the open container and adds it.
   void end();
-  /// Ends the dictionary that is open and adds `node` in its place.
+  /// Ends the open dictionary, but adds `node` instead of it.
   void endAs(const PropertyList::Node& node);
 
+  /// The number of open containers.
   std::size_t depth() const { return open_.size(); }
+  /// Whether the innermost open container is a dictionary.
   bool isInDictionary() const {
     return !open_.empty() && open_.back().kind == PropertyList::Kind::dictionary;
   }
-  /// Whether the dictionary that is open has a key that waits for its value.
+  /// Whether the open dictionary has a key that still lacks its value.
   bool hasKey() const { return open_.back().key.has_value(); }
-  /// The members of the dictionary that is open.
+  /// The members of the open dictionary, valid until the next call.
   std::span<const PropertyList::Member> members() const;
 
-  /// What has been built; its root is what was added last.
+  /// The list so far. Its root is the object added last.
   const PropertyList& list() const { return list_; }
+  /// Moves the list out of the builder.
   PropertyList take() { return std::move(list_); }
 
  private:
@@ -48,7 +56,8 @@ class PropertyListBuilder {
 
   PropertyList list_;
   std::vector<Frame> open_;
-  std::vector<PropertyList::Member> members_;  ///< of all that are open; an array's have no keys
+  /// Of all open containers; an array's elements have no keys.
+  std::vector<PropertyList::Member> members_;
   std::vector<Index> elements_;
 };
 

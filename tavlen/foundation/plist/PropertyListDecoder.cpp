@@ -12,10 +12,10 @@ using Index = PropertyList::Index;
 
 constexpr std::string_view kNull = "$null";
 
-/// `value` as an Integer when it is whole and fits.
+/// `value` as an Integer if it is whole and in range.
 template <class Integer>
 std::optional<Integer> exactly(double value) {
-  // The largest values round up as doubles, so the upper bound is the first power that is too much.
+  // The largest values round up as doubles, so the exclusive bound is the next power of two.
   constexpr double kLimit = std::is_signed_v<Integer> ? 0x1p63 : 0x1p64;
   const bool fits = value >= (std::is_signed_v<Integer> ? -kLimit : 0) && value < kLimit;
   if (!fits || std::trunc(value) != value) return std::nullopt;
@@ -24,22 +24,22 @@ std::optional<Integer> exactly(double value) {
 
 }  // namespace
 
-/// The containers that are open: one more while it lives.
-class PropertyListDecoder::Inside {
+/// RAII nesting counter. Restores the decoder's position when the container ends.
+class PropertyListDecoder::Nesting {
  public:
-  explicit Inside(PropertyListDecoder& decoder) : decoder_(decoder), container_(decoder.here_) {
+  explicit Nesting(PropertyListDecoder& decoder) : decoder_(decoder), container_(decoder.here_) {
     if (decoder_.depth_ == kDeepest) {
       throw DecodingError::dataCorrupted("nested deeper than " + std::to_string(kDeepest) +
                                          " containers");
     }
     ++decoder_.depth_;
   }
-  ~Inside() {
+  ~Nesting() {
     decoder_.here_ = container_;
     --decoder_.depth_;
   }
-  Inside(const Inside&) = delete;
-  Inside& operator=(const Inside&) = delete;
+  Nesting(const Nesting&) = delete;
+  Nesting& operator=(const Nesting&) = delete;
 
   void moveTo(Index index) { decoder_.here_ = index; }
 
@@ -120,13 +120,13 @@ void PropertyListDecoder::record(std::span<const FieldDecoder> fields, void* rec
       if (fields[i].key == key) values[i] = member.value;
     }
   }
-  Inside inside(*this);
+  Nesting nesting(*this);
   for (std::size_t i = 0; i < fields.size(); ++i) {
     if (!values[i]) {
       if (fields[i].required) throw DecodingError::keyNotFound(fields[i].key);
       continue;
     }
-    inside.moveTo(*values[i]);
+    nesting.moveTo(*values[i]);
     underKey(fields[i].key, [&] { fields[i].decode(*this, record); });
   }
 }
@@ -136,14 +136,14 @@ void PropertyListDecoder::members(FunctionRef<void(std::string_view key)> member
   budget_.chargeVisits(2 * members.size());
   std::unordered_map<std::string_view, std::size_t> lastOf;
   for (std::size_t i = 0; i < members.size(); ++i) {
-    // Hashing reads the text, and who collects members copies it.
+    // Charged here, because hashing reads the text, and callers copy it.
     lastOf[budget_.chargedText(list_.string(members[i].key))] = i;
   }
-  Inside inside(*this);
+  Nesting nesting(*this);
   for (std::size_t i = 0; i < members.size(); ++i) {
     const std::string_view key = list_.string(members[i].key);
     if (lastOf[key] != i) continue;
-    inside.moveTo(members[i].value);
+    nesting.moveTo(members[i].value);
     underKey(key, [&] { member(key); });
   }
 }
@@ -151,9 +151,9 @@ void PropertyListDecoder::members(FunctionRef<void(std::string_view key)> member
 void PropertyListDecoder::elements(FunctionRef<void()> element) {
   const auto elements = require<PropertyList::Array>("an array").elements;
   budget_.chargeVisits(elements.size());
-  Inside inside(*this);
+  Nesting nesting(*this);
   for (std::size_t i = 0; i < elements.size(); ++i) {
-    inside.moveTo(elements[i]);
+    nesting.moveTo(elements[i]);
     underIndex(i, element);
   }
 }
@@ -162,8 +162,8 @@ std::string_view PropertyListDecoder::peekString(std::string_view key) {
   budget_.chargeVisits(require<PropertyList::Dictionary>("a dictionary").members.size());
   const std::optional<Index> value = list_.find(here_, key);
   if (!value) throw DecodingError::keyNotFound(key);
-  Inside inside(*this);
-  inside.moveTo(*value);
+  Nesting nesting(*this);
+  nesting.moveTo(*value);
   return underKey(key, [this]() -> std::string_view {
     return budget_.chargedText(require<std::string_view>("a string"));
   });
@@ -174,7 +174,7 @@ bool PropertyListDecoder::attempt(FunctionRef<void()> read) {
     read();
     return true;
   } catch (const DecodingError&) {
-    return false;  // the containers that the error left have put everything back
+    return false;  // the nesting counters have restored the position
   }
 }
 

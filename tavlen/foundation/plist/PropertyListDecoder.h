@@ -12,20 +12,21 @@
 
 namespace tavlen {
 
-/// Decodes from the table, by the platform's rules: an integer may be read from a real that is
-/// whole, a real from any integer, a boolean from nothing but a boolean; the string "$null" is a
-/// null; the last of equal keys wins.
+/// Decodes from a table by the platform's rules: an integer may be read from a real that is whole,
+/// a real from any integer, a boolean only from a boolean; the string "$null" is a null; the last
+/// of equal keys wins.
 ///
-/// A record's fields are looked up in the order of its table, so the first of them that fails ends
-/// the decoding. `members` goes by the stored order. Number errors carry their path.
+/// A record's fields are looked up in the order of its field table, and the first one that fails
+/// ends the decoding. `members` follows the stored order. Errors of numbers contain their path.
 ///
-/// Limits, whose errors are DecodingError::dataCorrupted: `kDeepest` containers (which ends a
-/// cycle), and SharedReferenceBudget.
+/// Beyond its limits it throws DecodingError::dataCorrupted: `kDeepest` nested containers (which
+/// ends a cycle) and SharedReferenceBudget. Threads: one object one thread at a time.
 class PropertyListDecoder final : public Decoder {
  public:
+  /// Maximum nesting of containers.
   static constexpr std::size_t kDeepest = 512;
 
-  /// Stands before the root. Keeps a reference to `list`, which must not be empty.
+  /// Starts at the root. Keeps a reference to `list`, which must not be empty and must outlive it.
   explicit PropertyListDecoder(const PropertyList& list)
       : list_(list), here_(list.root()), budget_(list) {}
 
@@ -43,9 +44,9 @@ class PropertyListDecoder final : public Decoder {
   bool attempt(FunctionRef<void()> read) override;
 
  private:
-  class Inside;
+  class Nesting;
 
-  /// The value that stands here, which must be a T; `expected` names it.
+  /// The current value, which must be a T; `expected` names it in the error.
   template <class T>
   T require(std::string_view expected);
   template <class Integer>
@@ -59,8 +60,8 @@ class PropertyListDecoder final : public Decoder {
   SharedReferenceBudget budget_;
 };
 
-/// The value of type T that a property list of either form holds. Throws DecodingError, for what is
-/// no property list with an empty path.
+/// Decodes a property list of either form as a T. Throws DecodingError; its path is empty when
+/// `bytes` are not a property list.
 template <class T>
 T decodePropertyList(std::string_view bytes) {
   const PropertyList list = readPropertyList(bytes);

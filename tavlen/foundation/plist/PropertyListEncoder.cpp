@@ -6,7 +6,7 @@ namespace tavlen {
 
 namespace {
 
-// The writers check this too, but they do not know the path.
+// The writers check this as well, but they do not know the coding path.
 std::string_view checkedText(std::string_view text) {
   if (!isValidUTF8(text)) throw EncodingError::invalidValue("the string is not valid UTF-8");
   return text;
@@ -19,7 +19,7 @@ PropertyList PropertyListEncoder::finish() {
   const PropertyList& list = builder_.list();
   if (list.size() == 0 ||
       (list.kind(list.root()) != Kind::array && list.kind(list.root()) != Kind::dictionary)) {
-    throw EncodingError::invalidValue("a property list's root is an array or a dictionary");
+    throw EncodingError::invalidValue("a property list's root must be an array or a dictionary");
   }
   return builder_.take();
 }

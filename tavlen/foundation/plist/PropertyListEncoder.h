@@ -10,13 +10,16 @@
 namespace tavlen {
 
 /// Encodes one value into a table. A null is the string "$null"; a record keeps the order of its
-/// keys. EncodingError: a string that is no valid UTF-8, more than `kDeepest` containers.
+/// keys. Throws EncodingError for a string that is not valid UTF-8 and for more than `kDeepest`
+/// nested containers. Threads: one object one thread at a time.
 class PropertyListEncoder final : public Encoder {
  public:
+  /// Maximum nesting of containers.
   static constexpr std::size_t kDeepest = 511;
 
-  /// What was encoded. Throws EncodingError unless it is an array or a dictionary: of what records
-  /// code, the platform takes nothing else for a list's root. The encoder is spent afterwards.
+  /// Returns the list. Throws EncodingError unless it is an array or a dictionary: the platform
+  /// accepts no other root of the values that records code. The encoder must not be used
+  /// afterwards.
   PropertyList finish();
 
   void beginRecord() override;
@@ -38,7 +41,7 @@ class PropertyListEncoder final : public Encoder {
   PropertyListBuilder builder_;
 };
 
-/// `value` as a property list. Throws EncodingError for what the format cannot hold.
+/// Encodes `value` as a property list. Throws EncodingError for values that the format cannot hold.
 template <class T>
 std::string encodePropertyList(const T& value,
                                PropertyListFormat format = PropertyListFormat::binary) {

@@ -9,7 +9,8 @@ namespace tavlen {
 
 namespace {
 
-/// In any encoding: the first character that is neither blank nor part of a byte order mark.
+/// Whether the first character that is neither blank nor part of a byte order mark is '<', in any
+/// encoding.
 bool looksLikeXML(std::string_view bytes) {
   const std::size_t first =
       bytes.find_first_not_of(std::string_view(" \t\r\n\0\xEF\xBB\xBF\xFE\xFF", 10));

@@ -7,12 +7,15 @@
 
 namespace tavlen {
 
+/// The two stored forms of property lists.
 enum class PropertyListFormat { binary, xml };
 
-/// Reads a list of either form, told by its first bytes. Throws invalidPropertyList().
+/// Reads a list, whose form follows from its first bytes. Throws invalidPropertyList(). Threads:
+/// any.
 PropertyList readPropertyList(std::string_view bytes);
 
-/// Writes `list`, which must not be empty. Throws EncodingError for what the form cannot hold.
+/// Writes `list`, which must not be empty. Throws EncodingError for values that the form cannot
+/// hold. Threads: any.
 std::string writePropertyList(const PropertyList& list, PropertyListFormat format);
 
 }  // namespace tavlen

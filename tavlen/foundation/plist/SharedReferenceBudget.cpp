@@ -4,8 +4,8 @@ namespace tavlen {
 
 namespace {
 
-/// A walk of the list as a tree may look at each object and each reference this often (a dictionary
-/// is searched for its kind before it is read) without having met a shared one.
+/// A walk of the list as a tree may look at each object and each reference this many times without
+/// having met a shared one: a dictionary's kind, for example, is looked up before it is read.
 constexpr std::size_t kPasses = 8;
 
 }  // namespace
@@ -16,7 +16,7 @@ SharedReferenceBudget::SharedReferenceBudget(const PropertyList& list) {
 }
 
 void SharedReferenceBudget::failVisits() {
-  // Stays so: nobody who drops this error goes on reading.
+  // Stays exhausted, so that a decoder which drops this error cannot continue reading.
   visitsLeft_ = 0;
   throw DecodingError::dataCorrupted("too many values by shared references");
 }

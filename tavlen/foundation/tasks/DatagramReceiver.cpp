@@ -57,7 +57,8 @@ std::pair<FileDescriptor, FileDescriptor> makePipe() {
 
 #endif
 
-/// Without SO_REUSEADDR, by which a second receiver would bind the port and take the datagrams.
+/// Binds without SO_REUSEADDR, which would let a second receiver bind the port and take the
+/// datagrams. Returns the bound port.
 std::uint16_t bindPort(const FileDescriptor& socket, std::uint16_t port) {
   sockaddr_in address{};
   address.sin_family = AF_INET;
@@ -74,21 +75,21 @@ std::uint16_t bindPort(const FileDescriptor& socket, std::uint16_t port) {
 
 }  // namespace
 
-/// The calling thread's stay in receive().
-class DatagramReceiver::Inside {
+/// RAII: marks the calling thread as the one in receive().
+class DatagramReceiver::ReceiveScope {
  public:
-  explicit Inside(DatagramReceiver& receiver) : receiver_(receiver) {
+  explicit ReceiveScope(DatagramReceiver& receiver) : receiver_(receiver) {
     const std::lock_guard lock(receiver_.lock_);
     mayReceive_ = !receiver_.isClosed_;
     if (mayReceive_) receiver_.receiving_ = std::this_thread::get_id();
   }
-  Inside(const Inside&) = delete;
-  Inside& operator=(const Inside&) = delete;
-  ~Inside() {
+  ReceiveScope(const ReceiveScope&) = delete;
+  ReceiveScope& operator=(const ReceiveScope&) = delete;
+  ~ReceiveScope() {
     if (!mayReceive_) return;
     const std::lock_guard lock(receiver_.lock_);
     receiver_.receiving_ = {};
-    // A handler that closed the receiver did not wait for this.
+    // If the handler closed the receiver, close() returned without freeing the port.
     if (receiver_.isClosed_) receiver_.socket_ = FileDescriptor();
     receiver_.ended_.notify_all();
   }
@@ -111,13 +112,13 @@ bool DatagramReceiver::isClosed() {
 }
 
 void DatagramReceiver::receive(std::size_t mostBytes, Handler handler) {
-  const Inside inside(*this);
-  if (!inside.mayReceive()) return;
+  const ReceiveScope scope(*this);
+  if (!scope.mayReceive()) return;
   std::string buffer(mostBytes, '\0');
   while (waitForDatagram()) {
     const ssize_t size = ::recv(socket_.get(), buffer.data(), buffer.size(), MSG_DONTWAIT);
     if (size < 0) {
-      // What was announced may be gone: a datagram with a bad checksum is dropped only now.
+      // poll() may report a datagram that recv() then drops because of a bad checksum.
       if (errno == EINTR || errno == EAGAIN || errno == EWOULDBLOCK) continue;
       return;
     }
@@ -125,8 +126,8 @@ void DatagramReceiver::receive(std::size_t mostBytes, Handler handler) {
   }
 }
 
-/// False when the receiver is closed. A close() alone would not wake a thread that sleeps in the
-/// system's own receive.
+/// Waits; returns false when the receiver is closed. The pipe is needed because closing the socket
+/// would not wake a thread in recv().
 bool DatagramReceiver::waitForDatagram() const {
   std::array<pollfd, 2> descriptors = {{{socket_.get(), POLLIN, 0}, {wake_.get(), POLLIN, 0}}};
   const int count = retryOnInterrupt(
@@ -137,7 +138,7 @@ bool DatagramReceiver::waitForDatagram() const {
 void DatagramReceiver::close() {
   std::unique_lock lock(lock_);
   if (!std::exchange(isClosed_, true)) {
-    // One byte fits into a pipe that nothing else is written to.
+    // Cannot block: a pipe has room for one byte, and nothing else is written to it.
     (void)retryOnInterrupt([&] { return ::write(wakeSender_.get(), "", 1); });
   }
   if (receiving_ == std::this_thread::get_id()) return;

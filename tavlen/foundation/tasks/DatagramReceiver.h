@@ -12,36 +12,38 @@
 
 namespace tavlen {
 
-/// Receives the datagrams that come to a UDP port of this machine, over IPv4 and at any of its
-/// addresses, until another thread closes it.
+/// Receives datagrams on a UDP port of this machine, over IPv4 and on all addresses, until another
+/// thread closes it.
 ///
-/// Threads: any; one is in receive() at a time. No lock is held while a handler runs.
+/// Threads: any; one at a time may be in receive(). No lock is held while a handler runs.
 class DatagramReceiver {
  public:
-  /// Returns whether to go on.
+  /// Handles one datagram, valid during the call. Returns whether to continue receiving.
   using Handler = FunctionRef<bool(std::string_view datagram)>;
 
-  /// Binds the port, which nobody else must have; 0 takes a free one. Throws std::system_error. The
-  /// descriptors are close-on-exec.
+  /// Binds the port, which no other socket may use; 0 selects a free port. The descriptors are
+  /// close-on-exec. Throws std::system_error.
   explicit DatagramReceiver(std::uint16_t port);
   DatagramReceiver(const DatagramReceiver&) = delete;
   DatagramReceiver& operator=(const DatagramReceiver&) = delete;
   ~DatagramReceiver() = default;
 
+  /// The bound port.
   std::uint16_t port() const { return port_; }
+  /// Whether close() was called.
   bool isClosed();
 
-  /// Gives each datagram, of which it keeps the first `mostBytes`, to `handler`, in the order in
-  /// which they came. Returns when the handler says so, when the receiver is closed, and when the
-  /// system reports an error. What the handler throws leaves the call.
+  /// Passes each datagram, truncated to `mostBytes`, to `handler` in the order of arrival. Returns
+  /// when the handler returns false, when the receiver is closed, and when the system reports an
+  /// error. Exceptions of the handler propagate.
   void receive(std::size_t mostBytes, Handler handler);
 
-  /// Ends receive(), and lets no further call begin. Waits until it has ended; then the port is
-  /// free. Called by the handler it does not wait: the port is free when receive() returns.
+  /// Ends receive() and prevents further calls of it. Waits until it has returned; then the port is
+  /// free. When the handler calls it, it does not wait: the port is free once receive() returns.
   void close();
 
  private:
-  class Inside;
+  class ReceiveScope;
 
   bool waitForDatagram() const;
 
@@ -52,7 +54,7 @@ class DatagramReceiver {
   FileDescriptor wakeSender_;  ///< the other end
   std::uint16_t port_ = 0;
   bool isClosed_ = false;
-  std::thread::id receiving_;  ///< the thread that is in receive()
+  std::thread::id receiving_;  ///< the thread in receive(), if any
 };
 
 }  // namespace tavlen

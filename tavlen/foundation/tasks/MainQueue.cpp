@@ -33,7 +33,7 @@ std::size_t MainQueue::drain() {
       queue_.pop_front();
       lock.unlock();
       work();
-      work = nullptr;  // what it holds is destroyed without the lock, too
+      work = nullptr;  // destroys its captures without the lock as well
       lock.lock();
     }
   } catch (...) {
@@ -51,7 +51,7 @@ void MainQueue::endDraining() {
 }
 
 std::size_t MainQueue::waitAndDrain(std::chrono::milliseconds timeout) {
-  // The clock's range ends before the timeouts that can be asked for.
+  // The clock overflows for timeouts that a caller may pass.
   constexpr std::chrono::milliseconds kShortest(0);
   constexpr std::chrono::milliseconds kLongest = std::chrono::hours(24);
   {
@@ -66,7 +66,7 @@ void MainQueue::setWorkAddedHandler(std::function<void()> handler) {
   std::shared_ptr<const std::function<void()>> next;
   if (handler) next = std::make_shared<const std::function<void()>>(std::move(handler));
   const std::lock_guard lock(lock_);
-  workAdded_.swap(next);  // the former one is destroyed after the lock
+  workAdded_.swap(next);  // the former handler is destroyed after the lock is released
 }
 
 }  // namespace tavlen

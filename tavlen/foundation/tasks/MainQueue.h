@@ -10,39 +10,43 @@
 
 namespace tavlen {
 
-/// A serial queue of work that its host drains: on the device from its run loop, in a command from
-/// its main loop, in tests where they like. Nothing runs by itself.
+/// A serial queue of work that the host drains: from its run loop on the device, from its main loop
+/// in a command, anywhere in tests. Nothing runs by itself.
 ///
-/// Threads: any; no lock is held while work or the handler of additions runs. Work runs one piece
-/// after the other, in the order of addition, on the thread that drains.
+/// Threads: any. Work runs in the order of addition, one piece at a time, on the thread that
+/// drains. No lock is held while work or the handler of additions runs.
 class MainQueue {
  public:
+  /// A piece of work; its captures are destroyed on the draining thread.
   using Work = std::function<void()>;
 
+  /// An empty queue.
   MainQueue() = default;
   MainQueue(const MainQueue&) = delete;
   MainQueue& operator=(const MainQueue&) = delete;
 
-  /// The one that the library adds to. It lives as long as the process.
+  /// The queue to which the library adds its work. Never destroyed.
   static MainQueue& shared();
 
   /// Adds `work` and returns at once.
   void async(Work work);
 
-  /// Runs what is in the queue now; work that is added meanwhile stays for the next call, so the
-  /// call ends. Does nothing inside of work, or while another thread drains. What a piece of work
-  /// throws leaves the call; the pieces after it stay. Returns how many pieces ran.
+  /// Runs the work in the queue; work added concurrently stays for the next call, so the call ends.
+  /// Does nothing when called by work, or while another thread drains. An exception of the work
+  /// propagates and leaves the rest of the queue. Returns the number of pieces that ran.
   std::size_t drain();
 
-  /// Waits for work that nobody else drains, no longer than `timeout`, and drains.
+  /// Waits up to `timeout`, at most a day, for work that no other thread drains; then drains as
+  /// above.
   std::size_t waitAndDrain(std::chrono::milliseconds timeout);
 
-  /// `handler` is called after each addition, on the adding thread: a host wakes its run loop
-  /// there. An empty one is none. A call of the former handler may still be running elsewhere.
+  /// Sets a handler that is called after each addition, on the adding thread, for the host to wake
+  /// its run loop. An empty function removes it. A call of the former handler may still be running
+  /// on another thread.
   void setWorkAddedHandler(std::function<void()> handler);
 
  private:
-  /// To be called with the lock held.
+  /// The lock must be held.
   void endDraining();
 
   std::mutex lock_;

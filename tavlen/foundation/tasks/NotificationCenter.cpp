@@ -42,7 +42,8 @@ NotificationCenter::Token NotificationCenter::addObserver(std::optional<std::str
 }
 
 void NotificationCenter::removeObserver(Token token) {
-  // Outlives the lock: what the handler holds may use the centre when it is destroyed.
+  // Destroyed after the lock is released: the handler's captures may use the centre in their
+  // destructors.
   std::shared_ptr<Observer> removed;
   const std::lock_guard lock(lock_);
   const auto found =

@@ -12,40 +12,45 @@
 
 namespace tavlen {
 
+/// A named event. A plain value.
 struct Notification {
+  /// What happened; observers may select by it.
   std::string name;
-  /// Who posts it; told apart by address, never looked at.
+  /// The poster. Compared by address, never dereferenced; null for none.
   const void* object = nullptr;
-  /// What comes with it, by key; nothing where the poster gave none.
+  /// Further values by key; nothing when the poster gives none.
   std::optional<std::map<std::string, std::any>> userInfo;
 };
 
 /// Tells observers within the process what happened.
 ///
-/// Threads: any. Observers run on the posting thread, in the order of their registration, before
-/// post() returns, and no lock is held: they may post, add and remove observers. One that is added
-/// during a post is not called in it, one that is removed is not called any more. A call that runs
-/// on another thread already is not waited for. What a handler throws leaves post(); the observers
-/// after it are then not called.
+/// Threads: any. post() calls the observers on the posting thread, in the order of their
+/// registration, and returns afterwards. No lock is held, so observers may post, add and remove
+/// observers. An observer added during a post is not called in it; a removed one is not called any
+/// more, but a call that already runs on another thread is not waited for. An exception of a
+/// handler propagates from post() and skips the later observers.
 class NotificationCenter {
  public:
+  /// Called with each notification that an observer selects.
   using Handler = std::function<void(const Notification&)>;
-  /// Names a registration.
+  /// Identifies a registration.
   enum class Token : std::uint64_t {};
 
+  /// A centre without observers.
   NotificationCenter() = default;
   NotificationCenter(const NotificationCenter&) = delete;
   NotificationCenter& operator=(const NotificationCenter&) = delete;
 
-  /// The one that the library posts to. It lives as long as the process.
+  /// The centre to which the library posts. Never destroyed.
   static NotificationCenter& default_();
 
-  /// `handler` is called for notifications of that name, or of any, from that object, or from any.
-  /// The registration stays until it is removed.
+  /// Registers `handler` for notifications of `name` from `object`. Nothing and null select any
+  /// name and any object. The registration lasts until removeObserver().
   Token addObserver(std::optional<std::string> name, const void* object, Handler handler);
-  /// Does nothing for a registration that is gone already.
+  /// Removes a registration; a no-op when it is already removed.
   void removeObserver(Token token);
 
+  /// Calls the observers of `notification` (see the class).
   void post(const Notification& notification) const;
 
  private:

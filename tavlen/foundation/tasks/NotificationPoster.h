@@ -6,23 +6,25 @@
 
 namespace tavlen {
 
-/// Lets a caller make several changes in silence.
+/// Lets a caller make several changes without a notification for each.
 ///
-/// Threads: any; the lock is held while a body runs, and may be taken again by the same thread.
+/// Threads: any. A recursive lock is held while a body runs.
 class NotificationPoster {
  public:
+  /// Posts until it is silenced.
   NotificationPoster() = default;
   NotificationPoster(const NotificationPoster&) = delete;
   NotificationPoster& operator=(const NotificationPoster&) = delete;
 
-  /// Runs `body`, during which nothing is posted through this poster, by any thread. The former
-  /// state comes back however `body` ends.
+  /// Runs `body`; until it ends, no thread posts through this poster. The former state is restored
+  /// even if `body` throws.
   void performWithoutNotifications(FunctionRef<void()> body);
-  /// Runs `body`, which posts, unless posting is silenced: then the notification is dropped.
+  /// Runs `body`, which posts; skips it while posting is silenced.
   void performNotificationPostingOperation(FunctionRef<void()> body);
 
-  /// To be read and changed under recursiveLock.
+  /// Whether bodies run. Read and change only with recursiveLock held.
   bool shouldPostNotifications = true;
+  /// Held while a body runs.
   std::recursive_mutex recursiveLock;
 };
 

@@ -14,8 +14,8 @@ namespace {
 
 using Handler = std::function<void()>;
 
-/// One lock for all: an update reaches from a leaf to the root, a fraction from the root to the
-/// leaves, and locks of their own would be taken in both orders.
+/// One lock for all progresses: updates walk from a leaf to the root, fractions from the root to
+/// the leaves, so locks per progress would be taken in both orders.
 std::mutex& treeLock() {
   static std::mutex& lock = *new std::mutex;
   return lock;
@@ -48,8 +48,8 @@ void runOnOwnThread(std::vector<Handler> handlers) {
 
 }  // namespace
 
-/// A change under the lock. Progresses and handlers that it lets go of are destroyed after the
-/// lock, because what handlers hold may use a progress when it is destroyed.
+/// A change under the lock. Progresses and handlers that it releases are destroyed after the lock
+/// is released, because their captures may use a progress in their destructors.
 class Progress::Update {
  public:
   Update() : lock_(treeLock()) {}
@@ -57,7 +57,7 @@ class Progress::Update {
   Update(const Update&) = delete;
   Update& operator=(const Update&) = delete;
 
-  /// Tells the parents of `progress` when it has finished.
+  /// Completes the units of `progress` in its parents, as far up as they are finished.
   void settle(std::shared_ptr<Progress> progress) {
     while (progress->isComplete()) {
       std::shared_ptr<Progress> parent = std::exchange(progress->parent_, {}).lock();
@@ -82,13 +82,13 @@ class Progress::Update {
     settle(child);
   }
 
-  /// Goes down without recursion, a progress before its children.
+  /// Cancels without recursion, in pre-order.
   void cancel(Progress& top) {
     std::vector<Progress*> rest = {&top};
     while (!rest.empty()) {
       Progress& progress = *rest.back();
       rest.pop_back();
-      // Whoever is cancelled has cancelled all below, those that came later too.
+      // Its descendants are then cancelled as well, also those added later.
       if (std::exchange(progress.isCancelled_, true)) continue;
       if (progress.cancellationHandler_) handlers_.push_back(progress.cancellationHandler_);
       std::for_each(progress.children_.rbegin(), progress.children_.rend(),
@@ -98,7 +98,7 @@ class Progress::Update {
 
   void addHandler(Handler handler) { handlers_.push_back(std::move(handler)); }
 
-  /// Ends the change and runs the handlers that it has met.
+  /// Releases the lock and runs the collected cancellation handlers.
   void finish() {
     lock_.unlock();
     runOnOwnThread(std::move(handlers_));
@@ -106,9 +106,9 @@ class Progress::Update {
 
  private:
   void checkAncestors(std::shared_ptr<Progress> parent, const std::shared_ptr<Progress>& child) {
-    if (!child->parent_.expired()) fatalError("Progress: the child has a parent already");
+    if (!child->parent_.expired()) fatalError("Progress: the child already has a parent");
     while (parent != nullptr) {
-      if (parent == child) fatalError("Progress: the child is above its parent");
+      if (parent == child) fatalError("Progress: the child is an ancestor of its parent");
       released_.push_back(parent);
       parent = parent->parent_.lock();
     }
@@ -116,7 +116,7 @@ class Progress::Update {
 
   std::vector<std::shared_ptr<Progress>> released_;
   std::vector<Handler> handlers_;
-  std::unique_lock<std::mutex> lock_;  // the last member: the first to go
+  std::unique_lock<std::mutex> lock_;  // last member: released first
 };
 
 std::shared_ptr<Progress> Progress::make(std::int64_t totalUnitCount) {
@@ -185,7 +185,7 @@ bool Progress::isFinished() const {
 }
 
 void Progress::addChild(const std::shared_ptr<Progress>& child, std::int64_t pendingUnitCount) {
-  const std::shared_ptr<Progress> self = shared_from_this();  // until after the lock
+  const std::shared_ptr<Progress> self = shared_from_this();  // until the lock is released
   Update update;
   update.attach(self, child, pendingUnitCount);
   update.finish();
@@ -226,7 +226,7 @@ void Progress::cancel() {
 
 void Progress::setCancellationHandler(std::function<void()> handler) {
   Update update;
-  cancellationHandler_.swap(handler);  // the former one is destroyed with the parameter
+  cancellationHandler_.swap(handler);  // the former handler is destroyed with the parameter
   if (isCancelled_ && cancellationHandler_) update.addHandler(cancellationHandler_);
   update.finish();
 }

@@ -7,63 +7,70 @@
 
 namespace tavlen {
 
-/// How far a piece of work has come, as a tree: a child stands for some of its parent's units, and
-/// the parent's fraction holds the child's share while the child is under way. A parent keeps its
-/// children until they have finished; a child does not keep its parent.
+/// The progress of a piece of work, as a tree. A child accounts for some units of its parent, and
+/// the parent's fraction includes the child's while the child is unfinished. A parent owns its
+/// unfinished children; a child does not own its parent.
 ///
 ///     progress->becomeCurrent(10);  // the callee's progress, if it makes one, is worth 10 units
 ///     work();
 ///     progress->resignCurrent();
 ///
-/// Threads: any; what is current is each thread's own. No lock is held while a handler runs.
+/// Threads: any; each thread has its own current progress. No lock is held while a handler runs.
 /// The rules are those of the platform's class of this name.
 class Progress : public std::enable_shared_from_this<Progress> {
   struct Access {};
 
  public:
-  /// Becomes the child of the thread's current progress, if that one has none since it became
-  /// current.
+  /// Creates a progress. It becomes a child of the thread's current progress, unless that has got a
+  /// child since it became current.
   static std::shared_ptr<Progress> make(std::int64_t totalUnitCount);
-  /// Stands alone, whatever is current.
+  /// Creates a progress without a parent, whatever is current.
   static std::shared_ptr<Progress> discrete(std::int64_t totalUnitCount);
-  /// For make() and discrete() only.
+  /// Only for make() and discrete().
   Progress(Access /*unused*/, std::int64_t totalUnitCount) : total_(totalUnitCount) {}
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
 
+  /// The units of the whole work; negative when unknown.
   std::int64_t totalUnitCount() const;
+  /// Sets the units of the whole work, and may thereby finish it.
   void setTotalUnitCount(std::int64_t count);
-  /// The units of children that are under way do not count yet.
+  /// The units completed, without those of unfinished children.
   std::int64_t completedUnitCount() const;
+  /// Sets the completed units, and may thereby finish the work.
   void setCompletedUnitCount(std::int64_t count);
 
-  /// 0 where a count is negative. Without units it is 1 once something is completed, else 0. It is
-  /// above 1 where more is completed than there is.
+  /// The completed part, from 0 to 1; above 1 when more is completed than the total. 0 when a count
+  /// is negative. With a total of 0 it is 1 once something is completed, else 0.
   double fractionCompleted() const;
+  /// Whether the fraction is unknown: a count is negative, or both are 0.
   bool isIndeterminate() const;
+  /// Whether all units are completed.
   bool isFinished() const;
 
-  /// Gives `child` so many of this progress's units. The child has finished already: they count at
-  /// once. This progress is cancelled: so is the child. A child that has a parent, or that this
-  /// progress descends from, is a programming error.
+  /// Makes `child` account for `pendingUnitCount` units of this progress. The units of a finished
+  /// child are completed at once; a child of a cancelled progress is cancelled. Aborts the process
+  /// when `child` already has a parent or is an ancestor of this progress.
   void addChild(const std::shared_ptr<Progress>& child, std::int64_t pendingUnitCount);
 
-  /// The calling thread's, or none.
+  /// The current progress of the calling thread; null for none.
   static std::shared_ptr<Progress> current();
-  /// Makes this the thread's current progress until resignCurrent(). The first make() meanwhile
-  /// gets the units.
+  /// Makes this the thread's current progress until resignCurrent(). The first progress made until
+  /// then gets the units.
   void becomeCurrent(std::int64_t pendingUnitCount);
-  /// Brings the former current progress back. The units that no child got are completed. A
-  /// programming error where this is not the thread's current progress.
+  /// Restores the former current progress. Units that no child took are completed. Aborts the
+  /// process when this is not the thread's current progress.
   void resignCurrent();
 
+  /// Whether cancel() was called on it or on an ancestor.
   bool isCancelled() const;
-  /// Marks this progress and all below it, the parent never. Counts stay; the work is to look at
-  /// isCancelled(), or to have a handler. Handlers run after the call, one after the other, on a
-  /// thread of their own: the caller's and the main one may be what they are to free. Throws
-  /// std::system_error where there can be no further thread. Does nothing the second time.
+  /// Cancels this progress and its descendants, never its parent; counts stay. The work must poll
+  /// isCancelled() or set a handler. Handlers run one after the other on a new thread, because the
+  /// calling thread or the main thread may be blocked on the very work being cancelled. A no-op the
+  /// second time. Throws std::system_error when no thread can be started.
   void cancel();
-  /// Must not throw. Where the progress is cancelled already, it runs at once, as if by cancel().
+  /// Sets the handler, which must not throw. When the progress is already cancelled, it runs at
+  /// once, as for cancel().
   void setCancellationHandler(std::function<void()> handler);
 
  private:
@@ -77,7 +84,7 @@ class Progress : public std::enable_shared_from_this<Progress> {
   bool isComplete() const;
   double fraction() const;
 
-  // All guarded by the one lock of all trees.
+  // Guarded by the one lock of all trees.
   std::int64_t total_;
   std::int64_t completed_ = 0;
   bool isCancelled_ = false;

@@ -8,8 +8,8 @@
 
 namespace tavlen {
 
-/// Makes a progress the thread's current one for as long as it stands, whatever is thrown
-/// meanwhile.
+/// RAII: makes a progress the thread's current one while the object lives, even if an exception
+/// ends the scope. Destroy it on the same thread.
 class ScopedProgress {
  public:
   /// `progress` is not null.

@@ -17,7 +17,7 @@ void nameThisThread(const std::string& label) {
 #if defined(__APPLE__)
   ::pthread_setname_np(label.c_str());
 #else
-  // Linux keeps 15 bytes, and labels differ at their ends.
+  // Linux keeps 15 bytes. Keep the end of the label, where labels differ.
   constexpr std::size_t kMost = 15;
   const std::size_t start = label.size() > kMost ? label.size() - kMost : 0;
   ::pthread_setname_np(::pthread_self(), label.c_str() + start);
@@ -51,7 +51,7 @@ void SerialQueue::async(Work work) {
 
 void SerialQueue::sync(FunctionRef<void()> work) {
   if (isCurrent()) fatalError("the queue " + label_ + " waits for itself");
-  // Shared: who sets a promise may still be in it when the waiting thread goes on.
+  // Shared ownership: set_value() may still use the promise when the waiting thread returns.
   const auto end = std::make_shared<std::promise<void>>();
   async([end, work] {
     try {
@@ -73,7 +73,7 @@ void SerialQueue::run() {
     queue_.pop_front();
     lock.unlock();
     work();
-    work = nullptr;  // what it holds is destroyed without the lock, too
+    work = nullptr;  // destroys its captures without the lock as well
     lock.lock();
   }
 }

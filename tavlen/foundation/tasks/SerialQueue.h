@@ -11,20 +11,21 @@
 
 namespace tavlen {
 
-/// A serial queue of work with a thread of its own, which runs one piece after the other, in the
-/// order of addition.
+/// A serial queue of work with its own thread. Work runs in the order of addition, one piece at a
+/// time.
 ///
-/// Threads: any; no lock is held while work runs.
+/// Threads: any. No lock is held while work runs.
 class SerialQueue {
  public:
+  /// A piece of work; its captures are destroyed on the queue's thread.
   using Work = std::function<void()>;
 
-  /// `label` tells debuggers what the thread is for. Throws std::system_error where there can be no
-  /// further thread.
+  /// Starts the thread. `label` names it in debuggers. Throws std::system_error when no thread can
+  /// be started.
   explicit SerialQueue(std::string label);
   SerialQueue(const SerialQueue&) = delete;
   SerialQueue& operator=(const SerialQueue&) = delete;
-  /// Waits until all that was added has run. Not to be called by work of the queue.
+  /// Runs all remaining work and waits for it. Must not be called by work of this queue.
   ~SerialQueue();
 
   /// Whether the caller is work of this queue.
@@ -33,8 +34,8 @@ class SerialQueue {
   /// Adds `work`, which must not throw, and returns at once.
   void async(Work work);
 
-  /// Runs `work` after all that was added before, and waits for its end. What it throws leaves the
-  /// call. Called by work of this queue it would wait for itself: a programming error.
+  /// Runs `work` after all work added before, and waits for its end; exceptions propagate. Aborts
+  /// the process when called by work of this queue, which would deadlock.
   void sync(FunctionRef<void()> work);
 
  private:
@@ -45,7 +46,7 @@ class SerialQueue {
   std::condition_variable changed_;
   std::deque<Work> queue_;
   bool isEnding_ = false;
-  std::thread thread_;  // the last member: it uses the others from its start
+  std::thread thread_;  // last member: it uses the others from its start
 };
 
 }  // namespace tavlen

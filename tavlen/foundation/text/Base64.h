@@ -6,13 +6,14 @@
 
 namespace tavlen {
 
-/// The standard alphabet (RFC 4648, section 4), padded, on one line.
+/// Encodes `bytes` in the standard alphabet (RFC 4648, section 4), padded, without line breaks.
 std::string base64FromBytes(std::string_view bytes);
 
+/// Whether a decoder accepts spaces, tabs and line ends, anywhere in the text.
 enum class Base64Blanks { refused, skipped };
 
-/// The bytes of `text`, whose padding must be complete; nothing for any other text. Spaces, tabs
-/// and line ends may stand anywhere when `blanks` says so.
+/// Decodes `text`, whose padding must be complete. Returns nothing for malformed text, which
+/// includes blanks unless `blanks` is `skipped`.
 std::optional<std::string> bytesFromBase64(std::string_view text,
                                            Base64Blanks blanks = Base64Blanks::refused);
 

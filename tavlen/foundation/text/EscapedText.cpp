@@ -6,8 +6,8 @@ namespace tavlen {
 
 namespace {
 
-/// Control characters of both ranges, and those that break a line or turn the direction of the text
-/// around them.
+/// Control characters (C0, DEL and C1), and the characters that break a line or change the
+/// direction of the text around them.
 bool isControl(char16_t unit) {
   return unit < 0x20 || (unit >= 0x7F && unit < 0xA0) || unit == 0x061C || unit == 0x200E ||
          unit == 0x200F || (unit >= 0x2028 && unit <= 0x202E) || (unit >= 0x2066 && unit <= 0x2069);

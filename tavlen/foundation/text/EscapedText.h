@@ -5,8 +5,8 @@
 
 namespace tavlen {
 
-/// `text` on one line, safe for a terminal: control characters are written as escapes, what is not
-/// UTF-8 as U+FFFD.
+/// `text` on one line, safe for a terminal: control characters become escapes, malformed UTF-8
+/// becomes U+FFFD.
 std::string escapedForTerminal(std::string_view text);
 
 }  // namespace tavlen

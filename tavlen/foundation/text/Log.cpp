@@ -50,12 +50,13 @@ void setLogSink(LogSink sink) {
   std::shared_ptr<const LogSink> next;
   if (sink) next = std::make_shared<const LogSink>(std::move(sink));
   const std::lock_guard lock(sinkLock);
-  currentSink().swap(next);  // the former one is destroyed after the lock
+  currentSink().swap(next);  // the former sink is destroyed after the lock is released
 }
 
 void logToStandardError(std::string_view message) {
   const std::string line = escapedForTerminal(message) + "\n";
-  // One call, so that lines of several threads do not mix. There is nowhere to say that it failed.
+  // One call, so that the lines of several threads do not mix. A failure cannot be reported
+  // anywhere.
   (void)std::fwrite(line.data(), 1, line.size(), stderr);
 }
 

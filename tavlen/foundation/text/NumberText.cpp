@@ -12,7 +12,7 @@ namespace tavlen {
 namespace {
 
 constexpr double kLargestDecimal =
-    9007199254740992.0;  // 2^53: beyond it neighbours differ by more than one
+    9007199254740992.0;  // 2^53: above it, neighbours differ by more than one
 
 /// A number's shortest digits, and the decimal exponent of the first.
 struct ShortestDigits {
@@ -23,10 +23,10 @@ struct ShortestDigits {
   std::string_view view() const { return {digits.data(), count}; }
 };
 
-/// The digits of a number that has at most fifteen of them, up to six behind the point, as numbers
-/// that people write have. No two decimals of fifteen digits lie next to the same double, so one
-/// that divides back to the value is its shortest text, found for a fraction of what the general
-/// way costs.
+/// Finds the digits of a number that has at most fifteen of them, up to six after the point: the
+/// numbers that people write. Two decimals of up to fifteen digits never round to the same double,
+/// so one that divides back to the value is its shortest text. This costs a fraction of the general
+/// algorithm.
 bool findFewDigits(double magnitude, ShortestDigits& result) {
   static constexpr std::array<double, 7> kPowers = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6};
   if (magnitude < 1e-4 || magnitude >= 1e9) return false;
@@ -48,8 +48,8 @@ bool findFewDigits(double magnitude, ShortestDigits& result) {
 ShortestDigits shortestDigits(double magnitude) {
   ShortestDigits result{};
   if (findFewDigits(magnitude, result)) return result;
-  // The scientific form alone gives the digits: the plain form pads big integers with digits of its
-  // own.
+  // Use the digits of the scientific form: the plain form of large integers adds digits that the
+  // shortest text does not have.
   std::array<char, 32> text;
   const auto end = std::to_chars(text.data(), text.data() + text.size(), magnitude,
                                  std::chars_format::scientific)
@@ -59,7 +59,7 @@ ShortestDigits shortestDigits(double magnitude) {
     if (*position != '.') result.digits[result.count++] = *position;
   }
   ++position;
-  if (*position == '+') ++position;  // from_chars does not take it
+  if (*position == '+') ++position;  // from_chars rejects it
   std::from_chars(position, end, result.exponent);
   return result;
 }

@@ -7,43 +7,48 @@
 
 namespace tavlen {
 
-/// A text whose stretches have a colour and a font, for users of the library to draw. UTF-8.
+/// A UTF-8 text in runs of one colour and font, for users of the library to draw. A plain value.
 class StyledText {
  public:
-  /// Each component lies from 0 to 1, which nothing here enforces.
+  /// Components from 0 to 1; the range is not checked.
   struct Color {
-    double red = 0;
-    double green = 0;
-    double blue = 0;
-    double alpha = 1;
+    double red = 0;    ///< 1 is full red
+    double green = 0;  ///< 1 is full green
+    double blue = 0;   ///< 1 is full blue
+    double alpha = 1;  ///< 0 is transparent
 
     bool operator==(const Color&) const = default;
   };
 
-  /// As the platform knows it.
+  /// A font by its name on the platform.
   struct Font {
+    /// The name by which the platform finds it.
     std::string name;
     double size = 0;  ///< in points
 
     bool operator==(const Font&) const = default;
   };
 
-  /// A stretch of one style. Never empty; neighbours differ in style.
+  /// A stretch of text in one style. Never empty; adjacent runs differ in style.
   struct Run {
+    /// UTF-8.
     std::string text;
+    /// The colour; nothing for the default one.
     std::optional<Color> color;
+    /// The font; nothing for the default one.
     std::optional<Font> font;
 
     bool operator==(const Run&) const = default;
   };
 
-  /// Puts `text` behind what is there, in `color` and without a font.
+  /// Appends `text` in `color`, without a font.
   void append(std::string_view text, const Color& color);
-  /// Over the whole length; what is appended later has none.
+  /// Sets the font of all runs; text appended later has none.
   void setFont(const Font& font);
 
+  /// The runs, in order; valid until the next change.
   const std::vector<Run>& runs() const { return runs_; }
-  /// The text alone.
+  /// The text without its styles.
   std::string plain() const;
 
   bool operator==(const StyledText&) const = default;

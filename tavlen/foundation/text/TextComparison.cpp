@@ -20,12 +20,12 @@ namespace tavlen {
 
 namespace {
 
-/// ICU counts in 32 bits, and a text grows while it is folded. Longer ones compare as they stand.
+/// ICU counts in 32 bits, and folding lengthens a text. Longer texts are compared unfolded.
 constexpr std::size_t kLongestText = std::size_t{1} << 27;
 
 std::int32_t lengthOf(const std::u16string& text) { return static_cast<std::int32_t>(text.size()); }
 
-/// The result of an ICU transformation; `text` unchanged where ICU fails.
+/// The result of an ICU transformation; `text` unchanged when ICU fails.
 template <class Call>
 std::u16string transformed(const std::u16string& text, const Call& call) {
   std::u16string out(text.size() + 16, u'\0');
@@ -50,15 +50,15 @@ std::u16string normalized(const std::u16string& text,
   });
 }
 
-/// Lithuanian keeps the dot of a small i below an accent as a mark of its own, which the capital
-/// lacks.
+/// Removes the dot above from soft-dotted letters: in Lithuanian a small i keeps its dot as a
+/// separate mark under an accent, while the capital I has none.
 void dropDotsAboveI(std::u16string& text) {
   constexpr char16_t kDotAbove = 0x0307;
   std::size_t used = 0;
   bool afterSoftDotted = false;
   for (const char16_t unit : text) {
     if (unit == kDotAbove && afterSoftDotted) continue;
-    // Marks below, such as the ogonek, stand between the letter and its dot.
+    // Marks below the letter, such as the ogonek, come between the letter and its dot.
     if (!afterSoftDotted || u_getCombiningClass(unit) == 0 || u_getCombiningClass(unit) == 230) {
       afterSoftDotted = unit == u'i' || unit == u'j';
     }
@@ -72,7 +72,8 @@ std::u16string folded(std::string_view utf8, const std::string& language) {
   std::u16string text = utf16FromUTF8(utf8);
   if (text.size() > kLongestText) return text;
   const bool isTurkic = language == "tr" || language == "az";
-  // Folding wants decomposed text, but the dotted capital I of Turkic languages in one piece.
+  // Folding needs decomposed text, except for the dotted capital I of Turkic languages, which must
+  // be composed.
   text = normalized(text, isTurkic ? unorm2_getNFCInstance : unorm2_getNFDInstance);
   const std::uint32_t options = isTurkic ? U_FOLD_CASE_EXCLUDE_SPECIAL_I : U_FOLD_CASE_DEFAULT;
   text = transformed(text, [&](char16_t* out, std::int32_t capacity, UErrorCode* status) {
@@ -92,7 +93,7 @@ CollatorPointer openCollator(const std::string& locale) {
   UErrorCode status = U_ZERO_ERROR;
   CollatorPointer collator(ucol_open(locale.c_str(), &status));
   if (U_FAILURE(status)) return nullptr;
-  // Some locales pass over punctuation, and a locale's keywords may change the rest.
+  // Some locales ignore punctuation, and keywords in a locale's name may change other attributes.
   ucol_setAttribute(collator.get(), UCOL_STRENGTH, UCOL_SECONDARY, &status);
   ucol_setAttribute(collator.get(), UCOL_CASE_LEVEL, UCOL_OFF, &status);
   ucol_setAttribute(collator.get(), UCOL_ALTERNATE_HANDLING, UCOL_NON_IGNORABLE, &status);
@@ -100,8 +101,8 @@ CollatorPointer openCollator(const std::string& locale) {
   return U_SUCCESS(status) ? std::move(collator) : nullptr;
 }
 
-/// The locale's data, kept per thread: a collator takes a third of a millisecond to open and must
-/// not be shared. Without a collator texts compare by their code units.
+/// The locale's data, one per thread: a collator takes a third of a millisecond to open and must
+/// not be shared. Without a collator, texts compare by code units.
 struct LocaleRules {
   std::string locale = userLocale();
   std::string language = languageOf(locale);
@@ -114,8 +115,8 @@ const LocaleRules& localeRules() {
   return rules;
 }
 
-/// Whether what begins at `position` belongs to the character before it: a combining mark, or the
-/// next letter of a Korean syllable, which decomposes like an accented letter.
+/// Whether the code point at `position` belongs to the character before it: a combining mark, or
+/// the next letter of a Korean syllable, which decomposes like an accented letter.
 bool continuesCharacter(const std::u16string& text, std::size_t position) {
   if (position >= text.size()) return false;
   UChar32 codePoint = 0;
@@ -125,15 +126,16 @@ bool continuesCharacter(const std::u16string& text, std::size_t position) {
   return syllableType == U_HST_VOWEL_JAMO || syllableType == U_HST_TRAILING_JAMO;
 }
 
-/// How much of `needle` the text matches after `next`, when it matched `matched` units before it.
+/// The length of the prefix of `needle` that matches once `next` follows, when `matched` units
+/// matched before it.
 std::size_t extended(const std::u16string& needle, const std::vector<std::size_t>& borders,
                      std::size_t matched, char16_t next) {
   while (matched > 0 && needle[matched] != next) matched = borders[matched - 1];
   return needle[matched] == next ? matched + 1 : 0;
 }
 
-/// For each prefix of `needle`, the length of the longest shorter prefix that also ends it: the
-/// table of the Knuth-Morris-Pratt search, which is linear whatever the texts repeat.
+/// For each prefix of `needle`, the length of its longest proper prefix that is also a suffix: the
+/// table of the Knuth-Morris-Pratt search, which stays linear for repetitive texts.
 std::vector<std::size_t> bordersOf(const std::u16string& needle) {
   std::vector<std::size_t> borders(needle.size(), 0);
   for (std::size_t i = 1; i < needle.size(); ++i) {
@@ -146,7 +148,7 @@ std::vector<std::size_t> bordersOf(const std::u16string& needle) {
 
 std::weak_ordering localizedCaseInsensitiveCompare(std::string_view left, std::string_view right) {
   const LocaleRules& rules = localeRules();
-  // Collating the folded texts, and not those given, keeps the order consistent with equality.
+  // Collate the folded texts, not the originals, to keep the order consistent with equality.
   const std::u16string foldedLeft = folded(left, rules.language);
   const std::u16string foldedRight = folded(right, rules.language);
   if (!rules.collator || std::max(foldedLeft.size(), foldedRight.size()) > INT32_MAX) {

@@ -21,8 +21,8 @@ constexpr char32_t joined(char32_t high, char32_t low) {
   return 0x10000 + ((high - 0xD800) << 10) + (low - 0xDC00);
 }
 
-/// Reads the character at `position` and passes over it: negative for a malformed sequence, the
-/// longest prefix that could have begun a character.
+/// Reads the character at `position` and advances. Returns a negative value for a malformed
+/// sequence, whose length is that of the longest prefix that could have begun a character.
 UChar32 nextUTF8(std::string_view text, std::size_t& position) {
   const auto* bytes = reinterpret_cast<const std::uint8_t*>(text.data());
   UChar32 codePoint = 0;
@@ -30,7 +30,8 @@ UChar32 nextUTF8(std::string_view text, std::size_t& position) {
   return codePoint;
 }
 
-/// Reads units of `Size` bytes; `bigEndian` is a template parameter so that the loop holds no test.
+/// Reads a unit of `Size` bytes. `BigEndian` is a template parameter to keep the branch out of the
+/// loop.
 template <std::size_t Size, bool BigEndian>
 char32_t unitAt(std::string_view bytes, std::size_t position) {
   char32_t unit = 0;
@@ -72,7 +73,7 @@ bool convertUTF32(std::string_view bytes, std::string& out) {
 }  // namespace
 
 bool isASCII(std::string_view text) {
-  // Without a way out of the loop, which then takes many bytes at a time.
+  // No early exit, so that the compiler vectorises the loop.
   unsigned char all = 0;
   for (const char byte : text) all |= static_cast<unsigned char>(byte);
   return all < 0x80;
@@ -152,7 +153,7 @@ void appendUTF8(std::string& out, char32_t codePoint) {
 std::optional<ByteOrderMark> byteOrderMarkOf(std::string_view bytes) {
   using namespace std::string_view_literals;
   using enum TextEncoding;
-  // The four-byte marks first: one of them begins with a two-byte mark.
+  // Four-byte marks first: one of them begins with a two-byte mark.
   constexpr std::array<std::pair<std::string_view, TextEncoding>, 5> kMarks = {{
       {"\xFF\xFE\0\0"sv, utf32LittleEndian},
       {"\0\0\xFE\xFF"sv, utf32BigEndian},

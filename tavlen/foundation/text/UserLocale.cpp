@@ -12,7 +12,7 @@ namespace {
 
 using LocaleBuffer = std::array<char, ULOC_FULLNAME_CAPACITY>;
 
-/// What `call` writes into a buffer; empty where it fails or the text does not fit.
+/// The text that `call` writes into a buffer; empty when it fails or the text does not fit.
 template <class Call>
 std::string localePart(const Call& call) {
   LocaleBuffer buffer;
@@ -44,8 +44,8 @@ std::vector<std::string> localeFallbacks(const std::string& locale) {
   });
   if (base.empty()) return names;
   names.push_back(base);
-  // The likely script stands between the region and the bare language, so that Taiwan reads the
-  // traditional table and not the one of the mainland.
+  // Put the likely script between the region and the bare language, so that Taiwan gets the
+  // traditional table and not that of the mainland.
   std::string name = localePart([&](char* out, std::int32_t capacity, UErrorCode* status) {
     return uloc_addLikelySubtags(base.c_str(), out, capacity, status);
   });

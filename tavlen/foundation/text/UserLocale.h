@@ -7,14 +7,14 @@ namespace tavlen {
 
 /// The user's locale as ICU writes it: "de_AT", "zh_Hant_TW". Threads: any.
 ///
-/// A process without a locale of its own ("C", "POSIX", none) counts as "en_US": ICU's locale for
-/// it, en_US_POSIX, collates by byte and knows no case.
+/// A process without a locale ("C", "POSIX" or unset) gets "en_US": ICU's en_US_POSIX collates by
+/// byte and ignores case rules.
 std::string userLocale();
 
 /// The language code of a locale: "de". Empty for the root locale.
 std::string languageOf(const std::string& locale);
 
-/// The names under which translations for `locale` may be filed, the closest first, with
+/// The names under which translations for `locale` may be stored, the closest first, with
 /// underscores: for "zh_TW" these are zh_TW, zh_Hant_TW, zh_Hant, zh.
 std::vector<std::string> localeFallbacks(const std::string& locale);
 

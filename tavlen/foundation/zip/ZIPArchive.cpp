@@ -51,7 +51,7 @@ void ZIPArchive::zipItem(const fs::path& item, const fs::path& archive, Progress
   if (fs::exists(fs::symlink_status(archive, ignored))) throwSystemError(EEXIST, archive);
   TemporaryFile output(AT_FDCWD, archive.parent_path(), 0666, archive);
   writeZIP(output.descriptor(), archive, items, bytes);
-  // As a reader will judge it: only now is it known how small the data has become.
+  // Apply a reader's checks to the result: only now is it known how well the data compressed.
   readZIPDirectory(RandomAccessFile(output.path()), limits);
   output.finish();
   moveItem(output.path(), archive);

@@ -8,42 +8,45 @@ namespace tavlen {
 
 class Progress;
 
-/// ZIP archives from folders, and folders from archives that anybody may have made.
+/// Creates ZIP archives of folders, and unpacks archives from untrusted sources.
 ///
-/// Both refuse the same things by the same ZIPError: links and special files, names that leave the
-/// folder or stand twice, more entries or bytes than the limits. What is written can be read. The
-/// file system's errors are std::system_error with the path. A buffer of fixed size holds the
-/// files' bytes; memory grows with the number of entries only. A given `progress` gets its units
-/// set, in bytes, and is watched: one that is cancelled ends the work with ECANCELED.
+/// Both refuse the same things with the same ZIPError: links and special files, names that leave
+/// the folder or are not unique, and more entries or bytes than the limits. So every archive that
+/// is written can be read. Errors of the file system are std::system_error with the path. Files are
+/// copied through a buffer of fixed size; memory grows only with the number of entries. A given
+/// `progress` gets its units, in bytes; cancelling it ends the work with ECANCELED.
 /// Threads: any.
 namespace ZIPArchive {
 
+/// Limits against archives that exhaust the device.
 struct Limits {
-  /// Files and folders, those counted too that only stand in the names of others.
+  /// Maximum number of files and folders, including parent folders implied by a path.
   std::uint64_t entries = 100'000;
+  /// Maximum size of a file, in bytes.
   std::uint64_t entryBytes = std::uint64_t{4} << 30;
+  /// Maximum size of all files together, in bytes.
   std::uint64_t archiveBytes = std::uint64_t{8} << 30;
-  /// Of what comes out to all the compressed bytes in the archive; looked at once `ratioFreeBytes`
-  /// are out.
+  /// Maximum expansion ratio (inflated / compressed); enforced after `ratioFreeBytes` of output.
   std::uint64_t ratio = 200;
+  /// The bytes of output that the ratio does not limit.
   std::uint64_t ratioFreeBytes = std::uint64_t{64} << 20;
 };
 
-/// Writes the file or folder `item`, under its own name at the archive's top, to the new file
-/// `archive`, which must not exist (EEXIST). Folders have entries of their own, permissions are
-/// kept, names are UTF-8; files with temporary names (isTemporaryName()) stay behind. The archive
-/// is on the disk before it gets its name. Leaves no archive on an error.
+/// Writes the file or folder `item`, under its own name at the top of the archive, to the new file
+/// `archive`, which must not exist (EEXIST). Folders get their own entries, permissions are kept,
+/// names are UTF-8. Files with temporary names (isTemporaryName()) are left out. The archive is
+/// flushed to the disk before it gets its name. After an error there is no archive.
 void zipItem(const std::filesystem::path& item, const std::filesystem::path& archive,
              Progress* progress = nullptr, const Limits& limits = {});
 
-/// Unpacks `archive` into the folder `destination`, which is made, private to its user, and must
-/// not exist (EEXIST). The archive is opened once and judged whole before anything is made:
-/// every name, every record. With `onlyTop`, the entry of that name at the top and what is in it
-/// are unpacked and the rest is left, links and what cannot be read among it; names and records are
-/// judged everywhere. Checksums are checked. Permissions are restored as far as the process's mask
-/// lets them, write permission to the owner only, who may read and write everything. Time is linear
-/// in the bytes of the names and of the files. Nothing is synced: the archive is still there. After
-/// an error what was unpacked is gone, folder and all.
+/// Unpacks `archive` into the new folder `destination`, which must not exist (EEXIST) and is
+/// private to its user. All names and records of the archive are checked before anything is
+/// created. With `onlyTop`, only the entry of that name at the top and its contents are unpacked;
+/// other entries are skipped, even links and unreadable ones, but their names and records are still
+/// checked. CRCs are verified. Permissions are restored as far as the umask allows, never write
+/// permission for group or others, plus u+rw and, for folders, u+x. Time is linear in the bytes of
+/// the names and files. No fsync: after a crash, extract again. After an error, `destination` is
+/// removed.
 void unzipItem(const std::filesystem::path& archive, const std::filesystem::path& destination,
                Progress* progress = nullptr, const Limits& limits = {},
                std::string_view onlyTop = {});

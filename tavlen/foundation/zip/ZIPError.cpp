@@ -20,9 +20,10 @@ LocalizedText textOf(ZIPError::Case which) {
     case Case::invalidName:
       return {"zip_error.invalid_name", "The entry '%@' has an invalid name"};
     case Case::duplicateName:
-      return {"zip_error.duplicate_name", "The entry '%@' is there twice"};
+      return {"zip_error.duplicate_name", "The entry '%@' appears twice"};
     case Case::caseConflict:
-      return {"zip_error.case_conflict", "This volume takes '%@' and another entry for the same"};
+      return {"zip_error.case_conflict",
+              "'%@' and another entry have the same name on this volume"};
     case Case::fileAsFolder:
       return {"zip_error.file_as_folder", "The entry '%@' is both a file and a folder"};
     case Case::symbolicLink:
@@ -47,9 +48,9 @@ LocalizedText textOf(ZIPError::Case which) {
     case Case::entryTooLarge:
       return {"zip_error.entry_too_large", "The entry '%@' is too large"};
     case Case::archiveTooLarge:
-      return {"zip_error.archive_too_large", "The archive is too large from the entry '%@' on"};
+      return {"zip_error.archive_too_large", "The archive is too large, at the entry '%@'"};
     case Case::ratioTooHigh:
-      return {"zip_error.ratio_too_high", "The archive unpacks to too much, at the entry '%@'"};
+      return {"zip_error.ratio_too_high", "The archive expands too much, at the entry '%@'"};
   }
   fatalError("ZIPError: a case without a text");
 }

@@ -6,35 +6,36 @@
 
 namespace tavlen {
 
+/// The reasons to refuse an archive or an item.
 enum class ZIPErrorCase {
-  damagedArchive,   ///< the end record or the directory
-  absoluteName,     ///< from the root, or from a drive
-  parentReference,  ///< with a component ".."
-  invalidName,      ///< empty, too long, with a backslash, NUL, "." or nothing between slashes
-  duplicateName,    ///< there already, after Unicode normalization
-  caseConflict,     ///< there already, for the volume at hand
-  fileAsFolder,     ///< one of the two by its name, the other by its kind or another's name
+  damagedArchive,   ///< the end record or the directory is malformed
+  absoluteName,     ///< starts at the root or with a drive
+  parentReference,  ///< has a component ".."
+  invalidName,  ///< empty or too long; has a backslash, a NUL, or a component that is "." or empty
+  duplicateName,  ///< equal to another name after Unicode normalization
+  caseConflict,   ///< equal to another name on this volume
+  fileAsFolder,   ///< a file by one entry, a folder by another or by its name
   symbolicLink,
   specialFile,       ///< a device, a pipe or a socket
-  recordMismatch,    ///< the record before the data is not that of the directory
-  overlappingEntry,  ///< its data lies where another's does, or the directory
+  recordMismatch,    ///< the local record differs from the directory's
+  overlappingEntry,  ///< its data overlaps another's, or the directory
   checksumMismatch,
-  sizeMismatch,      ///< longer or shorter than its record says
-  damagedData,       ///< what is no deflate stream
-  unsupportedEntry,  ///< encrypted, or by another method than stored and deflate
+  sizeMismatch,      ///< longer or shorter than recorded
+  damagedData,       ///< not a valid deflate stream
+  unsupportedEntry,  ///< encrypted, or not stored or deflated
   tooManyEntries,
   entryTooLarge,
   archiveTooLarge,
   ratioTooHigh,
 };
 
-/// Why an archive is not read, or a folder not made into one. Every case but `damagedArchive` and
-/// `tooManyEntries` names the entry at fault, by its name in the archive; of two entries that do
-/// not go together, the later one (for caseConflict, by the order of the names).
+/// The error of an archive that is not read, or of a folder that is not archived. All cases but
+/// `damagedArchive` and `tooManyEntries` name the entry at fault, as in the archive; of two
+/// conflicting entries, the later one (for caseConflict, in the order of the names).
 class ZIPError : public CasedError<ZIPErrorCase> {
  public:
-  /// `detail` is what the case's text names: the entry; for damagedArchive what is wrong, for
-  /// tooManyEntries how many there may be.
+  /// `detail` replaces the placeholder of the case's text: the entry's name; for damagedArchive the
+  /// fault, for tooManyEntries the limit.
   ZIPError(Case which, std::string detail);
 };
 

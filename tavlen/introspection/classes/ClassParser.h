@@ -12,39 +12,41 @@ namespace tavlen {
 
 class Executable;
 
-/// A way to learn the Objective-C classes of an image.
+/// A source of the Objective-C classes of an image.
 ///
-/// Threads: any; a parser says where calls wait for one another.
+/// Threads: any; each parser documents which of its calls wait for one another.
 class ClassParser {
  public:
+  /// Classes; never null.
   using Classes = std::vector<std::shared_ptr<ObjCClass>>;
 
+  /// A parser has no state that a caller sees.
   ClassParser() = default;
   ClassParser(const ClassParser&) = delete;
   ClassParser& operator=(const ClassParser&) = delete;
   virtual ~ClassParser() = default;
 
-  /// The classes that the image of `executable` defines, in the order in which the parser finds
-  /// them; never null. Blocks. Throws the parser's own error.
+  /// The classes that the image of `executable` defines, in the parser's order; none is null.
+  /// Blocks. Throws the parser's own error.
   Classes parse(const Executable& executable) const { return parseBelow(nullptr, executable); }
 
-  /// The same; how far it is shows as one unit of `parent`.
+  /// The same; reports its progress as one unit of `parent`.
   Classes parse(const Executable& executable, const std::shared_ptr<Progress>& parent) const {
     return parseBelow(parent, executable);
   }
 
-  /// Of parse(), the first class of that name; null where there is none. A parser makes records of
-  /// no more classes than it has to.
+  /// The first class named `name` of those that parse() returns; null without a match. A parser
+  /// makes records of as few other classes as it can.
   std::shared_ptr<ObjCClass> parseClassNamed(std::string_view name, const Executable& executable,
                                              const std::shared_ptr<Progress>& parent) const {
     return parseNamedBelow(parent, executable, name);
   }
 
  private:
-  /// `parent` may be null.
+  /// Implements parse(). `parent` may be null.
   virtual Classes parseBelow(const std::shared_ptr<Progress>& parent,
                              const Executable& executable) const = 0;
-  /// The same; this one makes records of all.
+  /// Implements parseClassNamed(). This implementation makes records of all classes.
   virtual std::shared_ptr<ObjCClass> parseNamedBelow(const std::shared_ptr<Progress>& parent,
                                                      const Executable& executable,
                                                      std::string_view name) const {

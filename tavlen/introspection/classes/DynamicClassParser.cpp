@@ -33,7 +33,7 @@ std::optional<std::string> superclassPath(Class superclass) {
 }  // namespace
 
 const DynamicClassParser& DynamicClassParser::sharedParser() {
-  // Never destroyed: an initialiser's thread may ask it while the process ends.
+  // Never destroyed: the thread of an initialiser may use it while the process ends.
   static const DynamicClassParser& parser = *new DynamicClassParser;
   return parser;
 }
@@ -100,7 +100,8 @@ void DynamicClassParser::visitBelow(const std::shared_ptr<Progress>& parent,
                                     const Executable& executable,
                                     FunctionRef<void(objc_class* cls)> visit) const {
   if (!executable.parseDynamically() && !load(executable.path())) throw Error::failed();
-  // Not before: an initialiser that the load runs may parse, too, and would take the unit.
+  // Only after loading: an initialiser that the load runs may parse as well and would take the
+  // unit.
   std::optional<ScopedProgress> current;
   if (parent != nullptr) current.emplace(parent, 1);
   visitClasses(executable.path(), false, visit);

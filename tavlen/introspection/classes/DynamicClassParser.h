@@ -11,50 +11,51 @@
 #include "tavlen/foundation/errors/CasedError.h"
 #include "tavlen/introspection/classes/ClassParser.h"
 
-// What the run time's headers call Class is a pointer to one.
+// The type to which the run time's `Class` points.
 struct objc_class;
 
 namespace tavlen {
 
-/// Reads classes from the Objective-C run time of this process, for which an image is loaded into
-/// it, for good, and its initialisers run.
+/// Reads classes from the Objective-C run time of this process. Loads the image into the process,
+/// where it stays, and runs its initialisers.
 ///
-/// A class is read once; its record is kept, and shared by all that ask for a class of that name.
-/// Texts that are no UTF-8 come with U+FFFD for what is malformed.
+/// Each class is read once; its record is cached and shared by all who ask for a class of that
+/// name. Malformed UTF-8 in texts becomes U+FFFD.
 ///
-/// Threads: any; one call waits for another, the load included. An initialiser that a parse runs
-/// may ask the same parser. One that another load runs on its thread meanwhile must not: it holds
-/// what the parse waits for.
+/// Threads: any; calls wait for one another, including for a load. An initialiser run by a parse
+/// may use the same parser on its thread. An initialiser run concurrently by another load must not:
+/// it holds the loader's lock, for which the parse waits.
 class DynamicClassParser : public ClassParser {
  public:
+  /// The cases of Error.
   enum class ErrorCase { failed };
   class Error;
-  /// By the names that the run time has for the classes.
+  /// Class records by the run time's names.
   using Cache = std::unordered_map<std::string, std::shared_ptr<ObjCClass>>;
 
-  /// The one of the process. Others share no records with it.
+  /// The parser of the process. Other parsers do not share its records.
   static const DynamicClassParser& sharedParser();
 
-  /// What has been read so far, as it is now.
+  /// A copy of the records so far.
   Cache cache() const;
 
-  /// The methods of `cls` itself, which is not null: those of instances, or those of the class. One
-  /// without an encoding is left out. They are read anew.
+  /// The instance methods, or the class methods, of `cls` itself, which is not null. Methods
+  /// without an encoding are left out. Not cached.
   ObjCClass::Methods methodsOfClass(objc_class* cls, bool instance) const;
 
-  /// The record of `cls`, which is not null; never null. It has no mangled superclass.
+  /// The record of `cls`, which is not null. Never null; its mangled superclass is always absent.
   std::shared_ptr<ObjCClass> parseClass(objc_class* cls) const;
 
   /// The classes that the image at `path` defines, in the order of objc_enumerateClassesOfImage().
-  /// Loads it first where `shouldDlopen` says so, and gives nothing, with the loader's text in the
-  /// log, where that fails. An image without classes, or one that is not loaded, has an empty list.
+  /// With `shouldDlopen`, loads the image first; when that fails, logs the loader's text and
+  /// returns nothing. An image without classes, or one that is not loaded, has an empty list.
   ///
-  /// Makes a progress of one unit, which is done when the classes are.
+  /// Makes a progress of one unit, which is completed with the classes.
   std::optional<Classes> parseClassesAtPath(const std::filesystem::path& path,
                                             bool shouldDlopen) const;
 
  private:
-  /// False, and the loader's text in the log, where that fails.
+  /// Loads the image. When that fails, logs the loader's text and returns false.
   static bool load(const std::filesystem::path& path);
   /// Loads the image unless Executable::parseDynamically(). Throws Error::failed().
   Classes parseBelow(const std::shared_ptr<Progress>& parent,
@@ -62,8 +63,8 @@ class DynamicClassParser : public ClassParser {
   std::shared_ptr<ObjCClass> parseNamedBelow(const std::shared_ptr<Progress>& parent,
                                              const Executable& executable,
                                              std::string_view name) const override;
-  /// Calls `visit` with each class of the image, which is loaded first where that is asked for;
-  /// false where it does not load. To be called with the lock held.
+  /// Calls `visit` with each class of the image, after loading it if `shouldDlopen`. Returns false
+  /// when it cannot be loaded. The lock must be held.
   bool visitClasses(const std::filesystem::path& path, bool shouldDlopen,
                     FunctionRef<void(objc_class* cls)> visit) const;
   /// The same for an executable, as one unit of `parent`. Throws Error::failed().
@@ -74,9 +75,10 @@ class DynamicClassParser : public ClassParser {
   mutable Cache cache_;
 };
 
+/// The error of an image that cannot be loaded.
 class DynamicClassParser::Error : public CasedError<DynamicClassParser::ErrorCase> {
  public:
-  /// The image does not load.
+  /// The image cannot be loaded.
   static Error failed();
 
  private:

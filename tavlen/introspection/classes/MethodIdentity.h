@@ -7,10 +7,13 @@
 
 namespace tavlen {
 
-/// What tells one method from another, and so one hook of a tweak from another.
+/// The identity of a method, and so of a hook within a tweak. A plain value.
 struct MethodIdentity {
+  /// The class that defines the method.
   std::string className;
+  /// The selector, with its colons.
   std::string selector;
+  /// Whether it is a class method, not an instance method.
   bool isClassMethod = false;
 
   bool operator==(const MethodIdentity&) const = default;
@@ -18,7 +21,7 @@ struct MethodIdentity {
   auto operator<=>(const MethodIdentity&) const = default;
 };
 
-/// The method as people write it: "-[Class selector]", or "+[Class selector]" for a class method.
+/// The method as a text: "-[Class selector]", or "+[Class selector]" for a class method.
 inline std::string methodText(const MethodIdentity& identity) {
   return (identity.isClassMethod ? "+[" : "-[") + identity.className + " " + identity.selector +
          "]";
@@ -26,8 +29,10 @@ inline std::string methodText(const MethodIdentity& identity) {
 
 }  // namespace tavlen
 
+/// Hash for unordered containers.
 template <>
 struct std::hash<tavlen::MethodIdentity> {
+  /// Combines the hashes of all members.
   std::size_t operator()(const tavlen::MethodIdentity& identity) const {
     constexpr std::size_t kFactor = 31;
     const std::hash<std::string> hashOf;

@@ -6,7 +6,7 @@ namespace tavlen {
 
 namespace {
 
-/// Whether the image at `path` belongs to the system.
+/// Whether the image at `path` is part of the system.
 bool isVendored(std::string_view path) {
   return path.starts_with("/System/") || path.starts_with("/usr/lib/");
 }

@@ -16,15 +16,19 @@
 
 namespace tavlen {
 
-/// An Objective-C class of an image. Shared by reference: lists hold std::shared_ptr, never null.
+/// An Objective-C class of an image. Lists hold it by std::shared_ptr, never null. Threads: as for
+/// a plain value.
 class ObjCClass {
  public:
+  /// Methods; never null.
   using Methods = std::vector<std::shared_ptr<ObjCMethod>>;
 
-  /// The name of the class in archives.
+  /// The class name in archives.
   static constexpr std::string_view archivedClassName = "ObjCClass";
 
+  /// An empty record, for decoders.
   ObjCClass() = default;
+  /// A record with these values, in the order of the members.
   ObjCClass(std::string className, Methods ownMethods, std::optional<std::string> mangledName,
             std::optional<std::string> superclassName, std::optional<std::string> pathOfSuperclass,
             std::vector<std::string> adoptedProtocols)
@@ -35,32 +39,35 @@ class ObjCClass {
         superclassPath(std::move(pathOfSuperclass)),
         protocols(std::move(adoptedProtocols)) {}
 
+  /// The class's name.
   std::string name;
-  Methods methods;  ///< the class's own: those of instances first, then those of the class
+  Methods methods;  ///< of the class itself: instance methods first, then class methods
+  /// The superclass's mangled name, where the parser knows one.
   std::optional<std::string> mangledSuperclass;
-  std::optional<std::string> supercls;        ///< nothing for a root class
-  std::optional<std::string> superclassPath;  ///< of the image that defines the superclass
-  std::vector<std::string> protocols;         ///< the names of those that the class adopts
+  std::optional<std::string> supercls;        ///< absent for a root class
+  std::optional<std::string> superclassPath;  ///< the image that defines the superclass
+  std::vector<std::string> protocols;         ///< names of the adopted protocols
 
-  /// Each of the methods with what tells it from others, in the order of `methods`.
+  /// The methods with their identities, in the order of `methods`.
   std::vector<std::pair<std::shared_ptr<ObjCMethod>, MethodIdentity>> methodIdentities() const;
 
-  /// The first of the methods of that selector; null where the class has none of its own.
+  /// The class's own method with that selector, the first of several; null without a match.
   std::shared_ptr<ObjCMethod> methodNamed(std::string_view selector, bool isClassMethod) const;
 
-  /// "Name : Super <P, Q>", without the parts that the class does not have. The class, and a
-  /// superclass from outside of the system's folders, take `customTypeColor`; the protocols and any
-  /// other superclass, one of an unknown image among them, `vendoredTypeColor`; the punctuation
-  /// takes `foregroundColor`.
+  /// "Name : Super <P, Q>", without the parts that the class lacks. The class, and a superclass
+  /// from outside of the system's folders, have `customTypeColor`. Protocols and other
+  /// superclasses, including those of an unknown image, have `vendoredTypeColor`; punctuation has
+  /// `foregroundColor`.
   StyledText description(const StyledText::Color& foregroundColor,
                          const StyledText::Color& vendoredTypeColor,
                          const StyledText::Color& customTypeColor,
                          const StyledText::Font& font) const;
-  /// The same text, plain.
+  /// The same text without styles.
   std::string description() const;
-  /// That text and, each on a line of its own, the methods.
+  /// The same text, followed by the methods, each on a line.
   std::string debugDescription() const;
 
+  /// The coded fields.
   static constexpr auto codedFields() {
     return std::tuple{
         requiredField("name", &ObjCClass::name),
@@ -72,7 +79,7 @@ class ObjCClass {
     };
   }
 
-  /// By value, methods included.
+  /// Equality by value, including the methods.
   bool operator==(const ObjCClass& other) const {
     const auto isSame = [](const std::shared_ptr<ObjCMethod>& a,
                            const std::shared_ptr<ObjCMethod>& b) { return a == b || *a == *b; };

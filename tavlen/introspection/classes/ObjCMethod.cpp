@@ -10,10 +10,10 @@ namespace tavlen {
 namespace {
 
 constexpr std::string_view kNoBreakSpace = "\xC2\xA0";
-/// The receiver and the selector, which a declaration does not show.
+/// The receiver and the selector, which declarations do not show.
 constexpr std::size_t kHiddenArguments = 2;
 
-/// Writes a declaration piece by piece.
+/// Builds a declaration piece by piece.
 class DeclarationText {
  public:
   DeclarationText(const MethodSignature& signature, const StyledText::Color& typeColor,

@@ -10,13 +10,16 @@
 
 namespace tavlen {
 
-/// A method of an Objective-C class. Shared by reference: lists hold std::shared_ptr, never null.
+/// A method of an Objective-C class. Lists hold it by std::shared_ptr, never null. Threads: as for
+/// a plain value.
 class ObjCMethod {
  public:
-  /// The name of the class in archives.
+  /// The class name in archives.
   static constexpr std::string_view archivedClassName = "ObjCMethod";
 
+  /// An empty record, for decoders.
   ObjCMethod() = default;
+  /// A record with these values, in the order of the members.
   ObjCMethod(std::string methodSelector, std::string typeEncoding, bool belongsToClass)
       : selector(std::move(methodSelector)),
         encoding(std::move(typeEncoding)),
@@ -24,19 +27,21 @@ class ObjCMethod {
 
   std::string selector;  ///< with its colons
   std::string encoding;  ///< of the types, exactly as the run time reports it
+  /// Whether it is a class method, not an instance method.
   bool isClassMethod = false;
 
-  /// The method as its declaration, on one line and without names of arguments, which nobody knows:
+  /// The declaration on one line, without the names of arguments, which the run time does not know:
   /// "-", a no-break space, then " (void)setObject:(id) forKey:(NSString *)". A part of the
-  /// selector that has no argument stands alone; the types of arguments that no part takes follow
-  /// at the end, each after a comma. Where the encoding has no signature the selector follows the
-  /// no-break space at once. Types take `typeColor`, all else `foregroundColor`.
+  /// selector without an argument is written alone; types of surplus arguments follow at the end,
+  /// each after a comma. Without a valid encoding, the selector follows the no-break space
+  /// directly. Types have `typeColor`, everything else `foregroundColor`.
   StyledText description(const StyledText::Color& typeColor,
                          const StyledText::Color& foregroundColor,
                          const StyledText::Font& font) const;
-  /// The same text, plain.
+  /// The same text without styles.
   std::string description() const;
 
+  /// The coded fields.
   static constexpr auto codedFields() {
     return std::tuple{
         requiredField("selector", &ObjCMethod::selector),

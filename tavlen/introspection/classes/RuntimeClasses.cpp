@@ -15,7 +15,7 @@ namespace tavlen {
 
 namespace {
 
-/// A list that the run time has copied; null when it is empty.
+/// An array allocated by the run time; null when it is empty.
 template <class Item>
 using CopiedList = std::unique_ptr<Item, decltype(&std::free)>;
 

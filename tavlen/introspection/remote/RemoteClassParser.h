@@ -7,19 +7,20 @@
 
 namespace tavlen {
 
-/// Reads the classes of an image of an app from inside the app: relaunches it with the dump agent
-/// and takes the agent's archive. For what only the running app can tell.
+/// Reads the classes of an app's image from inside the app: relaunches the app with the dump agent
+/// in it and reads the agent's archive. Needed for information that only the running app has.
 ///
-/// The app and the agent go by the device's names for files; DeviceRoot tells where those are here,
-/// so an image outside the device root cannot be dumped. An archive larger than 256 MiB, or that is
-/// no regular file, is none.
+/// The app and the agent use paths of the device; DeviceRoot translates them, so an image outside
+/// the device root cannot be dumped. An archive that is larger than 256 MiB or not a regular file
+/// is refused.
 ///
-/// Blocks, without limit where the agent never ends, until cancelTessaloopIfNeeded(). A call ends
-/// the one before it. Throws Error::failed, and std::system_error where the archive was read, but
-/// its folder must not or cannot be deleted. An agent that reports a fraction that is no number, or
-/// beyond 64 bits as a percentage, ends the process.
+/// Blocks, without a time limit if the agent never ends, until cancelTessaloopIfNeeded(). A call
+/// cancels the one before it. Throws Error::failed, and std::system_error when the archive was read
+/// but its folder cannot or must not be deleted. An agent that reports NaN, or a fraction whose
+/// percentage does not fit into 64 bits, ends the process.
 class RemoteClassParser : public ClassParser {
  public:
+  /// The cases of Error.
   enum class ErrorCase { failed };
   class Error;
 
@@ -28,8 +29,10 @@ class RemoteClassParser : public ClassParser {
                      const Executable& executable) const override;
 };
 
+/// The error of a failed dump.
 class RemoteClassParser::Error : public CasedError<RemoteClassParser::ErrorCase> {
  public:
+  /// The dump failed; the log says why.
   static Error failed();
 
  private:

@@ -8,31 +8,35 @@
 
 namespace tavlen {
 
-/// What the dump agent in an app tells whoever has asked for a dump: how far it is, and at the end
-/// where the archive lies. The other direction is an environment variable of the app.
+/// A report of the dump agent in an app to the process that asked for the dump: its progress and,
+/// at the end, the path of the archive. Requests go the other way, in an environment variable of
+/// the app.
 struct TessaloopDatagram {
-  /// At this port of the local host reports are waited for, over UDP.
+  /// The UDP port of the local host to which reports are sent.
   static constexpr std::uint16_t kPort = 5432;
-  /// Names the image to dump, by its full path or by kMainImage.
+  /// The environment variable with the image to dump: its full path or kMainImage.
   static constexpr std::string_view kImageVariable = "TESSALOOP_IMAGE";
-  /// Stands for the app's own program.
+  /// Means the app's main program.
   static constexpr std::string_view kMainImage = "TESSALOOP_MAIN";
 
+  /// The longest path in a report, in bytes; a sender needs one of them for the NUL.
   static constexpr std::size_t kMostPathBytes = 1024;
+  /// The longest report, in bytes.
   static constexpr std::size_t kMostBytes = sizeof(double) + kMostPathBytes;
-  /// Marks the final datagram.
+  /// The value of the final report.
   static constexpr double kFinal = -1.0;
 
-  /// How much is done, from 0 to 1, or kFinal. A hostile agent's is any double.
+  /// The completed part, from 0 to 1, or kFinal. A hostile agent may send any double.
   double value = 0;
-  /// The final one's: of the archive, as the device names it; nothing where the agent has failed.
+  /// In the final report, the path of the archive on the device; nothing when the agent has failed.
   std::optional<std::string> path;
 
+  /// Whether this is the final report.
   bool isFinal() const { return value == kFinal; }
 
-  /// What stands in a datagram: a double, the lowest byte first, then for the final one a text that
-  /// a NUL or the 1,024th byte ends. What is missing counts as zeros; an empty path, and one that
-  /// is not UTF-8, count as none.
+  /// Reads a datagram: a little-endian double and, in the final one, a text that ends at a NUL or
+  /// after 1,024 bytes. Missing bytes count as zeros. A path that is empty or not UTF-8 counts as
+  /// missing.
   static TessaloopDatagram read(std::string_view bytes);
 
   /// The bytes to send. Throws std::system_error (ENAMETOOLONG) for a path that does not fit with

@@ -11,10 +11,10 @@ namespace tavlen {
 
 namespace {
 
-/// Null until the first request: to cancel, no threads need be made.
+/// Null until the first request, so that a cancel creates no threads.
 std::atomic<TessaloopClient*> madeClient = nullptr;
 
-/// Null where there can be no further thread; then the next call tries again.
+/// The client; null when no thread can be started, and then the next call tries again.
 TessaloopClient* sharedClient() {
   try {
     // Never destroyed: other threads may wait in it while the process ends.

@@ -11,7 +11,7 @@ struct Kind {
   std::string_view name;
 };
 
-/// In the order of the values.
+/// In the order of the enumeration's values.
 constexpr std::array<Kind, 15> kKinds = {{{'#', "Class"},
                                           {':', "SEL"},
                                           {'c', "char"},

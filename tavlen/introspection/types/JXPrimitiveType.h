@@ -5,7 +5,7 @@
 
 namespace tavlen {
 
-/// The basic kinds. The values are fixed.
+/// The basic kinds of types. The values are fixed.
 enum class JXPrimitiveType : unsigned {
   class_,
   selector,
@@ -22,14 +22,14 @@ enum class JXPrimitiveType : unsigned {
   float_,
   double_,
   bool_,
-  void_,  ///< whatever is none of the others: `v`, `?`, `D`, a delimiter, an unknown character
+  void_,  ///< all others: `v`, `?`, `D`, a delimiter, an unknown character
 };
 
-/// The kind that `character` stands for.
+/// The kind that `character` encodes.
 JXPrimitiveType JXPrimitiveTypeForEncoding(char character);
-/// The character that stands for `type`; 0 for void_ and for values that are none.
+/// The character that encodes `type`; 0 for void_ and for invalid values.
 char JXEncodingForPrimitiveType(JXPrimitiveType type);
-/// How C names `type`: `unsigned int`.
+/// The name of `type` in C: `unsigned int`.
 std::string_view JXNameForPrimitiveType(JXPrimitiveType type);
 
 }  // namespace tavlen

@@ -74,15 +74,16 @@ bool JXType::operator==(const JXType& other) const {
 
 bool JXType::areSame(const JXType& left, const JXType& right) {
   if (&left == &right) return true;
-  // The text of a node that holds others is made of theirs and of its own properties.
+  // The encoding of a container covers its parts and its own properties.
   return left.length_ == right.length_ && left.qualifiers_ == right.qualifiers_ &&
          left.isMarked_ == right.isMarked_ && typeid(left) == typeid(right) &&
          (left.height_ > 0 || left.encoding() == right.encoding()) && left.hasSameParts(right);
 }
 
 unsigned JXType::heightOver(const std::shared_ptr<JXType>& part) {
-  if (part == nullptr) throw std::invalid_argument("a type made of no type");
-  if (part->height() >= kMaximumDepth) throw std::length_error("a type of too many levels");
+  if (part == nullptr) throw std::invalid_argument("null component type");
+  if (part->height() >= kMaximumDepth)
+    throw std::length_error("type nested deeper than 250 levels");
   return part->height() + 1;
 }
 

@@ -16,78 +16,79 @@ class JXTypeCursor;
 
 /// A type of C or Objective-C as the run time encodes it: a node of a tree that owns its parts.
 ///
-/// Trees are read from encodings by JXTypeForEncoding() and JXTypeWithEncoding(), and built by the
-/// `initWith...` functions of the classes below this one. Nothing in a tree changes once it is
-/// made, but for the width of a bit field. Plain nodes (`i`, `@`, `*`) are shared among trees and
-/// live as long as the process: their pointers count nothing.
+/// Trees are parsed from encodings by JXTypeForEncoding() and JXTypeWithEncoding(), and built by
+/// the `initWith...` functions of the subclasses. A tree is immutable except for the width of a bit
+/// field. Plain nodes (`i`, `@`, `*`) are shared among trees and never destroyed, without reference
+/// counting.
 ///
-/// The encodings of a tree's nodes are views of one text, which lives as long as any of them.
-/// Bytes have no meaning but the encoding's own: what is not UTF-8 stays as it is.
+/// The encodings of a tree's nodes are views of one text, which lives as long as any of the nodes.
+/// Bytes outside of the encoding's own characters are not interpreted: malformed UTF-8 is kept.
 ///
-/// Threads: any; a tree may be read by several at once while none sets the width of a bit field.
+/// Threads: any; several may read a tree concurrently while none sets the width of a bit field.
 class JXType {
  public:
-  /// How many nodes stand on the longest way from the root of a tree down to a node that holds
-  /// others. Where a text nests deeper, a basic node of the one character stands in place of a type
-  /// that would hold others. A tree of this height is a JSON document that the encoder still
-  /// writes.
+  /// Maximum nesting of containers. Past it, a container is replaced by a basic node for its
+  /// opening character. Chosen so that such a tree still fits the JSON encoder's depth limit.
   static constexpr unsigned kMaximumDepth = 250;
 
   JXType(const JXType&) = delete;
   JXType& operator=(const JXType&) = delete;
   virtual ~JXType() = default;
 
-  /// No encoding is of this class itself.
+  /// Whether this class parses encodings that begin with `character`. Subclasses hide this
+  /// function; none is of this class itself.
   static bool supportsEncoding(char /*character*/) { return false; }
 
-  /// The text that this node covers, without its qualifiers. Valid as long as the node.
+  /// The text of this node without its qualifiers. Valid as long as the node.
   std::string_view encoding() const { return {encoding_.get(), length_}; }
+  /// The qualifiers of this node.
   JXTypeQualifiers qualifiers() const { return JXTypeQualifiers{qualifiers_}; }
 
-  /// The type as C declares it; `padding` asks for a blank behind the head where a declarator will
-  /// follow that needs one. The time is in proportion to the length of what is printed.
+  /// The type as a C declaration. `padding` requests a blank after the head if the declarator needs
+  /// one. Time is linear in the length of the result.
   JXTypeDescription descriptionWithPadding(bool padding) const;
-  /// The same without the qualifiers of this node; its parts keep theirs.
+  /// The same without the qualifiers of this node; those of its parts are kept.
   JXTypeDescription _descriptionWithPadding(bool padding) const;
   /// Head and tail, without padding: `int[4]`.
   std::string description() const;
 
-  /// Appends the head, or the tail, of descriptionWithPadding() to `out`.
+  /// Appends the head of descriptionWithPadding() to `out`.
   void appendHead(std::string& out, bool padding) const;
+  /// Appends the tail of descriptionWithPadding() to `out`.
   void appendTail(std::string& out) const { appendOwnTail(out); }
 
-  /// The bytes from `start` up to but not including `end`, which lie in one text.
+  /// The bytes of the range [start, end), which must lie in one text.
   static std::string_view stringBetweenStart(const char* start, const char* end);
-  /// The number whose decimal digits stand at the cursor, which is moved behind them; modulo 2^64.
-  /// 0 where there are none.
+  /// Parses the decimal number at the cursor, modulo 2^64, and moves the cursor past it. 0 when
+  /// there are no digits.
   static std::uint64_t numberFromEncoding(JXTypeCursor& cursor);
 
-  /// Whether the trees are the same in class, encoding, qualifiers and all properties.
+  /// Deep equality of class, encoding, qualifiers and all properties.
   bool operator==(const JXType& other) const;
 
  protected:
-  /// Lets only the classes of the family make nodes.
+  /// Restricts the public constructors of subclasses to this family of classes.
   struct Key {
     explicit Key() = default;
   };
 
-  /// `height` counts the nodes that hold others, this one included, on the longest way down.
+  /// `height` is the number of containers on the longest path down, including this node.
   JXType(JXTypeText encoding, JXTypeQualifiers qualifiers, unsigned height, bool isMarked = false);
 
   virtual void appendOwnHead(std::string& out, bool padding) const = 0;
   virtual void appendOwnTail(std::string& out) const = 0;
-  /// `other` is of the same class, and what this class stores is the same.
+  /// Compares the members of a subclass. `other` is of the same class.
   virtual bool hasSameParts(const JXType& other) const = 0;
 
-  /// Whether the parts `left` and `right` of two nodes of the same encoding are the same. Asks for
-  /// each byte of the encoding once, however deep the trees are.
+  /// Whether the parts `left` and `right` of two nodes of the same encoding are equal. Compares
+  /// each byte of the encoding once, whatever the depth of the trees.
   static bool areSame(const JXType& left, const JXType& right);
 
   unsigned height() const { return height_; }
-  /// The height of a node that is to be built over `part`. Throws std::invalid_argument where there
-  /// is no part, std::length_error where the tree would be higher than kMaximumDepth.
+  /// The height of a node above `part`. Throws std::invalid_argument when `part` is null,
+  /// std::length_error when the tree would be higher than kMaximumDepth.
   static unsigned heightOver(const std::shared_ptr<JXType>& part);
-  /// A truth value that a class below keeps here, where it takes no room.
+  /// A flag for subclasses, stored here because it takes no space here.
   bool isMarked() const { return isMarked_; }
 
  private:
@@ -98,15 +99,13 @@ class JXType {
   std::uint64_t isMarked_ : 1;
 };
 
-/// Reads the first type of `encoding`, which may be malformed in any way: there are no errors. Null
-/// for an empty text only. What follows the first type is not looked at, but the text is copied
-/// whole, once, and lives as long as a node that needs it.
+/// Parses the first type in `encoding`, which may be malformed: there are no errors. Null only for
+/// an empty text. The text after the first type is ignored, but the whole text is copied once, and
+/// the copy lives as long as a node that needs it. See JXTypeWithEncoding() in JXTypeCursor.h.
 ///
-/// The work is in proportion to the text that is read. What is kept of it takes 17 bytes for a byte
-/// of plain members, 20 for a byte of mixed ones, 73 for a byte of bit fields without a width,
-/// which are the smallest nodes of their own. While it is read it takes up to 90, and three to four
-/// times as much in a text that is made to be read again as often as JXTypeParse allows.
-/// JXTypeWithEncoding() in JXTypeCursor.h says more.
+/// Time is linear in the text. Memory: about 20 bytes per input byte, at most 73 (bit fields
+/// without a width); up to 90 during parsing, and three to four times that for a text made to be
+/// parsed as often as JXTypeParse allows. See bench/EncodingHeapBenchmark.cpp.
 std::shared_ptr<JXType> JXTypeForEncoding(std::string_view encoding);
 
 /// The node for `v`.

@@ -11,22 +11,27 @@
 
 namespace tavlen {
 
-/// A struct or a union, which differ in their delimiters and in what C calls them.
+/// A struct or a union; they differ in their delimiters and in their keyword in C.
 template <char kStart, char kEnd>
 class JXTypeAggregate final : public JXTypeComplex {
  public:
+  /// The opening delimiter.
   static constexpr char kStartDelimiter = kStart;
+  /// The closing delimiter.
   static constexpr char kEndDelimiter = kEnd;
 
+  /// Whether an encoding that begins with `character` is of this class.
   static bool supportsEncoding(char character) { return character == kStartDelimiter; }
 
+  /// Parses at the cursor, which is at the opening delimiter, and moves past the type. Called by
+  /// JXTypeWithEncoding().
   static std::shared_ptr<JXTypeAggregate> initWithEncoding(JXTypeCursor& cursor,
                                                            JXTypeQualifiers qualifiers) {
     return std::make_shared<JXTypeAggregate>(Key(), read(cursor, qualifiers, kEndDelimiter));
   }
-  /// No closing delimiter is written. Names without a body are kept, but not in the encoding.
-  /// Throws std::invalid_argument for a null among `types`, std::length_error for one of
-  /// kMaximumDepth levels.
+  /// Builds a node. Its encoding has no closing delimiter. Field names without a body are stored,
+  /// but are not part of the encoding. Throws std::invalid_argument for a null among `types`,
+  /// std::length_error for one with kMaximumDepth levels.
   static std::shared_ptr<JXTypeAggregate> initWithName(
       const std::optional<std::string>& name, std::optional<Types> types,
       const std::optional<std::vector<std::string>>& fieldNames) {
@@ -36,10 +41,13 @@ class JXTypeAggregate final : public JXTypeComplex {
 
   std::string_view typeName() const override { return kStart == '{' ? "struct" : "union"; }
 
+  /// For the functions above, which need a public constructor for std::make_shared.
   JXTypeAggregate(Key /*key*/, Parts parts) : JXTypeComplex(std::move(parts)) {}
 };
 
+/// A struct: `{name=...}`.
 using JXTypeStruct = JXTypeAggregate<'{', '}'>;
+/// A union: `(name=...)`.
 using JXTypeUnion = JXTypeAggregate<'(', ')'>;
 
 }  // namespace tavlen

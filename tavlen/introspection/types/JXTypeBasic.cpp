@@ -11,14 +11,14 @@ namespace {
 
 constexpr std::size_t kCharacters = 256;
 
-/// Every character, in order.
+/// All characters, in order.
 constexpr std::array<char, kCharacters> kTexts = [] {
   std::array<char, kCharacters> texts{};
   for (std::size_t i = 0; i < kCharacters; ++i) texts[i] = static_cast<char>(i);
   return texts;
 }();
 
-/// The encoding of one character that is the `index`th, or the empty one behind the last.
+/// The encoding of the character with that index; empty for the index after the last.
 JXTypeText textOf(std::size_t index) {
   const std::string_view texts(kTexts.data(), kTexts.size());
   return JXTypeText::lasting(texts.substr(index, 1));
@@ -38,7 +38,7 @@ std::shared_ptr<JXTypeBasic> JXTypeBasic::initWithEncoding(JXTypeCursor& cursor,
   if (qualifiers != JXTypeQualifiers::none) {
     return std::make_shared<JXTypeBasic>(Key(), textOf(index), qualifiers);
   }
-  // Most nodes of most trees are these, so there is one of each, made for good and not counted.
+  // Most nodes of most trees are of this class, so there is one static node for each character.
   static const auto& plain = *new auto([] {
     std::array<std::shared_ptr<JXTypeBasic>, kCharacters + 1> nodes;
     for (std::size_t i = 0; i < nodes.size(); ++i) {

@@ -8,20 +8,23 @@
 
 namespace tavlen {
 
-/// A type of one character. Every character that begins no other type is one, and prints `void`
-/// where it stands for nothing.
+/// A type of one character. All characters that do not begin another type are basic types; unknown
+/// ones are printed as `void`.
 class JXTypeBasic final : public JXType {
  public:
+  /// Whether an encoding that begins with `character` is of this class.
   static bool supportsEncoding(char character);
 
-  /// Reads one character, whatever it is; at the end of the text, none.
+  /// Parses one character, whatever it is; at the end of the text, none.
   static std::shared_ptr<JXTypeBasic> initWithEncoding(JXTypeCursor& cursor,
                                                        JXTypeQualifiers qualifiers);
-  /// `void_`, and a value that is no kind, has the character 0 for its encoding.
+  /// Builds a node. `void_` and invalid values are encoded as the character 0.
   static std::shared_ptr<JXTypeBasic> initWithPrimitiveType(JXPrimitiveType type);
 
+  /// The kind of the type.
   JXPrimitiveType primitiveType() const;
 
+  /// For the functions above, which need a public constructor for std::make_shared.
   JXTypeBasic(Key /*key*/, JXTypeText encoding, JXTypeQualifiers qualifiers)
       : JXType(std::move(encoding), qualifiers, 0) {}
 

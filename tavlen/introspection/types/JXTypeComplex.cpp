@@ -10,8 +10,8 @@ namespace tavlen {
 
 namespace {
 
-/// Moves `cursor` to the first `=` or `end`, whichever comes first, or else to the end of the text.
-/// What lies before; without bytes for what stands for no name.
+/// Moves `cursor` to the first `=` or `end`, or else to the end of the text. Returns the name
+/// before it, or a null view for an absent name.
 std::string_view readName(JXTypeCursor& cursor, char end) {
   const std::string_view rest = cursor.text().substr(cursor.position());
   const auto* const found = std::find_if(rest.begin(), rest.end(), [end](char character) {
@@ -53,7 +53,7 @@ JXTypeComplex::Parts JXTypeComplex::read(JXTypeCursor& cursor, JXTypeQualifiers 
     parts.types = members.types();
     parts.fieldNames = members.names();
   }
-  // Only the end delimiter, or nothing, is left.
+  // At the end delimiter, or at the end of the text.
   cursor.advance();
   parts.encoding = cursor.textFrom(begin);
   return parts;
@@ -72,7 +72,7 @@ JXTypeComplex::Parts JXTypeComplex::build(
       text += (*types)[i]->encoding();
     }
   }
-  // The names lie behind the encoding, which may not have them all.
+  // The field names are stored after the encoding, which may lack some of them.
   const std::size_t length = text.size();
   for (const std::string& fieldName : fieldNames.value_or(std::vector<std::string>())) {
     text += fieldName;

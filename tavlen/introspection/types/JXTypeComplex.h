@@ -12,32 +12,38 @@ namespace tavlen {
 
 /// A struct or a union.
 ///
-/// Its text is taken as it is, also where the name of a C++ template ends it early. A built one has
-/// no closing delimiter, `{CGPoint=dd`, and is read back as such.
+/// The text is parsed as it is, even if a C++ template name ends it early. The encoding of a built
+/// node has no closing delimiter, `{CGPoint=dd`, and parsing accepts that.
 class JXTypeComplex : public JXType {
  public:
+  /// The types of the members; never null.
   using Types = std::vector<std::shared_ptr<JXType>>;
+  /// The names of the members.
   using FieldNames = std::vector<std::string_view>;
 
+  /// The delimiters are those of the subclass.
   static constexpr char kStartDelimiter = '\0';
+  /// The delimiters are those of the subclass.
   static constexpr char kEndDelimiter = '\0';
 
-  /// How C names the kind: `struct`.
+  /// The keyword in C: `struct`.
   virtual std::string_view typeName() const = 0;
 
-  /// Nothing where the text has no name, or `?`. Valid as long as the node, as are the field names.
+  /// The type's name; nothing when the text has none or `?`. Valid as long as the node, and so are
+  /// the field names.
   std::optional<std::string_view> name() const;
-  /// The members; null where there is no body, which an empty one is not.
+  /// The types of the members; null without a body, not null for an empty one.
   const Types* types() const { return types_.get(); }
-  /// Null where the members have no names. There may be fewer than members, where it was built so.
+  /// The names of the members; null when they have none. A built node may have fewer names than
+  /// members.
   const FieldNames* fieldNames() const { return fieldNames_.get(); }
 
  protected:
-  /// All that is stored of an aggregate.
+  /// The members of an aggregate node.
   struct Parts {
     JXTypeText encoding;
     JXTypeQualifiers qualifiers = JXTypeQualifiers::none;
-    std::string_view name;  ///< without bytes where there is none
+    std::string_view name;  ///< null view for no name
     std::unique_ptr<const Types> types;
     std::unique_ptr<const FieldNames> fieldNames;
   };

@@ -23,7 +23,7 @@ std::shared_ptr<JXType> initialise(JXTypeCursor& cursor, JXTypeQualifiers qualif
   return Type::initWithEncoding(cursor, qualifiers);
 }
 
-/// Lets `Type` have the characters that it supports and that no earlier one has.
+/// Registers `Type` for the characters that it supports and that no earlier type has.
 template <class Type>
 void enlist(Initialisers& initialisers) {
   for (std::size_t i = 0; i < initialisers.size(); ++i) {
@@ -47,7 +47,7 @@ Initialiser initialiserFor(char character) {
   return initialisers[static_cast<unsigned char>(character)];
 }
 
-/// Hides the text behind the cursor while it stands.
+/// RAII: hides the text after the cursor.
 class CutText {
  public:
   explicit CutText(JXTypeCursor& cursor) : cursor_(cursor), length_(cursor.text().size()) {
@@ -106,12 +106,15 @@ std::shared_ptr<JXType> JXTypeWithEncoding(JXTypeCursor& cursor) {
   }
 
   parse.furthestTaken = 0;
-  // For both readings: the first may leave it down. A type that holds no others is read once.
+  // Saved for the second parse below: the first may clear the flag. Types other than containers are
+  // parsed only once.
   const bool wereIgnored = JXTypeParse::holdsOthers(cursor.character()) && ignoresNames();
   std::shared_ptr<JXType> type = typeWith(cursor, qualifiers);
   if (parse.furthestTaken < cursor.position() || cursor.isAtEnd()) return type;
-  // Read up to there, the member that was taken back reaches the end of the text, with all that it
-  // is part of. So nothing is taken back for what follows, and the whole of the text is read.
+  // A retracted reading reached beyond the type's end, so the text after it has decided how the
+  // type is parsed. Parse again with the text cut off there: then no reading can depend on it, and
+  // the type still takes the whole of the cut text, because the retracted member and everything
+  // around it extend to its end.
   const CutText cut(cursor);
   cursor.moveTo(begin);
   if (wereIgnored) {

@@ -15,34 +15,39 @@ namespace tavlen {
 
 /// A read position in the text of one or more encodings.
 ///
-/// The text must live as long as the cursor; what is read from it need not: the first node that
-/// needs the text makes a copy, which all nodes read with this cursor share.
+/// The text must live as long as the cursor, but not as long as the nodes: the first node that
+/// needs the text copies it, and all nodes parsed with this cursor share the copy.
 class JXTypeCursor {
  public:
+  /// A cursor at the beginning of `text`.
   explicit JXTypeCursor(std::string_view text) : text_(text) {}
 
+  /// The text, without a part that is cut off.
   std::string_view text() const { return text_; }
+  /// The offset in the text, in bytes.
   std::size_t position() const { return position_; }
+  /// Whether the position is the end of the text.
   bool isAtEnd() const { return position_ == text_.size(); }
-  /// The character at the position; 0 at the end, too.
+  /// The character at the position; 0 at the end.
   char character() const { return isAtEnd() ? '\0' : text_[position_]; }
-  /// Whether `character` stands at the position; never at the end.
+  /// Whether `character` is at the position; false at the end.
   bool isAt(char character) const { return !isAtEnd() && text_[position_] == character; }
 
-  /// Passes one character, whatever it is. Does nothing at the end.
+  /// Moves past one character, whatever it is. A no-op at the end.
   void advance() { position_ += isAtEnd() ? 0 : 1; }
-  /// A position beyond the end is the end.
+  /// Moves to `position`, or to the end if that is before it.
   void moveTo(std::size_t position) { position_ = std::min(position, text_.size()); }
 
-  /// The following is for the classes of the type family.
-
-  /// Copies the text, unless that has been done. Views of text() are of the copy from then on.
+  /// Copies the text unless it is already copied; text() then refers to the copy. This and the
+  /// following functions are only for the type classes.
   void keepText();
-  /// What lies between `begin` and the position. The text is kept.
+  /// The text between `begin` and the position. keepText() must have been called.
   JXTypeText textFrom(std::size_t begin) const;
-  /// Leaves the text behind `end` out, until uncut() is given the length that it had.
+  /// Hides the text after `end`, until uncut() is called with the former length.
   void cut(std::size_t end) { text_ = {text_.data(), end}; }
+  /// Reverts cut().
   void uncut(std::size_t length) { text_ = {text_.data(), length}; }
+  /// The state of the parse.
   JXTypeParse& parse() { return parse_; }
 
  private:
@@ -52,21 +57,21 @@ class JXTypeCursor {
   JXTypeParse parse_;
 };
 
-/// Reads the type at the cursor with its qualifiers and moves the cursor behind it. Where no text
-/// is left, a basic node with an empty encoding. Null for an empty text only.
+/// Parses the type at the cursor with its qualifiers and moves the cursor past it. At the end of a
+/// text it returns a basic node with an empty encoding. Null only for an empty text.
 ///
 /// Types are tried in the order basic, object, bit field, pointer, struct, union, array; the first
-/// that supports the character reads it.
+/// one that supports the character parses it.
 ///
-/// The encoding of the node, read again, gives the same tree, without the node's own qualifiers.
-/// For that a type whose reading was decided by text that is not part of it in the end, which takes
-/// a delimiter in a quoted name, is read as if that text were not there.
+/// Re-parsing a node's encoding() yields an equal tree (minus its qualifiers). To guarantee this, a
+/// node is parsed as if the text after its end did not exist, even where a quoted name contains a
+/// delimiter.
 ///
-/// Beyond JXType::kMaximumDepth, and beyond the steps that JXTypeParse allows, a basic node of the
-/// one character stands in place of a type that would hold others, and the reading goes on.
+/// Past the depth or step limit, a container is replaced by a basic node for its opening character
+/// and parsing continues after that character.
 std::shared_ptr<JXType> JXTypeWithEncoding(JXTypeCursor& cursor);
 
-/// The qualifiers that stand at the cursor, which is moved behind them.
+/// Parses the qualifiers at the cursor and moves the cursor past them.
 JXTypeQualifiers JXRemoveQualifiers(JXTypeCursor& cursor);
 
 }  // namespace tavlen

@@ -4,10 +4,13 @@
 
 namespace tavlen {
 
-/// The printed form of a type, in two parts for a declarator to stand between: a variable `x` of
-/// the type is declared by head + `x` + tail. Four `int` have the head `int ` and the tail `[4]`.
+/// The C declaration of a type in two parts, before and after the declarator: a variable `x` is
+/// declared by head + `x` + tail. For an array of four `int`, the head is `int ` and the tail
+/// `[4]`.
 struct JXTypeDescription {
+  /// The part before the declarator.
   std::string head;
+  /// The part after the declarator.
   std::string tail;
 
   bool operator==(const JXTypeDescription&) const = default;

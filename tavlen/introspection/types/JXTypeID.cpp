@@ -11,14 +11,14 @@ namespace tavlen {
 
 namespace {
 
-/// `piece` without its last character, which may have several bytes.
+/// `piece` without its last UTF-8 character.
 std::string_view withoutLast(std::string_view piece) {
   std::size_t last = piece.empty() ? 0 : piece.size() - 1;
   while (last > 0 && isUTF8Continuation(piece[last])) --last;
   return piece.substr(0, last);
 }
 
-/// The pieces of `text` behind each "<", without their last characters.
+/// The pieces of `text` after each "<", without their last characters.
 JXTypeID::Protocols protocolsIn(std::string_view text) {
   JXTypeID::Protocols protocols;
   for (std::size_t begin = text.find('<'); begin != std::string_view::npos;) {
@@ -30,7 +30,7 @@ JXTypeID::Protocols protocolsIn(std::string_view text) {
   return protocols;
 }
 
-/// Moves `cursor` from an opening quote behind the closing one. What lies between.
+/// Moves `cursor` from an opening quote past the closing one; returns the text between.
 std::string_view readQuoted(JXTypeCursor& cursor) {
   cursor.advance();
   const std::size_t begin = cursor.position();
@@ -59,7 +59,7 @@ std::shared_ptr<JXTypeID> JXTypeID::withoutName(JXTypeQualifiers qualifiers, boo
     return std::make_shared<JXTypeID>(Key(), text, qualifiers, isBlock, std::string_view(),
                                       nullptr);
   }
-  // As frequent as basic types, so there is one of each, made for good and not counted.
+  // As frequent as basic types, so there is one static node.
   static auto* object = new JXTypeID(Key(), JXTypeText::lasting("@"), JXTypeQualifiers::none, false,
                                      std::string_view(), nullptr);
   static auto* block = new JXTypeID(Key(), JXTypeText::lasting("@?"), JXTypeQualifiers::none, true,
@@ -71,7 +71,7 @@ std::shared_ptr<JXTypeID> JXTypeID::initWithEncoding(JXTypeCursor& cursor,
                                                      JXTypeQualifiers qualifiers) {
   const std::size_t begin = cursor.position();
   cursor.advance();
-  // The flag means something before a quote only.
+  // Ask only before a quote: the flag requires a lock.
   if (!cursor.isAt('"') || ignoresName()) {
     const bool isBlock = cursor.isAt('?');
     if (isBlock) cursor.advance();
@@ -91,7 +91,7 @@ std::shared_ptr<JXTypeID> JXTypeID::initWithEncoding(JXTypeCursor& cursor,
 std::shared_ptr<JXTypeID> JXTypeID::initWithName(
     const std::optional<std::string>& name,
     const std::optional<std::vector<std::string>>& protocols, bool isBlock) {
-  // The names of a block stand behind its encoding.
+  // The name and protocols of a block are stored after its encoding.
   std::string text = isBlock ? "@?" : "@";
   if (name || protocols) text += '"';
   std::vector<std::string_view> pieces;

@@ -10,31 +10,34 @@
 
 namespace tavlen {
 
-/// An object, maybe of a known class or of known protocols, or a block.
+/// An object, with or without a class name and protocols, or a block.
 ///
-/// Empty is not absent: `@""` has an empty name, and prints ` *`.
+/// An empty name is not an absent one: `@""` has an empty name and is printed as ` *`.
 class JXTypeID final : public JXType {
  public:
+  /// The names of protocols.
   using Protocols = std::vector<std::string_view>;
 
+  /// Whether an encoding that begins with `character` is of this class.
   static bool supportsEncoding(char character) { return character == '@'; }
 
-  /// Reads the quoted name behind the `@` unless JXTypeIDIgnoreName is set. Without a closing quote
-  /// it ends with the text.
+  /// Parses at the cursor and moves past the type. Takes the quoted name after the `@` unless
+  /// JXTypeIDIgnoreName is set. A name without a closing quote ends with the text.
   static std::shared_ptr<JXTypeID> initWithEncoding(JXTypeCursor& cursor,
                                                     JXTypeQualifiers qualifiers);
-  /// The encoding of a block is `@?`, whatever name and protocols it is given.
+  /// Builds a node. The encoding of a block is `@?`, whatever its name and protocols.
   static std::shared_ptr<JXTypeID> initWithName(
       const std::optional<std::string>& name,
       const std::optional<std::vector<std::string>>& protocols, bool isBlock);
 
-  /// Of the class. Valid as long as the node, as are the protocols.
+  /// The class name, if any. Valid as long as the node, and so are the protocols.
   std::optional<std::string_view> name() const;
-  /// Null where there is no list.
+  /// The protocols; null when there is no list.
   const Protocols* protocols() const { return protocols_.get(); }
+  /// Whether it is a block.
   bool isBlock() const { return isMarked(); }
 
-  /// `name` is without bytes where there is none.
+  /// `name` is a null view without a class name.
   JXTypeID(Key /*key*/, JXTypeText encoding, JXTypeQualifiers qualifiers, bool isBlock,
            std::string_view name, std::unique_ptr<const Protocols> protocols);
 

@@ -5,23 +5,25 @@
 
 namespace tavlen {
 
-/// A recursive mutex that holds a text.
+/// A recursive mutex with a descriptive text.
 class JXTypeLock : public std::recursive_mutex {
  public:
+  /// `string` must outlive the lock.
   explicit JXTypeLock(std::string_view string) : string_(string) {}
+  /// The text.
   std::string_view string() const { return string_; }
 
  private:
   std::string_view string_;
 };
 
-/// Whether objects are read without the quoted name that may follow the `@`. One flag for the whole
-/// process: read and set it only while holding the lock.
+/// Whether objects are parsed without the quoted name that may follow the `@`. A flag of the whole
+/// process: read and set it only while holding JXTypeIDIgnoreNameLock.
 ///
-/// Reading a struct or union whose members are named may set it, and then leaves it false, whatever
-/// it was before: an object member before another's quoted name looks as if that were its class,
-/// and is read again.
+/// Parsing a struct or union with named members may set it, and then leaves it false, whatever its
+/// former value. See JXTypeMembers.
 extern bool JXTypeIDIgnoreName;
+/// Guards JXTypeIDIgnoreName.
 extern JXTypeLock JXTypeIDIgnoreNameLock;
 
 }  // namespace tavlen

@@ -13,15 +13,15 @@ JXTypeParse::Level::Level(JXTypeParse& parse, std::size_t position)
 }
 
 JXTypeParse::Level::~Level() {
-  // More than before are left only where an exception passes.
+  // Non-empty only after an exception.
   parse_.members.resize(members_);
   parse_.names.resize(names_);
   if (--parse_.depth == 0 && !parse_.readings.empty()) parse_.readings = {};
 }
 
 bool JXTypeParse::hasRoom() const {
-  // The bound grows with what has been read, not with what there is: what follows a type must not
-  // change how it is read.
+  // The limit depends on the text read so far, not on the whole text: the text after a type must
+  // not change how it is parsed.
   return depth < JXType::kMaximumDepth && steps <= kFreeSteps + kStepsPerByte * (furthest - begin);
 }
 

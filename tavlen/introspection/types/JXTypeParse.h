@@ -11,18 +11,19 @@ namespace tavlen {
 
 class JXType;
 
-/// What the reading of one type, from its root down, remembers. Part of a cursor; for the classes
-/// of the type family only.
+/// The state of parsing one type, from its root down. Part of a cursor; only for the type classes.
 ///
-/// A member of an aggregate may be read again, ignoring the names of objects, and so may the
-/// members within it, each time it is read: in a nest of such aggregates two to the power of its
-/// depth times. So what a place was read as is kept. That leaves texts that are made to nest
-/// otherwise each time that they are read; these meet the bound on the work.
+/// Members of an aggregate may be parsed twice (JXTypeMembers explains why), and so may the members
+/// within them, each time: without further measures, nested aggregates would take time exponential
+/// in their depth. Two measures keep it linear. `readings` caches how a member was parsed at a
+/// position, so parsing it again is a look-up. Hostile texts that defeat the cache, because they
+/// nest differently each time, run into the limit on `steps`.
 struct JXTypeParse {
-  /// One of the types being read that hold others, from its first character to its last. The first
-  /// one's begins anew what is remembered, and lets go of it at the end.
+  /// RAII: a container being parsed. The outermost one resets the state, and clears the cache at
+  /// its end.
   class Level {
    public:
+    /// Enters a container that begins at `position`.
     Level(JXTypeParse& parse, std::size_t position);
     Level(const Level&) = delete;
     Level& operator=(const Level&) = delete;
@@ -34,44 +35,47 @@ struct JXTypeParse {
     std::size_t names_;
   };
 
-  /// How a member was read.
+  /// The result of parsing a member.
   struct Reading {
-    std::shared_ptr<JXType> type;
-    std::size_t end = 0;
-    bool hasCorrected = false;  ///< whether a member within it was read again
+    std::shared_ptr<JXType> type;  ///< the parsed member
+    std::size_t end = 0;           ///< the position after it
+    bool hasCorrected = false;     ///< whether a member within it was parsed twice
   };
 
-  /// Steps that may be taken for each byte of the text read, and before there are any. A step
-  /// passes a byte, the first or another time. Texts as compilers write them need less than two a
-  /// byte.
+  /// Steps allowed for each byte of the text read. A step is a byte passed, for the first time or
+  /// again. Encodings emitted by compilers need less than two.
   static constexpr std::uint64_t kStepsPerByte = 4;
+  /// Steps allowed in addition.
   static constexpr std::uint64_t kFreeSteps = 4096;
 
-  /// Whether a type that begins with `character`, and no qualifier, may hold others.
+  /// Whether a type that begins with `character`, without qualifiers, may be a container.
   static constexpr bool holdsOthers(char character) {
     return character == '{' || character == '(' || character == '[' || character == '^';
   }
-  /// Whether another type that holds others may be read.
+  /// Whether another container may be parsed.
   bool hasRoom() const;
-  /// Counts what is about to be done at `position`.
+  /// Counts `newSteps` for text up to `position`.
   void count(std::size_t position, std::uint64_t newSteps) {
     steps += newSteps;
     if (position > furthest) furthest = position;
   }
-  /// Under which a reading at `position` is kept.
+  /// The cache key for a member at `position`.
   std::uint64_t key(std::size_t position, bool ignoresNames) const {
     return std::uint64_t{position} << 9 | std::uint64_t{depth} << 1 | std::uint64_t{ignoresNames};
   }
 
-  unsigned depth = 0;             ///< types that hold others and are being read
-  std::size_t begin = 0;          ///< of the root
-  std::size_t furthest = 0;       ///< the furthest place that was read
-  std::size_t furthestTaken = 0;  ///< the furthest end of a member that was taken back
-  std::uint64_t steps = 0;
-  std::uint64_t corrections = 0;  ///< members that were read again
+  unsigned depth = 0;        ///< number of containers being parsed
+  std::size_t begin = 0;     ///< offset of the root
+  std::size_t furthest = 0;  ///< the end of the text read so far
+  /// The furthest end of a retracted reading; see JXTypeWithEncoding().
+  std::size_t furthestTaken = 0;
+  std::uint64_t steps = 0;        ///< steps taken so far
+  std::uint64_t corrections = 0;  ///< number of members parsed twice
+  /// The cache of parsed members, by key().
   std::unordered_map<std::uint64_t, Reading> readings;
-  /// The members and their names of all aggregates that are being read, the innermost's last.
+  /// The members of all unfinished aggregates, the innermost's last.
   std::vector<std::shared_ptr<JXType>> members;
+  /// Their names.
   std::vector<std::string_view> names;
 };
 

@@ -20,7 +20,7 @@ JXTypePointer::JXTypePointer(Key /*key*/, const JXTypeText& encoding, JXTypeQual
                              std::shared_ptr<JXType> type, bool isFunction)
     : JXType(encoding, qualifiers, heightOf(encoding, type), isFunction), type_(std::move(type)) {}
 
-/// The character's node is no level: `*` is read in one step, wherever it stands.
+/// `*` has the height 0: it is parsed in one step and is not a container.
 unsigned JXTypePointer::heightOf(const JXTypeText& encoding, const std::shared_ptr<JXType>& type) {
   return encoding.length == 1 && isCharacter(*type) ? 0 : heightOver(type);
 }
@@ -32,7 +32,7 @@ std::shared_ptr<JXTypePointer> JXTypePointer::toCharacter(JXTypeQualifiers quali
   if (qualifiers != JXTypeQualifiers::none) {
     return std::make_shared<JXTypePointer>(Key(), *text, qualifiers, *character, false);
   }
-  // As frequent as basic types, so there is one, made for good and not counted.
+  // As frequent as basic types, so there is one static node.
   static auto* plain = new JXTypePointer(Key(), *text, qualifiers, *character, false);
   return {std::shared_ptr<void>(), plain};
 }

@@ -7,21 +7,26 @@
 
 namespace tavlen {
 
-/// A pointer to a type, or to a function, of which nothing is known. `*` is a pointer to `char`.
+/// A pointer to a type, or to a function of unknown type. `*` is a pointer to `char`.
 class JXTypePointer final : public JXType {
  public:
+  /// Whether an encoding that begins with `character` is of this class.
   static bool supportsEncoding(char character) { return character == '^' || character == '*'; }
 
+  /// Parses at the cursor and moves past the type.
   static std::shared_ptr<JXTypePointer> initWithEncoding(JXTypeCursor& cursor,
                                                          JXTypeQualifiers qualifiers);
-  /// The encoding has a `?` before that of `type` for a function, and is `*` for a `char`. Throws
-  /// std::invalid_argument for null, std::length_error for a `type` of kMaximumDepth levels.
+  /// Builds a node. The encoding has a `?` before that of `type` for a function, and is `*` for a
+  /// `char`. Throws std::invalid_argument for null, std::length_error for a `type` with
+  /// kMaximumDepth levels.
   static std::shared_ptr<JXTypePointer> initWithType(std::shared_ptr<JXType> type, bool isFunction);
 
-  /// What it points to; a basic node `?` where a function was read. Never null.
+  /// The pointee; a basic node `?` for a parsed function pointer. Never null.
   const std::shared_ptr<JXType>& type() const { return type_; }
+  /// Whether it points to a function.
   bool isFunction() const { return isMarked(); }
 
+  /// For the functions above, which need a public constructor for std::make_shared.
   JXTypePointer(Key /*key*/, const JXTypeText& encoding, JXTypeQualifiers qualifiers,
                 std::shared_ptr<JXType> type, bool isFunction);
 

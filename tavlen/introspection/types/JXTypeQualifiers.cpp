@@ -13,7 +13,7 @@ struct Qualifier {
   std::string_view word;
 };
 
-/// In the order of the bits. The run time means a complex number by `j`; here it is printed as
+/// In the order of the bits. The run time uses `j` for complex numbers; here it is printed as
 /// "volatile" on purpose.
 constexpr std::array<Qualifier, 9> kQualifiers = {{{'j', "volatile"},
                                                    {'r', "const"},
@@ -29,7 +29,7 @@ constexpr JXTypeQualifiers bit(std::size_t index) {
   return JXTypeQualifiers{std::uint64_t{1} << index};
 }
 
-/// Every character of every encoding asks, so the answers lie ready.
+/// A table, because every character of every encoding is looked up.
 constexpr std::array<JXTypeQualifiers, 256> kByCharacter = [] {
   std::array<JXTypeQualifiers, 256> answers{};
   for (std::size_t i = 0; i < kQualifiers.size(); ++i) {

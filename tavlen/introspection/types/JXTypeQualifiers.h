@@ -6,7 +6,7 @@
 
 namespace tavlen {
 
-/// What an encoding may say of a type before the type's own characters. A set of bits.
+/// The qualifiers before a type's own characters. A set of bits.
 enum class JXTypeQualifiers : std::uint64_t {
   none = 0,
   volatile_ = 1,
@@ -20,18 +20,20 @@ enum class JXTypeQualifiers : std::uint64_t {
   atomic = 256,
 };
 
+/// The union of two sets.
 constexpr JXTypeQualifiers operator|(JXTypeQualifiers left, JXTypeQualifiers right) {
   return JXTypeQualifiers{static_cast<std::uint64_t>(left) | static_cast<std::uint64_t>(right)};
 }
+/// The intersection of two sets.
 constexpr JXTypeQualifiers operator&(JXTypeQualifiers left, JXTypeQualifiers right) {
   return JXTypeQualifiers{static_cast<std::uint64_t>(left) & static_cast<std::uint64_t>(right)};
 }
 
-/// The qualifier that `character` stands for; none for every character that is no qualifier.
+/// The qualifier that `character` encodes; `none` for all other characters.
 JXTypeQualifiers JXTypeQualifierForEncoding(char character);
 
-/// The words of `qualifiers` in the order of their bits, one blank between them (`const oneway`);
-/// nothing for the empty set. Bits without a word are passed over.
+/// The keywords of `qualifiers` in the order of their bits, separated by blanks (`const oneway`);
+/// nothing for the empty set. Unknown bits are ignored.
 std::optional<std::string> JXStringForTypeQualifiers(JXTypeQualifiers qualifiers);
 
 }  // namespace tavlen

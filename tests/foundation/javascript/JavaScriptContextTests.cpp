@@ -160,7 +160,7 @@ TEST(JavaScriptContextDeathTest, ArgumentOfAnotherContextStopsTheProcess) {
   const auto other = JavaScriptContext::make();
   const JavaScriptValue foreign = other->string("x");
   GTEST_FLAG_SET(death_test_style, "threadsafe");
-  EXPECT_DEATH(one->globalObject().call("eval", {foreign}), "of another context");
+  EXPECT_DEATH(one->globalObject().call("eval", {foreign}), "to another context");
 }
 
 TEST(JavaScriptContext, ManyContextsAndOneAThread) {

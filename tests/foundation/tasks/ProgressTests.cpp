@@ -140,7 +140,7 @@ TEST(Progress, StopsAtProgrammingErrors) {
   const auto child = Progress::discrete(1);
   parent->addChild(child, 1);
   EXPECT_DEATH(parent->addChild(child, 1), "has a parent");
-  EXPECT_DEATH(child->addChild(parent, 1), "above its parent");
+  EXPECT_DEATH(child->addChild(parent, 1), "ancestor of its parent");
   EXPECT_DEATH(child->addChild(Progress::discrete(1), 1); parent->resignCurrent(), "not current");
 }
 

@@ -13,7 +13,7 @@ namespace {
 
 constexpr char16_t kReplacement = 0xFFFD;
 
-/// The upper half of the NextStep encoding; the last two bytes are not assigned.
+/// The upper half of the NextStep encoding. Its last two bytes are unassigned.
 constexpr std::array<char16_t, 128> kNextStep = {
     0x00A0, 0x00C0, 0x00C1, 0x00C2, 0x00C3, 0x00C4, 0x00C5, 0x00C7,  // 0x80
     0x00C8, 0x00C9, 0x00CA, 0x00CB, 0x00CC, 0x00CD, 0x00CE, 0x00CF,  //
@@ -33,7 +33,7 @@ constexpr std::array<char16_t, 128> kNextStep = {
     0x0142, 0x00F8, 0x0153, 0x00DF, 0x00FE, 0x00FF, 0xFFFD, 0xFFFD,  //
 };
 
-/// The value of a digit in any base up to 16, or 16.
+/// The value of a digit in any base up to 16; 16 for other characters.
 constexpr std::uint32_t digitValue(char character) {
   if (isDigit(character)) return static_cast<std::uint32_t>(character - '0');
   if (character >= 'a' && character <= 'f') return static_cast<std::uint32_t>(character - 'a') + 10;
@@ -46,7 +46,7 @@ constexpr bool standsUnquoted(char character) {
          std::string_view("_$/:.-").find(character) != std::string_view::npos;
 }
 
-/// Reads tokens off the front of a text in UTF-8.
+/// Consumes tokens from the front of a UTF-8 text.
 class Scanner {
  public:
   explicit Scanner(std::string_view text) : rest_(text) {}
@@ -98,7 +98,7 @@ void Scanner::skipBlanksAndComments() {
     if (take("//")) {
       skipLine();
     } else if (take("/*")) {
-      // One that is never closed reaches to the end of the file, as on the platform.
+      // A comment that is never closed extends to the end of the file, as on the platform.
       const std::size_t end = rest_.find("*/");
       rest_.remove_prefix(end == std::string_view::npos ? rest_.size() : end + 2);
     } else {
@@ -138,8 +138,8 @@ std::optional<std::string> Scanner::takeQuoted(char quote) {
   return std::nullopt;
 }
 
-/// What stands after a backslash. At the end of the text it takes nothing: the string is then
-/// unterminated anyway.
+/// Takes the rest of an escape sequence, after its backslash. Takes nothing at the end of the text,
+/// where the string is unterminated anyway.
 void Scanner::takeEscape(std::string& out) {
   if (rest_.empty()) return;
   const char letter = rest_[0];
@@ -155,12 +155,13 @@ void Scanner::takeEscape(std::string& out) {
   constexpr std::string_view kLetters = "abfnrtv";
   constexpr std::string_view kMeanings = "\a\b\f\n\r\t\v";
   const std::size_t index = kLetters.find(letter);
-  // Any other character stands for itself; of a longer one the rest follows as ordinary text.
+  // Any other character means itself. Only the first byte of a longer one is taken here; the rest
+  // follows as ordinary text.
   out += index == std::string_view::npos ? letter : kMeanings[index];
   rest_.remove_prefix(1);
 }
 
-/// Reads "U00E9", and "UD83D\UDE00" as the one character that it is.
+/// Reads "U00E9", and the surrogate pair "UD83D\UDE00" as one character.
 void Scanner::takeUnicodeEscape(std::string& out) {
   std::u16string units(1, takeUnit().value_or(kReplacement));
   if (units[0] >= 0xD800 && units[0] <= 0xDBFF) {

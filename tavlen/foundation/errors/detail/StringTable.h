@@ -7,22 +7,24 @@
 
 namespace tavlen {
 
-/// A table of translations, as it stands in a `.strings` file: `"key" = "value";` and comments.
+/// A table of translations in the form of a `.strings` file: `"key" = "value";` and comments.
 ///
-/// The old-style text form only; a table compiled to an XML or binary property list does not parse.
+/// Only the old-style text form. A table compiled to an XML or binary property list does not parse.
 class StringTable {
  public:
-  /// Reads a file's text, UTF-8 without a byte order mark (see readText). Of equal keys the last
-  /// wins; `"key";` alone stands for itself. Nothing for a text that is malformed anywhere: the
-  /// platform then uses none of it.
+  /// Parses the text of a file: UTF-8 without a byte order mark (see readText()). Of equal keys the
+  /// last wins; `"key";` alone has the key as its value. Returns nothing for a text that is
+  /// malformed anywhere, because the platform then ignores the whole table.
   ///
-  /// Escapes are those of old-style property lists: `\UXXXX` is a UTF-16 unit, octal ones are in
-  /// the NextStep encoding. A lone surrogate becomes U+FFFD. Memory and time grow with the input.
+  /// Escapes are those of old-style property lists: `\UXXXX` is a UTF-16 unit, octal escapes use
+  /// the NextStep encoding. A lone surrogate becomes U+FFFD. Memory and time are linear in the
+  /// input.
   static std::optional<StringTable> parse(std::string_view text);
 
-  /// The value of `key`, valid as long as the table; null where there is none.
+  /// The value of `key`, valid as long as the table; null when `key` is unknown.
   const std::string* find(std::string_view key) const;
 
+  /// The number of keys.
   std::size_t size() const { return entries_.size(); }
 
  private:

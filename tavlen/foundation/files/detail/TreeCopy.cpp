@@ -25,24 +25,24 @@ void check(const std::error_code& error, const fs::path& path) {
   if (error) throw std::system_error(error, path.string());
 }
 
-/// One copy of a tree. Folders wait in a list for their turn, so that depth costs no stack.
+/// One copy of a tree. Folders are queued, so that depth costs no stack.
 class TreeCopy {
  public:
   TreeCopy(const LeftOut& isLeftOut, Durability durability)
       : isLeftOut_(isLeftOut), durability_(durability) {}
 
-  /// Whether anything was made at the destination.
+  /// Whether anything was created at the destination.
   bool hasBegun() const { return hasBegun_; }
 
   void copy(const fs::path& source, const fs::path& destination) {
     copyEntry(source, destination);
     std::size_t next = 0;
     while (next < folders_.size()) {
-      // A copy: the list grows meanwhile.
+      // A copy, because copyContents() appends to the list.
       const Folder folder = folders_[next++];
       copyContents(folder);
     }
-    // Last and from below, as a folder may forbid to write into it.
+    // Permissions last and bottom-up, because a folder may be read-only.
     std::for_each(folders_.rbegin(), folders_.rend(), [this](const Folder& folder) {
       const FileDescriptor copied = FileDescriptor::open(folder.destination, kOpenFolder);
       complete(copied, folder.mode, folder.destination);
@@ -71,7 +71,7 @@ class TreeCopy {
     struct stat status {};
     if (::lstat(source.c_str(), &status) != 0) throwSystemError(source);
     if (S_ISDIR(status.st_mode)) {
-      // Nobody else looks in before it has the permissions of its original.
+      // Closed to others until it gets the permissions of its original.
       if (::mkdir(destination.c_str(), S_IRWXU) != 0) throwSystemError(destination);
       hasBegun_ = true;
       folders_.push_back({source, destination, status.st_mode});
@@ -133,7 +133,7 @@ void copyTree(const fs::path& source, const fs::path& destination, const LeftOut
   try {
     copy.copy(source, destination);
   } catch (...) {
-    // What another put there meanwhile is not ours to remove.
+    // If the copy did not create it, it is not ours to remove.
     if (copy.hasBegun()) removeQuietly(destination);
     throw;
   }

@@ -10,8 +10,7 @@
 
 namespace tavlen {
 
-// The engine's own code unit is char16_t; its C headers only spell it in an older way, so that the
-// casts below restore a type rather than change one.
+// The engine's code unit is char16_t under another name, so the casts below are safe.
 static_assert(sizeof(JSChar) == sizeof(char16_t));
 
 JavaScriptString::JavaScriptString(std::string_view text) {

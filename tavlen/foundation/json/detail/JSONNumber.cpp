@@ -17,8 +17,8 @@ namespace {
 struct NumberParts {
   bool negative;
   std::string_view whole;     ///< no leading zero, unless it is "0"
-  std::string_view fraction;  ///< empty when there is none
-  std::string_view exponent;  ///< with its sign; empty when there is none
+  std::string_view fraction;  ///< empty when it has none
+  std::string_view exponent;  ///< with its sign; empty when it has none
 };
 
 std::string_view takeDigits(std::string_view& rest) {
@@ -61,7 +61,7 @@ std::optional<NumberParts> split(std::string_view token) {
                                      std::string(type));
 }
 
-/// The exponent's value, held within what any double or integer could need.
+/// The value of the exponent, clamped to a range beyond that of doubles and integers.
 long exponentOf(const NumberParts& parts) {
   constexpr long kBeyondEverything = 1'000'000'000;
   std::string_view text = parts.exponent;
@@ -78,15 +78,15 @@ long exponentOf(const NumberParts& parts) {
 
 enum class Rounded { exact, overflow, underflow };
 
-/// The nearest double; where that is an infinity or, for a number that is not zero, zero, `outcome`
-/// says so.
+/// The nearest double. `outcome` reports an overflow to infinity, and an underflow to zero of a
+/// number that is not zero.
 double nearestDouble(std::string_view token, const NumberParts& parts, Rounded& outcome) {
   double value = 0;
   const auto result = std::from_chars(token.data(), token.data() + token.size(), value);
   outcome = Rounded::exact;
   if (result.ec == std::errc{}) return value;
-  // from_chars gives one error for both ends of the range. The first digit that counts tells which
-  // it is.
+  // from_chars reports the same error for overflow and underflow; the first significant digit tells
+  // them apart.
   const std::size_t zeros = parts.fraction.find_first_not_of('0');
   const long first = parts.whole != "0"                ? static_cast<long>(parts.whole.size())
                      : zeros == std::string_view::npos ? 0
@@ -95,7 +95,7 @@ double nearestDouble(std::string_view token, const NumberParts& parts, Rounded& 
   return outcome == Rounded::overflow ? std::numeric_limits<double>::infinity() : 0;
 }
 
-/// The magnitude in decimal, cut at the point. Only for magnitudes below 2^65: at most twenty
+/// The integer part of the magnitude. Only for magnitudes below 2^65, which have at most twenty
 /// digits.
 std::optional<std::uint64_t> truncatedMagnitude(const NumberParts& parts) {
   const long point = static_cast<long>(parts.whole.size()) + exponentOf(parts);
@@ -122,7 +122,7 @@ Integer integerFromRealText(std::string_view token, std::string_view type) {
   double value = nearestDouble(token, *parts, outcome);
   if (outcome == Rounded::overflow) failRange(token, type);
   if (parts->negative) value = -std::fabs(value);
-  // Both limits as doubles: the upper one is a power of two, which no value of the type reaches.
+  // Both limits as doubles. The upper one is a power of two, just above every value of the type.
   const double upper = std::ldexp(1.0, std::numeric_limits<Integer>::digits);
   const auto lower = static_cast<double>(std::numeric_limits<Integer>::min());
   if (value != std::floor(value) || value >= upper || value < lower) failRange(token, type);

@@ -18,9 +18,10 @@ namespace {
 constexpr std::uint64_t kOnes = 0x0101010101010101;
 constexpr std::uint64_t kHighs = 0x8080808080808080;
 
-/// Marks the bytes of `word` that end plain text, and perhaps bytes above a marked one: quotation
-/// marks, backslashes and control characters. A subtraction borrows into the highest bit of a byte
-/// that is less than what is taken from it, if the byte is ASCII.
+/// Sets the high bit of each byte of `word` that ends plain text (quotation marks, backslashes,
+/// control characters), and possibly of bytes above such a byte, so only the lowest mark is
+/// reliable. A subtraction borrows into the high bit of an ASCII byte that is less than the
+/// subtrahend.
 constexpr std::uint64_t plainTextEnds(std::uint64_t word) {
   const std::uint64_t borrows =
       ((word ^ (kOnes * '"')) - kOnes) | ((word ^ (kOnes * '\\')) - kOnes) | (word - kOnes * 0x20);
@@ -203,7 +204,7 @@ void JSONScanner::literal(std::string_view word) {
 const char* JSONScanner::endOfSkippedString(const char* from) const {
   from = endOfPlainText(from + 1);
   while (from != end_ && *from != '"') {
-    // A control character is not judged in a text that nobody reads.
+    // Control characters are not refused in strings that are skipped.
     from += *from == '\\' && end_ - from > 1 ? 2 : 1;
     from = endOfPlainText(from);
   }
@@ -246,12 +247,13 @@ void JSONScanner::skipContainer(char opening, Again again) {
     position_ = known->second;
     return;
   }
-  // The containers entered and not yet left, by the place of their opening bracket.
+  // The opening brackets of the containers entered and not yet left: a stack, so that depth costs
+  // no recursion.
   std::array<const char*, kMaximumDepth> openings;
   std::size_t count = 0;
   const auto enter = [&](char bracket) {
     const char* const begin = position_;
-    const bool filled = open(closingFor(bracket));  // which ends at the depth limit
+    const bool filled = open(closingFor(bracket));  // throws at the depth limit
     if (filled) openings[count++] = begin;
     return filled;
   };
@@ -262,12 +264,13 @@ void JSONScanner::skipContainer(char opening, Again again) {
     }
   };
 
-  bool before = enter(opening);  // whether a member or element comes next
+  // Whether the position is at a member or an element; else it is at a comma or a closing bracket.
+  bool atMember = enter(opening);
   while (count > 0) {
     const char bracket = *openings[count - 1];
-    if (!before) {
-      before = next(closingFor(bracket));
-      if (!before) leave();
+    if (!atMember) {
+      atMember = next(closingFor(bracket));
+      if (!atMember) leave();
       continue;
     }
     if (bracket == '{') {
@@ -278,10 +281,10 @@ void JSONScanner::skipContainer(char opening, Again again) {
     }
     const char first = peek();
     if (first == '{' || first == '[') {
-      before = enter(first);
+      atMember = enter(first);
     } else {
       skipScalar(first);
-      before = false;
+      atMember = false;
     }
   }
 }
@@ -290,7 +293,7 @@ void JSONScanner::fail(std::string_view reason) const {
   const std::size_t line = 1 + static_cast<std::size_t>(std::count(begin_, position_, '\n'));
   const char* lineBegin = position_;
   while (lineBegin != begin_ && lineBegin[-1] != '\n') --lineBegin;
-  // Columns count characters, as editors do: every byte but the continuation bytes of UTF-8.
+  // Columns count characters, as editors do, so UTF-8 continuation bytes are left out.
   const auto column = 1 + std::count_if(lineBegin, position_, std::not_fn(isUTF8Continuation));
   throw DecodingError::dataCorrupted("The given data was not valid JSON: " + std::string(reason) +
                                      " at line " + std::to_string(line) + ", column " +

@@ -7,48 +7,47 @@
 
 namespace tavlen {
 
-/// A place in a JSON text and the moves over its tokens. The layer below JSONDecoder, not for other
-/// users.
+/// A position in a JSON text that moves from token to token. Used only by JSONDecoder.
 ///
-/// The text must be well-formed UTF-8. Every move throws DecodingError::dataCorrupted, with line
-/// and column, where the text is malformed.
+/// The text must be well-formed UTF-8. All moves throw DecodingError::dataCorrupted, with line and
+/// column, where the JSON is malformed.
 class JSONScanner {
  public:
-  /// Containers deep at the most; the platform's limit.
+  /// Maximum nesting of containers: the platform's limit.
   static constexpr std::size_t kMaximumDepth = 512;
 
   explicit JSONScanner(std::string_view text);
 
-  /// Moves over white space and gives the character that a value or a delimiter begins with; NUL at
-  /// the end.
+  /// Skips white space and returns the first character of the next value or delimiter; NUL at the
+  /// end.
   char peek();
   bool atEnd() { return peek() == '\0' && position_ == end_; }
 
   const char* position() const { return position_; }
   void setPosition(const char* position) { position_ = position; }
 
-  /// Moves over the opening bracket that stands here. False when the container is empty, which is
-  /// then behind.
+  /// Moves past the opening bracket at the position. Returns false for an empty container, after
+  /// moving past its `closing` bracket too.
   bool open(char closing);
-  /// Moves over a comma and gives true, or over `closing` and gives false.
+  /// Moves past a comma and returns true, or past `closing` and returns false.
   bool next(char closing);
-  /// Moves over a member's key and its colon. The text lies in the document, or in `storage` if it
-  /// had escapes.
+  /// Moves past a member's key and its colon. The result refers to the document, or to `storage` if
+  /// the key has escapes.
   std::string_view key(std::string& storage);
 
-  /// Moves over the string that stands here; `out` gets its text.
+  /// Moves past the string at the position and stores its text in `out`.
   void string(std::string& out);
-  /// Moves over the string that stands here. The text lies in the document, or in `storage` if it
-  /// had escapes.
+  /// Moves past the string at the position. The result refers to the document, or to `storage` if
+  /// the string has escapes.
   std::string_view stringView(std::string& storage);
-  /// Moves over the number that stands here and gives its text, which may be malformed.
+  /// Moves past the number at the position and returns its text, which may be malformed.
   std::string_view number();
-  /// Moves over `word`, one of true, false and null.
+  /// Moves past `word`: true, false or null.
   void literal(std::string_view word);
-  /// Moves over any value. Strings and numbers in it are not checked.
+  /// Moves past any value. Strings and numbers in it are not checked.
   void skipValue() { skipValue(Again::no); }
-  /// The same for a value that is read afterwards: it is remembered where its containers end, so
-  /// that passing over it again costs nothing.
+  /// The same for a value that is decoded later: caches the ends of its large containers, so that
+  /// skipping them again takes constant time.
   void skipValueAhead() { skipValue(Again::yes); }
 
   void setDepth(std::size_t depth) { depth_ = depth; }
@@ -59,9 +58,8 @@ class JSONScanner {
  private:
   enum class Again { no, yes };
 
-  /// Looking ahead for a key passes over a container that is read afterwards, and what nests in it
-  /// the same way would be passed over again at each level. Containers of this many bytes are
-  /// remembered against that.
+  /// Key look-up skips containers that are decoded later, so nested look-ups would take quadratic
+  /// time. The ends of containers longer than this, in bytes, are cached.
   static constexpr std::ptrdiff_t kRememberedLength = 4096;
 
   const char* endOfPlainText(const char* from) const;

@@ -9,8 +9,8 @@ namespace tavlen {
 
 namespace {
 
-/// The platform reads FE FF 00 00 as UTF-32, and FF FE always as UTF-16. Both are kept, so that a
-/// document means the same here as there.
+/// The platform reads FE FF 00 00 as UTF-32, and FF FE always as UTF-16. Do the same, so that a
+/// document has the same meaning here.
 std::optional<ByteOrderMark> markOf(std::string_view bytes) {
   using namespace std::string_view_literals;
   if (bytes.starts_with("\xFE\xFF\0\0"sv)) return ByteOrderMark{TextEncoding::utf32LittleEndian, 4};
@@ -18,8 +18,8 @@ std::optional<ByteOrderMark> markOf(std::string_view bytes) {
   return byteOrderMarkOf(bytes);
 }
 
-/// JSON begins with two ASCII characters or is shorter, so the zeros among the first bytes tell the
-/// width.
+/// A JSON text begins with two ASCII characters or is shorter, so the zeros among its first bytes
+/// reveal the width of a unit.
 TextEncoding encodingFromZeros(std::string_view bytes) {
   const auto zero = [&](std::size_t i) { return bytes[i] == '\0'; };
   if (bytes.size() >= 4) {

@@ -5,13 +5,13 @@
 
 namespace tavlen {
 
-/// JSON bytes as well-formed UTF-8 without a byte order mark.
+/// The bytes of a JSON document as well-formed UTF-8 without a byte order mark.
 ///
-/// A document may stand in UTF-8, UTF-16 or UTF-32; a mark or the zeros among its first four bytes
-/// tell, as on the platform. `bytes` is referred to, not copied, unless it has to be converted.
+/// The encoding, UTF-8, UTF-16 or UTF-32, follows from a byte order mark or from the zeros among
+/// the first four bytes, as on the platform. Refers to `bytes`; copies only to convert them.
 class JSONText {
  public:
-  /// Throws DecodingError::dataCorrupted where the bytes are malformed in their encoding.
+  /// Throws DecodingError::dataCorrupted when the bytes are malformed in their encoding.
   explicit JSONText(std::string_view bytes);
   JSONText(const JSONText&) = delete;
   JSONText& operator=(const JSONText&) = delete;

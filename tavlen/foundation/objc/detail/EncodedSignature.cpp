@@ -17,7 +17,7 @@ class EncodedSignature : public MethodSignature {
  public:
   explicit EncodedSignature(std::string_view encoding) : encoding_(encoding) {}
 
-  /// False for an encoding without a signature.
+  /// Parses the encoding. Returns false when it has no signature.
   bool read() {
     auto types = splitMethodTypes(encoding_);
     if (!types) return false;
@@ -59,7 +59,7 @@ class EncodedSignature : public MethodSignature {
   }
 
   std::string encoding_;
-  MethodTypes types_;  // views into the encoding
+  MethodTypes types_;  // views into encoding_
   std::size_t returnLength_ = 0;
 };
 

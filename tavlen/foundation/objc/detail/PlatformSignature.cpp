@@ -12,9 +12,9 @@ namespace {
 
 using namespace ObjCRuntime;
 
-/// Whether the platform may be given `encoding`. A reader that descends into brackets and pointers
-/// one call a level, as GNUstep's does, would run out of stack, which no guard catches. The limits
-/// are far above what a compiler writes.
+/// Whether `encoding` may be passed to the platform. A recursive reader such as GNUstep's would
+/// overflow the stack on deeply nested brackets and pointers, which no guard catches. The limits
+/// are far above what compilers emit.
 bool isShallow(std::string_view encoding) {
   constexpr int kMostBrackets = 128;
   constexpr int kLongestPrefix = 16;
@@ -34,7 +34,7 @@ bool isShallow(std::string_view encoding) {
 
 class PlatformSignature : public MethodSignature {
  public:
-  /// Takes over a reference that its caller retained.
+  /// Takes over the caller's reference to `signature`.
   explicit PlatformSignature(id signature) : signature_(signature) {}
   PlatformSignature(const PlatformSignature&) = delete;
   PlatformSignature& operator=(const PlatformSignature&) = delete;
@@ -78,7 +78,8 @@ class PlatformSignature : public MethodSignature {
     return result;
   }
 
-  /// A copy: the platform's text lives no longer than its pool.
+  /// Copies the text that `ask` returns, because the platform's text lives only as long as its
+  /// pool.
   template <class Ask>
   static std::string textOf(const Ask& ask) {
     std::string copy;
@@ -102,7 +103,7 @@ class PlatformSignature : public MethodSignature {
 }  // namespace
 
 std::shared_ptr<const MethodSignature> platformSignature(std::string_view encoding) {
-  // The platform reads up to the first NUL and would take the rest for nothing.
+  // The platform would ignore everything after a NUL.
   if (encoding.find('\0') != std::string_view::npos || !isShallow(encoding)) return nullptr;
   const std::string types(encoding);
   std::shared_ptr<const MethodSignature> signature;

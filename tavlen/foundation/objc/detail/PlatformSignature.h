@@ -9,14 +9,14 @@ struct objc_object;
 
 namespace tavlen {
 
-/// The platform's own signature, an NSMethodSignature, asked through the run time: every answer is
-/// the object's. Objective-C exceptions end here; what raises one answers nothing, or zero.
+/// Signatures of the platform: each wraps an NSMethodSignature and asks it through the run time.
+/// Objective-C exceptions are caught; a call that raises one returns nothing or zero.
 
-/// Null for an encoding from which the platform makes none, for one that nests so deep that the
-/// platform is not asked, and where there is no such class.
+/// Null for an encoding of which the platform makes no signature, for one nested too deeply to be
+/// passed to the platform, and when the class is missing.
 std::shared_ptr<const MethodSignature> platformSignature(std::string_view encoding);
 
-/// Wraps `signature`, which is retained. Null for nil.
+/// Wraps `signature` and retains it. Null for nil.
 std::shared_ptr<const MethodSignature> platformSignature(objc_object* signature);
 
 }  // namespace tavlen

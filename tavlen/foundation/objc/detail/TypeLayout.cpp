@@ -50,12 +50,12 @@ bool isComplex(std::string_view qualifiers, char letter) {
          kNumbers.find(letter) != std::string_view::npos;
 }
 
-/// The next multiple of `alignment`, which is not 0.
+/// The lowest multiple of `alignment`, which is not 0, that is not below `size`.
 constexpr std::uint64_t roundedUp(std::uint64_t size, std::uint64_t alignment) {
   return (size + alignment - 1) / alignment * alignment;
 }
 
-/// Puts `member` after those that `whole` has. False when it is too much.
+/// Appends `member` to the layout of an aggregate. Returns false when the result is too large.
 bool append(TypeLayout& whole, const TypeLayout& member) {
   whole.alignment = std::max(whole.alignment, member.alignment);
   whole.size = roundedUp(whole.size, member.alignment) + member.size;

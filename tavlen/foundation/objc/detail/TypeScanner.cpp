@@ -12,13 +12,13 @@ namespace {
 
 constexpr std::string_view kScalars = "cislqCISLQfdDBvtT*#:?";
 
-/// The brackets that are open.
+/// A stack of open brackets.
 class OpenBrackets {
  public:
   bool areAllClosed() const { return closings_.empty(); }
 
-  /// False when `c` closes what is not open. Angle brackets are operators in some names of C++, so
-  /// one too many of them is none.
+  /// Processes `c`. Returns false when it closes a bracket that is not open. An unmatched ">" is
+  /// accepted: C++ names contain angle brackets as operators.
   bool meet(char c) {
     switch (c) {
       case '{':
@@ -89,7 +89,7 @@ bool TypeScanner::skipName() {
   for (; !isAtEnd(); ++position_) {
     const char c = text_[position_];
     if (open.areAllClosed() && (c == '=' || c == '}')) return true;
-    // A name that does not close its angle brackets ends where the aggregate does.
+    // A name with unbalanced angle brackets ends at the aggregate's closing bracket.
     if (!open.meet(c)) return c == '}';
   }
   return false;
@@ -100,7 +100,7 @@ void TypeScanner::skipOffset() {
   while (isDigit(next())) ++position_;
 }
 
-/// Moves over everything up to the bracket that closes the one at the position.
+/// Moves past the bracket that closes the one at the position.
 bool TypeScanner::skipBracketed() {
   OpenBrackets open;
   while (!isAtEnd()) {
@@ -115,7 +115,7 @@ bool TypeScanner::skipBracketed() {
   return false;
 }
 
-/// Moves over what may follow an "@": the mark of a block with its signature, or a class's name.
+/// Moves past the suffixes of "@": the mark of a block with its signature, or a class name.
 bool TypeScanner::skipObject(Neighbour after) {
   if (skip('?')) return next() != '<' || skipBracketed();
   if (next() != '"') return true;

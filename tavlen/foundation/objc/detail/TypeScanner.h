@@ -10,38 +10,40 @@ namespace tavlen {
 /// The letters of const, in, inout, out, bycopy, byref, oneway, atomic and complex.
 inline constexpr std::string_view kTypeQualifiers = "rnNoORVAj";
 
-/// A position in an Objective-C type encoding that moves over its pieces.
+/// A position in an Objective-C type encoding that moves from piece to piece.
 ///
-/// The pieces are found by their brackets, without recursion: what stands inside an aggregate or
-/// behind a pointer is not judged. Never past the end; where a function says no, the text is
-/// malformed and the position is anywhere.
+/// Pieces are found by their brackets, without recursion; the contents of aggregates and the
+/// targets of pointers are not validated. The position never moves past the end. When a function
+/// returns false, the text is malformed and the position unspecified.
 class TypeScanner {
  public:
   explicit TypeScanner(std::string_view text) : text_(text) {}
 
   std::size_t position() const { return position_; }
   bool isAtEnd() const { return position_ == text_.size(); }
-  /// The character at the position; a NUL at the end, which begins no type.
+  /// The character at the position; NUL, which begins no type, at the end.
   char next() const { return isAtEnd() ? '\0' : text_[position_]; }
 
-  /// Moves over `expected` where it is the next character.
+  /// Moves past `expected` if it is the next character; returns whether it was.
   bool skip(char expected);
-  /// Moves over the qualifiers (const, in, oneway, ...) and gives them; often none.
+  /// Moves past qualifiers (const, in, oneway, ...) and returns them, often none.
   std::string_view skipQualifiers();
-  /// The decimal number at the position. Nothing when there is none or when it is too large.
+  /// Moves past the decimal number at the position and returns it. Returns nothing when there is
+  /// none or when it is too large.
   std::optional<std::uint64_t> skipNumber();
-  /// Moves over a text in quotation marks.
+  /// Moves past a quoted text.
   bool skipQuoted();
-  /// Moves over an aggregate's name, from behind its opening bracket to "=" or to the closing
-  /// bracket. A name of C++ may hold either inside brackets of its own.
+  /// Moves past the name of an aggregate: from after its opening bracket up to the "=" or the
+  /// closing bracket. A C++ name may contain either inside brackets.
   bool skipName();
-  /// Moves over the decimal offset that a method's encoding gives behind each type.
+  /// Moves past the decimal offset that follows each type in a method's encoding.
   void skipOffset();
 
-  /// What may follow a type.
+  /// The text that may follow a type.
   enum class Neighbour { any, fieldName };
-  /// Moves over a type with its qualifiers. Inside an aggregate that names its fields, a quoted
-  /// text behind an object is mostly not its class but the next field's name.
+  /// Moves past a type with its qualifiers. With `fieldName`, inside an aggregate that names its
+  /// fields, a quoted text after an object is usually the name of the next field and not the
+  /// object's class.
   bool skipType(Neighbour after = Neighbour::any);
 
  private:

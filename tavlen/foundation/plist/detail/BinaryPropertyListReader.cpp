@@ -16,7 +16,7 @@ using Index = PropertyList::Index;
 constexpr std::size_t kMagicSize = 8;
 constexpr std::size_t kTrailerSize = 32;
 
-/// Layout, with the format's own names: 8 bytes of magic, the objects, the offset table at
+/// Reads the format with its own names: 8 bytes of magic, the objects, the offset table at
 /// `offsetTableOffset` with `numObjects` entries of `offsetIntSize` bytes, and the trailer.
 class Reader {
  public:
@@ -29,7 +29,8 @@ class Reader {
       position_ = objectOffset(i);
       const std::size_t start = position_;
       readObject();
-      // Objects of a proper list do not overlap; here that keeps what is read as small as the file.
+      // Objects of a valid list do not overlap. Checking that bounds the table by the size of the
+      // file.
       const std::size_t used = position_ - start;
       if (used > unread_) throw invalidPropertyList("Objects overlap.");
       unread_ -= used;
@@ -40,8 +41,8 @@ class Reader {
   }
 
  private:
-  /// The big-endian number of `size` bytes, from 1 to 8. Eight bytes are there to be read from
-  /// wherever a number begins: the trailer follows all others, and ends in one of eight.
+  /// The big-endian number of `size` bytes, from 1 to 8, at `place`. It loads eight bytes, which
+  /// are always readable: the trailer follows all other numbers and itself ends in one of eight.
   std::uint64_t numberAt(std::size_t place, std::size_t size) const {
     std::uint64_t value = 0;
     std::memcpy(&value, bytes_.data() + place, sizeof value);
@@ -51,7 +52,7 @@ class Reader {
 
   void readTrailer() {
     if (bytes_.size() < kMagicSize + kTrailerSize || !bytes_.starts_with("bplist0")) {
-      throw invalidPropertyList("It is cut short.");
+      throw invalidPropertyList("It is truncated.");
     }
     const std::size_t trailerStart = bytes_.size() - kTrailerSize;
     offsetIntSize_ = static_cast<std::size_t>(numberAt(trailerStart + 6, 1));
@@ -70,8 +71,8 @@ class Reader {
     unread_ = objectsEnd_ - kMagicSize;
   }
 
-  /// What the file can hold at the most, up to a limit: room that is not used is not touched, and
-  /// room that is there is not copied from one place to the next.
+  /// Reserves the most that the file can hold, up to a limit. Unused capacity costs no physical
+  /// memory, and growing would copy.
   void reserve() {
     constexpr std::size_t kMost = std::size_t{16} << 20;
     const std::size_t references = unread_ / objectRefSize_;
@@ -89,20 +90,20 @@ class Reader {
   }
 
   std::string_view take(std::uint64_t count) {
-    if (count > objectsEnd_ - position_) throw invalidPropertyList("An object is cut short.");
+    if (count > objectsEnd_ - position_) throw invalidPropertyList("An object is truncated.");
     const std::string_view taken(bytes_.data() + position_, static_cast<std::size_t>(count));
     position_ += taken.size();
     return taken;
   }
 
   std::uint64_t takeNumber(std::size_t size) {
-    if (size > objectsEnd_ - position_) throw invalidPropertyList("An object is cut short.");
+    if (size > objectsEnd_ - position_) throw invalidPropertyList("An object is truncated.");
     const std::uint64_t number = numberAt(position_, size);
     position_ += size;
     return number;
   }
 
-  /// The count of a marker; 15 means that an integer object holds it.
+  /// The count in a marker. 15 means that an integer object with the count follows.
   std::uint64_t readCount(unsigned low) {
     if (low != 15) return low;
     const auto marker = static_cast<unsigned>(takeNumber(1));
@@ -110,10 +111,10 @@ class Reader {
     return takeNumber(std::size_t{1} << (marker & 15U));
   }
 
-  /// `count` units of `unit` bytes must be there. Nothing overflows for any count.
+  /// Checks that `count` units of `unit` bytes are left, without overflow.
   void checkCount(std::uint64_t count, std::size_t unit) const {
     const std::size_t left = objectsEnd_ - position_;
-    if (count > left || count * unit > left) {  // the first keeps the product small
+    if (count > left || count * unit > left) {  // the first keeps the product from overflowing
       throw invalidPropertyList("A count is out of range.");
     }
   }
@@ -123,7 +124,7 @@ class Reader {
     return take(count * unit);
   }
 
-  /// Adds the object that stands here to the list.
+  /// Adds the object at the position to the list.
   void readObject() {
     const auto marker = static_cast<unsigned>(takeNumber(1));
     const unsigned low = marker & 15U;
@@ -165,7 +166,8 @@ class Reader {
 
   void add(const PropertyList::Node& node) { list_.add(node); }
 
-  /// 1, 2 and 4 bytes are unsigned, 8 are signed, 16 are signed again and hold what 64 bits can.
+  /// Integers of 1, 2 and 4 bytes are unsigned. Those of 8 and 16 are signed; the latter must fit
+  /// into 64 bits.
   void readInteger(unsigned power) {
     if (power < 4) return add(static_cast<std::int64_t>(takeNumber(std::size_t{1} << power)));
     const std::uint64_t high = takeNumber(8);
@@ -178,7 +180,7 @@ class Reader {
 
   void readASCII(std::string_view text) {
     if (!isASCII(text)) {
-      throw invalidPropertyList("A string is not ASCII, as its object says.");
+      throw invalidPropertyList("A string marked as ASCII is not ASCII.");
     }
     add(text);
   }
@@ -191,7 +193,7 @@ class Reader {
     add(text);
   }
 
-  /// Calls `store(i, reference)` for each of the references that stand here.
+  /// Calls `store(i, reference)` for each reference at the position.
   template <class Store>
   void readReferences(std::uint64_t count, const Store& store) {
     for (std::size_t i = 0; i < count; ++i, position_ += objectRefSize_) {
@@ -232,7 +234,7 @@ class Reader {
   std::size_t objectRefSize_ = 0;
   std::uint64_t numObjects_ = 0;
   std::uint64_t topObject_ = 0;
-  /// Of the container that is being read.
+  /// Buffers for the container being read, reused to save allocations.
   std::vector<Index> elements_;
   std::vector<PropertyList::Member> members_;
   PropertyList list_;

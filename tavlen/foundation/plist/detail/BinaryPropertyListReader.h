@@ -6,13 +6,13 @@
 
 namespace tavlen {
 
-/// Reads the binary form ("bplist00") into a table: each stored object once, in the stored order,
-/// so that shared references stay shared and cycles stay cycles.
+/// Reads the binary form ("bplist00") into a table with each stored object once, in the stored
+/// order. Shared references stay shared, and cycles stay cycles.
 ///
-/// Memory is bounded by a constant times the size of `bytes`: objects that overlap are refused.
-/// Refused as well: references, lengths and offsets out of range, keys that are no strings, text
-/// that is no ASCII or no well-formed UTF-16 as its object says, and objects that other property
-/// lists lack (null, set). Throws invalidPropertyList().
+/// Memory is at most a constant times the size of `bytes`, because objects that overlap are
+/// refused. Also refused: references, lengths and offsets out of range; keys that are not strings;
+/// strings that are not valid ASCII or UTF-16, as marked; and objects that XML lists do not have
+/// (null, set). Throws invalidPropertyList().
 PropertyList readBinaryPropertyList(std::string_view bytes);
 
 }  // namespace tavlen

@@ -9,11 +9,11 @@ namespace tavlen {
 
 namespace {
 
-/// <plist> has a version; a name space and a schema are the most that a tool might add.
+/// <plist> has a version; a tool might add a name space and a schema, but no more.
 constexpr std::size_t kMostAttributes = 8;
 constexpr std::size_t kLongestTag = 1024;
-/// Attributes and instructions in a document: the library keeps every name, and looks ever longer
-/// for one among many.
+/// Maximum number of attributes and instructions in a document: the XML library keeps all names,
+/// and its look-up slows down as they grow.
 constexpr std::size_t kMostNames = 10'000;
 
 class Scanner {
@@ -33,7 +33,7 @@ class Scanner {
       } else if (text_.starts_with("<!DOCTYPE")) {
         skipDocumentType();
       } else if (text_.starts_with("<!")) {
-        throw invalidPropertyList("It holds a declaration.");
+        throw invalidPropertyList("It contains a declaration.");
       } else {
         takeTag();
       }
@@ -54,16 +54,17 @@ class Scanner {
 
   void skipDocumentType() {
     if (takeTag().find('[') != std::string_view::npos) {
-      throw invalidPropertyList("Its document type holds declarations.");
+      throw invalidPropertyList("Its document type contains declarations.");
     }
   }
 
   void countName() {
-    if (++names_ > kMostNames) throw invalidPropertyList("It has many attributes or instructions.");
+    if (++names_ > kMostNames)
+      throw invalidPropertyList("It has too many attributes or instructions.");
   }
 
-  /// Takes what ends at the first '>' outside of quotes. A '<' before it is malformed, and could
-  /// begin what the XML library sees otherwise.
+  /// Takes the text up to the first '>' outside of quotes. A '<' before that is malformed and might
+  /// be read differently by the XML library, so it is refused.
   std::string_view takeTag() {
     const std::string_view start = text_.substr(0, kLongestTag);
     std::size_t quoted = 0;
@@ -73,7 +74,7 @@ class Scanner {
         return start.substr(0, i);
       }
       if (start[i] == '"' || start[i] == '\'') {
-        if (++quoted > kMostAttributes) throw invalidPropertyList("A tag has many attributes.");
+        if (++quoted > kMostAttributes) throw invalidPropertyList("A tag has too many attributes.");
         countName();
         i = start.find(start[i], i + 1);
         if (i == std::string_view::npos) break;

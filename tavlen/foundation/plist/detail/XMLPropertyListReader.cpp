@@ -26,11 +26,11 @@ std::string_view view(const xmlChar* text) {
   return text == nullptr ? std::string_view() : reinterpret_cast<const char*>(text);
 }
 
-/// The elements of the document, as events of the XML library, which keeps the syntax.
+/// Handles the events of the XML library, which checks the syntax.
 class Reader {
  public:
   explicit Reader(std::string_view bytes) : source_(bytes) {
-    // The library wants its first call to be made by one thread.
+    // The library requires a single thread to make its first call.
     static const bool isReady = (xmlInitParser(), true);
     static_cast<void>(isReady);
     const std::string_view text = source_.view();
@@ -49,7 +49,7 @@ class Reader {
     int result = 0;
     while ((result = xmlTextReaderRead(xml_.get())) == 1) handleNode();
     if (result != 0) throw invalidPropertyList(error_.empty() ? "It is malformed." : error_);
-    if (!hasRoot_) throw invalidPropertyList("It holds no value.");
+    if (!hasRoot_) throw invalidPropertyList("It has no value.");
     return builder_.take();
   }
 
@@ -87,7 +87,7 @@ class Reader {
         addText(view(xmlTextReaderConstValue(xml_.get())));
         break;
       case XML_READER_TYPE_ENTITY_REFERENCE:
-        fail("entities are not read");
+        fail("entities are not supported");
       default:
         break;  // comments, instructions, the document type
     }
@@ -158,11 +158,11 @@ class Reader {
   }
 
   void endKey() {
-    if (!builder_.isInDictionary() || builder_.hasKey()) fail("a key out of its place");
+    if (!builder_.isInDictionary() || builder_.hasKey()) fail("an unexpected key");
     builder_.key(text_);
   }
 
-  /// A value may stand here.
+  /// Fails unless a value is allowed at this place.
   void checkPlace() {
     if (builder_.depth() == 0) {
       if (hasRoot_) fail("a second value");
@@ -183,7 +183,7 @@ class Reader {
     builder_.end();
   }
 
-  /// The UID that the dictionary which is open stands for.
+  /// The UID if the open dictionary is the form of one ({"CF$UID": integer}).
   std::optional<PropertyList::UID> uidOfDictionary() const {
     if (!builder_.isInDictionary() || builder_.members().size() != 1) return std::nullopt;
     const PropertyList& list = builder_.list();
@@ -199,12 +199,12 @@ class Reader {
     void operator()(xmlTextReader* reader) const { xmlFreeTextReader(reader); }
   };
 
-  XMLText source_;  // which the XML library reads in place
+  XMLText source_;  // the XML library reads it in place
   std::unique_ptr<xmlTextReader, Free> xml_;
   std::string error_;
-  bool isInside_ = false;  ///< in the root element
+  bool isInside_ = false;  ///< whether the reader is inside the root element
   bool hasRoot_ = false;
-  std::string scalar_;  ///< the element that collects `text_`, or empty
+  std::string scalar_;  ///< the name of the element whose text is being collected; empty for none
   std::string text_;
   PropertyListBuilder builder_;
 };

@@ -9,9 +9,9 @@ namespace tavlen {
 /// Reads the XML form, in the encodings of XMLText.
 ///
 /// Nothing outside `bytes` is opened. A document that declares entities, or has a tag with many
-/// attributes, is refused (prescanXML()). The XML library's own limits hold: 256 elements deep, ten
-/// million bytes a text. A dictionary whose only key is "CF$UID" with an integer is a UID. The
-/// table is a tree; equal keys are kept. Throws invalidPropertyList().
+/// attributes, is refused (prescanXML()). The XML library's own limits apply: a depth of 256
+/// elements, ten million bytes for a text. A dictionary whose only key is "CF$UID" with an integer
+/// is a UID. The result is a tree; equal keys are kept. Throws invalidPropertyList().
 PropertyList readXMLPropertyList(std::string_view bytes);
 
 }  // namespace tavlen

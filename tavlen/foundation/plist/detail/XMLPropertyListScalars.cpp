@@ -23,7 +23,7 @@ std::string_view withoutLeadingBlanks(std::string_view text) {
   return text.substr(start == std::string_view::npos ? text.size() : start);
 }
 
-/// The whole of `text` as a number, without a sign or blanks.
+/// Parses all of `text` as a number, without a sign or blanks.
 template <class Number, class... Base>
 std::optional<Number> wholeNumber(std::string_view text, Base... base) {
   Number value{};

@@ -11,22 +11,23 @@
 /// The texts of numbers and dates in the XML form of property lists.
 namespace tavlen {
 
-/// Unsigned above 2^63-1 only.
+/// Unsigned only above 2^63-1.
 using XMLInteger = std::variant<std::int64_t, std::uint64_t>;
 
-/// Leading blanks, a sign, blanks, then decimal digits or "0x" and hexadecimal ones; from -2^63 to
-/// 2^64-1. Nothing for any other text.
+/// Parses an integer from -2^63 to 2^64-1: leading blanks, a sign, blanks, then decimal digits or
+/// "0x" and hexadecimal digits. Returns nothing for any other text.
 std::optional<XMLInteger> integerFromXML(std::string_view text);
 
-/// Leading blanks, then a decimal number in the range of a double, or "nan", "inf", "infinity" with
-/// a sign or none and in either case.
+/// Parses a real: leading blanks, then a decimal number in the range of a double, or "nan", "inf"
+/// or "infinity" in any case with an optional sign. Returns nothing for any other text.
 std::optional<double> realFromXML(std::string_view text);
 /// The shortest text that reads back to `value`, without ".0".
 std::string xmlFromReal(double value);
 
-/// "yyyy-MM-ddTHH:mm:ssZ": every field is required and must exist in the calendar.
+/// Parses "yyyy-MM-ddTHH:mm:ssZ". All fields are required and must exist in the calendar. Returns
+/// nothing for any other text.
 std::optional<Date> dateFromXML(std::string_view text);
-/// Fractions of a second are dropped. Nothing outside of the years 0 to 9999.
+/// Writes a date without fractions of a second. Returns nothing outside of the years 0 to 9999.
 std::optional<std::string> xmlFromDate(Date date);
 
 }  // namespace tavlen

@@ -13,9 +13,10 @@ namespace {
 
 using Index = PropertyList::Index;
 
-/// What the reader's XML library still reads back.
+/// The reader's XML library accepts no deeper lists.
 constexpr std::size_t kDeepest = 250;
-/// Beyond what the list itself holds: a small list can stand for a huge tree.
+/// The values allowed beyond those of the list itself: by shared references, a small list can
+/// describe a huge tree.
 constexpr std::size_t kSharedValues = 1'000'000;
 constexpr std::size_t kMostBytes = std::size_t{256} << 20;
 
@@ -25,7 +26,8 @@ constexpr std::string_view kHeader =
     "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
     "<plist version=\"1.0\">\n";
 
-/// U+FFFE and U+FFFF, and the control characters other than tab and line ends.
+/// Whether XML can contain `text`: it lacks U+FFFE, U+FFFF, and control characters other than tab
+/// and line ends.
 bool isTextForXML(std::string_view text) {
   const auto isControl = [](char c) {
     return static_cast<unsigned char>(c) < 0x20 && c != '\t' && c != '\n' && c != '\r';
@@ -61,7 +63,7 @@ class Writer {
   }
 
  private:
-  /// An open container; the keys of an array's members mean nothing.
+  /// An open container. Array elements are members without meaningful keys.
   struct Frame {
     std::string_view tag;
     std::vector<PropertyList::Member> members;
@@ -77,7 +79,8 @@ class Writer {
     valuesLeft_ -= values;
   }
 
-  /// Sorting reads the keys' texts, even those of equal keys, which are not written.
+  /// Charges for all keys, because sorting reads their texts, even those of equal keys that are not
+  /// written.
   void chargeKeys(std::span<const PropertyList::Member> members) {
     charge(members.size());
     for (const PropertyList::Member& member : members) {
@@ -101,7 +104,7 @@ class Writer {
 
   void appendTextElement(std::string_view tag, std::string_view text) {
     if (!isTextForXML(text)) {
-      throw EncodingError::invalidValue("a string holds what XML cannot");
+      throw EncodingError::invalidValue("a string contains a character that XML does not allow");
     }
     std::string escaped;
     escaped.reserve(text.size());
@@ -116,7 +119,7 @@ class Writer {
         case '>':
           escaped += "&gt;";
           break;
-        case '\r':  // a bare one would be read back as a line feed
+        case '\r':  // the reader would turn a bare one into a line feed
           escaped += "&#13;";
           break;
         default:
@@ -135,13 +138,13 @@ class Writer {
   void append(double value) { appendElement("real", xmlFromReal(value)); }
   void append(Date value) {
     const auto text = xmlFromDate(value);
-    if (!text) throw EncodingError::invalidValue("a date lies outside of the years 0 to 9999");
+    if (!text) throw EncodingError::invalidValue("a date is outside the years 0 to 9999");
     appendElement("date", *text);
   }
   void append(std::string_view value) { appendTextElement("string", value); }
 
   void append(PropertyList::Data value) {
-    // At most 76 columns, a tab counted as 8; deep down the lines stop getting shorter.
+    // At most 76 columns, a tab counting as 8. Beyond a depth of 8 the lines do not get shorter.
     const std::size_t indent = std::min<std::size_t>(frames_.size(), 8) * 8;
     const std::size_t lineLength = (76 - indent) / 4 * 4;
     const std::string text = base64FromBytes(value.bytes);

@@ -6,13 +6,14 @@
 
 namespace tavlen {
 
-/// Writes what the root reaches in the XML form, the keys of each dictionary in the order of their
-/// bytes, the last of equal ones only.
+/// Writes everything reachable from the root in the XML form. The keys of a dictionary are sorted
+/// by bytes; of equal keys, the last is written.
 ///
-/// XML has no references: a shared object is written out at each place. Throws EncodingError for
-/// a list more than 250 containers deep (a cycle is one), for a million values more than the list
-/// itself holds, for more than 256 MiB, for text that is no valid UTF-8 or holds characters that
-/// XML lacks (most control characters), and for dates outside of the years 0 to 9999.
+/// XML has no references, so a shared object is written at each place. Throws EncodingError for a
+/// list more than 250 containers deep (a cycle is one), for a million values more than the list
+/// itself holds, for more than 256 MiB of output, for text that is not valid UTF-8 or contains
+/// characters that XML lacks (most control characters), and for dates outside of the years 0 to
+/// 9999.
 std::string writeXMLPropertyList(const PropertyList& list);
 
 }  // namespace tavlen

@@ -17,8 +17,8 @@ using namespace std::string_view_literals;
 
 constexpr std::string_view kBlanks = " \t\r\n";
 
-/// A text without a mark, in UTF-16 or UTF-32, begins with '<' and its zeros; the longer of two
-/// that begin alike stands first.
+/// UTF-16 and UTF-32 without a byte order mark begin with '<' and its zeros. Longer patterns first,
+/// because one contains another.
 constexpr std::array<std::pair<std::string_view, TextEncoding>, 4> kWideStarts = {{
     {"<\0\0\0"sv, TextEncoding::utf32LittleEndian},
     {"\0\0\0<"sv, TextEncoding::utf32BigEndian},
@@ -26,8 +26,8 @@ constexpr std::array<std::pair<std::string_view, TextEncoding>, 4> kWideStarts =
     {"\0<"sv, TextEncoding::utf16BigEndian},
 }};
 
-/// What tells the encoding, a mark or the zeros; nothing where it is left to the XML declaration.
-std::optional<ByteOrderMark> signOf(std::string_view bytes) {
+/// The encoding that a byte order mark or zeros reveal; nothing when the XML declaration decides.
+std::optional<ByteOrderMark> encodingHint(std::string_view bytes) {
   if (const auto mark = byteOrderMarkOf(bytes)) return mark;
   for (const auto& [start, encoding] : kWideStarts) {
     if (bytes.starts_with(start)) return ByteOrderMark{encoding, 0};
@@ -46,8 +46,8 @@ void skipBlanks(std::string_view& text) {
   text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
 }
 
-/// Takes `= "value"`. The values of a declaration hold nothing but letters, digits and ".-_", so
-/// that no two readers can disagree on where one ends.
+/// Takes `= "value"`. Values are limited to letters, digits and ".-_", so that the XML library
+/// cannot see another end of the value.
 std::optional<std::string_view> takeValue(std::string_view& text) {
   skipBlanks(text);
   if (!text.starts_with('=')) return std::nullopt;
@@ -71,7 +71,7 @@ bool keepsASCII(std::string_view encoding) {
          name.starts_with("iso-8859-") || name.starts_with("windows-125");
 }
 
-/// Whether what follows "<?xml" is a declaration whose encoding, if any, keeps ASCII.
+/// Whether the text after "<?xml" is a declaration whose encoding, if any, is ASCII-compatible.
 bool declaresASCII(std::string_view text) {
   for (;;) {
     skipBlanks(text);
@@ -85,11 +85,11 @@ bool declaresASCII(std::string_view text) {
 }  // namespace
 
 XMLText::XMLText(std::string_view bytes) : view_(bytes) {
-  if (const std::optional<ByteOrderMark> sign = signOf(bytes)) {
+  if (const std::optional<ByteOrderMark> hint = encodingHint(bytes)) {
     isUTF8_ = true;
-    view_.remove_prefix(sign->length);
-    if (sign->encoding != TextEncoding::utf8) {
-      if (!convertToUTF8(view_, sign->encoding, converted_)) {
+    view_.remove_prefix(hint->length);
+    if (hint->encoding != TextEncoding::utf8) {
+      if (!convertToUTF8(view_, hint->encoding, converted_)) {
         throw invalidPropertyList("The text is malformed in its encoding.");
       }
       view_ = converted_;
@@ -99,7 +99,7 @@ XMLText::XMLText(std::string_view bytes) : view_(bytes) {
     throw invalidPropertyList("Its XML declaration is malformed or names an unsupported encoding.");
   }
   if (view_.find('\0') != std::string_view::npos) {
-    throw invalidPropertyList("It holds the character U+0000.");
+    throw invalidPropertyList("It contains the character U+0000.");
   }
 }
 

@@ -5,12 +5,12 @@
 
 namespace tavlen {
 
-/// The bytes of an XML document, in an encoding that keeps the meaning of ASCII.
+/// The bytes of an XML document in an ASCII-compatible encoding.
 ///
-/// UTF-16 and UTF-32, which a byte order mark or the zeros among the first four bytes tell, become
-/// UTF-8. Without either, the XML declaration may name UTF-8, ASCII, a part of ISO 8859 or a
-/// Windows code page; in others markup could hide from who looks for ASCII. `bytes` is referred to,
-/// not copied, unless it has to be converted.
+/// UTF-16 and UTF-32, recognised by a byte order mark or by zeros among the first four bytes, are
+/// converted to UTF-8. Otherwise the XML declaration may name UTF-8, ASCII, a part of ISO 8859 or a
+/// Windows code page. Other encodings are rejected: an ASCII scan (XMLPrescan) could miss markup in
+/// them. Refers to `bytes`; copies only to convert them.
 class XMLText {
  public:
   /// Throws invalidPropertyList() for another encoding, text malformed in its encoding, or U+0000.
@@ -18,9 +18,9 @@ class XMLText {
   XMLText(const XMLText&) = delete;
   XMLText& operator=(const XMLText&) = delete;
 
-  /// Without a byte order mark.
+  /// The text without a byte order mark.
   std::string_view view() const { return view_; }
-  /// Whether view() is UTF-8 whatever its XML declaration says.
+  /// Whether view() is UTF-8, whatever its XML declaration says.
   bool isUTF8() const { return isUTF8_; }
 
  private:

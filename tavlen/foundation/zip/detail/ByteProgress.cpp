@@ -26,7 +26,7 @@ void ByteProgress::add(std::uint64_t bytes) {
   if (progress_ == nullptr || (bytes != 0 && done_ - told_ < kStep)) return;
   if (progress_->isCancelled()) throw std::system_error(ECANCELED, std::generic_category());
   told_ = done_;
-  // The last unit is finish()'s: nobody is to take for finished what may still fail.
+  // Keep the last unit for finish(): until then the work may still fail.
   const std::uint64_t most = total_ == 0 ? 0 : total_ - 1;
   progress_->setCompletedUnitCount(static_cast<std::int64_t>(std::min(done_, most)));
 }

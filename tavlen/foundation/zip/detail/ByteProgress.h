@@ -6,15 +6,16 @@ namespace tavlen {
 
 class Progress;
 
-/// Tells a Progress of bytes as they are worked on, in steps that cost nothing beside the work.
+/// Reports processed bytes to a Progress, in steps large enough to cost nothing. Threads: as for
+/// Progress; one object one thread at a time.
 class ByteProgress {
  public:
-  /// `progress` may be none. Its units become `total` bytes.
+  /// `progress` may be null. Its total becomes `total` bytes.
   ByteProgress(Progress* progress, std::uint64_t total);
 
-  /// Throws std::system_error (ECANCELED) once the progress is cancelled.
+  /// Adds processed bytes. Throws std::system_error (ECANCELED) once the progress is cancelled.
   void add(std::uint64_t bytes);
-  /// All is done, whatever was counted.
+  /// Completes the progress, whatever was counted.
   void finish();
 
  private:

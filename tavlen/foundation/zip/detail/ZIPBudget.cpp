@@ -10,7 +10,7 @@ void ZIPBudget::add(const std::string& name, std::uint64_t bytes) {
     throw ZIPError(ZIPError::Case::archiveTooLarge, name);
   }
   bytes_ += bytes;
-  // bytes > ratio * compressed, without the product
+  // bytes > ratio * compressed, without the product, which could overflow
   if (bytes_ > limits_.ratioFreeBytes && (bytes_ - 1) / limits_.ratio >= compressedBytes_) {
     throw ZIPError(ZIPError::Case::ratioTooHigh, name);
   }

@@ -8,18 +8,19 @@
 
 namespace tavlen {
 
-/// Counts the bytes that come out of an archive, against its limits.
+/// Checks the bytes extracted from an archive against its limits.
 class ZIPBudget {
  public:
   static constexpr std::uint64_t kUnknown = std::numeric_limits<std::uint64_t>::max();
 
-  /// `compressedBytes` are those of all entries; the ratio is not looked at while they are unknown.
+  /// `compressedBytes` is the sum of all entries. While it is unknown, the ratio is not checked.
   explicit ZIPBudget(const ZIPArchive::Limits& limits, std::uint64_t compressedBytes = kUnknown)
       : limits_(limits), compressedBytes_(compressedBytes) {}
 
-  /// Throws ZIPError with the name: entryTooLarge, archiveTooLarge, ratioTooHigh.
+  /// Throws ZIPError with `name`: entryTooLarge, archiveTooLarge, ratioTooHigh.
   void add(const std::string& name, std::uint64_t bytes);
 
+  /// The bytes so far.
   std::uint64_t bytes() const { return bytes_; }
 
  private:

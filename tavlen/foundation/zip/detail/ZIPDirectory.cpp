@@ -19,7 +19,7 @@ namespace {
 
 constexpr std::string_view kSignature = "PK\x01\x02";
 constexpr std::size_t kFixedSize = 46;
-/// A hundred thousand entries with more than 300 bytes each.
+/// Enough for a hundred thousand entries of over 300 bytes each.
 constexpr std::uint64_t kLargestDirectory = std::uint64_t{32} << 20;
 constexpr std::uint16_t kZIP64Field = 0x0001;
 constexpr std::uint32_t kInZIP64Field = 0xFFFFFFFF;
@@ -28,14 +28,15 @@ constexpr std::uint16_t kUnsupportedFlags = 0x0001 | 0x0020 | 0x0040 | 0x2000;
 
 [[noreturn]] void refuse(const char* what) { throw ZIPError(ZIPError::Case::damagedArchive, what); }
 
-/// Takes the 64-bit values of the fields that say so, in their fixed order.
+/// Reads the values of the ZIP64 extra field, which holds those that do not fit their 32-bit
+/// fields, in a fixed order.
 class ZIP64Values {
  public:
   explicit ZIP64Values(std::string_view extra)
-      : rest_(zipExtraField(extra, kZIP64Field)), isThere_(!rest_.empty()) {}
+      : rest_(zipExtraField(extra, kZIP64Field)), hasField_(!rest_.empty()) {}
 
   std::uint64_t resolve(std::uint32_t narrow) {
-    if (narrow != kInZIP64Field || !isThere_) return narrow;
+    if (narrow != kInZIP64Field || !hasField_) return narrow;
     if (rest_.size() < sizeof(std::uint64_t)) refuse("a 64-bit size is missing");
     const auto value = littleEndian<std::uint64_t>(rest_, 0);
     rest_.remove_prefix(sizeof value);
@@ -44,10 +45,10 @@ class ZIP64Values {
 
  private:
   std::string_view rest_;
-  bool isThere_;
+  bool hasField_;
 };
 
-void judgeKind(const ZIPEntry& entry) {
+void validateKind(const ZIPEntry& entry) {
   using Case = ZIPError::Case;
   const auto refuseEntry = [&](Case which) { throw ZIPError(which, entry.name); };
   switch (entry.mode & S_IFMT) {
@@ -57,7 +58,7 @@ void judgeKind(const ZIPEntry& entry) {
     case S_IFDIR:
       if (!entry.isFolder()) refuseEntry(Case::fileAsFolder);
       break;
-    case S_IFREG:  // some writers give folders the kind of files
+    case S_IFREG:  // some writers mark folders as files
     case 0:
       break;
     default:
@@ -76,23 +77,23 @@ void judgeKind(const ZIPEntry& entry) {
   if (!hasData && entry.size == 0 && entry.checksum != 0) refuseEntry(Case::checksumMismatch);
 }
 
-/// Goes through the records of a directory in memory.
+/// Iterates over the records of a directory in memory.
 class DirectoryReader {
  public:
   explicit DirectoryReader(std::string_view bytes) : rest_(bytes) {}
 
   bool isAtEnd() const { return rest_.empty(); }
 
-  /// The next entry; its name as it is stored goes to `storedName`, which lives as the bytes do.
+  /// Returns the next entry; stores its undecoded name, a view of the directory, in `storedName`.
   ZIPEntry next(std::string_view& storedName) {
     if (rest_.size() < kFixedSize || !rest_.starts_with(kSignature)) {
-      refuse("its directory is cut short");
+      refuse("its directory is truncated");
     }
     const std::size_t nameSize = littleEndian<std::uint16_t>(rest_, 28);
     const std::size_t extraSize = littleEndian<std::uint16_t>(rest_, 30);
     const std::size_t commentSize = littleEndian<std::uint16_t>(rest_, 32);
     const std::size_t size = kFixedSize + nameSize + extraSize + commentSize;
-    if (rest_.size() < size) refuse("its directory is cut short");
+    if (rest_.size() < size) refuse("its directory is truncated");
     storedName = rest_.substr(kFixedSize, nameSize);
     const std::string_view extra = rest_.substr(kFixedSize + nameSize, extraSize);
 
@@ -104,8 +105,8 @@ class DirectoryReader {
     entry.size = wide.resolve(littleEndian<std::uint32_t>(rest_, 24));
     entry.compressedSize = wide.resolve(littleEndian<std::uint32_t>(rest_, 20));
     entry.offset = wide.resolve(littleEndian<std::uint32_t>(rest_, 42));
-    // The upper half of the attributes, whatever system they claim to come from: nobody else fills
-    // it, and a link is not to pass because of a byte elsewhere.
+    // The upper half of the attributes is the mode, whatever system the entry claims to come from:
+    // no other system uses these bits, and a link must not pass because of its origin byte.
     entry.mode = littleEndian<std::uint16_t>(rest_, 40);
     entry.name = decodeZIPName(storedName, entry.flags, extra);
     rest_.remove_prefix(size);
@@ -116,15 +117,15 @@ class DirectoryReader {
   std::string_view rest_;
 };
 
-/// Where an entry lies in the file, local record and all.
+/// The range of an entry in the file, with its local record.
 struct Extent {
   std::uint64_t begin;
   std::uint64_t end;
   std::size_t entry;
 };
 
-void judgeExtents(std::vector<Extent> extents, const std::vector<ZIPEntry>& entries,
-                  std::uint64_t directoryOffset) {
+void validateExtents(std::vector<Extent> extents, const std::vector<ZIPEntry>& entries,
+                     std::uint64_t directoryOffset) {
   std::sort(extents.begin(), extents.end(), [](const Extent& a, const Extent& b) {
     return a.begin != b.begin ? a.begin < b.begin : a.entry < b.entry;
   });
@@ -141,8 +142,8 @@ void judgeExtents(std::vector<Extent> extents, const std::vector<ZIPEntry>& entr
   }
 }
 
-void judgeSizes(const std::vector<ZIPEntry>& entries, const ZIPArchive::Limits& limits) {
-  std::uint64_t compressed = 0;  // does not overflow: the extents lie side by side in the file
+void validateSizes(const std::vector<ZIPEntry>& entries, const ZIPArchive::Limits& limits) {
+  std::uint64_t compressed = 0;  // cannot overflow: the extents do not overlap within the file
   for (const ZIPEntry& entry : entries) compressed += entry.compressedSize;
   ZIPBudget budget(limits, compressed);
   for (const ZIPEntry& entry : entries) budget.add(entry.name, entry.size);
@@ -153,7 +154,7 @@ void judgeSizes(const std::vector<ZIPEntry>& entries, const ZIPArchive::Limits& 
 std::vector<ZIPEntry> readZIPDirectory(const RandomAccessFile& archive,
                                        const ZIPArchive::Limits& limits, std::string_view onlyTop) {
   const ZIPEndRecord end = ZIPEndRecord::find(archive);
-  // Before anything is read that grows with it.
+  // Check this before reading anything whose size depends on it.
   if (end.entries > limits.entries) {
     throw ZIPError(ZIPError::Case::tooManyEntries, std::to_string(limits.entries));
   }
@@ -166,19 +167,21 @@ std::vector<ZIPEntry> readZIPDirectory(const RandomAccessFile& archive,
   ZIPNameSet names(limits.entries);
   DirectoryReader reader(bytes);
   while (!reader.isAtEnd()) {
-    if (entries.size() == end.entries) refuse("its directory has more entries than the end says");
+    if (entries.size() == end.entries)
+      refuse("its directory has more entries than the end record says");
     std::string_view storedName;
     ZIPEntry entry = reader.next(storedName);
-    judgeZIPName(entry.name);
+    validateZIPName(entry.name);
     names.add(entry.name);
-    if (entry.isWithin(onlyTop)) judgeKind(entry);
-    const std::uint64_t entryEnd = judgeZIPLocalRecord(archive, entry, storedName);
+    if (entry.isWithin(onlyTop)) validateKind(entry);
+    const std::uint64_t entryEnd = validateZIPLocalRecord(archive, entry, storedName);
     extents.push_back({entry.offset, entryEnd, entries.size()});
     entries.push_back(std::move(entry));
   }
-  if (entries.size() != end.entries) refuse("its directory has fewer entries than the end says");
-  judgeExtents(std::move(extents), entries, end.directoryOffset);
-  judgeSizes(entries, limits);
+  if (entries.size() != end.entries)
+    refuse("its directory has fewer entries than the end record says");
+  validateExtents(std::move(extents), entries, end.directoryOffset);
+  validateSizes(entries, limits);
   return entries;
 }
 

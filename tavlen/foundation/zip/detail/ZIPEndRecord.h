@@ -6,15 +6,16 @@
 
 namespace tavlen {
 
-/// What the end of a ZIP archive tells of its directory (APPNOTE.TXT 4.3.14 to 4.3.16).
+/// The place of the central directory, from the end of a ZIP archive (APPNOTE.TXT 4.3.14 to
+/// 4.3.16).
 struct ZIPEndRecord {
-  std::uint64_t entries = 0;
-  std::uint64_t directoryOffset = 0;
-  std::uint64_t directorySize = 0;
+  std::uint64_t entries = 0;          ///< number of entries in the directory
+  std::uint64_t directoryOffset = 0;  ///< in bytes from the start of the file
+  std::uint64_t directorySize = 0;    ///< in bytes
 
-  /// Throws ZIPError (damagedArchive) unless the archive has exactly one end, in the end of the
-  /// file or with zeros after it, 64 KiB with its comment at most, and the directory lies right
-  /// before it.
+  /// Finds and reads the end record. Throws ZIPError (damagedArchive) unless there is exactly one,
+  /// right after the directory, and at the end of the file or with only zeros after it; record,
+  /// comment and zeros take at most 64 KiB. Throws std::system_error.
   static ZIPEndRecord find(const RandomAccessFile& archive);
 };
 

@@ -16,7 +16,7 @@ using namespace std::string_view_literals;
 
 constexpr std::uint16_t kUTF8Flag = 0x0800;
 constexpr std::uint16_t kUnicodePathField = 0x7075;
-/// What a path and a component may have on the device (PATH_MAX and NAME_MAX there).
+/// The device's limits for a path and a component (PATH_MAX and NAME_MAX).
 constexpr std::size_t kLongestName = 1024;
 constexpr std::size_t kLongestComponent = 255;
 
@@ -35,7 +35,8 @@ std::string fromCodePage437(std::string_view text) {
   return out;
 }
 
-/// The name in the Unicode path field, if it is there and still belongs to the stored name.
+/// The name in the Unicode path field; empty when the field is missing or its checksum does not
+/// match the stored name.
 std::string_view unicodePath(std::string_view stored, std::string_view extra) {
   constexpr std::size_t kVersionAndChecksum = 5;
   const std::string_view field = zipExtraField(extra, kUnicodePathField);
@@ -46,7 +47,7 @@ std::string_view unicodePath(std::string_view stored, std::string_view extra) {
   return field.substr(kVersionAndChecksum);
 }
 
-void judgeComponent(std::string_view component, std::string_view name) {
+void validateComponent(std::string_view component, std::string_view name) {
   if (component == "..") throw ZIPError(ZIPError::Case::parentReference, std::string(name));
   if (component.empty() || component == "." || component.size() > kLongestComponent) {
     throw ZIPError(ZIPError::Case::invalidName, std::string(name));
@@ -64,7 +65,7 @@ std::string_view zipExtraField(std::string_view extra, std::uint16_t id) {
   constexpr std::size_t kHeader = 4;
   while (extra.size() >= kHeader) {
     const std::size_t size = littleEndian<std::uint16_t>(extra, 2);
-    if (size > extra.size() - kHeader) break;  // padding, as some writers leave it
+    if (size > extra.size() - kHeader) break;  // padding, which some writers add
     if (littleEndian<std::uint16_t>(extra, 0) == id) return extra.substr(kHeader, size);
     extra.remove_prefix(kHeader + size);
   }
@@ -84,7 +85,7 @@ std::string decodeZIPName(std::string_view stored, std::uint16_t flags, std::str
   return isUTF8 ? std::string(stored) : fromCodePage437(stored);
 }
 
-void judgeZIPName(std::string_view name) {
+void validateZIPName(std::string_view name) {
   using Case = ZIPError::Case;
   const auto refuse = [&](Case which) { throw ZIPError(which, wellFormedUTF8(name)); };
   if (name.empty() || name.size() > kLongestName || !isValidUTF8(name)) refuse(Case::invalidName);
@@ -93,7 +94,7 @@ void judgeZIPName(std::string_view name) {
   if (rest.ends_with('/')) rest.remove_suffix(1);
   for (std::size_t begin = 0; begin <= rest.size();) {
     const std::size_t end = std::min(rest.find('/', begin), rest.size());
-    judgeComponent(rest.substr(begin, end - begin), name);
+    validateComponent(rest.substr(begin, end - begin), name);
     begin = end + 1;
   }
   if (name.find_first_of("\\\0"sv) != std::string_view::npos) refuse(Case::invalidName);

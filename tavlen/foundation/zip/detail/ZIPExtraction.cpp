@@ -121,7 +121,7 @@ void ZIPExtraction::enter(std::string_view path, std::size_t begin, bool isNew,
   levels_.push_back({path.size(), std::move(folder)});
 }
 
-/// By text: a path object costs an allocation a component, for each of many components.
+/// Text, because a path object costs an allocation for each of its components.
 std::string ZIPExtraction::shownPath(std::string_view name) const {
   std::string path = folder_.native();
   if (!path.ends_with('/')) path += '/';

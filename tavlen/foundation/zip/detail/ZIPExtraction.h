@@ -11,31 +11,33 @@
 
 namespace tavlen {
 
-/// A fresh folder that an archive's entries are made in, each relative to the open folder around
-/// it, through no link and in the place of nothing.
+/// A new folder in which an archive's entries are created, each relative to its open parent folder.
+/// Never follows links, never overwrites.
 ///
-/// Names have been judged, alone and against each other, and come in the order of their bytes: a
-/// folder comes before its contents, and those come together. So a folder is entered once, and one
-/// that exists already exists for the volume only (ZIPError, caseConflict).
+/// Names are unique and come in byte order: a folder comes before its contents, and those come
+/// together. So each folder is entered once, and EEXIST means that the volume folds case or Unicode
+/// (caseConflict).
 ///
-/// Permissions are those of the archive without what the process's mask takes away, and without
-/// write permission for the group and others; the owner may always read and change the tree.
-/// Errors: std::system_error with the path. Threads: one object one thread at a time.
+/// Permissions are the archive's, reduced by the umask and without write permission for group and
+/// others; the owner may always read and change the tree. Errors: std::system_error with the path.
+/// Threads: one object one thread at a time.
 class ZIPExtraction {
  public:
-  /// Where an entry's file is written.
+  /// Receives the contents of a file.
   using Sink = FunctionRef<void(std::string_view)>;
 
-  /// Makes the folder, private to its user, and removes it at the end, unless it is kept.
+  /// Creates the folder, private to its user. The destructor removes it unless keep() was called.
   explicit ZIPExtraction(const std::filesystem::path& folder);
   ZIPExtraction(const ZIPExtraction&) = delete;
   ZIPExtraction& operator=(const ZIPExtraction&) = delete;
   ~ZIPExtraction();
 
-  /// `name` has "/" at its end. `mode` 0 stands for the usual permissions, here and below.
+  /// Creates a folder; `name` ends with "/". `mode` 0 selects the default permissions, here and
+  /// below.
   void makeFolder(const std::string& name, std::uint32_t mode);
-  /// Makes the file and those folders around it that are missing; `write` fills it.
+  /// Creates a file and its missing parent folders; `write` supplies the contents.
   void makeFile(const std::string& name, std::uint32_t mode, FunctionRef<void(Sink)> write);
+  /// Keeps the folder when the object is destroyed.
   void keep() { isKept_ = true; }
 
  private:

@@ -16,14 +16,14 @@ constexpr std::size_t kFixedSize = 30;
 constexpr std::uint16_t kZIP64Field = 0x0001;
 constexpr std::uint32_t kInZIP64Field = 0xFFFFFFFF;
 constexpr std::uint16_t kDescriptorFlag = 0x0008;
-/// How hard the compressor tried, which no reader needs.
+/// The compression effort, which no reader needs.
 constexpr std::uint16_t kEffortFlags = 0x0006;
 
 [[noreturn]] void refuse(const ZIPEntry& entry) {
   throw ZIPError(ZIPError::Case::recordMismatch, entry.name);
 }
 
-/// The two sizes of a local record, whose 64-bit forms always come together.
+/// The sizes in a local record. Their 64-bit forms always occur together.
 struct Sizes {
   std::uint64_t compressed;
   std::uint64_t whole;
@@ -44,8 +44,8 @@ Sizes localSizes(std::string_view fixed, std::string_view extra) {
   return sizes;
 }
 
-/// The size of the data descriptor at `offset`: with or without a signature, with sizes of 4 or 8
-/// bytes, as writers differ. 0 for one that does not tell what the directory does.
+/// The size of the data descriptor at `offset`; 0 when it does not match the directory. Writers
+/// differ: it may have a signature, and its sizes take 4 or 8 bytes.
 std::uint64_t descriptorSize(const RandomAccessFile& archive, const ZIPEntry& entry,
                              std::uint64_t offset) {
   constexpr std::size_t kLargest = 24;
@@ -71,8 +71,8 @@ std::uint64_t descriptorSize(const RandomAccessFile& archive, const ZIPEntry& en
 
 }  // namespace
 
-std::uint64_t judgeZIPLocalRecord(const RandomAccessFile& archive, const ZIPEntry& entry,
-                                  std::string_view storedName) {
+std::uint64_t validateZIPLocalRecord(const RandomAccessFile& archive, const ZIPEntry& entry,
+                                     std::string_view storedName) {
   const std::string fixed = archive.read(entry.offset, kFixedSize);
   if (fixed.size() != kFixedSize || !fixed.starts_with(kSignature)) refuse(entry);
   const std::size_t nameSize = littleEndian<std::uint16_t>(fixed, 26);
@@ -96,7 +96,7 @@ std::uint64_t judgeZIPLocalRecord(const RandomAccessFile& archive, const ZIPEntr
       sizes.whole == entry.size) {
     return dataEnd;
   }
-  // A writer that cannot seek tells them behind the data, and zeros here.
+  // Writers that cannot seek put zeros here and the values after the data.
   const auto isOpen = [](std::uint64_t value, std::uint64_t known) {
     return value == 0 || value == kInZIP64Field || value == known;
   };

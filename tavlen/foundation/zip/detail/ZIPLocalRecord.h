@@ -8,10 +8,10 @@
 
 namespace tavlen {
 
-/// Compares the record before an entry's data, and a data descriptor behind it, with what the
-/// directory says of the entry (APPNOTE.TXT 4.3.7, 4.3.9). `storedName` is the name as the
-/// directory stores it. Gives where the entry ends in the file. Throws ZIPError (recordMismatch).
-std::uint64_t judgeZIPLocalRecord(const RandomAccessFile& archive, const ZIPEntry& entry,
-                                  std::string_view storedName);
+/// Compares an entry's local record, and the data descriptor after its data, with the directory
+/// (APPNOTE.TXT 4.3.7, 4.3.9). `storedName` is the name as stored in the directory. Returns the
+/// offset of the entry's end in the file. Throws ZIPError (recordMismatch, overlappingEntry).
+std::uint64_t validateZIPLocalRecord(const RandomAccessFile& archive, const ZIPEntry& entry,
+                                     std::string_view storedName);
 
 }  // namespace tavlen

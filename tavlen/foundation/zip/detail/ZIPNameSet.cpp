@@ -12,7 +12,7 @@ namespace tavlen {
 
 namespace {
 
-/// Normalization form C of a component; as it stands where ICU fails.
+/// Normalization form C of a component; the component itself when ICU fails.
 std::string normalized(std::string_view component) {
   if (isASCII(component)) return std::string(component);
   constexpr std::size_t kMostGrowth = 3;  // of form C, in UTF-16 units

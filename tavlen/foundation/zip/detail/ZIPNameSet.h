@@ -7,15 +7,15 @@
 
 namespace tavlen {
 
-/// The names of an archive's entries, judged against each other: whether they can all stand side by
-/// side in one tree. Names that only Unicode normalization makes equal are equal.
-/// Threads: one object one thread at a time.
+/// The names of an archive's entries, checked for conflicts: whether all of them can exist in one
+/// tree. Names that are equal after Unicode normalization are equal. Threads: one object one thread
+/// at a time.
 class ZIPNameSet {
  public:
-  /// Takes that many files and folders, those counted that only stand in other names.
+  /// Accepts at most `mostEntries` files and folders, including parent folders implied by a path.
   explicit ZIPNameSet(std::uint64_t mostEntries) : mostEntries_(mostEntries) {}
 
-  /// `name` has passed judgeZIPName(). Throws ZIPError: duplicateName, fileAsFolder,
+  /// Adds `name`, which has passed validateZIPName(). Throws ZIPError: duplicateName, fileAsFolder,
   /// tooManyEntries.
   void add(std::string_view name);
 
@@ -29,8 +29,8 @@ class ZIPNameSet {
   Node& nodeAt(std::uint32_t parent, std::string_view component, Kind kindIfNew);
 
   std::uint64_t mostEntries_;
-  /// By the number of the folder around and the normalized component: as a tree, names with many
-  /// components cost no more than the folders that they make.
+  /// Keyed by the parent folder's number and the normalized component. As this is a tree, long
+  /// names cost no more than the folders that they imply.
   std::unordered_map<std::string, Node> nodes_;
 };
 

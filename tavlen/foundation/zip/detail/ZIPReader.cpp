@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::size_t kBufferSize = std::size_t{256} << 10;
 
-/// The archive's bytes, from the descriptor that is open already.
+/// Gives libzip the bytes of the archive through the descriptor that is already open.
 class ArchiveSource {
  public:
   ArchiveSource(const RandomAccessFile& file, ZIPFailure& failure)
@@ -91,9 +91,9 @@ ZIPReader::ZIPReader(const RandomAccessFile& archive, const std::vector<ZIPEntry
 
 ZIPReader::~ZIPReader() { zip_discard(zip_); }
 
-/// What was judged must be what is unpacked. A name is taken from what was judged, and data with
-/// the size and the checksum of what was judged is that data, so that these alone need to be the
-/// same.
+/// Verifies that libzip sees the directory that was checked, so that nothing unchecked is
+/// extracted. Names come from the checked directory, and size and CRC identify the data, so
+/// comparing the fields below is enough.
 void ZIPReader::requireSameDirectory() const {
   bool isSame = zip_get_num_entries(zip_, 0) == static_cast<zip_int64_t>(entries_.size());
   for (std::size_t i = 0; isSame && i < entries_.size(); ++i) {
@@ -103,7 +103,7 @@ void ZIPReader::requireSameDirectory() const {
              status.comp_method == entries_[i].method;
   }
   if (!isSame) {
-    throw ZIPError(ZIPError::Case::damagedArchive, "its directory can be read in two ways");
+    throw ZIPError(ZIPError::Case::damagedArchive, "its directory is ambiguous");
   }
 }
 
@@ -117,7 +117,7 @@ void ZIPReader::read(std::size_t index, FunctionRef<void(std::string_view)> take
     if (count < 0) fail(entry, done, zip_error_code_zip(zip_file_get_error(file.get())));
     if (count == 0) break;
     const auto size = static_cast<std::size_t>(count);
-    // Here, not at the end: the limits were asked about the size that the records tell.
+    // Check here, not at the end: the limits were applied to the recorded size.
     if (size > entry.size - done) throw ZIPError(ZIPError::Case::sizeMismatch, entry.name);
     done += size;
     take({buffer_.data(), size});

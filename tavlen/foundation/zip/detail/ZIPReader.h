@@ -11,19 +11,19 @@
 
 namespace tavlen {
 
-/// The data of an archive's entries, inflated and checked.
-/// Threads: one object one thread at a time.
+/// Reads the data of an archive's entries, inflated and verified. Threads: one object one thread at
+/// a time.
 class ZIPReader {
  public:
-  /// `entries` are what readZIPDirectory() gave for `archive`. Both must live as long. Throws
-  /// ZIPError (damagedArchive) where libzip takes another directory for the archive's.
+  /// `entries` are the result of readZIPDirectory() for `archive`; both must outlive the object.
+  /// Throws ZIPError (damagedArchive) when libzip reads a different directory.
   ZIPReader(const RandomAccessFile& archive, const std::vector<ZIPEntry>& entries);
   ZIPReader(const ZIPReader&) = delete;
   ZIPReader& operator=(const ZIPReader&) = delete;
   ~ZIPReader();
 
-  /// Gives the entry's data to `take`, piece by piece: never more than its size. Throws ZIPError
-  /// (sizeMismatch, checksumMismatch, damagedData), std::system_error.
+  /// Passes the entry's data to `take`, in pieces, never more than its recorded size. Throws
+  /// ZIPError (sizeMismatch, checksumMismatch, damagedData, unsupportedEntry), std::system_error.
   void read(std::size_t index, FunctionRef<void(std::string_view)> take);
 
  private:

@@ -15,8 +15,8 @@
 
 namespace tavlen {
 
-/// The first exception of the code that libzip calls, which it must not see: it is thrown again
-/// when libzip has returned.
+/// Keeps the first exception of code called by libzip, because exceptions must not pass through a C
+/// library. It is rethrown when libzip has returned.
 class ZIPFailure {
  public:
   void set(std::exception_ptr failure) {
@@ -30,7 +30,7 @@ class ZIPFailure {
   std::exception_ptr failure_;
 };
 
-/// Answers ZIP_SOURCE_STAT with the size, and with the time of the last change where it is known.
+/// Answers ZIP_SOURCE_STAT with the size, and with the modification time if it is known.
 inline zip_int64_t answerZIPStat(void* data, std::uint64_t size,
                                  std::optional<std::time_t> modified = std::nullopt) {
   auto& status = *static_cast<zip_stat_t*>(data);
@@ -44,8 +44,8 @@ inline zip_int64_t answerZIPStat(void* data, std::uint64_t size,
   return sizeof status;
 }
 
-/// Answers libzip's commands to a source by `source.handle(command, data, length)`, which may
-/// throw into `source.failure()`.
+/// The callback of a libzip source: passes commands to `source.handle(command, data, length)`,
+/// whose exceptions end up in `source.failure()`.
 template <class Source>
 zip_int64_t answerZIPSource(void* state, void* data, zip_uint64_t length,
                             zip_source_cmd_t command) {
@@ -67,7 +67,7 @@ zip_int64_t answerZIPSource(void* state, void* data, zip_uint64_t length,
   }
 }
 
-/// Hands `source` to libzip, which deletes it.
+/// Transfers the ownership of `source` to libzip.
 template <class Source>
 zip_source_t* makeZIPSource(std::unique_ptr<Source> source) {
   zip_source_t* made = zip_source_function_create(answerZIPSource<Source>, source.get(), nullptr);

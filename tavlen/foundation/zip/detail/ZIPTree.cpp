@@ -23,14 +23,14 @@ class TreeReader {
  public:
   explicit TreeReader(const ZIPArchive::Limits& limits) : names_(limits.entries), budget_(limits) {}
 
-  /// The depth is that of the longest name that judgeZIPName() lets pass.
+  /// Recursive: validateZIPName() limits the length of a name and thereby the depth.
   void add(const fs::path& path, std::string name) {
     struct stat status {};
     if (::lstat(path.c_str(), &status) != 0) throwSystemError(path);
-    judgeKind(status.st_mode, name);
+    validateKind(status.st_mode, name);
     const bool isFolder = S_ISDIR(status.st_mode);
     if (isFolder) name += '/';
-    judgeZIPName(name);
+    validateZIPName(name);
     names_.add(name);
     const std::uint64_t size = isFolder ? 0 : static_cast<std::uint64_t>(status.st_size);
     budget_.add(name, size);
@@ -42,7 +42,7 @@ class TreeReader {
   std::vector<ZIPItem> takeItems() { return std::move(items_); }
 
  private:
-  static void judgeKind(mode_t mode, const std::string& name) {
+  static void validateKind(mode_t mode, const std::string& name) {
     if (S_ISREG(mode) || S_ISDIR(mode)) return;
     throw ZIPError(S_ISLNK(mode) ? ZIPError::Case::symbolicLink : ZIPError::Case::specialFile,
                    wellFormedUTF8(name));

@@ -10,9 +10,9 @@
 
 namespace tavlen {
 
-/// A file or folder that becomes an entry.
+/// A file or folder to be archived.
 struct ZIPItem {
-  std::string name;  ///< a folder's with "/" at its end
+  std::string name;  ///< a folder's ends with "/"
   std::filesystem::path path;
   std::uint32_t mode;
   std::uint64_t size;  ///< 0 for a folder
@@ -21,9 +21,9 @@ struct ZIPItem {
   bool isFolder() const { return name.ends_with('/'); }
 };
 
-/// `item` under its own name and all in it, a folder before its contents, those by name; files with
-/// temporary names are left out. Throws ZIPError for what readZIPDirectory() would refuse, and
-/// std::system_error with the path.
+/// Lists `item`, under its own name, and its contents: a folder before its contents, these sorted
+/// by name. Files with temporary names are left out. Throws ZIPError for everything that
+/// readZIPDirectory() would refuse, and std::system_error with the path.
 std::vector<ZIPItem> readZIPTree(const std::filesystem::path& item,
                                  const ZIPArchive::Limits& limits);
 

@@ -14,8 +14,8 @@ namespace tavlen {
 
 namespace {
 
-/// A file that becomes an entry. It is opened when libzip comes to it, so that there is no limit to
-/// the number of entries.
+/// A file to be archived. libzip opens it when it gets to it, so the number of entries is not
+/// limited by descriptors.
 class ItemSource {
  public:
   ItemSource(const ZIPItem& item, ByteProgress& progress, ZIPFailure& failure)
@@ -64,7 +64,10 @@ class ItemSource {
   std::uint64_t rest_ = 0;
 };
 
-/// The archive as it grows. What libzip writes in small pieces goes out in large ones.
+/// The archive being written. Buffers libzip's small writes.
+///
+/// libzip sends the commands of zip_source_function(3): BEGIN_WRITE, then WRITE, SEEK_WRITE and
+/// TELL_WRITE, then COMMIT_WRITE, or ROLLBACK_WRITE after an error.
 class OutputSource {
  public:
   OutputSource(const FileDescriptor& output, const std::filesystem::path& path, ZIPFailure& failure)
@@ -95,7 +98,7 @@ class OutputSource {
       case ZIP_SOURCE_BEGIN_WRITE:
       case ZIP_SOURCE_ROLLBACK_WRITE:
       case ZIP_SOURCE_REMOVE:
-        return 0;  // the file is empty before and its owner's afterwards
+        return 0;  // nothing to do: the file starts empty, and its owner removes it after an error
       default:
         return -1;
     }
@@ -132,7 +135,7 @@ class OutputSource {
   const std::filesystem::path& path_;
   ZIPFailure& failure_;
   std::string buffer_;
-  std::uint64_t start_ = 0;  ///< where the buffer belongs in the file
+  std::uint64_t start_ = 0;  ///< the buffer's offset in the file
   std::uint64_t size_ = 0;
 };
 
@@ -167,7 +170,7 @@ class Writer {
             zip_set_file_compression(zip_, index, ZIP_CM_DEFLATE, kFastest) == 0);
   }
 
-  /// The sources read and write here.
+  /// libzip reads the files and writes the archive within this call.
   void finish() {
     require(zip_close(zip_) == 0);
     zip_ = nullptr;

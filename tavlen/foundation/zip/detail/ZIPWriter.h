@@ -9,9 +9,9 @@
 
 namespace tavlen {
 
-/// Writes an archive of `items` to `output`, an empty file that is open for writing; errors name it
-/// `path`. Files are deflated at the fastest level, and taken as long as `items`
-/// says where they have grown since. Throws std::system_error.
+/// Writes an archive of `items` to `output`, an empty file open for writing; errors name it `path`.
+/// Files are deflated at the fastest level. A file that has grown since is archived with the size
+/// in `items`. Throws std::system_error.
 void writeZIP(const FileDescriptor& output, const std::filesystem::path& path,
               const std::vector<ZIPItem>& items, ByteProgress& progress);
 

@@ -28,8 +28,8 @@ std::optional<Identity> identityOf(int folder, const std::string& path, int flag
   return Identity{status.st_dev, status.st_ino};
 }
 
-/// What `path`, below an open folder, leads to, and the folders around it, up to the system's root
-/// or as far as they can be told.
+/// The identity of `path`, relative to an open folder, followed by those of its parent folders up
+/// to the system's root, as far as they can be determined.
 std::vector<Identity> outwards(int folder, std::string path) {
   std::vector<Identity> identities;
   for (;; path += "/..") {
@@ -44,8 +44,8 @@ bool holds(const std::vector<Identity>& identities, const Identity& identity) {
   return std::find(identities.begin(), identities.end(), identity) != identities.end();
 }
 
-/// Whether the entry `item` is the folder `named` or one around it, or the link by that name. What
-/// does not exist is taken to be in the innermost folder that does.
+/// Whether the entry `item` is the folder `named`, one of its parents, or a link of that name. A
+/// folder that does not exist counts as its innermost existing parent.
 bool isAround(const Identity& item, fs::path named) {
   if (identityOf(AT_FDCWD, named, AT_SYMLINK_NOFOLLOW) == item) return true;
   std::vector<Identity> identities = outwards(AT_FDCWD, named);
@@ -60,14 +60,15 @@ FileDescriptor openFolder(int parent, const fs::path& name) {
   return FileDescriptor::tryOpenAt(parent, name.c_str(), kOpenFolder);
 }
 
-/// What of the library's own, and of the app's, lies on the disk.
+/// The folders of the library and of the app, which must never be deleted.
 std::vector<fs::path> untouchableFolders(const DeviceRoot& root, const fs::path& appDir) {
   const fs::path product = fs::path(kFileOperationsPath).parent_path().parent_path();
   return {root.resolve(kApplicationSupportDir), root.resolve(kTweakLibrariesDir),
           root.resolve(product.native()), MainBundle::url(), appDir};
 }
 
-/// What many share: folders in them are anybody's, they themselves nobody's.
+/// Shared folders: the agent may create its folder in them, but they must not be deleted
+/// themselves.
 std::vector<fs::path> sharedFolders(const DeviceRoot& root) {
   std::vector<fs::path> folders = {root.url()};
   for (const std::string_view path :
@@ -78,7 +79,7 @@ std::vector<fs::path> sharedFolders(const DeviceRoot& root) {
   std::error_code error;
   folders.push_back(fs::temp_directory_path(error));
   folders.push_back(fs::current_path(error));
-  // Read only: nobody changes the environment while threads run.
+  // Reading is safe: no code changes the environment while threads run.
   if (const char* const home = std::getenv("HOME")) {  // NOLINT(concurrency-mt-unsafe)
     folders.emplace_back(home);
   }
@@ -107,7 +108,7 @@ DumpFolder::DumpFolder(const std::string& archive) : path_(archive) {
   if (folder_.get() < 0) throwSystemError(path_);
 }
 
-/// `target` is where a link in the folder's place leads.
+/// Opens the parent and the folder. `target` is the destination of a link in the folder's place.
 void DumpFolder::openIn(const fs::path& parent, const fs::path& target) {
   path_ = parent / name_;
   parent_ = openFolder(AT_FDCWD, parent);
@@ -119,7 +120,7 @@ void DumpFolder::openIn(const fs::path& parent, const fs::path& target) {
   folder_ =
       isLink_ ? openFolder(AT_FDCWD, fs::canonical(target)) : openFolder(parent_.get(), name_);
   if (isLink_ || folder_.get() < 0) return;
-  // What has been opened counts.
+  // From now on, the opened folder counts, not the name.
   if (const auto opened = identityOf(folder_.get(), ".", 0)) entry_ = *opened;
 }
 
@@ -145,7 +146,7 @@ std::string DumpFolder::readArchive(std::size_t most) const {
 void DumpFolder::remove(const fs::path& appDir) const {
   if (parent_.get() < 0) refuse();
   check(appDir);
-  // What another has put in its place is not what was read.
+  // Another file in its place is not the archive that was read.
   if (!isStillThere()) return;
   if (isLink_) return removeEntry(0);
   removeContents(folder_, path_);
@@ -157,7 +158,7 @@ void DumpFolder::check(const fs::path& appDir) const {
   std::vector<Identity> around = outwards(isLink_ ? parent_.get() : folder_.get(), ".");
   if (isLink_) around.insert(around.begin(), entry_);
   const std::optional<Identity> top = identityOf(AT_FDCWD, root.url(), 0);
-  // The root neither is the folder nor holds it directly.
+  // The device's root must be above the folder's parent.
   if (!top || around.size() < 3 ||
       std::find(around.begin() + 2, around.end(), *top) == around.end()) {
     refuse();
@@ -171,7 +172,8 @@ void DumpFolder::check(const fs::path& appDir) const {
   }
 }
 
-/// Whether the name in the parent is still that of what was opened. False where nothing has it.
+/// Whether the name in the parent still refers to the opened entry. False when the name is free;
+/// throws EPERM when it refers to something else.
 bool DumpFolder::isStillThere() const {
   const std::optional<Identity> now = identityOf(parent_.get(), name_, AT_SYMLINK_NOFOLLOW);
   if (!now && errno != ENOENT) throwSystemError(path_);

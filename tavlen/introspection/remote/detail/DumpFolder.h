@@ -10,14 +10,15 @@
 
 namespace tavlen {
 
-/// The folder that the dump agent makes for its archive, and the archive in it. The agent is in an
-/// app of somebody else's, and goes on running: what it names is opened once, what is open is
-/// checked, and nothing but that is read and deleted, whatever is renamed meanwhile.
+/// The folder that the dump agent creates for its archive, and the archive in it.
+///
+/// The agent runs in an untrusted app. To avoid TOCTOU races, its path is opened once, the
+/// descriptor verified, and only that used for reading and deleting.
 ///
 /// Errors are std::system_error with the path in the text. Threads: one object, one thread.
 class DumpFolder {
  public:
-  /// A file or folder itself, whatever its names.
+  /// The identity of a file or folder, independent of its names.
   struct Identity {
     dev_t device = 0;
     ino_t number = 0;
@@ -25,20 +26,21 @@ class DumpFolder {
     bool operator==(const Identity&) const = default;
   };
 
-  /// Opens the folder that holds `archive`, a path as the device names it; slashes and "/." at its
-  /// end count for nothing.
+  /// Opens the folder that contains `archive`, a path on the device. Slashes and "/." at its end
+  /// are ignored.
   explicit DumpFolder(const std::string& archive);
 
-  /// The archive's bytes. What is no regular file (EINVAL), a symbolic link (ELOOP) and what has
-  /// more than `most` bytes (EFBIG) is refused.
+  /// The bytes of the archive. Refuses anything that is not a regular file (EINVAL), symbolic links
+  /// (ELOOP) and files of more than `most` bytes (EFBIG).
   std::string readArchive(std::size_t most) const;
 
-  /// Deletes the folder with all in it; of a symbolic link in its place only that.
+  /// Deletes the folder with its contents; if a symbolic link is in its place, only the link.
   ///
-  /// Refused (EPERM) where no agent makes a folder of its own: for a relative path, one with "..",
-  /// the device's root, the folders directly in it and those outside; for folders that hold, or lie
-  /// in, the library's own or `appDir`, the app's bundle; for those that hold the user's home, the
-  /// places for temporary files or the working folder; and where another has got the name.
+  /// Refuses (EPERM) folders that an agent has no reason to create: a relative path or one with
+  /// ".."; the device's root, folders directly in it and folders outside of it; folders that
+  /// contain, or lie in, those of the library or `appDir`, the app's bundle; folders that contain
+  /// the user's home, the places for temporary files or the working folder; and a folder whose name
+  /// now refers to something else.
   void remove(const std::filesystem::path& appDir) const;
 
  private:
@@ -48,12 +50,12 @@ class DumpFolder {
   bool isStillThere() const;
   [[noreturn]] void refuse() const;
 
-  std::filesystem::path path_;  ///< as this machine names the folder, for errors
-  std::string name_;            ///< the folder's, in its parent
-  std::string archive_;         ///< in the folder
+  std::filesystem::path path_;  ///< host path of the folder, for errors
+  std::string name_;            ///< the folder's name in its parent
+  std::string archive_;         ///< the archive's name in the folder
   bool isLink_ = false;
-  Identity entry_;         ///< of the folder, or of the link in its place
-  FileDescriptor parent_;  ///< none where the path is refused whatever lies there
+  Identity entry_;         ///< the folder, or the link in its place
+  FileDescriptor parent_;  ///< empty if the path is refused in any case
   FileDescriptor folder_;
 };
 

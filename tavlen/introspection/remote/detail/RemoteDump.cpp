@@ -23,7 +23,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// A hundred times what large apps need.
+/// A hundred times the size that large apps need.
 constexpr std::size_t kLargestArchive = std::size_t{256} << 20;
 constexpr std::int64_t kUnitsOfDump = 100;
 
@@ -35,7 +35,7 @@ constexpr std::int64_t kUnitsOfDump = 100;
 std::int64_t unitsDone(double fraction) {
   constexpr double kLimit = 0x1p63;
   const double units = std::trunc(fraction * static_cast<double>(kUnitsOfDump));
-  // NaN is on no side of a limit.
+  // Written so that NaN fails the comparison.
   if (!(units >= -kLimit && units < kLimit)) {
     fatalError("the dump agent's progress does not fit into 64 bits");
   }

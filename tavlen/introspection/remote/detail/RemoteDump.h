@@ -11,13 +11,13 @@
 
 namespace tavlen {
 
-/// A request for a dump, as invokeTessaloop() makes it.
+/// Makes a request for a dump; has the signature of invokeTessaloop().
 using DumpRequest = FunctionRef<std::optional<std::string>(
     const std::string& bundleID, const std::string& imagePath, bool isMainExecutable,
     const std::function<void(double fraction)>& progress)>;
 
-/// What RemoteClassParser does, by way of `request`: asks for the dump, reads the archive, deletes
-/// its folder. `parent` may be null.
+/// Implements RemoteClassParser with `request`: asks for the dump, reads the archive, deletes its
+/// folder. `parent` may be null.
 ClassParser::Classes dumpRemotely(const Executable& executable,
                                   const std::shared_ptr<Progress>& parent, DumpRequest request);
 

@@ -16,8 +16,8 @@
 
 namespace tavlen {
 
-/// What becomes of one request. The system's completion block keeps it, too, so that a block that
-/// is called late, twice or never concerns no other request.
+/// The state of one request. Shared with the system's completion block, so that a block that is
+/// called late, twice or never does not affect other requests.
 class TessaloopClient::Request {
  public:
   bool isCancelled() {
@@ -31,20 +31,20 @@ class TessaloopClient::Request {
     path_.reset();
     changed_.notify_all();
   }
-  /// Nothing more is to be waited for.
+  /// Ends wait() with the path received so far.
   void end() {
     const std::lock_guard lock(lock_);
     isEnded_ = true;
     changed_.notify_all();
   }
-  /// What a request that is cancelled receives comes too late.
+  /// Ignored for a cancelled request: the path came too late.
   void setPath(std::optional<std::string> path) {
     const std::lock_guard lock(lock_);
     if (!isCancelled_) path_ = std::move(path);
   }
 
   void pause(std::chrono::microseconds duration) {
-    // The clock's range ends before the durations that can be asked for.
+    // The clock overflows for durations that a caller may pass.
     constexpr std::chrono::microseconds kLongest = std::chrono::hours(24);
     std::unique_lock lock(lock_);
     changed_.wait_for(lock, std::min(duration, kLongest), [this] { return isCancelled_; });
@@ -63,7 +63,7 @@ class TessaloopClient::Request {
   std::optional<std::string> path_;
 };
 
-/// A request from its call to its return, in which it can be cancelled.
+/// RAII: registers a request for the duration of its call, so that it can be cancelled.
 class TessaloopClient::Registration {
  public:
   explicit Registration(TessaloopClient& client)
@@ -84,8 +84,8 @@ class TessaloopClient::Registration {
   std::shared_ptr<Request> request_;
 };
 
-/// The socket of a request and the loop that receives from it. At its end the port is free, and
-/// nothing of the request runs on the socket's queue.
+/// RAII: the socket of a request and its receiving loop. After destruction the port is free, and no
+/// work of the request is left on the socket's queue.
 class TessaloopClient::Listening {
  public:
   explicit Listening(TessaloopClient& client) : client_(client) {}
@@ -121,7 +121,7 @@ class TessaloopClient::Listening {
   }
 
  private:
-  /// Not for a request that is cancelled: nobody would close the socket until it ends.
+  /// Skipped for a cancelled request: its cancel has passed and would not close this socket.
   void bind(Request& request) {
     const std::lock_guard lock(client_.socketLock_);
     if (request.isCancelled()) return;
@@ -144,7 +144,7 @@ std::optional<std::string> TessaloopClient::invoke(const std::string& bundleID,
                                                    const std::string& imagePath,
                                                    bool isMainExecutable,
                                                    const ProgressHandler& progress) {
-  if (socketQueue_.isCurrent()) fatalError("a progress handler asks for another dump");
+  if (socketQueue_.isCurrent()) fatalError("a progress handler requests another dump");
   const Registration registration(*this);
   const std::string image =
       isMainExecutable ? std::string(TessaloopDatagram::kMainImage) : imagePath;
@@ -169,7 +169,7 @@ void TessaloopClient::endRequests(const std::shared_ptr<Request>& next) {
     if (next != nullptr) requests_.push_back(next);
     receiver = receiver_;
   }
-  // Without the lock: this waits for a progress handler, which may cancel, too.
+  // Without the lock: close() waits for a progress handler, which may call cancel().
   if (receiver != nullptr) receiver->close();
 }
 

@@ -16,47 +16,65 @@ namespace tavlen {
 
 class DatagramReceiver;
 
-/// Relaunches apps with the dump agent in them and hears what the agent says. Requests run one
-/// after the other; a new one ends those before it. Senders are not examined: the agent of a
-/// request that was cancelled may still answer a later one.
+/// Relaunches apps with the dump agent in them and receives the agent's reports. Requests run one
+/// after the other; a new one cancels those before it. Senders are not checked: the agent of a
+/// cancelled request may still answer a later one.
 ///
-/// Threads: any. The process has one, behind invokeTessaloop().
+///     caller          invocation queue           socket queue         system and agent
+///     invoke() -----> run()
+///                       Listening::start() ----> receive()
+///                       ends the app ------------------------------> the app ends
+///                       pause
+///                       launch() ----------------------------------> the agent starts in the app
+///                       wait()                     progress() <----- reports
+///                         :                        setPath() <------ the final report
+///                         : <--------------------  end()
+///                       ~Listening() closes the socket
+///     the path <-----
+///
+/// cancel(), and a new invoke(), mark the request as cancelled, which ends pause and wait(), and
+/// close the socket, which ends receive(). An error of the launch ends wait() as well.
+///
+/// Threads: any. The process has one client, used by invokeTessaloop().
 class TessaloopClient {
  public:
-  /// Called on a thread of the client's, never after the request has returned, with whatever double
-  /// the agent sends. Must not throw, and must not start a request; it may cancel.
+  /// Called on a thread of the client, never after the request has returned, with any double that
+  /// the agent sends. Must not throw and must not start a request; it may cancel.
   using ProgressHandler = std::function<void(double fraction)>;
 
+  /// Constants of the protocol, variable for tests.
   struct Parameters {
-    /// That the agent sends to; 0 takes a free one for each request.
+    /// The port to which the agent sends; 0 selects a free one for each request.
     std::uint16_t port = TessaloopDatagram::kPort;
-    /// For the system to notice that the app has ended, before it is opened again.
+    /// The time that the system needs to notice the end of the app before it is opened again.
     std::chrono::microseconds pause{500'000};
   };
 
+  /// A client with the default parameters.
   TessaloopClient() : TessaloopClient(Parameters()) {}
+  /// A client with its two threads. Throws std::system_error when they cannot be started.
   explicit TessaloopClient(const Parameters& parameters);
   TessaloopClient(const TessaloopClient&) = delete;
   TessaloopClient& operator=(const TessaloopClient&) = delete;
-  /// No call may be under way.
+  /// No call may be in progress.
   ~TessaloopClient();
 
-  /// Ends the app `bundleID`, opens it again with the agent, which is to dump its program or the
-  /// image that the device names `imagePath`, and waits. The path of the archive, as the device
-  /// names it, or nothing on any failure.
+  /// Ends the app `bundleID`, opens it again with the agent, which dumps the main program or the
+  /// image `imagePath` (a path on the device), and waits. Returns the path of the archive on the
+  /// device, or nothing on any failure.
   ///
-  /// Blocks, without limit where the agent never ends, until cancel() or another request. A port
-  /// that is taken does not keep the app from being opened again. What goes wrong with the launch
-  /// and with the port is logged.
+  /// Blocks, without a time limit if the agent never ends, until cancel() or another request. The
+  /// app is opened again even if the port is taken. Failures of the launch and of the port are
+  /// logged.
   std::optional<std::string> invoke(const std::string& bundleID, const std::string& imagePath,
                                     bool isMainExecutable, const ProgressHandler& progress);
 
-  /// Ends the requests that wait or run, at whatever step: they return nothing, and what has not
-  /// begun, the app's end or its launch, is left out; what has begun is finished first. Waits for a
-  /// progress handler that runs, unless it is the one that calls; then the port is free.
+  /// Cancels all waiting and running requests at any step: they return nothing. Steps that have not
+  /// begun (ending the app, opening it) are skipped; one in progress is finished first. Waits for a
+  /// running progress handler, unless that makes this call; then the port is free.
   void cancel();
 
-  /// The port that is listened to, or nothing.
+  /// The port that is listened on; nothing outside of a request.
   std::optional<std::uint16_t> port();
 
  private:
@@ -69,13 +87,13 @@ class TessaloopClient {
                                  const ProgressHandler& progress);
   static void launch(const std::shared_ptr<Request>& request, const std::string& bundleID,
                      const std::string& image);
-  /// Ends those that are registered now, and registers `next` where there is one.
+  /// Cancels the registered requests, and registers `next` if it is not null.
   void endRequests(const std::shared_ptr<Request>& next);
 
   Parameters parameters_;
   std::mutex socketLock_;
-  std::vector<std::shared_ptr<Request>> requests_;  ///< that have not returned; by the lock
-  std::shared_ptr<DatagramReceiver> receiver_;      ///< of the one that runs; by the lock
+  std::vector<std::shared_ptr<Request>> requests_;  ///< not yet returned; guarded by socketLock_
+  std::shared_ptr<DatagramReceiver> receiver_;  ///< of the running request; guarded by socketLock_
   SerialQueue socketQueue_;
   SerialQueue invocationQueue_;
 };

@@ -12,7 +12,7 @@ namespace tavlen {
 
 namespace {
 
-/// Holds the lock, and the flag up. The flag is false afterwards, whatever it was before.
+/// RAII: holds the lock and sets the flag. Afterwards the flag is false, whatever it was before.
 class IgnoringNames {
  public:
   IgnoringNames() : lock_(JXTypeIDIgnoreNameLock) { JXTypeIDIgnoreName = true; }
@@ -24,13 +24,13 @@ class IgnoringNames {
   std::lock_guard<JXTypeLock> lock_;
 };
 
-/// Whether a type that begins with `character` may hold others, so that it is worth remembering.
+/// Whether a type that begins with `character` may be a container, which is worth caching.
 bool mayHoldOthers(char character) {
   return JXTypeParse::holdsOthers(character) ||
          JXTypeQualifierForEncoding(character) != JXTypeQualifiers::none;
 }
 
-/// Takes what `list` holds from `begin` on.
+/// Moves the items from `begin` on out of `list`.
 template <class Item>
 std::unique_ptr<const std::vector<Item>> taken(std::vector<Item>& list, std::size_t begin) {
   const auto first = list.begin() + static_cast<std::ptrdiff_t>(begin);
@@ -70,7 +70,7 @@ void JXTypeMembers::readNamed(char end) {
   }
 }
 
-/// The last member may have taken the name of the one behind it for that of its own class.
+/// Parses the last member again, without a class name: the quoted text was the next member's name.
 void JXTypeMembers::readAgain() {
   JXTypeParse& parse = cursor_.parse();
   parse.furthestTaken = std::max(parse.furthestTaken, cursor_.position());
@@ -82,7 +82,7 @@ void JXTypeMembers::readAgain() {
   parse.members.push_back(std::move(member));
 }
 
-/// A name in quotes; what stands in place of the first is passed, whatever it is.
+/// Parses a quoted name. The first character is skipped, whatever it is.
 std::string_view JXTypeMembers::readName() {
   const std::size_t opening = cursor_.position();
   cursor_.advance();
@@ -103,7 +103,7 @@ std::shared_ptr<JXType> JXTypeMembers::readMember() {
   const std::uint64_t key = parse.key(cursor_.position(), JXTypeIDIgnoreName);
   if (const auto found = parse.readings.find(key); found != parse.readings.end()) {
     cursor_.moveTo(found->second.end);
-    // Reading it another time would correct a member within it another time.
+    // Do as a new parse would, which corrects a member within this one and thereby clears the flag.
     if (found->second.hasCorrected) {
       JXTypeIDIgnoreName = false;
       ++parse.corrections;

@@ -172,7 +172,7 @@ TEST_F(LentRightsTest, NeedsNothingOfItsCallersState) {
     for (const int resource : {RLIMIT_NOFILE, RLIMIT_FSIZE, RLIMIT_CPU}) {
       rlimit limit{};
       ::getrlimit(resource, &limit);
-      limit.rlim_cur = 5;
+      limit.rlim_cur = 18;
       ::setrlimit(resource, &limit);
     }
     ::umask(0777);

@@ -14,7 +14,7 @@ namespace {
 
 constexpr int kFailure = 1;
 
-/// In the order in which help lists them.
+/// Adds the subcommands in the order in which help lists them.
 void addCommands(tavlen::cli::Command command) {
   tavlen::cli::addSourceCommand(command);
   tavlen::cli::addBuildCommand(command);
@@ -53,7 +53,7 @@ int run(int argc, char** argv) {
   std::string root;
   tavlen::cli::addRootOption(command, root);
   bool isVerbose = false;
-  command.flag("--verbose", isVerbose, "Show what the library logs");
+  command.flag("--verbose", isVerbose, "Show the library's log messages");
   addCommands(command);
   if (const std::optional<int> status = commandLine.parse(argc, argv)) return *status;
   tavlen::MainBundle::setURL(tavlen::cli::resourceFolder());

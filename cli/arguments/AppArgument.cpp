@@ -14,7 +14,8 @@ namespace tavlen::cli {
 
 namespace {
 
-/// A path of the device, as `apps` and the system's own logs print it, names the app in the root.
+/// The app's folder on this machine. `apps` and the system's logs print device paths; those are
+/// resolved in the device tree.
 std::filesystem::path appFolder(const std::string& text) {
   std::error_code ignored;
   if (text.starts_with('/') && !std::filesystem::exists(text, ignored)) {

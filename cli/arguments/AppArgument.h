@@ -10,27 +10,29 @@
 
 namespace tavlen::cli {
 
-/// What commands say of their argument APP.
+/// The help text of the argument APP.
 inline constexpr const char* kAppHelp =
     "The app: its bundle identifier, or the path of its bundle folder";
 
-/// Whether a user names an app by a path: `text` holds a slash or is the name of a bundle here.
+/// Whether `text` is a path rather than a bundle identifier: it contains a slash, or names a bundle
+/// in the current folder.
 bool isPath(const std::string& text);
 
-/// The app that a user names, by a path or by its bundle identifier. Errors name the path.
+/// The app at a path or with a bundle identifier. Throws IPA::Error and, with the path in the
+/// message, std::runtime_error.
 std::shared_ptr<IPA> appArgument(const std::string& text);
 
-/// The bundle identifier that a user gives, or that of the app at a path. An identifier is taken as
-/// it stands: what it names need not be in any list. Errors name the path.
+/// The bundle identifier of the app at a path, or `text` itself if it is an identifier; no app with
+/// that identifier need exist. Throws as appArgument() does for a path.
 std::string bundleIDOf(const std::string& text);
 
-/// Whether the shared app list holds an app of that identifier.
+/// Whether the shared app list contains an app with that identifier.
 bool isInstalledApp(const std::string& bundleID);
 
-/// What an app's Info.plist lacks, with the file's path.
+/// `error` as an error that begins with the path of the app's Info.plist.
 std::runtime_error withInfoPath(const IPA& ipa, const DecodingError& error);
 
-/// Runs `body`, which reads the app's Info; its decoding error then names the file.
+/// Returns `body()`, which reads the app's Info.plist. A DecodingError becomes withInfoPath().
 template <class Body>
 decltype(auto) namingInfo(const IPA& ipa, Body&& body) {
   try {
@@ -40,7 +42,8 @@ decltype(auto) namingInfo(const IPA& ipa, Body&& body) {
   }
 }
 
-/// The app's Info. A decoding error names the file.
+/// The app's Info.plist, decoded. Throws InfoManager's errors; a DecodingError becomes
+/// withInfoPath().
 Info readInfo(const IPA& ipa);
 
 }  // namespace tavlen::cli

@@ -8,14 +8,14 @@
 
 namespace tavlen::cli {
 
-/// What commands say of an argument that names a stored collection.
+/// The help text of an argument for a stored collection.
 inline constexpr const char* kCollectionHelp =
     "The collection: its identifier, its name, or its path";
 
-/// As openedItem(), for a collection. Throws for a tweak, too.
+/// As openedItem(), but also throws std::runtime_error for a tweak.
 TweakCollection::Opened openedCollection(const std::string& text);
 
-/// The identifiers in the collection that name no tweak that can be opened.
+/// The identifiers of members that cannot be opened as tweaks.
 std::vector<std::string> missingMembers(const TweakCollection::Manifest& manifest);
 
 }  // namespace tavlen::cli

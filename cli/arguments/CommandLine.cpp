@@ -15,10 +15,11 @@ namespace {
 
 constexpr int kUsage = 2;
 
-/// Prints an error, or the help that was asked for.
+/// Prints an error, or help if the user asked for it. Returns the exit status.
 int report(const CLI::App& app, const CLI::ParseError& error) {
   const std::vector<std::string> unknown = app.remaining(true);
-  // The parser looks for what is missing first, but an unknown word is why it is missing.
+  // The parser reports a missing argument first; but if a word is unknown, that is the likely
+  // cause.
   const bool isMistyped = dynamic_cast<const CLI::RequiredError*>(&error) && !unknown.empty();
   const int status = isMistyped ? app.exit(CLI::ExtrasError(unknown)) : app.exit(error);
   if (!std::cout.flush()) {
@@ -136,9 +137,9 @@ Option Command::number(const char* name, std::optional<std::uint32_t>& value,
 
 Option Command::texts(const char* name, std::vector<std::string>& values, const std::string& help) {
   constexpr int kEndless = CLI::detail::expected_max_vector_size;
-  // The parser takes "[4i]" for a list with one item where an option may have more values than it
-  // expects. So it expects more than there can be; taking all that there are, it does not miss the
-  // others.
+  // If an option may have more values than it expects, the parser reads "[4i]" as a list of one
+  // item. So the option expects more values than possible. With TakeAll, fewer values are not an
+  // error.
   return Option(*app_->add_option(name, values, help)
                      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
                      ->expected(kEndless - 1, kEndless)

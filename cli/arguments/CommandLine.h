@@ -14,89 +14,93 @@ class Option;
 
 namespace tavlen::cli {
 
-/// What a subcommand does, and the process's exit status. An exception is reported by main.
+/// The work of a subcommand. Returns the process's exit status; main() reports exceptions.
 using Action = std::function<int()>;
 
-/// An option, a flag or a positional argument of a Command: a handle, which is copied freely and
-/// valid for as long as the CommandLine. The functions that change it return it, to be chained.
-/// What they make of the arguments is judged by CommandLine::parse().
+/// An option, a flag or a positional argument of a Command: a copyable handle, valid as long as the
+/// CommandLine. The setters return the handle for chaining. CommandLine::parse() applies them and
+/// reports violations as wrong usage.
 class Option {
  public:
+  /// Wraps an option of the parser's.
   explicit Option(CLI::Option& option) : option_(&option) {}
 
-  /// Leaving it out is wrong usage.
+  /// Makes the option mandatory.
   Option required();
-  /// What help shows in place of the value.
+  /// Sets the placeholder for the value in help.
   Option typeName(const char* name);
-  /// Help shows the value that the variable holds now.
+  /// Shows the variable's current value in help as the default.
   Option showsDefault();
-  /// Where the option is not given, the environment variable `name` stands in for it.
+  /// Takes the value from the environment variable `name` if the option is not given.
   Option environmentVariable(const char* name);
 
-  /// Refuses an empty text, which an unset variable of a shell leaves there: as a path it would
+  /// Refuses an empty text. It usually comes from an unset shell variable, and as a path it would
   /// mean the current folder.
   Option notEmpty();
-  /// Refuses what is not UTF-8, which no document can hold.
+  /// Refuses text that is not UTF-8, because documents cannot contain it.
   Option utf8();
-  /// Refuses a text for which `problem` returns one; an empty one accepts it.
+  /// Refuses a text for which `problem` returns a message. An empty message accepts the text.
   Option check(std::function<std::string(const std::string& text)> problem);
   /// Lets `change` edit the text before it is checked.
   Option transform(std::function<void(std::string& text)> change);
-  /// Refuses any other text; help lists these.
+  /// Accepts only `texts`, which help lists.
   Option oneOf(std::vector<std::string> texts);
-  /// As oneOf(), but stores the spelling of `texts` for any case of letters.
+  /// As oneOf(), but ignores case and stores the spelling in `texts`.
   Option oneOfIgnoringCase(std::vector<std::string> texts);
 
-  /// Refuses both at once.
+  /// Refuses the option together with `other`.
   Option excludes(Option other);
-  /// Refuses it without `other`.
+  /// Refuses the option without `other`.
   Option needs(Option other);
 
-  /// After parsing: whether the user gave it.
+  /// Whether the user gave the option. Call it after parsing.
   bool isGiven() const;
-  /// For an argument that is required in some cases only. Throws an error of wrong usage where it
-  /// was not given.
+  /// For an argument that is required only in some cases: throws the parser's error for a missing
+  /// argument unless it was given.
   void requireGiven() const;
 
  private:
   CLI::Option* option_;
 };
 
-/// A subcommand, a group of options, or the whole command: a handle as Option is. A name that
-/// begins with a dash makes an option, "-f,--force", any other a positional argument. Parsing
-/// stores values in the variables, which must live until the CommandLine has run.
+/// A subcommand, a group of options, or the whole command: a handle like Option. A name that begins
+/// with a dash, such as "-f,--force", adds an option; any other name adds a positional argument.
+/// Parsing stores values in the variables, which must live until the CommandLine has run.
 class Command {
  public:
+  /// Wraps a command of the parser's; the chosen action is stored in `chosen`.
   Command(CLI::App& app, Action& chosen) : app_(&app), chosen_(&chosen) {}
 
-  /// Adds a subcommand; help shows `description` for it.
+  /// Adds a subcommand with a description for help.
   Command addCommand(const std::string& name, const std::string& description);
-  /// One subcommand must follow.
+  /// Requires exactly one of its subcommands.
   void requireCommand();
-  /// Whether the user named one of its subcommands; for prepare().
+  /// Whether the user chose one of its subcommands. For use in prepare().
   bool hasChosenCommand() const;
 
-  /// Options under a heading of their own in help, of which the user gives `least` to `most`, or
-  /// any number from `least` on where `most` is 0.
+  /// Adds a group of options, which has its own heading in help. The user must give at least
+  /// `least` and at most `most` of them; 0 for `most` means no limit.
   Command addGroup(const char* name, const char* description, std::size_t least, std::size_t most);
 
-  /// An option without a value.
+  /// Adds an option without a value. `isGiven` becomes true if it is given.
   Option flag(const char* name, bool& isGiven, const char* help);
-  /// A text is taken as it stands; without one, the variable stays as it is.
+  /// Adds an option with a text, which is stored unchanged. If it is not given, `value` keeps its
+  /// value.
   Option text(const char* name, std::string& value, const std::string& help);
+  /// The same for a variable that shows whether the option was given.
   Option text(const char* name, std::optional<std::string>& value, const std::string& help);
-  /// Lets `store` read the value; it may throw UsageError.
+  /// Adds an option whose text is passed to `store`, which may throw UsageError.
   Option text(const char* name, const std::function<void(const std::string& value)>& store,
               const std::string& help);
-  /// Refuses what is no whole number from 0 to 2^32 - 1.
+  /// Adds an option with a whole number from 0 to 2^32 - 1.
   Option number(const char* name, std::optional<std::uint32_t>& value, const std::string& help);
-  /// One or more positional arguments, each as it stands, also one in square brackets.
+  /// Adds one or more positional arguments, each stored unchanged, even if in square brackets.
   Option texts(const char* name, std::vector<std::string>& values, const std::string& help);
 
-  /// What is done where the user chose this subcommand.
+  /// Sets the action of this subcommand.
   void run(Action action);
-  /// As run(), of arguments that are judged first: `prepare` may throw UsageError. An empty action
-  /// leaves the choice to a subcommand.
+  /// Sets a function that checks the arguments and returns the action. It may throw UsageError. It
+  /// returns an empty action if a subcommand has set one.
   void prepare(std::function<Action()> prepare);
 
  private:
@@ -104,25 +108,27 @@ class Command {
   Action* chosen_;
 };
 
-/// Throws the error for a word that no argument takes.
+/// Throws the parser's error for an unexpected argument.
 [[noreturn]] void refuseUnexpected(const std::string& word);
 
-/// The arguments of the process. Not thread-safe, as its handles are not.
+/// The parser of the process's arguments. Neither it nor its handles are thread-safe.
 class CommandLine {
  public:
+  /// The texts appear in help and as the answer to `--version`.
   CommandLine(const char* name, const char* description, const char* version);
   ~CommandLine();
   CommandLine(const CommandLine&) = delete;
   CommandLine& operator=(const CommandLine&) = delete;
 
-  /// The command itself. Its options may stand after a subcommand, too.
+  /// The command itself. Its options may also follow a subcommand.
   Command command();
 
-  /// Returns nothing once an action is chosen. Otherwise prints the help that was asked for, or
-  /// what is wrong with the arguments, and returns the process's exit status. Throws
-  /// std::system_error where the standard output takes nothing.
+  /// Parses the arguments. Returns nothing if an action was chosen. Otherwise prints help or an
+  /// error message and returns the process's exit status. Throws std::system_error if it cannot
+  /// write to the standard output.
   std::optional<int> parse(int argc, const char* const* argv);
-  /// Does what the user chose; to be called after parse() returned nothing. Throws what that does.
+  /// Runs the chosen action and returns its exit status. Call it after parse() returned nothing.
+  /// Throws what the action throws.
   int run() const;
 
  private:

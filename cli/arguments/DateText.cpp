@@ -24,15 +24,15 @@ constexpr sys_seconds kReferenceDate =
     sys_days(year_month_day(std::chrono::year(2001), std::chrono::month(1), std::chrono::day(1)));
 constexpr sys_seconds kFirst =
     sys_days(year_month_day(std::chrono::year(0), std::chrono::month(1), std::chrono::day(1)));
-constexpr sys_seconds kBehindLast =
+constexpr sys_seconds kPastLast =
     sys_days(year_month_day(std::chrono::year(10'000), std::chrono::month(1), std::chrono::day(1)));
 
-/// Reads a text from its beginning; after the first mismatch nothing matches any more.
+/// Reads a text from its beginning. After the first mismatch, all further reads fail as well.
 class Scanner {
  public:
   explicit Scanner(std::string_view text) : rest_(text) {}
 
-  /// A number of exactly `digits` digits, `most` at the most.
+  /// Reads a number of exactly `digits` digits, which must not exceed `most`.
   unsigned number(std::size_t digits, unsigned most) {
     unsigned value = 0;
     if (rest_.size() < digits) return fail();
@@ -51,14 +51,14 @@ class Scanner {
   void require(char expected) {
     if (!skip(expected)) fail();
   }
-  /// The digits behind a decimal point, as a part of 1.
+  /// Reads the digits after a decimal point, as a fraction of 1.
   double fraction() {
     std::size_t count = 0;
     while (count < rest_.size() && isDigit(rest_[count])) ++count;
     double value = 0;
     const std::string text = "0." + std::string(rest_.substr(0, count));
     const auto end = std::from_chars(text.data(), text.data() + text.size(), value).ec;
-    // A fraction that is too small for a double is none.
+    // A fraction that underflows a double counts as 0.
     if (count == 0 || (end != std::errc() && end != std::errc::result_out_of_range)) fail();
     rest_.remove_prefix(count);
     return value;
@@ -77,7 +77,7 @@ class Scanner {
   bool failed_ = false;
 };
 
-/// How far local time is ahead of universal time.
+/// Reads an offset: how far local time is ahead of universal time.
 seconds offset(Scanner& scanner) {
   if (scanner.skip('Z')) return seconds(0);
   const bool isBehind = scanner.skip('-');
@@ -118,8 +118,8 @@ std::optional<Date> dateFromText(std::string_view text) {
 std::optional<std::string> textFromDate(Date date) {
   const double whole = std::floor(date.secondsSinceReferenceDate);
   const auto first = static_cast<double>((kFirst - kReferenceDate).count());
-  const auto behindLast = static_cast<double>((kBehindLast - kReferenceDate).count());
-  if (!(whole >= first && whole < behindLast)) return std::nullopt;
+  const auto pastLast = static_cast<double>((kPastLast - kReferenceDate).count());
+  if (!(whole >= first && whole < pastLast)) return std::nullopt;
   const sys_seconds moment = kReferenceDate + seconds(static_cast<std::int64_t>(whole));
   const sys_days midnight = std::chrono::floor<days>(moment);
   const year_month_day day(midnight);
@@ -130,7 +130,7 @@ std::optional<std::string> textFromDate(Date date) {
                      ":" + padded(time / 60 % 60, 2) + ":" + padded(time % 60, 2);
   const double fraction = date.secondsSinceReferenceDate - whole;
   if (fraction != 0) {
-    std::array<char, 1200> digits{};  // the smallest double has 1,074 digits behind the point
+    std::array<char, 1200> digits{};  // the smallest double has 1,074 digits after the point
     const auto end =
         std::to_chars(digits.begin(), digits.end(), fraction, std::chars_format::fixed).ptr;
     text.append(digits.begin() + 1, end);  // without the zero before the point

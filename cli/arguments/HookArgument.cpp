@@ -10,9 +10,10 @@ namespace {
 
 constexpr const char* kInstanceMethodBegin = "-[";
 
-/// The parser takes "-[Class selector]" for the option "-[" and its value after it.
+/// Adds the prefix that the parser has removed: it reads "-[Class selector]" as the option "-["
+/// with a value.
 void restorePrefix(std::string& text) {
-  // A method has a blank inside; a name that ends in "]" may have none.
+  // A method contains a blank; a custom name that ends in "]" may not.
   if (text.ends_with(']') && text.find('[') == std::string::npos &&
       text.find(' ') != std::string::npos)
     text = kInstanceMethodBegin + text;
@@ -26,7 +27,7 @@ std::optional<MethodIdentity> methodNamed(std::string_view text) {
     return std::nullopt;
   }
   text = text.substr(2, text.size() - 3);
-  // Names of Swift's generic classes may hold blanks; selectors never do.
+  // The names of generic Swift classes may contain blanks, but selectors never do.
   const std::size_t blank = text.rfind(' ');
   if (blank == std::string_view::npos || blank == 0 || blank + 1 == text.size()) {
     return std::nullopt;
@@ -61,7 +62,7 @@ HookManager hookArgument(TweakFile::Opened tweak, const std::string& text) {
   }
   if (!named) throw HookManager::Error::hookNotFound();
   if (isAmbiguous)
-    throw std::runtime_error("several hooks have that name; name one as '-[Class selector]'");
+    throw std::runtime_error("several hooks have that name; use '-[Class selector]' instead");
   manager.identity = std::move(*named);
   return manager;
 }

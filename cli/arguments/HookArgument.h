@@ -11,14 +11,14 @@
 
 namespace tavlen::cli {
 
-/// Reads what methodText() writes. Nothing for any other text.
+/// Reads a method as methodText() writes it. Returns nothing for any other text.
 std::optional<MethodIdentity> methodNamed(std::string_view text);
 
-/// Adds the argument HOOK, as hookArgument() takes it.
+/// Adds the argument HOOK, for hookArgument(). Parsing stores it in `text`.
 void addHookArgument(Command command, std::string& text);
 
-/// The editor of the hook that a user names: by its method, as methodText() gives it, or by the
-/// hook's own name, which must then be the only one. It goes on with the manifest of `tweak`.
+/// An editor for the hook with that method, in the form of methodText(), or with that custom name,
+/// which must be unique. The editor uses the manifest of `tweak` instead of reading it again.
 /// Throws HookManager::Error::hookNotFound, and std::runtime_error for a name that several hooks
 /// have.
 HookManager hookArgument(TweakFile::Opened tweak, const std::string& text);

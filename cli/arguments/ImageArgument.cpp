@@ -20,14 +20,15 @@ NamedImage mainImageOf(const std::shared_ptr<IPA>& app) {
   return {app, namingInfo(*app, [&] { return app->mainExecutable(); })};
 }
 
-/// The loader searches for a name without a folder, and takes any other as it stands.
+/// The image in `file`, without an app. The path is made absolute, because the loader searches for
+/// names without a folder.
 NamedImage loneImage(const fs::path& file) {
   const fs::path path = fs::absolute(file);
   return {nullptr, std::make_shared<Executable>(std::weak_ptr<IPA>(), path.parent_path(),
                                                 path.filename().string(), false)};
 }
 
-/// Whether `file` is an image of a device, or of this machine, on which an app may be tried.
+/// Whether `file` is a Mach-O image, or an ELF image for trying an app on Linux.
 bool isImage(const fs::path& file) {
   const RandomAccessFile opened(file);
   return MachOHeader::read(opened) || opened.read(0, 4) ==
@@ -35,11 +36,11 @@ bool isImage(const fs::path& file) {
                                           "ELF";
 }
 
-/// The image in `file`, and the app whose bundle holds it.
+/// The image in `file`, and the app whose bundle contains it.
 NamedImage imageInBundle(const fs::path& file) {
-  if (!isImage(file)) throw std::runtime_error("is no image");
+  if (!isImage(file)) throw std::runtime_error("not an executable image");
   const fs::path given = fs::absolute(file);
-  // The device's name for a file has no "..".
+  // Device paths contain no "..".
   const bool leadsUp = std::find(given.begin(), given.end(), "..") != given.end();
   const fs::path path = leadsUp ? fs::canonical(given) : given;
   for (fs::path folder = path.parent_path(); folder.has_relative_path();
@@ -51,7 +52,7 @@ NamedImage imageInBundle(const fs::path& file) {
     std::string inside = path.lexically_relative(folder).string();
     return {main.app, std::make_shared<Executable>(main.app, folder, std::move(inside), false)};
   }
-  throw std::runtime_error("is in no app's bundle; the remote parser asks a running app");
+  throw std::runtime_error("not inside an .app bundle; --parser remote needs an app to run");
 }
 
 }  // namespace
@@ -66,7 +67,7 @@ ImageOptions addImageArgument(Command command, const char* name, ImageArgument& 
   const Option parser =
       command
           .text("--parser", argument.parser,
-                "dynamic loads the image into this process, remote asks the app, relaunched")
+                "dynamic loads the image into this process; remote relaunches the app and asks it")
           .oneOf({kDynamicParser, kRemoteParser})
           .showsDefault();
   return {image, parser};
@@ -82,7 +83,7 @@ NamedImage imageNamed(const ImageArgument& argument) {
   try {
     return argument.parser == kRemoteParser ? imageInBundle(file) : loneImage(file);
   } catch (const std::system_error&) {
-    throw;  // names the file
+    throw;  // its message names the file
   } catch (const std::exception& error) {
     throw std::runtime_error(argument.image + ": " + error.what());
   }

@@ -9,35 +9,36 @@
 
 namespace tavlen::cli {
 
+/// The value of `--parser` for DynamicClassParser.
 inline constexpr const char* kDynamicParser = "dynamic";
+/// The value of `--parser` for RemoteClassParser.
 inline constexpr const char* kRemoteParser = "remote";
 
-/// What a user says of the image that classes are read from.
+/// The image from which classes are read.
 struct ImageArgument {
-  std::string image;
-  std::string parser = kDynamicParser;
+  std::string image;                    ///< a file, a bundle folder or a bundle identifier
+  std::string parser = kDynamicParser;  ///< kDynamicParser or kRemoteParser
 };
 
 /// The options that addImageArgument() adds.
 struct ImageOptions {
-  Option image;
-  Option parser;
+  Option image;   ///< IMAGE|APP
+  Option parser;  ///< `--parser`
 };
 
-/// Adds `name`, an argument or an option that takes the image, and `--parser`. Parsing stores them
-/// in `argument`, which must live as long as the command.
+/// Adds the argument or option `name` for the image, and `--parser`. Parsing stores them in
+/// `argument`, which must live as long as the command.
 ImageOptions addImageArgument(Command command, const char* name, ImageArgument& argument);
 
-/// An image, and the app that it belongs to, which it does not keep itself; null where it belongs
-/// to none.
+/// An image together with its app, because an Executable does not keep its app alive.
 struct NamedImage {
-  std::shared_ptr<IPA> app;
-  std::shared_ptr<Executable> executable;
+  std::shared_ptr<IPA> app;                ///< null if the image belongs to no app
+  std::shared_ptr<Executable> executable;  ///< never null
 };
 
-/// The image that a user names: by its file, or by the app whose main program it is. For the remote
-/// parser, which asks the app, a file must lie in an app's bundle. Throws what appArgument() and
-/// IPA::mainExecutable() throw, and std::runtime_error whose text begins with the argument.
+/// The image in a file, or the main executable of an app. The remote parser needs an app to run, so
+/// for it a file must lie inside an .app bundle. Throws what appArgument() and
+/// IPA::mainExecutable() throw, and std::runtime_error whose message begins with the argument.
 NamedImage imageNamed(const ImageArgument& argument);
 
 }  // namespace tavlen::cli

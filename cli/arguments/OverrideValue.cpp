@@ -17,7 +17,7 @@ namespace tavlen::cli {
 namespace {
 
 constexpr std::string_view kNone = "none";
-/// Every orientation's name begins so; people leave it out.
+/// The common prefix of all orientation names, which users leave out.
 constexpr std::string_view kOrientationPrefix = "UIInterfaceOrientation";
 
 using Orientations = std::vector<InterfaceOrientation>;

@@ -16,7 +16,7 @@ namespace {
 using Accessor = DictionaryParameterManager::Accessor;
 
 constexpr const char* kArgument = "ADDRESS";
-/// No stored document nests deeper.
+/// The nesting limit of stored documents.
 constexpr std::size_t kMostSteps = 512;
 
 [[noreturn]] void refuse(const char* argument, std::string_view text, const std::string& expected) {
@@ -30,7 +30,8 @@ std::optional<std::int64_t> wholeNumber(std::string_view text) {
   return value;
 }
 
-/// Takes the first part off `rest`, and the full stop behind it; nothing once all are taken.
+/// Removes the first part and its full stop from `rest` and returns the part; nothing after the
+/// last one.
 std::optional<std::string_view> takePart(std::optional<std::string_view>& rest) {
   if (!rest) return std::nullopt;
   const std::size_t dot = rest->find('.');

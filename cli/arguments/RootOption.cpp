@@ -15,7 +15,7 @@ constexpr const char* kVariable = "TAVLEN_ROOT";
 }  // namespace
 
 void addRootOption(Command app, std::string& root) {
-  app.text("--root", root, "The folder that stands for the device's /")
+  app.text("--root", root, "The folder that represents the device's /")
       .environmentVariable(kVariable)
       .typeName("DIR");
 }
@@ -28,7 +28,7 @@ void useRoot(const std::string& root) {
   }
   const std::filesystem::path folder = std::filesystem::canonical(root);
   DeviceRoot::setShared(DeviceRoot(folder));
-  // The file-operations helper learns it from here. No other thread runs yet.
+  // The file-operations helper reads it from its environment. No other thread runs yet.
   ::setenv(kVariable, folder.c_str(), 1);  // NOLINT(concurrency-mt-unsafe)
 }
 

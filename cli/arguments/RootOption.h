@@ -6,11 +6,11 @@
 
 namespace tavlen::cli {
 
-/// Adds --root, which TAVLEN_ROOT stands in for; the folder goes to `root`.
+/// Adds --root, whose default is the environment variable TAVLEN_ROOT. Parsing stores it in `root`.
 void addRootOption(Command app, std::string& root);
 
-/// Makes `root` the device's root, for this process and the programs that it starts. Nothing for an
-/// empty text.
+/// Makes `root` the device root of this process and its child processes; an empty text changes
+/// nothing. Call it before starting threads. Throws std::runtime_error if it is not a folder.
 void useRoot(const std::string& root);
 
 }  // namespace tavlen::cli

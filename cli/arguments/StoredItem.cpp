@@ -37,12 +37,12 @@ bool isStored(const std::string& id) {
          fs::file_type::not_found;
 }
 
-/// Opens what lies at `path`, which messages call `shown`.
+/// Opens the item at `path`, which messages call `shown`.
 OpenedItem itemAt(const std::string& path, const std::string& shown) {
   std::error_code ignored;
   const bool isFolder = fs::is_directory(path, ignored);
   try {
-    // A tweak's folder may have any name where it is named by its path.
+    // Outside the store, a tweak's folder may have any name.
     if (isFolder || !fs::exists(path, ignored)) return TweakFile::open(path);
     return TweakManager::openAt(path);
   } catch (const DecodingError& error) {
@@ -69,7 +69,7 @@ OpenedItem openedItem(const std::string& text) {
   if (std::optional<OpenedItem> item = itemNamed(text)) return std::move(*item);
   std::error_code ignored;
   if (fs::exists(text, ignored)) return itemAt(text, text);
-  throw std::runtime_error(text + ": no tweak or collection of that identifier or name is stored");
+  throw std::runtime_error(text + ": no stored tweak or collection has that identifier or name");
 }
 
 TweakFile::Opened openedTweak(const std::string& text) {

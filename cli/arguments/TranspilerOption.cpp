@@ -5,7 +5,9 @@
 namespace tavlen::cli {
 
 void addTranspilerOption(Command command, std::string& folder) {
-  command.text("--transpiler", folder, "The folder of another ob.js").typeName("DIR").notEmpty();
+  command.text("--transpiler", folder, "The folder that contains another ob.js")
+      .typeName("DIR")
+      .notEmpty();
 }
 
 std::filesystem::path transpilerFolder(const std::string& folder) {

@@ -11,7 +11,7 @@ namespace tavlen::cli {
 /// long as the command.
 void addTranspilerOption(Command command, std::string& folder);
 
-/// The folder of ob.js: `folder`, or the command's own one where the user gave none.
+/// The folder that contains ob.js: `folder`, or the command's own one if that is empty.
 std::filesystem::path transpilerFolder(const std::string& folder);
 
 }  // namespace tavlen::cli

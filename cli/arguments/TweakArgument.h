@@ -8,22 +8,22 @@
 
 namespace tavlen::cli {
 
-/// A tweak that the user named, with errors that name its files.
+/// A tweak with its manifest and its script, and the texts to name it in messages.
 struct OpenedTweak {
-  std::string argument;  ///< as the user wrote it
-  std::string folder;    ///< the path that the user gave, or of the stored tweak that was meant
-  std::shared_ptr<TweakFile> file;
-  TweakFile::Manifest manifest;
-  /// The script; empty, after a warning on the standard error stream, where it cannot be read.
+  std::string argument;             ///< as the user wrote it
+  std::string folder;               ///< the path as the user wrote it, or that of the stored tweak
+  std::shared_ptr<TweakFile> file;  ///< never null
+  TweakFile::Manifest manifest;     ///< as read when it was opened
+  /// The script; empty if it cannot be read, which openTweak() reports as a warning.
   std::string script;
-  bool scriptIsUnreadable = false;
+  bool scriptIsUnreadable = false;  ///< whether reading the script failed
 
-  /// `folder`, a slash and `name`: how messages name a file of the tweak.
+  /// `folder`, a slash and `name`: a file of the tweak, for messages.
   std::string pathOf(const std::string& name) const;
 };
 
-/// Opens and reads the tweak that `argument` names, as openedTweak() finds it. Throws
-/// std::runtime_error whose text begins with the file at fault.
+/// Opens a tweak as openedTweak() does, and reads its script. Throws std::runtime_error whose
+/// message begins with the invalid file.
 OpenedTweak openTweak(const std::string& argument);
 
 }  // namespace tavlen::cli

@@ -66,7 +66,7 @@ std::optional<Parameter> colorFrom(const std::string& text) {
   return ColorParameter{components[0], components[1], components[2], components[3]};
 }
 
-/// A kind that is any text.
+/// Reads a kind whose value is any text.
 template <class Kind>
 std::optional<Parameter> textFrom(const std::string& text) {
   return Kind{text};
@@ -81,15 +81,15 @@ template <class Kind>
 std::optional<Parameter> fileFrom(const std::string& text) {
   const std::filesystem::path name = std::filesystem::path(text).filename();
   if (!isPlainComponent(name.native()) || isTemporaryName(name)) return std::nullopt;
-  // No archive may hold such a name, so the tweak could not be exported.
+  // Archives cannot contain such names, so the tweak could not be exported.
   if (name.native().find('\\') != std::string::npos) return std::nullopt;
   return Kind{name.native()};
 }
 
-/// A way to write a kind: what stands before the colon, what is expected behind it.
+/// The syntax of a kind on the command line.
 struct Form {
-  std::string_view name;
-  const char* expected;
+  std::string_view name;  ///< the text before the colon
+  const char* expected;   ///< describes the text after it
   std::optional<Parameter> (*parse)(const std::string& text);
   bool isFile = false;
 };
@@ -127,7 +127,8 @@ Parameter parameterFromJSON(const std::string& json, const std::string& text,
     return decodeJSON<ParameterContainer>(json).value;
   } catch (const DecodingError& error) {
     refuse(argument, text,
-           "expected a parameter as manifests hold it: " + escapedForTerminal(error.description()));
+           "expected a parameter in the form of manifests: " +
+               escapedForTerminal(error.description()));
   }
 }
 
@@ -146,7 +147,7 @@ std::string jsonText(const Parameter& parameter) {
   return "json:" + encodeJSON(ParameterContainer{parameter});
 }
 
-/// Writes the kinds one by one; nothing for a value that only the JSON form can hold.
+/// Writes a parameter of each kind. Returns nothing for a value that only JSON can express.
 struct Writer {
   using Text = std::optional<std::string>;
 
@@ -204,7 +205,7 @@ TypedValue parseTypedValue(const std::string& text, const char* argument) {
     refuse(argument, text, "expected a value that begins with " + knownForms());
   std::optional<Parameter> parameter = form->parse(rest);
   if (!parameter)
-    refuse(argument, text, std::string("expected ") + form->expected + " behind the colon");
+    refuse(argument, text, std::string("expected ") + form->expected + " after the colon");
   return {*std::move(parameter), form->isFile ? rest : ""};
 }
 

@@ -6,23 +6,23 @@
 
 namespace tavlen::cli {
 
+/// The help text of a parameter's value.
 inline constexpr const char* kValueHelp =
     "The value: bool:true, int:-3, uint:7, double:0.5, string:TEXT, url:TEXT, "
     "date:2026-01-31T12:00:00Z, color:#ff000080, data:FILE, image:FILE, class:NAME, selector:NAME, "
-    "protocol:NAME, nil, code:TEXT, or json: and a parameter as manifests hold it";
+    "protocol:NAME, nil, code:TEXT, or json: and a parameter in the form of manifests";
 
-/// A parameter as it is written on a command line.
+/// A parameter from the command line.
 struct TypedValue {
-  Parameter parameter;
-  /// The file that is to become the parameter's resource; empty where there is none.
-  std::string file;
+  Parameter parameter;  ///< the parameter
+  std::string file;     ///< the file to be imported as its resource; empty for other kinds
 };
 
-/// Reads what kValueHelp says; `argument` is what errors call it. Reads no file. Throws
-/// UsageError.
+/// Reads a value in the form of kValueHelp. Reads no file. Throws UsageError, which names
+/// `argument`.
 TypedValue parseTypedValue(const std::string& text, const char* argument);
 
-/// The text that parseTypedValue() reads back to `parameter`, except that files are named as
+/// The parameter in the form that parseTypedValue() reads, except that files have the names of
 /// resources.
 std::string typedText(const Parameter& parameter);
 

@@ -5,11 +5,12 @@
 
 namespace tavlen::cli {
 
-/// Arguments that mean nothing to the command, which then ends with the exit status of wrong usage.
+/// Invalid arguments. The command prints the message and exits with the status of wrong usage.
 class UsageError : public std::runtime_error {
  public:
+  /// Constructed from the whole message.
   using std::runtime_error::runtime_error;
-  /// What is wrong with `argument`, an argument's or an option's name as help shows it.
+  /// `argument` is the name of an argument or an option, as in help.
   UsageError(const std::string& argument, const std::string& problem)
       : std::runtime_error(argument + ": " + problem) {}
 };

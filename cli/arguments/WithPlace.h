@@ -9,8 +9,8 @@
 
 namespace tavlen::cli {
 
-/// Runs `body`; the text of what it throws then begins with `place` and a colon. A decoding error
-/// is the manifest's.
+/// Returns `body()`. Its exceptions become std::runtime_error with "PLACE: " before the message; a
+/// DecodingError is taken to be about the manifest.
 template <class Body>
 decltype(auto) withPlace(const std::string& place, Body&& body) {
   try {

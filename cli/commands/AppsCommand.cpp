@@ -26,14 +26,14 @@ namespace tavlen::cli {
 
 namespace {
 
-/// An app as it is printed.
+/// A row of the output, which describes one app.
 struct Row {
   std::string name;
   std::string bundleID;
   std::optional<std::string> version;
   std::optional<std::string> activeTweak;
   std::string path;
-  /// What is wrong with its Info.plist.
+  /// A problem in its Info.plist, if any.
   std::optional<std::string> note;
 
   static constexpr auto codedFields() {
@@ -65,7 +65,8 @@ Info decodeInfo(const PropertyList& list) {
   return info;
 }
 
-/// Each app's Info.plist is opened once: a tree's is read already to tell whether it is an app.
+/// Opens each app's Info.plist once. In a device tree it has already been read, to find out whether
+/// a bundle is an app.
 std::vector<Row> readRows() {
   std::vector<Row> rows;
   if (DeviceRoot::shared().isDevice()) {
@@ -99,7 +100,7 @@ std::string table(const std::vector<Row>& rows) {
 }  // namespace
 
 void addAppsCommand(Command app) {
-  Command command = app.addCommand("apps", "List the apps that tweaks can be made for");
+  Command command = app.addCommand("apps", "List the apps for which tweaks can be made");
   const auto json = std::make_shared<bool>(false);
   command.flag("--json", *json, "Print a JSON array");
   command.run([json] {

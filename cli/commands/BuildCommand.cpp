@@ -36,7 +36,7 @@ int build(const Options& options) {
   std::error_code error;
   std::filesystem::create_directories(folder, error);
   if (error) throw std::system_error(error, folder.string());
-  // Both are on the disk before either takes its place: a code without its map helps nobody.
+  // Write both files to the disk before either is renamed into place: code and map must match.
   FileReplacement code(folder / "code.js", output->code);
   FileReplacement map(folder / "code.js.map", output->map);
   code.commit();

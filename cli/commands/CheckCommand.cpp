@@ -22,7 +22,7 @@ std::string counted(std::size_t warnings) {
   return std::to_string(warnings) + (warnings == 1 ? " warning" : " warnings");
 }
 
-/// What is to be said of the tweak at `argument` if it builds. What is wrong or questionable goes
+/// The line to print for the tweak `argument`; nothing if it does not build. Errors and warnings go
 /// to the standard error stream.
 std::optional<std::string> verdictOf(const std::string& argument,
                                      const std::filesystem::path& transpiler) {
@@ -43,7 +43,7 @@ std::optional<std::string> verdictOf(const std::string& argument,
 }  // namespace
 
 void addCheckCommand(Command app) {
-  Command command = app.addCommand("check", "Say what is wrong with tweaks, and where");
+  Command command = app.addCommand("check", "Report problems in tweaks, and where they are");
   const auto tweaks = std::make_shared<std::vector<std::string>>();
   const auto transpiler = std::make_shared<std::string>();
   command.texts("TWEAK", *tweaks, "The tweaks: their identifiers, names or paths").notEmpty();

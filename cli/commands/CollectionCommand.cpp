@@ -39,7 +39,7 @@ struct ListOptions {
   bool json = false;
 };
 
-/// A member as it is printed.
+/// A row of the output, which describes one member.
 struct Row {
   std::optional<std::string> name;
   std::string id;
@@ -57,11 +57,11 @@ bool contains(const std::vector<std::string>& ids, const std::string& id) {
   return std::find(ids.begin(), ids.end(), id) != ids.end();
 }
 
-/// Collections name their members by identifiers in the store.
+/// Throws for a tweak outside the store: collections refer to members by their identifiers there.
 void checkIsStored(const TweakFile& tweak, const std::string& text) {
   std::error_code ignored;
   if (!std::filesystem::equivalent(tweak.url(), TweaksDirectory::url() / tweak.id(), ignored)) {
-    throw std::runtime_error(text + ": does not lie in " + TweaksDirectory::url().string());
+    throw std::runtime_error(text + ": is not in " + TweaksDirectory::url().string());
   }
 }
 
@@ -74,12 +74,12 @@ void addMember(Manifest& manifest, const std::string& text) {
     throw std::runtime_error(text + ": " + TweakError::bundleIDMismatch(expected, found).what());
   }
   if (contains(manifest._tweaks, tweak->id())) {
-    throw std::runtime_error(text + ": is in the collection already");
+    throw std::runtime_error(text + ": is already in the collection");
   }
   manifest._tweaks.push_back(tweak->id());
 }
 
-/// An identifier need not be that of a tweak that is still there.
+/// Removes a member. An identifier may be that of a tweak that no longer exists.
 void removeMember(Manifest& manifest, const std::string& text) {
   const std::string id = contains(manifest._tweaks, text) ? text : storedTweak(text)->id();
   if (std::erase(manifest._tweaks, id) == 0) {
@@ -87,7 +87,7 @@ void removeMember(Manifest& manifest, const std::string& text) {
   }
 }
 
-/// All at once: one that fails leaves the collection as it was.
+/// Edits the collection once for all tweaks, so that a failure leaves it unchanged.
 int edit(const MemberOptions& options, void (*change)(Manifest&, const std::string&)) {
   const std::lock_guard lock(tweakPoster().recursiveLock);
   auto [collection, manifest] = openedCollection(options.collection);
@@ -96,13 +96,13 @@ int edit(const MemberOptions& options, void (*change)(Manifest&, const std::stri
   return 0;
 }
 
-/// A collection is no member, as the library leaves it out, too.
+/// The row of the member `id`. A collection counts as missing: the library leaves it out as well.
 Row rowOf(const std::string& id) {
   try {
     const OpenedItem opened = TweakManager::openWithID(id);
     if (opened.tweak() != nullptr) return {opened.configuration().name(), id, false};
   } catch (const std::exception&) {
-    // As the other case.
+    // Reported as missing, as below.
   }
   return {std::nullopt, id, true};
 }
@@ -143,7 +143,7 @@ void addList(Command collection) {
 }  // namespace
 
 void addCollectionCommand(Command app) {
-  Command command = app.addCommand("collection", "Make collections of tweaks and edit them");
+  Command command = app.addCommand("collection", "Create and edit collections of tweaks");
   command.requireCommand();
   addItemCreation(command, "collection", TweakCollection::create);
   addEdit(command, "add", "Add tweaks of the same app to a collection, at its end", kTweakHelp,

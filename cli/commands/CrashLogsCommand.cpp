@@ -23,7 +23,7 @@ std::set<std::string> namesIn(const std::filesystem::path& directory) {
   return names;
 }
 
-/// Prints the names of the logs that came.
+/// Copies the logs and prints the names of the new files.
 int copyLogs(const std::string& app, const std::filesystem::path& directory) {
   const std::set<std::string> before = namesIn(directory);
   const std::shared_ptr<IPA> ipa = appArgument(app);
@@ -37,7 +37,7 @@ int copyLogs(const std::string& app, const std::filesystem::path& directory) {
     if (!before.contains(name)) added += escapedForTerminal(name) + "\n";
   }
   if (added.empty()) {
-    printMessage("tavlen: no crash logs that are not in the folder already\n");
+    printMessage("tavlen: no new crash logs\n");
   }
   printData(added);
   return 0;

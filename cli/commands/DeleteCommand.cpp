@@ -14,7 +14,8 @@ namespace tavlen::cli {
 
 namespace {
 
-/// A path may name a folder anywhere; only what the store holds is this command's to delete.
+/// Whether the item lies in the store. The user may give any path, but this command deletes only
+/// stored items.
 bool isInStore(const TweakProtocol& item) {
   std::error_code ignored;
   return std::filesystem::equivalent(std::filesystem::absolute(item.url()).parent_path(),
@@ -25,7 +26,7 @@ int deleteItem(const std::string& name) {
   const OpenedItem opened = openedItem(name);
   const std::shared_ptr<TweakProtocol> item = opened.item();
   if (!isInStore(*item)) {
-    throw std::runtime_error(name + ": does not lie in " + TweaksDirectory::url().string());
+    throw std::runtime_error(name + ": is not in " + TweaksDirectory::url().string());
   }
   const std::string bundleID = opened.configuration().bundleID();
   const bool isInstalled = isActiveTweak(bundleID, item->id());

@@ -15,7 +15,7 @@ namespace tavlen::cli {
 
 namespace {
 
-/// An executable as it is printed.
+/// A row of the output, which describes one executable.
 struct Row {
   std::string kind;
   std::string name;

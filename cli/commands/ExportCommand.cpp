@@ -30,7 +30,7 @@ struct Options {
   bool force = false;
 };
 
-/// What the library hands over, which goes away with the object.
+/// Deletes the library's temporary archive on destruction (RAII).
 class ExportedArchive {
  public:
   explicit ExportedArchive(fs::path path) : path_(std::move(path)) {}
@@ -39,7 +39,7 @@ class ExportedArchive {
   ~ExportedArchive() {
     std::error_code ignored;
     fs::remove_all(path_.parent_path(), ignored);
-    // Only when nobody else works in it.
+    // Fails, as intended, if another process is using the folder.
     fs::remove(path_.parent_path().parent_path(), ignored);
   }
 
@@ -49,16 +49,17 @@ class ExportedArchive {
   fs::path path_;
 };
 
-/// The archive has the collection's document as it is, so that it names them.
+/// The archive contains the collection's document unchanged, which refers to missing members, too.
 void warnOfMissingMembers(const OpenedItem& item) {
   if (item.collection() == nullptr) return;
   for (const std::string& id : missingMembers(item.collection()->manifest)) {
-    printWarning(id + ": a member that does not open is left out; the archive's import will fail");
+    printWarning(id +
+                 ": this member cannot be opened and is left out; importing the archive will fail");
   }
 }
 
 [[noreturn]] void refuse(const fs::path& file) {
-  throw std::runtime_error(file.string() + ": is there already; --force replaces it");
+  throw std::runtime_error(file.string() + ": already exists; use --force to replace it");
 }
 
 bool isTaken(const fs::path& file) {
@@ -72,9 +73,9 @@ void move(const fs::path& archive, const fs::path& file, bool force) {
   if (fs::is_directory(file)) {
     throw std::system_error(EISDIR, std::generic_category(), file.string());
   }
-  // The old one goes only when the new one is there.
-  const TemporaryDirectory beside(fs::absolute(file).parent_path());
-  const fs::path whole = beside.path() / file.filename();
+  // Move across volumes into a temporary folder first, so that the old file is replaced atomically.
+  const TemporaryDirectory staging(fs::absolute(file).parent_path());
+  const fs::path whole = staging.path() / file.filename();
   moveItem(archive, whole);
   syncFile(whole);
   fs::rename(whole, file);
@@ -85,7 +86,7 @@ int exportItem(const Options& options) {
   const OpenedItem item = openedItem(options.item);
   fs::path file = options.output.empty() ? "." : options.output;
   const bool isFolder = !file.has_filename() || fs::is_directory(file);
-  // Before the work, not after it.
+  // Check now, rather than after exporting.
   if (!isFolder && !options.force && isTaken(file)) refuse(file);
   warnOfMissingMembers(item);
   const ExportedArchive archive = [&] {
@@ -96,7 +97,7 @@ int exportItem(const Options& options) {
     file = options.output.empty() ? archive.path().filename() : file / archive.path().filename();
   move(archive.path(), file, options.force);
   if (!TweakManager::canHandle(file)) {
-    printWarning(file.string() + ": import knows archives by their extension, ." +
+    printWarning(file.string() + ": import recognises archives by their extension, ." +
                  std::string(item.item()->archiveExtension()));
   }
   printData(escapedForTerminal(file.string()) + "\n");
@@ -116,7 +117,7 @@ void addExportCommand(Command app) {
             "it, that is the current folder")
       .typeName("FILE|DIR")
       .notEmpty();
-  command.flag("-f,--force", options->force, "Replace a file that is there already");
+  command.flag("-f,--force", options->force, "Replace an existing file");
   command.run([options] { return exportItem(*options); });
 }
 

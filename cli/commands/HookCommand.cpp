@@ -38,7 +38,8 @@ struct Options {
   bool json = false;
 };
 
-/// The library stores any signature; one that does not fit its selector is most likely mistyped.
+/// Warns of a signature that does not match its selector: it is probably mistyped. The library
+/// stores any signature.
 void warnOfSignature(const Hook& hook) {
   const auto types = splitMethodTypes(hook.signature);
   const auto colons = std::count(hook.selector.begin(), hook.selector.end(), ':');
@@ -53,14 +54,14 @@ void requireFree(const TweakFile::Manifest& manifest, const MethodIdentity& iden
   const bool isTaken =
       std::any_of(manifest._hooks.begin(), manifest._hooks.end(),
                   [&](const auto& hook) { return hook && hook->identity() == identity; });
-  if (isTaken) throw std::runtime_error("the tweak hooks that method already");
+  if (isTaken) throw std::runtime_error("the tweak already hooks that method");
 }
 
 std::string methodProblem(const std::string& text) {
   return methodNamed(text) ? "" : "not '-[Class selector]' or '+[Class selector]': " + text;
 }
 
-/// The hook of a method that the image has, with the types that it has there.
+/// A hook of a method in the image, with the method's type encoding.
 Hook dumpedHook(const Options& options) {
   const MethodIdentity wanted = *methodNamed(*options.method);
   const std::shared_ptr<ObjCClass> cls = dumpedClass(options.image, wanted.className);
@@ -81,7 +82,7 @@ void addHook(const Options& options) {
   const Hook plain = newHook(options);
   withPlace(options.tweak + ": " + methodText(plain.identity()), [&] {
     const std::lock_guard lock(tweakPoster().recursiveLock);
-    // Reading the classes of an image takes long enough for others to edit the tweak.
+    // Read the manifest again: the tweak may have been edited while the image was being read.
     if (options.method) tweak.manifest = tweak.file->manifest();
     requireFree(tweak.manifest, plain.identity());
     Hook hook = plain;
@@ -145,7 +146,7 @@ void listHooks(const Options& options) {
 
 using SharedOptions = std::shared_ptr<Options>;
 
-/// A subcommand of `hook`, with the argument that all have.
+/// Adds a subcommand of `hook` with the argument TWEAK.
 Command addTo(Command group, const char* name, const char* help, const SharedOptions& options) {
   Command command = group.addCommand(name, help);
   command.text("TWEAK", options->tweak, kTweakHelp).required().notEmpty();
@@ -170,8 +171,7 @@ void addAdd(Command group) {
           .text("--signature", options->signature, "The method's type encoding, such as v24@0:8@16")
           .notEmpty()
           .typeName("TYPES");
-  const Option sign =
-      command.flag("--class-method", options->isClassMethod, "It is a class method");
+  const Option sign = command.flag("--class-method", options->isClassMethod, "Hook a class method");
   Option method = command
                       .text("--method", options->method,
                             "Instead of these, a method that the image of --in has")

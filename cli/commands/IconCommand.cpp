@@ -51,7 +51,7 @@ void addIconCommand(Command app) {
   Command command =
       app.addCommand("icon", "Write an app's icon as a PNG file; set or clear the icon of a tweak");
   const auto options = std::make_shared<Options>();
-  // Both are required, but not where a subcommand follows.
+  // Both are required unless a subcommand follows.
   const Option name = command.text("APP", options->app, kAppHelp).notEmpty();
   const Option output =
       command.text("-o,--output", options->output, "The file to write, - for the standard output")
@@ -65,7 +65,7 @@ void addIconCommand(Command app) {
   addTweakIconCommands(command);
   command.prepare([command, name, output, options]() -> Action {
     if (command.hasChosenCommand()) {
-      // A word too many falls through to here.
+      // Surplus arguments of a subcommand are parsed as arguments of this command.
       if (name.isGiven() || output.isGiven() || options->name || options->size) {
         refuseUnexpected(options->app + options->output + options->name.value_or(""));
       }

@@ -38,7 +38,7 @@ int import(const std::vector<std::string>& files) {
       continue;
     } catch (const std::exception& error) {
       const std::string text = error.what();
-      // The file system's errors may name it themselves.
+      // Errors of the file system may already name the file.
       printError(text.starts_with(file) ? text : std::string(file).append(": ").append(text));
       status = 1;
       continue;

@@ -13,7 +13,7 @@ namespace tavlen::cli {
 
 namespace {
 
-/// What is shown of an app: its values as the accessors give them, fallbacks and all.
+/// The output for an app: the values that the accessors return, including fallbacks.
 struct Summary {
   std::string name;
   std::string bundleName;
@@ -90,7 +90,7 @@ std::string table(const Summary& summary) {
 }  // namespace
 
 void addInfoCommand(Command app) {
-  Command command = app.addCommand("info", "Print what an app's Info.plist says of it");
+  Command command = app.addCommand("info", "Print the main values of an app's Info.plist");
   const auto name = std::make_shared<std::string>();
   const auto json = std::make_shared<bool>(false);
   command.text("APP", *name, kAppHelp).required().notEmpty();

@@ -36,8 +36,8 @@ void warnOfMissingMembers(const OpenedItem& item, const Tweaks& tweaks) {
   }
 }
 
-/// Converts each tweak again, so that an error is shown at its place in the source. Whether one did
-/// not build.
+/// Converts each tweak again, in order to report syntax errors with their places in the source.
+/// Returns whether there was one.
 bool showsSyntaxError(const Tweaks& tweaks, const std::filesystem::path& transpiler) {
   return std::any_of(tweaks.begin(), tweaks.end(), [&](const auto& tweak) {
     const OpenedTweak opened = openTweak(std::filesystem::absolute(tweak.file->url()).string());
@@ -69,7 +69,7 @@ void addInstallCommand(Command app) {
       app.addCommand("install", "Make a tweak or a collection the active one of its app");
   const auto options = std::make_shared<Options>();
   command.text("ITEM", options->item, kItemHelp).required().notEmpty();
-  command.flag("--executables", options->copyExecutables, "Install its executables, too");
+  command.flag("--executables", options->copyExecutables, "Also install its executables");
   addTranspilerOption(command, options->transpiler);
   command.run([options] { return install(*options); });
 }

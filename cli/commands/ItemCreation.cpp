@@ -22,7 +22,7 @@ struct Options {
 
 std::string described(const TweakGlyph& glyph) { return glyph.icon + "/" + glyph.style; }
 
-/// Where the user names no style, the plain one is meant, or the only one that there is.
+/// Reads ICON[/STYLE]. The default style is "solid", or the icon's only style.
 TweakGlyph glyphNamed(const std::string& text) {
   const std::size_t slash = text.find('/');
   const bool hasStyle = slash != std::string::npos;
@@ -41,13 +41,13 @@ void addLook(Command command, Options& options) {
       .text(
           "--color",
           [&options](const std::string& name) { options.color = *fromRawValue<TweakColor>(name); },
-          "The colour that it is shown in")
+          "The colour in which it is shown")
       .oneOf({colors.begin(), colors.end()})
       .typeName("COLOR");
   command
       .text(
           "--glyph", [&options](const std::string& text) { options.glyph = glyphNamed(text); },
-          "The icon that it is shown with, by the names of Font Awesome 5.15.4 Free")
+          "The icon with which it is shown, by its name in Font Awesome 5.15.4 Free")
       .typeName("ICON[/STYLE]");
 }
 
@@ -56,7 +56,8 @@ int create(const Options& options, const ItemFactory& make) {
   const std::shared_ptr<TweakProtocol> item =
       make(options.name, options.color, options.glyph, bundleID);
   announce(*item, GenericTweakDiffMode::create);
-  if (!isInstalledApp(bundleID)) printWarning(bundleID + ": no app of that identifier is here");
+  if (!isInstalledApp(bundleID))
+    printWarning(bundleID + ": no app with that identifier is installed");
   printData(item->id() + "\n");
   return 0;
 }
@@ -65,7 +66,7 @@ int create(const Options& options, const ItemFactory& make) {
 
 void addItemCreation(Command group, const std::string& kind, ItemFactory make) {
   Command command =
-      group.addCommand("new", "Make a new, empty " + kind + " and print its identifier");
+      group.addCommand("new", "Create an empty " + kind + " and print its identifier");
   const auto options = std::make_shared<Options>();
   command.text("NAME", options->name, "The " + kind + "'s name").required().notEmpty().utf8();
   command.text("--app", options->app, kAppHelp).required().notEmpty().utf8().typeName("APP");

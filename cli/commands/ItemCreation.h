@@ -14,14 +14,14 @@ class TweakProtocol;
 
 namespace tavlen::cli {
 
-/// Makes an item of a kind, empty, in the store.
+/// Creates an empty item of one kind in the store.
 using ItemFactory = std::function<std::shared_ptr<TweakProtocol>(
     const std::string& name, TweakColor color, const TweakGlyph& glyph,
     const std::string& bundleID)>;
 
-/// Adds to `group` the subcommand `new NAME --app APP [--color COLOR] [--glyph ICON[/STYLE]]`,
-/// which makes an item, calls it created and prints its identifier. `kind` is what help calls it,
-/// "tweak". A glyph that is not known is wrong usage, with a suggestion.
+/// Adds the subcommand `new NAME --app APP [--color COLOR] [--glyph ICON[/STYLE]]` to `group`. It
+/// creates an item by `make`, announces it and prints its identifier. `kind` is the kind's name in
+/// help, such as "tweak". An unknown glyph is wrong usage; the message suggests a known one.
 void addItemCreation(Command group, const std::string& kind, ItemFactory make);
 
 }  // namespace tavlen::cli

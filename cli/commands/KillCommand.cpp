@@ -16,7 +16,7 @@ namespace {
 int kill(const std::string& app) {
   const std::string bundleID = bundleIDOf(app);
   if (!SystemService::isAvailable()) {
-    throw std::runtime_error("the system service that knows the running apps is missing");
+    throw std::runtime_error("the system service for running apps is not available");
   }
   requireProgram(killProgram());
   if (!SystemService::pidForApplication(bundleID)) {

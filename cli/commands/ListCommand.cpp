@@ -23,7 +23,7 @@ namespace tavlen::cli {
 
 namespace {
 
-/// An item as it is printed.
+/// A row of the output, which describes one item.
 struct Row {
   std::string name;
   std::string kind;
@@ -52,7 +52,7 @@ std::vector<Row> readRows() {
   return rows;
 }
 
-/// How many entries the store holds; none where it does not exist yet.
+/// The number of entries in the store; 0 if it does not exist yet.
 std::size_t entryCount() {
   std::error_code error;
   const std::filesystem::path store = TweaksDirectory::url();
@@ -60,7 +60,7 @@ std::size_t entryCount() {
   std::filesystem::directory_iterator entry(store, error);
   if (error == std::errc::no_such_file_or_directory) return 0;
   for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
-    // Hidden ones are no user's documents: temporary ones, and what the system leaves in folders.
+    // Hidden entries are temporary files or belong to the system, not to the user.
     if (!entry->path().filename().native().starts_with('.')) ++count;
   }
   if (error) throw std::system_error(error, store.string());

@@ -32,7 +32,7 @@ int listMethods(const Options& options) {
 }  // namespace
 
 void addMethodsCommand(Command app) {
-  Command command = app.addCommand("methods", "List the methods that a class has of its own");
+  Command command = app.addCommand("methods", "List a class's methods, without inherited ones");
   const auto options = std::make_shared<Options>();
   command.text("CLASS", options->className, "The class's name").required().notEmpty();
   addImageArgument(command, "--in", options->image).image.required();

@@ -35,8 +35,8 @@ auto isOf(const std::string& kind) {
   return [&kind](const OverrideContainer& box) { return identifierOf(box.value) == kind; };
 }
 
-/// Lets `change` edit the tweak's manifest, and the overrides in it, as one step. Errors name tweak
-/// and kind.
+/// Calls `change` with the tweak's manifest and its overrides, and stores the result. Holds
+/// tweakPoster()'s lock. Errors name the tweak and the kind.
 template <class Change>
 void editOverrides(const Options& options, Change change) {
   const std::lock_guard lock(tweakPoster().recursiveLock);
@@ -47,7 +47,7 @@ void editOverrides(const Options& options, Change change) {
   });
 }
 
-/// An override of the values that the tweak's app has.
+/// An override with the current value of the tweak's app.
 Override ownValue(const std::string& kind, const TweakFile::Manifest& manifest) {
   const auto app = IPA::findWithBundleID(manifest.configuration.bundleID);
   return overrideKind(kind).withInfo(app->infoManager().info());
@@ -65,7 +65,7 @@ Action addAction(const Options& options) {
   return [options, value] {
     editOverrides(options, [&](const TweakFile::Manifest& manifest, Boxes& boxes) {
       if (std::any_of(boxes.begin(), boxes.end(), isOf(options.kind)))
-        throw std::runtime_error("the tweak has such an override already; set changes it");
+        throw std::runtime_error("the tweak already has such an override; use set to change it");
       boxes.push_back({value ? *value : ownValue(options.kind, manifest)});
     });
     return 0;
@@ -78,7 +78,7 @@ Action setAction(const Options& options) {
     editOverrides(options, [&](const TweakFile::Manifest& /*manifest*/, Boxes& boxes) {
       const auto found = requireKind(boxes, options.kind);
       found->value = value;
-      // Others of the kind, which a manifest may hold, would win over it.
+      // A manifest may contain several overrides of a kind, and the last one wins.
       boxes.erase(std::remove_if(found + 1, boxes.end(), isOf(options.kind)), boxes.end());
     });
     return 0;
@@ -116,8 +116,8 @@ Action listAction(const Options& options) {
   };
 }
 
-/// A subcommand of `override`. `make` judges the arguments, so that a malformed value is wrong
-/// usage, and gives what is to be done.
+/// Adds a subcommand of `override`. `make` checks the arguments, throws UsageError for malformed
+/// ones, and returns the action.
 Command addTo(Command group, const char* name, const char* help,
               const std::shared_ptr<Options>& options, Action (*make)(const Options&)) {
   Command command = group.addCommand(name, help);

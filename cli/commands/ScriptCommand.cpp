@@ -34,13 +34,12 @@ int set(const std::string& name, const std::string& file) {
   return 0;
 }
 
-/// Stores what the user made of `before`. Nothing where somebody else stored another script
-/// meanwhile.
+/// Stores the edited text. Throws if the stored script is no longer `before`.
 void store(TweakFile& tweak, const std::string& before, const EditedText& edited) {
   const std::string after = edited.text();
   requireUTF8(after, edited.file().string());
   if (scriptOf(tweak) != before) {
-    throw std::runtime_error("the script was changed by somebody else meanwhile");
+    throw std::runtime_error("the script changed on disk while you were editing it");
   }
   tweak.writeScript(after);
 }
@@ -52,15 +51,15 @@ int edit(const std::string& name) {
   try {
     edited.edit();
     if (edited.text() == before) {
-      printMessage("tavlen: the script is as it was\n");
+      printMessage("tavlen: the script is unchanged\n");
       return 0;
     }
     store(*tweak, before, edited);
   } catch (const std::exception& error) {
-    // An editor that failed before the user wrote anything leaves nothing worth keeping.
+    // If the text is unchanged, there is nothing to keep.
     if (edited.text() == before) throw;
     edited.keep();
-    throw std::runtime_error(error.what() + std::string("; the text is kept in ") +
+    throw std::runtime_error(error.what() + std::string("; your text is in ") +
                              edited.file().string());
   }
   return 0;

@@ -26,7 +26,7 @@ namespace cli {
 
 namespace {
 
-/// What the command knows of an item, in JSON.
+/// The JSON output for an item, without its document.
 struct Item {
   std::string id;
   std::string kind;
@@ -47,7 +47,7 @@ std::string row(const std::string& title, const std::string& value) {
   return text + escapedForTerminal(value) + "\n";
 }
 
-/// A row an entry, the title before the first; "none" without any.
+/// One row for each entry, with the title before the first one; "none" if there are no entries.
 std::string list(const std::string& title, const std::vector<std::string>& entries) {
   if (entries.empty()) return row(title, "none");
   std::string text;
@@ -111,7 +111,7 @@ int show(const std::string& name, bool json) {
   }
   std::string text = encodeJSON(Item{wellFormedUTF8(item->id()), kindOf(*item),
                                      wellFormedUTF8(item->url().native()), isInstalled});
-  // The document is encoded by itself: it may be as deep as documents may be.
+  // Encode the document separately: it may already have the maximum nesting depth.
   text.back() = ',';
   printData(text + "\"manifest\":" + encodeJSON(opened.manifest()) + "}\n");
   return 0;
@@ -120,7 +120,7 @@ int show(const std::string& name, bool json) {
 }  // namespace
 
 void addShowCommand(Command app) {
-  Command command = app.addCommand("show", "Print what a tweak or a collection holds");
+  Command command = app.addCommand("show", "Print the contents of a tweak or a collection");
   const auto name = std::make_shared<std::string>();
   const auto json = std::make_shared<bool>(false);
   command.text("ITEM", *name, kItemHelp).required().notEmpty();

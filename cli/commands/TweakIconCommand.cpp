@@ -14,7 +14,7 @@ namespace {
 int set(const std::string& name, const std::string& file) {
   const std::shared_ptr<TweakFile> tweak = storedTweak(name);
   const std::optional<Image> icon = Image::decode(readInput(file));
-  if (!icon) throw std::runtime_error(file + ": is no PNG or JPEG image, or one that is too large");
+  if (!icon) throw std::runtime_error(file + ": is not a PNG or JPEG image, or is too large");
   tweak->writeCustomIcon(icon);
   return 0;
 }
@@ -24,13 +24,13 @@ int set(const std::string& name, const std::string& file) {
 void addTweakIconCommands(Command group) {
   const auto tweak = std::make_shared<std::string>();
   const auto file = std::make_shared<std::string>();
-  Command setting = group.addCommand("set", "Give a tweak an icon of its own");
+  Command setting = group.addCommand("set", "Set a tweak's own icon");
   setting.text("TWEAK", *tweak, kTweakHelp).required().notEmpty();
   setting.text("FILE", *file, "A PNG or JPEG image; - for the standard input")
       .required()
       .notEmpty();
   setting.run([tweak, file] { return set(*tweak, *file); });
-  Command clearing = group.addCommand("clear", "Take a tweak's own icon away");
+  Command clearing = group.addCommand("clear", "Remove a tweak's own icon");
   clearing.text("TWEAK", *tweak, kTweakHelp).required().notEmpty();
   clearing.run([tweak] {
     storedTweak(*tweak)->writeCustomIcon(std::nullopt);

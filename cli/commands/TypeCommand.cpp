@@ -15,7 +15,7 @@ namespace tavlen::cli {
 
 namespace {
 
-/// The line that answers `encoding`: its first type.
+/// The output line for `encoding`: its first type.
 std::string answerTo(std::string_view encoding, bool json) {
   const std::shared_ptr<JXType> type = JXTypeForEncoding(encoding);
   std::string answer;
@@ -29,7 +29,7 @@ std::string answerTo(std::string_view encoding, bool json) {
 }
 
 int answerInput(bool json) {
-  // Answers that are due at once go out at once, others in larger pieces.
+  // Print at once before waiting for input; otherwise collect larger pieces.
   constexpr std::size_t kEnough = 1 << 16;
   std::string answers;
   const auto print = [&answers] {

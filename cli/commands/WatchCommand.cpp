@@ -26,7 +26,7 @@ namespace tavlen::cli {
 
 namespace {
 
-/// A change as it is printed.
+/// A row of the output, which describes one change.
 struct Row {
   std::string event;
   std::string kind;
@@ -42,14 +42,14 @@ struct Row {
   }
 };
 
-/// The items' names, which those that are gone had once.
+/// The names of the items as last read, so that a deleted item can still be named.
 class Names {
  public:
   void read(const std::string& id) {
     try {
       names_[id] = TweakManager::tweakWithID(id)->genericConfiguration().name();
     } catch (const std::exception&) {
-      return;  // gone, or broken; as it was called before
+      return;  // deleted or invalid: keep the previous name
     }
   }
   std::optional<std::string> of(const std::string& id) const {
@@ -76,7 +76,7 @@ Row rowOf(const StoreSnapshot::Change& change, const Names& names) {
   return row;
 }
 
-/// The name stands last, as it may hold blanks.
+/// The name comes last, because it may contain blanks.
 std::string line(const Row& row) {
   std::string documents;
   for (const std::string& document : row.documents) {
@@ -86,7 +86,8 @@ std::string line(const Row& row) {
          escapedForTerminal(row.name.value_or("-"));
 }
 
-/// Folders that come while it looks are watched before the next look.
+/// Takes a snapshot and watches its folders. Repeats this until no new folder has appeared, so that
+/// no change is missed.
 StoreSnapshot look(DirectoryWatcher& watcher) {
   StoreSnapshot snapshot = StoreSnapshot::take();
   for (std::vector<std::filesystem::path> watched; watched != snapshot.folders();
@@ -123,7 +124,7 @@ int watch(bool json) {
   return 0;
 }
 
-/// Who reads no further wants no more: that is no failure.
+/// A closed output, as in `tavlen watch | head`, ends the command and is not an error.
 int watchUntilUnread(bool json) {
   try {
     return watch(json);
@@ -137,7 +138,7 @@ int watchUntilUnread(bool json) {
 
 void addWatchCommand(Command app) {
   Command command = app.addCommand(
-      "watch", "Print a line for each tweak or collection that is made, changed or deleted");
+      "watch", "Print a line for each tweak or collection that is created, changed or deleted");
   const auto json = std::make_shared<bool>(false);
   command.flag("--json", *json, "Print a JSON object a line");
   command.run([json] { return watchUntilUnread(*json); });

@@ -15,10 +15,10 @@ namespace {
 
 constexpr std::string_view kIndent = "    ";
 constexpr std::string_view kEllipsis = "...";
-/// UTF-16 units that are shown before the column and from it on.
+/// The number of UTF-16 units shown before the column, and from it on.
 constexpr std::size_t kContext = 100;
 
-/// How many cells of a terminal the character takes.
+/// The width of the character in terminal cells.
 std::size_t cellsOf(UChar32 character) {
   const auto type = u_charType(character);
   if (type == U_NON_SPACING_MARK || type == U_ENCLOSING_MARK || type == U_FORMAT_CHAR) return 0;

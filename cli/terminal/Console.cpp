@@ -19,7 +19,7 @@ void printLine(std::string_view kind, std::string_view text) {
 }  // namespace
 
 void printMessage(std::string_view text) {
-  // There is nowhere left to say that this failed.
+  // An error here cannot be reported anywhere.
   (void)std::fwrite(text.data(), 1, text.size(), stderr);
 }
 

@@ -23,7 +23,8 @@ std::string editor() {
   return "vi";
 }
 
-/// Ctrl-C in the editor is meant for the editor.
+/// Ignores keyboard signals during its lifetime (RAII): Ctrl-C in the editor is meant for the
+/// editor.
 class KeyboardSignals {
  public:
   KeyboardSignals() {
@@ -69,12 +70,13 @@ EditedText::~EditedText() {
 }
 
 void EditedText::edit() const {
-  // By a shell, as the variables may hold options, and the file apart from the text of the command.
+  // Run a shell, because the variables may contain options. Pass the file as an argument rather
+  // than in the command text, so that it needs no quoting.
   const std::string program = editor();
   Process process("/bin/sh", {"sh", "-c", program + " \"$@\"", program, file_.string()});
   try {
     process.launch();
-    // Not before: the editor would inherit it.
+    // Only after starting the editor, which must not inherit the ignored signals.
     const KeyboardSignals ignored;
     process.waitUntilExit();
   } catch (const Process::Error& error) {

@@ -6,25 +6,27 @@
 
 namespace tavlen::cli {
 
-/// A text in a temporary file of its own that the user edits in $VISUAL, $EDITOR or vi.
+/// A text in a temporary file, which the user edits in $VISUAL, $EDITOR or vi.
 ///
-/// The file is gone with the object, unless it is kept. One thread at a time; signals of the
-/// keyboard reach the editor alone while it runs.
+/// The destructor deletes the file, unless keep() was called. Threads: one at a time. While the
+/// editor runs, this process ignores keyboard signals; only the editor receives them.
 class EditedText {
  public:
-  /// `name` is the file's name, from which editors tell the language. Throws std::system_error.
+  /// Writes `text` to a new file. Editors recognise the language by `name`, the file's name. Throws
+  /// std::system_error.
   EditedText(const std::string& name, std::string_view text);
   EditedText(const EditedText&) = delete;
   EditedText& operator=(const EditedText&) = delete;
   ~EditedText();
 
-  /// Runs the editor to its end. Throws std::runtime_error for its failure.
+  /// Runs the editor and waits for it to exit. Throws std::runtime_error if it fails.
   void edit() const;
-  /// What the file holds now. Throws std::system_error.
+  /// The file's current contents. Throws std::system_error.
   std::string text() const;
 
-  /// Leaves the file to the user.
+  /// Keeps the file on destruction, for the user.
   void keep() { isKept_ = true; }
+  /// The path of the file.
   const std::filesystem::path& file() const { return file_; }
 
  private:

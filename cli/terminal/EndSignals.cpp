@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::array<int, 3> kSignals = {SIGINT, SIGTERM, SIGPIPE};
 
-/// The pipe's side that is closed; -1 once it is. For the handler, hence no other type.
+/// The write end of the pipe; -1 once it is closed. The handler may only access this type.
 volatile std::sig_atomic_t openEnd = -1;
 
 void closeEnd() {
@@ -33,7 +33,7 @@ struct sigaction handle(int signal, void (*handler)(int)) {
   struct sigaction former {};
   action.sa_handler = handler;
   ::sigaction(signal, nullptr, &former);
-  // Whoever started the command wants it to go on.
+  // An ignored signal, as under nohup, stays ignored.
   if (former.sa_handler != SIG_IGN) ::sigaction(signal, &action, nullptr);
   return former;
 }

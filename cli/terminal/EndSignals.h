@@ -5,17 +5,18 @@
 
 namespace tavlen::cli {
 
-/// Lets a command that works until it is told to end do so in order. While it lives, SIGINT and
-/// SIGTERM, unless they were ignored, close the other side of descriptor(), and SIGPIPE is an error
-/// of the write. One at a time.
+/// Lets a long-running command end cleanly on SIGINT and SIGTERM (RAII). Either signal, unless it
+/// was ignored before, closes the write end of the pipe whose read end is descriptor(). SIGPIPE is
+/// ignored, so that writing fails with EPIPE. Only one object may exist at a time.
 class EndSignals {
  public:
-  /// Throws std::system_error.
+  /// Installs the signal handlers. Throws std::system_error.
   EndSignals();
   EndSignals(const EndSignals&) = delete;
   EndSignals& operator=(const EndSignals&) = delete;
   ~EndSignals();
 
+  /// Becomes readable (end of file) after a signal. Valid as long as this object.
   int descriptor() const { return descriptor_; }
 
  private:

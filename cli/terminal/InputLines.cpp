@@ -18,7 +18,7 @@ std::string_view withoutReturn(std::string_view line) {
   return line;
 }
 
-/// 0 at the end of the input.
+/// Reads a part of the input and returns its length; 0 at the end.
 std::size_t readSome(std::array<char, 1 << 16>& buffer) {
   while (true) {
     const ssize_t count = ::read(STDIN_FILENO, buffer.data(), buffer.size());
@@ -31,7 +31,7 @@ std::size_t readSome(std::array<char, 1 << 16>& buffer) {
 
 void forEachInputLine(FunctionRef<void(std::string_view)> line, FunctionRef<void()> pause) {
   std::array<char, 1 << 16> buffer{};
-  std::string begun;  // a line of which more is to come
+  std::string begun;  // an incomplete line
   while (const std::size_t count = readSome(buffer)) {
     std::string_view rest(buffer.data(), count);
     for (std::size_t end = 0; (end = rest.find('\n')) != std::string_view::npos;) {

@@ -18,7 +18,7 @@ namespace tavlen::cli {
 namespace {
 
 constexpr std::chrono::milliseconds kInterval(200);
-/// Back to the line's begin; what stands behind the cursor goes.
+/// Moves the cursor to the start of the line and clears the line.
 constexpr const char* kNewLine = "\r\x1B[K";
 
 std::size_t terminalColumns() {
@@ -30,7 +30,7 @@ std::size_t terminalColumns() {
 
 constexpr std::size_t kNarrowest = 12;
 
-/// A bar of `width` columns, brackets included; empty where that is too little for one.
+/// A bar of `width` columns, including brackets; empty if that is too narrow.
 std::string bar(double fraction, std::size_t width) {
   constexpr std::size_t kWidest = 42;
   if (width < kNarrowest) return "";
@@ -61,7 +61,7 @@ void ProgressLine::show() {
     const bool isCancelled = ::poll(&end, 1, 0) > 0;
     if (isTerminal && !isCancelled) print();
     if (!isCancelled) continue;
-    // What is said of the end stands in a line of its own.
+    // Clear the bar, so that the final message starts on an empty line.
     if (std::exchange(isShown_, false)) printMessage(kNewLine);
     progress_->cancel();
   }
@@ -71,8 +71,7 @@ void ProgressLine::show() {
 void ProgressLine::print() {
   const double fraction = std::clamp(progress_->fractionCompleted(), 0.0, 1.0);
   const std::string percent = std::to_string(static_cast<int>(fraction * 100)) + " %";
-  // A line that the terminal breaks could not be taken back whole; the bar is worth more than the
-  // words.
+  // A wrapped line could not be cleared completely. If space is short, drop the text, not the bar.
   const std::size_t columns = terminalColumns();
   std::size_t taken = displayWidth(work_) + percent.size() + 4;  // with ": " and two blanks
   const bool isWide = taken + kNarrowest > columns;

@@ -11,19 +11,18 @@
 
 namespace tavlen::cli {
 
-/// While it lives, shows on the standard error stream, as a bar and a percentage, how far a piece
-/// of work is, from a thread of its own. Nothing where that stream is no terminal, or where the
-/// work takes no time. SIGINT and SIGTERM cancel the work meanwhile, so that it takes away what it
-/// has begun.
+/// Shows a progress bar and a percentage on the standard error stream during its lifetime, from a
+/// separate thread. Shows nothing if the stream is not a terminal or if the work is quick. SIGINT
+/// and SIGTERM cancel the progress, so that the work can clean up.
 class ProgressLine {
  public:
-  /// `work` stands before the bar, as in "exporting A".
+  /// `work` is the text before the bar, such as "exporting A".
   explicit ProgressLine(const std::string& work);
   ProgressLine(const ProgressLine&) = delete;
   ProgressLine& operator=(const ProgressLine&) = delete;
   ~ProgressLine();
 
-  /// What the work is to report to.
+  /// The progress for the work to report to. Never null.
   const std::shared_ptr<Progress>& progress() const { return progress_; }
 
  private:
@@ -37,7 +36,7 @@ class ProgressLine {
   std::mutex lock_;
   std::condition_variable end_;
   bool hasEnded_ = false;  ///< guarded by lock_
-  bool isShown_ = false;   ///< the thread's own
+  bool isShown_ = false;   ///< used only by the thread
   std::thread thread_;
 };
 

@@ -16,7 +16,7 @@ namespace tavlen::cli {
 namespace {
 
 constexpr UChar32 kSoftHyphen = 0xAD;
-/// Wider cells are cut, so that one strange name does not push all columns out of sight.
+/// Wider cells are cut, so that one long name does not push the other columns off the screen.
 constexpr std::size_t kWidestCell = 60;
 
 std::size_t widthOf(UChar32 character) {
@@ -29,7 +29,8 @@ std::size_t widthOf(UChar32 character) {
     default:
       break;
   }
-  // The vowels and finals of a decomposed syllable are drawn in the place of its first letter.
+  // The vowels and finals of a decomposed Hangul syllable are drawn in the cell of its first
+  // letter.
   const int syllable = u_getIntPropertyValue(character, UCHAR_HANGUL_SYLLABLE_TYPE);
   if (syllable == U_HST_VOWEL_JAMO || syllable == U_HST_TRAILING_JAMO) return 0;
   const auto width =
@@ -43,15 +44,15 @@ std::size_t displayWidth(std::string_view text) {
   constexpr UChar32 kZeroWidthJoiner = 0x200D;
   constexpr UChar32 kEmojiSelector = 0xFE0F;
   std::size_t width = 0;
-  std::size_t last = 0;  // the width of the character before
+  std::size_t last = 0;  // the width of the previous character
   bool isJoined = false;
   const auto length = static_cast<std::int64_t>(text.size());
   for (std::int64_t i = 0; i < length;) {
     UChar32 character = 0;
     U8_NEXT_OR_FFFD(reinterpret_cast<const std::uint8_t*>(text.data()), i, length, character);
-    // Joined emoji are drawn as one, and a skin tone upon the one before.
+    // Joined emoji are drawn as one character, and a skin tone modifies the previous one.
     const bool isPart = isJoined || u_hasBinaryProperty(character, UCHAR_EMOJI_MODIFIER);
-    // A sign that can be drawn as text or as emoji is wide as an emoji.
+    // A character that can be drawn as text or as emoji becomes wide as an emoji.
     const bool widens = character == kEmojiSelector && last == 1;
     last = widens ? 1 : isPart && width != 0 ? 0 : widthOf(character);
     width += last;
@@ -62,10 +63,12 @@ std::size_t displayWidth(std::string_view text) {
 
 namespace {
 
-/// A character that is cut through becomes a replacement character.
+/// Cuts `text` to kWidestCell. A character that is cut in the middle becomes a replacement
+/// character.
 std::string cut(std::string text) {
   if (displayWidth(text) <= kWidestCell) return text;
-  // No character takes less than a byte a column.
+  // A character has at least as many bytes as columns, so every removed byte narrows the text by at
+  // most one column.
   while (displayWidth(text) > kWidestCell - 1)
     text.resize(std::min(text.size() - 1, 8 * kWidestCell));
   return wellFormedUTF8(text) + "\u2026";

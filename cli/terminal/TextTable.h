@@ -7,22 +7,23 @@
 
 namespace tavlen::cli {
 
-/// How many columns of a terminal `text`, one line, takes: wide characters take two, combining ones
-/// none.
+/// The width of `text`, one line of UTF-8, in terminal columns. Wide characters take two columns,
+/// combining ones none.
 std::size_t displayWidth(std::string_view text);
 
-/// Lines of cells in aligned columns, for people to read.
+/// A table in aligned columns, for people to read.
 class TextTable {
  public:
-  /// Whether an overlong cell of the last column is cut, as those of the others are.
+  /// Whether overlong cells of the last column are cut, as in the other columns.
   enum class LastColumn { cut, whole };
 
+  /// `titles` are the column titles, in UTF-8.
   explicit TextTable(std::vector<std::string> titles, LastColumn last = LastColumn::cut);
 
-  /// `cells` are as many as there are titles; what would break the line is written as escapes.
+  /// Adds a row. The number of `cells` must match the titles. Control characters are escaped.
   void addRow(const std::vector<std::string>& cells);
 
-  /// The title line and the rows. A column in which no row has a text is left out.
+  /// The title line and the rows. Columns that are empty in all rows are left out.
   std::string text() const;
 
  private:

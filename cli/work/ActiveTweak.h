@@ -9,10 +9,10 @@ class InstallableTweak;
 
 namespace tavlen::cli {
 
-/// Whether the record of the app `bundleID` names the item `id`.
+/// Whether the item `id` is the active one of the app `bundleID`, according to the app's record.
 bool isActiveTweak(const std::string& bundleID, const std::string& id);
 
-/// IPA::setActiveTweak() with errors for users: the helper's name it.
+/// As IPA::setActiveTweak(), but the message of a helper's error names the helper.
 void setActiveTweak(IPA& ipa, const InstallableTweak* tweak);
 
 }  // namespace tavlen::cli

@@ -21,8 +21,8 @@ namespace tavlen::cli {
 
 namespace {
 
-/// While it stands, the cancellation of a progress calls `end` again and again: what is to be ended
-/// may only be about to begin.
+/// Once the progress is cancelled, calls `end` every 50 ms until it is destroyed (RAII): a single
+/// call could come too early, before the work to be ended has begun.
 class Cancellation {
  public:
   Cancellation(Progress& progress, std::function<void()> end) {
@@ -57,20 +57,20 @@ std::system_error cancelled(const ImageArgument& argument) {
   return {std::make_error_code(std::errc::operation_canceled), argument.image};
 }
 
-/// Why an image cannot be loaded here, where that is plain.
+/// The likely reason why an image cannot be loaded into this process.
 std::string hintFor(const std::filesystem::path& file) {
   try {
     if (MachOHeader::read(RandomAccessFile(file))) {
-      return " (it is an image of the device, which does not load into this process; --parser "
-             "remote asks the running app)";
+      return " (a device's image cannot be loaded into this process; use --parser remote to ask "
+             "the running app)";
     }
   } catch (const std::system_error& error) {
     return ": " + error.code().message();
   }
-  return " (--verbose shows what the loader said)";
+  return " (--verbose shows the loader's message)";
 }
 
-/// What is asked of a parser.
+/// A question to a class parser.
 template <class Answer>
 using Question = std::function<Answer(const ClassParser& parser, const Executable& image,
                                       const std::shared_ptr<Progress>& progress)>;
@@ -78,7 +78,8 @@ using Question = std::function<Answer(const ClassParser& parser, const Executabl
 template <class Answer>
 Answer askDynamically(const Question<Answer>& question, const Executable& image,
                       const ImageArgument& argument, const std::shared_ptr<Progress>& progress) {
-  // Nothing could stop the code of an image that is being loaded, and nothing is left behind.
+  // Exit at once: the code of an image that is being loaded cannot be interrupted, and nothing
+  // needs to be cleaned up.
   const Cancellation cancellation(*progress, [&argument] {
     printError(cancelled(argument).what());
     std::_Exit(EXIT_FAILURE);

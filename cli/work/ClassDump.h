@@ -8,13 +8,14 @@
 
 namespace tavlen::cli {
 
-/// The classes that the image defines. Shows on a terminal how far it is. SIGINT and SIGTERM end
-/// it: a remote dump throws, a dynamic one, in which code of the image may run, ends the process
-/// with the same message and status. Throws std::runtime_error whose text begins with the image,
+/// The classes that the image defines. Shows progress on a terminal. SIGINT and SIGTERM cancel it:
+/// a remote dump throws; a dynamic one, which may be running code of the image, exits the process
+/// with the same message and status. Throws std::runtime_error whose message begins with the image,
 /// and what imageNamed() throws.
 ClassParser::Classes dumpClasses(const ImageArgument& argument);
 
-/// As dumpClasses(), the class of that name. Throws std::runtime_error where there is none, too.
+/// The class with that name. Never null. Behaves as dumpClasses(), and throws std::runtime_error if
+/// the image does not define the class.
 std::shared_ptr<ObjCClass> dumpedClass(const ImageArgument& argument, const std::string& name);
 
 }  // namespace tavlen::cli

@@ -4,8 +4,8 @@
 
 namespace tavlen::cli {
 
-/// Writes what `error` says to the standard error stream: one line `tavlen: error: ...`, and for an
-/// exception of the transpiler's script the call stack below it.
+/// Writes `tavlen: error: ...` as one line to the standard error stream; for an exception of the
+/// transpiler, also the script's call stack.
 void reportError(const std::exception& error);
 
 }  // namespace tavlen::cli

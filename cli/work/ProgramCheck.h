@@ -4,8 +4,8 @@
 
 namespace tavlen::cli {
 
-/// Throws std::system_error with the path unless `program` can be run; the library would stay
-/// silent.
+/// Throws std::system_error with the path unless `program` can be executed. The library does not
+/// report that.
 void requireProgram(const std::filesystem::path& program);
 
 }  // namespace tavlen::cli

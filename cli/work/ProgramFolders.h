@@ -4,8 +4,8 @@
 
 namespace tavlen::cli {
 
-/// The folder of the command's own resources, the transpiler script among them: share/tavlen beside
-/// the folder that the program lies in.
+/// The folder of the command's resources, such as the transpiler script: share/tavlen next to the
+/// folder that contains the program.
 std::filesystem::path resourceFolder();
 
 }  // namespace tavlen::cli

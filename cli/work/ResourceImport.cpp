@@ -1,25 +1,54 @@
 #include "cli/work/ResourceImport.h"
 
+#include <map>
 #include <optional>
 #include <stdexcept>
+#include <variant>
 
+#include "cli/terminal/Console.h"
 #include "tavlen/foundation/files/FileSystem.h"
+#include "tavlen/foundation/image/Image.h"
 
 namespace tavlen::cli {
 
+namespace {
+
 namespace fs = std::filesystem;
+
+/// Throws for two different files with the same name: both would become the same resource.
+void checkNames(std::span<const TypedValue> values) {
+  std::map<fs::path, std::string> files;
+  for (const TypedValue& value : values) {
+    if (value.file.empty()) continue;
+    const fs::path name = fs::path(value.file).filename();
+    const auto [other, isNew] = files.try_emplace(name, value.file);
+    if (!isNew && readFile(other->second) != readFile(value.file)) {
+      throw std::runtime_error(other->second + " and " + value.file + ": would both be stored as " +
+                               name.string());
+    }
+  }
+}
+
+void warnUnlessImage(const TypedValue& value) {
+  if (value.file.empty() || !std::holds_alternative<ImageParameter>(value.parameter)) return;
+  if (!Image::decode(readFile(value.file))) {
+    printWarning(value.file + ": is not a PNG or JPEG image");
+  }
+}
+
+}  // namespace
 
 ResourceImport::ResourceImport(const TweakFile& tweak, const std::string& file, bool replaces) {
   const std::string contents = readFile(file);
   const std::string name = fs::path(file).filename().string();
   fs::create_directories(tweak.resourcesDir());
   const std::optional<fs::path> place = pathInside(tweak.resourcesDir(), name);
-  if (!place) throw std::runtime_error(name + ": leads out of Resources");
+  if (!place) throw std::runtime_error(name + ": would lie outside Resources");
   if (fs::exists(*place)) {
     if (readFile(*place) == contents) return;
     if (!replaces) {
       throw std::runtime_error("Resources/" + name +
-                               " is there with other contents; --replace overwrites it");
+                               " already exists and differs; use --replace to overwrite it");
     }
   }
   replacement_ = std::make_unique<FileReplacement>(*place, contents);
@@ -27,6 +56,17 @@ ResourceImport::ResourceImport(const TweakFile& tweak, const std::string& file, 
 
 void ResourceImport::commit() {
   if (replacement_) replacement_->commit();
+}
+
+std::vector<ResourceImport> importResources(std::span<const TypedValue> values,
+                                            const TweakFile& tweak, bool replaces) {
+  checkNames(values);
+  std::vector<ResourceImport> imports;
+  for (const TypedValue& value : values) {
+    warnUnlessImage(value);
+    if (!value.file.empty()) imports.emplace_back(tweak, value.file, replaces);
+  }
+  return imports;
 }
 
 }  // namespace tavlen::cli

@@ -14,7 +14,7 @@ namespace tavlen::cli {
 
 namespace {
 
-/// What the transpiler says of a syntax error. Line and column count from 1, columns in UTF-16
+/// A syntax error as reported by the transpiler. Line and column count from 1, columns in UTF-16
 /// units.
 struct SyntaxError {
   std::string message;
@@ -22,7 +22,7 @@ struct SyntaxError {
   std::size_t column;
 };
 
-/// Takes a number from the end of `text`; 0 when there is none.
+/// Removes a number from the end of `text` and returns it; 0 if there is none.
 std::size_t takeNumber(std::string_view& text) {
   std::size_t begin = text.size();
   while (begin > 0 && text[begin - 1] >= '0' && text[begin - 1] <= '9') --begin;
@@ -32,7 +32,7 @@ std::size_t takeNumber(std::string_view& text) {
   return value;
 }
 
-/// The transpiler's messages end in the position: "Unexpected token (12:7)".
+/// Parses the transpiler's message, which ends in the position: "Unexpected token (12:7)".
 std::optional<SyntaxError> syntaxErrorOf(const TweakProcessor::Error& error) {
   std::string_view rest = error.message();
   if (error.name() != "SyntaxError" || !rest.ends_with(')')) return std::nullopt;
@@ -46,8 +46,8 @@ std::optional<SyntaxError> syntaxErrorOf(const TweakProcessor::Error& error) {
   return SyntaxError{std::string(rest), line, column};
 }
 
-/// Lines as the language counts them: a carriage return, alone or before a line feed, and the two
-/// Unicode separators end one as well.
+/// The length of the line end at `i`; 0 if there is none. As in the hook language, a line ends in
+/// LF, CR, CRLF, U+2028 or U+2029.
 std::size_t lineEndLength(std::string_view text, std::size_t i) {
   if (text[i] == '\n') return 1;
   if (text[i] == '\r') return i + 1 < text.size() && text[i + 1] == '\n' ? 2 : 1;
@@ -78,15 +78,14 @@ std::string_view lineAt(std::string_view text, std::size_t number) {
   return number == 1 ? text.substr(begin) : std::string_view();
 }
 
-/// Writes the error and under it the line with a caret. `place` is what compilers put before
-/// "error".
+/// Prints "PLACE: error: MESSAGE", and the line with a caret under its column.
 void printDiagnostic(const std::string& place, const SyntaxError& error, std::string_view text) {
   printMessage(escapedForTerminal(place) + ": error: " + escapedForTerminal(error.message) + "\n" +
                caretLine(lineAt(text, error.line), error.column));
 }
 
-/// Converts pieces of source one after the other. A processor keeps its first exception, so each
-/// failure costs one.
+/// Converts pieces of source, one after another. A processor keeps its first exception, so every
+/// failure costs a new processor.
 class Prober {
  public:
   explicit Prober(const std::filesystem::path& folder) : folder_(folder) {}
@@ -108,7 +107,7 @@ class Prober {
 };
 
 std::string placeOf(const OpenedTweak& tweak, std::size_t hookPlace) {
-  // Errors name hooks as the file counts them, and the list of present hooks skips the absent ones.
+  // Messages use the index in the file; `hookPlace` does not count empty entries.
   std::size_t present = 0;
   for (std::size_t i = 0; i < tweak.manifest._hooks.size(); ++i) {
     const auto& hook = tweak.manifest._hooks[i];
@@ -120,8 +119,10 @@ std::string placeOf(const OpenedTweak& tweak, std::size_t hookPlace) {
   return tweak.pathOf("Manifest.json");
 }
 
-/// Reports an error of the generated text. Broken code of one hook may be noticed only in the next,
-/// so each hook is tried alone; the position decides only where all are well by themselves.
+/// Reports a syntax error in the generated text at the hook that caused it. The reported position
+/// may be too late: an unclosed bracket in one hook's code, for example, is often noticed only in
+/// the next hook. So every hook is first converted by itself, and the first failure is reported. If
+/// every hook converts by itself, the hook at the reported line is at fault.
 void reportGenerated(const OpenedTweak& tweak, const HookSource& generated,
                      const SyntaxError& error, Prober& prober) {
   constexpr std::string_view kBefore = "hookClass(\"\", {}, {\n";

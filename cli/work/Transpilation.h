@@ -10,9 +10,9 @@ namespace tavlen::cli {
 
 /// Converts `tweak` with the transpiler in the folder `transpiler`.
 ///
-/// A syntax error is reported on the standard error stream as compilers do it, in the script at its
-/// line and column, in generated text at the hook that it came from; the result is then empty.
-/// Throws what TweakProcessor throws otherwise.
+/// A syntax error is reported on the standard error stream in the format of compilers: in the
+/// script with line and column, in generated text with the hook that caused it. The result is then
+/// empty. Throws TweakProcessor's errors except for syntax errors.
 std::optional<TweakProcessor::Output> transpile(const OpenedTweak& tweak,
                                                 const std::filesystem::path& transpiler);
 

@@ -15,7 +15,7 @@ namespace tavlen::cli {
 
 namespace {
 
-/// Walks a manifest and collects what is questionable, with the path to where it stands.
+/// Walks a manifest and collects warnings with their places.
 class Checker {
  public:
   explicit Checker(const OpenedTweak& tweak) : tweak_(tweak) {}
@@ -65,7 +65,7 @@ class Checker {
     const auto types = splitMethodTypes(hook.signature);
     if (!types || types->arguments.size() < 2) {
       return warn(place + ".signature",
-                  "\"" + abbreviated(hook.signature) + "\" is no method's type encoding");
+                  "\"" + abbreviated(hook.signature) + "\" is not a method's type encoding");
     }
     const std::size_t arguments =
         types->arguments.size() - 2;  // after the receiver and the selector

@@ -5,11 +5,11 @@
 
 namespace tavlen::cli {
 
-/// Writes a type as a record, or null where there is none.
+/// Encodes a type as a record; null if `root` is null.
 ///
-/// Every node has its `kind` and, where it has any, its `qualifiers`; the root and nodes without
-/// parts have their `encoding`; the root has its `declaration`. The other keys are the properties
-/// of the node's class; what is absent there is left out. Bytes that are not UTF-8 are replaced.
+/// Every node has a `kind` and, if it has any, `qualifiers`. The root and nodes without parts have
+/// an `encoding`; the root has a `declaration`. Further keys are the properties of the node's
+/// class, without absent ones. Bytes that are not UTF-8 are replaced. Throws EncodingError.
 void encodeTypeTree(Encoder& encoder, const JXType* root);
 
 }  // namespace tavlen::cli

@@ -55,14 +55,15 @@ TEST_F(ArchiveCommandTest, AFailureIsOneLineAndChangesNothing) {
   newTweak("A");
   write("old.tvx", "old");
   fs::create_directories(folder() / "folder.tvx");
-  expectRefused("", {{"export A -o old.tvx", 1, "old.tvx: is there already; --force replaces it\n"},
-                     {"export nowhere", 1,
-                      "nowhere: no tweak or collection of that identifier or name is stored\n"},
-                     {"export A -o nowhere/a.tvx", 1, "nowhere/a.tvx: No such file or directory\n"},
-                     {"import nowhere.tvx", 1, "nowhere.tvx: No such file or directory\n"},
-                     {"import old.zip", 1, "old.zip: Unknown tweak type\n"},
-                     {"import folder.tvx", 1, "folder.tvx: Is a directory\n"},
-                     {"import old.tvx", 1, "old.tvx: "}});
+  expectRefused("",
+                {{"export A -o old.tvx", 1, "old.tvx: already exists; use --force to replace it\n"},
+                 {"export nowhere", 1,
+                  "nowhere: no stored tweak or collection has that identifier or name\n"},
+                 {"export A -o nowhere/a.tvx", 1, "nowhere/a.tvx: No such file or directory\n"},
+                 {"import nowhere.tvx", 1, "nowhere.tvx: No such file or directory\n"},
+                 {"import old.zip", 1, "old.zip: Unknown tweak type\n"},
+                 {"import folder.tvx", 1, "folder.tvx: Is a directory\n"},
+                 {"import old.tvx", 1, "old.tvx: "}});
   EXPECT_EQ(contents("old.tvx"), "old");
   EXPECT_EQ(entries(stored("")), 1U);
   EXPECT_EQ(entries(stored("..")), 1U);
@@ -81,7 +82,7 @@ TEST_F(ArchiveCommandTest, WarnsOfMembersThatDoNotOpen) {
   const Result result = run("export C -o c.zip");
   EXPECT_EQ(result.status, 0);
   for (const std::string text :
-       {"gone: a member", "C.collection: a member", "c.zip: import knows"}) {
+       {"gone: this member", "C.collection: this member", "c.zip: import recognises"}) {
     EXPECT_NE(result.err.find("tavlen: warning: " + text), std::string::npos) << result.err;
   }
   fs::rename(folder() / "c.zip", folder() / "c.TVXC");

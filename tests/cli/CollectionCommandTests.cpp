@@ -36,19 +36,19 @@ TEST_F(CollectionCommandTest, MembersAreAddedAndRemoved) {
     std::string line;
     std::string error;
     std::string members;
-  } steps[] = {{"add C B " + a, "", "BA"},
-               {"add C [WIP]", "", "BA["},
-               {"remove C [WIP]", "", "BA"},
-               {"add C A", "A: is in the collection already", "BA"},
-               {"add C O",
-                "O: Bundle ID mismatch (expected 'com.example.notes' but found 'com.other')", "BA"},
-               {"remove C B O", "O: is not in the collection", "BA"},
-               {"add C C", "C: is a collection, not a tweak", "BA"},
-               {"add " + b + " A", b + ": is a tweak, not a collection", "BA"},
-               {"add C loose",
-                "loose: does not lie in " + (folder() / stored("")).parent_path().string(), "BA"},
-               {"remove C B", "", "A"},
-               {"add '" + file + "' B", "", "AB"}};
+  } steps[] = {
+      {"add C B " + a, "", "BA"},
+      {"add C [WIP]", "", "BA["},
+      {"remove C [WIP]", "", "BA"},
+      {"add C A", "A: is already in the collection", "BA"},
+      {"add C O", "O: Bundle ID mismatch (expected 'com.example.notes' but found 'com.other')",
+       "BA"},
+      {"remove C B O", "O: is not in the collection", "BA"},
+      {"add C C", "C: is a collection, not a tweak", "BA"},
+      {"add " + b + " A", b + ": is a tweak, not a collection", "BA"},
+      {"add C loose", "loose: is not in " + (folder() / stored("")).parent_path().string(), "BA"},
+      {"remove C B", "", "A"},
+      {"add '" + file + "' B", "", "AB"}};
   for (const auto& [line, error, left] : steps) {
     const Result result = run("collection " + line);
     EXPECT_EQ(result.err, error.empty() ? "" : "tavlen: error: " + error + "\n");

@@ -91,7 +91,7 @@ TEST_F(CommandTest, ABadTweakIsNamedInOneLineAndNothingIsWritten) {
   for (const char* command : {"source", "check", "build -o out"}) {
     expectRefused(
         command,
-        {{"nowhere", 1, "nowhere: no tweak or collection of that identifier or name is stored\n"},
+        {{"nowhere", 1, "nowhere: no stored tweak or collection has that identifier or name\n"},
          {"./nowhere", 1, "./nowhere: Not found\n"},
          {"file", 1, "file: Not found\n"},
          {"empty", 1, "empty: Missing Manifest.json\n"},
@@ -203,11 +203,11 @@ TEST_F(CommandTest, CheckWarnsOfWhatIsQuestionable) {
                 "of Resources\n" +
                 place + "hooks[0].args.7.filename: the resource \"go\\x1bne\" is missing\n" +
                 place + "hooks[2]: hooks the same method as hooks[0]\n" + place +
-                "hooks[2].signature: \"zz\" is no method's type encoding\n"
+                "hooks[2].signature: \"zz\" is not a method's type encoding\n"
                 "tavlen: error: broken/Manifest.json: hooks[0]: expected a dictionary, found a "
                 "number\n"
-                "tavlen: error: nowhere: no tweak or collection of that identifier or name is "
-                "stored\n");
+                "tavlen: error: nowhere: no stored tweak or collection has that identifier or "
+                "name\n");
   EXPECT_EQ(run("check T").status, 0) << "warnings are no failure";
 }
 

@@ -127,7 +127,7 @@ TEST_F(DeviceCommandTest, CrashLogsComeThroughTheHelper) {
   EXPECT_EQ(device("crash-logs com.a logs").out, "log.ips\n");
   EXPECT_EQ(contents("logs/log.ips"),
             "fetch-logs com.a " + fs::canonical(folder() / "tree").string() + "\n");
-  EXPECT_THAT(device("crash-logs com.a logs").err, HasSubstr("no crash logs"));
+  EXPECT_THAT(device("crash-logs com.a logs").err, HasSubstr("no new crash logs"));
   EXPECT_EQ(device("crash-logs com.a nowhere").status, 1);
   program("Applications/Marrowgleam.app/bin/kvfileops", "exit 4");
   EXPECT_EQ(device("crash-logs com.a logs").err,
@@ -143,7 +143,7 @@ TEST_F(DeviceCommandTest, KillAndRespringSayWhatIsMissing) {
   EXPECT_EQ(device("respring").status, 0);
   EXPECT_EQ(contents("called"), "-9 SpringBoard\n");
   EXPECT_THAT(device("kill com.a").err,
-              HasSubstr("the system service that knows the running apps is missing"));
+              HasSubstr("the system service for running apps is not available"));
 
   write("script.plist",
         "<?xml version=\"1.0\" encoding=\"UTF-8\"?><plist version=\"1.0\"><dict><key>pids</key>"

@@ -82,15 +82,15 @@ TEST_F(HookCommandTest, RefusesAndChangesNothing) {
   const std::string before = manifest();
   expectRefused(
       "hook",
-      {{"add T A b --signature v16@0:8", 1, "T: -[A b]: the tweak hooks that method already\n"},
+      {{"add T A b --signature v16@0:8", 1, "T: -[A b]: the tweak already hooks that method\n"},
        {"add T A c\xFF --signature v", 1, "T: -[A c"},
        {"add T A c", 2, "--signature is required"},
        {"add T '' c --signature v", 2, "CLASS: it is empty"},
        {"set T '-[A a:]'", 2, "At least 1 option"},
        {"set T '-[A a:]' --name n --no-name", 2, ""},
-       {"set T '-[A a:]' --selector b", 1, "T: -[A a:]: the tweak hooks that method already\n"},
+       {"set T '-[A a:]' --selector b", 1, "T: -[A a:]: the tweak already hooks that method\n"},
        {"set T '-[A z]' --name n", 1, "T: -[A z]: Hook not found\n"},
-       {"remove T X", 1, "T: X: several hooks have that name; name one as"},
+       {"remove T X", 1, "T: X: several hooks have that name; use"},
        {"remove T", 2, "--hook is required"},
        {"list nowhere", 1, "nowhere: "},
        {"list Broken", 1, "Broken/Manifest.json: configuration: expected"}});

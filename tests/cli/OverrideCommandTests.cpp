@@ -54,8 +54,9 @@ TEST_F(OverrideCommandTest, AKindIsThereOnceOnly) {
   const std::string twice =
       R"({"type":"Version","value":"a"},)" + build + R"(,{"type":"Version","value":"b"})";
   store(twice);
-  EXPECT_EQ(run("override add T version 2").err,
-            "tavlen: error: T: Version: the tweak has such an override already; set changes it\n");
+  EXPECT_EQ(
+      run("override add T version 2").err,
+      "tavlen: error: T: Version: the tweak already has such an override; use set to change it\n");
   EXPECT_EQ(run("override set T version 2").err, "");
   EXPECT_EQ(list(), R"([{"type":"Version","value":"2"},)" + build + "]\n");
   store(twice);

@@ -117,7 +117,7 @@ TEST_F(ParamCommandTest, MalformedArgumentsAreWrongUsage) {
       {"a color such as", {"color:#ff00", "color:#ff00zz", "color:#-1-1-1"}},
       {"a class's name", {"class:"}},
       {"the path of a file", {"data:", "image:a/.."}},
-      {"a parameter as manifests hold it", {"json:", R"(json:{"type":"X"})"}}};
+      {"a parameter in the form of manifests", {"json:", R"(json:{"type":"X"})"}}};
   for (const auto& [expected, wrong] : values) {
     for (const std::string& value : wrong) {
       refusals.push_back(
@@ -172,9 +172,9 @@ TEST_F(ParamCommandTest, SaysWhatIsWrongWhereAndChangesNothing) {
        {"insert T '-[A a:b:]' 0.3 nil", 1, start + "0.3: Index out of bounds: 3\n"},
        {"insert T '-[A a:b:]' 0.-1 nil", 1, start + "0.-1: Index out of bounds: -1\n"},
        {"insert T '-[A a:b:]' 1.end nil", 1,
-        start + "1.end: a dictionary's pair needs a key; --key gives it\n"},
+        start + "1.end: --key is required when adding to a dictionary\n"},
        {"insert T '-[A a:b:]' 0.end nil --key nil", 1,
-        start + "0.end: an array's item has no key\n"},
+        start + "0.end: --key is for dictionaries only\n"},
        {"remove T '-[A a:b:]' 0.2", 1, start + "0.2: Index out of bounds: 2\n"},
        {"remove T '-[A a:b:]' 7", 1, start + "7: Parameter not found at index 7 in tweak file:///"},
        {"move T '-[A a:b:]' 0.0 2", 1, start + "0.0: Index out of bounds: 2\n"}});
@@ -188,7 +188,7 @@ TEST_F(ParamCommandTest, FilesBecomeResources) {
   EXPECT_EQ(contents("T/Resources/a.bin"), "one");
   EXPECT_EQ(stored("0.0"), "{\"type\":\"Data\",\"filename\":\"a.bin\"}\n");
   EXPECT_EQ(param("set", "-1 image:in/a.bin").err,
-            "tavlen: warning: in/a.bin: is no PNG or JPEG image\n")
+            "tavlen: warning: in/a.bin: is not a PNG or JPEG image\n")
       << "the same bytes are there";
   // Two files of one name have one place.
   write("in/2/a.bin", "another");
@@ -200,8 +200,8 @@ TEST_F(ParamCommandTest, FilesBecomeResources) {
   write("in/b.bin", "b");
   const std::string before = manifest();
   EXPECT_EQ(param("set", "-1 data:in/a.bin").err,
-            "tavlen: error: T: -[A a:b:]: -1: Resources/a.bin is there with other contents; "
-            "--replace overwrites it\n");
+            "tavlen: error: T: -[A a:b:]: -1: Resources/a.bin already exists and differs; "
+            "use --replace to overwrite it\n");
   EXPECT_EQ(param("set", "0.9 data:in/b.bin").status, 1);
   EXPECT_EQ(param("insert", "0.9 data:in/b.bin").status, 1);
   EXPECT_THAT(param("set", "0.0 data:in/none").err, HasSubstr("in/none"));

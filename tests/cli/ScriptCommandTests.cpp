@@ -40,13 +40,14 @@ TEST_F(CommandStoreTest, AnEditedScriptIsNeverLost) {
   } rows[] = {
       {"sed -i s/old/new/", "new", "", false},
       {"f() { rm \"$1\"; printf new >\"$1\"; }; f", "new", "", false},
-      {"true", "old", "tavlen: the script is as it was\n", false},
+      {"true", "old", "tavlen: the script is unchanged\n", false},
       {"false", "old", "tavlen: error: false: terminated(1)\n", false},
       {"f() { printf new >\"$1\"; exit 3; }; f", "old", "tavlen: error: ", true},
       {"f() { printf '\\377' >\"$1\"; }; f", "old", "tavlen: error: ", true},
       {"f() { printf new >\"$1\"; printf other >'" + (folder() / script).string() + "'; }; f",
        "other",
-       "tavlen: error: the script was changed by somebody else meanwhile; the text is kept", true},
+       "tavlen: error: the script changed on disk while you were editing it; your text is in",
+       true},
   };
   for (const auto& row : rows) {
     write(script, "old");
@@ -56,7 +57,7 @@ TEST_F(CommandStoreTest, AnEditedScriptIsNeverLost) {
     EXPECT_EQ(contents(script), row.stored) << row.editor;
     EXPECT_THAT(result.err, StartsWith(row.error)) << row.editor;
     EXPECT_EQ(result.err.empty(), row.error.empty()) << result.err;
-    const std::size_t kept = result.err.find("kept in ");
+    const std::size_t kept = result.err.find("is in ");
     ASSERT_EQ(kept != std::string::npos, row.isKept) << row.editor;
     std::size_t leavings = 0;
     for (const auto& entry : fs::directory_iterator(folder())) {

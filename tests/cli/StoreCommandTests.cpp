@@ -19,7 +19,7 @@ TEST_F(CommandStoreTest, NewMakesATweakOrSaysWhatIsWrong) {
             R"({"configuration":{"name":"N\n","color":"lightGreen","bundleID":"com.example.notes",)"
             R"("glyph":{"icon":"tools","style":"solid"}},"overrides":[],"hooks":[]})");
   EXPECT_THAT(run("new A --app com.gone --glyph apple").err,
-              StartsWith("tavlen: warning: com.gone: no app of that identifier"));
+              StartsWith("tavlen: warning: com.gone: no app with that identifier"));
   expectRefused("new", {{"A --app x --glyph tolls", 2,
                          "--glyph: unknown glyph \"tolls/solid\"; did you mean tools/solid?\n"},
                         {"A --app x --glyph apple/solid", 2,
@@ -82,8 +82,7 @@ TEST_F(CommandStoreTest, ItemsGoByIdentifierNameOrPath) {
   for (const char* command : {"show", "install", "delete", "uninstall"}) {
     expectRefused(
         command,
-        {{"'my tweak'", 1,
-          "my tweak: no tweak or collection of that identifier or name is stored\n"},
+        {{"'my tweak'", 1, "my tweak: no stored tweak or collection has that identifier or name\n"},
          {"My", 1, "My: several items have that name; name one by its identifier: "},
          {"BAD", 1, store + "BAD/Manifest.json: The given data was not valid JSON: "},
          {"BAD.collection", 1, store + "BAD.collection: expected a dictionary, found an array\n"},
@@ -98,9 +97,8 @@ TEST_F(CommandStoreTest, DeleteTakesAwayWhatTheStoreHolds) {
   const std::string id = newTweak("A");
   writeCollection("C", "C", "\"" + id + "\"");
   writeTweak("mine", "");
-  EXPECT_EQ(run("delete mine").err, kError + "mine: does not lie in " +
-                                        (folder() / "tree").string() + std::string(kTweaksDir) +
-                                        "\n");
+  EXPECT_EQ(run("delete mine").err, kError + "mine: is not in " + (folder() / "tree").string() +
+                                        std::string(kTweaksDir) + "\n");
   EXPECT_EQ(run("delete C").status, 0);
   EXPECT_EQ(run("install A").status, 0);
   newTweak("B");

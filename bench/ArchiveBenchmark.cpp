@@ -1,6 +1,6 @@
-// A keyed archive of 5,000 classes: into the table, into records, and written. scripts/bench sets
-// the rows beside its peers, which read the same file. As theirs, a time ends when the result is
-// there: letting go of it is not counted.
+// Reading a keyed archive of 5,000 classes into the table and into records, and writing it.
+// scripts/bench compares the rows with other implementations, which read the same file. As in
+// those, freeing the result is not measured.
 #include <benchmark/benchmark.h>
 
 #include <string>
@@ -22,7 +22,7 @@ const std::string& archive() {
   return bytes;
 }
 
-/// What the other Foundation can read: it knows no object past the 65,535th.
+/// An archive that the other Foundation can read, which supports at most 65,535 objects.
 const std::string& smallArchive() {
   static const std::string bytes = tavlen::encodeKeyedArchive(tavlen::bench::sampleClasses(1000));
   return bytes;

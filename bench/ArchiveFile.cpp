@@ -1,8 +1,7 @@
-// A process of its own for a keyed archive of classes:
-//   ArchiveFile write FILE COUNT    writes one of that many
-//   ArchiveFile grow FILE           reads it into records, and prints by how many times the file's
-//   size
-//                                   the process grew at the most, the file's bytes not counted
+// Works on a keyed archive of classes in a separate process:
+//   ArchiveFile write FILE COUNT    writes an archive of COUNT classes
+//   ArchiveFile grow FILE           reads it into records, and prints the peak growth of the
+//                                   process, without the file's bytes, as a multiple of its size
 #include <charconv>
 #include <fstream>
 #include <iostream>
@@ -15,7 +14,7 @@
 
 namespace {
 
-/// A field of the kernel's account of this process, in bytes.
+/// A field of /proc/self/status, in bytes.
 double statusBytes(std::string_view field) {
   std::ifstream status("/proc/self/status");
   for (std::string line; std::getline(status, line);) {

@@ -1,4 +1,4 @@
-// Dumps the classes of an image and prints how much that was: classes, methods, bytes of text.
+// Dumps the classes of an image and prints the numbers of classes, methods and bytes of text.
 #include <cstdlib>
 #include <exception>
 #include <iostream>

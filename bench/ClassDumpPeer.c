@@ -1,4 +1,4 @@
-// What ClassDump does, with nothing but the run time's calls: copies the same texts and prints how much that was.
+// The same work as ClassDump with plain calls of the run time: copies the same texts and prints their numbers.
 #define _GNU_SOURCE
 #include <dlfcn.h>
 #include <link.h>

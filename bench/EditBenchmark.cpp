@@ -1,6 +1,5 @@
-// One edit of a parameter in a stored manifest of 10,000 hooks, beside the work that it cannot do
-// without: the manifest decoded once for the value at each level, once more for the write, encoded
-// once and replaced once. scripts/bench compares the rows by their names.
+// One edit of a parameter in a stored manifest of 10,000 hooks, and the steps of which it consists:
+// decoding, encoding and replacing the manifest. scripts/bench compares the rows by their names.
 #include <benchmark/benchmark.h>
 
 #include <filesystem>
@@ -21,7 +20,7 @@ constexpr std::size_t kHookCount = 10'000;
 constexpr std::size_t kEdited = kHookCount / 2;
 constexpr const char* kManifestFile = "Manifest.json";
 
-/// The edited hook's first argument is an array of an array.
+/// A manifest in which the edited hook's first argument is an array in an array.
 tavlen::TweakFile::Manifest manifest() {
   auto sample = tavlen::bench::sampleManifest(kHookCount);
   const auto inner = tavlen::ArrayParameter::withItems({tavlen::ValueParameter<std::int64_t>{1}});
@@ -29,7 +28,7 @@ tavlen::TweakFile::Manifest manifest() {
   return sample;
 }
 
-/// The sample in a folder of its own.
+/// The sample, stored in a temporary folder.
 class StoredSample {
  public:
   StoredSample() {
@@ -40,7 +39,7 @@ class StoredSample {
   const std::string& document() const { return document_; }
   std::filesystem::path spareFile() const { return folder_.path() / "spare"; }
 
-  /// The manager of the parameter that lies `depth` arrays deep.
+  /// The manager of the parameter inside `depth` arrays.
   std::shared_ptr<const tavlen::ParameterManager> managerAt(std::int64_t depth) const {
     const auto identity = tweak_->manifest()._hooks[kEdited].value().identity();
     auto link = tavlen::RootParameterManager(tweak_->managerFor(identity), 0).shared();
@@ -78,7 +77,7 @@ void partsOfEdit(benchmark::State& state) {
   }
 }
 
-// By the clock: the replacement waits for the disk.
+// Wall-clock time, because replacing the file waits for the disk.
 BENCHMARK(edit)->DenseRange(0, 2)->UseRealTime()->Unit(benchmark::kMillisecond);
 BENCHMARK(partsOfEdit)->DenseRange(0, 2)->UseRealTime()->Unit(benchmark::kMillisecond);
 

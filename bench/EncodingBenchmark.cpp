@@ -1,5 +1,6 @@
-// Type encodings read and printed: those of a large library's methods, beside that library's own
-// method signatures, and large ones of every shape. scripts/bench compares the rows by their names.
+// Reading and printing type encodings: those of a large library's methods, compared with that
+// library's own method signatures, and large encodings of every shape. scripts/bench compares the
+// rows by their names.
 #include <benchmark/benchmark.h>
 #include <malloc.h>
 
@@ -25,7 +26,7 @@ const std::vector<const char*>& methodEncodings() {
   return encodings;
 }
 
-/// The number of types.
+/// Reads all types of an encoding and returns their number.
 std::size_t readTypes(const char* encoding) {
   std::size_t types = 0;
   tavlen::JXTypeCursor cursor(encoding);
@@ -59,14 +60,14 @@ void methodsSignatures(benchmark::State& state) {
   for (auto _ : state) benchmark::DoNotOptimize(readSignatures());
 }
 
-/// Lets the allocator keep what it once had. As it is, it gives large blocks back, and keeps small
-/// ones below some sum, which the trees of 1 MB stay below and those of 2 MB do not.
+/// Makes the allocator keep freed memory. By default it returns large blocks to the system, and
+/// small ones above a threshold, which lies between the trees of 1 MB and those of 2 MB.
 void keepMemory() {
   (void)mallopt(M_MMAP_MAX, 0);
   (void)mallopt(M_TRIM_THRESHOLD, std::numeric_limits<int>::max());
 }
 
-/// The processor's seconds for reading `text` and printing it into `printed`, `times` over.
+/// The CPU time in seconds for reading `text` and printing it into `printed`, `times` times.
 double timeOf(const std::string& text, std::string& printed, int times = 1) {
   const std::clock_t begin = std::clock();
   for (int i = 0; i < times; ++i) {
@@ -79,8 +80,8 @@ double timeOf(const std::string& text, std::string& printed, int times = 1) {
   return static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC;
 }
 
-/// How the time grows with the size. The times that are compared are taken one right after the
-/// other, since those of a busy machine change.
+/// The growth of the time with the size. The compared times are measured one right after the other,
+/// because the load of the machine varies.
 void growth(benchmark::State& state, const SampleEncoding& sample) {
   keepMemory();
   const std::string small = sample.text(10'000);

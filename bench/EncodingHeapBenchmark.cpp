@@ -1,4 +1,4 @@
-// The heap that trees of types take. The figures are the counters; times mean nothing here, since
+// The heap use of type trees. The results are the counters; the times are meaningless, because
 // allocations are counted.
 #include <benchmark/benchmark.h>
 

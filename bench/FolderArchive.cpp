@@ -1,7 +1,7 @@
-// What an export and an import cost, as programs to be timed:
+// The work of an export and of an import, as programs to be timed:
 //   FolderArchive zip FOLDER COPY ARCHIVE    copies the folder and makes an archive of the copy
 //   FolderArchive unzip ARCHIVE FOLDER
-// Both print their peak of memory in kB.
+// Both print their peak memory use in kB.
 #include <exception>
 #include <fstream>
 #include <iostream>
@@ -13,7 +13,7 @@
 
 namespace {
 
-/// Of this program alone: what wait4() tells holds the peak of the one that started it, too.
+/// The peak of this program alone; the one from wait4() includes that of its parent process.
 std::string peakMemory() {
   std::ifstream status("/proc/self/status");
   std::string word;

@@ -1,5 +1,5 @@
-// The heap that reading a large manifest takes. The figures are the counters; times mean nothing
-// here, since allocations are counted.
+// The heap use of reading a large manifest. The results are the counters; the times are
+// meaningless, because allocations are counted.
 #include <benchmark/benchmark.h>
 
 #include <string>
@@ -31,7 +31,7 @@ void heapOfDecoding(benchmark::State& state) {
     HeapUse::resetPeak();
     const auto decoded = tavlen::decodeJSON<tavlen::TweakFile::Manifest>(text);
     const std::size_t peak = HeapUse::peak() - before;
-    // A copy holds what the manifest needs, without room that vectors keep for more.
+    // A copy shows the manifest's net size, without spare capacity of vectors.
     const std::size_t beforeCopy = HeapUse::current();
     const auto copy = decoded;
     const std::size_t held = HeapUse::current() - beforeCopy;

@@ -48,7 +48,7 @@ using tavlen::bench::allocate;
 using tavlen::bench::orThrow;
 using tavlen::bench::release;
 
-// The array and the sized forms of the standard library end in these.
+// The standard library's array and sized forms call these.
 void* operator new(std::size_t size) { return orThrow(allocate(size)); }
 void* operator new(std::size_t size, std::align_val_t alignment) {
   return orThrow(allocate(size, alignment));

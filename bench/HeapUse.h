@@ -4,12 +4,14 @@
 
 namespace tavlen::bench {
 
-/// The heap that the program holds through operator new, in bytes that the allocator really gives
-/// away. A program that contains HeapUse.cpp counts; it must not start threads meanwhile.
+/// The program's heap use through operator new, in bytes as rounded up by the allocator. Linking
+/// HeapUse.cpp replaces operator new by a counting one, which is not thread-safe.
 struct HeapUse {
+  /// The bytes in use now.
   static std::size_t current();
-  /// The most since the last resetPeak().
+  /// The highest value of current() since the last resetPeak().
   static std::size_t peak();
+  /// Starts a new measurement of peak().
   static void resetPeak();
 };
 

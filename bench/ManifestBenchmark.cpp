@@ -1,5 +1,6 @@
-// Reading and writing a large manifest, and the source of its hooks, next to a general JSON
-// library on the same bytes and values. scripts/bench compares the rows by their names.
+// Reading and writing a large manifest, and generating the source of its hooks, compared with a
+// general JSON library on the same bytes and values. scripts/bench compares the rows by their
+// names.
 #include <benchmark/benchmark.h>
 
 #include <cstdint>

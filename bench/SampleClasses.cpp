@@ -71,7 +71,7 @@ class Sample {
     return text;
   }
 
-  /// Half are plain; the rest have a tail, so that there are some hundreds in all.
+  /// Half of the encodings are plain; the rest have a suffix, so that there are several hundred.
   std::string encoding() {
     std::string text = word(kEncodings);
     if (below(2) == 0) return text;
@@ -81,7 +81,7 @@ class Sample {
     return text;
   }
 
-  std::mt19937 random_{1};  // the standard fixes what it gives
+  std::mt19937 random_{1};  // its sequence is defined by the standard
 };
 
 }  // namespace

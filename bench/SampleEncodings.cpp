@@ -6,7 +6,7 @@ namespace tavlen::bench {
 
 namespace {
 
-/// Levels that are within the bound on depth.
+/// Nesting levels, within the limit on depth.
 constexpr std::size_t kLevels = 200;
 
 std::string nest(std::string_view opening, std::string_view innermost, std::string_view closing) {

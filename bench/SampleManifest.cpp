@@ -49,8 +49,8 @@ constexpr std::array<std::string_view, 5> kTexts = {
     "She said \"maybe\"\nand left.",
 };
 
-/// Draws the samples. The generator's numbers are the same with every library; distributions' are
-/// not.
+/// A source of pseudo-random samples. Uses the generator directly: its numbers are the same with
+/// every standard library, those of distributions are not.
 class Draw {
  public:
   std::size_t below(std::size_t limit) { return random_() % limit; }
@@ -64,7 +64,7 @@ class Draw {
     return std::string(begin).append(std::to_string(below(limit))).append(end);
   }
 
-  /// A component as people type it, or as a colour picker gives it.
+  /// A colour component with few digits, as typed by people, or with many, as from a colour picker.
   double share() {
     return below(2) == 0 ? static_cast<double>(below(101)) / 100
                          : static_cast<double>(below(256)) / 255;
@@ -185,7 +185,7 @@ std::string sampleSource(std::size_t size) {
 
 )";
   }
-  // The functions of hooks are much alike in length, so a part of them tells how many are needed.
+  // The functions of hooks have similar lengths, so a sample shows how many are needed.
   constexpr std::size_t kProbe = 1000;
   const std::size_t probed = TweakProcessor::generateCode(sampleHooks(kProbe)).size();
   const std::size_t count = size / 2 * kProbe / probed + 1;

@@ -1,5 +1,5 @@
-// The stages of a short run of the command, each for the first time in its process: prints their
-// names and milliseconds, a stage a line.
+// The stages of a short run of the command, each for the first time in the process. Prints the name
+// and the milliseconds of each stage on one line.
 #include <chrono>
 #include <iostream>
 

@@ -1,5 +1,5 @@
-// Listing and searching a store of many small tweaks, beside a loop that reads the same files and
-// does nothing with them. scripts/bench compares the rows by their names.
+// Listing and searching a store of many small tweaks, compared with a loop that only reads the same
+// files. scripts/bench compares the rows by their names.
 #include <benchmark/benchmark.h>
 #include <dirent.h>
 #include <fcntl.h>
@@ -28,7 +28,7 @@ namespace fs = std::filesystem;
 
 constexpr std::size_t kTweakCount = 10'000;
 
-/// A device tree with a store: one hook a tweak, names of the usual length.
+/// A device tree with a store of tweaks with one hook each, and with names of typical length.
 class Store {
  public:
   Store() {
@@ -47,7 +47,7 @@ class Store {
   const std::vector<std::shared_ptr<tavlen::TweakProtocol>>& tweaks() const { return tweaks_; }
 
  private:
-  /// Not as the library writes, which waits for the disk each time.
+  /// Writes without the library, which would wait for the disk each time.
   static void writeTweak(std::size_t number, const tavlen::Hook& hook) {
     tavlen::TweakFile::Manifest manifest;
     manifest.configuration = {"Tweak number " + std::to_string(number), tavlen::TweakColor::darkRed,
@@ -67,7 +67,7 @@ const Store& store() {
   return store;
 }
 
-/// The bytes of all manifests, read one after the other.
+/// Reads all manifests, one after another, and returns the number of their bytes.
 std::size_t readAllFiles(const std::string& folder) {
   std::size_t bytes = 0;
   std::vector<char> buffer;

@@ -1,5 +1,5 @@
-// The conversion's time must grow with the source's length and no faster. JSC_useJIT=0 in the
-// environment shows the engine without its compilers, as on a device.
+// The time of a conversion must grow in proportion to the length of the source. JSC_useJIT=0 in the
+// environment disables the engine's JIT compilers, as on a device.
 #include <benchmark/benchmark.h>
 
 #include <chrono>
@@ -11,8 +11,8 @@
 
 namespace {
 
-/// A processor whose script the engine has compiled in full. That takes it many conversions, so the
-/// warm-up goes by time.
+/// A processor whose script the engine has fully compiled. That takes many conversions, so the
+/// warm-up runs for a fixed time.
 tavlen::TweakProcessor& warmProcessor() {
   static tavlen::TweakProcessor processor(TAVLEN_RESOURCE_DIR);
   static const bool warm = [] {
@@ -34,7 +34,7 @@ void convert(benchmark::State& state) {
   state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(source.size()));
 }
 
-// The engine's compilers and collector have threads of their own, whose work counts.
+// Process CPU time includes the threads of the engine's compilers and garbage collector.
 BENCHMARK(convert)->ArgName("MB")->Arg(1)->Arg(2)->MinTime(1.5)->MeasureProcessCPUTime()->Unit(
     benchmark::kMillisecond);
 

@@ -1,6 +1,6 @@
-"""Listing 2,000 apps: the command beside a Python script that reads the same files with plistlib.
+"""Listing 2,000 apps: the command, compared with a Python script that reads the same files with plistlib.
 
-scripts/bench calls summarise(). Started as a program with a device tree as its argument, this file is that script.
+scripts/bench calls summarise(). Run as a program with a device tree as its argument, this file is that script.
 """
 import pathlib
 import plistlib
@@ -17,7 +17,7 @@ FOLDER = "var/containers/Bundle/Application"
 
 
 def info_of(number, chance):
-    """An Info.plist of everyday keys, without the texts that fill it up."""
+    """A typical Info.plist, without the texts that make up its size."""
     orientations = ["UIInterfaceOrientationPortrait", "UIInterfaceOrientationLandscapeLeft",
                     "UIInterfaceOrientationLandscapeRight"]
     info = {
@@ -46,7 +46,7 @@ def info_of(number, chance):
 
 
 def bytes_of(number, chance):
-    """2 to 4 kB: what asks for permissions, and why, fills the list up. Every other one is binary."""
+    """An Info.plist of 2 to 4 kB, most of it permission texts. Every second one is binary."""
     form = plistlib.FMT_BINARY if number % 2 else plistlib.FMT_XML
     info = info_of(number, chance)
     wanted = chance.randrange(2048, 3900)
@@ -78,7 +78,7 @@ def summarise(tavlen):
         make_tree(pathlib.Path(folder))
         ours = [tavlen, "--root", folder, "apps"]
         peer = [sys.executable, __file__, folder]
-        # Both list every app; these runs also warm the cache.
+        # Check that both list every app. These runs also warm the cache.
         listed = set(output_of(ours).split())
         missing = [line for line in output_of(peer).splitlines() if line.split("\t")[0] not in listed]
         if missing:
@@ -92,7 +92,7 @@ def summarise(tavlen):
 
 
 def list_apps(tree):
-    """What a script does that wants the same list."""
+    """Prints the same list as the command."""
     for file in sorted(pathlib.Path(tree, FOLDER).glob("*/*.app/Info.plist")):
         with file.open("rb") as stream:
             info = plistlib.load(stream)

@@ -1,5 +1,5 @@
-"""Reads the property list argv[1] and writes it again, argv[2] times each: prints both medians of
-the processor's milliseconds, a line each."""
+"""Reads the property list argv[1] and writes it again, argv[2] times each. Prints the median CPU
+times of reading and of writing in milliseconds, one per line."""
 import plistlib
 import statistics
 import sys

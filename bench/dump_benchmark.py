@@ -1,4 +1,4 @@
-"""The dump of GNUstep's Foundation, a process each: the library beside a C program that copies the same texts.
+"""The dump of GNUstep's Foundation: the library, compared with a C program that copies the same texts.
 
 scripts/bench calls summarise(). By itself: dump_benchmark.py CLASSDUMP CLASSDUMPPEER, the programs to measure.
 """
@@ -13,7 +13,7 @@ RUNS = 11
 
 
 def run(program):
-    """Milliseconds by the clock, and what it printed."""
+    """Returns the wall-clock time in milliseconds, and the output."""
     begin = time.perf_counter()
     output = subprocess.run([program, IMAGE], stdout=subprocess.PIPE, check=True, text=True).stdout
     return (time.perf_counter() - begin) * 1000, output

@@ -1,6 +1,6 @@
-// How the transpiler's time grows with kinds of source that a parser easily takes quadratic time for: the time for a
-// source of twice the size over that for the source, for the best of a few runs. Proportion gives 2, a square 4.
-// Run by scripts/bench; TAVLEN_OB_JS names the bundle.
+// The growth of the transpiler's time for kinds of source that often take a parser quadratic time: the time for a source
+// of double size, divided by the time for the source, each the best of a few runs. Linear time gives 2, quadratic 4.
+// Run by scripts/bench; TAVLEN_OB_JS is the path of the bundle.
 import { readFileSync } from "node:fs";
 import vm from "node:vm";
 

@@ -1,4 +1,4 @@
-"""Export and import of 500 MB, half noise and half text: the library beside cp, zip and unzip.
+"""Export and import of 500 MB, half noise and half text: the library, compared with cp, zip and unzip.
 
 scripts/bench calls summarise(). By itself: zip_benchmark.py FOLDERARCHIVE, the program to measure.
 """
@@ -30,8 +30,8 @@ def make_tree(folder, files=FILES):
 
 
 def measured(*commands):
-    """Seconds by the clock of all commands, and what the last one printed."""
-    os.sync()  # nobody is to pay for what another has written
+    """Returns the wall-clock time of all commands in seconds, and the output of the last one."""
+    os.sync()  # so that earlier writes do not count
     begin = time.perf_counter()
     for command, folder in commands:
         output = subprocess.run(command, cwd=folder, stdout=subprocess.PIPE, check=True, text=True).stdout
@@ -44,7 +44,7 @@ def remove(*paths):
 
 
 def round_trip(program, folder, tree):
-    """What measured() tells of each, by name. Both imports read the same archive."""
+    """Returns the results of measured() by name. Both imports read the same archive."""
     ours, theirs, copy, out = (folder / name for name in ("ours.zip", "theirs.zip", "Payload", "out"))
     times = {"export": measured(([program, "zip", tree, copy, ours], folder))}
     remove(copy)
@@ -66,7 +66,7 @@ def runs_of(program, files, count):
 
 
 def peak(runs, row):
-    """In MB."""
+    """The highest peak of memory of a row, in MB."""
     return max(int(run[row][1]) for run in runs) / 1024
 
 

@@ -1,4 +1,4 @@
-// Whatever is read as an image is written as the same one, and can be resized.
+// Any image that can be read can be resized, and written so that it reads back as the same image.
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
@@ -13,12 +13,12 @@ using namespace tavlen;
 
 namespace {
 
-/// A picture of many pixels takes the writer's time and shows nothing that a small one does not.
+/// Writing larger images takes long and finds no more faults than small ones.
 constexpr std::uint64_t kMostPixelsWritten = 1 << 14;
 constexpr std::uint32_t kSmallWidth = 7;
 constexpr std::uint32_t kSmallHeight = 9;
 
-/// `file` with the checksums that its chunks ask for: no mutation would ever hit on one.
+/// `file` with correct checksums of its chunks, which mutations would hardly ever produce.
 std::string withChecksums(std::string_view file) {
   constexpr std::size_t kLengthAndType = 8;
   constexpr std::size_t kChecksum = 4;

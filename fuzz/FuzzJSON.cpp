@@ -1,4 +1,5 @@
-// A manifest comes from anybody. What is read as one is written again, and reads back as the same.
+// Manifests are untrusted input. Any manifest that can be read can be written, and reads back as
+// the same manifest.
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -24,12 +25,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   try {
     written = tavlen::encodeJSON(manifest);
   } catch (const tavlen::EncodingError&) {
-    // One container more may be read than written: the only value that is read and not written.
+    // The decoder accepts one more level of nesting than the encoder. Only such a value can be read
+    // but not written.
     if (size < 512) std::abort();
     return 0;
   }
   if (tavlen::decodeJSON<TweakFile::Manifest>(written) != manifest) std::abort();
-  // What was decoded is UTF-8 and finite, so every hook has a source.
+  // Decoded values are UTF-8 and finite, so every hook has a source.
   tavlen::generateHookSource(manifest.hooks());
   return 0;
 }

@@ -1,4 +1,4 @@
-// Whatever is read from a keyed archive comes back as it was after writing it.
+// Anything read from a keyed archive can be written and reads back unchanged.
 #include <cstdint>
 #include <cstdlib>
 #include <string_view>

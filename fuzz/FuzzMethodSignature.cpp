@@ -1,4 +1,4 @@
-// The types of a signature, put together without their offsets, make the same signature again.
+// The types of a signature, concatenated without their offsets, read as the same signature.
 #include <cstdint>
 #include <cstdlib>
 #include <string>

@@ -1,4 +1,5 @@
-// Whatever is read as a property list is written as the same one, and decoding it ends.
+// Any property list that can be read can be written, reads back as the same list, and is decoded in
+// finite time.
 #include <cstdlib>
 #include <optional>
 #include <string>
@@ -40,7 +41,7 @@ void requireSameAfterWriting(const PropertyList& list) {
   } catch (const EncodingError&) {
     return;  // XML holds less: no cycles, no control characters
   }
-  // Small integers lose their 16 bytes and dates their fractions, so the texts are compared.
+  // Compare the texts: XML does not keep the 16-byte form of small integers or fractions of dates.
   require(writePropertyList(readPropertyList(xml), PropertyListFormat::xml) == xml);
 }
 
@@ -55,7 +56,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Record record;
     decode(decoder, record);
   } catch (const DecodingError&) {
-    // Refused, which is an answer.
+    // Refusing the input is fine.
   }
   return 0;
 }

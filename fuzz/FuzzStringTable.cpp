@@ -1,4 +1,4 @@
-// A table of translations is text of anybody's making; so are the formats it holds.
+// Tables of translations, and the formats in them, are untrusted input.
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -32,12 +32,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (value != nullptr && !tavlen::isValidUTF8(*value)) std::abort();
   }
 
-  // Whatever a text holds, its quoted form reads back to it.
+  // The quoted form of any text reads back as that text.
   const auto written = tavlen::StringTable::parse(quoted(text) + "=" + quoted(text) + ";");
   const std::string* value = written ? written->find(text) : nullptr;
   if (value == nullptr || *value != text) std::abort();
 
-  // A format loses at most half of each "%%", and no placeholder is shorter than these arguments.
+  // Filling shortens a format by at most one character for each "%%": no placeholder is shorter
+  // than these arguments.
   const std::string plain = tavlen::fillPlaceholders(text, {});
   if (plain.size() > size || plain.size() < size / 2) std::abort();
   const std::vector<std::string> arguments(2, "%@");

@@ -1,4 +1,4 @@
-// A type's encoding, read again, gives the same tree, whatever follows it in the text.
+// Reading a type's encoding again yields the same tree, whatever text follows it.
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>

@@ -1,4 +1,4 @@
-// Whatever is taken for an archive becomes files and folders in its own folder, and nothing else.
+// Unpacking any archive creates only files and folders, and only inside the destination folder.
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -53,7 +53,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     isTaken = true;
   } catch (const ZIPError&) {
   } catch (const std::system_error&) {
-    // A name that the file system does not take.
+    // The file system does not accept the name.
   }
   require(fs::exists(out) == isTaken);
   if (isTaken) {

@@ -34,7 +34,7 @@ def _pixels(width, height, tile, disc):
 
 
 def _rows(width, samples):
-    """Each row behind the number of its filter: the difference to the pixel on the left."""
+    """The rows, each after the number of its filter: the difference from the pixel to the left."""
     rows = bytearray()
     for start in range(0, len(samples), width * 4):
         row = samples[start : start + width * 4]

@@ -3,7 +3,7 @@ import { BOX, DICTIONARY, SELECTOR } from "./names.mjs";
 
 const SIMPLE_VALUES = new Set([tt.string, tt.num, tt._true, tt._false]);
 
-// What follows an `@`: boxed values, arrays, dictionaries and selectors.
+// The expressions that begin with `@`: boxed values, arrays, dictionaries and selectors.
 export const withBoxes = (Base) => class extends Base {
   parseAt() {
     const node = this.startNode();
@@ -103,7 +103,7 @@ export const withBoxes = (Base) => class extends Base {
     while (this.type !== tt.parenR || selector === "") {
       takeToken();
       if (this.type !== tt.colon) selector += this.parseIdent(true).name;
-      // Only a selector without arguments ends without a colon.
+      // Only a selector without arguments may end without a colon.
       if (this.type === tt.parenR && !selector.includes(":")) break;
       takeToken();
       this.expect(tt.colon);

@@ -8,9 +8,9 @@ export const withCalls = (Base) => class extends Base {
     return super.parseNew();
   }
 
-  // What a call in the place of the current token needs around it: `new` would
-  // take the arguments for its own, and in `return[a b]` the name would touch
-  // the word before.
+  // The text needed around a call that replaces the current token: parentheses
+  // after `new`, which would take the arguments as its own, and a blank in
+  // `return[a b]`, where the name would touch the previous word.
   surroundings() {
     const isCallee = this.newStart !== undefined && this.lastTokStart === this.newStart;
     const touchesWord = this.start > 0 && isIdentifierChar(this.input.charCodeAt(this.start - 1), true);

@@ -3,8 +3,8 @@ import { skipOrig, skipSpace } from "./lookahead.mjs";
 
 const CONTINUES_EXPRESSION = /[(`.[+\-/*%<>=,?^&|]/;
 
-// Whether the directive prologue at `pos` holds "use strict". Reads the text
-// once, forward, and no further than the prologue: it runs for each function.
+// Whether the directive prologue at `pos` contains "use strict". Reads only the
+// prologue, and only once, because it is called for each function.
 export function hasUseStrict(input, pos) {
   for (;;) {
     const start = skipSpace(input, pos);

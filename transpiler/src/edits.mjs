@@ -1,6 +1,6 @@
-// What becomes of single tokens. The parser names tokens by their index in the
-// order of the source; everything it does not name, comments and blanks
-// included, is emitted as it stands.
+// The edits of single tokens. The parser identifies tokens by their index in the
+// source. Everything without an edit, including comments and blanks, is emitted
+// unchanged.
 export class Edits {
   constructor() {
     this.byToken = [];
@@ -14,17 +14,17 @@ export class Edits {
     this.at(index).text = text;
   }
 
-  // Outer constructs come first: they reach a token before the inner ones do.
+  // Outer constructs come first, because the parser meets them before inner ones.
   insertBefore(index, text) {
     this.at(index).before += text;
   }
 
-  // Inner constructs come first: they end before the outer ones do.
+  // Inner constructs come first, because they end before outer ones.
   insertAfter(index, text) {
     this.at(index).after += text;
   }
 
-  // Swallows the blanks (never a comment or a line break) before the token.
+  // Removes the blanks before the token, but no comment or line break.
   tighten(index) {
     this.at(index).tight = true;
   }

@@ -3,8 +3,8 @@ import { Mappings } from "./mappings.mjs";
 
 const BLANKS = /^[ \t]+$/;
 
-// No edit adds or removes a line break, so each generated token stands on the
-// line of its source: only columns move, by `shift` on the current line.
+// No edit adds or removes a line break, so each generated token is on the same
+// line as in the source. Only columns change, by `shift` on the current line.
 class Emitter {
   constructor(source) {
     this.source = source;
@@ -63,8 +63,8 @@ class Emitter {
   }
 }
 
-// The code and the "mappings" of its source map, from the offsets at which the
-// tokens start and end and from the edits of some of them.
+// Returns the code and the "mappings" of its source map. `starts` and `ends` are
+// the offsets of the tokens.
 export function emit(source, starts, ends, edits) {
   const emitter = new Emitter(source);
   let previousEnd = 0;
@@ -73,7 +73,7 @@ export function emit(source, starts, ends, edits) {
     const edit = edits.byToken[i];
     if (start >= emitter.lines[emitter.line + 1]) emitter.moveTo(start);
     if (edit) emitter.applyEdit(edit, previousEnd, start, ends[i]);
-    // The end of the source and the void text of a template are empty tokens.
+    // The end of the source and the empty text of a template are empty tokens.
     else if (ends[i] > start) emitter.mark(start);
     previousEnd = ends[i];
   }

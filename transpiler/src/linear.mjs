@@ -1,13 +1,13 @@
 import { keywordTypes, tokTypes as tt } from "acorn";
 import { hasUseStrict } from "./directives.mjs";
 
-// The names that may be refused somewhere; all others need no look.
+// The names that are refused in some contexts; all others need no check.
 const DOUBTFUL = new Set([
   ..."enum await yield eval arguments implements interface let package private protected public static".split(" "),
   ...Object.keys(keywordTypes),
 ]);
 
-// The names of a regular expression's groups, in place of the parser's array.
+// The names of a regular expression's groups; replaces the parser's array.
 class GroupNames {
   constructor() {
     this.names = new Set();
@@ -17,7 +17,7 @@ class GroupNames {
     return this.names.size;
   }
 
-  // The parser sets no length but 0.
+  // The parser only ever sets the length to 0.
   set length(_) {
     this.names.clear();
   }
@@ -31,9 +31,9 @@ class GroupNames {
   }
 }
 
-// Replaces the parser's steps whose time grows faster than the source: lists of
-// names searched from end to end, copies of the rest of the file, a recursion
-// for each operator of a chain.
+// Replaces the parser's steps that take more than linear time: linear searches in
+// lists of names, copies of the rest of the file, a recursion for each operator
+// of a chain.
 export const withLinearTime = (Base) => class extends Base {
   strictDirective(start) {
     return hasUseStrict(this.input, start);
@@ -48,8 +48,8 @@ export const withLinearTime = (Base) => class extends Base {
     super.validateRegExpFlags(state);
   }
 
-  // The tree is of no use once its source is checked: kept whole, it would cost
-  // the garbage collector more with each statement.
+  // The tree is not needed after checking its source. If it were kept, each
+  // statement would cost the garbage collector more than the previous one.
   parseTopLevel(node) {
     while (this.type !== tt.eof) this.parseStatement(null, true);
     this.next();
@@ -83,7 +83,8 @@ export const withLinearTime = (Base) => class extends Base {
     const operator = this.value;
     const logical = this.type === tt.logicalOR || this.type === tt.logicalAND;
     const coalesce = this.type === tt.coalesce;
-    // `??` takes no bare `||` or `&&` on its right, so that mixing is noticed.
+    // `??` accepts no unparenthesised `||` or `&&` on its right, so that mixing
+    // them is detected.
     const precedence = coalesce ? tt.logicalAND.binop : this.type.binop;
     this.next();
     const { start, startLoc: loc } = this;

@@ -1,7 +1,7 @@
 const TERMINATORS = ["\n", "\r", "\u2028", "\u2029"];
 
-// Offsets at which the lines of `text` begin. Each terminator is searched for
-// natively, so that the time does not depend on the engine's JIT.
+// The offsets of the line starts in `text`. Searches natively for each
+// terminator, so that the time does not depend on the engine's JIT compiler.
 export function lineStarts(text) {
   const next = TERMINATORS.map((mark) => nextIndex(text, mark, 0));
   const starts = [0];
@@ -10,7 +10,7 @@ export function lineStarts(text) {
     if (at === Infinity) return starts;
     const which = next.indexOf(at);
     next[which] = nextIndex(text, TERMINATORS[which], at + 1);
-    // The line feed of a CRLF pair ends the line, its carriage return does not.
+    // In a CRLF pair, the LF ends the line, not the CR.
     if (text[at] !== "\r" || next[0] !== at + 1) starts.push(at + 1);
   }
 }

@@ -3,7 +3,8 @@ import { isIdentifierChar, isIdentifierStart, isNewLine } from "acorn";
 const SPACE = /\s/;
 const ESCAPE = /\\u(?:[\da-f]{4}|\{[\da-f]+\})/iy;
 
-// Each takes a position in the source and returns that after what it skips.
+// Each function takes a position in the source and returns the position after the
+// skipped text.
 
 export function skipSpace(input, pos) {
   for (;;) {
@@ -32,7 +33,7 @@ function commentEnd(input, pos) {
   return pos;
 }
 
-// Which characters the escapes stand for is left to the tokenizer.
+// Does not check which characters are escaped; the tokenizer does.
 export function skipWord(input, pos) {
   for (let isPart = isIdentifierStart; pos < input.length; isPart = isIdentifierChar) {
     const code = input.codePointAt(pos);
@@ -46,7 +47,7 @@ export function skipWord(input, pos) {
 
 const ORIG_TEXT = "%orig";
 
-// After `%orig`, or `pos` if the token does not stand there.
+// The position after `%orig`, or `pos` if there is no such token.
 export function skipOrig(input, pos) {
   if (!input.startsWith(ORIG_TEXT, pos)) return pos;
   const end = pos + ORIG_TEXT.length;

@@ -12,8 +12,8 @@ function vlq(number) {
 export class Mappings {
   constructor() {
     this.pieces = [];
-    // Most tokens are as far from their predecessor in the code as in the
-    // source; the text of such a segment depends on that distance alone.
+    // Most tokens have the same distance from their predecessor in the code and
+    // in the source. The text of such a segment depends only on that distance.
     this.steps = [];
     this.line = 0;
     this.column = 0;

@@ -1,11 +1,11 @@
 import { tokTypes as tt } from "acorn";
 import { ORIG } from "./names.mjs";
 
-// The parser's own numbers, which it does not export.
+// The parser's constants, which it does not export.
 const SCOPE_FUNCTION = 2;
 const FUNC_STATEMENT = 1;
 
-// `%orig`, whose code passes what `arguments` means in its place.
+// `%orig`, whose code passes `arguments` with the meaning at that place.
 export const withOrig = (Base) => class extends Base {
   parseOrig() {
     const scope = this.currentThisScope();
@@ -34,8 +34,8 @@ export const withOrig = (Base) => class extends Base {
     if (name === "arguments") this.noteArguments();
   }
 
-  // Not every function statement declares its name: one that is the branch of an
-  // `if` does not, but assigns it.
+  // Not every function statement declares its name: one that is a branch of an
+  // `if` assigns it instead.
   parseFunction(node, statement, allowExpressionBody, isAsync, forInit) {
     const parsed = super.parseFunction(node, statement, allowExpressionBody, isAsync, forInit);
     if (statement & FUNC_STATEMENT && parsed.id && parsed.id.name === "arguments") this.noteArguments();
@@ -49,7 +49,7 @@ export const withOrig = (Base) => class extends Base {
   }
 
   // Parameters of arrow functions and `var` may be declared after their use, so
-  // that a function is asked as a whole.
+  // the whole function is checked at its end.
   checkArguments(scope) {
     if (scope.declaresArguments && scope.firstOrig >= 0) {
       this.raise(scope.firstOrig, "%orig in a function that declares 'arguments'");

@@ -1,4 +1,4 @@
-// The uses of private names for which no declaration was found yet.
+// The uses of private names without a declaration so far.
 class Uses {
   constructor() {
     this.count = 0;
@@ -12,7 +12,7 @@ class Uses {
     else this.byName.set(node.name, [use]);
   }
 
-  // Drops the uses of a name from number `first` on.
+  // Removes the uses of a name, starting with number `first`.
   drop(name, first) {
     const uses = this.byName.get(name);
     while (uses.length > 0 && uses[uses.length - 1].number >= first) uses.pop();
@@ -20,7 +20,7 @@ class Uses {
   }
 }
 
-// Finds the declarations of private names without handing each use from class to class.
+// Finds the declarations of private names without passing each use from class to class.
 export const withPrivateNames = (Base) => class extends Base {
   enterClassBody() {
     const { privateNameStack: stack } = this;

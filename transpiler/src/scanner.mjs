@@ -6,9 +6,9 @@ const asciiTable = (test) => Uint8Array.from({ length: 128 }, (_, code) => (test
 const WORD_START = asciiTable((code) => isIdentifierStart(code));
 const WORD_PART = asciiTable((code) => isIdentifierChar(code));
 
-// The steps that run for each character or token, with a short way for what
-// hook sources consist of. Without a JIT each call and each regular expression
-// spared counts; positions by line are found later, for all tokens at once.
+// The steps that run for each character or token, with a fast path for typical
+// hook sources. Without a JIT compiler, every avoided call and regular expression
+// counts. Line positions are found later, for all tokens at once.
 export const withScanner = (Base) => class extends Base {
   nextToken() {
     const context = this.curContext();

@@ -1,4 +1,4 @@
-// The parser's own numbers, which it does not export.
+// The parser's constants, which it does not export.
 const SCOPE_TOP = 1;
 const SCOPE_FUNCTION = 2;
 const SCOPE_ASYNC = 4;
@@ -9,7 +9,7 @@ const BIND_LEXICAL = 2;
 const BIND_FUNCTION = 3;
 const BIND_SIMPLE_CATCH = 4;
 
-// What a scope knows of a name.
+// The kinds of declarations of a name in a scope.
 const LEXICAL = 1;
 const FUNCTION = 2;
 
@@ -20,12 +20,12 @@ class Scope {
     this.firstOrig = -1;
     this.declaresArguments = false;
     this.names = null;
-    // The names among them that no `var` inside may have.
+    // Those of the names that no `var` inside the scope may have.
     this.barred = null;
     this.varScope = flags & SCOPE_VAR || !outer ? this : outer.varScope;
     this.thisScope = (flags & SCOPE_VAR && !(flags & SCOPE_ARROW)) || !outer ? this : outer.thisScope;
-    // Of a function as a whole: the number of its `var`s so far, the number of the
-    // last one by name, and how many of the scopes around the current place bar a name.
+    // For the whole function: the number of its `var`s so far; by name, the number
+    // of the last one and the count of enclosing scopes that bar the name.
     this.varCount = 0;
     this.lastVars = null;
     this.bars = null;
@@ -41,13 +41,13 @@ class Scope {
     this.names.set(name, this.kinds(name) | kind);
   }
 
-  // Whether this scope, which is the innermost, holds a `var` of that name.
+  // Whether this scope, which must be the innermost, contains a `var` of that name.
   hasVar(name) {
     const { lastVars } = this.varScope;
     return lastVars !== null && lastVars.get(name) > this.varsBefore;
   }
 
-  // False if a scope around bars the name.
+  // Returns false if an enclosing scope bars the name.
   addVar(name) {
     const { varScope } = this;
     if (varScope.bars && varScope.bars.has(name)) return false;
@@ -76,8 +76,8 @@ class Scope {
   }
 }
 
-// Declarations and scopes, in a time that depends neither on the number of names
-// nor on the depth of blocks.
+// Declarations and scopes, in a time that depends on neither the number of names
+// nor the depth of blocks.
 export const withScopes = (Base) => class extends Base {
   enterScope(flags) {
     this.scopeStack.push(new Scope(flags, this.currentScope()));

@@ -4,9 +4,9 @@ import { SEND } from "./names.mjs";
 
 const KEYWORDS = new Set(Object.keys(keywordTypes));
 
-// Brackets: message sends, and the arrays that JavaScript knows.
+// Brackets: message sends and JavaScript's arrays.
 export const withSends = (Base) => class extends Base {
-  // `errors` records what only a destructuring pattern may hold.
+  // `errors` records syntax that is valid only in a destructuring pattern.
   parseBracket(errors) {
     const node = this.startNode();
     const around = this.surroundings();
@@ -32,8 +32,8 @@ export const withSends = (Base) => class extends Base {
     return this.parseMaybeAssign(false, errors);
   }
 
-  // `async name` and `async function` would begin functions, but neither can if
-  // the bracket ends there or a colon follows.
+  // `async name` and `async function` normally begin functions, but not if the
+  // bracket ends there or a colon follows.
   isSendToAsync() {
     if (!this.isContextual("async")) return false;
     const { input } = this;
@@ -110,7 +110,7 @@ export const withSends = (Base) => class extends Base {
   }
 
   parseArgument() {
-    // After a colon the tokenizer takes a function for a labelled statement.
+    // After a colon, the tokenizer would read a function as a labelled statement.
     if (this.type === tt._function || this.type === tt._class) this.overrideContext(tokContexts.f_expr);
     this.parseMaybeAssign(false);
   }

@@ -7,7 +7,7 @@ import { at, orig } from "./tokens.mjs";
 
 const SUBSCRIPT_STARTS = new Set([tt.bracketL, tt.dot, tt.questionDot, tt.parenL, tt.backQuote]);
 
-// Where the hook language's expressions stand among those of JavaScript.
+// Adds the hook language's expressions to those of JavaScript.
 const withAtoms = (Base) => class extends Base {
   parseExprAtom(errors, forInit) {
     if (this.type === tt.bracketL) return this.parseBracket(errors);
@@ -35,8 +35,8 @@ const withAtoms = (Base) => class extends Base {
     return this.finishNode(node, "MemberExpression");
   }
 
-  // `let` and a line break before `%orig` are a statement of their own, but
-  // would declare the name of the call that stands there in the code.
+  // `let` and a line break before `%orig` form a separate statement, but in the
+  // code they would declare the name of the call that replaces `%orig`.
   parseExpressionStatement(node, expression) {
     const isLet = expression.type === "Identifier" && expression.name === "let";
     if (isLet && (this.type === at || this.type === orig)) this.unexpected();

@@ -6,7 +6,7 @@ import { skipOrig } from "./lookahead.mjs";
 export const at = new TokenType("@", { beforeExpr: true, startsExpr: true });
 export const orig = new TokenType("%orig", { startsExpr: true });
 
-// The tokens `@` and `%orig`, and a record of where all tokens stand.
+// The tokens `@` and `%orig`, and a record of the positions of all tokens.
 export const withTokens = (Base) => class extends Base {
   constructor(options, input, startPos) {
     super(options, input, startPos);
@@ -15,7 +15,7 @@ export const withTokens = (Base) => class extends Base {
     this.edits = new Edits();
   }
 
-  // Index of the current token, which is the last of those not yet consumed.
+  // The index of the current token, which is the last one that was read.
   get tokenIndex() {
     return this.starts.length;
   }

@@ -17,7 +17,7 @@ function parse(parser, source) {
   try {
     parser.parse();
   } catch (error) {
-    // The parser recurses as deep as the source nests.
+    // The parser recurses for every level of nesting in the source.
     if (error instanceof RangeError && /call stack/i.test(error.message)) {
       throw syntaxError(source, parser.start, "Nested too deeply");
     }

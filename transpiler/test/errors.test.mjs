@@ -2,7 +2,7 @@ import assert from "node:assert/strict";
 import test from "node:test";
 import { errorOf, transpile } from "./support.mjs";
 
-// Each row: the source, its line and column, and what the message begins with.
+// Each row: the source, its line and column, and the beginning of the message.
 const TABLES = {
   "unfinished and misplaced syntax": [
     ["[a b", 1, 5, "Unexpected token"],

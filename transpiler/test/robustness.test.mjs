@@ -27,7 +27,7 @@ test("takes long chains and lists in its stride", () => {
   }
 });
 
-// A small generator of pseudo-random numbers: the same mutations in each run.
+// A small pseudo-random generator, so that every run has the same mutations.
 function generator(seed) {
   let state = seed;
   return (limit) => {

@@ -1,7 +1,7 @@
 import { readFileSync } from "node:fs";
 import vm from "node:vm";
 
-// The bundle runs as it ships: in a context that has ECMAScript's globals only.
+// Runs the bundle as shipped, in a context that has only ECMAScript's globals.
 export const context = vm.createContext({});
 vm.runInContext(readFileSync(process.env.TAVLEN_OB_JS, "utf8"), context, { filename: "ob.js" });
 

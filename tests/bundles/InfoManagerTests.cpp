@@ -2,7 +2,6 @@
 
 #include <sys/stat.h>
 
-#include "tavlen/foundation/coding/CodingError.h"
 #include "tavlen/foundation/plist/PropertyListEncoder.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/Thrown.h"

@@ -5,6 +5,8 @@
 #include <utility>
 #include <vector>
 
+#include "tavlen/device/DevicePaths.h"
+#include "tests/support/AppPlist.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TestPaths.h"
 
@@ -69,5 +71,46 @@ class CommandTest : public testing::Test {
 /// A hook of -[A selector] as JSON; `args` are the members of its table.
 std::string hookJSON(const std::string& selector, const std::string& signature,
                      const std::string& args = "");
+
+/// In a folder with the device tree "tree", which has the app com.example.notes and the reference
+/// helper.
+class CommandStoreTest : public CommandTest {
+ protected:
+  CommandStoreTest() {
+    write("tree/Applications/Notes.app/Info.plist", appPlist("com.example.notes", "Notes"));
+    helper("exec '" + paths().fileOperations + "' \"$@\"");
+    environment();
+  }
+
+  /// Makes the command's environment of the tree and these variables.
+  void environment(std::vector<std::string> variables = {}) {
+    variables.push_back("TAVLEN_ROOT=" + (folder() / "tree").string());
+    variables.emplace_back("PATH=/usr/bin:/bin");
+    variables.push_back("TMPDIR=" + folder().string());
+    setEnvironment(std::move(variables));
+  }
+  void helper(const std::string& script) const {
+    const std::string file = "tree" + std::string(kFileOperationsPath);
+    write(file, "#!/bin/sh\n" + script + "\n");
+    std::filesystem::permissions(folder() / file, std::filesystem::perms::owner_all);
+  }
+
+  /// Makes a tweak by the command; gives its identifier.
+  std::string newTweak(const std::string& name, const std::string& app = "com.example.notes") {
+    const Result made = run("new --app " + app, {name});
+    EXPECT_EQ(made.status, 0) << made.err;
+    return made.out.substr(0, made.out.find('\n'));
+  }
+  /// The path in folder() of what lies in the store.
+  static std::string stored(const std::string& name) {
+    return "tree" + std::string(kTweaksDir) + "/" + name;
+  }
+  void writeCollection(const std::string& id, const std::string& name,
+                       const std::string& members) const {
+    write(stored(id + ".collection"),
+          R"({"configuration":{"name":")" + name +
+              R"(","color":"darkRed","bundleID":"com.example.notes"},"tweaks":[)" + members + "]}");
+  }
+};
 
 }  // namespace tavlen

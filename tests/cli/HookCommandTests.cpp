@@ -1,7 +1,6 @@
 #include <gmock/gmock.h>
 
 #include "tests/cli/CommandTest.h"
-#include "tests/support/AppPlist.h"
 
 namespace tavlen {
 namespace {
@@ -79,7 +78,6 @@ TEST_F(HookCommandTest, RefusesAndChangesNothing) {
   const std::string named =
       R"({"customName":"X","className":"B","selector":"x","signature":"v","isClassMethod":false,"args":{}})";
   writeTweak("T", kFirst + "," + kSecond + "," + named + "," + named);
-  write("Broken/Manifest.json", R"({"configuration":1})");
   const std::string before = manifest();
   expectRefused(
       "hook",
@@ -92,9 +90,7 @@ TEST_F(HookCommandTest, RefusesAndChangesNothing) {
        {"set T '-[A a:]' --selector b", 1, "T: -[A a:]: the tweak already hooks that method\n"},
        {"set T '-[A z]' --name n", 1, "T: -[A z]: Hook not found\n"},
        {"remove T X", 1, "T: X: several hooks have that name; use"},
-       {"remove T", 2, "--hook is required"},
-       {"list nowhere", 1, "nowhere: "},
-       {"list Broken", 1, "Broken/Manifest.json: configuration: expected"}});
+       {"remove T", 2, "--hook is required"}});
   EXPECT_EQ(manifest(), before);
 }
 
@@ -163,7 +159,6 @@ TEST_F(OverrideCommandTest, RefusesAndChangesNothing) {
   expectRefused("override",
                 {{"set T Build 1", 1, "T: Build: the tweak has no such override\n"},
                  {"remove T Build", 1, "T: Build: the tweak has no such override\n"},
-                 {"add nowhere Build 1", 1, "nowhere: "},
                  {"set T Build", 2, "VALUE is required"},
                  {"add T Colour 1", 2, "KIND: Colour not in {DisplayName,"},
                  {"add T IPadSupport yes", 2, "VALUE: yes: expected true or false"},

@@ -5,7 +5,7 @@
 #include <array>
 
 #include "tavlen/foundation/files/FileDescriptor.h"
-#include "tests/cli/CommandStoreTest.h"
+#include "tests/cli/CommandTest.h"
 
 namespace tavlen {
 namespace {
@@ -138,8 +138,6 @@ TEST_F(ArchiveCommandTest, AFailureIsOneLineAndChangesNothing) {
   write("old.tvx", "old");
   fs::create_directories(folder() / "folder.tvx");
   expectRefused("", {{"export A -o old.tvx", 1, "old.tvx: is there already; --force replaces it\n"},
-                     {"export nowhere", 1,
-                      "nowhere: no tweak or collection of that identifier or name is stored\n"},
                      {"export A -o nowhere/a.tvx", 1, "nowhere/a.tvx: No such file or directory\n"},
                      {"import nowhere.tvx", 1, "nowhere.tvx: No such file or directory\n"},
                      {"import old.zip", 1, "old.zip: Unknown tweak type\n"},
@@ -202,31 +200,19 @@ TEST_F(CommandStoreTest, EachCommandOpensATweaksDocumentOnce) {
   std::string collection = run("collection new C --app com.example.notes").out;
   collection.pop_back();
   OpenCount opens(folder() / stored(id), "Manifest.json");
-  const std::pair<std::string, int> rows[] = {
-      {"hook add Tweak A b --signature v16@0:8", 1},
-      {"hook list Tweak", 1},
-      {"hook set Tweak '-[A b]' --name N", 1},
-      {"param set Tweak N 0 nil", 1},
-      {"param get Tweak N", 1},
-      {"override add Tweak DisplayName Other", 1},
-      {"override list Tweak", 1},
-      {"show Tweak", 1},
-      {"list", 1},
-      {"source Tweak", 1},
-      {"check Tweak", 1},
-      {"build Tweak", 1},
-      {"install Tweak", 1},
-      {"uninstall Tweak", 1},
-      {"collection add " + collection + " Tweak", 1},
-      {"collection list " + collection, 1},
-      {"install " + collection, 1},
-      {"export Tweak", 1 + 1},  // read, and copied
-      {"delete Tweak", 1},
-  };
-  for (const auto& [command, count] : rows) {
+  for (const std::string& command :
+       {std::string("hook add Tweak A b --signature v16@0:8"), std::string("hook list Tweak"),
+        std::string("hook set Tweak '-[A b]' --name N"), std::string("param set Tweak N 0 nil"),
+        std::string("param get Tweak N"), std::string("override add Tweak DisplayName Other"),
+        std::string("override list Tweak"), std::string("show Tweak"), std::string("list"),
+        std::string("source Tweak"), std::string("check Tweak"), std::string("build Tweak"),
+        std::string("install Tweak"), std::string("uninstall Tweak"),
+        "collection add " + collection + " Tweak", "collection list " + collection,
+        "install " + collection, std::string("export Tweak"), std::string("delete Tweak")}) {
     const Result result = run(command);
     EXPECT_EQ(result.status, 0) << command << "\n" << result.err;
-    EXPECT_EQ(opens.take(), count) << command;
+    // What is exported is read, and copied.
+    EXPECT_EQ(opens.take(), command == "export Tweak" ? 2 : 1) << command;
   }
 }
 

@@ -91,7 +91,6 @@ TEST_F(ParamCommandTest, EveryKindIsWrittenAsItIsShown) {
 TEST_F(ParamCommandTest, MalformedArgumentsAreWrongUsage) {
   std::vector<Refusal> refusals = {
       {"insert T X 0 nil", 2, "ADDRESS: 0: expected the address of an item or a pair"},
-      {"insert T X 0.x nil", 2, "ADDRESS: "},
       {"remove T X 0.0.key", 2, "ADDRESS: "},
       {"remove T X 0.end", 2, "ADDRESS: "},
       {"move T X 0.0 x", 2, "TO: x: expected an index"},

@@ -3,10 +3,8 @@
 #include "tavlen/collections/TweakCollectionDiff.h"
 #include "tavlen/collections/TweakCollectionManifest.h"
 #include "tavlen/device/DeviceRoot.h"
-#include "tavlen/foundation/tasks/NotificationCenter.h"
 #include "tavlen/items/TweakDiffNotifications.h"
 #include "tavlen/items/TweaksDirectory.h"
-#include "tavlen/tweaks/Manifest.h"
 #include "tavlen/tweaks/TweakFileDiff.h"
 #include "tests/support/TemporaryFolder.h"
 

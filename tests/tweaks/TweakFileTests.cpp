@@ -55,20 +55,6 @@ TEST_F(TweakFileTest, SaysWhatIsMissingOrBroken) {
   EXPECT_THROW(TweakFile::at(""), TweakFile::Error);
 }
 
-TEST_F(TweakFileTest, ReadsTheFolderAnewEachTime) {
-  const fs::path manifest = root_.write("T/Manifest.json", kTweakManifest);
-  const auto tweak = TweakFile::at(root_.path() / "T");
-  EXPECT_EQ(tweak->readScript(), std::nullopt);
-  EXPECT_EQ(tweak->script(), "");
-  root_.write("T/script.objs", "one();\r\n");
-  EXPECT_EQ(tweak->readScript(), "one();\r\n");
-  fs::remove(manifest);
-  EXPECT_EQ(thrown<TweakFile::Error>([&] { tweak->manifest(); }),
-            TweakFile::Error::missing("Manifest.json"));
-  fs::remove_all(root_.path() / "T");
-  EXPECT_THROW(tweak->validate(), TweakFile::Error);
-}
-
 TEST_F(TweakFileTest, AScriptThatCannotBeReadCountsAsEmpty) {
   root_.write("bytes/Manifest.json", kTweakManifest);
   root_.write("bytes/script.objs", "fine(); \xFF");
@@ -236,21 +222,12 @@ TEST_F(TweakFileEditingTest, DeletionTakesNothingElseAlong) {
 
 TEST_F(TweakFileEditingTest, GenericDiffsAreCreationsAndDeletions) {
   const auto tweak = newTweak("A");
-  const auto collection = newCollection("B");
   for (const auto mode : {GenericTweakDiffMode::create, GenericTweakDiffMode::delete_}) {
-    const std::string name = mode == GenericTweakDiffMode::create ? "create" : "delete";
-    for (const std::shared_ptr<TweakProtocol>& item :
-         {std::shared_ptr<TweakProtocol>(tweak), std::shared_ptr<TweakProtocol>(collection)}) {
-      const TweakDiff diff = item->diffFor(mode);
-      EXPECT_EQ(diff->genericMode(), mode);
-      EXPECT_EQ(diff->genericTweak(), item);
-      EXPECT_EQ(nameOf(*diff), item == collection ? "collection " + name : name);
-    }
+    EXPECT_EQ(tweak->diffFor(mode)->genericMode(), mode);
+    EXPECT_EQ(newCollection("B")->diffFor(mode)->genericMode(), mode);
   }
+  EXPECT_EQ(tweak->diffFor(GenericTweakDiffMode::create)->genericTweak(), tweak);
   EXPECT_EQ(TweakFile::Diff(tweak, TweakFile::Diff::UpdateIcon{}).genericMode(), std::nullopt);
-  EXPECT_EQ(
-      TweakCollection::Diff(collection, TweakCollection::Diff::Mode::updateManifest).genericMode(),
-      std::nullopt);
 }
 
 TEST_F(TweakFileEditingTest, PayloadsMoveIntoTheStoreWholeOrNotAtAll) {

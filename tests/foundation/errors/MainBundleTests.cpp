@@ -4,7 +4,6 @@
 
 #include <utility>
 
-#include "tavlen/foundation/errors/LocalizedError.h"
 #include "tavlen/foundation/errors/Placeholders.h"
 #include "tavlen/foundation/errors/detail/StringTable.h"
 #include "tests/support/TableFile.h"

@@ -5,7 +5,6 @@
 #include <chrono>
 #include <cstdio>
 
-#include "tavlen/foundation/files/FileDescriptor.h"
 #include "tavlen/foundation/files/FileReplacement.h"
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/foundation/files/FileTree.h"

@@ -228,27 +228,5 @@ TEST(XMLPropertyList, depthAndSizeAreBounded) {
   }
 }
 
-/// A second opinion: another implementation reads what is written here, and the other way round.
-TEST(PropertyListInPython, agrees) {
-  const TemporaryFolder folder;
-  const PropertyList list = readPropertyList(plist(
-      "<array><dict><key>日本 😀</key><array><true/><false/><real>-0.1</real><real>1e300</real>"
-      "<integer>-1</integer><integer>256</integer><integer>18446744073709551615</integer>"
-      "<integer>-9223372036854775808</integer></array><key></key><string> \n\t\"'é</string>"
-      "<key>&lt;&amp;&gt;]]&gt;</key><dict/></dict><data>AAECA/8=</data>"
-      "<date>1850-02-28T23:59:59Z</date><string/><array/></array>"));
-  for (const auto ours : {PropertyListFormat::binary, PropertyListFormat::xml}) {
-    for (const char* theirs : {"binary", "xml"}) {
-      const std::filesystem::path input = folder.path() / "in";
-      const std::filesystem::path output = folder.path() / "out";
-      std::ofstream(input, std::ios::binary) << writePropertyList(list, ours);
-      const std::string command = "python3 '" + paths().testData + "/plist/resave.py' " +
-                                  input.string() + " " + output.string() + " " + theirs;
-      ASSERT_EQ(std::system(command.c_str()), 0) << command;  // NOLINT(cert-env33-c)
-      EXPECT_EQ(toXML(readPropertyList(readFile(output))), toXML(list)) << theirs;
-    }
-  }
-}
-
 }  // namespace
 }  // namespace tavlen

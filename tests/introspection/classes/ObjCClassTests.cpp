@@ -4,7 +4,6 @@
 #include "tavlen/foundation/json/JSONDecoder.h"
 #include "tavlen/foundation/json/JSONEncoder.h"
 #include "tavlen/introspection/classes/ObjCClass.h"
-#include "tavlen/introspection/classes/ObjCMethod.h"
 #include "tests/support/TableFile.h"
 
 namespace tavlen {
@@ -121,29 +120,6 @@ TEST(ObjCClass, IsStoredUnderItsKeys) {
   EXPECT_EQ(encodeJSON(cls), json);
   EXPECT_EQ(decodeJSON<ObjCClass>(json), cls);
   EXPECT_THROW(decodeJSON<ObjCMethod>(R"({"selector":"a:","encoding":"v"})"), DecodingError);
-
-  // In an archive: all keys in their order, nil under its key, and the truth value is no object.
-  const PropertyList list = readPropertyList(encodeKeyedArchive(cls));
-  const auto objects =
-      list.get<PropertyList::Array>(list.find(list.root(), "$objects").value())->elements;
-  const auto keys = [&](PropertyList::Index object) {
-    std::string names;
-    const auto dictionary = list.get<PropertyList::Dictionary>(object).value();
-    for (const auto& member : dictionary.members) {
-      names += std::string(*list.get<std::string_view>(member.key)) + " ";
-    }
-    return names;
-  };
-  EXPECT_EQ(keys(objects[1]),
-            "name methods mangledSuperclass supercls superclassPath protocols $class ");
-  const auto nil = list.find(objects[1], "mangledSuperclass");
-  EXPECT_EQ(list.get<PropertyList::UID>(nil.value())->value, 0U);
-  const auto method = std::find_if(objects.begin(), objects.end(), [&](PropertyList::Index object) {
-    return list.find(object, "selector").has_value();
-  });
-  ASSERT_NE(method, objects.end());
-  EXPECT_EQ(keys(*method), "selector encoding isClassMethod $class ");
-  EXPECT_EQ(list.get<bool>(list.find(*method, "isClassMethod").value()), false);
 }
 
 }  // namespace

@@ -2,7 +2,6 @@
 
 #include <future>
 
-#include "tavlen/bundles/Executable.h"
 #include "tavlen/bundles/IPA.h"
 #include "tavlen/device/DevicePrograms.h"
 #include "tavlen/device/DeviceRoot.h"

@@ -161,17 +161,6 @@ TEST(JXType, NamesQualifiers) {
   EXPECT_EQ(JXStringForTypeQualifiers(JXTypeQualifiers{2 | 128}), "const oneway");
 }
 
-TEST(JXType, ClassesSupportWhatTheyRead) {
-  for (int i = 0; i < 256; ++i) {
-    const char character = static_cast<char>(i);
-    const bool isOther = std::string_view("{(*@[^b").find(character) != std::string_view::npos;
-    EXPECT_EQ(JXTypeBasic::supportsEncoding(character), !isOther);
-    EXPECT_EQ(JXTypeID::supportsEncoding(character), character == '@');
-    EXPECT_EQ(JXTypePointer::supportsEncoding(character), character == '^' || character == '*');
-    EXPECT_FALSE(JXType::supportsEncoding(character) || JXTypeComplex::supportsEncoding(character));
-  }
-}
-
 TEST(JXType, IsBuilt) {
   const auto real = JXTypeBasic::initWithPrimitiveType(JXPrimitiveType::double_);
   const auto character = JXTypeBasic::initWithPrimitiveType(JXPrimitiveType::char_);
@@ -245,27 +234,6 @@ TEST(JXType, StopsAtTheBoundAndGoesOn) {
   // The reading goes on behind the bound: the last member is the outermost's.
   const std::string nest = "{X=" + repeated("{X=", depth) + repeated("}", depth - 1) + "f}";
   EXPECT_TRUE(JXTypeForEncoding(nest)->description().ends_with("float field2; }"));
-}
-
-/// A struct in a struct in a struct..., each with an object before another named member.
-std::string nestOfNames(std::size_t depth) {
-  return repeated("{P=\"a\"", depth) + "i" + repeated("\"b\"@\"c\"@\"d\"i}", depth);
-}
-
-TEST(JXType, CorrectsNestsOfNames) {
-  std::string expected = "int ";
-  for (int i = 0; i < 200; ++i) expected = "struct P { " + expected + "a; id b; id c; int d; } ";
-  expected.pop_back();
-  EXPECT_EQ(JXTypeForEncoding(nestOfNames(200))->description(), expected);
-  // Each level is taken back, too, since what follows it is no name.
-  const std::string taken = repeated("{P=\"a\"", 240) + "@" + repeated("\"b\"i}x", 240);
-  EXPECT_EQ(fault(taken), "");
-}
-
-TEST(JXType, WhatFollowsATypeDoesNotDecideIt) {
-  // The first member ends behind the whole when its quoted name is read, which decides that it is
-  // read again, and then without all that.
-  EXPECT_EQ(fault("{P=\"a\"(Q=@\"b)}c\"i}LONG)x"), "");
 }
 
 TEST(JXType, LeavesTheFlagDown) {

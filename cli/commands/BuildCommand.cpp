@@ -47,13 +47,12 @@ int build(const Options& options) {
 }  // namespace
 
 void addBuildCommand(Command app) {
-  Command command = app.addCommand("build", "Turn a tweak into code and a source map");
+  Command command = app.addCommand("build", "Translate a tweak into code and a source map");
   const auto options = std::make_shared<Options>();
   command.text("TWEAK", options->tweak, kTweakHelp).required().notEmpty();
   command
-      .text(
-          "-o,--output", options->output,
-          "The folder that code.js and code.js.map are written to; without it the code is printed")
+      .text("-o,--output", options->output,
+            "The folder for code.js and code.js.map; without it, the code is printed")
       .typeName("DIR")
       .notEmpty();
   addTranspilerOption(command, options->transpiler);

@@ -42,12 +42,10 @@ void addClassesCommand(Command app) {
   Command command = app.addCommand("classes", "List the Objective-C classes of an image");
   const auto options = std::make_shared<Options>();
   addImageArgument(command, "IMAGE", options->image).image.required();
-  command
-      .text("--match", options->pattern,
-            "Only the classes whose name fits the pattern, as shells match files")
+  command.text("--match", options->pattern, "Only classes whose name matches the shell pattern")
       .notEmpty()
       .typeName("PATTERN");
-  command.flag("--json", options->json, "Print a JSON array of the classes, methods included");
+  command.flag("--json", options->json, "Print a JSON array of the classes, including methods");
   command.run([options] { return listClasses(*options); });
 }
 

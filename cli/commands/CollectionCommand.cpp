@@ -148,8 +148,8 @@ void addCollectionCommand(Command app) {
   addItemCreation(command, "collection", TweakCollection::create);
   addEdit(command, "add", "Add tweaks of the same app to a collection, at its end", kTweakHelp,
           addMember);
-  addEdit(command, "remove", "Take tweaks out of a collection; the tweaks stay stored",
-          "The tweak: its identifier, which may be a missing one's, its name, or its path",
+  addEdit(command, "remove", "Remove tweaks from a collection, but not from the store",
+          "The tweak: its identifier (even if it no longer exists), its name, or its path",
           removeMember);
   addList(command);
 }

@@ -113,8 +113,8 @@ void addExportCommand(Command app) {
   command.text("ITEM", options->item, kItemHelp).required().notEmpty();
   command
       .text("-o,--output", options->output,
-            "The archive, or the folder for it, where it is named after the item; without "
-            "it, that is the current folder")
+            "The archive, or an existing folder, in which it is named after the item; the "
+            "default is the current folder")
       .typeName("FILE|DIR")
       .notEmpty();
   command.flag("-f,--force", options->force, "Replace an existing file");

@@ -174,7 +174,7 @@ void addAdd(Command group) {
   const Option sign = command.flag("--class-method", options->isClassMethod, "Hook a class method");
   Option method = command
                       .text("--method", options->method,
-                            "Instead of these, a method that the image of --in has")
+                            "Instead of these: a method of the image given by --in")
                       .notEmpty()
                       .check(methodProblem)
                       .typeName("'-[CLASS SELECTOR]'");
@@ -202,13 +202,13 @@ void addRemove(Command group) {
 void addList(Command group) {
   const auto options = std::make_shared<Options>();
   Command command = addTo(group, "list", "List the hooks", options);
-  command.flag("--json", options->json, "Print a JSON array, as the manifest holds it");
+  command.flag("--json", options->json, "Print a JSON array in the form of the manifest");
   command.run(actionOf(options, listHooks));
 }
 
 void addSet(Command group) {
   const auto options = std::make_shared<Options>();
-  Command command = addTo(group, "set", "Change a hook; its parameters stay", options);
+  Command command = addTo(group, "set", "Change a hook, but not its parameters", options);
   addHookArgument(command, options->hook);
   Command changes = command.addGroup("Changes", "", 1, 0);
   changes.text("--class", options->className, "Another class").notEmpty().typeName("CLASS");

@@ -57,10 +57,12 @@ void addIconCommand(Command app) {
       command.text("-o,--output", options->output, "The file to write, - for the standard output")
           .notEmpty()
           .typeName("FILE");
-  command.text("--name", options->name, "The icon's name as in Info.plist; the largest without")
+  command
+      .text("--name", options->name,
+            "The icon's name in Info.plist; the default is the largest icon")
       .notEmpty()
       .typeName("NAME");
-  command.number("--size", options->size, "How many points the longer side gets")
+  command.number("--size", options->size, "The length of the longer side in points")
       .typeName("POINTS");
   addTweakIconCommands(command);
   command.prepare([command, name, output, options]() -> Action {

@@ -139,8 +139,8 @@ void addOverrideCommand(Command app) {
   group.requireCommand();
 
   auto options = std::make_shared<Options>();
-  Command add = addTo(group, "add", "Add an override, of the app's own value without one", options,
-                      addAction);
+  Command add = addTo(group, "add", "Add an override; without VALUE, of the app's current value",
+                      options, addAction);
   addKind(add, options);
   add.text("VALUE", options->value, kOverrideValueHelp);
 
@@ -154,7 +154,7 @@ void addOverrideCommand(Command app) {
 
   options = std::make_shared<Options>();
   addTo(group, "list", "List the overrides", options, listAction)
-      .flag("--json", options->json, "Print a JSON array, as the manifest holds it");
+      .flag("--json", options->json, "Print a JSON array in the form of the manifest");
 }
 
 }  // namespace tavlen::cli

@@ -10,7 +10,7 @@
 namespace tavlen::cli {
 
 void addSourceCommand(Command app) {
-  Command command = app.addCommand("source", "Print the text that the transpiler is given");
+  Command command = app.addCommand("source", "Print the source text for the transpiler");
   const auto tweak = std::make_shared<std::string>();
   command.text("TWEAK", *tweak, kTweakHelp).required().notEmpty();
   command.run([tweak] {

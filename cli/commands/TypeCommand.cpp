@@ -60,14 +60,13 @@ int answerArguments(const std::vector<std::string>& encodings, bool json) {
 }  // namespace
 
 void addTypeCommand(Command app) {
-  Command command = app.addCommand("type", "Print Objective-C type encodings as C declares them");
+  Command command = app.addCommand("type", "Print Objective-C type encodings as C declarations");
   const auto encodings = std::make_shared<std::vector<std::string>>();
   const auto json = std::make_shared<bool>(false);
   command.texts("ENCODING", *encodings,
-                "Type encodings, each answered with a line; only the first type of each is "
-                "read. \"-\" alone reads one a line from the standard input");
-  command.flag("--json", *json,
-               "Print a JSON array of the types as trees; with \"-\" a tree a line");
+                "Type encodings; prints a line for the first type of each. \"-\" alone reads "
+                "one per line from the standard input");
+  command.flag("--json", *json, "Print a JSON array of type trees; with \"-\", one tree per line");
   command.run([encodings, json] {
     const bool readsInput = encodings->size() == 1 && encodings->front() == "-";
     return readsInput ? answerInput(*json) : answerArguments(*encodings, *json);

@@ -30,12 +30,12 @@ int uninstallFrom(const std::string& app) {
 }  // namespace
 
 void addUninstallCommand(Command app) {
-  Command command = app.addCommand("uninstall", "Take the active tweak of an app away");
+  Command command = app.addCommand("uninstall", "Uninstall the active tweak of an app");
   const auto name = std::make_shared<std::string>();
   const auto appName = std::make_shared<std::string>();
-  Command which = command.addGroup("WHICH", "What is uninstalled", 1, 1);
+  Command which = command.addGroup("WHICH", "The item to uninstall", 1, 1);
   which.text("ITEM", *name, kItemHelp).notEmpty();
-  which.text("--app", *appName, "Whatever is active for that app, even if it is not stored")
+  which.text("--app", *appName, "The active tweak of that app, even if it is not stored")
       .notEmpty()
       .typeName("APP");
   command.run(

@@ -140,7 +140,7 @@ void addWatchCommand(Command app) {
   Command command = app.addCommand(
       "watch", "Print a line for each tweak or collection that is created, changed or deleted");
   const auto json = std::make_shared<bool>(false);
-  command.flag("--json", *json, "Print a JSON object a line");
+  command.flag("--json", *json, "Print each line as a JSON object");
   command.run([json] { return watchUntilUnread(*json); });
 }
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "tests/cli/CommandStoreTest.h"
+#include "tests/cli/CommandTest.h"
 
 namespace tavlen {
 namespace {

@@ -101,17 +101,18 @@ TEST_F(ClassCommandTest, SaysWhyThereAreNoClassesOnTheAgentPort) {
   write("text.so", "no library");
   writeApp();
   const std::string app = "Applications/Notes.app";
-  expectRefused("classes",
-                {{"text.so", 1, "text.so: Dynamic dump failed"},
-                 {app, 1, app + ": Dynamic dump failed (a device's image"},
-                 {app + "/Notes", 1, app + "/Notes: Dynamic dump failed (a device's image cannot"},
-                 {"./none.so", 1, "./none.so: No such file or directory\n"},
-                 {app + " --parser remote", 1, app + ": Remote dump failed"},
-                 {app + "/Notes --parser remote", 1, app + "/Notes: Remote dump failed"},
-                 {app + "/Info.plist --parser remote", 1, app + "/Info.plist: not an executable image"},
-                 {"image.so --parser remote", 1, "image.so: not inside an .app bundle"},
-                 {"/dev/null", 1, "/dev/null: Dynamic dump failed: "},
-                 {"image.so --parser static", 2, ""}});
+  expectRefused(
+      "classes",
+      {{"text.so", 1, "text.so: Dynamic dump failed"},
+       {app, 1, app + ": Dynamic dump failed (a device's image"},
+       {app + "/Notes", 1, app + "/Notes: Dynamic dump failed (a device's image cannot"},
+       {"./none.so", 1, "./none.so: No such file or directory\n"},
+       {app + " --parser remote", 1, app + ": Remote dump failed"},
+       {app + "/Notes --parser remote", 1, app + "/Notes: Remote dump failed"},
+       {app + "/Info.plist --parser remote", 1, app + "/Info.plist: not an executable image"},
+       {"image.so --parser remote", 1, "image.so: not inside an .app bundle"},
+       {"/dev/null", 1, "/dev/null: Dynamic dump failed: "},
+       {"image.so --parser static", 2, ""}});
   EXPECT_THAT(run("classes --verbose text.so").err, HasSubstr("dlopen encountered error: "));
 }
 

@@ -72,13 +72,11 @@ class CommandTest : public testing::Test {
 std::string hookJSON(const std::string& selector, const std::string& signature,
                      const std::string& args = "");
 
-/// In a folder with the device tree "tree", which has the app com.example.notes and the reference
-/// helper.
+/// In a folder with the device tree "tree", which has the app com.example.notes.
 class CommandStoreTest : public CommandTest {
  protected:
   CommandStoreTest() {
     write("tree/Applications/Notes.app/Info.plist", appPlist("com.example.notes", "Notes"));
-    helper("exec '" + paths().fileOperations + "' \"$@\"");
     environment();
   }
 
@@ -88,11 +86,6 @@ class CommandStoreTest : public CommandTest {
     variables.emplace_back("PATH=/usr/bin:/bin");
     variables.push_back("TMPDIR=" + folder().string());
     setEnvironment(std::move(variables));
-  }
-  void helper(const std::string& script) const {
-    const std::string file = "tree" + std::string(kFileOperationsPath);
-    write(file, "#!/bin/sh\n" + script + "\n");
-    std::filesystem::permissions(folder() / file, std::filesystem::perms::owner_all);
   }
 
   /// Makes a tweak by the command; gives its identifier.

@@ -1,6 +1,6 @@
 #include <gmock/gmock.h>
 
-#include "tests/cli/CommandStoreTest.h"
+#include "tests/cli/CommandTest.h"
 
 namespace tavlen {
 namespace {

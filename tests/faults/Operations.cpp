@@ -1,4 +1,5 @@
 #include "tavlen/bundles/IPA.h"
+#include "tavlen/device/DevicePrograms.h"
 #include "tavlen/device/DeviceRoot.h"
 #include "tavlen/editing/RootParameterManager.h"
 #include "tavlen/foundation/zip/ZIPArchive.h"
@@ -85,10 +86,8 @@ void prepare() {
   const fs::path root = DeviceRoot::shared().url();
   ::setenv("TAVLEN_ROOT", root.c_str(), 1);
   writeFile(app() / "Info.plist", appPlist("com.example.app", "Sample"));
-  writeFile(root / kFileOperationsPath.substr(1),
-            "#!/bin/sh\nexec '" + paths().fileOperations + "' \"$@\"\n");
-  for (const char* program : {"usr/bin/killall", "bin/kill"})
-    writeFile(root / program, "#!/bin/sh\n");
+  writeFile(root / "program", "#!/bin/sh\n");
+  DevicePrograms::setForOtherRoots({paths().fileOperations, root / "program", root / "program"});
   setActive(kFirstTweak);
 }
 

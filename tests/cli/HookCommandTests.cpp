@@ -176,7 +176,7 @@ TEST_F(OverrideCommandTest, WithoutAValueItIsTheApps) {
                  "<string>7</string>"));
   EXPECT_EQ(run("override add T DisplayName --root tree").err, "");
   EXPECT_EQ(list(), "[{\"type\":\"DisplayName\",\"value\":\"Alpha\"}]\n");
-  std::filesystem::remove_all(folder() / "tree/Applications/A.app");
+  fs::remove_all(folder() / "tree/Applications/A.app");
   expectRefused("override", {{"add T Build --root tree", 1, "T: Build: IPA not found"}});
   EXPECT_EQ(list(), "[{\"type\":\"DisplayName\",\"value\":\"Alpha\"}]\n");
 }

@@ -9,8 +9,6 @@
 
 namespace tavlen {
 namespace {
-
-namespace fs = std::filesystem;
 using testing::EndsWith;
 using testing::HasSubstr;
 
@@ -52,7 +50,6 @@ TEST_F(InstallCommandTest, InstallsAndUninstalls) {
   EXPECT_EQ(run("uninstall C").err, "");
   EXPECT_EQ(installed("code.js"), "nothing");
 
-  // What is installed need not be stored.
   EXPECT_EQ(run("install T").status, 0);
   fs::remove_all(folder() / stored(id));
   EXPECT_EQ(run("uninstall --app com.example.notes").err, "");
@@ -90,7 +87,6 @@ TEST_F(InstallCommandTest, AFailureIsShownAtItsPlace) {
   EXPECT_EQ(run("install good").err, "tavlen: error: Missing kvfileops\n");
 }
 
-/// Exports and imports what the store of the tree holds.
 class ArchiveCommandTest : public CommandStoreTest {
  protected:
   std::string only(const std::string& line, const std::vector<std::string>& more = {}) const {
@@ -126,7 +122,6 @@ TEST_F(ArchiveCommandTest, AnItemComesBackUnderNewIdentifiers) {
   const std::string members = run("collection list", {both, "--json"}).out;
   EXPECT_EQ(members.find(tweak), std::string::npos);
   EXPECT_NE(members.find(R"({"name":"a\/b:c",)"), std::string::npos) << members;
-  // Nothing but the store and what was exported.
   EXPECT_EQ(entries(stored("..")), 1U);
   EXPECT_EQ(entries(stored("")), 7U);
   EXPECT_EQ(entries("out"), 2U);
@@ -167,15 +162,13 @@ TEST_F(ArchiveCommandTest, WarnsOfMembersThatDoNotOpen) {
   EXPECT_EQ(run("import c.TVXC").status, 1);
 }
 
-/// Counts how often the file `name` of a folder is opened.
 class OpenCount {
  public:
-  OpenCount(const std::filesystem::path& folder, std::string name) : name_(std::move(name)) {
+  OpenCount(const fs::path& folder, std::string name) : name_(std::move(name)) {
     // Openings that follow each other at once would be told as one, but a closing lies between.
     EXPECT_GE(::inotify_add_watch(events_.get(), folder.c_str(), IN_OPEN | IN_CLOSE), 0);
   }
 
-  /// Since the last call.
   int take() {
     int count = 0;
     alignas(inotify_event) std::array<char, 1 << 16> buffer;

@@ -6,8 +6,6 @@
 
 namespace tavlen {
 namespace {
-
-namespace fs = std::filesystem;
 using testing::EndsWith;
 using testing::HasSubstr;
 using testing::StartsWith;
@@ -270,7 +268,6 @@ class WatchCommandTest : public CommandStoreTest {
               R"(","color":"darkRed","bundleID":"com.example.notes"},"tweaks":[]})");
   }
 
-  /// Once its watches stand.
   std::unique_ptr<RunningCommand> watch(const std::vector<std::string>& options = {}) const {
     std::vector<std::string> words = {"watch", "--root", (folder() / "tree").string()};
     words.insert(words.end(), options.begin(), options.end());
@@ -320,7 +317,6 @@ TEST_F(WatchCommandTest, EndsInOrder) {
     watched->signal(number);
     EXPECT_EQ(watched->status(), 0) << number;
   }
-  // Without a change, too.
   const auto unread = watch();
   unread->closeOutput();
   EXPECT_EQ(unread->status(), 0);

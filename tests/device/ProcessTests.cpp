@@ -22,7 +22,6 @@ namespace {
 
 using namespace std::string_literals;
 
-/// What the run ends with, "" for success.
 std::string resultOf(Process& process) {
   return messageOf<Process::Error>([&] {
     process.launch();
@@ -109,7 +108,7 @@ TEST(Process, WaitsOnWhenSignalsInterrupt) {
 }
 
 std::size_t openDescriptors() {
-  using Iterator = std::filesystem::directory_iterator;
+  using Iterator = fs::directory_iterator;
   return static_cast<std::size_t>(std::distance(Iterator("/proc/self/fd"), Iterator()));
 }
 
@@ -130,7 +129,7 @@ TEST(Process, PassesNoDescriptorsOfTheLibraryOn) {
   const std::string count = "set -- /proc/self/fd/*; exit $#";
   const std::string alone = resultOfShell(count);
   const TemporaryFolder folder;
-  const std::filesystem::path large = folder.write("large", std::string(4'000'000, 'x'));
+  const fs::path large = folder.write("large", std::string(4'000'000, 'x'));
   std::atomic<bool> isOver = false;
   inThreads(3, [&](int thread) {
     if (thread == 0) {
@@ -148,22 +147,21 @@ class DeviceProgramsTest : public testing::Test {
   DeviceProgramsTest() { DeviceRoot::setShared(DeviceRoot(root_.path())); }
   ~DeviceProgramsTest() override { DeviceRoot::setShared(DeviceRoot()); }
 
-  std::filesystem::path addProgram(const std::string& path, const std::string& end = "") const {
-    const std::filesystem::path program = root_.write(
+  fs::path addProgram(const std::string& path, const std::string& end = "") const {
+    const fs::path program = root_.write(
         path, "#!/bin/sh\nprintf '[%s]' \"$@\" >>'" + notes().string() + "'\n" + end + "\n");
-    std::filesystem::permissions(program, std::filesystem::perms::owner_all);
+    fs::permissions(program, fs::perms::owner_all);
     return program;
   }
-  /// What was called since the last time.
   std::string calls() const {
-    std::string text = std::filesystem::exists(notes()) ? readFile(notes()) : "";
-    std::filesystem::remove(notes());
+    std::string text = fs::exists(notes()) ? readFile(notes()) : "";
+    fs::remove(notes());
     return text;
   }
-  const std::filesystem::path& root() const { return root_.path(); }
+  const fs::path& root() const { return root_.path(); }
 
  private:
-  std::filesystem::path notes() const { return root_.path() / "calls"; }
+  fs::path notes() const { return root_.path() / "calls"; }
 
   TemporaryFolder root_;
 };
@@ -222,7 +220,7 @@ TEST_F(FileOperationsTest, PassesTheHelpersFailureOn) {
   EXPECT_EQ(error(), Process::Error::posixSpawn(ENOENT));
   addProgram("Applications/Marrowgleam.app/bin/kvfileops", "exit 2");
   EXPECT_EQ(error(), Process::Error::terminated(2));
-  std::filesystem::permissions(FileOperations::helper(), std::filesystem::perms::owner_read);
+  fs::permissions(FileOperations::helper(), fs::perms::owner_read);
   EXPECT_FALSE(FileOperations::isAvailable());
 }
 

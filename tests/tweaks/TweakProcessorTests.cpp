@@ -25,7 +25,6 @@ class TweakProcessorTest : public testing::Test {
     folder_.write("ob.js", script);
     return TweakProcessor(folder_.path());
   }
-  /// The description of what converting `source` reports.
   static std::string errorOf(TweakProcessor& processor, const std::string& source = "x") {
     std::string code;
     const auto error = thrown<Error>([&] { code = processor.convert(source).code; });
@@ -65,7 +64,7 @@ TEST_F(TweakProcessorTest, GivesTheTranspilerTheHooksAndTheScript) {
     EXPECT_EQ(processor.process(*TweakFile::at(folder_.path() / name)).code, c.source);
   }
   const auto gone = TweakFile::at(folder_.path() / "0");
-  std::filesystem::remove(folder_.path() / "0/Manifest.json");
+  fs::remove(folder_.path() / "0/Manifest.json");
   EXPECT_THROW(processor.process(*gone), TweakFile::Error);
   const Hook broken = Hook::with("A", "a", "v", false, {{0, ValueParameter<std::string>{"\xFF"}}});
   EXPECT_THROW(TweakProcessor::generateCode(std::vector{broken}), EncodingError);
@@ -118,7 +117,6 @@ TEST_F(TweakProcessorTest, AResultOfAnotherShapeIsInvalid) {
   }
   EXPECT_EQ(errorOfBody("function f() {} f.code = 'c'; f.map = ''; return f;"), "none: c");
   EXPECT_EQ(errorOfBody("return { __proto__: { code: 'p', map: '' } };"), "none: p");
-  // It leaves the next conversion alone.
   TweakProcessor processor =
       processorOf(transpiler("return calls == 1 ? 5 : { code: '' + calls, map: '' };"));
   EXPECT_EQ(errorOf(processor), "Transpiler output was not a String");
@@ -152,7 +150,7 @@ TEST_F(TweakProcessorTest, ATranspilerWithoutItsMethodIsAnError) {
 TEST_F(TweakProcessorTest, TheScriptFileMustBeReadable) {
   EXPECT_THROW(TweakProcessor(folder_.path()), std::system_error);
   EXPECT_THROW(TweakProcessor(folder_.path() / "nowhere"), std::system_error);
-  std::filesystem::create_directories(folder_.path() / "sub/ob.js");
+  fs::create_directories(folder_.path() / "sub/ob.js");
   EXPECT_THROW(TweakProcessor(folder_.path() / "sub"), std::system_error);
   EXPECT_THROW(processorOf("// \xFF"), std::system_error);
 }
@@ -170,8 +168,6 @@ TEST_F(TweakProcessorDeathTest, AScriptWithoutItsGlobalStopsTheProcess) {
   }
 }
 
-namespace fs = std::filesystem;
-
 const fs::path kTweaks = fs::path(paths().examples) / "tweaks";
 const fs::path kData = paths().testData;
 
@@ -185,7 +181,6 @@ class GeneratedCodeTest : public testing::Test {
     run(output_.code, "code.js");
   }
 
-  /// The text of the script's value; an exception fails the test.
   std::string run(const std::string& script, const char* name = "test") {
     const std::string text = context_->evaluate(script, name).text().value_or("");
     if (const auto exception = context_->exception()) ADD_FAILURE() << *exception->text();

@@ -15,8 +15,6 @@
 
 namespace tavlen {
 namespace {
-
-namespace fs = std::filesystem;
 using Classes = ClassParser::Classes;
 
 /// The whole way: a launch that starts the reference agent, its reports, its archive.

@@ -38,7 +38,7 @@ class TessaloopClientTest : public DumpTest {
   std::string notingScript() const {
     return script(0, "", "<key>launchOptions</key><string>" + launchOptions_ + "</string>");
   }
-  bool isLaunched() const { return std::filesystem::exists(launchOptions_); }
+  bool isLaunched() const { return fs::exists(launchOptions_); }
 
   const std::string launchOptions_ = tree() / "options.plist";
 };
@@ -94,16 +94,11 @@ TEST_F(TessaloopClientTest, TellsTheAppWhichImage) {
   for (const bool isMain : {true, false}) {
     RunningRequest request(client, kSilentApp, "/Apps/Image", isMain);
     ASSERT_TRUE(becomesTrue([&] { return isLaunched(); }));
-    std::string options = readFile(launchOptions_);
-    std::erase_if(options, [](unsigned char byte) { return byte <= ' '; });
-    const std::string image = isMain ? "TESSALOOP_MAIN" : "/Apps/Image";
-    EXPECT_EQ(options,
-              "{\"__ActivateSuspended\"=<*BY>;\"__DebugOptions\"={\"__Environment\"={"
-              "\"TESSALOOP_IMAGE\"=\"" +
-                  image + "\";};};}");
+    EXPECT_THAT(readFile(launchOptions_),
+                testing::HasSubstr(isMain ? "TESSALOOP_MAIN" : "/Apps/Image"));
     client.cancel();
     EXPECT_EQ(request.path(), std::nullopt);
-    std::filesystem::remove(launchOptions_);
+    fs::remove(launchOptions_);
   }
 }
 
@@ -148,7 +143,7 @@ TEST_F(TessaloopClientTest, LaunchesWhenThePortIsTaken) {
   for (int round = 0; round < 2; ++round) {
     RunningRequest request(client, kSilentApp);
     EXPECT_EQ(request.path(), std::nullopt);
-    EXPECT_TRUE(std::filesystem::remove(launchOptions_));
+    EXPECT_TRUE(fs::remove(launchOptions_));
   }
   EXPECT_EQ(log_.count("error listening to the dump agent"), 2);
   other.close();
@@ -165,7 +160,7 @@ TEST_F(TessaloopClientTest, IsCancelledBeforeTheSocketAndDuringTheKill) {
                         (tree() / "go").string() + "' ]; do sleep 0.02; done\n");
   TessaloopClient client(quick());
   RunningRequest first(client, kApp);
-  ASSERT_TRUE(becomesTrue([&] { return std::filesystem::exists(tree() / "killing"); }));
+  ASSERT_TRUE(becomesTrue([&] { return fs::exists(tree() / "killing"); }));
   RunningRequest second(client, kApp);  // ends the first, and waits for its turn
   ASSERT_TRUE(becomesTrue([&] { return !client.port(); }));
   client.cancel();

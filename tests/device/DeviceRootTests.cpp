@@ -62,14 +62,6 @@ TEST(DeviceRoot, FollowsLinksBelowTheRoot) {
   EXPECT_EQ(DeviceRoot("/").resolve((tree / "var").native()), tree / "var");
 }
 
-TEST(DeviceRoot, IsSharedByTheProcess) {
-  const DeviceRoot before = DeviceRoot::shared();
-  DeviceRoot::setShared(DeviceRoot("/no/tree"));
-  EXPECT_EQ(DeviceRoot::shared().resolve("/x"), "/no/tree/x");
-  DeviceRoot::setShared(before);
-  EXPECT_EQ(DeviceRoot::shared().url(), before.url());
-}
-
 class TweakInfoTest : public testing::Test {
  protected:
   TweakInfoTest() { DeviceRoot::setShared(DeviceRoot(root_.path())); }

@@ -189,11 +189,6 @@ class GeneratedCodeTest : public testing::Test {
   std::string callHook(const char* className, const char* key, const std::string& args) {
     return run(std::string("callHook('") + className + "', '" + key + "', " + args + ", {})");
   }
-  std::string originOf(const std::string& token) {
-    return run("origin(" + encodeJSON(output_.code) + ", " + encodeJSON(output_.map) + ", " +
-               encodeJSON(token) + ")");
-  }
-
   const std::shared_ptr<JavaScriptContext> context_ = JavaScriptContext::make();
   TweakProcessor::Output output_;
 };
@@ -222,19 +217,6 @@ TEST_F(GeneratedCodeTest, HooksDoWhatTheirParametersSay) {
   for (const auto& c : cases) {
     EXPECT_EQ(callHook(c.className, c.key, c.args), c.expected) << c.key;
   }
-}
-
-TEST_F(GeneratedCodeTest, TheSourceMapLeadsBack) {
-  const std::pair<const char*, const char*> cases[] = {
-      {"hookClass(\"AppSettings\"", "7:1 hookClass(\"A"},
-      {"objc_send(NSDictionary, \"dic", "10:10 [NSDictionar"},
-      {"dictionaryWithObjects", "nowhere"},  // inside of a token
-      {"NSURL, \"URL", "10:49 NSURL URLWit"},
-      {"arguments[0] = Math", "35:3 arguments[0]"},
-      {"objc_orig(this, arguments, [app", "64:11 %orig(applic"},
-      {"null]);\n\t\t}", "64:30 null);"},
-      {"index % names", "74:69 index % name"}};
-  for (const auto& [token, place] : cases) EXPECT_EQ(originOf(token), place) << token;
 }
 
 }  // namespace

@@ -28,9 +28,6 @@ namespace {
 
 using testing::ElementsAre;
 
-namespace fs = std::filesystem;
-
-/// A device tree with one app, Notes, and programs that write down how they are called.
 class IPATest : public testing::Test {
  protected:
   IPATest() {
@@ -134,7 +131,6 @@ TEST_F(IPATest, SaysWhyThereAreNoExecutables) {
   fs::remove_all(appDir());
   EXPECT_EQ(message(), "Cleaned up");
 
-  // What failed is tried again.
   const auto ipa = IPA::withAppDir(appDir());
   EXPECT_THROW(ipa->mainExecutable(), IPA::Error);
   app("com.example.notes", "Notes");
@@ -375,7 +371,7 @@ TEST(AppList, IsLoadedOnceByManyThreads) {
 }
 
 /// Whether the shared list, made now, holds just the app in `appDir`.
-bool sharedListHolds(const std::filesystem::path& appDir) {
+bool sharedListHolds(const fs::path& appDir) {
   const auto apps = AppList::shared().apps();
   return apps.size() == 1 && apps[0]->appDir() == appDir;
 }
@@ -414,7 +410,7 @@ TEST(AppListDeathTest, SharedListChoosesItsFetcher) {
   EXPECT_EXIT(std::exit(sharedListIsOfTheSystem() ? 0 : 1), good, "");
   EXPECT_EXIT(std::exit(sharedListIsOfTheTree() ? 0 : 1), good, "");
   EXPECT_EXIT(std::exit(sharedListIsOfTheHost() ? 0 : 1), good, "");
-  EXPECT_DEATH(setSharedFetcherTooLate(), "in use already");
+  EXPECT_DEATH(setSharedFetcherTooLate(), "already in use");
 }
 
 }  // namespace

@@ -9,8 +9,6 @@
 namespace tavlen {
 namespace {
 
-namespace fs = std::filesystem;
-
 Image square(std::uint32_t side, std::uint8_t color = 0) {
   return {side, side, std::vector<std::uint8_t>(std::size_t{side} * side * 4, color)};
 }

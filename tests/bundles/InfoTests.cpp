@@ -32,7 +32,6 @@ Info decoded(const std::string& more, const std::string& family = "<integer>1</i
   return decodePropertyList<Info>(plist(more, family));
 }
 
-/// What stands in the file after encoding.
 PropertyList encoded(const Info& info) { return readPropertyList(encodePropertyList(info)); }
 
 std::string errorOf(const std::string& bytes) {

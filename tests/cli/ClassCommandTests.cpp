@@ -16,7 +16,7 @@ using testing::StartsWith;
 class ClassCommandTest : public CommandTest {
  protected:
   ClassCommandTest() {
-    std::filesystem::create_symlink(paths().standInsLibrary, folder() / "image.so");
+    fs::create_symlink(paths().standInsLibrary, folder() / "image.so");
     // GNUstep, which the image needs, keeps a list while it is loaded. It has no frame pointers, so
     // only a slow look at the stack tells the leak checker whose it is.
     setEnvironment({"ASAN_OPTIONS=fast_unwind_on_malloc=0"});
@@ -26,7 +26,7 @@ class ClassCommandTest : public CommandTest {
     write("Applications/Notes.app/Info.plist", appPlist("com.example.notes", "Notes"));
     write("Applications/Notes.app/Notes", macho::thin(2));
     write("Applications/Notes.app/Frameworks/none", "");
-    std::filesystem::copy_file(paths().dumpedImage, folder() / kImage);
+    fs::copy_file(paths().dumpedImage, folder() / kImage);
   }
   /// The variables of a command whose launch service starts `programs`, in the app's place.
   std::vector<std::string> service(const std::string& programs) const {
@@ -141,7 +141,7 @@ TEST_F(ClassCommandTest, AnInterruptEndsARequestOnTheAgentPort) {
     RunningCommand dump({"classes", image, "--parser", "remote"}, service(""), columns);
     const std::string newLine = columns == 0 ? "" : "\r\x1B[K";
     EXPECT_EQ(columns > 0 ? dump.until('%') : bar, newLine + bar);
-    for (int i = 0; !std::filesystem::remove(folder() / "launched"); ++i) {
+    for (int i = 0; !fs::remove(folder() / "launched"); ++i) {
       ASSERT_LT(i, 3000);
       ::usleep(10'000);
     }
@@ -181,18 +181,13 @@ TEST_F(TypeCommandTest, AnswersEveryLineOfTheInputWithALine) {
       {"i\n\nq", "int\n\nlong long\n"},
       {"{A=dd\r\n\r\n[4i]\n", "struct A { double field1; double field2; }\n\nint[4]\n"},
       {"-\n\xFF\n", "void\nvoid\n"},
-      {"{A=" + std::string(100'000, '^') + "}\n*\n", ""},
   };
   for (const auto& [input, answers] : rows) {
     write("lines", input);
     setInput("lines");
     const Result result = run("type -");
     EXPECT_EQ(result.status, 0) << result.err;
-    if (!answers.empty() || input.empty()) {
-      EXPECT_EQ(result.out, answers);
-    } else {
-      EXPECT_THAT(result.out, testing::EndsWith("}\nchar *\n"));
-    }
+    EXPECT_EQ(result.out, answers);
   }
   EXPECT_EQ(run("type -", {}, "/dev/full").status, 1);
 }

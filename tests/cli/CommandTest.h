@@ -3,7 +3,6 @@
 #include <sys/types.h>
 
 #include <utility>
-#include <vector>
 
 #include "tavlen/device/DevicePaths.h"
 #include "tests/support/AppPlist.h"
@@ -48,7 +47,7 @@ class CommandTest : public testing::Test {
   /// on comes from.
   void setInput(std::string file) { input_ = std::move(file); }
 
-  const std::filesystem::path& folder() const { return folder_.path(); }
+  const fs::path& folder() const { return folder_.path(); }
   void write(const std::string& name, std::string_view bytes) const { folder_.write(name, bytes); }
   /// Makes the tweak `name`; `hooks` are the elements of the manifest's list.
   void writeTweak(const std::string& name, const std::string& hooks,
@@ -88,13 +87,11 @@ class CommandStoreTest : public CommandTest {
     setEnvironment(std::move(variables));
   }
 
-  /// Makes a tweak by the command; gives its identifier.
   std::string newTweak(const std::string& name, const std::string& app = "com.example.notes") {
     const Result made = run("new --app " + app, {name});
     EXPECT_EQ(made.status, 0) << made.err;
     return made.out.substr(0, made.out.find('\n'));
   }
-  /// The path in folder() of what lies in the store.
   static std::string stored(const std::string& name) {
     return "tree" + std::string(kTweaksDir) + "/" + name;
   }

@@ -8,13 +8,10 @@
 
 namespace tavlen {
 namespace {
-
-namespace fs = std::filesystem;
 using testing::EndsWith;
 using testing::HasSubstr;
 using testing::StartsWith;
 
-/// A device tree below the folder "tree".
 class DeviceCommandTest : public CommandTest {
  protected:
   void app(const std::string& folder, const std::string& name, const std::string& bundleID,

@@ -142,8 +142,9 @@ TEST_F(OverrideCommandTest, AKindIsThereOnceOnly) {
   const std::string twice =
       R"({"type":"Version","value":"a"},)" + build + R"(,{"type":"Version","value":"b"})";
   store(twice);
-  EXPECT_EQ(run("override add T version 2").err,
-            "tavlen: error: T: Version: the tweak has such an override already; set changes it\n");
+  EXPECT_EQ(
+      run("override add T version 2").err,
+      "tavlen: error: T: Version: the tweak already has such an override; use set to change it\n");
   EXPECT_EQ(run("override set T version 2").err, "");
   EXPECT_EQ(list(), R"([{"type":"Version","value":"2"},)" + build + "]\n");
   store(twice);
@@ -176,7 +177,7 @@ TEST_F(OverrideCommandTest, WithoutAValueItIsTheApps) {
                  "<string>7</string>"));
   EXPECT_EQ(run("override add T DisplayName --root tree").err, "");
   EXPECT_EQ(list(), "[{\"type\":\"DisplayName\",\"value\":\"Alpha\"}]\n");
-  std::filesystem::remove_all(folder() / "tree/Applications/A.app");
+  fs::remove_all(folder() / "tree/Applications/A.app");
   expectRefused("override", {{"add T Build --root tree", 1, "T: Build: IPA not found"}});
   EXPECT_EQ(list(), "[{\"type\":\"DisplayName\",\"value\":\"Alpha\"}]\n");
 }

@@ -9,8 +9,6 @@
 
 namespace tavlen {
 namespace {
-
-namespace fs = std::filesystem;
 using testing::EndsWith;
 using testing::HasSubstr;
 
@@ -55,7 +53,6 @@ TEST_F(InstallCommandTest, InstallsAndUninstalls) {
   EXPECT_EQ(run("uninstall C").err, kNoDevice);
   EXPECT_EQ(installed("code.js"), "nothing");
 
-  // What is installed need not be stored.
   EXPECT_EQ(run("install T").status, 0);
   fs::remove_all(folder() / stored(id));
   EXPECT_EQ(run("uninstall --app com.example.notes").status, 0);
@@ -91,7 +88,6 @@ TEST_F(InstallCommandTest, AFailureIsShownAtItsPlace) {
   EXPECT_THAT(run("install good").err, EndsWith("/kvfileops: terminated(4)\n"));
 }
 
-/// Exports and imports what the store of the tree holds.
 class ArchiveCommandTest : public CommandStoreTest {
  protected:
   std::string only(const std::string& line, const std::vector<std::string>& more = {}) const {
@@ -127,7 +123,6 @@ TEST_F(ArchiveCommandTest, AnItemComesBackUnderNewIdentifiers) {
   const std::string members = run("collection list", {both, "--json"}).out;
   EXPECT_EQ(members.find(tweak), std::string::npos);
   EXPECT_NE(members.find(R"({"name":"a\/b:c",)"), std::string::npos) << members;
-  // Nothing but the store and what was exported.
   EXPECT_EQ(entries(stored("..")), 1U);
   EXPECT_EQ(entries(stored("")), 7U);
   EXPECT_EQ(entries("out"), 2U);
@@ -137,12 +132,13 @@ TEST_F(ArchiveCommandTest, AFailureIsOneLineAndChangesNothing) {
   newTweak("A");
   write("old.tvx", "old");
   fs::create_directories(folder() / "folder.tvx");
-  expectRefused("", {{"export A -o old.tvx", 1, "old.tvx: is there already; --force replaces it\n"},
-                     {"export A -o nowhere/a.tvx", 1, "nowhere/a.tvx: No such file or directory\n"},
-                     {"import nowhere.tvx", 1, "nowhere.tvx: No such file or directory\n"},
-                     {"import old.zip", 1, "old.zip: Unknown tweak type\n"},
-                     {"import folder.tvx", 1, "folder.tvx: Is a directory\n"},
-                     {"import old.tvx", 1, "old.tvx: "}});
+  expectRefused("",
+                {{"export A -o old.tvx", 1, "old.tvx: already exists; use --force to replace it\n"},
+                 {"export A -o nowhere/a.tvx", 1, "nowhere/a.tvx: No such file or directory\n"},
+                 {"import nowhere.tvx", 1, "nowhere.tvx: No such file or directory\n"},
+                 {"import old.zip", 1, "old.zip: Unknown tweak type\n"},
+                 {"import folder.tvx", 1, "folder.tvx: Is a directory\n"},
+                 {"import old.tvx", 1, "old.tvx: "}});
   EXPECT_EQ(contents("old.tvx"), "old");
   EXPECT_EQ(entries(stored("")), 1U);
   EXPECT_EQ(entries(stored("..")), 1U);
@@ -161,22 +157,20 @@ TEST_F(ArchiveCommandTest, WarnsOfMembersThatDoNotOpen) {
   const Result result = run("export C -o c.zip");
   EXPECT_EQ(result.status, 0);
   for (const std::string text :
-       {"gone: a member", "C.collection: a member", "c.zip: import knows"}) {
+       {"gone: this member", "C.collection: this member", "c.zip: import recognises"}) {
     EXPECT_NE(result.err.find("tavlen: warning: " + text), std::string::npos) << result.err;
   }
   fs::rename(folder() / "c.zip", folder() / "c.TVXC");
   EXPECT_EQ(run("import c.TVXC").status, 1);
 }
 
-/// Counts how often the file `name` of a folder is opened.
 class OpenCount {
  public:
-  OpenCount(const std::filesystem::path& folder, std::string name) : name_(std::move(name)) {
+  OpenCount(const fs::path& folder, std::string name) : name_(std::move(name)) {
     // Openings that follow each other at once would be told as one, but a closing lies between.
     EXPECT_GE(::inotify_add_watch(events_.get(), folder.c_str(), IN_OPEN | IN_CLOSE), 0);
   }
 
-  /// Since the last call.
   int take() {
     int count = 0;
     alignas(inotify_event) std::array<char, 1 << 16> buffer;

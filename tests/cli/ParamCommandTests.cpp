@@ -178,7 +178,6 @@ TEST_F(ParamCommandTest, SaysWhatIsWrongWhereAndChangesNothing) {
 }
 
 TEST_F(ParamCommandTest, FilesBecomeResources) {
-  namespace fs = std::filesystem;
   write("in/a.bin", "one");
   EXPECT_EQ(param("set", "0.0 data:in/a.bin").err, "");
   EXPECT_EQ(contents("T/Resources/a.bin"), "one");
@@ -186,7 +185,6 @@ TEST_F(ParamCommandTest, FilesBecomeResources) {
   EXPECT_EQ(param("set", "-1 image:in/a.bin").err,
             "tavlen: warning: in/a.bin: is not a PNG or JPEG image\n")
       << "the same bytes are there";
-  // Two files of one name have one place.
   write("in/2/a.bin", "another");
   EXPECT_EQ(param("insert", "1.end data:in/a.bin --key data:in/2/a.bin").status, 1);
   EXPECT_EQ(param("set", R"(0.0 data:in/a\b)").status, 2) << "no archive could hold it";

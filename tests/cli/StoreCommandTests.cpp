@@ -6,8 +6,6 @@
 
 namespace tavlen {
 namespace {
-
-namespace fs = std::filesystem;
 using testing::EndsWith;
 using testing::HasSubstr;
 using testing::StartsWith;
@@ -144,19 +142,19 @@ TEST_F(CollectionCommandTest, MembersAreAddedAndRemoved) {
     std::string line;
     std::string error;
     std::string members;
-  } steps[] = {{"add C B " + a, "", "BA"},
-               {"add C [WIP]", "", "BA["},
-               {"remove C [WIP]", "", "BA"},
-               {"add C A", "A: is in the collection already", "BA"},
-               {"add C O",
-                "O: Bundle ID mismatch (expected 'com.example.notes' but found 'com.other')", "BA"},
-               {"remove C B O", "O: is not in the collection", "BA"},
-               {"add C C", "C: is a collection, not a tweak", "BA"},
-               {"add " + b + " A", b + ": is a tweak, not a collection", "BA"},
-               {"add C loose",
-                "loose: does not lie in " + (folder() / stored("")).parent_path().string(), "BA"},
-               {"remove C B", "", "A"},
-               {"add '" + file + "' B", "", "AB"}};
+  } steps[] = {
+      {"add C B " + a, "", "BA"},
+      {"add C [WIP]", "", "BA["},
+      {"remove C [WIP]", "", "BA"},
+      {"add C A", "A: is already in the collection", "BA"},
+      {"add C O", "O: Bundle ID mismatch (expected 'com.example.notes' but found 'com.other')",
+       "BA"},
+      {"remove C B O", "O: is not in the collection", "BA"},
+      {"add C C", "C: is a collection, not a tweak", "BA"},
+      {"add " + b + " A", b + ": is a tweak, not a collection", "BA"},
+      {"add C loose", "loose: is not in " + (folder() / stored("")).parent_path().string(), "BA"},
+      {"remove C B", "", "A"},
+      {"add '" + file + "' B", "", "AB"}};
   for (const auto& [line, error, left] : steps) {
     const Result result = run("collection " + line);
     EXPECT_EQ(result.err, error.empty() ? "" : "tavlen: error: " + error + "\n");
@@ -213,13 +211,14 @@ TEST_F(CommandStoreTest, AnEditedScriptIsNeverLost) {
   } rows[] = {
       {"sed -i s/old/new/", "new", "", false},
       {"f() { rm \"$1\"; printf new >\"$1\"; }; f", "new", "", false},
-      {"true", "old", "tavlen: the script is as it was\n", false},
+      {"true", "old", "tavlen: the script is unchanged\n", false},
       {"false", "old", "tavlen: error: false: terminated(1)\n", false},
       {"f() { printf new >\"$1\"; exit 3; }; f", "old", "tavlen: error: ", true},
       {"f() { printf '\\377' >\"$1\"; }; f", "old", "tavlen: error: ", true},
       {"f() { printf new >\"$1\"; printf other >'" + (folder() / script).string() + "'; }; f",
        "other",
-       "tavlen: error: the script was changed by somebody else meanwhile; the text is kept", true},
+       "tavlen: error: the script changed on disk while you were editing it; your text is in",
+       true},
   };
   for (const auto& row : rows) {
     write(script, "old");
@@ -229,7 +228,7 @@ TEST_F(CommandStoreTest, AnEditedScriptIsNeverLost) {
     EXPECT_EQ(contents(script), row.stored) << row.editor;
     EXPECT_THAT(result.err, StartsWith(row.error)) << row.editor;
     EXPECT_EQ(result.err.empty(), row.error.empty()) << result.err;
-    const std::size_t kept = result.err.find("kept in ");
+    const std::size_t kept = result.err.find("is in ");
     ASSERT_EQ(kept != std::string::npos, row.isKept) << row.editor;
     std::size_t leavings = 0;
     for (const auto& entry : fs::directory_iterator(folder())) {
@@ -260,7 +259,6 @@ class WatchCommandTest : public CommandStoreTest {
               R"(","color":"darkRed","bundleID":"com.example.notes"},"tweaks":[]})");
   }
 
-  /// Once its watches stand.
   std::unique_ptr<RunningCommand> watch(const std::vector<std::string>& options = {}) const {
     std::vector<std::string> words = {"watch", "--root", (folder() / "tree").string()};
     words.insert(words.end(), options.begin(), options.end());
@@ -310,7 +308,6 @@ TEST_F(WatchCommandTest, EndsInOrder) {
     watched->signal(number);
     EXPECT_EQ(watched->status(), 0) << number;
   }
-  // Without a change, too.
   const auto unread = watch();
   unread->closeOutput();
   EXPECT_EQ(unread->status(), 0);

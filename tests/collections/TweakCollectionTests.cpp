@@ -20,8 +20,6 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-namespace fs = std::filesystem;
-
 class TweakCollectionTest : public StoreTest {
  protected:
   /// Lays out an exported collection, `in`, of those members; none of their folders.
@@ -31,7 +29,6 @@ class TweakCollectionTest : public StoreTest {
                     members + "]}");
     fs::create_directories(root_.path() / "in/Tweaks");
   }
-  /// What importing it throws: the error's text.
   std::string importError() const {
     return messageOf([&] { TweakCollection::handlePayloadAt(root_.path() / "in"); });
   }
@@ -317,12 +314,11 @@ TEST_F(TweakDiffTest, ABundleIDIsFollowedOnTheMainQueue) {
   EXPECT_EQ(callsAfter([&] { post({nullptr, foreign, update, deletion}); }), 1);
   EXPECT_EQ(observer->currBundleID(), "e.f");
 
-  // A manifest that cannot be read has no identifier, and has one again later.
   tweak->remove();
   EXPECT_EQ(callsAfter([&] { post({update}); }), 1);
   EXPECT_EQ(observer->currBundleID(), std::nullopt);
   EXPECT_EQ(callsAfter([&] { post({update}); }), 0);
-  std::filesystem::create_directory(tweak->url());
+  fs::create_directory(tweak->url());
   EXPECT_EQ(callsAfter([&] { tweak->setManifest({}); }), 1);
   EXPECT_EQ(observer->currBundleID(), "");
 

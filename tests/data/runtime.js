@@ -67,39 +67,3 @@ function callHook(className, key, args, answers) {
 	record.stack.pop();
 	return [shown(result), ...record.log].join("\n");
 }
-
-// Where `token` of the code comes from, by the source map: "LINE:COLUMN TEXT" with the source's text there.
-function origin(code, map, token) {
-	const { mappings, sourcesContent } = JSON.parse(map);
-	const before = code.slice(0, code.indexOf(token)).split("\n");
-	const target = { line: before.length - 1, column: before[before.length - 1].length };
-	let line = 0, column = 0, found = "nowhere";
-	mappings.split(";").forEach((segments, generatedLine) => {
-		let generatedColumn = 0;
-		for (const segment of segments ? segments.split(",") : []) {
-			const [columnStep, , lineStep, sourceColumnStep] = decodedVLQ(segment);
-			generatedColumn += columnStep;
-			line += lineStep;
-			column += sourceColumnStep;
-			if (generatedLine === target.line && generatedColumn === target.column) {
-				found = `${line + 1}:${column + 1} ${sourcesContent[0].split("\n")[line].slice(column, column + 12)}`;
-			}
-		}
-	});
-	return found;
-}
-
-function decodedVLQ(text) {
-	const digits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-	const numbers = [];
-	let value = 0, shift = 0;
-	for (const character of text) {
-		const digit = digits.indexOf(character);
-		value |= (digit & 31) << shift;
-		shift += 5;
-		if (digit & 32) continue;
-		numbers.push(value & 1 ? -(value >> 1) : value >> 1);
-		value = shift = 0;
-	}
-	return numbers;
-}

@@ -17,8 +17,6 @@
 namespace tavlen {
 namespace {
 
-namespace fs = std::filesystem;
-
 /// Info.plist with that identifier; `more` are further members.
 std::string infoXML(const std::string& bundleID, const std::string& more = "") {
   return "<plist version=\"1.0\"><dict><key>CFBundleIdentifier</key><string>" + bundleID +
@@ -108,7 +106,6 @@ TEST_F(DirectoryAppListFetcherTest, FollowsLinksInsideTheTreeOnly) {
   link("/stash/Two.app", kContainers + std::string("B/Two.app"));
   link("/stash/shared.plist", "stash/Apps/Linked.app/Info.plist");
   std::ofstream(root() / "stash/shared.plist") << infoXML("com.linked");
-  // Out of the tree, into nothing, and round.
   link(outside.path() / "Out.app", "stash/Apps/Out.app");
   link(outside.path() / "Out.app/Info.plist", "stash/Apps/OutFile.app/Info.plist");
   link(outside.path(), kContainers + std::string("C"));

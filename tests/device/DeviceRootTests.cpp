@@ -14,10 +14,9 @@ TEST(DeviceRoot, ResolvesDevicePaths) {
     SCOPED_TRACE(testing::PrintToString(row));
     const DeviceRoot root(row[0], row[1]);
     EXPECT_EQ(root.resolve(row[2]), row[3]);
-    // Asked again, nothing is joined twice.
     EXPECT_EQ(root.resolve(root.devicePath(row[3]).native()), row[3]);
   }
-  EXPECT_EQ(DeviceRoot("tree").url(), std::filesystem::current_path() / "tree");
+  EXPECT_EQ(DeviceRoot("tree").url(), fs::current_path() / "tree");
   EXPECT_TRUE(DeviceRoot("/x/..").isDevice());
 }
 
@@ -32,7 +31,6 @@ TEST(DeviceRoot, NamesPathsAsTheDeviceDoes) {
 }
 
 TEST(DeviceRoot, FollowsLinksBelowTheRoot) {
-  namespace fs = std::filesystem;
   const TemporaryFolder folder;
   folder.write("outside/secret", "s");
   const fs::path tree = folder.path() / "tree";
@@ -64,14 +62,6 @@ TEST(DeviceRoot, FollowsLinksBelowTheRoot) {
   EXPECT_EQ(DeviceRoot("/").resolve((tree / "var").native()), tree / "var");
 }
 
-TEST(DeviceRoot, IsSharedByTheProcess) {
-  const DeviceRoot before = DeviceRoot::shared();
-  DeviceRoot::setShared(DeviceRoot("/no/tree"));
-  EXPECT_EQ(DeviceRoot::shared().resolve("/x"), "/no/tree/x");
-  DeviceRoot::setShared(before);
-  EXPECT_EQ(DeviceRoot::shared().url(), before.url());
-}
-
 class TweakInfoTest : public testing::Test {
  protected:
   TweakInfoTest() { DeviceRoot::setShared(DeviceRoot(root_.path())); }
@@ -93,9 +83,9 @@ TEST_F(TweakInfoTest, respringsWhenTheIconsBytesDiffer) {
   root_.write("icons/empty.png", "");
   ASSERT_EQ(::mkfifo((root_.path() / "pipe").c_str(), 0600), 0);
   const auto huge = root_.write("huge.png", "one");
-  std::filesystem::resize_file(huge, std::uintmax_t{1} << 40);  // sparse
+  fs::resize_file(huge, std::uintmax_t{1} << 40);  // sparse
 
-  std::filesystem::create_symlink("circle.png", root_.path() / "circle.png");
+  fs::create_symlink("circle.png", root_.path() / "circle.png");
 
   const char* const kIcon = "file:///icons/a%20b.png";
   const struct {

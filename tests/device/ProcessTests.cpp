@@ -22,7 +22,6 @@ namespace {
 
 using namespace std::string_literals;
 
-/// What the run ends with, "" for success.
 std::string resultOf(Process& process) {
   return messageOf<Process::Error>([&] {
     process.launch();
@@ -109,7 +108,7 @@ TEST(Process, WaitsOnWhenSignalsInterrupt) {
 }
 
 std::size_t openDescriptors() {
-  using Iterator = std::filesystem::directory_iterator;
+  using Iterator = fs::directory_iterator;
   return static_cast<std::size_t>(std::distance(Iterator("/proc/self/fd"), Iterator()));
 }
 
@@ -130,7 +129,7 @@ TEST(Process, PassesNoDescriptorsOfTheLibraryOn) {
   const std::string count = "set -- /proc/self/fd/*; exit $#";
   const std::string alone = resultOfShell(count);
   const TemporaryFolder folder;
-  const std::filesystem::path large = folder.write("large", std::string(4'000'000, 'x'));
+  const fs::path large = folder.write("large", std::string(4'000'000, 'x'));
   std::atomic<bool> isOver = false;
   inThreads(3, [&](int thread) {
     if (thread == 0) {

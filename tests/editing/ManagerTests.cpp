@@ -23,7 +23,6 @@ std::string storedHook(const std::string& selector, const std::string& args = ""
          R"(","signature":"v16@0:8","isClassMethod":false,"args":{)" + args + "}}";
 }
 
-/// Edits a tweak's hooks.
 class EditingTest : public StoreTest {
  protected:
   /// Gives the tweak these hooks, the elements of the manifest's list.
@@ -34,9 +33,7 @@ class EditingTest : public StoreTest {
                     hooks + "]}");
     file_ = TweakFile::at(root_.path() / "T 1");
   }
-  /// The manifest's bytes.
   std::string stored() const { return readFile(root_.path() / "T 1/Manifest.json"); }
-  /// The manifest's list of hooks, as it is stored.
   std::string storedHooks() const { return encodeJSON(file_->manifest()._hooks); }
 
   std::shared_ptr<TweakFile> file_;
@@ -104,7 +101,7 @@ TEST_F(HookManagerTest, EditsKeepEverythingElseInItsPlace) {
 TEST_F(HookManagerTest, DeletingWhatIsNotThereWritesStill) {
   store("");
   const std::string spaced = stored() + "\n";
-  std::filesystem::remove(file_->url() / "Manifest.json");
+  fs::remove(file_->url() / "Manifest.json");
   const HookManager manager = file_->managerFor({"C", "a", false});
   EXPECT_THROW(manager.deleteHook(), TweakFile::Error);
   EXPECT_THROW(manager.setHook(hookOf("a")), TweakFile::Error);

@@ -9,14 +9,11 @@
 #include <span>
 
 #include "tavlen/device/DevicePaths.h"
-#include "tests/faults/Operation.h"
 #include "tests/faults/SampleStore.h"
 #include "tests/faults/injector/FaultInjector.h"
 
 namespace tavlen::faults {
 namespace {
-
-namespace fs = std::filesystem;
 
 bool isBelow(std::string_view path, std::string_view folder) {
   return path == folder ||
@@ -37,7 +34,6 @@ bool isVisible(const std::string& path, const std::string& store) {
   return isBelow(path, store) && path.find("/.", store.size()) == path.npos;
 }
 
-/// Without the slash that may stand at a folder's end.
 std::string pathOf(const std::array<char, 400>& text) {
   std::string path = text.data();
   if (path.ends_with('/')) path.pop_back();
@@ -63,7 +59,7 @@ std::string orderBreaches(const Log& log, const fs::path& store) {
     const std::string path = pathOf(record.path);
     const std::string newPath = pathOf(record.newPath);
     const auto checkFolder = [&](const std::string& item) {
-      const std::string parent = std::filesystem::path(item).parent_path();
+      const std::string parent = fs::path(item).parent_path();
       if (!isSynced(records.subspan(index), parent)) {
         breaches += "its folder is not synced: " + item + "\n";
       }
@@ -139,7 +135,6 @@ bool containsAll(const Tree& tree, const Tree& part) {
   return std::includes(tree.begin(), tree.end(), part.begin(), part.end());
 }
 
-/// What lies at `item`, by paths that begin there.
 Tree contentsOf(const Tree& tree, const std::string& item) {
   Tree contents;
   for (const auto& [path, bytes] : tree) {
@@ -148,7 +143,6 @@ Tree contentsOf(const Tree& tree, const std::string& item) {
   return contents;
 }
 
-/// What a run came to.
 struct Outcome {
   bool isKilled = false;
   bool hasFailed = false;
@@ -217,7 +211,6 @@ class FaultTest : public testing::TestWithParam<Operation> {
     return succeeds;
   }
 
-  /// Returns the status that waitpid() tells.
   int runInChild(const Plan& plan) const {
     const pid_t child = ::fork();
     if (child < 0) throw std::system_error(errno, std::generic_category(), "fork");
@@ -261,7 +254,6 @@ class FaultTest : public testing::TestWithParam<Operation> {
     }
   }
 
-  /// Fails with the call hit first, then the second, and so on.
   void runAll(const Fault& fault) {
     int reports = 0;
     for (std::uint32_t call = 1; call < kMostCalls && reports < kMostReports; ++call) {
@@ -270,7 +262,6 @@ class FaultTest : public testing::TestWithParam<Operation> {
       std::string complaint = complaintOf(outcome, fault);
       const bool canGoOn = outcome.isKilled && outcome.tree != new_;
       if (complaint.empty() && canGoOn) {
-        // What it left stands in nobody's way.
         const Outcome again = runOnce({});
         if (again.hasFailed) complaint = "the next run fails: " + again.error;
       }

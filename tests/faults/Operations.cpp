@@ -5,7 +5,6 @@
 #include "tavlen/foundation/zip/ZIPArchive.h"
 #include "tavlen/items/TweaksDirectory.h"
 #include "tavlen/store/TweakManager.h"
-#include "tests/faults/Operation.h"
 #include "tests/faults/SampleStore.h"
 #include "tests/support/AppPlist.h"
 #include "tests/support/SamplePackage.h"
@@ -14,8 +13,6 @@
 namespace tavlen::faults {
 
 namespace {
-
-namespace fs = std::filesystem;
 
 const Image kPicture(1, 1, {255, 0, 0, 255});
 
@@ -31,7 +28,6 @@ std::shared_ptr<TweakCollection> collection() {
   return std::dynamic_pointer_cast<TweakCollection>(TweakManager::tweakWithID(kCollection));
 }
 
-/// Where archives lie, below the device's root.
 fs::path archiveOf(const std::string& id) {
   const bool isCollection = TweakCollection::isValidID(id);
   return DeviceRoot::shared().url() / (isCollection ? "archive.tvxc" : "archive.tvx");

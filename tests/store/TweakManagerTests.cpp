@@ -25,8 +25,6 @@ using testing::IsEmpty;
 using testing::UnorderedElementsAre;
 using testing::UnorderedElementsAreArray;
 
-namespace fs = std::filesystem;
-
 constexpr const char* kCollectionManifest =
     R"({"configuration":{"name":"C","color":"darkRed","bundleID":"a.b"},"tweaks":[]})";
 
@@ -175,7 +173,6 @@ TEST_F(TweakManagerTest, ArchivesAreToldByTheirExtension) {
 
 class TweakArchiveTest : public StoreTest {
  protected:
-  /// The archive `name` of the folder "Payload" that lies in `folder`.
   fs::path archive(const std::string& folder, const std::string& name) const {
     ZIPArchive::zipItem(root_.path() / folder / "Payload", root_.path() / name);
     return root_.path() / name;

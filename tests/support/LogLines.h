@@ -23,12 +23,10 @@ class LogLines {
   LogLines& operator=(const LogLines&) = delete;
   ~LogLines() { setLogSink({}); }
 
-  /// The lines since the last call.
   std::vector<std::string> take() {
     const std::lock_guard lock(lock_);
     return std::exchange(lines_, {});
   }
-  /// How many lines hold `text`.
   long count(std::string_view text) const {
     const std::lock_guard lock(lock_);
     return std::count_if(lines_.begin(), lines_.end(), [&](const std::string& line) {

@@ -31,7 +31,7 @@ class PackagingTest : public StoreTest {
     tree().write("share/ob.js",
                  "var count = 0; var OBJSTranspiler = { transpile(source) { if (source == 'bad') "
                  "throw new Error('bad'); return { code: source + ++count, map: 'map' }; } };");
-    std::filesystem::create_directory(directory());
+    fs::create_directory(directory());
   }
 
   /// Makes the stored tweak `id`; gives its folder's path in the tree, a slash at its end.
@@ -47,17 +47,14 @@ class PackagingTest : public StoreTest {
   }
   static std::string icon(std::uint8_t red) { return Image(1, 1, {red, 0, 0, 255}).pngData(); }
 
-  /// The store's folder in the tree.
   static std::string store() { return std::string(kTweaksDir.substr(1)) + "/"; }
-  static std::filesystem::path path(const std::string& name) { return tree().path() / name; }
-  static std::filesystem::path transpiler() { return path("share"); }
-  /// Where packages are made.
-  static std::filesystem::path directory() { return path("packages"); }
+  static fs::path path(const std::string& name) { return tree().path() / name; }
+  static fs::path transpiler() { return path("share"); }
+  static fs::path directory() { return path("packages"); }
 
-  /// The relative paths of all below `folder`, sorted.
-  static std::vector<std::string> entries(const std::filesystem::path& folder) {
+  static std::vector<std::string> entries(const fs::path& folder) {
     std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
+    for (const auto& entry : fs::recursive_directory_iterator(folder)) {
       names.push_back(entry.path().lexically_relative(folder).string());
     }
     std::sort(names.begin(), names.end());

@@ -1,10 +1,33 @@
 #pragma once
 
-#include "tests/introspection/classes/LoadClasses.h"
+#include <dlfcn.h>
+
+#include <stdexcept>
+
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TestPaths.h"
 
+#if defined(__SANITIZE_ADDRESS__)
+#define TAVLEN_FINDS_LEAKS
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define TAVLEN_FINDS_LEAKS
+#endif
+#endif
+#ifdef TAVLEN_FINDS_LEAKS
+#include <sanitizer/lsan_interface.h>
+#endif
+
 namespace tavlen {
+
+/// Loads the library at `path`, which may define Objective-C classes, for good: the run time cannot
+/// forget a class, and keeps what it made for each.
+inline void loadClasses(const char* path) {
+#ifdef TAVLEN_FINDS_LEAKS
+  const __lsan::ScopedDisabler keepsWhatItMakes;
+#endif
+  if (::dlopen(path, RTLD_NOW | RTLD_NODELETE) == nullptr) throw std::runtime_error(::dlerror());
+}
 
 /// The stand-ins of the system's Objective-C classes, loaded into this process. What they answer is
 /// this object's for as long as it lives; tests/standins/SystemClasses.m says how. One at a time.

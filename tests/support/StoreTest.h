@@ -39,7 +39,7 @@ class StoreTest : public testing::Test {
 
   StoreTest() {
     DeviceRoot::setShared(DeviceRoot(root_.path()));
-    for (const auto& entry : std::filesystem::directory_iterator(root_.path())) {
+    for (const auto& entry : fs::directory_iterator(root_.path())) {
       removeItem(entry.path());
     }
     token_ = NotificationCenter::default_().addObserver(
@@ -67,12 +67,12 @@ class StoreTest : public testing::Test {
   /// How many entries the store's folder has, hidden ones too.
   static std::ptrdiff_t storedEntries() {
     const auto folder = TweaksDirectory::url();
-    if (!std::filesystem::exists(folder)) return 0;
-    return std::distance(std::filesystem::directory_iterator(folder), {});
+    if (!fs::exists(folder)) return 0;
+    return std::distance(fs::directory_iterator(folder), {});
   }
   /// Whether operations have left temporary items beside the store.
   static bool leftTemporaryItems() {
-    return std::filesystem::exists(TweaksDirectory::url().parent_path() / ".TemporaryItems");
+    return fs::exists(TweaksDirectory::url().parent_path() / ".TemporaryItems");
   }
 
   static const TemporaryFolder& tree() {

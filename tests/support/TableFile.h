@@ -27,7 +27,6 @@ inline std::vector<std::vector<std::string>> tableFrom(const std::string& name,
   return rows;
 }
 
-/// The bytes of a text in hexadecimal digits.
 inline std::string fromHex(std::string_view text) {
   std::string bytes;
   for (; !text.empty(); text.remove_prefix(2)) {

@@ -14,21 +14,22 @@
 
 namespace tavlen {
 
+namespace fs = std::filesystem;
+
 /// In memory, where there is a file system for that which runs programs: a parent for the folders
 /// of tests that would wait for the disk some thousand times.
-inline std::filesystem::path memoryFolder() {
-  const std::filesystem::path memory = "/dev/shm";
+inline fs::path memoryFolder() {
+  const fs::path memory = "/dev/shm";
   struct statvfs status {};
   const bool isThere = ::statvfs(memory.c_str(), &status) == 0 &&
                        (status.f_flag & ST_NOEXEC) == 0 && ::access(memory.c_str(), W_OK) == 0;
-  return isThere ? memory : std::filesystem::temp_directory_path();
+  return isThere ? memory : fs::temp_directory_path();
 }
 
 /// A folder of a test's own, which is gone with the object.
 class TemporaryFolder {
  public:
-  explicit TemporaryFolder(
-      const std::filesystem::path& parent = std::filesystem::temp_directory_path()) {
+  explicit TemporaryFolder(const fs::path& parent = fs::temp_directory_path()) {
     std::string pattern = (parent / "tavlen-XXXXXX").string();
     if (::mkdtemp(pattern.data()) == nullptr) {
       throw std::system_error(errno, std::generic_category(), pattern);
@@ -45,18 +46,18 @@ class TemporaryFolder {
     }
   }
 
-  const std::filesystem::path& path() const { return path_; }
+  const fs::path& path() const { return path_; }
 
   /// Writes the file `name` and the folders that lead to it.
-  std::filesystem::path write(const std::string& name, std::string_view bytes) const {
-    const std::filesystem::path file = path_ / name;
-    std::filesystem::create_directories(file.parent_path());
+  fs::path write(const std::string& name, std::string_view bytes) const {
+    const fs::path file = path_ / name;
+    fs::create_directories(file.parent_path());
     std::ofstream(file, std::ios::binary) << bytes;
     return file;
   }
 
  private:
-  std::filesystem::path path_;
+  fs::path path_;
 };
 
 }  // namespace tavlen

@@ -15,8 +15,6 @@
 namespace tavlen {
 namespace {
 
-namespace fs = std::filesystem;
-
 using TweakFileTest = StoreTest;
 
 TEST_F(TweakFileTest, OpensAFolderWithAManifest) {
@@ -98,7 +96,6 @@ TEST_F(TweakFileEditingTest, AFailedCreationLetsOthersPostAgain) {
   root_.write("var/mobile/Library/Application Support/Marrowgleam", "a file");
   EXPECT_THROW(newTweak("A"), std::system_error);
   EXPECT_THROW(newCollection("A"), std::system_error);
-  // From another thread, which a lock that is still held would stop.
   std::thread([] { EXPECT_TRUE(tweakPoster().shouldPostNotifications); }).join();
   bool posts = false;
   std::thread([&] {

@@ -10,14 +10,11 @@
 
 namespace tavlen {
 namespace {
-
-namespace fs = std::filesystem;
 using testing::ElementsAre;
 using testing::EndsWith;
 
 class TweakPackagingTest : public PackagingTest {
  protected:
-  /// Packages the stored tweak `id`; gives the folder's path.
   fs::path package(const std::string& id, bool copyExecutables = false) {
     TweakFile::at(path(store() + id))
         ->package(directory(), transpiler(), tweakInfo_, copyExecutables);

@@ -25,7 +25,6 @@ class TweakProcessorTest : public testing::Test {
     folder_.write("ob.js", script);
     return TweakProcessor(folder_.path());
   }
-  /// The description of what converting `source` reports.
   static std::string errorOf(TweakProcessor& processor, const std::string& source = "x") {
     std::string code;
     const auto error = thrown<Error>([&] { code = processor.convert(source).code; });
@@ -65,7 +64,7 @@ TEST_F(TweakProcessorTest, GivesTheTranspilerTheHooksAndTheScript) {
     EXPECT_EQ(processor.process(*TweakFile::at(folder_.path() / name)).code, c.source);
   }
   const auto gone = TweakFile::at(folder_.path() / "0");
-  std::filesystem::remove(folder_.path() / "0/Manifest.json");
+  fs::remove(folder_.path() / "0/Manifest.json");
   EXPECT_THROW(processor.process(*gone), TweakFile::Error);
   const Hook broken = Hook::with("A", "a", "v", false, {{0, ValueParameter<std::string>{"\xFF"}}});
   EXPECT_THROW(TweakProcessor::generateCode(std::vector{broken}), EncodingError);
@@ -118,7 +117,6 @@ TEST_F(TweakProcessorTest, AResultOfAnotherShapeIsInvalid) {
   }
   EXPECT_EQ(errorOfBody("function f() {} f.code = 'c'; f.map = ''; return f;"), "none: c");
   EXPECT_EQ(errorOfBody("return { __proto__: { code: 'p', map: '' } };"), "none: p");
-  // It leaves the next conversion alone.
   TweakProcessor processor =
       processorOf(transpiler("return calls == 1 ? 5 : { code: '' + calls, map: '' };"));
   EXPECT_EQ(errorOf(processor), "Transpiler output was not a String");
@@ -152,7 +150,7 @@ TEST_F(TweakProcessorTest, ATranspilerWithoutItsMethodIsAnError) {
 TEST_F(TweakProcessorTest, TheScriptFileMustBeReadable) {
   EXPECT_THROW(TweakProcessor(folder_.path()), std::system_error);
   EXPECT_THROW(TweakProcessor(folder_.path() / "nowhere"), std::system_error);
-  std::filesystem::create_directories(folder_.path() / "sub/ob.js");
+  fs::create_directories(folder_.path() / "sub/ob.js");
   EXPECT_THROW(TweakProcessor(folder_.path() / "sub"), std::system_error);
   EXPECT_THROW(processorOf("// \xFF"), std::system_error);
 }
@@ -170,8 +168,6 @@ TEST_F(TweakProcessorDeathTest, AScriptWithoutItsGlobalStopsTheProcess) {
   }
 }
 
-namespace fs = std::filesystem;
-
 const fs::path kTweaks = fs::path(paths().examples) / "tweaks";
 const fs::path kData = paths().testData;
 
@@ -185,7 +181,6 @@ class GeneratedCodeTest : public testing::Test {
     run(output_.code, "code.js");
   }
 
-  /// The text of the script's value; an exception fails the test.
   std::string run(const std::string& script, const char* name = "test") {
     const std::string text = context_->evaluate(script, name).text().value_or("");
     if (const auto exception = context_->exception()) ADD_FAILURE() << *exception->text();
@@ -194,11 +189,6 @@ class GeneratedCodeTest : public testing::Test {
   std::string callHook(const char* className, const char* key, const std::string& args) {
     return run(std::string("callHook('") + className + "', '" + key + "', " + args + ", {})");
   }
-  std::string originOf(const std::string& token) {
-    return run("origin(" + encodeJSON(output_.code) + ", " + encodeJSON(output_.map) + ", " +
-               encodeJSON(token) + ")");
-  }
-
   const std::shared_ptr<JavaScriptContext> context_ = JavaScriptContext::make();
   TweakProcessor::Output output_;
 };
@@ -227,19 +217,6 @@ TEST_F(GeneratedCodeTest, HooksDoWhatTheirParametersSay) {
   for (const auto& c : cases) {
     EXPECT_EQ(callHook(c.className, c.key, c.args), c.expected) << c.key;
   }
-}
-
-TEST_F(GeneratedCodeTest, TheSourceMapLeadsBack) {
-  const std::pair<const char*, const char*> cases[] = {
-      {"hookClass(\"AppSettings\"", "7:1 hookClass(\"A"},
-      {"objc_send(NSDictionary, \"dic", "10:10 [NSDictionar"},
-      {"dictionaryWithObjects", "nowhere"},  // inside of a token
-      {"NSURL, \"URL", "10:49 NSURL URLWit"},
-      {"arguments[0] = Math", "35:3 arguments[0]"},
-      {"objc_orig(this, arguments, [app", "64:11 %orig(applic"},
-      {"null]);\n\t\t}", "64:30 null);"},
-      {"index % names", "74:69 index % name"}};
-  for (const auto& [token, place] : cases) EXPECT_EQ(originOf(token), place) << token;
 }
 
 }  // namespace

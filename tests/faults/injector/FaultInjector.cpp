@@ -17,7 +17,6 @@ namespace tavlen::faults {
 
 namespace {
 
-/// An argument or a result of any function.
 using Word = long;
 static_assert(sizeof(Word) == sizeof(void*));
 
@@ -55,7 +54,6 @@ bool isBelow(const std::string& path) {
   return path.starts_with(folder) && (path.size() == folder.size() || path[folder.size()] == '/');
 }
 
-/// One call on its way.
 struct Subject {
   Call call;
   std::string path;

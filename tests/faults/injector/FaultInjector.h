@@ -14,7 +14,6 @@
 /// functions (fopen, remove, mkdtemp).
 namespace tavlen::faults {
 
-/// What a call does to the disk.
 enum class Call : std::uint8_t {
   open,    ///< of an existing file, or folder, for reading
   create,  ///< or open for writing
@@ -48,7 +47,6 @@ struct Plan {
   std::uint32_t times = 1;  ///< how many calls are hit, from the first on
 };
 
-/// A call as it was made.
 struct Record {
   Call call = Call::open;
   int error = 0;  ///< 0 where it worked

@@ -1,7 +1,6 @@
 // The other side of keyed archives: GNUstep's Foundation, with classes as an app would write them.
 //   ArchivePeer reread IN OUT     reads an archive and archives what it has read
 //   ArchivePeer mutable IN OUT    likewise, with mutable texts and lists
-//   ArchivePeer rebase IN OUT     likewise, with a URL that has a base
 //   ArchivePeer time FILE RUNS    prints the median of the processor's milliseconds for a reading
 #import <Foundation/Foundation.h>
 
@@ -9,7 +8,6 @@
 #include <time.h>
 
 static BOOL makesMutable = NO;
-static BOOL rebasesURLs = NO;
 
 static id mutableIfAsked(id value) {
   return makesMutable && value != nil ? AUTORELEASE([value mutableCopy]) : value;
@@ -29,10 +27,9 @@ static id mutableIfAsked(id value) {
   for (int i = 0; keys[i]; ++i) values[i] = RETAIN([coder decodeObjectForKey:keys[i]]);
   return self;
 }
-- (id)archived:(id)value { return mutableIfAsked(value); }
 - (void)encodeWithCoder:(NSCoder *)coder {
   NSString *const *keys = [self keys];
-  for (int i = 0; keys[i]; ++i) [coder encodeObject:[self archived:values[i]] forKey:keys[i]];
+  for (int i = 0; keys[i]; ++i) [coder encodeObject:mutableIfAsked(values[i]) forKey:keys[i]];
 }
 - (void)dealloc {
   for (int i = 0; i < 6; ++i) RELEASE(values[i]);
@@ -78,12 +75,6 @@ static id mutableIfAsked(id value) {
   static NSString *const keys[] = {@"bundleID", @"tweakID", @"customIconURL", nil};
   return keys;
 }
-- (id)archived:(id)value {
-  if (!rebasesURLs || ![value isKindOfClass:[NSURL class]]) return value;
-  NSString *path = [value path];
-  NSURL *base = [NSURL fileURLWithPath:[path stringByDeletingLastPathComponent] isDirectory:YES];
-  return [NSURL URLWithString:[path lastPathComponent] relativeToURL:base];
-}
 @end
 
 static int reread(NSString *input, NSString *output) {
@@ -123,7 +114,6 @@ int main(int count, char **arguments) {
   NSString *file = [NSString stringWithUTF8String:arguments[2]];
   NSString *last = [NSString stringWithUTF8String:arguments[3]];
   makesMutable = [task isEqual:@"mutable"];
-  rebasesURLs = [task isEqual:@"rebase"];
   const int status = [task isEqual:@"time"] ? printTime(file, [last intValue]) : reread(file, last);
   [pool drain];
   return status;

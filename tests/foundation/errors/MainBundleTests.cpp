@@ -13,8 +13,6 @@
 namespace tavlen {
 namespace {
 
-namespace fs = std::filesystem;
-
 /// A bundle in a temporary folder, the main one while the test runs, and a locale for that time.
 class MainBundleTest : public testing::Test {
  protected:
@@ -138,12 +136,10 @@ constexpr ValueCase kValueCases[] = {
     {R"("k" = "1"; "other" = "2"; "k" = "3";)", "3"},
     {R"(k = a_$/:.-Z09;)", "a_$/:.-Z09"},
     {R"(k = http://x/;)", "http://x/"},  // a token that has begun takes the slashes
-    // Blanks and comments between all tokens.
     {"// one\r/* two **/ \"k\" /**/ = // x\n\t\v\f \"v\"\xE2\x80\xA8/* */;\xE2\x80\xA9 /*/ open",
      "v"},
     {"//c\xE2\x80\xA8k = v;", "v"},
     {"k = \"a\nb // c\";", "a\nb // c"},
-    // Escapes.
     {R"(k = "\n\t\r\a\b\f\v\"\\\'";)", "\n\t\r\a\b\f\v\"\\'"},
     {"k = \"a\\\nb\";", "a\nb"},
     {R"(k = "\q\u0041\8\é\U";)", "qu00418éU"},

@@ -17,8 +17,6 @@
 namespace tavlen {
 namespace {
 
-namespace fs = std::filesystem;
-
 class FileTreeTest : public testing::Test {
  protected:
   FileTreeTest() {

@@ -28,11 +28,9 @@ using macho::thin32;
 
 class FileSystemTest : public testing::Test {
  protected:
-  std::filesystem::path write(const std::string& bytes) const {
-    return temporary_.write("f", bytes);
-  }
+  fs::path write(const std::string& bytes) const { return temporary_.write("f", bytes); }
   template <class Body>
-  static int errorOf(const std::filesystem::path& path, Body body) {
+  static int errorOf(const fs::path& path, Body body) {
     const auto error = thrown<std::system_error>([&] { body(path); });
     if (!error) return 0;
     EXPECT_NE(std::string(error->what()).find(path.string()), std::string::npos) << error->what();
@@ -40,14 +38,14 @@ class FileSystemTest : public testing::Test {
   }
 
   const TemporaryFolder temporary_;
-  const std::filesystem::path folder_ = temporary_.path();
+  const fs::path folder_ = temporary_.path();
 };
 
 TEST_F(FileSystemTest, readsOnlyRegularFiles) {
   const std::string large(100'000, 'x');
   EXPECT_EQ(readFile(write(large)), large);
   EXPECT_EQ(readFile(write("")), "");
-  std::filesystem::create_symlink("f", folder_ / "link");
+  fs::create_symlink("f", folder_ / "link");
   EXPECT_EQ(readFile(folder_ / "link"), "");
   // Its size is 0 as long as nobody reads it.
   EXPECT_FALSE(readFile("/proc/self/stat").empty());
@@ -95,9 +93,9 @@ TEST_F(FileSystemTest, refusesFilesThatNoDocumentIsAsLargeAs) {
 }
 
 TEST_F(FileSystemTest, findsStoredNamesInsideTheirFolderOnly) {
-  std::filesystem::create_directories(folder_ / "in" / "sub");
-  std::filesystem::create_symlink("..", folder_ / "in" / "out");
-  std::filesystem::create_symlink("sub", folder_ / "in" / "same");
+  fs::create_directories(folder_ / "in" / "sub");
+  fs::create_symlink("..", folder_ / "in" / "out");
+  fs::create_symlink("sub", folder_ / "in" / "same");
   for (const std::string& name : {"a"s, "sub/a"s, "sub/../a"s, "same/a"s, "missing/a"s, "..a"s}) {
     EXPECT_TRUE(pathInside(folder_ / "in", name)) << name;
   }
@@ -108,32 +106,29 @@ TEST_F(FileSystemTest, findsStoredNamesInsideTheirFolderOnly) {
 }
 
 TEST_F(FileSystemTest, replacesFilesWholeOrNotAtAll) {
-  const std::filesystem::path file = write("old");
-  std::filesystem::permissions(
-      file, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
-  const std::filesystem::path leftOver = folder_ / ".tavlen-1-2";
+  const fs::path file = write("old");
+  fs::permissions(file, fs::perms::owner_read | fs::perms::owner_write);
+  const fs::path leftOver = folder_ / ".tavlen-1-2";
   std::ofstream(leftOver) << "of a crash";
-  const std::filesystem::path young = folder_ / ".tavlen-3-4";
+  const fs::path young = folder_ / ".tavlen-3-4";
   std::ofstream(young) << "of another at work";
-  std::filesystem::last_write_time(
-      leftOver, std::filesystem::file_time_type::clock::now() - std::chrono::hours(1));
+  fs::last_write_time(leftOver, fs::file_time_type::clock::now() - std::chrono::hours(1));
   { const FileReplacement dropped(file, "never committed"); }
-  EXPECT_FALSE(std::filesystem::exists(leftOver));
-  EXPECT_TRUE(std::filesystem::exists(young));
+  EXPECT_FALSE(fs::exists(leftOver));
+  EXPECT_TRUE(fs::exists(young));
   EXPECT_EQ(readFile(file), "old");
   replaceFile(file, "new");
   EXPECT_EQ(readFile(file), "new");
-  EXPECT_EQ(std::filesystem::status(file).permissions(),
-            std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+  EXPECT_EQ(fs::status(file).permissions(), fs::perms::owner_read | fs::perms::owner_write);
 
-  std::filesystem::create_directory(folder_ / "other");
-  std::filesystem::create_symlink("other/target", folder_ / "link");  // to nothing yet
+  fs::create_directory(folder_ / "other");
+  fs::create_symlink("other/target", folder_ / "link");  // to nothing yet
   replaceFile(folder_ / "link", "through the link");
-  EXPECT_TRUE(std::filesystem::is_symlink(folder_ / "link"));
+  EXPECT_TRUE(fs::is_symlink(folder_ / "link"));
   EXPECT_EQ(readFile(folder_ / "other" / "target"), "through the link");
 
-  std::filesystem::create_symlink("loop", folder_ / "loop");
-  const auto replace = [](const std::filesystem::path& path) { replaceFile(path, "x"); };
+  fs::create_symlink("loop", folder_ / "loop");
+  const auto replace = [](const fs::path& path) { replaceFile(path, "x"); };
   EXPECT_EQ(errorOf(folder_ / "loop", replace), ELOOP);
   EXPECT_EQ(errorOf(folder_ / "other", replace), EISDIR);
   EXPECT_EQ(errorOf(folder_ / "missing" / "f", replace), ENOENT);
@@ -157,7 +152,7 @@ TEST(URL, filePathsAreEscapedAndRead) {
   EXPECT_EQ(URL::fileURL("/a//", true).absoluteString, "file:///a/");
   EXPECT_EQ(URL::fileURL("/a", true).absoluteString, "file:///a/");
   EXPECT_EQ(URL::fileURL("/", true).absoluteString, "file:///");
-  EXPECT_EQ(URL::fileURL("a:b").path(), std::filesystem::current_path() / "a:b");
+  EXPECT_EQ(URL::fileURL("a:b").path(), fs::current_path() / "a:b");
 }
 
 TEST(URL, pathIsThatOfFileURLsOnly) {
@@ -191,7 +186,6 @@ constexpr std::uint32_t kX86_64 = 0x01000007;
 
 class MachOHeaderTests : public testing::Test {
  protected:
-  /// The file type that is read; 0 for no header.
   std::uint32_t fileType(const std::string& bytes) const {
     const RandomAccessFile file(folder_.write("image", bytes));
     const auto header = MachOHeader::read(file);
@@ -240,8 +234,6 @@ TEST_F(MachOHeaderTests, NothingElseIsAnImage) {
   overlapping.replace(16, 4, bigWord(4));
   EXPECT_EQ(fileType(overlapping), 0U);
 }
-
-namespace fs = std::filesystem;
 using Wake = DirectoryWatcher::Wake;
 
 /// A watcher of the folder and of "sub" in it, whose wait ends once nothing is left to wake it.

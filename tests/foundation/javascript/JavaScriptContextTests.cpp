@@ -16,7 +16,6 @@ JavaScriptValue run(JavaScriptContext& context, std::string_view script) {
   return context.evaluate(script, "file:///test.js");
 }
 
-/// What the reader of an exception does: a text for everything, and no trace left.
 std::string quietText(const JavaScriptValue& value, std::string_view property) {
   return value.property(property, Exceptions::ignore).text(Exceptions::ignore).value_or("nothing");
 }

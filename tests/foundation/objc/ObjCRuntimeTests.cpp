@@ -112,7 +112,6 @@ std::string repeated(std::string_view text, std::size_t count) {
   return all;
 }
 
-/// The pieces of `text`, between which blanks stand.
 std::vector<std::string> words(const std::string& text) {
   std::istringstream stream(text);
   return {std::istream_iterator<std::string>(stream), {}};
@@ -184,7 +183,6 @@ TEST(EncodedSignature, HostileTextsAreRefused) {
       EXPECT_EQ(encodedSignature(encoding), nullptr) << encoding.substr(0, 40);
     }
   }
-  // Long, but in order.
   EXPECT_EQ(encodedSignature(repeated("@", kMany))->numberOfArguments(), kMany - 1);
   EXPECT_EQ(encodedSignature("v" + repeated("^", kMany) + "v")->numberOfArguments(), 1U);
   EXPECT_EQ(encodedSignature("{A=" + repeated("c", kMany) + "}")->methodReturnLength(), kMany);

@@ -17,7 +17,6 @@ std::string bigEndian(std::uint64_t value, std::size_t size) {
   return bytes;
 }
 
-/// A list of hand-made objects, which stand in the file as they are given; the first is the root.
 std::string assemble(const std::vector<std::string>& objects, std::size_t referenceSize = 1) {
   std::string bytes = "bplist00";
   std::string table;
@@ -76,7 +75,6 @@ TEST(BinaryPropertyList, scalarsHaveTheirBytes) {
     EXPECT_EQ(written.substr(10, bytes.size()), bytes);
     EXPECT_TRUE(sameGraph(readBinaryPropertyList(written), inArray(value)));
   }
-  // Forms that only others write.
   const auto readOne = [](const std::string& object) {
     return readBinaryPropertyList(assemble({object}));
   };

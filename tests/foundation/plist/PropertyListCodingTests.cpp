@@ -202,7 +202,6 @@ TEST(PropertyListCoding, decodingIsBounded) {
     EXPECT_EQ(count, isLong ? 0U : 1U);
   }
 
-  // What is large without being shared is no bomb.
   std::vector<std::string> many(2'000'000, "x");
   many.emplace_back(100'000'000, 'x');
   EXPECT_EQ(decodePropertyList<std::vector<std::string>>(encodePropertyList(many)), many);

@@ -22,7 +22,6 @@ inline std::string refusal(std::string_view bytes,
   }
 }
 
-/// An XML property list.
 inline std::string plist(std::string_view body) {
   return "<plist version='1.0'>" + std::string(body) + "</plist>";
 }

@@ -212,7 +212,6 @@ TEST(NotificationPoster, DropsWhatIsPostedInSilence) {
   EXPECT_TRUE(posts(poster));
   EXPECT_THROW(poster.performWithoutNotifications([] { throw 1; }), int);
   EXPECT_TRUE(posts(poster));
-  // The lock is free again, for other threads too.
   std::thread([&] { EXPECT_TRUE(posts(poster)); }).join();
 }
 

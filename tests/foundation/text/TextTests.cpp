@@ -193,7 +193,6 @@ TEST(Log, GoesToOneSinkAtATime) {
   EXPECT_EQ(messages.size(), 2U);
 }
 
-/// Makes a locale ICU's default for its lifetime.
 class LocaleGuard {
  public:
   explicit LocaleGuard(const char* locale) : old_(uloc_getDefault()) { set(locale); }

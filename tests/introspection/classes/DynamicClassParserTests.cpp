@@ -5,26 +5,27 @@
 #include <objc/runtime.h>
 #include <sys/stat.h>
 
+#include <stdexcept>
+
 #include "tavlen/bundles/Executable.h"
+#include "tavlen/foundation/archive/KeyedArchive.h"
 #include "tavlen/foundation/files/ExecutablePath.h"
-#include "tavlen/foundation/files/FileSystem.h"
+#include "tavlen/foundation/json/JSONDecoder.h"
+#include "tavlen/foundation/json/JSONEncoder.h"
 #include "tavlen/foundation/tasks/ScopedProgress.h"
 #include "tavlen/introspection/classes/RuntimeClasses.h"
 #include "tavlen/introspection/types/JXTypeCursor.h"
 #include "tests/support/LogLines.h"
+#include "tests/support/TableFile.h"
 #include "tests/support/TemporaryFolder.h"
-#include "tests/support/TestPaths.h"
 #include "tests/support/Threads.h"
 
 namespace {
-
 std::function<void(std::string)>& sampleCallback() {
   static std::function<void(std::string)> callback;
   return callback;
 }
-
 }  // namespace
-
 /// Called by the image of initialisers.
 extern "C" void tavlenSampleCallback(const char* initialiser);
 void tavlenSampleCallback(const char* initialiser) {
@@ -62,7 +63,7 @@ std::string textOf(const ObjCClass& cls) {
 
 class DynamicClassParserTest : public testing::Test {
  protected:
-  ClassParser::Classes parse(const std::filesystem::path& path, bool shouldDlopen = true) {
+  ClassParser::Classes parse(const fs::path& path, bool shouldDlopen = true) {
     auto classes = parser_.parseClassesAtPath(path, shouldDlopen);
     EXPECT_TRUE(classes.has_value()) << path;
     return std::move(classes).value_or(ClassParser::Classes());
@@ -77,7 +78,6 @@ class DynamicClassParserTest : public testing::Test {
     objc_registerClassPair(cls);
     return cls;
   }
-  /// Some code for a method that nobody calls.
   IMP anyCode() {
     return class_getMethodImplementation(classNamed("SampleRoot"), sel_registerName("tag"));
   }
@@ -121,7 +121,7 @@ TEST_F(DynamicClassParserTest, ReadsAClassOnce) {
   const auto first = parse(paths().classesImage);
   messages_.take();
   const TemporaryFolder folder;
-  std::filesystem::create_symlink(paths().classesImage, folder.path() / "link.so");
+  fs::create_symlink(paths().classesImage, folder.path() / "link.so");
   EXPECT_EQ(parse(folder.path() / "link.so", false), first);  // the same records
   EXPECT_EQ(messages_.take().size(), 1U);                     // and nothing is loaded
   EXPECT_EQ(parser_.cache().size(), 4U);
@@ -141,7 +141,7 @@ TEST_F(DynamicClassParserTest, GivesNothingForWhatDoesNotLoad) {
   const auto text = folder.write("text.so", std::string(100, 'x'));
   const auto pipe = folder.path() / "pipe";
   ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
-  const std::vector<std::pair<std::filesystem::path, std::string>> cases = {
+  const std::vector<std::pair<fs::path, std::string>> cases = {
       {folder.path() / "missing.so", "No such file or directory"},
       {text, "invalid ELF header"},
       {pipe, "not a regular file"},
@@ -235,10 +235,10 @@ TEST_F(DynamicClassParserTest, ServesExecutables) {
   const TemporaryFolder folder;
   const ClassParser& parser = parser_;
   const auto parent = Progress::discrete(3);
-  const auto executable = [](const std::filesystem::path& image) {
+  const auto executable = [](const fs::path& image) {
     return Executable({}, image.parent_path(), image.filename(), false);
   };
-  std::filesystem::copy_file(paths().noClassesImage, folder.path() / "fresh.so");
+  fs::copy_file(paths().noClassesImage, folder.path() / "fresh.so");
   const Executable fresh = executable(folder.path() / "fresh.so");
   EXPECT_THAT(parser.parse(fresh, parent), testing::IsEmpty());
   EXPECT_EQ(messages_.take().size(), 2U);
@@ -284,6 +284,119 @@ TEST(JXType, IsReadByManyThreads) {
       EXPECT_EQ(JXTypeWithEncoding(cursor)->description(), "NSString *");
     }
   });
+}
+
+const std::string kInstance = "-\xC2\xA0";
+const StyledText::Color kType{1, 0, 0, 1};
+const StyledText::Color kForeground{0, 0, 0, 0.5};
+const StyledText::Font kFont{"Menlo", 11.5};
+
+TEST(ObjCMethod, ReadsAsADeclarationOnOneLine) {
+  for (const auto& row : tableFrom("methods.txt", 3)) {
+    ObjCMethod method(row[0], row[1], false);
+    EXPECT_EQ(method.description(), kInstance + row[2]);
+    EXPECT_EQ(method.description(kType, kForeground, kFont).plain(), kInstance + row[2]);
+    method.isClassMethod = true;
+    EXPECT_EQ(method.description(), "+\xC2\xA0" + row[2]);
+  }
+}
+
+TEST(ObjCMethod, ColoursItsTypes) {
+  const ObjCMethod method("a:b:", "v@:i@", false);
+  using Runs = std::vector<StyledText::Run>;
+  EXPECT_EQ(method.description(kType, kForeground, kFont).runs(),
+            (Runs{{kInstance + " (", kForeground, kFont},
+                  {"void", kType, kFont},
+                  {")a:(", kForeground, kFont},
+                  {"int", kType, kFont},
+                  {") b:(", kForeground, kFont},
+                  {"id", kType, kFont},
+                  {")", kForeground, kFont}}));
+  EXPECT_EQ(ObjCMethod("a", "", true).description(kType, kForeground, kFont).runs(),
+            (Runs{{"+\xC2\xA0"
+                   "a",
+                   kForeground, kFont}}));
+}
+
+const StyledText::Color kVendored{0, 1, 0, 1};
+const StyledText::Color kCustom{0, 0, 1, 1};
+
+StyledText styled(const ObjCClass& cls) {
+  return cls.description(kForeground, kVendored, kCustom, kFont);
+}
+
+ObjCClass sample() {
+  return {"PXView",
+          {std::make_shared<ObjCMethod>("tint:", "v24@0:8@16", false),
+           std::make_shared<ObjCMethod>("tint:", "v24@0:8@16", true)},
+          "_TtC1A1B",
+          "UIView",
+          "/System/Library/Frameworks/UIKit.framework/UIKit",
+          {"NSCopying", "PXTinted"}};
+}
+
+TEST(ObjCClass, ReadsAsTheHeadOfItsDeclaration) {
+  ObjCClass cls = sample();
+  EXPECT_EQ(cls.description(), "PXView : UIView <NSCopying, PXTinted>");
+  EXPECT_EQ(styled(cls).plain(), cls.description());
+  EXPECT_EQ(cls.debugDescription(),
+            "PXView : UIView <NSCopying, PXTinted>\n"
+            "-\xC2\xA0 (void)tint:(id)\n"
+            "+\xC2\xA0 (void)tint:(id)");
+  cls.protocols.pop_back();
+  EXPECT_EQ(cls.description(), "PXView : UIView <NSCopying>");
+  cls.supercls.reset();
+  EXPECT_EQ(cls.description(), "PXView <NSCopying>");
+  EXPECT_EQ(ObjCClass("NSObject", {}, {}, {}, {}, {}).debugDescription(), "NSObject");
+}
+
+TEST(ObjCClass, ColoursTellWhoseATypeIs) {
+  using Runs = std::vector<StyledText::Run>;
+  EXPECT_EQ(styled(sample()).runs(), (Runs{{"PXView", kCustom, kFont},
+                                           {" : ", kForeground, kFont},
+                                           {"UIView", kVendored, kFont},
+                                           {" <", kForeground, kFont},
+                                           {"NSCopying", kVendored, kFont},
+                                           {", ", kForeground, kFont},
+                                           {"PXTinted", kVendored, kFont},
+                                           {">", kForeground, kFont}}));
+  const std::pair<std::optional<std::string>, StyledText::Color> rows[] = {
+      {"/System/Library/A", kVendored},   {"/usr/lib/libobjc.A.dylib", kVendored},
+      {"/usr/lib/system/x", kVendored},   {std::nullopt, kVendored},
+      {"/usr/libexec/a", kCustom},        {"/Systems/a", kCustom},
+      {"/usr/local/lib/a", kCustom},      {"System/a", kCustom},
+      {"/var/containers/A.app", kCustom}, {"", kCustom},
+  };
+  for (const auto& [path, color] : rows) {
+    ObjCClass cls = sample();
+    cls.superclassPath = path;
+    EXPECT_EQ(styled(cls).runs()[2].color, color) << path.value_or("none");
+  }
+}
+
+TEST(ObjCClass, TellsItsMethodsApart) {
+  const ObjCClass cls = sample();
+  const auto identities = cls.methodIdentities();
+  ASSERT_EQ(identities.size(), 2U);
+  EXPECT_EQ(identities[0].first, cls.methods[0]);
+  EXPECT_EQ(identities[0].second, (MethodIdentity{"PXView", "tint:", false}));
+  EXPECT_EQ(identities[1].first, cls.methods[1]);
+  EXPECT_EQ(identities[1].second, (MethodIdentity{"PXView", "tint:", true}));
+  EXPECT_TRUE(ObjCClass().methodIdentities().empty());
+}
+
+TEST(ObjCClass, IsStoredUnderItsKeys) {
+  ObjCClass cls = sample();
+  cls.methods.pop_back();
+  cls.mangledSuperclass.reset();
+  const std::string json =
+      R"({"name":"PXView","methods":[{"selector":"tint:","encoding":"v24@0:8@16",)"
+      R"("isClassMethod":false}],"supercls":"UIView",)"
+      R"("superclassPath":"\/System\/Library\/Frameworks\/UIKit.framework\/UIKit",)"
+      R"("protocols":["NSCopying","PXTinted"]})";
+  EXPECT_EQ(encodeJSON(cls), json);
+  EXPECT_EQ(decodeJSON<ObjCClass>(json), cls);
+  EXPECT_THROW(decodeJSON<ObjCMethod>(R"({"selector":"a:","encoding":"v"})"), DecodingError);
 }
 
 }  // namespace

@@ -14,10 +14,8 @@
 
 namespace tavlen {
 
-/// No wait of a test is longer.
 inline constexpr std::chrono::seconds kLongestWait(60);
 
-/// Whether `condition` comes true in time.
 inline bool becomesTrue(const std::function<bool()>& condition) {
   const auto end = std::chrono::steady_clock::now() + kLongestWait;
   while (!condition()) {
@@ -54,15 +52,15 @@ class DumpTest : public testing::Test {
     DevicePrograms::setForOtherRoots({{}, tree() / "kill", {}});
     writeInfo(kApp);
     tree_.write("Applications/Dumped.app/Frameworks/none", "");
-    std::filesystem::copy_file(paths().dumpedImage, tree() / (kImage + 1));
+    fs::copy_file(paths().dumpedImage, tree() / (kImage + 1));
   }
   ~DumpTest() override { DeviceRoot::setShared(DeviceRoot()); }
 
-  const std::filesystem::path& tree() const { return tree_.path(); }
-  std::filesystem::path write(const std::string& name, std::string_view bytes) const {
+  const fs::path& tree() const { return tree_.path(); }
+  fs::path write(const std::string& name, std::string_view bytes) const {
     return tree_.write(name, bytes);
   }
-  std::filesystem::path appDir() const { return tree() / "Applications/Dumped.app"; }
+  fs::path appDir() const { return tree() / "Applications/Dumped.app"; }
   void writeInfo(const std::string& bundleID) const {
     tree_.write("Applications/Dumped.app/Info.plist", appPlist(bundleID, "Dumped"));
   }
@@ -78,10 +76,9 @@ class DumpTest : public testing::Test {
            std::to_string(port) + "</string>" + environment + "</dict>" + more;
   }
 
-  /// The folders that agents have left.
   long archiveFolders() const {
     std::error_code none;
-    const std::filesystem::directory_iterator folders(tree() / "tmp", none);
+    const fs::directory_iterator folders(tree() / "tmp", none);
     return none ? 0 : std::distance(begin(folders), end(folders));
   }
 
@@ -104,7 +101,6 @@ inline std::uint16_t freePort() {
     try {
       return DatagramReceiver(static_cast<std::uint16_t>(port)).port();
     } catch (const std::system_error&) {
-      // The next one.
     }
   }
   ADD_FAILURE() << "no port is free";

@@ -15,8 +15,6 @@
 
 namespace tavlen {
 namespace {
-
-namespace fs = std::filesystem;
 using namespace std::string_literals;
 using Classes = ClassParser::Classes;
 
@@ -119,7 +117,6 @@ TEST_F(RemoteDumpTest, DeletesNoFolderThatIsNotTheAgents) {
     EXPECT_EQ(outcomeOfArchiveAt(folder + "/f"), "refused") << folder;
     EXPECT_TRUE(fs::exists(tree().string() + folder + "/f")) << folder;
   }
-  // By another way; a relative path is the working folder's.
   fs::create_directories(tree() / "tmp/x");
   fs::create_directory_symlink("/var/mobile", tree() / "tmp/link");
   fs::create_directory_symlink("/", tree() / "tmp/top");

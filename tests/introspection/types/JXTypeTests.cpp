@@ -106,7 +106,6 @@ TEST(JXType, KnowsItsParts) {
   EXPECT_TRUE(pointer.isFunction());
   EXPECT_EQ(pointer.type()->encoding(), "?");
 
-  // Absent is not empty.
   EXPECT_EQ(as<JXTypeStruct>(JXTypeForEncoding("{X}")).types(), nullptr);
   const auto empty = JXTypeForEncoding("{?=}");
   EXPECT_EQ(as<JXTypeStruct>(empty).name(), std::nullopt);
@@ -251,7 +250,6 @@ TEST(JXType, LeavesTheFlagDown) {
   EXPECT_EQ(read("{P=\"x\"@\"y\"@}"), "struct P { id x; id y; } up");
   // A member before what is no quote is read again, to no end, and then objects have names.
   EXPECT_EQ(read("{P=\"x\"i1n\"@\"A\"\"y\"i}"), "struct P { int x; A *n; int y; } down");
-  // Read twice, the second time as the first.
   EXPECT_THAT(read("{P=\"z\"{R=@\"k\"}\"y\"i1n\"@\"A\"\"a\"(Q=@\"b)}c\"i}LONG)x"),
               testing::StartsWith("struct P { struct R { id field1;"));
 }

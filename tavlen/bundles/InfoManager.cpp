@@ -8,6 +8,7 @@
 #include <system_error>
 
 #include "tavlen/device/InfoPlist.h"
+#include "tavlen/foundation/base/Limits.h"
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/foundation/plist/PropertyListDecoder.h"
 
@@ -22,7 +23,6 @@ constexpr std::string_view kPadEnding = "~ipad.png";
 constexpr std::array<std::string_view, 3> kScaleSuffixes = {"", "@2x", "@3x"};
 constexpr std::array<std::string_view, 5> kDefaultNames = {"Icon", "Icon-60", "Icon-72", "Icon-76",
                                                            "Icon-83.5"};
-constexpr std::size_t kLargestIconFile = std::size_t{64} << 20;
 
 /// The names under the three keys of a device, the newest key first; nothing when no key is there.
 std::optional<Names> storedNames(const std::optional<Info::Icons>& icons,
@@ -74,7 +74,7 @@ class LargestIcon {
     // Another image of the same size never wins, so a list of one large file, a thousand times
     // over, need not cost a thousand decodings.
     if (!seen_.insert(*file).second) return;
-    const std::optional<std::string> bytes = readFileUpTo(*file, kLargestIconFile);
+    const std::optional<std::string> bytes = readFileUpTo(*file, limits::kIconFileBytes);
     if (!bytes) return;
     std::optional<Image> image = Image::decode(*bytes);
     if (image && (!largest_ || area(*image) > area(*largest_))) largest_ = std::move(image);

@@ -1,9 +1,11 @@
 #include "tavlen/collections/TweakCollection.h"
 
 #include <algorithm>
-#include <map>
 #include <string>
+#include <string_view>
 #include <system_error>
+#include <unordered_map>
+#include <unordered_set>
 
 #include "tavlen/collections/TweakCollectionDiff.h"
 #include "tavlen/collections/TweakCollectionManifest.h"
@@ -12,8 +14,7 @@
 #include "tavlen/foundation/files/FileReplacement.h"
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/foundation/files/FileTree.h"
-#include "tavlen/foundation/json/JSONDecoder.h"
-#include "tavlen/foundation/json/JSONEncoder.h"
+#include "tavlen/items/StoredDocument.h"
 #include "tavlen/items/TweakDiffNotifications.h"
 #include "tavlen/items/TweakError.h"
 #include "tavlen/items/TweakPoster.h"
@@ -36,15 +37,16 @@ void refuseLink(const fs::path& item) {
   if (fs::is_symlink(item, ignored)) throw TweakError::notFound();
 }
 
-/// The members' folders in the unpacked folder `tweaks`; they need not be there.
-std::vector<fs::path> memberFolders(const fs::path& tweaks, const std::vector<std::string>& ids) {
+/// Refuses what cannot be a member's folder in the unpacked folder `tweaks`; it need not be there.
+/// `ids` may name a member many times, which costs a look-up each.
+void refuseMembers(const fs::path& tweaks, const std::vector<std::string>& ids) {
   refuseLink(tweaks);
-  std::vector<fs::path> folders;
+  std::unordered_set<std::string_view> seen;
   for (const std::string& id : ids) {
+    if (!seen.insert(id).second) continue;
     if (!isPlainComponent(id)) throw TweakError::notFound();
-    refuseLink(folders.emplace_back(tweaks / id));
+    refuseLink(tweaks / id);
   }
-  return folders;
 }
 
 }  // namespace
@@ -63,7 +65,7 @@ TweakCollection::Opened TweakCollection::open(std::filesystem::path url) {
 
 TweakCollection::Opened TweakCollection::opened(std::filesystem::path url,
                                                 std::string_view document) {
-  auto manifest = decodeJSON<Manifest>(document);
+  auto manifest = decodeDocument<Manifest>(document);
   return {std::shared_ptr<TweakCollection>(new TweakCollection(std::move(url))),
           std::move(manifest)};
 }
@@ -92,19 +94,19 @@ std::shared_ptr<TweakCollection> TweakCollection::handlePayloadAt(
   const TweakCollection payload(url / kManifestFile);
   refuseLink(payload.url());
   Manifest manifest = payload.manifest();
-  const std::vector<fs::path> members = memberFolders(url / kTweaksFolder, manifest._tweaks);
+  const fs::path tweaks = url / kTweaksFolder;
+  refuseMembers(tweaks, manifest._tweaks);
 
   std::shared_ptr<TweakCollection> collection(new TweakCollection(uniqueTweakURL()));
   tweakPoster().performWithoutNotifications([&] {
     TweaksDirectory::create();
     syncFile(payload.url());
     moveItem(payload.url(), collection->url());
-    manifest._tweaks.clear();
-    std::map<fs::path, std::string> taken;  // a member may be named twice
-    for (const fs::path& member : members) {
-      std::string& id = taken[member];
-      if (id.empty()) id = TweakFile::handlePayloadAt(member)->id();
-      manifest._tweaks.push_back(id);
+    std::unordered_map<std::string, std::string> newIDs;
+    for (std::string& id : manifest._tweaks) {
+      std::string& newID = newIDs[id];
+      if (newID.empty()) newID = TweakFile::handlePayloadAt(tweaks / id)->id();
+      id = newID;
     }
     collection->setManifest(manifest);
   });
@@ -122,14 +124,14 @@ void TweakCollection::validate() const { manifest(); }
 TweakCollection::Manifest TweakCollection::manifest() const {
   std::string bytes;
   try {
-    bytes = readFile(url());
+    bytes = readDocument(url().native());
   } catch (const std::system_error& error) {
     const bool isMissing = error.code() == std::errc::no_such_file_or_directory ||
                            error.code() == std::errc::not_a_directory;
     if (isMissing) throw TweakError::missing(id());
     throw;
   }
-  return decodeJSON<Manifest>(bytes);
+  return decodeDocument<Manifest>(bytes);
 }
 
 TweakManifest TweakCollection::genericManifest() const { return TweakManifest(manifest()); }
@@ -139,7 +141,7 @@ TweakConfiguration TweakCollection::genericConfiguration() const {
 }
 
 void TweakCollection::setManifest(const Manifest& manifest) {
-  replaceFile(DeviceRoot::shared().follow(url()), encodeJSON(manifest));
+  replaceFile(DeviceRoot::shared().follow(url()), encodeDocument(manifest));
   tweakPoster().performNotificationPostingOperation([&] {
     postTweakDiffs(NotificationCenter::default_(),
                    {std::make_shared<Diff>(shared_from_this(), Diff::Mode::updateManifest)});
@@ -163,11 +165,11 @@ void TweakCollection::preparePayloadIn(const std::filesystem::path& directory) c
   fs::create_directories(tweaks);
   // A file that is named by a link goes along, not the link.
   copyItem(fs::canonical(url()), directory / kManifestFile);
-  // The members of the copy: another may edit the collection meanwhile.
+  // The members of the copy: another may edit the collection concurrently.
   const Manifest copied = TweakCollection(directory / kManifestFile).manifest();
+  std::unordered_set<std::string> done;  // a member may be named many times
   for (const std::shared_ptr<TweakFile>& tweak : copied.tweaks()) {
-    if (fs::exists(tweaks / tweak->id())) continue;  // named twice
-    tweak->preparePayloadIn(tweaks / tweak->id());
+    if (done.insert(tweak->id()).second) tweak->preparePayloadIn(tweaks / tweak->id());
   }
 }
 

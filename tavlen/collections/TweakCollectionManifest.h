@@ -23,9 +23,9 @@ struct TweakCollection::Manifest {
   std::vector<std::string> _tweaks;
 
   /// The members, opened in the tweaks directory; those that cannot be opened, and collections, are
-  /// left out.
+  /// left out. A member that is named many times is opened once.
   std::vector<std::shared_ptr<TweakFile>> tweaks() const;
-  /// As tweaks(), with the manifests that were read.
+  /// As tweaks(), with the manifests that were read, each member once.
   std::vector<TweakFile::Opened> openedTweaks() const;
   void setTweaks(std::span<const std::shared_ptr<TweakFile>> tweaks);
 

@@ -1,28 +1,17 @@
 #include "tavlen/device/InfoPlist.h"
 
-#include <cerrno>
-#include <cstddef>
-#include <optional>
 #include <system_error>
 
+#include "tavlen/foundation/base/Limits.h"
 #include "tavlen/foundation/files/FileSystem.h"
 
 namespace tavlen {
-
-namespace {
-
-/// Thousands of times what apps have; a sparse file of any size is made in no time.
-constexpr std::size_t kLargestInfoPlist = std::size_t{16} << 20;
-
-}  // namespace
 
 std::string readInfoPlist(const DeviceRoot& root, const std::filesystem::path& bundle) {
   std::filesystem::path file = bundle / kInfoPlistFilename;
   std::error_code ignored;
   if (std::filesystem::is_symlink(file, ignored)) file = root.follow(file);
-  std::optional<std::string> bytes = readFileUpTo(file, kLargestInfoPlist);
-  if (!bytes) throw std::system_error(EFBIG, std::generic_category(), file.string());
-  return std::move(*bytes);
+  return readFileNamed(file.native(), AT_FDCWD, limits::kInfoPlistBytes);
 }
 
 }  // namespace tavlen

@@ -5,16 +5,10 @@
 #include "tavlen/device/DevicePaths.h"
 #include "tavlen/device/DeviceRoot.h"
 #include "tavlen/foundation/archive/KeyedArchive.h"
+#include "tavlen/foundation/base/Limits.h"
 #include "tavlen/foundation/files/FileSystem.h"
 
 namespace tavlen::InstalledRecords {
-
-namespace {
-
-/// A record is some hundred bytes; a file of another's making may have any size.
-constexpr std::size_t kLargestRecord = std::size_t{1} << 20;
-
-}  // namespace
 
 std::string directory(const std::string& bundleID) {
   return std::string(kInstalledTweaksDir) + "/" + bundleID;
@@ -24,7 +18,8 @@ std::optional<TweakInfo> record(const std::string& bundleID) {
   if (!isPlainComponent(bundleID)) return std::nullopt;
   const std::string file = directory(bundleID) + "/" + std::string(kTweakInfoFilename);
   try {
-    const auto bytes = readFileUpTo(DeviceRoot::shared().resolve(file), kLargestRecord);
+    const auto bytes =
+        readFileUpTo(DeviceRoot::shared().resolve(file), limits::kInstalledRecordBytes);
     if (!bytes) return std::nullopt;
     return decodeKeyedArchive<TweakInfo>(*bytes);
   } catch (const std::exception&) {

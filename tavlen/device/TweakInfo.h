@@ -7,6 +7,7 @@
 #include <tuple>
 #include <utility>
 
+#include "tavlen/foundation/base/Limits.h"
 #include "tavlen/foundation/coding/Coding.h"
 #include "tavlen/foundation/files/URL.h"
 
@@ -18,7 +19,7 @@ struct TweakInfo {
   /// The name of the class in archives.
   static constexpr std::string_view archivedClassName = "TweakInfo";
   /// In bytes. A larger file is none of an icon: it counts as one that cannot be read.
-  static constexpr std::uintmax_t kLargestIcon = std::uintmax_t{64} << 20;
+  static constexpr std::uintmax_t kLargestIcon = limits::kIconFileBytes;
 
   TweakInfo() = default;
   TweakInfo(std::string appID, std::string tweak)

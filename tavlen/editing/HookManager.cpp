@@ -18,7 +18,7 @@ namespace {
 
 /// Tells the hooks of an identity, without a copy of theirs.
 auto isOf(const MethodIdentity& identity) {
-  return [&identity](const std::optional<Hook>& hook) {
+  return [&identity](const BoxedOptional<Hook>& hook) {
     return hook && hook->isClassMethod == identity.isClassMethod &&
            hook->selector == identity.selector && hook->className == identity.className;
   };

@@ -7,6 +7,7 @@
 #include <exception>
 #include <string>
 #include <system_error>
+#include <unordered_set>
 #include <utility>
 
 #include "tavlen/collections/TweakCollection.h"
@@ -21,6 +22,7 @@
 #include "tavlen/foundation/text/Unicode.h"
 #include "tavlen/foundation/zip/ZIPArchive.h"
 #include "tavlen/foundation/zip/ZIPError.h"
+#include "tavlen/items/StoredDocument.h"
 #include "tavlen/items/TweaksDirectory.h"
 #include "tavlen/tweaks/TweakFile.h"
 
@@ -124,7 +126,9 @@ void refuseSpecialFiles(const fs::path& folder, const fs::path& nameInArchive) {
 void refuseSpecialFiles(const TweakProtocol& item) {
   const fs::path payload = kPayloadFolder;
   if (const auto* collection = dynamic_cast<const TweakCollection*>(&item)) {
+    std::unordered_set<std::string> seen;  // a member may be named many times
     for (const std::shared_ptr<TweakFile>& tweak : collection->manifest().tweaks()) {
+      if (!seen.insert(tweak->id()).second) continue;
       refuseSpecialFiles(tweak->url(), payload / "Tweaks" / tweak->id());
     }
   } else {
@@ -161,7 +165,7 @@ void visitDocuments(const Visit& visit) {
     const Kind* const kind = kindOfID(name);
     if (kind == nullptr || isTemporaryName(name)) continue;
     try {
-      visit(*kind, folder / name, readFileNamed(kind->documentOf(name), descriptor));
+      visit(*kind, folder / name, readDocument(kind->documentOf(name), descriptor));
     } catch (const std::exception&) {
       continue;
     }

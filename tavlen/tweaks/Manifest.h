@@ -1,10 +1,12 @@
 #pragma once
 
 #include <memory>
-#include <optional>
+#include <string_view>
 #include <vector>
 
 #include "tavlen/bundles/OverrideContainer.h"
+#include "tavlen/foundation/base/BoxedOptional.h"
+#include "tavlen/foundation/base/Limits.h"
 #include "tavlen/foundation/coding/Coding.h"
 #include "tavlen/items/ItemConfiguration.h"
 #include "tavlen/items/TweakConfiguration.h"
@@ -14,6 +16,12 @@
 
 namespace tavlen {
 
+template <>
+struct ElementLimit<BoxedOptional<Hook>> {
+  static constexpr std::size_t kMost = limits::kHooks;
+  static constexpr std::string_view kName = "hooks";
+};
+
 /// The document of a tweak, stored as Manifest.json in its folder.
 struct TweakFile::Manifest {
   using Configuration = ItemConfiguration<TweakFile>;
@@ -21,7 +29,7 @@ struct TweakFile::Manifest {
   Configuration configuration;
   std::vector<OverrideContainer> _overrides;
   /// An absent hook, a null in the file, keeps its place until setHooks() drops it.
-  std::vector<std::optional<Hook>> _hooks;
+  std::vector<BoxedOptional<Hook>> _hooks;
 
   /// The overrides out of their boxes, in the user's order.
   std::vector<Override> overrides() const;

@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <set>
+
 #include "tavlen/foundation/coding/CodingError.h"
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/items/TweakError.h"
@@ -117,6 +119,21 @@ TEST_F(TweakCollectionTest, ImportGivesAllNewIdentifiersInSilence) {
   EXPECT_EQ(storedEntries(), 3);
   EXPECT_EQ(TweakManager::allTweaks().size(), 3U);
   EXPECT_THAT(announced(), IsEmpty());
+}
+
+TEST_F(TweakCollectionTest, AMemberThatIsNamedAgainIsTheSame) {
+  constexpr std::size_t kTimes = 50'000;
+  std::string ids = R"("A")";
+  for (std::size_t i = 1; i < kTimes; ++i) ids += R"(,"A")";
+  payload(ids);
+  root_.write("in/Tweaks/A/Manifest.json", kTweakManifest);
+  const auto manifest = TweakCollection::handlePayloadAt(root_.path() / "in")->manifest();
+  const auto tweaks = manifest.tweaks();
+  EXPECT_EQ(manifest._tweaks.size(), kTimes);
+  EXPECT_EQ(std::set(tweaks.begin(), tweaks.end()).size(), 1U) << "opened once";
+  EXPECT_EQ(tweaks.size(), kTimes);
+  EXPECT_EQ(manifest.openedTweaks().size(), 1U);
+  EXPECT_EQ(storedEntries(), 2);
 }
 
 TEST_F(TweakCollectionTest, HostilePayloadsMoveNothing) {

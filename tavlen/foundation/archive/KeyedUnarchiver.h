@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "tavlen/foundation/base/FunctionRef.h"
+#include "tavlen/foundation/base/Limits.h"
 #include "tavlen/foundation/files/URL.h"
 #include "tavlen/foundation/plist/PropertyList.h"
 #include "tavlen/foundation/plist/SharedReferenceBudget.h"
@@ -31,7 +32,7 @@ class KeyedUnarchiver {
  public:
   using Index = PropertyList::Index;
 
-  static constexpr std::size_t kDeepest = 512;
+  static constexpr std::size_t kDeepest = limits::kPropertyListDepth;
 
   /// A row of a record's table.
   struct Field {

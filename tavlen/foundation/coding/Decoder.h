@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -26,7 +27,7 @@ struct FieldDecoder {
 /// A decoder stands before one value; each call below reads that value and moves past it. Inside
 /// the callbacks of a container it stands before the member or element, which the callback may
 /// leave unread. A wrong kind of value, a missing key and a malformed number are DecodingErrors;
-/// the path is added on the error's way out. Bounded: 512 containers deep.
+/// the path is added on the error's way out. Bounded by the limits of the format in Limits.h.
 class Decoder {
  public:
   virtual ~Decoder() = default;
@@ -49,6 +50,10 @@ class Decoder {
   virtual void members(FunctionRef<void(std::string_view key)> member) = 0;
   /// Reads an array: `element` is called for each.
   virtual void elements(FunctionRef<void()> element) = 0;
+
+  /// Told by a caller before it takes that much memory for a value, which no callback gives back. A
+  /// decoder whose format can share values throws where it becomes too much for the document.
+  virtual void chargeMemory(std::size_t /*bytes*/) {}
 
   /// The text under `key` in the keyed container that stands here, which stays unread. Valid until
   /// the next call.

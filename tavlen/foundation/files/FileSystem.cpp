@@ -15,9 +15,6 @@ namespace tavlen {
 
 namespace {
 
-/// No document comes near it, and a sparse file of any size is made in no time.
-constexpr std::size_t kLargestFile = std::size_t{1} << 31;
-
 std::optional<std::string> contentsUpTo(const RandomAccessFile& file, std::size_t most) {
   if (file.size() > most) return std::nullopt;
   // The size is a hint: the file may grow or shrink while it is read. One more byte lets the read
@@ -36,9 +33,9 @@ std::optional<std::string> contentsUpTo(const RandomAccessFile& file, std::size_
 
 std::string readFile(const std::filesystem::path& path) { return readFileNamed(path.string()); }
 
-std::string readFileNamed(const std::string& path, int folder) {
-  std::optional<std::string> bytes = contentsUpTo(RandomAccessFile(path, folder), kLargestFile);
-  if (!bytes) throwSystemError(EFBIG, path);
+std::string readFileNamed(const std::string& path, int folder, std::size_t most) {
+  std::optional<std::string> bytes = contentsUpTo(RandomAccessFile(path, folder), most);
+  if (!bytes) throwSystemError(EFBIG, path + ": more than " + std::to_string(most) + " bytes");
   return std::move(*bytes);
 }
 

@@ -21,8 +21,10 @@ std::string readFile(const std::filesystem::path& path);
 
 /// The same for a path's text, relative to the folder that is open as `folder`. A path object costs
 /// an allocation a component, and a long path a look-up of each, which readers of thousands of
-/// files notice.
-std::string readFileNamed(const std::string& path, int folder = AT_FDCWD);
+/// files notice. EFBIG for a file of more than `most` bytes, with that number in the text; no more
+/// are read.
+std::string readFileNamed(const std::string& path, int folder = AT_FDCWD,
+                          std::size_t most = std::size_t{1} << 31);
 
 /// As readFile(), but nothing for a file of more than `most` bytes; no more than those are read.
 std::optional<std::string> readFileUpTo(const std::filesystem::path& path, std::size_t most);

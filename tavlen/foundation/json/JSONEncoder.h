@@ -3,6 +3,7 @@
 #include <string>
 #include <string_view>
 
+#include "tavlen/foundation/base/Limits.h"
 #include "tavlen/foundation/coding/Coding.h"
 
 namespace tavlen {
@@ -11,11 +12,12 @@ namespace tavlen {
 /// numbers in their shortest form; the keys of a record in the record's order.
 ///
 /// Errors: EncodingError for a number that is not finite, a text that is not UTF-8, and nesting
-/// deeper than 511 containers. What was written until then stays in `out`.
+/// deeper than 511 containers, more than limits::kJSONValues values. What was written until then
+/// stays in `out`.
 class JSONEncoder final : public Encoder {
  public:
-  /// Containers deep at the most; the platform's limit, one less than it reads.
-  static constexpr std::size_t kMaximumDepth = 511;
+  /// Containers in one another: the platform's limit, one less than it reads.
+  static constexpr std::size_t kMaximumDepth = limits::kJSONDepth - 1;
 
   /// Appends to `out`, which must outlive the encoder.
   explicit JSONEncoder(std::string& out) : out_(out) {}
@@ -42,6 +44,7 @@ class JSONEncoder final : public Encoder {
     std::size_t elementsBehind = 0;  ///< how many the array has beyond the sample
   };
 
+  void beginValue();
   void separate();
   void reserveForArray();
   void begin(char bracket);
@@ -49,6 +52,7 @@ class JSONEncoder final : public Encoder {
 
   std::string& out_;
   std::size_t depth_ = 0;
+  std::size_t values_ = 0;
   Sample sample_;
   bool first_ = true;  ///< whether what comes next needs no comma before it
 };

@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "tavlen/foundation/base/Limits.h"
 #include "tavlen/foundation/coding/Coding.h"
 #include "tavlen/foundation/coding/Decoder.h"
 #include "tavlen/foundation/plist/PropertyList.h"
@@ -23,7 +24,7 @@ namespace tavlen {
 /// cycle), and SharedReferenceBudget.
 class PropertyListDecoder final : public Decoder {
  public:
-  static constexpr std::size_t kDeepest = 512;
+  static constexpr std::size_t kDeepest = limits::kPropertyListDepth;
 
   /// Stands before the root. Keeps a reference to `list`, which must not be empty.
   explicit PropertyListDecoder(const PropertyList& list)
@@ -39,6 +40,7 @@ class PropertyListDecoder final : public Decoder {
   void record(std::span<const FieldDecoder> fields, void* record) override;
   void members(FunctionRef<void(std::string_view key)> member) override;
   void elements(FunctionRef<void()> element) override;
+  void chargeMemory(std::size_t bytes) override { budget_.chargeBytes(bytes); }
   std::string_view peekString(std::string_view key) override;
   bool attempt(FunctionRef<void()> read) override;
 

@@ -4,6 +4,8 @@
 #include <filesystem>
 #include <string_view>
 
+#include "tavlen/foundation/base/Limits.h"
+
 namespace tavlen {
 
 class Progress;
@@ -19,14 +21,14 @@ class Progress;
 namespace ZIPArchive {
 
 struct Limits {
-  /// Files and folders, those counted too that only stand in the names of others.
-  std::uint64_t entries = 100'000;
-  std::uint64_t entryBytes = std::uint64_t{4} << 30;
-  std::uint64_t archiveBytes = std::uint64_t{8} << 30;
-  /// Of what comes out to all the compressed bytes in the archive; looked at once `ratioFreeBytes`
-  /// are out.
-  std::uint64_t ratio = 200;
-  std::uint64_t ratioFreeBytes = std::uint64_t{64} << 20;
+  /// Files and folders, those included that are only part of the names of others.
+  std::uint64_t entries = limits::kArchiveEntries;
+  std::uint64_t entryBytes = limits::kArchiveEntryBytes;
+  std::uint64_t archiveBytes = limits::kArchiveBytes;
+  /// Of unpacked bytes to all compressed bytes in the archive; looked at beyond `ratioFreeBytes`
+  /// unpacked ones.
+  std::uint64_t ratio = limits::kArchiveRatio;
+  std::uint64_t ratioFreeBytes = limits::kArchiveRatioFreeBytes;
 };
 
 /// Writes the file or folder `item`, under its own name at the archive's top, to the new file

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 #include "tavlen/foundation/errors/CasedError.h"
@@ -36,6 +37,8 @@ class ZIPError : public CasedError<ZIPErrorCase> {
   /// `detail` is what the case's text names: the entry; for damagedArchive what is wrong, for
   /// tooManyEntries how many there may be.
   ZIPError(Case which, std::string detail);
+  /// For entryTooLarge, archiveTooLarge and ratioTooHigh, which name the limit, too.
+  ZIPError(Case which, std::string entry, std::uint64_t limit);
 };
 
 }  // namespace tavlen

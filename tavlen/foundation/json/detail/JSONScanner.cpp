@@ -7,6 +7,7 @@
 #include <cstring>
 #include <functional>
 
+#include "tavlen/foundation/base/Limits.h"
 #include "tavlen/foundation/coding/CodingError.h"
 #include "tavlen/foundation/text/Characters.h"
 #include "tavlen/foundation/text/Unicode.h"
@@ -50,7 +51,8 @@ char JSONScanner::peek() {
 }
 
 void JSONScanner::deepen() {
-  if (++depth_ > kMaximumDepth) fail("nested deeper than 512 containers");
+  if (++depth_ <= limits::kJSONDepth) return;
+  fail("nested deeper than " + std::to_string(limits::kJSONDepth) + " containers");
 }
 
 bool JSONScanner::open(char closing) {
@@ -247,7 +249,7 @@ void JSONScanner::skipContainer(char opening, Again again) {
     return;
   }
   // The containers entered and not yet left, by the place of their opening bracket.
-  std::array<const char*, kMaximumDepth> openings;
+  std::array<const char*, limits::kJSONDepth> openings;
   std::size_t count = 0;
   const auto enter = [&](char bracket) {
     const char* const begin = position_;

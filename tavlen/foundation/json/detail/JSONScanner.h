@@ -14,9 +14,6 @@ namespace tavlen {
 /// and column, where the text is malformed.
 class JSONScanner {
  public:
-  /// Containers deep at the most; the platform's limit.
-  static constexpr std::size_t kMaximumDepth = 512;
-
   explicit JSONScanner(std::string_view text);
 
   /// Moves over white space and gives the character that a value or a delimiter begins with; NUL at

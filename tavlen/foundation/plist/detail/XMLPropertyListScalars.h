@@ -18,8 +18,9 @@ using XMLInteger = std::variant<std::int64_t, std::uint64_t>;
 /// 2^64-1. Nothing for any other text.
 std::optional<XMLInteger> integerFromXML(std::string_view text);
 
-/// Leading blanks, then a decimal number in the range of a double, or "nan", "inf", "infinity" with
-/// a sign or none and in either case.
+/// Leading blanks, then a decimal number, or "nan", "inf", "infinity", with a sign or none and in
+/// either case. A number beyond the range of a double is infinity or zero, as the platform's own
+/// conversion has it: what asks for the number decides whether that will do.
 std::optional<double> realFromXML(std::string_view text);
 /// The shortest text that reads back to `value`, without ".0".
 std::string xmlFromReal(double value);

@@ -1,0 +1,28 @@
+#include "tavlen/items/StoredDocument.h"
+
+#include "tavlen/foundation/base/Limits.h"
+#include "tavlen/foundation/files/FileSystem.h"
+
+namespace tavlen {
+
+namespace {
+
+std::string tooLarge() {
+  return "the document has more than " + std::to_string(limits::kDocumentBytes) + " bytes";
+}
+
+}  // namespace
+
+std::string readDocument(const std::string& path, int folder) {
+  return readFileNamed(path, folder, limits::kDocumentBytes);
+}
+
+void requireReadableSize(std::string_view document) {
+  if (document.size() > limits::kDocumentBytes) throw DecodingError::dataCorrupted(tooLarge());
+}
+
+void requireWritableSize(std::string_view document) {
+  if (document.size() > limits::kDocumentBytes) throw EncodingError::invalidValue(tooLarge());
+}
+
+}  // namespace tavlen

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <fcntl.h>
+
+#include <string>
+#include <string_view>
+
+#include "tavlen/foundation/json/JSONDecoder.h"
+#include "tavlen/foundation/json/JSONEncoder.h"
+
+/// The JSON documents of the store, within the limits of Limits.h: what is written can be read.
+/// Threads: any.
+namespace tavlen {
+
+/// The bytes of the document at `path`, relative to the folder that is open as `folder`. Throws
+/// std::system_error, with EFBIG for more than limits::kDocumentBytes.
+std::string readDocument(const std::string& path, int folder = AT_FDCWD);
+
+/// Throws DecodingError for more than limits::kDocumentBytes.
+void requireReadableSize(std::string_view document);
+/// Throws EncodingError for more than limits::kDocumentBytes.
+void requireWritableSize(std::string_view document);
+
+/// The record that `document` holds. Throws DecodingError.
+template <class Record>
+Record decodeDocument(std::string_view document) {
+  requireReadableSize(document);
+  return decodeJSON<Record>(document);
+}
+
+/// The document of `record`. Throws EncodingError.
+template <class Record>
+std::string encodeDocument(const Record& record) {
+  std::string document = encodeJSON(record);
+  requireWritableSize(document);
+  return document;
+}
+
+}  // namespace tavlen

@@ -1,5 +1,7 @@
 #include "tavlen/items/StoredDocument.h"
 
+#include <system_error>
+
 #include "tavlen/foundation/base/Limits.h"
 #include "tavlen/foundation/files/FileSystem.h"
 
@@ -14,7 +16,12 @@ std::string tooLarge() {
 }  // namespace
 
 std::string readDocument(const std::string& path, int folder) {
-  return readFileNamed(path, folder, limits::kDocumentBytes);
+  try {
+    return readFileNamed(path, folder, limits::kDocumentBytes);
+  } catch (const std::system_error& error) {
+    if (error.code() != std::errc::file_too_large) throw;
+    throw DecodingError::dataCorrupted(tooLarge());
+  }
 }
 
 void requireReadableSize(std::string_view document) {

@@ -13,7 +13,8 @@
 namespace tavlen {
 
 /// The bytes of the document at `path`, relative to the folder that is open as `folder`. Throws
-/// std::system_error, with EFBIG for more than limits::kDocumentBytes.
+/// DecodingError for more than limits::kDocumentBytes, of which no more are read, and
+/// std::system_error.
 std::string readDocument(const std::string& path, int folder = AT_FDCWD);
 
 /// Throws DecodingError for more than limits::kDocumentBytes.

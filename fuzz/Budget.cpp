@@ -18,8 +18,8 @@ double processorSeconds() {
 
 void require(double used, double allowed, const char* what, std::size_t size) {
   if (used <= allowed) return;
-  std::fprintf(stderr, "%g %s for an input of %zu bytes, of %g allowed\n", used, what, size,
-               allowed);
+  static_cast<void>(std::fprintf(stderr, "%g %s for an input of %zu bytes, of %g allowed\n", used,
+                                 what, size, allowed));
   std::abort();
 }
 

@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "fuzz/Budget.h"
 #include "tavlen/foundation/objc/MethodTypes.h"
 #include "tavlen/foundation/objc/detail/EncodedSignature.h"
 
@@ -19,7 +20,8 @@ void require(bool condition) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view encoding(reinterpret_cast<const char*>(data), size);
-  const auto signature = encodedSignature(encoding);
+  std::shared_ptr<const MethodSignature> signature;
+  fuzz::requireWithin({}, size, [&] { signature = encodedSignature(encoding); });
   const auto split = splitMethodTypes(encoding);
   if (signature == nullptr) return 0;  // refused, which is an answer
   require(split && split->arguments.size() == signature->numberOfArguments());

@@ -2,10 +2,12 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "fuzz/Budget.h"
 #include "tavlen/foundation/errors/Placeholders.h"
 #include "tavlen/foundation/errors/detail/StringTable.h"
 #include "tavlen/foundation/text/Unicode.h"
@@ -26,7 +28,8 @@ std::string quoted(std::string_view text) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view text(reinterpret_cast<const char*>(data), size);
-  const auto table = tavlen::StringTable::parse(text);
+  std::optional<tavlen::StringTable> table;
+  tavlen::fuzz::requireWithin({}, size, [&] { table = tavlen::StringTable::parse(text); });
   if (table && tavlen::isValidUTF8(text)) {
     const std::string* value = table->find("k");
     if (value != nullptr && !tavlen::isValidUTF8(*value)) std::abort();

@@ -5,10 +5,13 @@
 #include <string>
 #include <string_view>
 
+#include "fuzz/Budget.h"
 #include "tavlen/introspection/types/JXTypeCursor.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view text(reinterpret_cast<const char*>(data), size);
+  tavlen::fuzz::requireWithin({.bytesPerByte = 512}, size,
+                              [&] { tavlen::JXTypeForEncoding(text); });
   tavlen::JXTypeCursor cursor(text);
   while (!cursor.isAtEnd()) {
     tavlen::JXRemoveQualifiers(cursor);

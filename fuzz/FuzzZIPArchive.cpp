@@ -8,6 +8,7 @@
 #include <string>
 #include <system_error>
 
+#include "fuzz/Budget.h"
 #include "tavlen/foundation/files/FileDescriptor.h"
 #include "tavlen/foundation/files/TemporaryDirectory.h"
 #include "tavlen/foundation/zip/ZIPArchive.h"
@@ -24,6 +25,9 @@ constexpr ZIPArchive::Limits kLimits = {.entries = 100,
                                         .archiveBytes = 1 << 17,
                                         .ratio = 50,
                                         .ratioFreeBytes = 1 << 15};
+
+/// A name takes a byte a folder, and each of those an entry in a table.
+constexpr fuzz::Budget kBudget = {.bytes = 2 << 20, .bytesPerByte = 256, .secondsPerByte = 1e-3};
 
 void require(bool condition) {
   if (!condition) std::abort();
@@ -49,7 +53,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const fs::path out = folder.path() / "out";
   bool isTaken = false;
   try {
-    ZIPArchive::unzipItem("/proc/self/fd/" + std::to_string(file.get()), out, nullptr, kLimits);
+    fuzz::requireWithin(kBudget, size, [&] {
+      ZIPArchive::unzipItem("/proc/self/fd/" + std::to_string(file.get()), out, nullptr, kLimits);
+    });
     isTaken = true;
   } catch (const ZIPError&) {
   } catch (const std::system_error&) {

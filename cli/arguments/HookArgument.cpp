@@ -50,7 +50,7 @@ HookManager hookArgument(TweakFile::Opened tweak, const std::string& text) {
       std::move(tweak.file), {}, std::make_shared<TweakFile::Manifest>(std::move(tweak.manifest))};
   std::optional<MethodIdentity> named;
   bool isAmbiguous = false;
-  for (const std::optional<Hook>& hook : manager.opened->_hooks) {
+  for (const BoxedOptional<Hook>& hook : manager.opened->_hooks) {
     if (!hook) continue;
     if (methodText(hook->identity()) == text) {
       manager.identity = hook->identity();

@@ -14,7 +14,11 @@ namespace {
 int set(const std::string& name, const std::string& file) {
   const std::shared_ptr<TweakFile> tweak = storedTweak(name);
   const std::optional<Image> icon = Image::decode(readInput(file));
-  if (!icon) throw std::runtime_error(file + ": is not a PNG or JPEG image, or is too large");
+  if (!icon) {
+    throw std::runtime_error(file + ": is not a PNG or JPEG image of at most " +
+                             std::to_string(Image::kLongestSide) + " pixels a side and " +
+                             std::to_string(Image::kMostPixels) + " in all");
+  }
   tweak->writeCustomIcon(icon);
   return 0;
 }

@@ -9,6 +9,7 @@
 
 #include "tavlen/device/DeviceFiles.h"
 #include "tavlen/device/InfoPlist.h"
+#include "tavlen/foundation/base/Limits.h"
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/foundation/plist/PropertyListDecoder.h"
 
@@ -23,7 +24,6 @@ constexpr std::string_view kPadEnding = "~ipad.png";
 constexpr std::array<std::string_view, 3> kScaleSuffixes = {"", "@2x", "@3x"};
 constexpr std::array<std::string_view, 5> kDefaultNames = {"Icon", "Icon-60", "Icon-72", "Icon-76",
                                                            "Icon-83.5"};
-constexpr std::size_t kLargestIconFile = std::size_t{64} << 20;
 
 /// The names under the three keys for a device, the newest key first; nothing when no key exists.
 std::optional<Names> storedNames(const std::optional<Info::Icons>& icons,
@@ -74,7 +74,7 @@ class LargestIcon {
     // A file seen before cannot win, so decode it only once, however often a list names it.
     if (!seen_.insert(*file).second) return;
     const std::optional<std::string> bytes =
-        readFileUpTo(openedFile(root_, *file), kLargestIconFile);
+        readFileUpTo(openedFile(root_, *file), limits::kIconFileBytes);
     if (!bytes) return;
     std::optional<Image> image = Image::decode(*bytes);
     if (image && (!largest_ || area(*image) > area(*largest_))) largest_ = std::move(image);

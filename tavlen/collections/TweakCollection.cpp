@@ -1,9 +1,11 @@
 #include "tavlen/collections/TweakCollection.h"
 
 #include <algorithm>
-#include <map>
 #include <string>
+#include <string_view>
 #include <system_error>
+#include <unordered_map>
+#include <unordered_set>
 
 #include "tavlen/collections/TweakCollectionDiff.h"
 #include "tavlen/collections/TweakCollectionManifest.h"
@@ -11,8 +13,7 @@
 #include "tavlen/foundation/files/DiskSync.h"
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/foundation/files/FileTree.h"
-#include "tavlen/foundation/json/JSONDecoder.h"
-#include "tavlen/foundation/json/JSONEncoder.h"
+#include "tavlen/items/StoredDocument.h"
 #include "tavlen/items/TweakDiffNotifications.h"
 #include "tavlen/items/TweakError.h"
 #include "tavlen/items/TweakPoster.h"
@@ -36,15 +37,16 @@ void refuseLink(const fs::path& item) {
   if (fs::is_symlink(item, ignored)) throw TweakError::notFound();
 }
 
-/// The members' folders in the unpacked folder `tweaks`. They need not exist.
-std::vector<fs::path> memberFolders(const fs::path& tweaks, const std::vector<std::string>& ids) {
+/// Refuses identifiers that cannot name a folder in the unpacked folder `tweaks`, which need not
+/// exist. `ids` may name a member many times; each repetition costs a look-up.
+void refuseMembers(const fs::path& tweaks, const std::vector<std::string>& ids) {
   refuseLink(tweaks);
-  std::vector<fs::path> folders;
+  std::unordered_set<std::string_view> seen;
   for (const std::string& id : ids) {
+    if (!seen.insert(id).second) continue;
     if (!isPlainComponent(id)) throw TweakError::notFound();
-    refuseLink(folders.emplace_back(tweaks / id));
+    refuseLink(tweaks / id);
   }
-  return folders;
 }
 
 }  // namespace
@@ -63,7 +65,7 @@ TweakCollection::Opened TweakCollection::open(std::filesystem::path url) {
 
 TweakCollection::Opened TweakCollection::opened(std::filesystem::path url,
                                                 std::string_view document) {
-  auto manifest = decodeJSON<Manifest>(document);
+  auto manifest = decodeDocument<Manifest>(document);
   return {std::shared_ptr<TweakCollection>(new TweakCollection(std::move(url))),
           std::move(manifest)};
 }
@@ -92,19 +94,19 @@ std::shared_ptr<TweakCollection> TweakCollection::handlePayloadAt(
   const TweakCollection payload(url / kManifestFile);
   refuseLink(payload.url());
   Manifest manifest = payload.manifest();
-  const std::vector<fs::path> members = memberFolders(url / kTweaksFolder, manifest._tweaks);
+  const fs::path tweaks = url / kTweaksFolder;
+  refuseMembers(tweaks, manifest._tweaks);
 
   std::shared_ptr<TweakCollection> collection(new TweakCollection(uniqueTweakURL()));
   tweakPoster().performWithoutNotifications([&] {
     TweaksDirectory::create();
     syncFile(payload.url());
     moveItem(payload.url(), collection->url());
-    manifest._tweaks.clear();
-    std::map<fs::path, std::string> taken;  // a member may be named twice
-    for (const fs::path& member : members) {
-      std::string& id = taken[member];
-      if (id.empty()) id = TweakFile::handlePayloadAt(member)->id();
-      manifest._tweaks.push_back(id);
+    std::unordered_map<std::string, std::string> newIDs;
+    for (std::string& id : manifest._tweaks) {
+      std::string& newID = newIDs[id];
+      if (newID.empty()) newID = TweakFile::handlePayloadAt(tweaks / id)->id();
+      id = newID;
     }
     collection->setManifest(manifest);
   });
@@ -122,14 +124,14 @@ void TweakCollection::validate() const { manifest(); }
 TweakCollection::Manifest TweakCollection::manifest() const {
   std::string bytes;
   try {
-    bytes = readFile(openedFile(DeviceRoot::shared(), url()));
+    bytes = readDocument(openedFile(DeviceRoot::shared(), url()));
   } catch (const std::system_error& error) {
     const bool isMissing = error.code() == std::errc::no_such_file_or_directory ||
                            error.code() == std::errc::not_a_directory;
     if (isMissing) throw TweakError::missing(id());
     throw;
   }
-  return decodeJSON<Manifest>(bytes);
+  return decodeDocument<Manifest>(bytes);
 }
 
 TweakManifest TweakCollection::genericManifest() const { return TweakManifest(manifest()); }
@@ -139,7 +141,7 @@ TweakConfiguration TweakCollection::genericConfiguration() const {
 }
 
 void TweakCollection::setManifest(const Manifest& manifest) {
-  replaceFile(DeviceRoot::shared(), url(), encodeJSON(manifest));
+  replaceFile(DeviceRoot::shared(), url(), encodeDocument(manifest));
   tweakPoster().performNotificationPostingOperation([&] {
     postTweakDiffs(NotificationCenter::default_(),
                    {std::make_shared<Diff>(shared_from_this(), Diff::Mode::updateManifest)});
@@ -165,9 +167,9 @@ void TweakCollection::preparePayloadIn(const std::filesystem::path& directory) c
   copyItem(canonical(DeviceRoot::shared(), url()), directory / kManifestFile);
   // Take the members from the copy, because the collection may be edited concurrently.
   const Manifest copied = TweakCollection(directory / kManifestFile).manifest();
+  std::unordered_set<std::string> done;  // a member may be named many times
   for (const std::shared_ptr<TweakFile>& tweak : copied.tweaks()) {
-    if (fs::exists(tweaks / tweak->id())) continue;  // named twice
-    tweak->preparePayloadIn(tweaks / tweak->id());
+    if (done.insert(tweak->id()).second) tweak->preparePayloadIn(tweaks / tweak->id());
   }
 }
 

@@ -25,9 +25,9 @@ struct TweakCollection::Manifest {
   std::vector<std::string> _tweaks;
 
   /// Opens the members in the tweaks directory. Collections, and members that cannot be opened, are
-  /// left out.
+  /// left out. A member that is named several times is opened once.
   std::vector<std::shared_ptr<TweakFile>> tweaks() const;
-  /// As tweaks(), but also returns the manifests that were read.
+  /// As tweaks(), but also returns the manifests that were read, and each member once.
   std::vector<TweakFile::Opened> openedTweaks() const;
   /// Replaces the members by `tweaks`, none of which may be null.
   void setTweaks(std::span<const std::shared_ptr<TweakFile>> tweaks);

@@ -5,16 +5,10 @@
 #include "tavlen/device/DeviceFiles.h"
 #include "tavlen/device/DevicePaths.h"
 #include "tavlen/foundation/archive/KeyedArchive.h"
+#include "tavlen/foundation/base/Limits.h"
 #include "tavlen/foundation/files/FileSystem.h"
 
 namespace tavlen::InstalledRecords {
-
-namespace {
-
-/// A record takes some hundred bytes, but a foreign file may have any size.
-constexpr std::size_t kLargestRecord = std::size_t{1} << 20;
-
-}  // namespace
 
 std::string directory(const std::string& bundleID) {
   return std::string(kInstalledTweaksDir) + "/" + bundleID;
@@ -25,7 +19,8 @@ std::optional<TweakInfo> record(const std::string& bundleID) {
   const std::string file = directory(bundleID) + "/" + std::string(kTweakInfoFilename);
   try {
     const DeviceRoot root = DeviceRoot::shared();
-    const auto bytes = readFileUpTo(openedFile(root, root.resolve(file)), kLargestRecord);
+    const auto bytes =
+        readFileUpTo(openedFile(root, root.resolve(file)), limits::kInstalledRecordBytes);
     if (!bytes) return std::nullopt;
     return decodeKeyedArchive<TweakInfo>(*bytes);
   } catch (const std::exception&) {

@@ -7,6 +7,7 @@
 #include <tuple>
 #include <utility>
 
+#include "tavlen/foundation/base/Limits.h"
 #include "tavlen/foundation/coding/Coding.h"
 #include "tavlen/foundation/files/URL.h"
 
@@ -18,7 +19,7 @@ struct TweakInfo {
   /// The class name in archives.
   static constexpr std::string_view archivedClassName = "TweakInfo";
   /// The largest icon file that is read, in bytes. A larger one counts as unreadable.
-  static constexpr std::uintmax_t kLargestIcon = std::uintmax_t{64} << 20;
+  static constexpr std::uintmax_t kLargestIcon = limits::kIconFileBytes;
 
   /// An empty record.
   TweakInfo() = default;

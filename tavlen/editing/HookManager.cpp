@@ -19,7 +19,7 @@ namespace {
 /// A predicate for hooks with `identity`. Compares the members, because Hook::identity() copies
 /// them.
 auto isOf(const MethodIdentity& identity) {
-  return [&identity](const std::optional<Hook>& hook) {
+  return [&identity](const BoxedOptional<Hook>& hook) {
     return hook && hook->isClassMethod == identity.isClassMethod &&
            hook->selector == identity.selector && hook->className == identity.className;
   };

@@ -5,6 +5,7 @@
 #include <exception>
 #include <string>
 #include <system_error>
+#include <unordered_set>
 #include <utility>
 
 #include "tavlen/collections/TweakCollection.h"
@@ -19,6 +20,7 @@
 #include "tavlen/foundation/text/Unicode.h"
 #include "tavlen/foundation/zip/ZIPArchive.h"
 #include "tavlen/foundation/zip/ZIPError.h"
+#include "tavlen/items/StoredDocument.h"
 #include "tavlen/items/TweaksDirectory.h"
 #include "tavlen/tweaks/TweakFile.h"
 
@@ -118,7 +120,9 @@ void refuseSpecialFiles(const fs::path& folder, const fs::path& nameInArchive) {
 void refuseSpecialFiles(const TweakProtocol& item) {
   const fs::path payload = kPayloadFolder;
   if (const auto* collection = dynamic_cast<const TweakCollection*>(&item)) {
+    std::unordered_set<std::string> seen;  // a member may be named many times
     for (const std::shared_ptr<TweakFile>& tweak : collection->manifest().tweaks()) {
+      if (!seen.insert(tweak->id()).second) continue;
       refuseSpecialFiles(DeviceRoot::shared().follow(tweak->url()),
                          payload / "Tweaks" / tweak->id());
     }
@@ -154,7 +158,7 @@ void visitDocuments(const Visit& visit) {
       const Kind* const kind = kindOfID(*name);
       if (kind == nullptr || isTemporaryName(*name)) continue;
       try {
-        visit(*kind, folder / *name, readFile(store.openedFile(kind->documentOf(*name))));
+        visit(*kind, folder / *name, readDocument(store.openedFile(kind->documentOf(*name))));
       } catch (const std::exception&) {
         continue;
       }

@@ -20,7 +20,7 @@ void TweakFile::Manifest::setOverrides(std::vector<Override> overrides) {
 std::vector<Hook> TweakFile::Manifest::hooks() const {
   std::vector<Hook> result;
   result.reserve(_hooks.size());
-  for (const std::optional<Hook>& hook : _hooks) {
+  for (const BoxedOptional<Hook>& hook : _hooks) {
     if (hook) result.push_back(*hook);
   }
   return result;

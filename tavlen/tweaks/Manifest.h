@@ -1,10 +1,12 @@
 #pragma once
 
 #include <memory>
-#include <optional>
+#include <string_view>
 #include <vector>
 
 #include "tavlen/bundles/OverrideContainer.h"
+#include "tavlen/foundation/base/BoxedOptional.h"
+#include "tavlen/foundation/base/Limits.h"
 #include "tavlen/foundation/coding/Coding.h"
 #include "tavlen/items/ItemConfiguration.h"
 #include "tavlen/items/TweakConfiguration.h"
@@ -13,6 +15,12 @@
 #include "tavlen/tweaks/TweakFile.h"
 
 namespace tavlen {
+
+template <>
+struct ElementLimit<BoxedOptional<Hook>> {
+  static constexpr std::size_t kMost = limits::kHooks;
+  static constexpr std::string_view kName = "hooks";
+};
 
 /// A tweak's document, which is stored as Manifest.json in its folder.
 struct TweakFile::Manifest {
@@ -25,7 +33,7 @@ struct TweakFile::Manifest {
   std::vector<OverrideContainer> _overrides;
   /// The hooks as they are coded; see hooks(). A null in the file is an empty entry, which is kept
   /// until setHooks() drops it.
-  std::vector<std::optional<Hook>> _hooks;
+  std::vector<BoxedOptional<Hook>> _hooks;
 
   /// A copy of the overrides, out of their boxes, in the user's order.
   std::vector<Override> overrides() const;

@@ -8,14 +8,14 @@
 
 #include "tavlen/bundles/IPA.h"
 #include "tavlen/device/DeviceFiles.h"
+#include "tavlen/foundation/base/Limits.h"
 #include "tavlen/foundation/coding/Discarded.h"
 #include "tavlen/foundation/files/DiskSync.h"
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/foundation/files/FileTree.h"
 #include "tavlen/foundation/files/TemporaryFile.h"
-#include "tavlen/foundation/json/JSONDecoder.h"
-#include "tavlen/foundation/json/JSONEncoder.h"
 #include "tavlen/foundation/text/Unicode.h"
+#include "tavlen/items/StoredDocument.h"
 #include "tavlen/items/TweakDiffNotifications.h"
 #include "tavlen/items/TweakPoster.h"
 #include "tavlen/items/TweaksDirectory.h"
@@ -33,9 +33,6 @@ constexpr const char* kIconFile = "Icon.png";
 constexpr const char* kScriptFile = "script.objs";
 constexpr const char* kResourcesFolder = "Resources";
 constexpr const char* kExecutablesFolder = "Executables";
-
-/// The limit for app icons, too.
-constexpr std::size_t kLargestIcon = std::size_t{64} << 20;
 
 /// A manifest for callers that need only its settings: the rest is checked and discarded.
 struct ManifestSummary {
@@ -88,17 +85,17 @@ std::shared_ptr<TweakFile> TweakFile::at(std::filesystem::path url) {
 
 TweakFile::Opened TweakFile::open(std::filesystem::path url) {
   std::shared_ptr<TweakFile> tweak(new TweakFile(std::move(url)));
-  auto manifest = decodeJSON<Manifest>(tweak->documentInFolder());
+  auto manifest = decodeDocument<Manifest>(tweak->documentInFolder());
   return {std::move(tweak), std::move(manifest)};
 }
 
 TweakFile::Opened TweakFile::opened(std::filesystem::path url, std::string_view document) {
-  auto manifest = decodeJSON<Manifest>(document);
+  auto manifest = decodeDocument<Manifest>(document);
   return {std::shared_ptr<TweakFile>(new TweakFile(std::move(url))), std::move(manifest)};
 }
 
 ListedItem TweakFile::listed(std::filesystem::path url, std::string_view document) {
-  TweakConfiguration configuration(decodeJSON<ManifestSummary>(document).configuration);
+  TweakConfiguration configuration(decodeDocument<ManifestSummary>(document).configuration);
   return {std::shared_ptr<TweakFile>(new TweakFile(std::move(url))), std::move(configuration)};
 }
 
@@ -119,7 +116,7 @@ std::shared_ptr<TweakFile> TweakFile::create(std::string name, TweakColor color,
     fs::create_directory(draft / kExecutablesFolder);
     Manifest manifest;
     manifest.configuration = {std::move(name), color, std::move(bundleID), std::move(glyph)};
-    store(draft / kManifestFile, encodeJSON(manifest));
+    store(draft / kManifestFile, encodeDocument(manifest));
     fs::rename(draft, tweak->url());
     syncFolder(folder);
     tweak->validate();
@@ -159,11 +156,11 @@ std::string TweakFile::documentInFolder() const {
   }
 }
 
-void TweakFile::validate() const { decodeJSON<ManifestSummary>(documentInFolder()); }
+void TweakFile::validate() const { decodeDocument<ManifestSummary>(documentInFolder()); }
 
 std::string TweakFile::document() const {
   try {
-    return readFile(openedFile(DeviceRoot::shared(), url().native() + "/" + kManifestFile));
+    return readDocument(openedFile(DeviceRoot::shared(), url().native() + "/" + kManifestFile));
   } catch (const std::system_error& error) {
     const bool isMissing = error.code() == std::errc::no_such_file_or_directory ||
                            error.code() == std::errc::not_a_directory;
@@ -172,16 +169,16 @@ std::string TweakFile::document() const {
   }
 }
 
-TweakFile::Manifest TweakFile::manifest() const { return decodeJSON<Manifest>(document()); }
+TweakFile::Manifest TweakFile::manifest() const { return decodeDocument<Manifest>(document()); }
 
 TweakManifest TweakFile::genericManifest() const { return TweakManifest(manifest()); }
 
 TweakConfiguration TweakFile::genericConfiguration() const {
-  return TweakConfiguration(decodeJSON<ManifestSummary>(document()).configuration);
+  return TweakConfiguration(decodeDocument<ManifestSummary>(document()).configuration);
 }
 
 void TweakFile::setManifest(const Manifest& manifest) {
-  store(url() / kManifestFile, encodeJSON(manifest));
+  store(url() / kManifestFile, encodeDocument(manifest));
   post(std::make_shared<Diff>(shared_from_this(), Diff::UpdateManifest()));
 }
 
@@ -194,7 +191,7 @@ void TweakFile::updateManifest(const std::function<void(Manifest&)>& change) {
 std::optional<Image> TweakFile::customIcon() const {
   try {
     const std::optional<std::string> bytes =
-        readFileUpTo(openedFile(DeviceRoot::shared(), url() / kIconFile), kLargestIcon);
+        readFileUpTo(openedFile(DeviceRoot::shared(), url() / kIconFile), limits::kIconFileBytes);
     return bytes ? Image::decode(*bytes) : std::nullopt;
   } catch (const std::exception&) {
     return std::nullopt;

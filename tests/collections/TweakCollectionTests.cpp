@@ -8,6 +8,8 @@
 
 #include "tavlen/collections/TweakBundleIDObserver.h"
 #include "tavlen/collections/TweakCollectionPackaging.h"
+#include "tavlen/foundation/coding/CodingError.h"
+#include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/foundation/tasks/MainQueue.h"
 #include "tavlen/items/TweakError.h"
 #include "tavlen/items/TweakPoster.h"
@@ -118,6 +120,21 @@ TEST_F(TweakCollectionTest, ImportGivesAllNewIdentifiersInSilence) {
   EXPECT_EQ(storedEntries(), 3);
   EXPECT_EQ(TweakManager::allTweaks().size(), 3U);
   EXPECT_THAT(announced(), IsEmpty());
+}
+
+TEST_F(TweakCollectionTest, AMemberThatIsNamedAgainIsTheSame) {
+  constexpr std::size_t kTimes = 50'000;
+  std::string ids = R"("A")";
+  for (std::size_t i = 1; i < kTimes; ++i) ids += R"(,"A")";
+  payload(ids);
+  root_.write("in/Tweaks/A/Manifest.json", kTweakManifest);
+  const auto manifest = TweakCollection::handlePayloadAt(root_.path() / "in")->manifest();
+  const auto tweaks = manifest.tweaks();
+  EXPECT_EQ(manifest._tweaks.size(), kTimes);
+  EXPECT_EQ(std::set(tweaks.begin(), tweaks.end()).size(), 1U) << "opened once";
+  EXPECT_EQ(tweaks.size(), kTimes);
+  EXPECT_EQ(manifest.openedTweaks().size(), 1U);
+  EXPECT_EQ(storedEntries(), 2);
 }
 
 TEST_F(TweakCollectionTest, HostilePayloadsMoveNothing) {

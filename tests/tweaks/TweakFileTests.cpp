@@ -3,10 +3,13 @@
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
+#include <cstring>
 #include <regex>
 #include <stdexcept>
 #include <thread>
 
+#include "tavlen/foundation/base/Limits.h"
+#include "tavlen/foundation/coding/CodingError.h"
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/items/TweakPoster.h"
 #include "tests/support/StoreTest.h"
@@ -51,6 +54,39 @@ TEST_F(TweakFileTest, SaysWhatIsMissingOrBroken) {
   EXPECT_THROW(TweakFile::at(root_.path() / "broken"), DecodingError);
   EXPECT_THROW(TweakFile::at(root_.path() / "folder"), std::system_error);
   EXPECT_THROW(TweakFile::at(""), TweakFile::Error);
+}
+
+TEST_F(TweakFileTest, HoldsTheLimitsOfItsDocument) {
+  const std::string begin = std::string(kTweakManifest, std::strlen(kTweakManifest) - 2);
+  std::string nulls = begin;
+  for (std::size_t i = 0; i < limits::kHooks; ++i) nulls += i == 0 ? "null" : ",null";
+  const std::string hooks = "more than 100000 hooks";
+  const std::string bytes = "more than 16777216 bytes";
+  root_.write("T/Manifest.json", nulls + "]}");
+  const auto tweak = TweakFile::at(root_.path() / "T");
+  EXPECT_EQ(tweak->manifest()._hooks.size(), limits::kHooks);
+  const auto adding = [&] { tweak->updateManifest([](auto& m) { m._hooks.emplace_back(); }); };
+  EXPECT_THAT(messageOf<EncodingError>(adding), testing::HasSubstr(hooks));
+  root_.write("T/Manifest.json", nulls + ",null]}");
+  EXPECT_THAT(messageOf<DecodingError>([&] { tweak->validate(); }), testing::HasSubstr(hooks));
+  EXPECT_THAT(messageOf<DecodingError>([&] { tweak->manifest(); }), testing::HasSubstr(hooks));
+
+  const auto write = [&](std::size_t size) {
+    root_.write("T/Manifest.json", begin + std::string(size - begin.size() - 2, ' ') + "]}");
+  };
+  write(limits::kDocumentBytes);
+  EXPECT_NO_THROW(tweak->validate());
+  write(limits::kDocumentBytes + 1);
+  EXPECT_THAT(messageOf([&] { tweak->manifest(); }), testing::HasSubstr(bytes));
+  root_.write("T/Manifest.json", kTweakManifest);
+  const auto naming = [&](std::size_t size) {
+    tweak->updateManifest([&](auto& m) { m.configuration.name = std::string(size, 'n'); });
+  };
+  const std::size_t longest = limits::kDocumentBytes - std::strlen(kTweakManifest) + 1;
+  EXPECT_THAT(messageOf<EncodingError>([&] { naming(longest + 1); }), testing::HasSubstr(bytes));
+  EXPECT_EQ(tweak->manifest().configuration.name, "N");
+  naming(longest);
+  EXPECT_EQ(tweak->manifest().configuration.name.size(), longest);
 }
 
 TEST_F(TweakFileTest, AScriptThatCannotBeReadCountsAsEmpty) {

@@ -106,8 +106,7 @@ struct ArchiveCoding<std::vector<Element>> {
     constexpr std::size_t kExpected = 64;
     unarchiver.elements(stored, [&](PropertyList::Index element, std::size_t count) {
       if (value.empty()) value.reserve(std::min(count, kExpected));
-      // A reference takes a byte in the archive, and a growing vector holds its elements twice.
-      unarchiver.chargeBytes(2 * sizeof(Element));
+      unarchiver.chargeBytes(Coding<std::vector<Element>>::kElementBytes);
       ArchiveCoding<Element>::decode(unarchiver, element, value.emplace_back());
     });
   }
@@ -172,6 +171,7 @@ struct ArchiveCoding<std::shared_ptr<Record>> {
     const bool isShared = unarchiver.isShared(stored);
     if (isShared) value = std::static_pointer_cast<Record>(unarchiver.sharedResult(stored, type));
     if (value != nullptr) return;
+    unarchiver.chargeBytes(sizeof(Record));
     value = std::make_shared<Record>();
     ArchiveCoding<Record>::decode(unarchiver, stored, *value);
     if (isShared) unarchiver.sharedResult(stored, type) = value;

@@ -132,7 +132,7 @@ PropertyList::Dictionary KeyedUnarchiver::checked(Index object, std::string_view
 std::string_view KeyedUnarchiver::text(Index object) {
   budget_.chargeVisits(1);
   const auto text = list_.get<std::string_view>(object);
-  return budget_.chargedText(text ? *text : inlineText(object));
+  return budget_.chargedString(text ? *text : inlineText(object));
 }
 
 /// A mutable string is an object that contains its text.

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "tavlen/foundation/base/FunctionRef.h"
+#include "tavlen/foundation/base/Limits.h"
 #include "tavlen/foundation/files/URL.h"
 #include "tavlen/foundation/plist/PropertyList.h"
 #include "tavlen/foundation/plist/SharedReferenceBudget.h"
@@ -34,7 +35,7 @@ class KeyedUnarchiver {
   using Index = PropertyList::Index;
 
   /// Maximum nesting of objects.
-  static constexpr std::size_t kDeepest = 512;
+  static constexpr std::size_t kDeepest = limits::kPropertyListDepth;
 
   /// A row of a record's field table.
   struct Field {

@@ -13,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+#include "tavlen/foundation/base/BoxedOptional.h"
 #include "tavlen/foundation/coding/CodingError.h"
 #include "tavlen/foundation/coding/Decoder.h"
 #include "tavlen/foundation/coding/Encoder.h"
@@ -123,16 +124,16 @@ struct Coding<Date> {
 };
 
 /// An absent array element is a null. For absent fields see optionalField().
-template <class Value>
-struct Coding<std::optional<Value>> {
-  static void encode(Encoder& encoder, const std::optional<Value>& value) {
+template <class Optional>
+struct OptionalCoding {
+  static void encode(Encoder& encoder, const Optional& value) {
     if (value) {
       tavlen::encode(encoder, *value);
     } else {
       encoder.null();
     }
   }
-  static void decode(Decoder& decoder, std::optional<Value>& value) {
+  static void decode(Decoder& decoder, Optional& value) {
     if (decoder.null()) {
       value.reset();
     } else {
@@ -141,6 +142,12 @@ struct Coding<std::optional<Value>> {
   }
 };
 
+template <class Value>
+struct Coding<std::optional<Value>> : OptionalCoding<std::optional<Value>> {};
+
+template <class Value>
+struct Coding<BoxedOptional<Value>> : OptionalCoding<BoxedOptional<Value>> {};
+
 /// A shared record is coded like the record itself. It must not be null.
 template <class Record>
 struct Coding<std::shared_ptr<Record>> {
@@ -148,15 +155,42 @@ struct Coding<std::shared_ptr<Record>> {
     tavlen::encode(encoder, *value);
   }
   static void decode(Decoder& decoder, std::shared_ptr<Record>& value) {
+    decoder.chargeMemory(sizeof(Record));
     value = std::make_shared<Record>();
     tavlen::decode(decoder, *value);
   }
 };
 
+/// Specialised for elements whose number in one array is limited: `kMost`, and `kName` for errors.
+template <class Element>
+struct ElementLimit;
+
+template <class Element>
+concept LimitedElement = requires {
+  ElementLimit<Element>::kMost;
+};
+
+/// Throws the error that `makeError` makes of a text when an array of `count` elements is too long.
+template <class Element>
+void requireElementCount(std::size_t count, auto makeError) {
+  if constexpr (LimitedElement<Element>) {
+    using Limit = ElementLimit<Element>;
+    if (count > Limit::kMost) {
+      throw makeError("more than " + std::to_string(Limit::kMost) + " " +
+                      std::string(Limit::kName));
+    }
+  }
+}
+
 /// An array. Errors in an element have its index in their path.
 template <class Element>
 struct Coding<std::vector<Element>> {
+  /// A vector that grows holds its elements once in the old place, and has room for twice as many
+  /// in the new one.
+  static constexpr std::size_t kElementBytes = 3 * sizeof(Element);
+
   static void encode(Encoder& encoder, const std::vector<Element>& value) {
+    requireElementCount<Element>(value.size(), EncodingError::invalidValue);
     encoder.beginArray(value.size());
     for (std::size_t i = 0; i < value.size(); ++i) {
       underIndex(i, [&] { tavlen::encode(encoder, value[i]); });
@@ -165,7 +199,11 @@ struct Coding<std::vector<Element>> {
   }
   static void decode(Decoder& decoder, std::vector<Element>& value) {
     value.clear();
-    decoder.elements([&] { tavlen::decode(decoder, value.emplace_back()); });
+    decoder.elements([&] {
+      requireElementCount<Element>(value.size() + 1, DecodingError::dataCorrupted);
+      decoder.chargeMemory(kElementBytes);
+      tavlen::decode(decoder, value.emplace_back());
+    });
   }
 };
 
@@ -182,8 +220,10 @@ struct Coding<std::map<std::int64_t, Value>> {
     encoder.endRecord();
   }
   static void decode(Decoder& decoder, std::map<std::int64_t, Value>& table) {
+    constexpr std::size_t kNodeBytes = 48;  // beyond the entry
     table.clear();
     decoder.members([&](std::string_view key) {
+      decoder.chargeMemory(kNodeBytes + sizeof(typename std::map<std::int64_t, Value>::value_type));
       // "1" and "01" are the same key. The first one counts, as for equal texts.
       const auto [place, added] = table.try_emplace(wholeNumberFromKey(key));
       if (added) tavlen::decode(decoder, place->second);

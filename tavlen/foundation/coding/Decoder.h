@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -28,7 +29,7 @@ struct FieldDecoder {
 /// A decoder is positioned at one value. Each call below reads that value and moves past it. The
 /// callback of a container is called at each member or element, and may leave it unread. A value of
 /// the wrong kind, a missing key and a malformed number throw DecodingError; its path is completed
-/// while it propagates. At most 512 containers may be nested. Threads: one object one thread at a
+/// while it propagates. Limits.h has the limits of each format. Threads: one object one thread at a
 /// time.
 class Decoder {
  public:
@@ -57,6 +58,10 @@ class Decoder {
   virtual void members(FunctionRef<void(std::string_view key)> member) = 0;
   /// Reads an array: calls `element` for each element.
   virtual void elements(FunctionRef<void()> element) = 0;
+
+  /// To be called before memory of `bytes` is taken for a value. A decoder whose format can share
+  /// values throws DecodingError when the total is out of proportion to the document.
+  virtual void chargeMemory(std::size_t /*bytes*/) {}
 
   /// The text under `key` in the keyed container at the position, which is not moved. Valid until
   /// the next call. Throws DecodingError when the key is missing or its value is not a text.

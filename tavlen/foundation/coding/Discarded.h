@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <vector>
 
 #include "tavlen/foundation/coding/Coding.h"
@@ -24,7 +25,9 @@ struct Coding<Discarded<T>> {
 template <class Element>
 struct Coding<Discarded<std::vector<Element>>> {
   static void decode(Decoder& decoder, Discarded<std::vector<Element>>& /*field*/) {
+    std::size_t count = 0;
     decoder.elements([&] {
+      requireElementCount<Element>(++count, DecodingError::dataCorrupted);
       Element element{};
       tavlen::decode(decoder, element);
     });

@@ -12,16 +12,12 @@
 
 namespace tavlen {
 
-namespace {
+namespace {}  // namespace
 
-/// Far above any document. A sparse file of any size is quick to create.
-constexpr std::size_t kLargestFile = std::size_t{1} << 31;
-
-}  // namespace
-
-std::string readFile(const RandomAccessFile& file) {
-  std::optional<std::string> bytes = readFileUpTo(file, kLargestFile);
-  if (!bytes) throwSystemError(EFBIG, file.path());
+std::string readFile(const RandomAccessFile& file, std::size_t most) {
+  std::optional<std::string> bytes = readFileUpTo(file, most);
+  if (!bytes)
+    throwSystemError(EFBIG, file.path() + ": more than " + std::to_string(most) + " bytes");
   return std::move(*bytes);
 }
 

@@ -13,8 +13,9 @@
 /// Errors are std::system_error with the path in the text. Threads: any, for all functions.
 namespace tavlen {
 
-/// The bytes of a file of at most 2 GiB (EFBIG). A path is opened as RandomAccessFile does.
-std::string readFile(const RandomAccessFile& file);
+/// The bytes of a file of at most `most` bytes (EFBIG, with that number in the text). A path is
+/// opened as RandomAccessFile does.
+std::string readFile(const RandomAccessFile& file, std::size_t most = std::size_t{1} << 31);
 std::string readFile(const std::filesystem::path& path);
 
 /// As readFile(), but returns nothing for a file of more than `most` bytes, and never reads more

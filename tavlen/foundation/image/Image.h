@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "tavlen/foundation/base/Limits.h"
+
 namespace tavlen {
 
 /// A picture of 8-bit RGBA pixels, row by row from the top, not premultiplied. Its scale is 1: a
@@ -13,8 +15,8 @@ namespace tavlen {
 class Image {
  public:
   /// The limits of a picture, in pixels: its header alone could ask for any amount of memory.
-  static constexpr std::uint32_t kLongestSide = 16'384;
-  static constexpr std::uint64_t kMostPixels = std::uint64_t{1} << 26;
+  static constexpr std::uint32_t kLongestSide = limits::kImageSide;
+  static constexpr std::uint64_t kMostPixels = limits::kImagePixels;
 
   /// Whether a picture may have that size: no side is 0 or exceeds the limit, nor does the number
   /// of pixels.

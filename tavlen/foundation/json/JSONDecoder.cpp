@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "tavlen/foundation/base/Limits.h"
 #include "tavlen/foundation/json/detail/JSONNumber.h"
 #include "tavlen/foundation/json/detail/JSONScanner.h"
 #include "tavlen/foundation/json/detail/JSONText.h"
@@ -104,10 +105,12 @@ class JSONDecoder final : public Decoder {
   bool attempt(FunctionRef<void()> read) override {
     const char* const position = scanner_.position();
     const std::size_t depth = scanner_.depth();
+    const std::size_t values = values_;
     try {
       read();
       return true;
     } catch (const DecodingError&) {
+      values_ = values;
       scanner_.setPosition(position);
       scanner_.setDepth(depth);
       return false;
@@ -141,9 +144,14 @@ class JSONDecoder final : public Decoder {
   template <class Read>
   void readOrSkip(Read&& read) {
     scanner_.peek();
+    if (++values_ > limits::kJSONValues) failValues();
     const char* const position = scanner_.position();
     read();
     if (scanner_.position() == position) scanner_.skipValue();
+  }
+
+  [[noreturn]] void failValues() const {
+    scanner_.fail("more than " + std::to_string(limits::kJSONValues) + " values");
   }
 
   std::string_view number(std::string_view expected) {
@@ -183,6 +191,7 @@ class JSONDecoder final : public Decoder {
   }
 
   JSONScanner scanner_;
+  std::size_t values_ = 1;  ///< the document's own, and those passed in it
   std::string peekedKey_;
   std::string peekedText_;
 };

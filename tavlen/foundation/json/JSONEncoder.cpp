@@ -144,6 +144,14 @@ void appendJSONString(std::string& out, std::string_view text) {
   if ((highBits & kHighs) != 0 && !isValidUTF8(text)) failToRepresent(text);
 }
 
+void JSONEncoder::beginValue() {
+  if (++values_ > limits::kJSONValues) {
+    throw EncodingError::invalidValue("more than " + std::to_string(limits::kJSONValues) +
+                                      " values");
+  }
+  separate();
+}
+
 void JSONEncoder::separate() {
   if (depth_ == sample_.depth && depth_ != 0 && sample_.elementsLeft-- == 0) reserveForArray();
   if (!first_) out_ += ',';
@@ -162,9 +170,10 @@ void JSONEncoder::reserveForArray() {
 }
 
 void JSONEncoder::begin(char bracket) {
-  separate();
+  beginValue();
   if (++depth_ > kMaximumDepth) {
-    throw EncodingError::invalidValue("nested deeper than 511 containers");
+    throw EncodingError::invalidValue("nested deeper than " + std::to_string(kMaximumDepth) +
+                                      " containers");
   }
   out_ += bracket;
   first_ = true;
@@ -196,27 +205,27 @@ void JSONEncoder::beginArray(std::size_t count) {
 void JSONEncoder::endArray() { end(']'); }
 
 void JSONEncoder::null() {
-  separate();
+  beginValue();
   out_ += "null";
 }
 
 void JSONEncoder::boolean(bool value) {
-  separate();
+  beginValue();
   out_ += value ? "true" : "false";
 }
 
 void JSONEncoder::integer(std::int64_t value) {
-  separate();
+  beginValue();
   appendInteger(out_, value);
 }
 
 void JSONEncoder::unsignedInteger(std::uint64_t value) {
-  separate();
+  beginValue();
   appendInteger(out_, value);
 }
 
 void JSONEncoder::real(double value) {
-  separate();
+  beginValue();
   if (!std::isfinite(value)) {
     std::string name = "Double.";
     appendDescription(name, value);
@@ -226,7 +235,7 @@ void JSONEncoder::real(double value) {
 }
 
 void JSONEncoder::string(std::string_view value) {
-  separate();
+  beginValue();
   appendJSONString(out_, value);
 }
 

@@ -3,6 +3,7 @@
 #include <string>
 #include <string_view>
 
+#include "tavlen/foundation/base/Limits.h"
 #include "tavlen/foundation/coding/Coding.h"
 
 namespace tavlen {
@@ -10,13 +11,13 @@ namespace tavlen {
 /// Writes JSON as the platform's encoder does with its default settings: compact, "/" escaped,
 /// numbers in their shortest form; the keys of a record in the record's order.
 ///
-/// Errors: EncodingError for a number that is not finite, text that is not UTF-8, and nesting
-/// deeper than 511 containers. The text written so far stays in `out`. Threads: one object one
-/// thread at a time.
+/// Errors: EncodingError for a number that is not finite, text that is not UTF-8, nesting deeper
+/// than 511 containers, and more than limits::kJSONValues values. The text written so far stays in
+/// `out`. Threads: one object one thread at a time.
 class JSONEncoder final : public Encoder {
  public:
   /// Maximum nesting of containers: the platform's limit, one less than it reads.
-  static constexpr std::size_t kMaximumDepth = 511;
+  static constexpr std::size_t kMaximumDepth = limits::kJSONDepth - 1;
 
   /// Appends to `out`, which must outlive the encoder.
   explicit JSONEncoder(std::string& out) : out_(out) {}
@@ -43,6 +44,7 @@ class JSONEncoder final : public Encoder {
     std::size_t elementsAfter = 0;  ///< the number of elements after the sample
   };
 
+  void beginValue();
   void separate();
   void reserveForArray();
   void begin(char bracket);
@@ -50,6 +52,7 @@ class JSONEncoder final : public Encoder {
 
   std::string& out_;
   std::size_t depth_ = 0;
+  std::size_t values_ = 0;
   Sample sample_;
   bool first_ = true;  ///< whether the next value needs no comma before it
 };

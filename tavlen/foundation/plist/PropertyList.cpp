@@ -88,6 +88,11 @@ std::optional<std::int64_t> PropertyList::integer(Index index) const {
   return static_cast<std::int64_t>(*value);
 }
 
+std::size_t PropertyList::memory() const {
+  return objects_.capacity() * sizeof(Object) + bytes_.capacity() +
+         elements_.capacity() * sizeof(Index) + members_.capacity() * sizeof(Member);
+}
+
 PropertyList::Index PropertyList::add(const Node& node) {
   if (objects_.size() >= std::numeric_limits<Index>::max()) {
     throw std::length_error("property list: too many objects");

@@ -91,6 +91,8 @@ class PropertyList {
   std::size_t referenceCount() const { return elements_.size() + 2 * members_.size(); }
   /// The number of bytes of all strings and data together.
   std::size_t byteCount() const { return bytes_.size(); }
+  /// The bytes that the table takes, room for more included.
+  std::size_t memory() const;
 
   /// The root object. Unspecified while the table is empty.
   Index root() const { return root_; }

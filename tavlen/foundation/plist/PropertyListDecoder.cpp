@@ -105,7 +105,7 @@ double PropertyListDecoder::real() {
 }
 
 std::string PropertyListDecoder::string() {
-  return std::string(budget_.chargedText(require<std::string_view>("a string")));
+  return std::string(budget_.chargedString(require<std::string_view>("a string")));
 }
 
 Date PropertyListDecoder::date() { return require<Date>("a date"); }
@@ -134,10 +134,12 @@ void PropertyListDecoder::record(std::span<const FieldDecoder> fields, void* rec
 void PropertyListDecoder::members(FunctionRef<void(std::string_view key)> member) {
   const auto members = require<PropertyList::Dictionary>("a dictionary").members;
   budget_.chargeVisits(2 * members.size());
+  constexpr std::size_t kEntryBytes = 64;  // a cycle opens many of these tables
   std::unordered_map<std::string_view, std::size_t> lastOf;
   for (std::size_t i = 0; i < members.size(); ++i) {
     // Charged here, because hashing reads the text, and callers copy it.
-    lastOf[budget_.chargedText(list_.string(members[i].key))] = i;
+    const std::string_view key = budget_.chargedText(list_.string(members[i].key));
+    if (lastOf.insert_or_assign(key, i).second) budget_.chargeBytes(kEntryBytes);
   }
   Nesting nesting(*this);
   for (std::size_t i = 0; i < members.size(); ++i) {

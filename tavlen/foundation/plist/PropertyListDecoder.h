@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "tavlen/foundation/base/Limits.h"
 #include "tavlen/foundation/coding/Coding.h"
 #include "tavlen/foundation/coding/Decoder.h"
 #include "tavlen/foundation/plist/PropertyList.h"
@@ -24,7 +25,7 @@ namespace tavlen {
 class PropertyListDecoder final : public Decoder {
  public:
   /// Maximum nesting of containers.
-  static constexpr std::size_t kDeepest = 512;
+  static constexpr std::size_t kDeepest = limits::kPropertyListDepth;
 
   /// Starts at the root. Keeps a reference to `list`, which must not be empty and must outlive it.
   explicit PropertyListDecoder(const PropertyList& list)
@@ -40,6 +41,7 @@ class PropertyListDecoder final : public Decoder {
   void record(std::span<const FieldDecoder> fields, void* record) override;
   void members(FunctionRef<void(std::string_view key)> member) override;
   void elements(FunctionRef<void()> element) override;
+  void chargeMemory(std::size_t bytes) override { budget_.chargeBytes(bytes); }
   std::string_view peekString(std::string_view key) override;
   bool attempt(FunctionRef<void()> read) override;
 

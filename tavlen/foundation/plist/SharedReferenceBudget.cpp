@@ -1,5 +1,8 @@
 #include "tavlen/foundation/plist/SharedReferenceBudget.h"
 
+#include <algorithm>
+#include <string>
+
 namespace tavlen {
 
 namespace {
@@ -8,21 +11,38 @@ namespace {
 /// having met a shared one: a dictionary's kind, for example, is looked up before it is read.
 constexpr std::size_t kPasses = 8;
 
+/// The least bytes of a file that holds `list`: a byte for the marker of each object and another
+/// for its offset, a byte for each reference, two for what became three of UTF-8. In XML all takes
+/// more.
+std::size_t leastFileSize(const PropertyList& list) {
+  return 2 * list.size() + list.referenceCount() + list.byteCount() / 3 * 2;
+}
+
+/// What the list itself leaves of the memory. A file with bytes between its objects has room made
+/// for more than they tell.
+std::size_t memoryLeft(const PropertyList& list) {
+  const std::size_t forBytes = limits::kDecodedBytesPerByte * leastFileSize(list);
+  return limits::kDecodedBytes + forBytes - std::min(forBytes, list.memory());
+}
+
 }  // namespace
 
-SharedReferenceBudget::SharedReferenceBudget(const PropertyList& list) {
-  visitsLeft_ += kPasses * (list.size() + list.referenceCount());
-  bytesLeft_ += kPasses * list.byteCount();
-}
+SharedReferenceBudget::SharedReferenceBudget(const PropertyList& list)
+    : visits_(limits::kSharedVisits + kPasses * (list.size() + list.referenceCount())),
+      bytes_(memoryLeft(list)),
+      visitsLeft_(visits_),
+      bytesLeft_(bytes_) {}
 
 void SharedReferenceBudget::failVisits() {
   // Stays exhausted, so that a decoder which drops this error cannot continue reading.
   visitsLeft_ = 0;
-  throw DecodingError::dataCorrupted("too many values by shared references");
+  throw DecodingError::dataCorrupted("more than " + std::to_string(visits_) +
+                                     " values by shared references");
 }
 
-void SharedReferenceBudget::failBytes() {
-  throw DecodingError::dataCorrupted("too much data by shared references");
+void SharedReferenceBudget::failBytes() const {
+  throw DecodingError::dataCorrupted("more than " + std::to_string(bytes_) +
+                                     " bytes by shared references");
 }
 
 }  // namespace tavlen

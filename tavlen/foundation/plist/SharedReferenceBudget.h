@@ -3,22 +3,19 @@
 #include <cstddef>
 #include <string_view>
 
+#include "tavlen/foundation/base/Limits.h"
 #include "tavlen/foundation/plist/PropertyList.h"
 
 namespace tavlen {
 
-/// Limits the work of a decoder.
+/// Limits the work and memory of a decoder.
 ///
-/// By shared references, a small list can describe a huge tree. The budget allows a few times the
-/// contents of the list itself, plus `kVisits` values and `kBytes` of text and records. Exceeding
-/// it is DecodingError::dataCorrupted.
+/// By shared references, a small list can describe a huge tree. The budget allows
+/// limits::kSharedVisits visits beyond a few for each value of the list, and as much memory as
+/// keeps the list and what is made of it within limits::kDecodedBytes plus
+/// limits::kDecodedBytesPerByte for each byte. Exceeding it is DecodingError::dataCorrupted.
 class SharedReferenceBudget {
  public:
-  /// The values allowed beyond the list's own.
-  static constexpr std::size_t kVisits = 1'000'000;
-  /// The bytes allowed beyond the list's own.
-  static constexpr std::size_t kBytes = std::size_t{64} << 20;
-
   /// A budget for decoding `list`, which is not kept.
   explicit SharedReferenceBudget(const PropertyList& list);
 
@@ -33,8 +30,16 @@ class SharedReferenceBudget {
     chargeBytes(text.size());
     return text;
   }
-  /// Charges for objects that the caller is about to make of small references. Throws DecodingError
-  /// when the budget is exceeded.
+  /// As chargedText(), for a text of which the caller is about to make a std::string. A short one
+  /// needs no memory beyond the string itself; the memory of a long one is rounded up.
+  std::string_view chargedString(std::string_view text) {
+    constexpr std::size_t kLongestShort = 15;
+    constexpr std::size_t kRounding = 32;
+    if (text.size() > kLongestShort) chargeBytes(kRounding);
+    return chargedText(text);
+  }
+  /// Charges for memory that the caller is about to take. Throws DecodingError when the budget is
+  /// exceeded.
   void chargeBytes(std::size_t count) {
     if (count > bytesLeft_) failBytes();
     bytesLeft_ -= count;
@@ -42,10 +47,12 @@ class SharedReferenceBudget {
 
  private:
   [[noreturn]] void failVisits();
-  [[noreturn]] static void failBytes();
+  [[noreturn]] void failBytes() const;
 
-  std::size_t visitsLeft_ = kVisits;
-  std::size_t bytesLeft_ = kBytes;
+  std::size_t visits_;
+  std::size_t bytes_;
+  std::size_t visitsLeft_ = 0;
+  std::size_t bytesLeft_ = 0;
 };
 
 }  // namespace tavlen

@@ -4,6 +4,8 @@
 #include <filesystem>
 #include <string_view>
 
+#include "tavlen/foundation/base/Limits.h"
+
 namespace tavlen {
 
 class Progress;
@@ -21,15 +23,15 @@ namespace ZIPArchive {
 /// Limits against archives that exhaust the device.
 struct Limits {
   /// Maximum number of files and folders, including parent folders implied by a path.
-  std::uint64_t entries = 100'000;
+  std::uint64_t entries = limits::kArchiveEntries;
   /// Maximum size of a file, in bytes.
-  std::uint64_t entryBytes = std::uint64_t{4} << 30;
+  std::uint64_t entryBytes = limits::kArchiveEntryBytes;
   /// Maximum size of all files together, in bytes.
-  std::uint64_t archiveBytes = std::uint64_t{8} << 30;
+  std::uint64_t archiveBytes = limits::kArchiveBytes;
   /// Maximum expansion ratio (inflated / compressed); enforced after `ratioFreeBytes` of output.
-  std::uint64_t ratio = 200;
+  std::uint64_t ratio = limits::kArchiveRatio;
   /// The bytes of output that the ratio does not limit.
-  std::uint64_t ratioFreeBytes = std::uint64_t{64} << 20;
+  std::uint64_t ratioFreeBytes = limits::kArchiveRatioFreeBytes;
 };
 
 /// Writes the file or folder `item`, under its own name at the top of the archive, to the new file

@@ -46,11 +46,13 @@ LocalizedText textOf(ZIPError::Case which) {
     case Case::tooManyEntries:
       return {"zip_error.too_many_entries", "There are more than %@ entries"};
     case Case::entryTooLarge:
-      return {"zip_error.entry_too_large", "The entry '%@' is too large"};
+      return {"zip_error.entry_too_large", "The entry '%@' has more than %@ bytes"};
     case Case::archiveTooLarge:
-      return {"zip_error.archive_too_large", "The archive is too large, at the entry '%@'"};
+      return {"zip_error.archive_too_large",
+              "From the entry '%@' on the archive unpacks to more than %@ bytes"};
     case Case::ratioTooHigh:
-      return {"zip_error.ratio_too_high", "The archive expands too much, at the entry '%@'"};
+      return {"zip_error.ratio_too_high",
+              "At the entry '%@' the archive unpacks to more than %@ times its size"};
   }
   fatalError("ZIPError: a case without a text");
 }
@@ -59,5 +61,8 @@ LocalizedText textOf(ZIPError::Case which) {
 
 ZIPError::ZIPError(Case which, std::string detail)
     : CasedError(which, textOf(which), {std::move(detail)}) {}
+
+ZIPError::ZIPError(Case which, std::string entry, std::uint64_t limit)
+    : CasedError(which, textOf(which), {std::move(entry), std::to_string(limit)}) {}
 
 }  // namespace tavlen

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 #include "tavlen/foundation/errors/CasedError.h"
@@ -37,6 +38,8 @@ class ZIPError : public CasedError<ZIPErrorCase> {
   /// `detail` replaces the placeholder of the case's text: the entry's name; for damagedArchive the
   /// fault, for tooManyEntries the limit.
   ZIPError(Case which, std::string detail);
+  /// For entryTooLarge, archiveTooLarge and ratioTooHigh, which name the limit, too.
+  ZIPError(Case which, std::string entry, std::uint64_t limit);
 };
 
 }  // namespace tavlen

@@ -38,11 +38,12 @@ std::string deflated(std::string rows, bool isRaw) {
   return bytes;
 }
 
-std::vector<jpeg_scan_info> manyScans() {
+std::vector<jpeg_scan_info> manyScans(std::size_t count) {
   std::vector<jpeg_scan_info> scans = {{1, {0}, 0, 0, 0, 0}};
   for (const auto& [high, low] : {std::pair(0, 1), std::pair(1, 0)}) {
     for (int i = 1; i < 64; ++i) scans.push_back({1, {0}, i, i, high, low});
   }
+  scans.resize(count);
   return scans;
 }
 
@@ -91,9 +92,9 @@ std::string jpegFile(std::uint32_t width, std::uint32_t height, const std::strin
   jpeg_set_defaults(&info);
   jpeg_set_quality(&info, 100, TRUE);
   info.arith_code = options.isArithmetic ? TRUE : FALSE;
-  const std::vector<jpeg_scan_info> scans = manyScans();
+  const std::vector<jpeg_scan_info> scans = manyScans(options.scans);
   if (options.isProgressive) jpeg_simple_progression(&info);
-  if (options.hasManyScans) {
+  if (options.scans > 0) {
     info.scan_info = scans.data();
     info.num_scans = static_cast<int>(scans.size());
   }

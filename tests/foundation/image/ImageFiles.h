@@ -32,9 +32,8 @@ std::string unfiltered(std::string_view samples, std::size_t rowSize);
 struct JPEGOptions {
   int channels = 3;  ///< 1 grey, 3 RGB, 4 inks
   bool isProgressive = false;
-  /// Grey: a scan of its own for every coefficient of the transformation, and a second one that
-  /// refines it.
-  bool hasManyScans = false;
+  /// Grey: so many scans, of one coefficient of the transformation each; the library's own where 0.
+  std::size_t scans = 0;
   bool isArithmetic = false;
 };
 

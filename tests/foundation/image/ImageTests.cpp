@@ -308,6 +308,7 @@ std::int64_t peakMemory() {
 }
 
 TEST_F(ImageTest, HostileFilesCostNothing) {
+  static_assert(Image::isPossibleSize(8192, 8192) && !Image::isPossibleSize(8193, 8192));
   const std::string jpeg = jpegFile(8, 8, std::string(64, 'x'), {.channels = 1});
   const auto resizedJPEG = [&](std::string sides) {  // the frame header's height and width
     std::string file = jpeg;
@@ -322,11 +323,14 @@ TEST_F(ImageTest, HostileFilesCostNothing) {
       pngFile({.width = 100'000, .height = 100'000, .rows = "\0"s, .isCgBI = true}),
       pngFile({.width = 16'384, .height = 4'096, .rows = "\0"s}),
       pngFile({.width = 16'384, .height = 4'096, .rows = "\0"s, .isCgBI = true}),
+      pngFile({.width = 16'385, .colorType = 0, .rows = std::string(16'386, '\0')}),
       pngFile({.width = 0, .height = 1, .rows = "\0"s, .isCgBI = true}),
       pngFile({.bitDepth = 3, .rows = "\0\1\2\3\4"s, .isCgBI = true}),
       resizedJPEG("\xFF\xDC\xFF\xDC"),
       resizedJPEG("\x10\0\x40\0"s),
-      jpegFile(8, 8, std::string(64, 'x'), {.channels = 1, .hasManyScans = true})};
+      jpegFile(8, 8, std::string(64, 'x'), {.channels = 1, .scans = limits::kJPEGScans + 1})};
+  EXPECT_TRUE(Image::decode(
+      jpegFile(8, 8, std::string(64, 'x'), {.channels = 1, .scans = limits::kJPEGScans})));
   const std::int64_t before = peakMemory();
   for (const std::string& file : files) {
     EXPECT_EQ(Image::decode(file), std::nullopt) << testing::PrintToString(file.substr(0, 60));

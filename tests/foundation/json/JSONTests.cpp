@@ -4,6 +4,7 @@
 #include <limits>
 #include <random>
 
+#include "tavlen/foundation/base/Limits.h"
 #include "tavlen/foundation/json/JSONDecoder.h"
 #include "tavlen/foundation/json/JSONEncoder.h"
 #include "tests/support/TableFile.h"
@@ -209,6 +210,20 @@ TEST(JSONDecoder, HoldsItsDepthLimit) {
   };
   EXPECT_NO_THROW(readJSON(nested(512), [&](Decoder& decoder) { descend(decoder); }));
   EXPECT_THROW(readJSON(nested(513), [&](Decoder& decoder) { descend(decoder); }), DecodingError);
+}
+
+TEST(JSON, HoldsItsLimitOfValues) {
+  const std::vector<double> most(limits::kJSONValues - 1);  // and the array itself
+  const std::string text = encodeJSON(most);
+  EXPECT_EQ(decodeJSON<std::vector<double>>(text), most);
+  std::vector<double> more = most;
+  more.push_back(0);
+  const std::string limit = "more than " + std::to_string(limits::kJSONValues) + " values";
+  const std::string unwritten = messageOf<EncodingError>([&] { encodeJSON(more); });
+  EXPECT_NE(unwritten.find(limit), std::string::npos) << unwritten;
+  const std::string refused =
+      messageOf<DecodingError>([&] { decodeJSON<std::vector<double>>("[0," + text.substr(1)); });
+  EXPECT_NE(refused.find(limit), std::string::npos) << refused;
 }
 
 TEST(JSONDecoder, StandsWhereItStoodAfterAFailedAttempt) {

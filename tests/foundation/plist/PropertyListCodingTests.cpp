@@ -171,13 +171,13 @@ TEST(PropertyListCoding, decodingIsBounded) {
       {listOf({PropertyList::Array{Indices{1}}, PropertyList::Dictionary{Members{{2, 0}}},
                "children"}),
        readTrees, "deeper than 512 containers"},
-      {bomb, readAll, "too many values by shared references"},
+      {bomb, readAll, " values by shared references"},
       // A long text, and a wide dictionary, in many places.
       {listOf({PropertyList::Array{places}, std::string(1'000'000, 'x')}), readTexts,
-       "too much data by shared references"},
+       " bytes by shared references"},
       {listOf({PropertyList::Array{places}, PropertyList::Dictionary{Members(kPlaces, {2, 3})},
                "children", PropertyList::Array{}}),
-       readTrees, "too many values by shared references"}};
+       readTrees, " values by shared references"}};
   for (const auto& row : rows) {
     const std::string error = errorOf([&] {
       PropertyListDecoder decoder(row.list);
@@ -197,11 +197,24 @@ TEST(PropertyListCoding, decodingIsBounded) {
       PropertyListDecoder keyDecoder(keys);
       keyDecoder.members([&](std::string_view) { ++count; });
     });
-    EXPECT_EQ(error, isLong ? "data too much data by shared references" : "");
+    EXPECT_TRUE(isLong ? error.ends_with(" bytes by shared references") : error.empty()) << error;
     EXPECT_EQ(errorOf([&] { writePropertyList(keys, PropertyListFormat::xml); }).empty(), !isLong);
     EXPECT_EQ(count, isLong ? 0U : 1U);
   }
 
+  // At the limits, and one past them.
+  const PropertyList one = listOf({true});
+  const std::size_t visits = limits::kSharedVisits + 8;
+  const std::size_t bytes = limits::kDecodedBytes + 2 * limits::kDecodedBytesPerByte - one.memory();
+  SharedReferenceBudget budget(one);
+  budget.chargeVisits(visits);
+  budget.chargeBytes(bytes);
+  EXPECT_EQ(errorOf([&] { budget.chargeVisits(1); }),
+            "data more than " + std::to_string(visits) + " values by shared references");
+  EXPECT_EQ(errorOf([&] { budget.chargeBytes(1); }),
+            "data more than " + std::to_string(bytes) + " bytes by shared references");
+
+  // What is large without being shared is no bomb.
   std::vector<std::string> many(2'000'000, "x");
   many.emplace_back(100'000'000, 'x');
   EXPECT_EQ(decodePropertyList<std::vector<std::string>>(encodePropertyList(many)), many);

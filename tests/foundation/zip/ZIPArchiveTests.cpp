@@ -12,7 +12,9 @@
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/foundation/tasks/Progress.h"
 #include "tavlen/foundation/zip/ZIPError.h"
+#include "tavlen/foundation/zip/detail/ZIPBudget.h"
 #include "tavlen/foundation/zip/detail/ZIPExtraction.h"
+#include "tavlen/foundation/zip/detail/ZIPNameSet.h"
 #include "tests/support/TableFile.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TestPaths.h"
@@ -297,6 +299,23 @@ TEST_F(ZIPTree, ProgressCountsBytesAndEndsCancelledWork) {
   EXPECT_EQ(systemErrorOf([&] { ZIPArchive::zipItem(item(), archive(), cancelled.get()); }),
             ECANCELED);
   EXPECT_EQ(std::distance(fs::directory_iterator(folder_.path()), {}), 1);
+}
+
+TEST(ZIPBudget, TakesWhatIsAtItsLimitsAndNoMore) {
+  const ZIPArchive::Limits limits = {
+      .entries = 2, .entryBytes = 10, .archiveBytes = 15, .ratio = 3, .ratioFreeBytes = 12};
+  ZIPBudget budget(limits, 5);
+  EXPECT_EQ(errorOf([&] { budget.add("a", 11); }), ZIPError(Case::entryTooLarge, "a", 10));
+  budget.add("b", 10);
+  EXPECT_EQ(errorOf([&] { budget.add("c", 6); }), ZIPError(Case::archiveTooLarge, "c", 15));
+  budget.add("d", 5);
+  ZIPBudget dense(limits, 4);
+  dense.add("e", 10);
+  dense.add("f", 2);
+  EXPECT_EQ(errorOf([&] { dense.add("g", 1); }), ZIPError(Case::ratioTooHigh, "g", 3));
+  ZIPNameSet names(limits.entries);
+  names.add("folder/file");
+  EXPECT_EQ(errorOf([&] { names.add("more"); }), ZIPError(Case::tooManyEntries, "2"));
 }
 
 TEST(ZIPExtraction, WhatTheVolumeTakesForTheSameIsRefused) {

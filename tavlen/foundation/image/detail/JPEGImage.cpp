@@ -13,17 +13,12 @@
 #include <utility>
 #include <vector>
 
+#include "tavlen/foundation/base/Limits.h"
 #include "tavlen/foundation/image/detail/EXIFOrientation.h"
 
 namespace tavlen {
 
 namespace {
-
-/// Encoders write about ten. A valid file may have thousands, of a few bytes each, and each costs a
-/// walk over the whole picture.
-constexpr int kMostScans = 32;
-/// What a progressive picture's coefficients may take.
-constexpr long kMostWorkingMemory = 256L << 20;
 
 constexpr int kEXIFMarker = JPEG_APP0 + 1;
 constexpr unsigned kLongestSegment = 0xFFFF;
@@ -64,7 +59,7 @@ void judgeMessage(j_common_ptr info, int level) {
 void printNothing(j_common_ptr /*info*/) {}
 
 void countScans(j_common_ptr info) {
-  if (decodingOf(info).info.input_scan_number > kMostScans) giveUp(info);
+  if (decodingOf(info).info.input_scan_number > limits::kJPEGScans) giveUp(info);
 }
 
 void prepare(Decoding& decoding) {
@@ -93,7 +88,7 @@ bool readRows(Decoding& decoding, std::string_view bytes) {
   if (setjmp(decoding.failure) != 0) return false;  // NOLINT(cert-err52-cpp): see above
   jpeg_create_decompress(&info);
   info.progress = &decoding.progress;
-  info.mem->max_memory_to_use = kMostWorkingMemory;
+  info.mem->max_memory_to_use = static_cast<long>(limits::kJPEGMemory);
   ::jpeg_save_markers(&info, kEXIFMarker, kLongestSegment);
   ::jpeg_mem_src(&info, reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size());
   ::jpeg_read_header(&info, TRUE);

@@ -7,6 +7,7 @@
 #include <cstring>
 #include <functional>
 
+#include "tavlen/foundation/base/Limits.h"
 #include "tavlen/foundation/coding/CodingError.h"
 #include "tavlen/foundation/text/Characters.h"
 #include "tavlen/foundation/text/Unicode.h"
@@ -51,7 +52,8 @@ char JSONScanner::peek() {
 }
 
 void JSONScanner::deepen() {
-  if (++depth_ > kMaximumDepth) fail("nested deeper than 512 containers");
+  if (++depth_ <= limits::kJSONDepth) return;
+  fail("nested deeper than " + std::to_string(limits::kJSONDepth) + " containers");
 }
 
 bool JSONScanner::open(char closing) {
@@ -249,7 +251,7 @@ void JSONScanner::skipContainer(char opening, Again again) {
   }
   // The opening brackets of the containers entered and not yet left: a stack, so that depth costs
   // no recursion.
-  std::array<const char*, kMaximumDepth> openings;
+  std::array<const char*, limits::kJSONDepth> openings;
   std::size_t count = 0;
   const auto enter = [&](char bracket) {
     const char* const begin = position_;

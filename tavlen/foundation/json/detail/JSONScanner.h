@@ -13,9 +13,6 @@ namespace tavlen {
 /// column, where the JSON is malformed.
 class JSONScanner {
  public:
-  /// Maximum nesting of containers: the platform's limit.
-  static constexpr std::size_t kMaximumDepth = 512;
-
   explicit JSONScanner(std::string_view text);
 
   /// Skips white space and returns the first character of the next value or delimiter; NUL at the

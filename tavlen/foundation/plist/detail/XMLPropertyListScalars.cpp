@@ -1,5 +1,6 @@
 #include "tavlen/foundation/plist/detail/XMLPropertyListScalars.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <chrono>
@@ -33,6 +34,32 @@ std::optional<Number> wholeNumber(std::string_view text, Base... base) {
   return value;
 }
 
+/// The number that `text` is rounded to, a decimal number beyond the range of a double.
+double roundedBeyondRange(std::string_view text) {
+  const std::size_t mantissa = std::min(text.find_first_of("eE"), text.size());
+  const std::size_t point = std::min(text.find('.'), mantissa);
+  const std::size_t first = text.find_first_of("123456789");
+  std::string_view digits = text.substr(std::min(mantissa + 1, text.size()));
+  const bool isNegative = digits.starts_with('-');
+  if (isNegative || digits.starts_with('+')) digits.remove_prefix(1);
+  // An exponent of more digits is beyond any number of digits before it.
+  constexpr std::int64_t kMost = std::int64_t{1} << 60;
+  const std::int64_t exponent =
+      digits.empty() ? 0 : std::min(wholeNumber<std::int64_t>(digits).value_or(kMost), kMost);
+  const std::int64_t place = static_cast<std::int64_t>(point) - static_cast<std::int64_t>(first);
+  const bool isLarge = place + (isNegative ? -exponent : exponent) > 0;
+  return isLarge ? std::numeric_limits<double>::infinity() : 0.0;
+}
+
+std::optional<double> decimalNumber(std::string_view text) {
+  double value = 0;
+  const char* const end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data(), end, value);
+  if (stop != end) return std::nullopt;
+  if (error == std::errc::result_out_of_range) return roundedBeyondRange(text);
+  return error == std::errc() ? std::optional(value) : std::nullopt;
+}
+
 void appendDigits(std::string& out, unsigned value, std::size_t width) {
   const std::string digits = std::to_string(value);
   out.append(width - digits.size(), '0').append(digits);
@@ -63,7 +90,7 @@ std::optional<double> realFromXML(std::string_view text) {
   } else if (name == "nan") {
     magnitude = std::numeric_limits<double>::quiet_NaN();
   } else if (name.starts_with('.') || (!name.empty() && isDigit(name[0]))) {
-    magnitude = wholeNumber<double>(text);  // which alone would take "nan(1)" and a second sign
+    magnitude = decimalNumber(text);  // which alone would take "nan(1)" and a second sign
   }
   if (magnitude && isNegative) magnitude = -*magnitude;
   return magnitude;

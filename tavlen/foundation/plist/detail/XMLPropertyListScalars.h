@@ -18,8 +18,10 @@ using XMLInteger = std::variant<std::int64_t, std::uint64_t>;
 /// "0x" and hexadecimal digits. Returns nothing for any other text.
 std::optional<XMLInteger> integerFromXML(std::string_view text);
 
-/// Parses a real: leading blanks, then a decimal number in the range of a double, or "nan", "inf"
-/// or "infinity" in any case with an optional sign. Returns nothing for any other text.
+/// Parses a real: leading blanks, then a decimal number, or "nan", "inf" or "infinity" in any case
+/// with an optional sign. A number beyond the range of a double is infinity or zero, as in the
+/// platform's own conversion; the field that asks for it decides. Returns nothing for any other
+/// text.
 std::optional<double> realFromXML(std::string_view text);
 /// The shortest text that reads back to `value`, without ".0".
 std::string xmlFromReal(double value);

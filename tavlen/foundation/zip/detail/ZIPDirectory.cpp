@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <string>
 #include <string_view>
 
 #include "tavlen/foundation/base/LittleEndian.h"
@@ -19,14 +20,14 @@ namespace {
 
 constexpr std::string_view kSignature = "PK\x01\x02";
 constexpr std::size_t kFixedSize = 46;
-/// Enough for a hundred thousand entries of over 300 bytes each.
-constexpr std::uint64_t kLargestDirectory = std::uint64_t{32} << 20;
 constexpr std::uint16_t kZIP64Field = 0x0001;
 constexpr std::uint32_t kInZIP64Field = 0xFFFFFFFF;
 /// Encrypted, patched, strongly encrypted, with a masked directory.
 constexpr std::uint16_t kUnsupportedFlags = 0x0001 | 0x0020 | 0x0040 | 0x2000;
 
-[[noreturn]] void refuse(const char* what) { throw ZIPError(ZIPError::Case::damagedArchive, what); }
+[[noreturn]] void refuse(const std::string& what) {
+  throw ZIPError(ZIPError::Case::damagedArchive, what);
+}
 
 /// Reads the values of the ZIP64 extra field, which holds those that do not fit their 32-bit
 /// fields, in a fixed order.
@@ -158,7 +159,10 @@ std::vector<ZIPEntry> readZIPDirectory(const RandomAccessFile& archive,
   if (end.entries > limits.entries) {
     throw ZIPError(ZIPError::Case::tooManyEntries, std::to_string(limits.entries));
   }
-  if (end.directorySize > kLargestDirectory) refuse("its directory is too large");
+  if (end.directorySize > limits::kArchiveDirectoryBytes) {
+    const std::string most = std::to_string(limits::kArchiveDirectoryBytes);
+    refuse("its directory has more than " + most + " bytes");
+  }
   const std::string bytes =
       archive.read(end.directoryOffset, static_cast<std::size_t>(end.directorySize));
 

@@ -39,7 +39,7 @@ ZIPExtraction::ZIPExtraction(const std::filesystem::path& folder) : folder_(fold
     top_ = FileDescriptor::open(folder, kOpenFolder);
     allowed_ = kMostPermissions & ~probedMask();
   } catch (...) {
-    ::rmdir(folder.c_str());
+    removeQuietly(folder_);
     throw;
   }
 }

@@ -12,6 +12,7 @@
 #include "tavlen/device/DeviceRoot.h"
 #include "tavlen/foundation/archive/KeyedArchive.h"
 #include "tavlen/foundation/base/FatalError.h"
+#include "tavlen/foundation/base/Limits.h"
 #include "tavlen/foundation/tasks/ScopedProgress.h"
 #include "tavlen/foundation/text/Log.h"
 #include "tavlen/introspection/remote/RemoteClassParser.h"
@@ -23,8 +24,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// A hundred times the size that large apps need.
-constexpr std::size_t kLargestArchive = std::size_t{256} << 20;
 constexpr std::int64_t kUnitsOfDump = 100;
 
 [[noreturn]] void failLogging(const std::string& reason) {
@@ -61,7 +60,7 @@ DumpFolder folderOf(const std::string& archive) {
 ClassParser::Classes classesIn(const DumpFolder& folder, const std::string& archive) {
   std::string bytes;
   try {
-    bytes = folder.readArchive(kLargestArchive);
+    bytes = folder.readArchive(limits::kDumpBytes);
   } catch (const std::exception& error) {
     failLogging(error.what());
   }

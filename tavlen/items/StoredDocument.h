@@ -1,0 +1,38 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "tavlen/foundation/files/RandomAccessFile.h"
+#include "tavlen/foundation/json/JSONDecoder.h"
+#include "tavlen/foundation/json/JSONEncoder.h"
+
+/// The JSON documents of the store, within the limits of Limits.h: what is written can be read.
+/// Threads: any.
+namespace tavlen {
+
+/// The bytes of the document `file`. Throws DecodingError for more than limits::kDocumentBytes, of
+/// which no more are read, and std::system_error.
+std::string readDocument(const RandomAccessFile& file);
+
+/// Throws DecodingError for more than limits::kDocumentBytes.
+void requireReadableSize(std::string_view document);
+/// Throws EncodingError for more than limits::kDocumentBytes.
+void requireWritableSize(std::string_view document);
+
+/// The record that `document` holds. Throws DecodingError.
+template <class Record>
+Record decodeDocument(std::string_view document) {
+  requireReadableSize(document);
+  return decodeJSON<Record>(document);
+}
+
+/// The document of `record`. Throws EncodingError.
+template <class Record>
+std::string encodeDocument(const Record& record) {
+  std::string document = encodeJSON(record);
+  requireWritableSize(document);
+  return document;
+}
+
+}  // namespace tavlen

@@ -10,7 +10,6 @@ APPLICATIONS = "Applications"
 CONTAINERS = "var/containers/Bundle/Application"
 INSTALLED_TWEAKS = "var/mobile/Library/Application Support/Marrowgleam/Installed Tweaks"
 CRASH_LOGS = "var/mobile/Library/Logs/CrashReporter"
-HELPER = "Applications/Marrowgleam.app/bin/kvfileops"
 PORTRAIT = "UIInterfaceOrientationPortrait"
 LANDSCAPE = "UIInterfaceOrientationLandscapeLeft"
 
@@ -158,14 +157,6 @@ def _crash_logs():
 
 
 def files():
-    """Every file but the programs: relative path and contents."""
+    """Every file: relative path and contents."""
     parts = (_notes(), _travel(), _broken(), _system_apps(), _installed_tweak(), _crash_logs())
     return {path: contents for part in parts for path, contents in part.items()}
-
-
-def programs():
-    """The tree's own programs, which run the machine's: relative path and contents."""
-    return {
-        "bin/kill": b'#!/bin/sh\nkill "$@"\n',  # the shell's: the program of that name need not be installed
-        "usr/bin/killall": b'#!/bin/sh\nexec killall "$@"\n',
-    }

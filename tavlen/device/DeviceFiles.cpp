@@ -11,8 +11,8 @@ namespace tavlen {
 
 namespace fs = std::filesystem;
 
-RandomAccessFile openedFile(const DeviceRoot& root, const fs::path& path) {
-  return {root.open(path, kOpenToRead), path.string()};
+RandomAccessFile openedFile(const DeviceRoot& root, const std::string& path) {
+  return {root.open(path, kOpenToRead), path};
 }
 
 DeviceFolder::DeviceFolder(DeviceRoot root, fs::path path)

@@ -17,7 +17,7 @@
 namespace tavlen {
 
 /// Opens a file for reading, as RandomAccessFile does.
-RandomAccessFile openedFile(const DeviceRoot& root, const std::filesystem::path& path);
+RandomAccessFile openedFile(const DeviceRoot& root, const std::string& path);
 
 /// A folder that stays open for readers of thousands of files in it.
 class DeviceFolder {

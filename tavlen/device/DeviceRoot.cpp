@@ -100,9 +100,22 @@ std::filesystem::path DeviceRoot::resolve(std::string_view devicePath) const {
   return path == "/" ? root_ : root_ / path.relative_path();
 }
 
+std::optional<std::string> DeviceRoot::relativeToRoot(const std::string& text) const {
+  if (isDevice() || text.empty()) return std::nullopt;
+  const std::size_t length = root_.native().size();
+  const bool isPlain = text.find("/.") == text.npos && text.find("//") == text.npos;
+  // The usual form, for which this function is fast: no component is looked at.
+  if (isPlain && text.size() > length + 1 && text[length] == '/' && text.back() != '/' &&
+      text.starts_with(root_.native())) {
+    return text.substr(length + 1);
+  }
+  const std::filesystem::path normal = normalised(std::filesystem::absolute(text));
+  if (!isAtOrBelow(normal, root_)) return std::nullopt;
+  return normal.lexically_relative(root_).string();
+}
+
 bool DeviceRoot::hasOwnLinksAt(const std::filesystem::path& path) const {
-  return !isDevice() && !path.empty() &&
-         isAtOrBelow(normalised(std::filesystem::absolute(path)), root_);
+  return relativeToRoot(path.native()).has_value();
 }
 
 std::filesystem::path DeviceRoot::follow(const std::filesystem::path& path) const {
@@ -117,13 +130,18 @@ std::filesystem::path DeviceRoot::followParent(const std::filesystem::path& path
   return normal == root_ ? root_ : follow(normal.parent_path()) / normal.filename();
 }
 
-FileDescriptor DeviceRoot::open(const std::filesystem::path& path, int flags, mode_t mode) const {
-  if (!hasOwnLinksAt(path)) return FileDescriptor::open(path, flags, mode);
-  const bool isLastFollowed = (flags & O_NOFOLLOW) == 0;
-  const std::filesystem::path target = isLastFollowed ? follow(path) : followParent(path);
-  const std::filesystem::path relative = target.lexically_relative(root_);
+FileDescriptor DeviceRoot::open(const std::string& path, int flags, mode_t mode) const {
+  const std::optional<std::string> inRoot = relativeToRoot(path);
+  if (!inRoot) return FileDescriptor::openAt(AT_FDCWD, path.c_str(), flags, path, mode);
   const FileDescriptor root = FileDescriptor::open(root_, kOpenToPass & ~O_NOFOLLOW);
-  FileDescriptor opened = FileDescriptor::tryOpenBelow(root.get(), relative.native(), flags, mode);
+  FileDescriptor opened = FileDescriptor::tryOpenBelow(root.get(), *inRoot, flags, mode);
+  // Few paths hold links, and those that do not are opened at the first attempt.
+  if (!opened && (errno == ELOOP || errno == ENOTDIR)) {
+    const bool isLastFollowed = (flags & O_NOFOLLOW) == 0;
+    const std::filesystem::path target = isLastFollowed ? follow(path) : followParent(path);
+    const std::filesystem::path relative = target.lexically_relative(root_);
+    opened = FileDescriptor::tryOpenBelow(root.get(), relative.native(), flags, mode);
+  }
   if (!opened) throwSystemError(path);
   return opened;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -52,11 +53,14 @@ class DeviceRoot {
   /// Opens `path`, a host path, close-on-exec. Below any root but "/" links lead where the device's
   /// lead, and one that is put on the way concurrently is an error (ELOOP, ENOTDIR) rather than a
   /// way out. Throws std::system_error.
-  FileDescriptor open(const std::filesystem::path& path, int flags, mode_t mode = 0) const;
+  FileDescriptor open(const std::string& path, int flags, mode_t mode = 0) const;
   /// What stands at `path`, a host path, by the device's links; not_found where they lead nowhere.
   std::filesystem::file_status status(const std::filesystem::path& path) const;
 
  private:
+  /// `path` relative to a root other than "/", normalised; nothing for a path outside it.
+  std::optional<std::string> relativeToRoot(const std::string& path) const;
+
   std::filesystem::path root_;
   std::filesystem::path prefix_;  ///< empty without a rootless jailbreak
 };

@@ -1,5 +1,10 @@
 #include "tavlen/foundation/files/FileDescriptor.h"
 
+#ifdef __linux__
+#include <linux/openat2.h>
+#include <sys/syscall.h>
+#endif
+
 #include <cerrno>
 #include <limits>
 
@@ -44,6 +49,19 @@ FileDescriptor FileDescriptor::tryOpenAt(int parent, const char* name, int flags
 
 FileDescriptor FileDescriptor::tryOpenBelow(int parent, std::string_view path, int flags,
                                             mode_t mode) {
+  flags |= O_NOFOLLOW;
+#ifdef SYS_openat2
+  // One call instead of two for each component, which readers of thousands of files notice. An
+  // older kernel, or a sandbox, may not know it.
+  open_how how{};
+  how.flags = static_cast<unsigned>(flags | O_CLOEXEC);
+  how.mode = (flags & O_CREAT) != 0 ? mode : 0;
+  how.resolve = RESOLVE_NO_SYMLINKS | RESOLVE_BENEATH;
+  FileDescriptor opened(static_cast<int>(retryOnInterrupt([&] {
+    return ::syscall(SYS_openat2, parent, std::string(path).c_str(), &how, sizeof how);
+  })));
+  if (opened || (errno != ENOSYS && errno != EPERM)) return opened;
+#endif
   FileDescriptor folder;
   for (std::size_t slash = path.find('/'); slash != std::string_view::npos;
        slash = path.find('/')) {
@@ -52,7 +70,7 @@ FileDescriptor FileDescriptor::tryOpenBelow(int parent, std::string_view path, i
     parent = folder.get();
     path.remove_prefix(slash + 1);
   }
-  return tryOpenAt(parent, std::string(path).c_str(), flags | O_NOFOLLOW, mode);
+  return tryOpenAt(parent, std::string(path).c_str(), flags, mode);
 }
 
 struct stat FileDescriptor::status(const std::string& shown) const {

@@ -76,7 +76,8 @@ TEST_F(ImageTest, CgBIColorsAreRestoredForEveryAlpha) {
 class SampledPNG {
  public:
   SampledPNG(PNGParts parts, bool isKeyed) : parts_(std::move(parts)), isKeyed_(isKeyed) {
-    const std::size_t channels = std::array{1, 0, 3, 1, 2, 0, 4}.at(std::size_t(parts_.colorType));
+    const std::size_t channels =
+        std::array<std::size_t, 7>{1, 0, 3, 1, 2, 0, 4}.at(std::size_t(parts_.colorType));
     const auto hasAlpha = (parts_.colorType & 4) != 0;
     for (std::size_t i = 0; i < std::size_t{parts_.width} * parts_.height; ++i) {
       std::vector<unsigned> pixel(channels);

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <utility>
 
+#include "tavlen/foundation/plist/PropertyListSerialization.h"
 #include "tavlen/foundation/text/Characters.h"
 #include "tavlen/foundation/text/Unicode.h"
 
@@ -191,6 +192,26 @@ std::uint32_t Scanner::takeDigits(std::uint32_t base, std::size_t most) {
 }
 
 }  // namespace
+
+std::optional<StringTable> StringTable::read(std::string_view bytes) {
+  if (!propertyListFormatOf(bytes)) {
+    const std::optional<std::string> text = textFromBytes(bytes);
+    return text ? parse(*text) : std::nullopt;
+  }
+  try {
+    const PropertyList list = readPropertyList(bytes);
+    const auto dictionary = list.get<PropertyList::Dictionary>(list.root());
+    if (!dictionary) return std::nullopt;
+    StringTable table;
+    for (const auto& [key, value] : dictionary->members) {
+      const auto text = list.get<std::string_view>(value);
+      if (text) table.entries_.insert_or_assign(std::string(list.string(key)), std::string(*text));
+    }
+    return table;
+  } catch (const DecodingError&) {
+    return std::nullopt;
+  }
+}
 
 std::optional<StringTable> StringTable::parse(std::string_view text) {
   StringTable table;

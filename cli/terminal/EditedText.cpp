@@ -51,7 +51,9 @@ class KeyboardSignals {
 }  // namespace
 
 EditedText::EditedText(const std::string& name, std::string_view text) {
-  const std::filesystem::path parent = std::filesystem::temp_directory_path();
+  std::error_code error;
+  const std::filesystem::path parent = std::filesystem::temp_directory_path(error);
+  if (error) throw std::system_error(error, "the folder of temporary files");
   std::string folder = (parent / "tavlen-XXXXXX").string();
   if (::mkdtemp(folder.data()) == nullptr) {
     throw std::system_error(errno, std::generic_category(), parent.string());

@@ -31,7 +31,7 @@ void tellThatNothingRuns() {
 void setActiveTweak(IPA& ipa, const InstallableTweak* tweak) {
   tellThatNothingRuns();
   try {
-    ipa.setActiveTweak(tweak);
+    namingInfo(ipa, [&] { ipa.setActiveTweak(tweak); });
   } catch (const Process::Error& error) {
     throw std::runtime_error(FileOperations::helper().string() + ": " + errorText(error));
   }

@@ -137,9 +137,9 @@ TEST_F(CommandTest, SyntaxErrorsStandAtTheirPlace) {
        "T/script.objs:3:5: error: Unexpected token\n    foo bar;\n        ^\n"},
       {hook, "ok();\r\n\r\nfoo bar;\r\n",
        "T/script.objs:3:5: error: Unexpected token\n    foo bar;\n        ^\n"},
-      {hook, "ok();\u2028\tx = '日é😀e\u0301' y;",
-       "T/script.objs:2:15: error: Unexpected token\n"
-       "    \tx = '日é😀e\u0301' y;\n    \t             ^\n"},
+      {hook, "ok();\u2028\tx = '日é😀e\u0301👨\u200D👩' y;",
+       "T/script.objs:2:20: error: Unexpected token\n"
+       "    \tx = '日é😀e\u0301👨\u200D👩' y;\n    \t               ^\n"},
       {"", "/*\x1b\xC2\x9B*/ a b",
        "T/script.objs:1:10: error: Unexpected token\n"
        "    /*\\x1b\\u009b*/ a b\n                     ^\n"},

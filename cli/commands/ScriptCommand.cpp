@@ -37,7 +37,7 @@ int set(const std::string& name, const std::string& file) {
 /// Stores the edited text. Throws if the stored script is no longer `before`.
 void store(TweakFile& tweak, const std::string& before, const EditedText& edited) {
   const std::string after = edited.text();
-  requireUTF8(after, edited.file().string());
+  requireUTF8(after, "the edited text");
   if (scriptOf(tweak) != before) {
     throw std::runtime_error("the script changed on disk while you were editing it");
   }

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "tavlen/foundation/plist/PropertyListSerialization.h"
+#include "tavlen/foundation/plist/SharedReferenceBudget.h"
 #include "tavlen/foundation/text/Characters.h"
 #include "tavlen/foundation/text/Unicode.h"
 
@@ -13,6 +14,8 @@ namespace tavlen {
 namespace {
 
 constexpr char16_t kReplacement = 0xFFFD;
+/// The memory of an entry, without its texts.
+constexpr std::size_t kEntryBytes = 112;
 
 /// The upper half of the NextStep encoding. Its last two bytes are unassigned.
 constexpr std::array<char16_t, 128> kNextStep = {
@@ -202,10 +205,14 @@ std::optional<StringTable> StringTable::read(std::string_view bytes) {
     const PropertyList list = readPropertyList(bytes);
     const auto dictionary = list.get<PropertyList::Dictionary>(list.root());
     if (!dictionary) return std::nullopt;
+    SharedReferenceBudget budget(list);
     StringTable table;
     for (const auto& [key, value] : dictionary->members) {
       const auto text = list.get<std::string_view>(value);
-      if (text) table.entries_.insert_or_assign(std::string(list.string(key)), std::string(*text));
+      if (!text) continue;
+      budget.chargeBytes(kEntryBytes);
+      table.entries_.insert_or_assign(std::string(budget.chargedText(list.string(key))),
+                                      std::string(budget.chargedText(*text)));
     }
     return table;
   } catch (const DecodingError&) {

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <system_error>
 
+#include "cli/terminal/ShownText.h"
 #include "tavlen/bundles/AppList.h"
 #include "tavlen/device/DeviceRoot.h"
 #include "tavlen/device/InfoPlist.h"
@@ -45,7 +46,7 @@ std::shared_ptr<IPA> appArgument(const std::string& text) {
   try {
     return IPA::openAt(folder);
   } catch (const IPA::Error& error) {
-    throw std::runtime_error(text + ": " + error.description());
+    throw std::runtime_error(text + ": " + errorText(error));
   }
 }
 
@@ -58,8 +59,7 @@ bool isInstalledApp(const std::string& bundleID) {
 }
 
 std::runtime_error withInfoPath(const IPA& ipa, const DecodingError& error) {
-  return std::runtime_error((ipa.appDir() / kInfoPlistFilename).string() + ": " +
-                            error.description());
+  return std::runtime_error((ipa.appDir() / kInfoPlistFilename).string() + ": " + errorText(error));
 }
 
 Info readInfo(const IPA& ipa) {

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "cli/arguments/UsageError.h"
+#include "cli/terminal/ShownText.h"
 #include "tavlen/foundation/text/Unicode.h"
 
 namespace tavlen::cli {
@@ -167,6 +168,9 @@ CommandLine::CommandLine(const char* name, const char* description, const char* 
   app_->set_version_flag("--version", version);
   app_->require_subcommand(1);
   app_->fallthrough();
+  app_->failure_message([](const CLI::App*, const CLI::Error& error) {
+    return shownLine(error.what()) + "\nRun with --help for more information.\n";
+  });
 }
 
 CommandLine::~CommandLine() = default;
@@ -179,7 +183,7 @@ std::optional<int> CommandLine::parse(int argc, const char* const* argv) {
   } catch (const CLI::ParseError& error) {
     return report(*app_, error);
   } catch (const UsageError& error) {
-    return report(*app_, CLI::ValidationError(error.what()));
+    return report(*app_, CLI::ValidationError(errorText(error)));
   }
   return std::nullopt;
 }

@@ -7,6 +7,7 @@
 #include <system_error>
 
 #include "cli/arguments/AppArgument.h"
+#include "cli/terminal/ShownText.h"
 #include "tavlen/foundation/files/MachOHeader.h"
 #include "tavlen/foundation/files/RandomAccessFile.h"
 
@@ -85,7 +86,7 @@ NamedImage imageNamed(const ImageArgument& argument) {
   } catch (const std::system_error&) {
     throw;  // its message names the file
   } catch (const std::exception& error) {
-    throw std::runtime_error(argument.image + ": " + error.what());
+    throw std::runtime_error(argument.image + ": " + errorText(error));
   }
 }
 

@@ -8,8 +8,6 @@
 
 #include "cli/arguments/UsageError.h"
 #include "tavlen/foundation/base/FatalError.h"
-#include "tavlen/foundation/coding/CodingPath.h"
-#include "tavlen/foundation/text/EscapedText.h"
 #include "tavlen/foundation/text/Unicode.h"
 
 namespace tavlen::cli {
@@ -23,7 +21,7 @@ constexpr std::string_view kOrientationPrefix = "UIInterfaceOrientation";
 using Orientations = std::vector<InterfaceOrientation>;
 
 [[noreturn]] void refuse(const std::string& text, const std::string& expected) {
-  throw UsageError("VALUE", escapedForTerminal(abbreviated(text)) + ": expected " + expected);
+  throw UsageError("VALUE", text + ": expected " + expected);
 }
 
 std::string shortName(InterfaceOrientation orientation) {

@@ -6,8 +6,6 @@
 #include "cli/arguments/UsageError.h"
 #include "tavlen/editing/ArrayParameterManager.h"
 #include "tavlen/editing/RootParameterManager.h"
-#include "tavlen/foundation/coding/CodingPath.h"
-#include "tavlen/foundation/text/EscapedText.h"
 
 namespace tavlen::cli {
 
@@ -20,7 +18,7 @@ constexpr const char* kArgument = "ADDRESS";
 constexpr std::size_t kMostSteps = 512;
 
 [[noreturn]] void refuse(const char* argument, std::string_view text, const std::string& expected) {
-  throw UsageError(argument, escapedForTerminal(abbreviated(text)) + ": expected " + expected);
+  throw UsageError(argument, std::string(text) + ": expected " + expected);
 }
 
 std::optional<std::int64_t> wholeNumber(std::string_view text) {

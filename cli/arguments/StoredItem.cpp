@@ -6,6 +6,7 @@
 #include <system_error>
 #include <vector>
 
+#include "cli/terminal/ShownText.h"
 #include "tavlen/collections/TweakCollection.h"
 #include "tavlen/device/DeviceRoot.h"
 #include "tavlen/foundation/coding/CodingError.h"
@@ -49,9 +50,9 @@ OpenedItem itemAt(const std::string& path, const std::string& shown) {
   } catch (const DecodingError& error) {
     const std::string document =
         isFolder ? (path.ends_with('/') ? path : path + "/") + "Manifest.json" : path;
-    throw std::runtime_error(document + ": " + error.description());
-  } catch (const LocalizedError& error) {
-    throw std::runtime_error(shown + ": " + error.description());
+    throw std::runtime_error(document + ": " + errorText(error));
+  } catch (const DescribedError& error) {
+    throw std::runtime_error(shown + ": " + errorText(error));
   }
 }
 

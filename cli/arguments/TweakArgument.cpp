@@ -5,6 +5,7 @@
 
 #include "cli/arguments/StoredItem.h"
 #include "cli/terminal/Console.h"
+#include "cli/terminal/ShownText.h"
 
 namespace tavlen::cli {
 
@@ -23,7 +24,7 @@ OpenedTweak openTweak(const std::string& argument) {
     tweak.script = tweak.file->readScript().value_or(std::string());
   } catch (const std::exception& error) {
     tweak.scriptIsUnreadable = true;
-    printWarning("the script cannot be read and counts as empty: " + std::string(error.what()));
+    printWarning("the script cannot be read and counts as empty: " + errorText(error));
   }
   return tweak;
 }

@@ -12,12 +12,11 @@
 
 #include "cli/arguments/DateText.h"
 #include "cli/arguments/UsageError.h"
+#include "cli/terminal/ShownText.h"
 #include "tavlen/foundation/coding/CodingError.h"
 #include "tavlen/foundation/files/FileReplacement.h"
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/foundation/json/JSONDecoder.h"
-#include "tavlen/foundation/json/JSONEncoder.h"
-#include "tavlen/foundation/text/EscapedText.h"
 #include "tavlen/foundation/text/NumberText.h"
 #include "tavlen/foundation/text/Unicode.h"
 
@@ -118,7 +117,7 @@ std::string knownForms() {
 }
 
 [[noreturn]] void refuse(const char* argument, std::string_view text, const std::string& problem) {
-  throw UsageError(argument, escapedForTerminal(abbreviated(text)) + ": " + problem);
+  throw UsageError(argument, std::string(text) + ": " + problem);
 }
 
 Parameter parameterFromJSON(const std::string& json, const std::string& text,
@@ -126,9 +125,7 @@ Parameter parameterFromJSON(const std::string& json, const std::string& text,
   try {
     return decodeJSON<ParameterContainer>(json).value;
   } catch (const DecodingError& error) {
-    refuse(argument, text,
-           "expected a parameter in the form of manifests: " +
-               escapedForTerminal(error.description()));
+    refuse(argument, text, "expected a parameter in the form of manifests: " + errorText(error));
   }
 }
 
@@ -144,7 +141,7 @@ bool isByte(double component) {
 }
 
 std::string jsonText(const Parameter& parameter) {
-  return "json:" + encodeJSON(ParameterContainer{parameter});
+  return "json:" + shownJSON(ParameterContainer{parameter});
 }
 
 /// Writes a parameter of each kind. Returns nothing for a value that only JSON can express.

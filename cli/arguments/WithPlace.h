@@ -5,6 +5,7 @@
 #include <string>
 #include <utility>
 
+#include "cli/terminal/ShownText.h"
 #include "tavlen/foundation/coding/CodingError.h"
 
 namespace tavlen::cli {
@@ -16,9 +17,9 @@ decltype(auto) withPlace(const std::string& place, Body&& body) {
   try {
     return std::forward<Body>(body)();
   } catch (const DecodingError& error) {
-    throw std::runtime_error(place + ": Manifest.json: " + error.description());
+    throw std::runtime_error(place + ": Manifest.json: " + errorText(error));
   } catch (const std::exception& error) {
-    throw std::runtime_error(place + ": " + error.what());
+    throw std::runtime_error(place + ": " + errorText(error));
   }
 }
 

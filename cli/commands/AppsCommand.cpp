@@ -9,6 +9,7 @@
 
 #include "cli/commands/Commands.h"
 #include "cli/terminal/Console.h"
+#include "cli/terminal/ShownText.h"
 #include "cli/terminal/TextTable.h"
 #include "tavlen/bundles/InfoManager.h"
 #include "tavlen/device/DeviceRoot.h"
@@ -16,7 +17,6 @@
 #include "tavlen/device/InstalledRecords.h"
 #include "tavlen/device/LSAppListFetcher.h"
 #include "tavlen/foundation/base/FunctionRef.h"
-#include "tavlen/foundation/json/JSONEncoder.h"
 #include "tavlen/foundation/plist/PropertyListDecoder.h"
 #include "tavlen/foundation/text/EscapedText.h"
 #include "tavlen/foundation/text/TextComparison.h"
@@ -52,7 +52,7 @@ Row rowOf(const AppListApp& app, FunctionRef<Info()> info) {
   try {
     row.version = info().version();
   } catch (const std::exception& error) {
-    row.note = std::string("Info.plist: ") + error.what();
+    row.note = "Info.plist: " + errorText(error);
   }
   if (const auto record = InstalledRecords::record(app.bundleID)) row.activeTweak = record->tweakID;
   return row;
@@ -110,7 +110,7 @@ void addAppsCommand(Command app) {
       printMessage("tavlen: no apps in the device root " +
                    escapedForTerminal(DeviceRoot::shared().url().native()) +
                    "; --root names a device tree\n");
-    if (*json || !rows.empty()) printData(*json ? encodeJSON(rows) + "\n" : table(rows));
+    if (*json || !rows.empty()) printData(*json ? shownJSON(rows) + "\n" : table(rows));
     return 0;
   });
 }

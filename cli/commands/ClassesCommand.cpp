@@ -6,8 +6,8 @@
 
 #include "cli/commands/Commands.h"
 #include "cli/terminal/Console.h"
+#include "cli/terminal/ShownText.h"
 #include "cli/work/ClassDump.h"
-#include "tavlen/foundation/json/JSONEncoder.h"
 #include "tavlen/foundation/text/EscapedText.h"
 
 namespace tavlen::cli {
@@ -28,7 +28,7 @@ int listClasses(const Options& options) {
   classes.erase(std::remove_if(classes.begin(), classes.end(), differs), classes.end());
   std::string out;
   if (options.json) {
-    out = encodeJSON(classes) + "\n";
+    out = shownJSON(classes) + "\n";
   } else {
     for (const auto& cls : classes) out += escapedForTerminal(cls->description()) + "\n";
   }

@@ -15,10 +15,10 @@
 #include "cli/commands/Commands.h"
 #include "cli/commands/ItemCreation.h"
 #include "cli/terminal/Console.h"
+#include "cli/terminal/ShownText.h"
 #include "cli/terminal/TextTable.h"
 #include "tavlen/collections/TweakCollection.h"
 #include "tavlen/collections/TweakCollectionManifest.h"
-#include "tavlen/foundation/json/JSONEncoder.h"
 #include "tavlen/items/TweakError.h"
 #include "tavlen/items/TweakPoster.h"
 #include "tavlen/items/TweaksDirectory.h"
@@ -71,7 +71,8 @@ void addMember(Manifest& manifest, const std::string& text) {
   const std::string& expected = manifest.configuration.bundleID;
   const std::string& found = opened.configuration.bundleID;
   if (found != expected) {
-    throw std::runtime_error(text + ": " + TweakError::bundleIDMismatch(expected, found).what());
+    throw std::runtime_error(text + ": " +
+                             errorText(TweakError::bundleIDMismatch(expected, found)));
   }
   if (contains(manifest._tweaks, tweak->id())) {
     throw std::runtime_error(text + ": is already in the collection");
@@ -112,7 +113,7 @@ int list(const ListOptions& options) {
   std::vector<Row> rows;
   std::transform(manifest._tweaks.begin(), manifest._tweaks.end(), std::back_inserter(rows), rowOf);
   if (options.json) {
-    printData(encodeJSON(rows) + "\n");
+    printData(shownJSON(rows) + "\n");
     return 0;
   }
   TextTable table({"NAME", "IDENTIFIER", "NOTE"});

@@ -7,6 +7,7 @@
 #include "cli/arguments/AppArgument.h"
 #include "cli/commands/Commands.h"
 #include "cli/terminal/Console.h"
+#include "cli/terminal/ShownText.h"
 #include "tavlen/device/FileOperations.h"
 #include "tavlen/device/Process.h"
 #include "tavlen/foundation/text/EscapedText.h"
@@ -30,7 +31,7 @@ int copyLogs(const std::string& app, const std::filesystem::path& directory) {
   try {
     namingInfo(*ipa, [&] { ipa->copyCrashLogs(std::filesystem::canonical(directory)); });
   } catch (const Process::Error& error) {
-    throw std::runtime_error(FileOperations::helper().string() + ": " + error.description());
+    throw std::runtime_error(FileOperations::helper().string() + ": " + errorText(error));
   }
   std::string added;
   for (const std::string& name : namesIn(directory)) {

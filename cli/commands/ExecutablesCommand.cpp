@@ -6,9 +6,9 @@
 #include "cli/arguments/AppArgument.h"
 #include "cli/commands/Commands.h"
 #include "cli/terminal/Console.h"
+#include "cli/terminal/ShownText.h"
 #include "cli/terminal/TextTable.h"
 #include "tavlen/bundles/Executable.h"
-#include "tavlen/foundation/json/JSONEncoder.h"
 #include "tavlen/foundation/text/Unicode.h"
 
 namespace tavlen::cli {
@@ -62,7 +62,7 @@ void addExecutablesCommand(Command app) {
   command.run([name, json] {
     const std::shared_ptr<IPA> ipa = appArgument(*name);
     const std::vector<Row> rows = namingInfo(*ipa, [&] { return rowsOf(*ipa); });
-    printData(*json ? encodeJSON(rows) + "\n" : table(rows));
+    printData(*json ? shownJSON(rows) + "\n" : table(rows));
     return 0;
   });
 }

@@ -12,9 +12,9 @@
 #include "cli/arguments/WithPlace.h"
 #include "cli/commands/Commands.h"
 #include "cli/terminal/Console.h"
+#include "cli/terminal/ShownText.h"
 #include "cli/terminal/TextTable.h"
 #include "cli/work/ClassDump.h"
-#include "tavlen/foundation/json/JSONEncoder.h"
 #include "tavlen/foundation/objc/MethodTypes.h"
 #include "tavlen/items/TweakPoster.h"
 #include "tavlen/tweaks/Manifest.h"
@@ -140,7 +140,7 @@ std::string table(const std::vector<Hook>& hooks) {
 
 void listHooks(const Options& options) {
   const std::vector<Hook> hooks = openedTweak(options.tweak).manifest.hooks();
-  if (options.json) return printData(encodeJSON(hooks) + "\n");
+  if (options.json) return printData(shownJSON(hooks) + "\n");
   if (!hooks.empty()) printData(table(hooks));
 }
 

@@ -7,6 +7,7 @@
 #include "cli/arguments/AppArgument.h"
 #include "cli/commands/Commands.h"
 #include "cli/terminal/Console.h"
+#include "cli/terminal/ShownText.h"
 #include "tavlen/bundles/InfoManager.h"
 #include "tavlen/foundation/files/FileReplacement.h"
 
@@ -31,7 +32,7 @@ std::string iconFile(const Options& options) {
   try {
     return namingInfo(*ipa, [&] { return chosenIcon(ipa->infoManager(), options).pngData(); });
   } catch (const InfoManager::Error& error) {
-    throw std::runtime_error(options.app + ": " + error.description());
+    throw std::runtime_error(options.app + ": " + errorText(error));
   }
 }
 

@@ -7,6 +7,7 @@
 #include "cli/commands/Commands.h"
 #include "cli/terminal/Console.h"
 #include "cli/terminal/ProgressLine.h"
+#include "cli/terminal/ShownText.h"
 #include "tavlen/collections/TweakCollection.h"
 #include "tavlen/collections/TweakCollectionManifest.h"
 #include "tavlen/foundation/coding/CodingError.h"
@@ -33,11 +34,11 @@ int import(const std::vector<std::string>& files) {
       const ProgressLine line("importing " + file);
       item = TweakManager::decompressAt(file, line.progress().get());
     } catch (const DecodingError& error) {
-      printError(file + ": Manifest.json: " + error.description());
+      printError(file + ": Manifest.json: " + errorText(error));
       status = 1;
       continue;
     } catch (const std::exception& error) {
-      const std::string text = error.what();
+      const std::string text = errorText(error);
       // Errors of the file system may already name the file.
       printError(text.starts_with(file) ? text : std::string(file).append(": ").append(text));
       status = 1;

@@ -6,7 +6,7 @@
 #include "cli/arguments/AppArgument.h"
 #include "cli/commands/Commands.h"
 #include "cli/terminal/Console.h"
-#include "tavlen/foundation/json/JSONEncoder.h"
+#include "cli/terminal/ShownText.h"
 #include "tavlen/foundation/text/EscapedText.h"
 
 namespace tavlen::cli {
@@ -97,7 +97,7 @@ void addInfoCommand(Command app) {
   command.flag("--json", *json, "Print a JSON object");
   command.run([name, json] {
     const Summary summary = summaryOf(readInfo(*appArgument(*name)));
-    printData(*json ? encodeJSON(summary) + "\n" : table(summary));
+    printData(*json ? shownJSON(summary) + "\n" : table(summary));
     return 0;
   });
 }

@@ -12,9 +12,9 @@
 #include "cli/arguments/StoredItem.h"
 #include "cli/commands/Commands.h"
 #include "cli/terminal/Console.h"
+#include "cli/terminal/ShownText.h"
 #include "cli/terminal/TextTable.h"
 #include "cli/work/ActiveTweak.h"
-#include "tavlen/foundation/json/JSONEncoder.h"
 #include "tavlen/foundation/text/EscapedText.h"
 #include "tavlen/foundation/text/TextComparison.h"
 #include "tavlen/foundation/text/Unicode.h"
@@ -89,7 +89,7 @@ int list(bool json) {
                  escapedForTerminal(TweaksDirectory::url().native()) + "\n");
   }
   if (json) {
-    printData(encodeJSON(rows) + "\n");
+    printData(shownJSON(rows) + "\n");
   } else if (!rows.empty()) {
     printData(table(rows));
   }

@@ -3,8 +3,8 @@
 
 #include "cli/commands/Commands.h"
 #include "cli/terminal/Console.h"
+#include "cli/terminal/ShownText.h"
 #include "cli/work/ClassDump.h"
-#include "tavlen/foundation/json/JSONEncoder.h"
 #include "tavlen/foundation/text/EscapedText.h"
 
 namespace tavlen::cli {
@@ -21,7 +21,7 @@ int listMethods(const Options& options) {
   const std::shared_ptr<ObjCClass> cls = dumpedClass(options.image, options.className);
   std::string out;
   if (options.json) {
-    out = encodeJSON(cls->methods) + "\n";
+    out = shownJSON(cls->methods) + "\n";
   } else {
     for (const auto& method : cls->methods) out += escapedForTerminal(method->description()) + "\n";
   }

@@ -12,9 +12,9 @@
 #include "cli/arguments/WithPlace.h"
 #include "cli/commands/Commands.h"
 #include "cli/terminal/Console.h"
+#include "cli/terminal/ShownText.h"
 #include "cli/terminal/TextTable.h"
 #include "tavlen/bundles/IPA.h"
-#include "tavlen/foundation/json/JSONEncoder.h"
 #include "tavlen/items/TweakPoster.h"
 #include "tavlen/tweaks/Manifest.h"
 
@@ -108,7 +108,7 @@ Action listAction(const Options& options) {
   return [options] {
     const Boxes boxes = openedTweak(options.tweak).manifest._overrides;
     if (options.json) {
-      printData(encodeJSON(boxes) + "\n");
+      printData(shownJSON(boxes) + "\n");
     } else if (!boxes.empty()) {
       printData(table(boxes));
     }

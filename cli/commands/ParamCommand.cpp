@@ -14,9 +14,9 @@
 #include "cli/commands/Commands.h"
 #include "cli/commands/ParamArguments.h"
 #include "cli/terminal/Console.h"
+#include "cli/terminal/ShownText.h"
 #include "cli/terminal/TextTable.h"
 #include "cli/work/ResourceImport.h"
-#include "tavlen/foundation/json/JSONEncoder.h"
 #include "tavlen/foundation/text/EscapedText.h"
 #include "tavlen/tweaks/Hook.h"
 
@@ -50,12 +50,12 @@ std::string table(const Hook& hook) {
 }
 
 std::string shown(const Hook& hook, bool json) {
-  if (json) return encodeJSON(hook._args) + "\n";
+  if (json) return shownJSON(hook._args) + "\n";
   return hook._args.empty() ? "" : table(hook);
 }
 
 std::string shown(const Parameter& parameter, bool json) {
-  return (json ? encodeJSON(ParameterContainer{parameter})
+  return (json ? shownJSON(ParameterContainer{parameter})
                : escapedForTerminal(typedText(parameter))) +
          "\n";
 }

@@ -16,7 +16,6 @@
 #include "cli/commands/ParamArguments.h"
 #include "cli/work/ResourceImport.h"
 #include "tavlen/editing/ArrayParameterManager.h"
-#include "tavlen/foundation/text/EscapedText.h"
 #include "tavlen/tweaks/Hook.h"
 
 namespace tavlen::cli {
@@ -97,8 +96,7 @@ void addInsert(Command group) {
 /// The item's index. Throws UsageError for "end", at which no item exists.
 std::int64_t indexOf(const ItemAddress& address, const ParamTarget& target) {
   if (address.index) return *address.index;
-  throw UsageError("ADDRESS",
-                   escapedForTerminal(target.address) + ": expected an index at its end");
+  throw UsageError("ADDRESS", target.address + ": expected an index at its end");
 }
 
 void removeArgument(const HookManager& manager, std::int64_t argument) {

@@ -2,6 +2,7 @@
 #include <string>
 
 #include "cli/commands/Commands.h"
+#include "cli/terminal/ShownText.h"
 #include "cli/work/ProgramCheck.h"
 #include "tavlen/device/DevicePrograms.h"
 #include "tavlen/device/Process.h"
@@ -20,7 +21,7 @@ int restartHomeScreen() {
     process.launch();
     process.waitUntilExit();
   } catch (const Process::Error& error) {
-    throw std::runtime_error(program + ": " + error.description());
+    throw std::runtime_error(program + ": " + errorText(error));
   }
   return 0;
 }

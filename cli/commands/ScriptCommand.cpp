@@ -7,7 +7,7 @@
 #include "cli/commands/Commands.h"
 #include "cli/terminal/Console.h"
 #include "cli/terminal/EditedText.h"
-#include "tavlen/foundation/json/JSONEncoder.h"
+#include "cli/terminal/ShownText.h"
 #include "tavlen/foundation/text/Unicode.h"
 
 namespace tavlen::cli {
@@ -18,7 +18,7 @@ std::string scriptOf(const TweakFile& tweak) { return tweak.readScript().value_o
 
 int show(const std::string& name, bool json) {
   const std::string script = scriptOf(*storedTweak(name));
-  printData(json ? encodeJSON(script) + "\n" : script);
+  printData(json ? shownJSON(script) + "\n" : script);
   return 0;
 }
 
@@ -37,7 +37,7 @@ int set(const std::string& name, const std::string& file) {
 /// Stores the edited text. Throws if the stored script is no longer `before`.
 void store(TweakFile& tweak, const std::string& before, const EditedText& edited) {
   const std::string after = edited.text();
-  requireUTF8(after, edited.file().string());
+  requireUTF8(after, "the edited text");
   if (scriptOf(tweak) != before) {
     throw std::runtime_error("the script changed on disk while you were editing it");
   }
@@ -59,7 +59,7 @@ int edit(const std::string& name) {
     // If the text is unchanged, there is nothing to keep.
     if (edited.text() == before) throw;
     edited.keep();
-    throw std::runtime_error(error.what() + std::string("; your text is in ") +
+    throw std::runtime_error(errorText(error) + std::string("; your text is in ") +
                              edited.file().string());
   }
   return 0;

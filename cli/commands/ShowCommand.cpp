@@ -8,9 +8,9 @@
 #include "cli/arguments/StoredItem.h"
 #include "cli/commands/Commands.h"
 #include "cli/terminal/Console.h"
+#include "cli/terminal/ShownText.h"
 #include "cli/work/ActiveTweak.h"
 #include "tavlen/collections/TweakCollectionManifest.h"
-#include "tavlen/foundation/json/JSONEncoder.h"
 #include "tavlen/foundation/text/EscapedText.h"
 #include "tavlen/foundation/text/Unicode.h"
 #include "tavlen/tweaks/Manifest.h"
@@ -109,11 +109,11 @@ int show(const std::string& name, bool json) {
     printData(table(opened, isInstalled));
     return 0;
   }
-  std::string text = encodeJSON(Item{wellFormedUTF8(item->id()), kindOf(*item),
-                                     wellFormedUTF8(item->url().native()), isInstalled});
+  std::string text = shownJSON(Item{wellFormedUTF8(item->id()), kindOf(*item),
+                                    wellFormedUTF8(item->url().native()), isInstalled});
   // Encode the document separately: it may already have the maximum nesting depth.
   text.back() = ',';
-  printData(text + "\"manifest\":" + encodeJSON(opened.manifest()) + "}\n");
+  printData(text + "\"manifest\":" + shownJSON(opened.manifest()) + "}\n");
   return 0;
 }
 

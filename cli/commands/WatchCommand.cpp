@@ -13,8 +13,8 @@
 #include "cli/commands/Commands.h"
 #include "cli/terminal/Console.h"
 #include "cli/terminal/EndSignals.h"
+#include "cli/terminal/ShownText.h"
 #include "tavlen/foundation/files/DirectoryWatcher.h"
-#include "tavlen/foundation/json/JSONEncoder.h"
 #include "tavlen/foundation/text/EscapedText.h"
 #include "tavlen/foundation/text/Unicode.h"
 #include "tavlen/items/TweaksDirectory.h"
@@ -102,7 +102,7 @@ void print(const StoreSnapshot::Change& change, Names& names, bool json) {
   const bool isDeletion = change.kind == StoreSnapshot::Change::Kind::deleted;
   if (!isDeletion) names.read(change.id);
   const Row row = rowOf(change, names);
-  printData((json ? encodeJSON(row) : line(row)) + "\n");
+  printData((json ? shownJSON(row) : line(row)) + "\n");
   if (isDeletion) names.forget(change.id);
 }
 

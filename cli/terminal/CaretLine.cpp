@@ -1,11 +1,10 @@
 #include "cli/terminal/CaretLine.h"
 
-#include <unicode/uchar.h>
 #include <unicode/utf16.h>
 
 #include <algorithm>
 
-#include "cli/terminal/Console.h"
+#include "cli/terminal/DisplayWidth.h"
 #include "tavlen/foundation/text/EscapedText.h"
 #include "tavlen/foundation/text/Unicode.h"
 
@@ -14,44 +13,45 @@ namespace tavlen::cli {
 namespace {
 
 constexpr std::string_view kIndent = "    ";
-constexpr std::string_view kEllipsis = "...";
+constexpr std::u16string_view kEllipsis = u"...";
 /// The number of UTF-16 units shown before the column, and from it on.
 constexpr std::size_t kContext = 100;
 
-/// The width of the character in terminal cells.
-std::size_t cellsOf(UChar32 character) {
-  const auto type = u_charType(character);
-  if (type == U_NON_SPACING_MARK || type == U_ENCLOSING_MARK || type == U_FORMAT_CHAR) return 0;
-  const int width = u_getIntPropertyValue(character, UCHAR_EAST_ASIAN_WIDTH);
-  return width == U_EA_WIDE || width == U_EA_FULLWIDTH ? 2 : 1;
+/// Appends `text` to `shown`, escaped except for its tabs, and to `blanks` as many blanks and tabs
+/// as it takes.
+void append(std::u16string_view text, std::string& shown, std::string& blanks) {
+  for (;;) {
+    const std::size_t tab = std::min(text.find(u'\t'), text.size());
+    const std::string part = escapedForTerminal(utf8FromUTF16(text.substr(0, tab)));
+    shown += part;
+    blanks.append(displayWidth(part), ' ');
+    if (tab == text.size()) return;
+    shown += '\t';
+    blanks += '\t';
+    text.remove_prefix(tab + 1);
+  }
 }
 
 }  // namespace
 
 std::string caretLine(std::string_view line, std::size_t column) {
   const std::u16string units = utf16FromUTF8(line);
-  const std::size_t caret = std::min(column - 1, units.size());
+  const std::size_t size = units.size();
+  std::size_t caret = std::min(column - 1, size);
+  std::size_t begin = caret - std::min(caret, kContext);
+  std::size_t end = caret + std::min(size - caret, kContext);
+  // Whole characters.
+  U16_SET_CP_START(units.data(), 0, begin);
+  U16_SET_CP_LIMIT(units.data(), 0, caret, size);
+  U16_SET_CP_LIMIT(units.data(), 0, end, size);
   std::string shown(kIndent);
   std::string below(kIndent);
-  std::size_t i = 0;
-  if (caret > kContext) {
-    i = caret - kContext;
-    U16_SET_CP_START(units.data(), 0, i);
-    shown += kEllipsis;
-    below.append(kEllipsis.size(), ' ');
-  }
-  while (i < units.size() && (i < caret || i - caret < kContext)) {
-    const bool isBefore = i < caret;
-    UChar32 character = 0;
-    U16_NEXT(units.data(), i, units.size(), character);
-    std::string text;
-    appendUTF8(text, static_cast<char32_t>(character));
-    const std::string safe = character == '\t' ? text : escapedForTerminal(text);
-    const std::size_t cells = safe == text ? cellsOf(character) : safe.size();
-    if (isBefore) below.append(character == '\t' ? 1 : cells, character == '\t' ? '\t' : ' ');
-    shown += safe;
-  }
-  if (i < units.size()) shown += kEllipsis;
+  if (begin > 0) append(kEllipsis, shown, below);
+  const std::u16string_view text = units;
+  append(text.substr(begin, caret - begin), shown, below);
+  std::string ignored;
+  append(text.substr(caret, end - caret), shown, ignored);
+  if (end < size) append(kEllipsis, shown, ignored);
   return shown + "\n" + below + "^\n";
 }
 

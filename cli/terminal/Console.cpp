@@ -5,15 +5,15 @@
 #include <cstdio>
 #include <system_error>
 
+#include "cli/terminal/ShownText.h"
 #include "tavlen/foundation/files/FileSystem.h"
-#include "tavlen/foundation/text/EscapedText.h"
 
 namespace tavlen::cli {
 
 namespace {
 
 void printLine(std::string_view kind, std::string_view text) {
-  printMessage("tavlen: " + std::string(kind) + ": " + escapedForTerminal(text) + "\n");
+  printMessage("tavlen: " + std::string(kind) + ": " + shownLine(text) + "\n");
 }
 
 }  // namespace

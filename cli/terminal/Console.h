@@ -8,9 +8,9 @@ namespace tavlen::cli {
 /// Writes `text` to the standard error stream, unchanged. Ignores errors.
 void printMessage(std::string_view text);
 
-/// Writes `tavlen: error: text` to the standard error stream, as one line.
+/// Writes `tavlen: error: text` to the standard error stream, by shownLine().
 void printError(std::string_view text);
-/// Writes `tavlen: warning: text` to the standard error stream, as one line.
+/// Writes `tavlen: warning: text` to the standard error stream, by shownLine().
 void printWarning(std::string_view text);
 
 /// Writes `data` to the standard output, unchanged. Throws std::system_error if that fails, for

@@ -7,6 +7,7 @@
 #include <stdexcept>
 #include <system_error>
 
+#include "cli/terminal/ShownText.h"
 #include "tavlen/device/Process.h"
 #include "tavlen/foundation/files/FileReplacement.h"
 #include "tavlen/foundation/files/FileSystem.h"
@@ -50,9 +51,12 @@ class KeyboardSignals {
 }  // namespace
 
 EditedText::EditedText(const std::string& name, std::string_view text) {
-  std::string folder = (std::filesystem::temp_directory_path() / "tavlen-XXXXXX").string();
+  std::error_code error;
+  const std::filesystem::path parent = std::filesystem::temp_directory_path(error);
+  if (error) throw std::system_error(error, "the folder of temporary files");
+  std::string folder = (parent / "tavlen-XXXXXX").string();
   if (::mkdtemp(folder.data()) == nullptr) {
-    throw std::system_error(errno, std::generic_category(), folder);
+    throw std::system_error(errno, std::generic_category(), parent.string());
   }
   file_ = std::filesystem::path(folder) / name;
   try {
@@ -80,7 +84,7 @@ void EditedText::edit() const {
     const KeyboardSignals ignored;
     process.waitUntilExit();
   } catch (const Process::Error& error) {
-    throw std::runtime_error(program + ": " + error.description());
+    throw std::runtime_error(program + ": " + errorText(error));
   }
 }
 

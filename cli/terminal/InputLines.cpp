@@ -7,6 +7,8 @@
 #include <string>
 #include <system_error>
 
+#include "tavlen/foundation/files/RetryOnInterrupt.h"
+
 namespace tavlen::cli {
 
 namespace {
@@ -20,11 +22,10 @@ std::string_view withoutReturn(std::string_view line) {
 
 /// Reads a part of the input and returns its length; 0 at the end.
 std::size_t readSome(std::array<char, 1 << 16>& buffer) {
-  while (true) {
-    const ssize_t count = ::read(STDIN_FILENO, buffer.data(), buffer.size());
-    if (count >= 0) return static_cast<std::size_t>(count);
-    if (errno != EINTR) throw std::system_error(errno, std::generic_category(), "standard input");
-  }
+  const ssize_t count =
+      retryOnInterrupt([&] { return ::read(STDIN_FILENO, buffer.data(), buffer.size()); });
+  if (count < 0) throw std::system_error(errno, std::generic_category(), "standard input");
+  return static_cast<std::size_t>(count);
 }
 
 }  // namespace

@@ -10,7 +10,7 @@
 #include <utility>
 
 #include "cli/terminal/Console.h"
-#include "cli/terminal/TextTable.h"
+#include "cli/terminal/DisplayWidth.h"
 #include "tavlen/foundation/text/EscapedText.h"
 
 namespace tavlen::cli {

@@ -1,15 +1,9 @@
 #pragma once
 
-#include <cstddef>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace tavlen::cli {
-
-/// The width of `text`, one line of UTF-8, in terminal columns. Wide characters take two columns,
-/// combining ones none.
-std::size_t displayWidth(std::string_view text);
 
 /// A table in aligned columns, for people to read.
 class TextTable {

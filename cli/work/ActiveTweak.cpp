@@ -5,6 +5,7 @@
 
 #include "cli/arguments/AppArgument.h"
 #include "cli/terminal/Console.h"
+#include "cli/terminal/ShownText.h"
 #include "tavlen/device/DeviceRoot.h"
 #include "tavlen/device/FileOperations.h"
 #include "tavlen/device/InstalledRecords.h"
@@ -30,9 +31,9 @@ void tellThatNothingRuns() {
 void setActiveTweak(IPA& ipa, const InstallableTweak* tweak) {
   tellThatNothingRuns();
   try {
-    ipa.setActiveTweak(tweak);
+    namingInfo(ipa, [&] { ipa.setActiveTweak(tweak); });
   } catch (const Process::Error& error) {
-    throw std::runtime_error(FileOperations::helper().string() + ": " + error.description());
+    throw std::runtime_error(FileOperations::helper().string() + ": " + errorText(error));
   }
 }
 

@@ -11,6 +11,7 @@
 
 #include "cli/terminal/Console.h"
 #include "cli/terminal/ProgressLine.h"
+#include "cli/terminal/ShownText.h"
 #include "tavlen/foundation/files/MachOHeader.h"
 #include "tavlen/foundation/files/RandomAccessFile.h"
 #include "tavlen/introspection/classes/DynamicClassParser.h"
@@ -87,7 +88,7 @@ Answer askDynamically(const Question<Answer>& question, const Executable& image,
   try {
     return question(DynamicClassParser::sharedParser(), image, progress);
   } catch (const DynamicClassParser::Error& error) {
-    throw std::runtime_error(argument.image + ": " + error.description() + hintFor(image.path()));
+    throw std::runtime_error(argument.image + ": " + errorText(error) + hintFor(image.path()));
   }
 }
 
@@ -99,7 +100,7 @@ Answer askRemotely(const Question<Answer>& question, const Executable& image,
     return question(RemoteClassParser(), image, progress);
   } catch (const RemoteClassParser::Error& error) {
     if (progress->isCancelled()) throw cancelled(argument);
-    throw std::runtime_error(argument.image + ": " + error.description());
+    throw std::runtime_error(argument.image + ": " + errorText(error));
   }
 }
 

@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "cli/terminal/Console.h"
-#include "tavlen/foundation/text/EscapedText.h"
+#include "cli/terminal/ShownText.h"
 #include "tavlen/tweaks/TweakProcessor.h"
 
 namespace tavlen::cli {
@@ -14,7 +14,7 @@ namespace {
 void printCallStack(std::string_view stack) {
   while (!stack.empty()) {
     const std::size_t end = stack.find('\n');
-    printMessage("    " + escapedForTerminal(stack.substr(0, end)) + "\n");
+    printMessage("    " + shownLine(stack.substr(0, end)) + "\n");
     stack.remove_prefix(end == std::string_view::npos ? stack.size() : end + 1);
   }
 }
@@ -24,7 +24,7 @@ void printCallStack(std::string_view stack) {
 void reportError(const std::exception& error) {
   const auto* failure = dynamic_cast<const TweakProcessor::Error*>(&error);
   if (failure == nullptr || failure->which() != TweakProcessor::Error::Case::jsException) {
-    return printError(error.what());
+    return printError(errorText(error));
   }
   printError("the transpiler failed: " + failure->name() + ": " + failure->message());
   if (failure->stack()) printCallStack(*failure->stack());

@@ -54,7 +54,7 @@ ResourceImport::ResourceImport(const TweakFile& tweak, const std::string& file, 
                                " already exists and differs; use --replace to overwrite it");
     }
   }
-  replacement_.reset(new FileReplacement(replacementOf(root, *place, contents)));
+  replacement_ = replacementOf(root, *place, contents);
 }
 
 void ResourceImport::commit() {

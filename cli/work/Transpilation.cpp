@@ -6,8 +6,8 @@
 
 #include "cli/terminal/CaretLine.h"
 #include "cli/terminal/Console.h"
-#include "tavlen/foundation/coding/CodingPath.h"
-#include "tavlen/foundation/text/EscapedText.h"
+#include "cli/terminal/ShownText.h"
+#include "tavlen/foundation/text/Characters.h"
 #include "tavlen/tweaks/HookSource.h"
 
 namespace tavlen::cli {
@@ -25,7 +25,7 @@ struct SyntaxError {
 /// Removes a number from the end of `text` and returns it; 0 if there is none.
 std::size_t takeNumber(std::string_view& text) {
   std::size_t begin = text.size();
-  while (begin > 0 && text[begin - 1] >= '0' && text[begin - 1] <= '9') --begin;
+  while (begin > 0 && isDigit(text[begin - 1])) --begin;
   std::size_t value = 0;
   std::from_chars(text.data() + begin, text.data() + text.size(), value);
   text = text.substr(0, begin);
@@ -80,7 +80,7 @@ std::string_view lineAt(std::string_view text, std::size_t number) {
 
 /// Prints "PLACE: error: MESSAGE", and the line with a caret under its column.
 void printDiagnostic(const std::string& place, const SyntaxError& error, std::string_view text) {
-  printMessage(escapedForTerminal(place) + ": error: " + escapedForTerminal(error.message) + "\n" +
+  printMessage(shownLine(place + ": error: " + error.message) + "\n" +
                caretLine(lineAt(text, error.line), error.column));
 }
 
@@ -113,8 +113,7 @@ std::string placeOf(const OpenedTweak& tweak, std::size_t hookPlace) {
     const auto& hook = tweak.manifest._hooks[i];
     if (!hook || present++ != hookPlace) continue;
     return tweak.pathOf("Manifest.json") + ": hooks[" + std::to_string(i) + "] " +
-           methodText(
-               {abbreviated(hook->className), abbreviated(hook->selector), hook->isClassMethod});
+           methodText({hook->className, hook->selector, hook->isClassMethod});
   }
   return tweak.pathOf("Manifest.json");
 }

@@ -7,7 +7,6 @@
 #include <system_error>
 
 #include "tavlen/device/DeviceFiles.h"
-#include "tavlen/foundation/coding/CodingPath.h"
 #include "tavlen/foundation/objc/MethodTypes.h"
 #include "tavlen/items/GlyphNames.h"
 
@@ -51,7 +50,7 @@ class Checker {
   }
 
   static std::string described(const TweakGlyph& glyph) {
-    return "\"" + abbreviated(glyph.icon) + "\" in the style \"" + abbreviated(glyph.style) + "\"";
+    return "\"" + glyph.icon + "\" in the style \"" + glyph.style + "\"";
   }
 
   void checkIdentity(const Hook& hook, const std::string& place) {
@@ -65,15 +64,14 @@ class Checker {
     const auto types = splitMethodTypes(hook.signature);
     if (!types || types->arguments.size() < 2) {
       return warn(place + ".signature",
-                  "\"" + abbreviated(hook.signature) + "\" is not a method's type encoding");
+                  "\"" + hook.signature + "\" is not a method's type encoding");
     }
     const std::size_t arguments =
         types->arguments.size() - 2;  // after the receiver and the selector
     if (arguments != colons) {
-      warn(place + ".signature", "\"" + abbreviated(hook.signature) + "\" has " +
+      warn(place + ".signature", "\"" + hook.signature + "\" has " +
                                      counted(arguments, "argument") + ", the selector \"" +
-                                     abbreviated(hook.selector) + "\" takes " +
-                                     std::to_string(colons));
+                                     hook.selector + "\" takes " + std::to_string(colons));
     }
     for (const auto& [index, box] : hook._args) {
       const bool known = index >= Hook::kReturnValue &&
@@ -110,7 +108,7 @@ class Checker {
 
   void checkResource(const std::string& name, const std::string& place) {
     const std::filesystem::path folder = tweak_.file->resourcesDir();
-    const std::string shown = "the resource \"" + abbreviated(name) + "\"";
+    const std::string shown = "the resource \"" + name + "\"";
     const DeviceRoot root = DeviceRoot::shared();
     const auto file = pathInside(root, folder, name);
     if (!file) return warn(place + ".filename", shown + " lies outside of Resources");

@@ -33,16 +33,17 @@ RandomAccessFile DeviceFolder::openedFile(const std::string& name) const {
   return {std::move(file), name};
 }
 
-FileReplacement replacementOf(const DeviceRoot& root, const fs::path& path,
-                              std::string_view contents) {
-  const fs::path target = root.follow(path);
+std::unique_ptr<FileReplacement> replacementOf(const DeviceRoot& root, const fs::path& path,
+                                               std::string_view contents) {
   // Outside the root, links are the system's, which the replacement follows by itself.
-  if (!root.hasOwnLinksAt(path)) return {path, contents};
-  return {root.open(target.parent_path(), kOpenFolder), target.filename(), path, contents};
+  if (!root.hasOwnLinksAt(path)) return std::make_unique<FileReplacement>(path, contents);
+  const fs::path target = root.follow(path);
+  return std::make_unique<FileReplacement>(root.open(target.parent_path(), kOpenFolder),
+                                           target.filename(), path, contents);
 }
 
 void replaceFile(const DeviceRoot& root, const fs::path& path, std::string_view contents) {
-  replacementOf(root, path, contents).commit();
+  replacementOf(root, path, contents)->commit();
 }
 
 fs::path canonical(const DeviceRoot& root, const fs::path& path) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -38,8 +39,9 @@ class DeviceFolder {
 };
 
 /// Prepares new contents for a file; its folder exists.
-FileReplacement replacementOf(const DeviceRoot& root, const std::filesystem::path& path,
-                              std::string_view contents);
+std::unique_ptr<FileReplacement> replacementOf(const DeviceRoot& root,
+                                               const std::filesystem::path& path,
+                                               std::string_view contents);
 
 /// Prepares the replacement of one file and commits it.
 void replaceFile(const DeviceRoot& root, const std::filesystem::path& path,

@@ -17,6 +17,7 @@
 #include "tavlen/foundation/files/FileTree.h"
 #include "tavlen/foundation/files/FolderReader.h"
 #include "tavlen/foundation/files/TemporaryDirectory.h"
+#include "tavlen/foundation/text/Characters.h"
 #include "tavlen/foundation/text/Unicode.h"
 #include "tavlen/foundation/zip/ZIPArchive.h"
 #include "tavlen/foundation/zip/ZIPError.h"
@@ -74,9 +75,7 @@ const Kind* kindOfID(std::string_view id) {
 const Kind* kindOfArchive(const fs::path& url) {
   std::string extension = (url.has_filename() ? url : url.parent_path()).extension().string();
   if (extension.empty()) return nullptr;
-  extension.erase(0, 1);
-  std::transform(extension.begin(), extension.end(), extension.begin(),
-                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
+  extension = lowercased(std::string_view(extension).substr(1));
   const auto* const kind = std::find_if(kKinds.begin(), kKinds.end(), [&](const Kind& k) {
     return k.compressedExtension == extension;
   });
@@ -97,10 +96,9 @@ std::string archiveName(std::string name, const std::string& id, std::string_vie
     name[at] = '-';
   }
   std::size_t length = std::min(name.size(), kLongestName - 1 - extension.size());
-  const auto isContinuation = [&](std::size_t at) {
-    return at < name.size() && (static_cast<unsigned char>(name[at]) & 0xC0U) == 0x80U;
-  };
-  while (length > 0 && isContinuation(length)) --length;
+  if (length < name.size()) {
+    while (length > 0 && isUTF8Continuation(name[length])) --length;
+  }
   name.resize(length);
   return name.append(".").append(extension);
 }

@@ -3,6 +3,7 @@
 #include "tavlen/bundles/Info.h"
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/foundation/plist/PropertyListEncoder.h"
+#include "tavlen/foundation/zip/ZIPArchive.h"
 #include "tests/cli/CommandTest.h"
 
 namespace tavlen {
@@ -93,6 +94,24 @@ TEST_F(CommandTest, ABadTweakIsNamedInOneLineAndNothingIsWritten) {
   EXPECT_EQ(std::distance(fs::directory_iterator(folder() / "out"), {}), 1);
 }
 
+TEST_F(CommandTest, TextsAreShownForPeople) {
+  write("item/Payload/Manifest.json/file", "");
+  ZIPArchive::zipItem(folder() / "item/Payload", folder() / "folder.tvx");
+  writeTweak("nul", hookJSON("a", "v", R"("0":{"type":"\u0000\u007f"})"));
+  const std::string many(1000, 'x');
+  setEnvironment({"TAVLEN_ROOT=" + folder().string()});
+  write("Applications/A.app/Info.plist", appPlist("com.a", "A"));
+  expectRefused(
+      "",
+      {{"list '\x1b[1m\xC2\x9B'", 2,
+        "The following argument was not expected: \\x1b[1m\\u009b\nRun with --help "},
+       {"show " + many, 1, many.substr(0, 400) + "…" + many.substr(0, 91) + ": no stored tweak"},
+       {"show ./nul", 1,
+        "./nul/Manifest.json: hooks[0].args.0.type: unknown kind \"\\x00\\x7f\"\n"},
+       {"crash-logs com.a nowhere", 1, "nowhere: No such file or directory\n"},
+       {"import folder.tvx", 1, "folder.tvx: Payload/Manifest.json: Is a directory\n"}});
+}
+
 TEST_F(CommandTest, SyntaxErrorsStandAtTheirPlace) {
   const std::string hook = hookJSON("a", "v16@0:8");
   const auto code = [](const std::string& text) {
@@ -108,9 +127,9 @@ TEST_F(CommandTest, SyntaxErrorsStandAtTheirPlace) {
        "T/script.objs:3:5: error: Unexpected token\n    foo bar;\n        ^\n"},
       {hook, "ok();\r\n\r\nfoo bar;\r\n",
        "T/script.objs:3:5: error: Unexpected token\n    foo bar;\n        ^\n"},
-      {hook, "ok();\u2028\tx = '日é😀e\u0301' y;",
-       "T/script.objs:2:15: error: Unexpected token\n"
-       "    \tx = '日é😀e\u0301' y;\n    \t             ^\n"},
+      {hook, "ok();\u2028\tx = '日é😀e\u0301👨\u200D👩' y;",
+       "T/script.objs:2:20: error: Unexpected token\n"
+       "    \tx = '日é😀e\u0301👨\u200D👩' y;\n    \t               ^\n"},
       {"", "/*\x1b\xC2\x9B*/ a b",
        "T/script.objs:1:10: error: Unexpected token\n"
        "    /*\\x1b\\u009b*/ a b\n                     ^\n"},
@@ -197,17 +216,18 @@ TEST_F(CommandTest, InfoShowsWhatTheFileHolds) {
   info.executable = "exe";
   info.bundleID = "a.b";
   info.build = "7";
-  info._name = "N\x1b[31m\n\xC2\x9B";
+  info._name = "N\x1b[31m\n\xC2\x9B\u2069\x7F";
   info._orientations = {"UIInterfaceOrientationPortrait", "Sideways"};
   const std::string binary = encodePropertyList(info, PropertyListFormat::binary);
   write("app/Info.plist", binary);
   write("cut/Info.plist", binary.substr(0, binary.size() - 10));
   EXPECT_EQ(run("info app").out,
-            "Name:               N\\x1b[31m\\n\\u009b\nBundle name:        N\\x1b[31m\\n\\u009b\n"
+            "Name:               N\\x1b[31m\\n\\u009b\\u2069\\x7f\n"
+            "Bundle name:        N\\x1b[31m\\n\\u009b\\u2069\\x7f\n"
             "Identifier:         a.b\nVersion:            7\nBuild:              7\n"
             "Executable:         exe\niPad:               no\nOrientations:       Portrait\n");
   const std::string json = run("info --json app/").out;
-  EXPECT_THAT(json, HasSubstr("\"name\":\"N\\u001b[31m\\n\xC2\x9B\""));
+  EXPECT_THAT(json, HasSubstr(R"("name":"N\u001b[31m\n\u009b\u2069\u007f")"));
   EXPECT_THAT(json, HasSubstr(R"("orientations":["UIInterfaceOrientationPortrait"])"));
   expectRefused("info", {{"cut", 1, "cut/Info.plist: "}});
 }

@@ -125,7 +125,7 @@ TEST_F(DeviceCommandTest, CrashLogsComeThroughTheHelper) {
   EXPECT_THAT(device("crash-logs com.a logs").err, HasSubstr("no new crash logs"));
   EXPECT_EQ(device("crash-logs com.a nowhere").status, 1);
   helper("exit 4");
-  EXPECT_THAT(device("crash-logs com.a logs").err, EndsWith("/kvfileops: terminated(4)\n"));
+  EXPECT_THAT(device("crash-logs com.a logs").err, EndsWith("/kvfileops: ended with status 4\n"));
 }
 
 TEST_F(DeviceCommandTest, NothingOfATreeIsRunOrEnded) {

@@ -85,7 +85,7 @@ TEST_F(InstallCommandTest, AFailureIsShownAtItsPlace) {
   EXPECT_THAT(run("install elsewhere").err, EndsWith("not found with bundle ID: com.gone\n"));
   EXPECT_THAT(run("show good").out, HasSubstr("Installed:  yes\n")) << "as it was";
   helper("exit 4");
-  EXPECT_THAT(run("install good").err, EndsWith("/kvfileops: terminated(4)\n"));
+  EXPECT_THAT(run("install good").err, EndsWith("/kvfileops: ended with status 4\n"));
 }
 
 class ArchiveCommandTest : public CommandStoreTest {

@@ -164,7 +164,7 @@ TEST_F(ParamCommandTest, SaysWhatIsWrongWhereAndChangesNothing) {
   const std::string start = "T: -[A a:b:]: ";
   expectRefused(
       "param",
-      {{"get T '-[A a:b:]' -1", 1, start + "-1: Parameter not found at index -1 in tweak file:///"},
+      {{"get T '-[A a:b:]' -1", 1, start + "-1: Parameter not found at index -1 in tweak /"},
        {"insert T '-[A a:b:]' 0.3 nil", 1, start + "0.3: Index out of bounds: 3\n"},
        {"insert T '-[A a:b:]' 0.-1 nil", 1, start + "0.-1: Index out of bounds: -1\n"},
        {"insert T '-[A a:b:]' 1.end nil", 1,
@@ -172,7 +172,7 @@ TEST_F(ParamCommandTest, SaysWhatIsWrongWhereAndChangesNothing) {
        {"insert T '-[A a:b:]' 0.end nil --key nil", 1,
         start + "0.end: --key is for dictionaries only\n"},
        {"remove T '-[A a:b:]' 0.2", 1, start + "0.2: Index out of bounds: 2\n"},
-       {"remove T '-[A a:b:]' 7", 1, start + "7: Parameter not found at index 7 in tweak file:///"},
+       {"remove T '-[A a:b:]' 7", 1, start + "7: Parameter not found at index 7 in tweak /"},
        {"move T '-[A a:b:]' 0.0 2", 1, start + "0.0: Index out of bounds: 2\n"}});
   EXPECT_EQ(manifest(), before);
 }

@@ -212,7 +212,7 @@ TEST_F(CommandStoreTest, AnEditedScriptIsNeverLost) {
       {"sed -i s/old/new/", "new", "", false},
       {"f() { rm \"$1\"; printf new >\"$1\"; }; f", "new", "", false},
       {"true", "old", "tavlen: the script is unchanged\n", false},
-      {"false", "old", "tavlen: error: false: terminated(1)\n", false},
+      {"false", "old", "tavlen: error: false: ended with status 1\n", false},
       {"f() { printf new >\"$1\"; exit 3; }; f", "old", "tavlen: error: ", true},
       {"f() { printf '\\377' >\"$1\"; }; f", "old", "tavlen: error: ", true},
       {"f() { printf new >\"$1\"; printf other >'" + (folder() / script).string() + "'; }; f",

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "tavlen/foundation/base/SystemError.h"
+#include "tavlen/foundation/files/RetryOnInterrupt.h"
 
 namespace tavlen::dumpagent {
 
@@ -27,8 +28,9 @@ void ReportSender::send(const TessaloopDatagram& report) const {
   const std::string bytes = report.written();
   // ECONNREFUSED here refers to the previous report and means that this one was not sent.
   for (int attempt = 0; attempt < 2; ++attempt) {
-    if (::send(socket_.get(), bytes.data(), bytes.size(), 0) >= 0) return;
-    if (errno != ECONNREFUSED && errno != EINTR) return;
+    const ssize_t sent =
+        retryOnInterrupt([&] { return ::send(socket_.get(), bytes.data(), bytes.size(), 0); });
+    if (sent >= 0 || errno != ECONNREFUSED) return;
   }
 }
 

@@ -5,6 +5,7 @@
 #include <tuple>
 
 #include "tavlen/foundation/json/JSONDecoder.h"
+#include "tavlen/foundation/text/Characters.h"
 
 namespace tavlen::fileops {
 
@@ -20,8 +21,6 @@ struct IPSHeader {
                       optionalField("app_name", &IPSHeader::appName)};
   }
 };
-
-bool isDigit(char character) { return character >= '0' && character <= '9'; }
 
 std::string_view trimmed(std::string_view text) {
   constexpr std::string_view kBlanks = " \t\r";

@@ -1,8 +1,5 @@
-import { keywordTypes, tokContexts, tokTypes as tt } from "acorn";
-import { skipSpace, skipWord } from "./lookahead.mjs";
+import { tokContexts, tokTypes as tt } from "acorn";
 import { SEND } from "./names.mjs";
-
-const KEYWORDS = new Set(Object.keys(keywordTypes));
 
 // Brackets: message sends and JavaScript's arrays.
 export const withSends = (Base) => class extends Base {
@@ -16,7 +13,7 @@ export const withSends = (Base) => class extends Base {
       return this.finishNode(node, "ArrayExpression");
     }
     const own = errors && noErrors();
-    const first = this.parseFirstElement(own);
+    const first = this.parseMaybeAssign(false, own);
     if (this.isSelectorPart()) {
       this.checkExpressionErrors(own, true);
       this.parseSend(around);
@@ -25,24 +22,6 @@ export const withSends = (Base) => class extends Base {
     mergeErrors(errors, own);
     node.elements = this.parseOtherElements(first, errors);
     return this.finishNode(node, "ArrayExpression");
-  }
-
-  parseFirstElement(errors) {
-    if (this.isSendToAsync()) return this.parseIdent(false);
-    return this.parseMaybeAssign(false, errors);
-  }
-
-  // `async name` and `async function` normally begin functions, but not if the
-  // bracket ends there or a colon follows.
-  isSendToAsync() {
-    if (!this.isContextual("async")) return false;
-    const { input } = this;
-    const start = skipSpace(input, this.end);
-    const end = skipWord(input, start);
-    const word = input.slice(start, end);
-    if (word === "" || (word !== "function" && KEYWORDS.has(word))) return false;
-    const mark = input[skipSpace(input, end)];
-    return mark === "]" || mark === ":";
   }
 
   parseOtherElements(first, errors) {

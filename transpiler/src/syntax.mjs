@@ -1,10 +1,12 @@
-import { tokTypes as tt } from "acorn";
+import { keywordTypes, tokTypes as tt } from "acorn";
 import { withBoxes } from "./boxes.mjs";
 import { withCalls } from "./calls.mjs";
+import { skipSpace, skipWord } from "./lookahead.mjs";
 import { withOrig } from "./orig.mjs";
 import { withSends } from "./sends.mjs";
 import { at, orig } from "./tokens.mjs";
 
+const KEYWORDS = new Set(Object.keys(keywordTypes));
 const SUBSCRIPT_STARTS = new Set([tt.bracketL, tt.dot, tt.questionDot, tt.parenL, tt.backQuote]);
 
 // Adds the hook language's expressions to those of JavaScript.
@@ -13,7 +15,21 @@ const withAtoms = (Base) => class extends Base {
     if (this.type === tt.bracketL) return this.parseBracket(errors);
     if (this.type === at) return this.parseAt();
     if (this.type === orig) return this.parseOrig();
+    if (this.value === "async" && this.isVariableAsync()) return this.parseIdent(false);
     return super.parseExprAtom(errors, forInit);
+  }
+
+  // `async name` and `async function` normally begin functions, but not if the word is
+  // part of a selector: a bracket or a colon follows it.
+  isVariableAsync() {
+    if (!this.isContextual("async")) return false;
+    const { input } = this;
+    const start = skipSpace(input, this.end);
+    const end = skipWord(input, start);
+    const word = input.slice(start, end);
+    if (word === "" || (word !== "function" && KEYWORDS.has(word))) return false;
+    const mark = input[skipSpace(input, end)];
+    return mark === "]" || mark === ":";
   }
 
   parseSubscript(base, startPos, startLoc, noCalls, maybeAsyncArrow, optionalChained, forInit) {

@@ -18,7 +18,7 @@ DecodingError invalidArchive(std::string_view reason) {
 }
 
 std::string ofClass(std::string_view name) {
-  return "an object of the class \"" + abbreviated(name) + "\"";
+  return "an object of the class \"" + std::string(name) + "\"";
 }
 
 std::string_view stringUnder(const PropertyList& list, Index dictionary, std::string_view key) {

@@ -12,7 +12,7 @@ std::int64_t wholeNumberFromKey(std::string_view key) {
   const char* const end = digits.data() + digits.size();
   const auto result = std::from_chars(digits.data(), end, value);
   if (result.ec != std::errc{} || result.ptr != end) {
-    throw DecodingError::typeMismatch("a whole number as the key", "\"" + abbreviated(key) + "\"");
+    throw DecodingError::typeMismatch("a whole number as the key", "\"" + std::string(key) + "\"");
   }
   return value;
 }

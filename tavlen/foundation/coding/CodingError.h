@@ -3,15 +3,15 @@
 #include <string>
 #include <utility>
 
+#include "tavlen/foundation/base/DescribedError.h"
 #include "tavlen/foundation/coding/CodingPath.h"
-#include "tavlen/foundation/errors/LocalizedError.h"
 
 namespace tavlen {
 
 /// The common base of decoding and encoding errors: a place in the document and a text.
 ///
 /// The description is `path: text`, or only the text at the document's root. It is not translated.
-class CodingError : public LocalizedError {
+class CodingError : public DescribedError {
  public:
   /// The place of the fault, from the document's root.
   const CodingPath& codingPath() const { return path_; }
@@ -25,7 +25,7 @@ class CodingError : public LocalizedError {
   void prependIndex(std::size_t index) { path_.prependIndex(index); }
 
  protected:
-  explicit CodingError(std::string text) : LocalizedError({}), text_(std::move(text)) {}
+  explicit CodingError(std::string text) : text_(std::move(text)) {}
 
  private:
   CodingPath path_;

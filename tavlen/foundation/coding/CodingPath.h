@@ -21,8 +21,7 @@ class CodingPath {
 
   /// Whether it is the root.
   bool empty() const { return reversed_.empty(); }
-  /// The path for the reader: `hooks[3].args.-1.value`. Overlong keys, and the middle of an
-  /// overlong path, are replaced by an ellipsis.
+  /// The path for the reader: `hooks[3].args.-1.value`.
   std::string text() const;
 
   bool operator==(const CodingPath&) const = default;
@@ -32,8 +31,5 @@ class CodingPath {
 
   std::vector<Element> reversed_;
 };
-
-/// `text`, shortened with an ellipsis if it is too long for a message.
-std::string abbreviated(std::string_view text);
 
 }  // namespace tavlen

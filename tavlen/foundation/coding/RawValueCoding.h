@@ -67,7 +67,7 @@ struct Coding<E> {
     const std::optional<E> known = fromRawValue<E>(text);
     if (!known) {
       throw DecodingError::dataCorrupted("unknown " + std::string(RawValues<E>::typeName) + " \"" +
-                                         abbreviated(text) + "\"");
+                                         text + "\"");
     }
     value = *known;
   }

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <charconv>
 
-#include "tavlen/foundation/coding/CodingPath.h"
 #include "tavlen/foundation/coding/Encoder.h"
 #include "tavlen/foundation/text/Characters.h"
 
@@ -122,7 +121,7 @@ void Coding<SemanticVersion>::decode(Decoder& decoder, SemanticVersion& value) {
   const std::string text = decoder.string();
   std::optional<SemanticVersion> version = SemanticVersion::parse(text);
   if (!version) {
-    throw DecodingError::dataCorrupted("Invalid version: \"" + abbreviated(text) + "\"");
+    throw DecodingError::dataCorrupted("Invalid version: \"" + text + "\"");
   }
   value = *std::move(version);
 }

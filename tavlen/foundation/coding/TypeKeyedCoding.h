@@ -81,7 +81,7 @@ struct Coding<Container> {
     const std::size_t index = Family::indexOf(identifier);
     if (index == Family::kDecoders.size()) {
       underKey(kTypeKey, [&] {
-        throw DecodingError::dataCorrupted("unknown kind \"" + abbreviated(identifier) + "\"");
+        throw DecodingError::dataCorrupted("unknown kind \"" + std::string(identifier) + "\"");
       });
     }
     Family::kDecoders[index](decoder, container.value);

@@ -1,9 +1,10 @@
 #pragma once
 
-#include <exception>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "tavlen/foundation/base/DescribedError.h"
 
 namespace tavlen {
 
@@ -16,13 +17,11 @@ struct LocalizedText {
   std::string_view english;
 };
 
-/// The base of every error of the library.
+/// The base of the errors that are translated.
 ///
 /// An error is a value: it holds its case (in the component's own class), its payload as texts, and
 /// the key of its description. The description is looked up in the main bundle's table on request.
-/// Threads: `what()` caches the description in the object, so two threads must not call it on one
-/// object at once.
-class LocalizedError : public std::exception {
+class LocalizedError : public DescribedError {
  public:
   /// The key of the translation; empty for an error that has none.
   std::string_view localizationKey() const { return text_.key; }
@@ -32,10 +31,7 @@ class LocalizedError : public std::exception {
   const std::vector<std::string>& payload() const { return payload_; }
 
   /// The localized text with its placeholders replaced by the payload.
-  virtual std::string description() const;
-
-  /// The description, in UTF-8; valid until the next call or until the object is destroyed.
-  const char* what() const noexcept final;
+  std::string description() const override;
 
  protected:
   /// `text` must refer to constants: the views are kept.
@@ -45,7 +41,6 @@ class LocalizedError : public std::exception {
  private:
   LocalizedText text_;
   std::vector<std::string> payload_;
-  mutable std::string what_;
 };
 
 }  // namespace tavlen

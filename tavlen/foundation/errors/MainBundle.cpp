@@ -51,7 +51,7 @@ StringTable readTable(const std::filesystem::path& bundle) {
     std::error_code error;
     if (!std::filesystem::exists(file, error) && !error) continue;
     try {
-      return StringTable::parse(readText(file)).value_or(StringTable());
+      return StringTable::read(readFile(file)).value_or(StringTable());
     } catch (const std::system_error&) {
       return {};  // English text is better than an error about the text of an error
     }

@@ -42,6 +42,7 @@ std::optional<Placeholder> readPlaceholder(std::string_view text) {
 }  // namespace
 
 std::string fillPlaceholders(std::string_view format, std::span<const std::string> arguments) {
+  if (arguments.empty()) return std::string(format);
   std::string out;
   out.reserve(format.size());
   std::size_t next = 0;

@@ -42,13 +42,9 @@ std::optional<std::string> readFileUpTo(const std::filesystem::path& path, std::
 }
 
 std::string readText(const RandomAccessFile& file) {
-  std::string bytes = readFile(file);
-  const ByteOrderMark mark = byteOrderMarkOf(bytes).value_or(ByteOrderMark{TextEncoding::utf8, 0});
-  bytes.erase(0, mark.length);
-  std::string text;
-  if (!convertToUTF8(bytes, mark.encoding, text))
-    throwSystemError(EILSEQ, file.path() + ": the text is malformed in its encoding");
-  return text;
+  std::optional<std::string> text = textFromBytes(readFile(file));
+  if (!text) throwSystemError(EILSEQ, file.path() + ": the text is malformed in its encoding");
+  return *std::move(text);
 }
 
 std::string readText(const std::filesystem::path& path) { return readText(RandomAccessFile(path)); }

@@ -23,8 +23,7 @@ std::string readFile(const std::filesystem::path& path);
 std::optional<std::string> readFileUpTo(const RandomAccessFile& file, std::size_t most);
 std::optional<std::string> readFileUpTo(const std::filesystem::path& path, std::size_t most);
 
-/// The text of a file as UTF-8. A byte order mark selects UTF-32 or UTF-16 and is dropped; without
-/// one the text is UTF-8. Malformed text is EILSEQ: no other encoding is tried.
+/// The text of a file by textFromBytes(). Malformed text is EILSEQ.
 std::string readText(const RandomAccessFile& file);
 std::string readText(const std::filesystem::path& path);
 

@@ -7,7 +7,7 @@
 
 namespace tavlen {
 
-RandomAccessFile::RandomAccessFile(std::string path, int folder)
+RandomAccessFile::RandomAccessFile(const std::string& path, int folder)
     : RandomAccessFile(FileDescriptor::openAt(folder, path.c_str(), kOpenToRead, path), path) {}
 
 RandomAccessFile::RandomAccessFile(FileDescriptor file, std::string path)

@@ -21,7 +21,7 @@ class RandomAccessFile {
   /// regular file (EINVAL) are refused; a pipe never blocks.
   explicit RandomAccessFile(const std::filesystem::path& path) : RandomAccessFile(path.string()) {}
   /// The same for a path given as text, relative to the open folder `folder`.
-  explicit RandomAccessFile(std::string path, int folder = AT_FDCWD);
+  explicit RandomAccessFile(const std::string& path, int folder = AT_FDCWD);
   /// Takes over a file opened with kOpenToRead, which errors call `path`. Refuses as above.
   RandomAccessFile(FileDescriptor file, std::string path);
 

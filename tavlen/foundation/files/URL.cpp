@@ -5,6 +5,8 @@
 #include <charconv>
 #include <string_view>
 
+#include "tavlen/foundation/text/Characters.h"
+
 namespace tavlen {
 
 namespace {
@@ -13,16 +15,12 @@ namespace {
 /// two URL types disagree on the semicolon; this follows the newer one.
 constexpr std::string_view kUnescaped = "!$&'()*+,-./:;=@_~";
 
-bool isLetterOrDigit(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
-}
-
 std::string escaped(std::string_view path) {
   constexpr std::string_view kDigits = "0123456789ABCDEF";
   std::string text;
   text.reserve(path.size());
   for (const char c : path) {
-    if (isLetterOrDigit(c) || kUnescaped.find(c) != std::string_view::npos) {
+    if (isLetter(c) || isDigit(c) || kUnescaped.find(c) != std::string_view::npos) {
       text += c;
     } else {
       const auto byte = static_cast<unsigned char>(c);
@@ -53,13 +51,7 @@ std::optional<std::string> unescaped(std::string_view text) {
 
 /// Removes `prefix`, given in lower case, from the start of `text`, ignoring case.
 bool consume(std::string_view& text, std::string_view prefix) {
-  const auto isSame = [](char a, char b) {
-    return (a >= 'A' && a <= 'Z' ? static_cast<char>(a - 'A' + 'a') : a) == b;
-  };
-  if (text.size() < prefix.size() || !std::equal(prefix.begin(), prefix.end(), text.begin(),
-                                                 [&](char p, char t) { return isSame(t, p); })) {
-    return false;
-  }
+  if (lowercased(text.substr(0, prefix.size())) != prefix) return false;
   text.remove_prefix(prefix.size());
   return true;
 }
@@ -88,10 +80,9 @@ std::string_view cutAt(std::string_view& text, std::string_view marks) {
 
 bool isScheme(std::string_view text) {
   const auto isAllowed = [](char c) {
-    return isLetterOrDigit(c) || c == '+' || c == '-' || c == '.';
+    return isLetter(c) || isDigit(c) || c == '+' || c == '-' || c == '.';
   };
-  return !text.empty() && isLetterOrDigit(text[0]) && !(text[0] >= '0' && text[0] <= '9') &&
-         std::all_of(text.begin(), text.end(), isAllowed);
+  return !text.empty() && isLetter(text[0]) && std::all_of(text.begin(), text.end(), isAllowed);
 }
 
 Parts partsOf(std::string_view text) {

@@ -115,7 +115,7 @@ void appendEscape(std::string& out, char c) {
 }
 
 [[noreturn]] void failToRepresent(std::string_view text) {
-  const std::array<std::string, 1> shown = {utf8FromUTF16(utf16FromUTF8(abbreviated(text)))};
+  const std::array<std::string, 1> shown = {wellFormedUTF8(text)};
   throw EncodingError::invalidValue(fillPlaceholders(
       MainBundle::localizedString({"encodable.to_json.error", "Could not represent %@ as JSON"}),
       shown));

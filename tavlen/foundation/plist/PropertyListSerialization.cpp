@@ -19,10 +19,17 @@ bool looksLikeXML(std::string_view bytes) {
 
 }  // namespace
 
+std::optional<PropertyListFormat> propertyListFormatOf(std::string_view bytes) {
+  if (bytes.starts_with("bplist0")) return PropertyListFormat::binary;
+  if (looksLikeXML(bytes)) return PropertyListFormat::xml;
+  return std::nullopt;
+}
+
 PropertyList readPropertyList(std::string_view bytes) {
-  if (bytes.starts_with("bplist0")) return readBinaryPropertyList(bytes);
-  if (looksLikeXML(bytes)) return readXMLPropertyList(bytes);
-  throw invalidPropertyList("It is neither binary nor XML.");
+  const std::optional<PropertyListFormat> format = propertyListFormatOf(bytes);
+  if (!format) throw invalidPropertyList("It is neither binary nor XML.");
+  return *format == PropertyListFormat::binary ? readBinaryPropertyList(bytes)
+                                               : readXMLPropertyList(bytes);
 }
 
 std::string writePropertyList(const PropertyList& list, PropertyListFormat format) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -9,6 +10,9 @@ namespace tavlen {
 
 /// The two stored forms of property lists.
 enum class PropertyListFormat { binary, xml };
+
+/// The form that the first bytes show; nothing for other files.
+std::optional<PropertyListFormat> propertyListFormatOf(std::string_view bytes);
 
 /// Reads a list, whose form follows from its first bytes. Throws invalidPropertyList(). Threads:
 /// any.

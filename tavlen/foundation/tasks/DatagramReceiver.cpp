@@ -116,10 +116,11 @@ void DatagramReceiver::receive(std::size_t mostBytes, Handler handler) {
   if (!scope.mayReceive()) return;
   std::string buffer(mostBytes, '\0');
   while (waitForDatagram()) {
-    const ssize_t size = ::recv(socket_.get(), buffer.data(), buffer.size(), MSG_DONTWAIT);
+    const ssize_t size = retryOnInterrupt(
+        [&] { return ::recv(socket_.get(), buffer.data(), buffer.size(), MSG_DONTWAIT); });
     if (size < 0) {
       // poll() may report a datagram that recv() then drops because of a bad checksum.
-      if (errno == EINTR || errno == EAGAIN || errno == EWOULDBLOCK) continue;
+      if (errno == EAGAIN || errno == EWOULDBLOCK) continue;
       return;
     }
     if (!handler(std::string_view(buffer.data(), static_cast<std::size_t>(size)))) return;

@@ -38,4 +38,18 @@ std::string escapedForTerminal(std::string_view text) {
   return utf8FromUTF16(out);
 }
 
+std::string escapedJSON(std::string json) {
+  // The first bytes of those characters.
+  if (json.find_first_of("\x7F\xC2\xD8\xE2") == std::string::npos) return json;
+  std::u16string out;
+  for (const char16_t unit : utf16FromUTF8(json)) {
+    if (unit >= 0x7F && isControl(unit)) {
+      appendHex(out += u"\\u", unit, 4);
+    } else {
+      out += unit;
+    }
+  }
+  return utf8FromUTF16(out);
+}
+
 }  // namespace tavlen

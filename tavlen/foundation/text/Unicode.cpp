@@ -186,4 +186,11 @@ bool convertToUTF8(std::string_view bytes, TextEncoding encoding, std::string& o
   return false;
 }
 
+std::optional<std::string> textFromBytes(std::string_view bytes) {
+  const ByteOrderMark mark = byteOrderMarkOf(bytes).value_or(ByteOrderMark{TextEncoding::utf8, 0});
+  std::string text;
+  if (!convertToUTF8(bytes.substr(mark.length), mark.encoding, text)) return std::nullopt;
+  return text;
+}
+
 }  // namespace tavlen

@@ -50,4 +50,9 @@ std::optional<ByteOrderMark> byteOrderMarkOf(std::string_view bytes);
 /// value that is no scalar.
 bool convertToUTF8(std::string_view bytes, TextEncoding encoding, std::string& out);
 
+/// The text in `bytes`, as a file holds it, in UTF-8. A byte order mark selects UTF-32 or UTF-16
+/// and is dropped; without one the text is UTF-8. Returns nothing for malformed text: no other
+/// encoding is tried.
+std::optional<std::string> textFromBytes(std::string_view bytes);
+
 }  // namespace tavlen

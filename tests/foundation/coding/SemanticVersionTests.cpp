@@ -48,14 +48,12 @@ TEST(SemanticVersion, OtherTextsDoNotParse) {
 
 TEST(SemanticVersion, IsStoredAsOneText) {
   EXPECT_EQ(decodeJSON<SemanticVersion>("\"1.02-a\"").description(), "1.02-a");
-  for (const auto& [text, shown] :
-       {std::pair(std::string("1.x"), std::string("1.x")),
-        std::pair(std::string(1000, 'v'), std::string(200, 'v') + "…")}) {
+  for (const std::string& text : {std::string("1.x"), std::string(1000, 'v')}) {
     const auto error =
-        thrown<DecodingError>([&text = text] { decodeJSON<SemanticVersion>(encodeJSON(text)); });
+        thrown<DecodingError>([&] { decodeJSON<SemanticVersion>(encodeJSON(text)); });
     ASSERT_TRUE(error) << text;
     EXPECT_EQ(error->which(), DecodingError::Case::dataCorrupted);
-    EXPECT_EQ(error->text(), "Invalid version: \"" + shown + "\"");
+    EXPECT_EQ(error->text(), "Invalid version: \"" + text + "\"");
   }
 }
 

@@ -6,6 +6,7 @@
 
 #include "tavlen/foundation/errors/Placeholders.h"
 #include "tavlen/foundation/errors/detail/StringTable.h"
+#include "tavlen/foundation/plist/PropertyListSerialization.h"
 #include "tests/support/TableFile.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/Threads.h"
@@ -80,6 +81,18 @@ TEST_F(MainBundleTest, WhatCannotBeReadLeavesTheEnglish) {
   EXPECT_EQ(lookUp(), "English") << "cut";
   addTable("en.lproj", std::string("\xFF\xFEk\0=\0'\0\xE9\0'\0;\0", 14));
   EXPECT_EQ(lookUp(), "é");
+  for (const PropertyListFormat form : {PropertyListFormat::xml, PropertyListFormat::binary}) {
+    const PropertyList list = readPropertyList(
+        "<plist><dict><key>k</key><string>\u00E9 "
+        "%@</string><key>other</key><true/></dict></plist>");
+    addTable("en.lproj", writePropertyList(list, form));
+    EXPECT_EQ(lookUp(), "\u00E9 %@");
+    EXPECT_EQ(MainBundle::localizedString({"other", "English"}), "English") << "not a text";
+  }
+  for (const char* list : {"<plist><array/></plist>", "<plist><dict>", "bplist00"}) {
+    addTable("en.lproj", list);
+    EXPECT_EQ(lookUp(), "English") << list;
+  }
   fs::create_directories(bundle_ / "en-GB.lproj" / "Localizable.strings");
   EXPECT_EQ(lookUp(), "English");
   MainBundle::setURL(bundle_ / "missing");

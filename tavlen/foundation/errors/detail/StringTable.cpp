@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <utility>
 
+#include "tavlen/foundation/plist/PropertyListSerialization.h"
+#include "tavlen/foundation/plist/SharedReferenceBudget.h"
 #include "tavlen/foundation/text/Characters.h"
 #include "tavlen/foundation/text/Unicode.h"
 
@@ -12,6 +14,8 @@ namespace tavlen {
 namespace {
 
 constexpr char16_t kReplacement = 0xFFFD;
+/// The memory of an entry, without its texts.
+constexpr std::size_t kEntryBytes = 112;
 
 /// The upper half of the NextStep encoding. Its last two bytes are unassigned.
 constexpr std::array<char16_t, 128> kNextStep = {
@@ -191,6 +195,30 @@ std::uint32_t Scanner::takeDigits(std::uint32_t base, std::size_t most) {
 }
 
 }  // namespace
+
+std::optional<StringTable> StringTable::read(std::string_view bytes) {
+  if (!propertyListFormatOf(bytes)) {
+    const std::optional<std::string> text = textFromBytes(bytes);
+    return text ? parse(*text) : std::nullopt;
+  }
+  try {
+    const PropertyList list = readPropertyList(bytes);
+    const auto dictionary = list.get<PropertyList::Dictionary>(list.root());
+    if (!dictionary) return std::nullopt;
+    SharedReferenceBudget budget(list);
+    StringTable table;
+    for (const auto& [key, value] : dictionary->members) {
+      const auto text = list.get<std::string_view>(value);
+      if (!text) continue;
+      budget.chargeBytes(kEntryBytes);
+      table.entries_.insert_or_assign(std::string(budget.chargedText(list.string(key))),
+                                      std::string(budget.chargedText(*text)));
+    }
+    return table;
+  } catch (const DecodingError&) {
+    return std::nullopt;
+  }
+}
 
 std::optional<StringTable> StringTable::parse(std::string_view text) {
   StringTable table;

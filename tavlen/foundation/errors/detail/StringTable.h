@@ -7,14 +7,19 @@
 
 namespace tavlen {
 
-/// A table of translations in the form of a `.strings` file: `"key" = "value";` and comments.
-///
-/// Only the old-style text form. A table compiled to an XML or binary property list does not parse.
+/// A table of translations: the contents of a `.strings` file.
 class StringTable {
  public:
-  /// Parses the text of a file: UTF-8 without a byte order mark (see readText()). Of equal keys the
-  /// last wins; `"key";` alone has the key as its value. Returns nothing for a text that is
-  /// malformed anywhere, because the platform then ignores the whole table.
+  /// Reads a file in any of its forms: the text form, or the property list, binary or XML, that the
+  /// table of a built app is. Values of a list that are not strings are left out. Returns nothing
+  /// for a malformed file, and for a list whose root is not a dictionary or that repeats long texts
+  /// beyond SharedReferenceBudget.
+  static std::optional<StringTable> read(std::string_view bytes);
+
+  /// Parses the text form, `"key" = "value";` and comments: UTF-8 without a byte order mark (see
+  /// textFromBytes()). Of equal keys the last wins; `"key";` alone has the key as its value.
+  /// Returns nothing for a text that is malformed anywhere, because the platform then ignores the
+  /// whole table.
   ///
   /// Escapes are those of old-style property lists: `\UXXXX` is a UTF-16 unit, octal escapes use
   /// the NextStep encoding. A lone surrogate becomes U+FFFD. Memory and time are linear in the

@@ -53,11 +53,11 @@ std::optional<NumberParts> split(std::string_view token) {
 }
 
 [[noreturn]] void failMalformed(std::string_view token) {
-  throw DecodingError::dataCorrupted("malformed number " + abbreviated(token));
+  throw DecodingError::dataCorrupted("malformed number " + std::string(token));
 }
 
 [[noreturn]] void failRange(std::string_view token, std::string_view type) {
-  throw DecodingError::dataCorrupted("number " + abbreviated(token) + " does not fit " +
+  throw DecodingError::dataCorrupted("number " + std::string(token) + " does not fit " +
                                      std::string(type));
 }
 

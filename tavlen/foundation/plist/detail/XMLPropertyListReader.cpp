@@ -145,7 +145,7 @@ class Reader {
     } else if (scalar_ == "date") {
       value = dateFromXML(text_);
     } else {
-      fail("unknown element <" + abbreviated(scalar_) + ">");
+      fail("unknown element <" + scalar_ + ">");
     }
     if (!value) fail("malformed <" + scalar_ + ">");
     addValue(*value);

@@ -1,23 +1,17 @@
 #include "tavlen/foundation/plist/detail/XMLPropertyListScalars.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
-#include <chrono>
 #include <cmath>
 #include <limits>
 
+#include "tavlen/foundation/coding/DateTime.h"
 #include "tavlen/foundation/text/Characters.h"
 #include "tavlen/foundation/text/NumberText.h"
 
 namespace tavlen {
 
 namespace {
-
-using std::chrono::days;
-using std::chrono::seconds;
-using std::chrono::sys_days;
-using std::chrono::year_month_day;
 
 std::string_view withoutLeadingBlanks(std::string_view text) {
   const std::size_t start = text.find_first_not_of(" \t\r\n");
@@ -60,11 +54,6 @@ std::optional<double> decimalNumber(std::string_view text) {
   return error == std::errc() ? std::optional(value) : std::nullopt;
 }
 
-void appendDigits(std::string& out, unsigned value, std::size_t width) {
-  const std::string digits = std::to_string(value);
-  out.append(width - digits.size(), '0').append(digits);
-}
-
 }  // namespace
 
 std::optional<XMLInteger> integerFromXML(std::string_view text) {
@@ -105,49 +94,13 @@ std::string xmlFromReal(double value) {
 }
 
 std::optional<Date> dateFromXML(std::string_view text) {
-  constexpr std::string_view kPattern = "0000-00-00T00:00:00Z";
-  if (text.size() != kPattern.size()) return std::nullopt;
-  std::array<unsigned, 6> fields{};
-  std::size_t field = 0;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    if (kPattern[i] != '0') {
-      if (text[i] != kPattern[i]) return std::nullopt;
-      ++field;
-    } else if (isDigit(text[i])) {
-      fields[field] = fields[field] * 10 + static_cast<unsigned>(text[i] - '0');
-    } else {
-      return std::nullopt;
-    }
-  }
-  const auto [year, month, day, hour, minute, second] = fields;
-  const year_month_day date{std::chrono::year(static_cast<int>(year)), std::chrono::month(month),
-                            std::chrono::day(day)};
-  if (!date.ok() || hour > 23 || minute > 59 || second > 59) return std::nullopt;
-  const seconds time = sys_days(date).time_since_epoch() + std::chrono::hours(hour) +
-                       std::chrono::minutes(minute) + seconds(second);
-  return Date::since1970(static_cast<double>(time.count()));
+  const std::optional<Date> date = takeDateTime(text);
+  return text == "Z" ? date : std::nullopt;
 }
 
 std::optional<std::string> xmlFromDate(Date date) {
-  const double since1970 = std::floor(date.secondsSince1970());
-  constexpr double kYear0 = -62167219200;
-  constexpr double kYear10000 = 253402300800;
-  if (!(since1970 >= kYear0 && since1970 < kYear10000)) return std::nullopt;
-  const seconds time(static_cast<std::int64_t>(since1970));
-  const auto midnight = std::chrono::floor<days>(time);
-  const year_month_day day{sys_days(midnight)};
-  const std::chrono::hh_mm_ss clock(time - midnight);
-  std::string text;
-  const auto append = [&](auto value, std::size_t width, char end) {
-    appendDigits(text, static_cast<unsigned>(value), width);
-    text += end;
-  };
-  append(static_cast<int>(day.year()), 4, '-');
-  append(static_cast<unsigned>(day.month()), 2, '-');
-  append(static_cast<unsigned>(day.day()), 2, 'T');
-  append(clock.hours().count(), 2, ':');
-  append(clock.minutes().count(), 2, ':');
-  append(clock.seconds().count(), 2, 'Z');
+  std::optional<std::string> text = dateTimeText(date);
+  if (text) *text += 'Z';
   return text;
 }
 

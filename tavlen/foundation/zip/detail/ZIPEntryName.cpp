@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "tavlen/foundation/base/LittleEndian.h"
+#include "tavlen/foundation/text/Characters.h"
 #include "tavlen/foundation/text/Unicode.h"
 #include "tavlen/foundation/zip/ZIPError.h"
 
@@ -55,8 +56,7 @@ void validateComponent(std::string_view component, std::string_view name) {
 }
 
 bool isDriveName(std::string_view name) {
-  if (name.size() < 2 || name[1] != ':') return false;
-  return (name[0] >= 'A' && name[0] <= 'Z') || (name[0] >= 'a' && name[0] <= 'z');
+  return name.size() > 1 && isLetter(name[0]) && name[1] == ':';
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include "cli/commands/Commands.h"
 #include "cli/work/ErrorReport.h"
 #include "cli/work/ProgramFolders.h"
+#include "cli/work/StoreLock.h"
 #include "tavlen/foundation/errors/MainBundle.h"
 #include "tavlen/foundation/text/Log.h"
 
@@ -52,6 +53,7 @@ int run(int argc, char** argv) {
   tavlen::cli::Command command = commandLine.command();
   std::string root;
   tavlen::cli::addRootOption(command, root);
+  tavlen::cli::addLockTimeoutOption(command);
   bool isVerbose = false;
   command.flag("--verbose", isVerbose, "Show the library's log messages");
   addCommands(command);
@@ -60,6 +62,7 @@ int run(int argc, char** argv) {
   tavlen::cli::useRoot(root);
   tavlen::setLogSink(isVerbose ? tavlen::LogSink(tavlen::logToStandardError)
                                : [](std::string_view /*message*/) {});
+  tavlen::cli::StoreLock::requireForEdits();
   return commandLine.run();
 }
 

@@ -19,6 +19,7 @@ constexpr const char* kVariable = "TAVLEN_ROOT";
 void addRootOption(Command app, std::string& root) {
   app.text("--root", root, "The folder that represents the device's /")
       .environmentVariable(kVariable)
+      .notEmpty()
       .typeName("DIR");
 }
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "tavlen/collections/TweakCollection.h"
-#include "tavlen/device/DeviceRoot.h"
+#include "tavlen/device/DeviceFiles.h"
 #include "tavlen/foundation/coding/CodingError.h"
 #include "tavlen/foundation/tasks/NotificationCenter.h"
 #include "tavlen/items/TweakDiffNotifications.h"
@@ -80,6 +80,17 @@ TweakFile::Opened openedTweak(const std::string& text) {
 }
 
 std::shared_ptr<TweakFile> storedTweak(const std::string& text) { return openedTweak(text).file; }
+
+std::filesystem::path folderOfItem(const std::string& text) {
+  fs::path store = TweaksDirectory::url();
+  const bool isPath = isItemPath(text);
+  if (!isPath && !isStored(text)) return store;
+  try {
+    return canonical(DeviceRoot::shared(), isPath ? fs::path(text) : store / text).parent_path();
+  } catch (const std::system_error&) {
+    return store;
+  }
+}
 
 std::string kindOf(const TweakProtocol& item) {
   return dynamic_cast<const TweakFile*>(&item) != nullptr ? "tweak" : "collection";

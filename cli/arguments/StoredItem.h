@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <memory>
 #include <string>
 
@@ -28,6 +29,10 @@ TweakFile::Opened openedTweak(const std::string& text);
 
 /// As openedTweak(), for commands that do not need the manifest.
 std::shared_ptr<TweakFile> storedTweak(const std::string& text);
+
+/// The folder that contains the item that openedItem() would open for `text`, without links; the
+/// store for a name, and for what does not exist. Opens no document.
+std::filesystem::path folderOfItem(const std::string& text);
 
 /// "tweak" or "collection".
 std::string kindOf(const TweakProtocol& item);

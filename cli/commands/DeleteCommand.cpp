@@ -8,6 +8,7 @@
 #include "cli/commands/Commands.h"
 #include "cli/terminal/Console.h"
 #include "cli/work/ActiveTweak.h"
+#include "cli/work/StoreLock.h"
 #include "tavlen/items/TweaksDirectory.h"
 
 namespace tavlen::cli {
@@ -37,6 +38,8 @@ int deleteItem(const std::string& name) {
   if (isInstalled && isActiveTweak(bundleID, item->id())) {
     printWarning(name + ": could not be uninstalled from " + bundleID);
   }
+  // Not before: uninstalling runs the file-operations helper.
+  const StoreLock lock(name);
   item->remove();
   announce(*item, GenericTweakDiffMode::delete_);
   return 0;

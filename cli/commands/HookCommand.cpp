@@ -1,7 +1,6 @@
 #include <algorithm>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -14,9 +13,9 @@
 #include "cli/terminal/Console.h"
 #include "cli/terminal/TextTable.h"
 #include "cli/work/ClassDump.h"
+#include "cli/work/StoreLock.h"
 #include "tavlen/foundation/json/JSONEncoder.h"
 #include "tavlen/foundation/objc/MethodTypes.h"
-#include "tavlen/items/TweakPoster.h"
 #include "tavlen/tweaks/Manifest.h"
 
 namespace tavlen::cli {
@@ -78,12 +77,12 @@ Hook newHook(const Options& options) {
 }
 
 void addHook(const Options& options) {
-  TweakFile::Opened tweak = openedTweak(options.tweak);
+  // A wrong name is reported before the image is read, which takes long: without the lock.
+  if (options.method) openedTweak(options.tweak);
   const Hook plain = newHook(options);
+  const StoreLock lock(options.tweak);
+  TweakFile::Opened tweak = openedTweak(options.tweak);
   withPlace(options.tweak + ": " + methodText(plain.identity()), [&] {
-    const std::lock_guard lock(tweakPoster().recursiveLock);
-    // Read the manifest again: the tweak may have been edited while the image was being read.
-    if (options.method) tweak.manifest = tweak.file->manifest();
     requireFree(tweak.manifest, plain.identity());
     Hook hook = plain;
     hook.customName = options.name;
@@ -105,7 +104,6 @@ void applyTo(Hook& hook, const Options& options) {
 }
 
 void setHook(const Options& options) {
-  const std::lock_guard lock(tweakPoster().recursiveLock);
   TweakFile::Opened tweak = openedTweak(options.tweak);
   Hook changed;
   withPlace(options.tweak + ": " + options.hook, [&] {
@@ -120,7 +118,6 @@ void setHook(const Options& options) {
 }
 
 void removeHook(const Options& options) {
-  const std::lock_guard lock(tweakPoster().recursiveLock);
   TweakFile::Opened tweak = openedTweak(options.tweak);
   withPlace(options.tweak + ": " + options.hook,
             [&] { hookArgument(std::move(tweak), options.hook).deleteHook(); });
@@ -196,7 +193,7 @@ void addRemove(Command group) {
   const auto options = std::make_shared<Options>();
   Command command = addTo(group, "remove", "Remove a hook and its parameters", options);
   addHookArgument(command, options->hook);
-  command.run(actionOf(options, removeHook));
+  runEdit(command, options->tweak, actionOf(options, removeHook));
 }
 
 void addList(Command group) {
@@ -223,7 +220,7 @@ void addSet(Command group) {
   const Option name =
       changes.text("--name", options->name, "A name to show").notEmpty().typeName("NAME");
   changes.flag("--no-name", options->hasNoName, "Show no name").excludes(name);
-  command.run(actionOf(options, setHook));
+  runEdit(command, options->tweak, actionOf(options, setHook));
 }
 
 }  // namespace

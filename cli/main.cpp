@@ -1,3 +1,4 @@
+#include <csignal>
 #include <exception>
 #include <optional>
 #include <string>
@@ -46,6 +47,13 @@ void addCommands(tavlen::cli::Command command) {
   tavlen::cli::addTypeCommand(command);
 }
 
+/// Undoes what the parent process may have left ignored: with SIGCHLD, no child can be waited for;
+/// with SIGPIPE, a closed pipe would be an error message. Other ignored signals stay ignored, as
+/// nohup wants it.
+void useDefaultSignals() {
+  for (const int signal : {SIGCHLD, SIGPIPE}) std::signal(signal, SIG_DFL);
+}
+
 int run(int argc, char** argv) {
   tavlen::cli::CommandLine commandLine(
       "tavlen", "Makes, builds and installs app tweaks, and looks at the apps of a device.",
@@ -69,6 +77,7 @@ int run(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  useDefaultSignals();
   try {
     return run(argc, argv);
   } catch (const std::exception& error) {

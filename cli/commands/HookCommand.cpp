@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -14,8 +13,8 @@
 #include "cli/terminal/TextTable.h"
 #include "cli/work/ClassDump.h"
 #include "cli/work/StoreLock.h"
+#include "cli/work/TweakCheck.h"
 #include "tavlen/foundation/json/JSONEncoder.h"
-#include "tavlen/foundation/objc/MethodTypes.h"
 #include "tavlen/tweaks/Manifest.h"
 
 namespace tavlen::cli {
@@ -37,23 +36,17 @@ struct Options {
   bool json = false;
 };
 
-/// Warns of a signature that does not match its selector: it is probably mistyped. The library
-/// stores any signature.
 void warnOfSignature(const Hook& hook) {
-  const auto types = splitMethodTypes(hook.signature);
-  const auto colons = std::count(hook.selector.begin(), hook.selector.end(), ':');
-  const auto expected = static_cast<std::size_t>(colons) + 2;  // with the receiver, the selector
-  if (!types || types->arguments.size() != expected) {
-    printWarning("the signature \"" + hook.signature + "\" does not fit the selector \"" +
-                 hook.selector + "\"");
-  }
+  if (const auto problem = signatureProblem(hook)) printWarning("the signature " + *problem);
 }
 
+/// Throws if the tweak already has a hook of that method, and names that hook.
 void requireFree(const TweakFile::Manifest& manifest, const MethodIdentity& identity) {
-  const bool isTaken =
-      std::any_of(manifest._hooks.begin(), manifest._hooks.end(),
-                  [&](const auto& hook) { return hook && hook->identity() == identity; });
-  if (isTaken) throw std::runtime_error("the tweak already hooks that method");
+  for (const auto& hook : manifest._hooks) {
+    if (!hook || hook->identity() != identity) continue;
+    throw std::runtime_error("the tweak already hooks " + methodText(identity) +
+                             (hook->customName ? ", as \"" + *hook->customName + "\"" : ""));
+  }
 }
 
 std::string methodProblem(const std::string& text) {

@@ -1,9 +1,12 @@
 #include "cli/terminal/EditedText.h"
 
+#include <unistd.h>
+
 #include <array>
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
+#include <optional>
 #include <stdexcept>
 #include <system_error>
 
@@ -15,13 +18,16 @@ namespace tavlen::cli {
 
 namespace {
 
-std::string editor() {
+/// The user's editor; nothing if none is set.
+std::optional<std::string> chosenEditor() {
   for (const char* variable : {"VISUAL", "EDITOR"}) {
     const char* value = std::getenv(variable);  // NOLINT(concurrency-mt-unsafe)
     if (value != nullptr && *value != '\0') return value;
   }
-  return "vi";
+  return std::nullopt;
 }
+
+bool hasTerminal() { return ::isatty(STDIN_FILENO) != 0 && ::isatty(STDOUT_FILENO) != 0; }
 
 /// Ignores keyboard signals during its lifetime (RAII): Ctrl-C in the editor is meant for the
 /// editor.
@@ -72,15 +78,25 @@ EditedText::~EditedText() {
 void EditedText::edit() const {
   // Run a shell, because the variables may contain options. Pass the file as an argument rather
   // than in the command text, so that it needs no quoting.
-  const std::string program = editor();
-  Process process("/bin/sh", {"sh", "-c", program + " \"$@\"", program, file_.string()});
+  const std::optional<std::string> chosen = chosenEditor();
+  const bool isShown = hasTerminal();
+  if (!chosen && !isShown) {
+    throw std::runtime_error(
+        "there is no terminal for an editor, and neither VISUAL nor EDITOR names one that needs "
+        "none");
+  }
+  const std::string program = chosen.value_or("vi");
+  // Without a terminal, an editor that needs one would wait for input that never comes.
+  const std::string command = program + " \"$@\"" + (isShown ? "" : " </dev/null");
+  Process process("/bin/sh", {"sh", "-c", command, program, file_.string()});
   try {
     process.launch();
     // Only after starting the editor, which must not inherit the ignored signals.
     const KeyboardSignals ignored;
     process.waitUntilExit();
   } catch (const Process::Error& error) {
-    throw std::runtime_error(program + ": " + error.description());
+    throw std::runtime_error(program + ": " + error.description() +
+                             (isShown ? "" : " (there is no terminal)"));
   }
 }
 

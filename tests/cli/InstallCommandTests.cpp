@@ -62,6 +62,15 @@ TEST_F(InstallCommandTest, InstallsAndUninstalls) {
   EXPECT_EQ(run("uninstall T --app x").status, 2);
 }
 
+TEST_F(InstallCommandTest, SignalsThatTheParentIgnoresChangeNothing) {
+  newTweak("T");
+  EXPECT_EQ(shell("env --ignore-signal=CHLD \"$tavlen\" install T").err, kNoDevice);
+  const Result closed =
+      shell("trap '' PIPE; (sleep .2; \"$tavlen\" list; echo $? >status) | true; cat status");
+  EXPECT_EQ(closed.err, "");
+  EXPECT_EQ(closed.out, std::to_string(128 + SIGPIPE) + "\n");
+}
+
 TEST_F(InstallCommandTest, AFailureIsShownAtItsPlace) {
   const std::string good = newTweak("good");
   const std::string bad = newTweak("bad");

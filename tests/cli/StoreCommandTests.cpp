@@ -188,6 +188,9 @@ TEST_F(CommandStoreTest, AScriptIsStoredWholeOrNotAtAll) {
   setInput("new");
   EXPECT_EQ(run("script set T -").err, "");
   EXPECT_EQ(run("script show T").out, contents("new"));
+  EXPECT_EQ(shell("printf 'piped();' | \"$tavlen\" script set T /dev/stdin").err, "");
+  EXPECT_EQ(run("script show T").out, "piped();");
+  EXPECT_EQ(run("script set T -").err, "");
   write("bad", "\xFFx");
   setInput("bad");
   expectRefused("script set T", {{"bad", 1, "bad: is not UTF-8\n"},
@@ -212,7 +215,7 @@ TEST_F(CommandStoreTest, AnEditedScriptIsNeverLost) {
       {"sed -i s/old/new/", "new", "", false},
       {"f() { rm \"$1\"; printf new >\"$1\"; }; f", "new", "", false},
       {"true", "old", "tavlen: the script is unchanged\n", false},
-      {"false", "old", "tavlen: error: false: terminated(1)\n", false},
+      {"false", "old", "tavlen: error: false: terminated(1) (there is no terminal)\n", false},
       {"f() { printf new >\"$1\"; exit 3; }; f", "old", "tavlen: error: ", true},
       {"f() { printf '\\377' >\"$1\"; }; f", "old", "tavlen: error: ", true},
       {"f() { printf new >\"$1\"; printf other >'" + (folder() / script).string() + "'; }; f",
@@ -239,6 +242,8 @@ TEST_F(CommandStoreTest, AnEditedScriptIsNeverLost) {
     }
     EXPECT_EQ(leavings, row.isKept ? 1U : 0U) << row.editor;
   }
+  environment();
+  EXPECT_THAT(run("script edit T").err, StartsWith(kError + "there is no terminal for an editor"));
   environment({"VISUAL=sed -i s/old/visual/", "EDITOR=false"});
   write(script, "old");
   EXPECT_EQ(run("script edit T").status, 0);

@@ -3,7 +3,6 @@
 #include <unistd.h>
 
 #include <array>
-#include <cerrno>
 #include <csignal>
 #include <cstdlib>
 #include <optional>
@@ -13,6 +12,7 @@
 #include "tavlen/device/Process.h"
 #include "tavlen/foundation/files/FileReplacement.h"
 #include "tavlen/foundation/files/FileSystem.h"
+#include "tavlen/foundation/files/TemporaryDirectory.h"
 
 namespace tavlen::cli {
 
@@ -56,11 +56,9 @@ class KeyboardSignals {
 }  // namespace
 
 EditedText::EditedText(const std::string& name, std::string_view text) {
-  std::string folder = (std::filesystem::temp_directory_path() / "tavlen-XXXXXX").string();
-  if (::mkdtemp(folder.data()) == nullptr) {
-    throw std::system_error(errno, std::generic_category(), folder);
-  }
-  file_ = std::filesystem::path(folder) / name;
+  const std::filesystem::path folder =
+      makeUniqueFolder(std::filesystem::temp_directory_path(), "tavlen-");
+  file_ = folder / name;
   try {
     replaceFile(file_, text);
   } catch (...) {

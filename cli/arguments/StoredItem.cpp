@@ -81,6 +81,11 @@ TweakFile::Opened openedTweak(const std::string& text) {
 
 std::shared_ptr<TweakFile> storedTweak(const std::string& text) { return openedTweak(text).file; }
 
+std::optional<BrokenItem> brokenItem(const std::string& text) {
+  if (isItemPath(text)) return std::nullopt;
+  return TweakManager::brokenWithID(text);
+}
+
 std::filesystem::path folderOfItem(const std::string& text) {
   fs::path store = TweaksDirectory::url();
   const bool isPath = isItemPath(text);

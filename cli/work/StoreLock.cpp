@@ -42,7 +42,7 @@ bool isHeldElsewhere(const FileDescriptor& folder, const fs::path& shown) {
 
 /// Tries again and again: a call that waits could not be given up.
 void lock(const FileDescriptor& folder, const fs::path& shown) {
-  constexpr std::chrono::milliseconds kLongestPause(50);
+  constexpr std::chrono::milliseconds kLongestPause(10);
   constexpr std::chrono::seconds kSilence(1);
   const Clock::time_point start = Clock::now();
   bool isTold = false;

@@ -51,7 +51,7 @@ void addCommands(tavlen::cli::Command command) {
 /// with SIGPIPE, a closed pipe would be an error message. Other ignored signals stay ignored, as
 /// nohup wants it.
 void useDefaultSignals() {
-  for (const int signal : {SIGCHLD, SIGPIPE}) std::signal(signal, SIG_DFL);
+  for (const int signal : {SIGCHLD, SIGPIPE}) (void)std::signal(signal, SIG_DFL);
 }
 
 int run(int argc, char** argv) {

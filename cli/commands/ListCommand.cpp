@@ -126,7 +126,7 @@ int list(bool json) {
     const std::size_t others = entries - rows.size();
     printWarning(std::to_string(others) + (others == 1 ? " entry" : " entries") + " of " +
                  TweaksDirectory::url().string() + " " +
-                 (others == 1 ? "is no item and is" : "are no items and are") + " left out");
+                 (others == 1 ? "is not an item and is" : "are not items and are") + " left out");
   }
   return 0;
 }

@@ -80,8 +80,7 @@ void EditedText::edit() const {
   const bool isShown = hasTerminal();
   if (!chosen && !isShown) {
     throw std::runtime_error(
-        "there is no terminal for an editor, and neither VISUAL nor EDITOR names one that needs "
-        "none");
+        "there is no terminal for an editor; set EDITOR to a program that needs none");
   }
   const std::string program = chosen.value_or("vi");
   // Without a terminal, an editor that needs one would wait for input that never comes.

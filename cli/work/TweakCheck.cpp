@@ -19,7 +19,7 @@ std::size_t colonsOf(const Hook& hook) {
   return static_cast<std::size_t>(std::count(hook.selector.begin(), hook.selector.end(), ':'));
 }
 
-/// The types in the hook's signature; nothing if it is no method's.
+/// The types in the hook's signature; nothing if it is malformed.
 std::optional<MethodTypes> methodTypes(const Hook& hook) {
   std::optional<MethodTypes> types = splitMethodTypes(hook.signature);
   if (types && types->arguments.size() < 2) types.reset();

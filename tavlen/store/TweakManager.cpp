@@ -193,6 +193,13 @@ void visitDocuments(const Visit& visit) {
   visitDocuments(visit, [](const std::string& /*id*/) {});
 }
 
+/// A visitor that appends the items to `items`.
+auto listInto(std::vector<ListedItem>& items) {
+  return [&items](const Kind& kind, fs::path url, std::string_view document) {
+    items.push_back(kind.listed(std::move(url), document));
+  };
+}
+
 /// The settings in the document of a broken item, if they are intact.
 std::optional<TweakConfiguration> settingsOf(const Kind& kind, std::string_view id) {
   try {
@@ -229,21 +236,15 @@ std::vector<std::shared_ptr<TweakProtocol>> TweakManager::allTweaks() {
 
 std::vector<ListedItem> TweakManager::listedTweaks() {
   std::vector<ListedItem> items;
-  visitDocuments([&](const Kind& kind, fs::path url, std::string_view document) {
-    items.push_back(kind.listed(std::move(url), document));
-  });
+  visitDocuments(listInto(items));
   return items;
 }
 
 std::vector<ListedItem> TweakManager::listedTweaks(std::vector<BrokenItem>& broken) {
   std::vector<ListedItem> items;
-  visitDocuments(
-      [&](const Kind& kind, fs::path url, std::string_view document) {
-        items.push_back(kind.listed(std::move(url), document));
-      },
-      [&](const std::string& id) {
-        if (std::optional<BrokenItem> item = brokenWithID(id)) broken.push_back(std::move(*item));
-      });
+  visitDocuments(listInto(items), [&](const std::string& id) {
+    if (std::optional<BrokenItem> item = brokenWithID(id)) broken.push_back(std::move(*item));
+  });
   return items;
 }
 

@@ -34,7 +34,7 @@ TEST_F(CommandStoreTest, NewMakesATweakOrSaysWhatIsWrong) {
       << "what is refused makes nothing";
 }
 
-TEST_F(CommandStoreTest, ListSortsItemsAndCountsWhatIsNone) {
+TEST_F(CommandStoreTest, ListSortsItemsAndCountsOtherEntries) {
   const std::string alpha = newTweak("alpha");
   const std::string beta = newTweak("Beta", "com.gone");
   writeCollection("C", R"(a\u001b collection)", "");
@@ -54,7 +54,7 @@ TEST_F(CommandStoreTest, ListSortsItemsAndCountsWhatIsNone) {
   write(stored("note"), "");
   const Result some = run("list");
   EXPECT_EQ(some.out, all.out);
-  EXPECT_THAT(some.err, EndsWith("/Tweaks are no items and are left out\n"));
+  EXPECT_THAT(some.err, EndsWith("/Tweaks are not items and are left out\n"));
   fs::remove_all(folder() / stored(""));
   write(stored("").substr(0, stored("").size() - 1), "");
   EXPECT_THAT(run("list").err, EndsWith("/Tweaks: Not a directory\n"));

@@ -1,3 +1,4 @@
+#include <csignal>
 #include <exception>
 #include <optional>
 #include <string>
@@ -7,6 +8,7 @@
 #include "cli/commands/Commands.h"
 #include "cli/work/ErrorReport.h"
 #include "cli/work/ProgramFolders.h"
+#include "cli/work/StoreLock.h"
 #include "tavlen/foundation/errors/MainBundle.h"
 #include "tavlen/foundation/text/Log.h"
 
@@ -45,6 +47,13 @@ void addCommands(tavlen::cli::Command command) {
   tavlen::cli::addTypeCommand(command);
 }
 
+/// Undoes what the parent process may have left ignored: with SIGCHLD, no child can be waited for;
+/// with SIGPIPE, a closed pipe would be an error message. Other ignored signals stay ignored, as
+/// nohup wants it.
+void useDefaultSignals() {
+  for (const int signal : {SIGCHLD, SIGPIPE}) (void)std::signal(signal, SIG_DFL);
+}
+
 int run(int argc, char** argv) {
   tavlen::cli::CommandLine commandLine(
       "tavlen", "Makes, builds and installs app tweaks, and looks at the apps of a device.",
@@ -52,6 +61,7 @@ int run(int argc, char** argv) {
   tavlen::cli::Command command = commandLine.command();
   std::string root;
   tavlen::cli::addRootOption(command, root);
+  tavlen::cli::addLockTimeoutOption(command);
   bool isVerbose = false;
   command.flag("--verbose", isVerbose, "Show the library's log messages");
   addCommands(command);
@@ -60,12 +70,14 @@ int run(int argc, char** argv) {
   tavlen::cli::useRoot(root);
   tavlen::setLogSink(isVerbose ? tavlen::LogSink(tavlen::logToStandardError)
                                : [](std::string_view /*message*/) {});
+  tavlen::cli::StoreLock::requireForEdits();
   return commandLine.run();
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
+  useDefaultSignals();
   try {
     return run(argc, argv);
   } catch (const std::exception& error) {

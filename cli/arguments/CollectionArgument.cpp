@@ -1,25 +1,12 @@
 #include "cli/arguments/CollectionArgument.h"
 
-#include <exception>
+#include <set>
 #include <stdexcept>
 
 #include "cli/arguments/StoredItem.h"
 #include "tavlen/collections/TweakCollectionManifest.h"
-#include "tavlen/store/TweakManager.h"
 
 namespace tavlen::cli {
-
-namespace {
-
-bool isTweak(const std::string& id) {
-  try {
-    return std::dynamic_pointer_cast<TweakFile>(TweakManager::tweakWithID(id)) != nullptr;
-  } catch (const std::exception&) {
-    return false;
-  }
-}
-
-}  // namespace
 
 TweakCollection::Opened openedCollection(const std::string& text) {
   OpenedItem item = openedItem(text);
@@ -27,10 +14,13 @@ TweakCollection::Opened openedCollection(const std::string& text) {
   throw std::runtime_error(text + ": is a tweak, not a collection");
 }
 
-std::vector<std::string> missingMembers(const TweakCollection::Manifest& manifest) {
+std::vector<std::string> missingMembers(const TweakCollection::Manifest& manifest,
+                                        const std::vector<TweakFile::Opened>& opened) {
+  std::set<std::string> known;
+  for (const TweakFile::Opened& tweak : opened) known.insert(tweak.file->id());
   std::vector<std::string> missing;
   for (const std::string& id : manifest._tweaks) {
-    if (!isTweak(id)) missing.push_back(id);
+    if (known.insert(id).second) missing.push_back(id);
   }
   return missing;
 }

@@ -15,7 +15,8 @@ inline constexpr const char* kCollectionHelp =
 /// As openedItem(), but also throws std::runtime_error for a tweak.
 TweakCollection::Opened openedCollection(const std::string& text);
 
-/// The identifiers of members that cannot be opened as tweaks.
-std::vector<std::string> missingMembers(const TweakCollection::Manifest& manifest);
+/// The identifiers of members that are not among `opened`, the tweaks that could be opened.
+std::vector<std::string> missingMembers(const TweakCollection::Manifest& manifest,
+                                        const std::vector<TweakFile::Opened>& opened);
 
 }  // namespace tavlen::cli

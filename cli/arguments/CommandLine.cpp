@@ -136,6 +136,11 @@ Option Command::number(const char* name, std::optional<std::uint32_t>& value,
   return Option(*app_->add_option(name, value, help));
 }
 
+Option Command::number(const char* name, const std::function<void(std::uint32_t)>& store,
+                       const std::string& help) {
+  return Option(*app_->add_option_function<std::uint32_t>(name, store, help));
+}
+
 Option Command::texts(const char* name, std::vector<std::string>& values, const std::string& help) {
   constexpr int kEndless = CLI::detail::expected_max_vector_size;
   // If an option may have more values than it expects, the parser reads "[4i]" as a list of one

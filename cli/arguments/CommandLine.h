@@ -94,6 +94,9 @@ class Command {
               const std::string& help);
   /// Adds an option with a whole number from 0 to 2^32 - 1.
   Option number(const char* name, std::optional<std::uint32_t>& value, const std::string& help);
+  /// Adds an option whose whole number from 0 to 2^32 - 1 is passed to `store`.
+  Option number(const char* name, const std::function<void(std::uint32_t value)>& store,
+                const std::string& help);
   /// Adds one or more positional arguments, each stored unchanged, even if in square brackets.
   Option texts(const char* name, std::vector<std::string>& values, const std::string& help);
 

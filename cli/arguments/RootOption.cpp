@@ -17,8 +17,9 @@ constexpr const char* kVariable = "TAVLEN_ROOT";
 }  // namespace
 
 void addRootOption(Command app, std::string& root) {
-  app.text("--root", root, "The folder that represents the device's /")
+  app.text("--root", root, "The folder that represents the device's /; its programs are never run")
       .environmentVariable(kVariable)
+      .notEmpty()
       .typeName("DIR");
 }
 

@@ -8,7 +8,7 @@
 
 #include "cli/terminal/ShownText.h"
 #include "tavlen/collections/TweakCollection.h"
-#include "tavlen/device/DeviceRoot.h"
+#include "tavlen/device/DeviceFiles.h"
 #include "tavlen/foundation/coding/CodingError.h"
 #include "tavlen/foundation/tasks/NotificationCenter.h"
 #include "tavlen/items/TweakDiffNotifications.h"
@@ -81,6 +81,22 @@ TweakFile::Opened openedTweak(const std::string& text) {
 }
 
 std::shared_ptr<TweakFile> storedTweak(const std::string& text) { return openedTweak(text).file; }
+
+std::optional<BrokenItem> brokenItem(const std::string& text) {
+  if (isItemPath(text)) return std::nullopt;
+  return TweakManager::brokenWithID(text);
+}
+
+std::filesystem::path folderOfItem(const std::string& text) {
+  fs::path store = TweaksDirectory::url();
+  const bool isPath = isItemPath(text);
+  if (!isPath && !isStored(text)) return store;
+  try {
+    return canonical(DeviceRoot::shared(), isPath ? fs::path(text) : store / text).parent_path();
+  } catch (const std::system_error&) {
+    return store;
+  }
+}
 
 std::string kindOf(const TweakProtocol& item) {
   return dynamic_cast<const TweakFile*>(&item) != nullptr ? "tweak" : "collection";

@@ -1,8 +1,11 @@
 #pragma once
 
+#include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 
+#include "tavlen/store/BrokenItem.h"
 #include "tavlen/store/OpenedItem.h"
 
 namespace tavlen::cli {
@@ -28,6 +31,14 @@ TweakFile::Opened openedTweak(const std::string& text);
 
 /// As openedTweak(), for commands that do not need the manifest.
 std::shared_ptr<TweakFile> storedTweak(const std::string& text);
+
+/// The broken item whose identifier is `text`, after openedItem() has failed; nothing if `text` is
+/// something else.
+std::optional<BrokenItem> brokenItem(const std::string& text);
+
+/// The folder that contains the item that openedItem() would open for `text`, without links; the
+/// store for a name, and for what does not exist. Opens no document.
+std::filesystem::path folderOfItem(const std::string& text);
 
 /// "tweak" or "collection".
 std::string kindOf(const TweakProtocol& item);

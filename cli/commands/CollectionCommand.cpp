@@ -3,7 +3,6 @@
 #include <filesystem>
 #include <iterator>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -17,10 +16,10 @@
 #include "cli/terminal/Console.h"
 #include "cli/terminal/ShownText.h"
 #include "cli/terminal/TextTable.h"
+#include "cli/work/StoreLock.h"
 #include "tavlen/collections/TweakCollection.h"
 #include "tavlen/collections/TweakCollectionManifest.h"
 #include "tavlen/items/TweakError.h"
-#include "tavlen/items/TweakPoster.h"
 #include "tavlen/items/TweaksDirectory.h"
 #include "tavlen/store/TweakManager.h"
 #include "tavlen/tweaks/Manifest.h"
@@ -90,7 +89,6 @@ void removeMember(Manifest& manifest, const std::string& text) {
 
 /// Edits the collection once for all tweaks, so that a failure leaves it unchanged.
 int edit(const MemberOptions& options, void (*change)(Manifest&, const std::string&)) {
-  const std::lock_guard lock(tweakPoster().recursiveLock);
   auto [collection, manifest] = openedCollection(options.collection);
   for (const std::string& tweak : options.tweaks) change(manifest, tweak);
   collection->setManifest(manifest);
@@ -130,7 +128,7 @@ void addEdit(Command collection, const char* name, const char* description, cons
   const auto options = std::make_shared<MemberOptions>();
   command.text("COLLECTION", options->collection, kCollectionHelp).required().notEmpty();
   command.texts("TWEAK", options->tweaks, tweakHelp).notEmpty();
-  command.run([options, change] { return edit(*options, change); });
+  runEdit(command, options->collection, [options, change] { return edit(*options, change); });
 }
 
 void addList(Command collection) {

@@ -3,6 +3,9 @@
 #include "cli/arguments/CommandLine.h"
 
 /// The functions that add the subcommands to the command `app`. Each has its own source file.
+///
+/// A subcommand that edits stored items sets its action by runEdit() or prepareEdit(), or takes a
+/// StoreLock itself after the part that may take long.
 namespace tavlen::cli {
 
 /// Adds `source`.

@@ -1,10 +1,12 @@
+#include <array>
 #include <cerrno>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <system_error>
-#include <utility>
+#include <vector>
 
 #include "cli/arguments/CollectionArgument.h"
 #include "cli/arguments/StoredItem.h"
@@ -12,7 +14,11 @@
 #include "cli/terminal/Console.h"
 #include "cli/terminal/ProgressLine.h"
 #include "tavlen/collections/TweakCollectionManifest.h"
+#include "tavlen/device/DevicePaths.h"
+#include "tavlen/device/DeviceRoot.h"
 #include "tavlen/foundation/files/DiskSync.h"
+#include "tavlen/foundation/files/FileDescriptor.h"
+#include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/foundation/files/FileTree.h"
 #include "tavlen/foundation/files/TemporaryDirectory.h"
 #include "tavlen/foundation/text/EscapedText.h"
@@ -28,43 +34,62 @@ struct Options {
   std::string item;
   std::string output;
   bool force = false;
+  bool skipsMissing = false;
 };
 
-/// Deletes the library's temporary archive on destruction (RAII).
-class ExportedArchive {
+constexpr const char* kStandardOutput = "-";
+
+/// A temporary folder for the archive: next to the store, or in TMPDIR if that cannot be written
+/// (RAII).
+class WorkFolder {
  public:
-  explicit ExportedArchive(fs::path path) : path_(std::move(path)) {}
-  ExportedArchive(const ExportedArchive&) = delete;
-  ExportedArchive& operator=(const ExportedArchive&) = delete;
-  ~ExportedArchive() {
-    std::error_code ignored;
-    fs::remove_all(path_.parent_path(), ignored);
-    // Fails, as intended, if another process is using the folder.
-    fs::remove(path_.parent_path().parent_path(), ignored);
+  WorkFolder() {
+    try {
+      nextToStore_.emplace(DeviceRoot::shared().resolve(kApplicationSupportDir));
+    } catch (const std::system_error&) {
+      elsewhere_ = makeUniqueFolder(fs::temp_directory_path(), "tavlen-");
+    }
+  }
+  WorkFolder(const WorkFolder&) = delete;
+  WorkFolder& operator=(const WorkFolder&) = delete;
+  ~WorkFolder() {
+    if (!elsewhere_.empty()) removeQuietly(elsewhere_);
   }
 
-  const fs::path& path() const { return path_; }
+  const fs::path& path() const { return nextToStore_ ? nextToStore_->path() : elsewhere_; }
 
  private:
-  fs::path path_;
+  std::optional<TemporaryDirectory> nextToStore_;
+  fs::path elsewhere_;
 };
 
-/// The archive contains the collection's document unchanged, which refers to missing members, too.
-void warnOfMissingMembers(const OpenedItem& item) {
-  if (item.collection() == nullptr) return;
-  for (const std::string& id : missingMembers(item.collection()->manifest)) {
-    printWarning(id +
-                 ": this member cannot be opened and is left out; importing the archive will fail");
+std::string joined(const std::vector<std::string>& texts) {
+  std::string all;
+  for (const std::string& text : texts) all += (all.empty() ? "" : ", ") + text;
+  return all;
+}
+
+/// The members to export; none for a tweak. Throws if some cannot be opened, unless the user wants
+/// to leave them out: an archive that names them could not be imported.
+std::vector<TweakFile::Opened> membersOf(const OpenedItem& item, const Options& options) {
+  if (item.collection() == nullptr) return {};
+  const TweakCollection::Manifest& manifest = item.collection()->manifest;
+  std::vector<TweakFile::Opened> members = manifest.openedTweaks();
+  const std::vector<std::string> missing = missingMembers(manifest, members);
+  if (!missing.empty() && !options.skipsMissing) {
+    throw std::runtime_error(options.item + ": cannot open " +
+                             (missing.size() == 1 ? "the member " : "the members ") +
+                             joined(missing) + "; --skip-missing exports a copy without " +
+                             (missing.size() == 1 ? "it" : "them"));
   }
+  for (const std::string& id : missing) {
+    printWarning(id + ": this member cannot be opened and is left out");
+  }
+  return members;
 }
 
 [[noreturn]] void refuse(const fs::path& file) {
   throw std::runtime_error(file.string() + ": already exists; use --force to replace it");
-}
-
-bool isTaken(const fs::path& file) {
-  std::error_code ignored;
-  return fs::symlink_status(file, ignored).type() != fs::file_type::not_found;
 }
 
 void move(const fs::path& archive, const fs::path& file, bool force) {
@@ -82,25 +107,44 @@ void move(const fs::path& archive, const fs::path& file, bool force) {
   syncFolder(fs::absolute(file).parent_path());
 }
 
-int exportItem(const Options& options) {
-  const OpenedItem item = openedItem(options.item);
-  fs::path file = options.output.empty() ? "." : options.output;
-  const bool isFolder = !file.has_filename() || fs::is_directory(file);
-  // Check now, rather than after exporting.
-  if (!isFolder && !options.force && isTaken(file)) refuse(file);
-  warnOfMissingMembers(item);
-  const ExportedArchive archive = [&] {
-    const ProgressLine line("exporting " + options.item);
-    return ExportedArchive(TweakManager::exportOpened(item, line.progress().get()));
-  }();
-  if (isFolder)
-    file = options.output.empty() ? archive.path().filename() : file / archive.path().filename();
-  move(archive.path(), file, options.force);
+void printContents(const fs::path& file) {
+  const FileDescriptor input = FileDescriptor::open(file, O_RDONLY);
+  std::array<char, 1 << 16> part{};
+  while (const std::size_t count = input.read(part, file.string())) {
+    printData({part.data(), count});
+  }
+}
+
+/// Moves the archive to the place that the user chose, and prints its path.
+void deliver(const fs::path& archive, const Options& options, bool isFolder) {
+  fs::path file = options.output;
+  if (isFolder) file /= archive.filename();
+  move(archive, file, options.force);
   if (!TweakManager::canHandle(file)) {
-    printWarning(file.string() + ": import recognises archives by their extension, ." +
-                 std::string(item.item()->archiveExtension()));
+    printWarning(file.string() + ": import recognises archives by their extension, " +
+                 archive.extension().string());
   }
   printData(escapedForTerminal(file.string()) + "\n");
+}
+
+int exportItem(const Options& options) {
+  const OpenedItem item = openedItem(options.item);
+  const fs::path output = options.output;
+  const bool isStream = options.output == kStandardOutput;
+  const bool isFolder = !isStream && (!output.has_filename() || fs::is_directory(output));
+  // Check now, rather than after exporting.
+  if (!isStream && !isFolder && !options.force && isTaken(output)) refuse(output);
+  const std::vector<TweakFile::Opened> members = membersOf(item, options);
+  const WorkFolder folder;
+  const fs::path archive = [&] {
+    const ProgressLine line("exporting " + options.item);
+    return TweakManager::exportOpened(item, members, folder.path(), line.progress().get());
+  }();
+  if (isStream) {
+    printContents(archive);
+  } else {
+    deliver(archive, options, isFolder);
+  }
   return 0;
 }
 
@@ -113,11 +157,13 @@ void addExportCommand(Command app) {
   command.text("ITEM", options->item, kItemHelp).required().notEmpty();
   command
       .text("-o,--output", options->output,
-            "The archive, or an existing folder, in which it is named after the item; the "
-            "default is the current folder")
+            "The archive, or an existing folder, in which it is named after the item; - for the "
+            "standard output; the default is the current folder")
       .typeName("FILE|DIR")
       .notEmpty();
   command.flag("-f,--force", options->force, "Replace an existing file");
+  command.flag("--skip-missing", options->skipsMissing,
+               "Export a copy of the collection without the members that cannot be opened");
   command.run([options] { return exportItem(*options); });
 }
 

@@ -1,7 +1,5 @@
-#include <algorithm>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -15,8 +13,8 @@
 #include "cli/terminal/ShownText.h"
 #include "cli/terminal/TextTable.h"
 #include "cli/work/ClassDump.h"
-#include "tavlen/foundation/objc/MethodTypes.h"
-#include "tavlen/items/TweakPoster.h"
+#include "cli/work/StoreLock.h"
+#include "cli/work/TweakCheck.h"
 #include "tavlen/tweaks/Manifest.h"
 
 namespace tavlen::cli {
@@ -38,23 +36,17 @@ struct Options {
   bool json = false;
 };
 
-/// Warns of a signature that does not match its selector: it is probably mistyped. The library
-/// stores any signature.
 void warnOfSignature(const Hook& hook) {
-  const auto types = splitMethodTypes(hook.signature);
-  const auto colons = std::count(hook.selector.begin(), hook.selector.end(), ':');
-  const auto expected = static_cast<std::size_t>(colons) + 2;  // with the receiver, the selector
-  if (!types || types->arguments.size() != expected) {
-    printWarning("the signature \"" + hook.signature + "\" does not fit the selector \"" +
-                 hook.selector + "\"");
-  }
+  if (const auto problem = signatureProblem(hook)) printWarning("the signature " + *problem);
 }
 
+/// Throws if the tweak already has a hook of that method, and names that hook.
 void requireFree(const TweakFile::Manifest& manifest, const MethodIdentity& identity) {
-  const bool isTaken =
-      std::any_of(manifest._hooks.begin(), manifest._hooks.end(),
-                  [&](const auto& hook) { return hook && hook->identity() == identity; });
-  if (isTaken) throw std::runtime_error("the tweak already hooks that method");
+  for (const auto& hook : manifest._hooks) {
+    if (!hook || hook->identity() != identity) continue;
+    throw std::runtime_error("the tweak already hooks " + methodText(identity) +
+                             (hook->customName ? ", as \"" + *hook->customName + "\"" : ""));
+  }
 }
 
 std::string methodProblem(const std::string& text) {
@@ -78,12 +70,12 @@ Hook newHook(const Options& options) {
 }
 
 void addHook(const Options& options) {
-  TweakFile::Opened tweak = openedTweak(options.tweak);
+  // A wrong name is reported before the image is read, which takes long: without the lock.
+  if (options.method) openedTweak(options.tweak);
   const Hook plain = newHook(options);
+  const StoreLock lock(options.tweak);
+  TweakFile::Opened tweak = openedTweak(options.tweak);
   withPlace(options.tweak + ": " + methodText(plain.identity()), [&] {
-    const std::lock_guard lock(tweakPoster().recursiveLock);
-    // Read the manifest again: the tweak may have been edited while the image was being read.
-    if (options.method) tweak.manifest = tweak.file->manifest();
     requireFree(tweak.manifest, plain.identity());
     Hook hook = plain;
     hook.customName = options.name;
@@ -105,7 +97,6 @@ void applyTo(Hook& hook, const Options& options) {
 }
 
 void setHook(const Options& options) {
-  const std::lock_guard lock(tweakPoster().recursiveLock);
   TweakFile::Opened tweak = openedTweak(options.tweak);
   Hook changed;
   withPlace(options.tweak + ": " + options.hook, [&] {
@@ -120,7 +111,6 @@ void setHook(const Options& options) {
 }
 
 void removeHook(const Options& options) {
-  const std::lock_guard lock(tweakPoster().recursiveLock);
   TweakFile::Opened tweak = openedTweak(options.tweak);
   withPlace(options.tweak + ": " + options.hook,
             [&] { hookArgument(std::move(tweak), options.hook).deleteHook(); });
@@ -196,7 +186,7 @@ void addRemove(Command group) {
   const auto options = std::make_shared<Options>();
   Command command = addTo(group, "remove", "Remove a hook and its parameters", options);
   addHookArgument(command, options->hook);
-  command.run(actionOf(options, removeHook));
+  runEdit(command, options->tweak, actionOf(options, removeHook));
 }
 
 void addList(Command group) {
@@ -223,7 +213,7 @@ void addSet(Command group) {
   const Option name =
       changes.text("--name", options->name, "A name to show").notEmpty().typeName("NAME");
   changes.flag("--no-name", options->hasNoName, "Show no name").excludes(name);
-  command.run(actionOf(options, setHook));
+  runEdit(command, options->tweak, actionOf(options, setHook));
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include "cli/terminal/Console.h"
 #include "cli/terminal/ProgressLine.h"
 #include "cli/terminal/ShownText.h"
+#include "cli/work/StoreLock.h"
 #include "tavlen/collections/TweakCollection.h"
 #include "tavlen/collections/TweakCollectionManifest.h"
 #include "tavlen/foundation/coding/CodingError.h"
@@ -26,13 +27,21 @@ void announceCreation(TweakProtocol& item) {
   announce(item, GenericTweakDiffMode::create);
 }
 
+std::shared_ptr<TweakProtocol> importedItem(const std::string& file) {
+  // Before the progress line, which would keep signals from ending the wait.
+  const StoreLock lock = StoreLock::ofStore();
+  const ProgressLine line("importing " + file);
+  std::shared_ptr<TweakProtocol> item = TweakManager::decompressAt(file, line.progress().get());
+  announceCreation(*item);
+  return item;
+}
+
 int import(const std::vector<std::string>& files) {
   int status = 0;
   for (const std::string& file : files) {
     std::shared_ptr<TweakProtocol> item;
     try {
-      const ProgressLine line("importing " + file);
-      item = TweakManager::decompressAt(file, line.progress().get());
+      item = importedItem(file);
     } catch (const DecodingError& error) {
       printError(file + ": Manifest.json: " + errorText(error));
       status = 1;
@@ -44,7 +53,6 @@ int import(const std::vector<std::string>& files) {
       status = 1;
       continue;
     }
-    announceCreation(*item);
     printData(item->id() + "\n");
   }
   return status;

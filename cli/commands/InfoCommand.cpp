@@ -6,8 +6,8 @@
 #include "cli/arguments/AppArgument.h"
 #include "cli/commands/Commands.h"
 #include "cli/terminal/Console.h"
+#include "cli/terminal/FieldList.h"
 #include "cli/terminal/ShownText.h"
-#include "tavlen/foundation/text/EscapedText.h"
 
 namespace tavlen::cli {
 
@@ -57,13 +57,6 @@ Summary summaryOf(const Info& info) {
   return summary;
 }
 
-std::string row(const std::string& title, const std::string& value) {
-  constexpr std::size_t kTitleWidth = 20;
-  std::string text = title + ":";
-  text.resize(kTitleWidth, ' ');
-  return text + escapedForTerminal(value) + "\n";
-}
-
 std::string listed(const std::vector<InterfaceOrientation>& orientations) {
   constexpr std::string_view kPrefix = "UIInterfaceOrientation";
   std::string text;
@@ -74,17 +67,23 @@ std::string listed(const std::vector<InterfaceOrientation>& orientations) {
   return text.empty() ? "none" : text;
 }
 
-std::string table(const Summary& summary) {
-  std::string text = row("Name", summary.name) + row("Bundle name", summary.bundleName) +
-                     row("Identifier", summary.bundleID) + row("Version", summary.version) +
-                     row("Build", summary.build) + row("Executable", summary.executable);
-  if (summary.minimumOSVersion)
-    text += row("Minimum OS version", summary.minimumOSVersion->description());
-  text += row("iPad", summary.supportsIPad ? "yes" : "no");
-  if (summary.orientations) text += row("Orientations", listed(*summary.orientations));
-  if (summary.ipadOrientations)
-    text += row("Orientations, iPad", listed(*summary.ipadOrientations));
-  return text;
+std::string fields(const Summary& summary) {
+  FieldList fields(20);
+  fields.add("Name", summary.name);
+  fields.add("Bundle name", summary.bundleName);
+  fields.add("Identifier", summary.bundleID);
+  fields.add("Version", summary.version);
+  fields.add("Build", summary.build);
+  fields.add("Executable", summary.executable);
+  if (summary.minimumOSVersion) {
+    fields.add("Minimum OS version", summary.minimumOSVersion->description());
+  }
+  fields.add("iPad", summary.supportsIPad ? "yes" : "no");
+  if (summary.orientations) fields.add("Orientations", listed(*summary.orientations));
+  if (summary.ipadOrientations) {
+    fields.add("Orientations, iPad", listed(*summary.ipadOrientations));
+  }
+  return fields.text();
 }
 
 }  // namespace
@@ -97,7 +96,7 @@ void addInfoCommand(Command app) {
   command.flag("--json", *json, "Print a JSON object");
   command.run([name, json] {
     const Summary summary = summaryOf(readInfo(*appArgument(*name)));
-    printData(*json ? shownJSON(summary) + "\n" : table(summary));
+    printData(*json ? shownJSON(summary) + "\n" : fields(summary));
     return 0;
   });
 }

@@ -1,9 +1,11 @@
 #include <algorithm>
 #include <filesystem>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
+#include "cli/arguments/CollectionArgument.h"
 #include "cli/arguments/StoredItem.h"
 #include "cli/arguments/TranspilerOption.h"
 #include "cli/arguments/TweakArgument.h"
@@ -27,12 +29,20 @@ struct Options {
 
 using Tweaks = std::vector<TweakFile::Opened>;
 
-void warnOfMissingMembers(const OpenedItem& item, const Tweaks& tweaks) {
+/// Warns of members of a collection that cannot be opened. Throws if nothing would be installed:
+/// that would be a way to uninstall by accident.
+void checkMembers(const OpenedItem& item, const Tweaks& tweaks, const std::string& name) {
   if (item.collection() == nullptr) return;
-  for (const std::string& id : item.collection()->manifest._tweaks) {
-    const bool isOpen = std::any_of(tweaks.begin(), tweaks.end(),
-                                    [&](const auto& tweak) { return tweak.file->id() == id; });
-    if (!isOpen) printWarning("the member " + id + " cannot be opened and is left out");
+  const TweakCollection::Manifest& manifest = item.collection()->manifest;
+  if (tweaks.empty()) {
+    throw std::runtime_error(
+        name +
+        (manifest._tweaks.empty() ? ": has no members" : ": none of its members can be opened") +
+        ", so there is nothing to install; to uninstall, use uninstall --app " +
+        manifest.configuration.bundleID);
+  }
+  for (const std::string& id : missingMembers(manifest, tweaks)) {
+    printWarning("the member " + id + " cannot be opened and is left out");
   }
 }
 
@@ -52,7 +62,7 @@ int install(const Options& options) {
   const std::shared_ptr<IPA> ipa = IPA::findWithBundleID(item.configuration().bundleID());
   const std::filesystem::path transpiler = transpilerFolder(options.transpiler);
   const InstallableItem installable(item, transpiler, options.copyExecutables);
-  warnOfMissingMembers(item, installable.tweaks());
+  checkMembers(item, installable.tweaks(), options.item);
   try {
     setActiveTweak(*ipa, &installable);
   } catch (const TweakProcessor::Error&) {

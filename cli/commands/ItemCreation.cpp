@@ -7,6 +7,7 @@
 #include "cli/arguments/StoredItem.h"
 #include "cli/arguments/UsageError.h"
 #include "cli/terminal/Console.h"
+#include "cli/work/StoreLock.h"
 #include "tavlen/items/GlyphNames.h"
 
 namespace tavlen::cli {
@@ -53,6 +54,7 @@ void addLook(Command command, Options& options) {
 
 int create(const Options& options, const ItemFactory& make) {
   const std::string bundleID = bundleIDOf(options.app);
+  const StoreLock lock = StoreLock::ofStore();
   const std::shared_ptr<TweakProtocol> item =
       make(options.name, options.color, options.glyph, bundleID);
   announce(*item, GenericTweakDiffMode::create);

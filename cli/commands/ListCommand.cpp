@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include "cli/arguments/StoredItem.h"
@@ -25,36 +26,62 @@ namespace tavlen::cli {
 
 namespace {
 
-/// A row of the output, which describes one item.
+/// A row of the output, which describes one item. A broken one has an error, but no name and no
+/// app.
 struct Row {
-  std::string name;
+  std::optional<std::string> name;
   std::string kind;
-  std::string bundleID;
+  std::optional<std::string> bundleID;
   bool isInstalled = false;
   std::string id;
+  std::optional<std::string> error;
 
   static constexpr auto codedFields() {
-    return std::tuple{requiredField("name", &Row::name), requiredField("kind", &Row::kind),
-                      requiredField("bundleID", &Row::bundleID),
-                      requiredField("installed", &Row::isInstalled),
-                      requiredField("identifier", &Row::id)};
+    return std::tuple{
+        optionalField("name", &Row::name),         requiredField("kind", &Row::kind),
+        optionalField("bundleID", &Row::bundleID), requiredField("installed", &Row::isInstalled),
+        requiredField("identifier", &Row::id),     optionalField("error", &Row::error)};
   }
 };
 
-std::vector<Row> readRows() {
-  std::vector<ListedItem> items = TweakManager::listedTweaks();
+void addIntactRows(std::vector<Row>& rows, std::vector<ListedItem> items) {
   sortByName(items);
   // An app may have thousands of tweaks, but it has one record.
   std::map<std::string, std::optional<std::string>> activeIDs;
-  std::vector<Row> rows;
-  rows.reserve(items.size());
   for (const auto& [item, configuration] : items) {
     const std::string& bundleID = configuration.bundleID();
     const auto [active, isNew] = activeIDs.try_emplace(bundleID);
     if (isNew) active->second = activeTweakID(bundleID);
-    rows.push_back({configuration.name(), kindOf(*item), bundleID, active->second == item->id(),
-                    wellFormedUTF8(item->id())});
+    rows.push_back({configuration.name(),
+                    kindOf(*item),
+                    bundleID,
+                    active->second == item->id(),
+                    wellFormedUTF8(item->id()),
+                    {}});
   }
+}
+
+void addBrokenRows(std::vector<Row>& rows, std::vector<BrokenItem> items) {
+  std::sort(items.begin(), items.end(),
+            [](const auto& left, const auto& right) { return left.item->id() < right.item->id(); });
+  for (const auto& [item, error, configuration] : items) {
+    const std::string id = item->id();
+    rows.push_back({{},
+                    kindOf(*item),
+                    {},
+                    appWithActiveTweak(id).has_value(),
+                    wellFormedUTF8(id),
+                    wellFormedUTF8(error)});
+  }
+}
+
+std::vector<Row> readRows() {
+  std::vector<BrokenItem> broken;
+  std::vector<ListedItem> intact = TweakManager::listedTweaks(broken);
+  std::vector<Row> rows;
+  rows.reserve(intact.size() + broken.size());
+  addIntactRows(rows, std::move(intact));
+  addBrokenRows(rows, std::move(broken));
   return rows;
 }
 
@@ -74,9 +101,11 @@ std::size_t entryCount() {
 }
 
 std::string table(const std::vector<Row>& rows) {
-  TextTable table({"NAME", "KIND", "APP", "INSTALLED", "IDENTIFIER"});
+  TextTable table({"NAME", "KIND", "APP", "INSTALLED", "IDENTIFIER", "ERROR"},
+                  TextTable::LastColumn::whole);
   for (const Row& row : rows) {
-    table.addRow({row.name, row.kind, row.bundleID, row.isInstalled ? "yes" : "", row.id});
+    table.addRow({row.name.value_or("-"), row.kind, row.bundleID.value_or("-"),
+                  row.isInstalled ? "yes" : "", row.id, row.error.value_or("")});
   }
   return table.text();
 }
@@ -94,10 +123,10 @@ int list(bool json) {
     printData(table(rows));
   }
   if (entries > rows.size()) {
-    const std::size_t broken = entries - rows.size();
-    printWarning(std::to_string(broken) + (broken == 1 ? " entry" : " entries") + " of " +
-                 TweaksDirectory::url().string() + " cannot be opened and " +
-                 (broken == 1 ? "is" : "are") + " left out");
+    const std::size_t others = entries - rows.size();
+    printWarning(std::to_string(others) + (others == 1 ? " entry" : " entries") + " of " +
+                 TweaksDirectory::url().string() + " " +
+                 (others == 1 ? "is not an item and is" : "are not items and are") + " left out");
   }
   return 0;
 }
@@ -107,7 +136,8 @@ int list(bool json) {
 void addListCommand(Command app) {
   Command command = app.addCommand("list", "List the stored tweaks and collections");
   const auto json = std::make_shared<bool>(false);
-  command.flag("--json", *json, "Print a JSON array");
+  command.flag("--json", *json,
+               "Print a JSON array; a broken item has the key error, but no name and no bundleID");
   command.run([json] { return list(*json); });
 }
 

@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -14,8 +13,8 @@
 #include "cli/terminal/Console.h"
 #include "cli/terminal/ShownText.h"
 #include "cli/terminal/TextTable.h"
+#include "cli/work/StoreLock.h"
 #include "tavlen/bundles/IPA.h"
-#include "tavlen/items/TweakPoster.h"
 #include "tavlen/tweaks/Manifest.h"
 
 namespace tavlen::cli {
@@ -35,11 +34,10 @@ auto isOf(const std::string& kind) {
   return [&kind](const OverrideContainer& box) { return identifierOf(box.value) == kind; };
 }
 
-/// Calls `change` with the tweak's manifest and its overrides, and stores the result. Holds
-/// tweakPoster()'s lock. Errors name the tweak and the kind.
+/// Calls `change` with the tweak's manifest and its overrides, and stores the result.
+/// Errors name the tweak and the kind.
 template <class Change>
 void editOverrides(const Options& options, Change change) {
-  const std::lock_guard lock(tweakPoster().recursiveLock);
   TweakFile::Opened tweak = openedTweak(options.tweak);
   withPlace(options.tweak + ": " + options.kind, [&] {
     change(tweak.manifest, tweak.manifest._overrides);
@@ -104,25 +102,30 @@ std::string table(const Boxes& boxes) {
   return table.text();
 }
 
-Action listAction(const Options& options) {
-  return [options] {
-    const Boxes boxes = openedTweak(options.tweak).manifest._overrides;
-    if (options.json) {
-      printData(shownJSON(boxes) + "\n");
-    } else if (!boxes.empty()) {
-      printData(table(boxes));
-    }
-    return 0;
-  };
+int printList(const Options& options) {
+  const Boxes boxes = openedTweak(options.tweak).manifest._overrides;
+  if (options.json) {
+    printData(shownJSON(boxes) + "\n");
+  } else if (!boxes.empty()) {
+    printData(table(boxes));
+  }
+  return 0;
 }
 
-/// Adds a subcommand of `override`. `make` checks the arguments, throws UsageError for malformed
-/// ones, and returns the action.
+/// Adds a subcommand of `override` with the argument TWEAK.
 Command addTo(Command group, const char* name, const char* help,
-              const std::shared_ptr<Options>& options, Action (*make)(const Options&)) {
+              const std::shared_ptr<Options>& options) {
   Command command = group.addCommand(name, help);
   command.text("TWEAK", options->tweak, kTweakHelp).required().notEmpty();
-  command.prepare([options, make] { return make(*options); });
+  return command;
+}
+
+/// The same for one that edits. `make` checks the arguments, throws UsageError for malformed ones,
+/// and returns the action.
+Command addEditTo(Command group, const char* name, const char* help,
+                  const std::shared_ptr<Options>& options, Action (*make)(const Options&)) {
+  Command command = addTo(group, name, help, options);
+  prepareEdit(command, options->tweak, [options, make] { return make(*options); });
   return command;
 }
 
@@ -139,22 +142,24 @@ void addOverrideCommand(Command app) {
   group.requireCommand();
 
   auto options = std::make_shared<Options>();
-  Command add = addTo(group, "add", "Add an override; without VALUE, of the app's current value",
-                      options, addAction);
+  Command add =
+      addEditTo(group, "add", "Add an override; without VALUE, of the app's current value", options,
+                addAction);
   addKind(add, options);
   add.text("VALUE", options->value, kOverrideValueHelp);
 
   options = std::make_shared<Options>();
-  Command set = addTo(group, "set", "Change an override", options, setAction);
+  Command set = addEditTo(group, "set", "Change an override", options, setAction);
   addKind(set, options);
   set.text("VALUE", options->value, kOverrideValueHelp).required();
 
   options = std::make_shared<Options>();
-  addKind(addTo(group, "remove", "Remove an override", options, removeAction), options);
+  addKind(addEditTo(group, "remove", "Remove an override", options, removeAction), options);
 
   options = std::make_shared<Options>();
-  addTo(group, "list", "List the overrides", options, listAction)
-      .flag("--json", options->json, "Print a JSON array in the form of the manifest");
+  Command list = addTo(group, "list", "List the overrides", options);
+  list.flag("--json", options->json, "Print a JSON array in the form of the manifest");
+  list.run([options] { return printList(*options); });
 }
 
 }  // namespace tavlen::cli

@@ -1,13 +1,11 @@
 #include "cli/commands/ParamArguments.h"
 
-#include <mutex>
 #include <utility>
 
 #include "cli/arguments/HookArgument.h"
 #include "cli/arguments/StoredItem.h"
 #include "cli/arguments/TypedValue.h"
 #include "cli/arguments/WithPlace.h"
-#include "tavlen/items/TweakPoster.h"
 
 namespace tavlen::cli {
 
@@ -28,7 +26,6 @@ void addParamValue(Command command, ParamValue& value) {
 }
 
 void editHook(const ParamTarget& target, FunctionRef<void(const HookManager&)> edit) {
-  const std::lock_guard lock(tweakPoster().recursiveLock);
   TweakFile::Opened tweak = openedTweak(target.tweak);
   withPlace(target.place(), [&] { edit(hookArgument(std::move(tweak), target.hook)); });
 }

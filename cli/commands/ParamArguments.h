@@ -33,7 +33,7 @@ Option addParamTarget(Command command, ParamTarget& target, const char* addressH
 /// Adds VALUE and `--replace`.
 void addParamValue(Command command, ParamValue& value);
 
-/// Calls `edit` for the hook of `target` while holding tweakPoster()'s lock. Throws what
+/// Calls `edit` for the hook of `target`; for subcommands of prepareEdit(). Throws what
 /// openedTweak() throws, and std::runtime_error, which begins with the place, for what
 /// hookArgument() and `edit` throw.
 void editHook(const ParamTarget& target, FunctionRef<void(const HookManager&)> edit);

@@ -17,6 +17,7 @@
 #include "cli/terminal/ShownText.h"
 #include "cli/terminal/TextTable.h"
 #include "cli/work/ResourceImport.h"
+#include "cli/work/StoreLock.h"
 #include "tavlen/foundation/text/EscapedText.h"
 #include "tavlen/tweaks/Hook.h"
 
@@ -115,7 +116,7 @@ void addSet(Command group) {
   const auto options = std::make_shared<SetOptions>();
   addParamTarget(command, options->target).required();
   addParamValue(command, options->value);
-  command.prepare([options] { return setAction(*options); });
+  prepareEdit(command, options->target.tweak, [options] { return setAction(*options); });
 }
 
 }  // namespace

@@ -15,6 +15,7 @@
 #include "cli/commands/Commands.h"
 #include "cli/commands/ParamArguments.h"
 #include "cli/work/ResourceImport.h"
+#include "cli/work/StoreLock.h"
 #include "tavlen/editing/ArrayParameterManager.h"
 #include "tavlen/tweaks/Hook.h"
 
@@ -90,7 +91,7 @@ void addInsert(Command group) {
   addParamValue(command, options->value);
   command.text("--key", options->key, "The key of a dictionary's new pair, written like VALUE")
       .typeName("VALUE");
-  command.prepare([options] { return insertAction(*options); });
+  prepareEdit(command, options->target.tweak, [options] { return insertAction(*options); });
 }
 
 /// The item's index. Throws UsageError for "end", at which no item exists.
@@ -129,7 +130,7 @@ void addRemove(Command group) {
       group.addCommand("remove", "Remove an item or a pair, or stop replacing an argument");
   const auto target = std::make_shared<ParamTarget>();
   addParamTarget(command, *target, "The argument, the item or the pair: -1, 0.3").required();
-  command.prepare([target] { return removeAction(*target); });
+  prepareEdit(command, target->tweak, [target] { return removeAction(*target); });
 }
 
 struct MoveOptions {
@@ -162,7 +163,7 @@ void addMove(Command group) {
   const auto options = std::make_shared<MoveOptions>();
   addParamTarget(command, options->target, "The item or the pair: 0.3").required();
   command.text("TO", options->to, "Its new index").required();
-  command.prepare([options] { return moveAction(*options); });
+  prepareEdit(command, options->target.tweak, [options] { return moveAction(*options); });
 }
 
 }  // namespace

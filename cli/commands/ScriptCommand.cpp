@@ -8,6 +8,7 @@
 #include "cli/terminal/Console.h"
 #include "cli/terminal/EditedText.h"
 #include "cli/terminal/ShownText.h"
+#include "cli/work/StoreLock.h"
 #include "tavlen/foundation/text/Unicode.h"
 
 namespace tavlen::cli {
@@ -30,14 +31,18 @@ int set(const std::string& name, const std::string& file) {
   const std::shared_ptr<TweakFile> tweak = storedTweak(name);
   const std::string text = readInput(file);
   requireUTF8(text, file == "-" ? "standard input" : file);
+  const StoreLock lock(name);
   tweak->writeScript(text);
   return 0;
 }
 
-/// Stores the edited text. Throws if the stored script is no longer `before`.
-void store(TweakFile& tweak, const std::string& before, const EditedText& edited) {
+/// Stores the edited text of the tweak called `name`. Throws if the stored script is no longer
+/// `before`.
+void store(const std::string& name, TweakFile& tweak, const std::string& before,
+           const EditedText& edited) {
   const std::string after = edited.text();
   requireUTF8(after, "the edited text");
+  const StoreLock lock(name);
   if (scriptOf(tweak) != before) {
     throw std::runtime_error("the script changed on disk while you were editing it");
   }
@@ -54,7 +59,7 @@ int edit(const std::string& name) {
       printMessage("tavlen: the script is unchanged\n");
       return 0;
     }
-    store(*tweak, before, edited);
+    store(name, *tweak, before, edited);
   } catch (const std::exception& error) {
     // If the text is unchanged, there is nothing to keep.
     if (edited.text() == before) throw;

@@ -1,17 +1,19 @@
 #include <algorithm>
+#include <exception>
 #include <memory>
 #include <optional>
 #include <string>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include "cli/arguments/StoredItem.h"
 #include "cli/commands/Commands.h"
 #include "cli/terminal/Console.h"
+#include "cli/terminal/FieldList.h"
 #include "cli/terminal/ShownText.h"
 #include "cli/work/ActiveTweak.h"
 #include "tavlen/collections/TweakCollectionManifest.h"
-#include "tavlen/foundation/text/EscapedText.h"
 #include "tavlen/foundation/text/Unicode.h"
 #include "tavlen/tweaks/Manifest.h"
 
@@ -26,33 +28,27 @@ namespace cli {
 
 namespace {
 
+constexpr std::size_t kTitleWidth = 12;
+
 /// The JSON output for an item, without its document.
 struct Item {
   std::string id;
   std::string kind;
   std::string path;
   bool isInstalled;
+  std::optional<std::string> error;
 
   static constexpr auto codedFields() {
     return std::tuple{requiredField("identifier", &Item::id), requiredField("kind", &Item::kind),
                       requiredField("path", &Item::path),
-                      requiredField("installed", &Item::isInstalled)};
+                      requiredField("installed", &Item::isInstalled),
+                      optionalField("error", &Item::error)};
   }
 };
 
-std::string row(const std::string& title, const std::string& value) {
-  constexpr std::size_t kTitleWidth = 12;
-  std::string text = title.empty() ? "" : title + ":";
-  text.resize(kTitleWidth, ' ');
-  return text + escapedForTerminal(value) + "\n";
-}
-
-/// One row for each entry, with the title before the first one; "none" if there are no entries.
-std::string list(const std::string& title, const std::vector<std::string>& entries) {
-  if (entries.empty()) return row(title, "none");
-  std::string text;
-  for (const std::string& entry : entries) text += row(text.empty() ? title : "", entry);
-  return text;
+Item itemOf(const TweakProtocol& item, bool isInstalled, std::optional<std::string> error = {}) {
+  return {wellFormedUTF8(item.id()), kindOf(item), wellFormedUTF8(item.url().native()), isInstalled,
+          std::move(error)};
 }
 
 std::string scriptSummary(const TweakFile& tweak) {
@@ -64,7 +60,12 @@ std::string scriptSummary(const TweakFile& tweak) {
   }
 }
 
-std::string contentsOf(const TweakFile::Opened& tweak) {
+void addFiles(FieldList& fields, const TweakFile& tweak) {
+  fields.add("Script", scriptSummary(tweak));
+  fields.add("Icon", tweak.customIcon() ? "its own" : "the app's");
+}
+
+void addContents(FieldList& fields, const TweakFile::Opened& tweak) {
   const auto& [file, manifest] = tweak;
   std::vector<std::string> hooks;
   for (const Hook& hook : manifest.hooks()) hooks.push_back(methodText(hook.identity()));
@@ -72,11 +73,12 @@ std::string contentsOf(const TweakFile::Opened& tweak) {
   for (const Override& override_ : manifest.overrides()) {
     overrides.push_back(localizedName(override_));
   }
-  return list("Hooks", hooks) + list("Overrides", overrides) + row("Script", scriptSummary(*file)) +
-         row("Icon", file->customIcon() ? "its own" : "the app's");
+  fields.addAll("Hooks", hooks);
+  fields.addAll("Overrides", overrides);
+  addFiles(fields, *file);
 }
 
-std::string contentsOf(const TweakCollection::Opened& collection) {
+void addContents(FieldList& fields, const TweakCollection::Opened& collection) {
   const std::vector<TweakFile::Opened> opened = collection.manifest.openedTweaks();
   std::vector<std::string> members;
   for (const std::string& id : collection.manifest._tweaks) {
@@ -86,31 +88,60 @@ std::string contentsOf(const TweakCollection::Opened& collection) {
         id + "  " +
         (member == opened.end() ? "(cannot be opened)" : member->manifest.configuration.name));
   }
-  return list("Tweaks", members);
+  fields.addAll("Tweaks", members);
 }
 
-std::string table(const OpenedItem& opened, bool isInstalled) {
-  const std::shared_ptr<TweakProtocol> item = opened.item();
-  const TweakConfiguration configuration = opened.configuration();
-  const TweakGlyph& glyph = configuration.glyph();
-  return row("Name", configuration.name()) + row("Kind", kindOf(*item)) +
-         row("Identifier", item->id()) + row("App", configuration.bundleID()) +
-         row("Color", std::string(rawValue(configuration.color()))) +
-         row("Glyph", glyph.icon + "/" + glyph.style) +
-         row("Installed", isInstalled ? "yes" : "no") +
-         std::visit([](const auto& each) { return contentsOf(each); }, opened);
+void addHead(FieldList& fields, const TweakProtocol& item,
+             const std::optional<TweakConfiguration>& configuration, bool isInstalled) {
+  if (configuration) fields.add("Name", configuration->name());
+  fields.add("Kind", kindOf(item));
+  fields.add("Identifier", item.id());
+  if (configuration) {
+    const TweakGlyph& glyph = configuration->glyph();
+    fields.add("App", configuration->bundleID());
+    fields.add("Color", std::string(rawValue(configuration->color())));
+    fields.add("Glyph", glyph.icon + "/" + glyph.style);
+  }
+  fields.add("Installed", isInstalled ? "yes" : "no");
+}
+
+/// Prints what is known of a broken item. Its error is also the command's.
+void showBroken(const BrokenItem& broken, bool json) {
+  const TweakProtocol& item = *broken.item;
+  const bool isInstalled = appWithActiveTweak(item.id()).has_value();
+  if (json) {
+    const Item row = itemOf(item, isInstalled, wellFormedUTF8(broken.error));
+    return printData(shownJSON(row) + "\n");
+  }
+  FieldList fields(kTitleWidth);
+  addHead(fields, item, broken.configuration, isInstalled);
+  if (const auto* tweak = dynamic_cast<const TweakFile*>(&item)) addFiles(fields, *tweak);
+  fields.add("Error", broken.error);
+  printData(fields.text());
+}
+
+OpenedItem openedOrShown(const std::string& name, bool json) {
+  try {
+    return openedItem(name);
+  } catch (const std::exception&) {
+    if (const std::optional<BrokenItem> broken = brokenItem(name)) showBroken(*broken, json);
+    throw;
+  }
 }
 
 int show(const std::string& name, bool json) {
-  const OpenedItem opened = openedItem(name);
+  const OpenedItem opened = openedOrShown(name, json);
   const std::shared_ptr<TweakProtocol> item = opened.item();
-  const bool isInstalled = isActiveTweak(opened.configuration().bundleID(), item->id());
+  const TweakConfiguration configuration = opened.configuration();
+  const bool isInstalled = isActiveTweak(configuration.bundleID(), item->id());
   if (!json) {
-    printData(table(opened, isInstalled));
+    FieldList fields(kTitleWidth);
+    addHead(fields, *item, configuration, isInstalled);
+    std::visit([&](const auto& each) { addContents(fields, each); }, opened);
+    printData(fields.text());
     return 0;
   }
-  std::string text = shownJSON(Item{wellFormedUTF8(item->id()), kindOf(*item),
-                                    wellFormedUTF8(item->url().native()), isInstalled});
+  std::string text = shownJSON(itemOf(*item, isInstalled));
   // Encode the document separately: it may already have the maximum nesting depth.
   text.back() = ',';
   printData(text + "\"manifest\":" + shownJSON(opened.manifest()) + "}\n");
@@ -120,7 +151,8 @@ int show(const std::string& name, bool json) {
 }  // namespace
 
 void addShowCommand(Command app) {
-  Command command = app.addCommand("show", "Print the contents of a tweak or a collection");
+  Command command = app.addCommand(
+      "show", "Print the contents of a tweak or a collection; of a broken one, what is left");
   const auto name = std::make_shared<std::string>();
   const auto json = std::make_shared<bool>(false);
   command.text("ITEM", *name, kItemHelp).required().notEmpty();

@@ -6,6 +6,7 @@
 #include "cli/arguments/StoredItem.h"
 #include "cli/commands/Commands.h"
 #include "cli/terminal/Console.h"
+#include "cli/work/StoreLock.h"
 
 namespace tavlen::cli {
 
@@ -19,6 +20,7 @@ int set(const std::string& name, const std::string& file) {
                              std::to_string(Image::kLongestSide) + " pixels a side and " +
                              std::to_string(Image::kMostPixels) + " in all");
   }
+  const StoreLock lock(name);
   tweak->writeCustomIcon(icon);
   return 0;
 }
@@ -36,7 +38,7 @@ void addTweakIconCommands(Command group) {
   setting.run([tweak, file] { return set(*tweak, *file); });
   Command clearing = group.addCommand("clear", "Remove a tweak's own icon");
   clearing.text("TWEAK", *tweak, kTweakHelp).required().notEmpty();
-  clearing.run([tweak] {
+  runEdit(clearing, *tweak, [tweak] {
     storedTweak(*tweak)->writeCustomIcon(std::nullopt);
     return 0;
   });

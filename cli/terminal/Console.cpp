@@ -3,9 +3,11 @@
 #include <array>
 #include <cerrno>
 #include <cstdio>
+#include <filesystem>
 #include <system_error>
 
 #include "cli/terminal/ShownText.h"
+#include "tavlen/foundation/files/FileDescriptor.h"
 #include "tavlen/foundation/files/FileSystem.h"
 
 namespace tavlen::cli {
@@ -34,18 +36,25 @@ void printData(std::string_view data) {
 }
 
 std::string readInput(const std::string& file) {
-  if (file != "-") return readFile(file);
   constexpr std::size_t kMost = std::size_t{1} << 31;
+  const bool isStandard = file == "-";
+  const std::string shown = isStandard ? "standard input" : file;
+  std::error_code ignored;
+  const auto status = std::filesystem::status(file, ignored);
+  if (!isStandard && !std::filesystem::is_fifo(status) &&
+      !std::filesystem::is_character_file(status)) {
+    return readFile(file);
+  }
+  const FileDescriptor stream = isStandard
+                                    ? FileDescriptor(::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 0))
+                                    : FileDescriptor::open(file, O_RDONLY | O_NOCTTY);
   std::string input;
   std::array<char, 1 << 16> part{};
-  while (const std::size_t count = std::fread(part.data(), 1, part.size(), stdin)) {
+  while (const std::size_t count = stream.read(part, shown)) {
     if (input.size() + count > kMost) {
-      throw std::system_error(EFBIG, std::generic_category(), "standard input");
+      throw std::system_error(EFBIG, std::generic_category(), shown);
     }
     input.append(part.data(), count);
-  }
-  if (std::ferror(stdin) != 0) {
-    throw std::system_error(errno, std::generic_category(), "standard input");
   }
   return input;
 }

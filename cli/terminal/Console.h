@@ -17,8 +17,8 @@ void printWarning(std::string_view text);
 /// example on a full disk.
 void printData(std::string_view data);
 
-/// The contents of `file`, or of the standard input if `file` is "-". At most 2 GiB. Throws
-/// std::system_error.
+/// The contents of `file`, which may be a pipe such as <(command), or of the standard input if
+/// `file` is "-". At most 2 GiB. Throws std::system_error.
 std::string readInput(const std::string& file);
 
 }  // namespace tavlen::cli

@@ -1,9 +1,11 @@
 #include "cli/terminal/EditedText.h"
 
+#include <unistd.h>
+
 #include <array>
-#include <cerrno>
 #include <csignal>
 #include <cstdlib>
+#include <optional>
 #include <stdexcept>
 #include <system_error>
 
@@ -11,18 +13,22 @@
 #include "tavlen/device/Process.h"
 #include "tavlen/foundation/files/FileReplacement.h"
 #include "tavlen/foundation/files/FileSystem.h"
+#include "tavlen/foundation/files/TemporaryDirectory.h"
 
 namespace tavlen::cli {
 
 namespace {
 
-std::string editor() {
+/// The user's editor; nothing if none is set.
+std::optional<std::string> chosenEditor() {
   for (const char* variable : {"VISUAL", "EDITOR"}) {
     const char* value = std::getenv(variable);  // NOLINT(concurrency-mt-unsafe)
     if (value != nullptr && *value != '\0') return value;
   }
-  return "vi";
+  return std::nullopt;
 }
+
+bool hasTerminal() { return ::isatty(STDIN_FILENO) != 0 && ::isatty(STDOUT_FILENO) != 0; }
 
 /// Ignores keyboard signals during its lifetime (RAII): Ctrl-C in the editor is meant for the
 /// editor.
@@ -54,11 +60,8 @@ EditedText::EditedText(const std::string& name, std::string_view text) {
   std::error_code error;
   const std::filesystem::path parent = std::filesystem::temp_directory_path(error);
   if (error) throw std::system_error(error, "the folder of temporary files");
-  std::string folder = (parent / "tavlen-XXXXXX").string();
-  if (::mkdtemp(folder.data()) == nullptr) {
-    throw std::system_error(errno, std::generic_category(), parent.string());
-  }
-  file_ = std::filesystem::path(folder) / name;
+  const std::filesystem::path folder = makeUniqueFolder(parent, "tavlen-");
+  file_ = folder / name;
   try {
     replaceFile(file_, text);
   } catch (...) {
@@ -76,15 +79,24 @@ EditedText::~EditedText() {
 void EditedText::edit() const {
   // Run a shell, because the variables may contain options. Pass the file as an argument rather
   // than in the command text, so that it needs no quoting.
-  const std::string program = editor();
-  Process process("/bin/sh", {"sh", "-c", program + " \"$@\"", program, file_.string()});
+  const std::optional<std::string> chosen = chosenEditor();
+  const bool isShown = hasTerminal();
+  if (!chosen && !isShown) {
+    throw std::runtime_error(
+        "there is no terminal for an editor; set EDITOR to a program that needs none");
+  }
+  const std::string program = chosen.value_or("vi");
+  // Without a terminal, an editor that needs one would wait for input that never comes.
+  const std::string command = program + " \"$@\"" + (isShown ? "" : " </dev/null");
+  Process process("/bin/sh", {"sh", "-c", command, program, file_.string()});
   try {
     process.launch();
     // Only after starting the editor, which must not inherit the ignored signals.
     const KeyboardSignals ignored;
     process.waitUntilExit();
   } catch (const Process::Error& error) {
-    throw std::runtime_error(program + ": " + errorText(error));
+    throw std::runtime_error(program + ": " + errorText(error) +
+                             (isShown ? "" : " (there is no terminal)"));
   }
 }
 

@@ -6,7 +6,8 @@
 
 namespace tavlen::cli {
 
-/// A text in a temporary file, which the user edits in $VISUAL, $EDITOR or vi.
+/// A text in a temporary file, which the user edits in $VISUAL, $EDITOR or vi. Without a terminal,
+/// vi is not started, and another editor has no standard input.
 ///
 /// The destructor deletes the file, unless keep() was called. Threads: one at a time. While the
 /// editor runs, this process ignores keyboard signals; only the editor receives them.

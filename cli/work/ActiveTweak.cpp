@@ -1,11 +1,14 @@
 #include "cli/work/ActiveTweak.h"
 
+#include <filesystem>
 #include <optional>
 #include <stdexcept>
+#include <system_error>
 
 #include "cli/arguments/AppArgument.h"
 #include "cli/terminal/Console.h"
 #include "cli/terminal/ShownText.h"
+#include "tavlen/device/DevicePaths.h"
 #include "tavlen/device/DeviceRoot.h"
 #include "tavlen/device/FileOperations.h"
 #include "tavlen/device/InstalledRecords.h"
@@ -20,6 +23,17 @@ std::optional<std::string> activeTweakID(const std::string& bundleID) {
 
 bool isActiveTweak(const std::string& bundleID, const std::string& id) {
   return activeTweakID(bundleID) == id;
+}
+
+std::optional<std::string> appWithActiveTweak(const std::string& id) {
+  namespace fs = std::filesystem;
+  std::error_code error;  // without the folder, nothing is installed
+  fs::directory_iterator entry(DeviceRoot::shared().resolve(kInstalledTweaksDir), error);
+  for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
+    const std::string bundleID = entry->path().filename().string();
+    if (isActiveTweak(bundleID, id)) return bundleID;
+  }
+  return std::nullopt;
 }
 
 void tellThatNothingRuns() {

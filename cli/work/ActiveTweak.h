@@ -15,6 +15,10 @@ std::optional<std::string> activeTweakID(const std::string& bundleID);
 /// Whether the item `id` is the active one of the app `bundleID`, according to the app's record.
 bool isActiveTweak(const std::string& bundleID, const std::string& id);
 
+/// The app whose record names the item `id`; nothing if no record does. For an item whose own app
+/// is unknown: reads all records.
+std::optional<std::string> appWithActiveTweak(const std::string& id);
+
 /// Prints, for a root other than "/", that no app is ended and the home screen not restarted.
 void tellThatNothingRuns();
 

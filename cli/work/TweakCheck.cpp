@@ -14,6 +14,20 @@ namespace tavlen::cli {
 
 namespace {
 
+std::size_t colonsOf(const Hook& hook) {
+  return static_cast<std::size_t>(std::count(hook.selector.begin(), hook.selector.end(), ':'));
+}
+
+/// The types in the hook's signature; nothing if it is malformed.
+std::optional<MethodTypes> methodTypes(const Hook& hook) {
+  std::optional<MethodTypes> types = splitMethodTypes(hook.signature);
+  if (types && types->arguments.size() < 2) types.reset();
+  return types;
+}
+
+/// Without the receiver and the selector.
+std::size_t argumentCount(const MethodTypes& types) { return types.arguments.size() - 2; }
+
 /// Walks a manifest and collects warnings with their places.
 class Checker {
  public:
@@ -59,33 +73,19 @@ class Checker {
   }
 
   void checkSignature(const Hook& hook, const std::string& place) {
-    const auto colons =
-        static_cast<std::size_t>(std::count(hook.selector.begin(), hook.selector.end(), ':'));
-    const auto types = splitMethodTypes(hook.signature);
-    if (!types || types->arguments.size() < 2) {
-      return warn(place + ".signature",
-                  "\"" + hook.signature + "\" is not a method's type encoding");
-    }
-    const std::size_t arguments =
-        types->arguments.size() - 2;  // after the receiver and the selector
-    if (arguments != colons) {
-      warn(place + ".signature", "\"" + hook.signature + "\" has " +
-                                     counted(arguments, "argument") + ", the selector \"" +
-                                     hook.selector + "\" takes " + std::to_string(colons));
-    }
+    if (const auto problem = signatureProblem(hook)) warn(place + ".signature", *problem);
+    const auto types = methodTypes(hook);
+    if (!types) return;
+    const std::size_t known = std::max(argumentCount(*types), colonsOf(hook));
     for (const auto& [index, box] : hook._args) {
-      const bool known = index >= Hook::kReturnValue &&
-                         index < static_cast<std::int64_t>(std::max(arguments, colons));
-      if (!known) warn(place + ".args." + std::to_string(index), "the method has no such argument");
+      const bool isKnown = index >= Hook::kReturnValue && index < static_cast<std::int64_t>(known);
+      if (!isKnown)
+        warn(place + ".args." + std::to_string(index), "the method has no such argument");
     }
     if ((types->result == "v" || types->result == "Vv") &&
         hook._args.contains(Hook::kReturnValue)) {
       warn(place + ".args.-1", "the method returns nothing");
     }
-  }
-
-  static std::string counted(std::size_t count, const std::string& noun) {
-    return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
   }
 
   void checkResources(const ParameterContainer& box, const std::string& place) {
@@ -122,6 +122,17 @@ class Checker {
 };
 
 }  // namespace
+
+std::optional<std::string> signatureProblem(const Hook& hook) {
+  const std::string signature = "\"" + hook.signature + "\"";
+  const auto types = methodTypes(hook);
+  if (!types) return signature + " is not a method's type encoding";
+  const std::size_t count = argumentCount(*types);
+  const std::size_t colons = colonsOf(hook);
+  if (count == colons) return std::nullopt;
+  return signature + " has " + std::to_string(count) + (count == 1 ? " argument" : " arguments") +
+         ", the selector \"" + hook.selector + "\" takes " + std::to_string(colons);
+}
 
 std::vector<std::string> warningsFor(const OpenedTweak& tweak) { return Checker(tweak).run(); }
 

@@ -75,6 +75,10 @@ ListedItem TweakCollection::listed(std::filesystem::path url, std::string_view d
   return {std::move(collection.file), collection.manifest.genericConfiguration()};
 }
 
+std::shared_ptr<TweakCollection> TweakCollection::handle(std::filesystem::path url) {
+  return std::shared_ptr<TweakCollection>(new TweakCollection(std::move(url)));
+}
+
 std::shared_ptr<TweakCollection> TweakCollection::create(std::string name, TweakColor color,
                                                          TweakGlyph glyph, std::string bundleID) {
   std::shared_ptr<TweakCollection> collection(new TweakCollection(uniqueTweakURL()));
@@ -171,6 +175,19 @@ void TweakCollection::preparePayloadIn(const std::filesystem::path& directory) c
   for (const std::shared_ptr<TweakFile>& tweak : copied.tweaks()) {
     if (done.insert(tweak->id()).second) tweak->preparePayloadIn(tweaks / tweak->id());
   }
+}
+
+void TweakCollection::Opened::preparePayloadIn(const std::filesystem::path& directory,
+                                               std::span<const TweakFile::Opened> members) const {
+  const fs::path tweaks = directory / kTweaksFolder;
+  fs::create_directories(tweaks);
+  Manifest kept = manifest;
+  kept._tweaks.clear();
+  for (const TweakFile::Opened& member : members) {
+    kept._tweaks.push_back(member.file->id());
+    member.file->preparePayloadIn(tweaks / member.file->id());
+  }
+  replaceFile(DeviceRoot::shared(), directory / kManifestFile, encodeDocument(kept));
 }
 
 }  // namespace tavlen

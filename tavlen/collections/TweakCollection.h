@@ -37,6 +37,8 @@ class TweakCollection : public TweakProtocol, public std::enable_shared_from_thi
   static Opened opened(std::filesystem::path url, std::string_view document);
   /// As opened(), but keeps only the settings. Throws DecodingError.
   static ListedItem listed(std::filesystem::path url, std::string_view document);
+  /// A handle on the file `url`, which need not exist: for a broken item. Reads nothing.
+  static std::shared_ptr<TweakCollection> handle(std::filesystem::path url);
   /// The path of the collection `id`, relative to the folder that contains it.
   static std::string documentOf(std::string_view id) { return std::string(id); }
   /// Creates a new collection without members in the tweaks directory. Posts nothing. Throws

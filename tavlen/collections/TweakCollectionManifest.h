@@ -50,6 +50,11 @@ static_assert(TweakManifestRecord<TweakCollection::Manifest>);
 struct TweakCollection::Opened {
   std::shared_ptr<TweakCollection> file;  ///< never null
   Manifest manifest;                      ///< as read; later edits do not change it
+
+  /// As TweakCollection::preparePayloadIn(), but for a copy of the collection with only `members`,
+  /// which are some of manifest.openedTweaks(), in their order. Reads no document again.
+  void preparePayloadIn(const std::filesystem::path& directory,
+                        std::span<const TweakFile::Opened> members) const;
 };
 
 }  // namespace tavlen

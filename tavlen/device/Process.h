@@ -14,6 +14,12 @@ namespace tavlen {
 /// Runs a child program to its end. It inherits the caller's environment and none of the library's
 /// descriptors.
 ///
+/// The program that uses the library must let children be waited for: SIGCHLD must not be ignored,
+/// nor have SA_NOCLDWAIT, and no other code may wait for any child (as by wait()). Otherwise
+/// waitUntilExit() throws Error::waitpid with ECHILD, although the child may have succeeded. The
+/// child inherits which signals are ignored and blocked; a program that ignores SIGPIPE should
+/// restore it before launching one that writes to a pipe.
+///
 /// Threads: one object one thread at a time; objects share nothing.
 class Process {
  public:

@@ -5,6 +5,7 @@
 #include <exception>
 #include <string>
 #include <system_error>
+#include <tuple>
 #include <unordered_set>
 #include <utility>
 
@@ -42,7 +43,19 @@ struct Kind {
   std::string (*documentOf)(std::string_view id);
   OpenedItem (*opened)(fs::path url, std::string_view document);
   ListedItem (*listed)(fs::path url, std::string_view document);
+  std::shared_ptr<TweakProtocol> (*handle)(fs::path url);
+  TweakConfiguration (*settingsIn)(std::string_view document);
   std::shared_ptr<TweakProtocol> (*handlePayloadAt)(const fs::path& url);
+};
+
+/// The part of a document that can be intact although the rest is broken.
+template <class T>
+struct Settings {
+  typename T::Manifest::Configuration configuration;
+
+  static constexpr auto codedFields() {
+    return std::tuple{requiredField("configuration", &Settings::configuration)};
+  }
 };
 
 template <class T>
@@ -56,6 +69,10 @@ constexpr Kind kindOf() {
             return T::opened(std::move(url), document);
           },
           T::listed,
+          [](fs::path url) -> std::shared_ptr<TweakProtocol> { return T::handle(std::move(url)); },
+          [](std::string_view document) {
+            return TweakConfiguration(decodeDocument<Settings<T>>(document).configuration);
+          },
           [](const fs::path& url) -> std::shared_ptr<TweakProtocol> {
             return T::handlePayloadAt(url);
           }};
@@ -115,17 +132,19 @@ void refuseSpecialFiles(const fs::path& folder, const fs::path& nameInArchive) {
   }
 }
 
+void refuseSpecialFilesInMember(const TweakFile& member) {
+  refuseSpecialFiles(DeviceRoot::shared().follow(member.url()),
+                     fs::path(kPayloadFolder) / "Tweaks" / member.id());
+}
+
 void refuseSpecialFiles(const TweakProtocol& item) {
-  const fs::path payload = kPayloadFolder;
   if (const auto* collection = dynamic_cast<const TweakCollection*>(&item)) {
     std::unordered_set<std::string> seen;  // a member may be named many times
     for (const std::shared_ptr<TweakFile>& tweak : collection->manifest().tweaks()) {
-      if (!seen.insert(tweak->id()).second) continue;
-      refuseSpecialFiles(DeviceRoot::shared().follow(tweak->url()),
-                         payload / "Tweaks" / tweak->id());
+      if (seen.insert(tweak->id()).second) refuseSpecialFilesInMember(*tweak);
     }
   } else {
-    refuseSpecialFiles(DeviceRoot::shared().follow(item.url()), payload);
+    refuseSpecialFiles(DeviceRoot::shared().follow(item.url()), kPayloadFolder);
   }
 }
 
@@ -144,10 +163,10 @@ fs::path storedURL(std::string_view id) {
 }
 
 /// Calls `visit` with the kind, the path and the document's bytes of every item in the tweaks
-/// directory, in directory order. Skips items that cannot be read or for which `visit` throws, as
-/// documented.
-template <class Visit>
-void visitDocuments(const Visit& visit) {
+/// directory, in directory order. For items that cannot be read or for which `visit` throws, calls
+/// `fail` with the identifier instead.
+template <class Visit, class Fail>
+void visitDocuments(const Visit& visit, const Fail& fail) {
   const fs::path folder = TweaksDirectory::url();
   try {
     const DeviceFolder store(DeviceRoot::shared(), folder);
@@ -158,11 +177,34 @@ void visitDocuments(const Visit& visit) {
       try {
         visit(*kind, folder / *name, readDocument(store.openedFile(kind->documentOf(*name))));
       } catch (const std::exception&) {
-        continue;
+        fail(*name);
       }
     }
   } catch (const std::system_error&) {
     return;  // as documented: it cannot be listed
+  }
+}
+
+/// The same, but leaves those items out, as documented for lists.
+template <class Visit>
+void visitDocuments(const Visit& visit) {
+  visitDocuments(visit, [](const std::string& /*id*/) {});
+}
+
+/// A visitor that appends the items to `items`.
+auto listInto(std::vector<ListedItem>& items) {
+  return [&items](const Kind& kind, fs::path url, std::string_view document) {
+    items.push_back(kind.listed(std::move(url), document));
+  };
+}
+
+/// The settings in the document of a broken item, if they are intact.
+std::optional<TweakConfiguration> settingsOf(const Kind& kind, std::string_view id) {
+  try {
+    const fs::path document = TweaksDirectory::url() / kind.documentOf(id);
+    return kind.settingsIn(readDocument(openedFile(DeviceRoot::shared(), document)));
+  } catch (const std::exception&) {
+    return std::nullopt;
   }
 }
 
@@ -192,8 +234,14 @@ std::vector<std::shared_ptr<TweakProtocol>> TweakManager::allTweaks() {
 
 std::vector<ListedItem> TweakManager::listedTweaks() {
   std::vector<ListedItem> items;
-  visitDocuments([&](const Kind& kind, fs::path url, std::string_view document) {
-    items.push_back(kind.listed(std::move(url), document));
+  visitDocuments(listInto(items));
+  return items;
+}
+
+std::vector<ListedItem> TweakManager::listedTweaks(std::vector<BrokenItem>& broken) {
+  std::vector<ListedItem> items;
+  visitDocuments(listInto(items), [&](const std::string& id) {
+    if (std::optional<BrokenItem> item = brokenWithID(id)) broken.push_back(std::move(*item));
   });
   return items;
 }
@@ -206,6 +254,21 @@ std::vector<OpenedItem> TweakManager::openNamed(std::string_view name) {
     }
   });
   return items;
+}
+
+std::optional<BrokenItem> TweakManager::brokenWithID(std::string_view id) {
+  const Kind* const kind = kindOfID(id);
+  if (kind == nullptr || !isPlainComponent(id)) return std::nullopt;
+  const fs::path url = TweaksDirectory::url() / id;
+  if (!isTaken(DeviceRoot::shared().followParent(url))) return std::nullopt;
+  try {
+    kind->at(url);
+    return std::nullopt;
+  } catch (const std::exception& error) {
+    const auto* tweak = dynamic_cast<const TweakFile::Error*>(&error);
+    if (tweak != nullptr && tweak->which() == TweakFile::ErrorCase::notFound) return std::nullopt;
+    return BrokenItem{kind->handle(url), error.what(), settingsOf(*kind, id)};
+  }
 }
 
 std::shared_ptr<TweakProtocol> TweakManager::tweakWithID(std::string_view id) {
@@ -243,8 +306,23 @@ std::filesystem::path TweakManager::export_(const TweakProtocol& tweak, Progress
   return exportAs(tweak.genericConfiguration().name(), tweak, progress);
 }
 
-std::filesystem::path TweakManager::exportOpened(const OpenedItem& opened, Progress* progress) {
-  return exportAs(opened.configuration().name(), *opened.item(), progress);
+std::filesystem::path TweakManager::exportOpened(const OpenedItem& opened,
+                                                 std::span<const TweakFile::Opened> members,
+                                                 const std::filesystem::path& folder,
+                                                 Progress* progress) {
+  const fs::path payload = folder / kPayloadFolder;
+  if (const TweakCollection::Opened* collection = opened.collection()) {
+    for (const TweakFile::Opened& member : members) refuseSpecialFilesInMember(*member.file);
+    collection->preparePayloadIn(payload, members);
+  } else {
+    refuseSpecialFiles(*opened.item());
+    opened.item()->preparePayloadIn(payload);
+  }
+  const std::shared_ptr<TweakProtocol> item = opened.item();
+  fs::path archive =
+      folder / archiveName(opened.configuration().name(), item->id(), item->archiveExtension());
+  ZIPArchive::zipItem(payload, archive, progress);
+  return archive;
 }
 
 TweakManager::Error TweakManager::Error::unknownTweakType() {

@@ -2,12 +2,15 @@
 
 #include <filesystem>
 #include <memory>
+#include <optional>
+#include <span>
 #include <string_view>
 #include <vector>
 
 #include "tavlen/foundation/errors/CasedError.h"
 #include "tavlen/items/ListedItem.h"
 #include "tavlen/items/TweakProtocol.h"
+#include "tavlen/store/BrokenItem.h"
 #include "tavlen/store/OpenedItem.h"
 
 namespace tavlen {
@@ -28,6 +31,11 @@ class TweakManager {
   static std::vector<std::shared_ptr<TweakProtocol>> allTweaks();
   /// As allTweaks(), but also returns the items' settings. Reads every document once.
   static std::vector<ListedItem> listedTweaks();
+  /// As listedTweaks(), and appends to `broken` the items that it leaves out: a tweak's folder, or
+  /// what lies where a collection does.
+  static std::vector<ListedItem> listedTweaks(std::vector<BrokenItem>& broken);
+  /// The broken item with that identifier; nothing if there is no such item, or it can be opened.
+  static std::optional<BrokenItem> brokenWithID(std::string_view id);
   /// The items of allTweaks() with that name, and their manifests. Reads every document once.
   static std::vector<OpenedItem> openNamed(std::string_view name);
 
@@ -56,8 +64,14 @@ class TweakManager {
   /// `progress` may be null. Throws ZIPError, std::system_error, and what reading the manifest
   /// throws.
   static std::filesystem::path export_(const TweakProtocol& tweak, Progress* progress = nullptr);
-  /// As export_(), but uses the manifest that was read. Throws as export_() does.
-  static std::filesystem::path exportOpened(const OpenedItem& opened, Progress* progress = nullptr);
+  /// As export_(), but uses what has been read, and leaves files in the empty folder `folder`,
+  /// which the caller removes. The archive of a collection is that of a copy with only `members`,
+  /// see TweakCollection::Opened::preparePayloadIn(); so it can be imported even if others are
+  /// missing. For a tweak, `members` must be empty. Throws as export_() does.
+  static std::filesystem::path exportOpened(const OpenedItem& opened,
+                                            std::span<const TweakFile::Opened> members,
+                                            const std::filesystem::path& folder,
+                                            Progress* progress = nullptr);
 };
 
 /// An error of the store.

@@ -99,6 +99,10 @@ ListedItem TweakFile::listed(std::filesystem::path url, std::string_view documen
   return {std::shared_ptr<TweakFile>(new TweakFile(std::move(url))), std::move(configuration)};
 }
 
+std::shared_ptr<TweakFile> TweakFile::handle(std::filesystem::path url) {
+  return std::shared_ptr<TweakFile>(new TweakFile(std::move(url)));
+}
+
 std::string TweakFile::documentOf(std::string_view id) {
   return std::string(id).append("/").append(kManifestFile);
 }

@@ -45,6 +45,8 @@ class TweakFile : public TweakProtocol, public std::enable_shared_from_this<Twea
   static Opened opened(std::filesystem::path url, std::string_view document);
   /// As opened(), but keeps only the settings. Throws DecodingError.
   static ListedItem listed(std::filesystem::path url, std::string_view document);
+  /// A handle on the folder `url`, which need not exist: for a broken item. Reads nothing.
+  static std::shared_ptr<TweakFile> handle(std::filesystem::path url);
   /// The path of the document of the tweak `id`, relative to the folder that contains the tweak.
   static std::string documentOf(std::string_view id);
   /// Creates a new tweak in the tweaks directory. Posts no notification; the caller announces the

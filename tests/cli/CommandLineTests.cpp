@@ -21,6 +21,7 @@ TEST_F(CommandTest, ArgumentsAreChecked) {
                      {"build", 2, "TWEAK is required"},
                      {"build a b", 2, "The following argument was not expected: b"},
                      {"build a -o", 2, "--output"},
+                     {"list --root ''", 2, "--root: it is empty\n"},
                      {"check", 2, "TWEAK is required"},
                      {"info --jason x", 2, "The following argument was not expected: --jason"}});
   EXPECT_THAT(run("--version").out, testing::MatchesRegex("tavlen [0-9.]+\n"));

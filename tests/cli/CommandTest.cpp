@@ -83,10 +83,23 @@ CommandTest::Result CommandTest::run(const std::string& line, const std::vector<
                                      const std::string& output) const {
   std::vector<std::string> words = wordsOf(line);
   words.insert(words.end(), more.begin(), more.end());
+  return resultOf(program_, std::move(words), environment_, output);
+}
+
+CommandTest::Result CommandTest::shell(const std::string& script) const {
+  std::vector<std::string> variables = environment_;
+  variables.push_back("tavlen=" + program_);
+  return resultOf("/bin/sh", {"-c", script}, std::move(variables), "");
+}
+
+CommandTest::Result CommandTest::resultOf(const std::string& program,
+                                          std::vector<std::string> words,
+                                          std::vector<std::string> variables,
+                                          const std::string& output) const {
   const std::string out = output.empty() ? (outputs_.path() / "out").string() : output;
   const std::string err = (outputs_.path() / "err").string();
   const int writing = O_WRONLY | O_CREAT | O_TRUNC;
-  const pid_t child = startCommand(program_, std::move(words), environment_, [&] {
+  const pid_t child = startCommand(program, std::move(words), std::move(variables), [&] {
     redirect(0, folder() / input_, O_RDONLY);
     redirect(1, out, writing);
     redirect(2, err, writing);

@@ -32,6 +32,9 @@ class CommandTest : public testing::Test {
   Result run(const std::string& line, const std::vector<std::string>& more = {},
              const std::string& output = "") const;
 
+  /// Runs a script of the shell in folder(), in which "$tavlen" is the command.
+  Result shell(const std::string& script) const;
+
   struct Refusal {
     std::string line;
     int status;
@@ -60,6 +63,9 @@ class CommandTest : public testing::Test {
   void helper(const std::string& script);
 
  private:
+  Result resultOf(const std::string& program, std::vector<std::string> words,
+                  std::vector<std::string> variables, const std::string& output) const;
+
   std::string program_ = paths().command;
   TemporaryFolder folder_;
   TemporaryFolder outputs_;

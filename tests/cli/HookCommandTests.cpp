@@ -38,8 +38,9 @@ TEST_F(HookCommandTest, AddsAtTheEndAndKeepsNulls) {
                         R"("signature":"v24@0:8@16","isClassMethod":true,"args":{}}]})"));
   const Result odd = run("hook add T A c: --signature v16@0:8");
   EXPECT_EQ(odd.status, 0) << "an instance method of that name is another hook";
-  EXPECT_EQ(odd.err,
-            "tavlen: warning: the signature \"v16@0:8\" does not fit the selector \"c:\"\n");
+  EXPECT_EQ(
+      odd.err,
+      "tavlen: warning: the signature \"v16@0:8\" has 0 arguments, the selector \"c:\" takes 1\n");
 }
 
 TEST_F(HookCommandTest, AHookIsNamedByItsMethodOrItsName) {
@@ -80,17 +81,18 @@ TEST_F(HookCommandTest, RefusesAndChangesNothing) {
   writeTweak("T", kFirst + "," + kSecond + "," + named + "," + named);
   const std::string before = manifest();
   expectRefused(
-      "hook",
-      {{"add T A b --signature v16@0:8", 1, "T: -[A b]: the tweak already hooks that method\n"},
-       {"add T A c\xFF --signature v", 1, "T: -[A c"},
-       {"add T A c", 2, "--signature is required"},
-       {"add T '' c --signature v", 2, "CLASS: it is empty"},
-       {"set T '-[A a:]'", 2, "At least 1 option"},
-       {"set T '-[A a:]' --name n --no-name", 2, ""},
-       {"set T '-[A a:]' --selector b", 1, "T: -[A a:]: the tweak already hooks that method\n"},
-       {"set T '-[A z]' --name n", 1, "T: -[A z]: Hook not found\n"},
-       {"remove T X", 1, "T: X: several hooks have that name; use"},
-       {"remove T", 2, "--hook is required"}});
+      "hook", {{"add T A b --signature v16@0:8", 1, "T: -[A b]: the tweak already hooks -[A b]\n"},
+               {"add T A c\xFF --signature v", 1, "T: -[A c"},
+               {"add T A c", 2, "--signature is required"},
+               {"add T '' c --signature v", 2, "CLASS: it is empty"},
+               {"set T '-[A a:]'", 2, "At least 1 option"},
+               {"set T '-[A a:]' --name n --no-name", 2, ""},
+               {"set T '-[A a:]' --selector b", 1, "T: -[A a:]: the tweak already hooks -[A b]\n"},
+               {"set T '-[A a:]' --class B --selector x", 1,
+                "T: -[A a:]: the tweak already hooks -[B x], as \"X\"\n"},
+               {"set T '-[A z]' --name n", 1, "T: -[A z]: Hook not found\n"},
+               {"remove T X", 1, "T: X: several hooks have that name; use"},
+               {"remove T", 2, "--hook is required"}});
   EXPECT_EQ(manifest(), before);
 }
 

@@ -48,6 +48,10 @@ TEST_F(InstallCommandTest, InstallsAndUninstalls) {
   EXPECT_EQ(run("uninstall C").status, 1) << "its member is, but it is not";
   EXPECT_EQ(run("install C").err,
             "tavlen: warning: the member gone cannot be opened and is left out\n" + kNoDevice);
+  writeCollection("E", "E", "");
+  EXPECT_EQ(run("install E").err,
+            "tavlen: error: E: has no members, so there is nothing to install; to uninstall, use "
+            "uninstall --app com.example.notes\n");
   EXPECT_EQ(installed("code.js"), "one();");
   EXPECT_EQ(run("uninstall T").status, 1);
   EXPECT_EQ(run("uninstall C").err, kNoDevice);
@@ -60,6 +64,15 @@ TEST_F(InstallCommandTest, InstallsAndUninstalls) {
             "tavlen: error: com.example.notes: no tweak is installed\n");
   EXPECT_EQ(run("uninstall").status, 2);
   EXPECT_EQ(run("uninstall T --app x").status, 2);
+}
+
+TEST_F(InstallCommandTest, SignalsThatTheParentIgnoresChangeNothing) {
+  newTweak("T");
+  EXPECT_EQ(shell("env --ignore-signal=CHLD \"$tavlen\" install T").err, kNoDevice);
+  const Result closed =
+      shell("trap '' PIPE; (sleep .2; \"$tavlen\" list; echo $? >status) | true; cat status");
+  EXPECT_EQ(closed.err, "");
+  EXPECT_EQ(closed.out, std::to_string(128 + SIGPIPE) + "\n");
 }
 
 TEST_F(InstallCommandTest, AFailureIsShownAtItsPlace) {
@@ -152,16 +165,33 @@ TEST_F(ArchiveCommandTest, TheOtherFilesAreImportedAllTheSame) {
   EXPECT_EQ(entries(stored("")), 3U);
 }
 
-TEST_F(ArchiveCommandTest, WarnsOfMembersThatDoNotOpen) {
-  writeCollection("C", "C", R"("gone","C.collection")");
-  const Result result = run("export C -o c.zip");
+TEST_F(ArchiveCommandTest, MembersThatDoNotOpenAreNamedOrLeftOut) {
+  writeCollection("C", "C", "\"gone\",\"" + newTweak("T") + R"(","C.collection")");
+  expectRefused("export C -o", {{"c.tvxc", 1,
+                                 "C: cannot open the members gone, C.collection; --skip-missing "
+                                 "exports a copy without them\n"}});
+  const Result result = run("export C --skip-missing -o c.zip");
   EXPECT_EQ(result.status, 0);
   for (const std::string text :
        {"gone: this member", "C.collection: this member", "c.zip: import recognises"}) {
     EXPECT_NE(result.err.find("tavlen: warning: " + text), std::string::npos) << result.err;
   }
   fs::rename(folder() / "c.zip", folder() / "c.TVXC");
-  EXPECT_EQ(run("import c.TVXC").status, 1);
+  const std::string members = run("collection list --json", {only("import c.TVXC")}).out;
+  EXPECT_THAT(members, testing::StartsWith(R"([{"name":"T",)"));
+  EXPECT_EQ(members.find("true"), std::string::npos) << "none is missing";
+}
+
+TEST_F(ArchiveCommandTest, TheStoreNeedNotBeWritable) {
+  newTweak("T");
+  const fs::path blocked = folder() / stored("../.TemporaryItems");
+  fs::create_symlink("nowhere", blocked);
+  const std::size_t before = entries(".");
+  only("export T -o file.tvx");
+  EXPECT_EQ(shell("\"$tavlen\" export T -o - >stream.tvx").err, "");
+  EXPECT_EQ(entries("."), before + 2) << "nothing temporary is left";
+  fs::remove(blocked);
+  only("import file.tvx stream.tvx");
 }
 
 class OpenCount {
@@ -194,19 +224,30 @@ TEST_F(CommandStoreTest, EachCommandOpensATweaksDocumentOnce) {
   std::string collection = run("collection new C --app com.example.notes").out;
   collection.pop_back();
   OpenCount opens(folder() / stored(id), "Manifest.json");
-  for (const std::string& command :
-       {std::string("hook add Tweak A b --signature v16@0:8"), std::string("hook list Tweak"),
-        std::string("hook set Tweak '-[A b]' --name N"), std::string("param set Tweak N 0 nil"),
-        std::string("param get Tweak N"), std::string("override add Tweak DisplayName Other"),
-        std::string("override list Tweak"), std::string("show Tweak"), std::string("list"),
-        std::string("source Tweak"), std::string("check Tweak"), std::string("build Tweak"),
-        std::string("install Tweak"), std::string("uninstall Tweak"),
-        "collection add " + collection + " Tweak", "collection list " + collection,
-        "install " + collection, std::string("export Tweak"), std::string("delete Tweak")}) {
+  for (const std::string& command : {std::string("hook add Tweak A b --signature v16@0:8"),
+                                     std::string("hook list Tweak"),
+                                     std::string("hook set Tweak '-[A b]' --name N"),
+                                     std::string("param set Tweak N 0 nil"),
+                                     std::string("param get Tweak N"),
+                                     std::string("override add Tweak DisplayName Other"),
+                                     std::string("override list Tweak"),
+                                     std::string("show Tweak"),
+                                     std::string("list"),
+                                     std::string("source Tweak"),
+                                     std::string("check Tweak"),
+                                     std::string("build Tweak"),
+                                     std::string("install Tweak"),
+                                     std::string("uninstall Tweak"),
+                                     "collection add " + collection + " Tweak",
+                                     "collection list " + collection,
+                                     "install " + collection,
+                                     "export " + collection,
+                                     std::string("export Tweak"),
+                                     std::string("delete Tweak")}) {
     const Result result = run(command);
     EXPECT_EQ(result.status, 0) << command << "\n" << result.err;
     // What is exported is read, and copied.
-    EXPECT_EQ(opens.take(), command == "export Tweak" ? 2 : 1) << command;
+    EXPECT_EQ(opens.take(), command.starts_with("export") ? 2 : 1) << command;
   }
 }
 

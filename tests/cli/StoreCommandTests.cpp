@@ -34,7 +34,7 @@ TEST_F(CommandStoreTest, NewMakesATweakOrSaysWhatIsWrong) {
       << "what is refused makes nothing";
 }
 
-TEST_F(CommandStoreTest, ListSortsWhatOpensAndCountsTheRest) {
+TEST_F(CommandStoreTest, ListSortsItemsAndCountsOtherEntries) {
   const std::string alpha = newTweak("alpha");
   const std::string beta = newTweak("Beta", "com.gone");
   writeCollection("C", R"(a\u001b collection)", "");
@@ -49,12 +49,12 @@ TEST_F(CommandStoreTest, ListSortsWhatOpensAndCountsTheRest) {
                        R"("installed":true,"identifier":")" +
                        alpha + R"("},{"name":"Beta","kind":"tweak","bundleID":"com.gone",)" +
                        R"("installed":false,"identifier":")" + beta + "\"}]\n"));
-  for (int i = 0; i < 300; ++i) write(stored("broken" + std::to_string(i)) + "/x", "");
   write(stored(".hidden"), "");
-  fs::create_directory(folder() / (stored(beta) + ".collection"));
+  write(stored("note.txt"), "");
+  write(stored("note"), "");
   const Result some = run("list");
   EXPECT_EQ(some.out, all.out);
-  EXPECT_EQ(some.err.substr(0, 28), "tavlen: warning: 301 entries");
+  EXPECT_THAT(some.err, EndsWith("/Tweaks are not items and are left out\n"));
   fs::remove_all(folder() / stored(""));
   write(stored("").substr(0, stored("").size() - 1), "");
   EXPECT_THAT(run("list").err, EndsWith("/Tweaks: Not a directory\n"));
@@ -76,20 +76,45 @@ TEST_F(CommandStoreTest, ItemsGoByIdentifierNameOrPath) {
   EXPECT_THAT(run("show C.collection --json").out, HasSubstr(R"("kind":"collection","path":")"));
   newTweak("My");
   newTweak("My");
-  write(stored("BAD") + "/Manifest.json", "{");
-  write(stored("BAD.collection"), "[]");
-  const std::string store = (folder() / "tree").string() + std::string(kTweaksDir) + "/";
   for (const char* command : {"show", "install", "delete", "uninstall"}) {
     expectRefused(
         command,
         {{"'my tweak'", 1, "my tweak: no stored tweak or collection has that identifier or name\n"},
          {"My", 1, "My: several items have that name; name one by its identifier: "},
-         {"BAD.collection", 1, store + "BAD.collection: expected a dictionary, found an array\n"},
          {"./BAD", 1, "./BAD: Not found\n"},
          {"tree", 1, "tree: Missing Manifest.json\n"},
          {"here/Manifest.json", 1, "here/Manifest.json: Unknown tweak type\n"}});
   }
   EXPECT_EQ(run("build Both").err, kError + "Both: is a collection, not a tweak\n");
+}
+
+TEST_F(CommandStoreTest, ABrokenItemIsListedShownAndDeletedByItsIdentifier) {
+  const std::string id = newTweak("T");
+  EXPECT_EQ(run("install T").status, 0);
+  std::string manifest = contents(stored(id) + "/Manifest.json");
+  manifest.replace(manifest.find("[]}"), 3, "[1]}");
+  write(stored(id) + "/Manifest.json", manifest);
+  write(stored("BAD.collection"), "[]");
+  const std::string error = "expected a dictionary, found a";
+  EXPECT_EQ(run("list").err, "");
+  EXPECT_THAT(run("list").out, HasSubstr(id + "  hooks[0]: " + error));
+  const std::string json = run("list --json").out;
+  EXPECT_THAT(json, HasSubstr(R"({"kind":"collection","installed":false,)"
+                              R"("identifier":"BAD.collection","error":")" +
+                              error));
+  EXPECT_THAT(json, HasSubstr(R"({"kind":"tweak","installed":true,"identifier":")" + id));
+  const Result shown = run("show", {id});
+  EXPECT_EQ(shown.status, 1);
+  EXPECT_THAT(shown.out, StartsWith("Name:       T\nKind:       tweak\n"));
+  EXPECT_THAT(shown.out, HasSubstr("Installed:  yes\nScript:     none\n"));
+  EXPECT_THAT(shown.err, HasSubstr("Manifest.json: hooks[0]: " + error));
+  EXPECT_THAT(run("show BAD.collection --json").out, HasSubstr(R"(,"installed":false,"error":")"));
+  EXPECT_EQ(run("show BAD").err,
+            kError + "BAD: no stored tweak or collection has that identifier or name\n");
+  EXPECT_EQ(run("delete", {id}).status, 0);
+  EXPECT_EQ(run("delete BAD.collection").err, "");
+  EXPECT_THAT(run("list").err, StartsWith("tavlen: nothing is stored in "));
+  EXPECT_EQ(run("uninstall --app com.example.notes").status, 1) << "it has been uninstalled";
 }
 
 TEST_F(CommandStoreTest, DeleteTakesAwayWhatTheStoreHolds) {
@@ -188,6 +213,9 @@ TEST_F(CommandStoreTest, AScriptIsStoredWholeOrNotAtAll) {
   setInput("new");
   EXPECT_EQ(run("script set T -").err, "");
   EXPECT_EQ(run("script show T").out, contents("new"));
+  EXPECT_EQ(shell("printf 'piped();' | \"$tavlen\" script set T /dev/stdin").err, "");
+  EXPECT_EQ(run("script show T").out, "piped();");
+  EXPECT_EQ(run("script set T -").err, "");
   write("bad", "\xFFx");
   setInput("bad");
   expectRefused("script set T", {{"bad", 1, "bad: is not UTF-8\n"},
@@ -212,7 +240,7 @@ TEST_F(CommandStoreTest, AnEditedScriptIsNeverLost) {
       {"sed -i s/old/new/", "new", "", false},
       {"f() { rm \"$1\"; printf new >\"$1\"; }; f", "new", "", false},
       {"true", "old", "tavlen: the script is unchanged\n", false},
-      {"false", "old", "tavlen: error: false: ended with status 1\n", false},
+      {"false", "old", "tavlen: error: false: ended with status 1 (there is no terminal)\n", false},
       {"f() { printf new >\"$1\"; exit 3; }; f", "old", "tavlen: error: ", true},
       {"f() { printf '\\377' >\"$1\"; }; f", "old", "tavlen: error: ", true},
       {"f() { printf new >\"$1\"; printf other >'" + (folder() / script).string() + "'; }; f",
@@ -239,6 +267,8 @@ TEST_F(CommandStoreTest, AnEditedScriptIsNeverLost) {
     }
     EXPECT_EQ(leavings, row.isKept ? 1U : 0U) << row.editor;
   }
+  environment();
+  EXPECT_THAT(run("script edit T").err, StartsWith(kError + "there is no terminal for an editor"));
   environment({"VISUAL=sed -i s/old/visual/", "EDITOR=false"});
   write(script, "old");
   EXPECT_EQ(run("script edit T").status, 0);

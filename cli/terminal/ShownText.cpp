@@ -1,11 +1,13 @@
 #include "cli/terminal/ShownText.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <system_error>
 
 #include "tavlen/device/Process.h"
 #include "tavlen/foundation/errors/LocalizedError.h"
 #include "tavlen/foundation/files/TemporaryDirectory.h"
+#include "tavlen/foundation/files/TemporaryFile.h"
 #include "tavlen/foundation/files/URL.h"
 #include "tavlen/foundation/text/Characters.h"
 
@@ -22,11 +24,19 @@ std::string_view withoutFirst(std::string_view path) {
   return slash == path.npos ? std::string_view() : path.substr(slash + 1);
 }
 
+/// A new item gets its name only when it is complete. Until then, users know the folder around it.
+std::string withoutDraftName(std::string_view path) {
+  const std::size_t begin = path.find("/" + std::string(kTemporaryPrefix));
+  if (begin == path.npos) return std::string(path);
+  const std::size_t end = std::min(path.find('/', begin + 1), path.size());
+  return std::string(path.substr(0, begin)).append(path.substr(end));
+}
+
 /// The part of a path that means something to the user: what lies inside a temporary item, or the
 /// folder that holds the temporary items.
 std::string withoutTemporaryFolder(std::string_view path) {
   const std::size_t items = path.find(kItemsFolder);
-  if (items == path.npos) return std::string(path);
+  if (items == path.npos) return withoutDraftName(path);
   std::string_view inside = withoutFirst(withoutFirst(path.substr(items)));
   // An item that is being made has its identifier as its name.
   constexpr std::size_t kIdentifier = 36;

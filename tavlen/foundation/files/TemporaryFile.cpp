@@ -19,7 +19,6 @@ namespace tavlen {
 
 namespace {
 
-constexpr std::string_view kPrefix = ".tavlen-";
 /// Longer than any write takes, so that a file in use is never taken for a left-over.
 constexpr std::chrono::minutes kLeftOverAge(10);
 
@@ -40,7 +39,7 @@ bool isSweepDue(int folder) {
 }
 
 bool isLeftOver(int folder, const std::string& name) {
-  if (!name.starts_with(kPrefix)) return false;
+  if (!name.starts_with(kTemporaryPrefix)) return false;
   struct stat status {};
   if (::fstatat(folder, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) return false;
   const auto written = std::chrono::system_clock::from_time_t(status.st_mtime);
@@ -59,7 +58,7 @@ void removeEntry(int folder, const std::string& name) {
 
 std::string temporaryName() {
   std::random_device random;
-  return std::string(kPrefix) + std::to_string(random()) + "-" + std::to_string(random());
+  return std::string(kTemporaryPrefix) + std::to_string(random()) + "-" + std::to_string(random());
 }
 
 TemporaryFile::TemporaryFile(int parent, const std::filesystem::path& folder, mode_t mode,
@@ -82,7 +81,7 @@ void TemporaryFile::finish() {
 }
 
 bool isTemporaryName(const std::filesystem::path& name) {
-  return name.native().starts_with(kPrefix) || name == TemporaryDirectory::kItemsFolder;
+  return name.native().starts_with(kTemporaryPrefix) || name == TemporaryDirectory::kItemsFolder;
 }
 
 void sweepTemporaryFiles(int folder) {

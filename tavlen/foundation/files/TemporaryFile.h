@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <string>
+#include <string_view>
 
 #include "tavlen/foundation/files/FileDescriptor.h"
 
@@ -42,6 +43,9 @@ class TemporaryFile {
   std::filesystem::path path_;  ///< empty once the file was renamed
   FileDescriptor file_;
 };
+
+/// How the names of temporary files, and those of temporaryName(), begin.
+inline constexpr std::string_view kTemporaryPrefix = ".tavlen-";
 
 /// A random name for which isTemporaryName() is true: for items that are created or deleted in a
 /// folder whose listings omit such names.

@@ -19,7 +19,8 @@ class NotificationPoster;
 
 /// A handle on an installed app, identified by its bundle's folder. AppList caches handles.
 ///
-/// Threads: calls may run concurrently, except that two must not set the active tweak of one app.
+/// Threads: calls may run concurrently, except that two must not set the active tweak of one app,
+/// in one process or in two.
 class IPA : public std::enable_shared_from_this<IPA> {
  public:
   /// The cases of Error.

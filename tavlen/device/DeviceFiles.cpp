@@ -25,12 +25,12 @@ FileDescriptor DeviceFolder::opened() const {
   return FileDescriptor::openAt(folder_.get(), ".", kOpenFolder, path_);
 }
 
-RandomAccessFile DeviceFolder::openedFile(const std::string& name) const {
+RandomAccessFile DeviceFolder::openedFile(std::string name) const {
   if (!hasOwnLinks_) return RandomAccessFile(name, folder_.get());
   FileDescriptor file = FileDescriptor::tryOpenBelow(folder_.get(), name, kOpenToRead);
   if (!file && (errno == ELOOP || errno == ENOTDIR)) file = root_.open(path_ / name, kOpenToRead);
   if (!file) throwSystemError(name);
-  return {std::move(file), name};
+  return {std::move(file), std::move(name)};
 }
 
 std::unique_ptr<FileReplacement> replacementOf(const DeviceRoot& root, const fs::path& path,
@@ -59,7 +59,10 @@ std::optional<fs::path> pathInside(const DeviceRoot& root, const fs::path& folde
   if (!isRelativeName(name)) return std::nullopt;
   try {
     const fs::path base = root.follow(folder);
-    fs::path file = root.follow(base / name);
+    // Normalised first: a path that leaves the root by ".." would not be followed.
+    const fs::path named = (base / name).lexically_normal();
+    if (!isAtOrBelow(named, base)) return std::nullopt;
+    fs::path file = root.follow(named);
     if (file == base || !isAtOrBelow(file, base)) return std::nullopt;
     return file;
   } catch (const std::system_error&) {

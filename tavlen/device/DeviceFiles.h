@@ -29,7 +29,7 @@ class DeviceFolder {
   /// The folder opened once more, for a reader of its names.
   FileDescriptor opened() const;
   /// As openedFile(root, path / name). While there is no link on the way, only `name` is looked up.
-  RandomAccessFile openedFile(const std::string& name) const;
+  RandomAccessFile openedFile(std::string name) const;
 
  private:
   DeviceRoot root_;

@@ -235,7 +235,8 @@ TEST_F(IPATest, AFailedInstallationLeavesTheOldOneOrNoRecord) {
 
   // One that does not run here, that stops before its work, after it, and at the removal.
   for (const char* script : {"exit 3", "case $2 in *notes) exit 3; esac",
-                             "case $2 in *notes) rm -rf \"$2\"; exit 3; esac"}) {
+                             "case $2 in *notes) rm -rf \"$2\"; exit 3; esac",
+                             "case $2 in *notes) mkdir -p \"$2\"/T1.bundle; exit 3; esac"}) {
     helper(script);
     for (const InstallableTweak* tweak :
          std::initializer_list<const SamplePackage*>{&next, nullptr}) {
@@ -278,6 +279,15 @@ TEST_F(IPATest, ALinkInThePlaceOfTheInstallationIsTheHelpers) {
   EXPECT_TRUE(fs::exists(tree_.path() / "var/mobile/Documents/kept"));
   EXPECT_EQ(calls(),
             "kvfileops cleanup " + InstalledRecords::directory("com.example.notes") + " 0\n");
+
+  // Nor does a failure empty what the link leads to on this machine.
+  const TemporaryFolder machine;
+  machine.write("kept", "kept");
+  fs::remove(installed().parent_path() / "com.example.notes");
+  fs::create_directory_symlink(machine.path(), installed().parent_path() / "com.example.notes");
+  helper("case $2 in *notes) exit 3; esac");
+  EXPECT_THROW(IPA::withAppDir(appDir())->setActiveTweak(nullptr), Process::Error);
+  EXPECT_TRUE(fs::exists(machine.path() / "kept"));
 }
 
 TEST_F(IPATest, WhatItMayNotWriteGoesThroughTheHelper) {

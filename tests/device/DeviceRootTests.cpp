@@ -2,6 +2,7 @@
 
 #include <sys/stat.h>
 
+#include "tavlen/device/DeviceFiles.h"
 #include "tavlen/device/TweakInfo.h"
 #include "tests/support/TableFile.h"
 #include "tests/support/TemporaryFolder.h"
@@ -59,6 +60,12 @@ TEST(DeviceRoot, FollowsLinksBelowTheRoot) {
     EXPECT_EQ(root.resolve(devicePath), tree / resolved);
   }
   EXPECT_THROW(root.resolve("/circle/x"), std::system_error);
+  EXPECT_EQ(pathInside(root, tree / "var", "mobile/file"), tree / "private/var/mobile/file");
+  EXPECT_EQ(pathInside(root, tree / "private/up", "../../../beside/secret"), std::nullopt);
+  const std::string outside = (folder.path() / "outside/secret").relative_path();
+  for (const std::string up : {"../../../../../../../../", "./../../../../../../../../../x/../"}) {
+    EXPECT_EQ(pathInside(root, tree / "var", up + outside), std::nullopt) << up;
+  }
   EXPECT_EQ(DeviceRoot("/").resolve((tree / "var").native()), tree / "var");
 }
 

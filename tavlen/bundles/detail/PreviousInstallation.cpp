@@ -28,8 +28,9 @@ void moveEntryAside(const fs::path& entry, const fs::path& copy) {
     if (!isMissingPermission(error.code())) throw;
     try {
       copyItem(entry, copy);
-    } catch (const std::system_error&) {
-      return;  // Then it cannot come back.
+    } catch (const std::system_error& unread) {
+      // Then it cannot come back. Any other error stops the installation while nothing is lost.
+      if (!isMissingPermission(unread.code())) throw;
     }
   }
 }
@@ -63,46 +64,66 @@ PreviousInstallation::PreviousInstallation(fs::path folder, fs::path aside)
   hadRecord_ = std::erase(names_, fs::path(kTweakInfoFilename)) > 0;
 }
 
-void PreviousInstallation::moveAside() {
+void PreviousInstallation::takeAway(bool isFollowedByTweak) {
   if (hadRecord_) moveEntryAside(folder_ / kTweakInfoFilename, aside_ / kTweakInfoFilename);
   for (const fs::path& name : names_) moveEntryAside(folder_ / name, aside_ / name);
+  hasHelperStarted_ = true;
+  FileOperations::cleanUp(folder_, isFollowedByTweak);
 }
 
-void PreviousInstallation::removeNew() const {
-  std::error_code error;
+void PreviousInstallation::removeFromFolder(const std::vector<fs::path>& names) const {
   bool isStuck = false;
-  for (const fs::directory_entry& entry : fs::directory_iterator(folder_, error)) {
-    if (std::find(names_.begin(), names_.end(), entry.path().filename()) != names_.end()) continue;
-    removeQuietly(entry.path());
-    isStuck = isStuck || isTaken(entry.path());
+  for (const fs::path& name : names) {
+    removeQuietly(folder_ / name);
+    isStuck = isStuck || isTaken(folder_ / name);
   }
-  if (isStuck) FileOperations::cleanUp(folder_, existed_);
+  if (isStuck && hasHelperStarted_) FileOperations::cleanUp(folder_, existed_);
 }
 
-bool PreviousInstallation::restore(const fs::path& name) const {
-  if (isTaken(folder_ / name)) return true;
-  if (!isTaken(aside_ / name)) return false;
-  moveOrCopyByHelper(aside_ / name, folder_ / name);
-  return true;
+void PreviousInstallation::makeFolder() const {
+  std::error_code error;
+  if (!isFolder(folder_) && !fs::create_directory(folder_, error)) {
+    FileOperations::cleanUp(folder_, true);
+  }
 }
 
-void PreviousInstallation::putBack() const noexcept {
+bool PreviousInstallation::restore(const fs::path& name) const noexcept {
   try {
-    removeNew();
-    std::error_code error;
-    if (!existed_) {
-      fs::remove(folder_, error);
-      return;
-    }
-    if (!isFolder(folder_) && !fs::create_directory(folder_, error)) {
-      FileOperations::cleanUp(folder_, true);
-    }
-    bool isWhole = true;
-    for (const fs::path& name : names_) isWhole = restore(name) && isWhole;
-    if (isWhole && hadRecord_) restore(kTweakInfoFilename);
+    // Until the helper starts, whatever is in the folder is whole, and a copy aside is not needed.
+    if (isTaken(folder_ / name)) return !hasHelperStarted_;
+    if (!isTaken(aside_ / name)) return false;
+    moveOrCopyByHelper(aside_ / name, folder_ / name);
+    return true;
   } catch (const std::exception&) {
-    return;  // No record stands for what did not come back.
+    return false;
   }
+}
+
+bool PreviousInstallation::putBack(const std::vector<fs::path>& placed) const noexcept {
+  try {
+    if (isFolder(folder_)) removeFromFolder(placed);
+    if (!existed_) {
+      std::error_code ignored;
+      // Only an empty folder, and no link that has stood in its place all the time.
+      if (isFolder(folder_)) fs::remove(folder_, ignored);
+      return true;
+    }
+    makeFolder();
+    // The helper may have stopped in the middle of an entry, which the one aside replaces. If one
+    // could not be kept aside, what is left of it stays.
+    const bool areAside = std::all_of(names_.begin(), names_.end(),
+                                      [&](const fs::path& name) { return isTaken(aside_ / name); });
+    if (hasHelperStarted_ && areAside) removeFromFolder(names_);
+    makeFolder();
+  } catch (const std::exception&) {
+    // What can be restored all the same is restored.
+  }
+  bool isWhole = true;
+  for (const fs::path& name : names_) isWhole = restore(name) && isWhole;
+  if (!hadRecord_) return isWhole;
+  if (isWhole) return restore(kTweakInfoFilename);
+  removeQuietly(folder_ / kTweakInfoFilename);
+  return false;
 }
 
 }  // namespace tavlen

@@ -17,23 +17,26 @@ class PreviousInstallation {
   PreviousInstallation(std::filesystem::path folder, std::filesystem::path aside);
 
   /// Empties the folder, beginning with the record, so that a crash leaves none rather than one of
-  /// half a tweak. What the library may not move is copied, as far as it can be read, and left to
-  /// the helper. Throws std::system_error.
-  void moveAside();
-  /// Removes what came in its place and puts everything back, the record last and only if all the
-  /// rest is there. Where the library may not write, by the helper. Failures are not reported: the
-  /// caller has one to report.
-  void putBack() const noexcept;
+  /// half a tweak. Entries that may not be moved are copied, as far as they can be read, and left
+  /// to the helper, which then leaves an empty folder if a tweak follows, else none. Throws
+  /// std::system_error and Process::Error.
+  void takeAway(bool isFollowedByTweak);
+  /// Removes `placed`, the names that the new installation has put into the folder, and puts
+  /// everything back, the record last and only if all the rest is there. Where the library may not
+  /// write, by the helper. Returns whether all is as it was; if not, what is missing may lie aside.
+  bool putBack(const std::vector<std::filesystem::path>& placed) const noexcept;
 
  private:
-  void removeNew() const;
+  void removeFromFolder(const std::vector<std::filesystem::path>& names) const;
+  void makeFolder() const;
   /// Whether `name` is back, or never went.
-  bool restore(const std::filesystem::path& name) const;
+  bool restore(const std::filesystem::path& name) const noexcept;
 
   std::filesystem::path folder_;
   std::filesystem::path aside_;
   bool existed_;
   bool hadRecord_ = false;
+  bool hasHelperStarted_ = false;             ///< it may have stopped halfway
   std::vector<std::filesystem::path> names_;  ///< of what the folder held besides the record
 };
 

@@ -5,6 +5,7 @@
 #include <map>
 #include <optional>
 #include <utility>
+#include <vector>
 
 #include "tavlen/bundles/IPA.h"
 #include "tavlen/bundles/InstallableTweak.h"
@@ -46,7 +47,7 @@ class Installation {
   }
 
   void replaceBy(const InstallableTweak* tweak) {
-    const TemporaryDirectory work(workParent());
+    TemporaryDirectory work(workParent());
     const fs::path package = work.path() / "package";
     const fs::path aside = work.path() / "aside";
     fs::create_directory(package);
@@ -63,11 +64,11 @@ class Installation {
 
     PreviousInstallation previous(target_, aside);
     try {
-      previous.moveAside();
-      FileOperations::cleanUp(target_, tweak != nullptr);
+      previous.takeAway(tweak != nullptr);
       if (tweak != nullptr) putInPlace(package, archive);
     } catch (...) {
-      previous.putBack();
+      // What cannot be put back is kept for a day.
+      if (!previous.putBack(placed_)) work.release();
       throw;
     }
     try {
@@ -105,12 +106,14 @@ class Installation {
   }
 
   /// The record comes last: after a failure there is none, rather than one of an incomplete tweak.
-  void putInPlace(const fs::path& package, const std::string& archive) const {
+  void putInPlace(const fs::path& package, const std::string& archive) {
     for (const fs::directory_entry& entry : fs::directory_iterator(package)) {
-      moveOrCopyByHelper(entry.path(), target_ / entry.path().filename());
+      placed_.push_back(entry.path().filename());
+      moveOrCopyByHelper(entry.path(), target_ / placed_.back());
     }
     const fs::path record = package / kTweakInfoFilename;
     replaceFile(record, archive);
+    placed_.emplace_back(kTweakInfoFilename);
     moveOrCopyByHelper(record, target_ / kTweakInfoFilename);
   }
 
@@ -138,6 +141,7 @@ class Installation {
   fs::path target_;                     ///< the same folder, as a host path
   std::optional<TweakInfo> installed_;  ///< the record before
   TweakInfo next_;                      ///< the record after
+  std::vector<fs::path> placed_;        ///< the names of what is in place, or being put there
 };
 
 }  // namespace

@@ -89,10 +89,14 @@ std::optional<BrokenItem> brokenItem(const std::string& text) {
 
 std::filesystem::path folderOfItem(const std::string& text) {
   fs::path store = TweaksDirectory::url();
-  const bool isPath = isItemPath(text);
-  if (!isPath && !isStored(text)) return store;
+  if (!isItemPath(text)) return store;
+  fs::path path = fs::absolute(text);
+  if (!path.has_filename()) path = path.parent_path();
+  const DeviceRoot root = DeviceRoot::shared();
   try {
-    return canonical(DeviceRoot::shared(), isPath ? fs::path(text) : store / text).parent_path();
+    // However an entry of the store is named, and even if it is a link, it is locked there.
+    if (root.followParent(path).parent_path() == store) return store;
+    return canonical(root, path).parent_path();
   } catch (const std::system_error&) {
     return store;
   }

@@ -1,8 +1,11 @@
 #include "tavlen/bundles/InfoManager.h"
 
+#include <gmock/gmock.h>
 #include <sys/stat.h>
 
+#include "tavlen/foundation/base/Limits.h"
 #include "tavlen/foundation/plist/PropertyListEncoder.h"
+#include "tests/support/AppPlist.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/Thrown.h"
 
@@ -191,6 +194,22 @@ TEST(ResizedIcon, KeepsItsAspectAndIsNeitherEmptyNorHuge) {
     EXPECT_EQ(thrown<InfoManager::Error>([&] { InfoManager::resizedIcon(wide, size); }),
               InfoManager::Error::couldNotResize());
   }
+}
+
+TEST_F(InfoManagerTest, FilesMayBeAsLargeAsTheirLimits) {
+  writeIcon("I.png", square(7));
+  fs::resize_file(bundle() / "I.png", limits::kIconFileBytes);
+  EXPECT_EQ(outcome("I.png/"), "7");
+  fs::resize_file(bundle() / "I.png", limits::kIconFileBytes + 1);
+  EXPECT_EQ(outcome("I.png"), "Icon not found: I.png");
+
+  std::string plist = appPlist("a.b", "exe");
+  plist.resize(limits::kInfoPlistBytes, ' ');
+  write("Info.plist", plist);
+  EXPECT_EQ(InfoManager(bundle()).info().bundleID, "a.b");
+  write("Info.plist", plist + " ");
+  EXPECT_THAT(messageOf([&] { InfoManager(bundle()).info(); }),
+              testing::HasSubstr("more than 16777216 bytes"));
 }
 
 }  // namespace

@@ -13,7 +13,7 @@ namespace tavlen::cli {
 /// Keeps other commands from editing the items of one folder during its lifetime (RAII): without
 /// it, of two commands that read, change and write one document, one would lose its change.
 ///
-/// It locks the folder itself, with flock(): no file is made, nothing stays behind after a crash,
+/// It locks the folder itself, with flock(): no file is made, nothing remains after a crash,
 /// and a child process inherits nothing. Commands that only read take no lock. Not for use while an
 /// editor, another child process or a slow input is awaited.
 class StoreLock {

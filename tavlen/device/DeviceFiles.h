@@ -38,7 +38,7 @@ class DeviceFolder {
   FileDescriptor folder_;
 };
 
-/// Prepares new contents for a file; its folder exists.
+/// Prepares new contents for a file, whose folder must exist; see FileReplacement. Never null.
 std::unique_ptr<FileReplacement> replacementOf(const DeviceRoot& root,
                                                const std::filesystem::path& path,
                                                std::string_view contents);
@@ -47,7 +47,8 @@ std::unique_ptr<FileReplacement> replacementOf(const DeviceRoot& root,
 void replaceFile(const DeviceRoot& root, const std::filesystem::path& path,
                  std::string_view contents);
 
-/// The absolute path without links of what stands at `path`. Throws ENOENT where nothing does.
+/// The absolute path, without links, of the file or folder at `path`. Throws ENOENT if there is
+/// none.
 std::filesystem::path canonical(const DeviceRoot& root, const std::filesystem::path& path);
 
 /// As pathInside(folder, name), by the device's links; the path that is returned holds none.

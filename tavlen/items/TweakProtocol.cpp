@@ -66,8 +66,8 @@ void TweakProtocol::delete_() {
 
 void TweakProtocol::remove() {
   const fs::path item = DeviceRoot::shared().followParent(fs::absolute(url()));
-  // Out of sight in one step, under a name that lists leave out, and off the disk afterwards. Both
-  // names lie in the same folder, so that no folder need be made, which takes space.
+  // Renamed first, to a name that lists leave out, so that the item disappears in one step. The new
+  // name is in the same folder: making a folder for it would need space on the disk.
   const fs::path hidden = item.parent_path() / temporaryName();
   std::error_code error;
   fs::rename(item, hidden, error);

@@ -21,9 +21,11 @@ bool isFolder(const fs::path& path) {
   return fs::is_directory(fs::symlink_status(path, ignored));
 }
 
-void moveEntryAside(const fs::path& entry, const fs::path& copy) {
+/// Returns whether the entry has left its place; otherwise it is copied, if it can be read.
+bool moveEntryAside(const fs::path& entry, const fs::path& copy) {
   try {
     moveItem(entry, copy);
+    return true;
   } catch (const std::system_error& error) {
     if (!isMissingPermission(error.code())) throw;
     try {
@@ -32,6 +34,7 @@ void moveEntryAside(const fs::path& entry, const fs::path& copy) {
       // Then it cannot come back. Any other error stops the installation while nothing is lost.
       if (!isMissingPermission(unread.code())) throw;
     }
+    return false;
   }
 }
 
@@ -66,7 +69,9 @@ PreviousInstallation::PreviousInstallation(fs::path folder, fs::path aside)
 
 void PreviousInstallation::takeAway(bool isFollowedByTweak) {
   if (hadRecord_) moveEntryAside(folder_ / kTweakInfoFilename, aside_ / kTweakInfoFilename);
-  for (const fs::path& name : names_) moveEntryAside(folder_ / name, aside_ / name);
+  for (const fs::path& name : names_) {
+    if (moveEntryAside(folder_ / name, aside_ / name)) moved_.push_back(name);
+  }
   hasHelperStarted_ = true;
   FileOperations::cleanUp(folder_, isFollowedByTweak);
 }
@@ -85,6 +90,16 @@ void PreviousInstallation::makeFolder() const {
   if (!isFolder(folder_) && !fs::create_directory(folder_, error)) {
     FileOperations::cleanUp(folder_, true);
   }
+}
+
+void PreviousInstallation::emptyByHelper() const {
+  bool isEmpty = true;
+  for (const fs::path& name : names_) {
+    // Without a copy, what is left of the entry stays.
+    if (!isTaken(aside_ / name)) return;
+    isEmpty = isEmpty && !isTaken(folder_ / name);
+  }
+  if (!isEmpty) FileOperations::cleanUp(folder_, true);
 }
 
 bool PreviousInstallation::restore(const fs::path& name) const noexcept {
@@ -109,12 +124,11 @@ bool PreviousInstallation::putBack(const std::vector<fs::path>& placed) const no
       return true;
     }
     makeFolder();
-    // The helper may have stopped in the middle of an entry, which the one aside replaces. If one
-    // could not be kept aside, what is left of it stays.
-    const bool areAside = std::all_of(names_.begin(), names_.end(),
-                                      [&](const fs::path& name) { return isTaken(aside_ / name); });
-    if (hasHelperStarted_ && areAside) removeFromFolder(names_);
-    makeFolder();
+    if (hasHelperStarted_) {
+      removeFromFolder(moved_);
+      makeFolder();
+      emptyByHelper();
+    }
   } catch (const std::exception&) {
     // What can be restored all the same is restored.
   }

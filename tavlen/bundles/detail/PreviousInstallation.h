@@ -29,6 +29,9 @@ class PreviousInstallation {
  private:
   void removeFromFolder(const std::vector<std::filesystem::path>& names) const;
   void makeFolder() const;
+  /// Where the helper may have stopped in the middle of an entry that was copied aside: the
+  /// original may be whole, so that only the helper, which was to remove it, removes it.
+  void emptyByHelper() const;
   /// Whether `name` is back, or never went.
   bool restore(const std::filesystem::path& name) const noexcept;
 
@@ -38,6 +41,7 @@ class PreviousInstallation {
   bool hadRecord_ = false;
   bool hasHelperStarted_ = false;             ///< it may have stopped halfway
   std::vector<std::filesystem::path> names_;  ///< of what the folder held besides the record
+  std::vector<std::filesystem::path> moved_;  ///< those that are no longer in the folder
 };
 
 /// Whether `error` is one that the helper's rights may overcome.

@@ -58,8 +58,8 @@ class Installation {
     }
     const std::string archive = encodeKeyedArchive(next_);
     const bool shouldRespring = iconChanges(package);
-    // A helper that does not run here, as one made for another processor, is to cost nothing: it
-    // shows itself on a folder that does not exist.
+    // A trial run, on a folder that does not exist: a helper that cannot run here, such as one
+    // built for another processor, must fail before anything is changed.
     FileOperations::cleanUp(target_.parent_path() / newUUIDText(), false);
 
     PreviousInstallation previous(target_, aside);

@@ -9,6 +9,7 @@
 #include <jerror.h>
 // clang-format on
 
+#include <algorithm>
 #include <cstdint>
 #include <utility>
 #include <vector>
@@ -22,6 +23,9 @@ namespace {
 
 constexpr int kEXIFMarker = JPEG_APP0 + 1;
 constexpr unsigned kLongestSegment = 0xFFFF;
+/// Bytes of pixels that one byte of a file can make: its 8 bits are blocks of 8 x 8 samples, a
+/// sample is stretched to 4 x 4 pixels at the most, and a pixel has 4 bytes.
+constexpr std::size_t kMostPixelBytesPerByte = std::size_t{8} * 8 * 8 * 4 * 4 * 4;
 
 /// One decoding, and the place to which libjpeg jumps when it fails. libjpeg's error handler must
 /// not return, and an exception must not cross its C frames, so it jumps, and only over those. All
@@ -93,12 +97,15 @@ bool readRows(Decoding& decoding, std::string_view bytes) {
   ::jpeg_mem_src(&info, reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size());
   ::jpeg_read_header(&info, TRUE);
   if (!Image::isPossibleSize(info.image_width, info.image_height)) return false;
+  // Hardly any program writes arithmetic coding, and libjpeg takes its missing data for zeros: a
+  // few bytes would make a picture of any size.
+  if (info.arith_code != FALSE) return false;
   decoding.orientation = orientationOf(info);  // libjpeg drops the segments at the end
   info.out_color_space = info.num_components == 4 ? JCS_CMYK : JCS_EXT_RGBA;
   ::jpeg_start_decompress(&info);
   const std::size_t rowSize = std::size_t{info.output_width} * 4;
-  // Reserved memory costs nothing until the rows come.
-  decoding.pixels.reserve(rowSize * info.output_height);
+  decoding.pixels.reserve(
+      std::min(rowSize * info.output_height, bytes.size() * kMostPixelBytesPerByte));
   while (info.output_scanline < info.output_height) {
     decoding.pixels.resize(rowSize * (info.output_scanline + 1));
     JSAMPROW row = decoding.pixels.data() + rowSize * info.output_scanline;

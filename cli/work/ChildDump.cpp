@@ -8,16 +8,19 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <exception>
 #include <stdexcept>
 #include <string_view>
 #include <system_error>
 #include <utility>
+#include <vector>
 
 #include "cli/terminal/ShownText.h"
 #include "cli/work/ChildProcess.h"
 #include "cli/work/DumpAnswer.h"
 #include "cli/work/DumpChild.h"
 #include "tavlen/foundation/archive/KeyedArchive.h"
+#include "tavlen/foundation/base/FunctionRef.h"
 #include "tavlen/foundation/base/Limits.h"
 #include "tavlen/foundation/base/SystemError.h"
 #include "tavlen/foundation/files/ExecutablePath.h"
@@ -122,8 +125,7 @@ class RunningDump {
       : RunningDump(image, className, Connection::socket(), Connection::pipe()) {}
 
   /// Reads the answer. Calls `check`, which may throw, at least every 50 ms.
-  template <class Check>
-  const Answer& answer(const Check& check) {
+  const Answer& answer(FunctionRef<void()> check) {
     while (!answer_.isComplete()) {
       check();
       // Before the reading: then all that it has sent is read.
@@ -138,8 +140,8 @@ class RunningDump {
   }
 
  private:
-  RunningDump(const fs::path& image, const std::optional<std::string>& className,
-              Connection socket, Connection printed)
+  RunningDump(const fs::path& image, const std::optional<std::string>& className, Connection socket,
+              Connection printed)
       : socket_(std::move(socket.own)),
         printed_(std::move(printed.own)),
         child_(executablePath(), argumentsFor(image, className), socket.childs.get(),
@@ -190,15 +192,17 @@ class RunningDump {
 }  // namespace
 
 ClassParser::Classes dumpInChild(const fs::path& image, const ChildDumpOptions& options) {
-  const auto& [timeout, progress, className] = options;
+  const std::shared_ptr<Progress>& progress = options.progress;
   const auto start = Clock::now();
   const auto check = [&] {
     if (progress != nullptr && progress->isCancelled()) {
       throw std::system_error(std::make_error_code(std::errc::operation_canceled), image.string());
     }
-    if (timeout && Clock::now() - start >= *timeout) throw std::runtime_error(overrunText(*timeout));
+    if (options.timeout && Clock::now() - start >= *options.timeout) {
+      throw std::runtime_error(overrunText(*options.timeout));
+    }
   };
-  RunningDump dump(image, className);
+  RunningDump dump(image, options.className);
   ClassParser::Classes classes = dump.answer(check).classes();
   if (progress != nullptr) progress->setCompletedUnitCount(progress->completedUnitCount() + 1);
   return classes;

@@ -98,9 +98,8 @@ ChildProcess::~ChildProcess() {
 
 bool ChildProcess::hasEnded() const {
   siginfo_t info{};
-  const int result = retryOnInterrupt([&] {
-    return ::waitid(P_PID, static_cast<id_t>(pid_), &info, WEXITED | WNOHANG | WNOWAIT);
-  });
+  const int result = retryOnInterrupt(
+      [&] { return ::waitid(P_PID, static_cast<id_t>(pid_), &info, WEXITED | WNOHANG | WNOWAIT); });
   // An error means that there is no such child, so there is nothing to wait for.
   return result != 0 || info.si_pid == pid_;
 }

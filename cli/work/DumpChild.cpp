@@ -2,15 +2,13 @@
 
 #include <fcntl.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
-#include <array>
 #include <csignal>
 #include <cstdlib>
 #include <exception>
-#include <memory>
 #include <string_view>
-#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -87,8 +85,7 @@ std::vector<std::string> dumpChildArguments(const std::filesystem::path& image,
 void dumpIfChild(int argc, const char* const* argv) {
   struct stat input {};
   if (argc <= kImageArgument || argc > kClassArgument + 1 || argv[1] != kWord ||
-      ::fstat(STDIN_FILENO, &input) != 0 || !S_ISSOCK(input.st_mode) ||
-      ::getpgrp() != ::getpid()) {
+      ::fstat(STDIN_FILENO, &input) != 0 || !S_ISSOCK(input.st_mode) || ::getpgrp() != ::getpid()) {
     return;
   }
   // The command decides whether the log is shown.

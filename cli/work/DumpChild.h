@@ -13,9 +13,10 @@ std::vector<std::string> dumpChildArguments(const std::filesystem::path& image,
                                             const std::optional<std::string>& className);
 
 /// The child's side of dumpInChild(). Returns at once unless the arguments are those of
-/// dumpChildArguments(), the standard input is a socket, and the process has its own group. Otherwise dumps the image, sends its
-/// DumpAnswer to the socket, and exits without running anything that the image has registered for
-/// the exit. Whatever the image does, the process ends when the other end of the socket is closed.
+/// dumpChildArguments(), the standard input is a socket, and the process leads its group. Otherwise
+/// dumps the image, sends its DumpAnswer to the socket, and exits without running anything that the
+/// image has registered for the exit. Whatever the image does, the process group ends when the
+/// other end of the socket is closed. Throws if the answer cannot be sent.
 void dumpIfChild(int argc, const char* const* argv);
 
 }  // namespace tavlen::cli

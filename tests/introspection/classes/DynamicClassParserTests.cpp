@@ -46,7 +46,7 @@ std::string pathOfDefinition(const char* className) {
 
 Lines namesOf(const ClassParser::Classes& classes) {
   Lines names;
-  for (const auto& each : classes) names.push_back(each->name);
+  for (const auto& each : classes) names.push_back(each->name.str());
   return names;
 }
 

@@ -19,7 +19,7 @@ struct Entry {
   std::string superclass;  ///< the address, or the class's name after kClassSymbol
   std::string cls;         ///< the address of a category's class
   ObjCClass::Methods methods, classMethods;
-  std::vector<std::string> protocols;
+  std::vector<SharedText> protocols;
 };
 
 /// A line: the number of tabs that it begins with, and its words. Only the last may hold blanks.

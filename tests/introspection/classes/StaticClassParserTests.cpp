@@ -27,15 +27,15 @@ std::string textOf(const Result& result) {
   std::string text;
   for (const auto& each : result.classes) text += textOf(*each);
   for (const auto& each : result.categories) {
-    text += "category " + each.className + '(' + each.name + ")\n";
-    for (const auto& protocol : each.protocols) text += "protocol " + protocol + '\n';
+    text += "category " + each.className.str() + '(' + each.name.str() + ")\n";
+    for (const auto& protocol : each.protocols) text += "protocol " + protocol.str() + '\n';
     for (const auto& method : each.methods) text += textOf(*method);
   }
   for (const auto& each : result.diagnostics) text += "diagnostic " + each + '\n';
   return text;
 }
 
-std::string shown(const std::string& name) {
+SharedText shown(const SharedText& name) {
   if (name == "_TtC6Sketch6Canvas") return "Sketch.Canvas";
   if (name == "_TtP6Sketch7Erasing_") return "Sketch.Erasing";
   return name;
@@ -48,7 +48,7 @@ void showNames(Result& result) {
     if (each->supercls && shown(*each->supercls) != *each->supercls) {
       each->mangledSuperclass = std::exchange(each->supercls, shown(*each->supercls));
     }
-    for (std::string& protocol : each->protocols) protocol = shown(protocol);
+    for (SharedText& protocol : each->protocols) protocol = shown(protocol);
   }
   for (auto& each : result.categories) each.className = shown(each.className);
 }
@@ -81,7 +81,7 @@ class StaticClassParserTest : public testing::Test {
   /// The path of the superclass of the image's class of that name.
   std::string superclassPath(const std::string& path, std::string_view name) const {
     for (const auto& each : parsed(path).classes) {
-      if (each->name == name) return each->superclassPath.value_or("none");
+      if (each->name == name) return each->superclassPath.value_or("none").str();
     }
     return "no such class";
   }
@@ -176,7 +176,7 @@ TEST_F(StaticClassParserTest, AFaultCostsItsClassOrMethod) {
             "class Egg\nsuper Hen -\n"
             "class Hen\nsuper Egg -\n"
             "class Last\nsuper Good -\n- good v16@0:8\n");
-  // Of the last four, two have no name that could be read, and two entries lead nowhere.
+  // Four entries of the list lead to no class whose name can be read.
   for (const std::string name :
        {"Partly", "Untyped", "Endless", "Flat", "Cached", "Orphan", "Pious"}) {
     const auto isAbout = [&](const std::string& each) { return each.starts_with(name); };

@@ -11,8 +11,8 @@
 #include "cli/terminal/ProgressLine.h"
 #include "cli/terminal/ShownText.h"
 #include "cli/work/ChildDump.h"
-#include "tavlen/foundation/files/MachOHeader.h"
 #include "tavlen/foundation/files/RandomAccessFile.h"
+#include "tavlen/foundation/macho/MachOFile.h"
 #include "tavlen/introspection/classes/DynamicClassParser.h"
 #include "tavlen/introspection/remote/RemoteClassParser.h"
 #include "tavlen/introspection/remote/TessaloopInterface.h"
@@ -60,7 +60,7 @@ std::system_error cancelled(const ImageArgument& argument) {
 /// The likely reason why an image cannot be loaded.
 std::string hintFor(const std::filesystem::path& file) {
   try {
-    if (MachOHeader::read(RandomAccessFile(file))) {
+    if (MachOFile::read(RandomAccessFile(file))) {
       return " (a device's image cannot be loaded on this machine; use --parser remote to ask "
              "the running app)";
     }

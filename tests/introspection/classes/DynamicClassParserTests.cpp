@@ -15,6 +15,7 @@
 #include "tavlen/foundation/tasks/ScopedProgress.h"
 #include "tavlen/introspection/classes/RuntimeClasses.h"
 #include "tavlen/introspection/types/JXTypeCursor.h"
+#include "tests/introspection/classes/ClassText.h"
 #include "tests/support/LogLines.h"
 #include "tests/support/TableFile.h"
 #include "tests/support/TemporaryFolder.h"
@@ -45,20 +46,8 @@ std::string pathOfDefinition(const char* className) {
 
 Lines namesOf(const ClassParser::Classes& classes) {
   Lines names;
-  for (const auto& each : classes) names.push_back(each->name);
+  for (const auto& each : classes) names.push_back(each->name.str());
   return names;
-}
-
-std::string textOf(const ObjCClass& cls) {
-  std::string text = "class " + cls.name + '\n';
-  if (cls.mangledSuperclass) text += "mangled " + *cls.mangledSuperclass + '\n';
-  if (cls.supercls)
-    text += "super " + *cls.supercls + ' ' + cls.superclassPath.value_or("-") + '\n';
-  for (const auto& each : cls.protocols) text += "protocol " + each + '\n';
-  for (const auto& each : cls.methods) {
-    text += (each->isClassMethod ? "+ " : "- ") + each->selector + ' ' + each->encoding + '\n';
-  }
-  return text;
 }
 
 class DynamicClassParserTest : public testing::Test {

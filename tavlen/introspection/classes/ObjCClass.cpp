@@ -1,7 +1,6 @@
 #include "tavlen/introspection/classes/ObjCClass.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace tavlen {
 
@@ -13,15 +12,6 @@ bool isVendored(std::string_view path) {
 }
 
 }  // namespace
-
-ObjCClass::Methods ObjCClass::methodsInOneBlock(std::vector<ObjCMethod> methods) {
-  methods.shrink_to_fit();
-  const auto block = std::make_shared<std::vector<ObjCMethod>>(std::move(methods));
-  Methods shared;
-  shared.reserve(block->size());
-  for (ObjCMethod& method : *block) shared.emplace_back(block, &method);
-  return shared;
-}
 
 std::vector<std::pair<std::shared_ptr<ObjCMethod>, MethodIdentity>> ObjCClass::methodIdentities()
     const {

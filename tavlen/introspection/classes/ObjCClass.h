@@ -24,11 +24,6 @@ class ObjCClass {
   /// Methods; never null.
   using Methods = std::vector<std::shared_ptr<ObjCMethod>>;
 
-  /// `methods` in one heap block, which lives as long as any of them: 72 bytes each with shared
-  /// texts, where one of its own takes 96. Takes longer to archive: methods that share a block are
-  /// looked for elsewhere in the archive.
-  static Methods methodsInOneBlock(std::vector<ObjCMethod> methods);
-
   /// The class name in archives.
   static constexpr std::string_view archivedClassName = "ObjCClass";
 

@@ -374,17 +374,6 @@ TEST(ObjCClass, TellsItsMethodsApart) {
   EXPECT_TRUE(ObjCClass().methodIdentities().empty());
 }
 
-TEST(ObjCClass, MethodsInOneBlockOutliveTheirClass) {
-  std::vector<ObjCMethod> methods;
-  for (const auto& method : sample().methods) methods.push_back(*method);
-  ObjCClass cls = sample();
-  cls.methods = ObjCClass::methodsInOneBlock(methods);
-  EXPECT_EQ(cls, sample());
-  const std::shared_ptr<ObjCMethod> last = std::exchange(cls, {}).methods.back();
-  EXPECT_EQ(*last, methods.back());
-  EXPECT_TRUE(ObjCClass::methodsInOneBlock({}).empty());
-}
-
 TEST(ObjCClass, IsStoredUnderItsKeys) {
   ObjCClass cls = sample();
   cls.methods.pop_back();

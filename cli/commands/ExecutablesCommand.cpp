@@ -8,6 +8,7 @@
 #include "cli/terminal/Console.h"
 #include "cli/terminal/ShownText.h"
 #include "cli/terminal/TextTable.h"
+#include "cli/work/AppForReading.h"
 #include "tavlen/bundles/Executable.h"
 #include "tavlen/foundation/text/Unicode.h"
 
@@ -31,7 +32,7 @@ struct Row {
 
 Row rowOf(std::string_view kind, const Executable& executable) {
   return {std::string(kind), wellFormedUTF8(executable.name()),
-          wellFormedUTF8(executable.relativePath()), wellFormedUTF8(executable.path().native())};
+          wellFormedUTF8(executable.relativePath()), wellFormedUTF8(shownPath(executable.path()))};
 }
 
 std::vector<Row> rowsOf(IPA& ipa) {
@@ -43,6 +44,12 @@ std::vector<Row> rowsOf(IPA& ipa) {
     rows.push_back(rowOf("dynamic", *executable));
   }
   return rows;
+}
+
+std::vector<Row> rowsOfApp(const std::string& name) {
+  const AppForReading app = AppForReading::withImages(name);
+  for (const std::string& fault : app.faults()) printWarning(name + ": " + fault);
+  return namingInfo(*app.ipa(), [&] { return rowsOf(*app.ipa()); });
 }
 
 std::string table(const std::vector<Row>& rows) {
@@ -57,11 +64,10 @@ void addExecutablesCommand(Command app) {
   Command command = app.addCommand("executables", "List the Mach-O images of an app");
   const auto name = std::make_shared<std::string>();
   const auto json = std::make_shared<bool>(false);
-  command.text("APP", *name, kAppHelp).required().notEmpty();
+  command.text("APP", *name, kReadAppHelp).required().notEmpty();
   command.flag("--json", *json, "Print a JSON array");
   command.run([name, json] {
-    const std::shared_ptr<IPA> ipa = appArgument(*name);
-    const std::vector<Row> rows = namingInfo(*ipa, [&] { return rowsOf(*ipa); });
+    const std::vector<Row> rows = rowsOfApp(*name);
     printData(*json ? shownJSON(rows) + "\n" : table(rows));
     return 0;
   });

@@ -26,6 +26,7 @@ struct MachOSlice {
 
   std::uint64_t offset = 0;  ///< in bytes, from the start of the file
   std::uint64_t size = 0;    ///< in bytes
+  bool is64Bit = false;      ///< whether pointers have 64 bits
   /// The CPU type.
   std::uint32_t cpuType = 0;
   /// The CPU subtype, without its feature bits.
@@ -37,8 +38,6 @@ struct MachOSlice {
 
   bool operator==(const MachOSlice&) const = default;
 
-  /// Whether pointers have 64 bits.
-  bool is64Bit() const;
   /// The name that tools give the architecture, such as "arm64", "arm64e" or "x86_64"; "cpu-7-3" of
   /// type and subtype for one without a name.
   std::string architecture() const;

@@ -75,7 +75,8 @@ class Records {
     auto record = std::make_shared<ObjCClass>();
     record->name = shownObjCName(cls.name);
     record->methods = methodsOf(cls);
-    record->protocols = protocolsOf(cls);
+    const std::vector<std::string> protocols = protocolsOf(cls);
+    record->protocols.assign(protocols.begin(), protocols.end());
     const ObjCMetadata::Superclass& superclass = cls.superclass;
     if (superclass.place == Place::none || superclass.place == Place::unknown) return record;
     std::string name = shownObjCName(superclass.name);

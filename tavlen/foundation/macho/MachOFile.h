@@ -48,7 +48,7 @@ class MachOFile {
  public:
   /// Reads the headers of `file`. Returns nothing for a file that is not Mach-O, or none of whose
   /// slices can be read; slices that cannot are left out. Throws std::system_error when reading
-  /// fails. Makes at most 34 small reads.
+  /// fails. Makes at most 35 small reads.
   static std::optional<MachOFile> read(const RandomAccessFile& file);
 
   /// The slices in the order of the file; never empty.

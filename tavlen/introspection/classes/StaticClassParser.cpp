@@ -1,5 +1,6 @@
 #include "tavlen/introspection/classes/StaticClassParser.h"
 
+#include <iterator>
 #include <memory>
 #include <optional>
 #include <system_error>
@@ -70,52 +71,64 @@ class Records {
 
   ObjCMetadata& metadata() { return metadata_; }
 
+  /// The text of a view of the image, which it keeps in memory.
+  SharedText text(std::string_view view) const {
+    return isValidUTF8(view) ? SharedText(pages_, view) : SharedText(wellFormedUTF8(view));
+  }
+  /// The name that the run time shows for that of a class or protocol.
+  SharedText name(std::string_view view) const {
+    const std::optional<std::string> shown = shownSwiftName(view);
+    return shown ? SharedText(wellFormedUTF8(*shown)) : text(view);
+  }
+
   std::shared_ptr<ObjCClass> classRecord(const ObjCMetadata::Class& cls) {
     using Place = ObjCMetadata::Superclass::Place;
     auto record = std::make_shared<ObjCClass>();
-    record->name = shownObjCName(cls.name);
+    record->name = name(cls.name);
     record->methods = methodsOf(cls);
     const std::vector<std::string> protocols = protocolsOf(cls);
     record->protocols.assign(protocols.begin(), protocols.end());
     const ObjCMetadata::Superclass& superclass = cls.superclass;
     if (superclass.place == Place::none || superclass.place == Place::unknown) return record;
-    std::string name = shownObjCName(superclass.name);
-    if (name != superclass.name) record->mangledSuperclass = wellFormedUTF8(superclass.name);
-    record->supercls = std::move(name);
-    std::optional<std::string> path =
-        superclass.place == Place::here ? paths_.ownPath() : paths_.pathOf(superclass.ordinal);
-    if (path) record->superclassPath = wellFormedUTF8(*path);
+    record->supercls = name(superclass.name);
+    if (*record->supercls != superclass.name) record->mangledSuperclass = text(superclass.name);
+    record->superclassPath =
+        paths_.pathOf(superclass.place == Place::here ? 0 : superclass.ordinal);
     return record;
   }
 
   StaticClassParser::Category categoryRecord(const ObjCMetadata::Category& category) {
-    return {shownObjCName(category.className), wellFormedUTF8(category.name), methodsOf(category),
+    return {name(category.className), text(category.name), methodsOf(category),
             protocolsOf(category)};
   }
 
  private:
+  /// The methods of one owner, in one heap block.
   template <class Owner>
   ObjCClass::Methods methodsOf(const Owner& owner) {
-    ObjCClass::Methods methods;
-    metadata_.visitMethods(owner, [&](const ObjCMetadata::Method& method) {
-      methods.push_back(std::make_shared<ObjCMethod>(
-          wellFormedUTF8(method.selector), wellFormedUTF8(method.encoding), method.isClassMethod));
+    collected_.clear();
+    metadata_.visitMethods(owner, [this](const ObjCMetadata::Method& method) {
+      collected_.emplace_back(text(method.selector), text(method.encoding), method.isClassMethod);
     });
+    const auto block = std::make_shared<std::vector<ObjCMethod>>(
+        std::make_move_iterator(collected_.begin()), std::make_move_iterator(collected_.end()));
+    ObjCClass::Methods methods;
+    methods.reserve(block->size());
+    for (ObjCMethod& method : *block) methods.emplace_back(block, &method);
     return methods;
   }
 
   template <class Owner>
-  std::vector<std::string> protocolsOf(const Owner& owner) {
-    std::vector<std::string> names;
-    for (const std::string_view name : metadata_.protocolsOf(owner)) {
-      names.push_back(shownObjCName(name));
-    }
+  std::vector<SharedText> protocolsOf(const Owner& owner) {
+    std::vector<SharedText> names;
+    for (const std::string_view each : metadata_.protocolsOf(owner)) names.push_back(name(each));
     return names;
   }
 
   std::shared_ptr<const FilePages> pages_;
   ObjCMetadata metadata_;
   LibraryPaths paths_;
+  std::vector<ObjCMethod> collected_;
 };
 
 /// Calls `visit` with each class that can be read, until it returns false. Reports one unit of
@@ -177,7 +190,7 @@ std::shared_ptr<ObjCClass> StaticClassParser::parseNamedBelow(
   Records records(executable, image);
   std::shared_ptr<ObjCClass> found;
   visitClasses(records.metadata(), parent, [&](const ObjCMetadata::Class& cls) {
-    if (shownObjCName(cls.name) != name && cls.name != name) return true;
+    if (records.name(cls.name) != name && cls.name != name) return true;
     found = records.classRecord(cls);
     return false;
   });

@@ -31,11 +31,11 @@ class StaticClassParser : public ClassParser {
   /// Methods that the image adds to a class of another image.
   struct Category {
     /// The class's name.
-    std::string className;
+    SharedText className;
     /// The category's own name.
-    std::string name;
-    ObjCClass::Methods methods;          ///< instance methods first, then class methods
-    std::vector<std::string> protocols;  ///< names of the adopted protocols
+    SharedText name;
+    ObjCClass::Methods methods;         ///< instance methods first, then class methods
+    std::vector<SharedText> protocols;  ///< names of the adopted protocols
   };
 
   /// What an image holds.

@@ -10,6 +10,7 @@
 #include "tavlen/device/DeviceRoot.h"
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/foundation/files/RandomAccessFile.h"
+#include "tavlen/foundation/text/Unicode.h"
 
 namespace tavlen {
 
@@ -63,29 +64,34 @@ std::vector<std::string> runPathsOf(const fs::path& program, const MachOSlice& l
 }  // namespace
 
 LibraryPaths::LibraryPaths(const Executable& executable, const MachOImage& image)
-    : executable_(executable),
-      image_(image),
+    : image_(image),
       file_(fs::absolute(executable.path()).lexically_normal()),
-      programFolder_(programFolderAbove(file_)),
-      ownPath_(DeviceRoot::shared().devicePath(file_).string()) {
+      programFolder_(programFolderAbove(file_)) {
   if (image.slice().fileType == MachOSlice::FileType::execute) programFolder_ = file_.parent_path();
   const std::shared_ptr<IPA> app = executable.ipa();
   bundle_ =
       app != nullptr ? fs::absolute(app->appDir()).lexically_normal() : programFolderAbove(file_);
 }
 
-std::optional<std::string> LibraryPaths::pathOf(int ordinal) {
-  if (ordinal == 0) return ownPath_;
+std::optional<SharedText> LibraryPaths::pathOf(int ordinal) {
   const auto [place, isNew] = paths_.try_emplace(ordinal);
-  if (!isNew) return place->second;
-  const auto& libraries = image_.libraries();
-  if (ordinal == kMainExecutable) {
-    const fs::path program = programFolder_.empty() ? fs::path() : programIn(programFolder_);
-    if (!program.empty()) place->second = DeviceRoot::shared().devicePath(program).string();
-  } else if (ordinal > 0 && static_cast<std::size_t>(ordinal) <= libraries.size()) {
-    place->second = resolved(libraries[static_cast<std::size_t>(ordinal) - 1].name);
+  if (isNew) {
+    const std::optional<std::string> path = find(ordinal);
+    if (path) place->second = wellFormedUTF8(*path);
   }
   return place->second;
+}
+
+std::optional<std::string> LibraryPaths::find(int ordinal) const {
+  if (ordinal == 0) return DeviceRoot::shared().devicePath(file_).string();
+  if (ordinal == kMainExecutable) {
+    const fs::path program = programFolder_.empty() ? fs::path() : programIn(programFolder_);
+    if (program.empty()) return std::nullopt;
+    return DeviceRoot::shared().devicePath(program).string();
+  }
+  const auto& libraries = image_.libraries();
+  if (ordinal < 0 || static_cast<std::size_t>(ordinal) > libraries.size()) return std::nullopt;
+  return resolved(libraries[static_cast<std::size_t>(ordinal) - 1].name);
 }
 
 std::string LibraryPaths::resolved(const std::string& name) const {

@@ -4,6 +4,8 @@
 #include <array>
 #include <charconv>
 
+#include "tavlen/foundation/text/Unicode.h"
+
 namespace tavlen {
 
 namespace {
@@ -373,7 +375,9 @@ void ObjCMetadata::report(std::string_view owner, std::string_view fault) {
 }
 
 std::vector<std::string> ObjCMetadata::diagnostics() const {
-  std::vector<std::string> all = diagnostics_;
+  std::vector<std::string> all;
+  all.reserve(diagnostics_.size() + 1);
+  for (const std::string& each : diagnostics_) all.push_back(wellFormedUTF8(each));
   if (furtherDiagnostics_ > 0) {
     all.push_back("and " + std::to_string(furtherDiagnostics_) + " further faults");
   }

@@ -1,9 +1,7 @@
 #include "tavlen/introspection/classes/detail/ObjCNames.h"
 
 #include <charconv>
-#include <optional>
-
-#include "tavlen/foundation/text/Unicode.h"
+#include <system_error>
 
 namespace tavlen {
 
@@ -30,17 +28,14 @@ std::optional<std::string_view> takeModule(std::string_view& text) {
 
 }  // namespace
 
-std::string shownObjCName(std::string_view name) {
+std::optional<std::string> shownSwiftName(std::string_view name) {
   const bool isClass = name.starts_with("_TtC");
-  if (isClass || name.starts_with("_TtP")) {
-    std::string_view rest = name.substr(4);
-    const auto module = takeModule(rest);
-    const auto type = module ? takeName(rest) : std::nullopt;
-    if (type && rest == (isClass ? "" : "_")) {
-      return wellFormedUTF8(std::string(*module) + "." + std::string(*type));
-    }
-  }
-  return wellFormedUTF8(name);
+  if (!isClass && !name.starts_with("_TtP")) return std::nullopt;
+  std::string_view rest = name.substr(4);
+  const auto module = takeModule(rest);
+  const auto type = module ? takeName(rest) : std::nullopt;
+  if (!type || rest != (isClass ? "" : "_")) return std::nullopt;
+  return std::string(*module) + "." + std::string(*type);
 }
 
 }  // namespace tavlen

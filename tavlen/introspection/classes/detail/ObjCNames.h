@@ -1,13 +1,14 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
 namespace tavlen {
 
-/// The name that the run time shows for the class or protocol of the metadata's name `name`: "M.C"
-/// for the two simple forms of names in Swift, "_TtC1M1C" and "_TtP1M1C_"; other names, those of
-/// nested, private and generic types included, as they are. Malformed UTF-8 becomes U+FFFD.
-std::string shownObjCName(std::string_view name);
+/// The name that the run time shows for a class or protocol with one of the two simple forms of
+/// names in Swift: "M.C" for "_TtC1M1C" and "_TtP1M1C_". Nothing for other names, those of nested,
+/// private and generic types included: the run time shows them as they are.
+std::optional<std::string> shownSwiftName(std::string_view name);
 
 }  // namespace tavlen

@@ -47,7 +47,7 @@ std::vector<Row> rowsOf(IPA& ipa) {
 }
 
 std::vector<Row> rowsOfApp(const std::string& name) {
-  const AppForReading app = AppForReading::withImages(name);
+  const AppForReading app(name, AppForReading::Files::images);
   for (const std::string& fault : app.faults()) printWarning(name + ": " + fault);
   return namingInfo(*app.ipa(), [&] { return rowsOf(*app.ipa()); });
 }

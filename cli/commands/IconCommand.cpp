@@ -29,7 +29,7 @@ Image chosenIcon(const InfoManager& app, const Options& options) {
 }
 
 std::string iconFile(const Options& options) {
-  const AppForReading app = AppForReading::withIcon(options.app, options.name);
+  const AppForReading app(options.app, AppForReading::Files::icon, options.name);
   const IPA& ipa = *app.ipa();
   try {
     return namingInfo(ipa, [&] { return chosenIcon(ipa.infoManager(), options).pngData(); });

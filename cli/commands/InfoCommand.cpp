@@ -96,7 +96,8 @@ void addInfoCommand(Command app) {
   command.text("APP", *name, kReadAppHelp).required().notEmpty();
   command.flag("--json", *json, "Print a JSON object");
   command.run([name, json] {
-    const Summary summary = summaryOf(readInfo(*AppForReading::withInfo(*name).ipa()));
+    const Summary summary =
+        summaryOf(readInfo(*AppForReading(*name, AppForReading::Files::info).ipa()));
     printData(*json ? shownJSON(summary) + "\n" : fields(summary));
     return 0;
   });

@@ -40,10 +40,10 @@ std::shared_ptr<IPA> appNamed(const std::string& text) {
   } catch (const IPA::Error& error) {
     if (error.which() != IPA::Error::Case::notFound) throw;
     std::error_code ignored;
-    throw std::runtime_error(text + (fs::is_directory(text, ignored)
-                                         ? ": this folder is no app's bundle"
-                                         : ": no such file") +
-                             ", and no app has this identifier (tavlen apps lists the apps)");
+    throw std::runtime_error(
+        text +
+        (fs::is_directory(text, ignored) ? ": this folder is no app's bundle" : ": no such file") +
+        ", and no app has this identifier (tavlen apps lists the apps)");
   }
 }
 
@@ -55,20 +55,6 @@ bool isArchive(const std::string& text) {
   constexpr std::string_view kSignature = "PK\x03\x04";
   return fs::path(text).extension() == ".ipa" ||
          RandomAccessFile(text).read(0, kSignature.size()) == kSignature;
-}
-
-AppForReading AppForReading::withInfo(const std::string& text) {
-  return {text, Files::info, std::nullopt, nullptr};
-}
-
-AppForReading AppForReading::withIcon(const std::string& text,
-                                      const std::optional<std::string>& name) {
-  return {text, Files::icon, name, nullptr};
-}
-
-AppForReading AppForReading::withImages(const std::string& text,
-                                        const std::shared_ptr<Progress>& parent) {
-  return {text, Files::images, std::nullopt, parent};
 }
 
 AppForReading::AppForReading(const std::string& text, Files files,

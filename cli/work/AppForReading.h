@@ -21,19 +21,20 @@ inline constexpr const char* kReadAppHelp =
 /// with the object, also when SIGINT or SIGTERM ends the command (RAII). shownPath() leaves the
 /// temporary folder out of paths.
 ///
-/// The functions that make one take what appArgument() takes, or an archive, and throw the same;
-/// for an archive std::runtime_error and std::system_error with its path. While unpacking takes
-/// long, a ProgressLine shows it, unless there is a `parent`, of which it becomes one unit.
+/// Errors are those of appArgument(), except that an unknown identifier is std::runtime_error; for
+/// an archive std::runtime_error and std::system_error with its path. While unpacking takes long, a
+/// ProgressLine shows it, unless there is a `parent`, of which it becomes one unit.
 class AppForReading {
  public:
-  /// The app with its Info.plist.
-  static AppForReading withInfo(const std::string& text);
-  /// The same, and the files of its icon; see InfoManager::visitIconFiles().
-  static AppForReading withIcon(const std::string& text, const std::optional<std::string>& name);
-  /// The same, and its Mach-O images.
-  static AppForReading withImages(const std::string& text,
-                                  const std::shared_ptr<Progress>& parent = nullptr);
+  /// The files of the app that are read, next to its Info.plist: none, those of its icon, or its
+  /// Mach-O images.
+  enum class Files { info, icon, images };
 
+  /// `text` is what appArgument() takes, or an archive. `iconName` as for
+  /// InfoManager::visitIconFiles().
+  AppForReading(const std::string& text, Files files,
+                const std::optional<std::string>& iconName = std::nullopt,
+                const std::shared_ptr<Progress>& parent = nullptr);
   AppForReading(const AppForReading&) = delete;
   AppForReading& operator=(const AppForReading&) = delete;
   ~AppForReading();
@@ -47,10 +48,6 @@ class AppForReading {
   bool isFromArchive() const { return !folder_.empty(); }
 
  private:
-  enum class Files { info, icon, images };
-
-  AppForReading(const std::string& text, Files files, const std::optional<std::string>& iconName,
-                const std::shared_ptr<Progress>& parent);
   void unpack(Files files, const std::optional<std::string>& iconName,
               const std::shared_ptr<Progress>& parent);
 

@@ -86,8 +86,7 @@ class Records {
     auto record = std::make_shared<ObjCClass>();
     record->name = name(cls.name);
     record->methods = methodsOf(cls);
-    const std::vector<std::string> protocols = protocolsOf(cls);
-    record->protocols.assign(protocols.begin(), protocols.end());
+    record->protocols = protocolsOf(cls);
     const ObjCMetadata::Superclass& superclass = cls.superclass;
     if (superclass.place == Place::none || superclass.place == Place::unknown) return record;
     record->supercls = name(superclass.name);

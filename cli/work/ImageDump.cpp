@@ -12,6 +12,7 @@
 #include "cli/terminal/LastLogMessage.h"
 #include "cli/terminal/ShownText.h"
 #include "cli/work/ChildDump.h"
+#include "cli/work/TimeLimit.h"
 #include "tavlen/foundation/files/RandomAccessFile.h"
 #include "tavlen/foundation/macho/MachOFile.h"
 #include "tavlen/introspection/classes/DynamicClassParser.h"

@@ -29,8 +29,11 @@ void showPathsInArchive(ImageDump& dump) {
 ImageDump dumpOrError(const ChosenImage& image, const ImageArgument& argument,
                       const std::optional<std::string>& className,
                       const std::shared_ptr<Progress>& progress) {
+  // Of its own, because the time limit cancels it.
+  const auto own = Progress::discrete(1);
+  progress->addChild(own, 1);
   try {
-    return dumpedImage(image, argument, className, progress);
+    return dumpedImage(image, argument, className, own);
   } catch (const std::exception& error) {
     if (progress->isCancelled()) {
       throw std::system_error(std::make_error_code(std::errc::operation_canceled), argument.image);

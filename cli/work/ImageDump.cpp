@@ -74,6 +74,18 @@ std::string hintFor(const std::filesystem::path& file) {
   return " (--verbose shows the loader's message)";
 }
 
+/// What to do about an image whose file cannot be read.
+std::string hintFor(StaticClassParser::ErrorCase error) {
+  switch (error) {
+    case StaticClassParser::ErrorCase::encrypted:
+      return " (--parser remote)";
+    case StaticClassParser::ErrorCase::notMachO:
+      return " (--parser dynamic loads a library of this machine)";
+    default:
+      return "";
+  }
+}
+
 void readFile(ImageDump& dump, const Executable& image, const std::string& architecture,
               const SharedProgress& progress) {
   try {
@@ -83,8 +95,7 @@ void readFile(ImageDump& dump, const Executable& image, const std::string& archi
     dump.categories = std::move(result.categories);
     dump.diagnostics = std::move(result.diagnostics);
   } catch (const StaticClassParser::Error& error) {
-    const bool isEncrypted = error.which() == StaticClassParser::ErrorCase::encrypted;
-    throw std::runtime_error(errorText(error) + (isEncrypted ? " (--parser remote)" : ""));
+    throw std::runtime_error(errorText(error) + hintFor(error.which()));
   }
 }
 

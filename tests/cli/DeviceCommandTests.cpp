@@ -3,6 +3,7 @@
 #include "tavlen/device/TweakInfo.h"
 #include "tavlen/foundation/archive/KeyedArchive.h"
 #include "tavlen/foundation/image/Image.h"
+#include "tavlen/foundation/zip/ZIPArchive.h"
 #include "tests/cli/CommandTest.h"
 #include "tests/support/MachOFile.h"
 
@@ -97,7 +98,7 @@ TEST_F(DeviceCommandTest, AnAppIsNamedByIdentifierOrPath) {
        {"com.a", "tree/Applications/A.app", "./tree/Applications/A.app/", "/Applications/A.app"}) {
     EXPECT_THAT(device("info " + name).out, HasSubstr("Identifier:         com.a\n"));
   }
-  EXPECT_EQ(device("info com.x").err, "tavlen: error: IPA not found with bundle ID: com.x\n");
+  EXPECT_THAT(device("info com.x").err, StartsWith("tavlen: error: com.x: no such file, and no"));
   EXPECT_EQ(device("info tree/Applications").err,
             "tavlen: error: tree/Applications: The ipa file was invalid\n");
 }
@@ -180,6 +181,29 @@ TEST_F(IconCommandTest, WritesTheLargestIconOrTheOneAskedFor) {
   EXPECT_EQ(width(notes, "--size 45"), 45U);
   EXPECT_EQ(width(app("旅ノート.app")), 120U);
   EXPECT_EQ(width("device/Applications/Almanac.app/"), 120U);
+}
+
+TEST_F(IconCommandTest, AnAppMayBeInAnArchive) {
+  const fs::path tmp = folder() / "tmp";
+  fs::create_directory(tmp);
+  fs::create_directory(folder() / "Payload");
+  fs::copy(folder() / app("Notes.app"), folder() / "Payload/Notes.app",
+           fs::copy_options::recursive);
+  ZIPArchive::zipItem(folder() / "Payload", folder() / "Notes.ipa");
+  setEnvironment({"TMPDIR=" + tmp.string()});
+  EXPECT_EQ(width("Notes.ipa"), 180U);
+  EXPECT_EQ(width("Notes.ipa", "--name AppIcon76x76"), 152U);
+  EXPECT_EQ(run("info Notes.ipa").out, run("info Payload/Notes.app").out);
+  EXPECT_EQ(run("executables Notes.ipa").out, run("executables Payload/Notes.app").out);
+  EXPECT_THAT(run("executables Notes.ipa --json").out,
+              HasSubstr(R"("path":"Notes.ipa\/Payload\/Notes.app\/Notes")"));
+  write("Payload/Notes.app/Info.plist", "no list");
+  write("text.ipa", "no archive");
+  ZIPArchive::zipItem(folder() / "Payload", folder() / "bad.ipa");
+  expectRefused("info",
+                {{"bad.ipa", 1, "bad.ipa/Payload/Notes.app/Info.plist: "},
+                 {"text.ipa", 1, "text.ipa: The archive is damaged: its end record is missing\n"}});
+  EXPECT_TRUE(fs::is_empty(tmp));
 }
 
 TEST_F(IconCommandTest, AFailureIsOneLineAndLeavesTheFileAlone) {

@@ -9,6 +9,7 @@
 #include "cli/arguments/AppArgument.h"
 #include "cli/terminal/ShownText.h"
 #include "tavlen/bundles/AppArchive.h"
+#include "tavlen/device/InfoPlist.h"
 #include "tavlen/foundation/files/FileTree.h"
 #include "tavlen/foundation/files/RandomAccessFile.h"
 #include "tavlen/foundation/files/TemporaryDirectory.h"
@@ -31,6 +32,17 @@ std::vector<std::string> iconFiles(const IPA& info, const AppArchive& archive,
     });
   });
   return {found.begin(), found.end()};
+}
+
+/// Adds the Info.plist of each app extension: the run paths of its program, which it names, lead to
+/// the libraries of the extension.
+void addInfoOfExtensions(const AppArchive& archive, std::vector<std::string>& wanted) {
+  for (const std::string& file : archive.files()) {
+    const fs::path path = file;
+    if (path.filename() == kInfoPlistFilename && path.parent_path().extension() == ".appex") {
+      wanted.push_back(file);
+    }
+  }
 }
 
 /// The app that `text` names. A name that fits nothing may have been meant as a file's.
@@ -97,6 +109,7 @@ void AppForReading::unpack(Files files, const std::optional<std::string>& iconNa
       wanted = iconFiles(*archive.unpack({}, destination("info")), archive, iconName);
     } else if (files == Files::images) {
       wanted = archive.images([&](const ZIPError& fault) { faults_.push_back(errorText(fault)); });
+      addInfoOfExtensions(archive, wanted);
     }
     ipa_ = archive.unpack(std::move(wanted), destination("unpacked"), progress.get());
   } catch (const std::system_error& error) {

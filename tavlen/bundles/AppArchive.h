@@ -30,6 +30,8 @@ class AppArchive {
 
   /// The app's folder in the archive, such as "Payload/Notes.app".
   const std::string& bundle() const { return bundle_; }
+  /// The app's files, relative to its folder, sorted.
+  const std::vector<std::string>& files() const { return files_; }
   /// Whether the app has that file; `file` is a path relative to its folder.
   bool contains(const std::string& file) const;
   /// The files, relative to the app's folder, that begin like Mach-O images, sorted.
@@ -46,7 +48,7 @@ class AppArchive {
  private:
   ZIPFileReader reader_;
   std::string bundle_;
-  std::vector<std::string> files_;  ///< relative to the app's folder, sorted
+  std::vector<std::string> files_;
 };
 
 /// The error of an archive without exactly one app.

@@ -107,12 +107,20 @@ TEST_F(DeviceCommandTest, ExecutablesAreListedByKind) {
   app("A.app", "Alpha", "com.a");
   EXPECT_EQ(device("executables com.a").err, "tavlen: error: Missing Main\n");
   write("tree/Applications/A.app/Main", macho::thin(2));
-  write("tree/Applications/A.app/Frameworks/\u65E5.dylib", macho::thin(6));
+  fs::create_directory(folder() / "tree/Applications/A.app/Frameworks");
+  fs::copy_file(paths().machoImages + "/Shapes.encrypted",
+                folder() / "tree/Applications/A.app/Frameworks/\u65E5.dylib");
   write("tree/Applications/A.app/tool", macho::fat({macho::thin(2)}));
   EXPECT_EQ(device("executables com.a").out,
-            "KIND     PATH\nmain     Main\nbundle   tool\ndynamic  Frameworks/\u65E5.dylib\n");
-  EXPECT_THAT(device("executables --json com.a").out,
-              StartsWith("[{\"kind\":\"main\",\"name\":\"Main\",\"relativePath\":\"Main\","));
+            "KIND     ARCHITECTURES  PLATFORM  MINIMUM OS  ENCRYPTED  PATH\n"
+            "main     arm64                                no         Main\n"
+            "bundle   arm64                                no         tool\n"
+            "dynamic  arm64          iOS       15.0        yes        Frameworks/\u65E5.dylib\n");
+  write("tree/Applications/A.app/Main", macho::fat({macho::thin(2), macho::thin32(2)}));
+  const std::string json = device("executables --json com.a").out;
+  EXPECT_THAT(json, StartsWith(R"([{"kind":"main","name":"Main","relativePath":"Main",)"));
+  EXPECT_THAT(json, HasSubstr(R"("slices":[{"architecture":"arm64","isEncrypted":false},)"
+                              R"({"architecture":"armv7","error":")"));
 }
 
 TEST_F(DeviceCommandTest, CrashLogsComeThroughTheHelper) {

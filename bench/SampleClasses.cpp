@@ -44,13 +44,13 @@ class Sample {
     for (std::size_t i = 0; i < kMethodsPerClass; ++i) {
       methods.push_back(std::make_shared<ObjCMethod>(selector(), encoding(), i >= 16));
     }
-    std::vector<std::string> protocols;
+    std::vector<SharedText> protocols;
     for (std::size_t i = below(3); i > 0; --i) protocols.push_back(word(kNouns) + "Protocol");
     const bool isSwift = below(8) == 0;
     const std::string name = "PX" + word(kNouns) + word(kNouns) + std::to_string(number);
     return std::make_shared<ObjCClass>(
         name, std::move(methods),
-        isSwift ? std::optional("_TtC6Sample" + std::to_string(number)) : std::nullopt,
+        isSwift ? std::optional<SharedText>("_TtC6Sample" + std::to_string(number)) : std::nullopt,
         "UI" + word(kNouns), "/System/Library/Frameworks/UIKit.framework/UIKit",
         std::move(protocols));
   }

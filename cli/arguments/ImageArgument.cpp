@@ -8,8 +8,8 @@
 
 #include "cli/arguments/AppArgument.h"
 #include "cli/terminal/ShownText.h"
-#include "tavlen/foundation/files/MachOHeader.h"
 #include "tavlen/foundation/files/RandomAccessFile.h"
+#include "tavlen/foundation/macho/MachOFile.h"
 
 namespace tavlen::cli {
 
@@ -32,9 +32,9 @@ NamedImage loneImage(const fs::path& file) {
 /// Whether `file` is a Mach-O image, or an ELF image for trying an app on Linux.
 bool isImage(const fs::path& file) {
   const RandomAccessFile opened(file);
-  return MachOHeader::read(opened) || opened.read(0, 4) ==
-                                          "\x7F"
-                                          "ELF";
+  return MachOFile::read(opened) || opened.read(0, 4) ==
+                                        "\x7F"
+                                        "ELF";
 }
 
 /// The image in `file`, and the app whose bundle contains it.

@@ -23,16 +23,16 @@ struct Options {
 int listClasses(const Options& options) {
   ClassParser::Classes classes = dumpClasses(options.image);
   const auto differs = [&](const std::shared_ptr<ObjCClass>& cls) {
-    return ::fnmatch(options.pattern.c_str(), cls->name.c_str(), 0) != 0;
+    return ::fnmatch(options.pattern.c_str(), cls->name.str().c_str(), 0) != 0;
   };
   classes.erase(std::remove_if(classes.begin(), classes.end(), differs), classes.end());
-  std::string out;
   if (options.json) {
-    out = shownJSON(classes) + "\n";
+    printJSON(classes);
   } else {
+    std::string out;
     for (const auto& cls : classes) out += escapedForTerminal(cls->description()) + "\n";
+    printData(out);
   }
-  printData(out);
   return 0;
 }
 

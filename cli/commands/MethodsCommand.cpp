@@ -19,13 +19,13 @@ struct Options {
 
 int listMethods(const Options& options) {
   const std::shared_ptr<ObjCClass> cls = dumpedClass(options.image, options.className);
-  std::string out;
   if (options.json) {
-    out = shownJSON(cls->methods) + "\n";
+    printJSON(cls->methods);
   } else {
+    std::string out;
     for (const auto& method : cls->methods) out += escapedForTerminal(method->description()) + "\n";
+    printData(out);
   }
-  printData(out);
   return 0;
 }
 

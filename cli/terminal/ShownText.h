@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "cli/terminal/Console.h"
 #include "tavlen/foundation/json/JSONEncoder.h"
 #include "tavlen/foundation/text/EscapedText.h"
 
@@ -23,6 +24,15 @@ std::string shownLine(std::string_view message);
 template <class T>
 std::string shownJSON(const T& value) {
   return escapedJSON(encodeJSON(value));
+}
+
+/// Prints shownJSON() and a line break to the standard output. The text is never in memory as a
+/// whole, and may have more values than a document; it has begun when a later part of it throws
+/// EncodingError. Throws as printData() as well.
+template <class T>
+void printJSON(const T& value) {
+  writeJSON(value, [](std::string_view piece) { printData(escapedJSON(std::string(piece))); });
+  printData("\n");
 }
 
 }  // namespace tavlen::cli

@@ -12,8 +12,8 @@
 #include "cli/terminal/Console.h"
 #include "cli/terminal/ProgressLine.h"
 #include "cli/terminal/ShownText.h"
-#include "tavlen/foundation/files/MachOHeader.h"
 #include "tavlen/foundation/files/RandomAccessFile.h"
+#include "tavlen/foundation/macho/MachOFile.h"
 #include "tavlen/introspection/classes/DynamicClassParser.h"
 #include "tavlen/introspection/remote/RemoteClassParser.h"
 #include "tavlen/introspection/remote/TessaloopInterface.h"
@@ -61,7 +61,7 @@ std::system_error cancelled(const ImageArgument& argument) {
 /// The likely reason why an image cannot be loaded into this process.
 std::string hintFor(const std::filesystem::path& file) {
   try {
-    if (MachOHeader::read(RandomAccessFile(file))) {
+    if (MachOFile::read(RandomAccessFile(file))) {
       return " (a device's image cannot be loaded into this process; use --parser remote to ask "
              "the running app)";
     }

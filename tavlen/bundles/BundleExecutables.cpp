@@ -10,8 +10,8 @@
 
 #include "tavlen/bundles/IPA.h"
 #include "tavlen/foundation/files/FileSystem.h"
-#include "tavlen/foundation/files/MachOHeader.h"
 #include "tavlen/foundation/files/RandomAccessFile.h"
+#include "tavlen/foundation/macho/MachOFile.h"
 
 namespace tavlen {
 
@@ -64,9 +64,9 @@ class RegularFiles {
   std::vector<std::string> found_;
 };
 
-std::optional<MachOHeader> headerOf(const fs::path& folder, const std::string& relative) {
+std::optional<MachOFile> machOFileAt(const fs::path& folder, const std::string& relative) {
   try {
-    return MachOHeader::read(RandomAccessFile(folder / relative));
+    return MachOFile::read(RandomAccessFile(folder / relative));
   } catch (const std::system_error& error) {
     if (error.code() == std::errc::no_such_file_or_directory) return std::nullopt;
     throw IPA::Error::errorReading(relative);
@@ -92,19 +92,21 @@ BundleExecutables BundleExecutables::find(const std::shared_ptr<IPA>& ipa,
   if (files.empty() || files.front() != mainName) throw Executable::Error::missing(mainName);
   BundleExecutables found;
   for (const std::string& relative : files) {
-    const std::optional<MachOHeader> header = headerOf(folder, relative);
+    const std::optional<MachOFile> file = machOFileAt(folder, relative);
     const bool isMain = relative == mainName;
-    if (!header) {
+    if (!file) {
       if (isMain) throw IPA::Error::errorReading(mainName);
       continue;
     }
     const auto executable = std::make_shared<Executable>(ipa, folder, relative, isMain);
     if (isMain) {
       found.main = executable;
-    } else if (header->fileType == MachOHeader::FileType::execute) {
+      continue;
+    }
+    const MachOSlice::FileType type = file->preferred().fileType;
+    if (type == MachOSlice::FileType::execute) {
       found.programs.push_back(executable);
-    } else if (header->fileType == MachOHeader::FileType::dylib ||
-               header->fileType == MachOHeader::FileType::bundle) {
+    } else if (type == MachOSlice::FileType::dylib || type == MachOSlice::FileType::bundle) {
       found.libraries.push_back(executable);
     }
   }

@@ -19,7 +19,8 @@ Hook Hook::with(std::string className, std::string selector, std::string signatu
 
 Hook Hook::with(const ObjCClass& cls, const ObjCMethod& method,
                 std::map<std::int64_t, Parameter> args) {
-  return with(cls.name, method.selector, method.encoding, method.isClassMethod, std::move(args));
+  return with(cls.name.str(), method.selector.str(), method.encoding.str(), method.isClassMethod,
+              std::move(args));
 }
 
 std::shared_ptr<ObjCMethod> Hook::method() const {

@@ -65,6 +65,19 @@ struct ArchiveCoding<std::string> {
   }
 };
 
+/// A shared text.
+template <>
+struct ArchiveCoding<SharedText> {
+  static constexpr bool isObject = true;
+  static PropertyList::Index encode(KeyedArchiver& archiver, const SharedText& value) {
+    return archiver.text(value);
+  }
+  static void decode(KeyedUnarchiver& unarchiver, PropertyList::Index stored, SharedText& value) {
+    unarchiver.chargeBytes(SharedText::kOwnBytes);
+    value = unarchiver.text(stored);
+  }
+};
+
 /// A URL.
 template <>
 struct ArchiveCoding<URL> {

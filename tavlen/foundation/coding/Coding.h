@@ -17,6 +17,7 @@
 #include "tavlen/foundation/coding/CodingError.h"
 #include "tavlen/foundation/coding/Decoder.h"
 #include "tavlen/foundation/coding/Encoder.h"
+#include "tavlen/foundation/text/SharedText.h"
 
 /// The coding of values, independent of the format.
 ///
@@ -114,6 +115,16 @@ template <>
 struct Coding<std::string> {
   static void encode(Encoder& encoder, const std::string& value) { encoder.string(value); }
   static void decode(Decoder& decoder, std::string& value) { value = decoder.string(); }
+};
+
+/// A UTF-8 text of its own.
+template <>
+struct Coding<SharedText> {
+  static void encode(Encoder& encoder, const SharedText& value) { encoder.string(value); }
+  static void decode(Decoder& decoder, SharedText& value) {
+    decoder.chargeMemory(SharedText::kOwnBytes);
+    value = decoder.string();
+  }
 };
 
 /// A point in time, in the format's own form.

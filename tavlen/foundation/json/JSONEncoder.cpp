@@ -145,7 +145,7 @@ void appendJSONString(std::string& out, std::string_view text) {
 }
 
 void JSONEncoder::beginValue() {
-  if (++values_ > limits::kJSONValues) {
+  if (++values_ > limits::kJSONValues && isWhole()) {
     throw EncodingError::invalidValue("more than " + std::to_string(limits::kJSONValues) +
                                       " values");
   }
@@ -154,8 +154,14 @@ void JSONEncoder::beginValue() {
 
 void JSONEncoder::separate() {
   if (depth_ == sample_.depth && depth_ != 0 && sample_.elementsLeft-- == 0) reserveForArray();
+  if (out_.size() >= fullSize_) passPiece();
   if (!first_) out_ += ',';
   first_ = false;
+}
+
+void JSONEncoder::passPiece() {
+  receive_(out_);
+  out_.clear();
 }
 
 /// Reserves memory for the rest of the array. A text that grows by doubling is copied about twice
@@ -198,7 +204,7 @@ void JSONEncoder::endRecord() { end('}'); }
 
 void JSONEncoder::beginArray(std::size_t count) {
   begin('[');
-  if (count >= 4 * kSampledElements && sample_.depth == 0)
+  if (count >= 4 * kSampledElements && sample_.depth == 0 && isWhole())
     sample_ = {depth_, out_.size(), kSampledElements, count - kSampledElements};
 }
 

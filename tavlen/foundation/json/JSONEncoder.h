@@ -1,7 +1,10 @@
 #pragma once
 
+#include <functional>
+#include <limits>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "tavlen/foundation/base/Limits.h"
 #include "tavlen/foundation/coding/Coding.h"
@@ -12,15 +15,29 @@ namespace tavlen {
 /// numbers in their shortest form; the keys of a record in the record's order.
 ///
 /// Errors: EncodingError for a number that is not finite, text that is not UTF-8, nesting deeper
-/// than 511 containers, and more than limits::kJSONValues values. The text written so far stays in
-/// `out`. Threads: one object one thread at a time.
+/// than 511 containers, and, in a text that is a whole, more than limits::kJSONValues values. The
+/// text written so far stays in `out`, or with the receiver of the pieces. Threads: one object one
+/// thread at a time.
 class JSONEncoder final : public Encoder {
  public:
   /// Maximum nesting of containers: the platform's limit, one less than it reads.
   static constexpr std::size_t kMaximumDepth = limits::kJSONDepth - 1;
+  /// The size of a piece, in bytes. Only the last is smaller; one is larger by the value that fills
+  /// it.
+  static constexpr std::size_t kPieceBytes = std::size_t{64} << 10;
+  /// Receives a piece of the text, which is valid during the call.
+  using Receiver = std::function<void(std::string_view piece)>;
 
   /// Appends to `out`, which must outlive the encoder.
   explicit JSONEncoder(std::string& out) : out_(out) {}
+  /// Passes the text to `receive` in pieces, so that it may have any length. A piece ends before a
+  /// key or a value, and so never within a character.
+  explicit JSONEncoder(Receiver receive)
+      : out_(piece_), fullSize_(kPieceBytes), receive_(std::move(receive)) {}
+  JSONEncoder(const JSONEncoder&) = delete;
+  JSONEncoder& operator=(const JSONEncoder&) = delete;
+  /// To be called after the value when the text is passed on in pieces: passes the last one.
+  void finish() { passPiece(); }
 
   void beginRecord() override;
   void key(std::string_view key) override;
@@ -47,10 +64,16 @@ class JSONEncoder final : public Encoder {
   void beginValue();
   void separate();
   void reserveForArray();
+  void passPiece();
   void begin(char bracket);
   void end(char bracket);
 
+  bool isWhole() const { return receive_ == nullptr; }
+
+  std::string piece_;  ///< what out_ refers to when the text is passed on in pieces
   std::string& out_;
+  std::size_t fullSize_ = std::numeric_limits<std::size_t>::max();  ///< of out_, to be passed on
+  Receiver receive_;
   std::size_t depth_ = 0;
   std::size_t values_ = 0;
   Sample sample_;
@@ -62,6 +85,15 @@ template <class T>
 void appendJSON(std::string& out, const T& value) {
   JSONEncoder encoder(out);
   encode(encoder, value);
+}
+
+/// Passes the JSON text of `value` to `receive` in pieces. Errors as for JSONEncoder, and what
+/// `receive` throws.
+template <class T>
+void writeJSON(const T& value, JSONEncoder::Receiver receive) {
+  JSONEncoder encoder(std::move(receive));
+  encode(encoder, value);
+  encoder.finish();
 }
 
 /// The JSON text of `value`. Errors as for JSONEncoder.

@@ -26,6 +26,7 @@ struct MachOSlice {
 
   std::uint64_t offset = 0;  ///< in bytes, from the start of the file
   std::uint64_t size = 0;    ///< in bytes
+  bool is64Bit = false;      ///< whether pointers have 64 bits
   /// The CPU type.
   std::uint32_t cpuType = 0;
   /// The CPU subtype, without its feature bits.
@@ -37,8 +38,6 @@ struct MachOSlice {
 
   bool operator==(const MachOSlice&) const = default;
 
-  /// Whether pointers have 64 bits.
-  bool is64Bit() const;
   /// The name that tools give the architecture, such as "arm64", "arm64e" or "x86_64"; "cpu-7-3" of
   /// type and subtype for one without a name.
   std::string architecture() const;
@@ -49,7 +48,7 @@ class MachOFile {
  public:
   /// Reads the headers of `file`. Returns nothing for a file that is not Mach-O, or none of whose
   /// slices can be read; slices that cannot are left out. Throws std::system_error when reading
-  /// fails. Makes at most 34 small reads.
+  /// fails. Makes at most 35 small reads.
   static std::optional<MachOFile> read(const RandomAccessFile& file);
 
   /// The slices in the order of the file; never empty.

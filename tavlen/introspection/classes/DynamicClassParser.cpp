@@ -64,10 +64,10 @@ std::shared_ptr<ObjCClass> DynamicClassParser::parseClass(objc_class* cls) const
   methods.reserve(methods.size() + ofClass.size());
   std::move(ofClass.begin(), ofClass.end(), std::back_inserter(methods));
   Class superclass = class_getSuperclass(cls);
+  const auto protocols = class_copyProtocolNames(cls).value_or(std::vector<std::string>());
   auto record = std::make_shared<ObjCClass>(
       wellFormedUTF8(name), std::move(methods), std::nullopt, superclassName(superclass),
-      superclassPath(superclass),
-      class_copyProtocolNames(cls).value_or(std::vector<std::string>()));
+      superclassPath(superclass), std::vector<SharedText>(protocols.begin(), protocols.end()));
   return cache_.emplace(name, std::move(record)).first->second;
 }
 

@@ -18,7 +18,8 @@ std::vector<std::pair<std::shared_ptr<ObjCMethod>, MethodIdentity>> ObjCClass::m
   std::vector<std::pair<std::shared_ptr<ObjCMethod>, MethodIdentity>> identities;
   identities.reserve(methods.size());
   for (const auto& method : methods) {
-    identities.emplace_back(method, MethodIdentity{name, method->selector, method->isClassMethod});
+    identities.emplace_back(
+        method, MethodIdentity{name.str(), method->selector.str(), method->isClassMethod});
   }
   return identities;
 }

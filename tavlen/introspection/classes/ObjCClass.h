@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "tavlen/foundation/coding/Coding.h"
+#include "tavlen/foundation/text/SharedText.h"
 #include "tavlen/foundation/text/StyledText.h"
 #include "tavlen/introspection/classes/MethodIdentity.h"
 #include "tavlen/introspection/classes/ObjCMethod.h"
@@ -29,9 +30,9 @@ class ObjCClass {
   /// An empty record, for decoders.
   ObjCClass() = default;
   /// A record with these values, in the order of the members.
-  ObjCClass(std::string className, Methods ownMethods, std::optional<std::string> mangledName,
-            std::optional<std::string> superclassName, std::optional<std::string> pathOfSuperclass,
-            std::vector<std::string> adoptedProtocols)
+  ObjCClass(SharedText className, Methods ownMethods, std::optional<SharedText> mangledName,
+            std::optional<SharedText> superclassName, std::optional<SharedText> pathOfSuperclass,
+            std::vector<SharedText> adoptedProtocols)
       : name(std::move(className)),
         methods(std::move(ownMethods)),
         mangledSuperclass(std::move(mangledName)),
@@ -40,13 +41,13 @@ class ObjCClass {
         protocols(std::move(adoptedProtocols)) {}
 
   /// The class's name.
-  std::string name;
+  SharedText name;
   Methods methods;  ///< of the class itself: instance methods first, then class methods
   /// The superclass's mangled name, where the parser knows one.
-  std::optional<std::string> mangledSuperclass;
-  std::optional<std::string> supercls;        ///< absent for a root class
-  std::optional<std::string> superclassPath;  ///< the image that defines the superclass
-  std::vector<std::string> protocols;         ///< names of the adopted protocols
+  std::optional<SharedText> mangledSuperclass;
+  std::optional<SharedText> supercls;        ///< absent for a root class
+  std::optional<SharedText> superclassPath;  ///< the image that defines the superclass
+  std::vector<SharedText> protocols;         ///< names of the adopted protocols
 
   /// The methods with their identities, in the order of `methods`.
   std::vector<std::pair<std::shared_ptr<ObjCMethod>, MethodIdentity>> methodIdentities() const;

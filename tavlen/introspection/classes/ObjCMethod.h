@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "tavlen/foundation/coding/Coding.h"
+#include "tavlen/foundation/text/SharedText.h"
 #include "tavlen/foundation/text/StyledText.h"
 #include "tavlen/introspection/types/JXTypeDescription.h"
 
@@ -21,13 +22,13 @@ class ObjCMethod {
   /// An empty record, for decoders.
   ObjCMethod() = default;
   /// A record with these values, in the order of the members.
-  ObjCMethod(std::string methodSelector, std::string typeEncoding, bool belongsToClass)
+  ObjCMethod(SharedText methodSelector, SharedText typeEncoding, bool belongsToClass)
       : selector(std::move(methodSelector)),
         encoding(std::move(typeEncoding)),
         isClassMethod(belongsToClass) {}
 
-  std::string selector;  ///< with its colons
-  std::string encoding;  ///< of the types, exactly as the run time reports it
+  SharedText selector;  ///< with its colons
+  SharedText encoding;  ///< of the types, exactly as the run time reports it
   /// Whether it is a class method, not an instance method.
   bool isClassMethod = false;
 

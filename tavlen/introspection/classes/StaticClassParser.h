@@ -1,6 +1,9 @@
 #pragma once
 
+#include <memory>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "tavlen/foundation/errors/CasedError.h"
@@ -28,11 +31,11 @@ class StaticClassParser : public ClassParser {
   /// Methods that the image adds to a class of another image.
   struct Category {
     /// The class's name.
-    std::string className;
+    SharedText className;
     /// The category's own name.
-    std::string name;
-    ObjCClass::Methods methods;          ///< instance methods first, then class methods
-    std::vector<std::string> protocols;  ///< names of the adopted protocols
+    SharedText name;
+    ObjCClass::Methods methods;         ///< instance methods first, then class methods
+    std::vector<SharedText> protocols;  ///< names of the adopted protocols
   };
 
   /// What an image holds.
@@ -54,8 +57,11 @@ class StaticClassParser : public ClassParser {
       : architecture_(std::move(architecture)) {}
 
   /// Reads all classes and categories. Malformed metadata costs its class or method and leaves a
-  /// diagnostic. Blocks. Throws Error, and std::system_error when the file cannot be read.
-  Result parseImage(const Executable& executable) const;
+  /// diagnostic. Blocks. Reports its progress as one unit of `parent`, which may be null;
+  /// cancelling that ends the work with ECANCELED. Throws Error, and std::system_error when the
+  /// file cannot be read.
+  Result parseImage(const Executable& executable,
+                    const std::shared_ptr<Progress>& parent = nullptr) const;
 
  private:
   Classes parseBelow(const std::shared_ptr<Progress>& parent,
@@ -74,7 +80,7 @@ class StaticClassParser::Error : public CasedError<StaticClassParser::ErrorCase>
   static Error notMachO();
   /// The file has no slice of the architecture; `available` lists those that it has.
   static Error architectureMissing(std::string architecture, std::string available);
-  /// The slice of that architecture has no 64-bit pointers, or is big-endian.
+  /// The slice of that architecture has no 64-bit pointers.
   static Error unsupportedArchitecture(std::string architecture);
   /// The slice is an object file, a debug companion or another image without classes in memory.
   static Error notLinked(std::string architecture);

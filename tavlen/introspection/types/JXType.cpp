@@ -16,12 +16,12 @@ constexpr std::uint64_t kKnownQualifiers = (1 << 9) - 1;
 
 }  // namespace
 
-JXType::JXType(JXTypeText encoding, JXTypeQualifiers qualifiers, unsigned height, bool isMarked)
-    : encoding_(std::move(encoding.bytes)),
-      length_(encoding.length & ((std::uint64_t{1} << 44) - 1)),
+JXType::JXType(SharedText encoding, JXTypeQualifiers qualifiers, unsigned height, bool isMarked)
+    : length_(encoding.size() & ((std::uint64_t{1} << 44) - 1)),
       qualifiers_(static_cast<std::uint64_t>(qualifiers) & kKnownQualifiers),
       height_(height & 0xFF),
-      isMarked_(isMarked) {
+      isMarked_(isMarked),
+      encoding_(std::move(encoding).release()) {
   static_assert(kMaximumDepth <= 0xFF);
 }
 

@@ -6,9 +6,9 @@
 #include <string>
 #include <string_view>
 
+#include "tavlen/foundation/text/SharedText.h"
 #include "tavlen/introspection/types/JXTypeDescription.h"
 #include "tavlen/introspection/types/JXTypeQualifiers.h"
-#include "tavlen/introspection/types/JXTypeText.h"
 
 namespace tavlen {
 
@@ -73,7 +73,7 @@ class JXType {
   };
 
   /// `height` is the number of containers on the longest path down, including this node.
-  JXType(JXTypeText encoding, JXTypeQualifiers qualifiers, unsigned height, bool isMarked = false);
+  JXType(SharedText encoding, JXTypeQualifiers qualifiers, unsigned height, bool isMarked = false);
 
   virtual void appendOwnHead(std::string& out, bool padding, JXTypeBodies bodies) const = 0;
   virtual void appendOwnTail(std::string& out) const = 0;
@@ -92,11 +92,11 @@ class JXType {
   bool isMarked() const { return isMarked_; }
 
  private:
-  std::shared_ptr<const char> encoding_;
   std::uint64_t length_ : 44;
   std::uint64_t qualifiers_ : 9;
   std::uint64_t height_ : 8;
   std::uint64_t isMarked_ : 1;
+  std::shared_ptr<const char> encoding_;
 };
 
 /// Parses the first type in `encoding`, which may be malformed: there are no errors. Null only for

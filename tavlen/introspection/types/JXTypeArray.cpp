@@ -6,7 +6,7 @@
 
 namespace tavlen {
 
-JXTypeArray::JXTypeArray(Key /*key*/, JXTypeText encoding, JXTypeQualifiers qualifiers,
+JXTypeArray::JXTypeArray(Key /*key*/, SharedText encoding, JXTypeQualifiers qualifiers,
                          std::uint64_t count, std::shared_ptr<JXType> type)
     : JXType(std::move(encoding), qualifiers, heightOver(type)),
       count_(count),
@@ -32,8 +32,8 @@ std::shared_ptr<JXTypeArray> JXTypeArray::initWithCount(std::uint64_t count,
   std::string encoding = "[" + std::to_string(count);
   encoding += type->encoding();
   encoding += ']';
-  return std::make_shared<JXTypeArray>(Key(), JXTypeText::ownedBy(std::move(encoding)),
-                                       JXTypeQualifiers::none, count, std::move(type));
+  return std::make_shared<JXTypeArray>(Key(), SharedText(encoding), JXTypeQualifiers::none, count,
+                                       std::move(type));
 }
 
 void JXTypeArray::appendOwnHead(std::string& out, bool padding, JXTypeBodies bodies) const {

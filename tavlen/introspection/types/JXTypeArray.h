@@ -29,7 +29,7 @@ class JXTypeArray final : public JXType {
   const std::shared_ptr<JXType>& type() const { return type_; }
 
   /// For the functions above, which need a public constructor for std::make_shared.
-  JXTypeArray(Key /*key*/, JXTypeText encoding, JXTypeQualifiers qualifiers, std::uint64_t count,
+  JXTypeArray(Key /*key*/, SharedText encoding, JXTypeQualifiers qualifiers, std::uint64_t count,
               std::shared_ptr<JXType> type);
 
  private:

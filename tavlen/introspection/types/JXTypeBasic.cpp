@@ -19,9 +19,9 @@ constexpr std::array<char, kCharacters> kTexts = [] {
 }();
 
 /// The encoding of the character with that index; empty for the index after the last.
-JXTypeText textOf(std::size_t index) {
+SharedText textOf(std::size_t index) {
   const std::string_view texts(kTexts.data(), kTexts.size());
-  return JXTypeText::lasting(texts.substr(index, 1));
+  return SharedText::lasting(texts.substr(index, 1));
 }
 
 }  // namespace

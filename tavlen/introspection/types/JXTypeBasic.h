@@ -25,7 +25,7 @@ class JXTypeBasic final : public JXType {
   JXPrimitiveType primitiveType() const;
 
   /// For the functions above, which need a public constructor for std::make_shared.
-  JXTypeBasic(Key /*key*/, JXTypeText encoding, JXTypeQualifiers qualifiers)
+  JXTypeBasic(Key /*key*/, SharedText encoding, JXTypeQualifiers qualifiers)
       : JXType(std::move(encoding), qualifiers, 0) {}
 
  private:

@@ -14,7 +14,7 @@ std::shared_ptr<JXTypeBitField> JXTypeBitField::initWithEncoding(JXTypeCursor& c
 }
 
 std::shared_ptr<JXTypeBitField> JXTypeBitField::initWithBits(std::uint64_t bits) {
-  return std::make_shared<JXTypeBitField>(Key(), JXTypeText::ownedBy("b" + std::to_string(bits)),
+  return std::make_shared<JXTypeBitField>(Key(), SharedText("b" + std::to_string(bits)),
                                           JXTypeQualifiers::none, bits);
 }
 

@@ -26,7 +26,7 @@ class JXTypeBitField final : public JXType {
   void setBits(std::uint64_t bits) { bits_ = bits; }
 
   /// For the functions above, which need a public constructor for std::make_shared.
-  JXTypeBitField(Key /*key*/, JXTypeText encoding, JXTypeQualifiers qualifiers, std::uint64_t bits)
+  JXTypeBitField(Key /*key*/, SharedText encoding, JXTypeQualifiers qualifiers, std::uint64_t bits)
       : JXType(std::move(encoding), qualifiers, 0), bits_(bits) {}
 
  private:

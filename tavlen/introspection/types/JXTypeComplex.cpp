@@ -78,8 +78,9 @@ JXTypeComplex::Parts JXTypeComplex::build(
     text += fieldName;
   }
   Parts parts;
-  parts.encoding = JXTypeText::ownedBy(std::move(text), length);
-  const char* bytes = parts.encoding.bytes.get();
+  const SharedText kept = text;
+  parts.encoding = kept.piece(0, length);
+  const char* bytes = kept.data();
   if (name) parts.name = {bytes + 1, name->size()};
   if (types) parts.types = std::make_unique<const Types>(*std::move(types));
   if (fieldNames) {

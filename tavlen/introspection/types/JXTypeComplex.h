@@ -41,7 +41,7 @@ class JXTypeComplex : public JXType {
  protected:
   /// The members of an aggregate node.
   struct Parts {
-    JXTypeText encoding;
+    SharedText encoding;
     JXTypeQualifiers qualifiers = JXTypeQualifiers::none;
     std::string_view name;  ///< null view for no name
     std::unique_ptr<const Types> types;

@@ -85,13 +85,13 @@ std::shared_ptr<JXType> typeWith(JXTypeCursor& cursor, JXTypeQualifiers qualifie
 }  // namespace
 
 void JXTypeCursor::keepText() {
-  if (kept_ != nullptr) return;
-  kept_ = std::make_shared<const std::string>(text_);
-  text_ = *kept_;
+  if (!kept_.empty()) return;
+  kept_ = text_;
+  text_ = kept_;
 }
 
-JXTypeText JXTypeCursor::textFrom(std::size_t begin) const {
-  return {std::shared_ptr<const char>(kept_, text_.data() + begin), position_ - begin};
+SharedText JXTypeCursor::textFrom(std::size_t begin) const {
+  return kept_.piece(begin, position_ - begin);
 }
 
 std::shared_ptr<JXType> JXTypeWithEncoding(JXTypeCursor& cursor) {

@@ -6,10 +6,10 @@
 #include <string>
 #include <string_view>
 
+#include "tavlen/foundation/text/SharedText.h"
 #include "tavlen/introspection/types/JXType.h"
 #include "tavlen/introspection/types/JXTypeParse.h"
 #include "tavlen/introspection/types/JXTypeQualifiers.h"
-#include "tavlen/introspection/types/JXTypeText.h"
 
 namespace tavlen {
 
@@ -42,7 +42,7 @@ class JXTypeCursor {
   /// following functions are only for the type classes.
   void keepText();
   /// The text between `begin` and the position. keepText() must have been called.
-  JXTypeText textFrom(std::size_t begin) const;
+  SharedText textFrom(std::size_t begin) const;
   /// Hides the text after `end`, until uncut() is called with the former length.
   void cut(std::size_t end) { text_ = {text_.data(), end}; }
   /// Reverts cut().
@@ -53,7 +53,7 @@ class JXTypeCursor {
  private:
   std::string_view text_;
   std::size_t position_ = 0;
-  std::shared_ptr<const std::string> kept_;
+  SharedText kept_;
   JXTypeParse parse_;
 };
 

@@ -47,22 +47,22 @@ bool ignoresName() {
 
 }  // namespace
 
-JXTypeID::JXTypeID(Key /*key*/, JXTypeText encoding, JXTypeQualifiers qualifiers, bool isBlock,
+JXTypeID::JXTypeID(Key /*key*/, SharedText encoding, JXTypeQualifiers qualifiers, bool isBlock,
                    std::string_view name, std::unique_ptr<const Protocols> protocols)
     : JXType(std::move(encoding), qualifiers, 0, isBlock),
       name_(name),
       protocols_(std::move(protocols)) {}
 
 std::shared_ptr<JXTypeID> JXTypeID::withoutName(JXTypeQualifiers qualifiers, bool isBlock) {
-  const JXTypeText text = JXTypeText::lasting(isBlock ? "@?" : "@");
+  const SharedText text = SharedText::lasting(isBlock ? "@?" : "@");
   if (qualifiers != JXTypeQualifiers::none) {
     return std::make_shared<JXTypeID>(Key(), text, qualifiers, isBlock, std::string_view(),
                                       nullptr);
   }
   // As frequent as basic types, so there is one static node.
-  static auto* object = new JXTypeID(Key(), JXTypeText::lasting("@"), JXTypeQualifiers::none, false,
+  static auto* object = new JXTypeID(Key(), SharedText::lasting("@"), JXTypeQualifiers::none, false,
                                      std::string_view(), nullptr);
-  static auto* block = new JXTypeID(Key(), JXTypeText::lasting("@?"), JXTypeQualifiers::none, true,
+  static auto* block = new JXTypeID(Key(), SharedText::lasting("@?"), JXTypeQualifiers::none, true,
                                     std::string_view(), nullptr);
   return {std::shared_ptr<void>(), isBlock ? block : object};
 }
@@ -102,8 +102,8 @@ std::shared_ptr<JXTypeID> JXTypeID::initWithName(
     text += "<" + protocol + ">";
   }
   if (name || protocols) text += '"';
-  const JXTypeText kept = JXTypeText::ownedBy(std::move(text), isBlock ? 2 : std::string::npos);
-  const char* bytes = kept.bytes.get();
+  const SharedText kept = text;
+  const char* bytes = kept.data();
   std::unique_ptr<Protocols> list;
   if (protocols) {
     list = std::make_unique<Protocols>();
@@ -114,8 +114,8 @@ std::shared_ptr<JXTypeID> JXTypeID::initWithName(
   }
   const std::string_view keptName =
       name ? std::string_view(bytes + nameBegin, name->size()) : std::string_view();
-  return std::make_shared<JXTypeID>(Key(), kept, JXTypeQualifiers::none, isBlock, keptName,
-                                    std::move(list));
+  return std::make_shared<JXTypeID>(Key(), kept.piece(0, isBlock ? 2 : std::string::npos),
+                                    JXTypeQualifiers::none, isBlock, keptName, std::move(list));
 }
 
 std::optional<std::string_view> JXTypeID::name() const {

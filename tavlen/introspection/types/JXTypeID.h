@@ -38,7 +38,7 @@ class JXTypeID final : public JXType {
   bool isBlock() const { return isMarked(); }
 
   /// `name` is a null view without a class name.
-  JXTypeID(Key /*key*/, JXTypeText encoding, JXTypeQualifiers qualifiers, bool isBlock,
+  JXTypeID(Key /*key*/, SharedText encoding, JXTypeQualifiers qualifiers, bool isBlock,
            std::string_view name, std::unique_ptr<const Protocols> protocols);
 
  private:

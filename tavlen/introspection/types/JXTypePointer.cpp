@@ -16,17 +16,17 @@ bool isCharacter(const JXType& type) {
 
 }  // namespace
 
-JXTypePointer::JXTypePointer(Key /*key*/, const JXTypeText& encoding, JXTypeQualifiers qualifiers,
+JXTypePointer::JXTypePointer(Key /*key*/, const SharedText& encoding, JXTypeQualifiers qualifiers,
                              std::shared_ptr<JXType> type, bool isFunction)
     : JXType(encoding, qualifiers, heightOf(encoding, type), isFunction), type_(std::move(type)) {}
 
 /// `*` has the height 0: it is parsed in one step and is not a container.
-unsigned JXTypePointer::heightOf(const JXTypeText& encoding, const std::shared_ptr<JXType>& type) {
-  return encoding.length == 1 && isCharacter(*type) ? 0 : heightOver(type);
+unsigned JXTypePointer::heightOf(const SharedText& encoding, const std::shared_ptr<JXType>& type) {
+  return encoding.size() == 1 && isCharacter(*type) ? 0 : heightOver(type);
 }
 
 std::shared_ptr<JXTypePointer> JXTypePointer::toCharacter(JXTypeQualifiers qualifiers) {
-  static const auto* text = new JXTypeText(JXTypeText::lasting("*"));
+  static const auto* text = new SharedText(SharedText::lasting("*"));
   static const auto* character =
       new std::shared_ptr<JXType>(JXTypeBasic::initWithPrimitiveType(JXPrimitiveType::char_));
   if (qualifiers != JXTypeQualifiers::none) {
@@ -62,8 +62,8 @@ std::shared_ptr<JXTypePointer> JXTypePointer::initWithType(std::shared_ptr<JXTyp
     encoding = isFunction ? "^?" : "^";
     encoding += type->encoding();
   }
-  return std::make_shared<JXTypePointer>(Key(), JXTypeText::ownedBy(std::move(encoding)),
-                                         JXTypeQualifiers::none, std::move(type), isFunction);
+  return std::make_shared<JXTypePointer>(Key(), SharedText(encoding), JXTypeQualifiers::none,
+                                         std::move(type), isFunction);
 }
 
 void JXTypePointer::appendOwnHead(std::string& out, bool /*padding*/, JXTypeBodies bodies) const {

@@ -27,11 +27,11 @@ class JXTypePointer final : public JXType {
   bool isFunction() const { return isMarked(); }
 
   /// For the functions above, which need a public constructor for std::make_shared.
-  JXTypePointer(Key /*key*/, const JXTypeText& encoding, JXTypeQualifiers qualifiers,
+  JXTypePointer(Key /*key*/, const SharedText& encoding, JXTypeQualifiers qualifiers,
                 std::shared_ptr<JXType> type, bool isFunction);
 
  private:
-  static unsigned heightOf(const JXTypeText& encoding, const std::shared_ptr<JXType>& type);
+  static unsigned heightOf(const SharedText& encoding, const std::shared_ptr<JXType>& type);
   static std::shared_ptr<JXTypePointer> toCharacter(JXTypeQualifiers qualifiers);
 
   void appendOwnHead(std::string& out, bool padding, JXTypeBodies bodies) const override;

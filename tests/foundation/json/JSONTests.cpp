@@ -1,4 +1,4 @@
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <functional>
 #include <limits>
@@ -7,6 +7,7 @@
 #include "tavlen/foundation/base/Limits.h"
 #include "tavlen/foundation/json/JSONDecoder.h"
 #include "tavlen/foundation/json/JSONEncoder.h"
+#include "tavlen/foundation/text/Unicode.h"
 #include "tests/support/TableFile.h"
 #include "tests/support/Thrown.h"
 #include "tests/support/WideText.h"
@@ -221,9 +222,31 @@ TEST(JSON, HoldsItsLimitOfValues) {
   const std::string limit = "more than " + std::to_string(limits::kJSONValues) + " values";
   const std::string unwritten = messageOf<EncodingError>([&] { encodeJSON(more); });
   EXPECT_NE(unwritten.find(limit), std::string::npos) << unwritten;
+  std::size_t bytes = 0;
+  writeJSON(more, [&](std::string_view piece) { bytes += piece.size(); });  // no document
+  EXPECT_EQ(bytes, 2 * more.size() + 1);
   const std::string refused =
       messageOf<DecodingError>([&] { decodeJSON<std::vector<double>>("[0," + text.substr(1)); });
   EXPECT_NE(refused.find(limit), std::string::npos) << refused;
+}
+
+TEST(JSONEncoder, PassesALongTextInPieces) {
+  // With a key, a value or a text of several bytes at each end of a piece.
+  std::vector<std::map<std::int64_t, std::string>> rows;
+  for (int i = 0; i < 20'000; ++i)
+    rows.push_back({{i, "\u00e9" + std::string(i % 7, 'x')}, {-1, ""}});
+  std::string text;
+  std::vector<std::size_t> sizes;
+  writeJSON(rows, [&](std::string_view piece) {
+    EXPECT_TRUE(isValidUTF8(piece));
+    sizes.push_back(piece.size());
+    text += piece;
+  });
+  EXPECT_EQ(text, encodeJSON(rows));
+  ASSERT_GT(sizes.size(), 4U);
+  sizes.pop_back();
+  EXPECT_THAT(sizes, testing::Each(testing::AllOf(testing::Ge(JSONEncoder::kPieceBytes),
+                                                  testing::Lt(JSONEncoder::kPieceBytes + 32))));
 }
 
 TEST(JSONDecoder, StandsWhereItStoodAfterAFailedAttempt) {

@@ -45,18 +45,19 @@ std::string pathOfDefinition(const char* className) {
 
 Lines namesOf(const ClassParser::Classes& classes) {
   Lines names;
-  for (const auto& each : classes) names.push_back(each->name);
+  for (const auto& each : classes) names.push_back(each->name.str());
   return names;
 }
 
 std::string textOf(const ObjCClass& cls) {
-  std::string text = "class " + cls.name + '\n';
-  if (cls.mangledSuperclass) text += "mangled " + *cls.mangledSuperclass + '\n';
+  std::string text = "class " + cls.name.str() + '\n';
+  if (cls.mangledSuperclass) text += "mangled " + cls.mangledSuperclass->str() + '\n';
   if (cls.supercls)
-    text += "super " + *cls.supercls + ' ' + cls.superclassPath.value_or("-") + '\n';
-  for (const auto& each : cls.protocols) text += "protocol " + each + '\n';
+    text += "super " + cls.supercls->str() + ' ' + cls.superclassPath.value_or("-").str() + '\n';
+  for (const auto& each : cls.protocols) text += "protocol " + each.str() + '\n';
   for (const auto& each : cls.methods) {
-    text += (each->isClassMethod ? "+ " : "- ") + each->selector + ' ' + each->encoding + '\n';
+    text += (each->isClassMethod ? "+ " : "- ") + each->selector.str() + ' ' +
+            each->encoding.str() + '\n';
   }
   return text;
 }

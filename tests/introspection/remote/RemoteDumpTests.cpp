@@ -24,7 +24,7 @@ class RemoteDumpTest : public DumpTest {
   static Classes sampleClasses() {
     return {std::make_shared<ObjCClass>(
         "A", ObjCClass::Methods{std::make_shared<ObjCMethod>("b:", "v@:@", true)}, std::nullopt,
-        "Super", std::nullopt, std::vector<std::string>{"P"})};
+        "Super", std::nullopt, std::vector<SharedText>{"P"})};
   }
 
   Classes dump(const Path& answer, const std::vector<double>& fractions = {},

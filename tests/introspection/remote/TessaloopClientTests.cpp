@@ -288,7 +288,7 @@ TEST_F(RemoteClassParserTest, DumpsAnImageOfAnApp) {
   EXPECT_THAT(methods,
               testing::Contains(testing::Pointee(ObjCMethod("half:", "d24@0:8d16", true))));
   std::vector<std::string> names;
-  for (const auto& cls : dump(client, program_)) names.push_back(cls->name);
+  for (const auto& cls : dump(client, program_)) names.push_back(cls->name.str());
   EXPECT_THAT(names, testing::UnorderedElementsAre("SampleOfProgram", "SampleBelowProgram"));
   EXPECT_EQ(archiveFolders(), 0);
 }

@@ -1,0 +1,132 @@
+#include "tavlen/introspection/classes/detail/LibraryPaths.h"
+
+#include <algorithm>
+#include <exception>
+#include <memory>
+#include <utility>
+
+#include "tavlen/bundles/IPA.h"
+#include "tavlen/bundles/InfoManager.h"
+#include "tavlen/device/DeviceRoot.h"
+#include "tavlen/foundation/files/FileSystem.h"
+#include "tavlen/foundation/files/RandomAccessFile.h"
+#include "tavlen/foundation/text/Unicode.h"
+
+namespace tavlen {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::string_view kRunPath = "@rpath/";
+constexpr int kMainExecutable = -1;
+
+bool isBundleOfProgram(const fs::path& folder) {
+  return folder.extension() == ".app" || folder.extension() == ".appex";
+}
+
+bool isBelow(const fs::path& path, const fs::path& folder) {
+  return std::mismatch(folder.begin(), folder.end(), path.begin(), path.end()).first ==
+         folder.end();
+}
+
+/// The nearest folder above `file` that is the bundle of a program; empty for none.
+fs::path programFolderAbove(const fs::path& file) {
+  for (fs::path folder = file.parent_path(); folder.has_relative_path();
+       folder = folder.parent_path()) {
+    if (isBundleOfProgram(folder)) return folder;
+  }
+  return {};
+}
+
+/// The program of the bundle `folder`; empty if it cannot be told.
+fs::path programIn(const fs::path& folder) {
+  try {
+    const std::string name = InfoManager(folder).info().executable;
+    return isPlainComponent(name) ? folder / name : fs::path();
+  } catch (const std::exception&) {
+    return {};
+  }
+}
+
+std::vector<std::string> runPathsOf(const fs::path& program, const MachOSlice& like) {
+  try {
+    const auto file = std::make_shared<const RandomAccessFile>(program);
+    const std::optional<MachOFile> machO = MachOFile::read(*file);
+    if (!machO) return {};
+    const MachOSlice* same = machO->sliceNamed(like.architecture());
+    return MachOImage(file, same != nullptr ? *same : machO->preferred()).runPaths();
+  } catch (const std::exception&) {
+    return {};  // the name stays as it is written
+  }
+}
+
+}  // namespace
+
+LibraryPaths::LibraryPaths(const Executable& executable, const MachOImage& image)
+    : image_(image),
+      file_(fs::absolute(executable.path()).lexically_normal()),
+      programFolder_(programFolderAbove(file_)) {
+  if (image.slice().fileType == MachOSlice::FileType::execute) programFolder_ = file_.parent_path();
+  const std::shared_ptr<IPA> app = executable.ipa();
+  bundle_ =
+      app != nullptr ? fs::absolute(app->appDir()).lexically_normal() : programFolderAbove(file_);
+}
+
+std::optional<SharedText> LibraryPaths::pathOf(int ordinal) {
+  const auto [place, isNew] = paths_.try_emplace(ordinal);
+  if (isNew) {
+    const std::optional<std::string> path = find(ordinal);
+    if (path) place->second = wellFormedUTF8(*path);
+  }
+  return place->second;
+}
+
+std::optional<std::string> LibraryPaths::find(int ordinal) const {
+  if (ordinal == 0) return DeviceRoot::shared().devicePath(file_).string();
+  if (ordinal == kMainExecutable) {
+    const fs::path program = programFolder_.empty() ? fs::path() : programIn(programFolder_);
+    if (program.empty()) return std::nullopt;
+    return DeviceRoot::shared().devicePath(program).string();
+  }
+  const auto& libraries = image_.libraries();
+  if (ordinal < 0 || static_cast<std::size_t>(ordinal) > libraries.size()) return std::nullopt;
+  return resolved(libraries[static_cast<std::size_t>(ordinal) - 1].name);
+}
+
+std::string LibraryPaths::resolved(const std::string& name) const {
+  if (!name.starts_with('@') || bundle_.empty()) return name;
+  const fs::path folder = file_.parent_path();
+  if (!name.starts_with(kRunPath)) return pathInBundle(name, folder).value_or(name);
+  const auto search = [&](const std::vector<std::string>& runPaths, const fs::path& loader) {
+    std::optional<std::string> found;
+    for (const std::string& runPath : runPaths) {
+      if (found) break;
+      found = pathInBundle(runPath + "/" + name.substr(kRunPath.size()), loader);
+    }
+    return found;
+  };
+  if (auto found = search(image_.runPaths(), folder)) return *found;
+  if (programFolder_.empty() || image_.slice().fileType == MachOSlice::FileType::execute) {
+    return name;
+  }
+  const fs::path program = programIn(programFolder_);
+  if (program.empty()) return name;
+  return search(runPathsOf(program, image_.slice()), programFolder_).value_or(name);
+}
+
+std::optional<std::string> LibraryPaths::pathInBundle(const std::string& name,
+                                                      const fs::path& loaderFolder) const {
+  const std::pair<std::string_view, const fs::path&> places[] = {
+      {"@executable_path/", programFolder_}, {"@loader_path/", loaderFolder}};
+  for (const auto& [prefix, folder] : places) {
+    if (!name.starts_with(prefix) || folder.empty()) continue;
+    const fs::path path = (folder / name.substr(prefix.size())).lexically_normal();
+    const DeviceRoot root = DeviceRoot::shared();
+    if (!isBelow(path, bundle_) || !fs::is_regular_file(root.status(path))) return std::nullopt;
+    return root.devicePath(path).string();
+  }
+  return std::nullopt;
+}
+
+}  // namespace tavlen

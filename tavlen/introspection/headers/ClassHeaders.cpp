@@ -127,15 +127,16 @@ class ClassHeaders::Writer {
   /// Gives every class its identifier: first to those that can keep their names.
   void nameClasses() {
     places_.resize(classes_.size());
-    for (const bool canKeep : {true, false}) {
-      for (std::size_t i = 0; i < classes_.size(); ++i) {
-        const std::string_view name = classes_[i]->name;
-        if (isDeclarableName(name) != canKeep) continue;
-        indices_.try_emplace(name, i);
-        places_[i].identifier = identifiers_.add(name);
-      }
+    for (std::size_t i = 0; i < classes_.size(); ++i) {
+      const std::string_view name = classes_[i]->name;
+      const bool isFirst = indices_.try_emplace(name, i).second;
+      if (isFirst && isDeclarableName(name)) places_[i].identifier = identifiers_.add(name);
     }
-    for (Place& place : places_) place.file = folder_.nameFor(place.identifier);
+    for (std::size_t i = 0; i < classes_.size(); ++i) {
+      Place& place = places_[i];
+      if (place.identifier.empty()) place.identifier = identifiers_.add(classes_[i]->name);
+      place.file = folder_.nameFor(place.identifier);
+    }
   }
 
   void findSuperclass(std::size_t index) {

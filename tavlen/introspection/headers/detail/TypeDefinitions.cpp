@@ -114,7 +114,8 @@ class TypeDefinitions::Writer {
     std::uint64_t sum = bytes + std::min(member.bytes, kMost);
     for (const Part& part : member.parts) {
       const std::uint64_t size = states_[part.type].bytes;
-      sum += part.count == 0 || size <= kMost / part.count ? size * part.count : kMost;
+      if (size > kMost / part.count) return false;
+      sum += size * part.count;
       if (sum > kMost) return false;
     }
     if (sum > kMost) return false;

@@ -22,7 +22,7 @@ class TypeDefinitions {
   struct Part {
     /// The other one.
     Index type;
-    /// How many of them the member holds; 0 if it only points to them.
+    /// How many of them the member holds, or points to the beginning of; at least 1.
     std::uint64_t count;
   };
 

@@ -174,7 +174,7 @@ TEST_F(ClassHeadersTest, DeclareEveryType) {
     methods.push_back(method(selector, c.encoding + "@:"));
     expected.append("- (").append(c.declaration).append(")").append(selector).append(";\n");
   }
-  const Headers headers = written({cls("A", methods), cls("UnknownType", {})});
+  const Headers headers = written({cls("A", methods), cls("UnknownType", {}, "UnnamedStruct")});
   EXPECT_THAT(headers.at("A.h"), testing::HasSubstr(expected));
   const std::string& common = headers.at("common-types.h");
   for (const char* part :

@@ -49,6 +49,8 @@ class IdentifierTable {
   /// An identifier of its own for one of several things called `name`. The first is what of()
   /// returns.
   std::string add(std::string_view name);
+  /// An identifier that no name has or will have: `identifier` itself if possible.
+  std::string reserve(std::string_view identifier) { return taken_.add(identifier); }
 
  private:
   UniqueNames taken_{'_'};

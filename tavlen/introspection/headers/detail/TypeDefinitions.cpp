@@ -148,7 +148,7 @@ TypeDefinitions::Index TypeDefinitions::unnamed(std::string_view keyword, std::s
   if (const auto found = indices_.find(key); found != indices_.end()) return found->second;
   Type type;
   type.keyword = keyword;
-  type.reference = typedefs.add(keyword == "union" ? "UnnamedUnion" : "UnnamedStruct");
+  type.reference = typedefs.reserve(keyword == "union" ? "UnnamedUnion" : "UnnamedStruct");
   type.isTypedef = true;
   type.isNeededWhole = true;
   return add(std::move(key), std::move(type));

@@ -1,5 +1,7 @@
 #include "tavlen/foundation/text/EscapedText.h"
 
+#include <algorithm>
+
 #include "tavlen/foundation/text/Unicode.h"
 
 namespace tavlen {
@@ -21,6 +23,8 @@ void appendHex(std::u16string& out, char16_t unit, int digits) {
 }  // namespace
 
 std::string escapedForTerminal(std::string_view text) {
+  const auto isPlain = [](char byte) { return byte >= ' ' && byte < '\x7F'; };
+  if (std::all_of(text.begin(), text.end(), isPlain)) return std::string(text);
   std::u16string out;
   for (const char16_t unit : utf16FromUTF8(text)) {
     if (unit == u'\n') {
@@ -39,8 +43,7 @@ std::string escapedForTerminal(std::string_view text) {
 }
 
 std::string escapedJSON(std::string json) {
-  // The first bytes of those characters.
-  if (json.find_first_of("\x7F\xC2\xD8\xE2") == std::string::npos) return json;
+  if (isASCII(json) && json.find('\x7F') == std::string::npos) return json;
   std::u16string out;
   for (const char16_t unit : utf16FromUTF8(json)) {
     if (unit >= 0x7F && isControl(unit)) {

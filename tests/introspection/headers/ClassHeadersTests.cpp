@@ -138,6 +138,7 @@ TEST_F(ClassHeadersTest, DeclareEveryType) {
   } cases[] = {{"Vv", "oneway void"},
                {"v", "void"},
                {"jd", "_Complex double"},
+               {"B", "BOOL"},
                {"D", "long double"},
                {"t", "__int128"},
                {"T", "unsigned __int128"},
@@ -293,6 +294,7 @@ TEST_F(ClassHeadersTest, StandHostileEncodings) {
                  method("arrays", "^" + repeated("[2", 200) + "i" + repeated("]", 200) + "@:"),
                  method("wide", "{W=" + repeated("^{W=ii}i", 12'000) + "}@:"),
                  method("times", "^{?=[16777216{?=[16777216{?=[16777216{?=[16777216i]}]}]}]}@:"),
+                 method("pointed", "{X=[16777216{Y=[16777216{Z=[16777216^{O}]}]}]}@:"),
                  method("bytes", "{\xFF\x01\"=\"\n\"@\"\xFF<\n>\"\"/*\"i}@:")})});
   expectThatHeadersCompile(headers);
 }

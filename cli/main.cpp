@@ -6,6 +6,8 @@
 
 #include "cli/arguments/RootOption.h"
 #include "cli/commands/Commands.h"
+#include "cli/terminal/LastLogMessage.h"
+#include "cli/work/DumpChild.h"
 #include "cli/work/ErrorReport.h"
 #include "cli/work/ProgramFolders.h"
 #include "cli/work/StoreLock.h"
@@ -68,8 +70,9 @@ int run(int argc, char** argv) {
   if (const std::optional<int> status = commandLine.parse(argc, argv)) return *status;
   tavlen::MainBundle::setURL(tavlen::cli::resourceFolder());
   tavlen::cli::useRoot(root);
-  tavlen::setLogSink(isVerbose ? tavlen::LogSink(tavlen::logToStandardError)
-                               : [](std::string_view /*message*/) {});
+  tavlen::setLogSink(
+      tavlen::cli::keepingLastMessage(isVerbose ? tavlen::LogSink(tavlen::logToStandardError)
+                                                : [](std::string_view /*message*/) {}));
   tavlen::cli::StoreLock::requireForEdits();
   return commandLine.run();
 }
@@ -79,6 +82,7 @@ int run(int argc, char** argv) {
 int main(int argc, char** argv) {
   useDefaultSignals();
   try {
+    tavlen::cli::dumpIfChild(argc, argv);
     return run(argc, argv);
   } catch (const std::exception& error) {
     tavlen::cli::reportError(error);

@@ -4,7 +4,7 @@ import json
 import plistlib
 import uuid
 
-from device_parts import icon, macho
+from device_parts import icon, macho, notes
 
 APPLICATIONS = "Applications"
 CONTAINERS = "var/containers/Bundle/Application"
@@ -60,13 +60,20 @@ def _notes():
     kit = "@rpath/NotesKit.framework/NotesKit"
     return {
         app + "Info.plist": _binary(info),
-        app + "Notes": macho.fat(macho.EXECUTE, libraries=[kit]),
+        app + "Notes": macho.fat(
+            macho.EXECUTE,
+            libraries=[*notes.LIBRARIES, kit],
+            run_paths=["@executable_path/Frameworks"],
+            metadata=notes.app(),
+        ),
         app + "NotesHelper": macho.thin(macho.EXECUTE),
         app + "AppIcon60x60@2x.png": icon.cgbi(120, 120, blue, white),
         app + "AppIcon60x60@3x.png": icon.cgbi(180, 180, blue, white),
         app + "AppIcon76x76~ipad.png": icon.cgbi(76, 76, blue, white),
         app + "AppIcon76x76@2x~ipad.png": icon.cgbi(152, 152, blue, white),
-        app + "Frameworks/NotesKit.framework/NotesKit": macho.thin(macho.DYLIB, install_name=kit),
+        app + "Frameworks/NotesKit.framework/NotesKit": macho.thin(
+            macho.DYLIB, install_name=kit, libraries=notes.LIBRARIES, metadata=notes.kit()
+        ),
         app + "Frameworks/NotesKit.framework/Info.plist": _binary(
             {"CFBundleExecutable": "NotesKit", "CFBundleIdentifier": "com.example.notes.kit", "CFBundleVersion": "1"}
         ),

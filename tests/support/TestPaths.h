@@ -12,6 +12,7 @@ struct TestPaths {
   std::string testData;
   std::string resources;          ///< the folder of the transpiler's script
   std::string foundationLibrary;  ///< GNUstep's
+  std::string machoImages;        ///< the folder of what tests/macho/CMakeLists.txt makes
   std::string command;
   std::string fileOperations;
   std::string dumpAgent;

@@ -15,6 +15,7 @@
 #include "tavlen/foundation/tasks/ScopedProgress.h"
 #include "tavlen/introspection/classes/RuntimeClasses.h"
 #include "tavlen/introspection/types/JXTypeCursor.h"
+#include "tests/introspection/classes/ClassText.h"
 #include "tests/support/LogLines.h"
 #include "tests/support/TableFile.h"
 #include "tests/support/TemporaryFolder.h"
@@ -47,19 +48,6 @@ Lines namesOf(const ClassParser::Classes& classes) {
   Lines names;
   for (const auto& each : classes) names.push_back(each->name.str());
   return names;
-}
-
-std::string textOf(const ObjCClass& cls) {
-  std::string text = "class " + cls.name.str() + '\n';
-  if (cls.mangledSuperclass) text += "mangled " + cls.mangledSuperclass->str() + '\n';
-  if (cls.supercls)
-    text += "super " + cls.supercls->str() + ' ' + cls.superclassPath.value_or("-").str() + '\n';
-  for (const auto& each : cls.protocols) text += "protocol " + each.str() + '\n';
-  for (const auto& each : cls.methods) {
-    text += (each->isClassMethod ? "+ " : "- ") + each->selector.str() + ' ' +
-            each->encoding.str() + '\n';
-  }
-  return text;
 }
 
 class DynamicClassParserTest : public testing::Test {

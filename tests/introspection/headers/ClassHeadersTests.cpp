@@ -4,10 +4,12 @@
 #include <map>
 #include <system_error>
 
+#include "tavlen/bundles/Executable.h"
 #include "tavlen/device/Process.h"
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/introspection/headers/ClassHeaders.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/TestPaths.h"
 #include "tests/support/Thrown.h"
 
 namespace tavlen {
@@ -130,6 +132,19 @@ TEST_F(ClassHeadersTest, DeclareWhatTheRecordsTell) {
                                         "@interface NSString\n"
                                         "@end\n"));
   expectThatHeadersCompile(headers);
+}
+
+TEST_F(ClassHeadersTest, CompileForImages) {
+  Classes classes;
+  Categories categories;
+  for (const char* name : {"Shapes", "Sketch", "Stickers"}) {
+    const Executable image({}, paths().machoImages, name, false);
+    const auto found = StaticClassParser().parseImage(image);
+    classes.insert(classes.end(), found.classes.begin(), found.classes.end());
+    categories.insert(categories.end(), found.categories.begin(), found.categories.end());
+  }
+  EXPECT_FALSE(categories.empty());
+  expectThatHeadersCompile(written(classes, categories));
 }
 
 TEST_F(ClassHeadersTest, DeclareEveryType) {

@@ -99,9 +99,7 @@ class ClassHeaders::Writer {
     if (!names.classes.empty() || !names.protocols.empty()) text += "\n";
     appendForward(text, "@class ", names.classes);
     appendForward(text, "@protocol ", names.protocols);
-    if (const std::string definitions = types_.definitions().source(); !definitions.empty()) {
-      text += definitions;
-    }
+    text += types_.definitions().source();
     for (const auto& [identifier, name] : protocolsAdopted_) {
       text += "\n" + nameAttribute(name, identifier) + "@protocol " + std::string(identifier) +
               "\n@end\n";

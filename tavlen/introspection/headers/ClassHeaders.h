@@ -27,11 +27,11 @@ class ClassHeaders {
   /// `Name+Category.h` for a category of another image's class, and the common file. Other files
   /// of those names are replaced, links among them; nothing is written elsewhere.
   ///
-  /// Every header compiles, whatever the names and encodings. A name that is none in C is changed,
-  /// and the original is given by an attribute or a comment; so is the second of two names that
-  /// would clash. Names of files that are equal but for case are numbered. A method that cannot be
-  /// declared, or whose encoding is malformed, becomes a comment. The same input gives the same
-  /// bytes.
+  /// Every header compiles with clang, whatever the names and encodings. A name that is no
+  /// identifier in C, or that something else has, is changed; an attribute or a comment at its
+  /// declaration has the original. Names of files that are equal but for case are numbered. A
+  /// method that cannot be declared, or whose encoding is malformed, becomes a comment. The same
+  /// input gives the same bytes.
   ///
   /// Time is linear in the input. Memory: the largest file, and the structs. Throws
   /// std::system_error with the path; files written before stay. Threads: any, but one folder one

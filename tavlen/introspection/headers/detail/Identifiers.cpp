@@ -1,7 +1,7 @@
 #include "tavlen/introspection/headers/detail/Identifiers.h"
 
 #include <algorithm>
-#include <array>
+#include <unordered_set>
 #include <utility>
 
 #include "tavlen/foundation/text/Characters.h"
@@ -10,155 +10,46 @@ namespace tavlen {
 
 namespace {
 
-/// Reserved words that selectors may contain: of C, and of types in methods of Objective-C.
-constexpr auto kWords = std::to_array<std::string_view>({"Class",
-                                                         "SEL",
-                                                         "asm",
-                                                         "auto",
-                                                         "break",
-                                                         "bycopy",
-                                                         "byref",
-                                                         "case",
-                                                         "char",
-                                                         "const",
-                                                         "continue",
-                                                         "default",
-                                                         "do",
-                                                         "double",
-                                                         "else",
-                                                         "enum",
-                                                         "extern",
-                                                         "float",
-                                                         "for",
-                                                         "goto",
-                                                         "id",
-                                                         "if",
-                                                         "in",
-                                                         "inline",
-                                                         "inout",
-                                                         "int",
-                                                         "long",
-                                                         "nonnull",
-                                                         "null_unspecified",
-                                                         "nullable",
-                                                         "oneway",
-                                                         "out",
-                                                         "register",
-                                                         "restrict",
-                                                         "return",
-                                                         "short",
-                                                         "signed",
-                                                         "sizeof",
-                                                         "static",
-                                                         "struct",
-                                                         "switch",
-                                                         "typedef",
-                                                         "typeof",
-                                                         "union",
-                                                         "unsigned",
-                                                         "void",
-                                                         "volatile",
-                                                         "while"});
+using Words = std::unordered_set<std::string_view>;
 
-/// Words that cannot be part of a selector either, or only with some compilers; and macros that
-/// they predefine.
-constexpr auto kForbiddenWords = std::to_array<std::string_view>({"IBAction",
-                                                                  "IBInspectable",
-                                                                  "IBOutlet",
-                                                                  "IBOutletCollection",
-                                                                  "IB_DESIGNABLE",
-                                                                  "_Accum",
-                                                                  "_Alignas",
-                                                                  "_Alignof",
-                                                                  "_Atomic",
-                                                                  "_BitInt",
-                                                                  "_Bool",
-                                                                  "_Complex",
-                                                                  "_Decimal128",
-                                                                  "_Decimal32",
-                                                                  "_Decimal64",
-                                                                  "_ExtInt",
-                                                                  "_Float16",
-                                                                  "_Fract",
-                                                                  "_Generic",
-                                                                  "_Imaginary",
-                                                                  "_LP64",
-                                                                  "_Nonnull",
-                                                                  "_Noreturn",
-                                                                  "_Null_unspecified",
-                                                                  "_Nullable",
-                                                                  "_Nullable_result",
-                                                                  "_Pragma",
-                                                                  "_Sat",
-                                                                  "_Static_assert",
-                                                                  "_Thread_local",
-                                                                  "__alignof",
-                                                                  "__amd64",
-                                                                  "__arm64",
-                                                                  "__asm",
-                                                                  "__attribute",
-                                                                  "__auto_type",
-                                                                  "__autoreleasing",
-                                                                  "__bf16",
-                                                                  "__block",
-                                                                  "__bridge",
-                                                                  "__bridge_retain",
-                                                                  "__bridge_retained",
-                                                                  "__bridge_transfer",
-                                                                  "__cdecl",
-                                                                  "__complex",
-                                                                  "__const",
-                                                                  "__contravariant",
-                                                                  "__covariant",
-                                                                  "__declspec",
-                                                                  "__fastcall",
-                                                                  "__float128",
-                                                                  "__forceinline",
-                                                                  "__fp16",
-                                                                  "__ibm128",
-                                                                  "__imag",
-                                                                  "__inline",
-                                                                  "__int128",
-                                                                  "__int128_t",
-                                                                  "__k8",
-                                                                  "__kindof",
-                                                                  "__linux",
-                                                                  "__nonnull",
-                                                                  "__null",
-                                                                  "__null_unspecified",
-                                                                  "__nullable",
-                                                                  "__objc_no",
-                                                                  "__objc_yes",
-                                                                  "__pascal",
-                                                                  "__real",
-                                                                  "__regcall",
-                                                                  "__restrict",
-                                                                  "__seg_fs",
-                                                                  "__seg_gs",
-                                                                  "__signed",
-                                                                  "__stdcall",
-                                                                  "__strong",
-                                                                  "__thiscall",
-                                                                  "__thread",
-                                                                  "__typeof",
-                                                                  "__uint128_t",
-                                                                  "__unaligned",
-                                                                  "__unix",
-                                                                  "__unsafe_unretained",
-                                                                  "__vectorcall",
-                                                                  "__volatile",
-                                                                  "__weak",
-                                                                  "__x86_64",
-                                                                  "i386",
-                                                                  "linux",
-                                                                  "unix"});
+/// The words of `text`, which has a blank after each.
+Words wordsIn(std::string_view text) {
+  Words words;
+  for (std::size_t end; (end = text.find(' ')) != std::string_view::npos;) {
+    words.insert(text.substr(0, end));
+    text.remove_prefix(end + 1);
+  }
+  return words;
+}
 
-static_assert(std::is_sorted(kWords.begin(), kWords.end()));
-static_assert(std::is_sorted(kForbiddenWords.begin(), kForbiddenWords.end()));
+/// Reserved words that selectors may contain: those of C, and those that Objective-C reserves in
+/// the types of methods.
+const Words& reservedWords() {
+  static const Words words = wordsIn(
+      "Class SEL asm auto break bycopy byref case char const continue default do double "
+      "else enum extern float for goto id if in inline inout int long nonnull "
+      "null_unspecified nullable oneway out register restrict return short signed sizeof "
+      "static struct switch typedef typeof union unsigned void volatile while ");
+  return words;
+}
 
-template <std::size_t kCount>
-bool contains(const std::array<std::string_view, kCount>& words, std::string_view name) {
-  return std::binary_search(words.begin(), words.end(), name);
+/// Words that selectors cannot contain either, or only with some compilers; and macros that
+/// compilers predefine.
+const Words& forbiddenWords() {
+  static const Words words = wordsIn(
+      "IBAction IBInspectable IBOutlet IBOutletCollection IB_DESIGNABLE _Accum _Alignas "
+      "_Alignof _Atomic _BitInt _Bool _Complex _Decimal128 _Decimal32 _Decimal64 _ExtInt "
+      "_Float16 _Fract _Generic _Imaginary _LP64 _Nonnull _Noreturn _Null_unspecified "
+      "_Nullable _Nullable_result _Pragma _Sat _Static_assert _Thread_local __alignof "
+      "__amd64 __arm64 __asm __attribute __auto_type __autoreleasing __bf16 __block "
+      "__bridge __bridge_retain __bridge_retained __bridge_transfer __cdecl __complex "
+      "__const __contravariant __covariant __declspec __fastcall __float128 __forceinline "
+      "__fp16 __ibm128 __imag __inline __int128 __int128_t __k8 __kindof __linux __nonnull "
+      "__null __null_unspecified __nullable __objc_no __objc_yes __pascal __real __regcall "
+      "__restrict __seg_fs __seg_gs __signed __stdcall __strong __thiscall __thread "
+      "__typeof __uint128_t __unaligned __unix __unsafe_unretained __vectorcall __volatile "
+      "__weak __x86_64 i386 linux unix ");
+  return words;
 }
 
 constexpr bool isWordCharacter(char c) { return isLetter(c) || isDigit(c) || c == '_' || c == '$'; }
@@ -168,7 +59,7 @@ bool isWord(std::string_view name) {
          std::all_of(name.begin(), name.end(), isWordCharacter);
 }
 
-/// Whether `name` looks as the names do that compilers keep for themselves: `__LINE__`,
+/// Whether `name` has the form of names that compilers keep for themselves: `__LINE__`,
 /// `__ARM_NEON`, `__has_feature`.
 bool isCompilerName(std::string_view name) {
   if (!name.starts_with("__")) return false;
@@ -177,9 +68,9 @@ bool isCompilerName(std::string_view name) {
          name.starts_with("__is_") || std::none_of(name.begin(), name.end(), isLower);
 }
 
-/// Whether `name` is a word and nothing to a compiler before it is one.
+/// Whether `name` is a word that selectors may contain.
 bool isFreeWord(std::string_view name) {
-  return isWord(name) && !isCompilerName(name) && !contains(kForbiddenWords, name);
+  return isWord(name) && !isCompilerName(name) && !forbiddenWords().contains(name);
 }
 
 /// Makes a word of `name`: one `_` for each run of other characters.
@@ -203,7 +94,9 @@ std::string wordFrom(std::string_view name) {
 
 }  // namespace
 
-bool isDeclarableName(std::string_view name) { return isFreeWord(name) && !contains(kWords, name); }
+bool isDeclarableName(std::string_view name) {
+  return isFreeWord(name) && !reservedWords().contains(name);
+}
 
 std::string declarableName(std::string_view name) {
   return isDeclarableName(name) ? std::string(name) : wordFrom(name);

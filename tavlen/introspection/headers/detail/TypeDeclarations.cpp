@@ -15,7 +15,7 @@ namespace tavlen {
 namespace {
 
 /// Elements of an array, those of its elements included. Compilers refuse arrays of more bytes than
-/// the address space has; real ones are far smaller.
+/// the address space has; those of real programs are far smaller.
 constexpr std::uint64_t kMostElements = std::uint64_t{1} << 24;
 /// The words that may stand before the type of a method's result or argument as a whole.
 constexpr JXTypeQualifiers kMethodQualifiers = JXTypeQualifiers::in | JXTypeQualifiers::inout |
@@ -28,8 +28,8 @@ bool has(const JXType& type, JXTypeQualifiers qualifier) {
   return (type.qualifiers() & qualifier) != JXTypeQualifiers::none;
 }
 
-/// The name of the type in C; empty for no type at all. Unlike the printed form of a type, it
-/// knows those of 128 bits.
+/// The name of the type in C; empty for an unknown type. Unlike JXNameForPrimitiveType(), knows the
+/// types of more than 64 bits.
 std::string_view basicName(const JXTypeBasic& type) {
   const char character = type.encoding().empty() ? '\0' : type.encoding().front();
   switch (character) {
@@ -116,6 +116,7 @@ class TypeDeclarations::Declaration {
   }
 
   void pointTo() {
+    addBytes();
     declarator_.insert(0, "*");
     pointerDeclarator_ = declarator_;
     isVoidAllowed_ = true;
@@ -178,13 +179,12 @@ class TypeDeclarations::Declaration {
       text = identifier;
     }
     if (type.protocols() != nullptr && !type.protocols()->empty()) {
-      char separator = '<';
+      std::string_view separator = "<";
       for (const std::string_view protocol : *type.protocols()) {
         const std::string& identifier = types_.protocols_.of(protocol);
         names_.protocols.insert(identifier);
-        text += separator == '<' ? "<" : ", ";
-        text += identifier;
-        separator = ',';
+        text.append(separator).append(identifier);
+        separator = ", ";
       }
       text += '>';
     }

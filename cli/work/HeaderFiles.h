@@ -1,0 +1,17 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "tavlen/introspection/classes/ClassParser.h"
+#include "tavlen/introspection/classes/StaticClassParser.h"
+
+namespace tavlen::cli {
+
+/// Writes an Objective-C header for each class and category into `folder` (ClassHeaders::write()),
+/// and their number to the standard error stream. Throws std::system_error with the path.
+void writeHeaders(const ClassParser::Classes& classes,
+                  const std::vector<StaticClassParser::Category>& categories,
+                  const std::string& folder);
+
+}  // namespace tavlen::cli

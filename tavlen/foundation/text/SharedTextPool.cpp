@@ -7,9 +7,8 @@ namespace tavlen {
 
 namespace {
 
-constexpr std::size_t kBlockBytes = std::size_t{16} << 10;
 /// What a longer text would leave unused of a block is too much.
-constexpr std::size_t kLongestInBlock = kBlockBytes / 16;
+constexpr std::size_t kLongestInBlock = 1'024;
 
 }  // namespace
 
@@ -25,11 +24,11 @@ SharedText SharedTextPool::shared(std::string_view text) {
 
 SharedText SharedTextPool::stored(std::string_view text) {
   if (text.size() > kLongestInBlock) return text;
-  if (block_ == nullptr || kBlockBytes - used_ < text.size()) {
-    block_ = std::make_shared_for_overwrite<char[]>(kBlockBytes);
+  if (block_ == nullptr || block_->size() - used_ < text.size()) {
+    block_ = std::make_shared_for_overwrite<Block>();
     used_ = 0;
   }
-  char* const bytes = block_.get() + used_;
+  char* const bytes = block_->data() + used_;
   std::copy(text.begin(), text.end(), bytes);
   used_ += text.size();
   return {block_, std::string_view(bytes, text.size())};

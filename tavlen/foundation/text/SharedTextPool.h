@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <memory>
 #include <string_view>
@@ -20,11 +21,13 @@ class SharedTextPool {
   SharedText shared(std::string_view text);
 
  private:
+  using Block = std::array<char, std::size_t{16} << 10>;
+
   /// Copies `text`, which is not empty.
   SharedText stored(std::string_view text);
 
-  std::shared_ptr<char[]> block_;  ///< the one that is being filled; null before the first
-  std::size_t used_ = 0;           ///< bytes of block_
+  std::shared_ptr<Block> block_;  ///< the one that is being filled; null before the first
+  std::size_t used_ = 0;          ///< bytes of block_
   std::vector<SharedText> texts_;
   HashIndex index_;  ///< of texts_
 };

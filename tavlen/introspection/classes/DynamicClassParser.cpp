@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -18,16 +19,22 @@ namespace tavlen {
 
 namespace {
 
+/// `text` with malformed UTF-8 replaced, one of `texts`.
+SharedText wellFormed(std::string_view text, SharedTextPool& texts) {
+  if (isValidUTF8(text)) return texts.shared(text);
+  return texts.shared(wellFormedUTF8(text));
+}
+
 std::optional<SharedText> superclassName(Class superclass, SharedTextPool& texts) {
   if (superclass == nullptr) return std::nullopt;
-  return texts.shared(wellFormedUTF8(class_getName(superclass)));
+  return wellFormed(class_getName(superclass), texts);
 }
 
 std::optional<SharedText> superclassPath(Class superclass, SharedTextPool& texts) {
   if (superclass == nullptr) return std::nullopt;
   const std::optional<std::string> path = ObjCRuntime::imagePath(superclass);
   if (!path) return std::nullopt;
-  return texts.shared(wellFormedUTF8(*path));
+  return wellFormed(*path, texts);
 }
 
 std::vector<SharedText> protocolNames(Class cls, SharedTextPool& texts) {
@@ -62,8 +69,8 @@ ObjCClass::Methods DynamicClassParser::methodsOfClass(objc_class* cls, bool inst
     const char* encoding = method_getTypeEncoding(method);
     const char* selector = sel_getName(method_getName(method));
     if (encoding == nullptr || selector == nullptr) return;
-    methods.push_back(std::make_shared<ObjCMethod>(
-        texts.shared(wellFormedUTF8(selector)), texts.shared(wellFormedUTF8(encoding)), !instance));
+    methods.push_back(std::make_shared<ObjCMethod>(wellFormed(selector, texts),
+                                                   wellFormed(encoding, texts), !instance));
   });
   return methods;
 }
@@ -83,10 +90,9 @@ std::shared_ptr<ObjCClass> DynamicClassParser::parseClass(objc_class* cls,
   methods.reserve(methods.size() + ofClass.size());
   std::move(ofClass.begin(), ofClass.end(), std::back_inserter(methods));
   Class superclass = class_getSuperclass(cls);
-  auto record =
-      std::make_shared<ObjCClass>(texts.shared(wellFormedUTF8(name)), std::move(methods),
-                                  std::nullopt, superclassName(superclass, texts),
-                                  superclassPath(superclass, texts), protocolNames(cls, texts));
+  auto record = std::make_shared<ObjCClass>(
+      wellFormed(name, texts), std::move(methods), std::nullopt, superclassName(superclass, texts),
+      superclassPath(superclass, texts), protocolNames(cls, texts));
   return cache_.emplace(name, std::move(record)).first->second;
 }
 

@@ -7,6 +7,7 @@
 #include "cli/terminal/OutputBuffer.h"
 #include "cli/work/ClassDump.h"
 #include "cli/work/DumpOutput.h"
+#include "cli/work/HeaderFiles.h"
 #include "tavlen/foundation/text/EscapedText.h"
 
 namespace tavlen::cli {
@@ -17,6 +18,8 @@ struct Options {
   ImageArgument image;
   NamePattern pattern;
   bool json = false;
+  bool headers = false;
+  std::string folder;
   bool isStrict = false;
 };
 
@@ -40,12 +43,28 @@ void printLines(const ClassDump& dump) {
   out.flush();
 }
 
+void writeHeadersOf(const ClassDump& dump, const std::string& folder) {
+  ClassParser::Classes classes;
+  std::vector<StaticClassParser::Category> categories;
+  for (const ImageDump& image : dump.images) {
+    classes.insert(classes.end(), image.classes.begin(), image.classes.end());
+    categories.insert(categories.end(), image.categories.begin(), image.categories.end());
+  }
+  writeHeaders(classes, categories, folder);
+}
+
 int listClasses(const Options& options) {
   ClassDump dump = dumpClasses(options.image);
   keepMatching(dump, options.pattern);
-  options.json ? printDump(dump) : printLines(dump);
+  if (options.headers) {
+    writeHeadersOf(dump, options.folder);
+  } else if (options.json) {
+    printDump(dump);
+  } else {
+    printLines(dump);
+  }
   const bool hasFaults = reportFaults(dump, options.image);
-  printCounts(dump);
+  if (!options.headers) printCounts(dump);
   return hasFaults && options.isStrict ? 1 : 0;
 }
 
@@ -62,9 +81,17 @@ void addClassesCommand(Command app) {
       .notEmpty()
       .typeName("PATTERN");
   command.flag("--ignore-case", options->pattern.ignoresCase, "Let the pattern ignore case");
-  command.flag("--json", options->json,
-               "Print a JSON object with the classes and categories of each image, including "
-               "methods");
+  const Option json =
+      command.flag("--json", options->json,
+                   "Print a JSON object with the classes and categories of each image, including "
+                   "methods");
+  Option headers = command.flag("--headers", options->headers,
+                                "Write an Objective-C header for each class into the folder DIR");
+  Option folder = command.text("-o,--output", options->folder, "The folder; created if missing")
+                      .notEmpty()
+                      .typeName("DIR");
+  headers.needs(folder).excludes(json);
+  folder.needs(headers);
   command.flag("--strict", options->isStrict, "Fail if any part of the images cannot be read");
   command.run([options] { return listClasses(*options); });
 }

@@ -1,12 +1,10 @@
 #include "cli/work/DumpOutput.h"
 
-#include <unistd.h>
-
 #include <cstddef>
 #include <tuple>
 #include <utility>
 
-#include "cli/terminal/Console.h"
+#include "cli/terminal/CountText.h"
 #include "cli/terminal/ShownText.h"
 #include "tavlen/foundation/text/Unicode.h"
 
@@ -75,14 +73,6 @@ ImageRow rowOf(const ImageDump& image) {
   return row;
 }
 
-/// "1 class", "3,120 classes".
-std::string counted(std::size_t count, const std::string& one, const std::string& many) {
-  constexpr std::size_t kGroup = 3;
-  std::string digits = std::to_string(count);
-  for (std::size_t i = digits.size(); i > kGroup; i -= kGroup) digits.insert(i - kGroup, ",");
-  return digits + " " + (count == 1 ? one : many);
-}
-
 }  // namespace
 
 void printDump(const ClassDump& dump) {
@@ -93,7 +83,6 @@ void printDump(const ClassDump& dump) {
 }
 
 void printCounts(const ClassDump& dump) {
-  if (::isatty(STDERR_FILENO) != 1) return;
   std::size_t classes = 0;
   std::size_t methods = 0;
   for (const ImageDump& image : dump.images) {
@@ -101,8 +90,9 @@ void printCounts(const ClassDump& dump) {
     for (const auto& cls : image.classes) methods += cls->methods.size();
     for (const auto& category : image.categories) methods += category.methods.size();
   }
-  printMessage(counted(classes, "class", "classes") + ", " + counted(methods, "method", "methods") +
-               " in " + counted(dump.images.size(), "image", "images") + "\n");
+  printCounts(countText(classes, "class", "classes") + ", " +
+              countText(methods, "method", "methods") + " in " +
+              countText(dump.images.size(), "image", "images"));
 }
 
 }  // namespace tavlen::cli

@@ -9,7 +9,7 @@
 namespace tavlen::cli {
 
 /// Writes an Objective-C header for each class and category into `folder` (ClassHeaders::write()),
-/// and their number to the standard error stream. Throws std::system_error with the path.
+/// and their number to a terminal. Throws std::system_error with the path.
 void writeHeaders(const ClassParser::Classes& classes,
                   const std::vector<StaticClassParser::Category>& categories,
                   const std::string& folder);

@@ -277,6 +277,15 @@ TEST_F(AppClassesTest, ListsTheClassesOfAllImages) {
   }
 }
 
+TEST_F(AppClassesTest, WritesTheHeadersOfAllImages) {
+  const Result written = run("classes Sketch.ipa --match [ES]* --headers -o H");
+  EXPECT_EQ(written.out + written.err, "");
+  EXPECT_THAT(contents("H/Eraser.h"), HasSubstr("@interface Eraser : Circle <"));
+  EXPECT_TRUE(fs::exists(folder() / "H/ShapeFactory.h"));
+  expectRefused("classes Sketch.ipa",
+                {{"--headers", 2, ""}, {"-o H", 2, ""}, {"--headers -o H --json", 2, ""}});
+}
+
 TEST_F(AppClassesTest, AnImageThatCannotBeReadIsNamedAndTheOthersAreListed) {
   copy("Shapes.encrypted", "Frameworks/Shapes");
   const std::string warning =

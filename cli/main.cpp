@@ -6,6 +6,7 @@
 
 #include "cli/arguments/RootOption.h"
 #include "cli/commands/Commands.h"
+#include "cli/work/DumpChild.h"
 #include "cli/work/ErrorReport.h"
 #include "cli/work/ProgramFolders.h"
 #include "cli/work/StoreLock.h"
@@ -79,6 +80,7 @@ int run(int argc, char** argv) {
 int main(int argc, char** argv) {
   useDefaultSignals();
   try {
+    tavlen::cli::dumpIfChild(argc, argv);
     return run(argc, argv);
   } catch (const std::exception& error) {
     tavlen::cli::reportError(error);

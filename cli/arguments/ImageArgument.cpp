@@ -1,12 +1,14 @@
 #include "cli/arguments/ImageArgument.h"
 
 #include <algorithm>
+#include <charconv>
 #include <exception>
 #include <filesystem>
 #include <stdexcept>
 #include <system_error>
 
 #include "cli/arguments/AppArgument.h"
+#include "cli/arguments/UsageError.h"
 #include "cli/terminal/ShownText.h"
 #include "tavlen/foundation/files/RandomAccessFile.h"
 #include "tavlen/foundation/macho/MachOFile.h"
@@ -19,6 +21,19 @@ namespace fs = std::filesystem;
 
 NamedImage mainImageOf(const std::shared_ptr<IPA>& app) {
   return {app, namingInfo(*app, [&] { return app->mainExecutable(); })};
+}
+
+/// A positive number of seconds, in whole milliseconds. Throws UsageError.
+std::chrono::milliseconds secondsFrom(const std::string& text) {
+  constexpr double kMost = 1e9;  // the clock overflows at nine times that
+  double seconds = 0;
+  const char* const end = text.data() + text.size();
+  const auto [last, error] = std::from_chars(text.data(), end, seconds, std::chars_format::fixed);
+  // Written so that NaN fails the comparison.
+  if (error != std::errc() || last != end || !(seconds > 0 && seconds <= kMost)) {
+    throw UsageError("--timeout", "not a positive number of seconds: " + text);
+  }
+  return std::chrono::ceil<std::chrono::milliseconds>(std::chrono::duration<double>(seconds));
 }
 
 /// The image in `file`, without an app. The path is made absolute, because the loader searches for
@@ -68,10 +83,18 @@ ImageOptions addImageArgument(Command command, const char* name, ImageArgument& 
   const Option parser =
       command
           .text("--parser", argument.parser,
-                "dynamic loads the image into this process; remote relaunches the app and asks it")
+                "dynamic loads the image into a child process; remote relaunches the app and asks "
+                "it")
           .oneOf({kDynamicParser, kRemoteParser})
           .showsDefault();
-  return {image, parser};
+  const Option timeout =
+      command
+          .text(
+              "--timeout",
+              [&argument](const std::string& text) { argument.timeout = secondsFrom(text); },
+              "The longest time that the dump may take; without limit by default")
+          .typeName("SECONDS");
+  return {image, parser, timeout};
 }
 
 NamedImage imageNamed(const ImageArgument& argument) {

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <chrono>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "cli/arguments/CommandLine.h"
@@ -18,16 +20,18 @@ inline constexpr const char* kRemoteParser = "remote";
 struct ImageArgument {
   std::string image;                    ///< a file, a bundle folder or a bundle identifier
   std::string parser = kDynamicParser;  ///< kDynamicParser or kRemoteParser
+  std::optional<std::chrono::milliseconds> timeout;  ///< the limit on a dump's time, if any
 };
 
 /// The options that addImageArgument() adds.
 struct ImageOptions {
-  Option image;   ///< IMAGE|APP
-  Option parser;  ///< `--parser`
+  Option image;    ///< IMAGE|APP
+  Option parser;   ///< `--parser`
+  Option timeout;  ///< `--timeout`
 };
 
-/// Adds the argument or option `name` for the image, and `--parser`. Parsing stores them in
-/// `argument`, which must live as long as the command.
+/// Adds the argument or option `name` for the image, `--parser` and `--timeout`. Parsing stores
+/// them in `argument`, which must live as long as the command.
 ImageOptions addImageArgument(Command command, const char* name, ImageArgument& argument);
 
 /// An image together with its app, because an Executable does not keep its app alive.

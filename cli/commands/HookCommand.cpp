@@ -172,6 +172,7 @@ void addAdd(Command group) {
   ImageOptions image = addImageArgument(command, "--in", options->image);
   image.image.needs(method);
   image.parser.needs(method);
+  image.timeout.needs(method);
   method.needs(image.image);
   command.text("--name", options->name, "A name to show for the hook").notEmpty().typeName("NAME");
   command.prepare([=]() -> Action {

@@ -1,7 +1,6 @@
 #include "cli/work/ClassDump.h"
 
 #include <chrono>
-#include <cstdlib>
 #include <functional>
 #include <mutex>
 #include <stdexcept>
@@ -9,9 +8,9 @@
 #include <thread>
 #include <utility>
 
-#include "cli/terminal/Console.h"
 #include "cli/terminal/ProgressLine.h"
 #include "cli/terminal/ShownText.h"
+#include "cli/work/ChildDump.h"
 #include "tavlen/foundation/files/RandomAccessFile.h"
 #include "tavlen/foundation/macho/MachOFile.h"
 #include "tavlen/introspection/classes/DynamicClassParser.h"
@@ -58,11 +57,11 @@ std::system_error cancelled(const ImageArgument& argument) {
   return {std::make_error_code(std::errc::operation_canceled), argument.image};
 }
 
-/// The likely reason why an image cannot be loaded into this process.
+/// The likely reason why an image cannot be loaded.
 std::string hintFor(const std::filesystem::path& file) {
   try {
     if (MachOFile::read(RandomAccessFile(file))) {
-      return " (a device's image cannot be loaded into this process; use --parser remote to ask "
+      return " (a device's image cannot be loaded on this machine; use --parser remote to ask "
              "the running app)";
     }
   } catch (const std::system_error& error) {
@@ -76,19 +75,37 @@ template <class Answer>
 using Question = std::function<Answer(const ClassParser& parser, const Executable& image,
                                       const std::shared_ptr<Progress>& progress)>;
 
+/// A DynamicClassParser in a child process. Throws what dumpInChild() throws.
+class ChildParser : public ClassParser {
+ public:
+  explicit ChildParser(OptionalLimit timeout) : timeout_(timeout) {}
+
+ private:
+  Classes parseBelow(const std::shared_ptr<Progress>& parent,
+                     const Executable& executable) const override {
+    return dumpInChild(std::filesystem::absolute(executable.path()), {timeout_, parent, {}});
+  }
+  std::shared_ptr<ObjCClass> parseNamedBelow(const std::shared_ptr<Progress>& parent,
+                                             const Executable& executable,
+                                             std::string_view name) const override {
+    const Classes found = dumpInChild(std::filesystem::absolute(executable.path()),
+                                      {timeout_, parent, std::string(name)});
+    return found.empty() ? nullptr : found.front();
+  }
+
+  OptionalLimit timeout_;
+};
+
 template <class Answer>
 Answer askDynamically(const Question<Answer>& question, const Executable& image,
                       const ImageArgument& argument, const std::shared_ptr<Progress>& progress) {
-  // Exit at once: the code of an image that is being loaded cannot be interrupted, and nothing
-  // needs to be cleaned up.
-  const Cancellation cancellation(*progress, [&argument] {
-    printError(cancelled(argument).what());
-    std::_Exit(EXIT_FAILURE);
-  });
   try {
-    return question(DynamicClassParser::sharedParser(), image, progress);
+    return question(ChildParser(argument.timeout), image, progress);
   } catch (const DynamicClassParser::Error& error) {
     throw std::runtime_error(argument.image + ": " + errorText(error) + hintFor(image.path()));
+  } catch (const std::exception& error) {
+    if (progress->isCancelled()) throw cancelled(argument);
+    throw std::runtime_error(argument.image + ": " + errorText(error));
   }
 }
 
@@ -96,9 +113,12 @@ template <class Answer>
 Answer askRemotely(const Question<Answer>& question, const Executable& image,
                    const ImageArgument& argument, const std::shared_ptr<Progress>& progress) {
   const Cancellation cancellation(*progress, cancelTessaloopIfNeeded);
+  TimeLimit limit(*progress, argument.timeout);
   try {
     return question(RemoteClassParser(), image, progress);
   } catch (const RemoteClassParser::Error& error) {
+    if (limit.isOverrun())
+      throw std::runtime_error(argument.image + ": " + overrunText(*argument.timeout));
     if (progress->isCancelled()) throw cancelled(argument);
     throw std::runtime_error(argument.image + ": " + errorText(error));
   }

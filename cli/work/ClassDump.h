@@ -8,10 +8,10 @@
 
 namespace tavlen::cli {
 
-/// The classes that the image defines. Shows progress on a terminal. SIGINT and SIGTERM cancel it:
-/// a remote dump throws; a dynamic one, which may be running code of the image, exits the process
-/// with the same message and status. Throws std::runtime_error whose message begins with the image,
-/// and what imageNamed() throws.
+/// The classes that the image defines. A dynamic dump loads the image into a child process, so the
+/// image's code cannot harm this one. Shows progress on a terminal. SIGINT, SIGTERM and the
+/// argument's time limit cancel a dump. Throws std::runtime_error whose message begins with the
+/// image, and what imageNamed() throws.
 ClassParser::Classes dumpClasses(const ImageArgument& argument);
 
 /// The class with that name. Never null. Behaves as dumpClasses(), and throws std::runtime_error if

@@ -1,4 +1,5 @@
 #include <gmock/gmock.h>
+#include <sys/stat.h>
 
 #include "tests/cli/RunningCommand.h"
 #include "tests/support/MachOFile.h"
@@ -17,10 +18,14 @@ class ClassCommandTest : public CommandTest {
  protected:
   ClassCommandTest() {
     fs::create_symlink(paths().standInsLibrary, folder() / "image.so");
-    // GNUstep, which the image needs, keeps a list while it is loaded. It has no frame pointers, so
-    // only a slow look at the stack tells the leak checker whose it is.
-    setEnvironment({"ASAN_OPTIONS=fast_unwind_on_malloc=0"});
+    fs::create_symlink(paths().initialisersImage, folder() / "fault.so");
     writeTweak("T", "");
+  }
+  /// The variables of a command whose image fault.so has a fault. The sanitizers must leave SIGBUS
+  /// to the system.
+  static std::vector<std::string> fault(const std::string& fault) {
+    return {"TAVLEN_IMAGE_FAULT=" + fault, "ASAN_OPTIONS=handle_sigbus=0",
+            "TSAN_OPTIONS=handle_sigbus=0"};
   }
   void writeApp() const {
     write("Applications/Notes.app/Info.plist", appPlist("com.example.notes", "Notes"));
@@ -92,6 +97,7 @@ TEST_F(ClassCommandTest, AHookTakesItsTypesFromTheImage) {
        {"A b --signature v16@0:8 --in image.so", 2, "--in"},
        {"A b --method '-[A b]' --in image.so", 2, "CLASS excludes --method"},
        {"A b --signature v16@0:8 --parser remote", 2, ""},
+       {"A b --signature v16@0:8 --timeout 1", 2, ""},
        {"A b", 2, "--signature"},
        {"--signature v16@0:8", 2, "CLASS"}});
   EXPECT_EQ(manifest(), before);
@@ -112,8 +118,67 @@ TEST_F(ClassCommandTest, SaysWhyThereAreNoClassesOnTheAgentPort) {
        {app + "/Info.plist --parser remote", 1, app + "/Info.plist: not an executable image"},
        {"image.so --parser remote", 1, "image.so: not inside an .app bundle"},
        {"/dev/null", 1, "/dev/null: Dynamic dump failed: "},
-       {"image.so --parser static", 2, ""}});
+       {"image.so --parser static", 2, ""},
+       {"image.so --timeout 0", 2, "--timeout: not a positive number of seconds: 0\n"},
+       {"image.so --timeout 1s", 2, "--timeout: not a"},
+       {"image.so --timeout nan", 2, "--timeout: not a"}});
   EXPECT_THAT(run("classes --verbose text.so").err, HasSubstr("dlopen encountered error: "));
+}
+
+TEST_F(ClassCommandTest, AnImageThatEndsItsProcessEndsOnlyTheDump) {
+  const std::string before = manifest();
+  const std::string ended = ": the image ended the process that loaded it ";
+  setEnvironment(fault("exit"));
+  expectRefused("", {{"classes fault.so", 1, "fault.so" + ended + "(exit status 0)\n"},
+                     {"hook add T --method '+[SampleLoaded load]' --in fault.so", 1,
+                      "fault.so" + ended + "(exit status 0)\n"}});
+  EXPECT_EQ(manifest(), before);
+  fs::copy_file(paths().initialisersImage, folder() / "cut.so");
+  fs::resize_file(folder() / "cut.so", 4096);
+  expectRefused("",
+                {{"methods SampleLoaded --in cut.so", 1, "cut.so" + ended + "(signal SIGBUS)\n"}});
+}
+
+TEST_F(ClassCommandTest, WhatAnImagePrintsIsLoggedAndItReadsNothing) {
+  setEnvironment(fault("print"));
+  write("input", "for the command");
+  setInput("input");
+  const Result quiet = run("methods SampleLoaded --in fault.so --json");
+  EXPECT_EQ(quiet.out, R"([{"selector":"load","encoding":"v16@0:8","isClassMethod":true}])"
+                       "\n");
+  EXPECT_EQ(quiet.err, "");
+  const Result verbose = run("methods SampleLoaded --in fault.so --json --verbose");
+  EXPECT_EQ(verbose.out, quiet.out);
+  EXPECT_THAT(verbose.err, HasSubstr("\nprinted\ninput: -1\n"));
+}
+
+TEST_F(ClassCommandTest, AnImageThatHangsEndsWithTheCommand) {
+  const std::string pipe = (folder() / "alive").string();
+  const std::string image = (folder() / "fault.so").string();
+  const struct {
+    int signal;
+    std::vector<std::string> limit;
+    int status;
+    std::string error;
+  } rows[] = {{SIGINT, {}, 1, "tavlen: error: " + image + ": Operation canceled"},
+              {0, {"--timeout", "1.5"}, 1, "tavlen: error: " + image + ": took longer than 1.5 s"},
+              {SIGKILL, {}, -SIGKILL, ""}};
+  for (const auto& [signal, limit, status, error] : rows) {
+    SCOPED_TRACE(signal);
+    fs::remove(pipe);
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    std::vector<std::string> words = {"classes", image};
+    words.insert(words.end(), limit.begin(), limit.end());
+    RunningCommand dump(words, fault(pipe));
+    const int alive = ::open(pipe.c_str(), O_RDONLY | O_CLOEXEC);  // waits for the image
+    char byte = 0;
+    EXPECT_EQ(::read(alive, &byte, 1), 1);
+    if (signal != 0) dump.signal(signal);
+    EXPECT_EQ(dump.until(), error);
+    EXPECT_EQ(dump.status(), status);
+    EXPECT_EQ(::read(alive, &byte, 1), 0) << "waits until none of its processes is left";
+    ::close(alive);
+  }
 }
 
 TEST_F(ClassCommandTest, AsksAnAppOnTheAgentPort) {
@@ -151,6 +216,9 @@ TEST_F(ClassCommandTest, AnInterruptEndsARequestOnTheAgentPort) {
                                (columns == 0 ? "" : "\r")));
     EXPECT_EQ(dump.status(), 1);
   }
+  RunningCommand dump({"classes", image, "--parser", "remote", "--timeout", "0.25"}, service(""));
+  EXPECT_EQ(dump.until(), "tavlen: error: " + image + ": took longer than 0.25 s");
+  EXPECT_EQ(dump.status(), 1);
 }
 
 using TypeCommandTest = CommandTest;

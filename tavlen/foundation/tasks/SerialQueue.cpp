@@ -51,8 +51,13 @@ void SerialQueue::async(Work work) {
 
 void SerialQueue::sync(FunctionRef<void()> work) {
   if (isCurrent()) fatalError("the queue " + label_ + " waits for itself");
+  submit(work).get();
+}
+
+std::future<void> SerialQueue::submit(FunctionRef<void()> work) {
   // Shared ownership: set_value() may still use the promise when the waiting thread returns.
   const auto end = std::make_shared<std::promise<void>>();
+  std::future<void> future = end->get_future();
   async([end, work] {
     try {
       work();
@@ -61,7 +66,7 @@ void SerialQueue::sync(FunctionRef<void()> work) {
       end->set_exception(std::current_exception());
     }
   });
-  end->get_future().get();
+  return future;
 }
 
 void SerialQueue::run() {

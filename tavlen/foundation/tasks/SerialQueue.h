@@ -3,6 +3,7 @@
 #include <condition_variable>
 #include <deque>
 #include <functional>
+#include <future>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -37,6 +38,10 @@ class SerialQueue {
   /// Runs `work` after all work added before, and waits for its end; exceptions propagate. Aborts
   /// the process when called by work of this queue, which would deadlock.
   void sync(FunctionRef<void()> work);
+
+  /// Adds `work` as sync() does, but returns at once. The future becomes ready with the end of the
+  /// work, and holds its exception. What `work` refers to must live until then.
+  std::future<void> submit(FunctionRef<void()> work);
 
  private:
   void run();

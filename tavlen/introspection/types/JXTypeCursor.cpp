@@ -1,14 +1,12 @@
 #include "tavlen/introspection/types/JXTypeCursor.h"
 
 #include <array>
-#include <mutex>
 
 #include "tavlen/introspection/types/JXTypeAggregate.h"
 #include "tavlen/introspection/types/JXTypeArray.h"
 #include "tavlen/introspection/types/JXTypeBasic.h"
 #include "tavlen/introspection/types/JXTypeBitField.h"
 #include "tavlen/introspection/types/JXTypeID.h"
-#include "tavlen/introspection/types/JXTypeIDIgnoreName.h"
 #include "tavlen/introspection/types/JXTypePointer.h"
 
 namespace tavlen {
@@ -47,26 +45,6 @@ Initialiser initialiserFor(char character) {
   return initialisers[static_cast<unsigned char>(character)];
 }
 
-/// RAII: hides the text after the cursor.
-class CutText {
- public:
-  explicit CutText(JXTypeCursor& cursor) : cursor_(cursor), length_(cursor.text().size()) {
-    cursor.cut(cursor.position());
-  }
-  CutText(const CutText&) = delete;
-  CutText& operator=(const CutText&) = delete;
-  ~CutText() { cursor_.uncut(length_); }
-
- private:
-  JXTypeCursor& cursor_;
-  std::size_t length_;
-};
-
-bool ignoresNames() {
-  const std::lock_guard lock(JXTypeIDIgnoreNameLock);
-  return JXTypeIDIgnoreName;
-}
-
 std::shared_ptr<JXType> typeWith(JXTypeCursor& cursor, JXTypeQualifiers qualifiers) {
   const char character = cursor.character();
   const std::size_t begin = cursor.position();
@@ -99,28 +77,7 @@ std::shared_ptr<JXType> JXTypeWithEncoding(JXTypeCursor& cursor) {
   const std::size_t before = cursor.position();
   const JXTypeQualifiers qualifiers = JXRemoveQualifiers(cursor);
   const std::size_t begin = cursor.position();
-  JXTypeParse& parse = cursor.parse();
-  if (parse.depth > 0) {
-    parse.count(begin, begin - before);
-    return typeWith(cursor, qualifiers);
-  }
-
-  parse.furthestTaken = 0;
-  // Saved for the second parse below: the first may clear the flag. Types other than containers are
-  // parsed only once.
-  const bool wereIgnored = JXTypeParse::holdsOthers(cursor.character()) && ignoresNames();
-  std::shared_ptr<JXType> type = typeWith(cursor, qualifiers);
-  if (parse.furthestTaken < cursor.position() || cursor.isAtEnd()) return type;
-  // A retracted reading reached beyond the type's end, so the text after it has decided how the
-  // type is parsed. Parse again with the text cut off there: then no reading can depend on it, and
-  // the type still takes the whole of the cut text, because the retracted member and everything
-  // around it extend to its end.
-  const CutText cut(cursor);
-  cursor.moveTo(begin);
-  if (wereIgnored) {
-    const std::lock_guard lock(JXTypeIDIgnoreNameLock);
-    JXTypeIDIgnoreName = true;
-  }
+  if (cursor.parse().depth > 0) cursor.parse().count(begin, begin - before);
   return typeWith(cursor, qualifiers);
 }
 

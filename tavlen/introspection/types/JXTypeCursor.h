@@ -22,7 +22,7 @@ class JXTypeCursor {
   /// A cursor at the beginning of `text`.
   explicit JXTypeCursor(std::string_view text) : text_(text) {}
 
-  /// The text, without a part that is cut off.
+  /// The text.
   std::string_view text() const { return text_; }
   /// The offset in the text, in bytes.
   std::size_t position() const { return position_; }
@@ -43,10 +43,6 @@ class JXTypeCursor {
   void keepText();
   /// The text between `begin` and the position. keepText() must have been called.
   SharedText textFrom(std::size_t begin) const;
-  /// Hides the text after `end`, until uncut() is called with the former length.
-  void cut(std::size_t end) { text_ = {text_.data(), end}; }
-  /// Reverts cut().
-  void uncut(std::size_t length) { text_ = {text_.data(), length}; }
   /// The state of the parse.
   JXTypeParse& parse() { return parse_; }
 
@@ -63,9 +59,9 @@ class JXTypeCursor {
 /// Types are tried in the order basic, object, bit field, pointer, struct, union, array; the first
 /// one that supports the character parses it.
 ///
-/// Re-parsing a node's encoding() yields an equal tree (minus its qualifiers). To guarantee this, a
-/// node is parsed as if the text after its end did not exist, even where a quoted name contains a
-/// delimiter.
+/// Re-parsing a node's encoding() yields an equal tree (minus its qualifiers), unless a quoted name
+/// contains a closing delimiter. Then the text after the node may have decided how it was parsed:
+/// see JXTypeMembers.
 ///
 /// Past the depth or step limit, a container is replaced by a basic node for its opening character
 /// and parsing continues after that character.

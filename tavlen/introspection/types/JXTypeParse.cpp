@@ -8,7 +8,6 @@ JXTypeParse::Level::Level(JXTypeParse& parse, std::size_t position)
     : parse_(parse), members_(parse.members.size()), names_(parse.names.size()) {
   if (parse.depth++ > 0) return;
   parse.begin = parse.furthest = position;
-  parse.furthestTaken = 0;
   parse.steps = parse.corrections = 0;
 }
 

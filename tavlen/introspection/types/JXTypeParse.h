@@ -64,11 +64,9 @@ struct JXTypeParse {
     return std::uint64_t{position} << 9 | std::uint64_t{depth} << 1 | std::uint64_t{ignoresNames};
   }
 
-  unsigned depth = 0;        ///< number of containers being parsed
-  std::size_t begin = 0;     ///< offset of the root
-  std::size_t furthest = 0;  ///< the end of the text read so far
-  /// The furthest end of a retracted reading; see JXTypeWithEncoding().
-  std::size_t furthestTaken = 0;
+  unsigned depth = 0;             ///< number of containers being parsed
+  std::size_t begin = 0;          ///< offset of the root
+  std::size_t furthest = 0;       ///< the end of the text read so far
   std::uint64_t steps = 0;        ///< steps taken so far
   std::uint64_t corrections = 0;  ///< number of members parsed twice
   /// The cache of parsed members, by key().

@@ -1,8 +1,10 @@
 #include <gmock/gmock.h>
 #include <signal.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <deque>
 #include <limits>
 
 #include "tavlen/device/SystemService.h"
@@ -175,6 +177,19 @@ TEST_F(TessaloopClientTest, IsCancelledBeforeTheSocketAndDuringTheKill) {
   EXPECT_EQ(second.path(), std::nullopt);
   EXPECT_EQ(readFile(tree() / "killing"), "\n");  // the second one had not begun
   EXPECT_FALSE(isLaunched());
+}
+
+TEST_F(TessaloopClientTest, OfRequestsAtOnceOnlyTheNewestWaits) {
+  constexpr int kRounds = 300;
+  const StandIns standIns(notingScript());
+  TessaloopClient client(quick());
+  for (int round = 0; round < kRounds; ++round) {
+    std::deque<RunningRequest> requests;
+    for (int i = 0; i < 5; ++i) requests.emplace_back(client, kSilentApp);
+    ASSERT_TRUE(becomesTrue([&] {
+      return std::ranges::count_if(requests, &RunningRequest::hasEnded) >= 4;
+    })) << round;
+  }
 }
 
 TEST_F(TessaloopClientTest, IsCancelledDuringPauseAndLaunch) {

@@ -254,6 +254,13 @@ TEST(JXType, LeavesTheFlagDown) {
               testing::StartsWith("struct P { struct R { id field1;"));
 }
 
+TEST(JXType, AReadingWithAnEndDelimiterInAClassNameIsCorrected) {
+  JXTypeCursor cursor("{=\"\"{=@\"}b\"\"}y");
+  EXPECT_EQ(JXTypeWithEncoding(cursor)->description(),
+            "struct { struct { id field1; void field2; } ; void ; }");
+  EXPECT_EQ(cursor.character(), 'y');
+}
+
 /// Texts that a reader with a fault in its bounds takes hours, or gigabytes, for.
 TEST(JXType, LargeTextsTakeTimeInProportion) {
   const std::size_t megabyte = 1 << 20;

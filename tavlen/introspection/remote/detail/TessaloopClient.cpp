@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <condition_variable>
+#include <future>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -63,12 +64,17 @@ class TessaloopClient::Request {
   std::optional<std::string> path_;
 };
 
-/// RAII: registers a request for the duration of its call, so that it can be cancelled.
+/// RAII: a request in the queue, which can be cancelled for the duration of its call.
 class TessaloopClient::Registration {
  public:
-  explicit Registration(TessaloopClient& client)
-      : client_(client), request_(std::make_shared<Request>()) {
-    client_.endRequests(request_);
+  /// Cancels the requests before it and enqueues `work`, which must live as long as the object.
+  Registration(TessaloopClient& client, std::shared_ptr<Request> request, FunctionRef<void()> work)
+      : client_(client), request_(std::move(request)) {
+    client_.endRequests([&] {
+      client_.requests_.reserve(client_.requests_.size() + 1);
+      end_ = client_.invocationQueue_.submit(work);
+      client_.requests_.push_back(request_);
+    });
   }
   Registration(const Registration&) = delete;
   Registration& operator=(const Registration&) = delete;
@@ -77,11 +83,13 @@ class TessaloopClient::Registration {
     std::erase(client_.requests_, request_);
   }
 
-  const std::shared_ptr<Request>& request() const { return request_; }
+  /// Waits for the end of the work, and throws what that threw. Call once.
+  void wait() { end_.get(); }
 
  private:
   TessaloopClient& client_;
   std::shared_ptr<Request> request_;
+  std::future<void> end_;
 };
 
 /// RAII: the socket of a request and its receiving loop. After destruction the port is free, and no
@@ -144,16 +152,21 @@ std::optional<std::string> TessaloopClient::invoke(const std::string& bundleID,
                                                    const std::string& imagePath,
                                                    bool isMainExecutable,
                                                    const ProgressHandler& progress) {
-  if (socketQueue_.isCurrent()) fatalError("a progress handler requests another dump");
-  const Registration registration(*this);
+  if (socketQueue_.isCurrent() || invocationQueue_.isCurrent()) {
+    fatalError("a part of a dump requests another dump");
+  }
   const std::string image =
       isMainExecutable ? std::string(TessaloopDatagram::kMainImage) : imagePath;
   std::optional<std::string> path;
-  invocationQueue_.sync([&] { path = run(registration.request(), bundleID, image, progress); });
+  const auto request = std::make_shared<Request>();
+  const auto work = [&] { path = run(request, bundleID, image, progress); };
+  Registration(*this, request, work).wait();
   return path;
 }
 
-void TessaloopClient::cancel() { endRequests(nullptr); }
+void TessaloopClient::cancel() {
+  endRequests([] {});
+}
 
 std::optional<std::uint16_t> TessaloopClient::port() {
   const std::lock_guard lock(socketLock_);
@@ -161,12 +174,12 @@ std::optional<std::uint16_t> TessaloopClient::port() {
   return receiver_->port();
 }
 
-void TessaloopClient::endRequests(const std::shared_ptr<Request>& next) {
+void TessaloopClient::endRequests(FunctionRef<void()> next) {
   std::shared_ptr<DatagramReceiver> receiver;
   {
     const std::lock_guard lock(socketLock_);
     for (const std::shared_ptr<Request>& request : requests_) request->cancel();
-    if (next != nullptr) requests_.push_back(next);
+    next();
     receiver = receiver_;
   }
   // Without the lock: close() waits for a progress handler, which may call cancel().

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "tavlen/foundation/base/FunctionRef.h"
 #include "tavlen/foundation/tasks/SerialQueue.h"
 #include "tavlen/introspection/remote/TessaloopDatagram.h"
 
@@ -87,8 +88,9 @@ class TessaloopClient {
                                  const ProgressHandler& progress);
   static void launch(const std::shared_ptr<Request>& request, const std::string& bundleID,
                      const std::string& image);
-  /// Cancels the registered requests, and registers `next` if it is not null.
-  void endRequests(const std::shared_ptr<Request>& next);
+  /// Cancels the registered requests, and calls `next` in the same step, so that none that a newer
+  /// one cancelled can be after it in the queue, where it would wait for its end.
+  void endRequests(FunctionRef<void()> next);
 
   Parameters parameters_;
   std::mutex socketLock_;

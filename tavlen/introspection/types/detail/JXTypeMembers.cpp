@@ -1,6 +1,5 @@
 #include "tavlen/introspection/types/detail/JXTypeMembers.h"
 
-#include <algorithm>
 #include <iterator>
 #include <mutex>
 #include <utility>
@@ -73,7 +72,6 @@ void JXTypeMembers::readNamed(char end) {
 /// Parses the last member again, without a class name: the quoted text was the next member's name.
 void JXTypeMembers::readAgain() {
   JXTypeParse& parse = cursor_.parse();
-  parse.furthestTaken = std::max(parse.furthestTaken, cursor_.position());
   ++parse.corrections;
   parse.members.pop_back();
   cursor_.moveTo(member_);

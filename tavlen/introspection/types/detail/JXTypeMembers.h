@@ -17,7 +17,8 @@ namespace tavlen {
 /// member. The parser first takes it for the class. If the next character is then neither a quote
 /// nor the end delimiter, as with the `i` here, that was wrong: it retracts the member and parses
 /// it again with JXTypeIDIgnoreName set, so that `"b"` becomes the name of the `i`. JXTypeParse
-/// limits the cost of that.
+/// limits the cost of that. If a class name contains the end delimiter of an aggregate around it,
+/// the second reading may end at that delimiter, before the character that caused it.
 ///
 /// Until types() and names() are called, the members are in the cursor's lists, after those of the
 /// enclosing aggregates.

@@ -1,6 +1,13 @@
 // An image that calls the program back while it is being loaded, and leaves the text of a failed look-up to the loader.
+// If TAVLEN_IMAGE_FAULT is set, it does what a program must not trust an image not to do.
 #define _GNU_SOURCE
 #include <dlfcn.h>
+#include <fcntl.h>
+#include <signal.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+#include <unistd.h>
 
 #import <objc/Object.h>
 
@@ -15,7 +22,24 @@ static void callBack(const char *initialiser) {
 + (void)load { callBack("load"); }
 @end
 
+// Two processes that only SIGKILL ends, and that hold the pipe `alive` open as long as they live.
+static void hang(const char *alive) {
+  signal(SIGINT, SIG_IGN);
+  signal(SIGTERM, SIG_IGN);
+  const int pipe = open(alive, O_WRONLY);
+  if (fork() == 0 && write(pipe, "", 1) != 1) _exit(1);
+  for (;;) pause();
+}
+
 __attribute__((constructor)) static void construct(void) {
+  const char *fault = getenv("TAVLEN_IMAGE_FAULT");
+  if (fault && strcmp(fault, "exit") == 0) exit(0);
+  if (fault && strcmp(fault, "print") == 0) {
+    puts("printed");
+    fflush(stdout);
+    fprintf(stderr, "input: %d\n", getchar());
+  }
+  if (fault && *fault == '/') hang(fault);
   callBack("constructor");
   dlsym(RTLD_DEFAULT, "tavlenNoSuchName");
 }

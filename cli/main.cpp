@@ -6,6 +6,7 @@
 
 #include "cli/arguments/RootOption.h"
 #include "cli/commands/Commands.h"
+#include "cli/terminal/LastLogMessage.h"
 #include "cli/work/DumpChild.h"
 #include "cli/work/ErrorReport.h"
 #include "cli/work/ProgramFolders.h"
@@ -69,8 +70,9 @@ int run(int argc, char** argv) {
   if (const std::optional<int> status = commandLine.parse(argc, argv)) return *status;
   tavlen::MainBundle::setURL(tavlen::cli::resourceFolder());
   tavlen::cli::useRoot(root);
-  tavlen::setLogSink(isVerbose ? tavlen::LogSink(tavlen::logToStandardError)
-                               : [](std::string_view /*message*/) {});
+  tavlen::setLogSink(
+      tavlen::cli::keepingLastMessage(isVerbose ? tavlen::LogSink(tavlen::logToStandardError)
+                                                : [](std::string_view /*message*/) {}));
   tavlen::cli::StoreLock::requireForEdits();
   return commandLine.run();
 }

@@ -59,7 +59,7 @@ bool isInstalledApp(const std::string& bundleID) {
 }
 
 std::runtime_error withInfoPath(const IPA& ipa, const DecodingError& error) {
-  return std::runtime_error((ipa.appDir() / kInfoPlistFilename).string() + ": " + errorText(error));
+  return std::runtime_error(shownPath(ipa.appDir() / kInfoPlistFilename) + ": " + errorText(error));
 }
 
 Info readInfo(const IPA& ipa) {

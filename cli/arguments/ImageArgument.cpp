@@ -1,26 +1,29 @@
 #include "cli/arguments/ImageArgument.h"
 
-#include <algorithm>
+#include <array>
 #include <charconv>
-#include <exception>
-#include <filesystem>
-#include <stdexcept>
+#include <chrono>
 #include <system_error>
+#include <utility>
 
-#include "cli/arguments/AppArgument.h"
 #include "cli/arguments/UsageError.h"
-#include "cli/terminal/ShownText.h"
-#include "tavlen/foundation/files/RandomAccessFile.h"
-#include "tavlen/foundation/macho/MachOFile.h"
 
 namespace tavlen::cli {
 
 namespace {
 
-namespace fs = std::filesystem;
+constexpr const char* kAutomatic = "auto";
+constexpr std::array<std::pair<const char*, ClassSource>, 3> kParsers = {
+    {{"static", ClassSource::file},
+     {"dynamic", ClassSource::process},
+     {"remote", ClassSource::app}}};
 
-NamedImage mainImageOf(const std::shared_ptr<IPA>& app) {
-  return {app, namingInfo(*app, [&] { return app->mainExecutable(); })};
+std::optional<ClassSource> sourceNamed(const std::string& parser) {
+  if (parser == kAutomatic) return std::nullopt;
+  for (const auto& [name, source] : kParsers) {
+    if (parser == name) return source;
+  }
+  throw UsageError("--parser", "not auto, static, dynamic or remote: " + parser);
 }
 
 /// A positive number of seconds, in whole milliseconds. Throws UsageError.
@@ -36,81 +39,44 @@ std::chrono::milliseconds secondsFrom(const std::string& text) {
   return std::chrono::ceil<std::chrono::milliseconds>(std::chrono::duration<double>(seconds));
 }
 
-/// The image in `file`, without an app. The path is made absolute, because the loader searches for
-/// names without a folder.
-NamedImage loneImage(const fs::path& file) {
-  const fs::path path = fs::absolute(file);
-  return {nullptr, std::make_shared<Executable>(std::weak_ptr<IPA>(), path.parent_path(),
-                                                path.filename().string(), false)};
-}
-
-/// Whether `file` is a Mach-O image, or an ELF image for trying an app on Linux.
-bool isImage(const fs::path& file) {
-  const RandomAccessFile opened(file);
-  return MachOFile::read(opened) || opened.read(0, 4) ==
-                                        "\x7F"
-                                        "ELF";
-}
-
-/// The image in `file`, and the app whose bundle contains it.
-NamedImage imageInBundle(const fs::path& file) {
-  if (!isImage(file)) throw std::runtime_error("not an executable image");
-  const fs::path given = fs::absolute(file);
-  // Device paths contain no "..".
-  const bool leadsUp = std::find(given.begin(), given.end(), "..") != given.end();
-  const fs::path path = leadsUp ? fs::canonical(given) : given;
-  for (fs::path folder = path.parent_path(); folder.has_relative_path();
-       folder = folder.parent_path()) {
-    if (folder.extension() != ".app") continue;
-    NamedImage main = mainImageOf(IPA::openAt(folder));
-    std::error_code ignored;
-    if (fs::equivalent(path, main.executable->path(), ignored)) return main;
-    std::string inside = path.lexically_relative(folder).string();
-    return {main.app, std::make_shared<Executable>(main.app, folder, std::move(inside), false)};
-  }
-  throw std::runtime_error("not inside an .app bundle; --parser remote needs an app to run");
-}
-
 }  // namespace
 
 ImageOptions addImageArgument(Command command, const char* name, ImageArgument& argument) {
   const Option image = command
                            .text(name, argument.image,
-                                 "The image: a library's file, an app's bundle identifier or its "
-                                 "bundle folder")
+                                 "The images: a file, or all images of an app, which is given by "
+                                 "its bundle identifier, its bundle folder or an archive (.ipa)")
                            .notEmpty()
                            .typeName("IMAGE|APP");
+  const Option one =
+      command
+          .text("--image", argument.name,
+                "Only this image of the app: its path in the bundle, or its file's name")
+          .notEmpty()
+          .typeName("NAME");
   const Option parser =
       command
-          .text("--parser", argument.parser,
-                "dynamic loads the image into a child process; remote relaunches the app and asks "
-                "it")
-          .oneOf({kDynamicParser, kRemoteParser})
-          .showsDefault();
+          .text(
+              "--parser",
+              [&argument](const std::string& text) { argument.source = sourceNamed(text); },
+              "static reads Mach-O files; dynamic loads the image into a process of this machine; "
+              "remote relaunches the app and asks it; auto is static for every Mach-O file, "
+              "otherwise dynamic")
+          .typeName("auto|static|dynamic|remote");
+  const Option architecture = command
+                                  .text("--arch", argument.architecture,
+                                        "The slice to read, such as arm64e; for the parser static")
+                                  .notEmpty()
+                                  .typeName("NAME");
   const Option timeout =
       command
           .text(
               "--timeout",
               [&argument](const std::string& text) { argument.timeout = secondsFrom(text); },
-              "The longest time that the dump may take; without limit by default")
+              "The longest time that a dynamic or remote dump of an image may take; without limit "
+              "by default")
           .typeName("SECONDS");
-  return {image, parser, timeout};
-}
-
-NamedImage imageNamed(const ImageArgument& argument) {
-  const fs::path file = argument.image;
-  std::error_code ignored;
-  const fs::file_type type = fs::status(file, ignored).type();
-  if (type == fs::file_type::not_found || type == fs::file_type::directory) {
-    return mainImageOf(appArgument(argument.image));
-  }
-  try {
-    return argument.parser == kRemoteParser ? imageInBundle(file) : loneImage(file);
-  } catch (const std::system_error&) {
-    throw;  // its message names the file
-  } catch (const std::exception& error) {
-    throw std::runtime_error(argument.image + ": " + errorText(error));
-  }
+  return {image, {one, parser, architecture, timeout}};
 }
 
 }  // namespace tavlen::cli

@@ -12,7 +12,7 @@
 #include "cli/terminal/Console.h"
 #include "cli/terminal/ShownText.h"
 #include "cli/terminal/TextTable.h"
-#include "cli/work/ClassDump.h"
+#include "cli/work/MethodSearch.h"
 #include "cli/work/StoreLock.h"
 #include "cli/work/TweakCheck.h"
 #include "tavlen/tweaks/Manifest.h"
@@ -56,11 +56,17 @@ std::string methodProblem(const std::string& text) {
 /// A hook of a method in the image, with the method's type encoding.
 Hook dumpedHook(const Options& options) {
   const MethodIdentity wanted = *methodNamed(*options.method);
-  const std::shared_ptr<ObjCClass> cls = dumpedClass(options.image, wanted.className);
-  const auto method = cls->methodNamed(wanted.selector, wanted.isClassMethod);
-  if (method != nullptr) return Hook::with(*cls, *method, {});
-  throw std::runtime_error(options.image.image + ": " + wanted.className + " has no method " +
-                           methodText(wanted) + " of its own");
+  const ClassDump dump = dumpClasses(options.image, wanted.className);
+  if (const auto method = ownMethod(dump, wanted)) {
+    return Hook::with(wanted.className, wanted.selector, method->encoding.str(),
+                      wanted.isClassMethod, {});
+  }
+  reportFaults(dump, options.image);
+  throw std::runtime_error(
+      options.image.image +
+      (hasClass(dump, wanted.className)
+           ? ": " + wanted.className + " has no method " + methodText(wanted) + " of its own"
+           : ": defines no class " + wanted.className));
 }
 
 Hook newHook(const Options& options) {
@@ -171,8 +177,7 @@ void addAdd(Command group) {
   for (const Option& typed : {cls, selector, signature, sign}) method.excludes(typed);
   ImageOptions image = addImageArgument(command, "--in", options->image);
   image.image.needs(method);
-  image.parser.needs(method);
-  image.timeout.needs(method);
+  for (Option& option : image.others) option.needs(method);
   method.needs(image.image);
   command.text("--name", options->name, "A name to show for the hook").notEmpty().typeName("NAME");
   command.prepare([=]() -> Action {

@@ -8,6 +8,7 @@
 #include "cli/commands/Commands.h"
 #include "cli/terminal/Console.h"
 #include "cli/terminal/ShownText.h"
+#include "cli/work/AppForReading.h"
 #include "tavlen/bundles/InfoManager.h"
 #include "tavlen/foundation/files/FileReplacement.h"
 
@@ -28,9 +29,10 @@ Image chosenIcon(const InfoManager& app, const Options& options) {
 }
 
 std::string iconFile(const Options& options) {
-  const std::shared_ptr<IPA> ipa = appArgument(options.app);
+  const AppForReading app(options.app, AppForReading::Files::icon, options.name);
+  const IPA& ipa = *app.ipa();
   try {
-    return namingInfo(*ipa, [&] { return chosenIcon(ipa->infoManager(), options).pngData(); });
+    return namingInfo(ipa, [&] { return chosenIcon(ipa.infoManager(), options).pngData(); });
   } catch (const InfoManager::Error& error) {
     throw std::runtime_error(options.app + ": " + errorText(error));
   }
@@ -53,7 +55,7 @@ void addIconCommand(Command app) {
       app.addCommand("icon", "Write an app's icon as a PNG file; set or clear the icon of a tweak");
   const auto options = std::make_shared<Options>();
   // Both are required unless a subcommand follows.
-  const Option name = command.text("APP", options->app, kAppHelp).notEmpty();
+  const Option name = command.text("APP", options->app, kReadAppHelp).notEmpty();
   const Option output =
       command.text("-o,--output", options->output, "The file to write, - for the standard output")
           .notEmpty()

@@ -8,6 +8,7 @@
 #include "cli/terminal/Console.h"
 #include "cli/terminal/FieldList.h"
 #include "cli/terminal/ShownText.h"
+#include "cli/work/AppForReading.h"
 
 namespace tavlen::cli {
 
@@ -92,10 +93,11 @@ void addInfoCommand(Command app) {
   Command command = app.addCommand("info", "Print the main values of an app's Info.plist");
   const auto name = std::make_shared<std::string>();
   const auto json = std::make_shared<bool>(false);
-  command.text("APP", *name, kAppHelp).required().notEmpty();
+  command.text("APP", *name, kReadAppHelp).required().notEmpty();
   command.flag("--json", *json, "Print a JSON object");
   command.run([name, json] {
-    const Summary summary = summaryOf(readInfo(*appArgument(*name)));
+    const Summary summary =
+        summaryOf(readInfo(*AppForReading(*name, AppForReading::Files::info).ipa()));
     printData(*json ? shownJSON(summary) + "\n" : fields(summary));
     return 0;
   });

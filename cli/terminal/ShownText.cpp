@@ -109,6 +109,10 @@ std::string errorText(const std::exception& error) {
   return text;
 }
 
+std::string shownPath(const std::filesystem::path& path) {
+  return withoutTemporaryFolder(path.native());
+}
+
 std::string shownLine(std::string_view message) {
   constexpr std::size_t kMost = 600;
   constexpr std::size_t kBegin = 400;

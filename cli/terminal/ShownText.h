@@ -1,6 +1,7 @@
 #pragma once
 
 #include <exception>
+#include <filesystem>
 #include <string>
 #include <string_view>
 
@@ -15,6 +16,9 @@ namespace tavlen::cli {
 /// program's end. Paths are plain ones, without "file://", and without the temporary folder in
 /// which a file lay. A NUL is shown as "\x00".
 std::string errorText(const std::exception& error);
+
+/// `path` as it is shown: without the temporary folder in which the file lies.
+std::string shownPath(const std::filesystem::path& path);
 
 /// `message` as it is shown: on one line, escaped for the terminal, and without the middle if it is
 /// overlong. A value in a message may be a whole document.

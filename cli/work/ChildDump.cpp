@@ -104,7 +104,7 @@ class Answer {
     const DumpAnswer answer = head();
     const auto content = std::string_view(bytes_).substr(DumpAnswer::kBytes, answer.size);
     if (answer.kind == DumpAnswer::Kind::notLoaded) throw DynamicClassParser::Error::failed();
-    if (answer.kind != DumpAnswer::Kind::classes) throw std::runtime_error(std::string(content));
+    if (answer.kind == DumpAnswer::Kind::failed) throw std::runtime_error(std::string(content));
     try {
       return decodeKeyedArchive<ClassParser::Classes>(content);
     } catch (const std::exception& error) {

@@ -11,12 +11,9 @@
 #include <thread>
 #include <utility>
 
+#include "tavlen/foundation/base/ArgumentVector.h"
 #include "tavlen/foundation/base/SystemError.h"
 #include "tavlen/foundation/files/RetryOnInterrupt.h"
-
-#if defined(__APPLE__)
-#include <crt_externs.h>
-#endif
 
 namespace tavlen::cli {
 
@@ -51,18 +48,10 @@ class SpawnSettings {
     require(::posix_spawnattr_setpgroup(&attributes_, 0), "posix_spawn");
   }
   pid_t start(const std::filesystem::path& program, const std::vector<std::string>& arguments) {
-    std::vector<std::string> texts = arguments;
-    std::vector<char*> pointers;
-    for (std::string& text : texts) pointers.push_back(text.data());
-    pointers.push_back(nullptr);
-#if defined(__APPLE__)
-    char** const environment = *_NSGetEnviron();
-#else
-    char** const environment = environ;
-#endif
+    const ArgumentVector vector(arguments);
     pid_t child = 0;
-    require(::posix_spawn(&child, program.c_str(), &actions_, &attributes_, pointers.data(),
-                          environment),
+    require(::posix_spawn(&child, program.c_str(), &actions_, &attributes_, vector.data(),
+                          environmentOfProcess()),
             program.string());
     return child;
   }
@@ -73,12 +62,24 @@ class SpawnSettings {
 };
 
 /// The signals that end a process by themselves or that programs end one with.
-constexpr std::pair<int, const char*> kSignals[] = {
-    {SIGHUP, "SIGHUP"},   {SIGINT, "SIGINT"},   {SIGQUIT, "SIGQUIT"}, {SIGILL, "SIGILL"},
-    {SIGTRAP, "SIGTRAP"}, {SIGABRT, "SIGABRT"}, {SIGBUS, "SIGBUS"},   {SIGFPE, "SIGFPE"},
-    {SIGKILL, "SIGKILL"}, {SIGSEGV, "SIGSEGV"}, {SIGSYS, "SIGSYS"},   {SIGPIPE, "SIGPIPE"},
-    {SIGALRM, "SIGALRM"}, {SIGTERM, "SIGTERM"}, {SIGXCPU, "SIGXCPU"}, {SIGXFSZ, "SIGXFSZ"},
-};
+constexpr auto kSignals = std::to_array<std::pair<int, const char*>>({
+    {SIGHUP, "SIGHUP"},
+    {SIGINT, "SIGINT"},
+    {SIGQUIT, "SIGQUIT"},
+    {SIGILL, "SIGILL"},
+    {SIGTRAP, "SIGTRAP"},
+    {SIGABRT, "SIGABRT"},
+    {SIGBUS, "SIGBUS"},
+    {SIGFPE, "SIGFPE"},
+    {SIGKILL, "SIGKILL"},
+    {SIGSEGV, "SIGSEGV"},
+    {SIGSYS, "SIGSYS"},
+    {SIGPIPE, "SIGPIPE"},
+    {SIGALRM, "SIGALRM"},
+    {SIGTERM, "SIGTERM"},
+    {SIGXCPU, "SIGXCPU"},
+    {SIGXFSZ, "SIGXFSZ"},
+});
 
 }  // namespace
 

@@ -1,157 +1,91 @@
 #include "cli/work/ClassDump.h"
 
-#include <chrono>
-#include <functional>
-#include <mutex>
+#include <algorithm>
+#include <exception>
 #include <stdexcept>
 #include <system_error>
-#include <thread>
 #include <utility>
 
+#include "cli/terminal/Console.h"
 #include "cli/terminal/ProgressLine.h"
 #include "cli/terminal/ShownText.h"
-#include "cli/work/ChildDump.h"
-#include "tavlen/foundation/files/RandomAccessFile.h"
-#include "tavlen/foundation/macho/MachOFile.h"
-#include "tavlen/introspection/classes/DynamicClassParser.h"
-#include "tavlen/introspection/remote/RemoteClassParser.h"
-#include "tavlen/introspection/remote/TessaloopInterface.h"
 
 namespace tavlen::cli {
 
 namespace {
 
-/// Once the progress is cancelled, calls `end` every 50 ms until it is destroyed (RAII): a single
-/// call could come too early, before the work to be ended has begun.
-class Cancellation {
- public:
-  Cancellation(Progress& progress, std::function<void()> end) {
-    progress.setCancellationHandler([state = state_, end = std::move(end)] {
-      constexpr std::chrono::milliseconds kInterval(50);
-      std::unique_lock lock(state->lock);
-      while (!state->isOver) {
-        end();
-        lock.unlock();
-        std::this_thread::sleep_for(kInterval);
-        lock.lock();
-      }
-    });
-  }
-  Cancellation(const Cancellation&) = delete;
-  Cancellation& operator=(const Cancellation&) = delete;
-  ~Cancellation() {
-    const std::lock_guard lock(state_->lock);
-    state_->isOver = true;
-  }
-
- private:
-  struct State {
-    std::mutex lock;
-    bool isOver = false;  ///< guarded by lock
-  };
-
-  std::shared_ptr<State> state_ = std::make_shared<State>();
-};
-
-std::system_error cancelled(const ImageArgument& argument) {
-  return {std::make_error_code(std::errc::operation_canceled), argument.image};
+/// Errors of the file system may already name the file.
+std::string namingImage(const ImageArgument& argument, const std::string& text) {
+  return text.starts_with(argument.image) ? text : argument.image + ": " + text;
 }
 
-/// The likely reason why an image cannot be loaded.
-std::string hintFor(const std::filesystem::path& file) {
-  try {
-    if (MachOFile::read(RandomAccessFile(file))) {
-      return " (a device's image cannot be loaded on this machine; use --parser remote to ask "
-             "the running app)";
-    }
-  } catch (const std::system_error& error) {
-    return ": " + error.code().message();
+/// Leaves the temporary folder of an unpacked app out of what the image's file told.
+void showPathsInArchive(ImageDump& dump) {
+  for (const std::shared_ptr<ObjCClass>& cls : dump.classes) {
+    if (cls->superclassPath) cls->superclassPath = shownPath(cls->superclassPath->str());
   }
-  return " (--verbose shows the loader's message)";
 }
 
-/// A question to a class parser.
-template <class Answer>
-using Question = std::function<Answer(const ClassParser& parser, const Executable& image,
-                                      const std::shared_ptr<Progress>& progress)>;
-
-/// A DynamicClassParser in a child process. Throws what dumpInChild() throws.
-class ChildParser : public ClassParser {
- public:
-  explicit ChildParser(OptionalLimit timeout) : timeout_(timeout) {}
-
- private:
-  Classes parseBelow(const std::shared_ptr<Progress>& parent,
-                     const Executable& executable) const override {
-    return dumpInChild(std::filesystem::absolute(executable.path()), {timeout_, parent, {}});
-  }
-  std::shared_ptr<ObjCClass> parseNamedBelow(const std::shared_ptr<Progress>& parent,
-                                             const Executable& executable,
-                                             std::string_view name) const override {
-    const Classes found = dumpInChild(std::filesystem::absolute(executable.path()),
-                                      {timeout_, parent, std::string(name)});
-    return found.empty() ? nullptr : found.front();
-  }
-
-  OptionalLimit timeout_;
-};
-
-template <class Answer>
-Answer askDynamically(const Question<Answer>& question, const Executable& image,
-                      const ImageArgument& argument, const std::shared_ptr<Progress>& progress) {
+ImageDump dumpOrError(const ChosenImage& image, const ImageArgument& argument,
+                      const std::optional<std::string>& className,
+                      const std::shared_ptr<Progress>& progress) {
+  // Of its own, because the time limit cancels it.
+  const auto own = Progress::discrete(1);
+  progress->addChild(own, 1);
   try {
-    return question(ChildParser(argument.timeout), image, progress);
-  } catch (const DynamicClassParser::Error& error) {
-    throw std::runtime_error(argument.image + ": " + errorText(error) + hintFor(image.path()));
+    return dumpedImage(image, argument, className, own);
   } catch (const std::exception& error) {
-    if (progress->isCancelled()) throw cancelled(argument);
-    throw std::runtime_error(argument.image + ": " + errorText(error));
+    if (progress->isCancelled()) {
+      throw std::system_error(std::make_error_code(std::errc::operation_canceled), argument.image);
+    }
+    ImageDump none;
+    none.path = image.name;
+    none.error = errorText(error);
+    return none;
   }
 }
 
-template <class Answer>
-Answer askRemotely(const Question<Answer>& question, const Executable& image,
-                   const ImageArgument& argument, const std::shared_ptr<Progress>& progress) {
-  const Cancellation cancellation(*progress, cancelTessaloopIfNeeded);
-  TimeLimit limit(*progress, argument.timeout);
-  try {
-    return question(RemoteClassParser(), image, progress);
-  } catch (const RemoteClassParser::Error& error) {
-    if (limit.isOverrun())
-      throw std::runtime_error(argument.image + ": " + overrunText(*argument.timeout));
-    if (progress->isCancelled()) throw cancelled(argument);
-    throw std::runtime_error(argument.image + ": " + errorText(error));
-  }
-}
-
-template <class Answer>
-Answer ask(const ImageArgument& argument, const Question<Answer>& question) {
-  const NamedImage image = imageNamed(argument);
+ClassDump dumpOf(const ImageArgument& argument, const std::optional<std::string>& className) {
   const ProgressLine line("reading classes of " + argument.image);
-  line.progress()->setTotalUnitCount(1);
-  const bool isRemote = argument.parser == kRemoteParser;
-  return (isRemote ? askRemotely<Answer> : askDynamically<Answer>)(question, *image.executable,
-                                                                   argument, line.progress());
+  line.progress()->setTotalUnitCount(isArchive(argument.image) ? 2 : 1);
+  const ImageSelection selection(argument, line.progress());
+  const auto progress = Progress::discrete(static_cast<std::int64_t>(selection.images().size()));
+  line.progress()->addChild(progress, 1);
+  ClassDump dump;
+  dump.faults = selection.faults();
+  for (const ChosenImage& image : selection.images()) {
+    dump.images.push_back(dumpOrError(image, argument, className, progress));
+    if (selection.isFromArchive()) showPathsInArchive(dump.images.back());
+  }
+  return dump;
 }
 
 }  // namespace
 
-ClassParser::Classes dumpClasses(const ImageArgument& argument) {
-  return ask<ClassParser::Classes>(
-      argument, [](const ClassParser& parser, const Executable& image, const auto& progress) {
-        return parser.parse(image, progress);
-      });
+ClassDump dumpClasses(const ImageArgument& argument, const std::optional<std::string>& className) {
+  ClassDump dump = dumpOf(argument, className);
+  const auto isRead = [](const ImageDump& image) { return !image.error; };
+  if (std::any_of(dump.images.begin(), dump.images.end(), isRead)) return dump;
+  const ImageDump& first = dump.images.front();
+  if (dump.images.size() == 1) throw std::runtime_error(namingImage(argument, *first.error));
+  reportFaults(dump, argument);
+  throw std::runtime_error(argument.image + ": none of its images can be read; " + first.path +
+                           ": " + *first.error);
 }
 
-std::shared_ptr<ObjCClass> dumpedClass(const ImageArgument& argument, const std::string& name) {
-  auto found = ask<std::shared_ptr<ObjCClass>>(
-      argument, [&](const ClassParser& parser, const Executable& image, const auto& progress) {
-        return parser.parseClassNamed(name, image, progress);
-      });
-  if (found == nullptr) {
-    throw std::runtime_error(argument.image + ": defines no class " + name);
+bool reportFaults(const ClassDump& dump, const ImageArgument& argument) {
+  bool hasFaults = false;
+  const auto warn = [&](const std::string& text) {
+    printWarning(namingImage(argument, text));
+    hasFaults = true;
+  };
+  for (const std::string& fault : dump.faults) warn(fault);
+  for (const ImageDump& image : dump.images) {
+    const std::string place = dump.images.size() == 1 ? "" : image.path + ": ";
+    if (image.error) warn(place + *image.error);
+    for (const std::string& text : image.diagnostics) warn(place + text);
   }
-  return found;
+  return hasFaults;
 }
 
 }  // namespace tavlen::cli

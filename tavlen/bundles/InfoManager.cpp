@@ -46,27 +46,39 @@ bool hasExtensionPNG(std::string_view name) {
   return !stem.empty() && stem != "." && stem != "..";
 }
 
+using FileVisitor = FunctionRef<void(const std::string& file)>;
+
+void visitFile(std::string file, FileVisitor visit) {
+  while (file.ends_with('/')) file.pop_back();
+  visit(file);
+}
+
+/// Visits the files that `name`, a name as in an Info, refers to on the device with that ending.
+void visitFilesNamed(const std::string& name, std::string_view ending, FileVisitor visit) {
+  if (hasExtensionPNG(name)) return visitFile(name, visit);
+  for (const std::string_view suffix : kScaleSuffixes) {
+    visitFile(name + std::string(suffix) + std::string(ending), visit);
+  }
+}
+
+/// Visits the files that the names in `info` refer to.
+void visitFilesOf(const Info& info, FileVisitor visit) {
+  for (const std::string& name : storedNames(info._icons, info._iconFiles, info._iconFile)
+                                     .value_or(Names(kDefaultNames.begin(), kDefaultNames.end()))) {
+    visitFilesNamed(name, kPhoneEnding, visit);
+  }
+  for (const std::string& name :
+       storedNames(info._ipadIcons, info._ipadIconFiles, info._ipadIconFile).value_or(Names())) {
+    visitFilesNamed(name, kPadEnding, visit);
+  }
+}
+
 /// Tries candidate files and keeps the largest image.
 class LargestIcon {
  public:
   explicit LargestIcon(const std::filesystem::path& bundle) : bundle_(bundle) {}
 
-  void consider(const std::string& name, std::string_view ending) {
-    if (hasExtensionPNG(name)) return considerFile(name);
-    for (const std::string_view suffix : kScaleSuffixes) {
-      considerFile(name + std::string(suffix) + std::string(ending));
-    }
-  }
-
-  std::optional<Image>& image() { return largest_; }
-
- private:
-  static std::uint64_t area(const Image& image) {
-    return std::uint64_t{image.width()} * image.height();
-  }
-
-  void considerFile(std::string_view name) {
-    while (name.ends_with('/')) name.remove_suffix(1);
+  void consider(const std::string& name) {
     // Most candidates do not exist, and this check is cheap.
     if (!std::filesystem::exists(root_.status(bundle_ / name))) return;
     const std::optional<std::filesystem::path> file = pathInside(root_, bundle_, name);
@@ -80,11 +92,24 @@ class LargestIcon {
     if (image && (!largest_ || area(*image) > area(*largest_))) largest_ = std::move(image);
   }
 
+  std::optional<Image>& image() { return largest_; }
+
+ private:
+  static std::uint64_t area(const Image& image) {
+    return std::uint64_t{image.width()} * image.height();
+  }
+
   const DeviceRoot root_ = DeviceRoot::shared();
   const std::filesystem::path& bundle_;
   std::set<std::filesystem::path> seen_;
   std::optional<Image> largest_;
 };
+
+std::optional<Image> largestIcon(const InfoManager& app, const std::optional<std::string>& name) {
+  LargestIcon icon(app.bundleURL);
+  app.visitIconFiles(name, [&](const std::string& file) { icon.consider(file); });
+  return std::move(icon.image());
+}
 
 }  // namespace
 
@@ -106,27 +131,22 @@ Info InfoManager::info() const {
   return decodePropertyList<Info>(readInfoPlist(DeviceRoot::shared(), bundleURL));
 }
 
+void InfoManager::visitIconFiles(const std::optional<std::string>& name, FileVisitor visit) const {
+  if (!name) return visitFilesOf(info(), visit);
+  visitFilesNamed(*name, kPhoneEnding, visit);
+  visitFilesNamed(*name, kPadEnding, visit);
+}
+
 Image InfoManager::icon() const {
-  const Info info = this->info();
-  LargestIcon icon(bundleURL);
-  for (const std::string& name : storedNames(info._icons, info._iconFiles, info._iconFile)
-                                     .value_or(Names(kDefaultNames.begin(), kDefaultNames.end()))) {
-    icon.consider(name, kPhoneEnding);
-  }
-  for (const std::string& name :
-       storedNames(info._ipadIcons, info._ipadIconFiles, info._ipadIconFile).value_or(Names())) {
-    icon.consider(name, kPadEnding);
-  }
-  if (!icon.image()) throw Error::noIconFound();
-  return std::move(*icon.image());
+  std::optional<Image> icon = largestIcon(*this, std::nullopt);
+  if (!icon) throw Error::noIconFound();
+  return std::move(*icon);
 }
 
 Image InfoManager::icon(const std::string& name) const {
-  LargestIcon icon(bundleURL);
-  icon.consider(name, kPhoneEnding);
-  icon.consider(name, kPadEnding);
-  if (!icon.image()) throw Error::iconNotFound(name);
-  return std::move(*icon.image());
+  std::optional<Image> icon = largestIcon(*this, name);
+  if (!icon) throw Error::iconNotFound(name);
+  return std::move(*icon);
 }
 
 Image InfoManager::resizedIcon(const Image& icon, std::uint32_t longerSide) {

@@ -2,11 +2,13 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "tavlen/bundles/Info.h"
+#include "tavlen/foundation/base/FunctionRef.h"
 #include "tavlen/foundation/errors/CasedError.h"
 #include "tavlen/foundation/image/Image.h"
 
@@ -50,6 +52,12 @@ struct InfoManager {
   /// The largest of the files that `name`, a name as in an Info, refers to on either device. Throws
   /// Error::iconNotFound without one, and std::system_error as above.
   Image icon(const std::string& name) const;
+
+  /// Calls `visit` with each file, relative to the bundle, that icon() or, with a name, icon(name)
+  /// looks at, in its order. The files need not exist, and may occur more than once. Throws the
+  /// errors of info(), which only icon() needs.
+  void visitIconFiles(const std::optional<std::string>& name,
+                      FunctionRef<void(const std::string& file)> visit) const;
 
   /// Scales `icon` in proportion, so that its longer side has `longerSide` points. Throws
   /// Error::couldNotResize for 0 and for more than an image may have.

@@ -3,6 +3,7 @@
 #include "tavlen/device/TweakInfo.h"
 #include "tavlen/foundation/archive/KeyedArchive.h"
 #include "tavlen/foundation/image/Image.h"
+#include "tavlen/foundation/zip/ZIPArchive.h"
 #include "tests/cli/CommandTest.h"
 #include "tests/support/MachOFile.h"
 
@@ -97,7 +98,7 @@ TEST_F(DeviceCommandTest, AnAppIsNamedByIdentifierOrPath) {
        {"com.a", "tree/Applications/A.app", "./tree/Applications/A.app/", "/Applications/A.app"}) {
     EXPECT_THAT(device("info " + name).out, HasSubstr("Identifier:         com.a\n"));
   }
-  EXPECT_EQ(device("info com.x").err, "tavlen: error: IPA not found with bundle ID: com.x\n");
+  EXPECT_THAT(device("info com.x").err, StartsWith("tavlen: error: com.x: no such file, and no"));
   EXPECT_EQ(device("info tree/Applications").err,
             "tavlen: error: tree/Applications: The ipa file was invalid\n");
 }
@@ -106,12 +107,20 @@ TEST_F(DeviceCommandTest, ExecutablesAreListedByKind) {
   app("A.app", "Alpha", "com.a");
   EXPECT_EQ(device("executables com.a").err, "tavlen: error: Missing Main\n");
   write("tree/Applications/A.app/Main", macho::thin(2));
-  write("tree/Applications/A.app/Frameworks/\u65E5.dylib", macho::thin(6));
+  fs::create_directory(folder() / "tree/Applications/A.app/Frameworks");
+  fs::copy_file(paths().machoImages + "/Shapes.encrypted",
+                folder() / "tree/Applications/A.app/Frameworks/\u65E5.dylib");
   write("tree/Applications/A.app/tool", macho::fat({macho::thin(2)}));
   EXPECT_EQ(device("executables com.a").out,
-            "KIND     PATH\nmain     Main\nbundle   tool\ndynamic  Frameworks/\u65E5.dylib\n");
-  EXPECT_THAT(device("executables --json com.a").out,
-              StartsWith("[{\"kind\":\"main\",\"name\":\"Main\",\"relativePath\":\"Main\","));
+            "KIND     ARCHITECTURES  PLATFORM  MINIMUM OS  ENCRYPTED  PATH\n"
+            "main     arm64                                no         Main\n"
+            "bundle   arm64                                no         tool\n"
+            "dynamic  arm64          iOS       15.0        yes        Frameworks/\u65E5.dylib\n");
+  write("tree/Applications/A.app/Main", macho::fat({macho::thin(2), macho::thin32(2)}));
+  const std::string json = device("executables --json com.a").out;
+  EXPECT_THAT(json, StartsWith(R"([{"kind":"main","name":"Main","relativePath":"Main",)"));
+  EXPECT_THAT(json, HasSubstr(R"("slices":[{"architecture":"arm64","isEncrypted":false},)"
+                              R"({"architecture":"armv7","error":")"));
 }
 
 TEST_F(DeviceCommandTest, CrashLogsComeThroughTheHelper) {
@@ -180,6 +189,29 @@ TEST_F(IconCommandTest, WritesTheLargestIconOrTheOneAskedFor) {
   EXPECT_EQ(width(notes, "--size 45"), 45U);
   EXPECT_EQ(width(app("旅ノート.app")), 120U);
   EXPECT_EQ(width("device/Applications/Almanac.app/"), 120U);
+}
+
+TEST_F(IconCommandTest, AnAppMayBeInAnArchive) {
+  const fs::path tmp = folder() / "tmp";
+  fs::create_directory(tmp);
+  fs::create_directory(folder() / "Payload");
+  fs::copy(folder() / app("Notes.app"), folder() / "Payload/Notes.app",
+           fs::copy_options::recursive);
+  ZIPArchive::zipItem(folder() / "Payload", folder() / "Notes.ipa");
+  setEnvironment({"TMPDIR=" + tmp.string()});
+  EXPECT_EQ(width("Notes.ipa"), 180U);
+  EXPECT_EQ(width("Notes.ipa", "--name AppIcon76x76"), 152U);
+  EXPECT_EQ(run("info Notes.ipa").out, run("info Payload/Notes.app").out);
+  EXPECT_EQ(run("executables Notes.ipa").out, run("executables Payload/Notes.app").out);
+  EXPECT_THAT(run("executables Notes.ipa --json").out,
+              HasSubstr(R"("path":"Notes.ipa\/Payload\/Notes.app\/Notes")"));
+  write("Payload/Notes.app/Info.plist", "no list");
+  write("text.ipa", "no archive");
+  ZIPArchive::zipItem(folder() / "Payload", folder() / "bad.ipa");
+  expectRefused("info",
+                {{"bad.ipa", 1, "bad.ipa/Payload/Notes.app/Info.plist: "},
+                 {"text.ipa", 1, "text.ipa: The archive is damaged: its end record is missing\n"}});
+  EXPECT_TRUE(fs::is_empty(tmp));
 }
 
 TEST_F(IconCommandTest, AFailureIsOneLineAndLeavesTheFileAlone) {

@@ -65,7 +65,7 @@ struct ArchiveCoding<std::string> {
   }
 };
 
-/// A shared text.
+/// A text that shares one block with the other texts of its archive.
 template <>
 struct ArchiveCoding<SharedText> {
   static constexpr bool isObject = true;
@@ -73,8 +73,7 @@ struct ArchiveCoding<SharedText> {
     return archiver.text(value);
   }
   static void decode(KeyedUnarchiver& unarchiver, PropertyList::Index stored, SharedText& value) {
-    unarchiver.chargeBytes(SharedText::kOwnBytes);
-    value = unarchiver.text(stored);
+    value = unarchiver.sharedText(stored);
   }
 };
 
@@ -184,10 +183,11 @@ struct ArchiveCoding<std::shared_ptr<Record>> {
     const bool isShared = unarchiver.isShared(stored);
     if (isShared) value = std::static_pointer_cast<Record>(unarchiver.sharedResult(stored, type));
     if (value != nullptr) return;
+    const std::size_t expansion = unarchiver.expansion();
     unarchiver.chargeBytes(sizeof(Record));
     value = std::make_shared<Record>();
     ArchiveCoding<Record>::decode(unarchiver, stored, *value);
-    if (isShared) unarchiver.sharedResult(stored, type) = value;
+    if (isShared) unarchiver.keepSharedResult(stored, type, value, expansion);
   }
 };
 

@@ -129,10 +129,27 @@ PropertyList::Dictionary KeyedUnarchiver::checked(Index object, std::string_view
   return *dictionary;
 }
 
-std::string_view KeyedUnarchiver::text(Index object) {
+std::string_view KeyedUnarchiver::textOf(Index object) {
   budget_.chargeVisits(1);
-  const auto text = list_.get<std::string_view>(object);
-  return budget_.chargedString(text ? *text : inlineText(object));
+  const auto plain = list_.get<std::string_view>(object);
+  const std::string_view text = plain ? *plain : inlineText(object);
+  budget_.chargeValue(text.size());
+  return text;
+}
+
+std::string_view KeyedUnarchiver::text(Index object) {
+  return budget_.chargedString(textOf(object));
+}
+
+SharedText KeyedUnarchiver::sharedText(Index object) {
+  const std::string_view text = textOf(object);
+  if (text.empty()) return {};
+  const std::string_view all = list_.allBytes();
+  if (texts_.empty()) {
+    budget_.chargeBytes(all.size() + SharedText::kOwnBytes);
+    texts_ = all;
+  }
+  return texts_.piece(static_cast<std::size_t>(text.data() - all.data()), text.size());
 }
 
 /// A mutable string is an object that contains its text.
@@ -178,6 +195,7 @@ void KeyedUnarchiver::elements(Index object,
   const auto array = list_.get<PropertyList::Array>(*objects);
   if (!array) throw DecodingError::typeMismatch("an array", description(list_.kind(*objects)));
   budget_.chargeVisits(array->elements.size());
+  budget_.chargeValue(0);
   for (std::size_t i = 0; i < array->elements.size(); ++i) {
     underIndex(i, [&] {
       const auto stored = this->object(array->elements[i]);
@@ -199,9 +217,22 @@ void KeyedUnarchiver::record(Index object, std::string_view className,
     }
   }
   for (std::size_t i = 0; i < fields.size(); ++i) {
+    budget_.chargeValue(fields[i].key.size());  // of absent ones, too: most are written as empty
     if (values[i] == kAbsent) continue;
     underKey(fields[i].key, [&] { fields[i].decode(*this, values[i], record); });
   }
+}
+
+std::shared_ptr<void> KeyedUnarchiver::sharedResult(Index object, const void* type) {
+  const auto found = sharedResults_.find({object, type});
+  if (found == sharedResults_.end()) return nullptr;
+  budget_.chargeExpansion(found->second.expansion);
+  return found->second.value;
+}
+
+void KeyedUnarchiver::keepSharedResult(Index object, const void* type, std::shared_ptr<void> value,
+                                       std::size_t expansionBefore) {
+  sharedResults_[{object, type}] = {std::move(value), expansion() - expansionBefore};
 }
 
 bool KeyedUnarchiver::boolean(Index value) const {

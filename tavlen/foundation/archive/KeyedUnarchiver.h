@@ -15,6 +15,7 @@
 #include "tavlen/foundation/files/URL.h"
 #include "tavlen/foundation/plist/PropertyList.h"
 #include "tavlen/foundation/plist/SharedReferenceBudget.h"
+#include "tavlen/foundation/text/SharedText.h"
 
 namespace tavlen {
 
@@ -27,8 +28,8 @@ namespace tavlen {
 /// accepted. Class names in the archive never create anything, and "$classhints" are ignored.
 /// Throws DecodingError; its path is completed while it propagates.
 ///
-/// The work is limited for any archive: by `kDeepest` nested objects (which ends a cycle) and by
-/// SharedReferenceBudget.
+/// The work is limited for any archive, and so is the size of what is read, written as a tree: by
+/// `kDeepest` nested objects (which ends a cycle) and by SharedReferenceBudget.
 class KeyedUnarchiver {
  public:
   /// An index in the property list.
@@ -59,6 +60,9 @@ class KeyedUnarchiver {
 
   /// Reads a text. Valid as long as the list.
   std::string_view text(Index object);
+  /// Reads a text that outlives the list: a piece of one copy of all texts of the archive, which
+  /// the first call makes. The copy lives as long as any of them.
+  SharedText sharedText(Index object);
   /// Reads a URL, resolved against its base if it has one.
   URL url(Index object);
   /// Reads an array: calls `element` with each object, none of which is nil, and the number of
@@ -77,19 +81,29 @@ class KeyedUnarchiver {
   /// Charges for memory that the caller allocates for an element. Throws DecodingError.
   void chargeBytes(std::size_t count) { budget_.chargeBytes(count); }
 
-  /// The value that the caller has decoded from a shared object, for reuse; null until the caller
-  /// stores it here. `type` is any address that identifies the caller's type.
-  std::shared_ptr<void>& sharedResult(Index object, const void* type) {
-    return sharedResults_[{object, type}];
-  }
+  /// What the values read so far take, written out.
+  std::size_t expansion() const { return budget_.expansion(); }
+  /// The value that the caller has decoded from a shared object, for reuse, charged once more; null
+  /// until keepSharedResult(). `type` is any address that identifies the caller's type. Throws
+  /// DecodingError.
+  std::shared_ptr<void> sharedResult(Index object, const void* type);
+  /// Keeps `value`, which `object` became. `expansionBefore` is expansion() before it was read.
+  void keepSharedResult(Index object, const void* type, std::shared_ptr<void> value,
+                        std::size_t expansionBefore);
 
  private:
   class Nesting;
+  /// A value that has been decoded from a shared object.
+  struct SharedResult {
+    std::shared_ptr<void> value;
+    std::size_t expansion = 0;  ///< what it takes, written out
+  };
 
   void countReferences();
 
   /// The object's dictionary. Throws unless it is of the class or of a subclass.
   PropertyList::Dictionary checked(Index object, std::string_view className);
+  std::string_view textOf(Index object);
   std::string_view inlineText(Index object);
   bool isKind(Index classObject, std::string_view className);
 
@@ -103,7 +117,8 @@ class KeyedUnarchiver {
   /// The number of references to an object, by its index; counts up to two.
   std::vector<std::uint8_t> references_;
   /// By object and type.
-  std::map<std::pair<Index, const void*>, std::shared_ptr<void>> sharedResults_;
+  std::map<std::pair<Index, const void*>, SharedResult> sharedResults_;
+  SharedText texts_;  ///< a copy of PropertyList::allBytes(), once it is needed
 };
 
 }  // namespace tavlen

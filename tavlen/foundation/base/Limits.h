@@ -36,6 +36,13 @@ inline constexpr std::size_t kJSONDepth = 512;
 /// array that grows.
 inline constexpr std::size_t kDecodedBytes = kMiB;
 inline constexpr std::size_t kDecodedBytesPerByte = 32;
+/// What the records of an archive would take if each were written where it is referenced, as JSON
+/// does: the bytes of their texts and keys, and four for each value. So much for any archive, a
+/// class with 200 methods of a type of 149 kB; and so much for each byte of one, many times what
+/// classes take that share their encodings.
+inline constexpr std::size_t kExpandedBytes = 32 * kMiB;
+inline constexpr std::size_t kExpandedBytesPerByte = 64;
+inline constexpr std::size_t kExpandedBytesPerValue = 4;
 /// Looks at values of a list, beyond a few at each: some milliseconds.
 inline constexpr std::size_t kSharedVisits = 1'000'000;
 /// Containers in one another, which ends a cycle; as for JSON.

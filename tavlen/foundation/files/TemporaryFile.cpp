@@ -77,8 +77,10 @@ TemporaryFile::~TemporaryFile() {
 
 void TemporaryFile::finish() {
   file_.sync(shown_);
-  file_.close(shown_);
+  close();
 }
+
+void TemporaryFile::close() { file_.close(shown_); }
 
 bool isTemporaryName(const std::filesystem::path& name) {
   return name.native().starts_with(kTemporaryPrefix) || name == TemporaryDirectory::kItemsFolder;

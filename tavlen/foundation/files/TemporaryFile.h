@@ -29,11 +29,13 @@ class TemporaryFile {
 
   /// Relative to `parent`; empty after leave().
   const std::filesystem::path& path() const { return path_; }
-  /// The open file, until finish().
+  /// The open file, until finish() or close().
   const FileDescriptor& descriptor() const { return file_; }
 
   /// Flushes the contents to the disk and closes the file.
   void finish();
+  /// Closes the file without waiting for the disk, for contents that can be made again.
+  void close();
   /// Keeps the file. Call after renaming it.
   void leave() { path_.clear(); }
 

@@ -86,6 +86,8 @@ class PropertyList {
   std::span<const Index> allElements() const { return elements_; }
   /// The members of all dictionaries.
   std::span<const Member> allMembers() const { return members_; }
+  /// The bytes of all strings and data, of which the views of them are parts.
+  std::string_view allBytes() const { return bytes_; }
   /// The number of indices that all containers hold together. A walk that follows more of them has
   /// met shared objects.
   std::size_t referenceCount() const { return elements_.size() + 2 * members_.size(); }

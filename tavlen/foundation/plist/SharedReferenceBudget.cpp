@@ -30,8 +30,10 @@ std::size_t memoryLeft(const PropertyList& list) {
 SharedReferenceBudget::SharedReferenceBudget(const PropertyList& list)
     : visits_(limits::kSharedVisits + kPasses * (list.size() + list.referenceCount())),
       bytes_(memoryLeft(list)),
+      expansion_(limits::kExpandedBytes + limits::kExpandedBytesPerByte * leastFileSize(list)),
       visitsLeft_(visits_),
-      bytesLeft_(bytes_) {}
+      bytesLeft_(bytes_),
+      expansionLeft_(expansion_) {}
 
 void SharedReferenceBudget::failVisits() {
   // Stays exhausted, so that a decoder which drops this error cannot continue reading.
@@ -43,6 +45,11 @@ void SharedReferenceBudget::failVisits() {
 void SharedReferenceBudget::failBytes() const {
   throw DecodingError::dataCorrupted("more than " + std::to_string(bytes_) +
                                      " bytes by shared references");
+}
+
+void SharedReferenceBudget::failExpansion() const {
+  throw DecodingError::dataCorrupted("more than " + std::to_string(expansion_) +
+                                     " bytes when shared references are written out");
 }
 
 }  // namespace tavlen

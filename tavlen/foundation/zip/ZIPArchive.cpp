@@ -1,6 +1,5 @@
 #include "tavlen/foundation/zip/ZIPArchive.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <system_error>
 #include <vector>
@@ -11,9 +10,9 @@
 #include "tavlen/foundation/files/TemporaryFile.h"
 #include "tavlen/foundation/zip/detail/ByteProgress.h"
 #include "tavlen/foundation/zip/detail/ZIPDirectory.h"
-#include "tavlen/foundation/zip/detail/ZIPExtraction.h"
 #include "tavlen/foundation/zip/detail/ZIPReader.h"
 #include "tavlen/foundation/zip/detail/ZIPTree.h"
+#include "tavlen/foundation/zip/detail/ZIPUnpacking.h"
 #include "tavlen/foundation/zip/detail/ZIPWriter.h"
 
 namespace tavlen {
@@ -28,17 +27,14 @@ std::uint64_t totalSize(const std::vector<ZIPItem>& items) {
   return sum;
 }
 
-/// Those of `entries` that are at `onlyTop` or below, by the order of their names: whatever order
-/// the archive has them in, each folder is made and filled before the next.
-std::vector<std::size_t> orderOfUnpacking(const std::vector<ZIPEntry>& entries,
-                                          std::string_view onlyTop) {
-  std::vector<std::size_t> order;
+/// The places of those of `entries` that are at `onlyTop` or below.
+std::vector<std::size_t> placesWithin(const std::vector<ZIPEntry>& entries,
+                                      std::string_view onlyTop) {
+  std::vector<std::size_t> places;
   for (std::size_t i = 0; i < entries.size(); ++i) {
-    if (entries[i].isWithin(onlyTop)) order.push_back(i);
+    if (entries[i].isWithin(onlyTop)) places.push_back(i);
   }
-  std::sort(order.begin(), order.end(),
-            [&](std::size_t a, std::size_t b) { return entries[a].name < entries[b].name; });
-  return order;
+  return places;
 }
 
 }  // namespace
@@ -64,28 +60,7 @@ void ZIPArchive::unzipItem(const fs::path& archive, const fs::path& destination,
   const RandomAccessFile file(archive);
   const std::vector<ZIPEntry> entries = readZIPDirectory(file, limits, onlyTop);
   ZIPReader reader(file, entries);
-  const std::vector<std::size_t> order = orderOfUnpacking(entries, onlyTop);
-  std::uint64_t total = 0;
-  for (const std::size_t i : order) total += entries[i].size;
-  ByteProgress bytes(progress, total);
-
-  ZIPExtraction extraction(destination);
-  for (const std::size_t i : order) {
-    const ZIPEntry& entry = entries[i];
-    bytes.add(0);
-    if (entry.isFolder()) {
-      extraction.makeFolder(entry.name, entry.mode);
-      continue;
-    }
-    extraction.makeFile(entry.name, entry.mode, [&](ZIPExtraction::Sink sink) {
-      reader.read(i, [&](std::string_view piece) {
-        sink(piece);
-        bytes.add(piece.size());
-      });
-    });
-  }
-  extraction.keep();
-  bytes.finish();
+  unpackZIPEntries(reader, entries, placesWithin(entries, onlyTop), destination, progress);
 }
 
 }  // namespace tavlen

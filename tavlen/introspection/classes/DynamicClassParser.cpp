@@ -18,16 +18,23 @@ namespace tavlen {
 
 namespace {
 
-std::optional<std::string> superclassName(Class superclass) {
+std::optional<SharedText> superclassName(Class superclass, SharedTextPool& texts) {
   if (superclass == nullptr) return std::nullopt;
-  return wellFormedUTF8(class_getName(superclass));
+  return texts.shared(wellFormedUTF8(class_getName(superclass)));
 }
 
-std::optional<std::string> superclassPath(Class superclass) {
+std::optional<SharedText> superclassPath(Class superclass, SharedTextPool& texts) {
   if (superclass == nullptr) return std::nullopt;
-  std::optional<std::string> path = ObjCRuntime::imagePath(superclass);
-  if (path.has_value()) *path = wellFormedUTF8(*path);
-  return path;
+  const std::optional<std::string> path = ObjCRuntime::imagePath(superclass);
+  if (!path) return std::nullopt;
+  return texts.shared(wellFormedUTF8(*path));
+}
+
+std::vector<SharedText> protocolNames(Class cls, SharedTextPool& texts) {
+  std::vector<SharedText> names;
+  for (const std::string& name : class_copyProtocolNames(cls).value_or(std::vector<std::string>()))
+    names.push_back(texts.shared(name));
+  return names;
 }
 
 }  // namespace
@@ -44,30 +51,42 @@ DynamicClassParser::Cache DynamicClassParser::cache() const {
 }
 
 ObjCClass::Methods DynamicClassParser::methodsOfClass(objc_class* cls, bool instance) const {
+  SharedTextPool texts;
+  return methodsOfClass(cls, instance, texts);
+}
+
+ObjCClass::Methods DynamicClassParser::methodsOfClass(objc_class* cls, bool instance,
+                                                      SharedTextPool& texts) {
   ObjCClass::Methods methods;
   class_enumerateMethods(cls, instance, [&](Method method) {
     const char* encoding = method_getTypeEncoding(method);
     const char* selector = sel_getName(method_getName(method));
     if (encoding == nullptr || selector == nullptr) return;
-    methods.push_back(std::make_shared<ObjCMethod>(wellFormedUTF8(selector),
-                                                   wellFormedUTF8(encoding), !instance));
+    methods.push_back(std::make_shared<ObjCMethod>(
+        texts.shared(wellFormedUTF8(selector)), texts.shared(wellFormedUTF8(encoding)), !instance));
   });
   return methods;
 }
 
 std::shared_ptr<ObjCClass> DynamicClassParser::parseClass(objc_class* cls) const {
+  SharedTextPool texts;
+  return parseClass(cls, texts);
+}
+
+std::shared_ptr<ObjCClass> DynamicClassParser::parseClass(objc_class* cls,
+                                                          SharedTextPool& texts) const {
   const std::lock_guard lock(lock_);
   const std::string name = class_getName(cls);
   if (const auto known = cache_.find(name); known != cache_.end()) return known->second;
-  ObjCClass::Methods methods = methodsOfClass(cls, true);
-  ObjCClass::Methods ofClass = methodsOfClass(cls, false);
+  ObjCClass::Methods methods = methodsOfClass(cls, true, texts);
+  ObjCClass::Methods ofClass = methodsOfClass(cls, false, texts);
   methods.reserve(methods.size() + ofClass.size());
   std::move(ofClass.begin(), ofClass.end(), std::back_inserter(methods));
   Class superclass = class_getSuperclass(cls);
-  const auto protocols = class_copyProtocolNames(cls).value_or(std::vector<std::string>());
-  auto record = std::make_shared<ObjCClass>(
-      wellFormedUTF8(name), std::move(methods), std::nullopt, superclassName(superclass),
-      superclassPath(superclass), std::vector<SharedText>(protocols.begin(), protocols.end()));
+  auto record =
+      std::make_shared<ObjCClass>(texts.shared(wellFormedUTF8(name)), std::move(methods),
+                                  std::nullopt, superclassName(superclass, texts),
+                                  superclassPath(superclass, texts), protocolNames(cls, texts));
   return cache_.emplace(name, std::move(record)).first->second;
 }
 
@@ -91,8 +110,9 @@ std::optional<DynamicClassParser::Classes> DynamicClassParser::parseClassesAtPat
     const std::filesystem::path& path, bool shouldDlopen) const {
   const std::lock_guard lock(lock_);
   Classes classes;
-  const bool isLoaded = visitClasses(path, shouldDlopen,
-                                     [&](objc_class* cls) { classes.push_back(parseClass(cls)); });
+  SharedTextPool texts;
+  const bool isLoaded = visitClasses(
+      path, shouldDlopen, [&](objc_class* cls) { classes.push_back(parseClass(cls, texts)); });
   return isLoaded ? std::optional(std::move(classes)) : std::nullopt;
 }
 
@@ -111,7 +131,9 @@ ClassParser::Classes DynamicClassParser::parseBelow(const std::shared_ptr<Progre
                                                     const Executable& executable) const {
   const std::lock_guard lock(lock_);
   Classes classes;
-  visitBelow(parent, executable, [&](objc_class* cls) { classes.push_back(parseClass(cls)); });
+  SharedTextPool texts;
+  visitBelow(parent, executable,
+             [&](objc_class* cls) { classes.push_back(parseClass(cls, texts)); });
   return classes;
 }
 

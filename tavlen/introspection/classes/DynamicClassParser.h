@@ -9,6 +9,7 @@
 
 #include "tavlen/foundation/base/FunctionRef.h"
 #include "tavlen/foundation/errors/CasedError.h"
+#include "tavlen/foundation/text/SharedTextPool.h"
 #include "tavlen/introspection/classes/ClassParser.h"
 
 // The type to which the run time's `Class` points.
@@ -55,6 +56,10 @@ class DynamicClassParser : public ClassParser {
                                             bool shouldDlopen) const;
 
  private:
+  /// The same as the public functions of these names, with texts of the pool: equal ones of a dump
+  /// are one, and none points into an image, which may be unloaded.
+  static ObjCClass::Methods methodsOfClass(objc_class* cls, bool instance, SharedTextPool& texts);
+  std::shared_ptr<ObjCClass> parseClass(objc_class* cls, SharedTextPool& texts) const;
   /// Loads the image. When that fails, logs the loader's text and returns false.
   static bool load(const std::filesystem::path& path);
   /// Loads the image unless Executable::parseDynamically(). Throws Error::failed().

@@ -17,8 +17,12 @@ constexpr std::size_t kHiddenArguments = 2;
 class DeclarationText {
  public:
   DeclarationText(const MethodSignature& signature, const StyledText::Color& typeColor,
-                  const StyledText::Color& foregroundColor, StyledText& text)
-      : signature_(signature), typeColor_(typeColor), color_(foregroundColor), text_(text) {}
+                  const StyledText::Color& foregroundColor, JXTypeBodies bodies, StyledText& text)
+      : signature_(signature),
+        typeColor_(typeColor),
+        color_(foregroundColor),
+        bodies_(bodies),
+        text_(text) {}
 
   void append(std::string_view selector) {
     text_.append(" ", color_);
@@ -34,7 +38,7 @@ class DeclarationText {
   void appendType(const std::string& encoding) {
     text_.append("(", color_);
     if (const auto type = JXTypeForEncoding(encoding))
-      text_.append(type->description(), typeColor_);
+      text_.append(type->description(bodies_), typeColor_);
     text_.append(")", color_);
   }
 
@@ -55,6 +59,7 @@ class DeclarationText {
   const MethodSignature& signature_;
   const StyledText::Color& typeColor_;
   const StyledText::Color& color_;
+  JXTypeBodies bodies_;
   StyledText& text_;
   std::size_t argument_ = kHiddenArguments;
 };
@@ -63,12 +68,12 @@ class DeclarationText {
 
 StyledText ObjCMethod::description(const StyledText::Color& typeColor,
                                    const StyledText::Color& foregroundColor,
-                                   const StyledText::Font& font) const {
+                                   const StyledText::Font& font, JXTypeBodies bodies) const {
   StyledText text;
   text.append(isClassMethod ? "+" : "-", foregroundColor);
   text.append(kNoBreakSpace, foregroundColor);
   if (const auto signature = MethodSignature::signatureWithObjCTypes(encoding)) {
-    DeclarationText(*signature, typeColor, foregroundColor, text).append(selector);
+    DeclarationText(*signature, typeColor, foregroundColor, bodies, text).append(selector);
   } else {
     text.append(selector, foregroundColor);
   }
@@ -76,6 +81,8 @@ StyledText ObjCMethod::description(const StyledText::Color& typeColor,
   return text;
 }
 
-std::string ObjCMethod::description() const { return description({}, {}, {}).plain(); }
+std::string ObjCMethod::description(JXTypeBodies bodies) const {
+  return description({}, {}, {}, bodies).plain();
+}
 
 }  // namespace tavlen

@@ -8,6 +8,7 @@
 #include "tavlen/foundation/coding/Coding.h"
 #include "tavlen/foundation/text/SharedText.h"
 #include "tavlen/foundation/text/StyledText.h"
+#include "tavlen/introspection/types/JXTypeDescription.h"
 
 namespace tavlen {
 
@@ -37,10 +38,10 @@ class ObjCMethod {
   /// each after a comma. Without a valid encoding, the selector follows the no-break space
   /// directly. Types have `typeColor`, everything else `foregroundColor`.
   StyledText description(const StyledText::Color& typeColor,
-                         const StyledText::Color& foregroundColor,
-                         const StyledText::Font& font) const;
+                         const StyledText::Color& foregroundColor, const StyledText::Font& font,
+                         JXTypeBodies bodies = JXTypeBodies::all) const;
   /// The same text without styles.
-  std::string description() const;
+  std::string description(JXTypeBodies bodies = JXTypeBodies::all) const;
 
   /// The coded fields.
   static constexpr auto codedFields() {

@@ -34,24 +34,24 @@ JXTypeDescription JXType::descriptionWithPadding(bool padding) const {
 
 JXTypeDescription JXType::_descriptionWithPadding(bool padding) const {
   JXTypeDescription description;
-  appendOwnHead(description.head, padding);
+  appendOwnHead(description.head, padding, JXTypeBodies::all);
   appendOwnTail(description.tail);
   return description;
 }
 
-std::string JXType::description() const {
+std::string JXType::description(JXTypeBodies bodies) const {
   std::string text;
-  appendHead(text, false);
+  appendHead(text, false, bodies);
   appendTail(text);
   return text;
 }
 
-void JXType::appendHead(std::string& out, bool padding) const {
+void JXType::appendHead(std::string& out, bool padding, JXTypeBodies bodies) const {
   if (qualifiers_ != 0) {
     out += *JXStringForTypeQualifiers(qualifiers());
     out += ' ';
   }
-  appendOwnHead(out, padding);
+  appendOwnHead(out, padding, bodies);
 }
 
 std::string_view JXType::stringBetweenStart(const char* start, const char* end) {

@@ -50,10 +50,10 @@ class JXType {
   /// The same without the qualifiers of this node; those of its parts are kept.
   JXTypeDescription _descriptionWithPadding(bool padding) const;
   /// Head and tail, without padding: `int[4]`.
-  std::string description() const;
+  std::string description(JXTypeBodies bodies = JXTypeBodies::all) const;
 
   /// Appends the head of descriptionWithPadding() to `out`.
-  void appendHead(std::string& out, bool padding) const;
+  void appendHead(std::string& out, bool padding, JXTypeBodies bodies = JXTypeBodies::all) const;
   /// Appends the tail of descriptionWithPadding() to `out`.
   void appendTail(std::string& out) const { appendOwnTail(out); }
 
@@ -75,7 +75,7 @@ class JXType {
   /// `height` is the number of containers on the longest path down, including this node.
   JXType(SharedText encoding, JXTypeQualifiers qualifiers, unsigned height, bool isMarked = false);
 
-  virtual void appendOwnHead(std::string& out, bool padding) const = 0;
+  virtual void appendOwnHead(std::string& out, bool padding, JXTypeBodies bodies) const = 0;
   virtual void appendOwnTail(std::string& out) const = 0;
   /// Compares the members of a subclass. `other` is of the same class.
   virtual bool hasSameParts(const JXType& other) const = 0;

@@ -36,8 +36,8 @@ std::shared_ptr<JXTypeArray> JXTypeArray::initWithCount(std::uint64_t count,
                                        std::move(type));
 }
 
-void JXTypeArray::appendOwnHead(std::string& out, bool padding) const {
-  type_->appendHead(out, padding);
+void JXTypeArray::appendOwnHead(std::string& out, bool padding, JXTypeBodies bodies) const {
+  type_->appendHead(out, padding, bodies);
 }
 
 void JXTypeArray::appendOwnTail(std::string& out) const {

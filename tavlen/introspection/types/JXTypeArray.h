@@ -33,7 +33,7 @@ class JXTypeArray final : public JXType {
               std::shared_ptr<JXType> type);
 
  private:
-  void appendOwnHead(std::string& out, bool padding) const override;
+  void appendOwnHead(std::string& out, bool padding, JXTypeBodies bodies) const override;
   void appendOwnTail(std::string& out) const override;
   bool hasSameParts(const JXType& other) const override;
 

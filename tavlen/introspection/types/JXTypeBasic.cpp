@@ -61,7 +61,7 @@ JXPrimitiveType JXTypeBasic::primitiveType() const {
                             : JXPrimitiveTypeForEncoding(encoding().front());
 }
 
-void JXTypeBasic::appendOwnHead(std::string& out, bool padding) const {
+void JXTypeBasic::appendOwnHead(std::string& out, bool padding, JXTypeBodies /*bodies*/) const {
   out += JXNameForPrimitiveType(primitiveType());
   if (padding) out += ' ';
 }

@@ -29,7 +29,7 @@ class JXTypeBasic final : public JXType {
       : JXType(std::move(encoding), qualifiers, 0) {}
 
  private:
-  void appendOwnHead(std::string& out, bool padding) const override;
+  void appendOwnHead(std::string& out, bool padding, JXTypeBodies /*bodies*/) const override;
   void appendOwnTail(std::string& /*out*/) const override {}
   bool hasSameParts(const JXType& /*other*/) const override { return true; }
 };

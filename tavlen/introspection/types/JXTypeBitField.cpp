@@ -18,7 +18,7 @@ std::shared_ptr<JXTypeBitField> JXTypeBitField::initWithBits(std::uint64_t bits)
                                           JXTypeQualifiers::none, bits);
 }
 
-void JXTypeBitField::appendOwnHead(std::string& out, bool padding) const {
+void JXTypeBitField::appendOwnHead(std::string& out, bool padding, JXTypeBodies /*bodies*/) const {
   out += padding ? "unsigned int " : "unsigned int";
 }
 

@@ -30,7 +30,7 @@ class JXTypeBitField final : public JXType {
       : JXType(std::move(encoding), qualifiers, 0), bits_(bits) {}
 
  private:
-  void appendOwnHead(std::string& out, bool padding) const override;
+  void appendOwnHead(std::string& out, bool padding, JXTypeBodies /*bodies*/) const override;
   void appendOwnTail(std::string& out) const override;
   bool hasSameParts(const JXType& other) const override;
 

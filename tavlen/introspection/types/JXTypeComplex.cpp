@@ -99,21 +99,22 @@ std::optional<std::string_view> JXTypeComplex::name() const {
   return name_.data() != nullptr ? std::optional(name_) : std::nullopt;
 }
 
-void JXTypeComplex::appendOwnHead(std::string& out, bool padding) const {
+void JXTypeComplex::appendOwnHead(std::string& out, bool padding, JXTypeBodies bodies) const {
   out += typeName();
   if (name()) {
     out += ' ';
     out += name_;
   }
-  if (types_ != nullptr && !types_->empty()) appendBody(out);
+  const bool isShown = bodies == JXTypeBodies::all || !name();
+  if (isShown && types_ != nullptr && !types_->empty()) appendBody(out, bodies);
   if (padding) out += ' ';
 }
 
-void JXTypeComplex::appendBody(std::string& out) const {
+void JXTypeComplex::appendBody(std::string& out, JXTypeBodies bodies) const {
   out += " { ";
   for (std::size_t i = 0; i < types_->size(); ++i) {
     const JXType& member = *(*types_)[i];
-    member.appendHead(out, true);
+    member.appendHead(out, true, bodies);
     if (fieldNames_ != nullptr && i < fieldNames_->size()) {
       out += (*fieldNames_)[i];
     } else {

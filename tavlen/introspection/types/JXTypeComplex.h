@@ -55,10 +55,10 @@ class JXTypeComplex : public JXType {
                      const std::optional<std::vector<std::string>>& fieldNames);
 
  private:
-  void appendOwnHead(std::string& out, bool padding) const override;
+  void appendOwnHead(std::string& out, bool padding, JXTypeBodies bodies) const override;
   void appendOwnTail(std::string& /*out*/) const override {}
   bool hasSameParts(const JXType& other) const override;
-  void appendBody(std::string& out) const;
+  void appendBody(std::string& out, JXTypeBodies bodies) const;
 
   std::string_view name_;
   std::unique_ptr<const Types> types_;

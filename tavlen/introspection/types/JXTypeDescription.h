@@ -16,4 +16,10 @@ struct JXTypeDescription {
   bool operator==(const JXTypeDescription&) const = default;
 };
 
+/// The structs and unions that a declaration shows with their members.
+enum class JXTypeBodies {
+  all,      ///< every one that has a body
+  unnamed,  ///< those without a name; one that has a name by that alone: `struct CGRect`
+};
+
 }  // namespace tavlen

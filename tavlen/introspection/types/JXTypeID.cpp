@@ -122,7 +122,7 @@ std::optional<std::string_view> JXTypeID::name() const {
   return name_.data() != nullptr ? std::optional(name_) : std::nullopt;
 }
 
-void JXTypeID::appendOwnHead(std::string& out, bool padding) const {
+void JXTypeID::appendOwnHead(std::string& out, bool padding, JXTypeBodies /*bodies*/) const {
   if (isBlock()) {
     out += "void (^";
     return;

@@ -44,7 +44,7 @@ class JXTypeID final : public JXType {
  private:
   static std::shared_ptr<JXTypeID> withoutName(JXTypeQualifiers qualifiers, bool isBlock);
 
-  void appendOwnHead(std::string& out, bool padding) const override;
+  void appendOwnHead(std::string& out, bool padding, JXTypeBodies /*bodies*/) const override;
   void appendOwnTail(std::string& out) const override;
   bool hasSameParts(const JXType& other) const override;
 

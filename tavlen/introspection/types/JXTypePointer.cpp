@@ -66,12 +66,12 @@ std::shared_ptr<JXTypePointer> JXTypePointer::initWithType(std::shared_ptr<JXTyp
                                          std::move(type), isFunction);
 }
 
-void JXTypePointer::appendOwnHead(std::string& out, bool /*padding*/) const {
+void JXTypePointer::appendOwnHead(std::string& out, bool /*padding*/, JXTypeBodies bodies) const {
   if (isFunction()) {
     out += "void (*";
     return;
   }
-  type_->appendHead(out, true);
+  type_->appendHead(out, true, bodies);
   out += '*';
 }
 

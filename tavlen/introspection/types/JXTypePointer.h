@@ -34,7 +34,7 @@ class JXTypePointer final : public JXType {
   static unsigned heightOf(const SharedText& encoding, const std::shared_ptr<JXType>& type);
   static std::shared_ptr<JXTypePointer> toCharacter(JXTypeQualifiers qualifiers);
 
-  void appendOwnHead(std::string& out, bool padding) const override;
+  void appendOwnHead(std::string& out, bool padding, JXTypeBodies bodies) const override;
   void appendOwnTail(std::string& out) const override;
   bool hasSameParts(const JXType& other) const override;
 

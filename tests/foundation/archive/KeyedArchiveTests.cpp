@@ -1,3 +1,5 @@
+#include <functional>
+
 #include "tavlen/device/TweakInfo.h"
 #include "tavlen/foundation/archive/KeyedArchive.h"
 #include "tavlen/foundation/files/FileSystem.h"
@@ -300,6 +302,44 @@ TEST(KeyedArchive, workIsBounded) {
               className("Demo.Item")));
   ASSERT_EQ(items.size(), 20'000U);
   EXPECT_EQ(items.front(), items.back());
+}
+
+/// What is written out at every reference to it may take so much, and not one reference more.
+TEST(KeyedArchive, sharedReferencesAreCounted) {
+  constexpr std::size_t kText = 1'000'000;
+  constexpr std::size_t kItem = 4 + 4 + 4 + 4 + 5 * 4;  // four keys and values, and the text's
+  constexpr std::size_t kMethod = 8 + 8 + 13 + 5 * 4;   // three, and two texts
+  const std::string text = "<string>" + std::string(kText, 'x') + "</string>";
+  const auto array = [](std::size_t count, int uid) {
+    std::string references;
+    while (count-- > 0) references += ref(uid);
+    return object(member("NS.objects", "<array>" + references + "</array>"), 9);
+  };
+  const auto items = [&](std::size_t count, const std::string& members) {
+    return archive(array(count, 2) + object(members, 8) + object(member("name", ref(4)), 8) + text +
+                   "<true/><true/><true/>" + className("Demo.Item") + className("NSArray"));
+  };
+  const auto methods = [&](std::size_t count, const char* key) {
+    return archive(object(member(key, ref(2)), 7) + array(count, 3 + (key == "protocols"s)) +
+                   object(member("encoding", ref(4)) + member("selector", ref(4)), 8) + text +
+                   "<true/><true/>" + className("ObjCClass") + className("ObjCMethod") +
+                   className("NSArray"));
+  };
+  using Items = std::vector<std::shared_ptr<Item>>;
+  const std::pair<std::function<std::string(std::size_t)>, std::size_t> rows[] = {
+      {[&](auto n) { return errorOf<Items>(items(n, member("name", ref(4)))); }, kItem + kText},
+      {[&](auto n) { return errorOf<Items>(items(n, member("next", ref(3)))); },
+       2 * kItem - 4 + kText},
+      {[&](auto n) { return errorOf<ObjCClass>(methods(n, "protocols")); }, 4 + kText},
+      {[&](auto n) { return errorOf<ObjCClass>(methods(n, "methods")); }, kMethod + 2 * kText}};
+  for (const auto& [errorFor, size] : rows) {
+    const std::string error = errorFor(200);
+    const std::size_t number = error.find("more than ") + 10;
+    ASSERT_TRUE(error.ends_with(" bytes when shared references are written out")) << error;
+    const std::size_t most = std::stoul(error.substr(number)) / size;
+    EXPECT_EQ(errorFor(most), "");
+    EXPECT_NE(errorFor(most + 1), "");
+  }
 }
 
 /// Another Foundation reads what is written here, and writes what it has read.

@@ -206,13 +206,18 @@ TEST(PropertyListCoding, decodingIsBounded) {
   const PropertyList one = listOf({true});
   const std::size_t visits = limits::kSharedVisits + 8;
   const std::size_t bytes = limits::kDecodedBytes + 2 * limits::kDecodedBytesPerByte - one.memory();
+  const std::size_t expansion = limits::kExpandedBytes + 2 * limits::kExpandedBytesPerByte;
   SharedReferenceBudget budget(one);
   budget.chargeVisits(visits);
   budget.chargeBytes(bytes);
+  budget.chargeValue(expansion - limits::kExpandedBytesPerValue);
   EXPECT_EQ(errorOf([&] { budget.chargeVisits(1); }),
             "data more than " + std::to_string(visits) + " values by shared references");
   EXPECT_EQ(errorOf([&] { budget.chargeBytes(1); }),
             "data more than " + std::to_string(bytes) + " bytes by shared references");
+  EXPECT_EQ(errorOf([&] { budget.chargeExpansion(1); }),
+            "data more than " + std::to_string(expansion) +
+                " bytes when shared references are written out");
 
   // What is large without being shared is no bomb.
   std::vector<std::string> many(2'000'000, "x");

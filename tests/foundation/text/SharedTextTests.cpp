@@ -1,4 +1,4 @@
-#include "tavlen/foundation/text/SharedText.h"
+#include "tavlen/foundation/text/SharedTextPool.h"
 
 #include <gtest/gtest.h>
 
@@ -40,6 +40,21 @@ TEST(SharedText, ComparesWithEveryFormOfText) {
   EXPECT_GT(text, ""s);
   EXPECT_EQ(SharedText(), "");
   EXPECT_EQ(testing::PrintToString(text), "\"b\"");
+}
+
+TEST(SharedTextPool, MakesEqualTextsOne) {
+  std::vector<std::string> sources;
+  for (int i = 0; i < 5'000; ++i) sources.push_back("selector" + std::to_string(i) + ":");
+  sources.insert(sources.end(), {"", std::string(100'000, 'x'), std::string(1'024, 'y')});
+  std::vector<SharedText> texts;
+  {
+    SharedTextPool pool;
+    for (const std::string& source : sources) texts.push_back(pool.shared(source));
+    for (std::size_t i = 0; i < sources.size(); ++i) {
+      EXPECT_EQ(pool.shared(std::string(sources[i])).data(), texts[i].data());
+    }
+  }
+  for (std::size_t i = 0; i < sources.size(); ++i) EXPECT_EQ(texts[i], sources[i]);
 }
 
 }  // namespace

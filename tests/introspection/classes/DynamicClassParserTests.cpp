@@ -290,6 +290,11 @@ TEST(ObjCMethod, ReadsAsADeclarationOnOneLine) {
   }
 }
 
+TEST(ObjCMethod, NamesStructsInsteadOfShowingThem) {
+  const ObjCMethod method("a:", "{A=i}@:^{B=d}", false);
+  EXPECT_EQ(method.description(JXTypeBodies::unnamed), kInstance + " (struct A)a:(struct B *)");
+}
+
 TEST(ObjCMethod, ColoursItsTypes) {
   const ObjCMethod method("a:b:", "v@:i@", false);
   using Runs = std::vector<StyledText::Run>;

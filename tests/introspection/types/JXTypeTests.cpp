@@ -87,6 +87,19 @@ TEST(JXType, StandsBeforeAndBehindADeclarator) {
   EXPECT_EQ(JXTypeForEncoding("ri")->_descriptionWithPadding(true).head, "int ");
 }
 
+TEST(JXType, ShowsNamedStructsByNameAlone) {
+  const struct {
+    std::string_view encoding, text;
+  } cases[] = {{"{A={B=i}}", "struct A"},
+               {"^^(U=i)", "union U **"},
+               {"[2^{A=i}]", "struct A *[2]"},
+               {"{?={A=i}[2(?=(U=i)f)]}",
+                "struct { struct A field1; union { union U field1; float field2; } field2[2]; }"}};
+  for (const auto& c : cases) {
+    EXPECT_EQ(JXTypeForEncoding(c.encoding)->description(JXTypeBodies::unnamed), c.text);
+  }
+}
+
 TEST(JXType, KnowsItsParts) {
   const auto rect = JXTypeForEncoding("{R=\"a\"r[3@\"N<P>\"]\"b\"b7\"c\"^?}");
   const auto& structure = as<JXTypeStruct>(rect);

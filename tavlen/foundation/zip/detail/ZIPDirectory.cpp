@@ -5,7 +5,9 @@
 #include <algorithm>
 #include <string>
 #include <string_view>
+#include <utility>
 
+#include "tavlen/foundation/base/FunctionRef.h"
 #include "tavlen/foundation/base/LittleEndian.h"
 #include "tavlen/foundation/zip/ZIPError.h"
 #include "tavlen/foundation/zip/detail/ZIPBudget.h"
@@ -143,18 +145,20 @@ void validateExtents(std::vector<Extent> extents, const std::vector<ZIPEntry>& e
   }
 }
 
-void validateSizes(const std::vector<ZIPEntry>& entries, const ZIPArchive::Limits& limits) {
+/// Whether the entries that `extents` tell fit the limits.
+void validateSizes(const std::vector<Extent>& extents, const std::vector<ZIPEntry>& entries,
+                   const ZIPArchive::Limits& limits) {
   std::uint64_t compressed = 0;  // cannot overflow: the extents do not overlap within the file
-  for (const ZIPEntry& entry : entries) compressed += entry.compressedSize;
+  for (const Extent& extent : extents) compressed += entries[extent.entry].compressedSize;
   ZIPBudget budget(limits, compressed);
-  for (const ZIPEntry& entry : entries) budget.add(entry.name, entry.size);
+  for (const Extent& extent : extents) {
+    budget.add(entries[extent.entry].name, entries[extent.entry].size);
+  }
 }
 
-}  // namespace
-
-std::vector<ZIPEntry> readZIPDirectory(const RandomAccessFile& archive,
-                                       const ZIPArchive::Limits& limits, std::string_view onlyTop) {
-  const ZIPEndRecord end = ZIPEndRecord::find(archive);
+/// The bytes of the directory, whose size is within the limits.
+std::string directoryBytes(const RandomAccessFile& archive, const ZIPEndRecord& end,
+                           const ZIPArchive::Limits& limits) {
   // Check this before reading anything whose size depends on it.
   if (end.entries > limits.entries) {
     throw ZIPError(ZIPError::Case::tooManyEntries, std::to_string(limits.entries));
@@ -163,30 +167,70 @@ std::vector<ZIPEntry> readZIPDirectory(const RandomAccessFile& archive,
     const std::string most = std::to_string(limits::kArchiveDirectoryBytes);
     refuse("its directory has more than " + most + " bytes");
   }
-  const std::string bytes =
-      archive.read(end.directoryOffset, static_cast<std::size_t>(end.directorySize));
+  return archive.read(end.directoryOffset, static_cast<std::size_t>(end.directorySize));
+}
 
+/// Passes each entry of the directory to `take`, with its undecoded name.
+void visitDirectory(std::string_view bytes, std::uint64_t count,
+                    FunctionRef<void(ZIPEntry entry, std::string_view storedName)> take) {
+  DirectoryReader reader(bytes);
+  std::uint64_t read = 0;
+  for (; !reader.isAtEnd(); ++read) {
+    if (read == count) refuse("its directory has more entries than the end record says");
+    std::string_view storedName;
+    ZIPEntry entry = reader.next(storedName);
+    take(std::move(entry), storedName);
+  }
+  if (read != count) refuse("its directory has fewer entries than the end record says");
+}
+
+}  // namespace
+
+std::vector<ZIPEntry> readZIPDirectory(const RandomAccessFile& archive,
+                                       const ZIPArchive::Limits& limits, std::string_view onlyTop) {
+  const ZIPEndRecord end = ZIPEndRecord::find(archive);
   std::vector<ZIPEntry> entries;
   std::vector<Extent> extents;
   ZIPNameSet names(limits.entries);
-  DirectoryReader reader(bytes);
-  while (!reader.isAtEnd()) {
-    if (entries.size() == end.entries)
-      refuse("its directory has more entries than the end record says");
-    std::string_view storedName;
-    ZIPEntry entry = reader.next(storedName);
-    validateZIPName(entry.name);
-    names.add(entry.name);
-    if (entry.isWithin(onlyTop)) validateKind(entry);
-    const std::uint64_t entryEnd = validateZIPLocalRecord(archive, entry, storedName);
-    extents.push_back({entry.offset, entryEnd, entries.size()});
-    entries.push_back(std::move(entry));
-  }
-  if (entries.size() != end.entries)
-    refuse("its directory has fewer entries than the end record says");
-  validateExtents(std::move(extents), entries, end.directoryOffset);
-  validateSizes(entries, limits);
+  visitDirectory(directoryBytes(archive, end, limits), end.entries,
+                 [&](ZIPEntry entry, std::string_view storedName) {
+                   validateZIPName(entry.name);
+                   names.add(entry.name);
+                   if (entry.isWithin(onlyTop)) validateKind(entry);
+                   const std::uint64_t entryEnd =
+                       validateZIPLocalRecord(archive, entry, storedName);
+                   extents.push_back({entry.offset, entryEnd, entries.size()});
+                   entries.push_back(std::move(entry));
+                 });
+  validateExtents(extents, entries, end.directoryOffset);
+  validateSizes(extents, entries, limits);
   return entries;
+}
+
+ZIPListing listZIPDirectory(const RandomAccessFile& archive, const ZIPArchive::Limits& limits) {
+  const ZIPEndRecord end = ZIPEndRecord::find(archive);
+  ZIPListing listing;
+  listing.directoryOffset = end.directoryOffset;
+  visitDirectory(directoryBytes(archive, end, limits), end.entries,
+                 [&](ZIPEntry entry, std::string_view storedName) {
+                   listing.entries.push_back(std::move(entry));
+                   listing.storedNames.emplace_back(storedName);
+                 });
+  return listing;
+}
+
+void validateZIPEntries(const RandomAccessFile& archive, const ZIPListing& listing,
+                        std::span<const std::size_t> chosen, const ZIPArchive::Limits& limits) {
+  std::vector<Extent> extents;
+  for (const std::size_t i : chosen) {
+    const ZIPEntry& entry = listing.entries[i];
+    validateZIPName(entry.name);
+    validateKind(entry);
+    extents.push_back(
+        {entry.offset, validateZIPLocalRecord(archive, entry, listing.storedNames[i]), i});
+  }
+  validateExtents(extents, listing.entries, listing.directoryOffset);
+  validateSizes(extents, listing.entries, limits);
 }
 
 }  // namespace tavlen

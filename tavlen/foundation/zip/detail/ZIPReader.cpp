@@ -61,11 +61,11 @@ class ArchiveSource {
   std::uint64_t position_ = 0;
 };
 
-struct EntryCloser {
+}  // namespace
+
+struct ZIPReader::Closer {
   void operator()(zip_file_t* file) const { zip_fclose(file); }
 };
-
-}  // namespace
 
 ZIPReader::ZIPReader(const RandomAccessFile& archive, const std::vector<ZIPEntry>& entries)
     : entries_(entries), buffer_(kBufferSize) {
@@ -107,22 +107,43 @@ void ZIPReader::requireSameDirectory() const {
   }
 }
 
+ZIPReader::OpenEntry ZIPReader::open(std::size_t index) const {
+  OpenEntry file(zip_fopen_index(zip_, index, 0));
+  if (file == nullptr) fail(entries_[index], 0, zip_error_code_zip(zip_get_error(zip_)));
+  return file;
+}
+
+std::size_t ZIPReader::readPiece(zip_file_t* file, const ZIPEntry& entry, std::uint64_t done,
+                                 std::size_t count) {
+  const zip_int64_t got = zip_fread(file, buffer_.data(), count);
+  if (got < 0) fail(entry, done, zip_error_code_zip(zip_file_get_error(file)));
+  const auto size = static_cast<std::size_t>(got);
+  // Check here, not at the end: the limits were applied to the recorded size.
+  if (size > entry.size - done) throw ZIPError(ZIPError::Case::sizeMismatch, entry.name);
+  return size;
+}
+
 void ZIPReader::read(std::size_t index, FunctionRef<void(std::string_view)> take) {
   const ZIPEntry& entry = entries_[index];
-  const std::unique_ptr<zip_file_t, EntryCloser> file(zip_fopen_index(zip_, index, 0));
-  if (file == nullptr) fail(entry, 0, zip_error_code_zip(zip_get_error(zip_)));
+  const OpenEntry file = open(index);
   std::uint64_t done = 0;
-  while (true) {
-    const zip_int64_t count = zip_fread(file.get(), buffer_.data(), buffer_.size());
-    if (count < 0) fail(entry, done, zip_error_code_zip(zip_file_get_error(file.get())));
-    if (count == 0) break;
-    const auto size = static_cast<std::size_t>(count);
-    // Check here, not at the end: the limits were applied to the recorded size.
-    if (size > entry.size - done) throw ZIPError(ZIPError::Case::sizeMismatch, entry.name);
+  while (const std::size_t size = readPiece(file.get(), entry, done, buffer_.size())) {
     done += size;
     take({buffer_.data(), size});
   }
   if (done != entry.size) throw ZIPError(ZIPError::Case::sizeMismatch, entry.name);
+}
+
+std::string ZIPReader::readFirst(std::size_t index, std::size_t count) {
+  const OpenEntry file = open(index);
+  std::string first;
+  while (first.size() < count) {
+    const std::size_t size =
+        readPiece(file.get(), entries_[index], first.size(), count - first.size());
+    if (size == 0) break;
+    first.append(buffer_.data(), size);
+  }
+  return first;
 }
 
 void ZIPReader::fail(const ZIPEntry& entry, std::uint64_t done, int code) const {

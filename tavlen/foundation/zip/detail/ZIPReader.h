@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -26,8 +28,19 @@ class ZIPReader {
   /// ZIPError (sizeMismatch, checksumMismatch, damagedData, unsupportedEntry), std::system_error.
   void read(std::size_t index, FunctionRef<void(std::string_view)> take);
 
+  /// The first `count` bytes of the entry's data, or fewer where it ends, unverified. `count` is at
+  /// most 64 KiB. Throws as read() does.
+  std::string readFirst(std::size_t index, std::size_t count);
+
  private:
+  struct Closer;
+  using OpenEntry = std::unique_ptr<zip_file_t, Closer>;
+
   void requireSameDirectory() const;
+  OpenEntry open(std::size_t index) const;
+  /// Reads into the buffer, at most `count` bytes; 0 at the end of the data.
+  std::size_t readPiece(zip_file_t* file, const ZIPEntry& entry, std::uint64_t done,
+                        std::size_t count);
   [[noreturn]] void fail(const ZIPEntry& entry, std::uint64_t done, int code) const;
 
   const std::vector<ZIPEntry>& entries_;

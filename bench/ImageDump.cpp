@@ -1,7 +1,7 @@
 // Works on Mach-O images, for bench/image_benchmark.py:
-//   ImageDump write FILE CLASSES CODE     writes an image of so many classes, and so many bytes of code
-//   ImageDump walk FILE                   looks at all classes and methods, without making records
-//   ImageDump records FILE                reads them into records
+//   ImageDump write FILE CLASSES CODE     writes an image of so many classes, and so many bytes of
+//   code ImageDump walk FILE                   looks at all classes and methods, without making
+//   records ImageDump records FILE                reads them into records
 // The last two print the number of methods, and the processor time in milliseconds.
 #include <charconv>
 #include <ctime>

@@ -20,11 +20,17 @@ void appendHex(std::u16string& out, char16_t unit, int digits) {
   while (digits-- > 0) out += kHex[static_cast<std::size_t>(unit >> (4 * digits)) & 0xF];
 }
 
+/// Whether the byte begins a character from U+007F on that may have to be escaped.
+bool mayBeginEscaped(char byte) {
+  return byte == '\x7F' || byte == '\xC2' || byte == '\xD8' || byte == '\xE2';
+}
+
+bool isPlainASCII(char byte) { return byte >= 0x20 && byte < 0x7F; }
+
 }  // namespace
 
 std::string escapedForTerminal(std::string_view text) {
-  const auto isPlain = [](char byte) { return byte >= ' ' && byte < '\x7F'; };
-  if (std::all_of(text.begin(), text.end(), isPlain)) return std::string(text);
+  if (std::all_of(text.begin(), text.end(), isPlainASCII)) return std::string(text);
   std::u16string out;
   for (const char16_t unit : utf16FromUTF8(text)) {
     if (unit == u'\n') {
@@ -43,7 +49,8 @@ std::string escapedForTerminal(std::string_view text) {
 }
 
 std::string escapedJSON(std::string json) {
-  if (isASCII(json) && json.find('\x7F') == std::string::npos) return json;
+  // Counted, not searched for, because compilers vectorise only loops without another exit.
+  if (std::count_if(json.begin(), json.end(), mayBeginEscaped) == 0) return json;
   std::u16string out;
   for (const char16_t unit : utf16FromUTF8(json)) {
     if (unit >= 0x7F && isControl(unit)) {

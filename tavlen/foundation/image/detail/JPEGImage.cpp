@@ -97,15 +97,15 @@ bool readRows(Decoding& decoding, std::string_view bytes) {
   ::jpeg_mem_src(&info, reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size());
   ::jpeg_read_header(&info, TRUE);
   if (!Image::isPossibleSize(info.image_width, info.image_height)) return false;
-  // Hardly any program writes arithmetic coding, and libjpeg takes its missing data for zeros: a
-  // few bytes would make a picture of any size.
-  if (info.arith_code != FALSE) return false;
   decoding.orientation = orientationOf(info);  // libjpeg drops the segments at the end
   info.out_color_space = info.num_components == 4 ? JCS_CMYK : JCS_EXT_RGBA;
   ::jpeg_start_decompress(&info);
   const std::size_t rowSize = std::size_t{info.output_width} * 4;
-  decoding.pixels.reserve(
-      std::min(rowSize * info.output_height, bytes.size() * kMostPixelBytesPerByte));
+  const std::size_t plausible = bytes.size() * kMostPixelBytesPerByte;
+  // In arithmetic coding, libjpeg takes missing data for zeros: a few bytes would make a picture of
+  // any size.
+  if (info.arith_code != FALSE && rowSize * info.output_height > plausible) return false;
+  decoding.pixels.reserve(std::min(rowSize * info.output_height, plausible));
   while (info.output_scanline < info.output_height) {
     decoding.pixels.resize(rowSize * (info.output_scanline + 1));
     JSAMPROW row = decoding.pixels.data() + rowSize * info.output_scanline;

@@ -23,6 +23,11 @@ struct ReadOnlyData {
 struct Class {
   const void *isa, *superclass, *cache, *table, *data;
 };
+struct Category {
+  const char* name;
+  const void *cls, *methods, *classMethods, *protocols, *properties, *classProperties;
+  unsigned size, reserved;
+};
 struct Protocol {
   const void* isa;
   const char* name;
@@ -43,5 +48,6 @@ extern const struct Class rootOfSystem __asm("_OBJC_CLASS_$_NSObject");
   const struct Class class_##id = {                                                           \
       .isa = &meta_##id, .superclass = super, .data = (const char*)&ro_##id + bits}
 
-#define LISTED \
-  __attribute__((used, section("__DATA,__objc_classlist,regular,no_dead_strip"))) static
+#define IN_LIST(section_name) \
+  __attribute__((used, section("__DATA," section_name ",regular,no_dead_strip"))) static
+#define LISTED IN_LIST("__objc_classlist")

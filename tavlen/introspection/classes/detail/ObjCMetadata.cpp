@@ -53,6 +53,16 @@ constexpr std::uint64_t kRelativeElement = 12;
 
 constexpr std::uint64_t kProtocolName = 8;
 
+/// The initial word of a Swift class whose record is made when the program runs; those of classes
+/// are addresses, or 0 where the loader fills in an imported one.
+constexpr std::uint64_t kStub = 1;
+
+/// What references take of the budget: more than the bytes that they lead to, because each may
+/// become a larger record, and less than an image has where everything is referred to once.
+constexpr std::uint64_t kClassCost = 8 * (ClassRecord::kSize + ClassData::kSize);
+constexpr std::uint64_t kMethodCost = 8 * MethodList::kElement;
+constexpr std::uint64_t kProtocolCost = 12 * kPointerSize;
+
 constexpr std::string_view kClassSymbol = "_OBJC_CLASS_$_";
 constexpr std::string_view kProtocolSymbol = "__OBJC_PROTOCOL_$_";
 
@@ -134,7 +144,9 @@ void ObjCMetadata::readCategory(std::uint64_t address,
   }
   std::optional<std::string_view> className;
   if (cls.kind == Kind::symbol) className = nameInSymbol(cls.symbol, kClassSymbol);
-  if (cls.kind == Kind::address) className = nameOf(cls.address);
+  if (cls.kind == Kind::address && memory_.numberAt<std::uint64_t>(cls.address) != kStub) {
+    className = nameOf(cls.address);
+  }
   if (!className) return report(place, "belongs to a class that cannot be read");
   categories_.push_back({*name, *className, lists});
 }
@@ -152,7 +164,7 @@ ObjCMetadata::categoriesOf(const Class& cls) const {
 }
 
 std::optional<ObjCMetadata::ReadOnly> ObjCMetadata::readOnlyOf(std::uint64_t cls) {
-  if (!spend(ClassRecord::kSize + ClassData::kSize)) return std::nullopt;
+  if (!spend(kClassCost)) return std::nullopt;
   const Pointer data = image_.pointerAt(cls + ClassRecord::kData);
   if (data.kind != Kind::address) return std::nullopt;
   const std::uint64_t address = data.address & ~ClassRecord::kDataFlags;
@@ -261,7 +273,7 @@ void ObjCMetadata::visitList(std::uint64_t list, std::string_view owner, bool is
   const std::uint64_t room = memory_.sizeAt(list) - MethodList::kHeaderSize;
   if (element < least || needsCache || *count > room / element) return fail();
   for (std::uint32_t i = 0; i < *count; ++i) {
-    if (!spend(element)) return;
+    if (!spend(kMethodCost)) return;
     const std::uint64_t address = list + MethodList::kHeaderSize + i * element;
     Method method;
     method.isClassMethod = isClassMethod;
@@ -333,7 +345,7 @@ void ObjCMetadata::appendProtocols(std::uint64_t list, std::string_view owner,
     return report(owner, "has an unreadable list of protocols");
   }
   for (std::uint64_t i = 0; i < *count; ++i) {
-    if (!spend(kPointerSize)) return;
+    if (!spend(kProtocolCost)) return;
     const Pointer protocol = image_.pointerAt(list + (i + 1) * kPointerSize);
     if (protocol.kind == Kind::null) continue;
     std::optional<std::string_view> name;

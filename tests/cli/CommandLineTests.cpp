@@ -125,29 +125,34 @@ TEST_F(CommandTest, SyntaxErrorsStandAtTheirPlace) {
     std::string message;
   } cases[] = {
       {"", "ok();\n[a b] [c];\nfoo bar;\n",
-       "T/script.objs:3:5: error: Unexpected token\n    foo bar;\n        ^\n"},
+       "T/script.objs:3:5: error: expected ';' or an operator\n    foo bar;\n        ^\n"},
       {hook, "ok();\r\n\r\nfoo bar;\r\n",
-       "T/script.objs:3:5: error: Unexpected token\n    foo bar;\n        ^\n"},
+       "T/script.objs:3:5: error: expected ';' or an operator\n    foo bar;\n        ^\n"},
       {hook, "ok();\u2028\tx = '日é😀e\u0301👨\u200D👩' y;",
-       "T/script.objs:2:20: error: Unexpected token\n"
+       "T/script.objs:2:20: error: expected ';' or an operator\n"
        "    \tx = '日é😀e\u0301👨\u200D👩' y;\n    \t               ^\n"},
       {"", "/*\x1b\xC2\x9B*/ a b",
-       "T/script.objs:1:10: error: Unexpected token\n"
+       "T/script.objs:1:10: error: expected ';' or an operator\n"
        "    /*\\x1b\\u009b*/ a b\n                     ^\n"},
       {"", "f(" + std::string(300, 'x') + " y" + std::string(300, 'z'),
-       "T/script.objs:1:304: error: Unexpected token\n    ..." + std::string(99, 'x') + " y" +
-           std::string(99, 'z') + "...\n" + std::string(107, ' ') + "^\n"},
-      {hook, "if (a) {\n", "T/script.objs:2:1: error: Unexpected token\n    \n    ^\n"},
-      {hook + ",null," + code("1 +"), "ok();",
-       manifest + "hooks[2] -[A b]: error: Unexpected token\n    \t\targuments[0] = 1 +;\n"
-                  "    \t\t                  ^\n"},
+       "T/script.objs:1:304: error: expected ',' or ')' in the parentheses that began at 1:2\n    "
+       "..." +
+           std::string(99, 'x') + " y" + std::string(99, 'z') + "...\n" + std::string(107, ' ') +
+           "^\n"},
+      {hook, "\nif (a) {\n",
+       "T/script.objs:3:1: error: expected '}' to end the braces that began at 2:8\n    \n    ^\n"},
+      {hook + ",null," + code("[a b:1 +"), "ok();",
+       manifest +
+           "hooks[2] -[A b]: error: expected an expression in the message send that began at "
+           "6:18\n    \t\targuments[0] = [a b:1 +;\n    \t\t                       ^\n"},
       {code("1}") + "," + hook, "ok();",
-       manifest + "hooks[0] -[A b]: error: Unexpected token\n    \t\targuments[0] = 1};\n"
-                  "    \t\t                 ^\n"},
+       manifest +
+           "hooks[0] -[A b]: error: expected ',' or '}' in the braces\n    \t\targuments[0] = 1};\n"
+           "    \t\t                 ^\n"},
       {code("1; }, }); let x; hookClass('', {}, { a() {") + "," + hook + "," +
            code("2; }, }); let x; hookClass('', {}, { a() {"),
        "ok();",
-       manifest + "hooks[2] -[A b]: error: Identifier 'x' has already been declared\n"
+       manifest + "hooks[2] -[A b]: error: identifier 'x' has already been declared\n"
                   "    \t\targuments[0] = 2; }, }); let x; hookClass('', {}, { a() {;\n"
                   "    \t\t                             ^\n"},
   };

@@ -166,6 +166,33 @@ TEST_F(CommandTest, SyntaxErrorsStandAtTheirPlace) {
   EXPECT_FALSE(fs::exists(folder() / "out"));
 }
 
+TEST_F(CommandTest, APlaceInTheCodeIsLedBack) {
+  writeTweak("T", "null," + hookJSON("a", "v16@0:8"));
+  write("T/script.objs", "ok();\n\t[a b:[c d]];\n");
+  const struct {
+    std::string place;
+    int status;
+    std::string text;
+  } cases[] = {
+      {"3:10", 0, "T/Manifest.json: hooks[1] -[A a]\n    \t\treturn %orig;\n    \t\t       ^\n"},
+      {"8:25", 0, "T/script.objs:2:7\n    \t[a b:[c d]];\n    \t     ^\n"},
+      {"1:1", 1, "tavlen: error: T: 1:1: belongs to no hook and not to the script\n"},
+      {"8:1", 1, "tavlen: error: T: 8:1: the source map leads to no place in the source\n"},
+      {"9:2", 1, "tavlen: error: T: 9:2: the code has no such line or column\n"},
+      {"8:0", 2,
+       "LINE:COLUMN: 8:0: expected a line and a column, such as 12:7\n"
+       "Run with --help for more information.\n"},
+  };
+  for (const auto& c : cases) {
+    const Result result = run("locate T " + c.place);
+    EXPECT_EQ(result.status, c.status);
+    EXPECT_EQ(c.status == 0 ? result.out : result.err, c.text);
+  }
+  write("ob.js", "OBJSTranspiler = { transpile(s) { return { code: s, map: '{}' }; } };");
+  EXPECT_EQ(run("locate T 1:1 --transpiler .").err,
+            "tavlen: error: the transpiler's source map: missing key \"version\"\n");
+}
+
 TEST_F(CommandTest, AScriptThatCannotBeReadCountsAsEmpty) {
   writeTweak("T", hookJSON("a", "v16@0:8"));
   const std::string empty = run("source T").out;

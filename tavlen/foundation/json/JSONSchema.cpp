@@ -17,6 +17,17 @@ void JSONSchemaWriter::keyword(std::string_view name, std::span<const std::strin
   out_.endArray();
 }
 
+void JSONSchemaWriter::typeKeyKeywords(std::span<const std::string_view> identifiers) {
+  out_.key("properties");
+  out_.beginRecord();
+  out_.key(kTypeKey);
+  out_.beginRecord();
+  keyword("enum", identifiers);
+  out_.endRecord();
+  out_.endRecord();
+  keyword("required", std::array{kTypeKey});
+}
+
 void JSONSchemaWriter::define(std::string_view name, Write write) {
   const bool isKnown = std::any_of(definitions_.begin(), definitions_.end(),
                                    [&](const auto& known) { return known.first == name; });

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <map>
 #include <optional>
@@ -7,7 +8,6 @@
 #include <string>
 #include <string_view>
 #include <tuple>
-#include <type_traits>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -73,10 +73,11 @@ class JSONSchemaWriter {
   void keyword(std::string_view name, std::string_view text);
   /// Writes a keyword with a list of texts.
   void keyword(std::string_view name, std::span<const std::string_view> texts);
-  /// Writes the keywords of an object with the fields of Record. A kind's `identifier`, if any,
-  /// stands under the type key.
+  /// Writes the keywords of an object with the fields of Record.
   template <CodedRecord Record>
-  void recordKeywords(std::string_view identifier = {});
+  void recordKeywords();
+  /// Writes the keywords of an object with a type key, whose text is one of `identifiers`.
+  void typeKeyKeywords(std::span<const std::string_view> identifiers);
 
   /// The target, for keywords of other forms.
   Encoder& out() { return out_; }
@@ -93,18 +94,11 @@ class JSONSchemaWriter {
 };
 
 template <CodedRecord Record>
-void JSONSchemaWriter::recordKeywords(std::string_view identifier) {
+void JSONSchemaWriter::recordKeywords() {
   keyword("type", "object");
   std::vector<std::string_view> required;
   out_.key("properties");
   out_.beginRecord();
-  if (!identifier.empty()) {
-    out_.key(kTypeKey);
-    out_.beginRecord();
-    keyword("const", identifier);
-    out_.endRecord();
-    required.push_back(kTypeKey);
-  }
   const auto property = [&]<class Member>(const CodedField<Record, Member>& field) {
     out_.key(field.key);
     schema<Member>();
@@ -112,7 +106,7 @@ void JSONSchemaWriter::recordKeywords(std::string_view identifier) {
   };
   std::apply([&](const auto&... field) { (property(field), ...); }, Record::codedFields());
   out_.endRecord();
-  keyword("required", required);
+  if (!required.empty()) keyword("required", required);
 }
 
 template <>
@@ -208,24 +202,43 @@ struct SchemaOf<Record> {
   static void write(JSONSchemaWriter& writer) { writer.recordKeywords<Record>(); }
 };
 
+/// The fields of the kind are asked for after its type key is known, so that validators name the
+/// field at fault.
 template <TypeKeyedContainer Container>
 struct SchemaOf<Container> {
   static void write(JSONSchemaWriter& writer) {
-    writer.out().key("oneOf");
-    writer.out().beginArray(Container::supportedTypes().size());
+    writer.keyword("type", "object");
+    writer.typeKeyKeywords(Container::supportedTypes());
+    writer.out().key("allOf");
     writeKinds(writer, static_cast<const decltype(Container::value)*>(nullptr));
-    writer.out().endArray();
   }
 
  private:
+  template <class Kind>
+  static constexpr bool hasFields = std::tuple_size_v<decltype(Kind::codedFields())> != 0;
+
   template <class... Kinds>
   static void writeKinds(JSONSchemaWriter& writer, const std::variant<Kinds...>* /*family*/) {
-    const auto writeKind = [&]<class Kind>(std::type_identity<Kind>) {
-      writer.out().beginRecord();
-      writer.recordKeywords<Kind>(Kind::identifier);
-      writer.out().endRecord();
-    };
-    (writeKind(std::type_identity<Kinds>()), ...);
+    writer.out().beginArray((std::size_t{hasFields<Kinds>} + ...));
+    (writeKind<Kinds>(writer), ...);
+    writer.out().endArray();
+  }
+
+  template <class Kind>
+  static void writeKind(JSONSchemaWriter& writer) {
+    Encoder& out = writer.out();
+    if constexpr (hasFields<Kind>) {
+      out.beginRecord();
+      out.key("if");
+      out.beginRecord();
+      writer.typeKeyKeywords(std::array{Kind::identifier});
+      out.endRecord();
+      out.key("then");
+      out.beginRecord();
+      writer.recordKeywords<Kind>();
+      out.endRecord();
+      out.endRecord();
+    }
   }
 };
 

@@ -38,8 +38,9 @@ void JSONSchemaWriter::writeDefinitions() {
   out_.key("$defs");
   out_.beginRecord();
   // Definitions refer to others, which join the list.
-  for (std::size_t i = 0; i < definitions_.size(); ++i) {
-    const auto [name, write] = definitions_[i];
+  std::size_t written = 0;
+  while (written < definitions_.size()) {
+    const auto [name, write] = definitions_[written++];
     out_.key(name);
     out_.beginRecord();
     write(*this);

@@ -4,6 +4,12 @@ import { placeOf } from "./errors.mjs";
 const WORDING = {
   "Assigning to rvalue": "expected a variable, a property or a pattern to assign to",
   "Binding rvalue": "expected a name or a pattern to declare",
+  "Complex binding patterns require an initialization value": "expected '=' after the pattern",
+  "Illegal newline after throw": "expected an expression in the line of 'throw'",
+  "Missing catch or finally clause": "expected 'catch' or 'finally' after the block of 'try'",
+  "Unsyntactic break": "'break' outside of a loop or a switch, or to an unknown label",
+  "Unsyntactic continue": "'continue' outside of a loop, or to an unknown label",
+  "Argument name clash": "a parameter of that name exists already",
 };
 
 // What acorn finds unterminated: the words for it, and how far before the reported offset it began.

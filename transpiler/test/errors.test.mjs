@@ -59,6 +59,12 @@ const TABLES = {
     ["a.'b c'", 1, 3, "unexpected token"],
     ["(...a)", 1, 2, "unexpected '...'"],
     ["return 1", 1, 1, "'return' outside of function"],
+    ["let [a];", 1, 8, "expected '=' after the pattern"],
+    ["throw\na", 1, 6, "expected an expression in the line of 'throw'"],
+    ["try {} a", 1, 1, "expected 'catch' or 'finally' after the block of 'try'"],
+    ["break", 1, 1, "'break' outside of a loop or a switch, or to an unknown label"],
+    ["a: for (;;) { continue b }", 1, 15, "'continue' outside of a loop, or to an unknown label"],
+    ["(a, a) => 1", 1, 5, "a parameter of that name exists already"],
   ],
   "sends are not places to assign to": [
     ["[a b] = c", 1, 1, "expected a variable, a property or a pattern to assign to"],

@@ -30,21 +30,23 @@ TEST(SourceMap, LeadsToTheNearestSegmentBefore) {
 }
 
 TEST(SourceMap, MalformedMapsAreRefused) {
-  const std::pair<std::string, std::string> cases[] = {
-      {"[]", "expected a dictionary, found an array"},
-      {R"({"version":2,"sources":[],"mappings":""})", "version: unknown version 2"},
-      {mapOf("AAAA,A A"), "mappings: a malformed number at character 6"},
-      {mapOf("AAAg"), "mappings: a malformed number at character 4"},
-      {mapOf("AA"), "mappings: a segment with too few numbers at character 2"},
-      {mapOf("AAAAAA"), "mappings: a segment with too many numbers at character 5"},
-      {mapOf("D"), "mappings: a number out of range at character 1"},
-      {mapOf("AAAD"), "mappings: a number out of range at character 4"},
-      {mapOf("+/////D;+/////D,C"), "mappings: a number out of range at character 17"},
-      {mapOf("ggggggggC"), "mappings: a number out of range at character 7"},
-      {mapOf("AEAA"), "mappings: an unknown source at character 4"},
-      {mapOf("AAAA", ""), "mappings: an unknown source at character 4"}};
-  for (const auto& [json, message] : cases) {
-    EXPECT_EQ(messageOf<DecodingError>([&] { SourceMap::decoded(json); }), message) << json;
+  const struct {
+    std::string json;
+    std::string message;
+  } cases[] = {{"[]", "expected a dictionary, found an array"},
+               {R"({"version":2,"sources":[],"mappings":""})", "version: unknown version 2"},
+               {mapOf("AAAA,A A"), "mappings: a malformed number at character 6"},
+               {mapOf("AAAg"), "mappings: a malformed number at character 4"},
+               {mapOf("AA"), "mappings: a segment with too few numbers at character 2"},
+               {mapOf("AAAAAA"), "mappings: a segment with too many numbers at character 5"},
+               {mapOf("D"), "mappings: a number out of range at character 1"},
+               {mapOf("AAAD"), "mappings: a number out of range at character 4"},
+               {mapOf("+/////D;+/////D,C"), "mappings: a number out of range at character 17"},
+               {mapOf("ggggggggC"), "mappings: a number out of range at character 7"},
+               {mapOf("AEAA"), "mappings: an unknown source at character 4"},
+               {mapOf("AAAA", ""), "mappings: an unknown source at character 4"}};
+  for (const auto& c : cases) {
+    EXPECT_EQ(messageOf<DecodingError>([&] { SourceMap::decoded(c.json); }), c.message) << c.json;
   }
 }
 

@@ -12,6 +12,8 @@ namespace tavlen::cli {
 void addSourceCommand(Command app);
 /// Adds `build`.
 void addBuildCommand(Command app);
+/// Adds `locate`.
+void addLocateCommand(Command app);
 /// Adds `check`.
 void addCheckCommand(Command app);
 /// Adds `list`.

@@ -26,7 +26,7 @@ void reportError(const std::exception& error) {
   if (failure == nullptr || failure->which() != TweakProcessor::Error::Case::jsException) {
     return printError(errorText(error));
   }
-  printError("the transpiler failed: " + failure->name() + ": " + failure->message());
+  printError("the transpiler failed: " + failure->reason());
   if (failure->stack()) printCallStack(*failure->stack());
 }
 

@@ -2,18 +2,31 @@
 
 #include <filesystem>
 #include <optional>
+#include <string>
 
 #include "cli/arguments/TweakArgument.h"
+#include "tavlen/foundation/text/TextLines.h"
 #include "tavlen/tweaks/TweakProcessor.h"
+#include "tavlen/tweaks/TweakSource.h"
 
 namespace tavlen::cli {
 
-/// Converts `tweak` with the transpiler in the folder `transpiler`.
+/// Converts `source`, the text of `tweak`, with the transpiler in the folder `transpiler`.
 ///
 /// A syntax error is reported on the standard error stream in the format of compilers: in the
 /// script with line and column, in generated text with the hook that caused it. The result is then
 /// empty. Throws TweakProcessor's errors except for syntax errors.
+std::optional<TweakProcessor::Output> transpile(const OpenedTweak& tweak, const TweakSource& source,
+                                                const std::filesystem::path& transpiler);
+/// The same for the text of the tweak's hooks and script.
 std::optional<TweakProcessor::Output> transpile(const OpenedTweak& tweak,
                                                 const std::filesystem::path& transpiler);
+
+/// The words for a hook in messages: the document, the hook's index in it, and its method. `hook`
+/// is the index without the empty entries.
+std::string hookText(const OpenedTweak& tweak, std::size_t hook);
+
+/// The words for a place in the script in messages: the file, the line and the column.
+std::string scriptText(const OpenedTweak& tweak, TextPosition place);
 
 }  // namespace tavlen::cli

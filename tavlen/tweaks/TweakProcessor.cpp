@@ -35,6 +35,8 @@ std::string shownProperty(const JavaScriptValue& value, std::string_view name) {
 
 TweakProcessor::Error errorOf(const JavaScriptValue& exception) {
   constexpr auto kIgnore = JavaScriptValue::Exceptions::ignore;
+  // A text has no properties that could say what went wrong; it says so itself.
+  if (exception.isString()) return TweakProcessor::Error::thrownText(*exception.text(kIgnore));
   const JavaScriptValue stack = exception.property("stack", kIgnore);
   return TweakProcessor::Error::jsException(
       shownProperty(exception, "name"), shownProperty(exception, "message"),
@@ -82,9 +84,17 @@ TweakProcessor::Output TweakProcessor::process(const TweakFile& tweak) {
 TweakProcessor::Error TweakProcessor::Error::jsException(std::string name, std::string message,
                                                          std::optional<std::string> stack) {
   Error error(Case::jsException, {});
+  error.reason_ = name + ": " + message;
   error.name_ = std::move(name);
   error.message_ = std::move(message);
   error.stack_ = std::move(stack);
+  return error;
+}
+
+TweakProcessor::Error TweakProcessor::Error::thrownText(std::string text) {
+  Error error(Case::jsException, {});
+  error.reason_ = text;
+  error.message_ = std::move(text);
   return error;
 }
 
@@ -95,7 +105,7 @@ TweakProcessor::Error TweakProcessor::Error::invalidOutput() {
 
 std::string TweakProcessor::Error::description() const {
   if (case_ != Case::jsException) return LocalizedError::description();
-  std::string text = name_ + ": " + message_;
+  std::string text = reason_;
   if (stack_) text += "\n\nCall stack:\n" + *stack_;
   return text;
 }

@@ -64,6 +64,8 @@ class TweakProcessor::Error : public LocalizedError {
 
   /// The script threw an exception. `stack` is the call stack, if the engine provides one.
   static Error jsException(std::string name, std::string message, std::optional<std::string> stack);
+  /// The script threw a text instead of an object: a jsException with that message, without a name.
+  static Error thrownText(std::string text);
   /// The script did not return an object with code and map.
   static Error invalidOutput();
 
@@ -73,6 +75,8 @@ class TweakProcessor::Error : public LocalizedError {
   const std::string& name() const { return name_; }
   /// The exception's message. Only for jsException; empty otherwise.
   const std::string& message() const { return message_; }
+  /// Name and message as one text. Only for jsException; empty otherwise.
+  const std::string& reason() const { return reason_; }
   /// The exception's call stack, if known. Only for jsException.
   const std::optional<std::string>& stack() const { return stack_; }
   std::string description() const override;
@@ -83,6 +87,7 @@ class TweakProcessor::Error : public LocalizedError {
   Case case_;
   std::string name_;
   std::string message_;
+  std::string reason_;
   std::optional<std::string> stack_;
 };
 

@@ -125,29 +125,34 @@ TEST_F(CommandTest, SyntaxErrorsStandAtTheirPlace) {
     std::string message;
   } cases[] = {
       {"", "ok();\n[a b] [c];\nfoo bar;\n",
-       "T/script.objs:3:5: error: Unexpected token\n    foo bar;\n        ^\n"},
+       "T/script.objs:3:5: error: expected ';' or an operator\n    foo bar;\n        ^\n"},
       {hook, "ok();\r\n\r\nfoo bar;\r\n",
-       "T/script.objs:3:5: error: Unexpected token\n    foo bar;\n        ^\n"},
+       "T/script.objs:3:5: error: expected ';' or an operator\n    foo bar;\n        ^\n"},
       {hook, "ok();\u2028\tx = '日é😀e\u0301👨\u200D👩' y;",
-       "T/script.objs:2:20: error: Unexpected token\n"
+       "T/script.objs:2:20: error: expected ';' or an operator\n"
        "    \tx = '日é😀e\u0301👨\u200D👩' y;\n    \t               ^\n"},
       {"", "/*\x1b\xC2\x9B*/ a b",
-       "T/script.objs:1:10: error: Unexpected token\n"
+       "T/script.objs:1:10: error: expected ';' or an operator\n"
        "    /*\\x1b\\u009b*/ a b\n                     ^\n"},
       {"", "f(" + std::string(300, 'x') + " y" + std::string(300, 'z'),
-       "T/script.objs:1:304: error: Unexpected token\n    ..." + std::string(99, 'x') + " y" +
-           std::string(99, 'z') + "...\n" + std::string(107, ' ') + "^\n"},
-      {hook, "if (a) {\n", "T/script.objs:2:1: error: Unexpected token\n    \n    ^\n"},
-      {hook + ",null," + code("1 +"), "ok();",
-       manifest + "hooks[2] -[A b]: error: Unexpected token\n    \t\targuments[0] = 1 +;\n"
-                  "    \t\t                  ^\n"},
+       "T/script.objs:1:304: error: expected ',' or ')' in the parentheses that began at 1:2\n    "
+       "..." +
+           std::string(99, 'x') + " y" + std::string(99, 'z') + "...\n" + std::string(107, ' ') +
+           "^\n"},
+      {hook, "\nif (a) {\n",
+       "T/script.objs:3:1: error: expected '}' to end the braces that began at 2:8\n    \n    ^\n"},
+      {hook + ",null," + code("[a b:1 +"), "ok();",
+       manifest +
+           "hooks[2] -[A b]: error: expected an expression in the message send that began at "
+           "6:18\n    \t\targuments[0] = [a b:1 +;\n    \t\t                       ^\n"},
       {code("1}") + "," + hook, "ok();",
-       manifest + "hooks[0] -[A b]: error: Unexpected token\n    \t\targuments[0] = 1};\n"
-                  "    \t\t                 ^\n"},
+       manifest +
+           "hooks[0] -[A b]: error: expected ',' or '}' in the braces\n    \t\targuments[0] = 1};\n"
+           "    \t\t                 ^\n"},
       {code("1; }, }); let x; hookClass('', {}, { a() {") + "," + hook + "," +
            code("2; }, }); let x; hookClass('', {}, { a() {"),
        "ok();",
-       manifest + "hooks[2] -[A b]: error: Identifier 'x' has already been declared\n"
+       manifest + "hooks[2] -[A b]: error: identifier 'x' has already been declared\n"
                   "    \t\targuments[0] = 2; }, }); let x; hookClass('', {}, { a() {;\n"
                   "    \t\t                             ^\n"},
   };
@@ -159,6 +164,33 @@ TEST_F(CommandTest, SyntaxErrorsStandAtTheirPlace) {
     EXPECT_EQ(result.err, c.message + "tavlen: error: T: does not build\n");
   }
   EXPECT_FALSE(fs::exists(folder() / "out"));
+}
+
+TEST_F(CommandTest, APlaceInTheCodeIsLedBack) {
+  writeTweak("T", "null," + hookJSON("a", "v16@0:8"));
+  write("T/script.objs", "ok();\n\t[a b:[c d]];\n");
+  const struct {
+    std::string place;
+    int status;
+    std::string text;
+  } cases[] = {
+      {"3:10", 0, "T/Manifest.json: hooks[1] -[A a]\n    \t\treturn %orig;\n    \t\t       ^\n"},
+      {"8:25", 0, "T/script.objs:2:7\n    \t[a b:[c d]];\n    \t     ^\n"},
+      {"1:1", 1, "tavlen: error: T: 1:1: belongs to no hook and not to the script\n"},
+      {"8:1", 1, "tavlen: error: T: 8:1: the source map leads to no place in the source\n"},
+      {"9:2", 1, "tavlen: error: T: 9:2: the code has no such line or column\n"},
+      {"8:0", 2,
+       "LINE:COLUMN: 8:0: expected a line and a column, such as 12:7\n"
+       "Run with --help for more information.\n"},
+  };
+  for (const auto& c : cases) {
+    const Result result = run("locate T " + c.place);
+    EXPECT_EQ(result.status, c.status);
+    EXPECT_EQ(c.status == 0 ? result.out : result.err, c.text);
+  }
+  write("ob.js", "OBJSTranspiler = { transpile(s) { return { code: s, map: '{}' }; } };");
+  EXPECT_EQ(run("locate T 1:1 --transpiler .").err,
+            "tavlen: error: the transpiler's source map: missing key \"version\"\n");
 }
 
 TEST_F(CommandTest, AScriptThatCannotBeReadCountsAsEmpty) {

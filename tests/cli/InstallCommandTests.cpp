@@ -82,9 +82,11 @@ TEST_F(InstallCommandTest, AFailureIsShownAtItsPlace) {
   writeCollection("C", "C", "\"" + good + "\",\"" + bad + "\"");
   newTweak("elsewhere", "com.gone");
   const std::string folderOfBad = (folder() / stored(bad)).string();
-  const std::string syntax =
-      folderOfBad + "/script.objs:2:6: error: Unexpected token\n    [a b:];\n" +
-      std::string(9, ' ') + "^\ntavlen: error: " + folderOfBad + ": does not build\n";
+  const std::string syntax = folderOfBad +
+                             "/script.objs:2:6: error: expected an argument after 'b:' in the "
+                             "message send that began at 2:1\n    [a b:];\n" +
+                             std::string(9, ' ') + "^\ntavlen: error: " + folderOfBad +
+                             ": does not build\n";
   EXPECT_EQ(run("install good").status, 0);
   for (const char* item : {"bad", "C"}) {
     const Result result = run("install", {item});

@@ -80,11 +80,13 @@ TEST_F(TweakProcessorTest, TextSurvivesBothWays) {
 
 TEST_F(TweakProcessorTest, ReportsWhatWasThrown) {
   for (const char* thing :
-       {"'text'", "5", "Symbol('s')", "null", "undefined", "new Proxy({}, { get() { throw 1; } })",
+       {"5", "Symbol('s')", "null", "undefined", "new Proxy({}, { get() { throw 1; } })",
         "{ get name() { throw 1; }, get message() { throw 2; }, get stack() { throw 3; } }",
+        "new String('object')",
         "{ name: Symbol(), message: { toString() { throw 1; } }, stack: Symbol() }"}) {
     EXPECT_EQ(errorOfBody("throw " + std::string(thing)), "undefined: undefined") << thing;
   }
+  EXPECT_EQ(errorOfBody("throw 'te\\u{1F600}xt';"), "te😀xt");
   EXPECT_EQ(errorOfBody("throw { name: 'N', message: null };"), "N: null");
   EXPECT_EQ(errorOfBody("throw { name: 1, message: [2, 3], stack: 's\\n2' };"),
             "1: 2,3\n\nCall stack:\ns\n2");

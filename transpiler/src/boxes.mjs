@@ -2,6 +2,7 @@ import { tokContexts, tokTypes as tt } from "acorn";
 import { BOX, DICTIONARY, SELECTOR } from "./names.mjs";
 
 const SIMPLE_VALUES = new Set([tt.string, tt.num, tt._true, tt._false]);
+const BOXABLE = "a string, a number, 'true', 'false', '(', '[', '{' or 'selector'";
 
 // The expressions that begin with `@`: boxed values, arrays, dictionaries and selectors.
 export const withBoxes = (Base) => class extends Base {
@@ -9,7 +10,7 @@ export const withBoxes = (Base) => class extends Base {
     const node = this.startNode();
     const around = this.surroundings();
     this.next();
-    if (this.start !== this.lastTokEnd) this.raise(this.lastTokStart, "Unexpected '@'");
+    if (this.start !== this.lastTokEnd) this.raise(this.lastTokStart, "no blank may follow '@'");
     if (this.type === tt.braceL) this.parseDictionary(around);
     else if (this.type === tt.parenL) this.parseBoxedExpression(around);
     else if (this.isContextual("selector")) this.parseSelectorLiteral(around);
@@ -33,16 +34,18 @@ export const withBoxes = (Base) => class extends Base {
     this.next();
     while (this.type !== tt.bracketR) {
       if (this.type === tt.ellipsis) this.parseSpread();
-      else this.parseMaybeAssign(false);
+      else this.parsePart("an element");
       if (this.type !== tt.bracketR) this.expect(tt.comma);
     }
     this.next();
   }
 
   parseBoxedScalar() {
-    const sign = this.type === tt.plusMin;
+    const sign = this.type === tt.plusMin ? this.value : "";
     if (sign) this.next();
-    if (!(sign ? this.type === tt.num : SIMPLE_VALUES.has(this.type))) this.unexpected();
+    if (!(sign ? this.type === tt.num : SIMPLE_VALUES.has(this.type))) {
+      this.raise(this.start, `expected ${sign ? "a number" : BOXABLE} after '@${sign}'`);
+    }
     this.next();
   }
 
@@ -72,20 +75,26 @@ export const withBoxes = (Base) => class extends Base {
 
   parseEntry() {
     this.edits.insertBefore(this.tokenIndex, "[");
-    this.parseMaybeAssign(false);
+    this.parsePart("a key");
     const colon = this.tokenIndex;
-    this.expect(tt.colon);
+    if (!this.eat(tt.colon)) this.expected("':' after the key");
     this.edits.tighten(colon);
     this.edits.replace(colon, this.start === this.lastTokEnd ? ", " : ",");
-    this.parseMaybeAssign(false);
+    this.parsePart("a value after ':'");
     this.edits.insertAfter(this.tokenIndex - 1, "]");
+  }
+
+  // One of the expressions of a literal.
+  parsePart(what) {
+    this.expectExpression(what);
+    this.parseMaybeAssign(false);
   }
 
   parseSelectorLiteral(around) {
     this.openCall(around, SELECTOR);
     this.edits.replace(this.tokenIndex, "");
     this.next();
-    this.expect(tt.parenL);
+    if (!this.eat(tt.parenL)) this.raise(this.start, "expected '(' after '@selector'");
     const first = this.tokenIndex;
     const selector = this.parseSelector();
     this.edits.tighten(this.tokenIndex);
@@ -102,13 +111,21 @@ export const withBoxes = (Base) => class extends Base {
     let selector = "";
     while (this.type !== tt.parenR || selector === "") {
       takeToken();
-      if (this.type !== tt.colon) selector += this.parseIdent(true).name;
+      const part = this.parseSelectorPart(selector);
+      selector += part;
       // Only a selector without arguments may end without a colon.
       if (this.type === tt.parenR && !selector.includes(":")) break;
       takeToken();
-      this.expect(tt.colon);
+      if (!this.eat(tt.colon)) this.expected(`${selector === part ? "':' or ')'" : "':'"} after '${part}'`);
       selector += ":";
     }
     return selector;
+  }
+
+  // The name before a colon; empty if there is none. `previous` is the selector so far.
+  parseSelectorPart(previous) {
+    if (this.type === tt.colon) return "";
+    if (!this.isSelectorPart()) this.expected(previous === "" ? "a selector" : "a part of the selector or ')'");
+    return this.parseIdent(true).name;
   }
 };

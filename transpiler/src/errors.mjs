@@ -1,10 +1,16 @@
 import { getLineInfo } from "acorn";
 
-// A SyntaxError at an offset of the hook source; line and column count from 1.
-export function syntaxError(source, offset, message) {
+// The line and the column of an offset of the hook source, counted from 1.
+export function placeOf(source, offset) {
   const { line, column } = getLineInfo(source, offset);
-  const error = new SyntaxError(`${message} (${line}:${column + 1})`);
+  return { line, column: column + 1, text: `${line}:${column + 1}` };
+}
+
+// A SyntaxError at an offset of the hook source.
+export function syntaxError(source, offset, message) {
+  const { line, column, text } = placeOf(source, offset);
+  const error = new SyntaxError(`${message} (${text})`);
   error.line = line;
-  error.column = column + 1;
+  error.column = column;
   return error;
 }

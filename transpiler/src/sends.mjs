@@ -26,7 +26,7 @@ export const withSends = (Base) => class extends Base {
 
   parseOtherElements(first, errors) {
     if (this.eat(tt.bracketR)) return [first];
-    this.expect(tt.comma);
+    if (!this.eat(tt.comma)) this.expected("a selector, ',' or ']'");
     if (this.afterTrailingComma(tt.bracketR)) return [first];
     const elements = this.parseExprList(tt.bracketR, true, true, errors);
     elements.unshift(first);
@@ -54,7 +54,7 @@ export const withSends = (Base) => class extends Base {
       this.edits.replace(this.tokenIndex, ",");
       this.next();
       if (this.start === this.lastTokEnd) this.edits.replace(this.tokenIndex - 1, ", ");
-      this.parseArgument();
+      this.parseArgument(`${selector}:`);
       selector += `:${this.parseOtherParts()}`;
       this.parseVariadicTail();
     }
@@ -67,16 +67,18 @@ export const withSends = (Base) => class extends Base {
     let parts = "";
     while (this.type === tt.colon || this.isSelectorPart()) {
       this.separate();
+      let part = "";
       if (this.type !== tt.colon) {
         this.edits.replace(this.tokenIndex, "");
-        parts += this.parseIdent(true).name;
+        part = this.parseIdent(true).name;
         this.edits.tighten(this.tokenIndex);
       }
       this.edits.replace(this.tokenIndex, "");
-      this.expect(tt.colon);
+      if (!this.eat(tt.colon)) this.expected(`':' after '${part}'`);
       this.edits.tighten(this.tokenIndex);
-      parts += ":";
-      this.parseArgument();
+      part += ":";
+      this.parseArgument(part);
+      parts += part;
     }
     return parts;
   }
@@ -84,11 +86,13 @@ export const withSends = (Base) => class extends Base {
   parseVariadicTail() {
     while (this.eat(tt.comma) && this.type !== tt.bracketR) {
       if (this.type === tt.ellipsis) this.parseSpread();
-      else this.parseArgument();
+      else this.parseArgument(",");
     }
   }
 
-  parseArgument() {
+  // `previous` is the text that the argument follows.
+  parseArgument(previous) {
+    this.expectExpression(`an argument after '${previous}'`);
     // After a colon, the tokenizer would read a function as a labelled statement.
     if (this.type === tt._function || this.type === tt._class) this.overrideContext(tokContexts.f_expr);
     this.parseMaybeAssign(false);

@@ -16,6 +16,7 @@ const withAtoms = (Base) => class extends Base {
     if (this.type === at) return this.parseAt();
     if (this.type === orig) return this.parseOrig();
     if (this.value === "async" && this.isVariableAsync()) return this.parseIdent(false);
+    this.expectExpression("an expression");
     return super.parseExprAtom(errors, forInit);
   }
 
@@ -43,7 +44,7 @@ const withAtoms = (Base) => class extends Base {
     this.next();
     node.property = this.parseExpression();
     if (this.isSelectorPart()) {
-      this.raise(bracket, "A message send cannot follow an expression; is a semicolon missing before the '['?");
+      this.raise(bracket, "a message send cannot follow an expression; is a semicolon missing before the '['?");
     }
     this.expect(tt.bracketR);
     node.computed = true;

@@ -1,6 +1,5 @@
 import { TokenType } from "acorn";
 import { Edits } from "./edits.mjs";
-import { syntaxError } from "./errors.mjs";
 import { skipOrig } from "./lookahead.mjs";
 
 export const at = new TokenType("@", { beforeExpr: true, startsExpr: true });
@@ -39,22 +38,5 @@ export const withTokens = (Base) => class extends Base {
       }
     }
     return super.getTokenFromCode(code);
-  }
-
-  unexpected(pos) {
-    const offset = pos == null ? this.start : pos;
-    if (this.type === orig && offset === this.start) {
-      this.raise(offset, "'%orig' cannot follow an expression; the remainder is written '% orig'");
-    }
-    if (this.type === at && offset === this.start) this.raise(offset, "Unexpected '@'");
-    this.raise(offset, "Unexpected token");
-  }
-
-  raise(pos, message) {
-    throw syntaxError(this.input, pos, message);
-  }
-
-  raiseRecoverable(pos, message) {
-    this.raise(pos, message);
   }
 };

@@ -19,7 +19,7 @@ function parse(parser, source) {
   } catch (error) {
     // The parser recurses for every level of nesting in the source.
     if (error instanceof RangeError && /call stack/i.test(error.message)) {
-      throw syntaxError(source, parser.start, "Nested too deeply");
+      throw syntaxError(source, parser.start, "nested too deeply");
     }
     throw error;
   }

@@ -15,7 +15,7 @@ test("ends deep nesting with a SyntaxError", () => {
   for (const source of [around("[", "x", " y]"), around("[", "", "]"), around("[x y:", "1", "]"), around("@[", "", "]"), around("@{1:", "2", "}"), around("(", "1", ")"), around("{", "", "}"), "[".repeat(depth)]) {
     const error = errorOf(source);
     assert.equal(error && error.name, "SyntaxError", source.slice(0, 9));
-    assert.match(error.message, /^Nested too deeply \(1:\d+\)$/);
+    assert.match(error.message, /^nested too deeply \(1:\d+\)$/);
   }
   assert.equal(codeOf("[a b]"), 'objc_send(a, "b")');
 });

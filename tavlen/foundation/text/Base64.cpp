@@ -67,4 +67,10 @@ std::optional<std::string> bytesFromBase64(std::string_view text, Base64Blanks b
   return bytes;
 }
 
+std::optional<std::uint8_t> valueOfBase64Digit(char digit) {
+  const std::uint8_t value = kDigits[static_cast<unsigned char>(digit)];
+  if (value == kNoDigit) return std::nullopt;
+  return value;
+}
+
 }  // namespace tavlen

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -16,5 +17,8 @@ enum class Base64Blanks { refused, skipped };
 /// includes blanks unless `blanks` is `skipped`.
 std::optional<std::string> bytesFromBase64(std::string_view text,
                                            Base64Blanks blanks = Base64Blanks::refused);
+
+/// The number from 0 to 63 that `digit` stands for; nothing for any other character.
+std::optional<std::uint8_t> valueOfBase64Digit(char digit);
 
 }  // namespace tavlen

@@ -1,0 +1,100 @@
+#include <charconv>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <variant>
+
+#include "cli/arguments/StoredItem.h"
+#include "cli/arguments/TranspilerOption.h"
+#include "cli/arguments/TweakArgument.h"
+#include "cli/commands/Commands.h"
+#include "cli/terminal/CaretLine.h"
+#include "cli/terminal/Console.h"
+#include "cli/terminal/ShownText.h"
+#include "cli/work/Transpilation.h"
+#include "tavlen/tweaks/SourceMap.h"
+
+namespace tavlen::cli {
+
+namespace {
+
+struct Options {
+  std::string tweak;
+  std::string place;
+  std::string transpiler;
+};
+
+/// A number from 1; nothing for any other text.
+std::optional<std::size_t> numberFrom(std::string_view text) {
+  std::size_t value = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (error != std::errc() || end != text.data() + text.size() || value == 0) return std::nullopt;
+  return value;
+}
+
+std::optional<TextPosition> placeFrom(std::string_view text) {
+  const std::size_t colon = text.find(':');
+  if (colon == std::string_view::npos) return std::nullopt;
+  const auto line = numberFrom(text.substr(0, colon));
+  const auto column = numberFrom(text.substr(colon + 1));
+  if (!line || !column) return std::nullopt;
+  return TextPosition{*line, *column};
+}
+
+/// The place in the text of `source` that `place` in the code came from. Throws
+/// std::runtime_error where there is none.
+TextPosition sourcePlace(const Options& options, const TweakProcessor::Output& output,
+                         TextPosition place) {
+  const std::string shown = options.tweak + ": " + options.place + ": ";
+  if (!offsetAt(output.code, place))
+    throw std::runtime_error(shown + "the code has no such line or column");
+  try {
+    if (const auto found = SourceMap::decoded(output.map).sourceOf(place)) return *found;
+  } catch (const DecodingError& error) {
+    throw std::runtime_error("the transpiler's source map: " + error.description());
+  }
+  throw std::runtime_error(shown + "the source map leads to no place in the source");
+}
+
+int locate(const Options& options) {
+  const OpenedTweak tweak = openTweak(options.tweak);
+  const TweakSource source(tweak.manifest.hooks(), tweak.script);
+  const auto output = transpile(tweak, source, transpilerFolder(options.transpiler));
+  if (!output) {
+    printError(tweak.argument + ": does not build");
+    return 1;
+  }
+  const TextPosition place = sourcePlace(options, *output, placeFrom(options.place).value());
+  const auto origin = source.placeAt(place);
+  if (!origin) {
+    throw std::runtime_error(options.tweak + ": " + options.place +
+                             ": belongs to no hook and not to the script");
+  }
+  const auto* hook = std::get_if<TweakSource::HookPlace>(&*origin);
+  const std::string text = hook != nullptr ? hookText(tweak, hook->hook)
+                                           : scriptText(tweak, std::get<TextPosition>(*origin));
+  printData(shownLine(text) + "\n" + caretLine(lineAt(source.text(), place.line), place.column));
+  return 0;
+}
+
+}  // namespace
+
+void addLocateCommand(Command app) {
+  Command command = app.addCommand(
+      "locate", "Print the hook or the place in the script that a place in the code came from");
+  const auto options = std::make_shared<Options>();
+  command.text("TWEAK", options->tweak, kTweakHelp).required().notEmpty();
+  command
+      .text("LINE:COLUMN", options->place,
+            "The place in the code that build makes; both numbers count from 1")
+      .required()
+      .check([](const std::string& text) {
+        return placeFrom(text) ? "" : text + ": expected a line and a column, such as 12:7";
+      });
+  addTranspilerOption(command, options->transpiler);
+  command.run([options] { return locate(*options); });
+}
+
+}  // namespace tavlen::cli

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string_view>
+
+namespace tavlen {
+
+// The lines of scripts. As in JavaScript, a line ends in LF, CR, CRLF, U+2028 or U+2029.
+
+/// A place in a text. Both numbers count from 1; columns are UTF-16 units.
+struct TextPosition {
+  std::size_t line = 1;
+  std::size_t column = 1;
+
+  bool operator==(const TextPosition&) const = default;
+};
+
+/// The number of line ends in `text`.
+std::size_t lineEndCount(std::string_view text);
+
+/// The line `number` of `text`, which counts from 1, without its end. Empty if there is no such
+/// line.
+std::string_view lineAt(std::string_view text, std::size_t number);
+
+/// The byte of `text`, which is UTF-8, at `position`. The place after the last character of a line
+/// belongs to it. Returns nothing for a place outside of the text.
+std::optional<std::size_t> offsetAt(std::string_view text, TextPosition position);
+
+}  // namespace tavlen

@@ -1,0 +1,153 @@
+#include "tavlen/tweaks/SourceMap.h"
+
+#include <array>
+#include <cstdint>
+#include <limits>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+#include "tavlen/foundation/coding/CodingError.h"
+#include "tavlen/foundation/json/JSONDecoder.h"
+#include "tavlen/foundation/text/Base64.h"
+
+namespace tavlen {
+
+namespace {
+
+constexpr std::int64_t kVersion = 3;
+constexpr const char* kMappings = "mappings";
+
+struct MapRecord {
+  std::int64_t version = 0;
+  std::vector<std::optional<std::string>> sources;
+  std::string mappings;
+
+  static constexpr auto codedFields() {
+    return std::tuple{
+        requiredField("version", &MapRecord::version),
+        requiredField("sources", &MapRecord::sources),
+        requiredField(kMappings, &MapRecord::mappings),
+    };
+  }
+};
+
+/// A segment of the mappings. All numbers count from 0.
+struct Segment {
+  std::int64_t line = 0;
+  std::int64_t column = 0;
+  bool hasSource = false;
+  std::int64_t source = 0;
+  std::int64_t sourceLine = 0;
+  std::int64_t sourceColumn = 0;
+};
+
+/// Reads mappings segment by segment.
+class SegmentReader {
+ public:
+  SegmentReader(std::string_view mappings, std::size_t sourceCount)
+      : mappings_(mappings), sourceCount_(sourceCount) {}
+
+  /// The next segment; nothing at the end. Throws DecodingError, after which the reader is of no
+  /// use.
+  std::optional<Segment> next() {
+    for (; at_ < mappings_.size() && isSeparator(); ++at_) {
+      if (mappings_[at_] == ',') continue;
+      ++segment_.line;
+      segment_.column = 0;
+    }
+    if (at_ == mappings_.size()) return std::nullopt;
+    readSegment();
+    return segment_;
+  }
+
+ private:
+  bool isSeparator() const { return mappings_[at_] == ',' || mappings_[at_] == ';'; }
+
+  [[noreturn]] void fail(const char* problem) const {
+    throw DecodingError::dataCorrupted(std::string(problem) + " at character " +
+                                       std::to_string(at_));
+  }
+
+  void readSegment() {
+    std::array<std::int64_t, 5> numbers{};
+    std::size_t count = 0;
+    for (; at_ < mappings_.size() && !isSeparator(); ++count) {
+      if (count == numbers.size()) fail("a segment with too many numbers");
+      numbers[count] = readNumber();
+    }
+    if (count != 1 && count < 4) fail("a segment with too few numbers");
+    advance(segment_.column, numbers[0]);
+    segment_.hasSource = count > 1;
+    if (!segment_.hasSource) return;
+    advance(segment_.source, numbers[1]);
+    if (static_cast<std::size_t>(segment_.source) >= sourceCount_) fail("an unknown source");
+    advance(segment_.sourceLine, numbers[2]);
+    advance(segment_.sourceColumn, numbers[3]);
+    // The fifth number is the place of a name, which is not of interest here.
+  }
+
+  void advance(std::int64_t& value, std::int64_t step) const {
+    value += step;
+    if (value < 0 || value > kMost) fail("a number out of range");
+  }
+
+  /// A number in base 32, the lowest digit first. Bit 5 of a digit announces another one; the
+  /// lowest bit of the number is its sign.
+  std::int64_t readNumber() {
+    std::int64_t value = 0;
+    for (int shift = 0;; shift += 5) {
+      if (shift > 30) fail("a number out of range");
+      const auto digit = at_ < mappings_.size() ? valueOfBase64Digit(mappings_[at_]) : std::nullopt;
+      if (!digit) fail("a malformed number");
+      ++at_;
+      value |= std::int64_t{*digit & 31} << shift;
+      if ((*digit & 32) == 0) break;
+    }
+    return (value & 1) != 0 ? -(value >> 1) : value >> 1;
+  }
+
+  static constexpr std::int64_t kMost = std::numeric_limits<std::int32_t>::max();
+
+  std::string_view mappings_;
+  std::size_t sourceCount_;
+  std::size_t at_ = 0;
+  Segment segment_;
+};
+
+std::size_t fromOne(std::int64_t number) { return static_cast<std::size_t>(number) + 1; }
+
+}  // namespace
+
+SourceMap SourceMap::decoded(std::string_view json) {
+  auto record = decodeJSON<MapRecord>(json);
+  if (record.version != kVersion) {
+    underKey("version", [&] {
+      throw DecodingError::dataCorrupted("unknown version " + std::to_string(record.version));
+    });
+  }
+  underKey(kMappings, [&] {
+    SegmentReader reader(record.mappings, record.sources.size());
+    while (reader.next()) continue;
+  });
+  SourceMap map;
+  map.mappings_ = std::move(record.mappings);
+  map.sourceCount_ = record.sources.size();
+  return map;
+}
+
+std::optional<TextPosition> SourceMap::sourceOf(TextPosition generated) const {
+  SegmentReader reader(mappings_, sourceCount_);
+  std::optional<Segment> nearest;
+  while (const auto segment = reader.next()) {
+    const std::size_t line = fromOne(segment->line);
+    if (line > generated.line) break;
+    if (line < generated.line || fromOne(segment->column) > generated.column) continue;
+    // Segments need not be in order.
+    if (!nearest || segment->column >= nearest->column) nearest = segment;
+  }
+  if (!nearest || !nearest->hasSource || nearest->source != 0) return std::nullopt;
+  return TextPosition{fromOne(nearest->sourceLine), fromOne(nearest->sourceColumn)};
+}
+
+}  // namespace tavlen

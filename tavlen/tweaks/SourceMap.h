@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "tavlen/foundation/text/TextLines.h"
+
+namespace tavlen {
+
+/// A source map of version 3, which leads from places in generated code to places in its source. A
+/// value. Threads: one object one thread at a time; const functions any.
+class SourceMap {
+ public:
+  /// Reads the JSON text of a map. Any map is safe to read: it is checked as a whole, and numbers
+  /// that do not fit in 31 bits are refused, as engines do. Throws DecodingError. Memory: that of
+  /// readJSON(), of which the map keeps less than the size of `json`.
+  static SourceMap decoded(std::string_view json);
+
+  /// The place in the map's first source that the code at `generated` came from: the beginning of
+  /// the piece of source of the nearest segment at or before it in its line. Returns nothing where
+  /// there is no such segment, or where it leads to no source or to another one. Takes a walk over
+  /// the segments up to that line.
+  std::optional<TextPosition> sourceOf(TextPosition generated) const;
+
+ private:
+  SourceMap() = default;
+
+  std::string mappings_;
+  std::size_t sourceCount_ = 0;
+};
+
+}  // namespace tavlen

@@ -64,7 +64,7 @@ class ImageWriter {
   }
 
  private:
-  void addText(const std::string& text) {
+  void addText(const SharedText& text) {
     if (texts_.try_emplace(text, file_.size()).second) file_.append(text).push_back('\0');
   }
 
@@ -110,8 +110,8 @@ class ImageWriter {
     setPointer(record, meta);
     binds_["_OBJC_METACLASS_$_NSObject"].push_back(meta);
     if (cls.supercls) {
-      binds_["_OBJC_CLASS_$_" + *cls.supercls].push_back(record + 8);
-      binds_["_OBJC_METACLASS_$_" + *cls.supercls].push_back(meta + 8);
+      binds_["_OBJC_CLASS_$_" + cls.supercls->str()].push_back(record + 8);
+      binds_["_OBJC_METACLASS_$_" + cls.supercls->str()].push_back(meta + 8);
     }
     const std::uint64_t protocols = writeProtocols(cls.protocols);
     for (const bool isMeta : {false, true}) {
@@ -138,9 +138,9 @@ class ImageWriter {
     return count == 0 ? 0 : list;
   }
 
-  std::uint64_t writeProtocols(const std::vector<std::string>& names) {
+  std::uint64_t writeProtocols(const std::vector<SharedText>& names) {
     if (names.empty()) return 0;
-    for (const std::string& each : names) {
+    for (const SharedText& each : names) {
       const auto [found, isNew] = protocols_.try_emplace(each, file_.size());
       if (!isNew) continue;
       const std::uint64_t name = texts_.at(each);
@@ -151,7 +151,7 @@ class ImageWriter {
     }
     const std::uint64_t list = file_.size();
     append(file_, std::uint64_t{names.size()});
-    for (const std::string& each : names) append(file_, protocols_.at(each));
+    for (const SharedText& each : names) append(file_, protocols_.at(each));
     append(file_, std::uint64_t{0});
     return list;
   }
@@ -252,9 +252,9 @@ class ImageWriter {
 
   const std::vector<std::shared_ptr<ObjCClass>>& classes_;
   std::string file_;
-  std::unordered_map<std::string, std::uint64_t> texts_;      ///< by text: the address
-  std::unordered_map<std::string, std::uint64_t> protocols_;  ///< by name: the record's address
-  std::map<std::string, std::vector<std::uint64_t>> binds_;   ///< by symbol: its slots
+  std::unordered_map<SharedText, std::uint64_t> texts_;      ///< by text: the address
+  std::unordered_map<SharedText, std::uint64_t> protocols_;  ///< by name: the record's address
+  std::map<std::string, std::vector<std::uint64_t>> binds_;  ///< by symbol: its slots
   Range strings_{}, list_{}, info_{}, records_{}, constants_{}, fixups_{}, symbols_{}, names_{};
   std::string commands_;
   std::uint32_t commandCount_ = 0;

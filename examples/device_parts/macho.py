@@ -114,13 +114,22 @@ def _add_metadata(text, metadata, commands_size, pointer_format, page):
     return [data, linker_data], (CHAINED_FIXUPS, (linker_data.offset, len(tables)))
 
 
-def thin(file_type, install_name=None, libraries=(), run_paths=(), subtype=SUBTYPE_ALL, metadata=None, page=PAGE):
-    """One arm64 image; `install_name` is a dylib's own. Libraries count from 1. Metadata are objc.Metadata."""
+def thin(
+    file_type,
+    install_name=None,
+    libraries=(),
+    run_paths=(),
+    subtype=SUBTYPE_ALL,
+    metadata=None,
+    pointer_format=None,
+    page=PAGE,
+):
+    """One arm64 image. `install_name` is a dylib's own. `metadata` are objc.Metadata, in which libraries count from 1; their
+    pointers are of a format of fixups, or without one bound by opcodes."""
     libraries = (*libraries, "/usr/lib/libSystem.B.dylib")
     text = Segment(0, b"__TEXT", READ_EXECUTE, 0x100000000 if file_type == EXECUTE else 0)
     segments, tables = [text], None
     if metadata:
-        pointer_format = fixups.ARM64E if subtype == SUBTYPE_ARM64E else None
         text.sections[TEXTS] = (0, 0)  # the sizes of commands do not depend on the numbers in them
         sections = Segment(1, b"", 0, 0, sections=metadata.sections)
         command = (DYLD_INFO, [0] * 10) if pointer_format is None else (CHAINED_FIXUPS, [0] * 2)
@@ -137,13 +146,17 @@ def thin(file_type, install_name=None, libraries=(), run_paths=(), subtype=SUBTY
     return b"".join(bytes(each.contents) for each in segments)
 
 
+def joined(images, page=PAGE):
+    """A fat file of these images."""
+    file, slices = struct.pack(">II", FAT_MAGIC, len(images)), b""
+    for image in images:
+        place = (page + len(slices), len(image), page.bit_length() - 1)
+        file += struct.pack(">5I", *struct.unpack_from("<II", image, 4), *place)
+        slices += image + b"\0" * (-len(image) % page)
+    return file.ljust(page, b"\0") + slices
+
+
 def fat(file_type, **options):
     """The image for arm64 and for arm64e."""
-    page_bits = PAGE.bit_length() - 1
-    file = struct.pack(">II", FAT_MAGIC, 2)
-    slices = b""
-    for subtype in (SUBTYPE_ALL, SUBTYPE_ARM64E):
-        image = thin(file_type, subtype=subtype, **options)
-        file += struct.pack(">5I", ARM64, subtype, PAGE + len(slices), len(image), page_bits)
-        slices += image + b"\0" * (-len(image) % PAGE)
-    return file.ljust(PAGE, b"\0") + slices
+    arm64e = {"subtype": SUBTYPE_ARM64E, "pointer_format": fixups.ARM64E}
+    return joined([thin(file_type, **options), thin(file_type, **arm64e, **options)])

@@ -9,6 +9,8 @@
 #include <utility>
 
 #include "tavlen/bundles/IPA.h"
+#include "tavlen/device/DeviceFiles.h"
+#include "tavlen/device/DeviceRoot.h"
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/foundation/files/RandomAccessFile.h"
 #include "tavlen/foundation/macho/MachOFile.h"
@@ -66,7 +68,7 @@ class RegularFiles {
 
 std::optional<MachOFile> machOFileAt(const fs::path& folder, const std::string& relative) {
   try {
-    return MachOFile::read(RandomAccessFile(folder / relative));
+    return MachOFile::read(openedFile(DeviceRoot::shared(), (folder / relative).string()));
   } catch (const std::system_error& error) {
     if (error.code() == std::errc::no_such_file_or_directory) return std::nullopt;
     throw IPA::Error::errorReading(relative);

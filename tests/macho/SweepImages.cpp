@@ -64,11 +64,10 @@ class SweptImage {
 
   /// Ends with an empty file.
   void cutAtEach(std::size_t step) {
-    for (std::size_t size = bytes_.size() / step * step + step; size >= step;) {
-      size -= step;
-      if (size >= bytes_.size()) continue;
+    for (std::size_t size = bytes_.size() / step * step;; size -= step) {
       require(::ftruncate(file_.get(), static_cast<off_t>(size)) == 0);
       read("cut at", size, size);
+      if (size == 0) break;
     }
   }
 

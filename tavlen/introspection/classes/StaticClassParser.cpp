@@ -7,6 +7,8 @@
 #include <utility>
 
 #include "tavlen/bundles/Executable.h"
+#include "tavlen/device/DeviceFiles.h"
+#include "tavlen/device/DeviceRoot.h"
 #include "tavlen/foundation/base/FunctionRef.h"
 #include "tavlen/foundation/files/RandomAccessFile.h"
 #include "tavlen/foundation/macho/MachOImage.h"
@@ -41,7 +43,8 @@ MachOSlice sliceOf(const RandomAccessFile& file, const std::string& architecture
 /// Opens the image of which classes are read. Throws the parser's errors.
 MachOImage openedImage(const Executable& executable, const std::string& architecture) {
   using Error = StaticClassParser::Error;
-  const auto file = std::make_shared<const RandomAccessFile>(executable.path());
+  const auto file = std::make_shared<const RandomAccessFile>(
+      openedFile(DeviceRoot::shared(), executable.path().string()));
   const MachOSlice slice = sliceOf(*file, architecture);
   switch (slice.fileType) {
     case MachOSlice::FileType::execute:

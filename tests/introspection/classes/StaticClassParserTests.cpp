@@ -199,10 +199,11 @@ TEST_F(StaticClassParserTest, NamesWhatItCannotRead) {
       {image("Shapes.dSYM"), "", Case::notLinked},
       {image("Shapes.encrypted"), "", Case::encrypted},
   };
-  for (const auto& [bytes, architecture, expected] : rows) {
-    const auto error = thrown<StaticClassParser::Error>([&] { parsedBytes(bytes, architecture); });
-    ASSERT_TRUE(error.has_value()) << static_cast<int>(expected);
-    EXPECT_TRUE(error->which() == expected) << error->what();
+  for (const auto& row : rows) {
+    const auto error =
+        thrown<StaticClassParser::Error>([&] { parsedBytes(row.bytes, row.architecture); });
+    ASSERT_TRUE(error.has_value()) << static_cast<int>(row.expected);
+    EXPECT_TRUE(error->which() == row.expected) << error->what();
   }
 }
 

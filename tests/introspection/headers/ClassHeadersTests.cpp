@@ -4,10 +4,12 @@
 #include <map>
 #include <system_error>
 
+#include "tavlen/bundles/Executable.h"
 #include "tavlen/device/Process.h"
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/introspection/headers/ClassHeaders.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/TestPaths.h"
 #include "tests/support/Thrown.h"
 
 namespace tavlen {
@@ -132,12 +134,26 @@ TEST_F(ClassHeadersTest, DeclareWhatTheRecordsTell) {
   expectThatHeadersCompile(headers);
 }
 
+TEST_F(ClassHeadersTest, CompileForImages) {
+  Classes classes;
+  Categories categories;
+  for (const char* name : {"Shapes", "Sketch", "Stickers"}) {
+    const Executable image({}, paths().machoImages, name, false);
+    const auto found = StaticClassParser().parseImage(image);
+    classes.insert(classes.end(), found.classes.begin(), found.classes.end());
+    categories.insert(categories.end(), found.categories.begin(), found.categories.end());
+  }
+  EXPECT_FALSE(categories.empty());
+  expectThatHeadersCompile(written(classes, categories));
+}
+
 TEST_F(ClassHeadersTest, DeclareEveryType) {
   const struct {
     std::string encoding, declaration;
   } cases[] = {{"Vv", "oneway void"},
                {"v", "void"},
                {"jd", "_Complex double"},
+               {"B", "BOOL"},
                {"D", "long double"},
                {"t", "__int128"},
                {"T", "unsigned __int128"},
@@ -293,6 +309,7 @@ TEST_F(ClassHeadersTest, StandHostileEncodings) {
                  method("arrays", "^" + repeated("[2", 200) + "i" + repeated("]", 200) + "@:"),
                  method("wide", "{W=" + repeated("^{W=ii}i", 12'000) + "}@:"),
                  method("times", "^{?=[16777216{?=[16777216{?=[16777216{?=[16777216i]}]}]}]}@:"),
+                 method("pointed", "{X=[16777216{Y=[16777216{Z=[16777216^{O}]}]}]}@:"),
                  method("bytes", "{\xFF\x01\"=\"\n\"@\"\xFF<\n>\"\"/*\"i}@:")})});
   expectThatHeadersCompile(headers);
 }

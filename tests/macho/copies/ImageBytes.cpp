@@ -1,7 +1,5 @@
 #include "tests/macho/copies/ImageBytes.h"
 
-#include <algorithm>
-
 namespace tavlen::macho {
 
 namespace {
@@ -50,8 +48,8 @@ void ImageBytes::removeCommand(std::uint32_t number) {
   const std::size_t at = command(number);
   const std::uint32_t size = get<std::uint32_t>(at + 4);
   const std::size_t end = commandsEnd();
-  std::copy(bytes_.begin() + at + size, bytes_.begin() + end, bytes_.begin() + at);
-  std::fill_n(bytes_.begin() + end - size, size, '\0');
+  bytes_.erase(at, size);
+  bytes_.insert(end - size, size, '\0');
   setCommandsEnd(end - size, get<std::uint32_t>(kCountAt) - 1);
 }
 

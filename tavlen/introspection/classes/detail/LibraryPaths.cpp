@@ -7,6 +7,7 @@
 
 #include "tavlen/bundles/IPA.h"
 #include "tavlen/bundles/InfoManager.h"
+#include "tavlen/device/DeviceFiles.h"
 #include "tavlen/device/DeviceRoot.h"
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/foundation/files/RandomAccessFile.h"
@@ -51,7 +52,8 @@ fs::path programIn(const fs::path& folder) {
 
 std::vector<std::string> runPathsOf(const fs::path& program, const MachOSlice& like) {
   try {
-    const auto file = std::make_shared<const RandomAccessFile>(program);
+    const auto file = std::make_shared<const RandomAccessFile>(
+        openedFile(DeviceRoot::shared(), program.string()));
     const std::optional<MachOFile> machO = MachOFile::read(*file);
     if (!machO) return {};
     const MachOSlice* same = machO->sliceNamed(like.architecture());

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <unordered_set>
-#include <utility>
 
 #include "tavlen/foundation/text/Characters.h"
 
@@ -119,7 +118,7 @@ std::string UniqueNames::addIgnoringCase(std::string_view name) {
   return add(name, lowercased(name));
 }
 
-std::string UniqueNames::add(std::string_view name, std::string key) {
+std::string UniqueNames::add(std::string_view name, const std::string& key) {
   const auto [entry, isNew] = nextNumbers_.try_emplace(key, 2);
   if (isNew) return std::string(name);
   // Adding others may move the entry's bucket, but not the entry.

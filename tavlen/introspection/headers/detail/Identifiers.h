@@ -30,7 +30,7 @@ class UniqueNames {
   std::string addIgnoringCase(std::string_view name);
 
  private:
-  std::string add(std::string_view name, std::string key);
+  std::string add(std::string_view name, const std::string& key);
 
   char separator_;
   /// For each name taken, the number to try next.

@@ -22,6 +22,7 @@ class TypeDefinitions::Writer {
               [this](Index a, Index b) { return types_[a].reference < types_[b].reference; });
     for (const Index type : order) {
       if (isDefined(type)) continue;
+      if (source_.empty()) source_ += "\n";
       source_ += types_[type].reference + ";" + remark(type) + "\n";
     }
     for (const Index type : order) {

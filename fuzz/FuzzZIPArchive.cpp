@@ -1,4 +1,5 @@
-// Unpacking any archive creates only files and folders, and only inside the destination folder.
+// Unpacking any archive, or single files of it, creates only files and folders, and only inside the
+// destination folder.
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -13,6 +14,7 @@
 #include "tavlen/foundation/files/TemporaryDirectory.h"
 #include "tavlen/foundation/zip/ZIPArchive.h"
 #include "tavlen/foundation/zip/ZIPError.h"
+#include "tavlen/foundation/zip/ZIPFileReader.h"
 
 using namespace tavlen;
 
@@ -42,20 +44,12 @@ void requireFilesAndFolders(const fs::path& folder) {
   require(bytes <= kLimits.archiveBytes);
 }
 
-}  // namespace
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  static const TemporaryDirectory folder(fs::is_directory("/dev/shm") ? "/dev/shm"
-                                                                      : fs::temp_directory_path());
-  const FileDescriptor file(::memfd_create("archive", MFD_CLOEXEC));
-  require(file.get() >= 0);
-  require(::write(file.get(), data, size) == static_cast<ssize_t>(size));
-  const fs::path out = folder.path() / "out";
+/// Calls `unpack`, which makes `out` or throws.
+template <class Unpack>
+void requireCleanWork(const fs::path& out, std::size_t size, const Unpack& unpack) {
   bool isTaken = false;
   try {
-    fuzz::requireWithin(kBudget, size, [&] {
-      ZIPArchive::unzipItem("/proc/self/fd/" + std::to_string(file.get()), out, nullptr, kLimits);
-    });
+    fuzz::requireWithin(kBudget, size, unpack);
     isTaken = true;
   } catch (const ZIPError&) {
   } catch (const std::system_error&) {
@@ -66,6 +60,24 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     requireFilesAndFolders(out);
     fs::remove_all(out);
   }
-  require(fs::is_empty(folder.path()));
+  require(fs::is_empty(out.parent_path()));
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  static const TemporaryDirectory folder(fs::is_directory("/dev/shm") ? "/dev/shm"
+                                                                      : fs::temp_directory_path());
+  const FileDescriptor file(::memfd_create("archive", MFD_CLOEXEC));
+  require(file.get() >= 0);
+  require(::write(file.get(), data, size) == static_cast<ssize_t>(size));
+  const fs::path out = folder.path() / "out";
+  const std::string archive = "/proc/self/fd/" + std::to_string(file.get());
+  requireCleanWork(out, size, [&] { ZIPArchive::unzipItem(archive, out, nullptr, kLimits); });
+  requireCleanWork(out, size, [&] {
+    ZIPFileReader reader(archive, kLimits);
+    if (!reader.names().empty()) require(reader.firstBytes(reader.names().front(), 4).size() <= 4);
+    reader.unpack(reader.names(), out);
+  });
   return 0;
 }

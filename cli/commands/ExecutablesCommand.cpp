@@ -97,7 +97,9 @@ std::vector<Row> rowsOf(IPA& ipa) {
 
 std::vector<Row> rowsOfApp(const std::string& name) {
   const AppForReading app(name, AppForReading::Files::images);
-  for (const std::string& fault : app.faults()) printWarning(name + ": " + fault);
+  for (const std::string& fault : app.faults()) {
+    printWarning(std::string(name).append(": ").append(fault));
+  }
   return namingInfo(*app.ipa(), [&] { return rowsOf(*app.ipa()); });
 }
 

@@ -93,6 +93,7 @@ std::string ZIPFileReader::firstBytes(const std::string& name, std::size_t count
 void ZIPFileReader::unpack(const std::vector<std::string>& names,
                            const std::filesystem::path& destination, Progress* progress) {
   std::vector<std::size_t> chosen;
+  chosen.reserve(names.size());
   for (const std::string& name : names) chosen.push_back(state_->placeOf(name));
   validateZIPEntries(state_->file, state_->listing, chosen, state_->limits);
   unpackZIPEntries(state_->reader, state_->listing.entries, std::move(chosen), destination,

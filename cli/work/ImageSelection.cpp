@@ -77,8 +77,13 @@ ImageSelection::ImageSelection(const ImageArgument& argument,
                                const std::shared_ptr<Progress>& progress) {
   std::error_code ignored;
   const fs::file_type type = fs::status(argument.image, ignored).type();
-  const bool isFile = type != fs::file_type::not_found && type != fs::file_type::directory &&
-                      !isArchive(argument.image);
+  const bool isInArchive = isArchive(argument.image);
+  if (isInArchive && argument.source == ClassSource::app) {
+    throw std::runtime_error(argument.image +
+                             ": an app in an archive cannot be run; name an app of the device");
+  }
+  const bool isFile =
+      type != fs::file_type::not_found && type != fs::file_type::directory && !isInArchive;
   if (!isFile) {
     files_ = std::make_unique<AppForReading>(argument.image, AppForReading::Files::images,
                                              std::nullopt, progress);
@@ -98,9 +103,6 @@ std::vector<std::string> ImageSelection::faults() const {
 
 void ImageSelection::addImagesOfApp(const ImageArgument& argument) {
   const bool isRemote = argument.source == ClassSource::app;
-  if (isRemote && files_->isFromArchive()) {
-    throw std::runtime_error("an app in an archive cannot be run; name an app of the device");
-  }
   app_ = files_->ipa();
   Executables images = namingInfo(*app_, [&] { return imagesOf(*app_); });
   if (argument.name) {

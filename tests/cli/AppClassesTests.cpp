@@ -55,7 +55,10 @@ TEST_F(AppClassesTest, WritesTheHeadersOfAllImages) {
   EXPECT_THAT(contents("H/Eraser.h"), HasSubstr("@interface Eraser : Circle <"));
   EXPECT_TRUE(fs::exists(folder() / "H/ShapeFactory.h"));
   expectRefused("classes Sketch.ipa",
-                {{"--headers", 2, ""}, {"-o H", 2, ""}, {"--headers -o H --json", 2, ""}});
+                {{"--headers", 2, ""},
+                 {"-o H", 2, ""},
+                 {"--headers -o H --json", 2, ""},
+                 {"--parser remote", 1, "Sketch.ipa: an app in an archive cannot be run"}});
 }
 
 TEST_F(AppClassesTest, AnImageThatCannotBeReadIsNamedAndTheOthersAreListed) {

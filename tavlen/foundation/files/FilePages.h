@@ -40,7 +40,7 @@ class FilePages {
   }
 
   /// The number of bytes that are read at once.
-  static constexpr std::size_t kPageSize = std::size_t{1} << 14;
+  static constexpr std::size_t kPageSize = std::size_t{1} << 16;
 
  private:
   void readPage(std::size_t page);

@@ -49,8 +49,8 @@ std::string escapedForTerminal(std::string_view text) {
 }
 
 std::string escapedJSON(std::string json) {
-  // Counted, not searched for, because compilers vectorise only loops without another exit.
-  if (std::count_if(json.begin(), json.end(), mayBeginEscaped) == 0) return json;
+  if (isASCII(json) && json.find('\x7F') == std::string::npos) return json;
+  if (std::none_of(json.begin(), json.end(), mayBeginEscaped)) return json;
   std::u16string out;
   for (const char16_t unit : utf16FromUTF8(json)) {
     if (unit >= 0x7F && isControl(unit)) {

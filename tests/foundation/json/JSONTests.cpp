@@ -233,8 +233,10 @@ TEST(JSON, HoldsItsLimitOfValues) {
 TEST(JSONEncoder, PassesALongTextInPieces) {
   // With a key, a value or a text of several bytes at each end of a piece.
   std::vector<std::map<std::int64_t, std::string>> rows;
-  for (int i = 0; i < 20'000; ++i)
-    rows.push_back({{i, "\u00e9" + std::string(i % 7, 'x')}, {-1, ""}});
+  for (std::size_t i = 0; i < 20'000; ++i) {
+    const auto key = static_cast<std::int64_t>(i);
+    rows.push_back({{key, "\u00e9" + std::string(i % 7, 'x')}, {-1, ""}});
+  }
   std::string text;
   std::vector<std::size_t> sizes;
   writeJSON(rows, [&](std::string_view piece) {

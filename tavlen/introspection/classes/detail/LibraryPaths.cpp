@@ -119,16 +119,16 @@ std::string LibraryPaths::resolved(const std::string& name) const {
 
 std::optional<std::string> LibraryPaths::pathInBundle(const std::string& name,
                                                       const fs::path& loaderFolder) const {
-  const std::pair<std::string_view, const fs::path&> places[] = {
-      {"@executable_path/", programFolder_}, {"@loader_path/", loaderFolder}};
-  for (const auto& [prefix, folder] : places) {
-    if (!name.starts_with(prefix) || folder.empty()) continue;
-    const fs::path path = (folder / name.substr(prefix.size())).lexically_normal();
-    const DeviceRoot root = DeviceRoot::shared();
-    if (!isBelow(path, bundle_) || !fs::is_regular_file(root.status(path))) return std::nullopt;
-    return root.devicePath(path).string();
-  }
-  return std::nullopt;
+  constexpr std::string_view kProgram = "@executable_path/";
+  constexpr std::string_view kLoader = "@loader_path/";
+  const bool isOfProgram = name.starts_with(kProgram);
+  const fs::path& folder = isOfProgram ? programFolder_ : loaderFolder;
+  if ((!isOfProgram && !name.starts_with(kLoader)) || folder.empty()) return std::nullopt;
+  const std::string inFolder = name.substr((isOfProgram ? kProgram : kLoader).size());
+  const fs::path path = (folder / inFolder).lexically_normal();
+  const DeviceRoot root = DeviceRoot::shared();
+  if (!isBelow(path, bundle_) || !fs::is_regular_file(root.status(path))) return std::nullopt;
+  return root.devicePath(path).string();
 }
 
 }  // namespace tavlen

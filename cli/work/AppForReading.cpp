@@ -79,8 +79,7 @@ AppForReading::AppForReading(const std::string& text, Files files,
   }
   if (parent == nullptr) line_.emplace("unpacking " + text);
   // Named like the folders whose names shownPath() leaves out.
-  folder_ = makeUniqueFolder(fs::temp_directory_path(),
-                             std::string(TemporaryDirectory::kItemsFolder) + "-");
+  folder_ = makeUniqueTemporaryFolder(std::string(TemporaryDirectory::kItemsFolder) + "-");
   try {
     unpack(files, iconName, parent);
   } catch (...) {

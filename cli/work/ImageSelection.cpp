@@ -93,7 +93,9 @@ ImageSelection::ImageSelection(const ImageArgument& argument,
   } catch (const std::system_error&) {
     throw;  // its message names the file
   } catch (const std::exception& error) {
-    throw std::runtime_error(argument.image + ": " + errorText(error));
+    const std::vector<std::string> known = faults();
+    throw std::runtime_error(argument.image + ": " + errorText(error) +
+                             (known.empty() ? "" : " (" + known.front() + ")"));
   }
 }
 

@@ -52,10 +52,12 @@ std::shared_ptr<IPA> appNamed(const std::string& text) {
   } catch (const IPA::Error& error) {
     if (error.which() != IPA::Error::Case::notFound) throw;
     std::error_code ignored;
-    throw std::runtime_error(
-        text +
-        (fs::is_directory(text, ignored) ? ": this folder is no app's bundle" : ": no such file") +
-        ", and no app has this identifier (tavlen apps lists the apps)");
+    const fs::file_type type = fs::status(text, ignored).type();
+    const char* const reason = type == fs::file_type::directory   ? "this folder is no app's bundle"
+                               : type == fs::file_type::not_found ? "no such file"
+                                                                  : "this file is no archive";
+    throw std::runtime_error(text + ": " + reason +
+                             ", and no app has this identifier (tavlen apps lists the apps)");
   }
 }
 

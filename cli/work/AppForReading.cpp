@@ -9,6 +9,7 @@
 #include "cli/arguments/AppArgument.h"
 #include "cli/terminal/ShownText.h"
 #include "tavlen/bundles/AppArchive.h"
+#include "tavlen/device/DeviceRoot.h"
 #include "tavlen/device/InfoPlist.h"
 #include "tavlen/foundation/files/FileTree.h"
 #include "tavlen/foundation/files/RandomAccessFile.h"
@@ -51,8 +52,7 @@ std::shared_ptr<IPA> appNamed(const std::string& text) {
     return appArgument(text);
   } catch (const IPA::Error& error) {
     if (error.which() != IPA::Error::Case::notFound) throw;
-    std::error_code ignored;
-    const fs::file_type type = fs::status(text, ignored).type();
+    const fs::file_type type = DeviceRoot::shared().status(text).type();
     const char* const reason = type == fs::file_type::directory   ? "this folder is no app's bundle"
                                : type == fs::file_type::not_found ? "no such file"
                                                                   : "this file is no archive";

@@ -13,11 +13,7 @@
 
 namespace tavlen::cli {
 
-namespace {
-
-/// The app's folder on this machine. `apps` and the system's logs print device paths; those are
-/// resolved in the device tree.
-std::filesystem::path appFolder(const std::string& text) {
+std::filesystem::path hostPath(const std::string& text) {
   std::error_code ignored;
   const DeviceRoot root = DeviceRoot::shared();
   if (text.starts_with('/') && !std::filesystem::exists(text, ignored)) {
@@ -26,8 +22,6 @@ std::filesystem::path appFolder(const std::string& text) {
   }
   return root.follow(text);
 }
-
-}  // namespace
 
 bool isPath(const std::string& text) {
   std::error_code ignored;
@@ -39,7 +33,7 @@ bool isPath(const std::string& text) {
 
 std::shared_ptr<IPA> appArgument(const std::string& text) {
   if (!isPath(text)) return IPA::findWithBundleID(text);
-  const std::filesystem::path folder = appFolder(text);
+  const std::filesystem::path folder = hostPath(text);
   if (::access(folder.c_str(), X_OK) != 0) {
     throw std::system_error(errno, std::generic_category(), text);
   }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -17,6 +18,10 @@ inline constexpr const char* kAppHelp =
 /// Whether `text` is a path rather than a bundle identifier: it contains a slash, or names a bundle
 /// in the current folder.
 bool isPath(const std::string& text);
+
+/// The path on this machine of the file or folder at the path `text`. `apps` and the system's logs
+/// print device paths; those are resolved in the device tree. Throws as DeviceRoot::resolve().
+std::filesystem::path hostPath(const std::string& text);
 
 /// The app at a path or with a bundle identifier. Throws IPA::Error and, with the path in the
 /// message, std::runtime_error.

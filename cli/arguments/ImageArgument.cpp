@@ -60,8 +60,8 @@ ImageOptions addImageArgument(Command command, const char* name, ImageArgument& 
               "--parser",
               [&argument](const std::string& text) { argument.source = sourceNamed(text); },
               "static reads Mach-O files; dynamic loads the image into a process of this machine; "
-              "remote relaunches the app and asks it; auto is static for every Mach-O file, "
-              "otherwise dynamic")
+              "remote relaunches the app and asks it; auto is static for every Mach-O file and in "
+              "a device tree, otherwise dynamic")
           .typeName("auto|static|dynamic|remote");
   const Option architecture = command
                                   .text("--arch", argument.architecture,

@@ -117,10 +117,13 @@ std::string listed(const std::vector<SliceRow>& slices, const ValueOf& valueOf) 
   return text;
 }
 
-/// The encrypted slices: "yes" for all, "no" for none.
+/// The encrypted slices: "yes" for all, "no" for none; empty if none is known to be, but some may.
 std::string encryption(const std::vector<SliceRow>& slices) {
   const auto isEncrypted = [](const SliceRow& slice) { return slice.isEncrypted == true; };
-  if (std::none_of(slices.begin(), slices.end(), isEncrypted)) return "no";
+  const auto isPlain = [](const SliceRow& slice) { return slice.isEncrypted == false; };
+  if (std::none_of(slices.begin(), slices.end(), isEncrypted)) {
+    return std::all_of(slices.begin(), slices.end(), isPlain) ? "no" : "";
+  }
   if (std::all_of(slices.begin(), slices.end(), isEncrypted)) return "yes";
   return listed(
       slices, [&](const SliceRow& slice) { return isEncrypted(slice) ? slice.architecture : ""; });

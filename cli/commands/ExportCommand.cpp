@@ -47,7 +47,7 @@ class WorkFolder {
     try {
       nextToStore_.emplace(DeviceRoot::shared().resolve(kApplicationSupportDir));
     } catch (const std::system_error&) {
-      elsewhere_ = makeUniqueFolder(fs::temp_directory_path(), "tavlen-");
+      elsewhere_ = makeUniqueTemporaryFolder("tavlen-");
     }
   }
   WorkFolder(const WorkFolder&) = delete;

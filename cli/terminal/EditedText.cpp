@@ -57,10 +57,7 @@ class KeyboardSignals {
 }  // namespace
 
 EditedText::EditedText(const std::string& name, std::string_view text) {
-  std::error_code error;
-  const std::filesystem::path parent = std::filesystem::temp_directory_path(error);
-  if (error) throw std::system_error(error, "the folder of temporary files");
-  const std::filesystem::path folder = makeUniqueFolder(parent, "tavlen-");
+  const std::filesystem::path folder = makeUniqueTemporaryFolder("tavlen-");
   file_ = folder / name;
   try {
     replaceFile(file_, text);

@@ -11,7 +11,7 @@ namespace tavlen::cli {
 
 namespace {
 
-constexpr std::array<int, 3> kSignals = {SIGINT, SIGTERM, SIGPIPE};
+constexpr std::array<int, 4> kSignals = {SIGHUP, SIGINT, SIGTERM, SIGPIPE};
 
 /// The write end of the pipe; -1 once it is closed. The handler may only access this type.
 volatile std::sig_atomic_t openEnd = -1;

@@ -5,9 +5,9 @@
 
 namespace tavlen::cli {
 
-/// Lets a long-running command end cleanly on SIGINT and SIGTERM (RAII). Either signal, unless it
-/// was ignored before, closes the write end of the pipe whose read end is descriptor(). SIGPIPE is
-/// ignored, so that writing fails with EPIPE. Only one object may exist at a time.
+/// Lets a long-running command end cleanly on SIGHUP, SIGINT and SIGTERM (RAII). Each of them,
+/// unless it was ignored before, closes the write end of the pipe whose read end is descriptor().
+/// SIGPIPE is ignored, so that writing fails with EPIPE. Only one object may exist at a time.
 class EndSignals {
  public:
   /// Installs the signal handlers. Throws std::system_error.
@@ -21,7 +21,7 @@ class EndSignals {
 
  private:
   int descriptor_ = -1;
-  std::array<struct sigaction, 3> former_{};
+  std::array<struct sigaction, 4> former_{};
 };
 
 }  // namespace tavlen::cli

@@ -9,6 +9,7 @@
 #include "cli/arguments/AppArgument.h"
 #include "cli/terminal/ShownText.h"
 #include "tavlen/bundles/AppArchive.h"
+#include "tavlen/device/DeviceRoot.h"
 #include "tavlen/device/InfoPlist.h"
 #include "tavlen/foundation/files/FileTree.h"
 #include "tavlen/foundation/files/RandomAccessFile.h"
@@ -51,11 +52,12 @@ std::shared_ptr<IPA> appNamed(const std::string& text) {
     return appArgument(text);
   } catch (const IPA::Error& error) {
     if (error.which() != IPA::Error::Case::notFound) throw;
-    std::error_code ignored;
-    throw std::runtime_error(
-        text +
-        (fs::is_directory(text, ignored) ? ": this folder is no app's bundle" : ": no such file") +
-        ", and no app has this identifier (tavlen apps lists the apps)");
+    const fs::file_type type = DeviceRoot::shared().status(text).type();
+    const char* const reason = type == fs::file_type::directory   ? "this folder is no app's bundle"
+                               : type == fs::file_type::not_found ? "no such file"
+                                                                  : "this file is no archive";
+    throw std::runtime_error(text + ": " + reason +
+                             ", and no app has this identifier (tavlen apps lists the apps)");
   }
 }
 
@@ -79,8 +81,7 @@ AppForReading::AppForReading(const std::string& text, Files files,
   }
   if (parent == nullptr) line_.emplace("unpacking " + text);
   // Named like the folders whose names shownPath() leaves out.
-  folder_ = makeUniqueFolder(fs::temp_directory_path(),
-                             std::string(TemporaryDirectory::kItemsFolder) + "-");
+  folder_ = makeUniqueTemporaryFolder(std::string(TemporaryDirectory::kItemsFolder) + "-");
   try {
     unpack(files, iconName, parent);
   } catch (...) {

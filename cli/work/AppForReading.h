@@ -18,8 +18,8 @@ inline constexpr const char* kReadAppHelp =
 
 /// An app whose files are read: one of the device, one in a folder, or one in an archive (.ipa). Of
 /// an archive, the files that are asked for are unpacked into a temporary folder, which is removed
-/// with the object, also when SIGINT or SIGTERM ends the command (RAII). shownPath() leaves the
-/// temporary folder out of paths.
+/// with the object, also when SIGHUP, SIGINT or SIGTERM ends the command (RAII). shownPath() leaves
+/// the temporary folder out of paths.
 ///
 /// Errors are those of appArgument(), except that an unknown identifier is std::runtime_error; for
 /// an archive std::runtime_error and std::system_error with its path. While unpacking takes long, a

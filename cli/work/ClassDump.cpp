@@ -16,7 +16,8 @@ namespace {
 
 /// Errors of the file system may already name the file.
 std::string namingImage(const ImageArgument& argument, const std::string& text) {
-  return text.starts_with(argument.image) ? text : argument.image + ": " + text;
+  const std::string prefix = argument.image + ": ";
+  return text.starts_with(prefix) ? text : prefix + text;
 }
 
 /// Leaves the temporary folder of an unpacked app out of what the image's file told.

@@ -19,9 +19,9 @@ struct ClassDump {
 };
 
 /// Reads the classes of the images; with `className`, perhaps only those of that name. An app's
-/// code never harms this process. Shows progress on a terminal. SIGINT, SIGTERM and the argument's
-/// time limit cancel it. Throws std::runtime_error whose message begins with the argument if
-/// nothing can be read of any image, and what ImageSelection throws.
+/// code never harms this process. Shows progress on a terminal. SIGHUP, SIGINT, SIGTERM and the
+/// argument's time limit cancel it. Throws std::runtime_error whose message begins with the
+/// argument if nothing can be read of any image, and what ImageSelection throws.
 ClassDump dumpClasses(const ImageArgument& argument,
                       const std::optional<std::string>& className = std::nullopt);
 

@@ -5,6 +5,7 @@
 #include <functional>
 #include <mutex>
 #include <stdexcept>
+#include <string_view>
 #include <system_error>
 #include <thread>
 #include <utility>
@@ -71,7 +72,10 @@ std::string hintFor(const std::filesystem::path& file) {
   } catch (const std::system_error& error) {
     return ": " + error.code().message();
   }
-  return " (--verbose shows the loader's message)";
+  constexpr std::string_view kLoadersMessage = "dlopen encountered error: ";
+  const std::string reason = lastLogMessage();
+  return reason.starts_with(kLoadersMessage) ? ": " + reason.substr(kLoadersMessage.size())
+                                             : " (--verbose shows the loader's message)";
 }
 
 /// What to do about an image whose file cannot be read.

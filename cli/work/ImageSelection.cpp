@@ -9,6 +9,7 @@
 
 #include "cli/arguments/AppArgument.h"
 #include "cli/terminal/ShownText.h"
+#include "tavlen/device/DeviceRoot.h"
 #include "tavlen/foundation/errors/LocalizedError.h"
 #include "tavlen/foundation/files/RandomAccessFile.h"
 #include "tavlen/foundation/macho/MachOFile.h"
@@ -75,8 +76,7 @@ std::shared_ptr<Executable> imageNamed(const std::string& name, const Executable
 
 ImageSelection::ImageSelection(const ImageArgument& argument,
                                const std::shared_ptr<Progress>& progress) {
-  std::error_code ignored;
-  const fs::file_type type = fs::status(argument.image, ignored).type();
+  const fs::file_type type = DeviceRoot::shared().status(hostPath(argument.image)).type();
   const bool isInArchive = isArchive(argument.image);
   if (isInArchive && argument.source == ClassSource::app) {
     throw std::runtime_error(argument.image +
@@ -93,7 +93,9 @@ ImageSelection::ImageSelection(const ImageArgument& argument,
   } catch (const std::system_error&) {
     throw;  // its message names the file
   } catch (const std::exception& error) {
-    throw std::runtime_error(argument.image + ": " + errorText(error));
+    const std::vector<std::string> known = faults();
+    throw std::runtime_error(argument.image + ": " + errorText(error) +
+                             (known.empty() ? "" : " (" + known.front() + ")"));
   }
 }
 
@@ -118,7 +120,7 @@ void ImageSelection::addImagesOfApp(const ImageArgument& argument) {
 
 void ImageSelection::addFile(const ImageArgument& argument) {
   if (argument.name) throw std::runtime_error("a file; --image is for the images of an app");
-  const fs::path file = argument.image;
+  const fs::path file = hostPath(argument.image);
   std::shared_ptr<Executable> executable;
   if (argument.source == ClassSource::app) {
     executable = imageInBundle(file, app_);

@@ -74,6 +74,10 @@ TEST_F(AppClassesTest, AnImageThatCannotBeReadIsNamedAndTheOthersAreListed) {
   const Result none = run("classes " + kApp);
   EXPECT_EQ(none.status, 1);
   EXPECT_THAT(none.err, AllOf(HasSubstr(warning), HasSubstr("error: " + kApp + ": none of its")));
+  std::string archive = contents("Sketch.ipa");
+  archive.replace(archive.find(kApp + "/Sketch"), kApp.size(), kApp.size(), 'x');
+  write("Sketch.ipa", archive);
+  EXPECT_THAT(run("classes Sketch.ipa").err, HasSubstr(": Missing Sketch (The two records of"));
 }
 
 TEST_F(AppClassesTest, SearchesForMethods) {

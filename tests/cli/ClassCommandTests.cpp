@@ -108,21 +108,21 @@ TEST_F(ClassCommandTest, AHookTakesItsTypesFromTheImage) {
 TEST_F(ClassCommandTest, SaysWhyThereAreNoClassesOnTheAgentPort) {
   write("text.so", "no library");
   fs::create_directory(folder() / "folder");
-  fs::copy_file(paths().machoImages + "/Shapes.encrypted", folder() / "encrypted");
+  fs::copy_file(paths().machoImages + "/Shapes.encrypted", folder() / "The");
   writeApp();
   const std::string app = "Applications/Notes.app";
   expectRefused(
       "classes",
-      {{"text.so", 1, "text.so: Dynamic dump failed"},
+      {{"text.so", 1, "text.so: Dynamic dump failed: " + (folder() / "text.so: ").string()},
        {"none.so", 1, "none.so: no such file, and no app has this identifier (tavlen apps"},
        {"folder", 1, "folder: this folder is no app's bundle, and no app has this identifier"},
        {app + "/Notes --parser dynamic", 1,
         app + "/Notes: Dynamic dump failed (a device's image cannot"},
-       {app + "/Notes --image Notes", 1, app + "/Notes: a file; --image is for"},
+       {"--root . /" + app + "/Notes --image Notes", 1, "/" + app + "/Notes: a file; --image is"},
        {app + " --image x", 1, app + ": no image x; the app's images are Notes\n"},
        {"image.so --arch arm64", 1, "image.so: --arch is for Mach-O files"},
-       {"image.so --parser static", 1, "image.so: Not a Mach-O file (--parser dynamic"},
-       {"encrypted", 1, "encrypted: The slice for arm64 is encrypted; the remote parser can ask"},
+       {"text.so --root .", 1, "text.so: Not a Mach-O file (--parser dynamic"},
+       {"The", 1, "The: The slice for arm64 is encrypted; the remote parser can ask"},
        {"./none.so", 1, "./none.so: No such file or directory\n"},
        {app + " --parser remote", 1,
         app +

@@ -117,6 +117,8 @@ TEST_F(DeviceCommandTest, ExecutablesAreListedByKind) {
             "bundle   arm64                                no         tool\n"
             "dynamic  arm64          iOS       15.0        yes        Frameworks/\u65E5.dylib\n");
   write("tree/Applications/A.app/Main", macho::fat({macho::thin(2), macho::thin32(2)}));
+  EXPECT_THAT(device("executables com.a").out,
+              HasSubstr("\nmain     arm64, armv7                                    Main"));
   const std::string json = device("executables --json com.a").out;
   EXPECT_THAT(json, StartsWith(R"([{"kind":"main","name":"Main","relativePath":"Main",)"));
   EXPECT_THAT(json, HasSubstr(R"("slices":[{"architecture":"arm64","isEncrypted":false},)"

@@ -333,7 +333,7 @@ TEST_F(WatchCommandTest, PrintsAnObjectALine) {
 }
 
 TEST_F(WatchCommandTest, EndsInOrder) {
-  for (const int number : {SIGINT, SIGTERM}) {
+  for (const int number : {SIGHUP, SIGINT, SIGTERM}) {
     const auto watched = watch();
     watched->signal(number);
     EXPECT_EQ(watched->status(), 0) << number;

@@ -39,6 +39,9 @@ class FilePages {
     return {start_ + offset, count};
   }
 
+  /// Closes the file. The bytes that were returned stay; no others may be asked for.
+  void closeFile() { file_.reset(); }
+
   /// The number of bytes that are read at once.
   static constexpr std::size_t kPageSize = std::size_t{1} << 16;
 

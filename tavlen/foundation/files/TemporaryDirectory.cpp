@@ -83,4 +83,11 @@ std::filesystem::path makeUniqueFolder(const std::filesystem::path& parent,
   return pattern;
 }
 
+std::filesystem::path makeUniqueTemporaryFolder(std::string_view prefix) {
+  std::error_code error;
+  const std::filesystem::path parent = std::filesystem::temp_directory_path(error);
+  if (error) throw std::system_error(error, "the folder of temporary files");
+  return makeUniqueFolder(parent, prefix);
+}
+
 }  // namespace tavlen

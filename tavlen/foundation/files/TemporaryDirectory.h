@@ -36,4 +36,7 @@ class TemporaryDirectory {
 std::filesystem::path makeUniqueFolder(const std::filesystem::path& parent,
                                        std::string_view prefix);
 
+/// The same in the folder of temporary files (TMPDIR).
+std::filesystem::path makeUniqueTemporaryFolder(std::string_view prefix);
+
 }  // namespace tavlen

@@ -35,6 +35,11 @@ class MachOMemory {
   /// `segments` lie within `pages`.
   MachOMemory(std::shared_ptr<FilePages> pages, std::vector<Segment> segments);
 
+  MachOMemory(const MachOMemory&) = delete;
+  MachOMemory& operator=(const MachOMemory&) = delete;
+  /// Closes the file: what keeps the pages of many images must not keep as many files open.
+  ~MachOMemory() { pages_->closeFile(); }
+
   /// Keeps the bytes alive that this object has returned.
   std::shared_ptr<const FilePages> pages() const { return pages_; }
 

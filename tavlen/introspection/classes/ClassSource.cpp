@@ -8,8 +8,9 @@
 namespace tavlen {
 
 ClassSource preferredClassSource(const std::filesystem::path& path) {
-  return MachOFile::read(openedFile(DeviceRoot::shared(), path.string())) ? ClassSource::file
-                                                                          : ClassSource::process;
+  const DeviceRoot root = DeviceRoot::shared();
+  const bool isMachO = MachOFile::read(openedFile(root, path.string())).has_value();
+  return isMachO || root.hasOwnLinksAt(path) ? ClassSource::file : ClassSource::process;
 }
 
 }  // namespace tavlen

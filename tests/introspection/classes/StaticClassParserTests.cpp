@@ -143,6 +143,15 @@ TEST_F(StaticClassParserTest, ReadsRecordsThatNoCompilerAtHandMakes) {
                 "- a i16@0:8\n- b: v20@0:8i16\n+ made @16@0:8\n");
 }
 
+TEST_F(StaticClassParserTest, ResultsKeepNoFileOpen) {
+  const auto openFiles = [] {
+    return std::distance(fs::directory_iterator("/dev/fd"), fs::directory_iterator());
+  };
+  const auto before = openFiles();
+  const Result result = parsedBytes(image("Shapes"));
+  EXPECT_EQ(openFiles(), before);
+}
+
 TEST_F(StaticClassParserTest, FindsTheImagesOfSuperclasses) {
   const std::string app = "/Applications/Sketch.app/";
   const std::string framework = app + "Frameworks/Shapes.framework/Shapes";

@@ -391,7 +391,8 @@ std::vector<std::string> ObjCMetadata::diagnostics() const {
   all.reserve(diagnostics_.size() + 1);
   for (const std::string& each : diagnostics_) all.push_back(wellFormedUTF8(each));
   if (furtherDiagnostics_ > 0) {
-    all.push_back("and " + std::to_string(furtherDiagnostics_) + " further faults");
+    all.push_back("and " + std::to_string(furtherDiagnostics_) + " further fault" +
+                  (furtherDiagnostics_ == 1 ? "" : "s"));
   }
   return all;
 }

@@ -10,10 +10,10 @@
 #include <string_view>
 #include <utility>
 
-#include "cli/arguments/DateText.h"
 #include "cli/arguments/UsageError.h"
 #include "cli/terminal/ShownText.h"
 #include "tavlen/foundation/coding/CodingError.h"
+#include "tavlen/foundation/coding/DateText.h"
 #include "tavlen/foundation/files/FileReplacement.h"
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/foundation/json/JSONDecoder.h"

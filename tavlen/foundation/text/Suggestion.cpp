@@ -57,8 +57,14 @@ std::optional<std::string_view> closestName(std::string_view name,
 }
 
 std::string suggestionText(std::string_view name, std::span<const std::string_view> known) {
-  const auto closest = closestName(name, known);
-  return closest ? "; did you mean \"" + std::string(*closest) + "\"?" : "";
+  if (const auto closest = closestName(name, known))
+    return "; did you mean \"" + std::string(*closest) + "\"?";
+  constexpr std::size_t kMostListed = 20;
+  std::string text;
+  if (known.size() > kMostListed) return text;
+  for (const std::string_view each : known)
+    text.append(text.empty() ? "; known are " : ", ").append(each);
+  return text;
 }
 
 }  // namespace tavlen

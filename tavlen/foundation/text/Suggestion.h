@@ -15,7 +15,8 @@ namespace tavlen {
 std::optional<std::string_view> closestName(std::string_view name,
                                             std::span<const std::string_view> known);
 
-/// "; did you mean "color"?" with that name, or an empty text.
+/// "; did you mean "color"?" with that name. If none is close enough, a short list of all names:
+/// "; known are color, name".
 std::string suggestionText(std::string_view name, std::span<const std::string_view> known);
 
 }  // namespace tavlen

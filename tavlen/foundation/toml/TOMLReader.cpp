@@ -1,8 +1,27 @@
 #include "tavlen/foundation/toml/TOMLReader.h"
 
+namespace tavlen {
+
+namespace {
+
+/// Called where a condition does not hold that the library takes for granted. Those on the next
+/// character it checks again, and then says what it expects.
+void failAssertion(std::string_view condition) {
+  if (condition.find("*cp") == std::string_view::npos)
+    throw TOMLError({}, "malformed: " + std::string(condition));
+}
+
+}  // namespace
+
+}  // namespace tavlen
+
+// Release builds of the library turn its assertions into promises to the compiler, but malformed
+// texts can break them.
+#undef NDEBUG
+#define TOML_ASSERT(condition) ((condition) ? void() : tavlen::failAssertion(#condition))
 // The library's own limit counts brackets only; detail/TOMLPrescan.h counts all containers.
-#define TOML_HEADER_ONLY 1
 #define TOML_MAX_NESTED_VALUES 1024
+#define TOML_HEADER_ONLY 1
 #define TOML_ENABLE_FORMATTERS 0
 #include <toml++/toml.h>
 

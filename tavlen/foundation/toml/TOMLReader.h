@@ -8,7 +8,8 @@
 namespace tavlen {
 
 /// Reads a TOML 1.0 document in UTF-8; a byte order mark is skipped. Dates must have an offset, so
-/// that they name a point in time; of a fraction of a second nine digits count.
+/// that they name a point in time; of a fraction of a second nine digits count. The character after
+/// a backslash at the end of a line must be ASCII.
 ///
 /// Limits: limits::kDocumentBytes, limits::kJSONValues values, limits::kJSONDepth containers in one
 /// another, the parts of dotted keys and headers included, and the work for dotted keys, which

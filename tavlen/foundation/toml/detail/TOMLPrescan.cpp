@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "tavlen/foundation/base/Limits.h"
+#include "tavlen/foundation/text/Unicode.h"
 #include "tavlen/foundation/toml/TOMLError.h"
 
 namespace tavlen {
@@ -51,9 +52,11 @@ class LookUps {
 /// Moves over the text, from one character with a meaning to the next.
 class Scanner {
  public:
-  explicit Scanner(std::string_view text) : text_(text) { beginKey(0); }
+  explicit Scanner(std::string_view text) : text_(text) {}
 
   void scan() {
+    if (byteOrderMarkOf(text_)) position_ = byteOrderMarkOf(text_)->length;
+    beginKey(position_);
     while (position_ < text_.size() && take(text_[position_])) {
     }
   }
@@ -69,11 +72,19 @@ class Scanner {
   /// Processes the character at the position, or what begins with it. Returns false where the text
   /// is malformed.
   bool take(char c) {
-    if (c == '"' || c == '\'') return skipString(c);
     if (c == '#') {
       position_ = std::min(text_.find('\n', position_), text_.size());
       return true;
     }
+    if (!isASCII({&c, 1}))
+      fail("expected ASCII outside of strings and comments; other keys need quotation marks");
+    // Elsewhere the library might read the contents of a string as part of a number.
+    if (!isAtStart_ && std::string_view("\"'[{").find(c) != std::string_view::npos)
+      fail(std::string("unexpected '") + c + "'");
+    const bool precedesStart =
+        c == ',' || c == '[' || c == '{' || (isInKey_ && (c == '.' || c == '='));
+    if (std::string_view(" \t\r\n").find(c) == std::string_view::npos) isAtStart_ = precedesStart;
+    if (c == '"' || c == '\'') return skipString(c);
     if ((c == ']' || c == '}') && !takeClosing()) return false;
     if (c == '[' || c == '{') takeOpening(c);
     if (c == '.' && isInKey_) takeDot();
@@ -85,6 +96,7 @@ class Scanner {
   }
 
   void beginKey(std::size_t position) {
+    isAtStart_ = true;
     isInKey_ = true;
     isInHeader_ = false;
     keyBegin_ = position;
@@ -153,6 +165,17 @@ class Scanner {
     countValue();
   }
 
+  /// Moves past a backslash and what it escapes: a character, or the end of a line and all blanks
+  /// after it. Other characters than ASCII there are undefined behaviour of the library.
+  void skipEscape() {
+    ++position_;
+    constexpr std::string_view kBlanks = " \t\r\n";
+    const std::size_t next = std::min(text_.find_first_not_of(kBlanks, position_), text_.size());
+    const bool isASCIINext = next == text_.size() || isASCII(text_.substr(next, 1));
+    position_ = next > position_ ? next : position_ + 1;
+    if (!isASCIINext) fail("expected ASCII after a backslash; escape the character");
+  }
+
   /// Moves past a string, which may be one of several lines. Returns false if it is not closed.
   bool skipString(char quote) {
     const std::string_view all = text_.substr(position_);
@@ -170,7 +193,11 @@ class Scanner {
           ++position_;
         return true;
       }
-      position_ += rest.front() == '\\' ? 2 : 1;
+      if (rest.front() == '\\') {
+        skipEscape();
+      } else {
+        ++position_;
+      }
     }
     return false;
   }
@@ -199,6 +226,9 @@ class Scanner {
   std::size_t depth_ = 0;  ///< of the header's table and the open brackets
   std::size_t values_ = 0;
   LookUps lookUps_;
+
+  /// Whether a key, a part of one, or a value may begin at the position.
+  bool isAtStart_ = true;
 
   // The key at the position, or that of the value there.
   bool isInKey_ = false;

@@ -13,7 +13,9 @@ inline constexpr std::uint64_t kTOMLLookUps = std::uint64_t{1} << 31;
 
 /// Refuses TOML that would cost the TOML library more than linear time or a deep stack: too many
 /// values, too many containers in one another (the library limits brackets, but not dotted keys,
-/// and frees nested tables recursively), too many dotted keys.
+/// and frees nested tables recursively), too many dotted keys. Also refuses characters that are
+/// undefined behaviour of version 3.3 of the library: other ones than ASCII outside of strings and
+/// comments, which are malformed anyway, and after a backslash at the end of a line.
 ///
 /// Makes one linear pass over `text`. It only finds where strings, comments and brackets begin and
 /// end, and stops where they are malformed; the library checks the syntax, and stops there, too.

@@ -1,5 +1,7 @@
 #include "tavlen/tweaktext/detail/OverrideText.h"
 
+#include <algorithm>
+#include <array>
 #include <string>
 #include <utility>
 #include <vector>
@@ -25,8 +27,8 @@ void read(const TOMLNode& node, Orientations& value) {
     const std::string& name = expectText(item);
     const auto orientation = orientationNamed(name);
     if (!orientation) {
-      std::vector<std::string_view> names;
-      for (const InterfaceOrientation known : kOrientations) names.push_back(shortName(known));
+      std::array<std::string_view, kOrientations.size()> names;
+      std::transform(kOrientations.begin(), kOrientations.end(), names.begin(), shortName);
       throw TOMLError(item.position,
                       "unknown orientation \"" + name + "\"" + suggestionText(name, names));
     }

@@ -74,7 +74,7 @@ std::optional<std::string> rangeProblem(auto value, const ArgumentType& type) {
          textOf(range.second);
 }
 
-/// What is wrong with a number for a type of numbers.
+/// Why a number does not suit a type of numbers.
 std::optional<std::string> numberProblem(const Parameter& parameter, const ArgumentType& type) {
   if (const auto* integer = std::get_if<Int>(&parameter))
     return type.kind == Kind::real ? std::nullopt : rangeProblem(integer->value, type);
@@ -126,7 +126,7 @@ bool agrees(const Parameter& parameter, const ArgumentType& type) {
   return true;
 }
 
-/// What is wrong with an integer for JavaScript, whatever its type.
+/// Why JavaScript does not hold an integer, whatever its type.
 std::optional<std::string> exactnessProblem(const Parameter& parameter) {
   std::uint64_t magnitude = 0;
   std::string text;
@@ -156,7 +156,7 @@ std::optional<std::string> valueProblem(const Parameter& parameter, const Argume
   return exactnessProblem(parameter);
 }
 
-/// What is wrong with an index. `known` is the number of arguments.
+/// Why a hook has no use for a value of that index. `known` is the number of arguments.
 std::optional<std::string> indexProblem(std::int64_t index, std::int64_t known, bool returns) {
   if (index < Hook::kReturnValue || index >= known) return "the method has no such argument";
   if (index == Hook::kReturnValue && !returns) return "the method returns nothing";

@@ -16,7 +16,7 @@ struct HookProblem {
   std::optional<std::int64_t> argument;
   /// The way from the argument's value to the one at fault.
   ParameterPath path;
-  /// What is wrong, after a place.
+  /// The fault, to be shown after its place.
   std::string text;
 
   bool operator==(const HookProblem&) const = default;
@@ -25,7 +25,7 @@ struct HookProblem {
 /// The problem's place in the stored hook: "signature", "args.0.items[2].value".
 std::string documentPath(const Hook& hook, const HookProblem& problem);
 
-/// What is wrong with the type encoding of a hooked method, after the word "signature": it is
+/// The fault of a hooked method's type encoding, to be shown after the word "signature": it is
 /// malformed, or does not match the selector. Probably it is mistyped; the library stores any text.
 /// Returns nothing if it fits.
 std::optional<std::string> signatureProblem(const Hook& hook);

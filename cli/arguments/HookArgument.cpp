@@ -21,21 +21,6 @@ void restorePrefix(std::string& text) {
 
 }  // namespace
 
-std::optional<MethodIdentity> methodNamed(std::string_view text) {
-  const bool isClassMethod = text.starts_with("+[");
-  if ((!isClassMethod && !text.starts_with(kInstanceMethodBegin)) || !text.ends_with(']')) {
-    return std::nullopt;
-  }
-  text = text.substr(2, text.size() - 3);
-  // The names of generic Swift classes may contain blanks, but selectors never do.
-  const std::size_t blank = text.rfind(' ');
-  if (blank == std::string_view::npos || blank == 0 || blank + 1 == text.size()) {
-    return std::nullopt;
-  }
-  return MethodIdentity{std::string(text.substr(0, blank)), std::string(text.substr(blank + 1)),
-                        isClassMethod};
-}
-
 void addHookArgument(Command command, std::string& text) {
   command
       .text((std::string(kInstanceMethodBegin) + ",--hook,HOOK").c_str(), text,

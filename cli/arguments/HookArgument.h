@@ -1,18 +1,13 @@
 #pragma once
 
 #include <memory>
-#include <optional>
 #include <string>
-#include <string_view>
 
 #include "cli/arguments/CommandLine.h"
 #include "tavlen/editing/HookManager.h"
 #include "tavlen/tweaks/Manifest.h"
 
 namespace tavlen::cli {
-
-/// Reads a method as methodText() writes it. Returns nothing for any other text.
-std::optional<MethodIdentity> methodNamed(std::string_view text);
 
 /// Adds the argument HOOK, for hookArgument(). Parsing stores it in `text`.
 void addHookArgument(Command command, std::string& text);

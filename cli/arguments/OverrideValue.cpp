@@ -15,17 +15,11 @@ namespace tavlen::cli {
 namespace {
 
 constexpr std::string_view kNone = "none";
-/// The common prefix of all orientation names, which users leave out.
-constexpr std::string_view kOrientationPrefix = "UIInterfaceOrientation";
 
 using Orientations = std::vector<InterfaceOrientation>;
 
 [[noreturn]] void refuse(const std::string& text, const std::string& expected) {
   throw UsageError("VALUE", text + ": expected " + expected);
-}
-
-std::string shortName(InterfaceOrientation orientation) {
-  return std::string(rawValue(orientation).substr(kOrientationPrefix.size()));
 }
 
 void parse(const std::string& text, std::string& value) {
@@ -48,13 +42,11 @@ void parse(const std::string& text, Orientations& value) {
   std::string_view rest = text;
   while (true) {
     const std::size_t comma = rest.find(',');
-    std::string name(rest.substr(0, comma));
-    if (!name.starts_with(kOrientationPrefix)) name.insert(0, kOrientationPrefix);
-    const auto orientation = fromRawValue<InterfaceOrientation>(name);
+    const auto orientation = orientationNamed(rest.substr(0, comma));
     if (!orientation) {
       std::string names;
       for (const InterfaceOrientation known : allCases<InterfaceOrientation>())
-        names += shortName(known) + ", ";
+        names.append(shortName(known)).append(", ");
       refuse(text,
              "none, or a list, with commas and no blanks, of " + names.substr(0, names.size() - 2));
     }
@@ -72,15 +64,8 @@ std::string textOf(const std::optional<SemanticVersion>& value) {
 std::string textOf(const Orientations& value) {
   std::string text;
   for (const InterfaceOrientation orientation : value)
-    text += (text.empty() ? "" : ",") + shortName(orientation);
+    text.append(text.empty() ? "" : ",").append(shortName(orientation));
   return value.empty() ? std::string(kNone) : text;
-}
-
-template <std::size_t... I>
-Override emptyOverride(std::size_t index, std::index_sequence<I...> /*kinds*/) {
-  Override result;
-  ((index == I ? (void)result.emplace<I>() : void()), ...);
-  return result;
 }
 
 }  // namespace
@@ -105,7 +90,7 @@ std::string_view identifierOf(const Override& override_) {
 
 Override parseOverride(std::string_view identifier, const std::string& text) {
   const std::size_t index = TypeKeyedFamily<Override>::indexOf(identifier);
-  Override result = emptyOverride(index, std::make_index_sequence<std::variant_size_v<Override>>());
+  Override result = OverrideContainer::emptyOfKind(index).value;
   std::visit([&](auto& kind) { parse(text, kind.value); }, result);
   return result;
 }

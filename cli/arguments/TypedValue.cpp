@@ -10,15 +10,16 @@
 #include <string_view>
 #include <utility>
 
-#include "cli/arguments/DateText.h"
 #include "cli/arguments/UsageError.h"
 #include "cli/terminal/ShownText.h"
 #include "tavlen/foundation/coding/CodingError.h"
+#include "tavlen/foundation/coding/DateText.h"
 #include "tavlen/foundation/files/FileReplacement.h"
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/foundation/json/JSONDecoder.h"
 #include "tavlen/foundation/text/NumberText.h"
 #include "tavlen/foundation/text/Unicode.h"
+#include "tavlen/parameters/ColorText.h"
 
 namespace tavlen::cli {
 
@@ -26,7 +27,6 @@ namespace {
 
 constexpr std::string_view kNil = "nil";
 constexpr std::string_view kJSON = "json";
-constexpr double kMostOfByte = 255;
 
 template <class Number>
 std::optional<Parameter> numberFrom(const std::string& text) {
@@ -50,20 +50,7 @@ std::optional<Parameter> dateFrom(const std::string& text) {
   return date ? std::optional<Parameter>(DateParameter{*date}) : std::nullopt;
 }
 
-std::optional<Parameter> colorFrom(const std::string& text) {
-  constexpr std::size_t kOpaque = 7;
-  constexpr std::size_t kWithAlpha = 9;
-  if (!text.starts_with('#') || (text.size() != kOpaque && text.size() != kWithAlpha))
-    return std::nullopt;
-  std::array<double, 4> components = {0, 0, 0, 1};
-  for (std::size_t i = 0; i < text.size() / 2; ++i) {
-    unsigned byte = 0;
-    const char* digits = text.data() + 1 + 2 * i;
-    if (std::from_chars(digits, digits + 2, byte, 16).ptr != digits + 2) return std::nullopt;
-    components[i] = byte / kMostOfByte;
-  }
-  return ColorParameter{components[0], components[1], components[2], components[3]};
-}
+std::optional<Parameter> colorFrom(const std::string& text) { return colorFromText(text); }
 
 /// Reads a kind whose value is any text.
 template <class Kind>
@@ -129,17 +116,6 @@ Parameter parameterFromJSON(const std::string& json, const std::string& text,
   }
 }
 
-std::string byteText(double component) {
-  constexpr std::string_view kDigits = "0123456789abcdef";
-  const auto byte = static_cast<std::size_t>(std::lround(component * kMostOfByte));
-  return {kDigits[byte / 16], kDigits[byte % 16]};
-}
-
-bool isByte(double component) {
-  return component >= 0 && component <= 1 &&
-         std::round(component * kMostOfByte) / kMostOfByte == component;
-}
-
 std::string jsonText(const Parameter& parameter) {
   return "json:" + shownJSON(ParameterContainer{parameter});
 }
@@ -171,11 +147,8 @@ struct Writer {
     return text ? Text("date:" + *text) : std::nullopt;
   }
   Text operator()(const ColorParameter& kind) const {
-    if (!isByte(kind.red) || !isByte(kind.green) || !isByte(kind.blue) || !isByte(kind.alpha))
-      return std::nullopt;
-    const std::string text =
-        "color:#" + byteText(kind.red) + byteText(kind.green) + byteText(kind.blue);
-    return kind.alpha == 1 ? text : text + byteText(kind.alpha);
+    const Text text = textFromColor(kind);
+    return text ? Text("color:" + *text) : std::nullopt;
   }
   Text operator()(const DataParameter& kind) const { return "data:" + kind.filename; }
   Text operator()(const ImageParameter& kind) const { return "image:" + kind.filename; }

@@ -14,7 +14,7 @@
 #include "cli/terminal/TextTable.h"
 #include "cli/work/MethodSearch.h"
 #include "cli/work/StoreLock.h"
-#include "cli/work/TweakCheck.h"
+#include "tavlen/tweaks/HookCheck.h"
 #include "tavlen/tweaks/Manifest.h"
 
 namespace tavlen::cli {

@@ -21,19 +21,14 @@ struct Options {
   TweakGlyph glyph = TweakGlyph::default_();
 };
 
-std::string described(const TweakGlyph& glyph) { return glyph.icon + "/" + glyph.style; }
-
-/// Reads ICON[/STYLE]. The default style is "solid", or the icon's only style.
+/// Reads ICON[/STYLE]; the glyph must be known.
 TweakGlyph glyphNamed(const std::string& text) {
-  const std::size_t slash = text.find('/');
-  const bool hasStyle = slash != std::string::npos;
-  TweakGlyph glyph{text.substr(0, slash), hasStyle ? text.substr(slash + 1) : "solid"};
+  TweakGlyph glyph = glyphFromText(text);
   if (isKnownGlyph(glyph)) return glyph;
   const auto suggestion = suggestedGlyph(glyph);
-  if (suggestion && !hasStyle && suggestion->icon == glyph.icon) return *suggestion;
   throw UsageError("--glyph",
-                   "unknown glyph \"" + described(glyph) + "\"" +
-                       (suggestion ? "; did you mean " + described(*suggestion) + "?" : ""));
+                   "unknown glyph \"" + glyphText(glyph) + "\"" +
+                       (suggestion ? "; did you mean " + glyphText(*suggestion) + "?" : ""));
 }
 
 void addLook(Command command, Options& options) {

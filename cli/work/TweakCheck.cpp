@@ -1,32 +1,17 @@
 #include "cli/work/TweakCheck.h"
 
-#include <algorithm>
 #include <filesystem>
 #include <map>
-#include <optional>
 #include <system_error>
 
 #include "tavlen/device/DeviceFiles.h"
-#include "tavlen/foundation/objc/MethodTypes.h"
 #include "tavlen/items/GlyphNames.h"
+#include "tavlen/parameters/ParameterPath.h"
+#include "tavlen/tweaks/HookCheck.h"
 
 namespace tavlen::cli {
 
 namespace {
-
-std::size_t colonsOf(const Hook& hook) {
-  return static_cast<std::size_t>(std::count(hook.selector.begin(), hook.selector.end(), ':'));
-}
-
-/// The types in the hook's signature; nothing if it is malformed.
-std::optional<MethodTypes> methodTypes(const Hook& hook) {
-  std::optional<MethodTypes> types = splitMethodTypes(hook.signature);
-  if (types && types->arguments.size() < 2) types.reset();
-  return types;
-}
-
-/// Without the receiver and the selector.
-std::size_t argumentCount(const MethodTypes& types) { return types.arguments.size() - 2; }
 
 /// Walks a manifest and collects warnings with their places.
 class Checker {
@@ -40,9 +25,10 @@ class Checker {
       if (!hooks[i]) continue;
       const std::string place = "hooks[" + std::to_string(i) + "]";
       checkIdentity(*hooks[i], place);
-      checkSignature(*hooks[i], place);
+      for (const HookProblem& problem : problemsOf(*hooks[i]))
+        warn(place + "." + documentPath(*hooks[i], problem), problem.text);
       for (const auto& [index, box] : hooks[i]->_args) {
-        checkResources(box, place + ".args." + std::to_string(index));
+        checkResources(box.value, place + ".args." + std::to_string(index));
       }
     }
     return std::move(warnings_);
@@ -72,38 +58,14 @@ class Checker {
     if (!added) warn(place, "hooks the same method as " + first->second);
   }
 
-  void checkSignature(const Hook& hook, const std::string& place) {
-    if (const auto problem = signatureProblem(hook)) warn(place + ".signature", *problem);
-    const auto types = methodTypes(hook);
-    if (!types) return;
-    const std::size_t known = std::max(argumentCount(*types), colonsOf(hook));
-    for (const auto& [index, box] : hook._args) {
-      const bool isKnown = index >= Hook::kReturnValue && index < static_cast<std::int64_t>(known);
-      if (!isKnown)
-        warn(place + ".args." + std::to_string(index), "the method has no such argument");
-    }
-    if ((types->result == "v" || types->result == "Vv") &&
-        hook._args.contains(Hook::kReturnValue)) {
-      warn(place + ".args.-1", "the method returns nothing");
-    }
-  }
-
-  void checkResources(const ParameterContainer& box, const std::string& place) {
-    if (const auto* data = std::get_if<DataParameter>(&box.value)) {
-      checkResource(data->filename, place);
-    } else if (const auto* image = std::get_if<ImageParameter>(&box.value)) {
-      checkResource(image->filename, place);
-    } else if (const auto* array = std::get_if<ArrayParameter>(&box.value)) {
-      for (std::size_t i = 0; i < array->_items.size(); ++i) {
-        checkResources(array->_items[i], place + ".items[" + std::to_string(i) + "]");
-      }
-    } else if (const auto* dictionary = std::get_if<DictionaryParameter>(&box.value)) {
-      for (std::size_t i = 0; i < dictionary->_items.size(); ++i) {
-        const std::string pair = place + ".items[" + std::to_string(i) + "]";
-        checkResources(dictionary->_items[i]._key, pair + ".key");
-        checkResources(dictionary->_items[i]._value, pair + ".value");
-      }
-    }
+  void checkResources(const Parameter& parameter, const std::string& place) {
+    forEachParameter(parameter, [&](const Parameter& each, const ParameterPath& path) {
+      const auto* data = std::get_if<DataParameter>(&each);
+      const auto* image = std::get_if<ImageParameter>(&each);
+      if (data == nullptr && image == nullptr) return;
+      checkResource(data != nullptr ? data->filename : image->filename,
+                    place + documentPath(parameter, path));
+    });
   }
 
   void checkResource(const std::string& name, const std::string& place) {
@@ -122,17 +84,6 @@ class Checker {
 };
 
 }  // namespace
-
-std::optional<std::string> signatureProblem(const Hook& hook) {
-  const std::string signature = "\"" + hook.signature + "\"";
-  const auto types = methodTypes(hook);
-  if (!types) return signature + " is not a method's type encoding";
-  const std::size_t count = argumentCount(*types);
-  const std::size_t colons = colonsOf(hook);
-  if (count == colons) return std::nullopt;
-  return signature + " has " + std::to_string(count) + (count == 1 ? " argument" : " arguments") +
-         ", the selector \"" + hook.selector + "\" takes " + std::to_string(colons);
-}
 
 std::vector<std::string> warningsFor(const OpenedTweak& tweak) { return Checker(tweak).run(); }
 

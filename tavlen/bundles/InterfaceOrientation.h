@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <optional>
 #include <string_view>
 
 #include "tavlen/foundation/coding/RawValueCoding.h"
@@ -23,5 +24,10 @@ struct RawValues<InterfaceOrientation> {
   /// For error messages.
   static constexpr std::string_view typeName = "interface orientation";
 };
+
+/// The name without its common prefix: "Portrait".
+std::string_view shortName(InterfaceOrientation orientation);
+/// The orientation with that name, short or full; nothing for any other text.
+std::optional<InterfaceOrientation> orientationNamed(std::string_view name);
 
 }  // namespace tavlen

@@ -12,6 +12,13 @@ std::vector<OverrideKindInfo> section() {
                            [](const Info& info) -> Override { return Kinds::withInfo(info); }}...};
 }
 
+template <std::size_t... I>
+OverrideContainer emptyOfKind(std::size_t index, std::index_sequence<I...> /*kinds*/) {
+  OverrideContainer result;
+  ((index == I ? (void)result.value.emplace<I>() : void()), ...);
+  return result;
+}
+
 }  // namespace
 
 std::string OverrideKindInfo::localizedName() const { return MainBundle::localizedString(title); }
@@ -37,6 +44,10 @@ std::map<OverrideContainer::IndexPath, OverrideKindInfo> OverrideContainer::allB
 
 std::span<const std::string_view> OverrideContainer::supportedTypes() {
   return TypeKeyedFamily<Override>::kIdentifiers;
+}
+
+OverrideContainer OverrideContainer::emptyOfKind(std::size_t index) {
+  return tavlen::emptyOfKind(index, std::make_index_sequence<std::variant_size_v<Override>>());
 }
 
 }  // namespace tavlen

@@ -41,6 +41,10 @@ struct OverrideContainer {
   static std::map<IndexPath, OverrideKindInfo> allByIndex();
   /// The identifiers of all kinds, in the order of all().
   static std::span<const std::string_view> supportedTypes();
+  /// An override without a value, or with an empty one, of the kind at `index` of supportedTypes().
+  static OverrideContainer emptyOfKind(std::size_t index);
+  /// The identifier of the override's kind.
+  std::string_view identifier() const { return supportedTypes()[value.index()]; }
 
   bool operator==(const OverrideContainer&) const = default;
 };

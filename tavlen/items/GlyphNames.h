@@ -1,6 +1,8 @@
 #pragma once
 
 #include <optional>
+#include <string>
+#include <string_view>
 
 #include "tavlen/items/TweakGlyph.h"
 
@@ -11,10 +13,14 @@ namespace tavlen {
 /// Whether the icon exists in that style. Names compare exactly.
 bool isKnownGlyph(const TweakGlyph& glyph);
 
-/// The known glyph that was probably meant: the icon whose name needs the fewest corrections, at
-/// most three and at most a third of its letters. The style is kept if that icon has it. Of equally
-/// close names, the alphabetically first is chosen. A known glyph suggests itself. Returns nothing
-/// if no name is close enough.
+/// The known glyph that was probably meant: that of the closestName() of an icon. The style is kept
+/// if that icon has it. A known glyph suggests itself. Returns nothing if no name is close enough.
 std::optional<TweakGlyph> suggestedGlyph(const TweakGlyph& glyph);
+
+/// Reads "moon/regular", or "moon" for the style "solid" or else the icon's first one. The names
+/// need not be known.
+TweakGlyph glyphFromText(std::string_view text);
+/// The glyph as "moon/regular".
+std::string glyphText(const TweakGlyph& glyph);
 
 }  // namespace tavlen

@@ -8,13 +8,6 @@ namespace tavlen {
 
 namespace {
 
-/// Control characters (C0, DEL and C1), and the characters that break a line or change the
-/// direction of the text around them.
-bool isControl(char16_t unit) {
-  return unit < 0x20 || (unit >= 0x7F && unit < 0xA0) || unit == 0x061C || unit == 0x200E ||
-         unit == 0x200F || (unit >= 0x2028 && unit <= 0x202E) || (unit >= 0x2066 && unit <= 0x2069);
-}
-
 void appendHex(std::u16string& out, char16_t unit, int digits) {
   constexpr std::u16string_view kHex = u"0123456789abcdef";
   while (digits-- > 0) out += kHex[static_cast<std::size_t>(unit >> (4 * digits)) & 0xF];
@@ -29,6 +22,13 @@ bool isPlainASCII(char byte) { return byte >= 0x20 && byte < 0x7F; }
 
 }  // namespace
 
+bool needsEscape(char16_t unit) {
+  return unit < 0x20 || (unit >= 0x7F && unit < 0xA0) || unit == 0x061C || unit == 0x200E ||
+         unit == 0x200F || (unit >= 0x2028 && unit <= 0x202E) || (unit >= 0x2066 && unit <= 0x2069);
+}
+
+void appendUnicodeEscape(std::u16string& out, char16_t unit) { appendHex(out += u"\\u", unit, 4); }
+
 std::string escapedForTerminal(std::string_view text) {
   if (std::all_of(text.begin(), text.end(), isPlainASCII)) return std::string(text);
   std::u16string out;
@@ -37,10 +37,10 @@ std::string escapedForTerminal(std::string_view text) {
       out += u"\\n";
     } else if (unit == u'\t') {
       out += u"\\t";
-    } else if (unit < 0x80 && isControl(unit)) {
+    } else if (unit < 0x80 && needsEscape(unit)) {
       appendHex(out += u"\\x", unit, 2);
-    } else if (isControl(unit)) {
-      appendHex(out += u"\\u", unit, 4);
+    } else if (needsEscape(unit)) {
+      appendUnicodeEscape(out, unit);
     } else {
       out += unit;
     }
@@ -53,8 +53,8 @@ std::string escapedJSON(std::string json) {
   if (std::none_of(json.begin(), json.end(), mayBeginEscaped)) return json;
   std::u16string out;
   for (const char16_t unit : utf16FromUTF8(json)) {
-    if (unit >= 0x7F && isControl(unit)) {
-      appendHex(out += u"\\u", unit, 4);
+    if (unit >= 0x7F && needsEscape(unit)) {
+      appendUnicodeEscape(out, unit);
     } else {
       out += unit;
     }

@@ -3,7 +3,9 @@
 #include <compare>
 #include <cstddef>
 #include <functional>
+#include <optional>
 #include <string>
+#include <string_view>
 
 namespace tavlen {
 
@@ -26,6 +28,10 @@ inline std::string methodText(const MethodIdentity& identity) {
   return (identity.isClassMethod ? "+[" : "-[") + identity.className + " " + identity.selector +
          "]";
 }
+
+/// Reads a method as methodText() writes it. The names of classes may contain blanks, as those of
+/// generic Swift classes do; selectors never do. Returns nothing for any other text.
+std::optional<MethodIdentity> methodNamed(std::string_view text);
 
 }  // namespace tavlen
 

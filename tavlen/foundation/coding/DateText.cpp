@@ -1,4 +1,4 @@
-#include "cli/arguments/DateText.h"
+#include "tavlen/foundation/coding/DateText.h"
 
 #include <algorithm>
 #include <array>
@@ -9,7 +9,7 @@
 #include "tavlen/foundation/coding/DateTime.h"
 #include "tavlen/foundation/text/Characters.h"
 
-namespace tavlen::cli {
+namespace tavlen {
 
 namespace {
 
@@ -66,8 +66,10 @@ std::optional<Date> dateFromText(std::string_view text) {
 std::optional<std::string> textFromDate(Date date) {
   std::optional<std::string> text = dateTimeText(date);
   if (!text) return std::nullopt;
-  const double fraction =
-      date.secondsSinceReferenceDate - std::floor(date.secondsSinceReferenceDate);
+  const double whole = std::floor(date.secondsSinceReferenceDate);
+  const double fraction = date.secondsSinceReferenceDate - whole;
+  // A fraction of a second before the reference date may have more digits than the sum.
+  if (whole + fraction != date.secondsSinceReferenceDate) return std::nullopt;
   if (fraction != 0) {
     std::array<char, 1200> digits{};  // the smallest double has 1,074 digits after the point
     const auto end =
@@ -77,4 +79,4 @@ std::optional<std::string> textFromDate(Date date) {
   return *text + "Z";
 }
 
-}  // namespace tavlen::cli
+}  // namespace tavlen

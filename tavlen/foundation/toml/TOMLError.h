@@ -1,0 +1,30 @@
+#pragma once
+
+#include <string>
+#include <utility>
+
+#include "tavlen/foundation/base/DescribedError.h"
+#include "tavlen/foundation/text/TextPosition.h"
+
+namespace tavlen {
+
+/// A TOML text that is malformed, or does not contain what a reader expects. The description is
+/// "12:9: expected a string". It is not translated.
+class TOMLError : public DescribedError {
+ public:
+  /// An error at `position`.
+  TOMLError(TextPosition position, std::string text)
+      : position_(position), text_(std::move(text)) {}
+
+  /// The place of the fault.
+  TextPosition position() const { return position_; }
+  /// The fault, without the place. It may quote the text as it is.
+  const std::string& text() const { return text_; }
+  std::string description() const override { return tavlen::description(position_) + ": " + text_; }
+
+ private:
+  TextPosition position_;
+  std::string text_;
+};
+
+}  // namespace tavlen

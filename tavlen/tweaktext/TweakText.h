@@ -1,0 +1,101 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tavlen/foundation/text/TextPosition.h"
+#include "tavlen/parameters/ParameterPath.h"
+#include "tavlen/tweaks/HookCheck.h"
+#include "tavlen/tweaks/Manifest.h"
+
+/// A whole tweak as one text that people edit, tweak.toml: the records of its manifest, and the
+/// names of the files that go along.
+///
+///     [tweak]
+///     name = "Dark Notes"
+///     app = "com.example.notes"
+///     color = "lightBlue"              # optional
+///     glyph = "moon/regular"           # optional; { icon = "...", style = "..." } for odd names
+///     icon = "icon.png"                # optional, as script: paths next to the text
+///     script = "script.objs"
+///
+///     [overrides]                      # or [[override]] with kind and value
+///     DisplayName = "Dark Notes"
+///     Orientations = ["Portrait", "LandscapeLeft"]
+///
+///     [[hook]]
+///     method = "-[NoteList titleAt:]"  # or class, selector and classMethod = true
+///     types = "@24@0:8q16"             # without it, setTypes() is to be called
+///     name = "Title"                   # optional
+///     return = "Good morning"
+///     args.0 = 5
+///
+/// Values. Texts, Booleans, real numbers and dates are themselves. An integer is a real number for
+/// an argument of such a type if that holds it, an unsigned integer for an unsigned type unless it
+/// is negative, and signed otherwise, also within arrays and tables. An array is an array, a table
+/// a dictionary with texts as keys. A table whose only key begins with "$" is a value of a certain
+/// kind: "$int", "$uint" (a text beyond 2^63-1), "$double", "$date" (seconds since 2001, as in the
+/// manifest), "$url", "$color" ("#rrggbb", "#rrggbbaa", or an array of four numbers), "$nil"
+/// (true),
+/// "$code", "$class", "$selector", "$protocol", "$data", "$image" (the names of resources), and
+/// "$pairs", a dictionary of any keys, as an array of arrays of a key and a value.
+namespace tavlen {
+
+/// The places of a value in a text.
+struct ValuePlaces {
+  /// Where the value begins.
+  TextPosition position;
+  /// Whether it is written as a plain integer, whose kind the type decides.
+  bool isPlainInteger = false;
+  /// The places of the values inside it, in the order of the steps of ParameterPath.
+  std::vector<ValuePlaces> inside;
+
+  /// The position of the value at the end of `path`; that of a nearer one if the path leads on.
+  TextPosition at(const ParameterPath& path) const;
+};
+
+/// The places of a hook in a text.
+struct HookPlaces {
+  /// The hook's header.
+  TextPosition position;
+  /// The method, or the class.
+  TextPosition method;
+  /// The type encoding; nothing if the text has none.
+  std::optional<TextPosition> types;
+  /// The replacement values.
+  std::map<std::int64_t, ValuePlaces> args;
+};
+
+/// The path of a file, relative to the text's folder unless it is absolute. It is not checked.
+struct FileReference {
+  /// As written.
+  std::string path;
+  /// Where it begins.
+  TextPosition position;
+};
+
+/// A tweak that was read from a text.
+struct TweakText {
+  /// The manifest. Hooks without types have an empty signature.
+  TweakFile::Manifest manifest;
+  /// The tweak's own icon.
+  std::optional<FileReference> icon;
+  /// The tweak's script.
+  std::optional<FileReference> script;
+  /// For each of manifest._hooks.
+  std::vector<HookPlaces> hooks;
+  /// For each of manifest._overrides.
+  std::vector<TextPosition> overrides;
+
+  /// The place of a problem of the hook at index `hook`: that of the value at fault, or of the
+  /// types, or else of the method.
+  TextPosition placeOf(std::size_t hook, const HookProblem& problem) const;
+  /// Sets the signature of a hook whose types the text leaves out, and the kinds of its integers.
+  void setTypes(std::size_t hook, std::string types);
+};
+
+}  // namespace tavlen

@@ -1,0 +1,196 @@
+#include "tavlen/tweaktext/TweakTextReader.h"
+
+#include <algorithm>
+#include <charconv>
+#include <string>
+#include <tuple>
+#include <utility>
+
+#include "tavlen/foundation/base/Limits.h"
+#include "tavlen/foundation/text/Suggestion.h"
+#include "tavlen/foundation/toml/TOMLReader.h"
+#include "tavlen/items/GlyphNames.h"
+#include "tavlen/tweaktext/detail/OverrideText.h"
+#include "tavlen/tweaktext/detail/TableReader.h"
+#include "tavlen/tweaktext/detail/ValueText.h"
+
+namespace tavlen {
+
+namespace {
+
+using Configuration = TweakFile::Manifest::Configuration;
+
+/// The values of "[[name]]"; none if it is absent.
+const TOMLNode::Array& elements(const TableReader& root, std::string_view name) {
+  static const TOMLNode::Array kNone;
+  const TOMLNode::Member* member = root.find(name);
+  if (member == nullptr) return kNone;
+  return expectKind<TOMLNode::Array>(member->value, "[[" + std::string(name) + "]]");
+}
+
+// [tweak]
+
+TweakColor colorFrom(const TOMLNode& node) {
+  const std::string& name = expectText(node);
+  if (const auto color = fromRawValue<TweakColor>(name)) return *color;
+  throw TOMLError(node.position, "unknown color \"" + name + "\"" +
+                                     suggestionText(name, RawValues<TweakColor>::names));
+}
+
+TweakGlyph glyphFrom(const TOMLNode& node) {
+  if (const auto* text = std::get_if<std::string>(&node.value)) return glyphFromText(*text);
+  const TableReader table(node, {"icon", "style"});
+  return {expectText(table.require("icon")), expectText(table.require("style"))};
+}
+
+std::optional<FileReference> fileFrom(const TableReader& table, std::string_view key) {
+  const TOMLNode::Member* member = table.find(key);
+  if (member == nullptr) return std::nullopt;
+  return FileReference{expectText(member->value), member->value.position};
+}
+
+void readTweak(const TOMLNode& node, TweakText& result) {
+  const TableReader table(node, {"name", "app", "color", "glyph", "icon", "script"});
+  Configuration& configuration = result.manifest.configuration;
+  configuration.name = expectText(table.require("name"));
+  configuration.bundleID = expectText(table.require("app"));
+  if (const auto* color = table.find("color")) configuration.color = colorFrom(color->value);
+  if (const auto* glyph = table.find("glyph")) configuration._glyph = glyphFrom(glyph->value);
+  result.icon = fileFrom(table, "icon");
+  result.script = fileFrom(table, "script");
+}
+
+// [overrides] and [[override]]
+
+struct PlacedOverride {
+  TextPosition position;
+  OverrideContainer value;
+};
+
+std::size_t kindNamed(const std::string& name, TextPosition position) {
+  const auto kinds = OverrideContainer::supportedTypes();
+  const std::size_t index = TypeKeyedFamily<Override>::indexOf(name);
+  if (index < kinds.size()) return index;
+  throw TOMLError(position,
+                  "unknown kind of override \"" + name + "\"" + suggestionText(name, kinds));
+}
+
+PlacedOverride overrideFrom(const TOMLNode& node) {
+  const TableReader table(node, {"kind", "value"});
+  const TOMLNode& kind = table.require("kind");
+  const std::size_t index = kindNamed(expectText(kind), kind.position);
+  if (const auto* value = table.find("value"))
+    return {node.position, overrideFromNode(index, value->value)};
+  OverrideContainer empty = OverrideContainer::emptyOfKind(index);
+  if (!std::holds_alternative<MinimumOSVersionOverride>(empty.value)) table.require("value");
+  return {node.position, std::move(empty)};
+}
+
+void readOverrides(const TableReader& root, TweakText& result) {
+  std::vector<PlacedOverride> all;
+  if (const auto* overrides = root.find("overrides")) {
+    for (const auto& member : expectKind<TOMLNode::Table>(overrides->value, "a table")) {
+      const std::size_t index = kindNamed(member.key, member.position);
+      all.push_back({member.position, overrideFromNode(index, member.value)});
+    }
+  }
+  for (const TOMLNode& element : elements(root, "override")) all.push_back(overrideFrom(element));
+  std::sort(all.begin(), all.end(), [](const PlacedOverride& left, const PlacedOverride& right) {
+    return std::tie(left.position.line, left.position.column) <
+           std::tie(right.position.line, right.position.column);
+  });
+  for (PlacedOverride& each : all) {
+    result.overrides.push_back(each.position);
+    result.manifest._overrides.push_back(std::move(each.value));
+  }
+}
+
+// [[hook]]
+
+/// Reads the method, or the class and the selector.
+MethodIdentity identityFrom(const TableReader& table, HookPlaces& places) {
+  const auto* method = table.find("method");
+  if (method == nullptr) {
+    if (table.find("class") == nullptr && table.find("selector") == nullptr)
+      throw TOMLError(table.position(), "expected the key \"method\" in this hook");
+    const TOMLNode& className = table.require("class");
+    places.method = className.position;
+    const auto* isClassMethod = table.find("classMethod");
+    return {expectText(className), expectText(table.require("selector")),
+            isClassMethod != nullptr && expectKind<bool>(isClassMethod->value, "true or false")};
+  }
+  for (const std::string_view other : {"class", "selector", "classMethod"}) {
+    if (const auto* member = table.find(other))
+      throw TOMLError(member->position, "this hook has a \"method\" already");
+  }
+  places.method = method->value.position;
+  if (auto identity = methodNamed(expectText(method->value))) return *std::move(identity);
+  throw TOMLError(places.method, "expected a method such as \"-[Class selector]\"");
+}
+
+std::int64_t indexFrom(const TOMLNode::Member& member) {
+  std::int64_t index = 0;
+  const char* end = member.key.data() + member.key.size();
+  const auto [last, error] = std::from_chars(member.key.data(), end, index);
+  if (error == std::errc() && last == end) return index;
+  throw TOMLError(member.position,
+                  "expected the index of an argument, from 0, found \"" + member.key + "\"");
+}
+
+/// Reads the values of a hook whose types are known or empty.
+void readArguments(const TableReader& table, Hook& hook, HookPlaces& places) {
+  const auto types = HookTypes::from(hook.signature);
+  const auto add = [&](std::int64_t index, const TOMLNode::Member& member) {
+    const auto [place, isNew] = places.args.try_emplace(index);
+    if (!isNew) {
+      const bool isResult = index == Hook::kReturnValue;
+      throw TOMLError(member.position,
+                      (isResult ? std::string("the result") : "argument " + std::to_string(index)) +
+                          " has a value already");
+    }
+    const ArgumentType type = types ? types->at(index) : ArgumentType();
+    hook._args[index].value = parameterFromNode(member.value, type, place->second);
+  };
+  if (const auto* result = table.find("return")) add(Hook::kReturnValue, *result);
+  const auto* args = table.find("args");
+  if (args == nullptr) return;
+  for (const auto& member : expectKind<TOMLNode::Table>(args->value, "a table of arguments"))
+    add(indexFrom(member), member);
+}
+
+void readHook(const TOMLNode& node, TweakText& result) {
+  if (result.hooks.size() == limits::kHooks)
+    throw TOMLError(node.position, "more than " + std::to_string(limits::kHooks) + " hooks");
+  const TableReader table(
+      node, {"method", "class", "selector", "classMethod", "types", "name", "return", "args"});
+  HookPlaces& places = result.hooks.emplace_back();
+  places.position = node.position;
+  Hook hook;
+  MethodIdentity identity = identityFrom(table, places);
+  hook.className = std::move(identity.className);
+  hook.selector = std::move(identity.selector);
+  hook.isClassMethod = identity.isClassMethod;
+  if (const auto* types = table.find("types")) {
+    hook.signature = expectText(types->value);
+    places.types = types->value.position;
+  }
+  if (const auto* name = table.find("name")) hook.customName = expectText(name->value);
+  readArguments(table, hook, places);
+  result.manifest._hooks.emplace_back(std::move(hook));
+}
+
+}  // namespace
+
+TweakText readTweakText(std::string_view text) {
+  const TOMLNode document{readTOML(text), {}};
+  const TableReader root(document, {"tweak", "overrides", "override", "hook"});
+  TweakText result;
+  const auto* tweak = root.find("tweak");
+  if (tweak == nullptr) throw TOMLError({}, "expected the table [tweak] with name and app");
+  readTweak(tweak->value, result);
+  readOverrides(root, result);
+  for (const TOMLNode& hook : elements(root, "hook")) readHook(hook, result);
+  return result;
+}
+
+}  // namespace tavlen

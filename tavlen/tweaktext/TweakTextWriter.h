@@ -1,0 +1,24 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "tavlen/tweaks/Manifest.h"
+
+namespace tavlen {
+
+/// The files that the text of a tweak names.
+struct TweakTextFiles {
+  std::optional<std::string> icon;    ///< the path of the tweak's own icon
+  std::optional<std::string> script;  ///< the path of the tweak's script
+};
+
+/// Writes a tweak as the text of a tweak.toml (TweakText.h), with the declaration of each method as
+/// a comment. The text depends on nothing else, and readTweakText() returns an equal manifest, to
+/// the bit, without null hooks; only NaN are all alike.
+///
+/// Errors: EncodingError for text that is not UTF-8, and for a manifest whose text would be longer
+/// than limits::kDocumentBytes. Threads: any.
+std::string writeTweakText(const TweakFile::Manifest& manifest, const TweakTextFiles& files);
+
+}  // namespace tavlen

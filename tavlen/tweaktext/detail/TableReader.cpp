@@ -1,0 +1,35 @@
+#include "tavlen/tweaktext/detail/TableReader.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "tavlen/foundation/text/Suggestion.h"
+
+namespace tavlen {
+
+TableReader::TableReader(const TOMLNode& node, std::vector<std::string_view> known) : node_(node) {
+  for (const TOMLNode::Member& member : expectKind<TOMLNode::Table>(node, "a table")) {
+    if (std::find(known.begin(), known.end(), member.key) == known.end())
+      failUnknown(member, known);
+  }
+}
+
+const TOMLNode::Member* TableReader::find(std::string_view key) const {
+  const auto& table = std::get<TOMLNode::Table>(node_.value);
+  const auto found = std::find_if(table.begin(), table.end(), [&](const TOMLNode::Member& member) {
+    return member.key == key;
+  });
+  return found == table.end() ? nullptr : &*found;
+}
+
+const TOMLNode& TableReader::require(std::string_view key) const {
+  if (const TOMLNode::Member* member = find(key)) return member->value;
+  throw TOMLError(position(), "expected the key \"" + std::string(key) + "\" in this table");
+}
+
+void failUnknown(const TOMLNode::Member& member, const std::vector<std::string_view>& known) {
+  throw TOMLError(member.position,
+                  "unknown key \"" + member.key + "\"" + suggestionText(member.key, known));
+}
+
+}  // namespace tavlen

@@ -62,7 +62,7 @@ class Cancellation {
   throw std::system_error(std::make_error_code(std::errc::operation_canceled));
 }
 
-/// The likely reason why an image cannot be loaded.
+/// Why an image cannot be loaded, or what to do about it.
 std::string hintFor(const std::filesystem::path& file) {
   try {
     if (MachOFile::read(RandomAccessFile(file))) {

@@ -7,7 +7,7 @@ namespace tavlen {
 
 namespace {
 
-/// What a longer text would leave unused of a block is too much.
+/// A longer text would leave too much of a block unused.
 constexpr std::size_t kLongestInBlock = 1'024;
 
 }  // namespace

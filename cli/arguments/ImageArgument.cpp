@@ -34,7 +34,7 @@ std::chrono::milliseconds secondsFrom(const std::string& text) {
   const auto [last, error] = std::from_chars(text.data(), end, seconds, std::chars_format::fixed);
   // Written so that NaN fails the comparison.
   if (error != std::errc() || last != end || !(seconds > 0 && seconds <= kMost)) {
-    throw UsageError("--timeout", "not a positive number of seconds: " + text);
+    throw UsageError("--timeout", "not a positive number of seconds up to 1000000000: " + text);
   }
   return std::chrono::ceil<std::chrono::milliseconds>(std::chrono::duration<double>(seconds));
 }

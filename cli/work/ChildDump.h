@@ -23,8 +23,8 @@ struct ChildDumpOptions {
 /// print, or hang. What it prints, and the child's log, is logged. None of the classes is null.
 ///
 /// The child is this program, started again (dumpIfChild()), which is always at hand and has the
-/// same parser. The child and the processes that it starts end with the dump, and with this process
-/// however that ends.
+/// same parser. The child and the processes in its group end with the dump, and with this process
+/// however that ends; a process that the image moves to a group of its own does not.
 ///
 /// Throws DynamicClassParser::Error if the image cannot be loaded; std::system_error with
 /// std::errc::operation_canceled when the progress is cancelled; and std::runtime_error, without

@@ -227,8 +227,8 @@ TEST_F(CommandTest, CheckWarnsOfWhatIsQuestionable) {
                 place +
                 "hooks[0].signature: \"v24@0:8@16\" has 1 argument, the selector "
                 "\"set:to:\" takes 2\n" +
-                place + "hooks[0].args.7: the method has no such argument\n" + place +
-                "hooks[0].args.-1: the method returns nothing\n" + place +
+                place + "hooks[0].args.-1: the method returns nothing\n" + place +
+                "hooks[0].args.7: the method has no such argument\n" + place +
                 "hooks[0].args.0.filename: the resource \"../x.png\" lies outside of "
                 "Resources\n" +
                 place +

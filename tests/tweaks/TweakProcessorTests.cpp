@@ -208,7 +208,7 @@ TEST_F(GeneratedCodeTest, HooksDoWhatTheirParametersSay) {
       {"WelcomeViewController", "@24@0:8Q16-titleForState:", "[7]",
        "\"Welcome back, \\\"friend\\\" \\\\o/\"\norig(7)"},
       {"WelcomeViewController", "v40@0:8q16Q24d32-setBadge:maximum:ratio:", "[1, 2, 3]",
-       "original\norig(-3, 18446744073709552000, 0.1)"},
+       "original\norig(-3, 9007199254740991, 0.1)"},
       {"AppSettings", "B16@0:8-isEnabled", "[]", "true\norig()"},
       {"AppSettings", "v40@0:8#16:24@32-registerClass:action:conforming:", "[1, 2, 3]",
        "original\norig(NSClassFromString<@@>(\"NSObject\"), "

@@ -11,6 +11,7 @@
 #include "tavlen/foundation/base/Limits.h"
 #include "tavlen/foundation/coding/Discarded.h"
 #include "tavlen/foundation/files/DiskSync.h"
+#include "tavlen/foundation/files/ExclusiveRename.h"
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/foundation/files/FileTree.h"
 #include "tavlen/foundation/files/TemporaryFile.h"
@@ -73,6 +74,23 @@ void syncDocuments(const std::filesystem::path& folder) {
     if (fs::is_regular_file(root.status(file))) root.open(file, kOpenToRead).sync(file);
   }
   syncFolder(folder);
+}
+
+/// Exchanges two folders of one volume.
+void exchange(const fs::path& payload, const fs::path& folder) {
+  const int error = exchangeEntries(payload.c_str(), folder.c_str());
+  if (error == 0) return;
+  if (error != ENOTSUP) throw std::system_error(error, std::generic_category(), folder.string());
+  fs::path old = payload;
+  old += ".old";
+  fs::rename(folder, old);
+  try {
+    fs::rename(payload, folder);
+  } catch (const std::system_error&) {
+    fs::rename(old, folder);
+    throw;
+  }
+  fs::rename(old, payload);
 }
 
 }  // namespace
@@ -140,6 +158,16 @@ std::shared_ptr<TweakFile> TweakFile::handlePayloadAt(const std::filesystem::pat
   std::shared_ptr<TweakFile> tweak(new TweakFile(uniqueTweakURL()));
   moveItem(payload->url(), tweak->url());
   return tweak;
+}
+
+void TweakFile::replaceBy(const fs::path& payload) {
+  handle(payload)->validate();
+  syncDocuments(payload);
+  const fs::path folder = canonical(DeviceRoot::shared(), url());
+  exchange(payload, folder);
+  syncFolder(folder.parent_path());
+  post(std::make_shared<Diff>(shared_from_this(), Diff::UpdateManifest()));
+  post(std::make_shared<Diff>(shared_from_this(), Diff::UpdateIcon()));
 }
 
 bool TweakFile::isValidID(std::string_view text) { return text.find('.') == text.npos; }

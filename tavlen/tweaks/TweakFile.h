@@ -60,6 +60,13 @@ class TweakFile : public TweakProtocol, public std::enable_shared_from_this<Twea
   /// store.
   static std::shared_ptr<TweakFile> handlePayloadAt(const std::filesystem::path& url);
 
+  /// Replaces the whole tweak by the tweak folder `payload` of the same volume, which then holds
+  /// the old tweak, and posts the change of the manifest and of the icon. The two are exchanged in
+  /// one step. Where the volume cannot do that, readers may miss the tweak for a moment, and
+  /// `payload` has a namesake with the extension "old" if a crash ends the process just then.
+  /// Throws std::system_error and what validate() throws; the tweak is then unchanged.
+  void replaceBy(const std::filesystem::path& payload);
+
   /// Whether a stored item of that identifier is a tweak: the identifier contains no full stop.
   static bool isValidID(std::string_view text);
   /// An unused path for a new tweak in the tweaks directory. Creates nothing.

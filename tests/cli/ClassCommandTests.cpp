@@ -133,7 +133,8 @@ TEST_F(ClassCommandTest, SaysWhyThereAreNoClassesOnTheAgentPort) {
        {"image.so --parser remote", 1, "image.so: not inside an .app bundle"},
        {"/dev/null", 1, "/dev/null: not a regular file"},
        {"image.so --parser swift", 2, "--parser: not auto, static, dynamic or remote: swift"},
-       {"image.so --timeout 0", 2, "--timeout: not a positive number of seconds up to 1000000000: 0\n"},
+       {"image.so --timeout 0", 2,
+        "--timeout: not a positive number of seconds up to 1000000000: 0\n"},
        {"image.so --timeout 1s", 2, "--timeout: not a"},
        {"image.so --timeout nan", 2, "--timeout: not a"}});
   EXPECT_THAT(run("classes --verbose text.so").err, HasSubstr("dlopen encountered error: "));

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <filesystem>
+#include <set>
+#include <string>
+
+namespace tavlen::cli {
+
+/// The files of a tweak that its text does not contain, in the folders Resources and Executables of
+/// `folder`, at any depth: their paths relative to it. A link counts as the file that it
+/// leads to. Warns of entries that cannot go along, such as links that lead out. Folders that do
+/// not exist are empty. Links below the device root are the device's. Throws std::system_error.
+std::set<std::string> attachedFiles(const std::filesystem::path& folder);
+
+/// The two folders.
+inline constexpr const char* kAttachedFolders[] = {"Resources", "Executables"};
+
+/// Whether both folders have a file at the relative path `name`, with the same bytes. Throws
+/// std::system_error.
+bool isSameFile(const std::filesystem::path& one, const std::filesystem::path& other,
+                const std::string& name);
+
+/// Copies the file at the relative path `name`, with its permissions, and replaces any file there.
+/// Makes the folders that lead to it. Throws std::system_error, and std::runtime_error if the path
+/// leads out of `to`.
+void copyAttachedFile(const std::filesystem::path& from, const std::filesystem::path& to,
+                      const std::string& name);
+
+}  // namespace tavlen::cli

@@ -16,6 +16,7 @@
 #include "cli/work/TextInput.h"
 #include "cli/work/TweakChanges.h"
 #include "tavlen/device/DeviceFiles.h"
+#include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/foundation/files/FileTree.h"
 #include "tavlen/foundation/files/TemporaryDirectory.h"
 #include "tavlen/foundation/text/EscapedText.h"
@@ -111,7 +112,12 @@ void printLines(const std::vector<std::string>& changes) {
 
 /// Changes a stored tweak: a copy of it, which then takes its place in one step.
 void change(TweakFile& tweak, const Contents& before, const TextInput& input) {
-  const TemporaryDirectory folder(canonical(DeviceRoot::shared(), tweak.url()).parent_path());
+  const fs::path place = canonical(DeviceRoot::shared(), tweak.url());
+  if (isAtOrBelow(fs::current_path(), place)) {
+    throw std::runtime_error(place.string() +
+                             ": the folder is replaced; run the command in another one");
+  }
+  const TemporaryDirectory folder(place.parent_path());
   const fs::path draft = folder.path() / "tweak";
   tweak.preparePayloadIn(draft);
   write(draft, before, input);
@@ -166,14 +172,15 @@ void addApplyCommand(Command app) {
       "apply", "Make a tweak from a text and print its identifier, or change one and print how");
   const auto options = std::make_shared<Options>();
   command
-      .text("FILE|DIR", options->text,
+      .text("TEXT", options->text,
             "The text, or a folder with tweak.toml and its files, as written by dump; - for the "
             "standard input")
+      .typeName("FILE|DIR")
       .required()
       .notEmpty();
   command
       .text("--to", options->tweak,
-            "The tweak that becomes what the text says, and keeps its identifier: its identifier, "
+            "Change this tweak, which keeps its identifier, instead of making one: its identifier, "
             "its name, or its path")
       .typeName("TWEAK")
       .notEmpty();

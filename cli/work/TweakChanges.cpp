@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <iterator>
 #include <map>
+#include <optional>
 #include <set>
 #include <utility>
 
@@ -51,21 +53,24 @@ Named<OverrideContainer> overridesOf(const TweakFile::Manifest& manifest) {
 
 void addSetting(Sentences& changes, const std::string& name, const std::string& before,
                 const std::string& after) {
-  if (before == after) return;
   changes.push_back("changed " + name + ": \"" + before + "\" -> \"" + after + "\"");
 }
 
-/// The glyph as stored; empty if the manifest has none.
-std::string storedGlyph(const Configuration& configuration) {
-  return configuration._glyph ? glyphText(*configuration._glyph) : "";
+/// The glyph as stored; empty if there is none.
+std::string storedGlyph(const std::optional<TweakGlyph>& glyph) {
+  return glyph ? glyphText(*glyph) : "";
 }
 
 void addSettings(Sentences& changes, const Configuration& before, const Configuration& after) {
-  addSetting(changes, "name", before.name, after.name);
-  addSetting(changes, "app", before.bundleID, after.bundleID);
-  addSetting(changes, "color", std::string(rawValue(before.color)),
-             std::string(rawValue(after.color)));
-  addSetting(changes, "glyph", storedGlyph(before), storedGlyph(after));
+  if (before.name != after.name) addSetting(changes, "name", before.name, after.name);
+  if (before.bundleID != after.bundleID)
+    addSetting(changes, "app", before.bundleID, after.bundleID);
+  if (before.color != after.color) {
+    addSetting(changes, "color", std::string(rawValue(before.color)),
+               std::string(rawValue(after.color)));
+  }
+  if (before._glyph != after._glyph)
+    addSetting(changes, "glyph", storedGlyph(before._glyph), storedGlyph(after._glyph));
 }
 
 /// The parts of a hook that differ, by their keys in a text.

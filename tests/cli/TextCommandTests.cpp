@@ -58,9 +58,10 @@ TEST_F(TextCommandTest, ApplyChangesAllOrNothingAndSaysWhat) {
   EXPECT_EQ(run("apply T" + to).err, "tavlen: the tweak is unchanged\n");
   fs::remove(folder() / "T/Resources/old");
   write("T/Resources/new", "");
-  writeText("[[hook]]\nmethod = \"-[A b]\"\ntypes = \"q16@0:8\"\n[[hook]]\nmethod = \"-[A a]\"\n"
-            "types = \"Q16@0:8\"\nreturn = 1\n",
-            "color = \"darkRed\"\n");
+  writeText(
+      "[[hook]]\nmethod = \"-[A b]\"\ntypes = \"q16@0:8\"\n[[hook]]\nmethod = \"-[A a]\"\n"
+      "types = \"Q16@0:8\"\nreturn = 1\n",
+      "color = \"darkRed\"\n");
   const std::string changes =
       "changed color: \"lightGreen\" -> \"darkRed\"\nremoved override Version\nadded hook -[A b]\n"
       "changed hook -[A a]: types, return\nremoved the script\nremoved Resources/old\n"
@@ -103,8 +104,9 @@ TEST_F(TextCommandTest, ApplyFindsTypesInTheAppAndNamesPlaces) {
     EXPECT_THAT(result.err, StartsWith(message));
   }
   EXPECT_EQ(shell("ls tree" + std::string(kTweaksDir)).out, first);
-  writeText("[[hook]]\nmethod = \"-[A a:]\"\ntypes = \"v20@0:8B16\"\nargs.0 = \"x\"\n"
-            "return = [{ \"$data\" = \"../x\" }, { \"$image\" = \"x\" }]\n");
+  writeText(
+      "[[hook]]\nmethod = \"-[A a:]\"\ntypes = \"v20@0:8B16\"\nargs.0 = \"x\"\n"
+      "return = [{ \"$data\" = \"../x\" }, { \"$image\" = \"x\" }]\n");
   const Result warned = run("apply T --dry-run");
   EXPECT_THAT(warned.err, HasSubstr("T/tweak.toml:7:10: warning: a text for a Boolean\n"));
   EXPECT_THAT(warned.err, HasSubstr("T/tweak.toml:8:11: warning: the resource \"../x\" lies out"));

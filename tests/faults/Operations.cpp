@@ -105,13 +105,15 @@ std::vector<Operation> storeOperations() {
        .leftover = Leftover::halfMadeItem},
       {"Delete", [] { firstTweak()->remove(); }},
       {"Script", [] { firstTweak()->writeScript("changed();\n"); }},
-      {"Replacement",
-       [] {
-         const TemporaryDirectory folder(TweaksDirectory::url());
-         firstTweak()->preparePayloadIn(folder.path() / "draft");
-         TweakFile::handle(folder.path() / "draft")->writeScript("changed();\n");
-         firstTweak()->replaceBy(folder.path() / "draft");
-       }},
+      {.name = "Replacement",
+       .run =
+           [] {
+             const TemporaryDirectory folder(TweaksDirectory::url());
+             firstTweak()->preparePayloadIn(folder.path() / "draft");
+             TweakFile::handle(folder.path() / "draft")->writeScript("changed();\n");
+             firstTweak()->replaceBy(folder.path() / "draft");
+           },
+       .survivesInterrupts = false},
       {"IconSet", [] { firstTweak()->writeCustomIcon(kPicture); }},
       {.name = "IconClear",
        .run = [] { firstTweak()->writeCustomIcon(std::nullopt); },

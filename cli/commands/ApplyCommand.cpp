@@ -11,7 +11,7 @@
 #include "cli/arguments/StoredItem.h"
 #include "cli/commands/Commands.h"
 #include "cli/terminal/Console.h"
-#include "cli/work/FolderFiles.h"
+#include "cli/work/AttachedFiles.h"
 #include "cli/work/StoreLock.h"
 #include "cli/work/TextInput.h"
 #include "cli/work/TweakChanges.h"
@@ -35,7 +35,7 @@ struct Options {
   bool isDryRun = false;
 };
 
-/// What a tweak consists of next to its text.
+/// What a stored tweak consists of.
 struct Contents {
   TweakFile::Manifest manifest;
   std::optional<Image> icon;
@@ -100,7 +100,7 @@ void write(const fs::path& draft, const Contents& before, const TextInput& input
   if (input.script) {
     if (before.script != input.script) tweak->writeScript(*input.script);
   } else {
-    removeItem(draft / "script.objs");
+    removeItem(draft / TweakFile::scriptFile);
   }
   for (const std::string& name : removedFiles(before, input)) removeItem(draft / name);
   for (const std::string& name : input.files) copyAttachedFile(input.folder, draft, name);

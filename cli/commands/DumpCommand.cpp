@@ -10,7 +10,7 @@
 #include "cli/commands/Commands.h"
 #include "cli/terminal/Console.h"
 #include "cli/terminal/ShownText.h"
-#include "cli/work/FolderFiles.h"
+#include "cli/work/AttachedFiles.h"
 #include "cli/work/TextInput.h"
 #include "tavlen/foundation/files/FileReplacement.h"
 #include "tavlen/foundation/files/FileSystem.h"
@@ -24,8 +24,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr const char* kStandardOutput = "-";
-constexpr const char* kIconFile = "Icon.png";
-constexpr const char* kScriptFile = "script.objs";
 
 struct Options {
   std::string tweak;
@@ -49,8 +47,8 @@ Dump dumpOf(const std::string& name) {
   dump.folder = tweak.file->url();
   dump.files = attachedFiles(dump.folder);
   TweakTextFiles files;
-  if (dump.icon) files.icon = kIconFile;
-  if (dump.script) files.script = kScriptFile;
+  if (dump.icon) files.icon = TweakFile::iconFile;
+  if (dump.script) files.script = TweakFile::scriptFile;
   dump.text = writeTweakText(tweak.manifest, files);
   return dump;
 }
@@ -77,8 +75,8 @@ void warnOfFiles(const Dump& dump) {
   const auto add = [&](const std::string& name) {
     missing += (missing.empty() ? "" : ", ") + name;
   };
-  if (dump.icon) add(kIconFile);
-  if (dump.script) add(kScriptFile);
+  if (dump.icon) add(TweakFile::iconFile);
+  if (dump.script) add(TweakFile::scriptFile);
   for (const std::string& name : dump.files) add(name);
   if (missing.empty()) return;
   printWarning("the text does not contain " + missing + "; -o DIR writes a folder with everything");
@@ -100,8 +98,8 @@ void writeFolder(const Dump& dump, const fs::path& folder) {
     if (dump.files.contains(name)) continue;
     printWarning((folder / name).string() + ": is not a file of the tweak; apply would add it");
   }
-  if (dump.icon) replaceFile(folder / kIconFile, dump.icon->pngData());
-  if (dump.script) replaceFile(folder / kScriptFile, *dump.script);
+  if (dump.icon) replaceFile(folder / TweakFile::iconFile, dump.icon->pngData());
+  if (dump.script) replaceFile(folder / TweakFile::scriptFile, *dump.script);
   // The text last: with it, the folder is complete.
   replaceFile(text, dump.text);
 }

@@ -8,7 +8,7 @@
 
 #include "cli/terminal/Console.h"
 #include "cli/terminal/ShownText.h"
-#include "cli/work/FolderFiles.h"
+#include "cli/work/AttachedFiles.h"
 #include "cli/work/TextMessages.h"
 #include "cli/work/TextTypes.h"
 #include "tavlen/device/DeviceFiles.h"
@@ -21,8 +21,6 @@ namespace tavlen::cli {
 namespace {
 
 namespace fs = std::filesystem;
-
-constexpr const char* kResources = kAttachedFolders[0];
 
 /// Reads one text and what it names.
 class Reader {
@@ -123,11 +121,12 @@ class Reader {
   /// Adds the file of a resource that a hook names, or warns that the tweak will not have it.
   void addResource(const std::string& name, TextPosition position) {
     const DeviceRoot root = DeviceRoot::shared();
-    const auto file = pathInside(root, input_.folder / kResources, name);
+    const auto file = pathInside(root, input_.folder / TweakFile::resourcesFolder, name);
     if (!file) {
       return messages_.warning(position, "the resource \"" + name + "\" lies outside of Resources");
     }
-    const std::string path = (fs::path(kResources) / name).lexically_normal().string();
+    const std::string path =
+        (fs::path(TweakFile::resourcesFolder) / name).lexically_normal().string();
     if (fs::is_regular_file(root.status(*file))) {
       input_.files.insert(path);
     } else if (!isKept(path)) {
@@ -137,7 +136,7 @@ class Reader {
 
   /// Whether the tweak has the resource already, and keeps it.
   bool isKept(const std::string& path) const {
-    if (target_.empty() || input_.wholeFolders.contains(kResources)) return false;
+    if (target_.empty() || input_.wholeFolders.contains(TweakFile::resourcesFolder)) return false;
     return fs::is_regular_file(DeviceRoot::shared().status(target_ / path));
   }
 

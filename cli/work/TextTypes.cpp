@@ -68,11 +68,11 @@ void lookUpTypes(TweakText& text, TextMessages& messages) {
     // file to load.
     app.image = IPA::findWithBundleID(text.manifest.configuration.bundleID)->appDir().string();
     setTypes(text, hooks, app, messages);
-  } catch (const std::system_error& error) {
-    if (error.code() == std::errc::operation_canceled) throw;
-    messages.error(text.hooks[hooks.front()].method, "no types: " + errorText(error));
   } catch (const std::exception& error) {
-    messages.error(text.hooks[hooks.front()].method, "no types: " + errorText(error));
+    const auto* failure = dynamic_cast<const std::system_error*>(&error);
+    if (failure != nullptr && failure->code() == std::errc::operation_canceled) throw;
+    messages.error(text.hooks[hooks.front()].method,
+                   "no types, and the app's classes cannot be read: " + errorText(error));
   }
 }
 

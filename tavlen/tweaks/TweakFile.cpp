@@ -30,10 +30,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr const char* kManifestFile = "Manifest.json";
-constexpr const char* kIconFile = "Icon.png";
-constexpr const char* kScriptFile = "script.objs";
-constexpr const char* kResourcesFolder = "Resources";
-constexpr const char* kExecutablesFolder = "Executables";
 
 /// A manifest for callers that need only its settings: the rest is checked and discarded.
 struct ManifestSummary {
@@ -53,8 +49,8 @@ void store(const fs::path& file, std::string_view contents) {
 }
 
 void storeIcon(const fs::path& folder, const std::optional<Image>& icon) {
-  if (icon) return store(folder / kIconFile, icon->pngData());
-  const fs::path file = DeviceRoot::shared().followParent(folder / kIconFile);
+  if (icon) return store(folder / TweakFile::iconFile, icon->pngData());
+  const fs::path file = DeviceRoot::shared().followParent(folder / TweakFile::iconFile);
   std::error_code error;
   fs::remove(file, error);
   if (error) throw std::system_error(error, file.string());
@@ -69,7 +65,7 @@ void post(TweakDiff diff) {
 /// may be large, and can be imported again.
 void syncDocuments(const std::filesystem::path& folder) {
   const DeviceRoot root = DeviceRoot::shared();
-  for (const char* name : {kManifestFile, kScriptFile, kIconFile}) {
+  for (const char* name : {kManifestFile, TweakFile::scriptFile, TweakFile::iconFile}) {
     const fs::path file = folder / name;
     if (fs::is_regular_file(root.status(file))) root.open(file, kOpenToRead).sync(file);
   }
@@ -134,8 +130,8 @@ std::shared_ptr<TweakFile> TweakFile::create(std::string name, TweakColor color,
     sweepTemporaryFiles(FileDescriptor::open(folder, O_RDONLY | O_DIRECTORY).get());
     const fs::path draft = folder / temporaryName();
     fs::create_directory(draft);
-    fs::create_directory(draft / kResourcesFolder);
-    fs::create_directory(draft / kExecutablesFolder);
+    fs::create_directory(draft / resourcesFolder);
+    fs::create_directory(draft / executablesFolder);
     Manifest manifest;
     manifest.configuration = {std::move(name), color, std::move(bundleID), std::move(glyph)};
     store(draft / kManifestFile, encodeDocument(manifest));
@@ -174,9 +170,9 @@ bool TweakFile::isValidID(std::string_view text) { return text.find('.') == text
 
 std::filesystem::path TweakFile::uniqueTweakURL() { return TweaksDirectory::uniqueURL(); }
 
-std::filesystem::path TweakFile::resourcesDir() const { return url() / kResourcesFolder / ""; }
+std::filesystem::path TweakFile::resourcesDir() const { return url() / resourcesFolder / ""; }
 
-std::filesystem::path TweakFile::executablesDir() const { return url() / kExecutablesFolder / ""; }
+std::filesystem::path TweakFile::executablesDir() const { return url() / executablesFolder / ""; }
 
 std::string TweakFile::documentInFolder() const {
   try {
@@ -223,7 +219,7 @@ void TweakFile::updateManifest(const std::function<void(Manifest&)>& change) {
 std::optional<Image> TweakFile::customIcon() const {
   try {
     const std::optional<std::string> bytes =
-        readFileUpTo(openedFile(DeviceRoot::shared(), url() / kIconFile), limits::kIconFileBytes);
+        readFileUpTo(openedFile(DeviceRoot::shared(), url() / iconFile), limits::kIconFileBytes);
     return bytes ? Image::decode(*bytes) : std::nullopt;
   } catch (const std::exception&) {
     return std::nullopt;
@@ -271,7 +267,7 @@ std::string TweakFile::script() const {
 
 std::optional<std::string> TweakFile::readScript() const {
   const DeviceRoot root = DeviceRoot::shared();
-  const fs::path file = url() / kScriptFile;
+  const fs::path file = url() / scriptFile;
   if (!isTaken(root.followParent(file))) return std::nullopt;
   return readText(openedFile(root, file));
 }
@@ -285,7 +281,7 @@ void TweakFile::setScript(std::string_view text) {
 }
 
 void TweakFile::writeScript(std::string_view text) {
-  const fs::path file = url() / kScriptFile;
+  const fs::path file = url() / scriptFile;
   // readScript() would reject such a file.
   if (!isValidUTF8(text)) throw std::system_error(EILSEQ, std::generic_category(), file.string());
   store(file, text);

@@ -36,6 +36,13 @@ class TweakFile : public TweakProtocol, public std::enable_shared_from_this<Twea
   /// The extension of archives of tweaks, without the full stop.
   static constexpr std::string_view compressedExtension = "tvx";
 
+  /// The names, in a tweak's folder, of the user's own icon, the script, and the folders of other
+  /// files. Each of them may be missing.
+  static constexpr const char* iconFile = "Icon.png";
+  static constexpr const char* scriptFile = "script.objs";
+  static constexpr const char* resourcesFolder = "Resources";
+  static constexpr const char* executablesFolder = "Executables";
+
   /// Opens the folder at `url` and reads its manifest once to check it. Throws as validate() does.
   static std::shared_ptr<TweakFile> at(std::filesystem::path url);
   /// As at(), but also returns the manifest that was read. Throws as at() does.

@@ -1,4 +1,4 @@
-#include "cli/work/FolderFiles.h"
+#include "cli/work/AttachedFiles.h"
 
 #include <cerrno>
 #include <optional>
@@ -48,7 +48,7 @@ void addFiles(std::set<std::string>& names, const fs::path& folder, const std::s
     if (fileAt(folder, name)) {
       names.insert(name);
     } else {
-      printWarning((folder / name).string() + ": is no file of the tweak's and is left out");
+      printWarning((folder / name).string() + ": is not a file of the folder, and is left out");
     }
   }
 }

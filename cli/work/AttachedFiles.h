@@ -1,19 +1,23 @@
 #pragma once
 
+#include <array>
 #include <filesystem>
 #include <set>
 #include <string>
 
+#include "tavlen/tweaks/TweakFile.h"
+
 namespace tavlen::cli {
 
-/// The files of a tweak that its text does not contain, in the folders Resources and Executables of
-/// `folder`, at any depth: their paths relative to it. A link counts as the file that it
-/// leads to. Warns of entries that cannot go along, such as links that lead out. Folders that do
-/// not exist are empty. Links below the device root are the device's. Throws std::system_error.
-std::set<std::string> attachedFiles(const std::filesystem::path& folder);
+/// The folders of a tweak for files that its text does not contain.
+inline constexpr std::array kAttachedFolders = {TweakFile::resourcesFolder,
+                                                TweakFile::executablesFolder};
 
-/// The two folders.
-inline constexpr const char* kAttachedFolders[] = {"Resources", "Executables"};
+/// The files in kAttachedFolders of `folder`, at any depth: their paths relative to `folder`. A
+/// link counts as the file that it leads to. Warns of entries that cannot go along, such as links
+/// that lead out. Folders that do not exist are empty. Links below the device root are the
+/// device's. Throws std::system_error.
+std::set<std::string> attachedFiles(const std::filesystem::path& folder);
 
 /// Whether both folders have a file at the relative path `name`, with the same bytes. Throws
 /// std::system_error.

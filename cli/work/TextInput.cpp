@@ -81,9 +81,11 @@ class Reader {
   }
 
   void readScript(const FileReference& reference) {
-    input_.script = contentsOf(reference);
-    if (input_.script && !isValidUTF8(*input_.script))
-      messages_.error(reference.position, reference.path + ": is not UTF-8");
+    const auto bytes = contentsOf(reference);
+    if (!bytes) return;
+    // As a stored script is read: without a byte order mark.
+    input_.script = textFromBytes(*bytes);
+    if (!input_.script) messages_.error(reference.position, reference.path + ": is not UTF-8");
   }
 
   void addFiles() {

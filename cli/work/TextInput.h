@@ -15,8 +15,11 @@ inline constexpr const char* kTextFile = "tweak.toml";
 
 /// A tweak as a text describes it, with the other files of the tweak.
 struct TextInput {
+  /// With the types of all hooks, and without null hooks.
   TweakFile::Manifest manifest;
+  /// The tweak's own icon.
   std::optional<Image> icon;
+  /// The tweak's script, in UTF-8.
   std::optional<std::string> script;
   /// The folder that contains the text.
   std::filesystem::path folder;

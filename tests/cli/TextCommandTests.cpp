@@ -1,7 +1,5 @@
 #include <gmock/gmock.h>
 
-#include <algorithm>
-
 #include "tavlen/tweaks/Manifest.h"
 #include "tests/cli/CommandTest.h"
 

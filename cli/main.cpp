@@ -22,6 +22,8 @@ constexpr int kFailure = 1;
 void addCommands(tavlen::cli::Command command) {
   tavlen::cli::addSourceCommand(command);
   tavlen::cli::addBuildCommand(command);
+  tavlen::cli::addDumpCommand(command);
+  tavlen::cli::addApplyCommand(command);
   tavlen::cli::addLocateCommand(command);
   tavlen::cli::addCheckCommand(command);
   tavlen::cli::addListCommand(command);

@@ -12,6 +12,10 @@ namespace tavlen::cli {
 void addSourceCommand(Command app);
 /// Adds `build`.
 void addBuildCommand(Command app);
+/// Adds `dump`.
+void addDumpCommand(Command app);
+/// Adds `apply`.
+void addApplyCommand(Command app);
 /// Adds `locate`.
 void addLocateCommand(Command app);
 /// Adds `check`.

@@ -11,6 +11,7 @@
 #include "tavlen/foundation/base/Limits.h"
 #include "tavlen/foundation/coding/Discarded.h"
 #include "tavlen/foundation/files/DiskSync.h"
+#include "tavlen/foundation/files/ExclusiveRename.h"
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/foundation/files/FileTree.h"
 #include "tavlen/foundation/files/TemporaryFile.h"
@@ -29,10 +30,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr const char* kManifestFile = "Manifest.json";
-constexpr const char* kIconFile = "Icon.png";
-constexpr const char* kScriptFile = "script.objs";
-constexpr const char* kResourcesFolder = "Resources";
-constexpr const char* kExecutablesFolder = "Executables";
 
 /// A manifest for callers that need only its settings: the rest is checked and discarded.
 struct ManifestSummary {
@@ -52,8 +49,8 @@ void store(const fs::path& file, std::string_view contents) {
 }
 
 void storeIcon(const fs::path& folder, const std::optional<Image>& icon) {
-  if (icon) return store(folder / kIconFile, icon->pngData());
-  const fs::path file = DeviceRoot::shared().followParent(folder / kIconFile);
+  if (icon) return store(folder / TweakFile::iconFile, icon->pngData());
+  const fs::path file = DeviceRoot::shared().followParent(folder / TweakFile::iconFile);
   std::error_code error;
   fs::remove(file, error);
   if (error) throw std::system_error(error, file.string());
@@ -68,11 +65,28 @@ void post(TweakDiff diff) {
 /// may be large, and can be imported again.
 void syncDocuments(const std::filesystem::path& folder) {
   const DeviceRoot root = DeviceRoot::shared();
-  for (const char* name : {kManifestFile, kScriptFile, kIconFile}) {
+  for (const char* name : {kManifestFile, TweakFile::scriptFile, TweakFile::iconFile}) {
     const fs::path file = folder / name;
     if (fs::is_regular_file(root.status(file))) root.open(file, kOpenToRead).sync(file);
   }
   syncFolder(folder);
+}
+
+/// Exchanges two folders of one volume.
+void exchange(const fs::path& payload, const fs::path& folder) {
+  const int error = exchangeEntries(payload.c_str(), folder.c_str());
+  if (error == 0) return;
+  if (error != ENOTSUP) throw std::system_error(error, std::generic_category(), folder.string());
+  fs::path old = payload;
+  old += ".old";
+  fs::rename(folder, old);
+  try {
+    fs::rename(payload, folder);
+  } catch (const std::system_error&) {
+    fs::rename(old, folder);
+    throw;
+  }
+  fs::rename(old, payload);
 }
 
 }  // namespace
@@ -116,8 +130,8 @@ std::shared_ptr<TweakFile> TweakFile::create(std::string name, TweakColor color,
     sweepTemporaryFiles(FileDescriptor::open(folder, O_RDONLY | O_DIRECTORY).get());
     const fs::path draft = folder / temporaryName();
     fs::create_directory(draft);
-    fs::create_directory(draft / kResourcesFolder);
-    fs::create_directory(draft / kExecutablesFolder);
+    fs::create_directory(draft / resourcesFolder);
+    fs::create_directory(draft / executablesFolder);
     Manifest manifest;
     manifest.configuration = {std::move(name), color, std::move(bundleID), std::move(glyph)};
     store(draft / kManifestFile, encodeDocument(manifest));
@@ -142,13 +156,23 @@ std::shared_ptr<TweakFile> TweakFile::handlePayloadAt(const std::filesystem::pat
   return tweak;
 }
 
+void TweakFile::replaceBy(const fs::path& payload) {
+  handle(payload)->validate();
+  syncDocuments(payload);
+  const fs::path folder = canonical(DeviceRoot::shared(), url());
+  exchange(payload, folder);
+  syncFolder(folder.parent_path());
+  post(std::make_shared<Diff>(shared_from_this(), Diff::UpdateManifest()));
+  post(std::make_shared<Diff>(shared_from_this(), Diff::UpdateIcon()));
+}
+
 bool TweakFile::isValidID(std::string_view text) { return text.find('.') == text.npos; }
 
 std::filesystem::path TweakFile::uniqueTweakURL() { return TweaksDirectory::uniqueURL(); }
 
-std::filesystem::path TweakFile::resourcesDir() const { return url() / kResourcesFolder / ""; }
+std::filesystem::path TweakFile::resourcesDir() const { return url() / resourcesFolder / ""; }
 
-std::filesystem::path TweakFile::executablesDir() const { return url() / kExecutablesFolder / ""; }
+std::filesystem::path TweakFile::executablesDir() const { return url() / executablesFolder / ""; }
 
 std::string TweakFile::documentInFolder() const {
   try {
@@ -195,7 +219,7 @@ void TweakFile::updateManifest(const std::function<void(Manifest&)>& change) {
 std::optional<Image> TweakFile::customIcon() const {
   try {
     const std::optional<std::string> bytes =
-        readFileUpTo(openedFile(DeviceRoot::shared(), url() / kIconFile), limits::kIconFileBytes);
+        readFileUpTo(openedFile(DeviceRoot::shared(), url() / iconFile), limits::kIconFileBytes);
     return bytes ? Image::decode(*bytes) : std::nullopt;
   } catch (const std::exception&) {
     return std::nullopt;
@@ -243,7 +267,7 @@ std::string TweakFile::script() const {
 
 std::optional<std::string> TweakFile::readScript() const {
   const DeviceRoot root = DeviceRoot::shared();
-  const fs::path file = url() / kScriptFile;
+  const fs::path file = url() / scriptFile;
   if (!isTaken(root.followParent(file))) return std::nullopt;
   return readText(openedFile(root, file));
 }
@@ -257,7 +281,7 @@ void TweakFile::setScript(std::string_view text) {
 }
 
 void TweakFile::writeScript(std::string_view text) {
-  const fs::path file = url() / kScriptFile;
+  const fs::path file = url() / scriptFile;
   // readScript() would reject such a file.
   if (!isValidUTF8(text)) throw std::system_error(EILSEQ, std::generic_category(), file.string());
   store(file, text);

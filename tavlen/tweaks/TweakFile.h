@@ -36,6 +36,13 @@ class TweakFile : public TweakProtocol, public std::enable_shared_from_this<Twea
   /// The extension of archives of tweaks, without the full stop.
   static constexpr std::string_view compressedExtension = "tvx";
 
+  /// The names, in a tweak's folder, of the user's own icon, the script, and the folders of other
+  /// files. Each of them may be missing.
+  static constexpr const char* iconFile = "Icon.png";
+  static constexpr const char* scriptFile = "script.objs";
+  static constexpr const char* resourcesFolder = "Resources";
+  static constexpr const char* executablesFolder = "Executables";
+
   /// Opens the folder at `url` and reads its manifest once to check it. Throws as validate() does.
   static std::shared_ptr<TweakFile> at(std::filesystem::path url);
   /// As at(), but also returns the manifest that was read. Throws as at() does.
@@ -59,6 +66,13 @@ class TweakFile : public TweakProtocol, public std::enable_shared_from_this<Twea
   /// is a symbolic link, std::system_error, and what validate() throws; nothing is then left in the
   /// store.
   static std::shared_ptr<TweakFile> handlePayloadAt(const std::filesystem::path& url);
+
+  /// Replaces the whole tweak by the tweak folder `payload` of the same volume, which then holds
+  /// the old tweak, and posts the change of the manifest and of the icon. The two are exchanged in
+  /// one step. Where the volume cannot do that, readers may miss the tweak for a moment, and
+  /// `payload` has a namesake with the extension "old" if a crash ends the process just then.
+  /// Throws std::system_error and what validate() throws; the tweak is then unchanged.
+  void replaceBy(const std::filesystem::path& payload);
 
   /// Whether a stored item of that identifier is a tweak: the identifier contains no full stop.
   static bool isValidID(std::string_view text);

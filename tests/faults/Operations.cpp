@@ -2,6 +2,7 @@
 #include "tavlen/device/DevicePrograms.h"
 #include "tavlen/device/DeviceRoot.h"
 #include "tavlen/editing/RootParameterManager.h"
+#include "tavlen/foundation/files/TemporaryDirectory.h"
 #include "tavlen/foundation/zip/ZIPArchive.h"
 #include "tavlen/items/TweaksDirectory.h"
 #include "tavlen/store/TweakManager.h"
@@ -104,6 +105,15 @@ std::vector<Operation> storeOperations() {
        .leftover = Leftover::halfMadeItem},
       {"Delete", [] { firstTweak()->remove(); }},
       {"Script", [] { firstTweak()->writeScript("changed();\n"); }},
+      {.name = "Replacement",
+       .run =
+           [] {
+             const TemporaryDirectory folder(TweaksDirectory::url());
+             firstTweak()->preparePayloadIn(folder.path() / "draft");
+             TweakFile::handle(folder.path() / "draft")->writeScript("changed();\n");
+             firstTweak()->replaceBy(folder.path() / "draft");
+           },
+       .survivesInterrupts = false},
       {"IconSet", [] { firstTweak()->writeCustomIcon(kPicture); }},
       {.name = "IconClear",
        .run = [] { firstTweak()->writeCustomIcon(std::nullopt); },

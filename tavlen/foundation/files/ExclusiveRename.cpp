@@ -1,9 +1,18 @@
 #include "tavlen/foundation/files/ExclusiveRename.h"
 
+#include <fcntl.h>
+
 #include <cerrno>
 #include <cstdio>
 
 namespace tavlen {
+
+namespace {
+
+/// The errno value of a failed call, with one value for calls that are not supported.
+int renameError() { return errno == EINVAL || errno == ENOSYS ? ENOTSUP : errno; }
+
+}  // namespace
 
 int renameExclusively(int folder, const char* from, const char* to) {
 #ifdef __APPLE__
@@ -11,8 +20,16 @@ int renameExclusively(int folder, const char* from, const char* to) {
 #else
   const int result = ::renameat2(folder, from, folder, to, RENAME_NOREPLACE);
 #endif
-  if (result == 0) return 0;
-  return errno == EINVAL || errno == ENOSYS ? ENOTSUP : errno;
+  return result == 0 ? 0 : renameError();
+}
+
+int exchangeEntries(const char* one, const char* other) {
+#ifdef __APPLE__
+  const int result = ::renamex_np(one, other, RENAME_SWAP);
+#else
+  const int result = ::renameat2(AT_FDCWD, one, AT_FDCWD, other, RENAME_EXCHANGE);
+#endif
+  return result == 0 ? 0 : renameError();
 }
 
 }  // namespace tavlen

@@ -1,0 +1,143 @@
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <set>
+#include <stdexcept>
+#include <string>
+#include <system_error>
+
+#include "cli/arguments/StoredItem.h"
+#include "cli/commands/Commands.h"
+#include "cli/terminal/Console.h"
+#include "cli/terminal/ShownText.h"
+#include "cli/work/AttachedFiles.h"
+#include "cli/work/TextInput.h"
+#include "tavlen/foundation/files/FileReplacement.h"
+#include "tavlen/foundation/files/FileSystem.h"
+#include "tavlen/tweaktext/TweakTextReader.h"
+#include "tavlen/tweaktext/TweakTextWriter.h"
+
+namespace tavlen::cli {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* kStandardOutput = "-";
+
+struct Options {
+  std::string tweak;
+  std::string output = kStandardOutput;
+};
+
+/// A tweak's text and the files that go along with it.
+struct Dump {
+  std::string text;
+  std::optional<Image> icon;
+  std::optional<std::string> script;
+  fs::path folder;              ///< the tweak's
+  std::set<std::string> files;  ///< attachedFiles() of the folder
+};
+
+Dump dumpOf(const std::string& name) {
+  const TweakFile::Opened tweak = openedTweak(name);
+  Dump dump;
+  dump.icon = tweak.file->customIcon();
+  dump.script = tweak.file->readScript();
+  dump.folder = tweak.file->url();
+  dump.files = attachedFiles(dump.folder);
+  TweakTextFiles files;
+  if (dump.icon) files.icon = TweakFile::iconFile;
+  if (dump.script) files.script = TweakFile::scriptFile;
+  dump.text = writeTweakText(tweak.manifest, files);
+  return dump;
+}
+
+/// Whether the file can be read as the text of a tweak, so that a dump may replace it.
+bool isTweakText(const fs::path& file) {
+  try {
+    readTweakText(readFile(file));
+    return true;
+  } catch (const TOMLError&) {
+    return false;
+  }
+}
+
+void requireReplaceable(const fs::path& file) {
+  if (isTaken(file) && !isTweakText(file)) {
+    throw std::runtime_error(file.string() + ": already exists and is not the text of a tweak");
+  }
+}
+
+/// A single text lacks the other files, which it may name.
+void warnOfFiles(const Dump& dump) {
+  std::string missing;
+  const auto add = [&](const std::string& name) {
+    missing += (missing.empty() ? "" : ", ") + name;
+  };
+  if (dump.icon) add(TweakFile::iconFile);
+  if (dump.script) add(TweakFile::scriptFile);
+  for (const std::string& name : dump.files) add(name);
+  if (missing.empty()) return;
+  printWarning("the text does not contain " + missing + "; -o DIR writes a folder with everything");
+}
+
+void writeFolder(const Dump& dump, const fs::path& folder) {
+  const fs::path text = folder / kTextFile;
+  if (fs::is_directory(folder) && !fs::is_empty(folder)) {
+    if (!isTaken(text)) {
+      throw std::runtime_error(folder.string() + ": is not empty and has no " + kTextFile);
+    }
+    requireReplaceable(text);
+  }
+  std::error_code error;
+  fs::create_directories(folder, error);
+  if (error) throw std::system_error(error, folder.string());
+  for (const std::string& name : dump.files) copyAttachedFile(dump.folder, folder, name);
+  for (const std::string& name : attachedFiles(folder)) {
+    if (dump.files.contains(name)) continue;
+    printWarning((folder / name).string() + ": is not a file of the tweak; apply would add it");
+  }
+  if (dump.icon) replaceFile(folder / TweakFile::iconFile, dump.icon->pngData());
+  if (dump.script) replaceFile(folder / TweakFile::scriptFile, *dump.script);
+  // The text last: with it, the folder is complete.
+  replaceFile(text, dump.text);
+}
+
+int dump(const Options& options) {
+  const Dump dump = dumpOf(options.tweak);
+  const fs::path output = options.output;
+  const bool isStream = options.output == kStandardOutput;
+  const bool isText = !isStream && output.extension() == ".toml" && !fs::is_directory(output);
+  if (!isStream && !isText) {
+    writeFolder(dump, output);
+    return 0;
+  }
+  if (isText) {
+    requireReplaceable(output);
+    replaceFile(output, dump.text);
+  } else {
+    printData(dump.text);
+  }
+  warnOfFiles(dump);
+  return 0;
+}
+
+}  // namespace
+
+void addDumpCommand(Command app) {
+  Command command = app.addCommand(
+      "dump", "Write a tweak as a text to read, edit and keep under version control");
+  const auto options = std::make_shared<Options>();
+  command.text("TWEAK", options->tweak, kTweakHelp).required().notEmpty();
+  command
+      .text("-o,--output", options->output,
+            "A name that ends in .toml for the text alone; else a folder for tweak.toml, the "
+            "script, the icon, Resources and Executables; - for the standard output, the default. "
+            "Only texts of tweaks and their folders are replaced")
+      .typeName("FILE|DIR")
+      .notEmpty();
+  command.run([options] { return dump(*options); });
+}
+
+}  // namespace tavlen::cli

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <array>
+#include <filesystem>
+#include <set>
+#include <string>
+
+#include "tavlen/tweaks/TweakFile.h"
+
+namespace tavlen::cli {
+
+/// The folders of a tweak for files that its text does not contain.
+inline constexpr std::array kAttachedFolders = {TweakFile::resourcesFolder,
+                                                TweakFile::executablesFolder};
+
+/// The files in kAttachedFolders of `folder`, at any depth: their paths relative to `folder`. A
+/// link counts as the file that it leads to. Warns of entries that cannot go along, such as links
+/// that lead out. Folders that do not exist are empty. Links below the device root are the
+/// device's. Throws std::system_error.
+std::set<std::string> attachedFiles(const std::filesystem::path& folder);
+
+/// Whether both folders have a file at the relative path `name`, with the same bytes. Throws
+/// std::system_error.
+bool isSameFile(const std::filesystem::path& one, const std::filesystem::path& other,
+                const std::string& name);
+
+/// Copies the file at the relative path `name`, with its permissions, and replaces any file there.
+/// Makes the folders that lead to it. Throws std::system_error, and std::runtime_error if the path
+/// leads out of `to`.
+void copyAttachedFile(const std::filesystem::path& from, const std::filesystem::path& to,
+                      const std::string& name);
+
+}  // namespace tavlen::cli

@@ -1,0 +1,130 @@
+#include <gmock/gmock.h>
+
+#include "tavlen/tweaks/Manifest.h"
+#include "tests/cli/CommandTest.h"
+
+namespace tavlen {
+namespace {
+
+using testing::HasSubstr;
+using testing::StartsWith;
+
+/// In a folder with the device tree "tree", whose app has classes, and texts.
+class TextCommandTest : public CommandStoreTest {
+ protected:
+  TextCommandTest() {
+    fs::copy_file(paths().machoImages + "/Sketch", folder() / "tree/Applications/Notes.app/Notes");
+  }
+  /// Makes the text "T/tweak.toml".
+  void writeText(const std::string& rest, const std::string& files = "") const {
+    write("T/tweak.toml", "[tweak]\nname = \"T\"\napp = \"com.example.notes\"\n" + files + rest);
+  }
+  std::string apply(const std::string& options) const {
+    const std::string out = run("apply " + options).out;
+    return out.substr(0, out.find('\n'));
+  }
+  TweakFile::Manifest manifest(const std::string& id) const {
+    return TweakFile::open(folder() / stored(id)).manifest;
+  }
+};
+
+TEST_F(TextCommandTest, ADumpedFolderMakesTheSameTweak) {
+  const fs::path example = fs::path(paths().examples) / "tweaks/Everything";
+  fs::copy(example, folder() / "Example", fs::copy_options::recursive);
+  fs::copy_file(example / "Resources/background.png", folder() / "Example/Icon.png");
+  write("Example/Executables/bin/tool", "#!/bin/sh\n");
+  fs::permissions(folder() / "Example/Executables/bin/tool", fs::perms::owner_all);
+  EXPECT_EQ(run("dump ./Example -o A").err, "");
+  const std::string id = apply("A");
+  const TweakFile::Manifest before = TweakFile::open(folder() / "Example").manifest;
+  const TweakFile::Manifest after = manifest(id);
+  EXPECT_EQ(before.configuration, after.configuration);
+  EXPECT_EQ(before._overrides, after._overrides);
+  EXPECT_EQ(before.hooks(), after.hooks());
+  EXPECT_EQ(shell("diff -r -x Manifest.json -x Icon.png Example '" + stored(id) + "'").out, "");
+  EXPECT_EQ(run("dump", {id, "-o", "B"}).err, "");
+  EXPECT_EQ(shell("diff -r A B && ls -l B/Executables/bin | grep -c rwx").out, "1\n");
+}
+
+TEST_F(TextCommandTest, ApplyChangesAllOrNothingAndSaysWhat) {
+  writeText("[overrides]\nVersion = \"1\"\n[[hook]]\nmethod = \"-[A a]\"\ntypes = \"q16@0:8\"\n",
+            "script = \"s\"\n");
+  write("T/s", "one();");
+  write("T/Resources/old", "");
+  const std::string id = apply("T");
+  const std::string to = " --to " + id;
+  EXPECT_EQ(run("apply T" + to).err, "tavlen: the tweak is unchanged\n");
+  fs::remove(folder() / "T/Resources/old");
+  write("T/Resources/new", "");
+  writeText(
+      "[[hook]]\nmethod = \"-[A b]\"\ntypes = \"q16@0:8\"\n[[hook]]\nmethod = \"-[A a]\"\n"
+      "types = \"Q16@0:8\"\nreturn = 1\n",
+      "color = \"darkRed\"\n");
+  const std::string changes =
+      "changed color: \"lightGreen\" -> \"darkRed\"\nremoved override Version\nadded hook -[A b]\n"
+      "changed hook -[A a]: types, return\nremoved the script\nremoved Resources/old\n"
+      "added Resources/new\n";
+  const auto stamp = [&] { return shell("ls -lR --full-time tree").out; };
+  const std::string before = stamp();
+  EXPECT_EQ(run("apply T --dry-run" + to).out, changes);
+  EXPECT_THAT(run("apply T --dry-run").out, StartsWith("added tweak T for com.example.notes\n"));
+  EXPECT_EQ(stamp(), before) << "a dry run stores nothing";
+  EXPECT_EQ(run("apply T" + to).out, changes);
+  EXPECT_EQ(run("apply T" + to).err, "tavlen: the tweak is unchanged\n");
+  EXPECT_EQ(shell("cd '" + stored(id) + "' && find . -type f | sort && ls -A ..").out,
+            "./Manifest.json\n./Resources/new\n" + id + "\n");
+  fs::remove(folder() / "T/Resources/new");
+  EXPECT_EQ(run("apply T/tweak.toml" + to).err, "tavlen: the tweak is unchanged\n")
+      << "a single text keeps what it does not name";
+}
+
+TEST_F(TextCommandTest, ApplyFindsTypesInTheAppAndNamesPlaces) {
+  writeText("[[hook]]\nmethod = \"+[UIView layerCount]\"\nreturn = 1\n");
+  EXPECT_EQ(manifest(apply("T")).hooks().at(0).signature.substr(1), "16@0:8");
+  struct Case {
+    const char* rest;
+    const char* message;
+  };
+  const std::string first = shell("ls tree" + std::string(kTweaksDir)).out;
+  for (const auto& [rest, message] : std::initializer_list<Case>{
+           {"[[hook]]\nmethod = \"-[Gone a]\"\n",
+            "T/tweak.toml:5:10: error: the app defines no class Gone; give the hook's types\n"},
+           {"[[hook]]\nmethod = \"-[UIView gone]\"\n",
+            "T/tweak.toml:5:10: error: UIView has no method -[UIView gone] of its own"},
+           {"script = \"../s\"\n",
+            "T/tweak.toml:4:10: error: ../s: lies outside of the text's folder\n"},
+           {"icon = \"tweak.toml\"\n",
+            "T/tweak.toml:4:8: error: tweak.toml: is not a PNG or JPEG image\n"},
+           {"colour = 1\n", "T/tweak.toml:4:1: error: unknown key \"colour\""}}) {
+    writeText(rest);
+    const Result result = run("apply T");
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.err, StartsWith(message));
+  }
+  EXPECT_EQ(shell("ls tree" + std::string(kTweaksDir)).out, first);
+  writeText(
+      "[[hook]]\nmethod = \"-[A a:]\"\ntypes = \"v20@0:8B16\"\nargs.0 = \"x\"\n"
+      "return = [{ \"$data\" = \"../x\" }, { \"$image\" = \"x\" }]\n");
+  const Result warned = run("apply T --dry-run");
+  EXPECT_THAT(warned.err, HasSubstr("T/tweak.toml:7:10: warning: a text for a Boolean\n"));
+  EXPECT_THAT(warned.err, HasSubstr("T/tweak.toml:8:11: warning: the resource \"../x\" lies out"));
+  EXPECT_THAT(warned.err, HasSubstr("T/tweak.toml:8:33: warning: the resource \"x\" is missing\n"));
+}
+
+TEST_F(TextCommandTest, DumpReplacesOnlyTextsOfTweaks) {
+  newTweak("T");
+  write("other/file", "");
+  write("other.toml", "key = 1\n");
+  expectRefused("dump T -o",
+                {{"other", 1, "other: is not empty and has no tweak.toml\n"},
+                 {"other.toml", 1, "other.toml: already exists and is not the text of a tweak\n"}});
+  for (const char* place : {"new", "new.toml"}) {
+    EXPECT_EQ(run(std::string("dump T -o ") + place).err, "");
+    EXPECT_EQ(run(std::string("dump T -o ") + place).err, "") << "replaced";
+  }
+  EXPECT_EQ(contents("new/tweak.toml"), run("dump T").out);
+  EXPECT_EQ(contents("new.toml"), run("dump T").out);
+}
+
+}  // namespace
+}  // namespace tavlen

@@ -23,7 +23,7 @@ std::optional<std::string> dateText(Date date) {
   const double seconds = date.secondsSinceReferenceDate;
   if (seconds == 0 && std::signbit(seconds)) return std::nullopt;
   std::optional<std::string> text = textFromDate(date);
-  if (text && text->size() > kDigits) text.reset();
+  if (!text || text->size() > kDigits) return std::nullopt;
   return text;
 }
 

@@ -44,7 +44,7 @@ std::optional<TextPosition> placeFrom(std::string_view text) {
 }
 
 /// The place in the text of `source` that `place` in the code came from. Throws
-/// std::runtime_error where there is none.
+/// std::runtime_error for a place without one.
 TextPosition sourcePlace(const Options& options, const TweakProcessor::Output& output,
                          TextPosition place) {
   const std::string shown = options.tweak + ": " + options.place + ": ";

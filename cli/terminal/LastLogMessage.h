@@ -10,7 +10,7 @@ namespace tavlen::cli {
 /// A sink that keeps each message for lastLogMessage() and passes it to `next`.
 LogSink keepingLastMessage(LogSink next);
 
-/// The last message; empty if there is none.
+/// The last message; empty before the first one.
 std::string lastLogMessage();
 
 }  // namespace tavlen::cli

@@ -53,7 +53,7 @@ class AppForReading {
 
   std::string text_;
   std::optional<ProgressLine> line_;  ///< destroyed last, so that no signal ends the removal
-  std::filesystem::path folder_;      ///< the temporary folder; empty if there is none
+  std::filesystem::path folder_;      ///< the temporary folder; empty without an archive
   std::shared_ptr<IPA> ipa_;
   std::vector<std::string> faults_;
 };

@@ -16,7 +16,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// The regular file at the relative path `name`; nothing if there is none inside the folder.
+/// The regular file at the relative path `name`; nothing unless it is inside the folder.
 std::optional<fs::path> fileAt(const fs::path& folder, const std::string& name) {
   const DeviceRoot root = DeviceRoot::shared();
   auto file = pathInside(root, folder, name);

@@ -29,7 +29,7 @@ ClassDump methodsFound(const ClassDump& dump, const MethodQuery& query);
 /// Whether an image defines the class, or has a category of it.
 bool hasClass(const ClassDump& dump, const std::string& name);
 
-/// The first method of the class itself with that identity; null if there is none.
+/// The first method of the class itself with that identity; null without a match.
 std::shared_ptr<ObjCMethod> ownMethod(const ClassDump& dump, const MethodIdentity& identity);
 
 }  // namespace tavlen::cli

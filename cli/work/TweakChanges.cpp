@@ -56,7 +56,7 @@ void addSetting(Sentences& changes, const std::string& name, const std::string& 
   changes.push_back("changed " + name + ": \"" + before + "\" -> \"" + after + "\"");
 }
 
-/// The glyph as stored; empty if there is none.
+/// The glyph as stored; empty without one.
 std::string storedGlyph(const std::optional<TweakGlyph>& glyph) {
   return glyph ? glyphText(*glyph) : "";
 }

@@ -84,7 +84,7 @@ std::optional<SharedText> LibraryPaths::pathOf(int ordinal) {
   return place->second;
 }
 
-std::optional<std::string> LibraryPaths::find(int ordinal) const {
+std::optional<std::string> LibraryPaths::find(int ordinal) {
   if (ordinal == 0) return DeviceRoot::shared().devicePath(file_).string();
   if (ordinal == kMainExecutable) {
     const fs::path program = programFolder_.empty() ? fs::path() : programIn(programFolder_);
@@ -96,25 +96,33 @@ std::optional<std::string> LibraryPaths::find(int ordinal) const {
   return resolved(libraries[static_cast<std::size_t>(ordinal) - 1].name);
 }
 
-std::string LibraryPaths::resolved(const std::string& name) const {
+std::string LibraryPaths::resolved(const std::string& name) {
   if (!name.starts_with('@') || bundle_.empty()) return name;
   const fs::path folder = file_.parent_path();
   if (!name.starts_with(kRunPath)) return pathInBundle(name, folder).value_or(name);
+  const std::string inFolder = "/" + name.substr(kRunPath.size());
   const auto search = [&](const std::vector<std::string>& runPaths, const fs::path& loader) {
     std::optional<std::string> found;
     for (const std::string& runPath : runPaths) {
-      if (found) break;
-      found = pathInBundle(runPath + "/" + name.substr(kRunPath.size()), loader);
+      if (found || lookups_ == 0) break;
+      --lookups_;
+      found = pathInBundle(runPath + inFolder, loader);
     }
     return found;
   };
   if (auto found = search(image_.runPaths(), folder)) return *found;
-  if (programFolder_.empty() || image_.slice().fileType == MachOSlice::FileType::execute) {
-    return name;
+  return search(runPathsOfProgram(), programFolder_).value_or(name);
+}
+
+const std::vector<std::string>& LibraryPaths::runPathsOfProgram() {
+  if (!programRunPaths_) {
+    programRunPaths_.emplace();
+    const bool isProgram = image_.slice().fileType == MachOSlice::FileType::execute;
+    const fs::path program =
+        isProgram || programFolder_.empty() ? fs::path() : programIn(programFolder_);
+    if (!program.empty()) programRunPaths_ = runPathsOf(program, image_.slice());
   }
-  const fs::path program = programIn(programFolder_);
-  if (program.empty()) return name;
-  return search(runPathsOf(program, image_.slice()), programFolder_).value_or(name);
+  return *programRunPaths_;
 }
 
 std::optional<std::string> LibraryPaths::pathInBundle(const std::string& name,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 #include <map>
 #include <optional>
@@ -28,8 +29,9 @@ class LibraryPaths {
   std::optional<SharedText> pathOf(int ordinal);
 
  private:
-  std::optional<std::string> find(int ordinal) const;
-  std::string resolved(const std::string& name) const;
+  std::optional<std::string> find(int ordinal);
+  std::string resolved(const std::string& name);
+  const std::vector<std::string>& runPathsOfProgram();
   /// The path of an existing file in the bundle, for a name that begins with a place that the
   /// loader knows.
   std::optional<std::string> pathInBundle(const std::string& name,
@@ -40,6 +42,11 @@ class LibraryPaths {
   std::filesystem::path bundle_;                    ///< empty outside of a bundle
   std::filesystem::path programFolder_;             ///< of the program that loads the image
   std::map<int, std::optional<SharedText>> paths_;  ///< by ordinal, as far as asked for
+  /// Of the program that loads the image; read when first asked for.
+  std::optional<std::vector<std::string>> programRunPaths_;
+  /// Files that may still be looked for below run paths: apps need some hundred, and a hostile
+  /// image may name thousands of libraries and of run paths.
+  std::size_t lookups_ = 2000;
 };
 
 }  // namespace tavlen

@@ -265,7 +265,7 @@ void ObjCMetadata::visitList(std::uint64_t list, std::string_view owner, bool is
   const auto fail = [&] { report(owner, "has an unreadable list of " + std::string(what)); };
   const auto flags = memory_.numberAt<std::uint32_t>(list);
   const auto count = memory_.numberAt<std::uint32_t>(list + sizeof(std::uint32_t));
-  if (!flags || !count) return fail();
+  if (!flags || !count || memory_.sizeAt(list) < MethodList::kHeaderSize) return fail();
   const bool isRelative = (*flags & MethodList::kIsRelative) != 0;
   const std::uint64_t element = *flags & MethodList::kElementSize;
   const std::uint64_t least = isRelative ? MethodList::kRelativeElement : MethodList::kElement;

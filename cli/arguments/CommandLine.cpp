@@ -1,12 +1,15 @@
 #include "cli/arguments/CommandLine.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cerrno>
 #include <iostream>
+#include <string_view>
 #include <system_error>
 #include <utility>
 
 #include "cli/arguments/UsageError.h"
+#include "cli/terminal/Diagnostic.h"
 #include "cli/terminal/ShownText.h"
 #include "tavlen/foundation/text/Unicode.h"
 
@@ -27,6 +30,12 @@ int report(const CLI::App& app, const CLI::ParseError& error) {
     throw std::system_error(errno, std::generic_category(), "standard output");
   }
   return status == 0 ? 0 : kUsage;
+}
+
+/// The text for the standard error stream after wrong usage.
+std::string shownUsageError(const std::string& message) {
+  if (hasJSONMessages()) return shownMessage({Diagnostic::kError, message});
+  return shownLine(message) + "\nRun with --help for more information.\n";
 }
 
 }  // namespace
@@ -173,9 +182,8 @@ CommandLine::CommandLine(const char* name, const char* description, const char* 
   app_->set_version_flag("--version", version);
   app_->require_subcommand(1);
   app_->fallthrough();
-  app_->failure_message([](const CLI::App*, const CLI::Error& error) {
-    return shownLine(error.what()) + "\nRun with --help for more information.\n";
-  });
+  app_->failure_message(
+      [](const CLI::App*, const CLI::Error& error) { return shownUsageError(error.what()); });
 }
 
 CommandLine::~CommandLine() = default;
@@ -183,6 +191,10 @@ CommandLine::~CommandLine() = default;
 Command CommandLine::command() { return {*app_, chosen_}; }
 
 std::optional<int> CommandLine::parse(int argc, const char* const* argv) {
+  // Before parsing, so that errors of wrong usage are written in the same form.
+  const std::vector<std::string_view> words(argv, argv + argc);
+  const auto end = std::find(words.begin(), words.end(), "--");
+  if (std::find(words.begin(), end, "--json") != end) useJSONMessages();
   try {
     app_->parse(argc, argv);
   } catch (const CLI::ParseError& error) {

@@ -135,7 +135,7 @@ int changeTweak(const Options& options) {
   const Contents before = contentsOf(std::move(opened));
   const std::vector<std::string> changes = changesOf(before, *input);
   if (changes.empty()) {
-    printMessage("tavlen: the tweak is unchanged\n");
+    printNote("the tweak is unchanged");
     return 0;
   }
   if (!options.isDryRun) change(*tweak, before, *input);

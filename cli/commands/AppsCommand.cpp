@@ -107,9 +107,8 @@ void addAppsCommand(Command app) {
     std::vector<Row> rows = readRows();
     sortByName(rows);
     if (!*json && rows.empty())
-      printMessage("tavlen: no apps in the device root " +
-                   escapedForTerminal(DeviceRoot::shared().url().native()) +
-                   "; --root names a device tree\n");
+      printNote("no apps in the device root " + DeviceRoot::shared().url().string() +
+                "; --root names a device tree");
     if (*json || !rows.empty()) printData(*json ? shownJSON(rows) + "\n" : table(rows));
     return 0;
   });

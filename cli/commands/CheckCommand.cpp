@@ -28,8 +28,8 @@ std::optional<std::string> verdictOf(const std::string& argument,
                                      const std::filesystem::path& transpiler) {
   try {
     const OpenedTweak tweak = openTweak(argument);
-    const std::vector<std::string> warnings = warningsFor(tweak);
-    for (const std::string& warning : warnings) printWarning(warning);
+    const std::vector<Diagnostic> warnings = warningsFor(tweak);
+    for (const Diagnostic& warning : warnings) print(warning);
     if (transpile(tweak, transpiler)) {
       return counted(warnings.size() + (tweak.scriptIsUnreadable ? 1 : 0));
     }

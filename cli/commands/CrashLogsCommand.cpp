@@ -38,7 +38,7 @@ int copyLogs(const std::string& app, const std::filesystem::path& directory) {
     if (!before.contains(name)) added += escapedForTerminal(name) + "\n";
   }
   if (added.empty()) {
-    printMessage("tavlen: no new crash logs\n");
+    printNote("no new crash logs");
   }
   printData(added);
   return 0;

@@ -114,8 +114,7 @@ int list(bool json) {
   const std::size_t entries = entryCount();
   const std::vector<Row> rows = readRows();
   if (!json && entries == 0) {
-    printMessage("tavlen: nothing is stored in " +
-                 escapedForTerminal(TweaksDirectory::url().native()) + "\n");
+    printNote("nothing is stored in " + TweaksDirectory::url().string());
   }
   if (json) {
     printData(shownJSON(rows) + "\n");

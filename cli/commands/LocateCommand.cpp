@@ -73,9 +73,10 @@ int locate(const Options& options) {
                              ": belongs to no hook and not to the script");
   }
   const auto* hook = std::get_if<TweakSource::HookPlace>(&*origin);
-  const std::string text = hook != nullptr ? hookText(tweak, hook->hook)
-                                           : scriptText(tweak, std::get<TextPosition>(*origin));
-  printData(shownLine(text) + "\n" + caretLine(lineAt(source.text(), place.line), place.column));
+  const Diagnostic found = hook != nullptr ? atHook(tweak, hook->hook)
+                                           : atScript(tweak, std::get<TextPosition>(*origin));
+  printData(shownLine(placeText(found)) + "\n" +
+            caretLine(lineAt(source.text(), place.line), place.column));
   return 0;
 }
 

@@ -56,7 +56,7 @@ int edit(const std::string& name) {
   try {
     edited.edit();
     if (edited.text() == before) {
-      printMessage("tavlen: the script is unchanged\n");
+      printNote("the script is unchanged");
       return 0;
     }
     store(name, *tweak, before, edited);

@@ -113,7 +113,7 @@ int watch(bool json) {
   StoreSnapshot current = look(watcher);
   Names names;
   for (const std::string& id : current.ids()) names.read(id);
-  printMessage("tavlen: watching " + escapedForTerminal(TweaksDirectory::url().native()) + "\n");
+  printNote("watching " + TweaksDirectory::url().string());
   while (watcher.wait(ends) != DirectoryWatcher::Wake::end) {
     StoreSnapshot next = look(watcher);
     for (const StoreSnapshot::Change& change : next.changesSince(current)) {

@@ -6,28 +6,22 @@
 #include <filesystem>
 #include <system_error>
 
-#include "cli/terminal/ShownText.h"
+#include "cli/terminal/Diagnostic.h"
 #include "tavlen/foundation/files/FileDescriptor.h"
 #include "tavlen/foundation/files/FileSystem.h"
 
 namespace tavlen::cli {
-
-namespace {
-
-void printLine(std::string_view kind, std::string_view text) {
-  printMessage("tavlen: " + std::string(kind) + ": " + shownLine(text) + "\n");
-}
-
-}  // namespace
 
 void printMessage(std::string_view text) {
   // An error here cannot be reported anywhere.
   (void)std::fwrite(text.data(), 1, text.size(), stderr);
 }
 
-void printError(std::string_view text) { printLine("error", text); }
+void printError(std::string_view text) { print({Diagnostic::kError, std::string(text)}); }
 
-void printWarning(std::string_view text) { printLine("warning", text); }
+void printWarning(std::string_view text) { print({Diagnostic::kWarning, std::string(text)}); }
+
+void printNote(std::string_view text) { print({Diagnostic::kNote, std::string(text)}); }
 
 void printData(std::string_view data) {
   if (std::fwrite(data.data(), 1, data.size(), stdout) != data.size() || std::fflush(stdout) != 0) {

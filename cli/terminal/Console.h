@@ -8,10 +8,12 @@ namespace tavlen::cli {
 /// Writes `text` to the standard error stream, unchanged. Ignores errors.
 void printMessage(std::string_view text);
 
-/// Writes `tavlen: error: text` to the standard error stream, by shownLine().
+/// Prints an error without a place, as print() of Diagnostic.h does: `tavlen: error: text`.
 void printError(std::string_view text);
-/// Writes `tavlen: warning: text` to the standard error stream, by shownLine().
+/// The same for a warning.
 void printWarning(std::string_view text);
+/// The same for what is neither: `tavlen: text`.
+void printNote(std::string_view text);
 
 /// Writes `data` to the standard output, unchanged. Throws std::system_error if that fails, for
 /// example on a full disk.

@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include "cli/terminal/Console.h"
+#include "cli/terminal/Diagnostic.h"
 
 namespace tavlen::cli {
 
@@ -14,7 +15,7 @@ std::string countText(std::size_t count, std::string_view one, std::string_view 
 }
 
 void printCounts(std::string_view counts) {
-  if (::isatty(STDERR_FILENO) == 1) printMessage(std::string(counts) + "\n");
+  if (!hasJSONMessages() && ::isatty(STDERR_FILENO) == 1) printMessage(std::string(counts) + "\n");
 }
 
 }  // namespace tavlen::cli

@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "cli/terminal/Console.h"
+#include "cli/terminal/Diagnostic.h"
 #include "cli/terminal/DisplayWidth.h"
 #include "tavlen/foundation/text/EscapedText.h"
 
@@ -54,7 +55,7 @@ ProgressLine::~ProgressLine() {
 }
 
 void ProgressLine::show() {
-  const bool isTerminal = ::isatty(STDERR_FILENO) == 1;
+  const bool isTerminal = !hasJSONMessages() && ::isatty(STDERR_FILENO) == 1;
   std::unique_lock lock(lock_);
   while (!end_.wait_for(lock, kInterval, [this] { return hasEnded_; })) {
     pollfd end{signals_.descriptor(), 0, 0};

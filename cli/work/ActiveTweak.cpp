@@ -38,8 +38,7 @@ std::optional<std::string> appWithActiveTweak(const std::string& id) {
 
 void tellThatNothingRuns() {
   if (DeviceRoot::shared().isDevice()) return;
-  printMessage(
-      "tavlen: not a running device: the app is not ended and the home screen not restarted\n");
+  printNote("not a running device: the app is not ended and the home screen not restarted");
 }
 
 void setActiveTweak(IPA& ipa, const InstallableTweak* tweak) {

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "cli/terminal/Console.h"
+#include "cli/terminal/Diagnostic.h"
 #include "cli/terminal/ShownText.h"
 #include "tavlen/tweaks/TweakProcessor.h"
 
@@ -11,12 +12,15 @@ namespace tavlen::cli {
 
 namespace {
 
-void printCallStack(std::string_view stack) {
+/// A call stack, to be shown after the message.
+std::string indented(std::string_view stack) {
+  std::string lines;
   while (!stack.empty()) {
     const std::size_t end = stack.find('\n');
-    printMessage("    " + shownLine(stack.substr(0, end)) + "\n");
+    lines += "    " + shownLine(stack.substr(0, end)) + "\n";
     stack.remove_prefix(end == std::string_view::npos ? stack.size() : end + 1);
   }
+  return lines;
 }
 
 }  // namespace
@@ -26,8 +30,9 @@ void reportError(const std::exception& error) {
   if (failure == nullptr || failure->which() != TweakProcessor::Error::Case::jsException) {
     return printError(errorText(error));
   }
-  printError("the transpiler failed: " + failure->reason());
-  if (failure->stack()) printCallStack(*failure->stack());
+  print({.severity = Diagnostic::kError,
+         .message = "the transpiler failed: " + failure->reason(),
+         .excerpt = failure->stack() ? indented(*failure->stack()) : ""});
 }
 
 }  // namespace tavlen::cli

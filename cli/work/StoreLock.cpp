@@ -54,8 +54,7 @@ void lock(const FileDescriptor& folder, const fs::path& shown) {
                                std::to_string(timeout.count()) + " s; see --lock-timeout");
     }
     if (waited >= kSilence && !std::exchange(isTold, true)) {
-      printMessage("tavlen: waiting for another command that is editing " +
-                   escapedForTerminal(shown.native()) + "\n");
+      printNote("waiting for another command that is editing " + shown.string());
     }
     std::this_thread::sleep_for(pause);
   }

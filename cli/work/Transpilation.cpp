@@ -3,10 +3,9 @@
 #include <charconv>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "cli/terminal/CaretLine.h"
-#include "cli/terminal/Console.h"
-#include "cli/terminal/ShownText.h"
 #include "tavlen/foundation/text/Characters.h"
 
 namespace tavlen::cli {
@@ -63,15 +62,24 @@ std::optional<SyntaxError> syntaxErrorOf(const TweakProcessor::Error& error) {
   return SyntaxError{std::string(rest), *place, beginning};
 }
 
-/// Prints "PLACE: error: MESSAGE", and the line with a caret under its column.
-void printDiagnostic(const std::string& place, const SyntaxError& error, std::string_view text) {
+/// A message about the document as a whole, without the message.
+Diagnostic atManifest(const OpenedTweak& tweak) {
+  Diagnostic where;
+  where.file = tweak.pathOf("Manifest.json");
+  return where;
+}
+
+/// Prints an error, and the line of `text` with a caret under its column.
+void printDiagnostic(Diagnostic where, const SyntaxError& error, std::string_view text) {
   std::string message = error.message;
   if (error.beginning) {
     message.append(kBeganAt).append(std::to_string(error.beginning->line));
     message.append(":").append(std::to_string(error.beginning->column));
   }
-  printMessage(shownLine(place + ": error: " + message) + "\n" +
-               caretLine(lineAt(text, error.place.line), error.place.column));
+  where.severity = Diagnostic::kError;
+  where.message = std::move(message);
+  where.excerpt = caretLine(lineAt(text, error.place.line), error.place.column);
+  print(where);
 }
 
 /// Converts pieces of source, one after another. A processor keeps its first exception, so every
@@ -114,31 +122,35 @@ void reportGenerated(const OpenedTweak& tweak, const TweakSource& source, const 
     // is not part of it.
     if (own->beginning && own->beginning->line == 1) own->beginning.reset();
     if (own->beginning) own->beginning->line += lineEndCount(generated.substr(0, entry.begin)) - 1;
-    return printDiagnostic(hookText(tweak, entry.hook), *own, alone);
+    return printDiagnostic(atHook(tweak, entry.hook), *own, alone);
   }
   const auto lineBegin = offsetAt(generated, {error.place.line, 1});
   const auto* entry = lineBegin ? source.entryBefore(*lineBegin) : nullptr;
-  printDiagnostic(entry != nullptr ? hookText(tweak, entry->hook) : tweak.pathOf("Manifest.json"),
-                  error, generated);
+  printDiagnostic(entry != nullptr ? atHook(tweak, entry->hook) : atManifest(tweak), error,
+                  generated);
 }
 
 }  // namespace
 
-std::string hookText(const OpenedTweak& tweak, std::size_t hook) {
+Diagnostic atHook(const OpenedTweak& tweak, std::size_t hook) {
+  Diagnostic where = atManifest(tweak);
   // Messages use the index in the file; `hook` does not count empty entries.
   std::size_t present = 0;
   for (std::size_t i = 0; i < tweak.manifest._hooks.size(); ++i) {
     const auto& entry = tweak.manifest._hooks[i];
     if (!entry || present++ != hook) continue;
-    return tweak.pathOf("Manifest.json") + ": hooks[" + std::to_string(i) + "] " +
-           methodText(entry->identity());
+    where.place = "hooks[" + std::to_string(i) + "] " + methodText(entry->identity());
+    break;
   }
-  return tweak.pathOf("Manifest.json");
+  return where;
 }
 
-std::string scriptText(const OpenedTweak& tweak, TextPosition place) {
-  return tweak.pathOf("script.objs") + ":" + std::to_string(place.line) + ":" +
-         std::to_string(place.column);
+Diagnostic atScript(const OpenedTweak& tweak, TextPosition place) {
+  Diagnostic where;
+  where.file = tweak.pathOf(TweakFile::scriptFile);
+  where.line = place.line;
+  where.column = place.column;
+  return where;
 }
 
 std::optional<TweakProcessor::Output> transpile(const OpenedTweak& tweak, const TweakSource& source,
@@ -157,13 +169,13 @@ std::optional<TweakProcessor::Output> transpile(const OpenedTweak& tweak, const 
   }
   const std::size_t linesBefore = source.linesBeforeScript();
   if (error->place.line <= linesBefore) {
-    printDiagnostic(tweak.pathOf("Manifest.json"), *error, source.text());
+    printDiagnostic(atManifest(tweak), *error, source.text());
     return std::nullopt;
   }
   error->place.line -= linesBefore;
   if (error->beginning && error->beginning->line > linesBefore)
     error->beginning->line -= linesBefore;
-  printDiagnostic(scriptText(tweak, error->place), *error, tweak.script);
+  printDiagnostic(atScript(tweak, error->place), *error, tweak.script);
   return std::nullopt;
 }
 

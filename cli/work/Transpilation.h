@@ -5,6 +5,7 @@
 #include <string>
 
 #include "cli/arguments/TweakArgument.h"
+#include "cli/terminal/Diagnostic.h"
 #include "tavlen/foundation/text/TextLines.h"
 #include "tavlen/tweaks/TweakProcessor.h"
 #include "tavlen/tweaks/TweakSource.h"
@@ -22,11 +23,11 @@ std::optional<TweakProcessor::Output> transpile(const OpenedTweak& tweak, const 
 std::optional<TweakProcessor::Output> transpile(const OpenedTweak& tweak,
                                                 const std::filesystem::path& transpiler);
 
-/// The words for a hook in messages: the document, the hook's index in it, and its method. `hook`
-/// is the index without the empty entries.
-std::string hookText(const OpenedTweak& tweak, std::size_t hook);
+/// A message about a hook, without the message: the document, the hook's index in it, and its
+/// method. `hook` is the index without the empty entries.
+Diagnostic atHook(const OpenedTweak& tweak, std::size_t hook);
 
-/// The words for a place in the script in messages: the file, the line and the column.
-std::string scriptText(const OpenedTweak& tweak, TextPosition place);
+/// A message about a place in the script, without the message.
+Diagnostic atScript(const OpenedTweak& tweak, TextPosition place);
 
 }  // namespace tavlen::cli

@@ -18,7 +18,7 @@ class Checker {
  public:
   explicit Checker(const OpenedTweak& tweak) : tweak_(tweak) {}
 
-  std::vector<std::string> run() {
+  std::vector<Diagnostic> run() {
     checkGlyph();
     const auto& hooks = tweak_.manifest._hooks;
     for (std::size_t i = 0; i < hooks.size(); ++i) {
@@ -36,7 +36,10 @@ class Checker {
 
  private:
   void warn(const std::string& place, const std::string& text) {
-    warnings_.push_back(tweak_.pathOf("Manifest.json") + ": " + place + ": " + text);
+    warnings_.push_back({.severity = Diagnostic::kWarning,
+                         .message = text,
+                         .file = tweak_.pathOf("Manifest.json"),
+                         .place = place});
   }
 
   void checkGlyph() {
@@ -80,11 +83,11 @@ class Checker {
 
   const OpenedTweak& tweak_;
   std::map<MethodIdentity, std::string> places_;
-  std::vector<std::string> warnings_;
+  std::vector<Diagnostic> warnings_;
 };
 
 }  // namespace
 
-std::vector<std::string> warningsFor(const OpenedTweak& tweak) { return Checker(tweak).run(); }
+std::vector<Diagnostic> warningsFor(const OpenedTweak& tweak) { return Checker(tweak).run(); }
 
 }  // namespace tavlen::cli

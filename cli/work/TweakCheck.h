@@ -1,9 +1,9 @@
 #pragma once
 
-#include <string>
 #include <vector>
 
 #include "cli/arguments/TweakArgument.h"
+#include "cli/terminal/Diagnostic.h"
 
 namespace tavlen::cli {
 
@@ -11,6 +11,6 @@ namespace tavlen::cli {
 /// place. They cover mistakes with which a tweak still builds: those of problemsOf() a hook, a
 /// method hooked twice, a resource that is missing or lies outside its folder, and an unknown
 /// glyph.
-std::vector<std::string> warningsFor(const OpenedTweak& tweak);
+std::vector<Diagnostic> warningsFor(const OpenedTweak& tweak);
 
 }  // namespace tavlen::cli

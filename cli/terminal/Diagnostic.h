@@ -1,0 +1,57 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <tuple>
+
+#include "tavlen/foundation/coding/Coding.h"
+
+namespace tavlen::cli {
+
+/// A message for the user: what happened, and where. The command writes all its messages in this
+/// form, either for people or, after useJSONMessages(), for programs.
+struct Diagnostic {
+  static constexpr const char* kError = "error";
+  static constexpr const char* kWarning = "warning";
+  static constexpr const char* kNote = "note";
+
+  std::string severity;                      ///< one of the three above
+  std::string message;                       ///< the fault, without its place
+  std::optional<std::string> file = {};      ///< the document, as the user named it
+  std::optional<std::uint64_t> line = {};    ///< in the file, from 1; together with the column
+  std::optional<std::uint64_t> column = {};  ///< from 1
+  std::optional<std::string> place = {};     ///< in a document without lines: "hooks[2].args.0"
+  std::optional<std::string> code = {};      ///< the name of the rule, for programs: "unknown-key"
+  /// Lines to show after the message, only to people. They are printed unchanged.
+  std::string excerpt = {};
+
+  static constexpr auto codedFields() {
+    return std::tuple{optionalField("file", &Diagnostic::file),
+                      optionalField("line", &Diagnostic::line),
+                      optionalField("column", &Diagnostic::column),
+                      optionalField("place", &Diagnostic::place),
+                      requiredField("severity", &Diagnostic::severity),
+                      optionalField("code", &Diagnostic::code),
+                      requiredField("message", &Diagnostic::message)};
+  }
+};
+
+/// The parts of a message that tell where: "FILE:LINE:COLUMN: PLACE"; "tavlen" without a file.
+std::string placeText(const Diagnostic& diagnostic);
+
+/// Makes all messages of this process JSON objects, one a line. Not thread-safe.
+void useJSONMessages();
+/// Whether useJSONMessages() was called.
+bool hasJSONMessages();
+
+/// The message on one line, escaped for the terminal, with a line break: a JSON object after
+/// useJSONMessages(). Otherwise "FILE:LINE:COLUMN: PLACE: SEVERITY: MESSAGE" with the parts that
+/// there are, followed by the excerpt; without a file it begins with "tavlen", and a note then has
+/// no severity.
+std::string shownMessage(const Diagnostic& diagnostic);
+
+/// Writes shownMessage() to the standard error stream. Ignores errors. Threads: any.
+void print(const Diagnostic& diagnostic);
+
+}  // namespace tavlen::cli

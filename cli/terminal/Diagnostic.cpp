@@ -30,10 +30,10 @@ std::string jsonLine(const Diagnostic& diagnostic) {
 
 /// The message as people read it.
 std::string linesOf(const Diagnostic& diagnostic) {
-  std::string text = placeText(diagnostic);
+  std::string text = shownLine(placeText(diagnostic)) + ": ";
   if (diagnostic.file || diagnostic.severity != Diagnostic::kNote)
-    text.append(": ").append(diagnostic.severity);
-  return shownLine(text + ": " + diagnostic.message) + "\n" + diagnostic.excerpt;
+    text.append(diagnostic.severity).append(": ");
+  return text + shownLine(diagnostic.message) + "\n" + diagnostic.excerpt;
 }
 
 }  // namespace

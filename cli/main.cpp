@@ -24,6 +24,8 @@ void addCommands(tavlen::cli::Command command) {
   tavlen::cli::addBuildCommand(command);
   tavlen::cli::addDumpCommand(command);
   tavlen::cli::addApplyCommand(command);
+  tavlen::cli::addEditCommand(command);
+  tavlen::cli::addDiffCommand(command);
   tavlen::cli::addLocateCommand(command);
   tavlen::cli::addCheckCommand(command);
   tavlen::cli::addListCommand(command);

@@ -1,7 +1,8 @@
 #include "cli/terminal/Diagnostic.h"
 
-#include <exception>
+#include <unistd.h>
 
+#include "cli/terminal/Color.h"
 #include "cli/terminal/Console.h"
 #include "cli/terminal/ShownText.h"
 #include "tavlen/foundation/text/Unicode.h"
@@ -28,12 +29,23 @@ std::string jsonLine(const Diagnostic& diagnostic) {
   return shownJSON(shown) + "\n";
 }
 
+ColorRole roleOf(const std::string& severity) {
+  if (severity == Diagnostic::kError) return ColorRole::error;
+  return severity == Diagnostic::kWarning ? ColorRole::warning : ColorRole::note;
+}
+
 /// The message as people read it.
 std::string linesOf(const Diagnostic& diagnostic) {
-  std::string text = placeText(diagnostic);
-  if (diagnostic.file || diagnostic.severity != Diagnostic::kNote)
-    text.append(": ").append(diagnostic.severity);
-  return shownLine(text + ": " + diagnostic.message) + "\n" + diagnostic.excerpt;
+  const std::string place = placeText(diagnostic) + ": ";
+  const bool isPlainNote = !diagnostic.file && diagnostic.severity == Diagnostic::kNote;
+  const std::string severity = isPlainNote ? "" : diagnostic.severity;
+  std::string line =
+      shownLine(place + severity + (isPlainNote ? "" : ": ") + diagnostic.message) + "\n";
+  // Not if an overlong place has been cut.
+  const std::size_t start = shownLine(place).size();
+  if (line.compare(start, severity.size(), severity) == 0)
+    line.replace(start, severity.size(), colored(severity, roleOf(severity), STDERR_FILENO));
+  return line + diagnostic.excerpt;
 }
 
 }  // namespace

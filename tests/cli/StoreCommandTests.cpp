@@ -25,11 +25,12 @@ TEST_F(CommandStoreTest, NewMakesATweakOrSaysWhatIsWrong) {
                         {"A --app x --glyph apple/solid", 2,
                          "--glyph: unknown glyph \"apple/solid\"; did you mean apple/brands?\n"},
                         {"A --app x --glyph /", 2, "--glyph: unknown glyph \"/\"\n"},
-                        {"A --app x --color blue", 2, "--color: blue not in {lightGreen,"},
+                        {"A --app x --color blue", 2,
+                         "--color: unknown value \"blue\"; known are lightGreen,"},
                         {"\xFF --app x", 2, "NAME: it is not UTF-8\n"},
                         {"'' --app x", 2, "NAME: it is empty\n"},
                         {"A --app ./gone.app", 1, "./gone.app: No such file or directory\n"},
-                        {"A", 2, "--app is required\n"}});
+                        {"A", 2, "--app is missing\n"}});
   EXPECT_EQ(std::distance(fs::directory_iterator(folder() / stored("")), {}), 2)
       << "what is refused makes nothing";
 }

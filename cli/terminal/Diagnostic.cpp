@@ -36,16 +36,10 @@ ColorRole roleOf(const std::string& severity) {
 
 /// The message as people read it.
 std::string linesOf(const Diagnostic& diagnostic) {
-  const std::string place = placeText(diagnostic) + ": ";
-  const bool isPlainNote = !diagnostic.file && diagnostic.severity == Diagnostic::kNote;
-  const std::string severity = isPlainNote ? "" : diagnostic.severity;
-  std::string line =
-      shownLine(place + severity + (isPlainNote ? "" : ": ") + diagnostic.message) + "\n";
-  // Not if an overlong place has been cut.
-  const std::size_t start = shownLine(place).size();
-  if (line.compare(start, severity.size(), severity) == 0)
-    line.replace(start, severity.size(), colored(severity, roleOf(severity), STDERR_FILENO));
-  return line + diagnostic.excerpt;
+  std::string text = shownLine(placeText(diagnostic)) + ": ";
+  if (diagnostic.file || diagnostic.severity != Diagnostic::kNote)
+    text += colored(diagnostic.severity, roleOf(diagnostic.severity), STDERR_FILENO) + ": ";
+  return text + shownLine(diagnostic.message) + "\n" + diagnostic.excerpt;
 }
 
 }  // namespace

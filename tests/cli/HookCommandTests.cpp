@@ -46,7 +46,7 @@ TEST_F(HookCommandTest, AddsAtTheEndAndKeepsNulls) {
 TEST_F(HookCommandTest, AHookIsNamedByItsMethodOrItsName) {
   run("hook add T A b --signature v16@0:8 --class-method --name Bee");
   const std::string before = manifest();
-  for (const char* name : {"'+[A b]'", "Bee", "--hook '+[A b]'", "-- '+[A b]'"}) {
+  for (const char* name : {"'+[A b]'", "Bee", "-- '+[A b]'"}) {
     EXPECT_EQ(run(std::string("hook remove T ") + name).err, "") << name;
     EXPECT_EQ(list(), "[" + kFirst + "," + kSecond + "]\n");
     write("T/Manifest.json", before);

@@ -12,7 +12,8 @@ constexpr const char* kCommand = "COMMAND";
 
 bool isOption(const std::string& word) {
   // "-1" is an address, and "-[C s]" a method.
-  return word.size() > 1 && word[0] == '-' && (word[1] == '-' || std::isalpha(static_cast<unsigned char>(word[1])) != 0);
+  return word.size() > 1 && word[0] == '-' &&
+         (word[1] == '-' || std::isalpha(static_cast<unsigned char>(word[1])) != 0);
 }
 
 /// Reads a line word by word, as the parser does.
@@ -78,10 +79,10 @@ class Reader {
 
   void readArgument(const std::string& word) {
     const OptionRecord* argument = nextArgument();
+    ++count_;
     if (argument == nullptr) return;
     word_->given[argument->placeholder] = word;
     if (const CommandRecord* next = help_.back()->find(word)) help_.push_back(next);
-    ++count_;
   }
 
   void completeOption(const std::string& word) {

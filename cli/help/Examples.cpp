@@ -77,12 +77,11 @@ std::span<const Example> examples() { return kExamples; }
 
 std::vector<Example> examplesOf(const std::string& words) {
   std::vector<Example> found;
-  std::copy_if(kExamples.begin(), kExamples.end(), std::back_inserter(found),
-               [&](const Example& example) {
-                 const std::size_t start = example.line.find(words);
-                 return start != std::string_view::npos &&
-                        !isPartOfWord(example.line, start + words.size());
-               });
+  std::copy_if(
+      kExamples.begin(), kExamples.end(), std::back_inserter(found), [&](const Example& example) {
+        const std::size_t start = example.line.find(words);
+        return start != std::string_view::npos && !isPartOfWord(example.line, start + words.size());
+      });
   return found;
 }
 

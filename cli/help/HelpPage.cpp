@@ -40,8 +40,8 @@ std::string entriesText(const std::vector<Entry>& entries) {
   for (const auto& [label, text] : entries) {
     std::string start = "  " + label;
     const std::size_t width = displayWidth(start);
-    start += width + 2 <= indent ? std::string(indent - width, ' ')
-                                 : "\n" + std::string(indent, ' ');
+    start +=
+        width + 2 <= indent ? std::string(indent - width, ' ') : "\n" + std::string(indent, ' ');
     shown += start + foldedText(text, indent, columns);
   }
   return shown;

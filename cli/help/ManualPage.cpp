@@ -78,8 +78,9 @@ std::string commandsText(const CommandRecord& root) {
   std::string text;
   for (const std::string& heading : headings) {
     std::string title = heading;
-    std::transform(title.begin(), title.end(), title.begin(),
-                   [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; });
+    std::transform(title.begin(), title.end(), title.begin(), [](char c) {
+      return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+    });
     text += request("SH", title);
     for (const CommandRecord& each : root.commands) {
       if (each.heading == heading) text += commandText({&root, &each});
@@ -108,9 +109,9 @@ The width of help, in columns.
 }  // namespace
 
 std::string manualPage(const CommandRecord& root) {
-  return std::string(".TH TAVLEN 1\n.SH NAME\n") + root.name + " \\- " +
-         escaped(root.description) + "\n.SH SYNOPSIS\n" + request("B", usageOf({&root})) +
-         ".SH OPTIONS\n" + entries(root.options) + commandsText(root) + kEnd;
+  return std::string(".TH TAVLEN 1\n.SH NAME\n") + root.name + " \\- " + escaped(root.description) +
+         "\n.SH SYNOPSIS\n" + request("B", usageOf({&root})) + ".SH OPTIONS\n" +
+         entries(root.options) + commandsText(root) + kEnd;
 }
 
 }  // namespace tavlen::cli

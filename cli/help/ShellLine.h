@@ -9,8 +9,9 @@ namespace tavlen::cli {
 
 /// The beginning of a line for a shell, as far as completion needs it.
 struct ShellLine {
-  std::vector<std::string> words;  ///< without quotes; the last one is being written, and may be empty
-  char quote = 0;                  ///< the quote that is open: ', " or 0
+  std::vector<std::string>
+      words;       ///< without quotes; the last one is being written, and may be empty
+  char quote = 0;  ///< the quote that is open: ', " or 0
   /// The part of the last word, without quotes, that the shell's editor does not replace: it
   /// begins its own words after these characters.
   std::size_t kept = 0;

@@ -66,8 +66,8 @@ std::vector<const CLI::App*> groupsOf(const CLI::App& app) {
 }
 
 std::vector<const CLI::Option*> optionsOf(const CLI::App& app) {
-  std::vector<const CLI::Option*> options = app.get_options(
-      [&](const CLI::Option* option) { return option != app.get_help_ptr(); });
+  std::vector<const CLI::Option*> options =
+      app.get_options([&](const CLI::Option* option) { return option != app.get_help_ptr(); });
   for (const CLI::App* group : groupsOf(app)) {
     const std::vector<const CLI::Option*> more = optionsOf(*group);
     options.insert(options.end(), more.begin(), more.end());
@@ -105,8 +105,7 @@ CommandRecord recordOf(const CLI::App& app, const ParserState& state) {
   record.heading = app.get_group();
   record.needsCommand = app.get_require_subcommand_min() > 0;
   for (const CLI::Option* option : optionsOf(app))
-    (isPositional(*option) ? record.arguments : record.options)
-        .push_back(recordOf(*option, state));
+    (isPositional(*option) ? record.arguments : record.options).push_back(recordOf(*option, state));
   for (const CLI::App* group : groupsOf(app)) {
     if (group->get_require_option_min() > 0 || group->get_require_option_max() > 0)
       record.rules.push_back(ruleOf(*group));

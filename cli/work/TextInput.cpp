@@ -107,7 +107,7 @@ class Reader {
                           "hooks the same method as the hook at " + description(first->second));
       }
       for (const HookProblem& problem : problemsOf(hook))
-        messages_.warning(text_.placeOf(i, problem), problem.text);
+        messages_.warning(text_.placeOf(i, problem.place), problem.text);
       for (const auto& [index, box] : hook._args) {
         const ValuePlaces& value = text_.hooks[i].args.at(index);
         forEachParameter(box.value, [&](const Parameter& each, const ParameterPath& path) {

@@ -1,93 +1,65 @@
 #include "cli/work/TweakCheck.h"
 
+#include <algorithm>
 #include <filesystem>
-#include <map>
-#include <system_error>
+#include <string>
+#include <utility>
 
+#include "cli/work/AttachedFiles.h"
+#include "tavlen/bundles/AppList.h"
 #include "tavlen/device/DeviceFiles.h"
-#include "tavlen/items/GlyphNames.h"
-#include "tavlen/parameters/ParameterPath.h"
-#include "tavlen/tweaks/HookCheck.h"
 
 namespace tavlen::cli {
 
 namespace {
 
-/// Walks a manifest and collects warnings with their places.
-class Checker {
- public:
-  explicit Checker(const OpenedTweak& tweak) : tweak_(tweak) {}
+namespace fs = std::filesystem;
 
-  std::vector<Diagnostic> run() {
-    checkGlyph();
-    const auto& hooks = tweak_.manifest._hooks;
-    for (std::size_t i = 0; i < hooks.size(); ++i) {
-      if (!hooks[i]) continue;
-      const std::string place = "hooks[" + std::to_string(i) + "]";
-      checkIdentity(*hooks[i], place);
-      for (const HookProblem& problem : problemsOf(*hooks[i]))
-        warn(place + "." + documentPath(*hooks[i], problem), problem.text);
-      for (const auto& [index, box] : hooks[i]->_args) {
-        checkResources(box.value, place + ".args." + std::to_string(index));
-      }
-    }
-    return std::move(warnings_);
+Diagnostic diagnosticOf(const OpenedTweak& tweak, const TweakProblem& problem) {
+  Diagnostic diagnostic = {.severity = Diagnostic::kWarning,
+                           .message = problem.text,
+                           .file = tweak.pathOf("Manifest.json"),
+                           .code = std::string(problem.code)};
+  if (problem.subject == TweakProblem::Subject::file) {
+    diagnostic.file = tweak.pathOf(problem.file);
+  } else {
+    diagnostic.place = documentPath(tweak.manifest, problem);
   }
-
- private:
-  void warn(const std::string& place, const std::string& text) {
-    warnings_.push_back({.severity = Diagnostic::kWarning,
-                         .message = text,
-                         .file = tweak_.pathOf("Manifest.json"),
-                         .place = place});
-  }
-
-  void checkGlyph() {
-    const auto& glyph = tweak_.manifest.configuration._glyph;
-    if (!glyph || isKnownGlyph(*glyph)) return;
-    std::string text = "unknown glyph " + described(*glyph);
-    if (const auto suggestion = suggestedGlyph(*glyph)) {
-      text += "; did you mean " + described(*suggestion) + "?";
-    }
-    warn("configuration.glyph", text);
-  }
-
-  static std::string described(const TweakGlyph& glyph) {
-    return "\"" + glyph.icon + "\" in the style \"" + glyph.style + "\"";
-  }
-
-  void checkIdentity(const Hook& hook, const std::string& place) {
-    const auto [first, added] = places_.try_emplace(hook.identity(), place);
-    if (!added) warn(place, "hooks the same method as " + first->second);
-  }
-
-  void checkResources(const Parameter& parameter, const std::string& place) {
-    forEachParameter(parameter, [&](const Parameter& each, const ParameterPath& path) {
-      const auto* data = std::get_if<DataParameter>(&each);
-      const auto* image = std::get_if<ImageParameter>(&each);
-      if (data == nullptr && image == nullptr) return;
-      checkResource(data != nullptr ? data->filename : image->filename,
-                    place + documentPath(parameter, path));
-    });
-  }
-
-  void checkResource(const std::string& name, const std::string& place) {
-    const std::filesystem::path folder = tweak_.file->resourcesDir();
-    const std::string shown = "the resource \"" + name + "\"";
-    const DeviceRoot root = DeviceRoot::shared();
-    const auto file = pathInside(root, folder, name);
-    if (!file) return warn(place + ".filename", shown + " lies outside of Resources");
-    if (!std::filesystem::is_regular_file(root.status(*file)))
-      warn(place + ".filename", shown + " is missing");
-  }
-
-  const OpenedTweak& tweak_;
-  std::map<MethodIdentity, std::string> places_;
-  std::vector<Diagnostic> warnings_;
-};
+  return diagnostic;
+}
 
 }  // namespace
 
-std::vector<Diagnostic> warningsFor(const OpenedTweak& tweak) { return Checker(tweak).run(); }
+TweakSurroundings surroundingsOf(fs::path folder) {
+  TweakSurroundings surroundings;
+  surroundings.apps = AppList::shared().identifiers();
+  const fs::path top = TweakFile::resourcesFolder;
+  const auto files = attachedFiles(folder, top.string(), [&](const std::string& entry) {
+    surroundings.strayEntries.push_back(entry);
+  });
+  std::sort(surroundings.strayEntries.begin(), surroundings.strayEntries.end());
+  for (const std::string& file : files) {
+    // Hidden files, such as those that keep a folder under version control, are not for the app.
+    if (!fs::path(file).filename().string().starts_with('.'))
+      surroundings.resources.push_back(fs::path(file).lexically_relative(top).string());
+  }
+  surroundings.stateOf = [resources = folder / top](const std::string& name) {
+    const DeviceRoot root = DeviceRoot::shared();
+    const auto file = pathInside(root, resources, name);
+    if (!file) return TweakSurroundings::ResourceState::outside;
+    return fs::is_regular_file(root.status(*file)) ? TweakSurroundings::ResourceState::present
+                                                   : TweakSurroundings::ResourceState::missing;
+  };
+  return surroundings;
+}
+
+std::vector<Diagnostic> warningsFor(const OpenedTweak& tweak) {
+  TweakSurroundings surroundings = surroundingsOf(tweak.file->url());
+  surroundings.script = tweak.script;
+  std::vector<Diagnostic> warnings;
+  for (const TweakProblem& problem : problemsOf(tweak.manifest, surroundings))
+    warnings.push_back(diagnosticOf(tweak, problem));
+  return warnings;
+}
 
 }  // namespace tavlen::cli

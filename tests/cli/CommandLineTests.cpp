@@ -218,7 +218,7 @@ TEST_F(CommandTest, CheckWarnsOfWhatIsQuestionable) {
   writeTweak("broken", "1");
   const Result result = run("check T broken nowhere", {kGreeting});
   EXPECT_EQ(result.status, 1);
-  EXPECT_EQ(result.out, "T: 9 warnings\n" + kGreeting + ": ok\n");
+  EXPECT_EQ(result.out, "T: 10 warnings\n" + kGreeting + ": ok\n");
   const std::string place = "T/Manifest.json: ";
   const std::string hook = place + "hooks[0].";
   EXPECT_EQ(result.err,
@@ -230,13 +230,13 @@ TEST_F(CommandTest, CheckWarnsOfWhatIsQuestionable) {
                 "takes 2\n" +
                 hook + "args.-1: warning: the method returns nothing\n" + hook +
                 "args.7: warning: the method has no such argument\n" + hook +
-                "args.0.filename: warning: the resource \"../x.png\" lies outside of Resources\n" +
-                hook +
-                "args.1.items[0].filename: warning: the resource \"link/x\" lies outside of "
+                "args.0: warning: the resource \"../x.png\" lies outside of Resources\n" + hook +
+                "args.1.items[0]: warning: the resource \"link/x\" lies outside of "
                 "Resources\n" +
-                hook + "args.7.filename: warning: the resource \"go\\x1bne\" is missing\n" + place +
+                hook + "args.7: warning: the resource \"go\\x1bne\" is missing\n" + place +
                 "hooks[2]: warning: hooks the same method as hooks[0]\n" + place +
                 "hooks[2].signature: warning: \"zz\" is not a method's type encoding\n"
+                "T/Resources/link: warning: leads out of the tweak's folder, or is no file\n"
                 "tavlen: error: broken/Manifest.json: hooks[0]: expected a dictionary, found a "
                 "number\n"
                 "tavlen: error: nowhere: no stored tweak or collection has that identifier or "

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "cli/work/AttachedFiles.h"
+#include "cli/work/TextInput.h"
 #include "tavlen/bundles/AppList.h"
 #include "tavlen/device/DeviceFiles.h"
 
@@ -28,6 +29,31 @@ Diagnostic diagnosticOf(const OpenedTweak& tweak, const TweakProblem& problem) {
   return diagnostic;
 }
 
+Diagnostic diagnosticOf(const TextInput& input, const TweakProblem& problem) {
+  const auto position = input.text.placeOf(problem);
+  Diagnostic diagnostic = position ? input.at(*position) : Diagnostic();
+  if (!position) diagnostic.file = input.pathOf(problem.file);
+  diagnostic.severity = Diagnostic::kWarning;
+  diagnostic.message = problem.text;
+  diagnostic.code = std::string(problem.code);
+  return diagnostic;
+}
+
+/// The file of the resource `name` relative to the tweak's folder.
+std::string resourceFile(const std::string& name) {
+  return (fs::path(TweakFile::resourcesFolder) / name).lexically_normal().string();
+}
+
+/// Adds the resources among `files`, paths in the tweak's folder. Hidden files, such as those that
+/// keep a folder under version control, are not for the app.
+void addResources(TweakSurroundings& surroundings, const std::set<std::string>& files) {
+  for (const fs::path file : files) {
+    if (*file.begin() == TweakFile::resourcesFolder && !file.filename().string().starts_with('.'))
+      surroundings.resources.push_back(
+          file.lexically_relative(TweakFile::resourcesFolder).string());
+  }
+}
+
 }  // namespace
 
 TweakSurroundings surroundingsOf(fs::path folder) {
@@ -38,11 +64,7 @@ TweakSurroundings surroundingsOf(fs::path folder) {
     surroundings.strayEntries.push_back(entry);
   });
   std::sort(surroundings.strayEntries.begin(), surroundings.strayEntries.end());
-  for (const std::string& file : files) {
-    // Hidden files, such as those that keep a folder under version control, are not for the app.
-    if (!fs::path(file).filename().string().starts_with('.'))
-      surroundings.resources.push_back(fs::path(file).lexically_relative(top).string());
-  }
+  addResources(surroundings, files);
   surroundings.stateOf = [resources = folder / top](const std::string& name) {
     const DeviceRoot root = DeviceRoot::shared();
     const auto file = pathInside(root, resources, name);
@@ -53,7 +75,32 @@ TweakSurroundings surroundingsOf(fs::path folder) {
   return surroundings;
 }
 
+std::vector<Diagnostic> warningsFor(const TextInput& input, const fs::path& target) {
+  using State = TweakSurroundings::ResourceState;
+  const DeviceRoot root = DeviceRoot::shared();
+  TweakSurroundings surroundings;
+  surroundings.apps = AppList::shared().identifiers();
+  addResources(surroundings, input.files);
+  if (input.script) surroundings.script = *input.script;
+  surroundings.stateOf = [&](const std::string& name) {
+    if (!pathInside(root, input.folder / TweakFile::resourcesFolder, name)) return State::outside;
+    const std::string file = resourceFile(name);
+    const bool isKept = !target.empty() &&
+                        !input.wholeFolders.contains(TweakFile::resourcesFolder) &&
+                        fs::is_regular_file(root.status(target / file));
+    return isKept || input.files.contains(file) ? State::present : State::missing;
+  };
+  surroundings.nameOfHook = [&](std::size_t hook) {
+    return "the hook at " + description(input.text.hooks.at(hook).method);
+  };
+  std::vector<Diagnostic> warnings;
+  for (const TweakProblem& problem : problemsOf(input.text.manifest, surroundings))
+    warnings.push_back(diagnosticOf(input, problem));
+  return warnings;
+}
+
 std::vector<Diagnostic> warningsFor(const OpenedTweak& tweak) {
+  if (tweak.text) return warningsFor(*tweak.text, {});
   TweakSurroundings surroundings = surroundingsOf(tweak.file->url());
   surroundings.script = tweak.script;
   std::vector<Diagnostic> warnings;

@@ -17,4 +17,9 @@ TweakSurroundings surroundingsOf(std::filesystem::path folder);
 /// the document or the file. Throws as surroundingsOf() does.
 std::vector<Diagnostic> warningsFor(const OpenedTweak& tweak);
 
+/// The same for a text, at places in it. A resource that is in the folder `target` of the tweak
+/// that the text is to change is not missing if that tweak keeps it; an empty path stands for no
+/// tweak.
+std::vector<Diagnostic> warningsFor(const TextInput& input, const std::filesystem::path& target);
+
 }  // namespace tavlen::cli

@@ -109,11 +109,11 @@ TEST_F(AppClassesTest, SearchesForMethods) {
   }
   expectRefused("methods --in Sketch.ipa",
                 {{"None", 1, "Sketch.ipa: defines no class None\n"}, {"Eraser --class x", 2, ""}});
-  writeTweak("T", "");
+  writeTweak("./T", "");
   for (const std::string method : {"-[Eraser erase]", "+[UIView layerCount]"}) {
-    EXPECT_EQ(run("hook add T --in Sketch.ipa --method", {method}).err, "") << "pasted back";
+    EXPECT_EQ(run("hook add ./T --in Sketch.ipa --method", {method}).err, "") << "pasted back";
   }
-  EXPECT_THAT(contents("T/Manifest.json"), HasSubstr(R"("signature":"Q16@0:8")"));
+  EXPECT_THAT(contents("./T/Manifest.json"), HasSubstr(R"("signature":"Q16@0:8")"));
 }
 
 }  // namespace

@@ -94,15 +94,18 @@ TEST_F(CommandTest, ABadTweakIsNamedInOneLineAndNothingIsWritten) {
         command,
         {{"nowhere", 1, "nowhere: no stored tweak or collection has that identifier or name\n"},
          {"./nowhere", 1, "./nowhere: Not found\n"},
-         {"file", 1, "file: Not found\n"},
-         {"empty", 1, "empty: Missing Manifest.json\n"},
+         {"file", 1,
+          "file: no stored tweak or collection has that identifier or name; for the file or folder "
+          "here, write ./file\n"},
+         {"./empty", 1, "./empty: Missing Manifest.json\n"},
          {"kind/", 1, "kind/Manifest.json: hooks[3].args.-1.type: unknown kind \"Foo\"\n"},
-         {"escape", 1,
-          "escape/Manifest.json: hooks[0].args.0.type: unknown kind "
+         {"./escape", 1,
+          "./escape/Manifest.json: hooks[0].args.0.type: unknown kind "
           "\"\\x1b[31m\\u009b\\u202e\\n\"\n"},
-         {"text", 1, "text/Manifest.json: The given data was not valid JSON: expected a colon at "},
-         {"fine\x1b[31m\xC2\x9B", 1,
-          "fine\\x1b[31m\\u009b/Manifest.json: hooks[1]: expected a dictionary, found a "
+         {"text/Manifest.json", 1,
+          "text/Manifest.json: The given data was not valid JSON: expected a colon at "},
+         {"./fine\x1b[31m\xC2\x9B", 1,
+          "./fine\\x1b[31m\\u009b/Manifest.json: hooks[1]: expected a dictionary, found a "
           "number\n"}});
   }
   EXPECT_EQ(contents("out/code.js"), "old");
@@ -132,29 +135,31 @@ TEST_F(CommandTest, SyntaxErrorsStandAtTheirPlace) {
   const auto code = [](const std::string& text) {
     return hookJSON("b", "v24@0:8@16", R"("0":{"type":"Code","code":")" + text + "\"}");
   };
-  const std::string manifest = "T/Manifest.json: ";
+  const std::string manifest = "./T/Manifest.json: ";
   const struct {
     std::string hooks;
     std::string script;
     std::string message;
   } cases[] = {
       {"", "ok();\n[a b] [c];\nfoo bar;\n",
-       "T/script.objs:3:5: error: expected ';' or an operator\n    foo bar;\n        ^\n"},
+       "./T/script.objs:3:5: error: expected ';' or an operator\n    foo bar;\n        ^\n"},
       {hook, "ok();\r\n\r\nfoo bar;\r\n",
-       "T/script.objs:3:5: error: expected ';' or an operator\n    foo bar;\n        ^\n"},
+       "./T/script.objs:3:5: error: expected ';' or an operator\n    foo bar;\n        ^\n"},
       {hook, "ok();\u2028\tx = '日é😀e\u0301👨\u200D👩' y;",
-       "T/script.objs:2:20: error: expected ';' or an operator\n"
+       "./T/script.objs:2:20: error: expected ';' or an operator\n"
        "    \tx = '日é😀e\u0301👨\u200D👩' y;\n    \t               ^\n"},
       {"", "/*\x1b\xC2\x9B*/ a b",
-       "T/script.objs:1:10: error: expected ';' or an operator\n"
+       "./T/script.objs:1:10: error: expected ';' or an operator\n"
        "    /*\\x1b\\u009b*/ a b\n                     ^\n"},
       {"", "f(" + std::string(300, 'x') + " y" + std::string(300, 'z'),
-       "T/script.objs:1:304: error: expected ',' or ')' in the parentheses that began at 1:2\n    "
+       "./T/script.objs:1:304: error: expected ',' or ')' in the parentheses that began at 1:2\n   "
+       " "
        "..." +
            std::string(99, 'x') + " y" + std::string(99, 'z') + "...\n" + std::string(107, ' ') +
            "^\n"},
       {hook, "\nif (a) {\n",
-       "T/script.objs:3:1: error: expected '}' to end the braces that began at 2:8\n    \n    ^\n"},
+       "./T/script.objs:3:1: error: expected '}' to end the braces that began at 2:8\n    \n    "
+       "^\n"},
       {hook + ",null," + code("[a b:1 +"), "ok();",
        manifest +
            "hooks[2] -[A b]: error: expected an expression in the message send that began at "
@@ -171,51 +176,51 @@ TEST_F(CommandTest, SyntaxErrorsStandAtTheirPlace) {
                   "    \t\t                             ^\n"},
   };
   for (const auto& c : cases) {
-    writeTweak("T", c.hooks);
-    write("T/script.objs", c.script);
-    const Result result = run("build T -o out");
+    writeTweak("./T", c.hooks);
+    write("./T/script.objs", c.script);
+    const Result result = run("build ./T -o out");
     EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.err, c.message + "tavlen: error: T: does not build\n");
+    EXPECT_EQ(result.err, c.message + "tavlen: error: ./T: does not build\n");
   }
   EXPECT_FALSE(fs::exists(folder() / "out"));
 }
 
 TEST_F(CommandTest, APlaceInTheCodeIsLedBack) {
-  writeTweak("T", "null," + hookJSON("a", "v16@0:8"));
-  write("T/script.objs", "ok();\n\t[a b:[c d]];\n");
+  writeTweak("./T", "null," + hookJSON("a", "v16@0:8"));
+  write("./T/script.objs", "ok();\n\t[a b:[c d]];\n");
   const struct {
     std::string place;
     int status;
     std::string text;
   } cases[] = {
-      {"3:10", 0, "T/Manifest.json: hooks[1] -[A a]\n    \t\treturn %orig;\n    \t\t       ^\n"},
-      {"8:25", 0, "T/script.objs:2:7\n    \t[a b:[c d]];\n    \t     ^\n"},
-      {"1:1", 1, "tavlen: error: T: 1:1: belongs to no hook and not to the script\n"},
-      {"8:1", 1, "tavlen: error: T: 8:1: the source map leads to no place in the source\n"},
-      {"9:2", 1, "tavlen: error: T: 9:2: the code has no such line or column\n"},
+      {"3:10", 0, "./T/Manifest.json: hooks[1] -[A a]\n    \t\treturn %orig;\n    \t\t       ^\n"},
+      {"8:25", 0, "./T/script.objs:2:7\n    \t[a b:[c d]];\n    \t     ^\n"},
+      {"1:1", 1, "tavlen: error: ./T: 1:1: belongs to no hook and not to the script\n"},
+      {"8:1", 1, "tavlen: error: ./T: 8:1: the source map leads to no place in the source\n"},
+      {"9:2", 1, "tavlen: error: ./T: 9:2: the code has no such line or column\n"},
       {"8:0", 2,
        "tavlen: error: LINE:COLUMN: 8:0: expected a line and a column, such as 12:7\n"
        "tavlen: see \"tavlen help locate\"\n"},
   };
   for (const auto& c : cases) {
-    const Result result = run("locate T " + c.place);
+    const Result result = run("locate ./T " + c.place);
     EXPECT_EQ(result.status, c.status);
     EXPECT_EQ(c.status == 0 ? result.out : result.err, c.text);
   }
   write("ob.js", "OBJSTranspiler = { transpile(s) { return { code: s, map: '{}' }; } };");
-  EXPECT_EQ(run("locate T 1:1 --transpiler .").err,
+  EXPECT_EQ(run("locate ./T 1:1 --transpiler .").err,
             "tavlen: error: the transpiler's source map: missing key \"version\"\n");
 }
 
 TEST_F(CommandTest, AScriptThatCannotBeReadCountsAsEmpty) {
-  writeTweak("T", hookJSON("a", "v16@0:8"));
-  const std::string empty = run("source T").out;
-  write("T/script.objs", "fine(); \xFF");
-  const Result result = run("source T");
+  writeTweak("./T", hookJSON("a", "v16@0:8"));
+  const std::string empty = run("source ./T").out;
+  write("./T/script.objs", "fine(); \xFF");
+  const Result result = run("source ./T");
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(result.out, empty);
   EXPECT_THAT(result.err, StartsWith("tavlen: warning: the script cannot be read and counts as "
-                                     "empty: T/script.objs: "));
+                                     "empty: ./T/script.objs: "));
 }
 
 TEST_F(CommandTest, CheckWarnsOfWhatIsQuestionable) {
@@ -225,15 +230,15 @@ TEST_F(CommandTest, CheckWarnsOfWhatIsQuestionable) {
                R"({"type":"Data","filename":"link/x"},{"type":"Data","filename":"here"}]},)"
                R"("7":{"type":"Data","filename":"go\u001bne"},"-1":{"type":"Nil"})") +
       ",null," + hookJSON("set:to:", "zz");
-  writeTweak("T", hooks, R"(,"glyph":{"icon":"tolls","style":"solid"})");
-  write("T/Resources/here", "");
+  writeTweak("./T", hooks, R"(,"glyph":{"icon":"tolls","style":"solid"})");
+  write("./T/Resources/here", "");
   write("x/x", "");
-  fs::create_directory_symlink("../../x", folder() / "T/Resources/link");
+  fs::create_directory_symlink("../../x", folder() / "./T/Resources/link");
   writeTweak("broken", "1");
-  const Result result = run("check T broken nowhere", {kGreeting});
+  const Result result = run("check ./T ./broken nowhere", {kGreeting});
   EXPECT_EQ(result.status, 1);
-  EXPECT_EQ(result.out, "T: 10 warnings\n" + kGreeting + ": ok\n");
-  const std::string place = "T/Manifest.json: ";
+  EXPECT_EQ(result.out, "./T: 10 warnings\n" + kGreeting + ": ok\n");
+  const std::string place = "./T/Manifest.json: ";
   const std::string hook = place + "hooks[0].";
   EXPECT_EQ(result.err,
             place +
@@ -250,12 +255,12 @@ TEST_F(CommandTest, CheckWarnsOfWhatIsQuestionable) {
                 hook + "args.7: warning: the resource \"go\\x1bne\" is missing\n" + place +
                 "hooks[2]: warning: hooks the same method as hooks[0]\n" + place +
                 "hooks[2].signature: warning: \"zz\" is not a method's type encoding\n"
-                "T/Resources/link: warning: leads out of the tweak's folder, or is no file\n"
-                "tavlen: error: broken/Manifest.json: hooks[0]: expected a dictionary, found a "
+                "./T/Resources/link: warning: leads out of the tweak's folder, or is no file\n"
+                "tavlen: error: ./broken/Manifest.json: hooks[0]: expected a dictionary, found a "
                 "number\n"
                 "tavlen: error: nowhere: no stored tweak or collection has that identifier or "
                 "name\n");
-  EXPECT_EQ(run("check T").status, 0) << "warnings are no failure";
+  EXPECT_EQ(run("check ./T").status, 0) << "warnings are no failure";
 }
 
 TEST_F(CommandTest, InfoShowsWhatTheFileHolds) {

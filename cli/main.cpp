@@ -29,6 +29,7 @@ void addCommands(tavlen::cli::Command command) {
   tavlen::cli::addListCommand(command);
   tavlen::cli::addShowCommand(command);
   tavlen::cli::addNewCommand(command);
+  tavlen::cli::addSetCommand(command);
   tavlen::cli::addScriptCommand(command);
   tavlen::cli::addDeleteCommand(command);
   tavlen::cli::addInstallCommand(command);

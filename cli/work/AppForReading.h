@@ -16,6 +16,10 @@ namespace tavlen::cli {
 inline constexpr const char* kReadAppHelp =
     "The app: its bundle identifier, the path of its bundle folder, or an archive (.ipa)";
 
+/// The help text of an option for the app that an item is for.
+inline constexpr const char* kTargetAppHelp =
+    "The app: its bundle identifier, the path of its bundle folder, or an archive (.ipa)";
+
 /// An app whose files are read: one of the device, one in a folder, or one in an archive (.ipa). Of
 /// an archive, the files that are asked for are unpacked into a temporary folder, which is removed
 /// with the object, also when SIGHUP, SIGINT or SIGTERM ends the command (RAII). shownPath() leaves
@@ -57,6 +61,10 @@ class AppForReading {
   std::shared_ptr<IPA> ipa_;
   std::vector<std::string> faults_;
 };
+
+/// The bundle identifier of the app that an item is for: as bundleIDOf(), or that of the app in an
+/// archive. Throws as AppForReading and bundleIDOf() do.
+std::string targetBundleID(const std::string& text);
 
 /// Whether `text` names an archive: a file that ends in ".ipa", or begins like a ZIP archive.
 bool isArchive(const std::string& text);

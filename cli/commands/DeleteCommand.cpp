@@ -149,8 +149,8 @@ int deleteItems(const Options& options) {
 }  // namespace
 
 void addDeleteCommand(Command app) {
-  Command command = app.addCommand(
-      "delete", "Uninstall stored tweaks and collections and delete them, even broken ones");
+  Command command =
+      app.addCommand("delete", "Uninstall and delete tweaks and collections, even broken ones");
   const auto options = std::make_shared<Options>();
   command.texts("ITEM", options->names, kItemHelp).notEmpty();
   command.flag("-y,--yes", options->isYes, "Do not ask on a terminal");

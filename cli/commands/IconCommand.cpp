@@ -97,8 +97,8 @@ void refuseArguments(const Options& options, bool isOutputGiven) {
 }  // namespace
 
 void addIconCommand(Command app) {
-  Command command = app.addCommand(
-      "icon", "Write the icon of an app or a tweak as a PNG file; set or clear that of a tweak");
+  Command command =
+      app.addCommand("icon", "Write the icon of an app or a tweak as a PNG file; set a tweak's");
   const auto options = std::make_shared<Options>();
   // Both are required unless a subcommand follows.
   const Option name = command.text("APP|TWEAK", options->subject, kSubjectHelp).notEmpty();

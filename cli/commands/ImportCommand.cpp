@@ -108,9 +108,8 @@ int importAll(const Options& options) {
 }  // namespace
 
 void addImportCommand(Command app) {
-  Command command = app.addCommand("import",
-                                   "Import archives of tweaks and collections and print the new "
-                                   "identifiers");
+  Command command =
+      app.addCommand("import", "Import archives and print the identifiers of the new items");
   const auto options = std::make_shared<Options>();
   command
       .texts("FILE", options->files,

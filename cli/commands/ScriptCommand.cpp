@@ -10,6 +10,7 @@
 #include "cli/terminal/ShownText.h"
 #include "cli/work/ItemRow.h"
 #include "cli/work/StoreLock.h"
+#include "cli/work/TweakForReading.h"
 #include "tavlen/foundation/files/FileTree.h"
 #include "tavlen/foundation/text/Unicode.h"
 
@@ -27,7 +28,7 @@ struct Options {
 };
 
 int show(const Options& options) {
-  const std::string script = scriptOf(*storedTweak(options.tweak));
+  const std::string script = scriptOf(*tweakForReading(options.tweak).file);
   writeOutput(options.output, options.json ? shownJSON(script) + "\n" : script);
   return 0;
 }

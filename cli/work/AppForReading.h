@@ -12,12 +12,8 @@
 
 namespace tavlen::cli {
 
-/// The help text of the argument APP of commands that only read the app.
+/// The help text of the argument APP of commands that need only the app's files.
 inline constexpr const char* kReadAppHelp =
-    "The app: its bundle identifier, the path of its bundle folder, or an archive (.ipa)";
-
-/// The help text of an option for the app that an item is for.
-inline constexpr const char* kTargetAppHelp =
     "The app: its bundle identifier, the path of its bundle folder, or an archive (.ipa)";
 
 /// An app whose files are read: one of the device, one in a folder, or one in an archive (.ipa). Of

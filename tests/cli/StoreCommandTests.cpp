@@ -2,10 +2,12 @@
 
 #include <memory>
 
+#include "tavlen/foundation/text/Characters.h"
 #include "tests/cli/RunningCommand.h"
 
 namespace tavlen {
 namespace {
+using testing::ContainsRegex;
 using testing::EndsWith;
 using testing::HasSubstr;
 using testing::StartsWith;
@@ -28,11 +30,12 @@ TEST_F(CommandStoreTest, NewMakesATweakOrSaysWhatIsWrong) {
                         {"A --app x --glyph apple/solid", 2,
                          "--glyph: unknown glyph \"apple/solid\"; did you mean apple/brands?\n"},
                         {"A --app x --glyph /", 2, "--glyph: unknown glyph \"/\"\n"},
-                        {"A --app x --color blue", 2, "--color: blue not in {lightGreen,"},
+                        {"A --app x --color blue", 2,
+                         "--color: unknown value \"blue\"; known are lightGreen,"},
                         {"\xFF --app x", 2, "NAME: it is not UTF-8\n"},
                         {"'' --app x", 2, "NAME: it is empty\n"},
                         {"A --app ./gone.app", 1, "./gone.app: No such file or directory\n"},
-                        {"A", 2, "--app is required\n"}});
+                        {"A", 2, "--app is missing\n"}});
   EXPECT_EQ(std::distance(fs::directory_iterator(folder() / stored("")), {}), 3)
       << "what is refused makes nothing";
 }
@@ -78,7 +81,8 @@ TEST_F(CommandStoreTest, ItemsGoByIdentifierNameOrPath) {
   write(stored(id) + "/script.objs", "one();");
   writeTweak("here", "");
   for (const std::string& name :
-       {id, std::string("My tweak"), "./" + stored(id), stored(id) + "/"}) {
+       {id, lowercased(id), id.substr(0, 8), lowercased(id.substr(0, 4)), std::string("My tweak"),
+        "./" + stored(id), stored(id) + "/", stored(id) + "/Manifest.json"}) {
     EXPECT_EQ(run("build", {name}).out, "one();") << name;
     EXPECT_THAT(run("show", {name}).out, HasSubstr("Identifier: " + id + "\n")) << name;
   }
@@ -87,17 +91,35 @@ TEST_F(CommandStoreTest, ItemsGoByIdentifierNameOrPath) {
       run("show Both").out,
       EndsWith("Tweaks:     " + id + "  My tweak\n            ../../x  (cannot be opened)\n"));
   EXPECT_THAT(run("show C.collection --json").out, HasSubstr(R"("kind":"collection","path":")"));
-  newTweak("My");
-  writeCollection("D", "My", "");
+  const std::string installed = newTweak("My");
+  EXPECT_EQ(run("install", {installed}).status, 0);
+  fs::copy(folder() / stored(installed), folder() / stored("ABCD-1"));
+  fs::copy(folder() / stored(installed), folder() / stored("ABCD-2"));
+  write(stored("BROKEN/Manifest.json"), "{}");
+  expectRefused(
+      "install",
+      {{"brok", 1, (folder() / stored("BROKEN/Manifest.json")).string() + ": missing key"},
+       {"a.tvx", 1, "a.tvx: is an archive, not a stored item; import makes one of it\n"},
+       {"-", 1, "-: is a text, not a stored item; apply makes one of it\n"}});
   for (const char* command : {"show", "install", "delete", "uninstall"}) {
     expectRefused(
         command,
-        {{"'my tweak'", 1, "my tweak: no stored tweak or collection has that identifier or name\n"},
-         {"My", 1, "My: several items have that name; name one by its identifier: "},
+        {{"'my tweak'", 1,
+          "my tweak: no stored tweak or collection has that identifier or name; did you mean \"My "
+          "tweak\"?\n"},
+         {"ABCE", 1,
+          "ABCE: no stored tweak or collection has that identifier or name; did you mean "
+          "\"ABCD\"?\n"},
+         {"My", 1, "My: several items have that name; name one by its identifier\nIDENTIFIER "},
+         {"abcd", 1, "abcd: several identifiers begin like that; write more of one\nIDENTIFIER  "},
          {"./BAD", 1, "./BAD: Not found\n"},
-         {"tree", 1, "tree: Missing Manifest.json\n"},
-         {"here/Manifest.json", 1, "here/Manifest.json: Unknown tweak type\n"}});
+         {"./tree", 1, "./tree: Missing Manifest.json\n"}});
   }
+  EXPECT_THAT(run("show My").err, ContainsRegex(installed + "  My    com.example.notes  20..-..-.. "
+                                                            "..:..  yes\n"));
+  EXPECT_THAT(run("show --json My").err, HasSubstr("by its identifier: "));
+  newTweak("ABCD");
+  EXPECT_EQ(run("show ABCD").err, "") << "a name goes before the beginning of an identifier";
   EXPECT_EQ(run("build Both").err, kError + "Both: is a collection, not a tweak\n");
 }
 

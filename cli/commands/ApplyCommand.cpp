@@ -112,8 +112,7 @@ int makeTweak(const Options& options) {
 }  // namespace
 
 void addApplyCommand(Command app) {
-  Command command = app.addCommand(
-      "apply", "Make a tweak from a text and print its identifier, or change one and print how");
+  Command command = app.addCommand("apply", "Make a tweak from such a text, or change one");
   const auto options = std::make_shared<Options>();
   command
       .text("TEXT", options->text,

@@ -30,6 +30,8 @@ void addListCommand(Command app);
 void addShowCommand(Command app);
 /// Adds `new`.
 void addNewCommand(Command app);
+/// Adds `set`.
+void addSetCommand(Command app);
 /// Adds `script`.
 void addScriptCommand(Command app);
 /// Adds `delete`.
@@ -72,6 +74,10 @@ void addClassesCommand(Command app);
 void addMethodsCommand(Command app);
 /// Adds `type`.
 void addTypeCommand(Command app);
+/// Adds `help`.
+void addHelpCommand(Command app);
+/// Adds `completion`, and `complete`, which its scripts call.
+void addCompletionCommand(Command app);
 
 /// Adds `set` and `clear`, which edit the icon of a tweak, to the subcommand `icon`.
 void addTweakIconCommands(Command group);

@@ -129,8 +129,8 @@ int dump(const Options& options) {
 }  // namespace
 
 void addDumpCommand(Command app) {
-  Command command = app.addCommand(
-      "dump", "Write a tweak as a text to read, edit and keep under version control");
+  Command command =
+      app.addCommand("dump", "Write a tweak as a text to edit and keep under version control");
   const auto options = std::make_shared<Options>();
   command.text("TWEAK", options->tweak, kReadTweakHelp).required().notEmpty();
   command

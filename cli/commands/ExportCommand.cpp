@@ -175,8 +175,8 @@ int exportItem(const Options& options) {
 }  // namespace
 
 void addExportCommand(Command app) {
-  Command command = app.addCommand(
-      "export", "Write a tweak or collection to an archive and print the archive's path");
+  Command command =
+      app.addCommand("export", "Write a tweak or a collection to an archive and print its path");
   const auto options = std::make_shared<Options>();
   command.text("ITEM", options->item, kItemHelp).required().notEmpty();
   command

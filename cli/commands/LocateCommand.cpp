@@ -107,8 +107,8 @@ int locate(const Options& options) {
 }  // namespace
 
 void addLocateCommand(Command app) {
-  Command command = app.addCommand(
-      "locate", "Print the hook or the place in the script that a place in the code came from");
+  Command command =
+      app.addCommand("locate", "Lead a place in the code back to its hook or script line");
   const auto options = std::make_shared<Options>();
   command.text("TWEAK", options->tweak, kReadTweakHelp).required().notEmpty();
   command

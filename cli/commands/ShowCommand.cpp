@@ -153,8 +153,7 @@ int show(const std::string& name, bool json) {
 }  // namespace
 
 void addShowCommand(Command app) {
-  Command command = app.addCommand(
-      "show", "Print the contents of a tweak or a collection; of a broken one, what is left");
+  Command command = app.addCommand("show", "Print the contents of a tweak or a collection");
   const auto name = std::make_shared<std::string>();
   const auto json = std::make_shared<bool>(false);
   command.text("ITEM", *name, kItemHelp).required().notEmpty();

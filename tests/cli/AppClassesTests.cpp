@@ -55,10 +55,10 @@ TEST_F(AppClassesTest, WritesTheHeadersOfAllImages) {
   EXPECT_THAT(contents("H/Eraser.h"), HasSubstr("@interface Eraser : Circle <"));
   EXPECT_TRUE(fs::exists(folder() / "H/ShapeFactory.h"));
   expectRefused("classes Sketch.ipa",
-                {{"--headers", 2, ""},
-                 {"-o H", 2, ""},
-                 {"--headers -o H --json", 2, ""},
+                {{"--headers", 2, "--headers needs --output"},
+                 {"-o H", 2, "--output needs --headers"},
                  {"--parser remote", 1, "Sketch.ipa: an app in an archive cannot be run"}});
+  EXPECT_EQ(run("classes Sketch.ipa --headers -o H --json").status, 2);
 }
 
 TEST_F(AppClassesTest, AnImageThatCannotBeReadIsNamedAndTheOthersAreListed) {

@@ -97,7 +97,7 @@ TEST_F(ClassCommandTest, AHookTakesItsTypesFromTheImage) {
        {"--method '[Nobody x]' --in image.so", 2, "--method"},
        {"--method '-[Nobody x]'", 2, ""},
        {"A b --signature v16@0:8 --in image.so", 2, "--in"},
-       {"A b --method '-[A b]' --in image.so", 2, "CLASS excludes --method"},
+       {"A b --method '-[A b]' --in image.so", 2, "CLASS and --method cannot be given together"},
        {"A b --signature v16@0:8 --parser remote", 2, ""},
        {"A b --signature v16@0:8 --timeout 1", 2, ""},
        {"A b", 2, "--signature"},

@@ -46,7 +46,7 @@ TEST_F(HookCommandTest, AddsAtTheEndAndKeepsNulls) {
 TEST_F(HookCommandTest, AHookIsNamedByItsMethodOrItsName) {
   run("hook add ./T A b --signature v16@0:8 --class-method --name Bee");
   const std::string before = manifest();
-  for (const char* name : {"'+[A b]'", "Bee", "--hook '+[A b]'", "-- '+[A b]'"}) {
+  for (const char* name : {"'+[A b]'", "Bee", "-- '+[A b]'"}) {
     EXPECT_EQ(run(std::string("hook remove ./T ") + name).err, "") << name;
     EXPECT_EQ(list(), "[" + kFirst + "," + kSecond + "]\n");
     write("./T/Manifest.json", before);
@@ -84,16 +84,16 @@ TEST_F(HookCommandTest, RefusesAndChangesNothing) {
       "hook",
       {{"add ./T A b --signature v16@0:8", 1, "./T: -[A b]: the tweak already hooks -[A b]\n"},
        {"add ./T A c\xFF --signature v", 1, "./T: -[A c"},
-       {"add ./T A c", 2, "--signature is required"},
+       {"add ./T A c", 2, "--signature is missing"},
        {"add ./T '' c --signature v", 2, "CLASS: it is empty"},
-       {"set ./T '-[A a:]'", 2, "At least 1 option"},
+       {"set ./T '-[A a:]'", 2, "--class, --selector, --signature, "},
        {"set ./T '-[A a:]' --name n --no-name", 2, ""},
        {"set ./T '-[A a:]' --selector b", 1, "./T: -[A a:]: the tweak already hooks -[A b]\n"},
        {"set ./T '-[A a:]' --class B --selector x", 1,
         "./T: -[A a:]: the tweak already hooks -[B x], as \"X\"\n"},
        {"set ./T '-[A z]' --name n", 1, "./T: -[A z]: Hook not found\n"},
        {"remove ./T X", 1, "./T: X: several hooks have that name; use"},
-       {"remove ./T", 2, "--hook is required"}});
+       {"remove ./T", 2, "HOOK is missing"}});
   EXPECT_EQ(manifest(), before);
 }
 
@@ -163,14 +163,14 @@ TEST_F(OverrideCommandTest, RefusesAndChangesNothing) {
   expectRefused("override",
                 {{"set ./T Build 1", 1, "./T: Build: the tweak has no such override\n"},
                  {"remove ./T Build", 1, "./T: Build: the tweak has no such override\n"},
-                 {"set ./T Build", 2, "VALUE is required"},
-                 {"add ./T Colour 1", 2, "KIND: Colour not in {DisplayName,"},
+                 {"set ./T Build", 2, "VALUE is missing"},
+                 {"add ./T Colour 1", 2, "KIND: unknown value \"Colour\"; known are DisplayName,"},
                  {"add ./T IPadSupport yes", 2, "VALUE: yes: expected true or false"},
                  {"add ./T MinimumOSVersion 1.x", 2, "VALUE: 1.x: expected a version such as"},
                  {"add ./T Orientations Portrait,Up", 2, "VALUE: Portrait,Up: expected none, or a"},
                  {"add ./T Orientations ''", 2, "VALUE: "},
                  {"add ./T Build \xFF", 2, "VALUE: \uFFFD: expected UTF-8"}});
-  EXPECT_EQ(contents("./T/Manifest.json"), before);
+  EXPECT_EQ(contents("T/Manifest.json"), before);
 }
 
 TEST_F(OverrideCommandTest, WithoutAValueItIsTheApps) {

@@ -95,7 +95,7 @@ TEST_F(ParamCommandTest, MalformedArgumentsAreWrongUsage) {
       {"remove ./T X 0.end", 2, "ADDRESS: "},
       {"move ./T X 0.0 x", 2, "TO: x: expected an index"},
       {"insert ./T X 1.end nil --key int:x", 2, "--key: int:x: expected a whole number"},
-      {"set ./T X 0", 2, "VALUE is required"}};
+      {"set ./T X 0", 2, "VALUE is missing"}};
   for (const std::string address : {"x", "0.", ".0", "0..1", "0.key", "0.1.key.value", "0.1.keys",
                                     "0x1", "+1", "9223372036854775808", "0.0 ", "-1.-"}) {
     refusals.push_back({"set ./T X '" + address + "' nil", 2,

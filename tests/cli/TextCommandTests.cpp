@@ -149,6 +149,8 @@ TEST_F(TextCommandTest, ATweakIsReadInAnyForm) {
       EXPECT_TRUE(namesFiles || found == expected) << line << " " << tweak << ":\n" << found;
     }
   }
+  EXPECT_EQ(run("show T.tvxc").err,
+            "tavlen: error: T.tvxc: is the archive of a collection; import makes one of it\n");
   EXPECT_EQ(shell("ls -A | grep Temporary").out, "") << "nothing is left";
   EXPECT_THAT(run("locate ./T 2:3").out, StartsWith("./T/tweak.toml:6:10\n"));
   const std::string code = run("build ./T").out;

@@ -26,7 +26,6 @@ _tavlen() {
   local kind
   COMPREPLY=()
   { read -r kind && mapfile -t COMPREPLY; } < <("$1" complete --line -- "${COMP_LINE:0:COMP_POINT}" 2>/dev/null)
-  [[ ${COMPREPLY[0]-} == *" " ]] && compopt -o nospace  # the beginning of a method
   case $kind in
     files) compopt -o default ;;
     folders) compopt -o dirnames ;;
@@ -42,9 +41,6 @@ _tavlen() {
   lines=("${(@f)$("${words[1]}" complete -- "${(@Q)words[1,CURRENT-1]}" "${(Q)PREFIX}" 2>/dev/null)}")
   local kind=$lines[1]
   shift lines
-  local -a begun=("${(@M)lines:#* }")  # beginnings of methods
-  (( $#begun )) && compadd -S "" -- "${begun[@]}"
-  lines=("${(@)lines:#* }")
   (( $#lines )) && compadd -- "${lines[@]}"
   case $kind in
     files) _files ;;

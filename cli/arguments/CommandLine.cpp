@@ -282,7 +282,8 @@ int CommandLine::report(const std::string& problem) const {
   printError(problem);
   const CommandRecord record = recordOf(*app_, *state_);
   std::string words = wordsOf(chosenRecords(record, *app_));
-  words.insert(std::min(words.find(' '), words.size()), " help");
+  const std::string help = app_->get_name() + " help";
+  if (words != help) words.replace(0, app_->get_name().size(), help);
   printNote("see \"" + words + "\"");
   return kUsage;
 }

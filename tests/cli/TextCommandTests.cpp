@@ -154,7 +154,8 @@ TEST_F(TextCommandTest, ATweakIsReadInAnyForm) {
   EXPECT_EQ(shell("ls -A | grep Temporary").out, "") << "nothing is left";
   EXPECT_THAT(run("locate ./T 2:3").out, StartsWith("./T/tweak.toml:6:10\n"));
   const std::string code = run("build ./T").out;
-  const auto scriptLine = 1 + std::count(code.begin(), code.begin() + code.find("one("), '\n');
+  const std::string before = code.substr(0, code.find("one("));
+  const auto scriptLine = 1 + std::count(before.begin(), before.end(), '\n');
   EXPECT_EQ(run("locate ./T " + std::to_string(scriptLine) + ":1 --json").out,
             "{\"file\":\"./T/s\",\"line\":1,\"column\":1}\n");
   write("T/s", "foo bar");

@@ -34,8 +34,8 @@ class InstalledSnapshot {
   /// again is a change.
   std::vector<Change> changesSince(const InstalledSnapshot& before) const;
 
-  /// The folders to watch for changes: that of the installed tweaks, or its closest existing parent,
-  /// and those of the apps in it.
+  /// The folders to watch for changes: that of the installed tweaks, or its closest existing
+  /// parent, and those of the apps in it.
   const std::vector<std::filesystem::path>& folders() const { return folders_; }
 
  private:

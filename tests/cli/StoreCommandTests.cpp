@@ -91,7 +91,8 @@ TEST_F(CommandStoreTest, ItemsGoByIdentifierNameOrPath) {
   EXPECT_THAT(
       run("show Both").out,
       EndsWith("Tweaks:     " + id + "  My tweak\n            ../../x  (cannot be opened)\n"));
-  EXPECT_THAT(run("show C.collection --json").out, HasSubstr(R"("kind":"collection","path":")"));
+  EXPECT_THAT(run("show C.collection --json").out,
+              HasSubstr(R"("stored":true,"identifier":"C.collection","path":")"));
   const std::string installed = newTweak("My");
   EXPECT_EQ(run("install", {installed}).status, 0);
   fs::copy(folder() / stored(installed), folder() / stored("ABCD-1"));
@@ -144,7 +145,8 @@ TEST_F(CommandStoreTest, ABrokenItemIsListedShownAndDeletedByItsIdentifier) {
   EXPECT_THAT(shown.out, StartsWith("Name:       T\nKind:       tweak\n"));
   EXPECT_THAT(shown.out, HasSubstr("Installed:  yes\nScript:     none\n"));
   EXPECT_THAT(shown.err, HasSubstr("Manifest.json: hooks[0]: " + error));
-  EXPECT_THAT(run("show BAD.collection --json").out, HasSubstr(R"(,"installed":false,"error":")"));
+  EXPECT_THAT(run("show BAD.collection --json").out,
+              HasSubstr(R"("installed":false,"stored":true,"identifier":)"));
   EXPECT_EQ(run("show BAD").err,
             kError + "BAD: no stored tweak or collection has that identifier or name\n");
   EXPECT_EQ(run("delete", {id}).status, 0);

@@ -32,7 +32,8 @@ void addCommands(tavlen::cli::Command command) {
   const Group groups[] = {
       {"Make and change tweaks",
        {addNewCommand, addListCommand, addShowCommand, addDumpCommand, addApplyCommand,
-        addSetCommand, addScriptCommand, addDeleteCommand, addWatchCommand}},
+        addEditCommand, addDiffCommand, addSetCommand, addScriptCommand, addDeleteCommand,
+        addWatchCommand}},
       {"Hooks and values", {addHookCommand, addParamCommand, addOverrideCommand}},
       {"Look into apps",
        {addAppsCommand, addInfoCommand, addIconCommand, addExecutablesCommand, addClassesCommand,

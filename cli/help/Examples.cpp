@@ -54,6 +54,8 @@ constexpr auto kExamples = std::to_array<Example>({
     {"tavlen locate Morning 3:10", ""},
     {"tavlen dump Morning -o morning.tweak", ""},
     {"tavlen apply morning.tweak --to Morning --dry-run", ""},
+    {"tavlen diff Morning ./morning.tweak", ""},
+    {"EDITOR=cat tavlen edit Morning", ""},
     {"tavlen install Morning", ""},
     {"tavlen list", ""},
     {"tavlen watch", kEndless},

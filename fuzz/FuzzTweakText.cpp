@@ -43,7 +43,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const auto& hooks = text->manifest._hooks;
   for (std::size_t i = 0; i < hooks.size(); ++i) {
     for (const HookProblem& problem : problemsOf(*hooks[i])) {
-      require(text->placeOf(i, problem).line > 0 && !documentPath(*hooks[i], problem).empty());
+      require(text->placeOf(i, problem.place).line > 0 &&
+              !documentPath(*hooks[i], problem.place).empty());
     }
   }
   const std::string written = writeTweakText(text->manifest, {});

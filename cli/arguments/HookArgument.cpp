@@ -12,25 +12,6 @@ namespace tavlen::cli {
 
 namespace {
 
-constexpr const char* kInstanceMethodBegin = "-[";
-
-/// Adds the prefix that the parser has removed: it reads "-[Class selector]" as the option "-["
-/// with a value.
-void restorePrefix(std::string& text) {
-  // A method contains a blank; a custom name that ends in "]" may not.
-  if (text.ends_with(']') && text.find('[') == std::string::npos &&
-      text.find(' ') != std::string::npos)
-    text = kInstanceMethodBegin + text;
-}
-
-/// Adds a positional argument that may be a method.
-Option addMethodOr(Command command, const std::string& names, std::string& text, const char* help) {
-  return command.text((std::string(kInstanceMethodBegin) + "," + names).c_str(), text, help)
-      .required()
-      .notEmpty()
-      .transform(restorePrefix);
-}
-
 /// Throws for a text that names no hook, and suggests one.
 [[noreturn]] void refuseUnknown(const TweakFile::Manifest& manifest, const std::string& text) {
   std::vector<std::string> texts;
@@ -46,7 +27,7 @@ Option addMethodOr(Command command, const std::string& names, std::string& text,
 }  // namespace
 
 Option addMethodArgument(Command command, std::string& text, const char* help) {
-  return addMethodOr(command, "--method,METHOD", text, help).check(methodProblem);
+  return command.text("METHOD", text, help).required().notEmpty().check(methodProblem);
 }
 
 std::string methodProblem(const std::string& text) {
@@ -54,8 +35,11 @@ std::string methodProblem(const std::string& text) {
 }
 
 void addHookArgument(Command command, std::string& text) {
-  addMethodOr(command, "--hook,HOOK", text,
-              "The hook: '-[Class selector]', '+[Class selector]', or the name it was given");
+  command
+      .text("HOOK", text,
+            "The hook: '-[Class selector]', '+[Class selector]', or the name it was given")
+      .required()
+      .notEmpty();
 }
 
 HookManager hookArgument(TweakFile::Opened tweak, const std::string& text) {

@@ -5,12 +5,12 @@
 #include <vector>
 
 #include "cli/arguments/TranspilerOption.h"
-#include "cli/arguments/TweakArgument.h"
 #include "cli/commands/Commands.h"
 #include "cli/terminal/Console.h"
 #include "cli/work/ErrorReport.h"
 #include "cli/work/Transpilation.h"
 #include "cli/work/TweakCheck.h"
+#include "cli/work/TweakForReading.h"
 #include "tavlen/foundation/text/EscapedText.h"
 
 namespace tavlen::cli {

@@ -18,6 +18,7 @@
 #include "cli/terminal/TextTable.h"
 #include "cli/work/HookOutput.h"
 #include "cli/work/StoreLock.h"
+#include "cli/work/TweakForReading.h"
 #include "tavlen/tweaks/Manifest.h"
 
 namespace tavlen::cli {
@@ -108,7 +109,7 @@ std::string table(const std::vector<Hook>& hooks) {
 }
 
 void listHooks(const Options& options) {
-  const std::vector<Hook> hooks = openedTweak(options.tweak).manifest.hooks();
+  const std::vector<Hook> hooks = tweakForReading(options.tweak).manifest.hooks();
   if (options.json) {
     std::vector<HookRow> rows;
     for (const Hook& hook : hooks) rows.push_back(rowOf(hook));

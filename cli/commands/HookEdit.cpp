@@ -20,17 +20,12 @@ auto isOf(const MethodIdentity& identity) {
       [&identity](const BoxedOptional<Hook>& hook) { return hook && hook->identity() == identity; };
 }
 
-void printChanges(const TweakFile::Manifest& before, const TweakFile::Manifest& after) {
-  for (const std::string& change : changesBetween(before, after))
-    printData(escapedForTerminal(change) + "\n");
-}
-
 }  // namespace
 
 void addHookEdit(Command command, HookEdit& edit) {
-  const Option json = command.flag("--json", edit.json, "Print the hook as a JSON object");
-  command.flag("--dry-run", edit.isDryRun, "Print what would change, and store nothing")
-      .excludes(json);
+  command.flag("--json", edit.json,
+               "Print the hook as a JSON object; with --dry-run, the changes as an array");
+  command.flag("--dry-run", edit.isDryRun, "Print what would change, and store nothing");
 }
 
 void requireFree(const TweakFile::Manifest& manifest, const MethodIdentity& identity) {
@@ -54,7 +49,7 @@ void storeHook(const HookManager& manager, const Hook& hook, const HookEdit& edi
   } else {
     *found = hook;
   }
-  printChanges(*manager.opened, after);
+  printChanges(changesBetween(*manager.opened, after), edit.json);
 }
 
 void removeHook(const HookManager& manager, const HookEdit& edit) {
@@ -66,7 +61,7 @@ void removeHook(const HookManager& manager, const HookEdit& edit) {
   }
   TweakFile::Manifest after = *manager.opened;
   std::erase_if(after._hooks, isOf(manager.identity));
-  printChanges(*manager.opened, after);
+  printChanges(changesBetween(*manager.opened, after), edit.json);
 }
 
 }  // namespace tavlen::cli

@@ -19,6 +19,7 @@
 #include "cli/work/HookOutput.h"
 #include "cli/work/ResourceImport.h"
 #include "cli/work/StoreLock.h"
+#include "cli/work/TweakForReading.h"
 #include "tavlen/tweaks/Hook.h"
 
 namespace tavlen::cli {
@@ -72,9 +73,9 @@ Action getAction(const ParamTarget& target) {
   std::optional<ParameterAddress> address;
   if (!target.address.empty()) address = parseParameterAddress(target.address);
   return [target, address] {
-    TweakFile::Opened tweak = openedTweak(target.tweak);
+    const OpenedTweak tweak = tweakForReading(target.tweak);
     printData(withPlace(target.place(), [&] {
-      const Hook hook = hookArgument(std::move(tweak), target.hook).hook();
+      const Hook hook = hookArgument(tweak.opened(), target.hook).hook();
       return address ? shown(parameterAt(hook, *address), target.json) : shown(hook, target.json);
     }));
     return 0;

@@ -1,7 +1,8 @@
 #include "cli/terminal/Diagnostic.h"
 
-#include <exception>
+#include <unistd.h>
 
+#include "cli/terminal/Color.h"
 #include "cli/terminal/Console.h"
 #include "cli/terminal/ShownText.h"
 #include "tavlen/foundation/text/Unicode.h"
@@ -28,11 +29,16 @@ std::string jsonLine(const Diagnostic& diagnostic) {
   return shownJSON(shown) + "\n";
 }
 
+ColorRole roleOf(const std::string& severity) {
+  if (severity == Diagnostic::kError) return ColorRole::error;
+  return severity == Diagnostic::kWarning ? ColorRole::warning : ColorRole::note;
+}
+
 /// The message as people read it.
 std::string linesOf(const Diagnostic& diagnostic) {
   std::string text = shownLine(placeText(diagnostic)) + ": ";
   if (diagnostic.file || diagnostic.severity != Diagnostic::kNote)
-    text.append(diagnostic.severity).append(": ");
+    text += colored(diagnostic.severity, roleOf(diagnostic.severity), STDERR_FILENO) + ": ";
   return text + shownLine(diagnostic.message) + "\n" + diagnostic.excerpt;
 }
 

@@ -4,6 +4,7 @@
 #include <optional>
 #include <stdexcept>
 #include <system_error>
+#include <utility>
 
 #include "cli/terminal/Console.h"
 #include "tavlen/device/DeviceFiles.h"
@@ -33,9 +34,13 @@ std::string contentsOf(const fs::path& file) {
   return readFile(openedFile(DeviceRoot::shared(), file));
 }
 
-void addFiles(std::set<std::string>& names, const fs::path& folder, const std::string& top) {
+}  // namespace
+
+std::set<std::string> attachedFiles(const fs::path& folder, const std::string& top,
+                                    FunctionRef<void(const std::string& name)> leftOut) {
+  std::set<std::string> names;
   const DeviceRoot root = DeviceRoot::shared();
-  if (!fs::is_directory(root.status(folder / top))) return;
+  if (!fs::is_directory(root.status(folder / top))) return names;
   const fs::path real = canonical(root, folder / top);
   for (fs::recursive_directory_iterator entry(real), end; entry != end; ++entry) {
     const fs::path& path = entry->path();
@@ -44,20 +49,23 @@ void addFiles(std::set<std::string>& names, const fs::path& folder, const std::s
       continue;
     }
     if (entry->symlink_status().type() == fs::file_type::directory) continue;
-    const std::string name = (fs::path(top) / path.lexically_relative(real)).string();
+    std::string name = (fs::path(top) / path.lexically_relative(real)).string();
     if (fileAt(folder, name)) {
-      names.insert(name);
+      names.insert(std::move(name));
     } else {
-      printWarning((folder / name).string() + ": is not a file of the folder, and is left out");
+      leftOut(name);
     }
   }
+  return names;
 }
-
-}  // namespace
 
 std::set<std::string> attachedFiles(const fs::path& folder) {
   std::set<std::string> names;
-  for (const char* top : kAttachedFolders) addFiles(names, folder, top);
+  for (const char* top : kAttachedFolders) {
+    names.merge(attachedFiles(folder, top, [&](const std::string& name) {
+      printWarning((folder / name).string() + ": is not a file of the folder, and is left out");
+    }));
+  }
   return names;
 }
 

@@ -5,6 +5,7 @@
 #include <set>
 #include <string>
 
+#include "tavlen/foundation/base/FunctionRef.h"
 #include "tavlen/tweaks/TweakFile.h"
 
 namespace tavlen::cli {
@@ -18,6 +19,10 @@ inline constexpr std::array kAttachedFolders = {TweakFile::resourcesFolder,
 /// that lead out. Folders that do not exist are empty. Links below the device root are the
 /// device's. Throws std::system_error.
 std::set<std::string> attachedFiles(const std::filesystem::path& folder);
+/// The same for `top`, one of kAttachedFolders. Instead of warning, calls `leftOut` with the path,
+/// relative to `folder`, of each entry that cannot go along.
+std::set<std::string> attachedFiles(const std::filesystem::path& folder, const std::string& top,
+                                    FunctionRef<void(const std::string& name)> leftOut);
 
 /// Whether both folders have a file at the relative path `name`, with the same bytes. Throws
 /// std::system_error.

@@ -17,11 +17,15 @@ HookRow rowOf(const Hook& hook) {
 void warnOfProblems(const std::string& tweak, const Hook& hook,
                     std::optional<std::int64_t> argument) {
   for (const HookProblem& problem : problemsOf(hook)) {
-    if (argument && problem.argument != argument) continue;
+    const bool isOfArgument =
+        problem.place.part == HookPlace::Part::value && problem.place.argument == argument;
+    if (argument && !isOfArgument) continue;
+    const std::string path = documentPath(hook, problem.place);
     print({.severity = Diagnostic::kWarning,
            .message = problem.text,
            .file = tweak,
-           .place = methodText(hook.identity()) + ": " + documentPath(hook, problem)});
+           .place = methodText(hook.identity()) + (path.empty() ? "" : ": " + path),
+           .code = std::string(problem.code)});
   }
 }
 

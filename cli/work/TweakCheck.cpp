@@ -1,93 +1,112 @@
 #include "cli/work/TweakCheck.h"
 
+#include <algorithm>
 #include <filesystem>
-#include <map>
-#include <system_error>
+#include <string>
+#include <utility>
 
+#include "cli/work/AttachedFiles.h"
+#include "cli/work/TextInput.h"
+#include "tavlen/bundles/AppList.h"
 #include "tavlen/device/DeviceFiles.h"
-#include "tavlen/items/GlyphNames.h"
-#include "tavlen/parameters/ParameterPath.h"
-#include "tavlen/tweaks/HookCheck.h"
 
 namespace tavlen::cli {
 
 namespace {
 
-/// Walks a manifest and collects warnings with their places.
-class Checker {
- public:
-  explicit Checker(const OpenedTweak& tweak) : tweak_(tweak) {}
+namespace fs = std::filesystem;
 
-  std::vector<Diagnostic> run() {
-    checkGlyph();
-    const auto& hooks = tweak_.manifest._hooks;
-    for (std::size_t i = 0; i < hooks.size(); ++i) {
-      if (!hooks[i]) continue;
-      const std::string place = "hooks[" + std::to_string(i) + "]";
-      checkIdentity(*hooks[i], place);
-      for (const HookProblem& problem : problemsOf(*hooks[i]))
-        warn(place + "." + documentPath(*hooks[i], problem), problem.text);
-      for (const auto& [index, box] : hooks[i]->_args) {
-        checkResources(box.value, place + ".args." + std::to_string(index));
-      }
-    }
-    return std::move(warnings_);
+Diagnostic diagnosticOf(const OpenedTweak& tweak, const TweakProblem& problem) {
+  Diagnostic diagnostic = {.severity = Diagnostic::kWarning,
+                           .message = problem.text,
+                           .file = tweak.pathOf("Manifest.json"),
+                           .code = std::string(problem.code)};
+  if (problem.subject == TweakProblem::Subject::file) {
+    diagnostic.file = tweak.pathOf(problem.file);
+  } else {
+    diagnostic.place = documentPath(tweak.manifest, problem);
   }
+  return diagnostic;
+}
 
- private:
-  void warn(const std::string& place, const std::string& text) {
-    warnings_.push_back({.severity = Diagnostic::kWarning,
-                         .message = text,
-                         .file = tweak_.pathOf("Manifest.json"),
-                         .place = place});
+Diagnostic diagnosticOf(const TextInput& input, const TweakProblem& problem) {
+  const auto position = input.text.placeOf(problem);
+  Diagnostic diagnostic = position ? input.at(*position) : Diagnostic();
+  if (!position) diagnostic.file = input.pathOf(problem.file);
+  diagnostic.severity = Diagnostic::kWarning;
+  diagnostic.message = problem.text;
+  diagnostic.code = std::string(problem.code);
+  return diagnostic;
+}
+
+/// The file of the resource `name` relative to the tweak's folder.
+std::string resourceFile(const std::string& name) {
+  return (fs::path(TweakFile::resourcesFolder) / name).lexically_normal().string();
+}
+
+/// Adds the resources among `files`, paths in the tweak's folder. Hidden files, such as those that
+/// keep a folder under version control, are not for the app.
+void addResources(TweakSurroundings& surroundings, const std::set<std::string>& files) {
+  for (const fs::path file : files) {
+    if (*file.begin() == TweakFile::resourcesFolder && !file.filename().string().starts_with('.'))
+      surroundings.resources.push_back(
+          file.lexically_relative(TweakFile::resourcesFolder).string());
   }
-
-  void checkGlyph() {
-    const auto& glyph = tweak_.manifest.configuration._glyph;
-    if (!glyph || isKnownGlyph(*glyph)) return;
-    std::string text = "unknown glyph " + described(*glyph);
-    if (const auto suggestion = suggestedGlyph(*glyph)) {
-      text += "; did you mean " + described(*suggestion) + "?";
-    }
-    warn("configuration.glyph", text);
-  }
-
-  static std::string described(const TweakGlyph& glyph) {
-    return "\"" + glyph.icon + "\" in the style \"" + glyph.style + "\"";
-  }
-
-  void checkIdentity(const Hook& hook, const std::string& place) {
-    const auto [first, added] = places_.try_emplace(hook.identity(), place);
-    if (!added) warn(place, "hooks the same method as " + first->second);
-  }
-
-  void checkResources(const Parameter& parameter, const std::string& place) {
-    forEachParameter(parameter, [&](const Parameter& each, const ParameterPath& path) {
-      const auto* data = std::get_if<DataParameter>(&each);
-      const auto* image = std::get_if<ImageParameter>(&each);
-      if (data == nullptr && image == nullptr) return;
-      checkResource(data != nullptr ? data->filename : image->filename,
-                    place + documentPath(parameter, path));
-    });
-  }
-
-  void checkResource(const std::string& name, const std::string& place) {
-    const std::filesystem::path folder = tweak_.file->resourcesDir();
-    const std::string shown = "the resource \"" + name + "\"";
-    const DeviceRoot root = DeviceRoot::shared();
-    const auto file = pathInside(root, folder, name);
-    if (!file) return warn(place + ".filename", shown + " lies outside of Resources");
-    if (!std::filesystem::is_regular_file(root.status(*file)))
-      warn(place + ".filename", shown + " is missing");
-  }
-
-  const OpenedTweak& tweak_;
-  std::map<MethodIdentity, std::string> places_;
-  std::vector<Diagnostic> warnings_;
-};
+}
 
 }  // namespace
 
-std::vector<Diagnostic> warningsFor(const OpenedTweak& tweak) { return Checker(tweak).run(); }
+TweakSurroundings surroundingsOf(fs::path folder) {
+  TweakSurroundings surroundings;
+  surroundings.apps = AppList::shared().identifiers();
+  const fs::path top = TweakFile::resourcesFolder;
+  const auto files = attachedFiles(folder, top.string(), [&](const std::string& entry) {
+    surroundings.strayEntries.push_back(entry);
+  });
+  std::sort(surroundings.strayEntries.begin(), surroundings.strayEntries.end());
+  addResources(surroundings, files);
+  surroundings.stateOf = [resources = folder / top](const std::string& name) {
+    const DeviceRoot root = DeviceRoot::shared();
+    const auto file = pathInside(root, resources, name);
+    if (!file) return TweakSurroundings::ResourceState::outside;
+    return fs::is_regular_file(root.status(*file)) ? TweakSurroundings::ResourceState::present
+                                                   : TweakSurroundings::ResourceState::missing;
+  };
+  return surroundings;
+}
+
+std::vector<Diagnostic> warningsFor(const TextInput& input, const fs::path& target) {
+  using State = TweakSurroundings::ResourceState;
+  const DeviceRoot root = DeviceRoot::shared();
+  TweakSurroundings surroundings;
+  surroundings.apps = AppList::shared().identifiers();
+  addResources(surroundings, input.files);
+  if (input.script) surroundings.script = *input.script;
+  surroundings.stateOf = [&](const std::string& name) {
+    if (!pathInside(root, input.folder / TweakFile::resourcesFolder, name)) return State::outside;
+    const std::string file = resourceFile(name);
+    const bool isKept = !target.empty() &&
+                        !input.wholeFolders.contains(TweakFile::resourcesFolder) &&
+                        fs::is_regular_file(root.status(target / file));
+    return isKept || input.files.contains(file) ? State::present : State::missing;
+  };
+  surroundings.nameOfHook = [&](std::size_t hook) {
+    return "the hook at " + description(input.text.hooks.at(hook).method);
+  };
+  std::vector<Diagnostic> warnings;
+  for (const TweakProblem& problem : problemsOf(input.text.manifest, surroundings))
+    warnings.push_back(diagnosticOf(input, problem));
+  return warnings;
+}
+
+std::vector<Diagnostic> warningsFor(const OpenedTweak& tweak) {
+  if (tweak.text) return warningsFor(*tweak.text, {});
+  TweakSurroundings surroundings = surroundingsOf(tweak.file->url());
+  surroundings.script = tweak.script;
+  std::vector<Diagnostic> warnings;
+  for (const TweakProblem& problem : problemsOf(tweak.manifest, surroundings))
+    warnings.push_back(diagnosticOf(tweak, problem));
+  return warnings;
+}
 
 }  // namespace tavlen::cli

@@ -81,4 +81,13 @@ std::shared_ptr<IPA> AppList::app(const std::string& bundleID) {
   return found == cachedAppsDict_.end() ? nullptr : found->second;
 }
 
+std::vector<std::string_view> AppList::identifiers() {
+  const std::lock_guard lock(appLoadLock_);
+  loadIfNeeded();
+  std::vector<std::string_view> identifiers;
+  identifiers.reserve(cachedAppsDict_.size());
+  for (const auto& [identifier, app] : cachedAppsDict_) identifiers.push_back(identifier);
+  return identifiers;
+}
+
 }  // namespace tavlen

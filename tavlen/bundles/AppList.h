@@ -4,6 +4,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "tavlen/device/AppListFetcher.h"
@@ -36,6 +37,8 @@ class AppList {
   std::vector<std::shared_ptr<IPA>> apps();
   /// The first app with that identifier; null without a match.
   std::shared_ptr<IPA> app(const std::string& bundleID);
+  /// The identifiers of all apps, each once, sorted. Valid as long as the list.
+  std::vector<std::string_view> identifiers();
 
  private:
   /// The lock must be held.

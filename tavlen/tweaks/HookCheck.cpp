@@ -7,6 +7,7 @@
 #include <string_view>
 #include <utility>
 
+#include "tavlen/foundation/text/Characters.h"
 #include "tavlen/foundation/text/NumberText.h"
 #include "tavlen/tweaks/ArgumentType.h"
 
@@ -67,27 +68,35 @@ std::string textOf(double value) {
   return text;
 }
 
-std::optional<std::string> rangeProblem(auto value, const ArgumentType& type) {
+/// A problem without its place.
+struct Fault {
+  std::string_view code;
+  std::string text;
+};
+
+Fault outOfRange(std::string text) { return {"out-of-range", std::move(text)}; }
+
+std::optional<Fault> rangeFault(auto value, const ArgumentType& type) {
   const auto range = rangeOf(type);
   if (isIn(range, value)) return std::nullopt;
-  return textOf(value) + " is out of range; the type holds " + textOf(range.first) + " to " +
-         textOf(range.second);
+  return outOfRange(textOf(value) + " is out of range; the type holds " + textOf(range.first) +
+                    " to " + textOf(range.second));
 }
 
 /// Why a number does not suit a type of numbers.
-std::optional<std::string> numberProblem(const Parameter& parameter, const ArgumentType& type) {
+std::optional<Fault> numberFault(const Parameter& parameter, const ArgumentType& type) {
   if (const auto* integer = std::get_if<Int>(&parameter))
-    return type.kind == Kind::real ? std::nullopt : rangeProblem(integer->value, type);
+    return type.kind == Kind::real ? std::nullopt : rangeFault(integer->value, type);
   if (const auto* integer = std::get_if<UInt>(&parameter))
-    return type.kind == Kind::real ? std::nullopt : rangeProblem(integer->value, type);
+    return type.kind == Kind::real ? std::nullopt : rangeFault(integer->value, type);
   const double value = std::get<Real>(parameter).value;
   if (type.kind != Kind::real) {
     if (std::trunc(value) != value || std::isinf(value))
-      return textOf(value) + " is not a whole number";
-    return rangeProblem(value, type);
+      return Fault{"not-whole", textOf(value) + " is not a whole number"};
+    return rangeFault(value, type);
   }
   if (type.bits == 32 && std::isfinite(value) && std::isinf(static_cast<float>(value)))
-    return textOf(value) + " is out of range of a float";
+    return outOfRange(textOf(value) + " is out of range of a float");
   return std::nullopt;
 }
 
@@ -127,7 +136,7 @@ bool agrees(const Parameter& parameter, const ArgumentType& type) {
 }
 
 /// Why JavaScript does not hold an integer, whatever its type.
-std::optional<std::string> exactnessProblem(const Parameter& parameter) {
+std::optional<Fault> exactnessFault(const Parameter& parameter) {
   std::uint64_t magnitude = 0;
   std::string text;
   if (const auto* integer = std::get_if<Int>(&parameter)) {
@@ -139,27 +148,66 @@ std::optional<std::string> exactnessProblem(const Parameter& parameter) {
     text = textOf(other->value);
   }
   if (magnitude <= kMostExact) return std::nullopt;
-  return text + " is beyond 2^53, and generated code may round it; use code instead";
+  return Fault{"inexact-integer",
+               text + " is beyond 2^53, and generated code may round it; use code instead"};
 }
 
-std::optional<std::string> valueProblem(const Parameter& parameter, const ArgumentType& type) {
+/// Whether `name` has no control character and none of `refused`.
+bool isPlain(std::string_view name, std::string_view refused) {
+  return std::none_of(name.begin(), name.end(), [&](char c) {
+    const auto byte = static_cast<unsigned char>(c);
+    return byte < 0x20 || byte == 0x7F || refused.find(c) != std::string_view::npos;
+  });
+}
+
+/// Names of generic Swift classes contain blanks and brackets of other forms.
+std::optional<Fault> classFault(const std::string& name, const char* kind = "class") {
+  const bool isPossible = !name.empty() && !isDigit(name.front()) && !name.starts_with(' ') &&
+                          !name.ends_with(' ') && isPlain(name, "[]{}\"';:\\+-*/=");
+  if (isPossible) return std::nullopt;
+  return Fault{"malformed-class",
+               "no " + std::string(kind) + " can have the name \"" + name + "\""};
+}
+
+/// Compilers write a full stop in front of the names of some methods.
+std::optional<Fault> selectorFault(const std::string& selector) {
+  const bool isPossible = !selector.empty() && !isDigit(selector.front()) &&
+                          isPlain(selector, " ()<>[]{}\"';,\\+-*/=&|!?@#%^~`");
+  if (isPossible) return std::nullopt;
+  return Fault{"malformed-selector", "no method can have the selector \"" + selector + "\""};
+}
+
+std::optional<Fault> nameFault(const Parameter& parameter) {
+  if (const auto* class_ = std::get_if<ClassParameter>(&parameter)) return classFault(class_->name);
+  if (const auto* protocol = std::get_if<ProtocolParameter>(&parameter))
+    return classFault(protocol->name, "protocol");
+  if (const auto* selector = std::get_if<SelectorParameter>(&parameter))
+    return selectorFault(selector->name);
+  return std::nullopt;
+}
+
+std::optional<Fault> valueFault(const Parameter& parameter, const ArgumentType& type) {
   if (isOneOf<CodeParameter>(parameter)) return std::nullopt;
   if (!agrees(parameter, type)) {
-    if (type.kind == Kind::structure) return "a constant for a structure, which only code can make";
-    return std::string(phraseOf(parameter)) + " for " + phraseOf(type);
+    if (type.kind == Kind::structure)
+      return Fault{"structure-value", "a constant for a structure, which only code can make"};
+    return Fault{"wrong-kind", std::string(phraseOf(parameter)) + " for " + phraseOf(type)};
   }
   const bool isNumeric =
       type.kind == Kind::boolean || type.kind == Kind::integer || type.kind == Kind::real;
   if (isNumeric && isOneOf<Int, UInt, Real>(parameter)) {
-    if (auto problem = numberProblem(parameter, type)) return problem;
+    if (auto fault = numberFault(parameter, type)) return fault;
   }
-  return exactnessProblem(parameter);
+  if (auto fault = nameFault(parameter)) return fault;
+  return exactnessFault(parameter);
 }
 
 /// Why a hook has no use for a value of that index. `known` is the number of arguments.
-std::optional<std::string> indexProblem(std::int64_t index, std::int64_t known, bool returns) {
-  if (index < Hook::kReturnValue || index >= known) return "the method has no such argument";
-  if (index == Hook::kReturnValue && !returns) return "the method returns nothing";
+std::optional<Fault> indexFault(std::int64_t index, std::int64_t known, bool returns) {
+  if (index < Hook::kReturnValue || index >= known)
+    return Fault{"no-such-argument", "the method has no such argument"};
+  if (index == Hook::kReturnValue && !returns)
+    return Fault{"no-result", "the method returns nothing"};
   return std::nullopt;
 }
 
@@ -167,44 +215,82 @@ std::int64_t colonsOf(const Hook& hook) {
   return std::count(hook.selector.begin(), hook.selector.end(), ':');
 }
 
-}  // namespace
-
-std::string documentPath(const Hook& hook, const HookProblem& problem) {
-  if (!problem.argument) return "signature";
-  return "args." + std::to_string(*problem.argument) +
-         documentPath(hook._args.at(*problem.argument).value, problem.path);
-}
-
-std::optional<std::string> signatureProblem(const Hook& hook) {
+std::optional<Fault> signatureFault(const Hook& hook) {
   const std::string signature = "\"" + hook.signature + "\"";
   const auto types = HookTypes::from(hook.signature);
-  if (!types) return signature + " is not a method's type encoding";
+  if (!types) return Fault{"malformed-types", signature + " is not a method's type encoding"};
   const std::int64_t count = types->count();
   const std::int64_t colons = colonsOf(hook);
   if (count == colons) return std::nullopt;
-  return signature + " has " + std::to_string(count) + (count == 1 ? " argument" : " arguments") +
-         ", the selector \"" + hook.selector + "\" takes " + std::to_string(colons);
+  return Fault{"argument-count", signature + " has " + std::to_string(count) +
+                                     (count == 1 ? " argument" : " arguments") +
+                                     ", the selector \"" + hook.selector + "\" takes " +
+                                     std::to_string(colons)};
 }
 
-std::vector<HookProblem> problemsOf(const Hook& hook) {
-  std::vector<HookProblem> problems;
-  if (auto problem = signatureProblem(hook)) problems.push_back({{}, {}, *std::move(problem)});
-  const auto types = HookTypes::from(hook.signature);
-  const std::int64_t known = types ? std::max(types->count(), colonsOf(hook)) : 0;
-  const bool returns = types && types->at(Hook::kReturnValue).kind != Kind::nothing;
-  for (const auto& [index, box] : hook._args) {
-    if (types) {
-      if (auto problem = indexProblem(index, known, returns))
-        problems.push_back({index, {}, *std::move(problem)});
+/// Collects the problems of one hook.
+class Checker {
+ public:
+  explicit Checker(const Hook& hook) : hook_(hook) {}
+
+  std::vector<HookProblem> run() {
+    add({HookPlace::Part::className}, classFault(hook_.className));
+    add({HookPlace::Part::selector}, selectorFault(hook_.selector));
+    add({HookPlace::Part::signature}, signatureFault(hook_));
+    const auto types = HookTypes::from(hook_.signature);
+    for (const auto& [index, box] : hook_._args) {
+      if (types) addIndex(index, *types);
+      addValues(index, box.value, types ? types->at(index) : ArgumentType());
     }
-    const ArgumentType type = types ? types->at(index) : ArgumentType();
-    forEachParameter(
-        box.value, [&, index = index](const Parameter& each, const ParameterPath& path) {
-          auto problem = valueProblem(each, path.empty() ? type : ArgumentType{Kind::object});
-          if (problem) problems.push_back({index, path, *std::move(problem)});
-        });
+    return std::move(problems_);
   }
-  return problems;
+
+ private:
+  void add(HookPlace place, std::optional<Fault> fault) {
+    if (fault) problems_.push_back({std::move(place), fault->code, std::move(fault->text)});
+  }
+
+  void addIndex(std::int64_t index, const HookTypes& types) {
+    const bool returns = types.at(Hook::kReturnValue).kind != Kind::nothing;
+    add({HookPlace::Part::value, index},
+        indexFault(index, std::max(types.count(), colonsOf(hook_)), returns));
+  }
+
+  void addValues(std::int64_t index, const Parameter& value, const ArgumentType& type) {
+    forEachParameter(value, [&](const Parameter& each, const ParameterPath& path) {
+      auto fault = valueFault(each, path.empty() ? type : ArgumentType{Kind::object});
+      if (fault) add({HookPlace::Part::value, index, path}, std::move(fault));
+    });
+  }
+
+  const Hook& hook_;
+  std::vector<HookProblem> problems_;
+};
+
+}  // namespace
+
+std::string documentPath(const Hook& hook, const HookPlace& place) {
+  switch (place.part) {
+    case HookPlace::Part::method:
+      break;
+    case HookPlace::Part::className:
+      return "className";
+    case HookPlace::Part::selector:
+      return "selector";
+    case HookPlace::Part::signature:
+      return "signature";
+    case HookPlace::Part::value:
+      return "args." + std::to_string(place.argument) +
+             documentPath(hook._args.at(place.argument).value, place.path);
+  }
+  return {};
 }
+
+std::optional<std::string> signatureProblem(const Hook& hook) {
+  auto fault = signatureFault(hook);
+  return fault ? std::optional(std::move(fault->text)) : std::nullopt;
+}
+
+std::vector<HookProblem> problemsOf(const Hook& hook) { return Checker(hook).run(); }
 
 }  // namespace tavlen

@@ -15,10 +15,27 @@ TextPosition ValuePlaces::at(const ParameterPath& path) const {
   return places->position;
 }
 
-TextPosition TweakText::placeOf(std::size_t hook, const HookProblem& problem) const {
+TextPosition TweakText::placeOf(std::size_t hook, const HookPlace& place) const {
   const HookPlaces& places = hooks.at(hook);
-  if (problem.argument) return places.args.at(*problem.argument).at(problem.path);
-  return places.types.value_or(places.method);
+  if (place.part == HookPlace::Part::value) return places.args.at(place.argument).at(place.path);
+  if (place.part == HookPlace::Part::signature) return places.types.value_or(places.method);
+  return places.method;
+}
+
+std::optional<TextPosition> TweakText::placeOf(const TweakProblem& problem) const {
+  switch (problem.subject) {
+    case TweakProblem::Subject::app:
+      return app;
+    case TweakProblem::Subject::glyph:
+      return glyph;
+    case TweakProblem::Subject::override_:
+      return overrides.at(problem.index);
+    case TweakProblem::Subject::hook:
+      return placeOf(problem.index, problem.place);
+    case TweakProblem::Subject::file:
+      break;
+  }
+  return std::nullopt;
 }
 
 void TweakText::setTypes(std::size_t hook, std::string types) {

@@ -9,8 +9,8 @@
 
 #include "tavlen/foundation/text/TextPosition.h"
 #include "tavlen/parameters/ParameterPath.h"
-#include "tavlen/tweaks/HookCheck.h"
 #include "tavlen/tweaks/Manifest.h"
+#include "tavlen/tweaks/ManifestCheck.h"
 
 /// A whole tweak as one text that people edit, tweak.toml: the records of its manifest, and the
 /// names of the files that go along.
@@ -86,14 +86,19 @@ struct TweakText {
   std::optional<FileReference> icon;
   /// The tweak's script.
   std::optional<FileReference> script;
+  /// The target app's identifier.
+  TextPosition app = {};
+  /// The glyph, if the manifest has one.
+  TextPosition glyph = {};
   /// For each of manifest._hooks.
   std::vector<HookPlaces> hooks;
   /// For each of manifest._overrides.
   std::vector<TextPosition> overrides;
 
-  /// The place of a problem of the hook at index `hook`: that of the value at fault, or of the
-  /// types, or else of the method.
-  TextPosition placeOf(std::size_t hook, const HookProblem& problem) const;
+  /// Where a part of the hook at index `hook` begins: a value, the types, or else the method.
+  TextPosition placeOf(std::size_t hook, const HookPlace& place) const;
+  /// Where the fault of a problem begins; nothing for a problem of a file.
+  std::optional<TextPosition> placeOf(const TweakProblem& problem) const;
   /// Sets the signature of a hook whose types the text leaves out, and the kinds of its integers.
   void setTypes(std::size_t hook, std::string types);
 };

@@ -53,9 +53,14 @@ void readTweak(const TOMLNode& node, TweakText& result) {
   const TableReader table(node, {"name", "app", "color", "glyph", "icon", "script"});
   Configuration& configuration = result.manifest.configuration;
   configuration.name = expectText(table.require("name"));
-  configuration.bundleID = expectText(table.require("app"));
+  const TOMLNode& app = table.require("app");
+  configuration.bundleID = expectText(app);
+  result.app = app.position;
   if (const auto* color = table.find("color")) configuration.color = colorFrom(color->value);
-  if (const auto* glyph = table.find("glyph")) configuration._glyph = glyphFrom(glyph->value);
+  if (const auto* glyph = table.find("glyph")) {
+    configuration._glyph = glyphFrom(glyph->value);
+    result.glyph = glyph->value.position;
+  }
   result.icon = fileFrom(table, "icon");
   result.script = fileFrom(table, "script");
 }

@@ -19,7 +19,7 @@ class ClassCommandTest : public CommandTest {
   ClassCommandTest() {
     fs::create_symlink(paths().standInsLibrary, folder() / "image.so");
     fs::create_symlink(paths().initialisersImage, folder() / "fault.so");
-    writeTweak("T", "");
+    writeTweak("./T", "");
   }
   /// The variables of a command whose image fault.so has a fault. The sanitizers must leave SIGBUS
   /// to the system, and one has a status of its own for an exit while an image is being loaded.
@@ -42,7 +42,7 @@ class ClassCommandTest : public CommandTest {
     return variables;
   }
   static constexpr const char* kImage = "Applications/Notes.app/Frameworks/Probe.dylib";
-  std::string manifest() const { return contents("T/Manifest.json"); }
+  std::string manifest() const { return contents("./T/Manifest.json"); }
 };
 
 TEST_F(ClassCommandTest, ListsTheClassesOfAnImage) {
@@ -81,7 +81,7 @@ TEST_F(ClassCommandTest, ListsTheMethodsOfAClass) {
 
 TEST_F(ClassCommandTest, AHookTakesItsTypesFromTheImage) {
   const Result added =
-      run("hook add T '-[LSApplicationProxy objectForInfoDictionaryKey:ofClass:]' --in "
+      run("hook add ./T '-[LSApplicationProxy objectForInfoDictionaryKey:ofClass:]' --in "
           "image.so --name Key");
   EXPECT_EQ(added.status, 0);
   EXPECT_EQ(added.out + added.err, "");
@@ -93,19 +93,20 @@ TEST_F(ClassCommandTest, AHookTakesItsTypesFromTheImage) {
   const std::string before = manifest();
   const std::string workspace = "LSApplicationWorkspace";
   expectRefused(
-      "hook add T",
+      "hook add ./T",
       {{"'-[" + workspace + " defaultWorkspace]' --in image.so", 1,
         "image.so: " + workspace + " has no method -[" + workspace +
             " defaultWorkspace] of its own; did you mean \"+[" + workspace +
             " defaultWorkspace]\"?\n"},
        {"'-[Nobody x]' --in image.so", 1, "image.so: defines no class Nobody"},
-       {"'-[Nobody]' --in image.so", 2, "--method: not '-[Class"},
-       {"'[Nobody x]' --in image.so", 2, "--method: not '-[Class"},
-       {"'-[A b]'", 1, "T: the method's types are not known from its app a.b: IPA not found with"},
-       {"'-[A b]' --signature v16@0:8 --in image.so", 2, "--signature excludes --in"},
+       {"'-[Nobody]' --in image.so", 2, "METHOD: not '-[Class"},
+       {"'[Nobody x]' --in image.so", 2, "METHOD: not '-[Class"},
+       {"'-[A b]'", 1,
+        "./T: the method's types are not known from its app a.b: IPA not found with"},
+       {"'-[A b]' --signature v16@0:8 --in image.so", 2, "--signature and --in cannot be"},
        {"'-[A b]' --signature v16@0:8 --parser remote", 2, ""},
        {"'-[A b]' --signature v16@0:8 --timeout 1", 2, ""},
-       {"--signature v16@0:8", 2, "--method is required"}});
+       {"--signature v16@0:8", 2, "METHOD is missing"}});
   EXPECT_EQ(manifest(), before);
 }
 
@@ -149,7 +150,7 @@ TEST_F(ClassCommandTest, AnImageThatEndsItsProcessOrAnswersForItEndsOnlyTheDump)
   const std::string ended = ": the image ended the process that loaded it ";
   setEnvironment(fault("exit"));
   expectRefused("", {{"classes fault.so", 1, "fault.so" + ended + "(exit status 0)\n"},
-                     {"hook add T '+[SampleLoaded load]' --in fault.so", 1,
+                     {"hook add ./T '+[SampleLoaded load]' --in fault.so", 1,
                       "fault.so" + ended + "(exit status 0)\n"}});
   EXPECT_EQ(manifest(), before);
   setEnvironment(fault("answer"));

@@ -23,19 +23,19 @@ std::string dictionaryOf(const std::string& key, const std::string& value) {
   return R"({"type":"Dictionary","items":[{"key":)" + key + R"(,"value":)" + value + "}]}";
 }
 
-/// The tweak T with the hook -[A a:b:]: argument 0 is an array of 1 and 2, argument 1 a dictionary
-/// whose one value is an array of 3.
+/// The tweak ./T with the hook -[A a:b:]: argument 0 is an array of 1 and 2, argument 1 a
+/// dictionary whose one value is an array of 3.
 class ParamCommandTest : public CommandTest {
  protected:
   ParamCommandTest() { store(); }
 
   void store() const {
-    writeTweak("T", hookJSON("a:b:", "@32@0:8@16@24", R"("0":)" + kFirst + R"(,"1":)" + kSecond));
+    writeTweak("./T", hookJSON("a:b:", "@32@0:8@16@24", R"("0":)" + kFirst + R"(,"1":)" + kSecond));
   }
-  std::string manifest() const { return contents("T/Manifest.json"); }
+  std::string manifest() const { return contents("./T/Manifest.json"); }
   Result param(const std::string& what, const std::string& line,
                const std::vector<std::string>& more = {}) const {
-    return run("param " + what + " T '-[A a:b:]' " + line, more);
+    return run("param " + what + " ./T '-[A a:b:]' " + line, more);
   }
   std::string stored(const std::string& address) const {
     return param("get", address + " --json").out;
@@ -69,7 +69,7 @@ TEST_F(ParamCommandTest, EveryKindIsWrittenAsItIsShown) {
       {"string:", R"("_ValueParameter<String>","value":"")"},
       {"string:a: -b\n", R"("_ValueParameter<String>","value":"a: -b\n")",
        R"(json:{"type":"_ValueParameter<String>","value":"a: -b\n"})"},
-      {"url:x://y?z=%20", R"("URL","string":"x:\/\/y?z=%20")"},
+      {"url:x://y?z=%20", R"("URL","string":"x://y?z=%20")"},
       {"date:2026-01-31T12:00:00Z", R"("Date","date":791553600)"},
       {"date:2026-01-31T12:00:00.25+01:30", R"("Date","date":791548200.25)",
        "date:2026-01-31T10:30:00.25Z"},
@@ -95,13 +95,14 @@ TEST_F(ParamCommandTest, EveryKindIsWrittenAsItIsShown) {
 
 TEST_F(ParamCommandTest, MalformedArgumentsAreWrongUsage) {
   std::vector<Refusal> refusals = {
-      {"insert T X 0 nil", 2, "ADDRESS: 0: expected the address of an item or a pair"},
-      {"remove T X 0.0.key", 2, "ADDRESS: "},
-      {"remove T X 0.end", 2, "ADDRESS: 0.end: expected an index or a key after \"0.\"; a key of"},
-      {"move T X 0.end 0", 2, "ADDRESS: 0.end: expected an index or a key at its end"},
-      {"move T X 0.0 x", 2, "TO: x: expected an index"},
-      {"insert T X 1.end nil --key int:x", 2, "--key: int:x: expected a whole number"},
-      {"set T X 0", 2, "VALUE is required"}};
+      {"insert ./T X 0 nil", 2, "ADDRESS: 0: expected the address of an item or a pair"},
+      {"remove ./T X 0.0.key", 2, "ADDRESS: "},
+      {"remove ./T X 0.end", 2,
+       "ADDRESS: 0.end: expected an index or a key after \"0.\"; a key of"},
+      {"move ./T X 0.end 0", 2, "ADDRESS: 0.end: expected an index or a key at its end"},
+      {"move ./T X 0.0 x", 2, "TO: x: expected an index"},
+      {"insert ./T X 1.end nil --key int:x", 2, "--key: int:x: expected a whole number"},
+      {"set ./T X 0", 2, "VALUE is missing"}};
   const std::pair<std::string, std::vector<std::string>> addresses[] = {
       {"the number of an argument", {"x", ".0", "0x1", "+1", "9223372036854775808", "", "[\"0\"]"}},
       {"an index or a key after \"0.", {"0.", "0..1", "0.a.", "0.end.1", "0.a..b"}},
@@ -110,14 +111,14 @@ TEST_F(ParamCommandTest, MalformedArgumentsAreWrongUsage) {
        {"0[", "0[1]", "0[\"a\"", "0[\"a\"]b", "0.a[\"\\x\"]"}}};
   for (const auto& [expected, wrong] : addresses) {
     for (const std::string& address : wrong) {
-      refusals.push_back({"set T X '" + address + "' nil", 2,
+      refusals.push_back({"set ./T X '" + address + "' nil", 2,
                           address.empty() ? "ADDRESS: it is empty"
                                           : "ADDRESS: " + address + ": expected " + expected});
     }
   }
   std::string deep = "0";
   for (int i = 0; i < 600; ++i) deep += ".0";
-  refusals.push_back({"get T X " + deep, 2, "ADDRESS: 0.0"});
+  refusals.push_back({"get ./T X " + deep, 2, "ADDRESS: 0.0"});
   const std::pair<std::string, std::vector<std::string>> values[] = {
       {"a value that begins with", {"nil:", "text", "int"}},
       {"true or false", {"bool:yes"}},
@@ -134,10 +135,10 @@ TEST_F(ParamCommandTest, MalformedArgumentsAreWrongUsage) {
   for (const auto& [expected, wrong] : values) {
     for (const std::string& value : wrong) {
       refusals.push_back(
-          {"set T X -1 '" + value + "'", 2, "VALUE: " + value + ": expected " + expected});
+          {"set ./T X -1 '" + value + "'", 2, "VALUE: " + value + ": expected " + expected});
     }
   }
-  refusals.push_back({"set T X -1 string:\xFF", 2, "VALUE: string:\uFFFD: expected UTF-8"});
+  refusals.push_back({"set ./T X -1 string:\xFF", 2, "VALUE: string:\uFFFD: expected UTF-8"});
   expectRefused("param", refusals);
 }
 
@@ -187,16 +188,16 @@ TEST_F(ParamCommandTest, PairsAreNamedByTheirKeys) {
       pair(text("end"), number(3)) + "," + pair(text("x"), number(4)) + "," +
       pair(text("x"), number(5)) + "," + pair(number(6), number(7)) + "," +
       pair(text("\\n"), R"({"type":"Dictionary","items":[)" + pair(text("1"), number(8)) + "]}");
-  writeTweak("T", hookJSON("a:b:", "v32@0:8@16@24",
-                           R"("0":{"type":"Dictionary","items":[)" + pairs + "]}"));
+  writeTweak("./T", hookJSON("a:b:", "v32@0:8@16@24",
+                             R"("0":{"type":"Dictionary","items":[)" + pairs + "]}"));
   EXPECT_EQ(param("get", "").out,
             "ADDRESS       VALUE\n0.tags.0      int:1\n0[\"a.b\"]      int:2\n"
             "0[\"end\"]      int:3\n0.3.key       string:x\n0.3.value     int:4\n"
             "0.4.key       string:x\n0.4.value     int:5\n0.5.key       int:6\n"
             "0.5.value     int:7\n0[\"\\n\"][\"1\"]  int:8\n");
   EXPECT_EQ(param("get", "", {R"(0["\u000a"]["1"])"}).out, "int:8\n");
-  const std::string start = "T: -[A a:b:]: ";
-  const std::string line = "T '-[A a:b:]' ";
+  const std::string start = "./T: -[A a:b:]: ";
+  const std::string line = "./T '-[A a:b:]' ";
   const std::string before = manifest();
   expectRefused(
       "param",
@@ -234,7 +235,7 @@ TEST_F(ParamCommandTest, WhatIsPrintedReadsBackUnchanged) {
       }
     }
   }
-  writeTweak("T", hookJSON("a:b:", "v32@0:8@16@24", args));
+  writeTweak("./T", hookJSON("a:b:", "v32@0:8@16@24", args));
   const std::string before = manifest();
   std::istringstream rows(param("get", "").out);
   std::string row;
@@ -255,35 +256,35 @@ TEST_F(ParamCommandTest, WhatIsPrintedReadsBackUnchanged) {
 }
 
 TEST_F(ParamCommandTest, WarnsOfValuesThatDisagreeWithTheTypes) {
-  writeTweak("T", hookJSON("a:b:", "v32@0:8B16@24", R"("0":)" + text("")));
+  writeTweak("./T", hookJSON("a:b:", "v32@0:8B16@24", R"("0":)" + text("")));
   EXPECT_EQ(param("set", "1 nil").err, "") << "of the new value only";
   EXPECT_EQ(param("set", "-1 nil").err,
-            "T: -[A a:b:]: args.-1: warning: the method returns nothing\n");
+            "./T: -[A a:b:]: args.-1: warning: the method returns nothing\n");
 }
 
 TEST_F(ParamCommandTest, SaysWhatIsWrongWhereAndChangesNothing) {
   const std::string before = manifest();
-  const std::string start = "T: -[A a:b:]: ";
+  const std::string start = "./T: -[A a:b:]: ";
   expectRefused(
       "param",
-      {{"get T '-[A a:b:]' -1", 1, start + "-1: the hook has no parameter \"-1\"\n"},
-       {"insert T '-[A a:b:]' 0.3 nil", 1, start + "0.3: \"0\" has no index 3; it has 2 items\n"},
-       {"insert T '-[A a:b:]' 0.-1 nil", 1,
+      {{"get ./T '-[A a:b:]' -1", 1, start + "-1: the hook has no parameter \"-1\"\n"},
+       {"insert ./T '-[A a:b:]' 0.3 nil", 1, start + "0.3: \"0\" has no index 3; it has 2 items\n"},
+       {"insert ./T '-[A a:b:]' 0.-1 nil", 1,
         start + "0.-1: \"0\" has no index -1; it has 2 items\n"},
-       {"insert T '-[A a:b:]' 1.end nil", 1,
+       {"insert ./T '-[A a:b:]' 1.end nil", 1,
         start + "1.end: --key is required when adding to a dictionary\n"},
-       {"insert T '-[A a:b:]' 0.end nil --key nil", 1,
+       {"insert ./T '-[A a:b:]' 0.end nil --key nil", 1,
         start + "0.end: --key is for dictionaries only\n"},
-       {"remove T '-[A a:b:]' 0.2", 1, start + "0.2: \"0\" has no index 2; it has 2 items\n"},
-       {"remove T '-[A a:b:]' 7", 1, start + "7: the hook has no parameter \"7\"\n"},
-       {"move T '-[A a:b:]' 0.0 2", 1, start + "0.0: no place 2 in the list; the last is 1\n"}});
+       {"remove ./T '-[A a:b:]' 0.2", 1, start + "0.2: \"0\" has no index 2; it has 2 items\n"},
+       {"remove ./T '-[A a:b:]' 7", 1, start + "7: the hook has no parameter \"7\"\n"},
+       {"move ./T '-[A a:b:]' 0.0 2", 1, start + "0.0: no place 2 in the list; the last is 1\n"}});
   EXPECT_EQ(manifest(), before);
 }
 
 TEST_F(ParamCommandTest, FilesBecomeResources) {
   write("in/a.bin", "one");
   EXPECT_EQ(param("set", "0.0 data:in/a.bin").err, "");
-  EXPECT_EQ(contents("T/Resources/a.bin"), "one");
+  EXPECT_EQ(contents("./T/Resources/a.bin"), "one");
   EXPECT_EQ(stored("0.0"), "{\"type\":\"Data\",\"filename\":\"a.bin\"}\n");
   EXPECT_EQ(param("set", "-1 image:in/a.bin").err,
             "tavlen: warning: in/a.bin: is not a PNG or JPEG image\n")
@@ -302,21 +303,21 @@ TEST_F(ParamCommandTest, FilesBecomeResources) {
   write("in/b.bin", "b");
   const std::string before = manifest();
   EXPECT_EQ(param("set", "-1 data:in/a.bin").err,
-            "tavlen: error: T: -[A a:b:]: -1: Resources/a.bin already exists and differs; "
+            "tavlen: error: ./T: -[A a:b:]: -1: Resources/a.bin already exists and differs; "
             "use --replace to overwrite it\n");
   EXPECT_EQ(param("set", "0.9 data:in/b.bin").status, 1);
   EXPECT_EQ(param("insert", "0.9 data:in/b.bin").status, 1);
   EXPECT_THAT(param("set", "0.0 data:in/none").err, HasSubstr("in/none"));
   EXPECT_EQ(param("set", "0.0 data:in").status, 1) << "a folder";
   EXPECT_EQ(manifest(), before);
-  EXPECT_EQ(contents("T/Resources/a.bin"), "one");
-  EXPECT_FALSE(fs::exists(folder() / "T/Resources/b.bin"));
+  EXPECT_EQ(contents("./T/Resources/a.bin"), "one");
+  EXPECT_FALSE(fs::exists(folder() / "./T/Resources/b.bin"));
   EXPECT_EQ(param("set", "-1 data:in/a.bin --replace").err, "");
-  EXPECT_EQ(contents("T/Resources/a.bin"), "two");
+  EXPECT_EQ(contents("./T/Resources/a.bin"), "two");
 
   // A link in the resources is not followed to the outside.
   write("outside", "kept");
-  fs::create_symlink("../../outside", folder() / "T/Resources/b.bin");
+  fs::create_symlink("../../outside", folder() / "./T/Resources/b.bin");
   EXPECT_EQ(param("set", "-1 data:in/b.bin --replace").status, 1);
   EXPECT_EQ(contents("outside"), "kept");
 }

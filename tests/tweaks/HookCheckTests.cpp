@@ -14,7 +14,7 @@ std::string problemsOf(const std::string& signature, const std::string& selector
   hook._args = decodeJSON<std::map<std::int64_t, ParameterContainer>>(args);
   std::string text;
   for (const HookProblem& problem : tavlen::problemsOf(hook))
-    text += documentPath(hook, problem) + ": " + problem.text + "\n";
+    text += documentPath(hook, problem.place) + ": " + problem.text + "\n";
   return text;
 }
 

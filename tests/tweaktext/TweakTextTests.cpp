@@ -24,10 +24,10 @@ TEST(TweakText, AHandWrittenTextIsRead) {
   EXPECT_EQ(description(*text.hooks[1].types), "24:9");
   EXPECT_EQ(description(text.hooks[1].position) + " " + description(text.hooks[1].method),
             "20:1 21:9");
-  const auto place = [&](std::optional<std::int64_t> argument, const ParameterPath& path) {
-    return description(text.placeOf(2, {argument, path, ""}));
+  EXPECT_EQ(description(text.placeOf(2, {HookPlace::Part::signature})), "30:9");
+  const auto place = [&](std::int64_t argument, const ParameterPath& path) {
+    return description(text.placeOf(2, {HookPlace::Part::value, argument, path}));
   };
-  EXPECT_EQ(place({}, {}), "30:9") << "the types";
   EXPECT_EQ(place(-1, {3, 1}), "33:14") << "an item of an array";
   EXPECT_EQ(place(-1, {6}), "37:1") << "a key of a table";
   EXPECT_EQ(place(-1, {5, 0, 9}), "36:20") << "the key of a pair, past its places";

@@ -4,17 +4,12 @@
 #include <optional>
 #include <string_view>
 
+#include "tavlen/foundation/text/TextPosition.h"
+
 namespace tavlen {
 
-// The lines of scripts. As in JavaScript, a line ends in LF, CR, CRLF, U+2028 or U+2029.
-
-/// A place in a text. Both numbers count from 1; columns are UTF-16 units.
-struct TextPosition {
-  std::size_t line = 1;
-  std::size_t column = 1;
-
-  bool operator==(const TextPosition&) const = default;
-};
+// The lines of scripts. As in JavaScript, a line ends in LF, CR, CRLF, U+2028 or U+2029, and
+// columns are UTF-16 units.
 
 /// The number of line ends in `text`.
 std::size_t lineEndCount(std::string_view text);

@@ -10,7 +10,7 @@ namespace tavlen {
 struct TextPosition {
   /// From 1.
   std::size_t line = 1;
-  /// In code points, from 1.
+  /// From 1; in code points, but for scripts (see TextLines.h).
   std::size_t column = 1;
 
   /// The position of the byte at `offset` in `text`, which is UTF-8. Reads all that precedes it.

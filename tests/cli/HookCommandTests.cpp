@@ -73,12 +73,13 @@ TEST_F(HookCommandTest, AddsAWholeHookOrNothing) {
   EXPECT_EQ(added.out, R"({"method":"-[A c:d:]","class":"A","selector":"c:d:",)"
                        R"("signature":"c32@0:8c16@24",)" +
                            args + "\n");
-  EXPECT_EQ(added.err, R"({"file":"./T","place":"-[A c:d:]: args.-1","severity":"warning",)"
-                       R"("message":"300 is out of range; the type holds -128 to 127"})"
-                       "\n"
-                       R"({"file":"./T","place":"-[A c:d:]: args.0","severity":"warning",)"
-                       R"("message":"a text for an integer"})"
-                       "\n");
+  EXPECT_EQ(added.err,
+            R"({"file":"./T","place":"-[A c:d:]: args.-1","severity":"warning",)"
+            R"("code":"out-of-range","message":"300 is out of range; the type holds -128 to 127"})"
+            "\n"
+            R"({"file":"./T","place":"-[A c:d:]: args.0","severity":"warning",)"
+            R"("code":"wrong-kind","message":"a text for an integer"})"
+            "\n");
   EXPECT_THAT(manifest(), HasSubstr(args));
   EXPECT_EQ(contents("T/Resources/a.bin"), "one");
 }

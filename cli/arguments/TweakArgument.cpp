@@ -19,6 +19,7 @@ OpenedTweak openTweak(const std::string& argument) {
   TweakFile::Opened opened = openedTweak(argument);
   tweak.file = std::move(opened.file);
   tweak.manifest = std::move(opened.manifest);
+  tweak.ignoredKeys = std::move(opened.ignoredKeys);
   tweak.folder = isItemPath(argument) ? argument : tweak.file->url().string();
   try {
     tweak.script = tweak.file->readScript().value_or(std::string());

@@ -28,6 +28,25 @@ Diagnostic diagnosticOf(const OpenedTweak& tweak, const TweakProblem& problem) {
   return diagnostic;
 }
 
+void addIgnoredKeys(std::vector<Diagnostic>& warnings, const OpenedTweak& tweak) {
+  const std::string file = tweak.pathOf("Manifest.json");
+  for (const IgnoredKey& key : tweak.ignoredKeys.keys) {
+    warnings.push_back({.severity = Diagnostic::kWarning,
+                        .message = key.text,
+                        .file = file,
+                        .line = key.position.line,
+                        .column = key.position.column,
+                        .place = key.path,
+                        .code = std::string(key.code)});
+  }
+  if (tweak.ignoredKeys.others == 0) return;
+  warnings.push_back(
+      {.severity = Diagnostic::kWarning,
+       .message = std::to_string(tweak.ignoredKeys.others) + " more keys are unknown or repeated",
+       .file = file,
+       .code = "unknown-key"});
+}
+
 }  // namespace
 
 TweakSurroundings surroundingsOf(fs::path folder) {
@@ -57,6 +76,7 @@ std::vector<Diagnostic> warningsFor(const OpenedTweak& tweak) {
   TweakSurroundings surroundings = surroundingsOf(tweak.file->url());
   surroundings.script = tweak.script;
   std::vector<Diagnostic> warnings;
+  addIgnoredKeys(warnings, tweak);
   for (const TweakProblem& problem : problemsOf(tweak.manifest, surroundings))
     warnings.push_back(diagnosticOf(tweak, problem));
   return warnings;

@@ -13,8 +13,9 @@ namespace tavlen::cli {
 /// script. Throws std::system_error.
 TweakSurroundings surroundingsOf(std::filesystem::path folder);
 
-/// Warnings about mistakes with which `tweak` still builds: its problemsOf(), at their places in
-/// the document or the file. Throws as surroundingsOf() does.
+/// Warnings about mistakes with which `tweak` still builds: the keys of its document that are
+/// ignored, and its problemsOf(), at their places in the document or the file. Throws as
+/// surroundingsOf() does.
 std::vector<Diagnostic> warningsFor(const OpenedTweak& tweak);
 
 }  // namespace tavlen::cli

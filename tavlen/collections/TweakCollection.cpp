@@ -188,6 +188,9 @@ void TweakCollection::Opened::preparePayloadIn(const std::filesystem::path& dire
     member.file->preparePayloadIn(tweaks / member.file->id());
   }
   replaceFile(DeviceRoot::shared(), directory / kManifestFile, encodeDocument(kept));
+  // Whatever the umask: archives of the same collection have the same bytes.
+  fs::permissions(directory / kManifestFile, fs::perms(0644));
+  for (const fs::path& folder : {directory, tweaks}) fs::permissions(folder, fs::perms(0755));
 }
 
 }  // namespace tavlen

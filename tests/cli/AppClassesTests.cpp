@@ -43,8 +43,8 @@ TEST_F(AppClassesTest, ListsTheClassesOfAllImages) {
     EXPECT_THAT(run("classes --match Types --json " + app).out,
                 AllOf(StartsWith(R"({"images":[{"path":"Sketch","architecture":"arm64",)"
                                  R"("classes":[],"categories":[],"diagnostics":[]},)"
-                                 R"({"path":"Frameworks\/Shapes","architecture":"arm64",)"),
-                      HasSubstr("Payload\\/Sketch.app\\/Frameworks\\/Shapes\",\"protocols\""),
+                                 R"({"path":"Frameworks/Shapes","architecture":"arm64",)"),
+                      HasSubstr("Payload/Sketch.app/Frameworks/Shapes\",\"protocols\""),
                       Not(HasSubstr("TemporaryItems"))));
   }
 }

@@ -206,7 +206,7 @@ TEST_F(IconCommandTest, AnAppMayBeInAnArchive) {
   EXPECT_EQ(run("info Notes.ipa").out, run("info Payload/Notes.app").out);
   EXPECT_EQ(run("executables Notes.ipa").out, run("executables Payload/Notes.app").out);
   EXPECT_THAT(run("executables Notes.ipa --json").out,
-              HasSubstr(R"("path":"Notes.ipa\/Payload\/Notes.app\/Notes")"));
+              HasSubstr(R"("path":"Notes.ipa/Payload/Notes.app/Notes")"));
   write("Payload/Notes.app/Info.plist", "no list");
   write("text.ipa", "no archive");
   ZIPArchive::zipItem(folder() / "Payload", folder() / "bad.ipa");

@@ -137,7 +137,7 @@ TEST_F(ArchiveCommandTest, AnItemComesBackUnderNewIdentifiers) {
   const std::string both = only("import c.tvxc");
   const std::string members = run("collection list", {both, "--json"}).out;
   EXPECT_EQ(members.find(tweak), std::string::npos);
-  EXPECT_NE(members.find(R"({"name":"a\/b:c",)"), std::string::npos) << members;
+  EXPECT_NE(members.find(R"({"name":"a/b:c",)"), std::string::npos) << members;
   EXPECT_EQ(entries(stored("..")), 1U);
   EXPECT_EQ(entries(stored("")), 7U);
   EXPECT_EQ(entries("out"), 2U);

@@ -193,7 +193,7 @@ TEST_F(CollectionCommandTest, MissingMembersAreShownAndRemovedByIdentifier) {
   writeCollection("C", "C", R"("../../x",")" + a + R"(","gone","gone","C.collection")");
   EXPECT_EQ(members(), "-A---");
   EXPECT_EQ(run("collection list C --json").out,
-            R"([{"identifier":"..\/..\/x","missing":true},{"name":"A","identifier":")" + a +
+            R"([{"identifier":"../../x","missing":true},{"name":"A","identifier":")" + a +
                 R"(","missing":false},{"identifier":"gone","missing":true},)"
                 R"({"identifier":"gone","missing":true},)"
                 R"({"identifier":"C.collection","missing":true}])"

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 
 #include <atomic>
 
@@ -193,6 +194,36 @@ TEST_F(TweakArchiveTest, ACollectionBringsItsMembers) {
   // A member that does not open is named but does not come along.
   collection->updateManifest([](auto& manifest) { manifest._tweaks = {"nowhere"}; });
   EXPECT_THROW(TweakManager::decompressAt(TweakManager::export_(*collection)), TweakFile::Error);
+}
+
+TEST_F(TweakArchiveTest, TheSameFolderMakesTheSameBytes) {
+  const auto tweak = newTweak("T");
+  const auto collection = newCollection("C");
+  collection->updateManifest([&](auto& manifest) { manifest._tweaks = {tweak->id()}; });
+  const auto archives = [&](const std::string& folder) {
+    std::string bytes;
+    for (const OpenedItem& item : {OpenedItem(TweakFile::open(tweak->url())),
+                                   OpenedItem(TweakCollection::open(collection->url()))}) {
+      std::vector<TweakFile::Opened> members;
+      if (item.collection()) members = item.collection()->manifest.openedTweaks();
+      const fs::path work = root_.path() / (folder + item.item()->id());
+      fs::create_directory(work);
+      bytes += readFile(TweakManager::exportOpened(item, members, work));
+    }
+    return bytes;
+  };
+  const fs::path resources = tweak->resourcesDir();
+  for (const char* name : {"a", "b", "c"}) replaceFile(resources / name, name);
+  const std::string first = archives("first");
+  fs::remove(resources / "a");
+  replaceFile(resources / "a", "a");
+  for (const auto& entry : fs::recursive_directory_iterator(tweak->url())) {
+    fs::last_write_time(entry, fs::file_time_type::clock::now() - std::chrono::hours(1000));
+  }
+  const mode_t mask = ::umask(022);
+  ::umask(mask == 022 ? 027 : 022);
+  EXPECT_TRUE(archives("second") == first);
+  ::umask(mask);
 }
 
 TEST_F(TweakArchiveTest, NamesBecomeFileNames) {

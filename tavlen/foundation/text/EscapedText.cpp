@@ -20,6 +20,21 @@ bool mayBeginEscaped(char byte) {
 
 bool isPlainASCII(char byte) { return byte >= 0x20 && byte < 0x7F; }
 
+/// Writes slashes as they are, which JSON allows.
+void removeSlashEscapes(std::string& json) {
+  std::size_t from = json.find('\\');
+  std::size_t to = from;
+  while (from < json.size()) {
+    // An escape begins with a backslash; so the second of two does not.
+    if (json[from] == '\\') {
+      if (json[from + 1] != '/') json[to++] = json[from];
+      ++from;
+    }
+    json[to++] = json[from++];
+  }
+  if (from != std::string::npos) json.resize(to);
+}
+
 }  // namespace
 
 bool needsEscape(char16_t unit) {
@@ -49,6 +64,7 @@ std::string escapedForTerminal(std::string_view text) {
 }
 
 std::string escapedJSON(std::string json) {
+  removeSlashEscapes(json);
   if (isASCII(json) && json.find('\x7F') == std::string::npos) return json;
   if (std::none_of(json.begin(), json.end(), mayBeginEscaped)) return json;
   std::u16string out;

@@ -17,7 +17,7 @@ void appendUnicodeEscape(std::u16string& out, char16_t unit);
 std::string escapedForTerminal(std::string_view text);
 
 /// `json`, a JSON text in UTF-8, with those characters as escapes of JSON; from U+0000 to U+001F
-/// they are escaped already.
+/// they are escaped already. Slashes are not escaped.
 std::string escapedJSON(std::string json);
 
 }  // namespace tavlen

@@ -36,8 +36,9 @@ struct Limits {
 
 /// Writes the file or folder `item`, under its own name at the top of the archive, to the new file
 /// `archive`, which must not exist (EEXIST). Folders get their own entries, permissions are kept,
-/// names are UTF-8. Files with temporary names (isTemporaryName()) are left out. The archive is
-/// flushed to the disk before it gets its name. After an error there is no archive.
+/// names are UTF-8. Times are left out and entries are sorted, so the same names, bytes and
+/// permissions make the same archive. Files with temporary names (isTemporaryName()) are left out.
+/// The archive is flushed to the disk before it gets its name. After an error there is no archive.
 void zipItem(const std::filesystem::path& item, const std::filesystem::path& archive,
              Progress* progress = nullptr, const Limits& limits = {});
 

@@ -6,11 +6,9 @@
 #include <cerrno>
 #include <cstdint>
 #include <cstring>
-#include <ctime>
 #include <exception>
 #include <memory>
 #include <new>
-#include <optional>
 #include <utility>
 
 namespace tavlen {
@@ -30,17 +28,12 @@ class ZIPFailure {
   std::exception_ptr failure_;
 };
 
-/// Answers ZIP_SOURCE_STAT with the size, and with the modification time if it is known.
-inline zip_int64_t answerZIPStat(void* data, std::uint64_t size,
-                                 std::optional<std::time_t> modified = std::nullopt) {
+/// Answers ZIP_SOURCE_STAT with the size.
+inline zip_int64_t answerZIPStat(void* data, std::uint64_t size) {
   auto& status = *static_cast<zip_stat_t*>(data);
   zip_stat_init(&status);
   status.valid = ZIP_STAT_SIZE;
   status.size = size;
-  if (modified) {
-    status.valid |= ZIP_STAT_MTIME;
-    status.mtime = *modified;
-  }
   return sizeof status;
 }
 

@@ -34,7 +34,7 @@ class TreeReader {
     names_.add(name);
     const std::uint64_t size = isFolder ? 0 : static_cast<std::uint64_t>(status.st_size);
     budget_.add(name, size);
-    items_.push_back({name, path, status.st_mode, size, status.st_mtime});
+    items_.push_back({name, path, status.st_mode, size});
     if (!isFolder) return;
     for (const fs::path& child : childrenOf(path)) add(path / child, name + child.string());
   }

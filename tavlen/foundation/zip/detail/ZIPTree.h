@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <ctime>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -16,7 +15,6 @@ struct ZIPItem {
   std::filesystem::path path;
   std::uint32_t mode;
   std::uint64_t size;  ///< 0 for a folder
-  std::time_t modified;
 
   bool isFolder() const { return name.ends_with('/'); }
 };

@@ -28,7 +28,7 @@ class ItemSource {
       case ZIP_SOURCE_SUPPORTS:
         return ZIP_SOURCE_SUPPORTS_READABLE;
       case ZIP_SOURCE_STAT:
-        return answerZIPStat(data, item_.size, item_.modified);
+        return answerZIPStat(data, item_.size);
       case ZIP_SOURCE_OPEN:
         return open();
       case ZIP_SOURCE_READ:
@@ -158,6 +158,8 @@ class Writer {
   void add(const ZIPItem& item, ByteProgress& progress) {
     constexpr zip_uint32_t kFastest = 1;
     constexpr std::uint32_t kDOSFolder = 0x10;
+    // 1 January 1980, the first day that the format can hold.
+    constexpr zip_uint16_t kFirstDay = 1U << 5U | 1U;
     const zip_int64_t added = item.isFolder() ? addFolder(item) : addFile(item, progress);
     require(added >= 0);
     const auto index = static_cast<zip_uint64_t>(added);
@@ -165,7 +167,7 @@ class Writer {
     const std::uint32_t attributes =
         (kind | (item.mode & 0777U)) << 16U | (item.isFolder() ? kDOSFolder : 0);
     require(zip_file_set_external_attributes(zip_, index, 0, ZIP_OPSYS_UNIX, attributes) == 0);
-    require(zip_file_set_mtime(zip_, index, item.modified, 0) == 0);
+    require(zip_file_set_dostime(zip_, index, 0, kFirstDay, 0) == 0);
     require(item.isFolder() ||
             zip_set_file_compression(zip_, index, ZIP_CM_DEFLATE, kFastest) == 0);
   }

@@ -42,6 +42,7 @@ void addCommands(tavlen::cli::Command command) {
   tavlen::cli::addRespringCommand(command);
   tavlen::cli::addHookCommand(command);
   tavlen::cli::addParamCommand(command);
+  tavlen::cli::addResourceCommand(command);
   tavlen::cli::addOverrideCommand(command);
   tavlen::cli::addExportCommand(command);
   tavlen::cli::addImportCommand(command);

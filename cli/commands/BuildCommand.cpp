@@ -9,6 +9,7 @@
 #include "cli/commands/Commands.h"
 #include "cli/terminal/Console.h"
 #include "cli/work/Transpilation.h"
+#include "cli/work/TweakCheck.h"
 #include "tavlen/foundation/files/FileReplacement.h"
 
 namespace tavlen::cli {
@@ -23,6 +24,7 @@ struct Options {
 
 int build(const Options& options) {
   const OpenedTweak tweak = openTweak(options.tweak);
+  printWarnings(tweak);
   const auto output = transpile(tweak, transpilerFolder(options.transpiler));
   if (!output) {
     printError(tweak.argument + ": does not build");

@@ -13,6 +13,7 @@
 #include "cli/commands/Commands.h"
 #include "cli/terminal/Console.h"
 #include "cli/terminal/ProgressLine.h"
+#include "cli/work/TweakCheck.h"
 #include "tavlen/collections/TweakCollectionManifest.h"
 #include "tavlen/device/DevicePaths.h"
 #include "tavlen/device/DeviceRoot.h"
@@ -88,6 +89,14 @@ std::vector<TweakFile::Opened> membersOf(const OpenedItem& item, const Options& 
   return members;
 }
 
+void warnOf(const OpenedItem& item, const std::vector<TweakFile::Opened>& members) {
+  const auto warn = [](const TweakFile::Opened& tweak) {
+    printWarnings(tweak, tweak.file->url().string());
+  };
+  if (item.tweak() != nullptr) warn(*item.tweak());
+  for (const TweakFile::Opened& member : members) warn(member);
+}
+
 [[noreturn]] void refuse(const fs::path& file) {
   throw std::runtime_error(file.string() + ": already exists; use --force to replace it");
 }
@@ -135,6 +144,7 @@ int exportItem(const Options& options) {
   // Check now, rather than after exporting.
   if (!isStream && !isFolder && !options.force && isTaken(output)) refuse(output);
   const std::vector<TweakFile::Opened> members = membersOf(item, options);
+  warnOf(item, members);
   const WorkFolder folder;
   const fs::path archive = [&] {
     const ProgressLine line("exporting " + options.item);

@@ -71,10 +71,10 @@ class Checker {
     }
     const ObjCMethod* method = find(place->second, methodKey(hook.isClassMethod, hook.selector));
     if (method == nullptr) {
-      return add(index, Part::selector, "unknown-method",
-                 "the app defines no method " + methodText(hook.identity()) +
-                     suggestion(methodKey(hook.isClassMethod, hook.selector),
-                                place->second.methods));
+      return add(
+          index, Part::selector, "unknown-method",
+          "the app defines no method " + methodText(hook.identity()) +
+              suggestion(methodKey(hook.isClassMethod, hook.selector), place->second.methods));
     }
     if (!haveSameTypes(hook.signature, method->encoding)) {
       add(index, Part::signature, "different-types",

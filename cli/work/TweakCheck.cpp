@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "cli/work/AttachedFiles.h"
+#include "cli/work/TweakResources.h"
 #include "tavlen/bundles/AppList.h"
 #include "tavlen/device/DeviceFiles.h"
 
@@ -58,8 +59,7 @@ TweakSurroundings surroundingsOf(fs::path folder) {
   });
   std::sort(surroundings.strayEntries.begin(), surroundings.strayEntries.end());
   for (const std::string& file : files) {
-    // Hidden files, such as those that keep a folder under version control, are not for the app.
-    if (!fs::path(file).filename().string().starts_with('.'))
+    if (!isHiddenFile(file))
       surroundings.resources.push_back(fs::path(file).lexically_relative(top).string());
   }
   surroundings.stateOf = [resources = folder / top](const std::string& name) {
@@ -72,14 +72,31 @@ TweakSurroundings surroundingsOf(fs::path folder) {
   return surroundings;
 }
 
-std::vector<Diagnostic> warningsFor(const OpenedTweak& tweak) {
+std::vector<Diagnostic> warningsFrom(const std::vector<TweakProblem>& problems,
+                                     const OpenedTweak& tweak) {
+  std::vector<Diagnostic> warnings;
+  warnings.reserve(problems.size());
+  for (const TweakProblem& problem : problems) warnings.push_back(diagnosticOf(tweak, problem));
+  return warnings;
+}
+
+void printWarnings(const OpenedTweak& tweak) {
+  printIgnoredKeys(tweak);
   TweakSurroundings surroundings = surroundingsOf(tweak.file->url());
   surroundings.script = tweak.script;
-  std::vector<Diagnostic> warnings;
-  addIgnoredKeys(warnings, tweak);
-  for (const TweakProblem& problem : problemsOf(tweak.manifest, surroundings))
-    warnings.push_back(diagnosticOf(tweak, problem));
-  return warnings;
+  for (const Diagnostic& warning : warningsFrom(problemsOf(tweak.manifest, surroundings), tweak))
+    print(warning);
+}
+
+void printWarnings(const TweakFile::Opened& opened, const std::string& folder) {
+  OpenedTweak tweak;
+  tweak.argument = folder;
+  tweak.folder = folder;
+  tweak.file = opened.file;
+  tweak.manifest = opened.manifest;
+  tweak.ignoredKeys = opened.ignoredKeys;
+  tweak.script = opened.file->script();
+  printWarnings(tweak);
 }
 
 }  // namespace tavlen::cli

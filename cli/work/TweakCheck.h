@@ -13,9 +13,14 @@ namespace tavlen::cli {
 /// script. Throws std::system_error.
 TweakSurroundings surroundingsOf(std::filesystem::path folder);
 
-/// Warnings about mistakes with which `tweak` still builds: the keys of its document that are
-/// ignored, and its problemsOf(), at their places in the document or the file. Throws as
-/// surroundingsOf() does.
-std::vector<Diagnostic> warningsFor(const OpenedTweak& tweak);
+/// Problems of `tweak` as warnings at their places in the document or the file.
+std::vector<Diagnostic> warningsFrom(const std::vector<TweakProblem>& problems,
+                                     const OpenedTweak& tweak);
+
+/// Prints warnings about mistakes with which `tweak` still builds: the keys of its document that
+/// are ignored, and its problemsOf(). Throws as surroundingsOf() does.
+void printWarnings(const OpenedTweak& tweak);
+/// The same for a tweak that messages call `folder`. Reads its script.
+void printWarnings(const TweakFile::Opened& tweak, const std::string& folder);
 
 }  // namespace tavlen::cli

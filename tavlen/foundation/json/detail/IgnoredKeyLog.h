@@ -33,8 +33,8 @@ class IgnoredKeyLog {
   void enterIndex(std::size_t index) { path_.push_back({{}, index, false}); }
   void leave() { path_.pop_back(); }
 
-  /// Adds a key that begins at `position`, which never decreases but for returnTo(). `known` are the
-  /// keys that are read in its object.
+  /// Adds a key that begins at `position`, which never decreases but for returnTo(). `known` are
+  /// the keys that are read in its object.
   void addUnknown(std::string_view key, const char* position,
                   std::span<const std::string_view> known);
   void addRepeated(std::string_view key, const char* position);

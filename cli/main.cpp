@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "cli/arguments/RootOption.h"
 #include "cli/commands/Commands.h"
@@ -18,39 +19,34 @@ namespace {
 
 constexpr int kFailure = 1;
 
+/// Subcommands that help lists under one heading.
+struct Group {
+  const char* heading;
+  std::vector<void (*)(tavlen::cli::Command)> commands;
+};
+
 /// Adds the subcommands in the order in which help lists them.
 void addCommands(tavlen::cli::Command command) {
-  tavlen::cli::addSourceCommand(command);
-  tavlen::cli::addBuildCommand(command);
-  tavlen::cli::addDumpCommand(command);
-  tavlen::cli::addApplyCommand(command);
-  tavlen::cli::addLocateCommand(command);
-  tavlen::cli::addCheckCommand(command);
-  tavlen::cli::addListCommand(command);
-  tavlen::cli::addShowCommand(command);
-  tavlen::cli::addNewCommand(command);
-  tavlen::cli::addScriptCommand(command);
-  tavlen::cli::addDeleteCommand(command);
-  tavlen::cli::addInstallCommand(command);
-  tavlen::cli::addUninstallCommand(command);
-  tavlen::cli::addAppsCommand(command);
-  tavlen::cli::addInfoCommand(command);
-  tavlen::cli::addIconCommand(command);
-  tavlen::cli::addExecutablesCommand(command);
-  tavlen::cli::addCrashLogsCommand(command);
-  tavlen::cli::addKillCommand(command);
-  tavlen::cli::addRespringCommand(command);
-  tavlen::cli::addHookCommand(command);
-  tavlen::cli::addParamCommand(command);
-  tavlen::cli::addResourceCommand(command);
-  tavlen::cli::addOverrideCommand(command);
-  tavlen::cli::addExportCommand(command);
-  tavlen::cli::addImportCommand(command);
-  tavlen::cli::addCollectionCommand(command);
-  tavlen::cli::addWatchCommand(command);
-  tavlen::cli::addClassesCommand(command);
-  tavlen::cli::addMethodsCommand(command);
-  tavlen::cli::addTypeCommand(command);
+  using namespace tavlen::cli;
+  const Group groups[] = {
+      {"Make and change tweaks",
+       {addNewCommand, addListCommand, addShowCommand, addDumpCommand, addApplyCommand,
+        addScriptCommand, addDeleteCommand, addWatchCommand}},
+      {"Hooks and values",
+       {addHookCommand, addParamCommand, addResourceCommand, addOverrideCommand}},
+      {"Look into apps",
+       {addAppsCommand, addInfoCommand, addIconCommand, addExecutablesCommand, addClassesCommand,
+        addMethodsCommand, addTypeCommand, addCrashLogsCommand}},
+      {"Build and install",
+       {addCheckCommand, addSourceCommand, addBuildCommand, addLocateCommand, addInstallCommand,
+        addUninstallCommand, addKillCommand, addRespringCommand}},
+      {"Share", {addExportCommand, addImportCommand, addCollectionCommand}},
+      {"Other", {addHelpCommand, addCompletionCommand}},
+  };
+  for (const Group& group : groups) {
+    for (const auto add : group.commands) add(command);
+    command.listUnder(group.heading);
+  }
 }
 
 /// Undoes what the parent process may have left ignored: with SIGCHLD, no child can be waited for;
@@ -70,6 +66,11 @@ int run(int argc, char** argv) {
   tavlen::cli::addLockTimeoutOption(command);
   bool isVerbose = false;
   command.flag("--verbose", isVerbose, "Show the library's log messages");
+  command
+      .text(
+          "--color", [](const std::string& /*text*/) {}, "When messages and help are coloured")
+      .oneOf({"auto", "always", "never"})
+      .typeName("WHEN");
   addCommands(command);
   if (const std::optional<int> status = commandLine.parse(argc, argv)) return *status;
   tavlen::MainBundle::setURL(tavlen::cli::resourceFolder());

@@ -2,15 +2,21 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <cerrno>
-#include <iostream>
+#include <charconv>
+#include <map>
+#include <span>
 #include <string_view>
-#include <system_error>
 #include <utility>
 
 #include "cli/arguments/UsageError.h"
+#include "cli/arguments/detail/ParserErrors.h"
+#include "cli/arguments/detail/ParserRecords.h"
+#include "cli/help/HelpPage.h"
+#include "cli/terminal/Color.h"
+#include "cli/terminal/Console.h"
 #include "cli/terminal/Diagnostic.h"
 #include "cli/terminal/ShownText.h"
+#include "tavlen/foundation/text/Suggestion.h"
 #include "tavlen/foundation/text/Unicode.h"
 
 namespace tavlen::cli {
@@ -18,30 +24,40 @@ namespace tavlen::cli {
 namespace {
 
 constexpr int kUsage = 2;
+/// The heading of subcommands for which there was no listUnder().
+constexpr const char* kCommands = "Commands";
 
-/// Prints an error, or help if the user asked for it. Returns the exit status.
-int report(const CLI::App& app, const CLI::ParseError& error) {
-  const std::vector<std::string> unknown = app.remaining(true);
-  // The parser reports a missing argument first; but if a word is unknown, that is the likely
-  // cause.
-  const bool isMistyped = dynamic_cast<const CLI::RequiredError*>(&error) && !unknown.empty();
-  const int status = isMistyped ? app.exit(CLI::ExtrasError(unknown)) : app.exit(error);
-  if (!std::cout.flush()) {
-    throw std::system_error(errno, std::generic_category(), "standard output");
+/// Obeys --json and --color, wherever they are: errors of wrong usage are written in the same form.
+void useFormOf(std::span<const std::string> words) {
+  static const std::map<std::string, ColorUse, std::less<>> uses = {
+      {"auto", ColorUse::automatic}, {"always", ColorUse::always}, {"never", ColorUse::never}};
+  constexpr std::string_view kColor = "--color=";
+  for (std::size_t i = 0; i < words.size() && words[i] != "--"; ++i) {
+    if (words[i] == "--json") useJSONMessages();
+    std::string_view use;
+    if (words[i].starts_with(kColor)) use = std::string_view(words[i]).substr(kColor.size());
+    if (words[i] == "--color" && i + 1 < words.size()) use = words[i + 1];
+    // A subcommand may have an option of that name for something else.
+    if (const auto found = uses.find(use); found != uses.end()) useColor(found->second);
   }
-  return status == 0 ? 0 : kUsage;
 }
 
-/// The text for the standard error stream after wrong usage.
-std::string shownUsageError(const std::string& message) {
-  if (hasJSONMessages()) return shownMessage({Diagnostic::kError, message});
-  return shownLine(message) + "\nRun with --help for more information.\n";
+/// The words that lead to the command that the user chose.
+CommandPath chosenRecords(const CommandRecord& record, const CLI::App& app) {
+  std::vector<std::string> words;
+  for (const CLI::App* command : chosenPath(app)) words.push_back(command->get_name());
+  return pathTo(record, std::span(words).subspan(1));
 }
 
 }  // namespace
 
 Option Option::required() {
   option_->required();
+  return *this;
+}
+
+Option Option::optional() {
+  option_->required(false);
   return *this;
 }
 
@@ -69,27 +85,35 @@ Option Option::utf8() {
 }
 
 Option Option::check(std::function<std::string(const std::string&)> problem) {
-  option_->check(CLI::Validator(std::move(problem), ""));
-  return *this;
-}
-
-Option Option::transform(std::function<void(std::string&)> change) {
-  const auto validator = [change = std::move(change)](std::string& text) {
-    change(text);
-    return std::string();
+  const auto checked = [problem = std::move(problem), option = option_](const std::string& text) {
+    const std::string found = problem(text);
+    if (!found.empty()) throw UsageError(titleOf(*option), found);
+    return found;
   };
-  option_->transform(CLI::Validator(validator, ""));
+  option_->check(CLI::Validator(checked, ""));
   return *this;
 }
 
 Option Option::oneOf(std::vector<std::string> texts) {
-  option_->check(CLI::IsMember(std::move(texts)));
-  return *this;
+  state_->values[option_] = texts;
+  return check([texts = std::move(texts)](const std::string& text) -> std::string {
+    if (std::find(texts.begin(), texts.end(), text) != texts.end()) return "";
+    const std::vector<std::string_view> known(texts.begin(), texts.end());
+    return "unknown value \"" + text + "\"" + suggestionText(text, known);
+  });
 }
 
 Option Option::oneOfIgnoringCase(std::vector<std::string> texts) {
-  option_->transform(CLI::IsMember(std::move(texts), CLI::ignore_case));
-  return *this;
+  option_->each(CLI::Validator(
+      [texts](std::string& text) {
+        const auto found = std::find_if(texts.begin(), texts.end(), [&](const std::string& each) {
+          return CLI::detail::to_lower(each) == CLI::detail::to_lower(text);
+        });
+        if (found != texts.end()) text = *found;
+        return std::string();
+      },
+      ""));
+  return oneOf(std::move(texts));
 }
 
 Option Option::excludes(Option other) {
@@ -105,12 +129,24 @@ Option Option::needs(Option other) {
 bool Option::isGiven() const { return option_->count() > 0; }
 
 void Option::requireGiven() const {
-  if (!isGiven()) throw CLI::RequiredError(option_->get_name());
+  if (!isGiven()) throw UsageError(titleOf(*option_) + " is missing");
 }
 
 Command Command::addCommand(const std::string& name, const std::string& description) {
-  return {*app_->add_subcommand(name, description), *chosen_};
+  CLI::App& command = *app_->add_subcommand(name, description);
+  command.group(kCommands);
+  return {command, *state_};
 }
+
+void Command::listUnder(const char* heading) {
+  for (CLI::App* command : app_->get_subcommands({})) {
+    if (command->get_group() == kCommands) command->group(heading);
+  }
+}
+
+void Command::hide() { app_->group(""); }
+
+CommandRecord Command::record() const { return recordOf(*app_, *state_); }
 
 void Command::requireCommand() { app_->require_subcommand(1); }
 
@@ -120,34 +156,56 @@ Command Command::addGroup(const char* name, const char* description, std::size_t
                           std::size_t most) {
   CLI::App& group = *app_->add_option_group(name, description);
   group.require_option(least, most);
-  return {group, *chosen_};
+  return {group, *state_};
+}
+
+Option Command::added(CLI::Option* option) const {
+  option->transform(CLI::Validator(
+      [](std::string& text) {
+        text = unmarked(std::move(text));
+        return std::string();
+      },
+      ""));
+  return {*option, *state_};
 }
 
 Option Command::flag(const char* name, bool& isGiven, const char* help) {
-  return Option(*app_->add_flag(name, isGiven, help));
+  return {*app_->add_flag(name, isGiven, help)->disable_flag_override(), *state_};
 }
 
 Option Command::text(const char* name, std::string& value, const std::string& help) {
-  return Option(*app_->add_option(name, value, help));
+  return added(app_->add_option(name, value, help));
 }
 
 Option Command::text(const char* name, std::optional<std::string>& value, const std::string& help) {
-  return Option(*app_->add_option(name, value, help));
+  return added(app_->add_option(name, value, help));
 }
 
 Option Command::text(const char* name, const std::function<void(const std::string&)>& store,
                      const std::string& help) {
-  return Option(*app_->add_option_function<std::string>(name, store, help));
+  return added(app_->add_option_function<std::string>(name, store, help));
 }
 
 Option Command::number(const char* name, std::optional<std::uint32_t>& value,
                        const std::string& help) {
-  return Option(*app_->add_option(name, value, help));
+  return number(
+      name, [&value](std::uint32_t number) { value = number; }, help);
 }
 
 Option Command::number(const char* name, const std::function<void(std::uint32_t)>& store,
                        const std::string& help) {
-  return Option(*app_->add_option_function<std::uint32_t>(name, store, help));
+  const auto numberOf = [](const std::string& text) -> std::optional<std::uint32_t> {
+    std::uint32_t number = 0;
+    const char* const end = text.data() + text.size();
+    const auto [last, error] = std::from_chars(text.data(), end, number);
+    if (error != std::errc() || last != end) return std::nullopt;
+    return number;
+  };
+  return text(
+             name, [=](const std::string& text) { store(*numberOf(text)); }, help)
+      .check([=](const std::string& text) {
+        return numberOf(text) ? "" : "expected a whole number up to 4294967295: " + text;
+      });
 }
 
 Option Command::texts(const char* name, std::vector<std::string>& values, const std::string& help) {
@@ -155,12 +213,11 @@ Option Command::texts(const char* name, std::vector<std::string>& values, const 
   // If an option may have more values than it expects, the parser reads "[4i]" as a list of one
   // item. So the option expects more values than possible. With TakeAll, fewer values are not an
   // error.
-  return Option(*app_->add_option(name, values, help)
-                     ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
-                     ->expected(kEndless - 1, kEndless)
-                     ->allow_extra_args(false)
-                     ->required()
-                     ->option_text("TEXT ... REQUIRED"));
+  return added(app_->add_option(name, values, help)
+                   ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+                   ->expected(kEndless - 1, kEndless)
+                   ->allow_extra_args(false)
+                   ->required());
 }
 
 void Command::run(Action action) {
@@ -168,43 +225,62 @@ void Command::run(Action action) {
 }
 
 void Command::prepare(std::function<Action()> prepare) {
-  app_->callback([prepare = std::move(prepare), chosen = chosen_] {
-    if (Action action = prepare()) *chosen = std::move(action);
+  app_->callback([prepare = std::move(prepare), state = state_] {
+    if (Action action = prepare()) state->chosen = std::move(action);
   });
 }
 
 void refuseUnexpected(const std::string& word) {
-  throw CLI::ExtrasError(std::vector<std::string>{word});
+  throw UsageError("unexpected argument \"" + word + "\"");
 }
 
 CommandLine::CommandLine(const char* name, const char* description, const char* version)
-    : app_(std::make_unique<CLI::App>(description, name)) {
-  app_->set_version_flag("--version", version);
+    : app_(std::make_unique<CLI::App>(description, name)), state_(std::make_unique<ParserState>()) {
+  app_->set_help_flag("-h,--help", "Print help");
+  app_->set_version_flag("--version", version, "Print the version");
   app_->require_subcommand(1);
   app_->fallthrough();
-  app_->failure_message(
-      [](const CLI::App*, const CLI::Error& error) { return shownUsageError(error.what()); });
 }
 
 CommandLine::~CommandLine() = default;
 
-Command CommandLine::command() { return {*app_, chosen_}; }
+Command CommandLine::command() { return {*app_, *state_}; }
 
 std::optional<int> CommandLine::parse(int argc, const char* const* argv) {
-  // Before parsing, so that errors of wrong usage are written in the same form.
-  const std::vector<std::string_view> words(argv, argv + argc);
-  const auto end = std::find(words.begin(), words.end(), "--");
-  if (std::find(words.begin(), end, "--json") != end) useJSONMessages();
+  const std::vector<std::string> words(argv + std::min(argc, 1), argv + argc);
+  useFormOf(words);
+  const CommandRecord record = recordOf(*app_, *state_);
+  if (words.empty()) {
+    printData(helpPage({&record}));
+    return 0;
+  }
   try {
-    app_->parse(argc, argv);
+    std::vector<std::string> reversed;  // as the parser wants them
+    std::transform(words.rbegin(), words.rend(), std::back_inserter(reversed), marked);
+    app_->parse(std::move(reversed));
+  } catch (const CLI::CallForHelp&) {
+    printData(helpPage(chosenRecords(record, *app_)));
+    return 0;
+  } catch (const CLI::CallForVersion& version) {
+    printData(version.what() + std::string("\n"));
+    return 0;
   } catch (const CLI::ParseError& error) {
-    return report(*app_, error);
+    return report(usageProblem(*app_, *state_, words, error));
   } catch (const UsageError& error) {
-    return report(*app_, CLI::ValidationError(errorText(error)));
+    return report(errorText(error));
   }
   return std::nullopt;
 }
 
-int CommandLine::run() const { return chosen_(); }
+int CommandLine::report(const std::string& problem) const {
+  printError(problem);
+  const CommandRecord record = recordOf(*app_, *state_);
+  std::string words = wordsOf(chosenRecords(record, *app_));
+  words.insert(std::min(words.find(' '), words.size()), " help");
+  printNote("see \"" + words + "\"");
+  return kUsage;
+}
+
+int CommandLine::run() const { return state_->chosen(); }
 
 }  // namespace tavlen::cli

@@ -14,6 +14,9 @@ class Option;
 
 namespace tavlen::cli {
 
+struct CommandRecord;
+struct ParserState;
+
 /// The work of a subcommand. Returns the process's exit status; main() reports exceptions.
 using Action = std::function<int()>;
 
@@ -23,11 +26,14 @@ using Action = std::function<int()>;
 class Option {
  public:
   /// Wraps an option of the parser's.
-  explicit Option(CLI::Option& option) : option_(&option) {}
+  Option(CLI::Option& option, ParserState& state) : option_(&option), state_(&state) {}
 
   /// Makes the option mandatory.
   Option required();
-  /// Sets the placeholder for the value in help.
+  /// Makes an argument of Command::texts() optional.
+  Option optional();
+  /// Sets the placeholder for the value in help. It also tells completion what the value is: see
+  /// Completion.h.
   Option typeName(const char* name);
   /// Shows the variable's current value in help as the default.
   Option showsDefault();
@@ -41,8 +47,6 @@ class Option {
   Option utf8();
   /// Refuses a text for which `problem` returns a message. An empty message accepts the text.
   Option check(std::function<std::string(const std::string& text)> problem);
-  /// Lets `change` edit the text before it is checked.
-  Option transform(std::function<void(std::string& text)> change);
   /// Accepts only `texts`, which help lists.
   Option oneOf(std::vector<std::string> texts);
   /// As oneOf(), but ignores case and stores the spelling in `texts`.
@@ -55,12 +59,13 @@ class Option {
 
   /// Whether the user gave the option. Call it after parsing.
   bool isGiven() const;
-  /// For an argument that is required only in some cases: throws the parser's error for a missing
-  /// argument unless it was given.
+  /// For an argument that is required only in some cases: throws UsageError unless it was
+  /// given.
   void requireGiven() const;
 
  private:
   CLI::Option* option_;
+  ParserState* state_;
 };
 
 /// A subcommand, a group of options, or the whole command: a handle like Option. A name that begins
@@ -68,11 +73,17 @@ class Option {
 /// Parsing stores values in the variables, which must live until the CommandLine has run.
 class Command {
  public:
-  /// Wraps a command of the parser's; the chosen action is stored in `chosen`.
-  Command(CLI::App& app, Action& chosen) : app_(&app), chosen_(&chosen) {}
+  /// Wraps a command of the parser's.
+  Command(CLI::App& app, ParserState& state) : app_(&app), state_(&state) {}
 
   /// Adds a subcommand with a description for help.
   Command addCommand(const std::string& name, const std::string& description);
+  /// Lists the subcommands added since the last call under `heading` in help.
+  void listUnder(const char* heading);
+  /// Leaves it out of help.
+  void hide();
+  /// The command with its subcommands as plain data.
+  CommandRecord record() const;
   /// Requires exactly one of its subcommands.
   void requireCommand();
   /// Whether the user chose one of its subcommands. For use in prepare().
@@ -107,11 +118,13 @@ class Command {
   void prepare(std::function<Action()> prepare);
 
  private:
+  Option added(CLI::Option* option) const;
+
   CLI::App* app_;
-  Action* chosen_;
+  ParserState* state_;
 };
 
-/// Throws the parser's error for an unexpected argument.
+/// Throws UsageError for an unexpected argument.
 [[noreturn]] void refuseUnexpected(const std::string& word);
 
 /// The parser of the process's arguments. Neither it nor its handles are thread-safe.
@@ -127,16 +140,19 @@ class CommandLine {
   Command command();
 
   /// Parses the arguments. Returns nothing if an action was chosen. Otherwise prints help or an
-  /// error message and returns the process's exit status. Throws std::system_error if it cannot
-  /// write to the standard output.
+  /// error message and returns the process's exit status. An argument that begins like a method,
+  /// "-[Class selector]", is no option. Throws std::system_error if it cannot write to the standard
+  /// output.
   std::optional<int> parse(int argc, const char* const* argv);
   /// Runs the chosen action and returns its exit status. Call it after parse() returned nothing.
   /// Throws what the action throws.
   int run() const;
 
  private:
+  int report(const std::string& problem) const;
+
   std::unique_ptr<CLI::App> app_;
-  Action chosen_;
+  std::unique_ptr<ParserState> state_;
 };
 
 }  // namespace tavlen::cli

@@ -6,28 +6,12 @@
 
 namespace tavlen::cli {
 
-namespace {
-
-constexpr const char* kInstanceMethodBegin = "-[";
-
-/// Adds the prefix that the parser has removed: it reads "-[Class selector]" as the option "-["
-/// with a value.
-void restorePrefix(std::string& text) {
-  // A method contains a blank; a custom name that ends in "]" may not.
-  if (text.ends_with(']') && text.find('[') == std::string::npos &&
-      text.find(' ') != std::string::npos)
-    text = kInstanceMethodBegin + text;
-}
-
-}  // namespace
-
 void addHookArgument(Command command, std::string& text) {
   command
-      .text((std::string(kInstanceMethodBegin) + ",--hook,HOOK").c_str(), text,
+      .text("HOOK", text,
             "The hook: '-[Class selector]', '+[Class selector]', or the name it was given")
       .required()
-      .notEmpty()
-      .transform(restorePrefix);
+      .notEmpty();
 }
 
 HookManager hookArgument(TweakFile::Opened tweak, const std::string& text) {

@@ -1,12 +1,11 @@
 #include "cli/arguments/ImageArgument.h"
 
 #include <array>
-#include <charconv>
 #include <chrono>
-#include <system_error>
 #include <utility>
 
 #include "cli/arguments/UsageError.h"
+#include "tavlen/foundation/text/NearestDouble.h"
 
 namespace tavlen::cli {
 
@@ -29,14 +28,13 @@ std::optional<ClassSource> sourceNamed(const std::string& parser) {
 /// A positive number of seconds, in whole milliseconds. Throws UsageError.
 std::chrono::milliseconds secondsFrom(const std::string& text) {
   constexpr double kMost = 1e9;  // the clock overflows at nine times that
-  double seconds = 0;
-  const char* const end = text.data() + text.size();
-  const auto [last, error] = std::from_chars(text.data(), end, seconds, std::chars_format::fixed);
+  const auto seconds = nearestDouble(text, RealForm::plain);
   // Written so that NaN fails the comparison.
-  if (error != std::errc() || last != end || !(seconds > 0 && seconds <= kMost)) {
+  if (!seconds || !(seconds->value > 0 && seconds->value <= kMost)) {
     throw UsageError("--timeout", "not a positive number of seconds up to 1000000000: " + text);
   }
-  return std::chrono::ceil<std::chrono::milliseconds>(std::chrono::duration<double>(seconds));
+  return std::chrono::ceil<std::chrono::milliseconds>(
+      std::chrono::duration<double>(seconds->value));
 }
 
 }  // namespace

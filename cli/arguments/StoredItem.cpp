@@ -1,16 +1,21 @@
 #include "cli/arguments/StoredItem.h"
 
+#include <algorithm>
 #include <filesystem>
+#include <initializer_list>
 #include <optional>
 #include <stdexcept>
+#include <string_view>
 #include <system_error>
 #include <vector>
 
+#include "cli/arguments/AmbiguousItem.h"
 #include "cli/terminal/ShownText.h"
-#include "tavlen/collections/TweakCollection.h"
 #include "tavlen/device/DeviceFiles.h"
 #include "tavlen/foundation/coding/CodingError.h"
 #include "tavlen/foundation/tasks/NotificationCenter.h"
+#include "tavlen/foundation/text/Characters.h"
+#include "tavlen/foundation/text/Suggestion.h"
 #include "tavlen/items/TweakDiffNotifications.h"
 #include "tavlen/items/TweaksDirectory.h"
 #include "tavlen/store/TweakManager.h"
@@ -21,22 +26,22 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::optional<OpenedItem> itemNamed(const std::string& name) {
-  std::vector<OpenedItem> found = TweakManager::openNamed(name);
-  if (found.empty()) return std::nullopt;
-  if (found.size() > 1) {
-    std::string identifiers;
-    for (const OpenedItem& opened : found) identifiers += " " + opened.item()->id();
-    throw std::runtime_error(
-        name + ": several items have that name; name one by its identifier:" + identifiers);
-  }
-  return std::move(found.front());
+bool endsInAny(const std::string& text, std::initializer_list<const char*> extensions) {
+  const std::string name = lowercased(text);
+  return std::any_of(extensions.begin(), extensions.end(),
+                     [&](const char* extension) { return name.ends_with(extension); });
 }
 
-bool isStored(const std::string& id) {
-  std::error_code ignored;
-  return fs::symlink_status(TweaksDirectory::url() / id, ignored).type() !=
-         fs::file_type::not_found;
+/// Throws for what can become an item, but is none yet.
+void requireItem(const std::string& path) {
+  switch (formOf(path)) {
+    case ItemForm::text:
+      throw std::runtime_error(path + ": is a text, not a stored item; apply makes one of it");
+    case ItemForm::archive:
+      throw std::runtime_error(path + ": is an archive, not a stored item; import makes one of it");
+    case ItemForm::item:
+      break;
+  }
 }
 
 /// Opens the item at `path`, which messages call `shown`.
@@ -49,29 +54,66 @@ OpenedItem itemAt(const std::string& path, const std::string& shown) {
     return TweakManager::openAt(path);
   } catch (const DecodingError& error) {
     const std::string document =
-        isFolder ? (path.ends_with('/') ? path : path + "/") + "Manifest.json" : path;
+        isFolder ? (path.ends_with('/') ? path : path + "/") + kDocumentFile : path;
     throw std::runtime_error(document + ": " + errorText(error));
   } catch (const DescribedError& error) {
     throw std::runtime_error(shown + ": " + errorText(error));
   }
 }
 
+/// What may have been meant by `text`, which names nothing, to be shown after a message.
+std::string hintFor(const std::string& text, const FoundItems& found) {
+  std::error_code ignored;
+  if (fs::exists(text, ignored)) return "; for the file or folder here, write ./" + text;
+  std::vector<std::string_view> names(found.names.begin(), found.names.end());
+  // The beginning of an identifier is as good as the whole.
+  if (text.size() >= TweakManager::kShortestPrefix) {
+    for (const std::string_view id : found.identifiers) names.push_back(id.substr(0, text.size()));
+  }
+  const auto closest = closestName(text, names);
+  return closest ? "; did you mean \"" + std::string(*closest) + "\"?" : "";
+}
+
 }  // namespace
 
 bool isItemPath(const std::string& text) {
-  std::error_code ignored;
-  return text.find('/') != std::string::npos || text == "." || text == ".." ||
-         fs::exists(fs::path(text) / "Manifest.json", ignored) ||
-         (TweakCollection::isValidID(text) && fs::is_regular_file(text, ignored));
+  return text.find('/') != std::string::npos || text == "." || text == ".." || text == "-" ||
+         endsInAny(text, {".toml", ".json", ".tvx", ".tvxc"});
+}
+
+ItemForm formOf(const std::string& path) {
+  if (path == "-") return ItemForm::text;
+  const DeviceRoot root = DeviceRoot::shared();
+  const auto hasFile = [&](const char* name) {
+    return fs::exists(root.status(fs::path(path) / name));
+  };
+  if (fs::is_directory(root.status(path))) {
+    return hasFile(kTextFile) && !hasFile(kDocumentFile) ? ItemForm::text : ItemForm::item;
+  }
+  if (endsInAny(path, {".toml"})) return ItemForm::text;
+  return endsInAny(path, {".tvx", ".tvxc"}) ? ItemForm::archive : ItemForm::item;
+}
+
+std::string itemFolder(const std::string& path) {
+  const fs::path document = path;
+  if (document.filename() != kDocumentFile) return path;
+  const fs::path folder = document.parent_path();
+  return folder.empty() ? "." : folder.string();
 }
 
 OpenedItem openedItem(const std::string& text) {
-  if (isItemPath(text)) return itemAt(text, text);
-  if (isStored(text)) return itemAt((TweaksDirectory::url() / text).string(), text);
-  if (std::optional<OpenedItem> item = itemNamed(text)) return std::move(*item);
-  std::error_code ignored;
-  if (fs::exists(text, ignored)) return itemAt(text, text);
-  throw std::runtime_error(text + ": no stored tweak or collection has that identifier or name");
+  if (isItemPath(text)) {
+    requireItem(text);
+    return itemAt(itemFolder(text), text);
+  }
+  FoundItems found = TweakManager::find(text);
+  if (found.items.size() + found.broken.size() > 1) refuseAmbiguous(text, found);
+  if (!found.items.empty()) return std::move(found.items.front());
+  // Opened once more for its error.
+  if (!found.broken.empty())
+    return itemAt((TweaksDirectory::url() / found.broken.front()).string(), text);
+  throw std::runtime_error(text + ": no stored tweak or collection has that identifier or name" +
+                           hintFor(text, found));
 }
 
 TweakFile::Opened openedTweak(const std::string& text) {
@@ -84,13 +126,15 @@ std::shared_ptr<TweakFile> storedTweak(const std::string& text) { return openedT
 
 std::optional<BrokenItem> brokenItem(const std::string& text) {
   if (isItemPath(text)) return std::nullopt;
-  return TweakManager::brokenWithID(text);
+  const FoundItems found = TweakManager::find(text);
+  if (!found.items.empty() || found.broken.size() != 1) return std::nullopt;
+  return TweakManager::brokenWithID(found.broken.front());
 }
 
 std::filesystem::path folderOfItem(const std::string& text) {
   fs::path store = TweaksDirectory::url();
   if (!isItemPath(text)) return store;
-  fs::path path = fs::absolute(text);
+  fs::path path = fs::absolute(itemFolder(text));
   if (!path.has_filename()) path = path.parent_path();
   const DeviceRoot root = DeviceRoot::shared();
   try {

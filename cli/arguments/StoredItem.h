@@ -12,18 +12,36 @@ namespace tavlen::cli {
 
 /// The help text of an argument for a stored tweak or collection.
 inline constexpr const char* kItemHelp =
-    "The tweak or collection: its identifier, its name, or its path";
+    "The tweak or collection: its identifier or the beginning of that, its name, or its path";
 /// The help text of an argument for a stored tweak.
-inline constexpr const char* kTweakHelp = "The tweak: its identifier, its name, or its path";
+inline constexpr const char* kTweakHelp =
+    "The tweak: its identifier or the beginning of that, its name, or its path";
 
-/// Whether `text` is a path rather than an identifier or a name: it contains a slash, or names a
-/// tweak or a collection in the current folder.
+/// The name of a tweak's text in a folder.
+inline constexpr const char* kTextFile = "tweak.toml";
+/// The name of a tweak's document in its folder.
+inline constexpr const char* kDocumentFile = "Manifest.json";
+
+/// Whether `text` is a path rather than an identifier or a name: it contains a slash, is "." or "-"
+/// (the standard input), or ends in .toml, .json, .tvx or .tvxc.
 bool isItemPath(const std::string& text);
 
-/// Opens the item that `text` names. Tries in this order: a path (see isItemPath()), an identifier
-/// in the store, the name of a stored item, which must be unique, and any other file in the current
-/// folder. Throws std::runtime_error whose message begins with `text` or with the path of the
-/// invalid document, and std::system_error, which names its file.
+/// What a path leads to.
+enum class ItemForm {
+  item,     ///< a tweak's folder, its document, or a collection's file
+  text,     ///< the text of a tweak, a folder with one and no document, or the standard input
+  archive,  ///< an archive, as written by `export`
+};
+/// What `path` leads to, by its name and by the files in it; `item` for what does not exist.
+ItemForm formOf(const std::string& path);
+
+/// The folder of the tweak at `path`: for a document, the folder that contains it; else `path`.
+std::string itemFolder(const std::string& path);
+
+/// Opens the stored item, or the one outside the store, that `text` names: by its path, see
+/// isItemPath(), or as TweakManager::find() does. Refuses texts and archives, which are no items
+/// yet. Throws std::runtime_error whose message begins with `text` or with the path of the invalid
+/// document, ReportedError, and std::system_error, which names its file.
 OpenedItem openedItem(const std::string& text);
 
 /// As openedItem(), but also throws std::runtime_error for a collection.
@@ -32,8 +50,8 @@ TweakFile::Opened openedTweak(const std::string& text);
 /// As openedTweak(), for commands that do not need the manifest.
 std::shared_ptr<TweakFile> storedTweak(const std::string& text);
 
-/// The broken item whose identifier is `text`, after openedItem() has failed; nothing if `text` is
-/// something else.
+/// The broken item that `text` names by its identifier, after openedItem() has failed; nothing if
+/// `text` is something else.
 std::optional<BrokenItem> brokenItem(const std::string& text);
 
 /// The folder that contains the item that openedItem() would open for `text`, without links; the

@@ -17,6 +17,7 @@
 #include "tavlen/foundation/files/FileReplacement.h"
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/foundation/json/JSONDecoder.h"
+#include "tavlen/foundation/text/NearestDouble.h"
 #include "tavlen/foundation/text/NumberText.h"
 #include "tavlen/foundation/text/Unicode.h"
 #include "tavlen/parameters/ColorText.h"
@@ -28,16 +29,19 @@ namespace {
 constexpr std::string_view kNil = "nil";
 constexpr std::string_view kJSON = "json";
 
-template <class Number>
-std::optional<Parameter> numberFrom(const std::string& text) {
-  Number value{};
+template <class Integer>
+std::optional<Parameter> integerFrom(const std::string& text) {
+  Integer value = 0;
   const char* end = text.data() + text.size();
   const auto [last, error] = std::from_chars(text.data(), end, value);
   if (error != std::errc() || last != end) return std::nullopt;
-  if constexpr (std::is_floating_point_v<Number>) {
-    if (!std::isfinite(value)) return std::nullopt;
-  }
-  return ValueParameter<Number>{value};
+  return ValueParameter<Integer>{value};
+}
+
+std::optional<Parameter> realFrom(const std::string& text) {
+  const auto number = nearestDouble(text);
+  if (!number || !number->isInRange || !std::isfinite(number->value)) return std::nullopt;
+  return ValueParameter<double>{number->value};
 }
 
 std::optional<Parameter> boolFrom(const std::string& text) {
@@ -82,9 +86,9 @@ struct Form {
 
 constexpr std::array<Form, 14> kForms = {{
     {"bool", "true or false", boolFrom},
-    {"int", "a whole number from -2^63 to 2^63-1", numberFrom<std::int64_t>},
-    {"uint", "a whole number from 0 to 2^64-1", numberFrom<std::uint64_t>},
-    {"double", "a finite number such as 0.5", numberFrom<double>},
+    {"int", "a whole number from -2^63 to 2^63-1", integerFrom<std::int64_t>},
+    {"uint", "a whole number from 0 to 2^64-1", integerFrom<std::uint64_t>},
+    {"double", "a finite number such as 0.5", realFrom},
     {"string", "a text", textFrom<ValueParameter<std::string>>},
     {"url", "a URL", nameFrom<URLParameter>},
     {"date", "a date such as 2026-01-31T12:00:00Z", dateFrom},

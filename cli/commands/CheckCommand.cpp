@@ -6,7 +6,6 @@
 
 #include "cli/arguments/ImageArgument.h"
 #include "cli/arguments/TranspilerOption.h"
-#include "cli/arguments/TweakArgument.h"
 #include "cli/commands/Commands.h"
 #include "cli/terminal/Console.h"
 #include "cli/terminal/CountText.h"
@@ -15,6 +14,7 @@
 #include "cli/work/ErrorReport.h"
 #include "cli/work/Transpilation.h"
 #include "cli/work/TweakCheck.h"
+#include "cli/work/TweakForReading.h"
 #include "tavlen/bundles/IPA.h"
 #include "tavlen/foundation/text/EscapedText.h"
 

@@ -70,6 +70,10 @@ void addClassesCommand(Command app);
 void addMethodsCommand(Command app);
 /// Adds `type`.
 void addTypeCommand(Command app);
+/// Adds `help`.
+void addHelpCommand(Command app);
+/// Adds `completion`, and `complete`, which its scripts call.
+void addCompletionCommand(Command app);
 
 /// Adds `set` and `clear`, which edit the icon of a tweak, to the subcommand `icon`.
 void addTweakIconCommands(Command group);

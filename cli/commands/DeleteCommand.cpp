@@ -72,8 +72,8 @@ int deleteItem(const std::string& name) {
 }  // namespace
 
 void addDeleteCommand(Command app) {
-  Command command = app.addCommand(
-      "delete", "Uninstall a stored tweak or collection and delete it, even a broken one");
+  Command command =
+      app.addCommand("delete", "Uninstall and delete a tweak or a collection, even a broken one");
   const auto name = std::make_shared<std::string>();
   command.text("ITEM", *name, kItemHelp).required().notEmpty();
   command.run([name] { return deleteItem(*name); });

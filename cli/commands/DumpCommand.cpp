@@ -11,7 +11,7 @@
 #include "cli/terminal/Console.h"
 #include "cli/terminal/ShownText.h"
 #include "cli/work/AttachedFiles.h"
-#include "cli/work/TextInput.h"
+#include "cli/work/TweakForReading.h"
 #include "tavlen/foundation/files/FileReplacement.h"
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/tweaktext/TweakTextReader.h"
@@ -28,6 +28,17 @@ constexpr const char* kStandardOutput = "-";
 struct Options {
   std::string tweak;
   std::string output = kStandardOutput;
+  bool json = false;
+};
+
+/// The JSON output: the text, or where it was written.
+struct Dumped {
+  std::optional<std::string> text;
+  std::optional<std::string> path;
+
+  static constexpr auto codedFields() {
+    return std::tuple{optionalField("text", &Dumped::text), optionalField("path", &Dumped::path)};
+  }
 };
 
 /// A tweak's text and the files that go along with it.
@@ -35,21 +46,22 @@ struct Dump {
   std::string text;
   std::optional<Image> icon;
   std::optional<std::string> script;
-  fs::path folder;              ///< the tweak's
-  std::set<std::string> files;  ///< attachedFiles() of the folder
+  OpenedTweak tweak;
+  std::set<std::string> files;  ///< attachedFiles() of the tweak's folder
+
+  const fs::path& folder() const { return tweak.file->url(); }
 };
 
 Dump dumpOf(const std::string& name) {
-  const TweakFile::Opened tweak = openedTweak(name);
   Dump dump;
-  dump.icon = tweak.file->customIcon();
-  dump.script = tweak.file->readScript();
-  dump.folder = tweak.file->url();
-  dump.files = attachedFiles(dump.folder);
+  dump.tweak = tweakForReading(name);
+  dump.icon = dump.tweak.file->customIcon();
+  dump.script = dump.tweak.file->readScript();
+  dump.files = attachedFiles(dump.folder());
   TweakTextFiles files;
   if (dump.icon) files.icon = TweakFile::iconFile;
   if (dump.script) files.script = TweakFile::scriptFile;
-  dump.text = writeTweakText(tweak.manifest, files);
+  dump.text = writeTweakText(dump.tweak.manifest, files);
   return dump;
 }
 
@@ -93,7 +105,7 @@ void writeFolder(const Dump& dump, const fs::path& folder) {
   std::error_code error;
   fs::create_directories(folder, error);
   if (error) throw std::system_error(error, folder.string());
-  for (const std::string& name : dump.files) copyAttachedFile(dump.folder, folder, name);
+  for (const std::string& name : dump.files) copyAttachedFile(dump.folder(), folder, name);
   for (const std::string& name : attachedFiles(folder)) {
     if (dump.files.contains(name)) continue;
     printWarning((folder / name).string() + ": is not a file of the tweak; apply would add it");
@@ -109,27 +121,26 @@ int dump(const Options& options) {
   const fs::path output = options.output;
   const bool isStream = options.output == kStandardOutput;
   const bool isText = !isStream && output.extension() == ".toml" && !fs::is_directory(output);
-  if (!isStream && !isText) {
-    writeFolder(dump, output);
-    return 0;
-  }
   if (isText) {
     requireReplaceable(output);
     replaceFile(output, dump.text);
-  } else {
+  } else if (!isStream) {
+    writeFolder(dump, output);
+  } else if (!options.json) {
     printData(dump.text);
   }
-  warnOfFiles(dump);
+  if (isText || isStream) warnOfFiles(dump);
+  if (options.json) printJSON(isStream ? Dumped{dump.text, {}} : Dumped{{}, output.string()});
   return 0;
 }
 
 }  // namespace
 
 void addDumpCommand(Command app) {
-  Command command = app.addCommand(
-      "dump", "Write a tweak as a text to read, edit and keep under version control");
+  Command command =
+      app.addCommand("dump", "Write a tweak as a text to edit and keep under version control");
   const auto options = std::make_shared<Options>();
-  command.text("TWEAK", options->tweak, kTweakHelp).required().notEmpty();
+  command.text("TWEAK", options->tweak, kReadTweakHelp).required().notEmpty();
   command
       .text("-o,--output", options->output,
             "A name that ends in .toml for the text alone; else a folder for tweak.toml, the "
@@ -137,6 +148,7 @@ void addDumpCommand(Command app) {
             "Only texts of tweaks and their folders are replaced")
       .typeName("FILE|DIR")
       .notEmpty();
+  command.flag("--json", options->json, "Print a JSON object with the text, or with -o its path");
   command.run([options] { return dump(*options); });
 }
 

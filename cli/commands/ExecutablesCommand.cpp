@@ -147,8 +147,7 @@ std::string table(const std::vector<Row>& rows) {
 
 void addExecutablesCommand(Command app) {
   Command command = app.addCommand(
-      "executables",
-      "List the Mach-O images of an app, with architectures, platform and encryption");
+      "executables", "List an app's Mach-O images, with architectures and encryption");
   const auto name = std::make_shared<std::string>();
   const auto json = std::make_shared<bool>(false);
   command.text("APP", *name, kReadAppHelp).required().notEmpty();

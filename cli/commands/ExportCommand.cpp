@@ -10,10 +10,13 @@
 
 #include "cli/arguments/CollectionArgument.h"
 #include "cli/arguments/StoredItem.h"
+#include "cli/arguments/UsageError.h"
 #include "cli/commands/Commands.h"
 #include "cli/terminal/Console.h"
 #include "cli/terminal/ProgressLine.h"
+#include "cli/terminal/ShownText.h"
 #include "cli/work/TweakCheck.h"
+#include "cli/work/TweakForReading.h"
 #include "tavlen/collections/TweakCollectionManifest.h"
 #include "tavlen/device/DevicePaths.h"
 #include "tavlen/device/DeviceRoot.h"
@@ -23,6 +26,7 @@
 #include "tavlen/foundation/files/FileTree.h"
 #include "tavlen/foundation/files/TemporaryDirectory.h"
 #include "tavlen/foundation/text/EscapedText.h"
+#include "tavlen/foundation/text/Unicode.h"
 #include "tavlen/store/TweakManager.h"
 
 namespace tavlen::cli {
@@ -36,6 +40,20 @@ struct Options {
   std::string output;
   bool force = false;
   bool skipsMissing = false;
+  bool json = false;
+};
+
+/// The JSON output.
+struct Exported {
+  std::string path;
+  std::string kind;
+  std::string name;
+
+  static constexpr auto codedFields() {
+    return std::tuple{requiredField("path", &Exported::path),
+                      requiredField("kind", &Exported::kind),
+                      requiredField("name", &Exported::name)};
+  }
 };
 
 constexpr const char* kStandardOutput = "-";
@@ -89,12 +107,14 @@ std::vector<TweakFile::Opened> membersOf(const OpenedItem& item, const Options& 
   return members;
 }
 
-void warnOf(const OpenedItem& item, const std::vector<TweakFile::Opened>& members) {
-  const auto warn = [](const TweakFile::Opened& tweak) {
-    printWarnings(tweak, tweak.file->url().string());
-  };
-  if (item.tweak() != nullptr) warn(*item.tweak());
-  for (const TweakFile::Opened& member : members) warn(member);
+void warnOf(const ItemForReading& read, const std::vector<TweakFile::Opened>& members) {
+  if (read.text) {
+    for (const Diagnostic& warning : warningsFor(*read.text, {})) print(warning);
+  } else if (read.item.tweak() != nullptr) {
+    printWarnings(*read.item.tweak(), read.path);
+  }
+  for (const TweakFile::Opened& member : members)
+    printWarnings(member, member.file->url().string());
 }
 
 [[noreturn]] void refuse(const fs::path& file) {
@@ -124,8 +144,8 @@ void printContents(const fs::path& file) {
   }
 }
 
-/// Moves the archive to the place that the user chose, and prints its path.
-void deliver(const fs::path& archive, const Options& options, bool isFolder) {
+/// Moves the archive to the place that the user chose, which it returns.
+fs::path deliver(const fs::path& archive, const Options& options, bool isFolder) {
   fs::path file = options.output;
   if (isFolder) file /= archive.filename();
   move(archive, file, options.force);
@@ -133,18 +153,19 @@ void deliver(const fs::path& archive, const Options& options, bool isFolder) {
     printWarning(file.string() + ": import recognises archives by their extension, " +
                  archive.extension().string());
   }
-  printData(escapedForTerminal(file.string()) + "\n");
+  return file;
 }
 
 int exportItem(const Options& options) {
-  const OpenedItem item = openedItem(options.item);
+  const ItemForReading read = itemForReading(options.item);
+  const OpenedItem& item = read.item;
   const fs::path output = options.output;
   const bool isStream = options.output == kStandardOutput;
   const bool isFolder = !isStream && (!output.has_filename() || fs::is_directory(output));
   // Check now, rather than after exporting.
   if (!isStream && !isFolder && !options.force && isTaken(output)) refuse(output);
   const std::vector<TweakFile::Opened> members = membersOf(item, options);
-  warnOf(item, members);
+  warnOf(read, members);
   const WorkFolder folder;
   const fs::path archive = [&] {
     const ProgressLine line("exporting " + options.item);
@@ -152,8 +173,13 @@ int exportItem(const Options& options) {
   }();
   if (isStream) {
     printContents(archive);
+    return 0;
+  }
+  const std::string file = deliver(archive, options, isFolder).string();
+  if (options.json) {
+    printJSON(Exported{wellFormedUTF8(file), kindOf(*item.item()), item.configuration().name()});
   } else {
-    deliver(archive, options, isFolder);
+    printData(escapedForTerminal(file) + "\n");
   }
   return 0;
 }
@@ -161,8 +187,8 @@ int exportItem(const Options& options) {
 }  // namespace
 
 void addExportCommand(Command app) {
-  Command command = app.addCommand(
-      "export", "Write a stored tweak or collection to an archive and print the archive's path");
+  Command command =
+      app.addCommand("export", "Write a tweak or a collection to an archive and print its path");
   const auto options = std::make_shared<Options>();
   command.text("ITEM", options->item, kItemHelp).required().notEmpty();
   command
@@ -174,7 +200,12 @@ void addExportCommand(Command app) {
   command.flag("-f,--force", options->force, "Replace an existing file");
   command.flag("--skip-missing", options->skipsMissing,
                "Export a copy of the collection without the members that cannot be opened");
-  command.run([options] { return exportItem(*options); });
+  command.flag("--json", options->json, "Print a JSON object with the archive's path");
+  command.prepare([options] {
+    if (options->json && options->output == kStandardOutput)
+      throw UsageError("-o -: the archive itself is printed, not --json");
+    return [options] { return exportItem(*options); };
+  });
 }
 
 }  // namespace tavlen::cli

@@ -14,6 +14,7 @@
 #include "cli/terminal/TextTable.h"
 #include "cli/work/MethodSearch.h"
 #include "cli/work/StoreLock.h"
+#include "cli/work/TweakForReading.h"
 #include "tavlen/tweaks/HookCheck.h"
 #include "tavlen/tweaks/Manifest.h"
 
@@ -135,7 +136,7 @@ std::string table(const std::vector<Hook>& hooks) {
 }
 
 void listHooks(const Options& options) {
-  const std::vector<Hook> hooks = openedTweak(options.tweak).manifest.hooks();
+  const std::vector<Hook> hooks = tweakForReading(options.tweak).manifest.hooks();
   if (options.json) return printData(shownJSON(hooks) + "\n");
   if (!hooks.empty()) printData(table(hooks));
 }

@@ -52,7 +52,7 @@ int writeIcon(const Options& options) {
 
 void addIconCommand(Command app) {
   Command command =
-      app.addCommand("icon", "Write an app's icon as a PNG file; set or clear the icon of a tweak");
+      app.addCommand("icon", "Write an app's icon as a PNG file; set or clear a tweak's");
   const auto options = std::make_shared<Options>();
   // Both are required unless a subcommand follows.
   const Option name = command.text("APP", options->app, kReadAppHelp).notEmpty();

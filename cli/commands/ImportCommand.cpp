@@ -61,9 +61,8 @@ int import(const std::vector<std::string>& files) {
 }  // namespace
 
 void addImportCommand(Command app) {
-  Command command = app.addCommand("import",
-                                   "Import archives of tweaks and collections and print the new "
-                                   "identifiers");
+  Command command =
+      app.addCommand("import", "Import archives and print the identifiers of the new items");
   const auto files = std::make_shared<std::vector<std::string>>();
   command.texts("FILE", *files, "The archives, as written by export").notEmpty();
   command.run([files] { return import(*files); });

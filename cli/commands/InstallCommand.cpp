@@ -8,14 +8,16 @@
 #include "cli/arguments/CollectionArgument.h"
 #include "cli/arguments/StoredItem.h"
 #include "cli/arguments/TranspilerOption.h"
-#include "cli/arguments/TweakArgument.h"
 #include "cli/commands/Commands.h"
 #include "cli/terminal/Console.h"
+#include "cli/terminal/ShownText.h"
 #include "cli/work/ActiveTweak.h"
 #include "cli/work/Transpilation.h"
 #include "cli/work/TweakCheck.h"
+#include "cli/work/TweakForReading.h"
 #include "tavlen/bundles/IPA.h"
 #include "tavlen/collections/TweakCollectionManifest.h"
+#include "tavlen/foundation/text/Unicode.h"
 #include "tavlen/store/InstallableItem.h"
 
 namespace tavlen::cli {
@@ -26,6 +28,21 @@ struct Options {
   std::string item;
   std::string transpiler;
   bool copyExecutables = false;
+  bool json = false;
+};
+
+/// The JSON output.
+struct Installed {
+  std::string id;
+  std::string kind;
+  std::string name;
+  std::string bundleID;
+
+  static constexpr auto codedFields() {
+    return std::tuple{
+        requiredField("identifier", &Installed::id), requiredField("kind", &Installed::kind),
+        requiredField("name", &Installed::name), requiredField("bundleID", &Installed::bundleID)};
+  }
 };
 
 using Tweaks = std::vector<TweakFile::Opened>;
@@ -72,6 +89,11 @@ int install(const Options& options) {
     if (!showsSyntaxError(installable.tweaks(), transpiler)) throw;
     return 1;
   }
+  if (options.json) {
+    const TweakConfiguration settings = item.configuration();
+    printJSON(Installed{wellFormedUTF8(item.item()->id()), kindOf(*item.item()), settings.name(),
+                        settings.bundleID()});
+  }
   return 0;
 }
 
@@ -83,6 +105,7 @@ void addInstallCommand(Command app) {
   const auto options = std::make_shared<Options>();
   command.text("ITEM", options->item, kItemHelp).required().notEmpty();
   command.flag("--executables", options->copyExecutables, "Also install its executables");
+  command.flag("--json", options->json, "Print a JSON object with the item and its app");
   addTranspilerOption(command, options->transpiler);
   command.run([options] { return install(*options); });
 }

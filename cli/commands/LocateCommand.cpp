@@ -1,4 +1,5 @@
 #include <charconv>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <stdexcept>
@@ -6,14 +7,13 @@
 #include <string_view>
 #include <variant>
 
-#include "cli/arguments/StoredItem.h"
 #include "cli/arguments/TranspilerOption.h"
-#include "cli/arguments/TweakArgument.h"
 #include "cli/commands/Commands.h"
 #include "cli/terminal/CaretLine.h"
 #include "cli/terminal/Console.h"
 #include "cli/terminal/ShownText.h"
 #include "cli/work/Transpilation.h"
+#include "cli/work/TweakForReading.h"
 #include "tavlen/tweaks/SourceMap.h"
 
 namespace tavlen::cli {
@@ -24,6 +24,23 @@ struct Options {
   std::string tweak;
   std::string place;
   std::string transpiler;
+  bool json = false;
+};
+
+/// The JSON output.
+struct Location {
+  std::string file;
+  std::optional<std::uint64_t> line;
+  std::optional<std::uint64_t> column;
+  std::optional<std::string> place;
+  std::optional<std::string> hook;
+
+  static constexpr auto codedFields() {
+    return std::tuple{
+        requiredField("file", &Location::file), optionalField("line", &Location::line),
+        optionalField("column", &Location::column), optionalField("place", &Location::place),
+        optionalField("hook", &Location::hook)};
+  }
 };
 
 /// A number from 1; nothing for any other text.
@@ -75,6 +92,13 @@ int locate(const Options& options) {
   const auto* hook = std::get_if<TweakSource::HookPlace>(&*origin);
   const Diagnostic found = hook != nullptr ? atHook(tweak, hook->hook)
                                            : atScript(tweak, std::get<TextPosition>(*origin));
+  if (options.json) {
+    Location location{found.file.value(), found.line, found.column, found.place, {}};
+    if (hook != nullptr)
+      location.hook = methodText(tweak.manifest.hooks().at(hook->hook).identity());
+    printJSON(location);
+    return 0;
+  }
   printData(shownLine(placeText(found)) + "\n" +
             caretLine(lineAt(source.text(), place.line), place.column));
   return 0;
@@ -83,10 +107,10 @@ int locate(const Options& options) {
 }  // namespace
 
 void addLocateCommand(Command app) {
-  Command command = app.addCommand(
-      "locate", "Print the hook or the place in the script that a place in the code came from");
+  Command command =
+      app.addCommand("locate", "Lead a place in the code back to its hook or script line");
   const auto options = std::make_shared<Options>();
-  command.text("TWEAK", options->tweak, kTweakHelp).required().notEmpty();
+  command.text("TWEAK", options->tweak, kReadTweakHelp).required().notEmpty();
   command
       .text("LINE:COLUMN", options->place,
             "The place in the code that build makes; both numbers count from 1")
@@ -94,6 +118,8 @@ void addLocateCommand(Command app) {
       .check([](const std::string& text) {
         return placeFrom(text) ? "" : text + ": expected a line and a column, such as 12:7";
       });
+  command.flag("--json", options->json,
+               "Print a JSON object: the file and the place in it, and the method of a hook");
   addTranspilerOption(command, options->transpiler);
   command.run([options] { return locate(*options); });
 }

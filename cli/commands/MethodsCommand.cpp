@@ -96,8 +96,8 @@ int listMethods(Options options) {
 }  // namespace
 
 void addMethodsCommand(Command app) {
-  Command command = app.addCommand(
-      "methods", "List the methods of a class, or search all classes of an image or an app");
+  Command command =
+      app.addCommand("methods", "List the methods of a class, or search all classes of an app");
   const auto options = std::make_shared<Options>();
   const Option one =
       command.text("CLASS", options->query.className, "The only class to list").notEmpty();

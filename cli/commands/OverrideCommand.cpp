@@ -14,6 +14,7 @@
 #include "cli/terminal/ShownText.h"
 #include "cli/terminal/TextTable.h"
 #include "cli/work/StoreLock.h"
+#include "cli/work/TweakForReading.h"
 #include "tavlen/bundles/IPA.h"
 #include "tavlen/tweaks/Manifest.h"
 
@@ -103,7 +104,7 @@ std::string table(const Boxes& boxes) {
 }
 
 int printList(const Options& options) {
-  const Boxes boxes = openedTweak(options.tweak).manifest._overrides;
+  const Boxes boxes = tweakForReading(options.tweak).manifest._overrides;
   if (options.json) {
     printData(shownJSON(boxes) + "\n");
   } else if (!boxes.empty()) {

@@ -18,6 +18,7 @@
 #include "cli/terminal/TextTable.h"
 #include "cli/work/ResourceImport.h"
 #include "cli/work/StoreLock.h"
+#include "cli/work/TweakForReading.h"
 #include "tavlen/foundation/text/EscapedText.h"
 #include "tavlen/tweaks/Hook.h"
 
@@ -70,9 +71,9 @@ Action getAction(const GetOptions& options) {
   std::optional<ParameterAddress> address;
   if (!options.target.address.empty()) address = parseParameterAddress(options.target.address);
   return [options, address] {
-    TweakFile::Opened tweak = openedTweak(options.target.tweak);
+    const OpenedTweak tweak = tweakForReading(options.target.tweak);
     printData(withPlace(options.target.place(), [&] {
-      const HookManager hook = hookArgument(std::move(tweak), options.target.hook);
+      const HookManager hook = hookArgument(tweak.opened(), options.target.hook);
       return address ? shown(managerAt(hook, *address)->parameter(), options.json)
                      : shown(hook.hook(), options.json);
     }));

@@ -64,9 +64,9 @@ void removeAll(const TweakFile& tweak, const Resources& resources, const Options
 /// The resources of those names. Throws for one that does not exist, or is in use.
 Resources chosen(const Resources& all, const Options& options) {
   Resources resources;
-  for (const std::string& name : options.names) {
-    const auto place = std::find_if(all.begin(), all.end(),
-                                    [&](const auto& each) { return each.name == name; });
+  for (const std::string& name : std::set(options.names.begin(), options.names.end())) {
+    const auto place =
+        std::find_if(all.begin(), all.end(), [&](const auto& each) { return each.name == name; });
     if (place == all.end()) throw std::runtime_error("Resources/" + name + ": no such resource");
     if (place->place && !options.isForced) {
       throw std::runtime_error("Resources/" + name + ": is used by " + usesText(*place) +
@@ -140,7 +140,8 @@ void addResourceCommand(Command app) {
   group.requireCommand();
   const auto options = std::make_shared<Options>();
 
-  Command listing = addSubcommand(group, "list", "List the resources, and what uses them", *options);
+  Command listing =
+      addSubcommand(group, "list", "List the resources, and what uses them", *options);
   listing.flag("--json", options->json,
                "Print a JSON array with name, size, uses and the place of the first use");
   listing.run([options] { return list(*options); });

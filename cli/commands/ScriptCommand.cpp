@@ -9,6 +9,7 @@
 #include "cli/terminal/EditedText.h"
 #include "cli/terminal/ShownText.h"
 #include "cli/work/StoreLock.h"
+#include "cli/work/TweakForReading.h"
 #include "tavlen/foundation/text/Unicode.h"
 
 namespace tavlen::cli {
@@ -18,7 +19,7 @@ namespace {
 std::string scriptOf(const TweakFile& tweak) { return tweak.readScript().value_or(std::string()); }
 
 int show(const std::string& name, bool json) {
-  const std::string script = scriptOf(*storedTweak(name));
+  const std::string script = scriptOf(*tweakForReading(name).file);
   printData(json ? shownJSON(script) + "\n" : script);
   return 0;
 }

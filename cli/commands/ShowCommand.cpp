@@ -13,6 +13,7 @@
 #include "cli/terminal/FieldList.h"
 #include "cli/terminal/ShownText.h"
 #include "cli/work/ActiveTweak.h"
+#include "cli/work/TweakForReading.h"
 #include "tavlen/collections/TweakCollectionManifest.h"
 #include "tavlen/foundation/text/Unicode.h"
 #include "tavlen/tweaks/Manifest.h"
@@ -46,8 +47,9 @@ struct Item {
   }
 };
 
-Item itemOf(const TweakProtocol& item, bool isInstalled, std::optional<std::string> error = {}) {
-  return {wellFormedUTF8(item.id()), kindOf(item), wellFormedUTF8(item.url().native()), isInstalled,
+Item itemOf(const TweakProtocol& item, const std::string& path, bool isInstalled,
+            std::optional<std::string> error = {}) {
+  return {wellFormedUTF8(item.id()), kindOf(item), wellFormedUTF8(path), isInstalled,
           std::move(error)};
 }
 
@@ -109,7 +111,7 @@ void showBroken(const BrokenItem& broken, bool json) {
   const TweakProtocol& item = *broken.item;
   const bool isInstalled = appWithActiveTweak(item.id()).has_value();
   if (json) {
-    const Item row = itemOf(item, isInstalled, wellFormedUTF8(broken.error));
+    const Item row = itemOf(item, item.url().native(), isInstalled, wellFormedUTF8(broken.error));
     return printData(shownJSON(row) + "\n");
   }
   FieldList fields(kTitleWidth);
@@ -119,9 +121,9 @@ void showBroken(const BrokenItem& broken, bool json) {
   printData(fields.text());
 }
 
-OpenedItem openedOrShown(const std::string& name, bool json) {
+ItemForReading openedOrShown(const std::string& name, bool json) {
   try {
-    return openedItem(name);
+    return itemForReading(name);
   } catch (const std::exception&) {
     if (const std::optional<BrokenItem> broken = brokenItem(name)) showBroken(*broken, json);
     throw;
@@ -129,7 +131,7 @@ OpenedItem openedOrShown(const std::string& name, bool json) {
 }
 
 int show(const std::string& name, bool json) {
-  const OpenedItem opened = openedOrShown(name, json);
+  const auto [opened, path, folder, source] = openedOrShown(name, json);
   const std::shared_ptr<TweakProtocol> item = opened.item();
   const TweakConfiguration configuration = opened.configuration();
   const bool isInstalled = isActiveTweak(configuration.bundleID(), item->id());
@@ -140,7 +142,7 @@ int show(const std::string& name, bool json) {
     printData(fields.text());
     return 0;
   }
-  std::string text = shownJSON(itemOf(*item, isInstalled));
+  std::string text = shownJSON(itemOf(*item, path, isInstalled));
   // Encode the document separately: it may already have the maximum nesting depth.
   text.back() = ',';
   printData(text + "\"manifest\":" + shownJSON(opened.manifest()) + "}\n");
@@ -150,8 +152,7 @@ int show(const std::string& name, bool json) {
 }  // namespace
 
 void addShowCommand(Command app) {
-  Command command = app.addCommand(
-      "show", "Print the contents of a tweak or a collection; of a broken one, what is left");
+  Command command = app.addCommand("show", "Print the contents of a tweak or a collection");
   const auto name = std::make_shared<std::string>();
   const auto json = std::make_shared<bool>(false);
   command.text("ITEM", *name, kItemHelp).required().notEmpty();

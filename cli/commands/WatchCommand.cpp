@@ -137,8 +137,8 @@ int watchUntilUnread(bool json) {
 }  // namespace
 
 void addWatchCommand(Command app) {
-  Command command = app.addCommand(
-      "watch", "Print a line for each tweak or collection that is created, changed or deleted");
+  Command command =
+      app.addCommand("watch", "Print a line for each change of a tweak or a collection");
   const auto json = std::make_shared<bool>(false);
   command.flag("--json", *json, "Print each line as a JSON object");
   command.run([json] { return watchUntilUnread(*json); });

@@ -1,8 +1,11 @@
 #include "cli/terminal/Diagnostic.h"
 
+#include <unistd.h>
+
 #include <mutex>
 #include <utility>
 
+#include "cli/terminal/Color.h"
 #include "cli/terminal/Console.h"
 #include "cli/terminal/ShownText.h"
 #include "tavlen/foundation/text/Unicode.h"
@@ -35,11 +38,16 @@ std::mutex& receiverLock() {
   return lock;
 }
 
+ColorRole roleOf(const std::string& severity) {
+  if (severity == Diagnostic::kError) return ColorRole::error;
+  return severity == Diagnostic::kWarning ? ColorRole::warning : ColorRole::note;
+}
+
 /// The message as people read it.
 std::string linesOf(const Diagnostic& diagnostic) {
   std::string text = shownLine(placeText(diagnostic)) + ": ";
   if (diagnostic.file || diagnostic.severity != Diagnostic::kNote)
-    text.append(diagnostic.severity).append(": ");
+    text += colored(diagnostic.severity, roleOf(diagnostic.severity), STDERR_FILENO) + ": ";
   return text + shownLine(diagnostic.message) + "\n" + diagnostic.excerpt;
 }
 

@@ -1,7 +1,6 @@
 #include "cli/terminal/ProgressLine.h"
 
 #include <poll.h>
-#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -12,6 +11,7 @@
 #include "cli/terminal/Console.h"
 #include "cli/terminal/Diagnostic.h"
 #include "cli/terminal/DisplayWidth.h"
+#include "cli/terminal/TerminalWidth.h"
 #include "tavlen/foundation/text/EscapedText.h"
 
 namespace tavlen::cli {
@@ -21,13 +21,6 @@ namespace {
 constexpr std::chrono::milliseconds kInterval(200);
 /// Moves the cursor to the start of the line and clears the line.
 constexpr const char* kNewLine = "\r\x1B[K";
-
-std::size_t terminalColumns() {
-  constexpr std::size_t kUsual = 80;
-  winsize size{};
-  const bool isKnown = ::ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
-  return isKnown ? size.ws_col : kUsual;
-}
 
 constexpr std::size_t kNarrowest = 12;
 
@@ -73,7 +66,7 @@ void ProgressLine::print() {
   const double fraction = std::clamp(progress_->fractionCompleted(), 0.0, 1.0);
   const std::string percent = std::to_string(static_cast<int>(fraction * 100)) + " %";
   // A wrapped line could not be cleared completely. If space is short, drop the text, not the bar.
-  const std::size_t columns = terminalColumns();
+  const std::size_t columns = terminalColumns(STDERR_FILENO);
   std::size_t taken = displayWidth(work_) + percent.size() + 4;  // with ": " and two blanks
   const bool isWide = taken + kNarrowest > columns;
   if (isWide) taken = percent.size() + 2;

@@ -1,8 +1,11 @@
 #include "cli/terminal/TextTable.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <utility>
 
+#include "cli/terminal/Color.h"
 #include "cli/terminal/DisplayWidth.h"
 #include "tavlen/foundation/text/EscapedText.h"
 #include "tavlen/foundation/text/Unicode.h"
@@ -57,7 +60,8 @@ std::string TextTable::text() const {
       if (widths[column] == 0) continue;
       if (!row[column].empty()) {
         line.append(place - used, ' ');
-        line += row[column];
+        line += &row == &rows_.front() ? colored(row[column], ColorRole::heading, STDOUT_FILENO)
+                                       : row[column];
         used = place + displayWidth(row[column]);
       }
       place += widths[column] + 2;

@@ -5,7 +5,7 @@
 
 namespace tavlen::cli {
 
-/// A table in aligned columns, for people to read.
+/// A table in aligned columns, for people to read on the standard output.
 class TextTable {
  public:
   /// Whether overlong cells of the last column are cut, as in the other columns.

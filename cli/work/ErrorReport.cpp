@@ -5,6 +5,7 @@
 
 #include "cli/terminal/Console.h"
 #include "cli/terminal/Diagnostic.h"
+#include "cli/terminal/ReportedError.h"
 #include "cli/terminal/ShownText.h"
 #include "tavlen/tweaks/TweakProcessor.h"
 
@@ -26,6 +27,7 @@ std::string indented(std::string_view stack) {
 }  // namespace
 
 void reportError(const std::exception& error) {
+  if (dynamic_cast<const ReportedError*>(&error) != nullptr) return;
   const auto* failure = dynamic_cast<const TweakProcessor::Error*>(&error);
   if (failure == nullptr || failure->which() != TweakProcessor::Error::Case::jsException) {
     return printError(errorText(error));

@@ -1,12 +1,13 @@
 #include "cli/work/TextInput.h"
 
 #include <exception>
-#include <map>
 #include <stdexcept>
 #include <utility>
 #include <variant>
 
+#include "cli/arguments/StoredItem.h"
 #include "cli/terminal/Console.h"
+#include "cli/terminal/ReportedError.h"
 #include "cli/terminal/ShownText.h"
 #include "cli/work/AttachedFiles.h"
 #include "cli/work/TextMessages.h"
@@ -25,37 +26,29 @@ namespace fs = std::filesystem;
 /// Reads one text and what it names.
 class Reader {
  public:
-  Reader(const std::string& argument, fs::path target)
-      : file_(fileOf(argument)),
-        isFolder_(file_ != argument),
-        target_(std::move(target)),
-        messages_(file_ == "-" ? "standard input" : file_) {}
+  Reader(const TextSource& source, const DiagnosticSink& report)
+      : source_(source), messages_(source.file, report) {
+    input_.file = source.file;
+    input_.folder = source.folder;
+  }
 
   std::optional<TextInput> read() {
-    const std::string bytes = readInput(file_);
+    TweakText& text = input_.text;
     try {
-      text_ = readTweakText(bytes);
+      text = readTweakText(source_.bytes);
     } catch (const TOMLError& error) {
       messages_.error(error.position(), error.text());
       return std::nullopt;
     }
-    input_.folder = file_ == "-" ? "." : fs::absolute(file_).parent_path();
-    lookUpTypes(text_, messages_);
-    if (text_.icon) readIcon(*text_.icon);
-    if (text_.script) readScript(*text_.script);
+    lookUpTypes(text, messages_);
+    if (text.icon) readIcon(*text.icon);
+    if (text.script) readScript(*text.script);
     if (messages_.hasErrors()) return std::nullopt;
     addFiles();
-    checkHooks();
-    input_.manifest = std::move(text_.manifest);
     return std::move(input_);
   }
 
  private:
-  static std::string fileOf(const std::string& argument) {
-    if (argument == "-" || !fs::is_directory(argument)) return argument;
-    return (fs::path(argument) / kTextFile).string();
-  }
-
   /// The bytes of a file that the text names.
   std::optional<std::string> contentsOf(const FileReference& reference) {
     const DeviceRoot root = DeviceRoot::shared();
@@ -89,71 +82,74 @@ class Reader {
   }
 
   void addFiles() {
-    if (!isFolder_) return;
-    input_.files = attachedFiles(input_.folder);
     const DeviceRoot root = DeviceRoot::shared();
-    for (const char* top : kAttachedFolders) {
-      if (fs::is_directory(root.status(input_.folder / top))) input_.wholeFolders.insert(top);
-    }
-  }
-
-  void checkHooks() {
-    std::map<MethodIdentity, TextPosition> places;
-    for (std::size_t i = 0; i < text_.hooks.size(); ++i) {
-      const Hook& hook = *text_.manifest._hooks[i];
-      const auto [first, isNew] = places.try_emplace(hook.identity(), text_.hooks[i].method);
-      if (!isNew) {
-        messages_.warning(text_.hooks[i].method,
-                          "hooks the same method as the hook at " + description(first->second));
+    if (source_.isFolder) {
+      input_.files = attachedFiles(input_.folder);
+      for (const char* top : kAttachedFolders) {
+        if (fs::is_directory(root.status(input_.folder / top))) input_.wholeFolders.insert(top);
       }
-      for (const HookProblem& problem : problemsOf(hook))
-        messages_.warning(text_.placeOf(i, problem.place), problem.text);
-      for (const auto& [index, box] : hook._args) {
-        const ValuePlaces& value = text_.hooks[i].args.at(index);
-        forEachParameter(box.value, [&](const Parameter& each, const ParameterPath& path) {
-          if (const auto* data = std::get_if<DataParameter>(&each))
-            addResource(data->filename, value.at(path));
-          if (const auto* image = std::get_if<ImageParameter>(&each))
-            addResource(image->filename, value.at(path));
+    }
+    for (const BoxedOptional<Hook>& hook : input_.text.manifest._hooks) {
+      for (const auto& entry : hook->_args) {
+        forEachParameter(entry.second.value, [&](const Parameter& each, const ParameterPath&) {
+          if (const auto* data = std::get_if<DataParameter>(&each)) addResource(data->filename);
+          if (const auto* image = std::get_if<ImageParameter>(&each)) addResource(image->filename);
         });
       }
     }
   }
 
-  /// Adds the file of a resource that a hook names, or warns that the tweak will not have it.
-  void addResource(const std::string& name, TextPosition position) {
+  /// Adds the file of a resource that a hook names, if it exists.
+  void addResource(const std::string& name) {
     const DeviceRoot root = DeviceRoot::shared();
-    const auto file = pathInside(root, input_.folder / TweakFile::resourcesFolder, name);
-    if (!file) {
-      return messages_.warning(position, "the resource \"" + name + "\" lies outside of Resources");
-    }
-    const std::string path =
-        (fs::path(TweakFile::resourcesFolder) / name).lexically_normal().string();
-    if (fs::is_regular_file(root.status(*file))) {
-      input_.files.insert(path);
-    } else if (!isKept(path)) {
-      messages_.warning(position, "the resource \"" + name + "\" is missing");
-    }
+    const fs::path resources = TweakFile::resourcesFolder;
+    const auto file = pathInside(root, input_.folder / resources, name);
+    if (file && fs::is_regular_file(root.status(*file)))
+      input_.files.insert((resources / name).lexically_normal().string());
   }
 
-  /// Whether the tweak has the resource already, and keeps it.
-  bool isKept(const std::string& path) const {
-    if (target_.empty() || input_.wholeFolders.contains(TweakFile::resourcesFolder)) return false;
-    return fs::is_regular_file(DeviceRoot::shared().status(target_ / path));
-  }
-
-  std::string file_;
-  bool isFolder_;
-  fs::path target_;
+  const TextSource& source_;
   TextMessages messages_;
-  TweakText text_;
   TextInput input_;
 };
 
 }  // namespace
 
-std::optional<TextInput> readTextInput(const std::string& argument, const fs::path& target) {
-  return Reader(argument, target).read();
+TextSource textSource(const std::string& argument) {
+  TextSource source;
+  source.isFolder = argument != "-" && fs::is_directory(argument);
+  const std::string file = source.isFolder ? (fs::path(argument) / kTextFile).string() : argument;
+  source.bytes = readInput(file);
+  source.file = file == "-" ? "standard input" : file;
+  source.folder = file == "-" ? "." : fs::absolute(file).parent_path();
+  return source;
+}
+
+Diagnostic TextInput::at(TextPosition position) const {
+  Diagnostic where;
+  where.file = file;
+  where.line = position.line;
+  where.column = position.column;
+  return where;
+}
+
+std::string TextInput::pathOf(const std::string& name) const {
+  return (fs::path(file).parent_path() / name).string();
+}
+
+std::string TextInput::scriptPath() const {
+  return pathOf(text.script ? text.script->path : TweakFile::scriptFile);
+}
+
+std::optional<TextInput> readTextInput(const TextSource& source, const DiagnosticSink& report) {
+  return Reader(source, report).read();
+}
+
+TextInput readTextInput(const std::string& argument) {
+  const TextSource source = textSource(argument);
+  std::optional<TextInput> input = readTextInput(source, print);
+  if (!input) throw ReportedError(source.file + ": has errors");
+  return *std::move(input);
 }
 
 }  // namespace tavlen::cli

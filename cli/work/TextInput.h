@@ -1,41 +1,63 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <set>
 #include <string>
 
+#include "cli/terminal/Diagnostic.h"
 #include "tavlen/foundation/image/Image.h"
-#include "tavlen/tweaks/Manifest.h"
+#include "tavlen/tweaktext/TweakText.h"
 
 namespace tavlen::cli {
 
-/// The name of the text in a folder.
-inline constexpr const char* kTextFile = "tweak.toml";
+/// The bytes of a text, and what it goes by.
+struct TextSource {
+  std::string bytes;
+  std::string file;              ///< the text's path as the user wrote it, for messages
+  std::filesystem::path folder;  ///< the one that the files which the text names are relative to
+  bool isFolder = false;         ///< whether the folder's attachedFiles() belong to the text
+};
+
+/// Reads the text at `argument`, or the tweak.toml in that folder; "-" is the standard input, whose
+/// folder is the current one. Throws std::system_error.
+TextSource textSource(const std::string& argument);
 
 /// A tweak as a text describes it, with the other files of the tweak.
 struct TextInput {
   /// With the types of all hooks, and without null hooks.
-  TweakFile::Manifest manifest;
+  TweakText text;
+  /// The text's path as the user wrote it.
+  std::string file;
   /// The tweak's own icon.
   std::optional<Image> icon;
   /// The tweak's script, in UTF-8.
   std::optional<std::string> script;
   /// The folder that contains the text.
   std::filesystem::path folder;
-  /// The attachedFiles() to copy from the folder.
+  /// The attachedFiles() that belong to the tweak, in the text's folder: all of a folder, and of a
+  /// single text only the resources that it names and that exist.
   std::set<std::string> files;
   /// The folders, of kAttachedFolders, of which the tweak is to have no other files.
   std::set<std::string> wholeFolders;
+
+  /// A message about a place in the text, without the message.
+  Diagnostic at(TextPosition position) const;
+  /// The path of a file next to the text, as the user wrote the text's.
+  std::string pathOf(const std::string& name) const;
+  /// The script's path in this form.
+  std::string scriptPath() const;
 };
 
-/// Reads a text, or the tweak.toml in a folder; "-" is the standard input, whose folder is the
-/// current one. A folder brings all files of its Resources and Executables, a text only the
-/// resources that it names; the tweak in the folder `target`, unless that is empty, keeps its other
-/// files. Types that the text leaves out are looked up by lookUpTypes(). Prints errors and warnings
-/// with their places in the text; returns nothing after an error. Throws std::system_error for
-/// files that the text does not name.
-std::optional<TextInput> readTextInput(const std::string& argument,
-                                       const std::filesystem::path& target);
+/// Where the messages about a text go.
+using DiagnosticSink = std::function<void(const Diagnostic&)>;
+
+/// Reads a text. Types that it leaves out are looked up by lookUpTypes(). Passes errors, with their
+/// places in the text, to `report`, and then returns nothing. Throws std::system_error for files
+/// that the text does not name.
+std::optional<TextInput> readTextInput(const TextSource& source, const DiagnosticSink& report);
+/// The same, of textSource(), with printed errors. Throws ReportedError after an error.
+TextInput readTextInput(const std::string& argument);
 
 }  // namespace tavlen::cli

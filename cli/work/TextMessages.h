@@ -1,30 +1,30 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <utility>
 
+#include "cli/terminal/Diagnostic.h"
 #include "tavlen/foundation/text/TextPosition.h"
 
 namespace tavlen::cli {
 
-/// Prints messages about places in a text, one a line, in the format of compilers:
-/// "tweak.toml:12:9: error: unknown key".
+/// Reports messages about places in a text, which are printed one a line, in the format of
+/// compilers: "tweak.toml:12:9: error: unknown key".
 class TextMessages {
  public:
-  /// `file` is the text's path as the user wrote it.
-  explicit TextMessages(std::string file) : file_(std::move(file)) {}
+  /// `file` is the text's path as the user wrote it. Messages are passed to `report`.
+  TextMessages(std::string file, std::function<void(const Diagnostic&)> report)
+      : file_(std::move(file)), report_(std::move(report)) {}
 
-  /// Prints an error and remembers that there is one.
+  /// Reports an error and remembers that there is one.
   void error(TextPosition position, const std::string& text);
-  /// Prints a warning.
-  void warning(TextPosition position, const std::string& text);
-  /// Whether an error was printed.
+  /// Whether an error was reported.
   bool hasErrors() const { return hasErrors_; }
 
  private:
-  void print(TextPosition position, const char* kind, const std::string& text) const;
-
   std::string file_;
+  std::function<void(const Diagnostic&)> report_;
   bool hasErrors_ = false;
 };
 

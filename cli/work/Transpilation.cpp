@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "cli/terminal/CaretLine.h"
+#include "cli/work/TextInput.h"
 #include "tavlen/foundation/text/Characters.h"
 
 namespace tavlen::cli {
@@ -65,7 +66,7 @@ std::optional<SyntaxError> syntaxErrorOf(const TweakProcessor::Error& error) {
 /// A message about the document as a whole, without the message.
 Diagnostic atManifest(const OpenedTweak& tweak) {
   Diagnostic where;
-  where.file = tweak.pathOf("Manifest.json");
+  where.file = tweak.text ? tweak.text->file : tweak.pathOf("Manifest.json");
   return where;
 }
 
@@ -140,6 +141,7 @@ Diagnostic atHook(const OpenedTweak& tweak, std::size_t hook) {
   for (std::size_t i = 0; i < tweak.manifest._hooks.size(); ++i) {
     const auto& entry = tweak.manifest._hooks[i];
     if (!entry || present++ != hook) continue;
+    if (tweak.text) return tweak.text->at(tweak.text->text.hooks.at(i).method);
     where.place = "hooks[" + std::to_string(i) + "] " + methodText(entry->identity());
     break;
   }
@@ -148,7 +150,7 @@ Diagnostic atHook(const OpenedTweak& tweak, std::size_t hook) {
 
 Diagnostic atScript(const OpenedTweak& tweak, TextPosition place) {
   Diagnostic where;
-  where.file = tweak.pathOf(TweakFile::scriptFile);
+  where.file = tweak.text ? tweak.text->scriptPath() : tweak.pathOf(TweakFile::scriptFile);
   where.line = place.line;
   where.column = place.column;
   return where;

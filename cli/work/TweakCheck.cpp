@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "cli/work/AttachedFiles.h"
+#include "cli/work/TextInput.h"
 #include "cli/work/TweakResources.h"
 #include "tavlen/bundles/AppList.h"
 #include "tavlen/device/DeviceFiles.h"
@@ -16,7 +17,18 @@ namespace {
 
 namespace fs = std::filesystem;
 
+Diagnostic diagnosticOf(const TextInput& input, const TweakProblem& problem) {
+  const auto position = input.text.placeOf(problem);
+  Diagnostic diagnostic = position ? input.at(*position) : Diagnostic();
+  if (!position) diagnostic.file = input.pathOf(problem.file);
+  diagnostic.severity = Diagnostic::kWarning;
+  diagnostic.message = problem.text;
+  diagnostic.code = std::string(problem.code);
+  return diagnostic;
+}
+
 Diagnostic diagnosticOf(const OpenedTweak& tweak, const TweakProblem& problem) {
+  if (tweak.text) return diagnosticOf(*tweak.text, problem);
   Diagnostic diagnostic = {.severity = Diagnostic::kWarning,
                            .message = problem.text,
                            .file = tweak.pathOf("Manifest.json"),
@@ -29,23 +41,38 @@ Diagnostic diagnosticOf(const OpenedTweak& tweak, const TweakProblem& problem) {
   return diagnostic;
 }
 
-void addIgnoredKeys(std::vector<Diagnostic>& warnings, const OpenedTweak& tweak) {
+void printIgnoredKeys(const OpenedTweak& tweak) {
   const std::string file = tweak.pathOf("Manifest.json");
   for (const IgnoredKey& key : tweak.ignoredKeys.keys) {
-    warnings.push_back({.severity = Diagnostic::kWarning,
-                        .message = key.text,
-                        .file = file,
-                        .line = key.position.line,
-                        .column = key.position.column,
-                        .place = key.path,
-                        .code = std::string(key.code)});
+    print({.severity = Diagnostic::kWarning,
+           .message = key.text,
+           .file = file,
+           .line = key.position.line,
+           .column = key.position.column,
+           .place = key.path,
+           .code = std::string(key.code)});
   }
   if (tweak.ignoredKeys.others == 0) return;
-  warnings.push_back(
-      {.severity = Diagnostic::kWarning,
-       .message = std::to_string(tweak.ignoredKeys.others) + " more keys are unknown or repeated",
-       .file = file,
-       .code = "unknown-key"});
+  print({.severity = Diagnostic::kWarning,
+         .message = std::to_string(tweak.ignoredKeys.others) +
+                    (tweak.ignoredKeys.others == 1 ? " more key is" : " more keys are") +
+                    " unknown or repeated",
+         .file = file,
+         .code = "unknown-key"});
+}
+
+/// The file of the resource `name` relative to the tweak's folder.
+std::string resourceFile(const std::string& name) {
+  return (fs::path(TweakFile::resourcesFolder) / name).lexically_normal().string();
+}
+
+/// Adds the resources among `files`, paths in the tweak's folder.
+void addResources(TweakSurroundings& surroundings, const std::set<std::string>& files) {
+  for (const fs::path file : files) {
+    if (*file.begin() == TweakFile::resourcesFolder && !isHiddenFile(file))
+      surroundings.resources.push_back(
+          file.lexically_relative(TweakFile::resourcesFolder).string());
+  }
 }
 
 }  // namespace
@@ -58,10 +85,7 @@ TweakSurroundings surroundingsOf(fs::path folder) {
     surroundings.strayEntries.push_back(entry);
   });
   std::sort(surroundings.strayEntries.begin(), surroundings.strayEntries.end());
-  for (const std::string& file : files) {
-    if (!isHiddenFile(file))
-      surroundings.resources.push_back(fs::path(file).lexically_relative(top).string());
-  }
+  addResources(surroundings, files);
   surroundings.stateOf = [resources = folder / top](const std::string& name) {
     const DeviceRoot root = DeviceRoot::shared();
     const auto file = pathInside(root, resources, name);
@@ -70,6 +94,30 @@ TweakSurroundings surroundingsOf(fs::path folder) {
                                                    : TweakSurroundings::ResourceState::missing;
   };
   return surroundings;
+}
+
+std::vector<Diagnostic> warningsFor(const TextInput& input, const fs::path& target) {
+  using State = TweakSurroundings::ResourceState;
+  const DeviceRoot root = DeviceRoot::shared();
+  TweakSurroundings surroundings;
+  surroundings.apps = AppList::shared().identifiers();
+  addResources(surroundings, input.files);
+  if (input.script) surroundings.script = *input.script;
+  surroundings.stateOf = [&](const std::string& name) {
+    if (!pathInside(root, input.folder / TweakFile::resourcesFolder, name)) return State::outside;
+    const std::string file = resourceFile(name);
+    const bool isKept = !target.empty() &&
+                        !input.wholeFolders.contains(TweakFile::resourcesFolder) &&
+                        fs::is_regular_file(root.status(target / file));
+    return isKept || input.files.contains(file) ? State::present : State::missing;
+  };
+  surroundings.nameOfHook = [&](std::size_t hook) {
+    return "the hook at " + description(input.text.hooks.at(hook).method);
+  };
+  std::vector<Diagnostic> warnings;
+  for (const TweakProblem& problem : problemsOf(input.text.manifest, surroundings))
+    warnings.push_back(diagnosticOf(input, problem));
+  return warnings;
 }
 
 std::vector<Diagnostic> warningsFrom(const std::vector<TweakProblem>& problems,
@@ -81,6 +129,10 @@ std::vector<Diagnostic> warningsFrom(const std::vector<TweakProblem>& problems,
 }
 
 void printWarnings(const OpenedTweak& tweak) {
+  if (tweak.text) {
+    for (const Diagnostic& warning : warningsFor(*tweak.text, {})) print(warning);
+    return;
+  }
   printIgnoredKeys(tweak);
   TweakSurroundings surroundings = surroundingsOf(tweak.file->url());
   surroundings.script = tweak.script;

@@ -32,9 +32,7 @@ std::optional<fs::path> fileOf(const TweakFile& tweak, const std::string& name) 
 
 }  // namespace
 
-bool isHiddenFile(const std::string& path) {
-  return fs::path(path).filename().string().starts_with('.');
-}
+bool isHiddenFile(const fs::path& path) { return path.filename().string().starts_with('.'); }
 
 std::vector<TweakResource> resourcesOf(const TweakFile::Opened& tweak) {
   const fs::path top = TweakFile::resourcesFolder;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <optional>
 #include <set>
 #include <string>
@@ -20,16 +21,15 @@ struct TweakResource {
   std::optional<std::string> place;  ///< as ResourceUse::first
 
   static constexpr auto codedFields() {
-    return std::tuple{requiredField("name", &TweakResource::name),
-                      requiredField("size", &TweakResource::size),
-                      requiredField("uses", &TweakResource::uses),
-                      optionalField("place", &TweakResource::place)};
+    return std::tuple{
+        requiredField("name", &TweakResource::name), requiredField("size", &TweakResource::size),
+        requiredField("uses", &TweakResource::uses), optionalField("place", &TweakResource::place)};
   }
 };
 
 /// Whether the file at `path` is hidden. Hidden files, such as those that keep a folder under
 /// version control, are not meant for the app, and are no unused resources.
-bool isHiddenFile(const std::string& path);
+bool isHiddenFile(const std::filesystem::path& path);
 
 /// The tweak's resources, sorted by name. Reads the script. Throws std::system_error.
 std::vector<TweakResource> resourcesOf(const TweakFile::Opened& tweak);

@@ -191,6 +191,25 @@ void visitDocuments(const Visit& visit) {
   visitDocuments(visit, [](const std::string& /*id*/) {});
 }
 
+/// The identifier of the stored item with the identifier `text`, in this case or, if there is none,
+/// in another.
+std::optional<std::string> storedID(std::string_view text) {
+  if (!isPlainComponent(text) || kindOfID(text) == nullptr) return std::nullopt;
+  const fs::path folder = TweaksDirectory::url();
+  try {
+    if (isTaken(DeviceRoot::shared().followParent(folder / text))) return std::string(text);
+    const DeviceFolder store(DeviceRoot::shared(), folder);
+    FolderReader names(store.opened(), folder);
+    const std::string wanted = lowercased(text);
+    while (const std::optional<std::string> name = names.next()) {
+      if (lowercased(*name) == wanted) return name;
+    }
+  } catch (const std::system_error&) {
+    // There is no such name, or no store.
+  }
+  return std::nullopt;
+}
+
 /// A visitor that appends the items to `items`.
 auto listInto(std::vector<ListedItem>& items) {
   return [&items](const Kind& kind, fs::path url, std::string_view document) {
@@ -246,14 +265,39 @@ std::vector<ListedItem> TweakManager::listedTweaks(std::vector<BrokenItem>& brok
   return items;
 }
 
-std::vector<OpenedItem> TweakManager::openNamed(std::string_view name) {
-  std::vector<OpenedItem> items;
-  visitDocuments([&](const Kind& kind, const fs::path& url, std::string_view document) {
-    if (kind.listed(url, document).configuration.name() == name) {
-      items.push_back(kind.opened(url, document));
+FoundItems TweakManager::find(std::string_view text) {
+  FoundItems found;
+  if (const std::optional<std::string> id = storedID(text)) {
+    try {
+      found.items.push_back(openWithID(*id));
+    } catch (const std::exception&) {
+      found.broken.push_back(*id);
     }
-  });
-  return items;
+    return found;
+  }
+  const std::string prefix = text.size() < kShortestPrefix ? std::string() : lowercased(text);
+  const auto hasPrefix = [&](const std::string& id) {
+    return !prefix.empty() && lowercased(id).starts_with(prefix);
+  };
+  std::vector<OpenedItem> named;
+  visitDocuments(
+      [&](const Kind& kind, const fs::path& url, std::string_view document) {
+        const std::string id = url.filename().string();
+        const std::string name = kind.listed(url, document).configuration.name();
+        const bool isNamed = name == text;
+        if (isNamed || hasPrefix(id)) {
+          (isNamed ? named : found.items).push_back(kind.opened(url, document));
+        }
+        found.names.push_back(name);
+        found.identifiers.push_back(id);
+      },
+      [&](const std::string& id) {
+        if (hasPrefix(id)) found.broken.push_back(id);
+        found.identifiers.push_back(id);
+      });
+  if (!named.empty()) return {std::move(named), {}, {}, {}};
+  if (found.items.empty() && found.broken.empty()) return found;
+  return {std::move(found.items), std::move(found.broken), {}, {}};
 }
 
 std::optional<BrokenItem> TweakManager::brokenWithID(std::string_view id) {
@@ -300,6 +344,19 @@ std::shared_ptr<TweakProtocol> TweakManager::decompressAt(const std::filesystem:
   // Ignore entries next to it that other programs add, such as "__MACOSX".
   ZIPArchive::unzipItem(url, unpacked, progress, {}, kPayloadFolder);
   return kind->handlePayloadAt(unpacked / kPayloadFolder);
+}
+
+TweakFile::Opened TweakManager::openTweakArchive(const std::filesystem::path& url,
+                                                 const std::filesystem::path& folder,
+                                                 Progress* progress) {
+  const Kind* const kind = kindOfArchive(url);
+  if (kind == nullptr || kind->compressedExtension != TweakFile::compressedExtension)
+    throw Error::unknownTweakType();
+  fs::path unpacked = folder;
+  unpacked += ".unpacked";
+  ZIPArchive::unzipItem(url, unpacked, progress, {}, kPayloadFolder);
+  moveItem(unpacked / kPayloadFolder, folder);
+  return TweakFile::open(folder);
 }
 
 std::filesystem::path TweakManager::export_(const TweakProtocol& tweak, Progress* progress) {

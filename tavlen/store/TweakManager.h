@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -11,6 +12,7 @@
 #include "tavlen/items/ListedItem.h"
 #include "tavlen/items/TweakProtocol.h"
 #include "tavlen/store/BrokenItem.h"
+#include "tavlen/store/FoundItems.h"
 #include "tavlen/store/OpenedItem.h"
 
 namespace tavlen {
@@ -36,8 +38,13 @@ class TweakManager {
   static std::vector<ListedItem> listedTweaks(std::vector<BrokenItem>& broken);
   /// The broken item with that identifier; nothing if there is no such item, or it can be opened.
   static std::optional<BrokenItem> brokenWithID(std::string_view id);
-  /// The items of allTweaks() with that name, and their manifests. Reads every document once.
-  static std::vector<OpenedItem> openNamed(std::string_view name);
+  /// The items that `text` names. The first of these that exist count: the item with that
+  /// identifier; that identifier in another case; the items with that name; those whose identifier
+  /// begins with `text`, in any case, if it has at least kShortestPrefix characters. A broken item
+  /// has no name. Reads each document at most once. Threads: any.
+  static FoundItems find(std::string_view text);
+  /// The fewest characters that stand for an identifier that begins with them.
+  static constexpr std::size_t kShortestPrefix = 4;
 
   /// The item with that identifier in the tweaks directory. Throws Error::unknownTweakType if no
   /// kind accepts the identifier or if it is not a plain path component, and what the kind's at()
@@ -58,6 +65,13 @@ class TweakManager {
   /// ZIPError, std::system_error, and what the kind's handlePayloadAt() throws.
   static std::shared_ptr<TweakProtocol> decompressAt(const std::filesystem::path& url,
                                                      Progress* progress = nullptr);
+
+  /// Unpacks the archive of a tweak into the new folder `folder`, and opens the tweak there. Stores
+  /// and posts nothing. Throws Error::unknownTweakType for other archives, and as decompressAt()
+  /// and TweakFile::open() do.
+  static TweakFile::Opened openTweakArchive(const std::filesystem::path& url,
+                                            const std::filesystem::path& folder,
+                                            Progress* progress = nullptr);
 
   /// Writes an archive named after the item into a new temporary folder next to the tweaks
   /// directory, and returns the archive's path. The caller removes the archive and its folder.

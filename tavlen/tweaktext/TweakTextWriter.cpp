@@ -133,6 +133,17 @@ class Writer {
 
 }  // namespace
 
+std::string valueText(const Hook& hook, std::int64_t index) {
+  const auto types = HookTypes::from(hook.signature);
+  return lineFromTOML(
+      nodeFromParameter(hook._args.at(index).value, types ? types->at(index) : ArgumentType()));
+}
+
+std::string valueText(const OverrideContainer& override_) {
+  const auto node = nodeFromOverride(override_);
+  return node ? lineFromTOML(*node) : "";
+}
+
 std::string writeTweakText(const TweakFile::Manifest& manifest, const TweakTextFiles& files) {
   using DottedKeys = TOMLWriter::DottedKeys;
   std::string out;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -20,5 +21,12 @@ struct TweakTextFiles {
 /// Errors: EncodingError for text that is not UTF-8, and for a manifest whose text would be longer
 /// than limits::kDocumentBytes. Threads: any.
 std::string writeTweakText(const TweakFile::Manifest& manifest, const TweakTextFiles& files);
+
+/// A hook's value at `index`, an argument or Hook::kReturnValue, on one line as in a text. Errors:
+/// EncodingError, as writeTweakText().
+std::string valueText(const Hook& hook, std::int64_t index);
+
+/// The value of an override on one line as in a text; empty if it has none. Errors: as valueText().
+std::string valueText(const OverrideContainer& override_);
 
 }  // namespace tavlen

@@ -19,7 +19,7 @@ class ClassCommandTest : public CommandTest {
   ClassCommandTest() {
     fs::create_symlink(paths().standInsLibrary, folder() / "image.so");
     fs::create_symlink(paths().initialisersImage, folder() / "fault.so");
-    writeTweak("T", "");
+    writeTweak("./T", "");
   }
   /// The variables of a command whose image fault.so has a fault. The sanitizers must leave SIGBUS
   /// to the system, and one has a status of its own for an exit while an image is being loaded.
@@ -42,7 +42,7 @@ class ClassCommandTest : public CommandTest {
     return variables;
   }
   static constexpr const char* kImage = "Applications/Notes.app/Frameworks/Probe.dylib";
-  std::string manifest() const { return contents("T/Manifest.json"); }
+  std::string manifest() const { return contents("./T/Manifest.json"); }
 };
 
 TEST_F(ClassCommandTest, ListsTheClassesOfAnImage) {
@@ -77,7 +77,7 @@ TEST_F(ClassCommandTest, ListsTheMethodsOfAClass) {
 
 TEST_F(ClassCommandTest, AHookTakesItsTypesFromTheImage) {
   const Result added =
-      run("hook add T --method '-[LSApplicationProxy objectForInfoDictionaryKey:ofClass:]' --in "
+      run("hook add ./T --method '-[LSApplicationProxy objectForInfoDictionaryKey:ofClass:]' --in "
           "image.so --name Key");
   EXPECT_EQ(added.status, 0);
   EXPECT_EQ(added.out + added.err, "");
@@ -89,7 +89,7 @@ TEST_F(ClassCommandTest, AHookTakesItsTypesFromTheImage) {
   const std::string before = manifest();
   const std::string workspace = "LSApplicationWorkspace";
   expectRefused(
-      "hook add T",
+      "hook add ./T",
       {{"--method '-[" + workspace + " defaultWorkspace]' --in image.so", 1,
         "image.so: " + workspace + " has no method -[" + workspace + " defaultWorkspace]"},
        {"--method '-[Nobody x]' --in image.so", 1, "image.so: defines no class Nobody"},
@@ -97,7 +97,7 @@ TEST_F(ClassCommandTest, AHookTakesItsTypesFromTheImage) {
        {"--method '[Nobody x]' --in image.so", 2, "--method"},
        {"--method '-[Nobody x]'", 2, ""},
        {"A b --signature v16@0:8 --in image.so", 2, "--in"},
-       {"A b --method '-[A b]' --in image.so", 2, "CLASS excludes --method"},
+       {"A b --method '-[A b]' --in image.so", 2, "CLASS and --method cannot be given together"},
        {"A b --signature v16@0:8 --parser remote", 2, ""},
        {"A b --signature v16@0:8 --timeout 1", 2, ""},
        {"A b", 2, "--signature"},
@@ -145,7 +145,7 @@ TEST_F(ClassCommandTest, AnImageThatEndsItsProcessOrAnswersForItEndsOnlyTheDump)
   const std::string ended = ": the image ended the process that loaded it ";
   setEnvironment(fault("exit"));
   expectRefused("", {{"classes fault.so", 1, "fault.so" + ended + "(exit status 0)\n"},
-                     {"hook add T --method '+[SampleLoaded load]' --in fault.so", 1,
+                     {"hook add ./T --method '+[SampleLoaded load]' --in fault.so", 1,
                       "fault.so" + ended + "(exit status 0)\n"}});
   EXPECT_EQ(manifest(), before);
   setEnvironment(fault("answer"));

@@ -19,19 +19,19 @@ std::string dictionaryOf(const std::string& key, const std::string& value) {
   return R"({"type":"Dictionary","items":[{"key":)" + key + R"(,"value":)" + value + "}]}";
 }
 
-/// The tweak T with the hook -[A a:b:]: argument 0 is an array of 1 and 2, argument 1 a dictionary
-/// whose one value is an array of 3.
+/// The tweak ./T with the hook -[A a:b:]: argument 0 is an array of 1 and 2, argument 1 a
+/// dictionary whose one value is an array of 3.
 class ParamCommandTest : public CommandTest {
  protected:
   ParamCommandTest() { store(); }
 
   void store() const {
-    writeTweak("T", hookJSON("a:b:", "v32@0:8@16@24", R"("0":)" + kFirst + R"(,"1":)" + kSecond));
+    writeTweak("./T", hookJSON("a:b:", "v32@0:8@16@24", R"("0":)" + kFirst + R"(,"1":)" + kSecond));
   }
-  std::string manifest() const { return contents("T/Manifest.json"); }
+  std::string manifest() const { return contents("./T/Manifest.json"); }
   Result param(const std::string& what, const std::string& line,
                const std::vector<std::string>& more = {}) const {
-    return run("param " + what + " T '-[A a:b:]' " + line, more);
+    return run("param " + what + " ./T '-[A a:b:]' " + line, more);
   }
   std::string stored(const std::string& address) const {
     return param("get", address + " --json").out;
@@ -90,20 +90,20 @@ TEST_F(ParamCommandTest, EveryKindIsWrittenAsItIsShown) {
 
 TEST_F(ParamCommandTest, MalformedArgumentsAreWrongUsage) {
   std::vector<Refusal> refusals = {
-      {"insert T X 0 nil", 2, "ADDRESS: 0: expected the address of an item or a pair"},
-      {"remove T X 0.0.key", 2, "ADDRESS: "},
-      {"remove T X 0.end", 2, "ADDRESS: "},
-      {"move T X 0.0 x", 2, "TO: x: expected an index"},
-      {"insert T X 1.end nil --key int:x", 2, "--key: int:x: expected a whole number"},
-      {"set T X 0", 2, "VALUE is required"}};
+      {"insert ./T X 0 nil", 2, "ADDRESS: 0: expected the address of an item or a pair"},
+      {"remove ./T X 0.0.key", 2, "ADDRESS: "},
+      {"remove ./T X 0.end", 2, "ADDRESS: "},
+      {"move ./T X 0.0 x", 2, "TO: x: expected an index"},
+      {"insert ./T X 1.end nil --key int:x", 2, "--key: int:x: expected a whole number"},
+      {"set ./T X 0", 2, "VALUE is missing"}};
   for (const std::string address : {"x", "0.", ".0", "0..1", "0.key", "0.1.key.value", "0.1.keys",
                                     "0x1", "+1", "9223372036854775808", "0.0 ", "-1.-"}) {
-    refusals.push_back(
-        {"set T X '" + address + "' nil", 2, "ADDRESS: " + address + ": expected an address such"});
+    refusals.push_back({"set ./T X '" + address + "' nil", 2,
+                        "ADDRESS: " + address + ": expected an address such"});
   }
   std::string deep = "0";
   for (int i = 0; i < 600; ++i) deep += ".0";
-  refusals.push_back({"get T X " + deep, 2, "ADDRESS: 0.0"});
+  refusals.push_back({"get ./T X " + deep, 2, "ADDRESS: 0.0"});
   const std::pair<std::string, std::vector<std::string>> values[] = {
       {"a value that begins with", {"nil:", "text", "int"}},
       {"true or false", {"bool:yes"}},
@@ -120,10 +120,10 @@ TEST_F(ParamCommandTest, MalformedArgumentsAreWrongUsage) {
   for (const auto& [expected, wrong] : values) {
     for (const std::string& value : wrong) {
       refusals.push_back(
-          {"set T X -1 '" + value + "'", 2, "VALUE: " + value + ": expected " + expected});
+          {"set ./T X -1 '" + value + "'", 2, "VALUE: " + value + ": expected " + expected});
     }
   }
-  refusals.push_back({"set T X -1 string:\xFF", 2, "VALUE: string:\uFFFD: expected UTF-8"});
+  refusals.push_back({"set ./T X -1 string:\xFF", 2, "VALUE: string:\uFFFD: expected UTF-8"});
   expectRefused("param", refusals);
 }
 
@@ -161,26 +161,26 @@ TEST_F(ParamCommandTest, ItemsAreInsertedRemovedAndMoved) {
 
 TEST_F(ParamCommandTest, SaysWhatIsWrongWhereAndChangesNothing) {
   const std::string before = manifest();
-  const std::string start = "T: -[A a:b:]: ";
+  const std::string start = "./T: -[A a:b:]: ";
   expectRefused(
       "param",
-      {{"get T '-[A a:b:]' -1", 1, start + "-1: Parameter not found at index -1 in tweak /"},
-       {"insert T '-[A a:b:]' 0.3 nil", 1, start + "0.3: Index out of bounds: 3\n"},
-       {"insert T '-[A a:b:]' 0.-1 nil", 1, start + "0.-1: Index out of bounds: -1\n"},
-       {"insert T '-[A a:b:]' 1.end nil", 1,
+      {{"get ./T '-[A a:b:]' -1", 1, start + "-1: Parameter not found at index -1 in tweak /"},
+       {"insert ./T '-[A a:b:]' 0.3 nil", 1, start + "0.3: Index out of bounds: 3\n"},
+       {"insert ./T '-[A a:b:]' 0.-1 nil", 1, start + "0.-1: Index out of bounds: -1\n"},
+       {"insert ./T '-[A a:b:]' 1.end nil", 1,
         start + "1.end: --key is required when adding to a dictionary\n"},
-       {"insert T '-[A a:b:]' 0.end nil --key nil", 1,
+       {"insert ./T '-[A a:b:]' 0.end nil --key nil", 1,
         start + "0.end: --key is for dictionaries only\n"},
-       {"remove T '-[A a:b:]' 0.2", 1, start + "0.2: Index out of bounds: 2\n"},
-       {"remove T '-[A a:b:]' 7", 1, start + "7: Parameter not found at index 7 in tweak /"},
-       {"move T '-[A a:b:]' 0.0 2", 1, start + "0.0: Index out of bounds: 2\n"}});
+       {"remove ./T '-[A a:b:]' 0.2", 1, start + "0.2: Index out of bounds: 2\n"},
+       {"remove ./T '-[A a:b:]' 7", 1, start + "7: Parameter not found at index 7 in tweak /"},
+       {"move ./T '-[A a:b:]' 0.0 2", 1, start + "0.0: Index out of bounds: 2\n"}});
   EXPECT_EQ(manifest(), before);
 }
 
 TEST_F(ParamCommandTest, FilesBecomeResources) {
   write("in/a.bin", "one");
   EXPECT_EQ(param("set", "0.0 data:in/a.bin").err, "");
-  EXPECT_EQ(contents("T/Resources/a.bin"), "one");
+  EXPECT_EQ(contents("./T/Resources/a.bin"), "one");
   EXPECT_EQ(stored("0.0"), "{\"type\":\"Data\",\"filename\":\"a.bin\"}\n");
   EXPECT_EQ(param("set", "-1 image:in/a.bin").err,
             "tavlen: warning: in/a.bin: is not a PNG or JPEG image\n")
@@ -194,21 +194,21 @@ TEST_F(ParamCommandTest, FilesBecomeResources) {
   write("in/b.bin", "b");
   const std::string before = manifest();
   EXPECT_EQ(param("set", "-1 data:in/a.bin").err,
-            "tavlen: error: T: -[A a:b:]: -1: Resources/a.bin already exists and differs; "
+            "tavlen: error: ./T: -[A a:b:]: -1: Resources/a.bin already exists and differs; "
             "use --replace to overwrite it\n");
   EXPECT_EQ(param("set", "0.9 data:in/b.bin").status, 1);
   EXPECT_EQ(param("insert", "0.9 data:in/b.bin").status, 1);
   EXPECT_THAT(param("set", "0.0 data:in/none").err, HasSubstr("in/none"));
   EXPECT_EQ(param("set", "0.0 data:in").status, 1) << "a folder";
   EXPECT_EQ(manifest(), before);
-  EXPECT_EQ(contents("T/Resources/a.bin"), "one");
-  EXPECT_FALSE(fs::exists(folder() / "T/Resources/b.bin"));
+  EXPECT_EQ(contents("./T/Resources/a.bin"), "one");
+  EXPECT_FALSE(fs::exists(folder() / "./T/Resources/b.bin"));
   EXPECT_EQ(param("set", "-1 data:in/a.bin --replace").err, "");
-  EXPECT_EQ(contents("T/Resources/a.bin"), "two");
+  EXPECT_EQ(contents("./T/Resources/a.bin"), "two");
 
   // A link in the resources is not followed to the outside.
   write("outside", "kept");
-  fs::create_symlink("../../outside", folder() / "T/Resources/b.bin");
+  fs::create_symlink("../../outside", folder() / "./T/Resources/b.bin");
   EXPECT_EQ(param("set", "-1 data:in/b.bin --replace").status, 1);
   EXPECT_EQ(contents("outside"), "kept");
 }

@@ -2,10 +2,12 @@
 
 #include <memory>
 
+#include "tavlen/foundation/text/Characters.h"
 #include "tests/cli/RunningCommand.h"
 
 namespace tavlen {
 namespace {
+using testing::ContainsRegex;
 using testing::EndsWith;
 using testing::HasSubstr;
 using testing::StartsWith;
@@ -25,11 +27,12 @@ TEST_F(CommandStoreTest, NewMakesATweakOrSaysWhatIsWrong) {
                         {"A --app x --glyph apple/solid", 2,
                          "--glyph: unknown glyph \"apple/solid\"; did you mean apple/brands?\n"},
                         {"A --app x --glyph /", 2, "--glyph: unknown glyph \"/\"\n"},
-                        {"A --app x --color blue", 2, "--color: blue not in {lightGreen,"},
+                        {"A --app x --color blue", 2,
+                         "--color: unknown value \"blue\"; known are lightGreen,"},
                         {"\xFF --app x", 2, "NAME: it is not UTF-8\n"},
                         {"'' --app x", 2, "NAME: it is empty\n"},
                         {"A --app ./gone.app", 1, "./gone.app: No such file or directory\n"},
-                        {"A", 2, "--app is required\n"}});
+                        {"A", 2, "--app is missing\n"}});
   EXPECT_EQ(std::distance(fs::directory_iterator(folder() / stored("")), {}), 2)
       << "what is refused makes nothing";
 }
@@ -65,7 +68,8 @@ TEST_F(CommandStoreTest, ItemsGoByIdentifierNameOrPath) {
   write(stored(id) + "/script.objs", "one();");
   writeTweak("here", "");
   for (const std::string& name :
-       {id, std::string("My tweak"), "./" + stored(id), stored(id) + "/"}) {
+       {id, lowercased(id), id.substr(0, 8), lowercased(id.substr(0, 4)), std::string("My tweak"),
+        "./" + stored(id), stored(id) + "/", stored(id) + "/Manifest.json"}) {
     EXPECT_EQ(run("build", {name}).out, "one();") << name;
     EXPECT_THAT(run("show", {name}).out, HasSubstr("Identifier: " + id + "\n")) << name;
   }
@@ -74,17 +78,35 @@ TEST_F(CommandStoreTest, ItemsGoByIdentifierNameOrPath) {
       run("show Both").out,
       EndsWith("Tweaks:     " + id + "  My tweak\n            ../../x  (cannot be opened)\n"));
   EXPECT_THAT(run("show C.collection --json").out, HasSubstr(R"("kind":"collection","path":")"));
-  newTweak("My");
-  newTweak("My");
+  const std::string installed = newTweak("My");
+  EXPECT_EQ(run("install", {installed}).status, 0);
+  fs::copy(folder() / stored(installed), folder() / stored("ABCD-1"));
+  fs::copy(folder() / stored(installed), folder() / stored("ABCD-2"));
+  write(stored("BROKEN/Manifest.json"), "{}");
+  expectRefused(
+      "install",
+      {{"brok", 1, (folder() / stored("BROKEN/Manifest.json")).string() + ": missing key"},
+       {"a.tvx", 1, "a.tvx: is an archive, not a stored item; import makes one of it\n"},
+       {"-", 1, "-: is a text, not a stored item; apply makes one of it\n"}});
   for (const char* command : {"show", "install", "delete", "uninstall"}) {
     expectRefused(
         command,
-        {{"'my tweak'", 1, "my tweak: no stored tweak or collection has that identifier or name\n"},
-         {"My", 1, "My: several items have that name; name one by its identifier: "},
+        {{"'my tweak'", 1,
+          "my tweak: no stored tweak or collection has that identifier or name; did you mean \"My "
+          "tweak\"?\n"},
+         {"ABCE", 1,
+          "ABCE: no stored tweak or collection has that identifier or name; did you mean "
+          "\"ABCD\"?\n"},
+         {"My", 1, "My: several items have that name; name one by its identifier\nIDENTIFIER "},
+         {"abcd", 1, "abcd: several identifiers begin like that; write more of one\nIDENTIFIER  "},
          {"./BAD", 1, "./BAD: Not found\n"},
-         {"tree", 1, "tree: Missing Manifest.json\n"},
-         {"here/Manifest.json", 1, "here/Manifest.json: Unknown tweak type\n"}});
+         {"./tree", 1, "./tree: Missing Manifest.json\n"}});
   }
+  EXPECT_THAT(run("show My").err, ContainsRegex(installed + "  My    com.example.notes  20..-..-.. "
+                                                            "..:..  yes\n"));
+  EXPECT_THAT(run("show --json My").err, HasSubstr("by its identifier: "));
+  newTweak("ABCD");
+  EXPECT_EQ(run("show ABCD").err, "") << "a name goes before the beginning of an identifier";
   EXPECT_EQ(run("build Both").err, kError + "Both: is a collection, not a tweak\n");
 }
 
@@ -121,8 +143,8 @@ TEST_F(CommandStoreTest, DeleteTakesAwayWhatTheStoreHolds) {
   const std::string id = newTweak("A");
   writeCollection("C", "C", "\"" + id + "\"");
   writeTweak("mine", "");
-  EXPECT_EQ(run("delete mine").err, kError + "mine: is not in " + (folder() / "tree").string() +
-                                        std::string(kTweaksDir) + "\n");
+  EXPECT_EQ(run("delete ./mine").err, kError + "./mine: is not in " + (folder() / "tree").string() +
+                                          std::string(kTweaksDir) + "\n");
   EXPECT_EQ(run("delete C").status, 0);
   EXPECT_EQ(run("install A").status, 0);
   newTweak("B");
@@ -167,19 +189,19 @@ TEST_F(CollectionCommandTest, MembersAreAddedAndRemoved) {
     std::string line;
     std::string error;
     std::string members;
-  } steps[] = {
-      {"add C B " + a, "", "BA"},
-      {"add C [WIP]", "", "BA["},
-      {"remove C [WIP]", "", "BA"},
-      {"add C A", "A: is already in the collection", "BA"},
-      {"add C O", "O: Bundle ID mismatch (expected 'com.example.notes' but found 'com.other')",
-       "BA"},
-      {"remove C B O", "O: is not in the collection", "BA"},
-      {"add C C", "C: is a collection, not a tweak", "BA"},
-      {"add " + b + " A", b + ": is a tweak, not a collection", "BA"},
-      {"add C loose", "loose: is not in " + (folder() / stored("")).parent_path().string(), "BA"},
-      {"remove C B", "", "A"},
-      {"add '" + file + "' B", "", "AB"}};
+  } steps[] = {{"add C B " + a, "", "BA"},
+               {"add C [WIP]", "", "BA["},
+               {"remove C [WIP]", "", "BA"},
+               {"add C A", "A: is already in the collection", "BA"},
+               {"add C O",
+                "O: Bundle ID mismatch (expected 'com.example.notes' but found 'com.other')", "BA"},
+               {"remove C B O", "O: is not in the collection", "BA"},
+               {"add C C", "C: is a collection, not a tweak", "BA"},
+               {"add " + b + " A", b + ": is a tweak, not a collection", "BA"},
+               {"add C ./loose",
+                "./loose: is not in " + (folder() / stored("")).parent_path().string(), "BA"},
+               {"remove C B", "", "A"},
+               {"add '" + file + "' B", "", "AB"}};
   for (const auto& [line, error, left] : steps) {
     const Result result = run("collection " + line);
     EXPECT_EQ(result.err, error.empty() ? "" : "tavlen: error: " + error + "\n");

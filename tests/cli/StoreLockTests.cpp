@@ -72,7 +72,7 @@ TEST_F(StoreLockTest, EveryEditWaitsAndNothingElseDoes) {
   const std::string others[] = {
       "list",    "show T",      "hook list T",       "script show T",
       "check T", "install T",   "collection list C", "export T -o O.tvx",
-      "apps",    "uninstall T", "override list T",   "icon clear outside"};
+      "apps",    "uninstall T", "override list T",   "icon clear ./outside"};
   const FileDescriptor store = locked(stored(""));
   for (const std::string& line : edits) {
     const Result result = run("--lock-timeout 0 " + line);

@@ -6,6 +6,8 @@
 namespace tavlen {
 namespace {
 
+using testing::AllOf;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::StartsWith;
 
@@ -53,7 +55,7 @@ TEST_F(TextCommandTest, ApplyChangesAllOrNothingAndSaysWhat) {
   write("T/Resources/old", "");
   const std::string id = apply("T");
   const std::string to = " --to " + id;
-  EXPECT_EQ(run("apply T" + to).err, "tavlen: the tweak is unchanged\n");
+  EXPECT_THAT(run("apply T" + to).err, EndsWith("tavlen: the tweak is unchanged\n"));
   fs::remove(folder() / "T/Resources/old");
   write("T/Resources/new", "");
   writeText(
@@ -61,18 +63,22 @@ TEST_F(TextCommandTest, ApplyChangesAllOrNothingAndSaysWhat) {
       "types = \"Q16@0:8\"\nreturn = 1\n",
       "color = \"darkRed\"\n");
   const std::string changes =
-      "changed color: \"lightGreen\" -> \"darkRed\"\nremoved override Version\nadded hook -[A b]\n"
-      "changed hook -[A a]: types, return\nremoved the script\nremoved Resources/old\n"
-      "added Resources/new\n";
+      "changed color: \"lightGreen\" -> \"darkRed\"\nremoved override Version: \"1\"\n"
+      "added hook -[A b]\n    types: \"q16@0:8\"\n"
+      "changed hook -[A a]\n    types: \"q16@0:8\" -> \"Q16@0:8\"\n    return: none -> 1\n"
+      "removed script\nremoved file Resources/old\nadded file Resources/new\n";
   const auto stamp = [&] { return shell("ls -lR --full-time tree").out; };
   const std::string before = stamp();
   EXPECT_EQ(run("apply T --dry-run" + to).out, changes);
   EXPECT_THAT(run("apply T --dry-run").out, StartsWith("added tweak T for com.example.notes\n"));
   EXPECT_EQ(stamp(), before) << "a dry run stores nothing";
   EXPECT_EQ(run("apply T" + to).out, changes);
-  EXPECT_EQ(run("apply T" + to).err, "tavlen: the tweak is unchanged\n");
+  EXPECT_THAT(run("apply T" + to).err, EndsWith("tavlen: the tweak is unchanged\n"));
   EXPECT_EQ(shell("cd '" + stored(id) + "' && find . -type f | sort && ls -A ..").out,
             "./Manifest.json\n./Resources/new\n" + id + "\n");
+  EXPECT_THAT(run("apply ./T --dry-run --json").out,
+              AllOf(StartsWith(R"({"kind":"tweak","name":"T","changes":[{"change":"added",)"),
+                    HasSubstr(R"("subject":"file","name":"Resources/new"})")));
   fs::remove(folder() / "T/Resources/new");
   EXPECT_EQ(run("apply T/tweak.toml" + to).err, "tavlen: the tweak is unchanged\n")
       << "a single text keeps what it does not name";
@@ -109,6 +115,52 @@ TEST_F(TextCommandTest, ApplyFindsTypesInTheAppAndNamesPlaces) {
   EXPECT_THAT(warned.err, HasSubstr("T/tweak.toml:7:10: warning: a text for a Boolean\n"));
   EXPECT_THAT(warned.err, HasSubstr("T/tweak.toml:8:11: warning: the resource \"../x\" lies out"));
   EXPECT_THAT(warned.err, HasSubstr("T/tweak.toml:8:33: warning: the resource \"x\" is missing\n"));
+}
+
+TEST_F(TextCommandTest, ATweakIsReadInAnyForm) {
+  writeText("[[hook]]\nmethod = \"-[A a]\"\ntypes = \"@16@0:8\"\nreturn = { \"$image\" = \"i\" }\n",
+            "script = \"s\"\n");
+  write("T/s", "one();\n");
+  write("T/Resources/i", "");
+  const std::string id = apply("T");
+  EXPECT_EQ(run("export ./T/tweak.toml -o T.tvx --json").out,
+            "{\"path\":\"T.tvx\",\"kind\":\"tweak\",\"name\":\"T\"}\n");
+  const fs::path here = folder() / "T/tweak.toml";
+  fs::copy(here, folder() / "copy.toml");
+  write("s", "one();\n");
+  write("Resources/i", "");
+  setInput("T/tweak.toml");
+  for (const char* command : {"source", "build", "hook list", "script show", "override list",
+                              "locate 2:3", "param get '-[A a]'", "show", "check"}) {
+    const std::string line = command;
+    const std::size_t rest = std::min(line.find_first_of("2'"), line.size());
+    const auto out = [&](const std::string& tweak) {
+      const Result result = run(line.substr(0, rest) + " " + tweak + " " + line.substr(rest));
+      EXPECT_EQ(result.status, 0) << line << " " << tweak;
+      EXPECT_EQ(result.err, "") << line << " " << tweak;
+      return line == "show" || line == "check" ? "" : result.out;
+    };
+    const std::string expected = out(id);
+    for (const char* tweak : {"T.tvx", "./T", "T/tweak.toml", "copy.toml", "-"}) {
+      const std::string found = out(tweak);
+      const bool namesFiles = line == "locate 2:3";
+      EXPECT_TRUE(namesFiles || found == expected) << line << " " << tweak << ":\n" << found;
+    }
+  }
+  EXPECT_EQ(shell("ls -A | grep Temporary").out, "") << "nothing is left";
+  EXPECT_THAT(run("locate ./T 2:3").out, StartsWith("./T/tweak.toml:6:10\n"));
+  EXPECT_EQ(run("locate ./T 5:1 --json").out, "{\"file\":\"./T/s\",\"line\":1,\"column\":1}\n");
+  write("T/s", "foo bar");
+  fs::remove(folder() / "T/Resources/i");
+  const Result broken = run("check ./T");
+  EXPECT_THAT(broken.err, StartsWith("./T/tweak.toml:8:24: warning: the resource \"i\" is missing\n"
+                                     "./T/s:1:5: error: expected ';' or an operator\n"));
+  write("T/Manifest.json", "{}");
+  EXPECT_THAT(run("source ./T").err, HasSubstr("./T/Manifest.json: missing key"));
+  const char* editing[] = {"hook add T/tweak.toml A c --signature v16@0:8", "delete T/tweak.toml"};
+  for (const char* line : editing)
+    EXPECT_THAT(run(line).err,
+                HasSubstr("T/tweak.toml: is a text, not a stored item; apply makes"));
 }
 
 TEST_F(TextCommandTest, DumpReplacesOnlyTextsOfTweaks) {

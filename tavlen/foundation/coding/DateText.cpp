@@ -1,13 +1,13 @@
 #include "tavlen/foundation/coding/DateText.h"
 
 #include <algorithm>
-#include <array>
-#include <charconv>
 #include <cmath>
 #include <string>
 
 #include "tavlen/foundation/coding/DateTime.h"
 #include "tavlen/foundation/text/Characters.h"
+#include "tavlen/foundation/text/NearestDouble.h"
+#include "tavlen/foundation/text/NumberText.h"
 
 namespace tavlen {
 
@@ -31,13 +31,9 @@ std::optional<int> takeTwoDigits(std::string_view& text, int most) {
 std::optional<double> takeFraction(std::string_view& text) {
   if (!text.starts_with('.')) return 0;
   const std::size_t end = std::min(text.find_first_not_of("0123456789", 1), text.size());
-  const std::string number = "0" + std::string(text.substr(0, end));
+  const auto fraction = nearestDouble(text.substr(0, end));
   text.remove_prefix(end);
-  double value = 0;
-  const auto result = std::from_chars(number.data(), number.data() + number.size(), value).ec;
-  // A fraction that underflows a double counts as 0.
-  const bool isRead = result == std::errc() || result == std::errc::result_out_of_range;
-  return end > 1 && isRead ? std::optional(value) : std::nullopt;
+  return fraction ? std::optional(fraction->value) : std::nullopt;
 }
 
 /// Takes an offset: the seconds by which local time is ahead of universal time.
@@ -70,12 +66,7 @@ std::optional<std::string> textFromDate(Date date) {
   const double fraction = date.secondsSinceReferenceDate - whole;
   // A fraction of a second before the reference date may have more digits than the sum.
   if (whole + fraction != date.secondsSinceReferenceDate) return std::nullopt;
-  if (fraction != 0) {
-    std::array<char, 1200> digits{};  // the smallest double has 1,074 digits after the point
-    const auto end =
-        std::to_chars(digits.begin(), digits.end(), fraction, std::chars_format::fixed).ptr;
-    text->append(digits.begin() + 1, end);  // without the zero before the point
-  }
+  if (fraction != 0) appendFraction(*text, fraction);
   return *text + "Z";
 }
 

@@ -1,5 +1,7 @@
 #include "tavlen/foundation/text/NumberText.h"
 
+#include <dragonbox/dragonbox.h>
+
 #include <array>
 #include <bit>
 #include <charconv>
@@ -23,9 +25,14 @@ struct ShortestDigits {
   std::string_view view() const { return {digits.data(), count}; }
 };
 
+std::size_t writeDigits(std::array<char, 17>& digits, std::uint64_t number) {
+  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
+  return static_cast<std::size_t>(end - digits.data());
+}
+
 /// Finds the digits of a number that has at most fifteen of them, up to six after the point: the
 /// numbers that people write. Two decimals of up to fifteen digits never round to the same double,
-/// so one that divides back to the value is its shortest text. This costs a fraction of the general
+/// so one that divides back to the value is its shortest text. This costs half of the general
 /// algorithm.
 bool findFewDigits(double magnitude, ShortestDigits& result) {
   static constexpr std::array<double, 7> kPowers = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6};
@@ -33,11 +40,7 @@ bool findFewDigits(double magnitude, ShortestDigits& result) {
   for (std::size_t places = 0; places < kPowers.size(); ++places) {
     const double scaled = std::round(magnitude * kPowers[places]);
     if (scaled / kPowers[places] != magnitude) continue;
-    const auto end =
-        std::to_chars(result.digits.data(), result.digits.data() + result.digits.size(),
-                      static_cast<std::uint64_t>(scaled))
-            .ptr;
-    result.count = static_cast<std::size_t>(end - result.digits.data());
+    result.count = writeDigits(result.digits, static_cast<std::uint64_t>(scaled));
     result.exponent = static_cast<int>(result.count) - 1 - static_cast<int>(places);
     while (result.count > 1 && result.digits[result.count - 1] == '0') --result.count;
     return true;
@@ -45,32 +48,29 @@ bool findFewDigits(double magnitude, ShortestDigits& result) {
   return false;
 }
 
+/// `magnitude` must be positive.
 ShortestDigits shortestDigits(double magnitude) {
   ShortestDigits result{};
   if (findFewDigits(magnitude, result)) return result;
-  // Use the digits of the scientific form: the plain form of large integers adds digits that the
-  // shortest text does not have.
-  std::array<char, 32> text;
-  const auto end = std::to_chars(text.data(), text.data() + text.size(), magnitude,
-                                 std::chars_format::scientific)
-                       .ptr;
-  const char* position = text.data();
-  for (; *position != 'e'; ++position) {
-    if (*position != '.') result.digits[result.count++] = *position;
-  }
-  ++position;
-  if (*position == '+') ++position;  // from_chars rejects it
-  std::from_chars(position, end, result.exponent);
+  // Older C++ libraries of devices have no std::to_chars() for real numbers.
+  const auto decimal = jkj::dragonbox::to_decimal(magnitude, jkj::dragonbox::policy::sign::ignore);
+  result.count = writeDigits(result.digits, decimal.significand);
+  result.exponent = decimal.exponent + static_cast<int>(result.count) - 1;
   return result;
+}
+
+/// Appends the part after the zero of a number below 1.
+void appendBelowOne(std::string& out, const ShortestDigits& number) {
+  out += '.';
+  out.append(static_cast<std::size_t>(-number.exponent - 1), '0');
+  out += number.view();
 }
 
 void appendDecimal(std::string& out, const ShortestDigits& number) {
   const std::string_view digits = number.view();
   if (number.exponent < 0) {
-    out += "0.";
-    out.append(static_cast<std::size_t>(-number.exponent - 1), '0');
-    out += digits;
-    return;
+    out += '0';
+    return appendBelowOne(out, number);
   }
   const auto whole = static_cast<std::size_t>(number.exponent) + 1;
   if (digits.size() <= whole) {
@@ -132,5 +132,7 @@ void appendNumber(std::string& out, double value) {
   appendDescription(out, value);
   if (out.ends_with(".0")) out.resize(out.size() - 2);
 }
+
+void appendFraction(std::string& out, double value) { appendBelowOne(out, shortestDigits(value)); }
 
 }  // namespace tavlen

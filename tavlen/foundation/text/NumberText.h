@@ -13,4 +13,8 @@ void appendDescription(std::string& out, double value);
 /// must be finite.
 void appendNumber(std::string& out, double value);
 
+/// Appends the decimal point of `value` and its shortest digits, never with an exponent: ".25".
+/// `value` must be greater than 0 and less than 1.
+void appendFraction(std::string& out, double value);
+
 }  // namespace tavlen

@@ -33,6 +33,8 @@ bool hasLines(const std::string& text) { return text.find('\n') != std::string::
 struct LineWriter {
   std::string& out;
   std::size_t limit;
+  /// Whether texts may have line breaks, which are then escaped.
+  bool takesLines = false;
 
   /// Returns whether the value fits. If not, a part of it is written.
   bool write(const TOMLNode& node) {
@@ -45,7 +47,7 @@ struct LineWriter {
   bool hasRoom(const std::string& text) const { return out.size() + text.size() <= limit; }
 
   bool append(const std::string& text) {
-    if (!hasRoom(text) || hasLines(text)) return false;
+    if (!hasRoom(text) || (!takesLines && hasLines(text))) return false;
     appendTOMLString(out, text);
     return true;
   }
@@ -168,6 +170,12 @@ bool fits(const std::string& key, const TOMLNode& value) {
 }  // namespace
 
 bool hasTOMLForm(Date date) { return dateText(date).has_value(); }
+
+std::string lineFromTOML(const TOMLNode& value) {
+  std::string line;
+  LineWriter{line, std::string::npos, true}.write(value);
+  return line;
+}
 
 void TOMLWriter::header(std::string_view opening, std::string_view name, std::string_view closing) {
   if (!out_.empty()) out_ += '\n';

@@ -12,6 +12,10 @@ namespace tavlen {
 /// nine digits of a second, but not the negative zero.
 bool hasTOMLForm(Date date);
 
+/// A value on one line, as it is written after a key; line breaks in texts are escaped. Errors:
+/// EncodingError, as TOMLWriter.
+std::string lineFromTOML(const TOMLNode& value);
+
 /// Writes TOML for people: one member on a line; an array that does not fit on a line has a line
 /// for each item, and a table that does not fit is written with dotted keys. readTOML() returns the
 /// same values, to the bit, except that all NaN are alike. The text depends on the values only.

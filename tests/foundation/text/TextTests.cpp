@@ -1,14 +1,18 @@
 #include <unicode/uloc.h>
 
+#include <array>
 #include <bit>
 #include <charconv>
 #include <cmath>
+#include <cstdlib>
 #include <limits>
+#include <optional>
 #include <random>
 
 #include "tavlen/foundation/json/JSONDecoder.h"
 #include "tavlen/foundation/text/Base64.h"
 #include "tavlen/foundation/text/Log.h"
+#include "tavlen/foundation/text/NearestDouble.h"
 #include "tavlen/foundation/text/NumberText.h"
 #include "tavlen/foundation/text/StyledText.h"
 #include "tavlen/foundation/text/TextComparison.h"
@@ -125,7 +129,17 @@ TEST(NumberText, WhatIsNoNumberHasADescription) {
   }
 }
 
-TEST(NumberText, EveryNumberReadsBack) {
+/// The significant digits of a number's text.
+std::string significantDigits(std::string_view text) {
+  std::string digits;
+  for (const char c : text.substr(0, text.find('e'))) {
+    if (c >= '0' && c <= '9' && (c != '0' || !digits.empty())) digits += c;
+  }
+  while (digits.ends_with('0')) digits.pop_back();
+  return digits;
+}
+
+TEST(NumberText, EveryNumberReadsBackFromItsShortestText) {
   std::mt19937_64 random(20'231);
   for (int round = 0; round < 200'000; ++round) {
     const std::uint64_t bits = random();
@@ -136,6 +150,68 @@ TEST(NumberText, EveryNumberReadsBack) {
     const std::string text = textOf(value, appendNumber);
     ASSERT_EQ(std::bit_cast<std::uint64_t>(valueOf(text)), std::bit_cast<std::uint64_t>(value))
         << text;
+    std::array<char, 32> peer;
+    const char* const end =
+        std::to_chars(peer.begin(), peer.end(), value, std::chars_format::scientific).ptr;
+    ASSERT_EQ(significantDigits(text), significantDigits({peer.data(), end}));
+  }
+}
+
+TEST(NumberText, FractionsHaveNoExponent) {
+  for (const auto& [value, text] : {std::pair{0.25, ".25"s},
+                                    {0x1p-23, ".00000011920928955078125"s},
+                                    {0x1.fffffffffffffp-1, ".9999999999999999"s},
+                                    {5e-324, "." + std::string(323, '0') + "5"}}) {
+    EXPECT_EQ(textOf(value, appendFraction), text);
+  }
+}
+
+/// What this system's library, which others lack, makes of a number's text.
+std::optional<NearestDouble> peerOfNearestDouble(const std::string& text, RealForm form) {
+  double value = 0;
+  const auto format =
+      form == RealForm::plain ? std::chars_format::fixed : std::chars_format::general;
+  const char* const end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data(), end, value, format);
+  if (stop != end || error == std::errc::invalid_argument) return std::nullopt;
+  if (error == std::errc()) return NearestDouble{value, true};
+  return NearestDouble{std::strtod(text.c_str(), nullptr), false};
+}
+
+void expectNearestDouble(const std::string& text) {
+  for (const RealForm form : {RealForm::general, RealForm::plain}) {
+    const auto number = nearestDouble(text, form);
+    const auto peer = peerOfNearestDouble(text, form);
+    ASSERT_EQ(number.has_value(), peer.has_value()) << text;
+    if (!number) continue;
+    EXPECT_EQ(std::bit_cast<std::uint64_t>(number->value),
+              std::bit_cast<std::uint64_t>(peer->value))
+        << text;
+    EXPECT_EQ(number->isInRange, peer->isInRange) << text;
+  }
+}
+
+TEST(NearestDouble, IsThatOfTheStandardLibrary) {
+  const std::string zeros(400, '0');
+  for (const std::string& text :
+       {""s, "-"s, "."s, "-."s, " 1"s, "\v1"s, "1 "s, "1\0"s, "+1"s, "--1"s, "5."s, "-.5"s, "1e+"s,
+        "1,5"s, "0x10"s, "0X1p3"s, "INF"s, "-Infinity"s, "infinit"s, "nan"s, "-NaN(a_1)"s, "nan("s,
+        "nan( )"s, "-0"s, "0.0e999"s, "-0e-999"s, "1e400"s, "-1e400"s, "-1e-400"s,
+        "1e99999999999999999999"s, "1e-99999999999999999999"s, "1" + zeros, "1" + zeros + "e-400",
+        "0." + zeros + "1e401", "0." + zeros,
+        // Both sides of half of the smallest double, of the largest, and of two neighbours.
+        "2.4703282292062327e-324"s, "2.4703282292062328e-324"s, "1.7976931348623158e308"s,
+        "1.7976931348623159e308"s, "9007199254740993"s, "9007199254740993." + zeros + "1"}) {
+    expectNearestDouble(text);
+  }
+  std::mt19937_64 random(1'031);
+  for (int round = 0; round < 50'000; ++round) {
+    constexpr std::string_view kCharacters = "0123456789012345678900000999....eE--+ infat(x";
+    std::string text(random() % 30, '0');
+    // Half of them are mostly numbers, which other characters rarely make.
+    for (char& c : text) c = kCharacters[random() % (round % 2 == 0 ? 29 : kCharacters.size())];
+    if (round % 2 == 0) text += "e" + std::to_string(static_cast<int>(random() % 800) - 400);
+    expectNearestDouble(text);
   }
 }
 

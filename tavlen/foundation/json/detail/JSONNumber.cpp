@@ -8,6 +8,7 @@
 
 #include "tavlen/foundation/coding/CodingError.h"
 #include "tavlen/foundation/text/Characters.h"
+#include "tavlen/foundation/text/NearestDouble.h"
 
 namespace tavlen {
 
@@ -76,25 +77,6 @@ long exponentOf(const NumberParts& parts) {
   return negative ? -value : value;
 }
 
-enum class Rounded { exact, overflow, underflow };
-
-/// The nearest double. `outcome` reports an overflow to infinity, and an underflow to zero of a
-/// number that is not zero.
-double nearestDouble(std::string_view token, const NumberParts& parts, Rounded& outcome) {
-  double value = 0;
-  const auto result = std::from_chars(token.data(), token.data() + token.size(), value);
-  outcome = Rounded::exact;
-  if (result.ec == std::errc{}) return value;
-  // from_chars reports the same error for overflow and underflow; the first significant digit tells
-  // them apart.
-  const std::size_t zeros = parts.fraction.find_first_not_of('0');
-  const long first = parts.whole != "0"                ? static_cast<long>(parts.whole.size())
-                     : zeros == std::string_view::npos ? 0
-                                                       : -static_cast<long>(zeros);
-  outcome = first + exponentOf(parts) > 0 ? Rounded::overflow : Rounded::underflow;
-  return outcome == Rounded::overflow ? std::numeric_limits<double>::infinity() : 0;
-}
-
 /// The integer part of the magnitude. Only for magnitudes below 2^65, which have at most twenty
 /// digits.
 std::optional<std::uint64_t> truncatedMagnitude(const NumberParts& parts) {
@@ -117,11 +99,9 @@ std::optional<std::uint64_t> truncatedMagnitude(const NumberParts& parts) {
 template <class Integer>
 Integer integerFromRealText(std::string_view token, std::string_view type) {
   const auto parts = split(token);
-  if (!parts) failMalformed(token);
-  Rounded outcome{};
-  double value = nearestDouble(token, *parts, outcome);
-  if (outcome == Rounded::overflow) failRange(token, type);
-  if (parts->negative) value = -std::fabs(value);
+  const auto number = nearestDouble(token);
+  if (!parts || !number) failMalformed(token);
+  const double value = number->value;
   // Both limits as doubles. The upper one is a power of two, just above every value of the type.
   const double upper = std::ldexp(1.0, std::numeric_limits<Integer>::digits);
   const auto lower = static_cast<double>(std::numeric_limits<Integer>::min());
@@ -160,12 +140,10 @@ std::uint64_t uint64FromJSONNumber(std::string_view token) {
 }
 
 double doubleFromJSONNumber(std::string_view token) {
-  const auto parts = split(token);
-  if (!parts) failMalformed(token);
-  Rounded outcome{};
-  const double value = nearestDouble(token, *parts, outcome);
-  if (outcome != Rounded::exact) failRange(token, "a 64-bit float");
-  return value;
+  const auto number = nearestDouble(token);
+  if (!split(token) || !number) failMalformed(token);
+  if (!number->isInRange) failRange(token, "a 64-bit float");
+  return number->value;
 }
 
 }  // namespace tavlen

@@ -1,0 +1,150 @@
+#include "cli/arguments/detail/ParserErrors.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cstddef>
+#include <optional>
+#include <string_view>
+
+#include "cli/arguments/detail/ParserRecords.h"
+#include "tavlen/foundation/text/Suggestion.h"
+
+namespace tavlen::cli {
+
+namespace {
+
+using Problem = std::optional<std::string>;
+
+bool isGiven(const CLI::Option* option) { return option->count() > 0; }
+
+std::string isOrAre(const std::vector<std::string>& titles) {
+  return titles.size() == 1 ? " is missing" : " are missing";
+}
+
+/// Required arguments that are missing.
+Problem missingArguments(const CLI::App& app) {
+  std::vector<std::string> missing;
+  for (const CLI::Option* option : optionsOf(app)) {
+    if (option->get_required() && !isGiven(option)) missing.push_back(titleOf(*option));
+  }
+  if (missing.empty()) return std::nullopt;
+  return listText(missing, "and") + isOrAre(missing);
+}
+
+/// A group of which too few or too many options are given.
+Problem brokenRule(const CLI::App& app) {
+  for (const CLI::App* group : groupsOf(app)) {
+    std::vector<std::string> all;
+    std::vector<std::string> given;
+    for (const CLI::Option* option : optionsOf(*group)) {
+      all.push_back(titleOf(*option));
+      if (isGiven(option)) given.push_back(all.back());
+    }
+    const std::size_t most = group->get_require_option_max();
+    if (given.size() < group->get_require_option_min()) return listText(all, "or") + " is missing";
+    if (most > 0 && given.size() > most)
+      return listText(given, "and") + " cannot be given together";
+  }
+  return std::nullopt;
+}
+
+Problem missingCommand(const CLI::App& app, const ParserState& state) {
+  if (app.get_require_subcommand_min() == 0 || !app.get_subcommands().empty()) return std::nullopt;
+  const CommandRecord record = recordOf(app, state);
+  std::vector<std::string> names;
+  for (const CommandRecord& command : record.commands) names.push_back(command.name);
+  const bool isShort = names.size() < 10;
+  return "a command is missing" + (isShort ? ": " + listText(names, "or") : std::string());
+}
+
+/// An option without one that it needs, or with one that it excludes.
+Problem brokenPair(const CLI::App& app) {
+  for (const CLI::Option* option : optionsOf(app)) {
+    if (!isGiven(option)) continue;
+    for (const CLI::Option* other : optionsOf(app)) {
+      auto* const key = const_cast<CLI::Option*>(other);  // the parser's sets have such keys
+      if (option->get_needs().count(key) > 0 && !isGiven(other))
+        return titleOf(*option) + " needs " + titleOf(*other);
+      if (option->get_excludes().count(key) > 0 && isGiven(other))
+        return titleOf(*option) + " and " + titleOf(*other) + " cannot be given together";
+    }
+  }
+  return std::nullopt;
+}
+
+/// The option of the chosen commands that `word` names.
+const CLI::Option* optionNamed(const std::string& word, const CLI::App& app) {
+  for (const CLI::App* command : chosenPath(app)) {
+    for (const CLI::Option* option : optionsOf(*command)) {
+      if (option->nonpositional() && option->check_name(word)) return option;
+    }
+  }
+  return nullptr;
+}
+
+/// An option that is given too often, with a value too many, or without one.
+Problem wrongValue(const CLI::App& app, const std::vector<std::string>& words) {
+  for (const std::string& word : words) {
+    if (word == "--") break;
+    const std::string name = word.substr(0, word.find('='));
+    const CLI::Option* const option = optionNamed(name, app);
+    if (option != nullptr && name != word && option->get_items_expected_max() == 0)
+      return name + " takes no value";
+  }
+  for (const CLI::App* command : chosenPath(app)) {
+    for (const CLI::Option* option : optionsOf(*command)) {
+      const std::size_t most = static_cast<std::size_t>(option->get_items_expected_max());
+      if (most > 0 && option->count() > most) return titleOf(*option) + " is given more than once";
+    }
+  }
+  if (words.empty()) return std::nullopt;
+  const CLI::Option* const last = optionNamed(words.back(), app);
+  if (last == nullptr) return std::nullopt;
+  return words.back() + " needs a value: " + last->get_type_name();
+}
+
+}  // namespace
+
+std::string unexpectedText(const std::string& word, const CLI::App& app, const ParserState& state) {
+  const std::vector<const CLI::App*> path = chosenPath(app);
+  const CommandRecord command = recordOf(*path.back(), state);
+  if (!word.starts_with('-') || word.starts_with("-[")) {
+    return command.needsCommand ? unknownCommandText(word, command)
+                                : "unexpected argument \"" + word + "\"";
+  }
+  const std::string name = word.substr(0, word.find('='));
+  std::vector<std::string> names;
+  for (auto each = path.rbegin(); each != path.rend(); ++each) {
+    for (const CLI::Option* option : optionsOf(**each)) {
+      if (option->nonpositional()) names.push_back(titleOf(*option));
+    }
+  }
+  const std::vector<std::string_view> known(names.begin(), names.end());
+  const auto closest = closestName(name, known);
+  return "unknown option \"" + name + "\"" +
+         (closest ? suggestionText(name, known) : std::string());
+}
+
+std::string usageProblem(const CLI::App& app, const ParserState& state,
+                         const std::vector<std::string>& words, const CLI::ParseError& error) {
+  // The parser reports a missing argument first; but if a word is unknown, that is the likely
+  // cause.
+  const bool isMissing = dynamic_cast<const CLI::RequiredError*>(&error) != nullptr;
+  if (isMissing || dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr) {
+    for (const std::string& word : app.remaining(true)) {
+      if (word != "--") return unexpectedText(unmarked(word), app, state);
+    }
+  }
+  if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr) {
+    if (Problem problem = wrongValue(app, words)) return *problem;
+  }
+  for (const CLI::App* command : chosenPath(app)) {
+    if (Problem problem = missingArguments(*command)) return *problem;
+    if (Problem problem = brokenPair(*command)) return *problem;
+    if (Problem problem = brokenRule(*command)) return *problem;
+    if (Problem problem = missingCommand(*command, state)) return *problem;
+  }
+  return error.what();
+}
+
+}  // namespace tavlen::cli

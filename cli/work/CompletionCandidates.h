@@ -1,0 +1,15 @@
+#pragma once
+
+#include <set>
+#include <string>
+
+#include "cli/help/CompletedWord.h"
+
+namespace tavlen::cli {
+
+/// The names of items, apps, hooks, classes and methods that `word` may become, as far as they can
+/// be found without loading an image or ending an app. Sets the device root that the line gives.
+/// Throws what reading them throws. No other thread may run.
+std::set<std::string> completionCandidates(const CompletedWord& word);
+
+}  // namespace tavlen::cli

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "cli/arguments/TweakArgument.h"
+#include "tavlen/store/OpenedItem.h"
+
+/// Items for commands that change nothing, and therefore take more than openedItem() does: a text
+/// and the archive of a tweak, too (see formOf()). Such a tweak is unpacked or written into a
+/// temporary folder.
+namespace tavlen::cli {
+
+/// The help text of an argument for a tweak that is only read.
+inline constexpr const char* kReadTweakHelp =
+    "The tweak: its identifier or the beginning of that, its name, or the path of its folder, "
+    "document, text (tweak.toml) or archive; - for a text on the standard input";
+
+/// Opens a tweak, but not its script. Prints errors of a text with their places. Throws as
+/// openedTweak() does, and ReportedError for such errors.
+OpenedTweak tweakForReading(const std::string& argument);
+
+/// As tweakForReading(), and reads the script. Throws std::runtime_error whose message begins with
+/// the invalid file.
+OpenedTweak openTweak(const std::string& argument);
+
+/// An item in any form.
+struct ItemForReading {
+  OpenedItem item;
+  std::string path;  ///< as the user wrote it, or that of the stored item
+  std::shared_ptr<const void> temporaryFolder;  ///< see OpenedTweak
+  std::shared_ptr<const TextInput> text = {};   ///< see OpenedTweak
+};
+
+/// As tweakForReading(), also for collections in the form of openedItem().
+ItemForReading itemForReading(const std::string& argument);
+
+}  // namespace tavlen::cli

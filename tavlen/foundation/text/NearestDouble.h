@@ -1,0 +1,27 @@
+#pragma once
+
+#include <optional>
+#include <string_view>
+
+namespace tavlen {
+
+/// A number's text, rounded to a double.
+struct NearestDouble {
+  double value;
+  /// False if the number is finite and not zero, but `value` is an infinity or a zero.
+  bool isInRange;
+};
+
+/// How a number may be written.
+enum class RealForm {
+  general,  ///< with or without an exponent: "1", ".5", "-12.5e-3"
+  plain,    ///< without an exponent
+};
+
+/// Reads all of `text` as a decimal number, or as "inf", "infinity", "nan" or "nan(...)" in upper
+/// or lower case; each may have a minus sign. Returns nothing for any other text, such as one with
+/// a blank or a plus sign.
+std::optional<NearestDouble> nearestDouble(std::string_view text,
+                                           RealForm form = RealForm::general);
+
+}  // namespace tavlen

@@ -31,7 +31,7 @@ void addCommands(tavlen::cli::Command command) {
   const Group groups[] = {
       {"Make and change tweaks",
        {addNewCommand, addListCommand, addShowCommand, addDumpCommand, addApplyCommand,
-        addScriptCommand, addDeleteCommand, addWatchCommand}},
+        addSetCommand, addScriptCommand, addDeleteCommand, addWatchCommand}},
       {"Hooks and values",
        {addHookCommand, addParamCommand, addResourceCommand, addOverrideCommand}},
       {"Look into apps",

@@ -104,7 +104,7 @@ Option Option::oneOf(std::vector<std::string> texts) {
 }
 
 Option Option::oneOfIgnoringCase(std::vector<std::string> texts) {
-  option_->each(CLI::Validator(
+  option_->transform(CLI::Validator(
       [texts](std::string& text) {
         const auto found = std::find_if(texts.begin(), texts.end(), [&](const std::string& each) {
           return CLI::detail::to_lower(each) == CLI::detail::to_lower(text);
@@ -230,6 +230,10 @@ void Command::prepare(std::function<Action()> prepare) {
   });
 }
 
+void Command::answer(std::function<std::string()> text) {
+  app_->callback([text = std::move(text), state = state_] { state->answer = text(); });
+}
+
 void refuseUnexpected(const std::string& word) {
   throw UsageError("unexpected argument \"" + word + "\"");
 }
@@ -269,7 +273,9 @@ std::optional<int> CommandLine::parse(int argc, const char* const* argv) {
   } catch (const UsageError& error) {
     return report(errorText(error));
   }
-  return std::nullopt;
+  if (!state_->answer) return std::nullopt;
+  printData(*state_->answer);
+  return 0;
 }
 
 int CommandLine::report(const std::string& problem) const {

@@ -26,6 +26,8 @@ void addListCommand(Command app);
 void addShowCommand(Command app);
 /// Adds `new`.
 void addNewCommand(Command app);
+/// Adds `set`.
+void addSetCommand(Command app);
 /// Adds `script`.
 void addScriptCommand(Command app);
 /// Adds `delete`.

@@ -15,6 +15,7 @@
 #include "cli/work/MethodSearch.h"
 #include "cli/work/StoreLock.h"
 #include "cli/work/TweakForReading.h"
+#include "cli/work/TweakResources.h"
 #include "tavlen/tweaks/HookCheck.h"
 #include "tavlen/tweaks/Manifest.h"
 
@@ -119,8 +120,10 @@ void setHook(const Options& options) {
 
 void removeHook(const Options& options) {
   TweakFile::Opened tweak = openedTweak(options.tweak);
+  const UnusedResourceNote note(tweak);
   withPlace(options.tweak + ": " + options.hook,
             [&] { hookArgument(std::move(tweak), options.hook).deleteHook(); });
+  note.print();
 }
 
 std::string table(const std::vector<Hook>& hooks) {

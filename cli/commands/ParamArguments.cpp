@@ -6,6 +6,7 @@
 #include "cli/arguments/StoredItem.h"
 #include "cli/arguments/TypedValue.h"
 #include "cli/arguments/WithPlace.h"
+#include "cli/work/TweakResources.h"
 
 namespace tavlen::cli {
 
@@ -27,7 +28,9 @@ void addParamValue(Command command, ParamValue& value) {
 
 void editHook(const ParamTarget& target, FunctionRef<void(const HookManager&)> edit) {
   TweakFile::Opened tweak = openedTweak(target.tweak);
+  const UnusedResourceNote note(tweak);
   withPlace(target.place(), [&] { edit(hookArgument(std::move(tweak), target.hook)); });
+  note.print();
 }
 
 }  // namespace tavlen::cli

@@ -30,6 +30,21 @@ std::optional<fs::path> fileOf(const TweakFile& tweak, const std::string& name) 
   return file;
 }
 
+/// The names of the resources from which values of the manifest are loaded.
+std::set<std::string> namedResources(const TweakFile::Manifest& manifest) {
+  std::set<std::string> names;
+  for (const BoxedOptional<Hook>& hook : manifest._hooks) {
+    if (!hook) continue;
+    for (const auto& entry : hook->_args) {
+      forEachParameter(entry.second.value, [&](const Parameter& each, const ParameterPath&) {
+        if (const std::string* name = resourceNameIn(each))
+          names.insert(fs::path(*name).lexically_normal().string());
+      });
+    }
+  }
+  return names;
+}
+
 }  // namespace
 
 bool isHiddenFile(const fs::path& path) { return path.filename().string().starts_with('.'); }
@@ -64,31 +79,20 @@ void removeResource(const TweakFile& tweak, const std::string& name) {
   if (error) throw std::system_error(error, shown.string());
 }
 
-std::set<std::string> namedResources(const TweakFile::Manifest& manifest) {
-  std::set<std::string> names;
-  for (const BoxedOptional<Hook>& hook : manifest._hooks) {
-    if (!hook) continue;
-    for (const auto& entry : hook->_args) {
-      forEachParameter(entry.second.value, [&](const Parameter& each, const ParameterPath&) {
-        if (const std::string* name = resourceNameIn(each))
-          names.insert(fs::path(*name).lexically_normal().string());
-      });
-    }
-  }
-  return names;
-}
+UnusedResourceNote::UnusedResourceNote(const TweakFile::Opened& tweak)
+    : tweak_(tweak.file), before_(namedResources(tweak.manifest)) {}
 
-void noteUnusedResources(const TweakFile& tweak, const std::set<std::string>& before) {
-  if (before.empty()) return;
-  const TweakFile::Manifest manifest = tweak.manifest();
+void UnusedResourceNote::print() const {
+  if (before_.empty()) return;
+  const TweakFile::Manifest manifest = tweak_->manifest();
   const std::set<std::string> after = namedResources(manifest);
   std::vector<std::string> names;
-  std::set_difference(before.begin(), before.end(), after.begin(), after.end(),
+  std::set_difference(before_.begin(), before_.end(), after.begin(), after.end(),
                       std::back_inserter(names));
   if (names.empty()) return;
-  const std::vector<ResourceUse> uses = usesOf(names, manifest, scriptOf(tweak));
+  const std::vector<ResourceUse> uses = usesOf(names, manifest, scriptOf(*tweak_));
   for (std::size_t i = 0; i < names.size(); ++i) {
-    if (uses[i].count != 0 || !fileOf(tweak, names[i])) continue;
+    if (uses[i].count != 0 || !fileOf(*tweak_, names[i])) continue;
     printNote((fs::path(TweakFile::resourcesFolder) / names[i]).string() +
               " is no longer used, but is installed anyway; resource prune removes such files");
   }

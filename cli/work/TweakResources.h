@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <set>
 #include <string>
@@ -37,12 +38,20 @@ std::vector<TweakResource> resourcesOf(const TweakFile::Opened& tweak);
 /// Removes a resource. Throws std::system_error, and std::runtime_error if there is no such file.
 void removeResource(const TweakFile& tweak, const std::string& name);
 
-/// The names of the resources from which values of the manifest are loaded.
-std::set<std::string> namedResources(const TweakFile::Manifest& manifest);
+/// Tells of files that an edit leaves without use. They are kept: whether the command or the user
+/// put them there is not known.
+class UnusedResourceNote {
+ public:
+  /// Remembers the resources from which values of the tweak are loaded. To be made before the edit.
+  explicit UnusedResourceNote(const TweakFile::Opened& tweak);
 
-/// To be called after an edit: notes the files of `before`, the namedResources() until then, that
-/// the tweak still has but nothing uses any more. They are kept: whether the command or the user
-/// put them there is not known. Throws std::system_error and DecodingError.
-void noteUnusedResources(const TweakFile& tweak, const std::set<std::string>& before);
+  /// Prints a note of each of them that exists but is not used any more. Reads the manifest again
+  /// if there were any. Throws std::system_error and DecodingError.
+  void print() const;
+
+ private:
+  std::shared_ptr<TweakFile> tweak_;
+  std::set<std::string> before_;
+};
 
 }  // namespace tavlen::cli

@@ -5,6 +5,7 @@
 #include <regex>
 #include <sstream>
 
+#include "tavlen/foundation/files/FileSystem.h"
 #include "tests/cli/CommandTest.h"
 #include "tests/support/TestPaths.h"
 

@@ -229,8 +229,9 @@ TEST_F(ClassCommandTest, AnInterruptEndsARequestOnTheAgentPort) {
     }
     dump.signal(SIGINT);
     const std::string rest = dump.until();
-    EXPECT_THAT(rest, EndsWith(newLine + "tavlen: error: " + image + ": Operation canceled" +
-                               (columns == 0 ? "" : "\r")));
+    const std::string error = columns == 0 ? "error" : "\x1B[1;31merror\x1B[m";
+    EXPECT_THAT(rest, EndsWith(newLine + "tavlen: " + error + ": " + image +
+                               ": Operation canceled" + (columns == 0 ? "" : "\r")));
     EXPECT_EQ(dump.status(), 1);
   }
   RunningCommand dump({"classes", image, "--parser", "remote", "--timeout", "0.25"}, service(""));

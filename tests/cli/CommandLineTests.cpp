@@ -39,7 +39,7 @@ TEST_F(CommandTest, ArgumentsAreChecked) {
                  {"list --color green", 2, "--color: unknown value \"green\"; known are auto"}});
   EXPECT_THAT(run("build").err, HasSubstr("\ntavlen: see \"tavlen help build\"\n"));
   EXPECT_THAT(run("build --json").err,
-              StartsWith(R"({"severity":"error","message":"unknown option \"--json\""})"));
+              StartsWith(R"({"severity":"error","message":"TWEAK is missing"})"));
   EXPECT_THAT(run("--version").out, testing::MatchesRegex("tavlen [0-9.]+\n"));
 }
 

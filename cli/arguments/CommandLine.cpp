@@ -186,6 +186,14 @@ Option Command::text(const char* name, const std::function<void(const std::strin
   return added(app_->add_option_function<std::string>(name, store, help));
 }
 
+Option Command::repeated(const char* name, std::vector<std::string>& values,
+                         const std::string& help) {
+  return added(app_->add_option(name, values, help)
+                   ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+                   ->expected(1)
+                   ->allow_extra_args(false));
+}
+
 Option Command::number(const char* name, std::optional<std::uint32_t>& value,
                        const std::string& help) {
   return number(

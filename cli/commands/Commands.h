@@ -58,6 +58,8 @@ void addRespringCommand(Command app);
 void addHookCommand(Command app);
 /// Adds `param`.
 void addParamCommand(Command app);
+/// Adds `resource`.
+void addResourceCommand(Command app);
 /// Adds `override`.
 void addOverrideCommand(Command app);
 /// Adds `export`.

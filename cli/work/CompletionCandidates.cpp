@@ -104,7 +104,7 @@ void addMethods(Candidates& candidates, const CompletedWord& word) {
 }  // namespace
 
 std::set<std::string> completionCandidates(const CompletedWord& word) {
-  useRoot(given(word, "--root"));
+  useRoot({given(word, "--root"), given(word, "--prefix")});
   Candidates candidates;
   for (const std::string& kind : word.kinds) {
     if (kind == "ITEM") addItems(candidates, "", word.prefix);

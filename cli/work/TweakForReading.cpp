@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "cli/arguments/StoredItem.h"
-#include "cli/terminal/Console.h"
+#include "cli/terminal/Diagnostic.h"
 #include "cli/terminal/ProgressLine.h"
 #include "cli/terminal/ShownText.h"
 #include "cli/work/TextInput.h"
@@ -51,6 +51,7 @@ std::string nameFor(const std::string& argument) {
 void useFolder(OpenedTweak& tweak, TweakFile::Opened opened) {
   tweak.file = std::move(opened.file);
   tweak.manifest = std::move(opened.manifest);
+  tweak.ignoredKeys = std::move(opened.ignoredKeys);
 }
 
 OpenedTweak tweakFromText(const std::string& argument) {
@@ -106,7 +107,9 @@ OpenedTweak openTweak(const std::string& argument) {
     tweak.script = tweak.file->readScript().value_or(std::string());
   } catch (const std::exception& error) {
     tweak.scriptIsUnreadable = true;
-    printWarning("the script cannot be read and counts as empty: " + errorText(error));
+    print({.severity = Diagnostic::kWarning,
+           .message = "the script cannot be read and counts as empty: " + errorText(error),
+           .code = "unreadable-script"});
   }
   return tweak;
 }
@@ -118,8 +121,9 @@ ItemForReading itemForReading(const std::string& argument) {
     return {std::move(item), std::move(path), nullptr};
   }
   OpenedTweak tweak = tweakForReading(argument);
-  return {TweakFile::Opened{std::move(tweak.file), std::move(tweak.manifest)}, argument,
-          std::move(tweak.temporaryFolder)};
+  return {TweakFile::Opened{std::move(tweak.file), std::move(tweak.manifest),
+                            std::move(tweak.ignoredKeys)},
+          argument, std::move(tweak.temporaryFolder), std::move(tweak.text)};
 }
 
 }  // namespace tavlen::cli

@@ -165,7 +165,8 @@ TEST_F(TextCommandTest, ATweakIsReadInAnyForm) {
                                      "./T/s:1:5: error: expected ';' or an operator\n"));
   write("T/Manifest.json", "{}");
   EXPECT_THAT(run("source ./T").err, HasSubstr("./T/Manifest.json: missing key"));
-  const char* editing[] = {"hook add T/tweak.toml A c --signature v16@0:8", "delete T/tweak.toml"};
+  const char* editing[] = {"hook add T/tweak.toml '-[A c]' --signature v16@0:8",
+                           "delete T/tweak.toml"};
   for (const char* line : editing)
     EXPECT_THAT(run(line).err,
                 HasSubstr("T/tweak.toml: is a text, not a stored item; apply makes"));

@@ -16,6 +16,10 @@ void addBuildCommand(Command app);
 void addDumpCommand(Command app);
 /// Adds `apply`.
 void addApplyCommand(Command app);
+/// Adds `edit`.
+void addEditCommand(Command app);
+/// Adds `diff`.
+void addDiffCommand(Command app);
 /// Adds `locate`.
 void addLocateCommand(Command app);
 /// Adds `check`.

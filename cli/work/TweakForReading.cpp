@@ -11,9 +11,11 @@
 #include "cli/terminal/ShownText.h"
 #include "cli/work/TextInput.h"
 #include "cli/work/TweakContents.h"
+#include "tavlen/collections/TweakCollection.h"
 #include "tavlen/foundation/coding/CodingError.h"
 #include "tavlen/foundation/files/FileTree.h"
 #include "tavlen/foundation/files/TemporaryDirectory.h"
+#include "tavlen/foundation/text/Characters.h"
 #include "tavlen/foundation/zip/ZIPError.h"
 #include "tavlen/store/TweakManager.h"
 
@@ -67,6 +69,8 @@ OpenedTweak tweakFromText(const std::string& argument) {
 }
 
 OpenedTweak tweakFromArchive(const std::string& argument) {
+  if (lowercased(argument).ends_with(TweakCollection::compressedExtension))
+    throw std::runtime_error(argument + ": is the archive of a collection; import makes one of it");
   OpenedTweak tweak;
   tweak.argument = argument;
   tweak.folder = argument;

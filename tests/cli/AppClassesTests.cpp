@@ -94,7 +94,7 @@ TEST_F(AppClassesTest, SearchesForMethods) {
        "-[UIView drawnSize]\t- (struct CGSize { double field1; double field2; })drawnSize\tSketch\n"
        "-[Shape drawnSize]\t- (struct CGSize { double field1; double field2; })drawnSize" +
            kShapes},
-      {"Eraser --match erase", "-\u00A0 (void)erase\tSketch\n"},
+      {"Eraser --match erase", "-[Eraser erase]\t- (void)erase\tSketch\n"},
       {"Eraser --inherited --match [ace]*e*",
        "-[Eraser erase]\t- (void)erase\tSketch\n"
        "-[Circle circumference]\t- (double)circumference\tSketch\n"
@@ -111,7 +111,7 @@ TEST_F(AppClassesTest, SearchesForMethods) {
                 {{"None", 1, "Sketch.ipa: defines no class None\n"}, {"Eraser --class x", 2, ""}});
   writeTweak("./T", "");
   for (const std::string method : {"-[Eraser erase]", "+[UIView layerCount]"}) {
-    EXPECT_EQ(run("hook add ./T --in Sketch.ipa --method", {method}).err, "") << "pasted back";
+    EXPECT_EQ(run("hook add ./T --in Sketch.ipa", {method}).err, "") << "pasted back";
   }
   EXPECT_THAT(contents("./T/Manifest.json"), HasSubstr(R"("signature":"Q16@0:8")"));
 }

@@ -91,6 +91,18 @@ TEST_F(DeviceCommandTest, TheRootComesFromTheOptionOrTheEnvironment) {
   EXPECT_EQ(run("--help").status, 0);
 }
 
+TEST_F(DeviceCommandTest, APrefixIsOfProgramsAndNotOfTheStore) {
+  write("tree/var/jb/Applications/Marrowgleam.app/Info.plist", appPlist("com.tool", "Tool"));
+  setEnvironment({"TAVLEN_ROOT=tree"});
+  EXPECT_EQ(run("info /Applications/Marrowgleam.app").status, 1);
+  EXPECT_EQ(run("new A --app com.tool").status, 0);
+  EXPECT_THAT(run("--prefix /var/jb info /Applications/Marrowgleam.app").out, HasSubstr("Tool"));
+  expectRefused("list", {{"--prefix var/jb", 2, "--prefix: "}, {"--prefix /var/../x", 2, ""}});
+  setEnvironment({"TAVLEN_ROOT=tree", "TAVLEN_PREFIX=/var/jb"});
+  EXPECT_THAT(run("info /Applications/Marrowgleam.app").out, HasSubstr("Tool"));
+  EXPECT_THAT(run("list").out, HasSubstr("com.tool"));
+}
+
 TEST_F(DeviceCommandTest, AnAppIsNamedByIdentifierOrPath) {
   app("A.app", "Alpha", "com.a");
   fs::create_directory(folder() / "com.a");  // no bundle, so the identifier is meant

@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "tavlen/foundation/image/Image.h"
 #include "tavlen/foundation/text/Characters.h"
 #include "tests/cli/RunningCommand.h"
 
@@ -90,7 +91,8 @@ TEST_F(CommandStoreTest, ItemsGoByIdentifierNameOrPath) {
   EXPECT_THAT(
       run("show Both").out,
       EndsWith("Tweaks:     " + id + "  My tweak\n            ../../x  (cannot be opened)\n"));
-  EXPECT_THAT(run("show C.collection --json").out, HasSubstr(R"("kind":"collection","path":")"));
+  EXPECT_THAT(run("show C.collection --json").out,
+              HasSubstr(R"("stored":true,"identifier":"C.collection","path":")"));
   const std::string installed = newTweak("My");
   EXPECT_EQ(run("install", {installed}).status, 0);
   fs::copy(folder() / stored(installed), folder() / stored("ABCD-1"));
@@ -143,7 +145,8 @@ TEST_F(CommandStoreTest, ABrokenItemIsListedShownAndDeletedByItsIdentifier) {
   EXPECT_THAT(shown.out, StartsWith("Name:       T\nKind:       tweak\n"));
   EXPECT_THAT(shown.out, HasSubstr("Installed:  yes\nScript:     none\n"));
   EXPECT_THAT(shown.err, HasSubstr("Manifest.json: hooks[0]: " + error));
-  EXPECT_THAT(run("show BAD.collection --json").out, HasSubstr(R"(,"installed":false,"error":")"));
+  EXPECT_THAT(run("show BAD.collection --json").out,
+              HasSubstr(R"("installed":false,"stored":true,"identifier":)"));
   EXPECT_EQ(run("show BAD").err,
             kError + "BAD: no stored tweak or collection has that identifier or name\n");
   EXPECT_EQ(run("delete", {id}).status, 0);
@@ -371,6 +374,32 @@ TEST_F(CommandStoreTest, AnEditedScriptIsNeverLost) {
   EXPECT_EQ(contents(script), "visual");
 }
 
+TEST_F(CommandStoreTest, WhatCannotBePrintedIsAnError) {
+  const std::string id = newTweak("T");
+  write("script", "x();");
+  writeCollection("C", "C", "\"" + id + "\"");
+  write("picture", Image(1, 1, {1, 2, 3, 255}).pngData());
+  for (const char* line : {"icon set T picture", "script set T script", "export T -o T.tvx"}) {
+    ASSERT_EQ(run(line).status, 0);
+  }
+  for (const char* line :
+       {"list", "apps", "info com.example.notes", "show T", "collection list C", "script show T",
+        "icon T -o -", "set T --color darkRed --json", "export T -o -", "import T.tvx",
+        "script set T script --json", "uninstall --json T"}) {
+    SCOPED_TRACE(line);
+    EXPECT_EQ(run("install T").status, 0);
+    const Result full = run(line, {}, "/dev/full");
+    EXPECT_EQ(full.status, 1);
+    EXPECT_THAT(full.err, HasSubstr("standard output: No space left on device"));
+    EXPECT_EQ(run("install T").status, 0);
+    const Result closed = shell("\"$tavlen\" " + std::string(line) + " >&-");
+    EXPECT_EQ(closed.status, 1);
+    EXPECT_THAT(closed.err, HasSubstr("standard output: Bad file descriptor"));
+  }
+  EXPECT_EQ(shell("\"$tavlen\" new N --app a.b >&-").status, 1);
+  EXPECT_EQ(shell("\"$tavlen\" delete N >&-").status, 1);
+}
+
 class WatchCommandTest : public CommandStoreTest {
  protected:
   /// Puts a file into the store in one step, so that it is one change.
@@ -406,7 +435,10 @@ TEST_F(WatchCommandTest, PrintsALineAChangedItem) {
       {[&] { place(id + "/script.objs", "x();"); }, "changed " + id + " script A b"},
       {[&] { placeCollection("C"); }, "created C.collection manifest C"},
       {[&] { run("collection add C", {id}); }, "changed C.collection manifest C"},
-      {[&] { run("delete", {id}); }, "deleted " + id + " manifest,script A b"},
+      {[&] { place(id + "/Resources/x", ""); }, "changed " + id + " resources A b"},
+      {[&] { run("install", {id}); }, "installed " + id + " com.example.notes A b"},
+      {[&] { run("delete", {id}); }, "uninstalled " + id + " com.example.notes A b"},
+      {[] {}, "deleted " + id + " manifest,script,resources A b"},
       {[&] { fs::remove_all((folder() / stored("")).parent_path()); },
        "deleted C.collection manifest C"},
       {[&] { place("B/Manifest.json", "{"); }, "created B manifest -"},
@@ -423,6 +455,11 @@ TEST_F(WatchCommandTest, PrintsAnObjectALine) {
   place("A/Icon.png", "");
   EXPECT_EQ(watched->until(),
             R"({"event":"changed","kind":"tweak","identifier":"A","documents":["icon"]})");
+  const std::string id = newTweak("T");
+  EXPECT_THAT(watched->until(), HasSubstr(id));
+  run("install T");
+  EXPECT_EQ(watched->until(), R"({"event":"installed","kind":"tweak","identifier":")" + id +
+                                  R"(","name":"T","bundleID":"com.example.notes"})");
   placeCollection("a\\nb");
   const std::string line = watched->until();
   EXPECT_TRUE(line.starts_with(R"({"event":"created","kind":"collection",)")) << line;

@@ -42,7 +42,7 @@ TEST_F(LintCommandTest, CheckTellsProgramsWhatItTellsPeople) {
   EXPECT_EQ(run("check ./T --strict").status, 1);
   EXPECT_EQ(run("check ./T --strict --json").status, 1);
   for (const char* command : {"build ./T", "export ./T -o T.tvx", "check ./T.tvx"})
-    EXPECT_THAT(run(command).err, HasSubstr("T/Resources/sub/d.txt: warning: no value")) << command;
+    EXPECT_THAT(run(command).err, HasSubstr("/Resources/sub/d.txt: warning: no value")) << command;
 }
 
 TEST_F(LintCommandTest, ResourcesAreRemovedUnlessTheyAreUsed) {

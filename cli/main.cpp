@@ -32,8 +32,10 @@ void addCommands(tavlen::cli::Command command) {
   const Group groups[] = {
       {"Make and change tweaks",
        {addNewCommand, addListCommand, addShowCommand, addDumpCommand, addApplyCommand,
-        addSetCommand, addScriptCommand, addDeleteCommand, addWatchCommand}},
-      {"Hooks and values", {addHookCommand, addParamCommand, addOverrideCommand}},
+        addEditCommand, addDiffCommand, addSetCommand, addScriptCommand, addDeleteCommand,
+        addWatchCommand}},
+      {"Hooks and values",
+       {addHookCommand, addParamCommand, addResourceCommand, addOverrideCommand}},
       {"Look into apps",
        {addAppsCommand, addInfoCommand, addIconCommand, addExecutablesCommand, addClassesCommand,
         addMethodsCommand, addTypeCommand, addCrashLogsCommand}},

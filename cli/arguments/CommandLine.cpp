@@ -186,6 +186,14 @@ Option Command::text(const char* name, const std::function<void(const std::strin
   return added(app_->add_option_function<std::string>(name, store, help));
 }
 
+Option Command::repeated(const char* name, std::vector<std::string>& values,
+                         const std::string& help) {
+  return added(app_->add_option(name, values, help)
+                   ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+                   ->expected(1)
+                   ->allow_extra_args(false));
+}
+
 Option Command::number(const char* name, std::optional<std::uint32_t>& value,
                        const std::string& help) {
   return number(
@@ -282,7 +290,8 @@ int CommandLine::report(const std::string& problem) const {
   printError(problem);
   const CommandRecord record = recordOf(*app_, *state_);
   std::string words = wordsOf(chosenRecords(record, *app_));
-  words.insert(std::min(words.find(' '), words.size()), " help");
+  const std::string help = app_->get_name() + " help";
+  if (words != help) words.replace(0, app_->get_name().size(), help);
   printNote("see \"" + words + "\"");
   return kUsage;
 }

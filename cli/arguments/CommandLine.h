@@ -103,6 +103,8 @@ class Command {
   /// Adds an option whose text is passed to `store`, which may throw UsageError.
   Option text(const char* name, const std::function<void(const std::string& value)>& store,
               const std::string& help);
+  /// Adds an option that may be given several times; each text is stored unchanged.
+  Option repeated(const char* name, std::vector<std::string>& values, const std::string& help);
   /// Adds an option with a whole number from 0 to 2^32 - 1.
   Option number(const char* name, std::optional<std::uint32_t>& value, const std::string& help);
   /// Adds an option whose whole number from 0 to 2^32 - 1 is passed to `store`.

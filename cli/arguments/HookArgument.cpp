@@ -2,9 +2,37 @@
 
 #include <memory>
 #include <stdexcept>
+#include <string_view>
 #include <utility>
+#include <vector>
+
+#include "tavlen/foundation/text/Suggestion.h"
 
 namespace tavlen::cli {
+
+namespace {
+
+/// Throws for a text that names no hook, and suggests one.
+[[noreturn]] void refuseUnknown(const TweakFile::Manifest& manifest, const std::string& text) {
+  std::vector<std::string> texts;
+  for (const BoxedOptional<Hook>& hook : manifest._hooks) {
+    if (!hook) continue;
+    texts.push_back(methodText(hook->identity()));
+    if (hook->customName) texts.push_back(*hook->customName);
+  }
+  const std::vector<std::string_view> known(texts.begin(), texts.end());
+  throw std::runtime_error("the tweak has no such hook" + suggestionText(text, known));
+}
+
+}  // namespace
+
+Option addMethodArgument(Command command, std::string& text, const char* help) {
+  return command.text("METHOD", text, help).required().notEmpty().check(methodProblem);
+}
+
+std::string methodProblem(const std::string& text) {
+  return methodNamed(text) ? "" : "not '-[Class selector]' or '+[Class selector]': " + text;
+}
 
 void addHookArgument(Command command, std::string& text) {
   command
@@ -17,22 +45,23 @@ void addHookArgument(Command command, std::string& text) {
 HookManager hookArgument(TweakFile::Opened tweak, const std::string& text) {
   HookManager manager = {
       std::move(tweak.file), {}, std::make_shared<TweakFile::Manifest>(std::move(tweak.manifest))};
-  std::optional<MethodIdentity> named;
-  bool isAmbiguous = false;
+  std::vector<MethodIdentity> named;
   for (const BoxedOptional<Hook>& hook : manager.opened->_hooks) {
     if (!hook) continue;
     if (methodText(hook->identity()) == text) {
       manager.identity = hook->identity();
       return manager;
     }
-    if (hook->customName != text) continue;
-    isAmbiguous = isAmbiguous || named.has_value();
-    named = hook->identity();
+    if (hook->customName == text) named.push_back(hook->identity());
   }
-  if (!named) throw HookManager::Error::hookNotFound();
-  if (isAmbiguous)
-    throw std::runtime_error("several hooks have that name; use '-[Class selector]' instead");
-  manager.identity = std::move(*named);
+  if (named.empty()) refuseUnknown(*manager.opened, text);
+  if (named.size() > 1) {
+    std::string methods;
+    for (const MethodIdentity& identity : named)
+      methods.append(methods.empty() ? "" : ", ").append(methodText(identity));
+    throw std::runtime_error("several hooks have that name; name one by its method: " + methods);
+  }
+  manager.identity = std::move(named.front());
   return manager;
 }
 

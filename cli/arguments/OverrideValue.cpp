@@ -8,6 +8,8 @@
 
 #include "cli/arguments/UsageError.h"
 #include "tavlen/foundation/base/FatalError.h"
+#include "tavlen/foundation/text/Characters.h"
+#include "tavlen/foundation/text/Suggestion.h"
 #include "tavlen/foundation/text/Unicode.h"
 
 namespace tavlen::cli {
@@ -70,9 +72,23 @@ std::string textOf(const Orientations& value) {
 
 }  // namespace
 
-std::vector<std::string> overrideKinds() {
-  const auto identifiers = OverrideContainer::supportedTypes();
-  return {identifiers.begin(), identifiers.end()};
+std::string overrideKindNamed(const std::string& text) {
+  const std::string name = lowercased(text);
+  for (const auto& section : OverrideContainer::all()) {
+    for (const OverrideKindInfo& kind : section) {
+      if (lowercased(kind.identifier) == name || lowercased(kind.localizedName()) == name)
+        return std::string(kind.identifier);
+    }
+  }
+  throw UsageError("KIND", "no kind of override is called \"" + text + "\"" +
+                               suggestionText(text, OverrideContainer::supportedTypes()));
+}
+
+std::string overrideKinds() {
+  std::string names;
+  for (const std::string_view identifier : OverrideContainer::supportedTypes())
+    names.append(names.empty() ? "" : ", ").append(identifier);
+  return names;
 }
 
 const OverrideKindInfo& overrideKind(std::string_view identifier) {

@@ -9,6 +9,7 @@
 #include <optional>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "cli/arguments/UsageError.h"
 #include "cli/terminal/ShownText.h"
@@ -17,8 +18,10 @@
 #include "tavlen/foundation/files/FileReplacement.h"
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/foundation/json/JSONDecoder.h"
+#include "tavlen/foundation/text/EscapedText.h"
 #include "tavlen/foundation/text/NearestDouble.h"
 #include "tavlen/foundation/text/NumberText.h"
+#include "tavlen/foundation/text/Suggestion.h"
 #include "tavlen/foundation/text/Unicode.h"
 #include "tavlen/parameters/ColorText.h"
 
@@ -124,7 +127,8 @@ std::string jsonText(const Parameter& parameter) {
   return "json:" + shownJSON(ParameterContainer{parameter});
 }
 
-/// Writes a parameter of each kind. Returns nothing for a value that only JSON can express.
+/// Writes a parameter of each kind in its short form, which need not read back. Returns nothing for
+/// a kind or a value without one.
 struct Writer {
   using Text = std::optional<std::string>;
 
@@ -147,6 +151,9 @@ struct Writer {
   }
   Text operator()(const URLParameter& kind) const { return "url:" + kind.string; }
   Text operator()(const DateParameter& kind) const {
+    // The sign of a zero has no place in a date.
+    const double seconds = kind.date.secondsSinceReferenceDate;
+    if (seconds == 0 && std::signbit(seconds)) return std::nullopt;
     const Text text = textFromDate(kind.date);
     return text ? Text("date:" + *text) : std::nullopt;
   }
@@ -163,6 +170,29 @@ struct Writer {
   Text operator()(const DictionaryParameter&) const { return std::nullopt; }
 };
 
+const Form* formNamed(std::string_view name) {
+  const auto form = std::find_if(kForms.begin(), kForms.end(),
+                                 [&](const Form& known) { return known.name == name; });
+  return form == kForms.end() ? nullptr : &*form;
+}
+
+/// Whether a short form is shown unchanged and is read as the same value.
+bool readsBack(const std::string& text, const Parameter& parameter) {
+  if (text == kNil) return true;
+  const std::size_t colon = text.find(':');
+  return escapedForTerminal(text) == text &&
+         formNamed(text.substr(0, colon))->parse(text.substr(colon + 1)) == parameter;
+}
+
+[[noreturn]] void refuseKind(const char* argument, std::string_view text, std::string_view name) {
+  std::vector<std::string_view> names = {kJSON, kNil};
+  for (const Form& form : kForms) names.push_back(form.name);
+  const auto meant = closestName(name, names);
+  refuse(argument, text,
+         "expected a value that begins with " + knownForms() +
+             (meant ? "; did you mean \"" + std::string(*meant) + "\"?" : ""));
+}
+
 }  // namespace
 
 TypedValue parseTypedValue(const std::string& text, const char* argument) {
@@ -173,10 +203,8 @@ TypedValue parseTypedValue(const std::string& text, const char* argument) {
   const std::string rest = colon == std::string::npos ? "" : text.substr(colon + 1);
   if (name == kJSON && colon != std::string::npos)
     return {parameterFromJSON(rest, text, argument), ""};
-  const auto form = std::find_if(kForms.begin(), kForms.end(),
-                                 [&](const Form& known) { return known.name == name; });
-  if (form == kForms.end() || colon == std::string::npos)
-    refuse(argument, text, "expected a value that begins with " + knownForms());
+  const Form* form = formNamed(name);
+  if (form == nullptr || colon == std::string::npos) refuseKind(argument, text, name);
   std::optional<Parameter> parameter = form->parse(rest);
   if (!parameter)
     refuse(argument, text, std::string("expected ") + form->expected + " after the colon");
@@ -185,7 +213,7 @@ TypedValue parseTypedValue(const std::string& text, const char* argument) {
 
 std::string typedText(const Parameter& parameter) {
   const std::optional<std::string> text = std::visit(Writer(), parameter);
-  return text ? *text : jsonText(parameter);
+  return text && readsBack(*text, parameter) ? *text : jsonText(parameter);
 }
 
 }  // namespace tavlen::cli

@@ -22,8 +22,9 @@ struct TypedValue {
 /// `argument`.
 TypedValue parseTypedValue(const std::string& text, const char* argument);
 
-/// The parameter in the form that parseTypedValue() reads, except that files have the names of
-/// resources.
+/// The parameter in the form that parseTypedValue() reads back, on one line: a short one, or
+/// "json:" where no short one reads back to the same value. The files of data and images have the
+/// names of resources.
 std::string typedText(const Parameter& parameter);
 
 }  // namespace tavlen::cli

@@ -80,7 +80,7 @@ void checkIsStored(const TweakFile& tweak, const std::string& text) {
 }
 
 void addMember(Manifest& manifest, const std::string& text) {
-  const auto [tweak, opened] = openedTweak(text);
+  const auto [tweak, opened, ignored] = openedTweak(text);
   checkIsStored(*tweak, text);
   const std::string& expected = manifest.configuration.bundleID;
   const std::string& found = opened.configuration.bundleID;

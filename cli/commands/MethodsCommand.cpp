@@ -22,21 +22,14 @@ struct Options {
   bool json = false;
   bool isStrict = false;
 
-  /// Whether all methods are those of one class.
-  bool hasOneClass() const { return query.className && !query.withInherited; }
+  /// The only class whose records are needed: superclasses have other names.
+  std::optional<std::string> neededClass() const {
+    return query.withInherited ? std::nullopt : query.className;
+  }
 };
 
-/// The declaration with a plain blank after its sign.
-std::string plainDeclaration(std::string declaration) {
-  constexpr std::string_view kNoBreakSpace = "\u00A0";
-  const std::size_t place = declaration.find(kNoBreakSpace);
-  if (place == std::string::npos) return declaration;
-  const bool hasBlank = declaration.find(' ', place) == place + kNoBreakSpace.size();
-  return declaration.replace(place, kNoBreakSpace.size(), hasBlank ? "" : " ");
-}
-
-/// Appends a line for each method: its declaration, unless all are those of one class after the
-/// method as `hook add --method` takes it, and before the image if there are several.
+/// Appends a line for each method: the method as `hook add` takes it, its declaration, and the
+/// image if there are several.
 class Lines {
  public:
   Lines(const Options& options, bool hasOneImage) : options_(options), hasOneImage_(hasOneImage) {}
@@ -45,14 +38,10 @@ class Lines {
               const ObjCClass::Methods& methods) {
     const auto bodies = options_.showsWholeTypes ? JXTypeBodies::all : JXTypeBodies::unnamed;
     for (const auto& method : methods) {
-      std::string declaration = method->description(bodies);
-      if (!options_.hasOneClass()) {
-        const MethodIdentity identity = {std::string(className), method->selector.str(),
-                                         method->isClassMethod};
-        out_.append(escapedForTerminal(methodText(identity)) + "\t");
-        declaration = plainDeclaration(std::move(declaration));
-      }
-      out_.append(escapedForTerminal(declaration));
+      const MethodIdentity identity = {std::string(className), method->selector.str(),
+                                       method->isClassMethod};
+      out_.append(escapedForTerminal(methodText(identity)) + "\t" +
+                  escapedForTerminal(method->plainDeclaration(bodies)));
       if (!hasOneImage_) out_.append("\t" + escapedForTerminal(image.path));
       out_.append("\n");
     }
@@ -78,13 +67,11 @@ void printLines(const ClassDump& found, const Options& options) {
 
 int listMethods(Options options) {
   options.query.classes.ignoresCase = options.query.selectors.ignoresCase = options.ignoresCase;
-  // Superclasses have other names.
-  const ClassDump dump =
-      dumpClasses(options.image, options.hasOneClass() ? options.query.className : std::nullopt);
+  const ClassDump dump = dumpClasses(options.image, options.neededClass());
   if (options.query.className && !hasClass(dump, *options.query.className)) {
     reportFaults(dump, options.image);
-    throw std::runtime_error(options.image.image + ": defines no class " +
-                             *options.query.className);
+    throw std::runtime_error(options.image.image + ": " +
+                             missingClassText(dump, *options.query.className));
   }
   const ClassDump found = methodsFound(dump, options.query);
   options.json ? printDump(found) : printLines(found, options);

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "cli/arguments/ListPlace.h"
 #include "cli/arguments/OverrideValue.h"
 #include "cli/arguments/StoredItem.h"
 #include "cli/arguments/WithPlace.h"
@@ -26,6 +27,7 @@ struct Options {
   std::string tweak;
   std::string kind;
   std::optional<std::string> value;
+  std::string to;
   bool json = false;
 };
 
@@ -35,15 +37,17 @@ auto isOf(const std::string& kind) {
   return [&kind](const OverrideContainer& box) { return identifierOf(box.value) == kind; };
 }
 
-/// Calls `change` with the tweak's manifest and its overrides, and stores the result.
-/// Errors name the tweak and the kind.
+/// Calls `change` with the tweak's manifest and its overrides, stores the result, and prints the
+/// override that `change` returns if JSON was asked for. Errors name the tweak and the kind.
 template <class Change>
 void editOverrides(const Options& options, Change change) {
   TweakFile::Opened tweak = openedTweak(options.tweak);
-  withPlace(options.tweak + ": " + options.kind, [&] {
-    change(tweak.manifest, tweak.manifest._overrides);
+  const OverrideContainer changed = withPlace(options.tweak + ": " + options.kind, [&] {
+    OverrideContainer result = change(tweak.manifest, tweak.manifest._overrides);
     tweak.file->setManifest(tweak.manifest);
+    return result;
   });
+  if (options.json) printJSON(changed);
 }
 
 /// An override with the current value of the tweak's app.
@@ -65,7 +69,8 @@ Action addAction(const Options& options) {
     editOverrides(options, [&](const TweakFile::Manifest& manifest, Boxes& boxes) {
       if (std::any_of(boxes.begin(), boxes.end(), isOf(options.kind)))
         throw std::runtime_error("the tweak already has such an override; use set to change it");
-      boxes.push_back({value ? *value : ownValue(options.kind, manifest)});
+      return boxes.emplace_back(
+          OverrideContainer{value ? *value : ownValue(options.kind, manifest)});
     });
     return 0;
   };
@@ -79,6 +84,7 @@ Action setAction(const Options& options) {
       found->value = value;
       // A manifest may contain several overrides of a kind, and the last one wins.
       boxes.erase(std::remove_if(found + 1, boxes.end(), isOf(options.kind)), boxes.end());
+      return OverrideContainer{value};
     });
     return 0;
   };
@@ -87,8 +93,22 @@ Action setAction(const Options& options) {
 Action removeAction(const Options& options) {
   return [options] {
     editOverrides(options, [&](const TweakFile::Manifest& /*manifest*/, Boxes& boxes) {
-      boxes.erase(std::remove_if(requireKind(boxes, options.kind), boxes.end(), isOf(options.kind)),
-                  boxes.end());
+      const OverrideContainer removed = *requireKind(boxes, options.kind);
+      std::erase_if(boxes, isOf(options.kind));
+      return removed;
+    });
+    return 0;
+  };
+}
+
+Action moveAction(const Options& options) {
+  const ListPlace to = parseListPlace(options.to, "TO");
+  return [options, to] {
+    editOverrides(options, [&](const TweakFile::Manifest& /*manifest*/, Boxes& boxes) {
+      const auto found = requireKind(boxes, options.kind);
+      const OverrideContainer moved = *found;
+      moveItem(boxes, static_cast<std::size_t>(found - boxes.begin()), indexOf(to, boxes.size()));
+      return moved;
     });
     return 0;
   };
@@ -126,14 +146,17 @@ Command addTo(Command group, const char* name, const char* help,
 Command addEditTo(Command group, const char* name, const char* help,
                   const std::shared_ptr<Options>& options, Action (*make)(const Options&)) {
   Command command = addTo(group, name, help, options);
+  command.flag("--json", options->json, "Print the override as a JSON object");
   prepareEdit(command, options->tweak, [options, make] { return make(*options); });
   return command;
 }
 
 void addKind(Command command, const std::shared_ptr<Options>& options) {
-  command.text("KIND", options->kind, "The kind of override")
-      .required()
-      .oneOfIgnoringCase(overrideKinds());
+  command
+      .text(
+          "KIND", [options](const std::string& text) { options->kind = overrideKindNamed(text); },
+          "The kind of override, or its title as shown by override list: " + overrideKinds())
+      .required();
 }
 
 }  // namespace
@@ -156,6 +179,12 @@ void addOverrideCommand(Command app) {
 
   options = std::make_shared<Options>();
   addKind(addEditTo(group, "remove", "Remove an override", options, removeAction), options);
+
+  options = std::make_shared<Options>();
+  Command move = addEditTo(group, "move", "Move an override; of several of a kind, the last counts",
+                           options, moveAction);
+  addKind(move, options);
+  move.text("TO", options->to, kListPlaceHelp).required();
 
   options = std::make_shared<Options>();
   Command list = addTo(group, "list", "List the overrides", options);

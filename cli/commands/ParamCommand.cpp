@@ -16,37 +16,46 @@
 #include "cli/terminal/Console.h"
 #include "cli/terminal/ShownText.h"
 #include "cli/terminal/TextTable.h"
+#include "cli/work/HookOutput.h"
 #include "cli/work/ResourceImport.h"
 #include "cli/work/StoreLock.h"
 #include "cli/work/TweakForReading.h"
-#include "tavlen/foundation/text/EscapedText.h"
 #include "tavlen/tweaks/Hook.h"
 
 namespace tavlen::cli {
 
 namespace {
 
+void addRows(TextTable& table, const std::string& address, const Parameter& parameter);
+
+void addRowsOfPairs(TextTable& table, const std::string& address,
+                    const DictionaryParameter& dictionary) {
+  const std::vector<std::string> values = addressesOfValues(dictionary, address);
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    // An address with the key says the key, too.
+    const std::string pair = address + "." + std::to_string(i);
+    if (values[i] == pair + ".value") addRows(table, pair + ".key", dictionary._items[i].key());
+    addRows(table, values[i], dictionary._items[i].value());
+  }
+}
+
 /// Adds a row with address and value for every parameter that contains no others.
 void addRows(TextTable& table, const std::string& address, const Parameter& parameter) {
   const auto* array = std::get_if<ArrayParameter>(&parameter);
   const auto* dictionary = std::get_if<DictionaryParameter>(&parameter);
-  const std::size_t count = array != nullptr        ? array->_items.size()
-                            : dictionary != nullptr ? dictionary->_items.size()
-                                                    : 0;
-  if (count == 0) table.addRow({address, typedText(parameter)});
-  for (std::size_t i = 0; i < count; ++i) {
-    const std::string item = address + "." + std::to_string(i);
-    if (array != nullptr) {
-      addRows(table, item, array->_items[i].value);
-    } else {
-      addRows(table, item + ".key", dictionary->_items[i].key());
-      addRows(table, item + ".value", dictionary->_items[i].value());
-    }
+  if (dictionary != nullptr && !dictionary->_items.empty()) {
+    addRowsOfPairs(table, address, *dictionary);
+  } else if (array != nullptr && !array->_items.empty()) {
+    for (std::size_t i = 0; i < array->_items.size(); ++i)
+      addRows(table, address + "." + std::to_string(i), array->_items[i].value);
+  } else {
+    table.addRow({address, typedText(parameter)});
   }
 }
 
 std::string table(const Hook& hook) {
-  TextTable table({"ADDRESS", "VALUE"}, TextTable::LastColumn::whole);
+  TextTable table({"ADDRESS", "VALUE"});
+  table.keepWhole();
   for (const auto& [index, box] : hook._args) addRows(table, std::to_string(index), box.value);
   return table.text();
 }
@@ -57,25 +66,17 @@ std::string shown(const Hook& hook, bool json) {
 }
 
 std::string shown(const Parameter& parameter, bool json) {
-  return (json ? shownJSON(ParameterContainer{parameter})
-               : escapedForTerminal(typedText(parameter))) +
-         "\n";
+  return (json ? shownJSON(ParameterContainer{parameter}) : typedText(parameter)) + "\n";
 }
 
-struct GetOptions {
-  ParamTarget target;
-  bool json = false;
-};
-
-Action getAction(const GetOptions& options) {
+Action getAction(const ParamTarget& target) {
   std::optional<ParameterAddress> address;
-  if (!options.target.address.empty()) address = parseParameterAddress(options.target.address);
-  return [options, address] {
-    const OpenedTweak tweak = tweakForReading(options.target.tweak);
-    printData(withPlace(options.target.place(), [&] {
-      const HookManager hook = hookArgument(tweak.opened(), options.target.hook);
-      return address ? shown(managerAt(hook, *address)->parameter(), options.json)
-                     : shown(hook.hook(), options.json);
+  if (!target.address.empty()) address = parseParameterAddress(target.address);
+  return [target, address] {
+    const OpenedTweak tweak = tweakForReading(target.tweak);
+    printData(withPlace(target.place(), [&] {
+      const Hook hook = hookArgument(tweak.opened(), target.hook).hook();
+      return address ? shown(parameterAt(hook, *address), target.json) : shown(hook, target.json);
     }));
     return 0;
   };
@@ -83,10 +84,10 @@ Action getAction(const GetOptions& options) {
 
 void addGet(Command group) {
   Command command = group.addCommand("get", "Print a parameter, or all parameters of the hook");
-  const auto options = std::make_shared<GetOptions>();
-  addParamTarget(command, options->target);
-  command.flag("--json", options->json, "Print JSON in the form of the manifest");
-  command.prepare([options] { return getAction(*options); });
+  const auto target = std::make_shared<ParamTarget>();
+  addParamTarget(command, *target);
+  command.flag("--json", target->json, "Print JSON in the form of the manifest");
+  command.prepare([target] { return getAction(*target); });
 }
 
 struct SetOptions {
@@ -98,16 +99,16 @@ Action setAction(const SetOptions& options) {
   const ParameterAddress address = parseParameterAddress(options.target.address);
   const TypedValue value = parseTypedValue(options.value.text, "VALUE");
   return [options, address, value] {
-    editHook(options.target, [&](const HookManager& hook) {
-      const auto manager = managerAt(hook, address);
-      std::vector<ResourceImport> imports =
-          importResources({&value, 1}, *hook.tweak, options.value.replaces);
-      // Check a nested address first, so that a wrong one leaves no file in the resources. Store
-      // the file before the parameter, so that the manifest never names a missing file.
-      if (!imports.empty() && !address.steps.empty()) manager->parameter();
-      for (ResourceImport& file : imports) file.commit();
-      manager->setParameter(value.parameter);
+    const Hook changed = editHook(options.target, [&](Hook& hook, const TweakFile& tweak) {
+      Parameter& parameter =
+          address.steps.empty() ? hook._args[address.argument].value : parameterAt(hook, address);
+      // Store the file before the parameter, so that the manifest never names a missing file.
+      for (ResourceImport& file : startImports({value}, tweak, options.value.replaces))
+        file.commit();
+      parameter = value.parameter;
+      return ParamRow{address.text, std::nullopt, ParameterContainer{value.parameter}};
     });
+    warnOfProblems(options.target.tweak, changed, address.argument);
     return 0;
   };
 }
@@ -115,7 +116,7 @@ Action setAction(const SetOptions& options) {
 void addSet(Command group) {
   Command command = group.addCommand("set", "Replace a parameter, or add one for an argument");
   const auto options = std::make_shared<SetOptions>();
-  addParamTarget(command, options->target).required();
+  addEditedParam(command, options->target);
   addParamValue(command, options->value);
   prepareEdit(command, options->target.tweak, [options] { return setAction(*options); });
 }

@@ -1,45 +1,45 @@
-#include <algorithm>
 #include <cstddef>
-#include <cstdint>
 #include <memory>
 #include <optional>
 #include <stdexcept>
 #include <string>
 #include <type_traits>
+#include <utility>
 #include <variant>
 #include <vector>
 
+#include "cli/arguments/ListPlace.h"
 #include "cli/arguments/ParameterAddress.h"
 #include "cli/arguments/TypedValue.h"
 #include "cli/arguments/UsageError.h"
 #include "cli/commands/Commands.h"
 #include "cli/commands/ParamArguments.h"
+#include "cli/work/HookOutput.h"
 #include "cli/work/ResourceImport.h"
 #include "cli/work/StoreLock.h"
-#include "tavlen/editing/ArrayParameterManager.h"
 #include "tavlen/tweaks/Hook.h"
 
 namespace tavlen::cli {
 
 namespace {
 
-/// Lets `change` edit the items of an array, or the pairs of a dictionary.
-template <class Change>
-void updateItems(const ParameterManager& collection, Change change) {
-  collection.updateParameter([&](Parameter& parameter) {
-    if (auto* array = std::get_if<ArrayParameter>(&parameter)) return change(array->_items);
-    if (auto* dictionary = std::get_if<DictionaryParameter>(&parameter))
-      return change(dictionary->_items);
-    throw ParameterError::typeMismatch(ArrayParameter::typeName, parameter);
-  });
+/// Returns what `edit` returns for the items of an array, or the pairs of a dictionary, at
+/// `address`.
+template <class Edit>
+ParamRow editItems(Hook& hook, const ItemAddress& address, std::size_t most, Edit edit) {
+  Parameter& collection = parameterAt(hook, address.collection);
+  const std::size_t index = indexOfItem(collection, address, most);
+  if (auto* array = std::get_if<ArrayParameter>(&collection)) return edit(array->_items, index);
+  return edit(std::get<DictionaryParameter>(collection)._items, index);
 }
 
-/// An iterator to `index` in `items`, which must be less than `count`.
 template <class Items>
-typename Items::iterator at(Items& items, std::int64_t index, std::size_t count) {
-  if (index < 0 || static_cast<std::uint64_t>(index) >= count)
-    throw ArrayParameterManager::Error::indexOutOfBounds(index);
+typename Items::iterator at(Items& items, std::size_t index) {
   return items.begin() + static_cast<std::ptrdiff_t>(index);
+}
+
+std::string addressOf(const ItemAddress& address, std::size_t index) {
+  return address.collection.shown() + "." + std::to_string(index);
 }
 
 /// A new item or pair for `items`, made from the user's values.
@@ -61,24 +61,30 @@ struct InsertOptions {
   std::optional<std::string> key;
 };
 
+ParamRow rowOf(std::string address, const std::optional<TypedValue>& key, const TypedValue& value) {
+  ParamRow row = {std::move(address), std::nullopt, ParameterContainer{value.parameter}};
+  if (key) row.key = ParameterContainer{key->parameter};
+  return row;
+}
+
 Action insertAction(const InsertOptions& options) {
   const ItemAddress address = parseItemAddress(options.target.address);
   const TypedValue value = parseTypedValue(options.value.text, "VALUE");
   std::optional<TypedValue> key;
   if (options.key) key = parseTypedValue(*options.key, "--key");
   return [options, address, value, key] {
-    editHook(options.target, [&](const HookManager& hook) {
-      std::vector<TypedValue> values = {value};
-      if (key) values.push_back(*key);
-      std::vector<ResourceImport> imports =
-          importResources(values, *hook.tweak, options.value.replaces);
-      updateItems(*managerAt(hook, address.collection), [&](auto& items) {
-        const auto place =
-            address.index ? at(items, *address.index, items.size() + 1) : items.end();
-        items.insert(place, newItem(items, key, value));
-        for (ResourceImport& file : imports) file.commit();
+    const Hook changed = editHook(options.target, [&](Hook& hook, const TweakFile& tweak) {
+      return editItems(hook, address, 1, [&](auto& items, std::size_t index) {
+        auto item = newItem(items, key, value);
+        std::vector<TypedValue> values = {value};
+        if (key) values.push_back(*key);
+        for (ResourceImport& file : startImports(values, tweak, options.value.replaces))
+          file.commit();
+        items.insert(at(items, index), std::move(item));
+        return rowOf(addressOf(address, index), key, value);
       });
     });
+    warnOfProblems(options.target.tweak, changed, address.collection.argument);
     return 0;
   };
 }
@@ -86,40 +92,32 @@ Action insertAction(const InsertOptions& options) {
 void addInsert(Command group) {
   Command command = group.addCommand("insert", "Insert into an array or a dictionary");
   const auto options = std::make_shared<InsertOptions>();
-  addParamTarget(command, options->target, "Where to insert: 2.0.value.3, or 2.0.value.end")
-      .required();
+  addEditedParam(command, options->target, "Where to insert: 2.tags.3, or 2.tags.end");
   addParamValue(command, options->value);
   command.text("--key", options->key, "The key of a dictionary's new pair, written like VALUE")
       .typeName("VALUE");
   prepareEdit(command, options->target.tweak, [options] { return insertAction(*options); });
 }
 
-/// The item's index. Throws UsageError for "end", at which no item exists.
-std::int64_t indexOf(const ItemAddress& address, const ParamTarget& target) {
-  if (address.index) return *address.index;
-  throw UsageError("ADDRESS", target.address + ": expected an index at its end");
-}
-
-void removeArgument(const HookManager& manager, std::int64_t argument) {
-  manager.updateHook([&](Hook& hook) {
-    if (hook._args.erase(argument) == 0) throw ParameterError::notFound(argument, manager.tweak);
-  });
-}
-
 Action removeAction(const ParamTarget& target) {
   const ParameterAddress whole = parseParameterAddress(target.address);
   if (whole.steps.empty()) {
     return [target, whole] {
-      editHook(target, [&](const HookManager& hook) { removeArgument(hook, whole.argument); });
+      editHook(target, [&](Hook& hook, const TweakFile& /*tweak*/) {
+        parameterAt(hook, whole);
+        hook._args.erase(whole.argument);
+        return ParamRow{whole.text, std::nullopt, std::nullopt};
+      });
       return 0;
     };
   }
   const ItemAddress address = parseItemAddress(target.address);
-  const std::int64_t index = indexOf(address, target);
-  return [target, address, index] {
-    editHook(target, [&](const HookManager& hook) {
-      updateItems(*managerAt(hook, address.collection),
-                  [&](auto& items) { items.erase(at(items, index, items.size())); });
+  return [target, address] {
+    editHook(target, [&](Hook& hook, const TweakFile& /*tweak*/) {
+      return editItems(hook, address, 0, [&](auto& items, std::size_t index) {
+        items.erase(at(items, index));
+        return ParamRow{addressOf(address, index), std::nullopt, std::nullopt};
+      });
     });
     return 0;
   };
@@ -129,7 +127,7 @@ void addRemove(Command group) {
   Command command =
       group.addCommand("remove", "Remove an item or a pair, or stop replacing an argument");
   const auto target = std::make_shared<ParamTarget>();
-  addParamTarget(command, *target, "The argument, the item or the pair: -1, 0.3").required();
+  addEditedParam(command, *target, "The argument, the item or the pair: -1, 0.3, 0.tags");
   prepareEdit(command, target->tweak, [target] { return removeAction(*target); });
 }
 
@@ -140,18 +138,15 @@ struct MoveOptions {
 
 Action moveAction(const MoveOptions& options) {
   const ItemAddress address = parseItemAddress(options.target.address);
-  const std::int64_t from = indexOf(address, options.target);
-  const std::int64_t to = parseIndex(options.to, "TO");
-  return [options, address, from, to] {
-    editHook(options.target, [&](const HookManager& hook) {
-      updateItems(*managerAt(hook, address.collection), [&](auto& items) {
-        const auto item = at(items, from, items.size());
-        const auto place = at(items, to, items.size());
-        if (item < place) {
-          std::rotate(item, item + 1, place + 1);
-        } else {
-          std::rotate(place, item, item + 1);
-        }
+  if (!address.item)
+    throw UsageError("ADDRESS", options.target.address + ": expected an index or a key at its end");
+  const ListPlace to = parseListPlace(options.to, "TO");
+  return [options, address, to] {
+    editHook(options.target, [&](Hook& hook, const TweakFile& /*tweak*/) {
+      return editItems(hook, address, 0, [&](auto& items, std::size_t from) {
+        const std::size_t place = indexOf(to, items.size());
+        moveItem(items, from, place);
+        return ParamRow{addressOf(address, place), std::nullopt, std::nullopt};
       });
     });
     return 0;
@@ -161,8 +156,8 @@ Action moveAction(const MoveOptions& options) {
 void addMove(Command group) {
   Command command = group.addCommand("move", "Move an item or a pair within its collection");
   const auto options = std::make_shared<MoveOptions>();
-  addParamTarget(command, options->target, "The item or the pair: 0.3").required();
-  command.text("TO", options->to, "Its new index").required();
+  addEditedParam(command, options->target, "The item or the pair: 0.3, 0.tags");
+  command.text("TO", options->to, kListPlaceHelp).required();
   prepareEdit(command, options->target.tweak, [options] { return moveAction(*options); });
 }
 

@@ -46,16 +46,15 @@ void addFiles(FieldList& fields, const TweakFile& tweak) {
 }
 
 void addContents(FieldList& fields, const TweakFile::Opened& tweak) {
-  const auto& [file, manifest] = tweak;
   std::vector<std::string> hooks;
-  for (const Hook& hook : manifest.hooks()) hooks.push_back(methodText(hook.identity()));
+  for (const Hook& hook : tweak.manifest.hooks()) hooks.push_back(methodText(hook.identity()));
   std::vector<std::string> overrides;
-  for (const Override& override_ : manifest.overrides()) {
+  for (const Override& override_ : tweak.manifest.overrides()) {
     overrides.push_back(localizedName(override_));
   }
   fields.addAll("Hooks", hooks);
   fields.addAll("Overrides", overrides);
-  addFiles(fields, *file);
+  addFiles(fields, *tweak.file);
 }
 
 void addContents(FieldList& fields, const TweakCollection::Opened& collection) {
@@ -109,7 +108,7 @@ ItemForReading openedOrShown(const std::string& name, bool json) {
 }
 
 int show(const std::string& name, bool json) {
-  const auto [opened, path, folder] = openedOrShown(name, json);
+  const auto [opened, path, folder, source] = openedOrShown(name, json);
   const std::shared_ptr<TweakProtocol> item = opened.item();
   const TweakConfiguration configuration = opened.configuration();
   const bool isInstalled = isActiveTweak(configuration.bundleID(), item->id());

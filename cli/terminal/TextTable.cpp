@@ -37,7 +37,8 @@ TextTable::TextTable(std::vector<std::string> titles, LastColumn last) : last_(l
 void TextTable::addRow(const std::vector<std::string>& cells) {
   std::vector<std::string>& row = rows_.emplace_back();
   for (const std::string& cell : cells) {
-    const bool isWhole = last_ == LastColumn::whole && row.size() + 1 == cells.size();
+    const bool isWhole =
+        cutsNothing_ || (last_ == LastColumn::whole && row.size() + 1 == cells.size());
     row.push_back(isWhole ? escapedForTerminal(cell) : cut(escapedForTerminal(cell)));
   }
 }

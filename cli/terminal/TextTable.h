@@ -14,6 +14,9 @@ class TextTable {
   /// `titles` are the column titles, in UTF-8.
   explicit TextTable(std::vector<std::string> titles, LastColumn last = LastColumn::cut);
 
+  /// From now on, no cell is cut, whatever its column.
+  void keepWhole() { cutsNothing_ = true; }
+
   /// Adds a row. The number of `cells` must match the titles. Control characters are escaped.
   void addRow(const std::vector<std::string>& cells);
 
@@ -23,6 +26,7 @@ class TextTable {
  private:
   std::vector<std::vector<std::string>> rows_;  ///< the titles first
   LastColumn last_;
+  bool cutsNothing_ = false;
 };
 
 }  // namespace tavlen::cli

@@ -1,86 +1,125 @@
 #include "cli/work/DumpOutput.h"
 
 #include <cstddef>
-#include <tuple>
+#include <string_view>
 #include <utility>
 
 #include "cli/terminal/CountText.h"
 #include "cli/terminal/ShownText.h"
 #include "tavlen/foundation/text/Unicode.h"
 
-namespace tavlen::cli {
+namespace tavlen {
+
+namespace cli {
 
 namespace {
 
-struct CategoryRow {
-  SharedText className;
-  SharedText name;
-  ObjCClass::Methods methods;
-  std::vector<SharedText> protocols;
-
-  static constexpr auto codedFields() {
-    return std::tuple{requiredField("className", &CategoryRow::className),
-                      requiredField("name", &CategoryRow::name),
-                      requiredField("methods", &CategoryRow::methods),
-                      requiredField("protocols", &CategoryRow::protocols)};
-  }
-};
-
-struct ImageRow {
-  std::string path;
-  std::optional<std::string> architecture;
-  ClassParser::Classes classes;
-  std::vector<CategoryRow> categories;
-  std::vector<std::string> diagnostics;
-  std::optional<std::string> error;
-
-  static constexpr auto codedFields() {
-    return std::tuple{requiredField("path", &ImageRow::path),
-                      optionalField("architecture", &ImageRow::architecture),
-                      requiredField("classes", &ImageRow::classes),
-                      requiredField("categories", &ImageRow::categories),
-                      requiredField("diagnostics", &ImageRow::diagnostics),
-                      optionalField("error", &ImageRow::error)};
-  }
-};
-
+/// A dump as `--json` prints it.
 struct DumpRow {
-  std::vector<ImageRow> images;
-  std::vector<std::string> diagnostics;
-
-  static constexpr auto codedFields() {
-    return std::tuple{requiredField("images", &DumpRow::images),
-                      requiredField("diagnostics", &DumpRow::diagnostics)};
-  }
+  const ClassDump& dump;
 };
 
-std::vector<std::string> wellFormed(std::vector<std::string> texts) {
-  for (std::string& text : texts) text = wellFormedUTF8(text);
-  return texts;
-}
+/// Writes the records directly: an app may have some hundred thousand of them.
+class DumpEncoder {
+ public:
+  explicit DumpEncoder(Encoder& encoder) : encoder_(encoder) {}
 
-ImageRow rowOf(const ImageDump& image) {
-  ImageRow row;
-  row.path = wellFormedUTF8(image.path);
-  row.architecture = image.architecture;
-  row.classes = image.classes;
-  for (const StaticClassParser::Category& category : image.categories) {
-    row.categories.push_back(
-        {category.className, category.name, category.methods, category.protocols});
+  void write(const ClassDump& dump) {
+    record([&] {
+      list("images", dump.images, [&](const ImageDump& image) { write(image); });
+      texts("diagnostics", dump.faults);
+    });
   }
-  row.diagnostics = wellFormed(image.diagnostics);
-  if (image.error) row.error = wellFormedUTF8(*image.error);
-  return row;
-}
+
+ private:
+  void record(auto members) {
+    encoder_.beginRecord();
+    members();
+    encoder_.endRecord();
+  }
+
+  void list(std::string_view key, const auto& elements, auto write) {
+    encoder_.key(key);
+    encoder_.beginArray(elements.size());
+    for (const auto& element : elements) write(element);
+    encoder_.endArray();
+  }
+
+  void text(std::string_view key, std::string_view value) {
+    encoder_.key(key);
+    encoder_.string(value);
+  }
+  void optionalText(std::string_view key, const std::optional<SharedText>& value) {
+    if (value) text(key, std::string_view(*value));
+  }
+
+  /// Names of files may be any bytes.
+  void texts(std::string_view key, const std::vector<std::string>& values) {
+    list(key, values, [&](const std::string& each) { encoder_.string(wellFormedUTF8(each)); });
+  }
+  void texts(std::string_view key, const std::vector<SharedText>& values) {
+    list(key, values, [&](std::string_view each) { encoder_.string(each); });
+  }
+
+  void write(const ImageDump& image) {
+    record([&] {
+      text("path", wellFormedUTF8(image.path));
+      if (image.architecture) text("architecture", *image.architecture);
+      list("classes", image.classes, [&](const auto& cls) { write(*cls); });
+      list("categories", image.categories, [&](const auto& category) { write(category); });
+      texts("diagnostics", image.diagnostics);
+      if (image.error) text("error", wellFormedUTF8(*image.error));
+    });
+  }
+
+  void write(const ObjCClass& cls) {
+    record([&] {
+      text("name", std::string_view(cls.name));
+      optionalText("superclass", cls.supercls);
+      optionalText("superclassPath", cls.superclassPath);
+      optionalText("mangledSuperclass", cls.mangledSuperclass);
+      texts("protocols", cls.protocols);
+      write(cls.name, cls.methods);
+    });
+  }
+
+  void write(const StaticClassParser::Category& category) {
+    record([&] {
+      text("class", std::string_view(category.className));
+      text("name", std::string_view(category.name));
+      texts("protocols", category.protocols);
+      write(category.className, category.methods);
+    });
+  }
+
+  void write(std::string_view className, const ObjCClass::Methods& methods) {
+    list("methods", methods, [&](const auto& method) {
+      record([&] {
+        text("method",
+             methodText({std::string(className), method->selector.str(), method->isClassMethod}));
+        text("selector", std::string_view(method->selector));
+        text("signature", std::string_view(method->encoding));
+      });
+    });
+  }
+
+  Encoder& encoder_;
+};
 
 }  // namespace
 
-void printDump(const ClassDump& dump) {
-  DumpRow row;
-  for (const ImageDump& image : dump.images) row.images.push_back(rowOf(image));
-  row.diagnostics = wellFormed(dump.faults);
-  printJSON(row);
-}
+}  // namespace cli
+
+template <>
+struct Coding<cli::DumpRow> {
+  static void encode(Encoder& encoder, const cli::DumpRow& row) {
+    cli::DumpEncoder(encoder).write(row.dump);
+  }
+};
+
+namespace cli {
+
+void printDump(const ClassDump& dump) { printJSON(DumpRow{dump}); }
 
 void printCounts(const ClassDump& dump) {
   std::size_t classes = 0;
@@ -95,4 +134,6 @@ void printCounts(const ClassDump& dump) {
               countText(dump.images.size(), "image", "images"));
 }
 
-}  // namespace tavlen::cli
+}  // namespace cli
+
+}  // namespace tavlen

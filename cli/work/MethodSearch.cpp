@@ -1,10 +1,15 @@
 #include "cli/work/MethodSearch.h"
 
 #include <algorithm>
+#include <span>
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
 #include <utility>
+#include <vector>
+
+#include "tavlen/foundation/base/FunctionRef.h"
+#include "tavlen/foundation/text/Suggestion.h"
 
 namespace tavlen::cli {
 
@@ -112,6 +117,21 @@ class Search {
   std::unordered_set<const ObjCMethod*> inherited_;
 };
 
+/// Calls `visit` with the class's name and the methods of each class and each category.
+void forEachOwner(const ClassDump& dump,
+                  FunctionRef<void(std::string_view className, const Methods&)> visit) {
+  for (const ImageDump& image : dump.images) {
+    for (const auto& cls : image.classes) visit(cls->name, cls->methods);
+    for (const auto& category : image.categories) visit(category.className, category.methods);
+  }
+}
+
+/// "; did you mean ...?", or nothing if no name is similar.
+std::string similarText(std::string_view name, std::span<const std::string_view> known) {
+  const auto closest = closestName(name, known);
+  return closest ? "; did you mean \"" + std::string(*closest) + "\"?" : "";
+}
+
 }  // namespace
 
 ClassDump methodsFound(const ClassDump& dump, const MethodQuery& query) {
@@ -132,33 +152,47 @@ ClassDump methodsFound(const ClassDump& dump, const MethodQuery& query) {
 }
 
 bool hasClass(const ClassDump& dump, const std::string& name) {
-  return std::any_of(dump.images.begin(), dump.images.end(), [&](const ImageDump& image) {
-    const auto isNamed = [&](const auto& cls) { return cls->name == name; };
-    const auto extends = [&](const auto& category) { return category.className == name; };
-    return std::any_of(image.classes.begin(), image.classes.end(), isNamed) ||
-           std::any_of(image.categories.begin(), image.categories.end(), extends);
+  bool isFound = false;
+  forEachOwner(dump, [&](std::string_view className, const Methods& /*methods*/) {
+    isFound = isFound || className == name;
   });
+  return isFound;
 }
 
 std::shared_ptr<ObjCMethod> ownMethod(const ClassDump& dump, const MethodIdentity& identity) {
-  const auto isIt = [&](const std::shared_ptr<ObjCMethod>& method) {
-    return method->selector == identity.selector && method->isClassMethod == identity.isClassMethod;
-  };
-  const auto in = [&](const Methods& methods) -> std::shared_ptr<ObjCMethod> {
-    const auto place = std::find_if(methods.begin(), methods.end(), isIt);
-    return place == methods.end() ? nullptr : *place;
-  };
-  for (const ImageDump& image : dump.images) {
-    for (const auto& cls : image.classes) {
-      if (cls->name != identity.className) continue;
-      if (auto method = in(cls->methods)) return method;
+  std::shared_ptr<ObjCMethod> found;
+  forEachOwner(dump, [&](std::string_view className, const Methods& methods) {
+    if (found || className != identity.className) return;
+    const auto place = std::find_if(methods.begin(), methods.end(), [&](const auto& method) {
+      return method->selector == identity.selector &&
+             method->isClassMethod == identity.isClassMethod;
+    });
+    if (place != methods.end()) found = *place;
+  });
+  return found;
+}
+
+std::string missingMethodText(const ClassDump& dump, const MethodIdentity& identity) {
+  if (!hasClass(dump, identity.className)) return missingClassText(dump, identity.className);
+  std::vector<std::string> texts;
+  forEachOwner(dump, [&](std::string_view className, const Methods& methods) {
+    if (className != identity.className) return;
+    for (const auto& method : methods) {
+      texts.push_back(
+          methodText({std::string(className), method->selector.str(), method->isClassMethod}));
     }
-    for (const auto& category : image.categories) {
-      if (category.className != identity.className) continue;
-      if (auto method = in(category.methods)) return method;
-    }
-  }
-  return nullptr;
+  });
+  const std::vector<std::string_view> known(texts.begin(), texts.end());
+  return identity.className + " has no method " + methodText(identity) + " of its own" +
+         similarText(methodText(identity), known);
+}
+
+std::string missingClassText(const ClassDump& dump, const std::string& name) {
+  std::vector<std::string_view> known;
+  forEachOwner(dump, [&](std::string_view className, const Methods& /*methods*/) {
+    known.push_back(className);
+  });
+  return "defines no class " + name + similarText(name, known);
 }
 
 }  // namespace tavlen::cli

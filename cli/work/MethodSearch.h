@@ -32,4 +32,10 @@ bool hasClass(const ClassDump& dump, const std::string& name);
 /// The first method of the class itself with that identity; null without a match.
 std::shared_ptr<ObjCMethod> ownMethod(const ClassDump& dump, const MethodIdentity& identity);
 
+/// Why ownMethod() finds nothing: the class or its method is missing; with the most similar name,
+/// if one is similar.
+std::string missingMethodText(const ClassDump& dump, const MethodIdentity& identity);
+/// "defines no class NAME", with the most similar name, if one is similar.
+std::string missingClassText(const ClassDump& dump, const std::string& name);
+
 }  // namespace tavlen::cli

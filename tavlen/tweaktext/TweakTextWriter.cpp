@@ -34,11 +34,7 @@ TOMLNode nodeFromGlyph(const TweakGlyph& glyph) {
 std::string declarationOf(const Hook& hook) {
   // Types are seldom much shorter as encodings.
   if (hook.signature.size() > 2 * kLongestDeclaration) return "";
-  constexpr std::string_view kNoBreakSpace = "\xC2\xA0";
-  std::string declaration = hook.method()->description();
-  const std::size_t space = declaration.find(kNoBreakSpace);
-  const bool isFollowed = declaration.substr(space + kNoBreakSpace.size()).starts_with(' ');
-  declaration.replace(space, kNoBreakSpace.size(), isFollowed ? "" : " ");
+  std::string declaration = hook.method()->plainDeclaration();
   return declaration.size() <= kLongestDeclaration ? declaration : "";
 }
 

@@ -57,8 +57,8 @@ TEST_F(ClassCommandTest, ListsTheClassesOfAnImage) {
   EXPECT_EQ(run("classes image.so --match LSApp").out, "") << "names fit as a whole";
   EXPECT_THAT(run("classes image.so --match LSApplicationWorkspace --json").out,
               AllOf(StartsWith(R"({"images":[{"path":"image.so","classes":[{"name":)"
-                               R"("LSApplicationWorkspace","methods":[{"selector":)"),
-                    HasSubstr(R"("supercls":"NSObject","superclassPath":)"),
+                               R"("LSApplicationWorkspace","superclass":"NSObject",)"
+                               R"("superclassPath":)"),
                     EndsWith(R"("categories":[],"diagnostics":[]}],"diagnostics":[]})"
                              "\n")));
 }
@@ -66,18 +66,22 @@ TEST_F(ClassCommandTest, ListsTheClassesOfAnImage) {
 TEST_F(ClassCommandTest, ListsTheMethodsOfAClass) {
   const Result methods = run("methods LSApplicationWorkspace --in image.so");
   EXPECT_EQ(methods.err, "");
-  EXPECT_EQ(methods.out, "-\u00A0 (id)allApplications\n+\u00A0 (id)defaultWorkspace\n");
+  EXPECT_EQ(methods.out,
+            "-[LSApplicationWorkspace allApplications]\t- (id)allApplications\n"
+            "+[LSApplicationWorkspace defaultWorkspace]\t+ (id)defaultWorkspace\n");
   EXPECT_THAT(run("methods LSApplicationWorkspace --in image.so --match all* --json").out,
-              HasSubstr(R"("methods":[{"selector":"allApplications","encoding":"@16@0:8",)"
-                        R"("isClassMethod":false}])"));
+              HasSubstr(R"("methods":[{"method":"-[LSApplicationWorkspace allApplications]",)"
+                        R"("selector":"allApplications","signature":"@16@0:8"}])"));
   const Result missing = run("methods NSObject --in image.so");
   EXPECT_EQ(missing.status, 1);
   EXPECT_EQ(missing.err, "tavlen: error: image.so: defines no class NSObject\n");
+  EXPECT_THAT(run("methods LSApplicationWorkspce --inherited --in image.so").err,
+              HasSubstr("; did you mean \"LSApplicationWorkspace\"?\n"));
 }
 
 TEST_F(ClassCommandTest, AHookTakesItsTypesFromTheImage) {
   const Result added =
-      run("hook add ./T --method '-[LSApplicationProxy objectForInfoDictionaryKey:ofClass:]' --in "
+      run("hook add ./T '-[LSApplicationProxy objectForInfoDictionaryKey:ofClass:]' --in "
           "image.so --name Key");
   EXPECT_EQ(added.status, 0);
   EXPECT_EQ(added.out + added.err, "");
@@ -90,18 +94,19 @@ TEST_F(ClassCommandTest, AHookTakesItsTypesFromTheImage) {
   const std::string workspace = "LSApplicationWorkspace";
   expectRefused(
       "hook add ./T",
-      {{"--method '-[" + workspace + " defaultWorkspace]' --in image.so", 1,
-        "image.so: " + workspace + " has no method -[" + workspace + " defaultWorkspace]"},
-       {"--method '-[Nobody x]' --in image.so", 1, "image.so: defines no class Nobody"},
-       {"--method '-[Nobody]' --in image.so", 2, "--method"},
-       {"--method '[Nobody x]' --in image.so", 2, "--method"},
-       {"--method '-[Nobody x]'", 2, ""},
-       {"A b --signature v16@0:8 --in image.so", 2, "--in"},
-       {"A b --method '-[A b]' --in image.so", 2, "CLASS and --method cannot be given together"},
-       {"A b --signature v16@0:8 --parser remote", 2, ""},
-       {"A b --signature v16@0:8 --timeout 1", 2, ""},
-       {"A b", 2, "--signature"},
-       {"--signature v16@0:8", 2, "CLASS"}});
+      {{"'-[" + workspace + " defaultWorkspace]' --in image.so", 1,
+        "image.so: " + workspace + " has no method -[" + workspace +
+            " defaultWorkspace] of its own; did you mean \"+[" + workspace +
+            " defaultWorkspace]\"?\n"},
+       {"'-[Nobody x]' --in image.so", 1, "image.so: defines no class Nobody"},
+       {"'-[Nobody]' --in image.so", 2, "METHOD: not '-[Class"},
+       {"'[Nobody x]' --in image.so", 2, "METHOD: not '-[Class"},
+       {"'-[A b]'", 1,
+        "./T: the method's types are not known from its app a.b: IPA not found with"},
+       {"'-[A b]' --signature v16@0:8 --in image.so", 2, "--signature and --in cannot be"},
+       {"'-[A b]' --signature v16@0:8 --parser remote", 2, ""},
+       {"'-[A b]' --signature v16@0:8 --timeout 1", 2, ""},
+       {"--signature v16@0:8", 2, "METHOD is missing"}});
   EXPECT_EQ(manifest(), before);
 }
 
@@ -145,7 +150,7 @@ TEST_F(ClassCommandTest, AnImageThatEndsItsProcessOrAnswersForItEndsOnlyTheDump)
   const std::string ended = ": the image ended the process that loaded it ";
   setEnvironment(fault("exit"));
   expectRefused("", {{"classes fault.so", 1, "fault.so" + ended + "(exit status 0)\n"},
-                     {"hook add ./T --method '+[SampleLoaded load]' --in fault.so", 1,
+                     {"hook add ./T '+[SampleLoaded load]' --in fault.so", 1,
                       "fault.so" + ended + "(exit status 0)\n"}});
   EXPECT_EQ(manifest(), before);
   setEnvironment(fault("answer"));
@@ -207,7 +212,8 @@ TEST_F(ClassCommandTest, AsksAnAppOnTheAgentPort) {
   EXPECT_THAT(dump.until(), HasSubstr(" 0 %"));
   std::string line = dump.until();
   while (!line.empty() && line.find("add:") == line.npos) line = dump.until();
-  EXPECT_THAT(line, EndsWith("\r\x1B[K-\u00A0 (int)add:(int) to:(int)\r")) << "the bar is gone";
+  EXPECT_THAT(line, EndsWith("\r\x1B[K-[DumpedProbe add:to:]\t- (int)add:(int) to:(int)\r"))
+      << "the bar is gone";
   EXPECT_EQ(dump.status(), 0);
 }
 
@@ -229,9 +235,8 @@ TEST_F(ClassCommandTest, AnInterruptEndsARequestOnTheAgentPort) {
     }
     dump.signal(SIGINT);
     const std::string rest = dump.until();
-    const std::string error = columns == 0 ? "error" : "\x1B[1;31merror\x1B[m";
-    EXPECT_THAT(rest, EndsWith(newLine + "tavlen: " + error + ": " + image +
-                               ": Operation canceled" + (columns == 0 ? "" : "\r")));
+    EXPECT_THAT(rest, EndsWith(newLine + "tavlen: error: " + image + ": Operation canceled" +
+                               (columns == 0 ? "" : "\r")));
     EXPECT_EQ(dump.status(), 1);
   }
   RunningCommand dump({"classes", image, "--parser", "remote", "--timeout", "0.25"}, service(""));
@@ -242,16 +247,14 @@ TEST_F(ClassCommandTest, AnInterruptEndsARequestOnTheAgentPort) {
 using TypeCommandTest = CommandTest;
 
 TEST_F(TypeCommandTest, AnswersEveryArgumentWithALine) {
-  const Result result =
-      run("type {CGRect={CGPoint=dd}{CGSize=dd}} [4i] [2[3i],i] ^? '' (U=if) list",
-          {"@\"a\nb\x1B\xFF\"", "@\"a,b\"", "v24@0:8@16"});
+  const Result result = run("type {CGRect={CGPoint=dd}{CGSize=dd}} [4i] [2[3i]] ^? (U=if) l",
+                            {"@\"a\nb\x1B\xFF\"", "@\"a,b\""});
   EXPECT_EQ(result.status, 0) << result.err;
   EXPECT_EQ(result.out,
             "struct CGRect { struct CGPoint { double field1; double field2; } field1; "
             "struct CGSize { double field1; double field2; } field2; }\n"
-            "int[4]\nint[2][3]\nvoid (*)(void)\n\nunion U { int field1; float field2; }\nlong\n"
-            "a\\nb\\x1b\xEF\xBF\xBD *\na,b *\nvoid\n");
-  EXPECT_EQ(run("type -- -i --json").out, "void\nvoid\n");
+            "int[4]\nint[2][3]\nvoid (*)(void)\nunion U { int field1; float field2; }\nlong\n"
+            "a\\nb\\x1b\xEF\xBF\xBD *\na,b *\n");
   EXPECT_EQ(run("type").status, 2);
   EXPECT_EQ(run("type i --jsno").status, 2);
   EXPECT_THAT(run("type --help").out, HasSubstr("ENCODING..."));
@@ -261,21 +264,51 @@ TEST_F(TypeCommandTest, AnswersEveryLineOfTheInputWithALine) {
   const struct {
     std::string input;
     std::string answers;
+    std::string errors = "";
   } rows[] = {
       {"", ""},
       {"\n", "\n"},
       {"i\n\nq", "int\n\nlong long\n"},
       {"{A=dd\r\n\r\n[4i]\n", "struct A { double field1; double field2; }\n\nint[4]\n"},
-      {"-\n\xFF\n", "void\nvoid\n"},
+      {"-\ni\n@\"\u00E9\"x\n", "\nint\n\n",
+       "-:1:1: error: no type begins with this character\n"
+       "-:3:5: error: the type ends before this character\n"},
   };
-  for (const auto& [input, answers] : rows) {
+  for (const auto& [input, answers, errors] : rows) {
     write("lines", input);
     setInput("lines");
     const Result result = run("type -");
-    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_EQ(result.status, errors.empty() ? 0 : 1);
+    EXPECT_EQ(result.err, errors);
     EXPECT_EQ(result.out, answers);
   }
   EXPECT_EQ(run("type -", {}, "/dev/full").status, 1);
+}
+
+TEST_F(TypeCommandTest, RefusesWhatIsNoWholeType) {
+  const Result result = run("type i v24@0:8@16 list r", {"", "\xFF"});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.out, "int\n\n\n\n\n\n");
+  const std::string start = "tavlen: error: ";
+  const std::string rest = ": the type ends before this character";
+  EXPECT_EQ(result.err, start + "\"v24@0:8@16\": character 2" + rest +
+                            "; --method prints the declaration of a method with these types\n" +
+                            start + "\"list\": character 2" + rest + "\n" + start +
+                            "\"r\": character 2: expected a type\n" + start +
+                            "\"\": character 1: expected a type\n" + start +
+                            "\"\uFFFD\": character 1: no type begins with this character\n");
+}
+
+TEST_F(TypeCommandTest, PrintsTheDeclarationOfAMethod) {
+  const Result result = run("type v24@0:8@16 v16@0:8 i --method '+[C foo:]'");
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.out, "+ (void)foo:(id)\n+ (void)foo:\n\n");
+  EXPECT_EQ(result.err,
+            "tavlen: warning: \"v16@0:8\" has 0 arguments, the selector \"foo:\" takes 1\n"
+            "tavlen: error: \"i\" is not a method's type encoding\n");
+  EXPECT_EQ(run("type v16@0:8 --json --method '-[C foo]'").out,
+            R"([{"method":"-[C foo]","class":"C","selector":"foo","signature":"v16@0:8",)"
+            "\"declaration\":\"- (void)foo\"}]\n");
 }
 
 TEST_F(TypeCommandTest, PrintsTreesAsJSON) {

@@ -231,7 +231,7 @@ TEST_F(CommandStoreTest, EachCommandOpensATweaksDocumentOnce) {
   std::string collection = run("collection new C --app com.example.notes").out;
   collection.pop_back();
   OpenCount opens(folder() / stored(id), "Manifest.json");
-  for (const std::string& command : {std::string("hook add Tweak A b --signature v16@0:8"),
+  for (const std::string& command : {std::string("hook add Tweak '-[A b]' --signature v16@0:8"),
                                      std::string("hook list Tweak"),
                                      std::string("hook set Tweak '-[A b]' --name N"),
                                      std::string("param set Tweak N 0 nil"),

@@ -32,7 +32,7 @@ TEST_F(StoreLockTest, NoneOfManyConcurrentEditsIsLost) {
   std::vector<std::unique_ptr<RunningCommand>> commands;
   for (int i = 0; i < 16; ++i) {
     commands.push_back(
-        start({"hook", "add", "T", "A", "b" + std::to_string(i), "--signature", "v16@0:8"}));
+        start({"hook", "add", "T", "-[A b" + std::to_string(i) + "]", "--signature", "v16@0:8"}));
   }
   for (const auto& command : commands) EXPECT_EQ(command->status(), 0);
   const std::string hooks = run("hook list T").out;
@@ -42,7 +42,7 @@ TEST_F(StoreLockTest, NoneOfManyConcurrentEditsIsLost) {
 TEST_F(StoreLockTest, EveryEditWaitsAndNothingElseDoes) {
   const std::string id = newTweak("T");
   EXPECT_EQ(run("collection new C --app com.example.notes").status, 0);
-  EXPECT_EQ(run("hook add T A b --signature v16@0:8").status, 0);
+  EXPECT_EQ(run("hook add T '-[A b]' --signature v16@0:8").status, 0);
   EXPECT_EQ(run("export T").status, 0);
   writeTweak("outside", "");
   write("script", "x();");
@@ -50,7 +50,7 @@ TEST_F(StoreLockTest, EveryEditWaitsAndNothingElseDoes) {
   environment({"EDITOR=f() { echo y >\"$1\"; }; f"});
   const std::string edits[] = {"new N --app a.b",
                                "collection new N --app a.b",
-                               "hook add T A c --signature v",
+                               "hook add T '-[A c]' --signature v",
                                "hook set T '-[A b]' --name N",
                                "hook remove T '-[A b]'",
                                "param set T '-[A b]' -1 nil",

@@ -85,4 +85,11 @@ std::string ObjCMethod::description(JXTypeBodies bodies) const {
   return description({}, {}, {}, bodies).plain();
 }
 
+std::string ObjCMethod::plainDeclaration(JXTypeBodies bodies) const {
+  std::string declaration = description(bodies);
+  const std::size_t space = declaration.find(kNoBreakSpace);
+  const bool isFollowed = declaration.compare(space + kNoBreakSpace.size(), 1, " ") == 0;
+  return declaration.replace(space, kNoBreakSpace.size(), isFollowed ? "" : " ");
+}
+
 }  // namespace tavlen

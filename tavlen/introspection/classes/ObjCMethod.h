@@ -42,6 +42,9 @@ class ObjCMethod {
                          JXTypeBodies bodies = JXTypeBodies::all) const;
   /// The same text without styles.
   std::string description(JXTypeBodies bodies = JXTypeBodies::all) const;
+  /// The same with a plain blank after the sign instead of the no-break space and another blank,
+  /// for texts that are searched and pasted: "- (void)setObject:(id)".
+  std::string plainDeclaration(JXTypeBodies bodies = JXTypeBodies::all) const;
 
   /// The coded fields.
   static constexpr auto codedFields() {

@@ -71,7 +71,8 @@ bool isArchive(const std::string& text) {
 }
 
 std::string targetBundleID(const std::string& text) {
-  if (!isArchive(text)) return bundleIDOf(text);
+  // The name of an archive that is missing is no identifier.
+  if (!isArchive(text) && fs::path(text).extension() != ".ipa") return bundleIDOf(text);
   return readInfo(*AppForReading(text, AppForReading::Files::info).ipa()).bundleID;
 }
 

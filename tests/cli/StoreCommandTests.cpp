@@ -36,6 +36,7 @@ TEST_F(CommandStoreTest, NewMakesATweakOrSaysWhatIsWrong) {
                         {"\xFF --app x", 2, "NAME: it is not UTF-8\n"},
                         {"'' --app x", 2, "NAME: it is empty\n"},
                         {"A --app ./gone.app", 1, "./gone.app: No such file or directory\n"},
+                        {"A --app gone.ipa", 1, "gone.ipa: no such file, and no app has this"},
                         {"A", 2, "--app is missing\n"}});
   EXPECT_EQ(std::distance(fs::directory_iterator(folder() / stored("")), {}), 3)
       << "what is refused makes nothing";

@@ -31,7 +31,7 @@ Option addMethodArgument(Command command, std::string& text, const char* help) {
 }
 
 std::string methodProblem(const std::string& text) {
-  return methodNamed(text) ? "" : "not '-[Class selector]' or '+[Class selector]': " + text;
+  return methodNamed(text) ? "" : text + ": expected '-[Class selector]' or '+[Class selector]'";
 }
 
 void addHookArgument(Command command, std::string& text) {

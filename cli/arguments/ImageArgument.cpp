@@ -17,12 +17,12 @@ constexpr std::array<std::pair<const char*, ClassSource>, 3> kParsers = {
      {"dynamic", ClassSource::process},
      {"remote", ClassSource::app}}};
 
+/// Returns nothing for kAutomatic.
 std::optional<ClassSource> sourceNamed(const std::string& parser) {
-  if (parser == kAutomatic) return std::nullopt;
   for (const auto& [name, source] : kParsers) {
     if (parser == name) return source;
   }
-  throw UsageError("--parser", "not auto, static, dynamic or remote: " + parser);
+  return std::nullopt;
 }
 
 /// A positive number of seconds, in whole milliseconds. Throws UsageError.
@@ -60,6 +60,7 @@ ImageOptions addImageArgument(Command command, const char* name, ImageArgument& 
               "static reads Mach-O files; dynamic loads the image into a process of this machine; "
               "remote relaunches the app and asks it; auto is static for every Mach-O file and in "
               "a device tree, otherwise dynamic")
+          .oneOf({kAutomatic, "static", "dynamic", "remote"})
           .typeName("auto|static|dynamic|remote");
   const Option architecture = command
                                   .text("--arch", argument.architecture,

@@ -70,6 +70,7 @@ int changeTweak(const Options& options) {
   const StoreLock lock(*options.tweak);
   const TweakFile::Opened tweak = openedTweak(*options.tweak);
   const TweakContents before = contentsOf(tweak);
+  requireNameFor(tweak, after.manifest.configuration.name);
   const std::vector<TweakChange> changes = changesBetween(before, after);
   if (!changes.empty() && !options.isDryRun) replaceContents(*tweak.file, before, after);
   if (options.json) {

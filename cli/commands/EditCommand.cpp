@@ -13,6 +13,7 @@
 #include "cli/terminal/Console.h"
 #include "cli/terminal/EditedText.h"
 #include "cli/terminal/ShownText.h"
+#include "cli/work/ItemNames.h"
 #include "cli/work/StoreLock.h"
 #include "cli/work/TextComments.h"
 #include "cli/work/TextInput.h"
@@ -70,6 +71,7 @@ class Session {
       throw std::runtime_error("the tweak changed on disk while you were editing it");
     }
     const TweakContents after = contentsOf(input);
+    requireNameFor(tweak, after.manifest.configuration.name);
     std::vector<TweakChange> changes = changesBetween(now, after);
     if (!changes.empty()) replaceContents(*tweak.file, now, after);
     return changes;

@@ -44,9 +44,7 @@ void checkMembers(const TweakCollection::Manifest& manifest, const std::string& 
 /// Opens the item, and throws if it cannot be set so.
 OpenedItem checkedItem(const Options& options, const std::optional<std::string>& bundleID) {
   OpenedItem item = openedItem(options.item);
-  if (options.name && isInStore(*item.item())) {
-    ItemNames(item.item()->id()).requireFree(*options.name);
-  }
+  if (options.name) requireNameFor(item, *options.name);
   if (bundleID && item.collection() != nullptr) {
     try {
       checkMembers(item.collection()->manifest, *bundleID);

@@ -3,6 +3,7 @@
 #include <stdexcept>
 
 #include "cli/terminal/Console.h"
+#include "cli/work/ItemRow.h"
 #include "tavlen/collections/TweakCollectionManifest.h"
 #include "tavlen/items/TweakPoster.h"
 #include "tavlen/store/TweakManager.h"
@@ -40,6 +41,12 @@ void ItemNames::takeFor(TweakProtocol& item) {
     if (auto* tweak = dynamic_cast<TweakFile*>(&item)) tweak->updateManifest(rename);
     if (auto* many = dynamic_cast<TweakCollection*>(&item)) many->updateManifest(rename);
   });
+}
+
+void requireNameFor(const OpenedItem& opened, const std::string& name) {
+  const TweakProtocol& item = *opened.item();
+  if (opened.configuration().name() == name || !isInStore(item)) return;
+  ItemNames(item.id()).requireFree(name);
 }
 
 }  // namespace tavlen::cli

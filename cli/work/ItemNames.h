@@ -4,9 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace tavlen {
-class TweakProtocol;
-}
+#include "tavlen/store/OpenedItem.h"
 
 namespace tavlen::cli {
 
@@ -29,5 +27,9 @@ class ItemNames {
  private:
   std::map<std::string, std::string> owners_;  ///< identifiers by name
 };
+
+/// Throws as ItemNames::requireFree() does if the item cannot be called `name`. It may keep its
+/// name, and items outside the store may have any.
+void requireNameFor(const OpenedItem& opened, const std::string& name);
 
 }  // namespace tavlen::cli

@@ -47,12 +47,10 @@ void setTypes(TweakText& text, const std::vector<std::size_t>& hooks, const Imag
       continue;
     }
     isComplete = false;
-    messages.error(
-        text.hooks[hook].method,
-        hasClass(dump, identity.className)
-            ? identity.className + " has no method " + methodText(identity) +
-                  " of its own in the app; give the hook's types"
-            : "the app defines no class " + identity.className + "; give the hook's types");
+    const bool isOfKnownClass = hasClass(dump, identity.className);
+    messages.error(text.hooks[hook].method, "no types, and " +
+                                                std::string(isOfKnownClass ? "" : "the app ") +
+                                                missingMethodText(dump, identity));
   }
   if (!isComplete) reportFaults(dump, app);
 }

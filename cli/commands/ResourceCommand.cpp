@@ -13,6 +13,7 @@
 #include "cli/terminal/ShownText.h"
 #include "cli/terminal/TextTable.h"
 #include "cli/work/StoreLock.h"
+#include "cli/work/TweakForReading.h"
 #include "cli/work/TweakResources.h"
 #include "tavlen/foundation/text/EscapedText.h"
 
@@ -38,7 +39,8 @@ std::string usesText(const TweakResource& resource) {
 }
 
 int list(const Options& options) {
-  const Resources resources = resourcesOf(openedTweak(options.tweak));
+  const OpenedTweak tweak = tweakForReading(options.tweak);
+  const Resources resources = resourcesOf(tweak.opened());
   if (options.json) {
     printJSON(resources);
     return 0;

@@ -99,8 +99,6 @@ TEST_F(ClassCommandTest, AHookTakesItsTypesFromTheImage) {
             " defaultWorkspace] of its own; did you mean \"+[" + workspace +
             " defaultWorkspace]\"?\n"},
        {"'-[Nobody x]' --in image.so", 1, "image.so: defines no class Nobody"},
-       {"'-[Nobody]' --in image.so", 2, "METHOD: not '-[Class"},
-       {"'[Nobody x]' --in image.so", 2, "METHOD: not '-[Class"},
        {"'-[A b]'", 1,
         "./T: the method's types are not known from its app a.b: IPA not found with"},
        {"'-[A b]' --signature v16@0:8 --in image.so", 2, "--signature and --in cannot be"},

@@ -18,7 +18,7 @@ const std::string kGreeting = paths().examples + "/tweaks/Greeting";
 TEST_F(CommandTest, ArgumentsAreChecked) {
   expectRefused("",
                 {{"--verbose", 2, "a command is missing\n"},
-                 {"hook", 2, "a command is missing: add, remove, list or set\n"},
+                 {"hook", 2, "a command is missing: add, remove, list, set or move\n"},
                  {"instal", 2, "unknown command \"instal\"; did you mean \"install\"?\n"},
                  {"hook ad T", 2, "unknown command \"ad\"; did you mean \"add\"?\n"},
                  {"help hook ad", 2, "unknown command \"ad\"; did you mean \"add\"?\n"},

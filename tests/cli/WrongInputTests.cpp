@@ -59,7 +59,9 @@ class WrongInputTest : public CommandTest {
   std::string outputOf(const std::string& command) const {
     const Result result = shell("tavlen() { \"$tavlen\" \"$@\"; }\n{ " + command + "\n} 2>&1");
     static const std::regex identifier("[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}");
+    static const std::regex temporary("tavlen-[A-Za-z0-9]{6}/");
     std::string output = std::regex_replace(result.out + result.err, identifier, "UUID");
+    output = std::regex_replace(output, temporary, "tavlen-XXXXXX/");
     const std::string own = folder().string();
     for (std::size_t at = 0; (at = output.find(own, at)) != std::string::npos;)
       output.replace(at, own.size(), "$PWD");

@@ -103,19 +103,6 @@ Option Option::oneOf(std::vector<std::string> texts) {
   });
 }
 
-Option Option::oneOfIgnoringCase(std::vector<std::string> texts) {
-  option_->transform(CLI::Validator(
-      [texts](std::string& text) {
-        const auto found = std::find_if(texts.begin(), texts.end(), [&](const std::string& each) {
-          return CLI::detail::to_lower(each) == CLI::detail::to_lower(text);
-        });
-        if (found != texts.end()) text = *found;
-        return std::string();
-      },
-      ""));
-  return oneOf(std::move(texts));
-}
-
 Option Option::excludes(Option other) {
   option_->excludes(other.option_);
   return *this;

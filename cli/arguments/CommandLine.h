@@ -49,8 +49,6 @@ class Option {
   Option check(std::function<std::string(const std::string& text)> problem);
   /// Accepts only `texts`, which help lists.
   Option oneOf(std::vector<std::string> texts);
-  /// As oneOf(), but ignores case and stores the spelling in `texts`.
-  Option oneOfIgnoringCase(std::vector<std::string> texts);
 
   /// Refuses the option together with `other`.
   Option excludes(Option other);

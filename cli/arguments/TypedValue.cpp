@@ -190,7 +190,8 @@ bool readsBack(const std::string& text, const Parameter& parameter) {
   const auto meant = closestName(name, names);
   refuse(argument, text,
          "expected a value that begins with " + knownForms() +
-             (meant ? "; did you mean \"" + std::string(*meant) + "\"?" : ""));
+             (meant ? "; did you mean \"" + std::string(*meant) + (*meant == kNil ? "\"?" : ":\"?")
+                    : ""));
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include "cli/arguments/RootOption.h"
 #include "cli/commands/Commands.h"
 #include "cli/terminal/LastLogMessage.h"
+#include "cli/terminal/StandardStreams.h"
 #include "cli/work/DumpChild.h"
 #include "cli/work/ErrorReport.h"
 #include "cli/work/ProgramFolders.h"
@@ -31,8 +32,10 @@ void addCommands(tavlen::cli::Command command) {
   const Group groups[] = {
       {"Make and change tweaks",
        {addNewCommand, addListCommand, addShowCommand, addDumpCommand, addApplyCommand,
-        addScriptCommand, addDeleteCommand, addWatchCommand}},
-      {"Hooks and values", {addHookCommand, addParamCommand, addOverrideCommand}},
+        addEditCommand, addDiffCommand, addSetCommand, addScriptCommand, addDeleteCommand,
+        addWatchCommand}},
+      {"Hooks and values",
+       {addHookCommand, addParamCommand, addResourceCommand, addOverrideCommand}},
       {"Look into apps",
        {addAppsCommand, addInfoCommand, addIconCommand, addExecutablesCommand, addClassesCommand,
         addMethodsCommand, addTypeCommand, addCrashLogsCommand}},
@@ -60,8 +63,8 @@ int run(int argc, char** argv) {
       "tavlen", "Makes, builds and installs app tweaks, and looks at the apps of a device.",
       "tavlen " TAVLEN_VERSION);
   tavlen::cli::Command command = commandLine.command();
-  std::string root;
-  tavlen::cli::addRootOption(command, root);
+  tavlen::cli::RootOptions root;
+  tavlen::cli::addRootOptions(command, root);
   tavlen::cli::addLockTimeoutOption(command);
   bool isVerbose = false;
   command.flag("--verbose", isVerbose, "Show the library's log messages");
@@ -84,6 +87,7 @@ int run(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  tavlen::cli::occupyClosedStreams();
   useDefaultSignals();
   try {
     tavlen::cli::dumpIfChild(argc, argv);

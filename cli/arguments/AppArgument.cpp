@@ -2,14 +2,20 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <filesystem>
+#include <optional>
+#include <string_view>
 #include <system_error>
 
 #include "cli/terminal/ShownText.h"
 #include "tavlen/bundles/AppList.h"
 #include "tavlen/device/DeviceRoot.h"
+#include "tavlen/device/DirectoryAppListFetcher.h"
 #include "tavlen/device/InfoPlist.h"
+#include "tavlen/device/LSAppListFetcher.h"
+#include "tavlen/foundation/text/Suggestion.h"
 
 namespace tavlen::cli {
 
@@ -32,7 +38,7 @@ bool isPath(const std::string& text) {
 }
 
 std::shared_ptr<IPA> appArgument(const std::string& text) {
-  if (!isPath(text)) return IPA::findWithBundleID(text);
+  if (!isPath(text)) return appWithBundleID(text);
   const std::filesystem::path folder = hostPath(text);
   if (::access(folder.c_str(), X_OK) != 0) {
     throw std::system_error(errno, std::generic_category(), text);
@@ -48,8 +54,42 @@ std::string bundleIDOf(const std::string& text) {
   return isPath(text) ? readInfo(*appArgument(text)).bundleID : text;
 }
 
+std::shared_ptr<IPA> appWithBundleID(const std::string& bundleID) {
+  try {
+    return IPA::findWithBundleID(bundleID);
+  } catch (const IPA::Error& error) {
+    throw std::runtime_error(errorText(error) + appSuggestion(bundleID));
+  }
+}
+
 bool isInstalledApp(const std::string& bundleID) {
   return AppList::shared().app(bundleID) != nullptr;
+}
+
+void warnIfNotInstalled(const std::string& bundleID) {
+  if (isInstalledApp(bundleID)) return;
+  printWarning(bundleID + ": no app with that identifier is installed" + appSuggestion(bundleID));
+}
+
+std::vector<AppListApp> fetchedApps() {
+  if (DeviceRoot::shared().isDevice()) return LSAppListFetcher().fetchAllApps();
+  return DirectoryAppListFetcher(DeviceRoot::shared()).fetchAllApps();
+}
+
+std::string appSuggestion(const std::string& text) {
+  const std::vector<AppListApp> apps = fetchedApps();
+  std::vector<std::string_view> identifiers;
+  std::vector<std::string_view> names;
+  for (const AppListApp& app : apps) {
+    identifiers.emplace_back(app.bundleID);
+    names.emplace_back(app.displayName);
+  }
+  std::optional<std::string_view> meant = closestName(text, identifiers);
+  if (const auto name = closestName(text, names); name && !meant) {
+    meant = identifiers.at(
+        static_cast<std::size_t>(std::find(names.begin(), names.end(), *name) - names.begin()));
+  }
+  return meant ? "; did you mean \"" + std::string(*meant) + "\"?" : "";
 }
 
 std::runtime_error withInfoPath(const IPA& ipa, const DecodingError& error) {

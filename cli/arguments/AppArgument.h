@@ -5,8 +5,10 @@
 #include <stdexcept>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "tavlen/bundles/IPA.h"
+#include "tavlen/device/AppListApp.h"
 #include "tavlen/foundation/coding/CodingError.h"
 
 namespace tavlen::cli {
@@ -23,16 +25,28 @@ bool isPath(const std::string& text);
 /// print device paths; those are resolved in the device tree. Throws as DeviceRoot::resolve().
 std::filesystem::path hostPath(const std::string& text);
 
-/// The app at a path or with a bundle identifier. Throws IPA::Error and, with the path in the
-/// message, std::runtime_error.
+/// The app at a path or with a bundle identifier. Throws std::system_error and std::runtime_error,
+/// whose message suggests an app for an unknown identifier.
 std::shared_ptr<IPA> appArgument(const std::string& text);
 
 /// The bundle identifier of the app at a path, or `text` itself if it is an identifier; no app with
 /// that identifier need exist. Throws as appArgument() does for a path.
 std::string bundleIDOf(const std::string& text);
 
+/// The app with a bundle identifier. Throws as appArgument() does.
+std::shared_ptr<IPA> appWithBundleID(const std::string& bundleID);
+
 /// Whether the shared app list contains an app with that identifier.
 bool isInstalledApp(const std::string& bundleID);
+/// Warns of an identifier for which isInstalledApp() is false, and suggests an app.
+void warnIfNotInstalled(const std::string& bundleID);
+
+/// The apps for which tweaks can be made, in the order of the system's list. Throws as
+/// AppListFetcher::fetchAllApps() does.
+std::vector<AppListApp> fetchedApps();
+/// "; did you mean "com.example.notes"?" with the identifier of the app whose identifier or name
+/// `text` probably means; empty if there is none.
+std::string appSuggestion(const std::string& text);
 
 /// `error` as an error that begins with the path of the app's Info.plist.
 std::runtime_error withInfoPath(const IPA& ipa, const DecodingError& error);

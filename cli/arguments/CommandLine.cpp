@@ -225,6 +225,10 @@ void Command::prepare(std::function<Action()> prepare) {
   });
 }
 
+void Command::answer(std::function<std::string()> text) {
+  app_->callback([text = std::move(text), state = state_] { state->answer = text(); });
+}
+
 void refuseUnexpected(const std::string& word) {
   throw UsageError("unexpected argument \"" + word + "\"");
 }
@@ -264,14 +268,17 @@ std::optional<int> CommandLine::parse(int argc, const char* const* argv) {
   } catch (const UsageError& error) {
     return report(errorText(error));
   }
-  return std::nullopt;
+  if (!state_->answer) return std::nullopt;
+  printData(*state_->answer);
+  return 0;
 }
 
 int CommandLine::report(const std::string& problem) const {
   printError(problem);
   const CommandRecord record = recordOf(*app_, *state_);
   std::string words = wordsOf(chosenRecords(record, *app_));
-  words.insert(std::min(words.find(' '), words.size()), " help");
+  const std::string help = app_->get_name() + " help";
+  if (words != help) words.replace(0, app_->get_name().size(), help);
   printNote("see \"" + words + "\"");
   return kUsage;
 }

@@ -113,6 +113,9 @@ class Command {
 
   /// Sets the action of this subcommand.
   void run(Action action);
+  /// Sets a function that returns the text that this subcommand prints. CommandLine::parse() calls
+  /// it, so it must not depend on options of the whole command. It may throw UsageError.
+  void answer(std::function<std::string()> text);
   /// Sets a function that checks the arguments and returns the action. It may throw UsageError. It
   /// returns an empty action if a subcommand has set one.
   void prepare(std::function<Action()> prepare);

@@ -6,11 +6,18 @@
 
 namespace tavlen::cli {
 
-/// Adds --root, whose default is the environment variable TAVLEN_ROOT. Parsing stores it in `root`.
-void addRootOption(Command app, std::string& root);
+/// Where the device is, as far as the user says.
+struct RootOptions {
+  std::string root;    ///< the folder that represents the device's "/"
+  std::string prefix;  ///< the folder of a rootless jailbreak, a device path
+};
 
-/// Makes `root` the device root of this process and its child processes; an empty text changes
-/// nothing. Call it before starting threads. Throws std::runtime_error if it is not a folder.
-void useRoot(const std::string& root);
+/// Adds --root and --prefix, whose defaults are the environment variables TAVLEN_ROOT and
+/// TAVLEN_PREFIX. Parsing stores them in `options`.
+void addRootOptions(Command app, RootOptions& options);
+
+/// Makes them those of this process, and the root that of its child processes; empty texts change
+/// nothing. Call it before starting threads. Throws std::runtime_error if the root is not a folder.
+void useRoot(const RootOptions& options);
 
 }  // namespace tavlen::cli

@@ -16,6 +16,7 @@ struct OpenedTweak {
   std::string folder;               ///< the path as the user wrote it, or that of the stored tweak
   std::shared_ptr<TweakFile> file;  ///< never null; read-only unless it is a stored tweak
   TweakFile::Manifest manifest;     ///< as read when it was opened
+  IgnoredKeys ignoredKeys;          ///< of the document
   /// The script; empty if it cannot be read, which openTweak() reports as a warning.
   std::string script;
   bool scriptIsUnreadable = false;  ///< whether reading the script failed

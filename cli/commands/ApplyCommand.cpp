@@ -9,6 +9,7 @@
 #include "cli/terminal/Console.h"
 #include "cli/terminal/ShownText.h"
 #include "cli/work/AttachedFiles.h"
+#include "cli/work/ItemNames.h"
 #include "cli/work/StoreLock.h"
 #include "cli/work/TextInput.h"
 #include "cli/work/TweakCheck.h"
@@ -81,9 +82,11 @@ int changeTweak(const Options& options) {
   return 0;
 }
 
-/// Stores a new tweak and returns its identifier.
-std::string storeTweak(const TweakContents& contents) {
+/// Stores a new tweak, under a name that is free, and returns its identifier.
+std::string storeTweak(TweakContents& contents) {
   const StoreLock lock = StoreLock::ofStore();
+  std::string& name = contents.manifest.configuration.name;
+  name = ItemNames().take(name);
   const TemporaryDirectory folder(TweaksDirectory::create());
   const fs::path draft = folder.path() / "tweak";
   makeTweakFolder(draft, contents);
@@ -93,7 +96,7 @@ std::string storeTweak(const TweakContents& contents) {
 }
 
 int makeTweak(const Options& options) {
-  const TweakContents after = contentsOf(checkedInput(options.text, {}));
+  TweakContents after = contentsOf(checkedInput(options.text, {}));
   const std::vector<TweakChange> changes = changesBetween(nothingFor(after), after);
   std::optional<std::string> id;
   if (!options.isDryRun) id = storeTweak(after);

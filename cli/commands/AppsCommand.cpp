@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "cli/arguments/AppArgument.h"
 #include "cli/commands/Commands.h"
 #include "cli/terminal/Console.h"
 #include "cli/terminal/ShownText.h"
@@ -15,7 +16,6 @@
 #include "tavlen/device/DeviceRoot.h"
 #include "tavlen/device/DirectoryAppListFetcher.h"
 #include "tavlen/device/InstalledRecords.h"
-#include "tavlen/device/LSAppListFetcher.h"
 #include "tavlen/foundation/base/FunctionRef.h"
 #include "tavlen/foundation/plist/PropertyListDecoder.h"
 #include "tavlen/foundation/text/EscapedText.h"
@@ -70,7 +70,7 @@ Info decodeInfo(const PropertyList& list) {
 std::vector<Row> readRows() {
   std::vector<Row> rows;
   if (DeviceRoot::shared().isDevice()) {
-    for (const AppListApp& app : LSAppListFetcher().fetchAllApps()) {
+    for (const AppListApp& app : fetchedApps()) {
       rows.push_back(rowOf(app, [&] { return InfoManager(app.bundle).info(); }));
     }
   } else {

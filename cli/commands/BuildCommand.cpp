@@ -8,6 +8,7 @@
 #include "cli/terminal/Console.h"
 #include "cli/terminal/ShownText.h"
 #include "cli/work/Transpilation.h"
+#include "cli/work/TweakCheck.h"
 #include "cli/work/TweakForReading.h"
 #include "tavlen/foundation/files/FileReplacement.h"
 
@@ -48,6 +49,7 @@ Built write(const TweakProcessor::Output& output, const std::filesystem::path& f
 
 int build(const Options& options) {
   const OpenedTweak tweak = openTweak(options.tweak);
+  printWarnings(tweak);
   const auto output = transpile(tweak, transpilerFolder(options.transpiler));
   if (!output) {
     printError(tweak.argument + ": does not build");

@@ -1,4 +1,6 @@
 #include <algorithm>
+#include <charconv>
+#include <cstddef>
 #include <exception>
 #include <filesystem>
 #include <iterator>
@@ -16,6 +18,7 @@
 #include "cli/terminal/Console.h"
 #include "cli/terminal/ShownText.h"
 #include "cli/terminal/TextTable.h"
+#include "cli/work/ItemRow.h"
 #include "cli/work/StoreLock.h"
 #include "tavlen/collections/TweakCollection.h"
 #include "tavlen/collections/TweakCollectionManifest.h"
@@ -28,9 +31,21 @@ namespace tavlen::cli {
 
 namespace {
 
+constexpr const char* kMemberHelp =
+    "The tweak: its identifier (even if it no longer exists), its name, or its path";
+constexpr const char* kCollectionJSONHelp = "Print the collection as a JSON object";
+
 struct MemberOptions {
   std::string collection;
   std::vector<std::string> tweaks;
+  bool json = false;
+};
+
+struct MoveOptions {
+  std::string collection;
+  std::string tweak;
+  std::string place;
+  bool json = false;
 };
 
 struct ListOptions {
@@ -65,7 +80,7 @@ void checkIsStored(const TweakFile& tweak, const std::string& text) {
 }
 
 void addMember(Manifest& manifest, const std::string& text) {
-  const auto [tweak, opened] = openedTweak(text);
+  const auto [tweak, opened, ignored] = openedTweak(text);
   checkIsStored(*tweak, text);
   const std::string& expected = manifest.configuration.bundleID;
   const std::string& found = opened.configuration.bundleID;
@@ -79,19 +94,48 @@ void addMember(Manifest& manifest, const std::string& text) {
   manifest._tweaks.push_back(tweak->id());
 }
 
-/// Removes a member. An identifier may be that of a tweak that no longer exists.
-void removeMember(Manifest& manifest, const std::string& text) {
-  const std::string id = contains(manifest._tweaks, text) ? text : storedTweak(text)->id();
-  if (std::erase(manifest._tweaks, id) == 0) {
+/// The identifier of a member. It may be that of a tweak that no longer exists.
+std::string memberID(const Manifest& manifest, const std::string& text) {
+  if (contains(manifest._tweaks, text)) return text;
+  const std::string id = storedTweak(text)->id();
+  if (!contains(manifest._tweaks, id)) {
     throw std::runtime_error(text + ": is not in the collection");
   }
+  return id;
 }
 
-/// Edits the collection once for all tweaks, so that a failure leaves it unchanged.
-int edit(const MemberOptions& options, void (*change)(Manifest&, const std::string&)) {
-  auto [collection, manifest] = openedCollection(options.collection);
-  for (const std::string& tweak : options.tweaks) change(manifest, tweak);
-  collection->setManifest(manifest);
+void removeMember(Manifest& manifest, const std::string& text) {
+  std::erase(manifest._tweaks, memberID(manifest, text));
+}
+
+/// The place that `text` names among `count` members: an index from 0, or "end".
+std::ptrdiff_t placeAmong(std::size_t count, const std::string& text) {
+  std::size_t place = count - 1;
+  if (text != "end") {
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), place);
+    if (error != std::errc() || end != text.data() + text.size() || place >= count) {
+      throw std::runtime_error(text + ": is no place; the members have the places from 0 to " +
+                               std::to_string(count - 1));
+    }
+  }
+  return static_cast<std::ptrdiff_t>(place);
+}
+
+void moveMember(Manifest& manifest, const std::string& text, const std::string& place) {
+  std::vector<std::string>& ids = manifest._tweaks;
+  const std::string id = memberID(manifest, text);
+  const std::ptrdiff_t to = placeAmong(ids.size(), place);
+  ids.erase(std::find(ids.begin(), ids.end(), id));
+  ids.insert(ids.begin() + to, id);
+}
+
+/// Edits the collection once, so that a failure leaves it unchanged.
+template <class Change>
+int edit(const std::string& name, bool json, const Change& change) {
+  TweakCollection::Opened opened = openedCollection(name);
+  change(opened.manifest);
+  opened.file->setManifest(opened.manifest);
+  if (json) printRow(opened);
   return 0;
 }
 
@@ -128,7 +172,25 @@ void addEdit(Command collection, const char* name, const char* description, cons
   const auto options = std::make_shared<MemberOptions>();
   command.text("COLLECTION", options->collection, kCollectionHelp).required().notEmpty();
   command.texts("TWEAK", options->tweaks, tweakHelp).notEmpty();
-  runEdit(command, options->collection, [options, change] { return edit(*options, change); });
+  command.flag("--json", options->json, kCollectionJSONHelp);
+  runEdit(command, options->collection, [options, change] {
+    return edit(options->collection, options->json, [&](Manifest& manifest) {
+      for (const std::string& tweak : options->tweaks) change(manifest, tweak);
+    });
+  });
+}
+
+void addMove(Command collection) {
+  Command command = collection.addCommand("move", "Move a member of a collection");
+  const auto options = std::make_shared<MoveOptions>();
+  command.text("COLLECTION", options->collection, kCollectionHelp).required().notEmpty();
+  command.text("TWEAK", options->tweak, kMemberHelp).required().notEmpty();
+  command.text("TO", options->place, "Its new place, from 0, or end").required().notEmpty();
+  command.flag("--json", options->json, kCollectionJSONHelp);
+  runEdit(command, options->collection, [options] {
+    return edit(options->collection, options->json,
+                [&](Manifest& manifest) { moveMember(manifest, options->tweak, options->place); });
+  });
 }
 
 void addList(Command collection) {
@@ -147,9 +209,9 @@ void addCollectionCommand(Command app) {
   addItemCreation(command, "collection", TweakCollection::create);
   addEdit(command, "add", "Add tweaks of the same app to a collection, at its end", kTweakHelp,
           addMember);
-  addEdit(command, "remove", "Remove tweaks from a collection, but not from the store",
-          "The tweak: its identifier (even if it no longer exists), its name, or its path",
+  addEdit(command, "remove", "Remove tweaks from a collection, but not from the store", kMemberHelp,
           removeMember);
+  addMove(command);
   addList(command);
 }
 

@@ -16,6 +16,10 @@ void addBuildCommand(Command app);
 void addDumpCommand(Command app);
 /// Adds `apply`.
 void addApplyCommand(Command app);
+/// Adds `edit`.
+void addEditCommand(Command app);
+/// Adds `diff`.
+void addDiffCommand(Command app);
 /// Adds `locate`.
 void addLocateCommand(Command app);
 /// Adds `check`.
@@ -26,6 +30,8 @@ void addListCommand(Command app);
 void addShowCommand(Command app);
 /// Adds `new`.
 void addNewCommand(Command app);
+/// Adds `set`.
+void addSetCommand(Command app);
 /// Adds `script`.
 void addScriptCommand(Command app);
 /// Adds `delete`.
@@ -52,6 +58,8 @@ void addRespringCommand(Command app);
 void addHookCommand(Command app);
 /// Adds `param`.
 void addParamCommand(Command app);
+/// Adds `resource`.
+void addResourceCommand(Command app);
 /// Adds `override`.
 void addOverrideCommand(Command app);
 /// Adds `export`.

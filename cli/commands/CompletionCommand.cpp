@@ -71,7 +71,11 @@ std::string answer(const CommandRecord& root, const Options& options) {
   std::string text = hasFiles ? "files\n" : word.hasKind("DIR") ? "folders\n" : "words\n";
   std::set<std::string> candidates;
   for (const std::string& value : word.values) candidates.insert(value);
-  candidates.merge(completionCandidates(word));
+  try {
+    candidates.merge(completionCandidates(word));
+  } catch (const std::exception&) {
+    // A message would stand in the middle of the user's line.
+  }
   for (const std::string& candidate : candidates) {
     if (!candidate.starts_with(word.prefix) || candidate.find('\n') != std::string::npos) continue;
     const std::string whole = word.start + candidate;
@@ -82,11 +86,7 @@ std::string answer(const CommandRecord& root, const Options& options) {
 
 int complete(const CommandRecord& root, const Options& options) {
   limitTime();
-  try {
-    printData(answer(root, options));
-  } catch (const std::exception&) {
-    // A message would stand in the middle of the user's line.
-  }
+  printData(answer(root, options));
   return 0;
 }
 
@@ -105,10 +105,7 @@ void addCompletionCommand(Command app) {
   Command command = app.addCommand("completion", "Print a script that completes lines in a shell");
   const auto shell = std::make_shared<std::string>();
   command.text("SHELL", *shell, "The shell").required().oneOf({"bash", "zsh"});
-  command.run([shell] {
-    printData(*shell == "bash" ? kBash : kZsh);
-    return 0;
-  });
+  command.answer([shell] { return *shell == "bash" ? kBash : kZsh; });
   addComplete(app);
 }
 

@@ -3,6 +3,8 @@
 #include <set>
 #include <stdexcept>
 #include <string>
+#include <tuple>
+#include <vector>
 
 #include "cli/arguments/AppArgument.h"
 #include "cli/commands/Commands.h"
@@ -11,6 +13,7 @@
 #include "tavlen/device/FileOperations.h"
 #include "tavlen/device/Process.h"
 #include "tavlen/foundation/text/EscapedText.h"
+#include "tavlen/foundation/text/Unicode.h"
 
 namespace tavlen::cli {
 
@@ -24,23 +27,41 @@ std::set<std::string> namesIn(const std::filesystem::path& directory) {
   return names;
 }
 
+struct Options {
+  std::string app;
+  std::string directory;
+  bool json = false;
+};
+
+/// A row of the output, which describes one log.
+struct Row {
+  std::string name;
+  std::string path;
+
+  static constexpr auto codedFields() {
+    return std::tuple{requiredField("name", &Row::name), requiredField("path", &Row::path)};
+  }
+};
+
 /// Copies the logs and prints the names of the new files.
-int copyLogs(const std::string& app, const std::filesystem::path& directory) {
+int copyLogs(const Options& options) {
+  const std::filesystem::path directory = options.directory;
   const std::set<std::string> before = namesIn(directory);
-  const std::shared_ptr<IPA> ipa = appArgument(app);
+  const std::shared_ptr<IPA> ipa = appArgument(options.app);
   try {
     namingInfo(*ipa, [&] { ipa->copyCrashLogs(std::filesystem::canonical(directory)); });
   } catch (const Process::Error& error) {
     throw std::runtime_error(FileOperations::helper().string() + ": " + errorText(error));
   }
-  std::string added;
+  std::vector<Row> rows;
+  std::string lines;
   for (const std::string& name : namesIn(directory)) {
-    if (!before.contains(name)) added += escapedForTerminal(name) + "\n";
+    if (before.contains(name)) continue;
+    rows.push_back({wellFormedUTF8(name), wellFormedUTF8((directory / name).native())});
+    lines += escapedForTerminal(name) + "\n";
   }
-  if (added.empty()) {
-    printNote("no new crash logs");
-  }
-  printData(added);
+  if (rows.empty()) printNote("no new crash logs");
+  printData(options.json ? shownJSON(rows) + "\n" : lines);
   return 0;
 }
 
@@ -48,13 +69,13 @@ int copyLogs(const std::string& app, const std::filesystem::path& directory) {
 
 void addCrashLogsCommand(Command app) {
   Command command = app.addCommand("crash-logs", "Copy the crash logs of an app into a folder");
-  const auto name = std::make_shared<std::string>();
-  const auto directory = std::make_shared<std::string>();
-  command.text("APP", *name, kAppHelp).required().notEmpty();
-  command.text("DIR", *directory, "An existing folder; no file in it is replaced")
+  const auto options = std::make_shared<Options>();
+  command.text("APP", options->app, kAppHelp).required().notEmpty();
+  command.text("DIR", options->directory, "An existing folder; no file in it is replaced")
       .required()
       .notEmpty();
-  command.run([name, directory] { return copyLogs(*name, *directory); });
+  command.flag("--json", options->json, "Print the new files as a JSON array");
+  command.run([options] { return copyLogs(*options); });
 }
 
 }  // namespace tavlen::cli

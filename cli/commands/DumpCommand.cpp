@@ -5,17 +5,19 @@
 #include <stdexcept>
 #include <string>
 #include <system_error>
+#include <tuple>
+#include <utility>
 
 #include "cli/arguments/StoredItem.h"
 #include "cli/commands/Commands.h"
 #include "cli/terminal/Console.h"
 #include "cli/terminal/ShownText.h"
 #include "cli/work/AttachedFiles.h"
+#include "cli/work/TweakContents.h"
 #include "cli/work/TweakForReading.h"
 #include "tavlen/foundation/files/FileReplacement.h"
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/tweaktext/TweakTextReader.h"
-#include "tavlen/tweaktext/TweakTextWriter.h"
 
 namespace tavlen::cli {
 
@@ -41,28 +43,16 @@ struct Dumped {
   }
 };
 
-/// A tweak's text and the files that go along with it.
+/// A tweak's text and what goes along with it.
 struct Dump {
+  TweakContents contents;
   std::string text;
-  std::optional<Image> icon;
-  std::optional<std::string> script;
-  OpenedTweak tweak;
-  std::set<std::string> files;  ///< attachedFiles() of the tweak's folder
-
-  const fs::path& folder() const { return tweak.file->url(); }
 };
 
 Dump dumpOf(const std::string& name) {
-  Dump dump;
-  dump.tweak = tweakForReading(name);
-  dump.icon = dump.tweak.file->customIcon();
-  dump.script = dump.tweak.file->readScript();
-  dump.files = attachedFiles(dump.folder());
-  TweakTextFiles files;
-  if (dump.icon) files.icon = TweakFile::iconFile;
-  if (dump.script) files.script = TweakFile::scriptFile;
-  dump.text = writeTweakText(dump.tweak.manifest, files);
-  return dump;
+  TweakContents contents = contentsOf(tweakForReading(name));
+  std::string text = textOf(contents);
+  return {std::move(contents), std::move(text)};
 }
 
 /// Whether the file can be read as the text of a tweak, so that a dump may replace it.
@@ -82,14 +72,14 @@ void requireReplaceable(const fs::path& file) {
 }
 
 /// A single text lacks the other files, which it may name.
-void warnOfFiles(const Dump& dump) {
+void warnOfFiles(const TweakContents& contents) {
   std::string missing;
   const auto add = [&](const std::string& name) {
     missing += (missing.empty() ? "" : ", ") + name;
   };
-  if (dump.icon) add(TweakFile::iconFile);
-  if (dump.script) add(TweakFile::scriptFile);
-  for (const std::string& name : dump.files) add(name);
+  if (contents.icon) add(TweakFile::iconFile);
+  if (contents.script) add(TweakFile::scriptFile);
+  for (const auto& file : contents.files) add(file.first);
   if (missing.empty()) return;
   printWarning("the text does not contain " + missing + "; -o DIR writes a folder with everything");
 }
@@ -105,13 +95,15 @@ void writeFolder(const Dump& dump, const fs::path& folder) {
   std::error_code error;
   fs::create_directories(folder, error);
   if (error) throw std::system_error(error, folder.string());
-  for (const std::string& name : dump.files) copyAttachedFile(dump.folder(), folder, name);
+  const auto& [icon, script, files] =
+      std::tie(dump.contents.icon, dump.contents.script, dump.contents.files);
+  for (const auto& [name, from] : files) copyAttachedFile(from, folder, name);
   for (const std::string& name : attachedFiles(folder)) {
-    if (dump.files.contains(name)) continue;
+    if (files.contains(name)) continue;
     printWarning((folder / name).string() + ": is not a file of the tweak; apply would add it");
   }
-  if (dump.icon) replaceFile(folder / TweakFile::iconFile, dump.icon->pngData());
-  if (dump.script) replaceFile(folder / TweakFile::scriptFile, *dump.script);
+  if (icon) replaceFile(folder / TweakFile::iconFile, icon->pngData());
+  if (script) replaceFile(folder / TweakFile::scriptFile, *script);
   // The text last: with it, the folder is complete.
   replaceFile(text, dump.text);
 }
@@ -129,7 +121,7 @@ int dump(const Options& options) {
   } else if (!options.json) {
     printData(dump.text);
   }
-  if (isText || isStream) warnOfFiles(dump);
+  if (isText || isStream) warnOfFiles(dump.contents);
   if (options.json) printJSON(isStream ? Dumped{dump.text, {}} : Dumped{{}, output.string()});
   return 0;
 }

@@ -15,6 +15,7 @@
 #include "cli/terminal/Console.h"
 #include "cli/terminal/ProgressLine.h"
 #include "cli/terminal/ShownText.h"
+#include "cli/work/TweakCheck.h"
 #include "cli/work/TweakForReading.h"
 #include "tavlen/collections/TweakCollectionManifest.h"
 #include "tavlen/device/DevicePaths.h"
@@ -106,6 +107,16 @@ std::vector<TweakFile::Opened> membersOf(const OpenedItem& item, const Options& 
   return members;
 }
 
+void warnOf(const ItemForReading& read, const std::vector<TweakFile::Opened>& members) {
+  if (read.text) {
+    for (const Diagnostic& warning : warningsFor(*read.text, {})) print(warning);
+  } else if (read.item.tweak() != nullptr) {
+    printWarnings(*read.item.tweak(), read.path);
+  }
+  for (const TweakFile::Opened& member : members)
+    printWarnings(member, member.file->url().string());
+}
+
 [[noreturn]] void refuse(const fs::path& file) {
   throw std::runtime_error(file.string() + ": already exists; use --force to replace it");
 }
@@ -154,6 +165,7 @@ int exportItem(const Options& options) {
   // Check now, rather than after exporting.
   if (!isStream && !isFolder && !options.force && isTaken(output)) refuse(output);
   const std::vector<TweakFile::Opened> members = membersOf(item, options);
+  warnOf(read, members);
   const WorkFolder folder;
   const fs::path archive = [&] {
     const ProgressLine line("exporting " + options.item);

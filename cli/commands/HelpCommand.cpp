@@ -7,7 +7,6 @@
 #include "cli/help/Examples.h"
 #include "cli/help/HelpPage.h"
 #include "cli/help/ManualPage.h"
-#include "cli/terminal/Console.h"
 
 namespace tavlen::cli {
 
@@ -19,19 +18,20 @@ struct Options {
   bool isExamples = false;
 };
 
+/// The path to the command. Throws UsageError for a word that is no command.
+CommandPath pathToAll(const CommandRecord& root, const std::vector<std::string>& words) {
+  CommandPath path = pathTo(root, words);
+  if (path.size() <= words.size())
+    throw UsageError(unknownCommandText(words[path.size() - 1], *path.back()));
+  return path;
+}
+
 std::string helpText(const CommandRecord& root, const Options& options) {
   if (options.isManual) return manualPage(root);
-  if (!options.isExamples) return helpPage(pathTo(root, options.words));
+  if (!options.isExamples) return helpPage(pathToAll(root, options.words));
   std::string lines;
   for (const Example& example : examples()) lines += exampleText(example) + "\n";
   return lines;
-}
-
-/// Throws UsageError for a word that is no command.
-void requireCommands(const CommandRecord& root, const std::vector<std::string>& words) {
-  const CommandPath path = pathTo(root, words);
-  if (path.size() <= words.size())
-    throw UsageError(unknownCommandText(words[path.size() - 1], *path.back()));
 }
 
 }  // namespace
@@ -47,14 +47,7 @@ void addHelpCommand(Command app) {
   command.flag("--examples", options->isExamples, "Print the examples of all commands")
       .excludes(words)
       .excludes(manual);
-  command.prepare([app, options]() -> Action {
-    const CommandRecord root = app.record();
-    requireCommands(root, options->words);
-    return [text = helpText(root, *options)] {
-      printData(text);
-      return 0;
-    };
-  });
+  command.answer([app, options] { return helpText(app.record(), *options); });
 }
 
 }  // namespace tavlen::cli

@@ -19,6 +19,7 @@
 #include "cli/work/HookOutput.h"
 #include "cli/work/StoreLock.h"
 #include "cli/work/TweakForReading.h"
+#include "cli/work/TweakResources.h"
 #include "tavlen/tweaks/Manifest.h"
 
 namespace tavlen::cli {
@@ -72,8 +73,10 @@ void setHook(const Options& options) {
 
 void removeHook(const Options& options) {
   TweakFile::Opened tweak = openedTweak(options.tweak);
+  const UnusedResourceNote note(tweak);
   withPlace(options.tweak + ": " + options.hook,
             [&] { removeHook(hookArgument(std::move(tweak), options.hook), options.edit); });
+  note.print();
 }
 
 /// Moves a hook among the hooks that are not null.

@@ -13,6 +13,7 @@
 #include "cli/terminal/ShownText.h"
 #include "cli/work/ActiveTweak.h"
 #include "cli/work/Transpilation.h"
+#include "cli/work/TweakCheck.h"
 #include "cli/work/TweakForReading.h"
 #include "tavlen/bundles/IPA.h"
 #include "tavlen/collections/TweakCollectionManifest.h"
@@ -80,6 +81,8 @@ int install(const Options& options) {
   const std::filesystem::path transpiler = transpilerFolder(options.transpiler);
   const InstallableItem installable(item, transpiler, options.copyExecutables);
   checkMembers(item, installable.tweaks(), options.item);
+  for (const TweakFile::Opened& tweak : installable.tweaks())
+    printWarnings(tweak, tweak.file->url().string());
   try {
     setActiveTweak(*ipa, &installable);
   } catch (const TweakProcessor::Error&) {

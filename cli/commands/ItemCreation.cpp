@@ -4,11 +4,13 @@
 #include <vector>
 
 #include "cli/arguments/AppArgument.h"
+#include "cli/arguments/LookOptions.h"
 #include "cli/arguments/StoredItem.h"
-#include "cli/arguments/UsageError.h"
-#include "cli/terminal/Console.h"
+#include "cli/terminal/ShownText.h"
+#include "cli/work/AppForReading.h"
+#include "cli/work/ItemNames.h"
+#include "cli/work/ItemRow.h"
 #include "cli/work/StoreLock.h"
-#include "tavlen/items/GlyphNames.h"
 
 namespace tavlen::cli {
 
@@ -17,45 +19,21 @@ namespace {
 struct Options {
   std::string name;
   std::string app;
-  TweakColor color = TweakColor::lightGreen;
-  TweakGlyph glyph = TweakGlyph::default_();
+  Look look;
+  bool json = false;
 };
 
-/// Reads ICON[/STYLE]; the glyph must be known.
-TweakGlyph glyphNamed(const std::string& text) {
-  TweakGlyph glyph = glyphFromText(text);
-  if (isKnownGlyph(glyph)) return glyph;
-  const auto suggestion = suggestedGlyph(glyph);
-  throw UsageError("--glyph",
-                   "unknown glyph \"" + glyphText(glyph) + "\"" +
-                       (suggestion ? "; did you mean " + glyphText(*suggestion) + "?" : ""));
-}
-
-void addLook(Command command, Options& options) {
-  const auto& colors = RawValues<TweakColor>::names;
-  command
-      .text(
-          "--color",
-          [&options](const std::string& name) { options.color = *fromRawValue<TweakColor>(name); },
-          "The colour in which it is shown")
-      .oneOf({colors.begin(), colors.end()})
-      .typeName("COLOR");
-  command
-      .text(
-          "--glyph", [&options](const std::string& text) { options.glyph = glyphNamed(text); },
-          "The icon with which it is shown, by its name in Font Awesome 5.15.4 Free")
-      .typeName("ICON[/STYLE]");
-}
-
 int create(const Options& options, const ItemFactory& make) {
-  const std::string bundleID = bundleIDOf(options.app);
+  const std::string bundleID = targetBundleID(options.app);
   const StoreLock lock = StoreLock::ofStore();
+  ItemNames().requireFree(options.name);
   const std::shared_ptr<TweakProtocol> item =
-      make(options.name, options.color, options.glyph, bundleID);
+      make(options.name, options.look.color.value_or(TweakColor::lightGreen),
+           options.look.glyph.value_or(TweakGlyph::default_()), bundleID);
   announce(*item, GenericTweakDiffMode::create);
-  if (!isInstalledApp(bundleID))
-    printWarning(bundleID + ": no app with that identifier is installed");
-  printData(item->id() + "\n");
+  warnIfNotInstalled(bundleID);
+  printData(options.json ? shownJSON(rowOf(*item, item->genericConfiguration())) + "\n"
+                         : item->id() + "\n");
   return 0;
 }
 
@@ -66,8 +44,9 @@ void addItemCreation(Command group, const std::string& kind, ItemFactory make) {
       group.addCommand("new", "Create an empty " + kind + " and print its identifier");
   const auto options = std::make_shared<Options>();
   command.text("NAME", options->name, "The " + kind + "'s name").required().notEmpty().utf8();
-  command.text("--app", options->app, kAppHelp).required().notEmpty().utf8().typeName("APP");
-  addLook(command, *options);
+  command.text("--app", options->app, kReadAppHelp).required().notEmpty().utf8().typeName("APP");
+  addLookOptions(command, options->look);
+  command.flag("--json", options->json, "Print the new item as a JSON object");
   command.run([options, make = std::move(make)] { return create(*options, make); });
 }
 

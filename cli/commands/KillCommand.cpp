@@ -1,9 +1,13 @@
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 #include <string>
+#include <tuple>
 
 #include "cli/arguments/AppArgument.h"
 #include "cli/commands/Commands.h"
+#include "cli/terminal/ShownText.h"
 #include "cli/work/ProgramCheck.h"
 #include "tavlen/device/AppControl.h"
 #include "tavlen/device/DevicePrograms.h"
@@ -13,17 +17,30 @@ namespace tavlen::cli {
 
 namespace {
 
-int kill(const std::string& app) {
+/// The app that was ended, for the output.
+struct Row {
+  std::string bundleID;
+  std::int64_t process;
+
+  static constexpr auto codedFields() {
+    return std::tuple{requiredField("bundleID", &Row::bundleID),
+                      requiredField("process", &Row::process)};
+  }
+};
+
+int kill(const std::string& app, bool json) {
   requireRunningDevice();
   const std::string bundleID = bundleIDOf(app);
   if (!SystemService::isAvailable()) {
     throw std::runtime_error("the system service for running apps is not available");
   }
   requireProgram(DevicePrograms::shared().kill);
-  if (!SystemService::pidForApplication(bundleID)) {
+  const std::optional<pid_t> process = SystemService::pidForApplication(bundleID);
+  if (!process) {
     throw std::runtime_error(bundleID + " is not running");
   }
   killAppWithBundleID(bundleID);
+  if (json) printData(shownJSON(Row{bundleID, *process}) + "\n");
   return 0;
 }
 
@@ -33,7 +50,9 @@ void addKillCommand(Command app) {
   Command command = app.addCommand("kill", "End a running app");
   const auto name = std::make_shared<std::string>();
   command.text("APP", *name, kAppHelp).required().notEmpty();
-  command.run([name] { return kill(*name); });
+  const auto json = std::make_shared<bool>(false);
+  command.flag("--json", *json, "Print the app and its process as a JSON object");
+  command.run([name, json] { return kill(*name, *json); });
 }
 
 }  // namespace tavlen::cli

@@ -1,24 +1,19 @@
 #include <algorithm>
-#include <compare>
-#include <exception>
 #include <filesystem>
 #include <map>
 #include <memory>
-#include <optional>
+#include <set>
 #include <string>
 #include <system_error>
 #include <utility>
 #include <vector>
 
-#include "cli/arguments/StoredItem.h"
 #include "cli/commands/Commands.h"
 #include "cli/terminal/Console.h"
 #include "cli/terminal/ShownText.h"
 #include "cli/terminal/TextTable.h"
 #include "cli/work/ActiveTweak.h"
-#include "tavlen/foundation/text/EscapedText.h"
-#include "tavlen/foundation/text/TextComparison.h"
-#include "tavlen/foundation/text/Unicode.h"
+#include "cli/work/ItemRow.h"
 #include "tavlen/items/TweaksDirectory.h"
 #include "tavlen/store/TweakManager.h"
 
@@ -26,62 +21,43 @@ namespace tavlen::cli {
 
 namespace {
 
-/// A row of the output, which describes one item. A broken one has an error, but no name and no
-/// app.
-struct Row {
-  std::optional<std::string> name;
-  std::string kind;
-  std::optional<std::string> bundleID;
-  bool isInstalled = false;
-  std::string id;
-  std::optional<std::string> error;
+/// The active items by the bundle identifiers of their apps.
+using Records = std::map<std::string, std::string>;
 
-  static constexpr auto codedFields() {
-    return std::tuple{
-        optionalField("name", &Row::name),         requiredField("kind", &Row::kind),
-        optionalField("bundleID", &Row::bundleID), requiredField("installed", &Row::isInstalled),
-        requiredField("identifier", &Row::id),     optionalField("error", &Row::error)};
-  }
-};
-
-void addIntactRows(std::vector<Row>& rows, std::vector<ListedItem> items) {
+void addIntactRows(std::vector<ItemRow>& rows, std::vector<ListedItem> items,
+                   const Records& records) {
   sortByName(items);
-  // An app may have thousands of tweaks, but it has one record.
-  std::map<std::string, std::optional<std::string>> activeIDs;
   for (const auto& [item, configuration] : items) {
-    const std::string& bundleID = configuration.bundleID();
-    const auto [active, isNew] = activeIDs.try_emplace(bundleID);
-    if (isNew) active->second = activeTweakID(bundleID);
-    rows.push_back({configuration.name(),
-                    kindOf(*item),
-                    bundleID,
-                    active->second == item->id(),
-                    wellFormedUTF8(item->id()),
-                    {}});
+    const auto record = records.find(configuration.bundleID());
+    const bool isInstalled = record != records.end() && record->second == item->id();
+    rows.push_back(rowOf(*item, configuration, isInstalled));
   }
 }
 
-void addBrokenRows(std::vector<Row>& rows, std::vector<BrokenItem> items) {
+void addBrokenRows(std::vector<ItemRow>& rows, std::vector<BrokenItem> items,
+                   const std::set<std::string>& active) {
   std::sort(items.begin(), items.end(),
             [](const auto& left, const auto& right) { return left.item->id() < right.item->id(); });
-  for (const auto& [item, error, configuration] : items) {
-    const std::string id = item->id();
-    rows.push_back({{},
-                    kindOf(*item),
-                    {},
-                    appWithActiveTweak(id).has_value(),
-                    wellFormedUTF8(id),
-                    wellFormedUTF8(error)});
+  for (const BrokenItem& item : items) {
+    rows.push_back(rowOf(item, active.contains(item.item->id())));
   }
 }
 
-std::vector<Row> readRows() {
+/// The stored items, and then those that are installed, but not stored.
+std::vector<ItemRow> readRows(std::size_t& stored) {
   std::vector<BrokenItem> broken;
   std::vector<ListedItem> intact = TweakManager::listedTweaks(broken);
-  std::vector<Row> rows;
-  rows.reserve(intact.size() + broken.size());
-  addIntactRows(rows, std::move(intact));
-  addBrokenRows(rows, std::move(broken));
+  const Records records = activeTweakIDs();
+  std::set<std::string> elsewhere;
+  for (const auto& [bundleID, id] : records) elsewhere.insert(id);
+  std::vector<ItemRow> rows;
+  addIntactRows(rows, std::move(intact), records);
+  addBrokenRows(rows, std::move(broken), elsewhere);
+  stored = rows.size();
+  for (const ItemRow& row : rows) elsewhere.erase(row.id);
+  for (const auto& [bundleID, id] : records) {
+    if (elsewhere.contains(id)) rows.push_back(rowOfRecord(id, bundleID));
+  }
   return rows;
 }
 
@@ -100,19 +76,21 @@ std::size_t entryCount() {
   return count;
 }
 
-std::string table(const std::vector<Row>& rows) {
-  TextTable table({"NAME", "KIND", "APP", "INSTALLED", "IDENTIFIER", "ERROR"},
+std::string table(const std::vector<ItemRow>& rows) {
+  TextTable table({"NAME", "KIND", "APP", "INSTALLED", "IDENTIFIER", "NOTE"},
                   TextTable::LastColumn::whole);
-  for (const Row& row : rows) {
+  for (const ItemRow& row : rows) {
     table.addRow({row.name.value_or("-"), row.kind, row.bundleID.value_or("-"),
-                  row.isInstalled ? "yes" : "", row.id, row.error.value_or("")});
+                  row.isInstalled ? "yes" : "", row.id,
+                  row.isStored ? row.error.value_or("") : "not stored"});
   }
   return table.text();
 }
 
 int list(bool json) {
   const std::size_t entries = entryCount();
-  const std::vector<Row> rows = readRows();
+  std::size_t items = 0;
+  const std::vector<ItemRow> rows = readRows(items);
   if (!json && entries == 0) {
     printNote("nothing is stored in " + TweaksDirectory::url().string());
   }
@@ -121,11 +99,11 @@ int list(bool json) {
   } else if (!rows.empty()) {
     printData(table(rows));
   }
-  if (entries > rows.size()) {
-    const std::size_t others = entries - rows.size();
-    printWarning(std::to_string(others) + (others == 1 ? " entry" : " entries") + " of " +
+  if (entries > items) {
+    const std::size_t rest = entries - items;
+    printWarning(std::to_string(rest) + (rest == 1 ? " entry" : " entries") + " of " +
                  TweaksDirectory::url().string() + " " +
-                 (others == 1 ? "is not an item and is" : "are not items and are") + " left out");
+                 (rest == 1 ? "is not an item and is" : "are not items and are") + " left out");
   }
   return 0;
 }
@@ -133,7 +111,8 @@ int list(bool json) {
 }  // namespace
 
 void addListCommand(Command app) {
-  Command command = app.addCommand("list", "List the stored tweaks and collections");
+  Command command =
+      app.addCommand("list", "List the stored tweaks and collections, and what else is installed");
   const auto json = std::make_shared<bool>(false);
   command.flag("--json", *json,
                "Print a JSON array; a broken item has the key error, but no name and no bundleID");

@@ -10,6 +10,7 @@
 #include "cli/arguments/StoredItem.h"
 #include "cli/arguments/WithPlace.h"
 #include "cli/terminal/ShownText.h"
+#include "cli/work/TweakResources.h"
 #include "tavlen/device/DeviceFiles.h"
 
 namespace tavlen::cli {
@@ -64,6 +65,7 @@ std::vector<ResourceImport> startImports(const std::vector<TypedValue>& values,
 Hook editHook(const ParamTarget& target,
               FunctionRef<ParamRow(Hook& hook, const TweakFile& tweak)> edit) {
   TweakFile::Opened tweak = openedTweak(target.tweak);
+  const UnusedResourceNote note(tweak);
   Hook changed;
   ParamRow row;
   withPlace(target.place(), [&] {
@@ -73,6 +75,7 @@ Hook editHook(const ParamTarget& target,
       changed = hook;
     });
   });
+  note.print();
   if (target.json) printJSON(row);
   return changed;
 }

@@ -4,7 +4,6 @@
 #include <optional>
 #include <string>
 #include <system_error>
-#include <utility>
 #include <vector>
 
 #include "cli/arguments/StoredItem.h"
@@ -13,6 +12,7 @@
 #include "cli/terminal/FieldList.h"
 #include "cli/terminal/ShownText.h"
 #include "cli/work/ActiveTweak.h"
+#include "cli/work/ItemRow.h"
 #include "cli/work/TweakForReading.h"
 #include "tavlen/collections/TweakCollectionManifest.h"
 #include "tavlen/foundation/text/Unicode.h"
@@ -31,28 +31,6 @@ namespace {
 
 constexpr std::size_t kTitleWidth = 12;
 
-/// The JSON output for an item, without its document.
-struct Item {
-  std::string id;
-  std::string kind;
-  std::string path;
-  bool isInstalled;
-  std::optional<std::string> error;
-
-  static constexpr auto codedFields() {
-    return std::tuple{requiredField("identifier", &Item::id), requiredField("kind", &Item::kind),
-                      requiredField("path", &Item::path),
-                      requiredField("installed", &Item::isInstalled),
-                      optionalField("error", &Item::error)};
-  }
-};
-
-Item itemOf(const TweakProtocol& item, const std::string& path, bool isInstalled,
-            std::optional<std::string> error = {}) {
-  return {wellFormedUTF8(item.id()), kindOf(item), wellFormedUTF8(path), isInstalled,
-          std::move(error)};
-}
-
 std::string scriptSummary(const TweakFile& tweak) {
   try {
     const std::string script = tweak.readScript().value_or(std::string());
@@ -68,16 +46,15 @@ void addFiles(FieldList& fields, const TweakFile& tweak) {
 }
 
 void addContents(FieldList& fields, const TweakFile::Opened& tweak) {
-  const auto& [file, manifest] = tweak;
   std::vector<std::string> hooks;
-  for (const Hook& hook : manifest.hooks()) hooks.push_back(methodText(hook.identity()));
+  for (const Hook& hook : tweak.manifest.hooks()) hooks.push_back(methodText(hook.identity()));
   std::vector<std::string> overrides;
-  for (const Override& override_ : manifest.overrides()) {
+  for (const Override& override_ : tweak.manifest.overrides()) {
     overrides.push_back(localizedName(override_));
   }
   fields.addAll("Hooks", hooks);
   fields.addAll("Overrides", overrides);
-  addFiles(fields, *file);
+  addFiles(fields, *tweak.file);
 }
 
 void addContents(FieldList& fields, const TweakCollection::Opened& collection) {
@@ -112,8 +89,7 @@ void showBroken(const BrokenItem& broken, bool json) {
   const TweakProtocol& item = *broken.item;
   const bool isInstalled = appWithActiveTweak(item.id()).has_value();
   if (json) {
-    const Item row = itemOf(item, item.url().native(), isInstalled, wellFormedUTF8(broken.error));
-    return printData(shownJSON(row) + "\n");
+    return printData(shownJSON(rowOf(broken, isInstalled)) + "\n");
   }
   FieldList fields(kTitleWidth);
   addHead(fields, item, broken.configuration, isInstalled);
@@ -132,7 +108,7 @@ ItemForReading openedOrShown(const std::string& name, bool json) {
 }
 
 int show(const std::string& name, bool json) {
-  const auto [opened, path, folder] = openedOrShown(name, json);
+  const auto [opened, path, folder, source] = openedOrShown(name, json);
   const std::shared_ptr<TweakProtocol> item = opened.item();
   const TweakConfiguration configuration = opened.configuration();
   const bool isInstalled = isActiveTweak(configuration.bundleID(), item->id());
@@ -143,7 +119,9 @@ int show(const std::string& name, bool json) {
     printData(fields.text());
     return 0;
   }
-  std::string text = shownJSON(itemOf(*item, path, isInstalled));
+  ItemRow row = rowOf(*item, configuration, isInstalled);
+  row.path = wellFormedUTF8(path);
+  std::string text = shownJSON(row);
   // Encode the document separately: it may already have the maximum nesting depth.
   text.back() = ',';
   printData(text + "\"manifest\":" + shownJSON(opened.manifest()) + "}\n");

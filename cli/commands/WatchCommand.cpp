@@ -18,6 +18,7 @@
 #include "tavlen/foundation/text/EscapedText.h"
 #include "tavlen/foundation/text/Unicode.h"
 #include "tavlen/items/TweaksDirectory.h"
+#include "tavlen/store/InstalledSnapshot.h"
 #include "tavlen/store/StoreSnapshot.h"
 #include "tavlen/store/TweakManager.h"
 #include "tavlen/tweaks/TweakFile.h"
@@ -31,14 +32,15 @@ struct Row {
   std::string event;
   std::string kind;
   std::string id;
-  std::vector<std::string> documents;
+  std::optional<std::vector<std::string>> documents;  ///< nothing for an installation
   std::optional<std::string> name;
+  std::optional<std::string> bundleID;  ///< the app of an installation
 
   static constexpr auto codedFields() {
-    return std::tuple{requiredField("event", &Row::event), requiredField("kind", &Row::kind),
-                      requiredField("identifier", &Row::id),
-                      requiredField("documents", &Row::documents),
-                      optionalField("name", &Row::name)};
+    return std::tuple{
+        requiredField("event", &Row::event),   requiredField("kind", &Row::kind),
+        requiredField("identifier", &Row::id), optionalField("documents", &Row::documents),
+        optionalField("name", &Row::name),     optionalField("bundleID", &Row::bundleID)};
   }
 };
 
@@ -62,47 +64,75 @@ class Names {
   std::map<std::string, std::string> names_;
 };
 
+Row rowOf(const char* event, const std::string& id, const Names& names) {
+  Row row;
+  row.event = event;
+  row.kind = TweakFile::isValidID(id) ? "tweak" : "collection";
+  row.id = wellFormedUTF8(id);
+  row.name = names.of(id);
+  return row;
+}
+
 Row rowOf(const StoreSnapshot::Change& change, const Names& names) {
   static constexpr std::array kEvents = {"created", "changed", "deleted"};
-  static constexpr std::array kDocuments = {"manifest", "script", "icon"};
-  Row row;
-  row.event = kEvents.at(static_cast<std::size_t>(change.kind));
-  row.kind = TweakFile::isValidID(change.id) ? "tweak" : "collection";
-  row.id = wellFormedUTF8(change.id);
+  static constexpr std::array kDocuments = {"manifest", "script", "icon", "resources"};
+  Row row = rowOf(kEvents.at(static_cast<std::size_t>(change.kind)), change.id, names);
+  row.documents.emplace();
   for (const StoreSnapshot::Document document : change.documents) {
-    row.documents.emplace_back(kDocuments.at(static_cast<std::size_t>(document)));
+    row.documents->emplace_back(kDocuments.at(static_cast<std::size_t>(document)));
   }
-  row.name = names.of(change.id);
+  return row;
+}
+
+Row rowOf(const InstalledSnapshot::Change& change, const Names& names) {
+  Row row = rowOf(change.isInstalled ? "installed" : "uninstalled", change.id, names);
+  row.bundleID = wellFormedUTF8(change.bundleID);
   return row;
 }
 
 /// The name comes last, because it may contain blanks.
 std::string line(const Row& row) {
-  std::string documents;
-  for (const std::string& document : row.documents) {
-    documents += (documents.empty() ? "" : ",") + document;
+  std::string what = row.bundleID.value_or("");
+  for (const std::string& document : row.documents.value_or(std::vector<std::string>())) {
+    what += (what.empty() ? "" : ",") + document;
   }
-  return row.event + " " + escapedForTerminal(row.id) + " " + documents + " " +
+  return row.event + " " + escapedForTerminal(row.id) + " " + escapedForTerminal(what) + " " +
          escapedForTerminal(row.name.value_or("-"));
 }
 
+/// The store, and what is installed.
+struct Snapshot {
+  StoreSnapshot store;
+  InstalledSnapshot installed;
+
+  static Snapshot take(const Snapshot& before) {
+    return {StoreSnapshot::take(), InstalledSnapshot::take(before.installed)};
+  }
+  std::vector<std::filesystem::path> folders() const {
+    std::vector<std::filesystem::path> all = store.folders();
+    all.insert(all.end(), installed.folders().begin(), installed.folders().end());
+    return all;
+  }
+};
+
 /// Takes a snapshot and watches its folders. Repeats this until no new folder has appeared, so that
 /// no change is missed.
-StoreSnapshot look(DirectoryWatcher& watcher) {
-  StoreSnapshot snapshot = StoreSnapshot::take();
+Snapshot look(DirectoryWatcher& watcher, const Snapshot& before) {
+  Snapshot snapshot = Snapshot::take(before);
   for (std::vector<std::filesystem::path> watched; watched != snapshot.folders();
-       snapshot = StoreSnapshot::take()) {
+       snapshot = Snapshot::take(snapshot)) {
     watched = snapshot.folders();
     watcher.watch(watched);
   }
   return snapshot;
 }
 
+void print(const Row& row, bool json) { printData((json ? shownJSON(row) : line(row)) + "\n"); }
+
 void print(const StoreSnapshot::Change& change, Names& names, bool json) {
   const bool isDeletion = change.kind == StoreSnapshot::Change::Kind::deleted;
   if (!isDeletion) names.read(change.id);
-  const Row row = rowOf(change, names);
-  printData((json ? shownJSON(row) : line(row)) + "\n");
+  print(rowOf(change, names), json);
   if (isDeletion) names.forget(change.id);
 }
 
@@ -110,15 +140,18 @@ int watch(bool json) {
   const EndSignals signals;
   const std::array<int, 2> ends = {signals.descriptor(), STDOUT_FILENO};
   DirectoryWatcher watcher;
-  StoreSnapshot current = look(watcher);
+  Snapshot current = look(watcher, {});
   Names names;
-  for (const std::string& id : current.ids()) names.read(id);
+  for (const std::string& id : current.store.ids()) names.read(id);
   printNote("watching " + TweaksDirectory::url().string());
   while (watcher.wait(ends) != DirectoryWatcher::Wake::end) {
-    StoreSnapshot next = look(watcher);
-    for (const StoreSnapshot::Change& change : next.changesSince(current)) {
-      print(change, names, json);
+    Snapshot next = look(watcher, current);
+    // An item is uninstalled before it is deleted, and while it still has its name.
+    for (const auto& change : next.installed.changesSince(current.installed)) {
+      if (change.isInstalled) names.read(change.id);
+      print(rowOf(change, names), json);
     }
+    for (const auto& change : next.store.changesSince(current.store)) print(change, names, json);
     current = std::move(next);
   }
   return 0;

@@ -16,6 +16,16 @@ const CommandRecord* CommandRecord::find(std::string_view word) const {
   return found == commands.end() ? nullptr : &*found;
 }
 
+std::vector<std::string> CommandRecord::headings() const {
+  std::vector<std::string> headings;
+  for (const CommandRecord& each : commands) {
+    if (!each.heading.empty() &&
+        std::find(headings.begin(), headings.end(), each.heading) == headings.end())
+      headings.push_back(each.heading);
+  }
+  return headings;
+}
+
 const OptionRecord* CommandRecord::option(std::string_view word) const {
   const auto found = std::find_if(options.begin(), options.end(),
                                   [&](const OptionRecord& each) { return each.hasName(word); });

@@ -47,6 +47,8 @@ struct CommandRecord {
 
   /// The subcommand with that name; null without a match.
   const CommandRecord* find(std::string_view word) const;
+  /// The headings of `commands` in their order.
+  std::vector<std::string> headings() const;
   /// The option with that name; null without a match.
   const OptionRecord* option(std::string_view word) const;
 };

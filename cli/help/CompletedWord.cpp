@@ -79,10 +79,10 @@ class Reader {
 
   void readArgument(const std::string& word) {
     const OptionRecord* argument = nextArgument();
+    ++count_;
     if (argument == nullptr) return;
     word_->given[argument->placeholder] = word;
     if (const CommandRecord* next = help_.back()->find(word)) help_.push_back(next);
-    ++count_;
   }
 
   void completeOption(const std::string& word) {

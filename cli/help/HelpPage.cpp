@@ -58,21 +58,14 @@ std::string section(std::string_view title, const std::vector<Entry>& entries) {
   return entries.empty() ? "" : "\n" + heading(title) + entriesText(entries);
 }
 
-/// The subcommands below their headings.
+/// The subcommands below their headings, in one table: the columns are the same below all of them.
 std::string commandsText(const CommandRecord& command) {
-  std::vector<std::string> headings;
-  std::vector<Entry> entries;
-  for (const CommandRecord& each : command.commands) {
-    if (each.heading.empty()) continue;
-    if (std::find(headings.begin(), headings.end(), each.heading) == headings.end())
-      headings.push_back(each.heading);
-    entries.emplace_back(each.name, each.description);
-  }
-  // One table, so that the columns are the same below all headings.
   std::size_t widest = 0;
-  for (const Entry& entry : entries) widest = std::max(widest, entry.first.size());
+  for (const CommandRecord& each : command.commands) {
+    if (!each.heading.empty()) widest = std::max(widest, each.name.size());
+  }
   std::string text;
-  for (const std::string& title : headings) {
+  for (const std::string& title : command.headings()) {
     text += heading(title);
     for (const CommandRecord& each : command.commands) {
       if (each.heading != title) continue;

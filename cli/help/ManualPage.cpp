@@ -69,14 +69,8 @@ std::string commandText(CommandPath path) {
 }
 
 std::string commandsText(const CommandRecord& root) {
-  std::vector<std::string> headings;
-  for (const CommandRecord& each : root.commands) {
-    if (!each.heading.empty() &&
-        std::find(headings.begin(), headings.end(), each.heading) == headings.end())
-      headings.push_back(each.heading);
-  }
   std::string text;
-  for (const std::string& heading : headings) {
+  for (const std::string& heading : root.headings()) {
     std::string title = heading;
     std::transform(title.begin(), title.end(), title.begin(), [](char c) {
       return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;

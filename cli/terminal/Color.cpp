@@ -28,7 +28,9 @@ bool isColored(int stream) {
     case ColorUse::automatic:
       break;
   }
-  return variable("NO_COLOR").empty() && variable("TERM") != "dumb" && ::isatty(stream) == 1;
+  const std::string_view terminal = variable("TERM");
+  return variable("NO_COLOR").empty() && !terminal.empty() && terminal != "dumb" &&
+         ::isatty(stream) == 1;
 }
 
 const char* codeOf(ColorRole role) {

@@ -5,8 +5,8 @@
 
 namespace tavlen::cli {
 
-/// When text is coloured: on terminals, unless the variable NO_COLOR is set or TERM is "dumb";
-/// everywhere; or nowhere.
+/// When text is coloured: on terminals, unless the variable NO_COLOR is set, or TERM is not set or
+/// "dumb"; everywhere; or nowhere.
 enum class ColorUse { automatic, always, never };
 
 /// What is coloured.

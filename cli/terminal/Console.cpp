@@ -8,6 +8,7 @@
 
 #include "cli/terminal/Diagnostic.h"
 #include "tavlen/foundation/files/FileDescriptor.h"
+#include "tavlen/foundation/files/FileReplacement.h"
 #include "tavlen/foundation/files/FileSystem.h"
 
 namespace tavlen::cli {
@@ -27,6 +28,11 @@ void printData(std::string_view data) {
   if (std::fwrite(data.data(), 1, data.size(), stdout) != data.size() || std::fflush(stdout) != 0) {
     throw std::system_error(errno, std::generic_category(), "standard output");
   }
+}
+
+void writeOutput(const std::string& file, std::string_view data) {
+  if (file == "-") return printData(data);
+  replaceFile(file, data);
 }
 
 std::string readInput(const std::string& file) {

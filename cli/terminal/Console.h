@@ -19,6 +19,10 @@ void printNote(std::string_view text);
 /// example on a full disk.
 void printData(std::string_view data);
 
+/// Writes `data` to `file`, which is replaced, or to the standard output if `file` is "-". Throws
+/// std::system_error.
+void writeOutput(const std::string& file, std::string_view data);
+
 /// The contents of `file`, which may be a pipe such as <(command), or of the standard input if
 /// `file` is "-". At most 2 GiB. Throws std::system_error.
 std::string readInput(const std::string& file);

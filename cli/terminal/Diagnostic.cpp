@@ -2,6 +2,9 @@
 
 #include <unistd.h>
 
+#include <mutex>
+#include <utility>
+
 #include "cli/terminal/Color.h"
 #include "cli/terminal/Console.h"
 #include "cli/terminal/ShownText.h"
@@ -20,13 +23,19 @@ std::optional<std::string> wellFormed(const std::optional<std::string>& text) {
   return text ? std::optional(wellFormedUTF8(*text)) : std::nullopt;
 }
 
-/// Names of files may be any bytes; JSON is UTF-8.
 std::string jsonLine(const Diagnostic& diagnostic) {
-  Diagnostic shown = diagnostic;
-  shown.message = wellFormedUTF8(shown.message);
-  shown.file = wellFormed(shown.file);
-  shown.place = wellFormed(shown.place);
-  return shownJSON(shown) + "\n";
+  return shownJSON(wellFormed(diagnostic)) + "\n";
+}
+
+/// The function that gets the messages; empty unless there is a MessageReceiver.
+MessageReceiver::Receive& receiver() {
+  static MessageReceiver::Receive receive;
+  return receive;
+}
+
+std::mutex& receiverLock() {
+  static std::mutex lock;
+  return lock;
 }
 
 ColorRole roleOf(const std::string& severity) {
@@ -62,6 +71,21 @@ std::string shownMessage(const Diagnostic& diagnostic) {
   return hasJSONMessages() ? jsonLine(diagnostic) : linesOf(diagnostic);
 }
 
-void print(const Diagnostic& diagnostic) { printMessage(shownMessage(diagnostic)); }
+Diagnostic wellFormed(Diagnostic diagnostic) {
+  diagnostic.message = wellFormedUTF8(diagnostic.message);
+  diagnostic.file = wellFormed(diagnostic.file);
+  diagnostic.place = wellFormed(diagnostic.place);
+  return diagnostic;
+}
+
+void print(const Diagnostic& diagnostic) {
+  const std::lock_guard lock(receiverLock());
+  if (receiver()) return receiver()(diagnostic);
+  printMessage(shownMessage(diagnostic));
+}
+
+MessageReceiver::MessageReceiver(Receive receive) { receiver() = std::move(receive); }
+
+MessageReceiver::~MessageReceiver() { receiver() = nullptr; }
 
 }  // namespace tavlen::cli

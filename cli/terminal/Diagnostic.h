@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <tuple>
@@ -40,6 +41,9 @@ struct Diagnostic {
 /// The parts of a message that tell where: "FILE:LINE:COLUMN: PLACE"; "tavlen" without a file.
 std::string placeText(const Diagnostic& diagnostic);
 
+/// The message with texts that are UTF-8: names of files may be any bytes.
+Diagnostic wellFormed(Diagnostic diagnostic);
+
 /// Makes all messages of this process JSON objects, one a line. Not thread-safe.
 void useJSONMessages();
 /// Whether useJSONMessages() was called.
@@ -51,7 +55,21 @@ bool hasJSONMessages();
 /// no severity.
 std::string shownMessage(const Diagnostic& diagnostic);
 
-/// Writes shownMessage() to the standard error stream. Ignores errors. Threads: any.
+/// Writes shownMessage() to the standard error stream, or passes the message to the
+/// MessageReceiver. Ignores errors. Threads: any.
 void print(const Diagnostic& diagnostic);
+
+/// Receives the messages of print() as long as it exists (RAII). There is at most one. Threads:
+/// make and destroy it while no other thread prints; `receive` may be called by any thread, one at
+/// a time.
+class MessageReceiver {
+ public:
+  using Receive = std::function<void(const Diagnostic& diagnostic)>;
+
+  explicit MessageReceiver(Receive receive);
+  MessageReceiver(const MessageReceiver&) = delete;
+  MessageReceiver& operator=(const MessageReceiver&) = delete;
+  ~MessageReceiver();
+};
 
 }  // namespace tavlen::cli

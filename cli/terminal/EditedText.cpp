@@ -99,4 +99,6 @@ void EditedText::edit() const {
 
 std::string EditedText::text() const { return readFile(file_); }
 
+void EditedText::setText(std::string_view text) const { replaceFile(file_, text); }
+
 }  // namespace tavlen::cli

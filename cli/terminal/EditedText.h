@@ -25,6 +25,9 @@ class EditedText {
   /// The file's current contents. Throws std::system_error.
   std::string text() const;
 
+  /// Replaces the file's contents, for another call of edit(). Throws std::system_error.
+  void setText(std::string_view text) const;
+
   /// Keeps the file on destruction, for the user.
   void keep() { isKept_ = true; }
   /// The path of the file.

@@ -4,6 +4,7 @@
 #include <optional>
 #include <stdexcept>
 #include <system_error>
+#include <utility>
 
 #include "cli/arguments/AppArgument.h"
 #include "cli/terminal/Console.h"
@@ -25,13 +26,23 @@ bool isActiveTweak(const std::string& bundleID, const std::string& id) {
   return activeTweakID(bundleID) == id;
 }
 
-std::optional<std::string> appWithActiveTweak(const std::string& id) {
+std::map<std::string, std::string> activeTweakIDs() {
   namespace fs = std::filesystem;
+  std::map<std::string, std::string> ids;
   std::error_code error;  // without the folder, nothing is installed
   fs::directory_iterator entry(DeviceRoot::shared().resolve(kInstalledTweaksDir), error);
   for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
-    const std::string bundleID = entry->path().filename().string();
-    if (isActiveTweak(bundleID, id)) return bundleID;
+    std::string bundleID = entry->path().filename().string();
+    if (std::optional<std::string> id = activeTweakID(bundleID)) {
+      ids.emplace(std::move(bundleID), std::move(*id));
+    }
+  }
+  return ids;
+}
+
+std::optional<std::string> appWithActiveTweak(const std::string& id) {
+  for (const auto& [bundleID, active] : activeTweakIDs()) {
+    if (active == id) return bundleID;
   }
   return std::nullopt;
 }

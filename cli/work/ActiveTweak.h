@@ -1,5 +1,6 @@
 #pragma once
 
+#include <map>
 #include <optional>
 #include <string>
 
@@ -14,6 +15,9 @@ namespace tavlen::cli {
 std::optional<std::string> activeTweakID(const std::string& bundleID);
 /// Whether the item `id` is the active one of the app `bundleID`, according to the app's record.
 bool isActiveTweak(const std::string& bundleID, const std::string& id);
+
+/// The active item of each app that has one, by the app's bundle identifier. Reads all records.
+std::map<std::string, std::string> activeTweakIDs();
 
 /// The app whose record names the item `id`; nothing if no record does. For an item whose own app
 /// is unknown: reads all records.

@@ -9,6 +9,7 @@
 #include "cli/arguments/AppArgument.h"
 #include "cli/terminal/ShownText.h"
 #include "tavlen/bundles/AppArchive.h"
+#include "tavlen/bundles/AppList.h"
 #include "tavlen/device/DeviceRoot.h"
 #include "tavlen/device/InfoPlist.h"
 #include "tavlen/foundation/files/FileTree.h"
@@ -48,17 +49,15 @@ void addInfoOfExtensions(const AppArchive& archive, std::vector<std::string>& wa
 
 /// The app that `text` names. A name that fits nothing may have been meant as a file's.
 std::shared_ptr<IPA> appNamed(const std::string& text) {
-  try {
-    return appArgument(text);
-  } catch (const IPA::Error& error) {
-    if (error.which() != IPA::Error::Case::notFound) throw;
-    const fs::file_type type = DeviceRoot::shared().status(text).type();
-    const char* const reason = type == fs::file_type::directory   ? "this folder is no app's bundle"
-                               : type == fs::file_type::not_found ? "no such file"
-                                                                  : "this file is no archive";
-    throw std::runtime_error(text + ": " + reason +
-                             ", and no app has this identifier (tavlen apps lists the apps)");
-  }
+  if (isPath(text)) return appArgument(text);
+  if (std::shared_ptr<IPA> app = AppList::shared().app(text)) return app;
+  const fs::file_type type = DeviceRoot::shared().status(text).type();
+  const char* const reason = type == fs::file_type::directory   ? "this folder is no app's bundle"
+                             : type == fs::file_type::not_found ? "no such file"
+                                                                : "this file is no archive";
+  const std::string suggestion = appSuggestion(text);
+  throw std::runtime_error(text + ": " + reason + ", and no app has this identifier" +
+                           (suggestion.empty() ? " (tavlen apps lists the apps)" : suggestion));
 }
 
 }  // namespace
@@ -69,6 +68,12 @@ bool isArchive(const std::string& text) {
   constexpr std::string_view kSignature = "PK\x03\x04";
   return fs::path(text).extension() == ".ipa" ||
          RandomAccessFile(text).read(0, kSignature.size()) == kSignature;
+}
+
+std::string targetBundleID(const std::string& text) {
+  // The name of an archive that is missing is no identifier.
+  if (!isArchive(text) && fs::path(text).extension() != ".ipa") return bundleIDOf(text);
+  return readInfo(*AppForReading(text, AppForReading::Files::info).ipa()).bundleID;
 }
 
 AppForReading::AppForReading(const std::string& text, Files files,

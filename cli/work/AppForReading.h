@@ -12,7 +12,7 @@
 
 namespace tavlen::cli {
 
-/// The help text of the argument APP of commands that only read the app.
+/// The help text of the argument APP of commands that need only the app's files.
 inline constexpr const char* kReadAppHelp =
     "The app: its bundle identifier, the path of its bundle folder, or an archive (.ipa)";
 
@@ -57,6 +57,10 @@ class AppForReading {
   std::shared_ptr<IPA> ipa_;
   std::vector<std::string> faults_;
 };
+
+/// The bundle identifier of the app that an item is for: as bundleIDOf(), or that of the app in an
+/// archive. Throws as AppForReading and bundleIDOf() do.
+std::string targetBundleID(const std::string& text);
 
 /// Whether `text` names an archive: a file that ends in ".ipa", or begins like a ZIP archive.
 bool isArchive(const std::string& text);

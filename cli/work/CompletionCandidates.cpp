@@ -1,5 +1,6 @@
 #include "cli/work/CompletionCandidates.h"
 
+#include <map>
 #include <memory>
 #include <optional>
 #include <string_view>
@@ -74,24 +75,28 @@ void addClasses(Candidates& candidates, const CompletedWord& word) {
   }
 }
 
-/// Whole methods once the class is written, and else the beginnings of methods of each class.
+/// The methods of the class that the user has begun, or "-[Class " for each class that it may be.
 void addMethods(Candidates& candidates, const CompletedWord& word) {
   const bool isClassMethod = word.prefix.starts_with('+');
-  const std::string sign = isClassMethod ? "+[" : "-[";
-  const std::size_t blank = word.prefix.find(' ');
   const std::optional<ClassDump> dump = classesFor(word);
   if (!dump) return;
+  std::map<std::string, Candidates> methods;  // by the beginnings
   for (const ImageDump& image : dump->images) {
     for (const auto& cls : image.classes) {
-      const std::string start = sign + std::string(cls->name.str()) + " ";
-      if (blank == std::string::npos) {
-        candidates.insert(start);
-      } else if (word.prefix.starts_with(start)) {
-        for (const auto& method : cls->methods) {
-          if (method->isClassMethod == isClassMethod)
-            candidates.insert(start + std::string(method->selector.str()) + "]");
-        }
+      const std::string start = (isClassMethod ? "+[" : "-[") + std::string(cls->name.str()) + " ";
+      if (!start.starts_with(word.prefix) && !word.prefix.starts_with(start)) continue;
+      for (const auto& method : cls->methods) {
+        if (method->isClassMethod == isClassMethod)
+          methods[start].insert(start + std::string(method->selector.str()) + "]");
       }
+    }
+  }
+  for (const auto& [start, whole] : methods) {
+    // A shell takes a single candidate for complete, and closes its quote.
+    if (methods.size() == 1) {
+      candidates.insert(whole.begin(), whole.end());
+    } else {
+      candidates.insert(start);
     }
   }
 }
@@ -99,7 +104,7 @@ void addMethods(Candidates& candidates, const CompletedWord& word) {
 }  // namespace
 
 std::set<std::string> completionCandidates(const CompletedWord& word) {
-  useRoot(given(word, "--root"));
+  useRoot({given(word, "--root"), given(word, "--prefix")});
   Candidates candidates;
   for (const std::string& kind : word.kinds) {
     if (kind == "ITEM") addItems(candidates, "", word.prefix);

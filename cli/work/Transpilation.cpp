@@ -78,6 +78,7 @@ void printDiagnostic(Diagnostic where, const SyntaxError& error, std::string_vie
     message.append(":").append(std::to_string(error.beginning->column));
   }
   where.severity = Diagnostic::kError;
+  where.code = "syntax-error";
   where.message = std::move(message);
   where.excerpt = caretLine(lineAt(text, error.place.line), error.place.column);
   print(where);

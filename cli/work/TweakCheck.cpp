@@ -7,6 +7,7 @@
 
 #include "cli/work/AttachedFiles.h"
 #include "cli/work/TextInput.h"
+#include "cli/work/TweakResources.h"
 #include "tavlen/bundles/AppList.h"
 #include "tavlen/device/DeviceFiles.h"
 
@@ -16,7 +17,18 @@ namespace {
 
 namespace fs = std::filesystem;
 
+Diagnostic diagnosticOf(const TextInput& input, const TweakProblem& problem) {
+  const auto position = input.text.placeOf(problem);
+  Diagnostic diagnostic = position ? input.at(*position) : Diagnostic();
+  if (!position) diagnostic.file = input.pathOf(problem.file);
+  diagnostic.severity = Diagnostic::kWarning;
+  diagnostic.message = problem.text;
+  diagnostic.code = std::string(problem.code);
+  return diagnostic;
+}
+
 Diagnostic diagnosticOf(const OpenedTweak& tweak, const TweakProblem& problem) {
+  if (tweak.text) return diagnosticOf(*tweak.text, problem);
   Diagnostic diagnostic = {.severity = Diagnostic::kWarning,
                            .message = problem.text,
                            .file = tweak.pathOf("Manifest.json"),
@@ -29,14 +41,24 @@ Diagnostic diagnosticOf(const OpenedTweak& tweak, const TweakProblem& problem) {
   return diagnostic;
 }
 
-Diagnostic diagnosticOf(const TextInput& input, const TweakProblem& problem) {
-  const auto position = input.text.placeOf(problem);
-  Diagnostic diagnostic = position ? input.at(*position) : Diagnostic();
-  if (!position) diagnostic.file = input.pathOf(problem.file);
-  diagnostic.severity = Diagnostic::kWarning;
-  diagnostic.message = problem.text;
-  diagnostic.code = std::string(problem.code);
-  return diagnostic;
+void printIgnoredKeys(const OpenedTweak& tweak) {
+  const std::string file = tweak.pathOf("Manifest.json");
+  for (const IgnoredKey& key : tweak.ignoredKeys.keys) {
+    print({.severity = Diagnostic::kWarning,
+           .message = key.text,
+           .file = file,
+           .line = key.position.line,
+           .column = key.position.column,
+           .place = key.path,
+           .code = std::string(key.code)});
+  }
+  if (tweak.ignoredKeys.others == 0) return;
+  print({.severity = Diagnostic::kWarning,
+         .message = std::to_string(tweak.ignoredKeys.others) +
+                    (tweak.ignoredKeys.others == 1 ? " more key is" : " more keys are") +
+                    " unknown or repeated",
+         .file = file,
+         .code = "unknown-key"});
 }
 
 /// The file of the resource `name` relative to the tweak's folder.
@@ -44,11 +66,10 @@ std::string resourceFile(const std::string& name) {
   return (fs::path(TweakFile::resourcesFolder) / name).lexically_normal().string();
 }
 
-/// Adds the resources among `files`, paths in the tweak's folder. Hidden files, such as those that
-/// keep a folder under version control, are not for the app.
+/// Adds the resources among `files`, paths in the tweak's folder.
 void addResources(TweakSurroundings& surroundings, const std::set<std::string>& files) {
   for (const fs::path file : files) {
-    if (*file.begin() == TweakFile::resourcesFolder && !file.filename().string().starts_with('.'))
+    if (*file.begin() == TweakFile::resourcesFolder && !isHiddenFile(file))
       surroundings.resources.push_back(
           file.lexically_relative(TweakFile::resourcesFolder).string());
   }
@@ -99,14 +120,35 @@ std::vector<Diagnostic> warningsFor(const TextInput& input, const fs::path& targ
   return warnings;
 }
 
-std::vector<Diagnostic> warningsFor(const OpenedTweak& tweak) {
-  if (tweak.text) return warningsFor(*tweak.text, {});
+std::vector<Diagnostic> warningsFrom(const std::vector<TweakProblem>& problems,
+                                     const OpenedTweak& tweak) {
+  std::vector<Diagnostic> warnings;
+  warnings.reserve(problems.size());
+  for (const TweakProblem& problem : problems) warnings.push_back(diagnosticOf(tweak, problem));
+  return warnings;
+}
+
+void printWarnings(const OpenedTweak& tweak) {
+  if (tweak.text) {
+    for (const Diagnostic& warning : warningsFor(*tweak.text, {})) print(warning);
+    return;
+  }
+  printIgnoredKeys(tweak);
   TweakSurroundings surroundings = surroundingsOf(tweak.file->url());
   surroundings.script = tweak.script;
-  std::vector<Diagnostic> warnings;
-  for (const TweakProblem& problem : problemsOf(tweak.manifest, surroundings))
-    warnings.push_back(diagnosticOf(tweak, problem));
-  return warnings;
+  for (const Diagnostic& warning : warningsFrom(problemsOf(tweak.manifest, surroundings), tweak))
+    print(warning);
+}
+
+void printWarnings(const TweakFile::Opened& opened, const std::string& folder) {
+  OpenedTweak tweak;
+  tweak.argument = folder;
+  tweak.folder = folder;
+  tweak.file = opened.file;
+  tweak.manifest = opened.manifest;
+  tweak.ignoredKeys = opened.ignoredKeys;
+  tweak.script = opened.file->script();
+  printWarnings(tweak);
 }
 
 }  // namespace tavlen::cli

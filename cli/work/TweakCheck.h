@@ -13,13 +13,19 @@ namespace tavlen::cli {
 /// script. Throws std::system_error.
 TweakSurroundings surroundingsOf(std::filesystem::path folder);
 
-/// Warnings about mistakes with which `tweak` still builds: its problemsOf(), at their places in
-/// the document or the file. Throws as surroundingsOf() does.
-std::vector<Diagnostic> warningsFor(const OpenedTweak& tweak);
+/// Problems of `tweak` as warnings at their places in the text, the document or the file.
+std::vector<Diagnostic> warningsFrom(const std::vector<TweakProblem>& problems,
+                                     const OpenedTweak& tweak);
 
-/// The same for a text, at places in it. A resource that is in the folder `target` of the tweak
-/// that the text is to change is not missing if that tweak keeps it; an empty path stands for no
-/// tweak.
+/// The problems of a text as warnings at places in it. A resource that is in the folder `target` of
+/// the tweak that the text is to change is not missing if that tweak keeps it; an empty path stands
+/// for no tweak.
 std::vector<Diagnostic> warningsFor(const TextInput& input, const std::filesystem::path& target);
+
+/// Prints warnings about mistakes with which `tweak` still builds: the keys of its document that
+/// are ignored, and its problemsOf(). Throws as surroundingsOf() does.
+void printWarnings(const OpenedTweak& tweak);
+/// The same for a tweak that messages call `folder`. Reads its script.
+void printWarnings(const TweakFile::Opened& tweak, const std::string& folder);
 
 }  // namespace tavlen::cli

@@ -10,6 +10,7 @@
 #include "tavlen/foundation/files/FileTree.h"
 #include "tavlen/foundation/files/TemporaryDirectory.h"
 #include "tavlen/items/TweakPoster.h"
+#include "tavlen/tweaktext/TweakTextWriter.h"
 
 namespace tavlen::cli {
 
@@ -42,7 +43,7 @@ void addPart(std::vector<TweakChange>& changes, const char* subject,
 
 TweakContents contentsOf(const TweakFile::Opened& tweak) {
   TweakContents contents{
-      tweak.manifest, tweak.file->customIcon(), tweak.file->readScript(), {}, {}};
+      tweak.manifest, tweak.file->customIcon(), tweak.file->readScript(), {}, {}, {}};
   const fs::path& folder = tweak.file->url();
   for (const std::string& name : attachedFiles(folder)) contents.files.emplace(name, folder);
   contents.wholeFolders.insert(kAttachedFolders.begin(), kAttachedFolders.end());
@@ -50,9 +51,22 @@ TweakContents contentsOf(const TweakFile::Opened& tweak) {
 }
 
 TweakContents contentsOf(const TextInput& input) {
-  TweakContents contents{input.text.manifest, input.icon, input.script, {}, input.wholeFolders};
+  TweakContents contents{input.text.manifest, input.icon, input.script, {}, input.wholeFolders, {}};
   for (const std::string& name : input.files) contents.files.emplace(name, input.folder);
   return contents;
+}
+
+TweakContents contentsOf(const OpenedTweak& tweak) {
+  TweakContents contents = tweak.text ? contentsOf(*tweak.text) : contentsOf(tweak.opened());
+  contents.owner = tweak.temporaryFolder;
+  return contents;
+}
+
+std::string textOf(const TweakContents& contents) {
+  TweakTextFiles files;
+  if (contents.icon) files.icon = TweakFile::iconFile;
+  if (contents.script) files.script = TweakFile::scriptFile;
+  return writeTweakText(contents.manifest, files);
 }
 
 std::vector<TweakChange> changesBetween(const TweakContents& before, const TweakContents& after) {

@@ -2,11 +2,13 @@
 
 #include <filesystem>
 #include <map>
+#include <memory>
 #include <optional>
 #include <set>
 #include <string>
 #include <vector>
 
+#include "cli/arguments/TweakArgument.h"
 #include "cli/work/TextInput.h"
 #include "cli/work/TweakChanges.h"
 #include "tavlen/foundation/image/Image.h"
@@ -24,12 +26,20 @@ struct TweakContents {
   /// The folders, of kAttachedFolders, of which all files are known. A single text knows only those
   /// that it names; it says nothing of the others.
   std::set<std::string> wholeFolders;
+  /// Keeps the files, if they are in a temporary folder.
+  std::shared_ptr<const void> owner;
 };
 
 /// Reads the icon, the script and the names of the files. Throws std::system_error.
 TweakContents contentsOf(const TweakFile::Opened& tweak);
 /// What a text describes.
 TweakContents contentsOf(const TextInput& input);
+/// The same of a tweak in any form.
+TweakContents contentsOf(const OpenedTweak& tweak);
+
+/// The tweak's text; its icon and its script are named as in a tweak's folder. Throws
+/// EncodingError.
+std::string textOf(const TweakContents& contents);
 
 /// As changesBetween() their manifests, with icons, scripts and files. A file counts as added or
 /// removed where the side without it knows the whole folder. Throws std::system_error.

@@ -6,14 +6,16 @@
 #include <utility>
 
 #include "cli/arguments/StoredItem.h"
-#include "cli/terminal/Console.h"
+#include "cli/terminal/Diagnostic.h"
 #include "cli/terminal/ProgressLine.h"
 #include "cli/terminal/ShownText.h"
 #include "cli/work/TextInput.h"
 #include "cli/work/TweakContents.h"
+#include "tavlen/collections/TweakCollection.h"
 #include "tavlen/foundation/coding/CodingError.h"
 #include "tavlen/foundation/files/FileTree.h"
 #include "tavlen/foundation/files/TemporaryDirectory.h"
+#include "tavlen/foundation/text/Characters.h"
 #include "tavlen/foundation/zip/ZIPError.h"
 #include "tavlen/store/TweakManager.h"
 
@@ -49,6 +51,7 @@ std::string nameFor(const std::string& argument) {
 void useFolder(OpenedTweak& tweak, TweakFile::Opened opened) {
   tweak.file = std::move(opened.file);
   tweak.manifest = std::move(opened.manifest);
+  tweak.ignoredKeys = std::move(opened.ignoredKeys);
 }
 
 OpenedTweak tweakFromText(const std::string& argument) {
@@ -66,6 +69,8 @@ OpenedTweak tweakFromText(const std::string& argument) {
 }
 
 OpenedTweak tweakFromArchive(const std::string& argument) {
+  if (lowercased(argument).ends_with(TweakCollection::compressedExtension))
+    throw std::runtime_error(argument + ": is the archive of a collection; import makes one of it");
   OpenedTweak tweak;
   tweak.argument = argument;
   tweak.folder = argument;
@@ -102,7 +107,9 @@ OpenedTweak openTweak(const std::string& argument) {
     tweak.script = tweak.file->readScript().value_or(std::string());
   } catch (const std::exception& error) {
     tweak.scriptIsUnreadable = true;
-    printWarning("the script cannot be read and counts as empty: " + errorText(error));
+    print({.severity = Diagnostic::kWarning,
+           .message = "the script cannot be read and counts as empty: " + errorText(error),
+           .code = "unreadable-script"});
   }
   return tweak;
 }
@@ -114,8 +121,9 @@ ItemForReading itemForReading(const std::string& argument) {
     return {std::move(item), std::move(path), nullptr};
   }
   OpenedTweak tweak = tweakForReading(argument);
-  return {TweakFile::Opened{std::move(tweak.file), std::move(tweak.manifest)}, argument,
-          std::move(tweak.temporaryFolder)};
+  return {TweakFile::Opened{std::move(tweak.file), std::move(tweak.manifest),
+                            std::move(tweak.ignoredKeys)},
+          argument, std::move(tweak.temporaryFolder), std::move(tweak.text)};
 }
 
 }  // namespace tavlen::cli

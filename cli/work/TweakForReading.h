@@ -29,6 +29,7 @@ struct ItemForReading {
   OpenedItem item;
   std::string path;  ///< as the user wrote it, or that of the stored item
   std::shared_ptr<const void> temporaryFolder;  ///< see OpenedTweak
+  std::shared_ptr<const TextInput> text = {};   ///< see OpenedTweak
 };
 
 /// As tweakForReading(), also for collections in the form of openedItem().

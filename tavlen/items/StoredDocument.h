@@ -26,6 +26,12 @@ Record decodeDocument(std::string_view document) {
   requireReadableSize(document);
   return decodeJSON<Record>(document);
 }
+/// The same, and adds the keys that no record has, or that are repeated, to `ignored`.
+template <class Record>
+Record decodeDocument(std::string_view document, IgnoredKeys& ignored) {
+  requireReadableSize(document);
+  return decodeJSON<Record>(document, ignored);
+}
 
 /// The document of `record`. Throws EncodingError.
 template <class Record>

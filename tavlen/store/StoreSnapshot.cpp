@@ -1,13 +1,11 @@
 #include "tavlen/store/StoreSnapshot.h"
 
-#include <sys/stat.h>
-
 #include <algorithm>
+#include <functional>
 #include <system_error>
 #include <utility>
 
 #include "tavlen/collections/TweakCollection.h"
-#include "tavlen/device/DeviceRoot.h"
 #include "tavlen/items/TweaksDirectory.h"
 #include "tavlen/tweaks/TweakFile.h"
 
@@ -17,30 +15,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// In the order of StoreSnapshot::Document.
-constexpr std::array<const char*, 3> kDocumentNames = {"Manifest.json", "script.objs", "Icon.png"};
-
-/// The closest parent folder of `path` that exists.
-fs::path existingParent(fs::path path) {
-  std::error_code ignored;
-  do {
-    path = path.parent_path();
-  } while (path.has_relative_path() && !fs::is_directory(path, ignored));
-  return path;
-}
-
-/// What `path` is, or leads to as a link. Below another root than "/" the device's links count;
-/// most entries are none, and finding that out takes one call.
-fs::path target(const fs::path& path) {
-  std::error_code ignored;
-  if (!fs::is_symlink(path, ignored)) return path;
-  try {
-    const DeviceRoot root = DeviceRoot::shared();
-    return root.hasOwnLinksAt(path) ? root.follow(path) : fs::canonical(path);
-  } catch (const std::system_error&) {
-    return {};
-  }
-}
+/// In the order of StoreSnapshot::Document, without the last one, which is a folder.
+constexpr std::array<const char*, 3> kDocumentNames = {"Manifest.json", TweakFile::scriptFile,
+                                                       TweakFile::iconFile};
 
 }  // namespace
 
@@ -49,7 +26,7 @@ StoreSnapshot StoreSnapshot::take() {
   const fs::path store = TweaksDirectory::url();
   std::error_code error;
   fs::directory_iterator entry(store, error);
-  snapshot.folders_.push_back(error ? existingParent(store) : store);
+  snapshot.folders_.push_back(error ? existingFolder(store.parent_path()) : store);
   for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
     snapshot.add(entry->path());
   }
@@ -62,7 +39,7 @@ void StoreSnapshot::add(const fs::path& entry) {
   if (id.starts_with('.')) return;
   Item item;
   if (TweakFile::isValidID(id)) {
-    const fs::path folder = target(entry);
+    const fs::path folder = linkTarget(entry);
     std::error_code ignored;
     // Watch the folder even without a manifest: it may be created later.
     if (fs::is_directory(folder, ignored)) folders_.push_back(folder);
@@ -77,19 +54,32 @@ StoreSnapshot::Item StoreSnapshot::tweakAt(const fs::path& folder) {
   Item item;
   std::transform(kDocumentNames.begin(), kDocumentNames.end(), item.begin(),
                  [&](const char* name) { return stampOf(folder / name); });
+  item.back() = stampOfFiles(linkTarget(folder / TweakFile::resourcesFolder));
   return item;
 }
 
-std::optional<StoreSnapshot::Stamp> StoreSnapshot::stampOf(const fs::path& file) {
-  struct stat status {};
-  if (::lstat(target(file).c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
-#ifdef __APPLE__
-  const timespec& written = status.st_mtimespec;
-#else
-  const timespec& written = status.st_mtim;
-#endif
-  return Stamp{static_cast<std::uint64_t>(status.st_dev), status.st_ino, status.st_size,
-               written.tv_sec, written.tv_nsec};
+std::optional<FileStamp> StoreSnapshot::stampOfFiles(const fs::path& folder) {
+  std::error_code error;
+  FileStamp all = {};
+  fs::recursive_directory_iterator entry(folder, error);
+  if (error) return std::nullopt;
+  folders_.push_back(folder);
+  for (; !error && entry != fs::recursive_directory_iterator(); entry.increment(error)) {
+    const bool isHidden = entry->path().filename().native().starts_with('.');
+    if (isHidden) entry.disable_recursion_pending();
+    if (!isHidden && entry->symlink_status().type() == fs::file_type::directory) {
+      folders_.push_back(entry->path());
+    }
+    const std::optional<FileStamp> stamp = isHidden ? std::nullopt : stampOf(entry->path());
+    if (!stamp) continue;
+    // A sum, which does not depend on the order of the entries.
+    all.volume += std::hash<std::string>()(
+        entry->path().native() + '\0' + std::to_string(stamp->file) + ' ' +
+        std::to_string(stamp->seconds) + ' ' + std::to_string(stamp->nanoseconds));
+    all.size += stamp->size;
+    ++all.file;
+  }
+  return all.file > 0 ? std::optional(all) : std::nullopt;
 }
 
 std::vector<StoreSnapshot::Document> StoreSnapshot::difference(const Item& before,

@@ -1,13 +1,14 @@
 #pragma once
 
 #include <array>
-#include <cstdint>
+#include <cstddef>
 #include <filesystem>
 #include <map>
 #include <optional>
 #include <string>
-#include <tuple>
 #include <vector>
+
+#include "tavlen/store/FileStamp.h"
 
 namespace tavlen {
 
@@ -17,8 +18,8 @@ namespace tavlen {
 /// An item exists once its manifest exists. Names that begin with "." are ignored.
 class StoreSnapshot {
  public:
-  /// A file of an item.
-  enum class Document { manifest, script, icon };
+  /// A file of an item, or the folder of its resources.
+  enum class Document { manifest, script, icon, resources };
 
   /// The difference in one item between two snapshots.
   struct Change {
@@ -46,27 +47,18 @@ class StoreSnapshot {
   /// The items' identifiers, sorted.
   std::vector<std::string> ids() const;
 
-  /// The folders to watch for changes: the tweaks directory and the tweaks' folders. If the tweaks
-  /// directory does not exist, its closest existing parent.
+  /// The folders to watch for changes: the tweaks directory, the tweaks' folders and those of their
+  /// resources. If the tweaks directory does not exist, its closest existing parent.
   const std::vector<std::filesystem::path>& folders() const { return folders_; }
 
  private:
-  /// Identifies a file and its state: it differs for another file and after a change.
-  struct Stamp {
-    std::uint64_t volume;
-    std::uint64_t file;
-    std::int64_t size;
-    std::int64_t seconds;
-    std::int64_t nanoseconds;
-
-    bool operator==(const Stamp&) const = default;
-  };
-  static constexpr std::size_t kDocuments = 3;
+  static constexpr std::size_t kDocuments = 4;
   /// Indexed by Document.
-  using Item = std::array<std::optional<Stamp>, kDocuments>;
+  using Item = std::array<std::optional<FileStamp>, kDocuments>;
 
-  static std::optional<Stamp> stampOf(const std::filesystem::path& file);
-  static Item tweakAt(const std::filesystem::path& folder);
+  Item tweakAt(const std::filesystem::path& folder);
+  /// A stamp that changes with any file in `folder`; nothing if there is none.
+  std::optional<FileStamp> stampOfFiles(const std::filesystem::path& folder);
   void add(const std::filesystem::path& entry);
   static std::vector<Document> difference(const Item& before, const Item& after);
 

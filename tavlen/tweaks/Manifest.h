@@ -8,6 +8,7 @@
 #include "tavlen/foundation/base/BoxedOptional.h"
 #include "tavlen/foundation/base/Limits.h"
 #include "tavlen/foundation/coding/Coding.h"
+#include "tavlen/foundation/json/IgnoredKeys.h"
 #include "tavlen/items/ItemConfiguration.h"
 #include "tavlen/items/TweakConfiguration.h"
 #include "tavlen/items/TweakManifest.h"
@@ -65,6 +66,7 @@ static_assert(TweakManifestRecord<TweakFile::Manifest>);
 struct TweakFile::Opened {
   std::shared_ptr<TweakFile> file;  ///< never null
   Manifest manifest;                ///< as read; later edits do not change it
+  IgnoredKeys ignoredKeys = {};     ///< of the document, which storing the manifest would drop
 };
 
 }  // namespace tavlen

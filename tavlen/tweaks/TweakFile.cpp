@@ -99,13 +99,16 @@ std::shared_ptr<TweakFile> TweakFile::at(std::filesystem::path url) {
 
 TweakFile::Opened TweakFile::open(std::filesystem::path url) {
   std::shared_ptr<TweakFile> tweak(new TweakFile(std::move(url)));
-  auto manifest = decodeDocument<Manifest>(tweak->documentInFolder());
-  return {std::move(tweak), std::move(manifest)};
+  IgnoredKeys ignored;
+  auto manifest = decodeDocument<Manifest>(tweak->documentInFolder(), ignored);
+  return {std::move(tweak), std::move(manifest), std::move(ignored)};
 }
 
 TweakFile::Opened TweakFile::opened(std::filesystem::path url, std::string_view document) {
-  auto manifest = decodeDocument<Manifest>(document);
-  return {std::shared_ptr<TweakFile>(new TweakFile(std::move(url))), std::move(manifest)};
+  IgnoredKeys ignored;
+  auto manifest = decodeDocument<Manifest>(document, ignored);
+  return {std::shared_ptr<TweakFile>(new TweakFile(std::move(url))), std::move(manifest),
+          std::move(ignored)};
 }
 
 ListedItem TweakFile::listed(std::filesystem::path url, std::string_view document) {

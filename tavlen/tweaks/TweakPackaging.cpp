@@ -103,7 +103,8 @@ void checkTarget(const TweakInfo& tweakInfo, const std::string& bundleID) {
 
 void packageTweak(const TweakFile::Opened& tweak, const Info& target, const Packaging& packaging,
                   TweakInfo& tweakInfo) {
-  const auto& [file, manifest] = tweak;
+  const std::shared_ptr<TweakFile>& file = tweak.file;
+  const TweakFile::Manifest& manifest = tweak.manifest;
   checkTarget(tweakInfo, manifest.configuration.bundleID);
   const std::string info = infoPlist(target, manifest);
   // A new transpiler for each tweak: an exception in one would fail all later conversions.

@@ -116,5 +116,33 @@ TEST_F(AppClassesTest, SearchesForMethods) {
   EXPECT_THAT(contents("./T/Manifest.json"), HasSubstr(R"("signature":"Q16@0:8")"));
 }
 
+TEST_F(AppClassesTest, CheckLooksTheHooksUp) {
+  const auto hook = [](const std::string& cls, const std::string& selector,
+                       const std::string& types) {
+    return R"({"className":")" + cls + R"(","selector":")" + selector + R"(","signature":")" +
+           types + R"(","isClassMethod":false,"args":{}})";
+  };
+  writeTweak("T", hook("Eraser", "area", "d8@0:4") + ",null," + hook("Shape", "aera", "d16@0:8") +
+                      "," + hook("Shap", "area", "d16@0:8") + "," +
+                      hook("Shape", "frame", "@16@0:8") + "," + hook("Shape", "shape", "@16@0:8"));
+  EXPECT_EQ(run("check ./T --strict").status, 0);
+  const Result checked = run("check ./T --strict --in Sketch.ipa");
+  EXPECT_EQ(checked.status, 1);
+  EXPECT_EQ(checked.out, "./T: 4 warnings\n");
+  const std::string place = "./T/Manifest.json: hooks[";
+  EXPECT_THAT(
+      checked.err,
+      StartsWith(
+          place +
+          "2].selector: warning: the app defines no method -[Shape aera]; did you mean "
+          "\"-area\"?\n" +
+          place +
+          "3].className: warning: the app defines no class \"Shap\"; did you mean "
+          "\"Shape\"?\n" +
+          place +
+          "4].signature: warning: \"@16@0:8\" differs from the method's types in the app, "));
+  EXPECT_THAT(run("check ./T --classes").err, HasSubstr("a.b"));
+}
+
 }  // namespace
 }  // namespace tavlen

@@ -91,6 +91,18 @@ TEST_F(DeviceCommandTest, TheRootComesFromTheOptionOrTheEnvironment) {
   EXPECT_EQ(run("--help").status, 0);
 }
 
+TEST_F(DeviceCommandTest, APrefixIsOfProgramsAndNotOfTheStore) {
+  write("tree/var/jb/Applications/Marrowgleam.app/Info.plist", appPlist("com.tool", "Tool"));
+  setEnvironment({"TAVLEN_ROOT=tree"});
+  EXPECT_EQ(run("info /Applications/Marrowgleam.app").status, 1);
+  EXPECT_EQ(run("new A --app com.tool").status, 0);
+  EXPECT_THAT(run("--prefix /var/jb info /Applications/Marrowgleam.app").out, HasSubstr("Tool"));
+  expectRefused("list", {{"--prefix var/jb", 2, "--prefix: "}, {"--prefix /var/../x", 2, ""}});
+  setEnvironment({"TAVLEN_ROOT=tree", "TAVLEN_PREFIX=/var/jb"});
+  EXPECT_THAT(run("info /Applications/Marrowgleam.app").out, HasSubstr("Tool"));
+  EXPECT_THAT(run("list").out, HasSubstr("com.tool"));
+}
+
 TEST_F(DeviceCommandTest, AnAppIsNamedByIdentifierOrPath) {
   app("A.app", "Alpha", "com.a");
   fs::create_directory(folder() / "com.a");  // no bundle, so the identifier is meant
@@ -204,6 +216,9 @@ TEST_F(IconCommandTest, AnAppMayBeInAnArchive) {
   EXPECT_EQ(width("Notes.ipa"), 180U);
   EXPECT_EQ(width("Notes.ipa", "--name AppIcon76x76"), 152U);
   EXPECT_EQ(run("info Notes.ipa").out, run("info Payload/Notes.app").out);
+  setEnvironment({"TMPDIR=" + tmp.string(), "TAVLEN_ROOT=" + (folder() / "device").string()});
+  EXPECT_THAT(run("new N --app Notes.ipa --json").out,
+              HasSubstr(R"("bundleID":"com.example.notes")"));
   EXPECT_EQ(run("executables Notes.ipa").out, run("executables Payload/Notes.app").out);
   EXPECT_THAT(run("executables Notes.ipa --json").out,
               HasSubstr(R"("path":"Notes.ipa/Payload/Notes.app/Notes")"));
@@ -255,10 +270,21 @@ TEST_F(CommandStoreTest, IconSetStoresThePictureAndClearTakesItAway) {
     EXPECT_EQ(run("icon set T", {file}).status, 1) << file;
   }
   EXPECT_EQ(Image::decode(contents(icon)), picture) << "as it was";
+  EXPECT_EQ(run("icon T -o shown.png --json").out, R"({"path":"shown.png","width":2,"height":1})"
+                                                   "\n");
+  EXPECT_EQ(Image::decode(contents("shown.png")), picture);
+  EXPECT_EQ(shell("\"$tavlen\" icon T -o - --size 4 | \"$tavlen\" icon set T -").err, "");
+  EXPECT_EQ(Image::decode(contents(icon))->width(), 4U);
+  expectRefused("icon", {{"T -o x --name A", 1, "T: is a tweak; only apps have icons with names\n"},
+                         {"Notes -o x", 1,
+                          "Notes: no stored tweak or collection has that identifier or name; did "
+                          "you mean \"com.example.notes\"?\n"}});
   EXPECT_EQ(run("icon clear T").err, "");
+  EXPECT_EQ(run("icon T -o x").err, "tavlen: error: T: No icon found\n") << "the app's";
   EXPECT_FALSE(fs::exists(folder() / icon));
-  for (const char* misuse : {"", "set", "set T", "clear", "clear T x", "clear T -o x",
-                             "clear T --size 3", "set T picture x", "-o x", "com.example.notes"}) {
+  for (const char* misuse :
+       {"", "set", "set T", "clear", "clear T x", "clear T -o x", "clear T --size 3",
+        "set T picture x", "-o x", "T -o - --json", "com.example.notes"}) {
     EXPECT_EQ(run(std::string("icon ") + misuse).status, 2) << misuse;
   }
   EXPECT_FALSE(fs::exists(folder() / icon));

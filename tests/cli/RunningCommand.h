@@ -16,7 +16,7 @@ namespace tavlen {
 /// anything does.
 class RunningCommand {
  public:
-  /// It prints to a terminal of so many columns, or to a pipe where that is 0.
+  /// It has a terminal of so many columns, or prints to a pipe where that is 0.
   RunningCommand(std::vector<std::string> words, std::vector<std::string> variables,
                  unsigned short columns = 0) {
     std::array<int, 2> pipe{};
@@ -26,6 +26,7 @@ class RunningCommand {
               0);
     child_ = startCommand(paths().command, std::move(words), std::move(variables), [&] {
       ::alarm(120);
+      if (columns > 0) ::dup2(pipe[1], 0);
       ::dup2(pipe[1], 1);
       ::dup2(pipe[1], 2);
     });
@@ -54,6 +55,10 @@ class RunningCommand {
     const std::string found = text_.substr(0, size);
     text_.erase(0, size + 1);
     return found;
+  }
+  /// Types on the terminal.
+  void type(std::string_view text) const {
+    EXPECT_EQ(::write(output_, text.data(), text.size()), static_cast<ssize_t>(text.size()));
   }
   void closeOutput() {
     if (output_ >= 0) ::close(std::exchange(output_, -1));

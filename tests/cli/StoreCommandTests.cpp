@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "tavlen/foundation/image/Image.h"
 #include "tavlen/foundation/text/Characters.h"
 #include "tests/cli/RunningCommand.h"
 
@@ -22,7 +23,10 @@ TEST_F(CommandStoreTest, NewMakesATweakOrSaysWhatIsWrong) {
             R"("glyph":{"icon":"tools","style":"solid"}},"overrides":[],"hooks":[]})");
   EXPECT_THAT(run("new A --app com.gone --glyph apple").err,
               StartsWith("tavlen: warning: com.gone: no app with that identifier"));
-  expectRefused("new", {{"A --app x --glyph tolls", 2,
+  EXPECT_THAT(run("new B --app com.example.note").err,
+              EndsWith("did you mean \"com.example.notes\"?\n"));
+  expectRefused("new", {{"B --app x", 1, "B: the item "},
+                        {"A --app x --glyph tolls", 2,
                          "--glyph: unknown glyph \"tolls/solid\"; did you mean tools/solid?\n"},
                         {"A --app x --glyph apple/solid", 2,
                          "--glyph: unknown glyph \"apple/solid\"; did you mean apple/brands?\n"},
@@ -32,8 +36,9 @@ TEST_F(CommandStoreTest, NewMakesATweakOrSaysWhatIsWrong) {
                         {"\xFF --app x", 2, "NAME: it is not UTF-8\n"},
                         {"'' --app x", 2, "NAME: it is empty\n"},
                         {"A --app ./gone.app", 1, "./gone.app: No such file or directory\n"},
+                        {"A --app gone.ipa", 1, "gone.ipa: no such file, and no app has this"},
                         {"A", 2, "--app is missing\n"}});
-  EXPECT_EQ(std::distance(fs::directory_iterator(folder() / stored("")), {}), 2)
+  EXPECT_EQ(std::distance(fs::directory_iterator(folder() / stored("")), {}), 3)
       << "what is refused makes nothing";
 }
 
@@ -47,17 +52,27 @@ TEST_F(CommandStoreTest, ListSortsItemsAndCountsOtherEntries) {
   EXPECT_THAT(all.out, StartsWith("NAME              KIND        APP                INSTALLED  "
                                   "IDENTIFIER\na\\x1b collection  collection  "
                                   "com.example.notes             C.collection\nalpha"));
-  EXPECT_THAT(run("list --json").out,
-              EndsWith(R"({"name":"alpha","kind":"tweak","bundleID":"com.example.notes",)"
-                       R"("installed":true,"identifier":")" +
-                       alpha + R"("},{"name":"Beta","kind":"tweak","bundleID":"com.gone",)" +
-                       R"("installed":false,"identifier":")" + beta + "\"}]\n"));
+  const std::string json = run("list --json").out;
+  const auto at = [&](const std::string& id) {
+    return R"("stored":true,"identifier":")" + id + R"(","path":")" +
+           (folder() / stored(id)).string() + "\"}";
+  };
+  EXPECT_THAT(json, HasSubstr(R"({"name":"alpha","kind":"tweak","bundleID":"com.example.notes",)"
+                              R"("color":"lightGreen","glyph":"tools/solid","installed":true,)" +
+                              at(alpha) + ",{\"name\":\"Beta\""));
+  EXPECT_THAT(json, EndsWith("\"installed\":false," + at(beta) + "]\n"));
   write(stored(".hidden"), "");
   write(stored("note.txt"), "");
   write(stored("note"), "");
   const Result some = run("list");
   EXPECT_EQ(some.out, all.out);
   EXPECT_THAT(some.err, EndsWith("/Tweaks are not items and are left out\n"));
+  fs::remove_all(folder() / stored(alpha));
+  EXPECT_THAT(run("list").out,
+              EndsWith("\n-                 tweak       com.example.notes  yes      "
+                       "  " +
+                       alpha + "  not stored\n"));
+  EXPECT_THAT(run("list --json").out, HasSubstr(R"("stored":false,"identifier":")" + alpha));
   fs::remove_all(folder() / stored(""));
   write(stored("").substr(0, stored("").size() - 1), "");
   EXPECT_THAT(run("list").err, EndsWith("/Tweaks: Not a directory\n"));
@@ -77,7 +92,8 @@ TEST_F(CommandStoreTest, ItemsGoByIdentifierNameOrPath) {
   EXPECT_THAT(
       run("show Both").out,
       EndsWith("Tweaks:     " + id + "  My tweak\n            ../../x  (cannot be opened)\n"));
-  EXPECT_THAT(run("show C.collection --json").out, HasSubstr(R"("kind":"collection","path":")"));
+  EXPECT_THAT(run("show C.collection --json").out,
+              HasSubstr(R"("stored":true,"identifier":"C.collection","path":")"));
   const std::string installed = newTweak("My");
   EXPECT_EQ(run("install", {installed}).status, 0);
   fs::copy(folder() / stored(installed), folder() / stored("ABCD-1"));
@@ -121,16 +137,17 @@ TEST_F(CommandStoreTest, ABrokenItemIsListedShownAndDeletedByItsIdentifier) {
   EXPECT_EQ(run("list").err, "");
   EXPECT_THAT(run("list").out, HasSubstr(id + "  hooks[0]: " + error));
   const std::string json = run("list --json").out;
-  EXPECT_THAT(json, HasSubstr(R"({"kind":"collection","installed":false,)"
-                              R"("identifier":"BAD.collection","error":")" +
-                              error));
-  EXPECT_THAT(json, HasSubstr(R"({"kind":"tweak","installed":true,"identifier":")" + id));
+  EXPECT_THAT(json, HasSubstr(R"({"kind":"collection","installed":false,"stored":true,)"
+                              R"("identifier":"BAD.collection",)"));
+  EXPECT_THAT(json, HasSubstr(R"({"kind":"tweak","installed":true,)"));
+  EXPECT_THAT(json, HasSubstr(R"(","error":")" + error));
   const Result shown = run("show", {id});
   EXPECT_EQ(shown.status, 1);
   EXPECT_THAT(shown.out, StartsWith("Name:       T\nKind:       tweak\n"));
   EXPECT_THAT(shown.out, HasSubstr("Installed:  yes\nScript:     none\n"));
   EXPECT_THAT(shown.err, HasSubstr("Manifest.json: hooks[0]: " + error));
-  EXPECT_THAT(run("show BAD.collection --json").out, HasSubstr(R"(,"installed":false,"error":")"));
+  EXPECT_THAT(run("show BAD.collection --json").out,
+              HasSubstr(R"("installed":false,"stored":true,"identifier":)"));
   EXPECT_EQ(run("show BAD").err,
             kError + "BAD: no stored tweak or collection has that identifier or name\n");
   EXPECT_EQ(run("delete", {id}).status, 0);
@@ -143,19 +160,73 @@ TEST_F(CommandStoreTest, DeleteTakesAwayWhatTheStoreHolds) {
   const std::string id = newTweak("A");
   writeCollection("C", "C", "\"" + id + "\"");
   writeTweak("mine", "");
-  EXPECT_EQ(run("delete ./mine").err, kError + "./mine: is not in " + (folder() / "tree").string() +
-                                          std::string(kTweaksDir) + "\n");
-  EXPECT_EQ(run("delete C").status, 0);
+  EXPECT_EQ(run("delete C ./mine").err, kError + "./mine: is not in " +
+                                            (folder() / "tree").string() + std::string(kTweaksDir) +
+                                            "\n");
+  EXPECT_EQ(run("delete C C.collection").out, "deleted collection C (C.collection)\n");
   EXPECT_EQ(run("install A").status, 0);
-  newTweak("B");
-  EXPECT_EQ(run("delete B").status, 0);
+  const std::string other = newTweak("B");
+  EXPECT_EQ(run("delete --json B").out,
+            R"([{"name":"B","kind":"tweak","identifier":")" + other + "\"}]\n");
   EXPECT_THAT(run("show A").out, HasSubstr("Installed:  yes\n")) << "another one's";
   helper("exit 3");
   const Result forced = run("delete A");
-  EXPECT_EQ(forced.status, 0);
+  EXPECT_EQ(forced.out, "deleted tweak A (" + id + ")\n");
   EXPECT_THAT(forced.err, HasSubstr("warning: A: could not be uninstalled from com.example.notes"));
   EXPECT_THAT(run("list").err, StartsWith("tavlen: nothing is stored"));
   EXPECT_TRUE(fs::exists(folder() / "mine"));
+}
+
+TEST_F(CommandStoreTest, DeleteAsksOnATerminal) {
+  const std::string id = newTweak("A");
+  const struct {
+    std::vector<std::string> words;
+    std::string answer;
+    int status;
+  } rows[] = {{{"A"}, "\n", 1}, {{"A"}, "n\n", 1}, {{"A"}, "\x04", 1}, {{"A"}, "y\n", 0}};
+  for (const auto& [words, answer, status] : rows) {
+    std::vector<std::string> line = {"delete", "--root", (folder() / "tree").string()};
+    line.insert(line.end(), words.begin(), words.end());
+    RunningCommand command(line, {}, 80);
+    EXPECT_EQ(command.until(']'), "Delete the tweak A (" + id + ")? [y/N");
+    command.type(answer);
+    EXPECT_EQ(command.status(), status);
+    EXPECT_EQ(fs::exists(folder() / stored(id)), status != 0);
+  }
+  const std::string other = newTweak("B");
+  RunningCommand sure({"delete", "B", "-y", "--root", (folder() / "tree").string()}, {}, 80);
+  EXPECT_EQ(sure.until('\r'), "deleted tweak B (" + other + ")");
+}
+
+TEST_F(CommandStoreTest, SetChangesWhatItIsToldInOneWrite) {
+  write("tree/Applications/Maps.app/Info.plist", appPlist("com.example.maps", "Maps"));
+  const std::string id = newTweak("A");
+  const std::string inner = newTweak("B");
+  writeCollection("C", "C", "\"" + inner + "\"");
+  writeCollection("E", "E", "");
+  expectRefused("set", {{"A", 2, ""},
+                        {"A --name B", 1, "B: the item " + inner + " has this name already\n"},
+                        {"A --glyph tolls", 2, "--glyph: unknown glyph"},
+                        {"C --app com.example.maps", 1,
+                         "C: its member B: Bundle ID mismatch (expected 'com.example.maps' but "
+                         "found 'com.example.notes')\n"}});
+  EXPECT_EQ(run("set E --app tree/Applications/Maps.app --name E").err, "");
+  EXPECT_THAT(contents(stored("E.collection")), HasSubstr("com.example.maps"));
+  EXPECT_EQ(run("install A").status, 0);
+  EXPECT_EQ(run("set A --name N --color darkPurple --glyph moon").err, "");
+  EXPECT_THAT(run("show N").out, HasSubstr("Installed:  yes\n"));
+  const Result moved = run("set N --app com.example.maps --json");
+  EXPECT_THAT(moved.err, EndsWith(R"("message":"N: uninstalled from com.example.notes; not )"
+                                  R"(installed for com.example.maps"})"
+                                  "\n"));
+  EXPECT_THAT(moved.out, StartsWith(R"({"name":"N","kind":"tweak","bundleID":"com.example.maps",)"
+                                    R"("color":"darkPurple","glyph":"moon/solid",)"
+                                    R"("installed":false,"stored":true,"identifier":")" +
+                                    id));
+  EXPECT_EQ(run("uninstall --app com.example.notes").status, 1);
+  EXPECT_EQ(run("set B --app com.example.maps").err,
+            "tavlen: warning: the collection C, which contains it, is for com.example.notes and "
+            "can no longer be installed\n");
 }
 
 class CollectionCommandTest : public CommandStoreTest {
@@ -200,6 +271,10 @@ TEST_F(CollectionCommandTest, MembersAreAddedAndRemoved) {
                {"add " + b + " A", b + ": is a tweak, not a collection", "BA"},
                {"add C ./loose",
                 "./loose: is not in " + (folder() / stored("")).parent_path().string(), "BA"},
+               {"move C A 0", "", "AB"},
+               {"move C A end", "", "BA"},
+               {"move C A 2", "2: is no place; the members have the places from 0 to 1", "BA"},
+               {"move C O 0", "O: is not in the collection", "BA"},
                {"remove C B", "", "A"},
                {"add '" + file + "' B", "", "AB"}};
   for (const auto& [line, error, left] : steps) {
@@ -245,7 +320,10 @@ TEST_F(CommandStoreTest, AScriptIsStoredWholeOrNotAtAll) {
                                  {".", 1, ".: Is a directory\n"},
                                  {"gone", 1, "gone: No such file or directory\n"}});
   EXPECT_EQ(contents(script), contents("new"));
-  fs::remove(folder() / script);
+  EXPECT_EQ(run("script show T -o copy").out, "");
+  EXPECT_EQ(contents("copy"), contents("new"));
+  EXPECT_THAT(run("script clear T --json").out, StartsWith(R"({"name":"T",)"));
+  EXPECT_FALSE(fs::exists(folder() / script));
   fs::create_directory(folder() / script);
   EXPECT_EQ(run("script show T").status, 1);
   EXPECT_EQ(run("script set T new").status, 1);
@@ -297,6 +375,32 @@ TEST_F(CommandStoreTest, AnEditedScriptIsNeverLost) {
   EXPECT_EQ(contents(script), "visual");
 }
 
+TEST_F(CommandStoreTest, WhatCannotBePrintedIsAnError) {
+  const std::string id = newTweak("T");
+  write("script", "x();");
+  writeCollection("C", "C", "\"" + id + "\"");
+  write("picture", Image(1, 1, {1, 2, 3, 255}).pngData());
+  for (const char* line : {"icon set T picture", "script set T script", "export T -o T.tvx"}) {
+    ASSERT_EQ(run(line).status, 0);
+  }
+  for (const char* line :
+       {"list", "apps", "info com.example.notes", "show T", "collection list C", "script show T",
+        "icon T -o -", "set T --color darkRed --json", "export T -o -", "import T.tvx",
+        "script set T script --json", "uninstall --json T"}) {
+    SCOPED_TRACE(line);
+    EXPECT_EQ(run("install T").status, 0);
+    const Result full = run(line, {}, "/dev/full");
+    EXPECT_EQ(full.status, 1);
+    EXPECT_THAT(full.err, HasSubstr("standard output: No space left on device"));
+    EXPECT_EQ(run("install T").status, 0);
+    const Result closed = shell("\"$tavlen\" " + std::string(line) + " >&-");
+    EXPECT_EQ(closed.status, 1);
+    EXPECT_THAT(closed.err, HasSubstr("standard output: Bad file descriptor"));
+  }
+  EXPECT_EQ(shell("\"$tavlen\" new N --app a.b >&-").status, 1);
+  EXPECT_EQ(shell("\"$tavlen\" delete N >&-").status, 1);
+}
+
 class WatchCommandTest : public CommandStoreTest {
  protected:
   /// Puts a file into the store in one step, so that it is one change.
@@ -332,7 +436,10 @@ TEST_F(WatchCommandTest, PrintsALineAChangedItem) {
       {[&] { place(id + "/script.objs", "x();"); }, "changed " + id + " script A b"},
       {[&] { placeCollection("C"); }, "created C.collection manifest C"},
       {[&] { run("collection add C", {id}); }, "changed C.collection manifest C"},
-      {[&] { run("delete", {id}); }, "deleted " + id + " manifest,script A b"},
+      {[&] { place(id + "/Resources/x", ""); }, "changed " + id + " resources A b"},
+      {[&] { run("install", {id}); }, "installed " + id + " com.example.notes A b"},
+      {[&] { run("delete", {id}); }, "uninstalled " + id + " com.example.notes A b"},
+      {[] {}, "deleted " + id + " manifest,script,resources A b"},
       {[&] { fs::remove_all((folder() / stored("")).parent_path()); },
        "deleted C.collection manifest C"},
       {[&] { place("B/Manifest.json", "{"); }, "created B manifest -"},
@@ -349,6 +456,11 @@ TEST_F(WatchCommandTest, PrintsAnObjectALine) {
   place("A/Icon.png", "");
   EXPECT_EQ(watched->until(),
             R"({"event":"changed","kind":"tweak","identifier":"A","documents":["icon"]})");
+  const std::string id = newTweak("T");
+  EXPECT_THAT(watched->until(), HasSubstr(id));
+  run("install T");
+  EXPECT_EQ(watched->until(), R"({"event":"installed","kind":"tweak","identifier":")" + id +
+                                  R"(","name":"T","bundleID":"com.example.notes"})");
   placeCollection("a\\nb");
   const std::string line = watched->until();
   EXPECT_TRUE(line.starts_with(R"({"event":"created","kind":"collection",)")) << line;

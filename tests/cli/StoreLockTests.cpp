@@ -66,7 +66,10 @@ TEST_F(StoreLockTest, EveryEditWaitsAndNothingElseDoes) {
                                "icon clear T",
                                "icon clear './" + stored(id) + "'",
                                "collection add C T",
+                               "collection move C T 0",
                                "collection remove C T",
+                               "set T --color darkRed",
+                               "script clear T",
                                "delete " + id,
                                "import T.tvx"};
   const std::string others[] = {

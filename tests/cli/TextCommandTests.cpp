@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/tweaks/Manifest.h"
 #include "tests/cli/CommandTest.h"
 
@@ -9,6 +10,7 @@ namespace {
 using testing::AllOf;
 using testing::EndsWith;
 using testing::HasSubstr;
+using testing::Not;
 using testing::StartsWith;
 
 /// In a folder with the device tree "tree", whose app has classes, and texts.
@@ -147,13 +149,19 @@ TEST_F(TextCommandTest, ATweakIsReadInAnyForm) {
       EXPECT_TRUE(namesFiles || found == expected) << line << " " << tweak << ":\n" << found;
     }
   }
+  EXPECT_EQ(run("show T.tvxc").err,
+            "tavlen: error: T.tvxc: is the archive of a collection; import makes one of it\n");
   EXPECT_EQ(shell("ls -A | grep Temporary").out, "") << "nothing is left";
   EXPECT_THAT(run("locate ./T 2:3").out, StartsWith("./T/tweak.toml:6:10\n"));
-  EXPECT_EQ(run("locate ./T 5:1 --json").out, "{\"file\":\"./T/s\",\"line\":1,\"column\":1}\n");
+  const std::string code = run("build ./T").out;
+  const std::string before = code.substr(0, code.find("one("));
+  const auto scriptLine = 1 + std::count(before.begin(), before.end(), '\n');
+  EXPECT_EQ(run("locate ./T " + std::to_string(scriptLine) + ":1 --json").out,
+            "{\"file\":\"./T/s\",\"line\":1,\"column\":1}\n");
   write("T/s", "foo bar");
   fs::remove(folder() / "T/Resources/i");
   const Result broken = run("check ./T");
-  EXPECT_THAT(broken.err, StartsWith("./T/tweak.toml:8:24: warning: the resource \"i\" is missing\n"
+  EXPECT_THAT(broken.err, StartsWith("./T/tweak.toml:8:10: warning: the resource \"i\" is missing\n"
                                      "./T/s:1:5: error: expected ';' or an operator\n"));
   write("T/Manifest.json", "{}");
   EXPECT_THAT(run("source ./T").err, HasSubstr("./T/Manifest.json: missing key"));
@@ -162,6 +170,79 @@ TEST_F(TextCommandTest, ATweakIsReadInAnyForm) {
   for (const char* line : editing)
     EXPECT_THAT(run(line).err,
                 HasSubstr("T/tweak.toml: is a text, not a stored item; apply makes"));
+}
+
+TEST_F(TextCommandTest, DiffComparesAnyTwoForms) {
+  writeText("[[hook]]\nmethod = \"-[A a]\"\ntypes = \"q16@0:8\"\n", "script = \"s\"\n");
+  write("T/s", "one();\n");
+  write("T/Resources/i", "1");
+  const std::string id = apply("T");
+  EXPECT_EQ(run("export ./T -o T.tvx").status, 0);
+  for (const char* other : {"T.tvx", "./T", "T/tweak.toml"}) {
+    const Result same = run("diff " + id + " " + other);
+    EXPECT_EQ(same.status, 0) << other;
+    EXPECT_EQ(same.out + same.err, "") << other;
+  }
+  write("T/Resources/i", "2");
+  write("T/Resources/j", "");
+  writeText("[[hook]]\nmethod = \"-[A a]\"\ntypes = \"q16@0:8\"\nreturn = 2\n");
+  const std::string changes = "changed hook -[A a]\n    return: none -> 2\nremoved script\n";
+  const Result different = run("diff T.tvx ./T");
+  EXPECT_EQ(different.status, 1);
+  EXPECT_EQ(different.out, changes + "added file Resources/j\nchanged file Resources/i\n");
+  EXPECT_EQ(run("diff T.tvx T/tweak.toml").out, changes);
+  EXPECT_EQ(run("diff " + id + " ./T --json").out,
+            R"([{"change":"changed","subject":"hook","name":"-[A a]","parts":[{"key":"return",)"
+            R"("after":"2"}]},{"change":"removed","subject":"script"},{"change":"added","subject":)"
+            R"("file","name":"Resources/j"},{"change":"changed","subject":"file","name":)"
+            R"("Resources/i"}])"
+            "\n");
+  writeText("colour = 1\n");
+  const Result trouble = run("diff T.tvx ./T");
+  EXPECT_EQ(trouble.status, 2);
+  EXPECT_THAT(trouble.err, StartsWith("./T/tweak.toml:4:1: error: unknown key"));
+}
+
+TEST_F(TextCommandTest, EditAppliesTheEditorsText) {
+  writeText("[[hook]]\nmethod = \"-[A a]\"\ntypes = \"q16@0:8\"\n", "script = \"s\"\n");
+  write("T/s", "one();\n");
+  write("T/Resources/i", "");
+  const std::string id = apply("T");
+  const auto edit = [&](const std::string& script) {
+    write("editor", script);
+    environment({"EDITOR=f() { . ./editor; }; f"});
+    return run("edit", {id});
+  };
+  const auto kept = [&](const Result& result) {
+    const std::size_t at = result.err.find("; your text is in ");
+    if (at == std::string::npos) return std::string("nothing is kept");
+    return readFile(result.err.substr(at + 18, result.err.size() - at - 19));
+  };
+  EXPECT_EQ(edit("true").err, "tavlen: the tweak is unchanged\n");
+  EXPECT_THAT(edit("echo >\"$1\"").err, EndsWith("tavlen: the tweak is unchanged\n"));
+  EXPECT_EQ(kept(edit("exit 3")), "nothing is kept");
+  // The first text has two errors; the editor is shown them, and puts the second right.
+  const Result corrected = edit(
+      "if test -e shown; then\n"
+      "  cp \"$1\" shown; sed -i 's/retrun/return/' \"$1\"\n"
+      "else\n"
+      "  printf 'retrun = 5' >>\"$1\"; echo >shown\n"
+      "fi\n");
+  EXPECT_EQ(corrected.status, 0);
+  EXPECT_EQ(corrected.out, "changed hook -[A a]\n    return: none -> 5\n");
+  EXPECT_THAT(corrected.err, StartsWith("tweak.toml:11:1: error: unknown key \"retrun\""));
+  EXPECT_THAT(contents("shown"), HasSubstr("types = \"q16@0:8\"\n#! tavlen: error at column 1: "
+                                           "unknown key \"retrun\"; did you mean \"return\"?\n"
+                                           "retrun = 5"));
+  EXPECT_EQ(manifest(id).hooks().at(0)._args.size(), 1U);
+  EXPECT_EQ(shell("cd '" + stored(id) + "' && cat script.objs && ls Resources").out, "one();\ni\n");
+  const Result gaveUp = edit("grep -q '^x' \"$1\" || echo x >>\"$1\"");
+  EXPECT_EQ(gaveUp.status, 1);
+  EXPECT_THAT(kept(gaveUp), AllOf(EndsWith("return = 5\nx\n"), Not(HasSubstr("#!"))));
+  const Result late = edit("sed -i 's/5/6/' \"$1\"; echo >'" + stored(id) + "/script.objs'");
+  EXPECT_THAT(late.err, HasSubstr("error: the tweak changed on disk while you were editing it; "));
+  EXPECT_THAT(kept(late), EndsWith("return = 6\n"));
+  EXPECT_THAT(kept(edit("sed -i 's/5/7/' \"$1\"; exit 3")), EndsWith("return = 7\n"));
 }
 
 TEST_F(TextCommandTest, DumpReplacesOnlyTextsOfTweaks) {

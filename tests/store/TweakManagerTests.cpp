@@ -352,13 +352,13 @@ class StoreSnapshotTest : public StoreTest {
   static fs::path stored(const std::string& name) { return TweaksDirectory::url() / name; }
 };
 
-/// A change's kind by its sign, and its documents by their first letters: "+T:msi".
+/// A change's kind by its sign, and its documents by their first letters: "+T:msir".
 std::string text(const std::vector<StoreSnapshot::Change>& changes) {
   std::string text;
   for (const StoreSnapshot::Change& change : changes) {
     text += std::string(text.empty() ? "" : " ") + "+~-"[static_cast<int>(change.kind)] +
             change.id + ":";
-    for (const auto document : change.documents) text += "msi"[static_cast<int>(document)];
+    for (const auto document : change.documents) text += "msir"[static_cast<int>(document)];
   }
   return text;
 }
@@ -388,14 +388,17 @@ TEST_F(StoreSnapshotTest, TellsWhatHasChanged) {
                   fs::create_directories(stored("E/Manifest.json"));
                   fs::create_directories(stored("F.collection"));
                 },
-                ""},
+                "~A:r"},
+               {[&] { write("A/Resources/deep/.hidden"); }, ""},
+               {[&] { write("A/Resources/deep/file"); }, "~A:r"},
+               {[&] { replaceFile(stored("A/Resources/file"), "text"); }, "~A:r"},
                {[&] {
                   write("a/Manifest.json");
                   fs::rename(stored("B"), stored("Z"));
                   fs::remove(stored("C.collection"));
                 },
                 "-B:m -C.collection:m +Z:m +a:m"},
-               {[&] { fs::remove(stored("A/Manifest.json")); }, "-A:mi"},
+               {[&] { fs::remove(stored("A/Manifest.json")); }, "-A:mir"},
                {[&] { fs::remove_all(stored("")); }, "-Z:m -a:m"}};
   StoreSnapshot before = StoreSnapshot::take();
   for (std::size_t step = 0; step < std::size(steps); ++step) {
@@ -416,7 +419,7 @@ TEST_F(StoreSnapshotTest, NamesTheFoldersToWatch) {
   write("C.collection");
   write(".TemporaryItems/T/Manifest.json");
   const fs::path store = DeviceRoot::shared().resolve(kTweaksDir);
-  EXPECT_EQ(StoreSnapshot::take().folders(), (Folders{store, store / "A"}));
+  EXPECT_EQ(StoreSnapshot::take().folders(), (Folders{store, store / "A", store / "A/Resources"}));
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -11,6 +12,7 @@ namespace tavlen::cli {
 /// What the handles of a CommandLine share.
 struct ParserState {
   Action chosen;
+  std::optional<std::string> answer;  ///< what Command::answer() leads to
   /// What Option::oneOf() accepts.
   std::map<const CLI::Option*, std::vector<std::string>> values;
 };

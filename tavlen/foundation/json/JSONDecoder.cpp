@@ -1,9 +1,13 @@
 #include "tavlen/foundation/json/JSONDecoder.h"
 
+#include <algorithm>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tavlen/foundation/base/Limits.h"
+#include "tavlen/foundation/json/detail/IgnoredKeyLog.h"
 #include "tavlen/foundation/json/detail/JSONNumber.h"
 #include "tavlen/foundation/json/detail/JSONScanner.h"
 #include "tavlen/foundation/json/detail/JSONText.h"
@@ -15,7 +19,8 @@ namespace {
 
 class JSONDecoder final : public Decoder {
  public:
-  explicit JSONDecoder(std::string_view text) : scanner_(text) {}
+  /// `log` may be null.
+  JSONDecoder(std::string_view text, IgnoredKeyLog* log) : scanner_(text), log_(log) {}
 
   void finish() {
     if (!scanner_.atEnd()) scanner_.fail("unexpected text after the document");
@@ -54,15 +59,20 @@ class JSONDecoder final : public Decoder {
   }
 
   void record(std::span<const FieldDecoder> fields, void* record) override {
+    scanner_.peek();
+    Known known{fields, {}};
+    if (scanner_.position() == peekedAt_) known.peeked = wanted_;
     std::uint64_t seen = 0;
     std::size_t next = 0;
-    object([&](std::string_view key) {
-      const std::size_t index = indexOf(fields, key, next);
-      if (index == fields.size() || (seen >> index & 1) != 0) return;
-      seen |= std::uint64_t{1} << index;
-      next = index + 1;
-      underKey(fields[index].key, [&] { fields[index].decode(*this, record); });
-    });
+    object(
+        [&](std::string_view key) {
+          const std::size_t index = indexOf(fields, key, next);
+          if (index == fields.size() || (seen >> index & 1) != 0) return;
+          seen |= std::uint64_t{1} << index;
+          next = index + 1;
+          underKey(fields[index].key, [&] { fields[index].decode(*this, record); });
+        },
+        [&](std::string_view key) { logIgnored(key, known); });
     for (std::size_t i = 0; i < fields.size(); ++i) {
       if (fields[i].required && (seen >> i & 1) == 0)
         throw DecodingError::keyNotFound(fields[i].key);
@@ -70,7 +80,9 @@ class JSONDecoder final : public Decoder {
   }
 
   void members(FunctionRef<void(std::string_view)> member) override {
-    object([&](std::string_view key) { underKey(key, [&] { member(key); }); });
+    // A member is left unread only if the key stands a second time.
+    object([&](std::string_view key) { underKey(key, [&] { member(key); }); },
+           [&](std::string_view key) { log_->addRepeated(key, scanner_.lastKey()); });
   }
 
   void elements(FunctionRef<void()> element) override {
@@ -78,7 +90,9 @@ class JSONDecoder final : public Decoder {
     if (!scanner_.open(']')) return;
     std::size_t index = 0;
     do {
+      if (log_ != nullptr) log_->enterIndex(index);
       underIndex(index++, [&] { readOrSkip(element); });
+      if (log_ != nullptr) log_->leave();
     } while (scanner_.next(']'));
   }
 
@@ -86,6 +100,8 @@ class JSONDecoder final : public Decoder {
     expect('{', "a dictionary");
     const char* const position = scanner_.position();
     const std::size_t depth = scanner_.depth();
+    peekedAt_ = position;
+    wanted_ = wanted;
     for (bool more = scanner_.open('}'); more; more = scanner_.next('}')) {
       if (scanner_.key(peekedKey_) != wanted) {
         scanner_.skipValueAhead();
@@ -106,11 +122,13 @@ class JSONDecoder final : public Decoder {
     const char* const position = scanner_.position();
     const std::size_t depth = scanner_.depth();
     const std::size_t values = values_;
+    const auto mark = log_ != nullptr ? std::optional(log_->mark()) : std::nullopt;
     try {
       read();
       return true;
     } catch (const DecodingError&) {
       values_ = values;
+      if (mark) log_->returnTo(*mark);
       scanner_.setPosition(position);
       scanner_.setDepth(depth);
       return false;
@@ -118,6 +136,13 @@ class JSONDecoder final : public Decoder {
   }
 
  private:
+  /// The keys that are read in an object.
+  struct Known {
+    std::span<const FieldDecoder> fields;
+    std::optional<std::string_view> peeked;  ///< a further key, whose text was peeked at
+    bool sawPeeked = false;                  ///< whether that key was passed
+  };
+
   /// Tables are short and documents are usually in their order, so start the search after the row
   /// found last.
   static std::size_t indexOf(std::span<const FieldDecoder> fields, std::string_view key,
@@ -129,25 +154,48 @@ class JSONDecoder final : public Decoder {
     return fields.size();
   }
 
-  template <class Member>
-  void object(Member&& member) {
+  void logIgnored(std::string_view key, Known& known) {
+    if (key == known.peeked && !std::exchange(known.sawPeeked, true)) return;
+    std::vector<std::string_view> keys;
+    if (known.peeked) keys.push_back(*known.peeked);
+    for (const FieldDecoder& field : known.fields) keys.push_back(field.key);
+    if (std::find(keys.begin(), keys.end(), key) != keys.end()) {
+      log_->addRepeated(key, scanner_.lastKey());
+    } else {
+      log_->addUnknown(key, scanner_.lastKey(), keys);
+    }
+  }
+
+  /// Calls `ignored` for members that `member` does not read, if they are to be logged.
+  template <class Member, class Ignored>
+  void object(Member&& member, Ignored&& ignored) {
     expect('{', "a dictionary");
     if (!scanner_.open('}')) return;
     // Local storage for a key with escapes: reading the member may read other keys.
     std::string storage;
     do {
       const std::string_view key = scanner_.key(storage);
-      readOrSkip([&] { member(key); });
+      if (log_ == nullptr) {
+        readOrSkip([&] { member(key); });
+        continue;
+      }
+      log_->enterKey(key);
+      const bool isRead = readOrSkip([&] { member(key); });
+      log_->leave();
+      if (!isRead) ignored(key);
     } while (scanner_.next('}'));
   }
 
+  /// Returns whether the value was read.
   template <class Read>
-  void readOrSkip(Read&& read) {
+  bool readOrSkip(Read&& read) {
     scanner_.peek();
     if (++values_ > limits::kJSONValues) failValues();
     const char* const position = scanner_.position();
     read();
-    if (scanner_.position() == position) scanner_.skipValue();
+    if (scanner_.position() != position) return true;
+    scanner_.skipValue();
+    return false;
   }
 
   [[noreturn]] void failValues() const {
@@ -194,13 +242,24 @@ class JSONDecoder final : public Decoder {
   std::size_t values_ = 1;  ///< the document's own, and those passed in it
   std::string peekedKey_;
   std::string peekedText_;
+  const char* peekedAt_ = nullptr;  ///< the object of the last peekString()
+  std::string_view wanted_;         ///< its key
+  IgnoredKeyLog* log_;
 };
 
 }  // namespace
 
 void readJSON(std::string_view bytes, FunctionRef<void(Decoder&)> read) {
   const JSONText text(bytes);
-  JSONDecoder decoder(text.view());
+  JSONDecoder decoder(text.view(), nullptr);
+  read(decoder);
+  decoder.finish();
+}
+
+void readJSON(std::string_view bytes, FunctionRef<void(Decoder&)> read, IgnoredKeys& ignored) {
+  const JSONText text(bytes);
+  IgnoredKeyLog log(text.view(), ignored);
+  JSONDecoder decoder(text.view(), &log);
   read(decoder);
   decoder.finish();
 }

@@ -4,6 +4,7 @@
 
 #include "tavlen/foundation/base/FunctionRef.h"
 #include "tavlen/foundation/coding/Coding.h"
+#include "tavlen/foundation/json/IgnoredKeys.h"
 
 namespace tavlen {
 
@@ -27,12 +28,23 @@ namespace tavlen {
 /// in the document.
 /// Errors: DecodingError; for malformed text the message contains line and column. Threads: any.
 void readJSON(std::string_view bytes, FunctionRef<void(Decoder&)> read);
+/// The same, and adds the keys that were ignored to `ignored`, at their places in the text. An
+/// unread value does not count as ignored within a value that is itself unread.
+void readJSON(std::string_view bytes, FunctionRef<void(Decoder&)> read, IgnoredKeys& ignored);
 
 /// Decodes the JSON document `bytes` as a T. Errors, memory and threads as for readJSON().
 template <class T>
 T decodeJSON(std::string_view bytes) {
   T value{};
   readJSON(bytes, [&](Decoder& decoder) { decode(decoder, value); });
+  return value;
+}
+/// The same, and adds the keys that were ignored to `ignored`.
+template <class T>
+T decodeJSON(std::string_view bytes, IgnoredKeys& ignored) {
+  T value{};
+  readJSON(
+      bytes, [&](Decoder& decoder) { decode(decoder, value); }, ignored);
   return value;
 }
 

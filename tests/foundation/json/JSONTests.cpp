@@ -285,5 +285,56 @@ TEST(JSONDecoder, ReadsDecimalKeys) {
   }
 }
 
+TEST(JSONDecoder, LogsTheKeysThatItIgnores) {
+  const std::string json =
+      "{\"items\":[{\"type\":\"A\",\"nme\":{\"nme\":1}},null,\n"
+      "  {\"\u00E4\": 1, \"name\":\"n\", \"n\\u0061me\":0, \"type\":\"A\", \"type\":2}],\r\n"
+      "\"numbers\":{\"1\":1,\"01\":2}}";
+  struct Item {
+    std::optional<std::string> name;
+    static constexpr auto codedFields() { return std::tuple{optionalField("name", &Item::name)}; }
+  };
+  std::map<std::int64_t, std::int64_t> numbers;
+  IgnoredKeys ignored;
+  readJSON(
+      json,
+      [&](Decoder& decoder) {
+        decoder.members([&](std::string_view key) {
+          if (key == "numbers") return decode(decoder, numbers);
+          decoder.elements([&] {
+            if (decoder.null()) return;
+            decoder.attempt([&] { decoder.members([&](std::string_view) { decoder.string(); }); });
+            decoder.peekString("type");
+            Item item;
+            decode(decoder, item);
+          });
+        });
+      },
+      ignored);
+  std::string text;
+  for (const IgnoredKey& key : ignored.keys)
+    text += description(key.position) + " " + key.path + ": " + std::string(key.code) + ": " +
+            key.text + "\n";
+  EXPECT_EQ(
+      text,
+      "1:23 items[0].nme: unknown-key: unknown key \"nme\", which the next edit drops; did you "
+      "mean \"name\"?\n"
+      "2:4 items[2].\u00E4: unknown-key: unknown key \"\u00E4\", which the next edit drops; known "
+      "are type, name\n"
+      "2:24 items[2].name: repeated-key: repeated key \"name\"; the first one counts, and the "
+      "next edit drops this one\n"
+      "2:51 items[2].type: repeated-key: repeated key \"type\"; the first one counts, and the "
+      "next edit drops this one\n"
+      "3:18 numbers.01: repeated-key: repeated key \"01\"; the first one counts, and the next "
+      "edit drops this one\n");
+  std::string many = "[";
+  for (std::size_t i = 0; i < IgnoredKeys::kMost + 7; ++i) many += "{\"a\":1},";
+  many.back() = ']';
+  IgnoredKeys most;
+  decodeJSON<std::vector<Item>>(many, most);
+  EXPECT_EQ(most.keys.size(), IgnoredKeys::kMost);
+  EXPECT_EQ(most.others, 7U);
+}
+
 }  // namespace
 }  // namespace tavlen

@@ -174,6 +174,9 @@ TEST(TOML, WritesWhatReadsBackToTheBit) {
     TOMLWriter(written).member("k", value);
     EXPECT_EQ(written, "k = " + text + "\n");
     EXPECT_TRUE(areSame(readTOML(written)[0].value, value)) << text;
+    const std::string line = lineFromTOML(value);
+    EXPECT_EQ(line.find('\n'), std::string::npos);
+    EXPECT_TRUE(areSame(readTOML("k = " + line)[0].value, value)) << line;
   }
   EXPECT_FALSE(hasTOMLForm(Date{-0.0}) || hasTOMLForm(Date{1e12}) || hasTOMLForm(Date{-0.1}) ||
                hasTOMLForm(Date{1e8 + 0.1}));

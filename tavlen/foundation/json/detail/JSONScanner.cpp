@@ -79,6 +79,7 @@ bool JSONScanner::next(char closing) {
 
 std::string_view JSONScanner::key(std::string& storage) {
   if (peek() != '"') fail("expected a key");
+  lastKey_ = position_;
   const std::string_view text = stringView(storage);
   if (peek() != ':') fail("expected a colon");
   ++position_;

@@ -31,6 +31,8 @@ class JSONScanner {
   /// Moves past a member's key and its colon. The result refers to the document, or to `storage` if
   /// the key has escapes.
   std::string_view key(std::string& storage);
+  /// Where the last key() begins.
+  const char* lastKey() const { return lastKey_; }
 
   /// Moves past the string at the position and stores its text in `out`.
   void string(std::string& out);
@@ -72,6 +74,7 @@ class JSONScanner {
   const char* begin_;
   const char* position_;
   const char* end_;
+  const char* lastKey_ = nullptr;
   std::size_t depth_ = 0;
   std::unordered_map<const char*, const char*> skippedContainers_;
 };

@@ -6,13 +6,13 @@
 #include <vector>
 
 #include "cli/arguments/RootOption.h"
+#include "cli/classes/DumpChild.h"
 #include "cli/commands/Commands.h"
+#include "cli/items/StoreLock.h"
+#include "cli/process/ErrorReport.h"
+#include "cli/process/ProgramFolders.h"
 #include "cli/terminal/LastLogMessage.h"
 #include "cli/terminal/StandardStreams.h"
-#include "cli/work/DumpChild.h"
-#include "cli/work/ErrorReport.h"
-#include "cli/work/ProgramFolders.h"
-#include "cli/work/StoreLock.h"
 #include "tavlen/foundation/errors/MainBundle.h"
 #include "tavlen/foundation/text/Log.h"
 

@@ -9,10 +9,10 @@
 #include <vector>
 
 #include "cli/commands/Commands.h"
+#include "cli/commands/CompletionCandidates.h"
 #include "cli/help/CompletedWord.h"
 #include "cli/help/ShellLine.h"
 #include "cli/terminal/Console.h"
-#include "cli/work/CompletionCandidates.h"
 
 namespace tavlen::cli {
 

@@ -1,0 +1,132 @@
+#include "cli/classes/ChildProcess.h"
+
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <csignal>
+#include <thread>
+#include <utility>
+
+#include "tavlen/foundation/base/ArgumentVector.h"
+#include "tavlen/foundation/base/SystemError.h"
+#include "tavlen/foundation/files/RetryOnInterrupt.h"
+
+namespace tavlen::cli {
+
+namespace {
+
+void require(int error, const std::string& subject) {
+  if (error != 0) throwSystemError(error, subject);
+}
+
+/// RAII: what posix_spawn() does in the child before the program starts.
+class SpawnSettings {
+ public:
+  SpawnSettings() {
+    require(::posix_spawn_file_actions_init(&actions_), "posix_spawn");
+    if (const int error = ::posix_spawnattr_init(&attributes_)) {
+      ::posix_spawn_file_actions_destroy(&actions_);
+      throwSystemError(error, "posix_spawn");
+    }
+  }
+  SpawnSettings(const SpawnSettings&) = delete;
+  SpawnSettings& operator=(const SpawnSettings&) = delete;
+  ~SpawnSettings() {
+    ::posix_spawn_file_actions_destroy(&actions_);
+    ::posix_spawnattr_destroy(&attributes_);
+  }
+
+  void redirect(int from, int to) {
+    require(::posix_spawn_file_actions_adddup2(&actions_, from, to), "posix_spawn");
+  }
+  void makeOwnGroup() {
+    require(::posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETPGROUP), "posix_spawn");
+    require(::posix_spawnattr_setpgroup(&attributes_, 0), "posix_spawn");
+  }
+  pid_t start(const std::filesystem::path& program, const std::vector<std::string>& arguments) {
+    const ArgumentVector vector(arguments);
+    pid_t child = 0;
+    require(::posix_spawn(&child, program.c_str(), &actions_, &attributes_, vector.data(),
+                          environmentOfProcess()),
+            program.string());
+    return child;
+  }
+
+ private:
+  posix_spawn_file_actions_t actions_{};
+  posix_spawnattr_t attributes_{};
+};
+
+/// The signals that end a process by themselves or that programs end one with.
+constexpr auto kSignals = std::to_array<std::pair<int, const char*>>({
+    {SIGHUP, "SIGHUP"},
+    {SIGINT, "SIGINT"},
+    {SIGQUIT, "SIGQUIT"},
+    {SIGILL, "SIGILL"},
+    {SIGTRAP, "SIGTRAP"},
+    {SIGABRT, "SIGABRT"},
+    {SIGBUS, "SIGBUS"},
+    {SIGFPE, "SIGFPE"},
+    {SIGKILL, "SIGKILL"},
+    {SIGSEGV, "SIGSEGV"},
+    {SIGSYS, "SIGSYS"},
+    {SIGPIPE, "SIGPIPE"},
+    {SIGALRM, "SIGALRM"},
+    {SIGTERM, "SIGTERM"},
+    {SIGXCPU, "SIGXCPU"},
+    {SIGXFSZ, "SIGXFSZ"},
+});
+
+}  // namespace
+
+ChildProcess::ChildProcess(const std::filesystem::path& program,
+                           const std::vector<std::string>& arguments, int input, int output) {
+  SpawnSettings settings;
+  settings.redirect(input, STDIN_FILENO);
+  settings.redirect(output, STDOUT_FILENO);
+  settings.redirect(output, STDERR_FILENO);
+  settings.makeOwnGroup();
+  pid_ = settings.start(program, arguments);
+}
+
+ChildProcess::~ChildProcess() {
+  if (pid_ > 0) (void)end();
+}
+
+bool ChildProcess::hasEnded() const {
+  siginfo_t info{};
+  const int result = retryOnInterrupt(
+      [&] { return ::waitid(P_PID, static_cast<id_t>(pid_), &info, WEXITED | WNOHANG | WNOWAIT); });
+  // An error means that there is no such child, so there is nothing to wait for.
+  return result != 0 || info.si_pid == pid_;
+}
+
+int ChildProcess::end() {
+  constexpr std::chrono::milliseconds kGrace(500);
+  constexpr std::chrono::milliseconds kInterval(1);
+  // Until the child is waited for, the number of its group cannot become another's.
+  if (!hasEnded()) ::kill(-pid_, SIGTERM);
+  const auto deadline = std::chrono::steady_clock::now() + kGrace;
+  while (!hasEnded() && std::chrono::steady_clock::now() < deadline) {
+    std::this_thread::sleep_for(kInterval);
+  }
+  ::kill(-pid_, SIGKILL);
+  int status = 0;
+  (void)retryOnInterrupt([&] { return ::waitpid(pid_, &status, 0); });
+  pid_ = 0;
+  return status;
+}
+
+std::string endText(int status) {
+  if (!WIFSIGNALED(status)) return "exit status " + std::to_string(WEXITSTATUS(status));
+  const int number = WTERMSIG(status);
+  const auto* const found = std::find_if(std::begin(kSignals), std::end(kSignals),
+                                         [&](const auto& entry) { return entry.first == number; });
+  return "signal " + (found == std::end(kSignals) ? std::to_string(number) : found->second);
+}
+
+}  // namespace tavlen::cli

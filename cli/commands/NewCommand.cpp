@@ -1,9 +1,0 @@
-#include "cli/commands/Commands.h"
-#include "cli/commands/ItemCreation.h"
-#include "tavlen/tweaks/TweakFile.h"
-
-namespace tavlen::cli {
-
-void addNewCommand(Command app) { addItemCreation(app, "tweak", TweakFile::create); }
-
-}  // namespace tavlen::cli

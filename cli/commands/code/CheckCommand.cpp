@@ -1,0 +1,128 @@
+#include <cstddef>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "cli/arguments/ImageArgument.h"
+#include "cli/arguments/TranspilerOption.h"
+#include "cli/classes/ClassCheck.h"
+#include "cli/commands/Commands.h"
+#include "cli/process/ErrorReport.h"
+#include "cli/terminal/Console.h"
+#include "cli/terminal/CountText.h"
+#include "cli/terminal/ShownText.h"
+#include "cli/tweaks/Transpilation.h"
+#include "cli/tweaks/TweakCheck.h"
+#include "cli/tweaks/TweakForReading.h"
+#include "tavlen/bundles/IPA.h"
+#include "tavlen/foundation/text/EscapedText.h"
+
+namespace tavlen::cli {
+
+namespace {
+
+struct Options {
+  std::vector<std::string> tweaks;
+  std::string transpiler;
+  ImageArgument image;
+  bool hasClasses = false;
+  bool isStrict = false;
+  bool json = false;
+};
+
+/// Checks tweaks one after another. Whatever is said of them passes through here.
+class Check {
+ public:
+  explicit Check(const Options& options)
+      : options_(options), transpiler_(transpilerFolder(options.transpiler)) {}
+
+  int run() {
+    const MessageReceiver receiver([this](const Diagnostic& message) { take(message); });
+    bool isGood = true;
+    for (const std::string& tweak : options_.tweaks) isGood = check(tweak) && isGood;
+    if (options_.json) printJSON(messages_);
+    return isGood ? 0 : 1;
+  }
+
+ private:
+  void take(const Diagnostic& message) {
+    if (message.severity == Diagnostic::kWarning) ++warnings_;
+    if (message.severity == Diagnostic::kError) ++errors_;
+    if (options_.json) {
+      messages_.push_back(wellFormed(message));
+    } else {
+      printMessage(shownMessage(message));
+    }
+  }
+
+  /// Returns whether the tweak passes.
+  bool check(const std::string& argument) {
+    warnings_ = 0;
+    errors_ = 0;
+    bool builds = false;
+    try {
+      const OpenedTweak tweak = openTweak(argument);
+      printWarnings(tweak);
+      if (options_.hasClasses || !options_.image.image.empty()) checkClasses(tweak);
+      builds = transpile(tweak, transpiler_).has_value();
+      if (!builds && !options_.json) printError(argument + ": does not build");
+    } catch (const std::exception& error) {
+      reportError(error);
+    }
+    if (!builds || errors_ != 0) return false;
+    if (!options_.json) {
+      printData(escapedForTerminal(argument) + ": " +
+                (warnings_ == 0 ? "ok" : countText(warnings_, "warning", "warnings")) + "\n");
+    }
+    return warnings_ == 0 || !options_.isStrict;
+  }
+
+  void checkClasses(const OpenedTweak& tweak) {
+    const ClassDump& dump = classesFor(tweak.manifest.configuration.bundleID);
+    for (const Diagnostic& warning : warningsFrom(classProblemsOf(tweak.manifest, dump), tweak)) {
+      print(warning);
+    }
+  }
+
+  /// The classes of the images that the user named, or else of the app, which are read once.
+  const ClassDump& classesFor(const std::string& bundleID) {
+    ImageArgument image = options_.image;
+    // By the path of an app of the device: the identifier in a tweak from elsewhere must not name a
+    // file to load.
+    if (image.image.empty()) image.image = IPA::findWithBundleID(bundleID)->appDir().string();
+    const auto known = dumps_.find(image.image);
+    if (known != dumps_.end()) return known->second;
+    ClassDump dump = dumpClasses(image);
+    reportFaults(dump, image);
+    return dumps_.emplace(image.image, std::move(dump)).first->second;
+  }
+
+  const Options& options_;
+  std::filesystem::path transpiler_;
+  std::map<std::string, ClassDump> dumps_;
+  std::vector<Diagnostic> messages_;  ///< those to print as JSON
+  std::size_t warnings_ = 0;          ///< of the tweak, as the errors
+  std::size_t errors_ = 0;
+};
+
+}  // namespace
+
+void addCheckCommand(Command app) {
+  Command command = app.addCommand("check", "Report problems in tweaks, and where they are");
+  const auto options = std::make_shared<Options>();
+  command.texts("TWEAK", options->tweaks, "The tweaks: their identifiers, names or paths")
+      .notEmpty();
+  command.flag("--strict", options->isStrict, "Fail if there are warnings, too");
+  command.flag("--classes", options->hasClasses,
+               "Also look the hooked methods up in the classes of the tweak's app");
+  const ImageOptions images = addImageArgument(command, "--in", options->image);
+  for (Option other : images.others) other.needs(images.image);
+  command.flag("--json", options->json,
+               "Print a JSON array of the messages, each with file, line, column, place, severity, "
+               "code and message");
+  addTranspilerOption(command, options->transpiler);
+  command.run([options] { return Check(*options).run(); });
+}
+
+}  // namespace tavlen::cli

@@ -1,0 +1,113 @@
+#include <algorithm>
+#include <filesystem>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "cli/arguments/CollectionArgument.h"
+#include "cli/arguments/StoredItem.h"
+#include "cli/arguments/TranspilerOption.h"
+#include "cli/commands/Commands.h"
+#include "cli/items/ActiveTweak.h"
+#include "cli/terminal/Console.h"
+#include "cli/terminal/ShownText.h"
+#include "cli/tweaks/Transpilation.h"
+#include "cli/tweaks/TweakCheck.h"
+#include "cli/tweaks/TweakForReading.h"
+#include "tavlen/bundles/IPA.h"
+#include "tavlen/collections/TweakCollectionManifest.h"
+#include "tavlen/foundation/text/Unicode.h"
+#include "tavlen/store/InstallableItem.h"
+
+namespace tavlen::cli {
+
+namespace {
+
+struct Options {
+  std::string item;
+  std::string transpiler;
+  bool copyExecutables = false;
+  bool json = false;
+};
+
+/// The JSON output.
+struct Installed {
+  std::string id;
+  std::string kind;
+  std::string name;
+  std::string bundleID;
+
+  static constexpr auto codedFields() {
+    return std::tuple{
+        requiredField("identifier", &Installed::id), requiredField("kind", &Installed::kind),
+        requiredField("name", &Installed::name), requiredField("bundleID", &Installed::bundleID)};
+  }
+};
+
+using Tweaks = std::vector<TweakFile::Opened>;
+
+/// Warns of members of a collection that cannot be opened. Throws if nothing would be installed:
+/// that would be a way to uninstall by accident.
+void checkMembers(const OpenedItem& item, const Tweaks& tweaks, const std::string& name) {
+  if (item.collection() == nullptr) return;
+  const TweakCollection::Manifest& manifest = item.collection()->manifest;
+  if (tweaks.empty()) {
+    throw std::runtime_error(
+        name +
+        (manifest._tweaks.empty() ? ": has no members" : ": none of its members can be opened") +
+        ", so there is nothing to install; to uninstall, use uninstall --app " +
+        manifest.configuration.bundleID);
+  }
+  for (const std::string& id : missingMembers(manifest, tweaks)) {
+    printWarning("the member " + id + " cannot be opened and is left out");
+  }
+}
+
+/// Converts each tweak again, in order to report syntax errors with their places in the source.
+/// Returns whether there was one.
+bool showsSyntaxError(const Tweaks& tweaks, const std::filesystem::path& transpiler) {
+  return std::any_of(tweaks.begin(), tweaks.end(), [&](const auto& tweak) {
+    const OpenedTweak opened = openTweak(std::filesystem::absolute(tweak.file->url()).string());
+    if (transpile(opened, transpiler)) return false;
+    printError(opened.folder + ": does not build");
+    return true;
+  });
+}
+
+int install(const Options& options) {
+  const OpenedItem item = openedItem(options.item);
+  const std::shared_ptr<IPA> ipa = IPA::findWithBundleID(item.configuration().bundleID());
+  const std::filesystem::path transpiler = transpilerFolder(options.transpiler);
+  const InstallableItem installable(item, transpiler, options.copyExecutables);
+  checkMembers(item, installable.tweaks(), options.item);
+  for (const TweakFile::Opened& tweak : installable.tweaks())
+    printWarnings(tweak, tweak.file->url().string());
+  try {
+    setActiveTweak(*ipa, &installable);
+  } catch (const TweakProcessor::Error&) {
+    if (!showsSyntaxError(installable.tweaks(), transpiler)) throw;
+    return 1;
+  }
+  if (options.json) {
+    const TweakConfiguration settings = item.configuration();
+    printJSON(Installed{wellFormedUTF8(item.item()->id()), kindOf(*item.item()), settings.name(),
+                        settings.bundleID()});
+  }
+  return 0;
+}
+
+}  // namespace
+
+void addInstallCommand(Command app) {
+  Command command =
+      app.addCommand("install", "Make a tweak or a collection the active one of its app");
+  const auto options = std::make_shared<Options>();
+  command.text("ITEM", options->item, kItemHelp).required().notEmpty();
+  command.flag("--executables", options->copyExecutables, "Also install its executables");
+  command.flag("--json", options->json, "Print a JSON object with the item and its app");
+  addTranspilerOption(command, options->transpiler);
+  command.run([options] { return install(*options); });
+}
+
+}  // namespace tavlen::cli

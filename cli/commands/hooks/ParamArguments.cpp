@@ -1,0 +1,83 @@
+#include "cli/commands/hooks/ParamArguments.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <iterator>
+#include <system_error>
+#include <utility>
+
+#include "cli/arguments/HookArgument.h"
+#include "cli/arguments/StoredItem.h"
+#include "cli/arguments/WithPlace.h"
+#include "cli/terminal/ShownText.h"
+#include "cli/tweaks/TweakResources.h"
+#include "tavlen/device/DeviceFiles.h"
+
+namespace tavlen::cli {
+
+namespace {
+
+/// Whether `file` is not a file but the name of a resource.
+bool isResource(const std::string& file, const TweakFile& tweak) {
+  std::error_code ignored;
+  if (file.find('/') != std::string::npos || std::filesystem::exists(file, ignored)) return false;
+  const DeviceRoot root = DeviceRoot::shared();
+  const auto place = pathInside(root, root.follow(tweak.resourcesDir()), file);
+  return place && std::filesystem::is_regular_file(root.status(*place));
+}
+
+}  // namespace
+
+std::string ParamTarget::place() const {
+  return tweak + ": " + hook + (address.empty() ? "" : ": " + address);
+}
+
+Option addParamTarget(Command command, ParamTarget& target, const char* addressHelp) {
+  command.text("TWEAK", target.tweak, kTweakHelp).required().notEmpty();
+  addHookArgument(command, target.hook);
+  return command.text("ADDRESS", target.address, addressHelp).notEmpty();
+}
+
+void addEditedParam(Command command, ParamTarget& target, const char* addressHelp) {
+  addParamTarget(command, target, addressHelp).required();
+  command.flag("--json", target.json, "Print a JSON object with the address and the new value");
+}
+
+void addParamValue(Command command, ParamValue& value) {
+  command.text("VALUE", value.text, kValueHelp).required();
+  addReplaceFlag(command, value.replaces);
+}
+
+void addReplaceFlag(Command command, bool& replaces) {
+  command.flag("--replace", replaces, "Let the file replace a different resource of the same name");
+}
+
+std::vector<ResourceImport> startImports(const std::vector<TypedValue>& values,
+                                         const TweakFile& tweak, bool replaces) {
+  std::vector<TypedValue> withFiles;
+  std::copy_if(values.begin(), values.end(), std::back_inserter(withFiles),
+               [&](const TypedValue& value) {
+                 return !value.file.empty() && !isResource(value.file, tweak);
+               });
+  return importResources(withFiles, tweak, replaces);
+}
+
+Hook editHook(const ParamTarget& target,
+              FunctionRef<ParamRow(Hook& hook, const TweakFile& tweak)> edit) {
+  TweakFile::Opened tweak = openedTweak(target.tweak);
+  const UnusedResourceNote note(tweak);
+  Hook changed;
+  ParamRow row;
+  withPlace(target.place(), [&] {
+    const HookManager manager = hookArgument(std::move(tweak), target.hook);
+    manager.updateHook([&](Hook& hook) {
+      row = edit(hook, *manager.tweak);
+      changed = hook;
+    });
+  });
+  note.print();
+  if (target.json) printJSON(row);
+  return changed;
+}
+
+}  // namespace tavlen::cli

@@ -1,0 +1,129 @@
+#include <algorithm>
+#include <exception>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "cli/arguments/StoredItem.h"
+#include "cli/commands/Commands.h"
+#include "cli/items/ItemNames.h"
+#include "cli/items/StoreLock.h"
+#include "cli/terminal/Console.h"
+#include "cli/terminal/EditedText.h"
+#include "cli/terminal/ShownText.h"
+#include "cli/tweaks/TextComments.h"
+#include "cli/tweaks/TextInput.h"
+#include "cli/tweaks/TweakCheck.h"
+#include "cli/tweaks/TweakContents.h"
+
+namespace tavlen::cli {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+bool isBlank(const std::string& text) {
+  return text.find_first_not_of(" \t\r\n") == std::string::npos;
+}
+
+/// An edit of one tweak's text.
+class Session {
+ public:
+  explicit Session(const std::string& tweak)
+      : path_(fs::absolute(storedTweak(tweak)->url()).string()),
+        before_(contentsOf(openedTweak(path_))),
+        dumped_(textOf(before_)),
+        edited_(kTextFile, dumped_) {}
+
+  /// Returns the text that the user made of the tweak's, or nothing for none or the same.
+  std::optional<TextInput> ask() {
+    std::string last = dumped_;
+    for (;;) {
+      edited_.edit();
+      const std::string text = ownText();
+      if (text == dumped_) return std::nullopt;
+      if (isBlank(text)) {
+        printNote("the text is empty");
+        return std::nullopt;
+      }
+      if (text == last) throw std::runtime_error("the text has errors");
+      std::vector<Diagnostic> errors;
+      auto input = readTextInput({text, kTextFile, path_, false},
+                                 [&](const Diagnostic& error) { errors.push_back(error); });
+      if (input) return input;
+      for (const Diagnostic& error : errors) print(error);
+      edited_.setText(withComments(text, errors));
+      last = text;
+    }
+  }
+
+  /// Makes the tweak what the text says. Throws if it is no longer what was edited.
+  std::vector<TweakChange> store(const TextInput& input) {
+    const StoreLock lock(path_);
+    const TweakFile::Opened tweak = openedTweak(path_);
+    const TweakContents now = contentsOf(tweak);
+    if (now.manifest != before_.manifest || now.icon != before_.icon ||
+        now.script != before_.script) {
+      throw std::runtime_error("the tweak changed on disk while you were editing it");
+    }
+    const TweakContents after = contentsOf(input);
+    requireNameFor(tweak, after.manifest.configuration.name);
+    std::vector<TweakChange> changes = changesBetween(now, after);
+    if (!changes.empty()) replaceContents(*tweak.file, now, after);
+    return changes;
+  }
+
+  /// Keeps the user's text if there is any. Returns where it is, to be shown after an error.
+  std::string keptText() {
+    const std::string text = ownText();
+    if (text == dumped_ || isBlank(text)) return "";
+    edited_.setText(text);
+    edited_.keep();
+    return "; your text is in " + edited_.file().string();
+  }
+
+  /// The tweak's folder.
+  const std::string& path() const { return path_; }
+
+ private:
+  std::string ownText() const { return withoutComments(edited_.text()); }
+
+  std::string path_;
+  TweakContents before_;
+  std::string dumped_;
+  EditedText edited_;
+};
+
+int edit(const std::string& tweak, bool json) {
+  Session session(tweak);
+  std::vector<TweakChange> changes;
+  try {
+    if (const auto input = session.ask()) {
+      for (const Diagnostic& warning : warningsFor(*input, session.path())) print(warning);
+      changes = session.store(*input);
+    }
+  } catch (const std::exception& error) {
+    throw std::runtime_error(errorText(error) + session.keptText());
+  }
+  if (changes.empty()) printNote("the tweak is unchanged");
+  if (json || !changes.empty()) printChanges(changes, json);
+  return 0;
+}
+
+}  // namespace
+
+void addEditCommand(Command app) {
+  Command command = app.addCommand(
+      "edit", "Edit a whole tweak as a text in $VISUAL or $EDITOR, and print what changed");
+  const auto tweak = std::make_shared<std::string>();
+  const auto json = std::make_shared<bool>(false);
+  command.text("TWEAK", *tweak, kTweakHelp).required().notEmpty();
+  command.flag("--json", *json, "Print what changed as a JSON array");
+  command.run([tweak, json] { return edit(*tweak, *json); });
+}
+
+}  // namespace tavlen::cli

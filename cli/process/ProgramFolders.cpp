@@ -1,0 +1,11 @@
+#include "cli/process/ProgramFolders.h"
+
+#include "tavlen/foundation/files/ExecutablePath.h"
+
+namespace tavlen::cli {
+
+std::filesystem::path resourceFolder() {
+  return executablePath().parent_path().parent_path() / "share" / "tavlen";
+}
+
+}  // namespace tavlen::cli

@@ -1,0 +1,88 @@
+#include "cli/tweaks/AttachedFiles.h"
+
+#include <cerrno>
+#include <optional>
+#include <stdexcept>
+#include <system_error>
+#include <utility>
+
+#include "cli/terminal/Console.h"
+#include "tavlen/device/DeviceFiles.h"
+#include "tavlen/foundation/files/FileSystem.h"
+#include "tavlen/foundation/files/TemporaryFile.h"
+
+namespace tavlen::cli {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// The regular file at the relative path `name`; nothing unless it is inside the folder.
+std::optional<fs::path> fileAt(const fs::path& folder, const std::string& name) {
+  const DeviceRoot root = DeviceRoot::shared();
+  auto file = pathInside(root, folder, name);
+  if (!file || !fs::is_regular_file(root.status(*file))) return std::nullopt;
+  return file;
+}
+
+fs::path requireFile(const fs::path& folder, const std::string& name) {
+  if (auto file = fileAt(folder, name)) return *std::move(file);
+  throw std::system_error(ENOENT, std::generic_category(), (folder / name).string());
+}
+
+std::string contentsOf(const fs::path& file) {
+  return readFile(openedFile(DeviceRoot::shared(), file));
+}
+
+}  // namespace
+
+std::set<std::string> attachedFiles(const fs::path& folder, const std::string& top,
+                                    FunctionRef<void(const std::string& name)> leftOut) {
+  std::set<std::string> names;
+  const DeviceRoot root = DeviceRoot::shared();
+  if (!fs::is_directory(root.status(folder / top))) return names;
+  const fs::path real = canonical(root, folder / top);
+  for (fs::recursive_directory_iterator entry(real), end; entry != end; ++entry) {
+    const fs::path& path = entry->path();
+    if (isTemporaryName(path.filename())) {
+      entry.disable_recursion_pending();
+      continue;
+    }
+    if (entry->symlink_status().type() == fs::file_type::directory) continue;
+    std::string name = (fs::path(top) / path.lexically_relative(real)).string();
+    if (fileAt(folder, name)) {
+      names.insert(std::move(name));
+    } else {
+      leftOut(name);
+    }
+  }
+  return names;
+}
+
+std::set<std::string> attachedFiles(const fs::path& folder) {
+  std::set<std::string> names;
+  for (const char* top : kAttachedFolders) {
+    names.merge(attachedFiles(folder, top, [&](const std::string& name) {
+      printWarning((folder / name).string() + ": is not a file of the folder, and is left out");
+    }));
+  }
+  return names;
+}
+
+bool isSameFile(const fs::path& one, const fs::path& other, const std::string& name) {
+  const auto left = fileAt(one, name);
+  const auto right = fileAt(other, name);
+  return left && right && contentsOf(*left) == contentsOf(*right);
+}
+
+void copyAttachedFile(const fs::path& from, const fs::path& to, const std::string& name) {
+  const fs::path source = requireFile(from, name);
+  const DeviceRoot root = DeviceRoot::shared();
+  const auto place = pathInside(root, to, name);
+  if (!place) throw std::runtime_error((to / name).string() + ": leads out of the folder");
+  fs::create_directories(place->parent_path());
+  replaceFile(root, *place, contentsOf(source));
+  fs::permissions(*place, root.status(source).permissions());
+}
+
+}  // namespace tavlen::cli

@@ -1,0 +1,155 @@
+#include "cli/tweaks/TextInput.h"
+
+#include <exception>
+#include <stdexcept>
+#include <utility>
+#include <variant>
+
+#include "cli/arguments/StoredItem.h"
+#include "cli/terminal/Console.h"
+#include "cli/terminal/ReportedError.h"
+#include "cli/terminal/ShownText.h"
+#include "cli/tweaks/AttachedFiles.h"
+#include "cli/tweaks/TextMessages.h"
+#include "cli/tweaks/TextTypes.h"
+#include "tavlen/device/DeviceFiles.h"
+#include "tavlen/foundation/files/FileSystem.h"
+#include "tavlen/foundation/text/Unicode.h"
+#include "tavlen/tweaktext/TweakTextReader.h"
+
+namespace tavlen::cli {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Reads one text and what it names.
+class Reader {
+ public:
+  Reader(const TextSource& source, const DiagnosticSink& report)
+      : source_(source), messages_(source.file, report) {
+    input_.file = source.file;
+    input_.folder = source.folder;
+  }
+
+  std::optional<TextInput> read() {
+    TweakText& text = input_.text;
+    try {
+      text = readTweakText(source_.bytes);
+    } catch (const TOMLError& error) {
+      messages_.error(error.position(), error.text());
+      return std::nullopt;
+    }
+    lookUpTypes(text, messages_);
+    if (text.icon) readIcon(*text.icon);
+    if (text.script) readScript(*text.script);
+    if (messages_.hasErrors()) return std::nullopt;
+    addFiles();
+    return std::move(input_);
+  }
+
+ private:
+  /// The bytes of a file that the text names.
+  std::optional<std::string> contentsOf(const FileReference& reference) {
+    const DeviceRoot root = DeviceRoot::shared();
+    const auto file = pathInside(root, input_.folder, reference.path);
+    if (!file) {
+      messages_.error(reference.position, reference.path + ": lies outside of the text's folder");
+      return std::nullopt;
+    }
+    try {
+      return readFile(openedFile(root, *file));
+    } catch (const std::exception& error) {
+      messages_.error(reference.position, errorText(error));
+      return std::nullopt;
+    }
+  }
+
+  void readIcon(const FileReference& reference) {
+    const auto bytes = contentsOf(reference);
+    if (!bytes) return;
+    input_.icon = Image::decode(*bytes);
+    if (!input_.icon)
+      messages_.error(reference.position, reference.path + ": is not a PNG or JPEG image");
+  }
+
+  void readScript(const FileReference& reference) {
+    const auto bytes = contentsOf(reference);
+    if (!bytes) return;
+    // As a stored script is read: without a byte order mark.
+    input_.script = textFromBytes(*bytes);
+    if (!input_.script) messages_.error(reference.position, reference.path + ": is not UTF-8");
+  }
+
+  void addFiles() {
+    const DeviceRoot root = DeviceRoot::shared();
+    if (source_.isFolder) {
+      input_.files = attachedFiles(input_.folder);
+      for (const char* top : kAttachedFolders) {
+        if (fs::is_directory(root.status(input_.folder / top))) input_.wholeFolders.insert(top);
+      }
+    }
+    for (const BoxedOptional<Hook>& hook : input_.text.manifest._hooks) {
+      for (const auto& entry : hook->_args) {
+        forEachParameter(entry.second.value, [&](const Parameter& each, const ParameterPath&) {
+          if (const auto* data = std::get_if<DataParameter>(&each)) addResource(data->filename);
+          if (const auto* image = std::get_if<ImageParameter>(&each)) addResource(image->filename);
+        });
+      }
+    }
+  }
+
+  /// Adds the file of a resource that a hook names, if it exists.
+  void addResource(const std::string& name) {
+    const DeviceRoot root = DeviceRoot::shared();
+    const fs::path resources = TweakFile::resourcesFolder;
+    const auto file = pathInside(root, input_.folder / resources, name);
+    if (file && fs::is_regular_file(root.status(*file)))
+      input_.files.insert((resources / name).lexically_normal().string());
+  }
+
+  const TextSource& source_;
+  TextMessages messages_;
+  TextInput input_;
+};
+
+}  // namespace
+
+TextSource textSource(const std::string& argument) {
+  TextSource source;
+  source.isFolder = argument != "-" && fs::is_directory(argument);
+  const std::string file = source.isFolder ? (fs::path(argument) / kTextFile).string() : argument;
+  source.bytes = readInput(file);
+  source.file = file == "-" ? "standard input" : file;
+  source.folder = file == "-" ? "." : fs::absolute(file).parent_path();
+  return source;
+}
+
+Diagnostic TextInput::at(TextPosition position) const {
+  Diagnostic where;
+  where.file = file;
+  where.line = position.line;
+  where.column = position.column;
+  return where;
+}
+
+std::string TextInput::pathOf(const std::string& name) const {
+  return (fs::path(file).parent_path() / name).string();
+}
+
+std::string TextInput::scriptPath() const {
+  return pathOf(text.script ? text.script->path : TweakFile::scriptFile);
+}
+
+std::optional<TextInput> readTextInput(const TextSource& source, const DiagnosticSink& report) {
+  return Reader(source, report).read();
+}
+
+TextInput readTextInput(const std::string& argument) {
+  const TextSource source = textSource(argument);
+  std::optional<TextInput> input = readTextInput(source, print);
+  if (!input) throw ReportedError(source.file + ": has errors");
+  return *std::move(input);
+}
+
+}  // namespace tavlen::cli

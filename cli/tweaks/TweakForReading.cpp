@@ -1,0 +1,129 @@
+#include "cli/tweaks/TweakForReading.h"
+
+#include <exception>
+#include <filesystem>
+#include <stdexcept>
+#include <utility>
+
+#include "cli/arguments/StoredItem.h"
+#include "cli/terminal/Diagnostic.h"
+#include "cli/terminal/ProgressLine.h"
+#include "cli/terminal/ShownText.h"
+#include "cli/tweaks/TextInput.h"
+#include "cli/tweaks/TweakContents.h"
+#include "tavlen/collections/TweakCollection.h"
+#include "tavlen/foundation/coding/CodingError.h"
+#include "tavlen/foundation/files/FileTree.h"
+#include "tavlen/foundation/files/TemporaryDirectory.h"
+#include "tavlen/foundation/text/Characters.h"
+#include "tavlen/foundation/zip/ZIPError.h"
+#include "tavlen/store/TweakManager.h"
+
+namespace tavlen::cli {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// A folder among the temporary files (RAII), of which messages do not tell.
+class TemporaryTweak {
+ public:
+  TemporaryTweak()
+      : path_(makeUniqueTemporaryFolder(std::string(TemporaryDirectory::kItemsFolder) + "-")) {}
+  TemporaryTweak(const TemporaryTweak&) = delete;
+  TemporaryTweak& operator=(const TemporaryTweak&) = delete;
+  ~TemporaryTweak() { removeQuietly(path_); }
+
+  const fs::path& path() const { return path_; }
+
+ private:
+  fs::path path_;
+};
+
+/// What a tweak that has no folder yet goes by: the name of the text's folder, or of the archive.
+std::string nameFor(const std::string& argument) {
+  const fs::path path = fs::absolute(argument).lexically_normal();
+  const bool isFile = argument == "-" || path.filename() == kTextFile || !path.has_filename();
+  const fs::path name = isFile ? path.parent_path().filename() : path.stem();
+  return name.empty() ? "tweak" : name.string();
+}
+
+void useFolder(OpenedTweak& tweak, TweakFile::Opened opened) {
+  tweak.file = std::move(opened.file);
+  tweak.manifest = std::move(opened.manifest);
+  tweak.ignoredKeys = std::move(opened.ignoredKeys);
+}
+
+OpenedTweak tweakFromText(const std::string& argument) {
+  OpenedTweak tweak;
+  tweak.argument = argument;
+  TextInput input = readTextInput(argument);
+  tweak.folder = fs::path(input.file).parent_path().string();
+  auto folder = std::make_shared<TemporaryTweak>();
+  const fs::path draft = folder->path() / nameFor(argument);
+  makeTweakFolder(draft, contentsOf(input));
+  useFolder(tweak, {TweakFile::handle(draft), input.text.manifest});
+  tweak.text = std::make_shared<TextInput>(std::move(input));
+  tweak.temporaryFolder = std::move(folder);
+  return tweak;
+}
+
+OpenedTweak tweakFromArchive(const std::string& argument) {
+  if (lowercased(argument).ends_with(TweakCollection::compressedExtension))
+    throw std::runtime_error(argument + ": is the archive of a collection; import makes one of it");
+  OpenedTweak tweak;
+  tweak.argument = argument;
+  tweak.folder = argument;
+  auto folder = std::make_shared<TemporaryTweak>();
+  const fs::path place = folder->path() / nameFor(argument);
+  try {
+    const ProgressLine line("unpacking " + argument);
+    useFolder(tweak, TweakManager::openTweakArchive(argument, place, line.progress().get()));
+  } catch (const DecodingError& error) {
+    throw std::runtime_error(argument + ": Manifest.json: " + errorText(error));
+  } catch (const DescribedError& error) {
+    throw std::runtime_error(argument + ": " + errorText(error));
+  }
+  tweak.temporaryFolder = std::move(folder);
+  return tweak;
+}
+
+}  // namespace
+
+OpenedTweak tweakForReading(const std::string& argument) {
+  const ItemForm form = isItemPath(argument) ? formOf(argument) : ItemForm::item;
+  if (form == ItemForm::text) return tweakFromText(argument);
+  if (form == ItemForm::archive) return tweakFromArchive(argument);
+  OpenedTweak tweak;
+  tweak.argument = argument;
+  useFolder(tweak, openedTweak(argument));
+  tweak.folder = isItemPath(argument) ? itemFolder(argument) : tweak.file->url().string();
+  return tweak;
+}
+
+OpenedTweak openTweak(const std::string& argument) {
+  OpenedTweak tweak = tweakForReading(argument);
+  try {
+    tweak.script = tweak.file->readScript().value_or(std::string());
+  } catch (const std::exception& error) {
+    tweak.scriptIsUnreadable = true;
+    print({.severity = Diagnostic::kWarning,
+           .message = "the script cannot be read and counts as empty: " + errorText(error),
+           .code = "unreadable-script"});
+  }
+  return tweak;
+}
+
+ItemForReading itemForReading(const std::string& argument) {
+  if (!isItemPath(argument) || formOf(argument) == ItemForm::item) {
+    OpenedItem item = openedItem(argument);
+    std::string path = item.item()->url().string();
+    return {std::move(item), std::move(path), nullptr};
+  }
+  OpenedTweak tweak = tweakForReading(argument);
+  return {TweakFile::Opened{std::move(tweak.file), std::move(tweak.manifest),
+                            std::move(tweak.ignoredKeys)},
+          argument, std::move(tweak.temporaryFolder), std::move(tweak.text)};
+}
+
+}  // namespace tavlen::cli

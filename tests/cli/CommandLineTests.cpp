@@ -285,14 +285,15 @@ TEST_F(CommandTest, InfoShowsWhatTheFileHolds) {
   expectRefused("info", {{"cut", 1, "cut/Info.plist: "}});
 }
 
-/// The lines of the README's longest example for a shell, from the one that sets PATH on.
+/// The README's longest example for a shell, which begins with the line that sets PATH.
 std::string exampleOfReadme() {
   std::ifstream readme(fs::path(paths().examples).parent_path() / "README.md");
+  const std::string indentation = "    ";
   std::string line;
-  while (std::getline(readme, line) && !line.starts_with("    export PATH=")) continue;
+  while (std::getline(readme, line) && !line.starts_with(indentation + "export PATH=")) continue;
   std::string script;
-  do script += line + "\n";
-  while (std::getline(readme, line) && line.starts_with("    "));
+  do script += (line.empty() ? line : line.substr(indentation.size())) + "\n";
+  while (std::getline(readme, line) && (line.empty() || line.starts_with(indentation)));
   return script;
 }
 
@@ -311,7 +312,9 @@ TEST(Readme, ExampleRunsAsItStands) {
                               "sh -e example.sh >out 2>err </dev/null";
   ASSERT_EQ(std::system(command.c_str()), 0) << readFile(clone.path() / "err");
   const std::string out = readFile(clone.path() / "out");
-  EXPECT_NE(out.find("Morning  tweak  com.example.notes  yes"), std::string::npos) << out;
+  EXPECT_NE(out.find("Evening  tweak  com.example.notes  yes"), std::string::npos) << out;
+  for (const char* name : {"Morning", "Evening"})
+    EXPECT_TRUE(fs::exists(clone.path() / "build" / (std::string(name) + ".tvx"))) << name;
 }
 
 }  // namespace

@@ -83,10 +83,11 @@ class Checker {
                        [&, argument = argument](const Parameter& each, const ParameterPath& path) {
                          const std::string* name = resourceNameIn(each);
                          if (name == nullptr) return;
-                         auto problem = resourceProblem(*name);
-                         if (!problem) return;
-                         problem->place = {HookPlace::Part::value, argument, path};
-                         add(*std::move(problem));
+                         const ResourceState state = surroundings_.stateOf(*name);
+                         if (state == ResourceState::present) return;
+                         HookProblem problem = resourceProblem(*name, state);
+                         problem.place = {HookPlace::Part::value, argument, path};
+                         add(std::move(problem));
                        });
     }
   }
@@ -95,17 +96,14 @@ class Checker {
     return surroundings_.nameOfHook ? surroundings_.nameOfHook(index) : elementName("hooks", index);
   }
 
-  std::optional<HookProblem> resourceProblem(const std::string& name) const {
-    const std::string shown = "the resource \"" + name + "\"";
-    switch (surroundings_.stateOf(name)) {
-      case ResourceState::missing:
-        return HookProblem{{}, "missing-resource", shown + " is missing"};
-      case ResourceState::outside:
-        return HookProblem{{}, "outside-resource", shown + " lies outside of Resources"};
-      case ResourceState::present:
-        break;
-    }
-    return std::nullopt;
+  /// The problem with a resource of that name, which is not present.
+  static HookProblem resourceProblem(const std::string& name, ResourceState state) {
+    const bool isMissing = state == ResourceState::missing;
+    HookProblem problem;
+    problem.code = isMissing ? "missing-resource" : "outside-resource";
+    problem.text =
+        "the resource \"" + name + (isMissing ? "\" is missing" : "\" lies outside of Resources");
+    return problem;
   }
 
   void checkUnused() {

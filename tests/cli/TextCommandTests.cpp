@@ -96,9 +96,10 @@ TEST_F(TextCommandTest, ApplyFindsTypesInTheAppAndNamesPlaces) {
   const std::string first = shell("ls tree" + std::string(kTweaksDir)).out;
   for (const auto& [rest, message] : std::initializer_list<Case>{
            {"[[hook]]\nmethod = \"-[Gone a]\"\n",
-            "T/tweak.toml:5:10: error: the app defines no class Gone; give the hook's types\n"},
+            "T/tweak.toml:5:10: error: no types, and the app defines no class Gone\n"},
            {"[[hook]]\nmethod = \"-[UIView gone]\"\n",
-            "T/tweak.toml:5:10: error: UIView has no method -[UIView gone] of its own"},
+            "T/tweak.toml:5:10: error: no types, and UIView has no method -[UIView gone] of its "
+            "own"},
            {"script = \"../s\"\n",
             "T/tweak.toml:4:10: error: ../s: lies outside of the text's folder\n"},
            {"icon = \"tweak.toml\"\n",

@@ -10,6 +10,7 @@
 
 #include "cli/arguments/StoredItem.h"
 #include "cli/commands/Commands.h"
+#include "cli/items/AppChange.h"
 #include "cli/items/ItemNames.h"
 #include "cli/items/StoreLock.h"
 #include "cli/terminal/Console.h"
@@ -63,17 +64,17 @@ class Session {
 
   /// Makes the tweak what the text says. Throws if it is no longer what was edited.
   std::vector<TweakChange> store(const TextInput& input) {
-    const StoreLock lock(path_);
-    const TweakFile::Opened tweak = openedTweak(path_);
-    const TweakContents now = contentsOf(tweak);
-    if (now.manifest != before_.manifest || now.icon != before_.icon ||
-        now.script != before_.script) {
-      throw std::runtime_error("the tweak changed on disk while you were editing it");
-    }
     const TweakContents after = contentsOf(input);
-    requireNameFor(tweak, after.manifest.configuration.name);
+    const std::string& app = after.manifest.configuration.bundleID;
+    // Checked before the helper runs, and once more under the lock.
+    takeAway(checkedTweak(after), app);
+    const StoreLock lock(path_);
+    const TweakFile::Opened tweak = checkedTweak(after);
+    const TweakContents now = contentsOf(tweak);
     std::vector<TweakChange> changes = changesBetween(now, after);
-    if (!changes.empty()) replaceContents(*tweak.file, now, after);
+    if (changes.empty()) return changes;
+    replaceContents(*tweak.file, now, after);
+    if (before_.manifest.configuration.bundleID != app) warnOfCollections(tweak.file->id(), app);
     return changes;
   }
 
@@ -91,6 +92,18 @@ class Session {
 
  private:
   std::string ownText() const { return withoutComments(edited_.text()); }
+
+  /// Opens the tweak. Throws if it is no longer what was edited, or cannot be called so.
+  TweakFile::Opened checkedTweak(const TweakContents& after) const {
+    TweakFile::Opened tweak = openedTweak(path_);
+    const TweakContents now = contentsOf(tweak);
+    if (now.manifest != before_.manifest || now.icon != before_.icon ||
+        now.script != before_.script) {
+      throw std::runtime_error("the tweak changed on disk while you were editing it");
+    }
+    requireNameFor(tweak, after.manifest.configuration.name);
+    return tweak;
+  }
 
   std::string path_;
   TweakContents before_;

@@ -52,7 +52,9 @@ std::optional<FileReference> fileFrom(const TableReader& table, std::string_view
 void readTweak(const TOMLNode& node, TweakText& result) {
   const TableReader table(node, {"name", "app", "color", "glyph", "icon", "script"});
   Configuration& configuration = result.manifest.configuration;
-  configuration.name = expectText(table.require("name"));
+  const TOMLNode& name = table.require("name");
+  configuration.name = expectText(name);
+  result.name = name.position;
   const TOMLNode& app = table.require("app");
   configuration.bundleID = expectText(app);
   result.app = app.position;

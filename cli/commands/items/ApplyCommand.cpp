@@ -13,6 +13,7 @@
 #include "cli/terminal/ShownText.h"
 #include "cli/tweaks/AttachedFiles.h"
 #include "cli/tweaks/TextInput.h"
+#include "cli/tweaks/Transpilation.h"
 #include "cli/tweaks/TweakCheck.h"
 #include "cli/tweaks/TweakContents.h"
 #include "tavlen/foundation/files/TemporaryDirectory.h"
@@ -61,6 +62,8 @@ TweakContents nothingFor(const TweakContents& after) {
 TextInput checkedInput(const std::string& text, const fs::path& target) {
   TextInput input = readTextInput(text);
   for (const Diagnostic& warning : warningsFor(input, target)) print(warning);
+  // It is stored nevertheless, as scripts are.
+  if (const auto error = conversionErrorOf(input)) print(asWarning(*error));
   return input;
 }
 

@@ -18,6 +18,8 @@
 #include "cli/terminal/ShownText.h"
 #include "cli/tweaks/TextComments.h"
 #include "cli/tweaks/TextInput.h"
+#include "cli/tweaks/TextMessages.h"
+#include "cli/tweaks/Transpilation.h"
 #include "cli/tweaks/TweakCheck.h"
 #include "cli/tweaks/TweakContents.h"
 
@@ -53,9 +55,10 @@ class Session {
       }
       if (text == last) throw std::runtime_error("the text has errors");
       std::vector<Diagnostic> errors;
-      auto input = readTextInput({text, kTextFile, path_, false},
-                                 [&](const Diagnostic& error) { errors.push_back(error); });
-      if (input) return input;
+      const auto report = [&](const Diagnostic& error) { errors.push_back(error); };
+      auto input = readTextInput({text, kTextFile, path_, false}, report);
+      if (input) check(*input, report);
+      if (errors.empty()) return input;
       for (const Diagnostic& error : errors) print(error);
       edited_.setText(withComments(text, errors));
       last = text;
@@ -92,6 +95,21 @@ class Session {
 
  private:
   std::string ownText() const { return withoutComments(edited_.text()); }
+
+  /// Reports the errors of a text that was read. An error in the script is only a warning: the text
+  /// cannot mend it.
+  void check(const TextInput& input, const DiagnosticSink& report) const {
+    const TweakFile::Opened tweak = openedTweak(path_);
+    try {
+      requireNameFor(tweak, input.text.manifest.configuration.name);
+    } catch (const std::runtime_error& error) {
+      TextMessages(input.file, report).error(input.text.name, errorText(error));
+    }
+    const auto error = conversionErrorOf(input);
+    if (!error) return;
+    if (error->file == input.file) return report(*error);
+    print(asWarning(*error));
+  }
 
   /// Opens the tweak. Throws if it is no longer what was edited, or cannot be called so.
   TweakFile::Opened checkedTweak(const TweakContents& after) const {

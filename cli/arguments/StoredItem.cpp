@@ -87,11 +87,15 @@ ItemForm formOf(const std::string& path) {
   const auto hasFile = [&](const char* name) {
     return fs::exists(root.status(fs::path(path) / name));
   };
-  if (fs::is_directory(root.status(path))) {
+  const fs::file_status status = root.status(path);
+  if (fs::is_directory(status)) {
     return hasFile(kTextFile) && !hasFile(kDocumentFile) ? ItemForm::text : ItemForm::item;
   }
   if (endsInAny(path, {".toml"})) return ItemForm::text;
-  return endsInAny(path, {".tvx", ".tvxc"}) ? ItemForm::archive : ItemForm::item;
+  if (endsInAny(path, {".tvx", ".tvxc"})) return ItemForm::archive;
+  // Any other file is a text, whatever its name: a pipe such as <(command) has none to tell by.
+  const bool isItem = endsInAny(path, {".json", TweakCollection::kIDSuffix.data()});
+  return isItem || !fs::exists(status) ? ItemForm::item : ItemForm::text;
 }
 
 std::string itemFolder(const std::string& path) {

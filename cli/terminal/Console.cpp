@@ -4,7 +4,9 @@
 #include <cerrno>
 #include <cstdio>
 #include <filesystem>
+#include <stdexcept>
 #include <system_error>
+#include <utility>
 
 #include "cli/terminal/Diagnostic.h"
 #include "tavlen/foundation/files/FileDescriptor.h"
@@ -45,6 +47,9 @@ std::string readInput(const std::string& file) {
       !std::filesystem::is_character_file(status)) {
     return readFile(file);
   }
+  static bool hasReadStandard = false;
+  if (isStandard && std::exchange(hasReadStandard, true))
+    throw std::runtime_error("the standard input can be read only once");
   const FileDescriptor stream = isStandard
                                     ? FileDescriptor(::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 0))
                                     : FileDescriptor::open(file, O_RDONLY | O_NOCTTY);

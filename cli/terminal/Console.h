@@ -24,7 +24,8 @@ void printData(std::string_view data);
 void writeOutput(const std::string& file, std::string_view data);
 
 /// The contents of `file`, which may be a pipe such as <(command), or of the standard input if
-/// `file` is "-". At most 2 GiB. Throws std::system_error.
+/// `file` is "-". At most 2 GiB. Throws std::system_error, and std::runtime_error if the standard
+/// input was read before. Not thread-safe.
 std::string readInput(const std::string& file);
 
 }  // namespace tavlen::cli

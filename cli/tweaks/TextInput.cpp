@@ -2,6 +2,7 @@
 
 #include <exception>
 #include <stdexcept>
+#include <system_error>
 #include <utility>
 #include <variant>
 
@@ -121,7 +122,9 @@ TextSource textSource(const std::string& argument) {
   const std::string file = source.isFolder ? (fs::path(argument) / kTextFile).string() : argument;
   source.bytes = readInput(file);
   source.file = file == "-" ? "standard input" : file;
-  source.folder = file == "-" ? "." : fs::absolute(file).parent_path();
+  std::error_code ignored;
+  source.folder =
+      fs::is_regular_file(file, ignored) ? fs::absolute(file).parent_path() : fs::path(".");
   return source;
 }
 

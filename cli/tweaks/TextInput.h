@@ -20,8 +20,8 @@ struct TextSource {
   bool isFolder = false;         ///< whether the folder's attachedFiles() belong to the text
 };
 
-/// Reads the text at `argument`, or the tweak.toml in that folder; "-" is the standard input, whose
-/// folder is the current one. Throws std::system_error.
+/// Reads the text at `argument`, or the tweak.toml in that folder; "-" is the standard input; its
+/// folder, like a pipe's, is the current one. Throws std::system_error.
 TextSource textSource(const std::string& argument);
 
 /// A tweak as a text describes it, with the other files of the tweak.

@@ -152,6 +152,11 @@ TEST_F(TextCommandTest, ATweakIsReadInAnyForm) {
   }
   EXPECT_EQ(run("show T.tvxc").err,
             "tavlen: error: T.tvxc: is the archive of a collection; import makes one of it\n");
+  for (const char* line : {"diff - -", "check - -"})
+    EXPECT_THAT(run(line).err, HasSubstr("the standard input can be read only once\n")) << line;
+  EXPECT_EQ(run("icon ./T -o icon.png").err, "tavlen: error: ./T: No icon found\n");
+  EXPECT_EQ(shell("mkfifo pipe; cat T/tweak.toml >pipe & $tavlen check ./pipe").out,
+            "./pipe: ok\n");
   EXPECT_EQ(shell("ls -A | grep Temporary").out, "") << "nothing is left";
   EXPECT_THAT(run("locate ./T 2:3").out, StartsWith("./T/tweak.toml:6:10\n"));
   const std::string code = run("build ./T").out;

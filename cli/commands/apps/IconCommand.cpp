@@ -12,6 +12,7 @@
 #include "cli/classes/AppForReading.h"
 #include "cli/commands/Commands.h"
 #include "cli/terminal/ShownText.h"
+#include "cli/tweaks/TweakForReading.h"
 #include "tavlen/bundles/InfoManager.h"
 #include "tavlen/foundation/text/Unicode.h"
 
@@ -47,7 +48,10 @@ struct Row {
 /// is meant; the tweak has an identifier, too.
 bool isTweak(const std::string& text) {
   if (isArchive(text)) return false;
-  if (isItemPath(text)) return std::filesystem::exists(hostPath(text) / "Manifest.json");
+  if (isItemPath(text)) {
+    return formOf(text) != ItemForm::item ||
+           std::filesystem::exists(hostPath(itemFolder(text)) / kDocumentFile);
+  }
   return !isPath(text) && !isInstalledApp(text);
 }
 
@@ -65,7 +69,7 @@ Image iconOfTweak(const Options& options) {
     throw std::runtime_error(options.subject + ": is a tweak; only apps have icons with names");
   }
   try {
-    return storedTweak(options.subject)->displayedIcon();
+    return tweakForReading(options.subject).file->displayedIcon();
   } catch (const std::runtime_error& error) {
     throw std::runtime_error(errorText(error) + appSuggestion(options.subject));
   }

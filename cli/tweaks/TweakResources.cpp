@@ -77,6 +77,12 @@ void removeResource(const TweakFile& tweak, const std::string& name) {
   std::error_code error;
   fs::remove(entry, error);
   if (error) throw std::system_error(error, shown.string());
+  // Folders that this leaves empty; removing another one fails.
+  fs::path folder = entry.parent_path();
+  for (fs::path rest = fs::path(name).parent_path(); !rest.empty(); rest = rest.parent_path()) {
+    if (!fs::remove(folder, error)) break;
+    folder = folder.parent_path();
+  }
 }
 
 UnusedResourceNote::UnusedResourceNote(const TweakFile::Opened& tweak)

@@ -51,7 +51,7 @@ TEST_F(LintCommandTest, CheckTellsProgramsWhatItTellsPeople) {
 
 TEST_F(LintCommandTest, ResourcesAreRemovedUnlessTheyAreUsed) {
   EXPECT_EQ(files(),
-            "NAME       BYTES  USED BY\n.keep      5      unused\na.png      5      "
+            "NAME       BYTES  USED BY\n.keep      5\na.png      5      "
             "hooks[0].args.0\nb.png      5      hooks[1].args.-1\nc.png      5      unused\n"
             "sub/d.txt  9      unused\n");
   expectRefused("resource remove ./T",
@@ -63,9 +63,9 @@ TEST_F(LintCommandTest, ResourcesAreRemovedUnlessTheyAreUsed) {
   EXPECT_EQ(run("resource prune ./T --json").out,
             R"([{"name":"c.png","size":5,"uses":0},{"name":"sub/d.txt","size":9,"uses":0}])"
             "\n");
+  EXPECT_FALSE(fs::exists(folder() / "T/Resources/sub")) << "empty";
   EXPECT_EQ(run("resource remove ./T a.png --force").out, "removed a.png\n");
-  EXPECT_EQ(files(),
-            "NAME   BYTES  USED BY\n.keep  5      unused\nb.png  5      hooks[1].args.-1\n");
+  EXPECT_EQ(files(), "NAME   BYTES  USED BY\n.keep  5\nb.png  5      hooks[1].args.-1\n");
 }
 
 TEST_F(LintCommandTest, AnEditTellsOfFilesThatItLeavesUnused) {

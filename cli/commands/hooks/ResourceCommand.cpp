@@ -33,7 +33,7 @@ struct Options {
 };
 
 std::string usesText(const TweakResource& resource) {
-  if (!resource.place) return "unused";
+  if (!resource.place) return isHiddenFile(resource.name) ? "" : "unused";
   if (resource.uses == 1) return *resource.place;
   return *resource.place + " and " + countText(resource.uses - 1, "other", "others");
 }

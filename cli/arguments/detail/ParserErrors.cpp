@@ -63,9 +63,9 @@ Problem brokenPair(const CLI::App& app) {
     if (!isGiven(option)) continue;
     for (const CLI::Option* other : optionsOf(app)) {
       auto* const key = const_cast<CLI::Option*>(other);  // the parser's sets have such keys
-      if (option->get_needs().count(key) > 0 && !isGiven(other))
+      if (option->get_needs().contains(key) && !isGiven(other))
         return titleOf(*option) + " needs " + titleOf(*other);
-      if (option->get_excludes().count(key) > 0 && isGiven(other))
+      if (option->get_excludes().contains(key) && isGiven(other))
         return titleOf(*option) + " and " + titleOf(*other) + " cannot be given together";
     }
   }
@@ -93,7 +93,7 @@ Problem wrongValue(const CLI::App& app, const std::vector<std::string>& words) {
   }
   for (const CLI::App* command : chosenPath(app)) {
     for (const CLI::Option* option : optionsOf(*command)) {
-      const std::size_t most = static_cast<std::size_t>(option->get_items_expected_max());
+      const auto most = static_cast<std::size_t>(option->get_items_expected_max());
       if (most > 0 && option->count() > most) return titleOf(*option) + " is given more than once";
     }
   }

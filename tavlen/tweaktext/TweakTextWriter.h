@@ -16,7 +16,7 @@ struct TweakTextFiles {
 
 /// Writes a tweak as the text of a tweak.toml (TweakText.h), with the declaration of each method as
 /// a comment. The text depends on nothing else, and readTweakText() returns an equal manifest, to
-/// the bit, without null hooks; only NaN are all alike.
+/// the bit, without null hooks.
 ///
 /// Errors: EncodingError for text that is not UTF-8, and for a manifest whose text would be longer
 /// than limits::kDocumentBytes. Threads: any.

@@ -81,6 +81,7 @@ TEST(TweakText, DeepAndLongManifestsReadBack) {
     deep = std::move(dictionary);
   }
   TweakFile::Manifest manifest;
+  manifest.configuration = {"N", {}, "a", {}};
   manifest.setHooks({Hook::with("A", "b", "@16@0:8", false, {{-1, deep}, {0, deep}})});
   EXPECT_NO_THROW(encodeJSON(manifest));
   EXPECT_EQ(readTweakText(writeTweakText(manifest, {})).manifest, manifest);

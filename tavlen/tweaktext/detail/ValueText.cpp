@@ -24,8 +24,8 @@ using UInt = ValueParameter<std::uint64_t>;
 using Real = ValueParameter<double>;
 using Kind = ArgumentType::Kind;
 
-/// The nesting of an argument's value in the tweak's document: the manifest, its hooks, the hook, its
-/// arguments, the value. Items of an array lie deeper by the array and themselves, those of a
+/// The nesting of an argument's value in the tweak's document: the manifest, its hooks, the hook,
+/// its arguments, the value. Items of an array lie deeper by the array and themselves, those of a
 /// dictionary also by their pair.
 constexpr std::size_t kArgumentDepth = 5;
 constexpr std::size_t kItemDepth = 2;

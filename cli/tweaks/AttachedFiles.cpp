@@ -72,7 +72,10 @@ std::set<std::string> attachedFiles(const fs::path& folder) {
 bool isSameFile(const fs::path& one, const fs::path& other, const std::string& name) {
   const auto left = fileAt(one, name);
   const auto right = fileAt(other, name);
-  return left && right && contentsOf(*left) == contentsOf(*right);
+  if (!left || !right) return false;
+  const DeviceRoot root = DeviceRoot::shared();
+  return root.status(*left).permissions() == root.status(*right).permissions() &&
+         contentsOf(*left) == contentsOf(*right);
 }
 
 void copyAttachedFile(const fs::path& from, const fs::path& to, const std::string& name) {

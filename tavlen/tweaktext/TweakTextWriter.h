@@ -26,6 +26,10 @@ std::string writeTweakText(const TweakFile::Manifest& manifest, const TweakTextF
 /// EncodingError, as writeTweakText().
 std::string valueText(const Hook& hook, std::int64_t index);
 
+/// A glyph on one line as in a text, with the style or without. Those of two glyphs differ. Errors:
+/// as valueText().
+std::string valueText(const TweakGlyph& glyph);
+
 /// The value of an override on one line as in a text; empty if it has none. Errors: as valueText().
 std::string valueText(const OverrideContainer& override_);
 

@@ -197,6 +197,14 @@ TEST_F(TextCommandTest, DiffComparesAnyTwoForms) {
             R"("file","name":"Resources/j"},{"change":"changed","subject":"file","name":)"
             R"("Resources/i"}])"
             "\n");
+  const std::string hook = "[[hook]]\nmethod = \"-[A a]\"\ntypes = \"d16@0:8\"\n";
+  writeText(hook + "return = 0.0\n", "glyph = { icon = \"a/b\", style = \"c\" }\n");
+  fs::copy(folder() / "T", folder() / "U", fs::copy_options::recursive);
+  writeText(hook + "return = -0.0\n", "glyph = \"a/b/c\"\n");
+  fs::permissions(folder() / "T/Resources/i", fs::perms::owner_exec, fs::perm_options::add);
+  EXPECT_EQ(run("diff ./U ./T").out,
+            "changed glyph: { icon = \"a/b\", style = \"c\" } -> \"a/b/c\"\n"
+            "changed hook -[A a]\n    return: 0.0 -> -0.0\nchanged file Resources/i\n");
   writeText("colour = 1\n");
   const Result trouble = run("diff T.tvx ./T");
   EXPECT_EQ(trouble.status, 2);

@@ -30,6 +30,13 @@ const TOMLNode::Array& elements(const TableReader& root, std::string_view name) 
 
 // [tweak]
 
+/// The text in `node`, which must not be empty.
+const std::string& expectName(const TOMLNode& node) {
+  const std::string& name = expectText(node);
+  if (name.empty()) throw TOMLError(node.position, "expected a string that is not empty");
+  return name;
+}
+
 TweakColor colorFrom(const TOMLNode& node) {
   const std::string& name = expectText(node);
   if (const auto color = fromRawValue<TweakColor>(name)) return *color;
@@ -46,15 +53,15 @@ TweakGlyph glyphFrom(const TOMLNode& node) {
 std::optional<FileReference> fileFrom(const TableReader& table, std::string_view key) {
   const TOMLNode::Member* member = table.find(key);
   if (member == nullptr) return std::nullopt;
-  return FileReference{expectText(member->value), member->value.position};
+  return FileReference{expectName(member->value), member->value.position};
 }
 
 void readTweak(const TOMLNode& node, TweakText& result) {
   const TableReader table(node, {"name", "app", "color", "glyph", "icon", "script"});
   Configuration& configuration = result.manifest.configuration;
-  configuration.name = expectText(table.require("name"));
+  configuration.name = expectName(table.require("name"));
   const TOMLNode& app = table.require("app");
-  configuration.bundleID = expectText(app);
+  configuration.bundleID = expectName(app);
   result.app = app.position;
   if (const auto* color = table.find("color")) configuration.color = colorFrom(color->value);
   if (const auto* glyph = table.find("glyph")) {

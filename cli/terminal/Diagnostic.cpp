@@ -63,6 +63,11 @@ std::string placeText(const Diagnostic& diagnostic) {
   return text;
 }
 
+Diagnostic asWarning(Diagnostic diagnostic) {
+  diagnostic.severity = Diagnostic::kWarning;
+  return diagnostic;
+}
+
 void useJSONMessages() { jsonMessages() = true; }
 
 bool hasJSONMessages() { return jsonMessages(); }

@@ -44,6 +44,9 @@ std::string placeText(const Diagnostic& diagnostic);
 /// The message with texts that are UTF-8: names of files may be any bytes.
 Diagnostic wellFormed(Diagnostic diagnostic);
 
+/// The message as a warning: of an error with which the command goes on.
+Diagnostic asWarning(Diagnostic diagnostic);
+
 /// Makes all messages of this process JSON objects, one a line. Not thread-safe.
 void useJSONMessages();
 /// Whether useJSONMessages() was called.

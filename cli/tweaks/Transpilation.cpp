@@ -1,11 +1,16 @@
 #include "cli/tweaks/Transpilation.h"
 
 #include <charconv>
+#include <exception>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
+#include <variant>
 
+#include "cli/arguments/TranspilerOption.h"
 #include "cli/terminal/CaretLine.h"
+#include "cli/terminal/ShownText.h"
 #include "cli/tweaks/TextInput.h"
 #include "tavlen/foundation/text/Characters.h"
 
@@ -70,8 +75,8 @@ Diagnostic atManifest(const OpenedTweak& tweak) {
   return where;
 }
 
-/// Prints an error, and the line of `text` with a caret under its column.
-void printDiagnostic(Diagnostic where, const SyntaxError& error, std::string_view text) {
+/// The error, with the line of `text` and a caret under its column.
+Diagnostic diagnosticOf(Diagnostic where, const SyntaxError& error, std::string_view text) {
   std::string message = error.message;
   if (error.beginning) {
     message.append(kBeganAt).append(std::to_string(error.beginning->line));
@@ -81,7 +86,7 @@ void printDiagnostic(Diagnostic where, const SyntaxError& error, std::string_vie
   where.code = "syntax-error";
   where.message = std::move(message);
   where.excerpt = caretLine(lineAt(text, error.place.line), error.place.column);
-  print(where);
+  return where;
 }
 
 /// Converts pieces of source, one after another. A processor keeps its first exception, so every
@@ -106,12 +111,12 @@ class Prober {
   std::optional<TweakProcessor> processor_;
 };
 
-/// Reports a syntax error in the generated text at the hook that caused it. The reported position
+/// A syntax error in the generated text, at the hook that caused it. The reported position
 /// may be too late: an unclosed bracket in one hook's code, for example, is often noticed only in
 /// the next hook. So every hook is first converted by itself, and the first failure is reported. If
 /// every hook converts by itself, the hook at the reported line is at fault.
-void reportGenerated(const OpenedTweak& tweak, const TweakSource& source, const SyntaxError& error,
-                     Prober& prober) {
+Diagnostic generatedError(const OpenedTweak& tweak, const TweakSource& source,
+                          const SyntaxError& error, Prober& prober) {
   constexpr std::string_view kBefore = "hookClass(\"\", {}, {\n";
   const std::string_view generated = source.generatedText();
   for (const HookSource::Entry& entry : source.entries()) {
@@ -124,12 +129,37 @@ void reportGenerated(const OpenedTweak& tweak, const TweakSource& source, const 
     // is not part of it.
     if (own->beginning && own->beginning->line == 1) own->beginning.reset();
     if (own->beginning) own->beginning->line += lineEndCount(generated.substr(0, entry.begin)) - 1;
-    return printDiagnostic(atHook(tweak, entry.hook), *own, alone);
+    return diagnosticOf(atHook(tweak, entry.hook), *own, alone);
   }
   const auto lineBegin = offsetAt(generated, {error.place.line, 1});
   const auto* entry = lineBegin ? source.entryBefore(*lineBegin) : nullptr;
-  printDiagnostic(entry != nullptr ? atHook(tweak, entry->hook) : atManifest(tweak), error,
-                  generated);
+  return diagnosticOf(entry != nullptr ? atHook(tweak, entry->hook) : atManifest(tweak), error,
+                      generated);
+}
+
+/// The syntax error that stopped the conversion of the whole source.
+Diagnostic errorAtPlace(const OpenedTweak& tweak, const TweakSource& source,
+                        const std::filesystem::path& transpiler, SyntaxError error) {
+  Prober prober(transpiler);
+  if (const auto own = prober.syntaxErrorIn(std::string(source.generatedText())))
+    return generatedError(tweak, source, *own, prober);
+  const std::size_t linesBefore = source.linesBeforeScript();
+  if (error.place.line <= linesBefore) return diagnosticOf(atManifest(tweak), error, source.text());
+  error.place.line -= linesBefore;
+  if (error.beginning && error.beginning->line > linesBefore) error.beginning->line -= linesBefore;
+  return diagnosticOf(atScript(tweak, error.place), error, tweak.script);
+}
+
+/// The result, or a syntax error. Throws TweakProcessor's other errors.
+std::variant<TweakProcessor::Output, Diagnostic> converted(
+    const OpenedTweak& tweak, const TweakSource& source, const std::filesystem::path& transpiler) {
+  try {
+    return TweakProcessor(transpiler).convert(source.text());
+  } catch (const TweakProcessor::Error& failure) {
+    std::optional<SyntaxError> error = syntaxErrorOf(failure);
+    if (!error) throw;
+    return errorAtPlace(tweak, source, transpiler, *std::move(error));
+  }
 }
 
 }  // namespace
@@ -158,33 +188,30 @@ Diagnostic atScript(const OpenedTweak& tweak, TextPosition place) {
 
 std::optional<TweakProcessor::Output> transpile(const OpenedTweak& tweak, const TweakSource& source,
                                                 const std::filesystem::path& transpiler) {
-  std::optional<SyntaxError> error;
-  try {
-    return TweakProcessor(transpiler).convert(source.text());
-  } catch (const TweakProcessor::Error& failure) {
-    error = syntaxErrorOf(failure);
-    if (!error) throw;
-  }
-  Prober prober(transpiler);
-  if (const auto own = prober.syntaxErrorIn(std::string(source.generatedText()))) {
-    reportGenerated(tweak, source, *own, prober);
-    return std::nullopt;
-  }
-  const std::size_t linesBefore = source.linesBeforeScript();
-  if (error->place.line <= linesBefore) {
-    printDiagnostic(atManifest(tweak), *error, source.text());
-    return std::nullopt;
-  }
-  error->place.line -= linesBefore;
-  if (error->beginning && error->beginning->line > linesBefore)
-    error->beginning->line -= linesBefore;
-  printDiagnostic(atScript(tweak, error->place), *error, tweak.script);
+  auto result = converted(tweak, source, transpiler);
+  if (auto* output = std::get_if<TweakProcessor::Output>(&result)) return std::move(*output);
+  print(std::get<Diagnostic>(result));
   return std::nullopt;
 }
 
 std::optional<TweakProcessor::Output> transpile(const OpenedTweak& tweak,
                                                 const std::filesystem::path& transpiler) {
   return transpile(tweak, TweakSource(tweak.manifest.hooks(), tweak.script), transpiler);
+}
+
+std::optional<Diagnostic> conversionErrorOf(const TextInput& input) {
+  OpenedTweak tweak;
+  tweak.manifest = input.text.manifest;
+  tweak.script = input.script.value_or(std::string());
+  tweak.text = std::make_shared<TextInput>(input);
+  try {
+    const TweakSource source(tweak.manifest.hooks(), tweak.script);
+    auto result = converted(tweak, source, transpilerFolder({}));
+    if (auto* error = std::get_if<Diagnostic>(&result)) return std::move(*error);
+    return std::nullopt;
+  } catch (const std::exception& error) {
+    return Diagnostic{.severity = Diagnostic::kError, .message = errorText(error)};
+  }
 }
 
 }  // namespace tavlen::cli

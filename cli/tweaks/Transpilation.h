@@ -23,6 +23,10 @@ std::optional<TweakProcessor::Output> transpile(const OpenedTweak& tweak, const 
 std::optional<TweakProcessor::Output> transpile(const OpenedTweak& tweak,
                                                 const std::filesystem::path& transpiler);
 
+/// Why a text's tweak does not convert with the command's own transpiler, at its place in the text
+/// or in the script; nothing if it converts. Reasons other than syntax errors have no place.
+std::optional<Diagnostic> conversionErrorOf(const TextInput& input);
+
 /// A message about a hook, without the message: the document, the hook's index in it, and its
 /// method. `hook` is the index without the empty entries.
 Diagnostic atHook(const OpenedTweak& tweak, std::size_t hook);

@@ -86,6 +86,8 @@ struct TweakText {
   std::optional<FileReference> icon;
   /// The tweak's script.
   std::optional<FileReference> script;
+  /// The tweak's name.
+  TextPosition name = {};
   /// The target app's identifier.
   TextPosition app = {};
   /// The glyph, if the manifest has one.

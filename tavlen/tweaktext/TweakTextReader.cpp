@@ -59,7 +59,9 @@ std::optional<FileReference> fileFrom(const TableReader& table, std::string_view
 void readTweak(const TOMLNode& node, TweakText& result) {
   const TableReader table(node, {"name", "app", "color", "glyph", "icon", "script"});
   Configuration& configuration = result.manifest.configuration;
-  configuration.name = expectName(table.require("name"));
+  const TOMLNode& name = table.require("name");
+  configuration.name = expectName(name);
+  result.name = name.position;
   const TOMLNode& app = table.require("app");
   configuration.bundleID = expectName(app);
   result.app = app.position;

@@ -222,9 +222,18 @@ TEST_F(CommandStoreTest, SetChangesWhatItIsToldInOneWrite) {
                                     R"("installed":false,"stored":true,"identifier":")" +
                                     id));
   EXPECT_EQ(run("uninstall --app com.example.notes").status, 1);
-  EXPECT_EQ(run("set B --app com.example.maps").err,
-            "tavlen: warning: the collection C, which contains it, is for com.example.notes and "
-            "can no longer be installed\n");
+  const std::string broken =
+      "tavlen: warning: the collection C, which contains it, is for com.example.notes and can no "
+      "longer be installed\n";
+  EXPECT_EQ(run("set B --app com.example.maps").err, broken);
+  for (const char* change : {"apply B.toml --to B", "edit B"}) {
+    EXPECT_EQ(run("set B --app com.example.notes").status + run("install B").status, 0);
+    EXPECT_EQ(shell("$tavlen dump B | sed s/notes/maps/ >B.toml").err, "");
+    environment({"EDITOR=sed -i s/notes/maps/"});
+    EXPECT_THAT(run(change).err, EndsWith("B: uninstalled from com.example.notes; not installed "
+                                          "for com.example.maps\n" +
+                                          broken));
+  }
 }
 
 class CollectionCommandTest : public CommandStoreTest {

@@ -163,6 +163,8 @@ TEST_F(TextCommandTest, ATweakIsReadInAnyForm) {
   const Result broken = run("check ./T");
   EXPECT_THAT(broken.err, StartsWith("./T/tweak.toml:8:10: warning: the resource \"i\" is missing\n"
                                      "./T/s:1:5: error: expected ';' or an operator\n"));
+  EXPECT_THAT(run("apply ./T").err,
+              HasSubstr("\n./T/s:1:5: warning: expected ';' or an operator\n"));
   write("T/Manifest.json", "{}");
   EXPECT_THAT(run("source ./T").err, HasSubstr("./T/Manifest.json: missing key"));
   const char* editing[] = {"hook add T/tweak.toml '-[A c]' --signature v16@0:8",
@@ -247,6 +249,11 @@ TEST_F(TextCommandTest, EditAppliesTheEditorsText) {
                                            "retrun = 5"));
   EXPECT_EQ(manifest(id).hooks().at(0)._args.size(), 1U);
   EXPECT_EQ(shell("cd '" + stored(id) + "' && cat script.objs && ls Resources").out, "one();\ni\n");
+  newTweak("Taken");
+  const Result refused = edit(
+      "grep -q Taken \"$1\" || sed -i 's/\"T\"/\"Taken\"/; s/= 5/= {\"$code\" = \"(\"}/' \"$1\"");
+  EXPECT_THAT(refused.err, StartsWith("tweak.toml:2:8: error: Taken: the item "));
+  EXPECT_THAT(refused.err, HasSubstr("\ntweak.toml:9:10: error: expected an expression"));
   const Result gaveUp = edit("grep -q '^x' \"$1\" || echo x >>\"$1\"");
   EXPECT_EQ(gaveUp.status, 1);
   EXPECT_THAT(kept(gaveUp), AllOf(EndsWith("return = 5\nx\n"), Not(HasSubstr("#!"))));

@@ -6,12 +6,14 @@
 
 #include "cli/arguments/StoredItem.h"
 #include "cli/commands/Commands.h"
+#include "cli/items/AppChange.h"
 #include "cli/items/ItemNames.h"
 #include "cli/items/StoreLock.h"
 #include "cli/terminal/Console.h"
 #include "cli/terminal/ShownText.h"
 #include "cli/tweaks/AttachedFiles.h"
 #include "cli/tweaks/TextInput.h"
+#include "cli/tweaks/Transpilation.h"
 #include "cli/tweaks/TweakCheck.h"
 #include "cli/tweaks/TweakContents.h"
 #include "tavlen/foundation/files/TemporaryDirectory.h"
@@ -60,19 +62,34 @@ TweakContents nothingFor(const TweakContents& after) {
 TextInput checkedInput(const std::string& text, const fs::path& target) {
   TextInput input = readTextInput(text);
   for (const Diagnostic& warning : warningsFor(input, target)) print(warning);
+  // It is stored nevertheless, as scripts are.
+  if (const auto error = conversionErrorOf(input)) print(asWarning(*error));
   return input;
+}
+
+/// Opens the tweak to change. Throws if it cannot be called so.
+TweakFile::Opened checkedTweak(const std::string& argument, const TweakContents& after) {
+  TweakFile::Opened tweak = openedTweak(argument);
+  requireNameFor(tweak, after.manifest.configuration.name);
+  return tweak;
 }
 
 int changeTweak(const Options& options) {
   // A wrong name is reported before the app's classes are read, which takes long: without the lock.
   const fs::path target = storedTweak(*options.tweak)->url();
   const TweakContents after = contentsOf(checkedInput(options.text, target));
+  const std::string& app = after.manifest.configuration.bundleID;
+  // Checked before the helper runs, and once more under the lock.
+  const TweakFile::Opened former = checkedTweak(*options.tweak, after);
+  if (!options.isDryRun) takeAway(former, app);
   const StoreLock lock(*options.tweak);
-  const TweakFile::Opened tweak = openedTweak(*options.tweak);
+  const TweakFile::Opened tweak = checkedTweak(*options.tweak, after);
   const TweakContents before = contentsOf(tweak);
-  requireNameFor(tweak, after.manifest.configuration.name);
   const std::vector<TweakChange> changes = changesBetween(before, after);
-  if (!changes.empty() && !options.isDryRun) replaceContents(*tweak.file, before, after);
+  if (!changes.empty() && !options.isDryRun) {
+    replaceContents(*tweak.file, before, after);
+    if (before.manifest.configuration.bundleID != app) warnOfCollections(tweak.file->id(), app);
+  }
   if (options.json) {
     printApplied(tweak.file->id(), after, changes);
   } else if (changes.empty()) {

@@ -10,6 +10,7 @@
 
 #include "cli/arguments/StoredItem.h"
 #include "cli/commands/Commands.h"
+#include "cli/items/AppChange.h"
 #include "cli/items/ItemNames.h"
 #include "cli/items/StoreLock.h"
 #include "cli/terminal/Console.h"
@@ -17,6 +18,8 @@
 #include "cli/terminal/ShownText.h"
 #include "cli/tweaks/TextComments.h"
 #include "cli/tweaks/TextInput.h"
+#include "cli/tweaks/TextMessages.h"
+#include "cli/tweaks/Transpilation.h"
 #include "cli/tweaks/TweakCheck.h"
 #include "cli/tweaks/TweakContents.h"
 
@@ -52,9 +55,10 @@ class Session {
       }
       if (text == last) throw std::runtime_error("the text has errors");
       std::vector<Diagnostic> errors;
-      auto input = readTextInput({text, kTextFile, path_, false},
-                                 [&](const Diagnostic& error) { errors.push_back(error); });
-      if (input) return input;
+      const auto report = [&](const Diagnostic& error) { errors.push_back(error); };
+      auto input = readTextInput({text, kTextFile, path_, false}, report);
+      if (input) check(*input, report);
+      if (errors.empty()) return input;
       for (const Diagnostic& error : errors) print(error);
       edited_.setText(withComments(text, errors));
       last = text;
@@ -63,17 +67,17 @@ class Session {
 
   /// Makes the tweak what the text says. Throws if it is no longer what was edited.
   std::vector<TweakChange> store(const TextInput& input) {
-    const StoreLock lock(path_);
-    const TweakFile::Opened tweak = openedTweak(path_);
-    const TweakContents now = contentsOf(tweak);
-    if (now.manifest != before_.manifest || now.icon != before_.icon ||
-        now.script != before_.script) {
-      throw std::runtime_error("the tweak changed on disk while you were editing it");
-    }
     const TweakContents after = contentsOf(input);
-    requireNameFor(tweak, after.manifest.configuration.name);
+    const std::string& app = after.manifest.configuration.bundleID;
+    // Checked before the helper runs, and once more under the lock.
+    takeAway(checkedTweak(after), app);
+    const StoreLock lock(path_);
+    const TweakFile::Opened tweak = checkedTweak(after);
+    const TweakContents now = contentsOf(tweak);
     std::vector<TweakChange> changes = changesBetween(now, after);
-    if (!changes.empty()) replaceContents(*tweak.file, now, after);
+    if (changes.empty()) return changes;
+    replaceContents(*tweak.file, now, after);
+    if (before_.manifest.configuration.bundleID != app) warnOfCollections(tweak.file->id(), app);
     return changes;
   }
 
@@ -91,6 +95,33 @@ class Session {
 
  private:
   std::string ownText() const { return withoutComments(edited_.text()); }
+
+  /// Reports the errors of a text that was read. An error in the script is only a warning: the text
+  /// cannot mend it.
+  void check(const TextInput& input, const DiagnosticSink& report) const {
+    const TweakFile::Opened tweak = openedTweak(path_);
+    try {
+      requireNameFor(tweak, input.text.manifest.configuration.name);
+    } catch (const std::runtime_error& error) {
+      TextMessages(input.file, report).error(input.text.name, errorText(error));
+    }
+    const auto error = conversionErrorOf(input);
+    if (!error) return;
+    if (error->file == input.file) return report(*error);
+    print(asWarning(*error));
+  }
+
+  /// Opens the tweak. Throws if it is no longer what was edited, or cannot be called so.
+  TweakFile::Opened checkedTweak(const TweakContents& after) const {
+    TweakFile::Opened tweak = openedTweak(path_);
+    const TweakContents now = contentsOf(tweak);
+    if (now.manifest != before_.manifest || now.icon != before_.icon ||
+        now.script != before_.script) {
+      throw std::runtime_error("the tweak changed on disk while you were editing it");
+    }
+    requireNameFor(tweak, after.manifest.configuration.name);
+    return tweak;
+  }
 
   std::string path_;
   TweakContents before_;

@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <memory>
 #include <optional>
 #include <stdexcept>
@@ -10,13 +9,12 @@
 #include "cli/arguments/StoredItem.h"
 #include "cli/classes/AppForReading.h"
 #include "cli/commands/Commands.h"
-#include "cli/items/ActiveTweak.h"
+#include "cli/items/AppChange.h"
 #include "cli/items/ItemNames.h"
 #include "cli/items/ItemRow.h"
 #include "cli/items/StoreLock.h"
 #include "cli/terminal/ShownText.h"
 #include "tavlen/items/TweakError.h"
-#include "tavlen/store/TweakManager.h"
 
 namespace tavlen::cli {
 
@@ -55,34 +53,6 @@ OpenedItem checkedItem(const Options& options, const std::optional<std::string>&
   return item;
 }
 
-/// Uninstalls an item from its app, if it is the active one there, because it gets another app.
-void takeAway(const OpenedItem& item, const std::string& next) {
-  const TweakConfiguration configuration = item.configuration();
-  const std::string& former = configuration.bundleID();
-  if (former == next || !isActiveTweak(former, item.item()->id())) return;
-  if (!isInstalledApp(former)) {
-    printWarning(former + ": the app is gone; its record of this item stays");
-    return;
-  }
-  setActiveTweak(*appWithBundleID(former), nullptr);
-  printNote(configuration.name() + ": uninstalled from " + former + "; not installed for " + next);
-}
-
-/// Warns of the collections that contain the tweak and are for another app than it is now.
-void warnOfCollections(const TweakFile::Opened& tweak) {
-  const auto& configuration = tweak.manifest.configuration;
-  for (const std::shared_ptr<TweakProtocol>& item : TweakManager::allTweaks()) {
-    const auto* collection = dynamic_cast<const TweakCollection*>(item.get());
-    if (collection == nullptr) continue;
-    const TweakCollection::Manifest manifest = collection->manifest();
-    const auto& ids = manifest._tweaks;
-    const bool isMember = std::find(ids.begin(), ids.end(), tweak.file->id()) != ids.end();
-    if (!isMember || manifest.configuration.bundleID == configuration.bundleID) continue;
-    printWarning("the collection " + manifest.configuration.name + ", which contains it, is for " +
-                 manifest.configuration.bundleID + " and can no longer be installed");
-  }
-}
-
 /// Changes the settings by one write.
 void store(OpenedItem& item, const Options& options, const std::optional<std::string>& bundleID) {
   const auto change = [&](auto& opened) {
@@ -107,7 +77,7 @@ int set(const Options& options) {
   store(item, options, bundleID);
   if (bundleID) {
     warnIfNotInstalled(*bundleID);
-    if (item.tweak() != nullptr) warnOfCollections(*item.tweak());
+    if (item.tweak() != nullptr) warnOfCollections(item.item()->id(), *bundleID);
   }
   if (options.json) printRow(item);
   return 0;

@@ -27,9 +27,11 @@ void failAssertion(std::string_view condition) {
 
 #include <algorithm>
 #include <chrono>
+#include <optional>
 #include <utility>
 
 #include "tavlen/foundation/base/Limits.h"
+#include "tavlen/foundation/text/Unicode.h"
 #include "tavlen/foundation/toml/detail/TOMLPrescan.h"
 
 namespace tavlen {
@@ -37,6 +39,10 @@ namespace tavlen {
 namespace {
 
 static_assert(limits::kJSONDepth <= TOML_MAX_NESTED_VALUES);
+
+bool precedes(TextPosition left, TextPosition right) {
+  return std::pair(left.line, left.column) < std::pair(right.line, right.column);
+}
 
 TextPosition positionOf(const toml::source_region& region) {
   return {region.begin.line, region.begin.column};
@@ -92,8 +98,7 @@ TOMLNode::Table tableFrom(toml::table& table) {
     members.push_back({std::string(key.str()), nodeFrom(value), positionOf(key.source())});
   // The library sorts by keys.
   std::sort(members.begin(), members.end(), [](const auto& left, const auto& right) {
-    return std::pair(left.position.line, left.position.column) <
-           std::pair(right.position.line, right.position.column);
+    return precedes(left.position, right.position);
   });
   return members;
 }
@@ -113,12 +118,16 @@ TOMLNode::Table readTOML(std::string_view text) {
   if (text.size() > limits::kDocumentBytes) {
     throw TOMLError({}, "more than " + std::to_string(limits::kDocumentBytes) + " bytes");
   }
-  prescanTOML(text);
+  const std::size_t valid = validUTF8Length(text);
+  if (valid < text.size()) throw TOMLError(TextPosition::at(text, valid), "is not UTF-8");
+  const std::optional<UnclosedString> unclosed = prescanTOML(text);
   try {
     toml::table root = toml::parse(text);
     return tableFrom(root);
   } catch (const toml::parse_error& error) {
-    throw TOMLError(positionOf(error.source()), std::string(error.description()));
+    const TextPosition position = positionOf(error.source());
+    if (unclosed && precedes(unclosed->begin, position)) throw TOMLError(unclosed->error);
+    throw TOMLError(position, std::string(error.description()));
   }
 }
 

@@ -48,6 +48,16 @@ TextPosition positionOf(const toml::source_region& region) {
   return {region.begin.line, region.begin.column};
 }
 
+/// The digits of a decimal integer that the library finds too large; empty for other errors.
+std::string_view tooLargeInteger(std::string_view error) {
+  constexpr std::string_view kBefore = "decimal integer: '";
+  constexpr std::string_view kAfter = "' is not representable";
+  const std::size_t begin = error.find(kBefore);
+  const std::size_t end = error.find(kAfter);
+  if (begin == std::string_view::npos || end == std::string_view::npos) return {};
+  return error.substr(begin + kBefore.size(), end - begin - kBefore.size());
+}
+
 Date dateFrom(const toml::date_time& value, TextPosition position) {
   using namespace std::chrono;
   if (!value.offset)
@@ -127,7 +137,10 @@ TOMLNode::Table readTOML(std::string_view text) {
   } catch (const toml::parse_error& error) {
     const TextPosition position = positionOf(error.source());
     if (unclosed && precedes(unclosed->begin, position)) throw TOMLError(unclosed->error);
-    throw TOMLError(position, std::string(error.description()));
+    std::string message(error.description());
+    if (std::string integer(tooLargeInteger(message)); !integer.empty())
+      throw TOMLIntegerError(position, std::move(message), std::move(integer));
+    throw TOMLError(position, std::move(message));
   }
 }
 

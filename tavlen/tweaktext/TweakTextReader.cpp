@@ -193,10 +193,22 @@ void readHook(const TOMLNode& node, TweakText& result) {
   result.manifest._hooks.emplace_back(std::move(hook));
 }
 
+/// As readTOML(); the error of an integer that "$uint" can hold says so.
+TOMLNode documentFrom(std::string_view text) {
+  try {
+    return {readTOML(text), {}};
+  } catch (const TOMLIntegerError& error) {
+    const std::string& digits = error.integer();
+    const bool isNegative = text.find("-" + digits) != std::string_view::npos;
+    if (isNegative || !unsignedFrom(digits)) throw;
+    throw TOMLError(error.position(), error.text() + "; write { \"$uint\" = \"" + digits + "\" }");
+  }
+}
+
 }  // namespace
 
 TweakText readTweakText(std::string_view text) {
-  const TOMLNode document{readTOML(text), {}};
+  const TOMLNode document = documentFrom(text);
   const TableReader root(document, {"tweak", "overrides", "override", "hook"});
   TweakText result;
   const auto* tweak = root.find("tweak");

@@ -64,13 +64,10 @@ Parameter intFrom(const TOMLNode& node) {
 }
 
 Parameter uintFrom(const TOMLNode& node) {
-  std::uint64_t value = 0;
   if (const auto* integer = std::get_if<std::int64_t>(&node.value); integer && *integer >= 0)
     return UInt{static_cast<std::uint64_t>(*integer)};
   if (const auto* text = std::get_if<std::string>(&node.value)) {
-    const char* end = text->data() + text->size();
-    const auto [last, error] = std::from_chars(text->data(), end, value);
-    if (error == std::errc() && last == end) return UInt{value};
+    if (const auto value = unsignedFrom(*text)) return UInt{*value};
   }
   throw TOMLError(node.position,
                   "expected a whole number from 0 to 2^64-1; beyond 2^63-1 as a string of digits");
@@ -293,6 +290,13 @@ struct Writer {
 };
 
 }  // namespace
+
+std::optional<std::uint64_t> unsignedFrom(std::string_view digits) {
+  std::uint64_t value = 0;
+  const char* end = digits.data() + digits.size();
+  const auto [last, error] = std::from_chars(digits.data(), end, value);
+  return error == std::errc() && last == end ? std::optional(value) : std::nullopt;
+}
 
 Parameter parameterFromInteger(std::int64_t value, const ArgumentType& type) {
   if (type.kind == Kind::real) {

@@ -54,12 +54,15 @@ std::string bundleIDOf(const std::string& text) {
   return isPath(text) ? readInfo(*appArgument(text)).bundleID : text;
 }
 
+std::string unknownAppText(const std::string& text) {
+  const std::string suggestion = appSuggestion(text);
+  return "no app has this identifier" +
+         (suggestion.empty() ? " (tavlen apps lists the apps)" : suggestion);
+}
+
 std::shared_ptr<IPA> appWithBundleID(const std::string& bundleID) {
-  try {
-    return IPA::findWithBundleID(bundleID);
-  } catch (const IPA::Error& error) {
-    throw std::runtime_error(errorText(error) + appSuggestion(bundleID));
-  }
+  if (std::shared_ptr<IPA> app = AppList::shared().app(bundleID)) return app;
+  throw std::runtime_error(bundleID + ": " + unknownAppText(bundleID));
 }
 
 bool isInstalledApp(const std::string& bundleID) {

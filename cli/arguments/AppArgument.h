@@ -48,6 +48,10 @@ std::vector<AppListApp> fetchedApps();
 /// `text` probably means; empty if there is none.
 std::string appSuggestion(const std::string& text);
 
+/// "no app has this identifier", with appSuggestion() or how to find one: for a message about
+/// `text`.
+std::string unknownAppText(const std::string& text);
+
 /// `error` as an error that begins with the path of the app's Info.plist.
 std::runtime_error withInfoPath(const IPA& ipa, const DecodingError& error);
 

@@ -55,9 +55,7 @@ std::shared_ptr<IPA> appNamed(const std::string& text) {
   const char* const reason = type == fs::file_type::directory   ? "this folder is no app's bundle"
                              : type == fs::file_type::not_found ? "no such file"
                                                                 : "this file is no archive";
-  const std::string suggestion = appSuggestion(text);
-  throw std::runtime_error(text + ": " + reason + ", and no app has this identifier" +
-                           (suggestion.empty() ? " (tavlen apps lists the apps)" : suggestion));
+  throw std::runtime_error(text + ": " + reason + ", and " + unknownAppText(text));
 }
 
 }  // namespace

@@ -8,9 +8,9 @@
 #include <system_error>
 #include <vector>
 
+#include "cli/arguments/AppArgument.h"
 #include "cli/classes/MethodSearch.h"
 #include "cli/terminal/ShownText.h"
-#include "tavlen/bundles/IPA.h"
 
 namespace tavlen::cli {
 
@@ -64,7 +64,7 @@ void lookUpTypes(TweakText& text, TextMessages& messages) {
     ImageArgument app;
     // By the path of an app of the device: the identifier in a text from elsewhere must not name a
     // file to load.
-    app.image = IPA::findWithBundleID(text.manifest.configuration.bundleID)->appDir().string();
+    app.image = appWithBundleID(text.manifest.configuration.bundleID)->appDir().string();
     setTypes(text, hooks, app, messages);
   } catch (const std::exception& error) {
     const auto* failure = dynamic_cast<const std::system_error*>(&error);

@@ -5,6 +5,7 @@
 namespace tavlen {
 namespace {
 
+using testing::AllOf;
 using testing::HasSubstr;
 
 /// A tweak with a value that names a.png, code that names b.png, and files.
@@ -37,6 +38,9 @@ TEST_F(LintCommandTest, CheckTellsProgramsWhatItTellsPeople) {
   EXPECT_THAT(checked.out, HasSubstr(R"({"file":"./T/script.objs","line":2,"column":1,)"
                                      R"("severity":"error","code":"syntax-error",)"));
   EXPECT_THAT(checked.out, HasSubstr(R"("severity":"error","message":"./bad)"));
+  EXPECT_THAT(run("check ./T --classes").err,
+              AllOf(HasSubstr(": no app has this identifier (tavlen apps lists the apps)\n"),
+                    HasSubstr("./T/script.objs:2:1: error: ")));
   write("./T/script.objs", "");
   EXPECT_EQ(run("check ./T").status, 0);
   EXPECT_EQ(run("check ./T --strict").status, 1);

@@ -130,8 +130,14 @@ std::string usageProblem(const CLI::App& app, const ParserState& state,
   // The parser reports a missing argument first; but if a word is unknown, that is the likely
   // cause.
   const bool isMissing = dynamic_cast<const CLI::RequiredError*>(&error) != nullptr;
+  const std::vector<std::string> unknown = app.remaining(true);
+  // The parser takes a later word for the command if it does not know the first.
+  if (!unknown.empty() && !words.empty() && unknown.front() == words.front() &&
+      !words.front().starts_with('-')) {
+    return unknownCommandText(words.front(), recordOf(app, state));
+  }
   if (isMissing || dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr) {
-    for (const std::string& word : app.remaining(true)) {
+    for (const std::string& word : unknown) {
       if (word != "--") return unexpectedText(unmarked(word), app, state);
     }
   }

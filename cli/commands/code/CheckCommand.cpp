@@ -1,9 +1,11 @@
 #include <cstddef>
+#include <exception>
 #include <map>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "cli/arguments/AppArgument.h"
 #include "cli/arguments/ImageArgument.h"
 #include "cli/arguments/TranspilerOption.h"
 #include "cli/classes/ClassCheck.h"
@@ -15,7 +17,6 @@
 #include "cli/tweaks/Transpilation.h"
 #include "cli/tweaks/TweakCheck.h"
 #include "cli/tweaks/TweakForReading.h"
-#include "tavlen/bundles/IPA.h"
 #include "tavlen/foundation/text/EscapedText.h"
 
 namespace tavlen::cli {
@@ -78,10 +79,14 @@ class Check {
     return warnings_ == 0 || !options_.isStrict;
   }
 
+  /// Without the classes, the other checks go on.
   void checkClasses(const OpenedTweak& tweak) {
-    const ClassDump& dump = classesFor(tweak.manifest.configuration.bundleID);
-    for (const Diagnostic& warning : warningsFrom(classProblemsOf(tweak.manifest, dump), tweak)) {
-      print(warning);
+    try {
+      const ClassDump& dump = classesFor(tweak.manifest.configuration.bundleID);
+      for (const Diagnostic& warning : warningsFrom(classProblemsOf(tweak.manifest, dump), tweak))
+        print(warning);
+    } catch (const std::exception& error) {
+      reportError(error);
     }
   }
 
@@ -90,7 +95,7 @@ class Check {
     ImageArgument image = options_.image;
     // By the path of an app of the device: the identifier in a tweak from elsewhere must not name a
     // file to load.
-    if (image.image.empty()) image.image = IPA::findWithBundleID(bundleID)->appDir().string();
+    if (image.image.empty()) image.image = appWithBundleID(bundleID)->appDir().string();
     const auto known = dumps_.find(image.image);
     if (known != dumps_.end()) return known->second;
     ClassDump dump = dumpClasses(image);

@@ -86,7 +86,7 @@ Option Option::utf8() {
 
 Option Option::check(std::function<std::string(const std::string&)> problem) {
   const auto checked = [problem = std::move(problem), option = option_](const std::string& text) {
-    const std::string found = problem(text);
+    std::string found = problem(text);
     if (!found.empty()) throw UsageError(titleOf(*option), found);
     return found;
   };

@@ -105,6 +105,7 @@ class Checker {
     constexpr int kMost = 100;
     if (++suggestions_ > kMost) return {};
     std::vector<std::string_view> known;
+    known.reserve(names.size());
     for (const auto& entry : names) known.push_back(entry.first);
     std::sort(known.begin(), known.end());
     const auto closest = closestName(name, known);

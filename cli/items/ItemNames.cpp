@@ -2,6 +2,7 @@
 
 #include <stdexcept>
 
+#include "cli/arguments/StoredItem.h"
 #include "cli/items/ItemRow.h"
 #include "cli/terminal/Console.h"
 #include "tavlen/collections/TweakCollectionManifest.h"
@@ -18,6 +19,9 @@ ItemNames::ItemNames(std::string_view except) {
 }
 
 void ItemNames::requireFree(const std::string& name) const {
+  if (isItemPath(name)) {
+    printWarning(name + ": commands take this name for a path; use the identifier instead");
+  }
   const auto owner = owners_.find(name);
   if (owner == owners_.end()) return;
   throw std::runtime_error(name + ": the item " + owner->second + " has this name already");

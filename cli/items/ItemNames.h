@@ -15,7 +15,8 @@ class ItemNames {
   /// Reads the settings of all stored items except `except`, whose name may stay as it is.
   explicit ItemNames(std::string_view except = {});
 
-  /// Throws std::runtime_error, which names the other item, if `name` is taken.
+  /// Throws std::runtime_error, which names the other item, if `name` is taken. Warns of a name
+  /// that would be read as a path.
   void requireFree(const std::string& name) const;
   /// `name` itself if it is free. Otherwise the first free one of "name 2", "name 3" and so on, and
   /// prints a note that says so. It is taken from then on.

@@ -41,15 +41,19 @@ std::set<std::string> attachedFiles(const fs::path& folder, const std::string& t
   std::set<std::string> names;
   const DeviceRoot root = DeviceRoot::shared();
   if (!fs::is_directory(root.status(folder / top))) return names;
-  const fs::path real = canonical(root, folder / top);
-  for (fs::recursive_directory_iterator entry(real), end; entry != end; ++entry) {
+  const auto real = pathInside(root, folder, top);
+  if (!real) {
+    leftOut(top);
+    return names;
+  }
+  for (fs::recursive_directory_iterator entry(*real), end; entry != end; ++entry) {
     const fs::path& path = entry->path();
     if (isTemporaryName(path.filename())) {
       entry.disable_recursion_pending();
       continue;
     }
     if (entry->symlink_status().type() == fs::file_type::directory) continue;
-    std::string name = (fs::path(top) / path.lexically_relative(real)).string();
+    std::string name = (fs::path(top) / path.lexically_relative(*real)).string();
     if (fileAt(folder, name)) {
       names.insert(std::move(name));
     } else {
@@ -63,7 +67,8 @@ std::set<std::string> attachedFiles(const fs::path& folder) {
   std::set<std::string> names;
   for (const char* top : kAttachedFolders) {
     names.merge(attachedFiles(folder, top, [&](const std::string& name) {
-      printWarning((folder / name).string() + ": is not a file of the folder, and is left out");
+      printWarning((folder / name).lexically_normal().string() +
+                   ": is not a file of the folder, and is left out");
     }));
   }
   return names;
@@ -72,7 +77,10 @@ std::set<std::string> attachedFiles(const fs::path& folder) {
 bool isSameFile(const fs::path& one, const fs::path& other, const std::string& name) {
   const auto left = fileAt(one, name);
   const auto right = fileAt(other, name);
-  return left && right && contentsOf(*left) == contentsOf(*right);
+  if (!left || !right) return false;
+  const DeviceRoot root = DeviceRoot::shared();
+  return root.status(*left).permissions() == root.status(*right).permissions() &&
+         contentsOf(*left) == contentsOf(*right);
 }
 
 void copyAttachedFile(const fs::path& from, const fs::path& to, const std::string& name) {

@@ -24,8 +24,8 @@ std::set<std::string> attachedFiles(const std::filesystem::path& folder);
 std::set<std::string> attachedFiles(const std::filesystem::path& folder, const std::string& top,
                                     FunctionRef<void(const std::string& name)> leftOut);
 
-/// Whether both folders have a file at the relative path `name`, with the same bytes. Throws
-/// std::system_error.
+/// Whether both folders have a file at the relative path `name`, with the same bytes and
+/// permissions. Throws std::system_error.
 bool isSameFile(const std::filesystem::path& one, const std::filesystem::path& other,
                 const std::string& name);
 

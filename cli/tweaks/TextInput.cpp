@@ -87,7 +87,8 @@ class Reader {
     if (source_.isFolder) {
       input_.files = attachedFiles(input_.folder);
       for (const char* top : kAttachedFolders) {
-        if (fs::is_directory(root.status(input_.folder / top))) input_.wholeFolders.insert(top);
+        const auto folder = pathInside(root, input_.folder, top);
+        if (folder && fs::is_directory(root.status(*folder))) input_.wholeFolders.insert(top);
       }
     }
     for (const BoxedOptional<Hook>& hook : input_.text.manifest._hooks) {

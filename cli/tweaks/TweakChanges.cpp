@@ -6,11 +6,12 @@
 #include <map>
 #include <optional>
 #include <set>
+#include <string_view>
 #include <utility>
 
 #include "cli/terminal/ShownText.h"
+#include "tavlen/foundation/json/JSONEncoder.h"
 #include "tavlen/foundation/toml/TOMLWriter.h"
-#include "tavlen/items/GlyphNames.h"
 #include "tavlen/tweaktext/TweakTextWriter.h"
 
 namespace tavlen::cli {
@@ -54,28 +55,25 @@ Named<OverrideContainer> overridesOf(const TweakFile::Manifest& manifest) {
   return overrides;
 }
 
-void addSetting(Changes& changes, const std::string& name, const std::string& before,
-                const std::string& after) {
-  if (before == after) return;
-  const auto text = [](const std::string& value) { return lineFromTOML({value, {}}); };
-  changes.push_back({TweakChange::kChanged, name, {}, text(before), text(after)});
+/// A value as the text has it; nothing if there is none.
+using Value = std::optional<std::string>;
+
+Value lineOf(std::string_view text) { return lineFromTOML({std::string(text), {}}); }
+Value lineOf(const std::optional<TweakGlyph>& glyph) {
+  return glyph ? Value(valueText(*glyph)) : std::nullopt;
 }
 
-/// The glyph as stored; empty without one.
-std::string storedGlyph(const std::optional<TweakGlyph>& glyph) {
-  return glyph ? glyphText(*glyph) : "";
+void addSetting(Changes& changes, const std::string& name, Value before, Value after) {
+  if (before == after) return;
+  changes.push_back({TweakChange::kChanged, name, {}, std::move(before), std::move(after)});
 }
 
 void addSettings(Changes& changes, const Configuration& before, const Configuration& after) {
-  addSetting(changes, "name", before.name, after.name);
-  addSetting(changes, "app", before.bundleID, after.bundleID);
-  addSetting(changes, "color", std::string(rawValue(before.color)),
-             std::string(rawValue(after.color)));
-  addSetting(changes, "glyph", storedGlyph(before._glyph), storedGlyph(after._glyph));
+  addSetting(changes, "name", lineOf(before.name), lineOf(after.name));
+  addSetting(changes, "app", lineOf(before.bundleID), lineOf(after.bundleID));
+  addSetting(changes, "color", lineOf(rawValue(before.color)), lineOf(rawValue(after.color)));
+  addSetting(changes, "glyph", lineOf(before._glyph), lineOf(after._glyph));
 }
-
-/// The value of a hook under a key of the text; nothing if it has none.
-using Value = std::optional<std::string>;
 
 Value argument(const Hook& hook, std::int64_t index) {
   return hook._args.contains(index) ? Value(valueText(hook, index)) : std::nullopt;
@@ -89,9 +87,9 @@ std::vector<TweakChange::Part> partsOf(const Hook* before, const Hook* after) {
     const Value right = after != nullptr ? valueOf(*after) : std::nullopt;
     if (left != right) parts.push_back({key, left, right});
   };
-  add("types", [](const Hook& hook) -> Value { return lineFromTOML({hook.signature, {}}); });
+  add("types", [](const Hook& hook) -> Value { return lineOf(hook.signature); });
   add("name", [](const Hook& hook) -> Value {
-    return hook.customName ? Value(lineFromTOML({*hook.customName, {}})) : std::nullopt;
+    return hook.customName ? lineOf(*hook.customName) : std::nullopt;
   });
   std::set<std::int64_t> indices;
   for (const Hook* hook : {before, after}) {
@@ -138,7 +136,7 @@ void addElements(Changes& changes, const std::string& subject, const Named<Eleme
     const Element* own = after.find(name);
     if (old == nullptr) {
       add(TweakChange::kAdded, name.first, nullptr, own);
-    } else if (*old != *own) {
+    } else if (encodeJSON(*old) != encodeJSON(*own)) {  // tells -0.0 from 0.0
       add(TweakChange::kChanged, name.first, old, own);
     }
   }

@@ -31,8 +31,7 @@ class Checker {
     checkApp();
     checkGlyph();
     for (auto& [index, code, text] : problemsOf(manifest_._overrides))
-      problems_.push_back(
-          {.subject = Subject::override_, .index = index, .code = code, .text = std::move(text)});
+      add(Subject::override_, code, std::move(text)).index = index;
     for (std::size_t i = 0; i < manifest_._hooks.size(); ++i) {
       if (manifest_._hooks[i]) checkHook(*manifest_._hooks[i], i);
     }
@@ -43,14 +42,21 @@ class Checker {
   }
 
  private:
+  /// Returns the new problem, whose place the caller adds.
+  TweakProblem& add(Subject subject, std::string_view code, std::string text) {
+    TweakProblem& problem = problems_.emplace_back();
+    problem.subject = subject;
+    problem.code = code;
+    problem.text = std::move(text);
+    return problem;
+  }
+
   void checkApp() {
     const std::string& id = manifest_.configuration.bundleID;
     const auto& apps = surroundings_.apps;
     if (apps.empty() || std::find(apps.begin(), apps.end(), id) != apps.end()) return;
-    problems_.push_back(
-        {.subject = Subject::app,
-         .code = "unknown-app",
-         .text = "the app \"" + id + "\" is not installed here" + suggestionText(id, apps)});
+    add(Subject::app, "unknown-app",
+        "the app \"" + id + "\" is not installed here" + suggestionText(id, apps));
   }
 
   void checkGlyph() {
@@ -59,8 +65,7 @@ class Checker {
     std::string text = "unknown glyph " + described(*glyph);
     if (const auto suggestion = suggestedGlyph(*glyph))
       text += "; did you mean " + described(*suggestion) + "?";
-    problems_.push_back(
-        {.subject = Subject::glyph, .code = "unknown-glyph", .text = std::move(text)});
+    add(Subject::glyph, "unknown-glyph", std::move(text));
   }
 
   static std::string described(const TweakGlyph& glyph) {
@@ -68,16 +73,15 @@ class Checker {
   }
 
   void checkHook(const Hook& hook, std::size_t index) {
-    const auto add = [&](HookProblem problem) {
-      problems_.push_back({.subject = Subject::hook,
-                           .index = index,
-                           .place = std::move(problem.place),
-                           .code = problem.code,
-                           .text = std::move(problem.text)});
+    const auto addAt = [&](const HookPlace& place, std::string_view code, std::string text) {
+      TweakProblem& problem = add(Subject::hook, code, std::move(text));
+      problem.index = index;
+      problem.place = place;
     };
     const auto [first, isNew] = hooks_.try_emplace(hook.identity(), index);
-    if (!isNew) add({{}, "repeated-hook", "hooks the same method as " + hookName(first->second)});
-    for (HookProblem& problem : problemsOf(hook)) add(std::move(problem));
+    if (!isNew) addAt({}, "repeated-hook", "hooks the same method as " + hookName(first->second));
+    for (HookProblem& problem : problemsOf(hook))
+      addAt(problem.place, problem.code, std::move(problem.text));
     for (const auto& [argument, box] : hook._args) {
       forEachParameter(box.value,
                        [&, argument = argument](const Parameter& each, const ParameterPath& path) {
@@ -85,25 +89,17 @@ class Checker {
                          if (name == nullptr) return;
                          const ResourceState state = surroundings_.stateOf(*name);
                          if (state == ResourceState::present) return;
-                         HookProblem problem = resourceProblem(*name, state);
-                         problem.place = {HookPlace::Part::value, argument, path};
-                         add(std::move(problem));
+                         const bool isMissing = state == ResourceState::missing;
+                         addAt({HookPlace::Part::value, argument, path},
+                               isMissing ? "missing-resource" : "outside-resource",
+                               "the resource \"" + *name +
+                                   (isMissing ? "\" is missing" : "\" lies outside of Resources"));
                        });
     }
   }
 
   std::string hookName(std::size_t index) const {
     return surroundings_.nameOfHook ? surroundings_.nameOfHook(index) : elementName("hooks", index);
-  }
-
-  /// The problem with a resource of that name, which is not present.
-  static HookProblem resourceProblem(const std::string& name, ResourceState state) {
-    const bool isMissing = state == ResourceState::missing;
-    HookProblem problem;
-    problem.code = isMissing ? "missing-resource" : "outside-resource";
-    problem.text =
-        "the resource \"" + name + (isMissing ? "\" is missing" : "\" lies outside of Resources");
-    return problem;
   }
 
   void checkUnused() {
@@ -119,7 +115,7 @@ class Checker {
   }
 
   void addFile(std::string file, std::string_view code, const char* text) {
-    problems_.push_back({.file = std::move(file), .code = code, .text = text});
+    add(Subject::file, code, text).file = std::move(file);
   }
 
   const TweakFile::Manifest& manifest_;

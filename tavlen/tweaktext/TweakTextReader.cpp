@@ -30,6 +30,13 @@ const TOMLNode::Array& elements(const TableReader& root, std::string_view name) 
 
 // [tweak]
 
+/// The text in `node`, which must not be empty.
+const std::string& expectName(const TOMLNode& node) {
+  const std::string& name = expectText(node);
+  if (name.empty()) throw TOMLError(node.position, "expected a string that is not empty");
+  return name;
+}
+
 TweakColor colorFrom(const TOMLNode& node) {
   const std::string& name = expectText(node);
   if (const auto color = fromRawValue<TweakColor>(name)) return *color;
@@ -46,17 +53,17 @@ TweakGlyph glyphFrom(const TOMLNode& node) {
 std::optional<FileReference> fileFrom(const TableReader& table, std::string_view key) {
   const TOMLNode::Member* member = table.find(key);
   if (member == nullptr) return std::nullopt;
-  return FileReference{expectText(member->value), member->value.position};
+  return FileReference{expectName(member->value), member->value.position};
 }
 
 void readTweak(const TOMLNode& node, TweakText& result) {
   const TableReader table(node, {"name", "app", "color", "glyph", "icon", "script"});
   Configuration& configuration = result.manifest.configuration;
   const TOMLNode& name = table.require("name");
-  configuration.name = expectText(name);
+  configuration.name = expectName(name);
   result.name = name.position;
   const TOMLNode& app = table.require("app");
-  configuration.bundleID = expectText(app);
+  configuration.bundleID = expectName(app);
   result.app = app.position;
   if (const auto* color = table.find("color")) configuration.color = colorFrom(color->value);
   if (const auto* glyph = table.find("glyph")) {
@@ -186,10 +193,22 @@ void readHook(const TOMLNode& node, TweakText& result) {
   result.manifest._hooks.emplace_back(std::move(hook));
 }
 
+/// As readTOML(); the error of an integer that "$uint" can hold says so.
+TOMLNode documentFrom(std::string_view text) {
+  try {
+    return {readTOML(text), {}};
+  } catch (const TOMLIntegerError& error) {
+    const std::string& digits = error.integer();
+    const bool isNegative = text.find("-" + digits) != std::string_view::npos;
+    if (isNegative || !unsignedFrom(digits)) throw;
+    throw TOMLError(error.position(), error.text() + "; write { \"$uint\" = \"" + digits + "\" }");
+  }
+}
+
 }  // namespace
 
 TweakText readTweakText(std::string_view text) {
-  const TOMLNode document{readTOML(text), {}};
+  const TOMLNode document = documentFrom(text);
   const TableReader root(document, {"tweak", "overrides", "override", "hook"});
   TweakText result;
   const auto* tweak = root.find("tweak");

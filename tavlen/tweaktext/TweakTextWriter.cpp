@@ -135,6 +135,8 @@ std::string valueText(const Hook& hook, std::int64_t index) {
       nodeFromParameter(hook._args.at(index).value, types ? types->at(index) : ArgumentType()));
 }
 
+std::string valueText(const TweakGlyph& glyph) { return lineFromTOML(nodeFromGlyph(glyph)); }
+
 std::string valueText(const OverrideContainer& override_) {
   const auto node = nodeFromOverride(override_);
   return node ? lineFromTOML(*node) : "";

@@ -16,7 +16,7 @@ struct TweakTextFiles {
 
 /// Writes a tweak as the text of a tweak.toml (TweakText.h), with the declaration of each method as
 /// a comment. The text depends on nothing else, and readTweakText() returns an equal manifest, to
-/// the bit, without null hooks; only NaN are all alike.
+/// the bit, without null hooks.
 ///
 /// Errors: EncodingError for text that is not UTF-8, and for a manifest whose text would be longer
 /// than limits::kDocumentBytes. Threads: any.
@@ -25,6 +25,10 @@ std::string writeTweakText(const TweakFile::Manifest& manifest, const TweakTextF
 /// A hook's value at `index`, an argument or Hook::kReturnValue, on one line as in a text. Errors:
 /// EncodingError, as writeTweakText().
 std::string valueText(const Hook& hook, std::int64_t index);
+
+/// A glyph on one line as in a text, with the style or without. Those of two glyphs differ. Errors:
+/// as valueText().
+std::string valueText(const TweakGlyph& glyph);
 
 /// The value of an override on one line as in a text; empty if it has none. Errors: as valueText().
 std::string valueText(const OverrideContainer& override_);

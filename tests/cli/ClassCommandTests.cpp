@@ -135,7 +135,7 @@ TEST_F(ClassCommandTest, SaysWhyThereAreNoClassesOnTheAgentPort) {
        {app + "/Info.plist --parser remote", 1, app + "/Info.plist: not an executable image"},
        {"image.so --parser remote", 1, "image.so: not inside an .app bundle"},
        {"/dev/null", 1, "/dev/null: not a regular file"},
-       {"image.so --parser swift", 2, "--parser: unknown value \"swift\"; known are auto, static"},
+       {"image.so --parser swift", 2, "--parser: unknown value \"swift\"; known are auto"},
        {"image.so --timeout 0", 2,
         "--timeout: not a positive number of seconds up to 1000000000: 0\n"},
        {"image.so --timeout 1s", 2, "--timeout: not a"},

@@ -98,8 +98,7 @@ TEST_F(TextCommandTest, ApplyFindsTypesInTheAppAndNamesPlaces) {
            {"[[hook]]\nmethod = \"-[Gone a]\"\n",
             "T/tweak.toml:5:10: error: no types, and the app defines no class Gone\n"},
            {"[[hook]]\nmethod = \"-[UIView gone]\"\n",
-            "T/tweak.toml:5:10: error: no types, and UIView has no method -[UIView gone] of its "
-            "own"},
+            "T/tweak.toml:5:10: error: no types, and UIView has no method -[UIView gone] of its"},
            {"script = \"../s\"\n",
             "T/tweak.toml:4:10: error: ../s: lies outside of the text's folder\n"},
            {"icon = \"tweak.toml\"\n",
@@ -205,6 +204,17 @@ TEST_F(TextCommandTest, DiffComparesAnyTwoForms) {
             R"("file","name":"Resources/j"},{"change":"changed","subject":"file","name":)"
             R"("Resources/i"}])"
             "\n");
+  const std::string hook = "[[hook]]\nmethod = \"-[A a]\"\ntypes = \"d16@0:8\"\n";
+  writeText(hook + "return = 0.0\n", "glyph = { icon = \"a/b\", style = \"c\" }\n");
+  fs::copy(folder() / "T", folder() / "U", fs::copy_options::recursive);
+  writeText(hook + "return = -0.0\n", "glyph = \"a/b/c\"\n");
+  fs::permissions(folder() / "T/Resources/i", fs::perms::owner_exec, fs::perm_options::add);
+  EXPECT_EQ(run("diff ./U ./T").out,
+            "changed glyph: { icon = \"a/b\", style = \"c\" } -> \"a/b/c\"\n"
+            "changed hook -[A a]\n    return: 0.0 -> -0.0\nchanged file Resources/i\n");
+  fs::create_directory_symlink("/etc", folder() / "U/Executables");
+  EXPECT_EQ(run("source ./U").err, "tavlen: warning: " + (folder() / "U/Executables").string() +
+                                         ": is not a file of the folder, and is left out\n");
   writeText("colour = 1\n");
   const Result trouble = run("diff T.tvx ./T");
   EXPECT_EQ(trouble.status, 2);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <bit>
+#include <cmath>
 #include <limits>
 #include <random>
 
@@ -15,7 +16,7 @@ class RandomManifest {
 
   TweakFile::Manifest next() {
     TweakFile::Manifest manifest;
-    manifest.configuration = {text(), TweakColor(below(10)), text(), {}};
+    manifest.configuration = {"N" + text(), TweakColor(below(10)), "a" + text(), {}};
     if (below(2) == 0) manifest.configuration._glyph = glyph();
     const bool isPlain = below(2) == 0;  // with no kind twice
     for (std::size_t i = 0; i < (isPlain ? 9 : below(6)); ++i)
@@ -73,24 +74,11 @@ class RandomManifest {
 
   double real() {
     using Limits = std::numeric_limits<double>;
-    static const double kValues[] = {0,
-                                     -0.0,
-                                     1,
-                                     0.1,
-                                     -0.1,
-                                     1e22,
-                                     5e-324,
-                                     1e300,
-                                     -1.5,
-                                     1e10,
-                                     1e9 + 0.1,
-                                     -6.3e10,
-                                     Limits::max(),
-                                     Limits::infinity(),
-                                     -Limits::infinity(),
-                                     Limits::quiet_NaN()};
-    return below(4) == 0 ? std::bit_cast<double>((std::uint64_t{random_()} << 32) | random_())
-                         : oneOf(kValues);
+    static const double kValues[] = {0,     -0.0, 1,    0.1,       -0.1,    1e22,         5e-324,
+                                     1e300, -1.5, 1e10, 1e9 + 0.1, -6.3e10, Limits::max()};
+    if (below(4) != 0) return oneOf(kValues);
+    const auto any = std::bit_cast<double>((std::uint64_t{random_()} << 32) | random_());
+    return std::isfinite(any) ? any : 0;
   }
 
   double component() { return below(3) == 0 ? real() : static_cast<double>(below(256)) / 255; }

@@ -57,7 +57,6 @@ TEST(TweakText, TypesDecideTheKindsOfPlainIntegers) {
 
 TEST(TweakText, EveryManifestReadsBackAsItIs) {
   RandomManifest random(1);
-  int compared = 0;
   for (int i = 0; i < 2000; ++i) {
     const TweakFile::Manifest manifest = random.next();
     const std::string text = writeTweakText(manifest, {});
@@ -67,14 +66,9 @@ TEST(TweakText, EveryManifestReadsBackAsItIs) {
     } catch (const TOMLError& error) {
       FAIL() << error.what() << "\n" << text;
     }
-    // The text tells -0.0 from 0.0. A manifest with a NaN does not equal itself.
-    ASSERT_EQ(writeTweakText(read.manifest, {}), text);
-    const TweakFile::Manifest copy = manifest;
-    if (copy != manifest) continue;
-    ++compared;
+    ASSERT_EQ(writeTweakText(read.manifest, {}), text) << "tells -0.0 from 0.0";
     ASSERT_EQ(read.manifest, manifest) << text;
   }
-  EXPECT_GT(compared, 1000);
 }
 
 TEST(TweakText, DeepAndLongManifestsReadBack) {
@@ -87,9 +81,18 @@ TEST(TweakText, DeepAndLongManifestsReadBack) {
     deep = std::move(dictionary);
   }
   TweakFile::Manifest manifest;
+  manifest.configuration = {"N", {}, "a", {}};
   manifest.setHooks({Hook::with("A", "b", "@16@0:8", false, {{-1, deep}, {0, deep}})});
   EXPECT_NO_THROW(encodeJSON(manifest));
   EXPECT_EQ(readTweakText(writeTweakText(manifest, {})).manifest, manifest);
+
+  const auto arrays = [](std::size_t count) {
+    return readTweakText(kTweak + std::string("[[hook]]\nmethod = \"-[A b]\"\nreturn = ") +
+                         std::string(count, '[') + std::string(count, ']'));
+  };
+  EXPECT_NO_THROW(encodeJSON(arrays(253).manifest));
+  EXPECT_EQ(messageOf<TOMLError>([&] { arrays(254); }),
+            "6:263: nested deeper than a tweak's document may be");
 
   // More dotted keys than a reader accepts.
   const std::map<std::int64_t, Parameter> args = {{0, NilParameter{}}, {1, NilParameter{}}};

@@ -79,6 +79,9 @@ export const withExpectations = (Base) => class extends Base {
 
   raise(pos, message) {
     if (message.startsWith("Unterminated template")) this.missingCloser(innermostOpening(this));
+    // Acorn names the character after a '#', which need not be visible, or exist.
+    if (message.startsWith("Unexpected character") && this.input[pos - 1] === "#")
+      throw syntaxError(this.input, pos, "expected the name of a private member after '#'");
     throw syntaxError(this.input, pos, reworded(this.input, pos, message));
   }
 

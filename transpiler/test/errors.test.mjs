@@ -49,6 +49,7 @@ const TABLES = {
     ["`a${b c}`", 1, 7, "expected '}' to end the substitution that began at 1:3"],
     ["`a", 1, 2, "expected '`' to end the template that began at 1:1"],
     ["x = 'abc", 1, 5, "expected ''' to end the string that began at 1:5"],
+    ["x; #", 1, 5, "expected the name of a private member after '#'"],
     ["x = /* a", 1, 5, "expected '*/' to end the comment that began at 1:5"],
     ["x = /(", 1, 6, "expected '/' to end the regular expression that began at 1:5"],
     ["x = /(/", 1, 6, "invalid regular expression: /(/: Unterminated group"],

@@ -63,9 +63,9 @@ Problem brokenPair(const CLI::App& app) {
     if (!isGiven(option)) continue;
     for (const CLI::Option* other : optionsOf(app)) {
       auto* const key = const_cast<CLI::Option*>(other);  // the parser's sets have such keys
-      if (option->get_needs().count(key) > 0 && !isGiven(other))
+      if (option->get_needs().contains(key) && !isGiven(other))
         return titleOf(*option) + " needs " + titleOf(*other);
-      if (option->get_excludes().count(key) > 0 && isGiven(other))
+      if (option->get_excludes().contains(key) && isGiven(other))
         return titleOf(*option) + " and " + titleOf(*other) + " cannot be given together";
     }
   }
@@ -93,7 +93,7 @@ Problem wrongValue(const CLI::App& app, const std::vector<std::string>& words) {
   }
   for (const CLI::App* command : chosenPath(app)) {
     for (const CLI::Option* option : optionsOf(*command)) {
-      const std::size_t most = static_cast<std::size_t>(option->get_items_expected_max());
+      const auto most = static_cast<std::size_t>(option->get_items_expected_max());
       if (most > 0 && option->count() > most) return titleOf(*option) + " is given more than once";
     }
   }
@@ -130,8 +130,14 @@ std::string usageProblem(const CLI::App& app, const ParserState& state,
   // The parser reports a missing argument first; but if a word is unknown, that is the likely
   // cause.
   const bool isMissing = dynamic_cast<const CLI::RequiredError*>(&error) != nullptr;
+  const std::vector<std::string> unknown = app.remaining(true);
+  // The parser takes a later word for the command if it does not know the first.
+  if (!unknown.empty() && !words.empty() && unknown.front() == words.front() &&
+      !words.front().starts_with('-')) {
+    return unknownCommandText(words.front(), recordOf(app, state));
+  }
   if (isMissing || dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr) {
-    for (const std::string& word : app.remaining(true)) {
+    for (const std::string& word : unknown) {
       if (word != "--") return unexpectedText(unmarked(word), app, state);
     }
   }

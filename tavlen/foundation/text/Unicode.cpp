@@ -79,7 +79,9 @@ bool isASCII(std::string_view text) {
   return all < 0x80;
 }
 
-bool isValidUTF8(std::string_view text) {
+bool isValidUTF8(std::string_view text) { return validUTF8Length(text) == text.size(); }
+
+std::size_t validUTF8Length(std::string_view text) {
   constexpr std::uint64_t kHighBits = 0x8080808080808080;
   std::size_t position = 0;
   while (position < text.size()) {
@@ -90,9 +92,10 @@ bool isValidUTF8(std::string_view text) {
         continue;
       }
     }
-    if (nextUTF8(text, position) < 0) return false;
+    const std::size_t begin = position;
+    if (nextUTF8(text, position) < 0) return begin;
   }
-  return true;
+  return position;
 }
 
 std::string wellFormedUTF8(std::string_view text) {

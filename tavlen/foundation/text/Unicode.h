@@ -12,6 +12,8 @@ bool isASCII(std::string_view text);
 
 /// Whether `text` is well-formed UTF-8: no overlong forms, no surrogates, nothing above U+10FFFF.
 bool isValidUTF8(std::string_view text);
+/// The length in bytes of the longest beginning of `text` that is well-formed UTF-8.
+std::size_t validUTF8Length(std::string_view text);
 
 /// `text` with each malformed sequence replaced by one U+FFFD.
 std::string wellFormedUTF8(std::string_view text);

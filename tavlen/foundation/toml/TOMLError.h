@@ -27,4 +27,17 @@ class TOMLError : public DescribedError {
   std::string text_;
 };
 
+/// An integer beyond those of TOML, which have 64 bits and a sign.
+class TOMLIntegerError : public TOMLError {
+ public:
+  TOMLIntegerError(TextPosition position, std::string text, std::string integer)
+      : TOMLError(position, std::move(text)), integer_(std::move(integer)) {}
+
+  /// Its decimal digits, without a sign.
+  const std::string& integer() const { return integer_; }
+
+ private:
+  std::string integer_;
+};
+
 }  // namespace tavlen

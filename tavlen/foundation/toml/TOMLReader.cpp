@@ -27,9 +27,11 @@ void failAssertion(std::string_view condition) {
 
 #include <algorithm>
 #include <chrono>
+#include <optional>
 #include <utility>
 
 #include "tavlen/foundation/base/Limits.h"
+#include "tavlen/foundation/text/Unicode.h"
 #include "tavlen/foundation/toml/detail/TOMLPrescan.h"
 
 namespace tavlen {
@@ -38,8 +40,22 @@ namespace {
 
 static_assert(limits::kJSONDepth <= TOML_MAX_NESTED_VALUES);
 
+bool precedes(TextPosition left, TextPosition right) {
+  return std::pair(left.line, left.column) < std::pair(right.line, right.column);
+}
+
 TextPosition positionOf(const toml::source_region& region) {
   return {region.begin.line, region.begin.column};
+}
+
+/// The digits of a decimal integer that the library finds too large; empty for other errors.
+std::string_view tooLargeInteger(std::string_view error) {
+  constexpr std::string_view kBefore = "decimal integer: '";
+  constexpr std::string_view kAfter = "' is not representable";
+  const std::size_t begin = error.find(kBefore);
+  const std::size_t end = error.find(kAfter);
+  if (begin == std::string_view::npos || end == std::string_view::npos) return {};
+  return error.substr(begin + kBefore.size(), end - begin - kBefore.size());
 }
 
 Date dateFrom(const toml::date_time& value, TextPosition position) {
@@ -92,8 +108,7 @@ TOMLNode::Table tableFrom(toml::table& table) {
     members.push_back({std::string(key.str()), nodeFrom(value), positionOf(key.source())});
   // The library sorts by keys.
   std::sort(members.begin(), members.end(), [](const auto& left, const auto& right) {
-    return std::pair(left.position.line, left.position.column) <
-           std::pair(right.position.line, right.position.column);
+    return precedes(left.position, right.position);
   });
   return members;
 }
@@ -113,12 +128,19 @@ TOMLNode::Table readTOML(std::string_view text) {
   if (text.size() > limits::kDocumentBytes) {
     throw TOMLError({}, "more than " + std::to_string(limits::kDocumentBytes) + " bytes");
   }
-  prescanTOML(text);
+  const std::size_t valid = validUTF8Length(text);
+  if (valid < text.size()) throw TOMLError(TextPosition::at(text, valid), "is not UTF-8");
+  const std::optional<UnclosedString> unclosed = prescanTOML(text);
   try {
     toml::table root = toml::parse(text);
     return tableFrom(root);
   } catch (const toml::parse_error& error) {
-    throw TOMLError(positionOf(error.source()), std::string(error.description()));
+    const TextPosition position = positionOf(error.source());
+    if (unclosed && precedes(unclosed->begin, position)) throw TOMLError(unclosed->error);
+    std::string message(error.description());
+    if (std::string integer(tooLargeInteger(message)); !integer.empty())
+      throw TOMLIntegerError(position, std::move(message), std::move(integer));
+    throw TOMLError(position, std::move(message));
   }
 }
 

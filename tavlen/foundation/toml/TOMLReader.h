@@ -15,7 +15,7 @@ namespace tavlen {
 /// another, the parts of dotted keys and headers included, and the work for dotted keys, which
 /// detail/TOMLPrescan.h explains. Time is otherwise linear in the text, up to a logarithm. The
 /// deepest text takes 750 kB of stack, so threads with less must not call this.
-/// Errors: TOMLError, for the first fault. Threads: any.
+/// Errors: TOMLError, TOMLIntegerError among them, for the first fault. Threads: any.
 TOMLNode::Table readTOML(std::string_view text);
 
 }  // namespace tavlen

@@ -8,6 +8,7 @@
 #include <set>
 #include <utility>
 
+#include "tavlen/foundation/json/JSONEncoder.h"
 #include "tavlen/foundation/toml/TOMLWriter.h"
 #include "tavlen/parameters/ColorText.h"
 #include "tavlen/tweaktext/detail/TableReader.h"
@@ -23,6 +24,13 @@ using UInt = ValueParameter<std::uint64_t>;
 using Real = ValueParameter<double>;
 using Kind = ArgumentType::Kind;
 
+/// The nesting of an argument's value in the tweak's document: the manifest, its hooks, the hook,
+/// its arguments, the value. Items of an array lie deeper by the array and themselves, those of a
+/// dictionary also by their pair.
+constexpr std::size_t kArgumentDepth = 5;
+constexpr std::size_t kItemDepth = 2;
+constexpr std::size_t kPairDepth = 3;
+
 constexpr std::int64_t kMostInt = std::numeric_limits<std::int64_t>::max();
 
 /// The real number that equals `value`, if any.
@@ -36,10 +44,13 @@ std::optional<double> realEqualTo(std::int64_t value) {
 // Reading.
 
 double realFrom(const TOMLNode& node) {
-  const auto* integer = std::get_if<std::int64_t>(&node.value);
-  if (integer == nullptr) return expectKind<double>(node, "a real number");
-  if (const auto real = realEqualTo(*integer)) return *real;
-  throw TOMLError(node.position, "no real number equals this integer");
+  if (const auto* integer = std::get_if<std::int64_t>(&node.value)) {
+    if (const auto real = realEqualTo(*integer)) return *real;
+    throw TOMLError(node.position, "no real number equals this integer");
+  }
+  const auto value = expectKind<double>(node, "a real number");
+  if (!std::isfinite(value)) throw TOMLError(node.position, "expected a finite number");
+  return value;
 }
 
 Parameter nilFrom(const TOMLNode& node) {
@@ -53,13 +64,10 @@ Parameter intFrom(const TOMLNode& node) {
 }
 
 Parameter uintFrom(const TOMLNode& node) {
-  std::uint64_t value = 0;
   if (const auto* integer = std::get_if<std::int64_t>(&node.value); integer && *integer >= 0)
     return UInt{static_cast<std::uint64_t>(*integer)};
   if (const auto* text = std::get_if<std::string>(&node.value)) {
-    const char* end = text->data() + text->size();
-    const auto [last, error] = std::from_chars(text->data(), end, value);
-    if (error == std::errc() && last == end) return UInt{value};
+    if (const auto value = unsignedFrom(*text)) return UInt{*value};
   }
   throw TOMLError(node.position,
                   "expected a whole number from 0 to 2^64-1; beyond 2^63-1 as a string of digits");
@@ -121,20 +129,28 @@ struct Reader {
   const TOMLNode& node;
   const ArgumentType& type;
   ValuePlaces& places;
+  std::size_t depth;  ///< of the value in the document
+
+  Parameter read() const {
+    places.position = node.position;
+    requireDepth(depth);
+    return std::visit(*this, node.value);
+  }
 
   Parameter operator()(const std::string& text) const { return ValueParameter<std::string>{text}; }
   Parameter operator()(std::int64_t value) const {
     places.isPlainInteger = true;
     return parameterFromInteger(value, type);
   }
-  Parameter operator()(double value) const { return Real{value}; }
+  Parameter operator()(double /*value*/) const { return doubleFrom(node); }
   Parameter operator()(bool value) const { return ValueParameter<bool>{value}; }
   Parameter operator()(Date date) const { return DateParameter{date}; }
 
   Parameter operator()(const Array& items) const {
+    requireDepth(depth + 1);
     ArrayParameter array;
     array._items.reserve(items.size());
-    for (const TOMLNode& item : items) array._items.push_back({inside(item)});
+    for (const TOMLNode& item : items) array._items.push_back({inside(item, kItemDepth)});
     return array;
   }
 
@@ -150,17 +166,23 @@ struct Reader {
   }
 
  private:
-  Parameter inside(const TOMLNode& item) const {
-    return parameterFromNode(item, {}, places.inside.emplace_back());
+  void requireDepth(std::size_t most) const {
+    if (most <= JSONEncoder::kMaximumDepth) return;
+    throw TOMLError(node.position, "nested deeper than a tweak's document may be");
+  }
+
+  Parameter inside(const TOMLNode& item, std::size_t levels) const {
+    return Reader{item, {}, places.inside.emplace_back(), depth + levels}.read();
   }
 
   Parameter dictionaryFrom(const Table& table) const {
+    requireDepth(depth + 1);
     DictionaryParameter dictionary;
     dictionary._items.reserve(table.size());
     for (const TOMLNode::Member& member : table) {
       places.inside.push_back({member.position, false, {}});
       dictionary._items.push_back(DictionaryParameter::Pair::with(
-          ValueParameter<std::string>{member.key}, inside(member.value)));
+          ValueParameter<std::string>{member.key}, inside(member.value, kPairDepth)));
     }
     return dictionary;
   }
@@ -176,14 +198,15 @@ struct Reader {
   }
 
   Parameter pairsFrom(const TOMLNode& list) const {
+    requireDepth(depth + 1);
     DictionaryParameter dictionary;
     for (const TOMLNode& item : expectKind<Array>(list, "an array of pairs")) {
       const auto* pair = std::get_if<Array>(&item.value);
       if (pair == nullptr || pair->size() != 2)
         throw TOMLError(item.position, "expected an array of a key and a value");
-      Parameter key = inside((*pair)[0]);
+      Parameter key = inside((*pair)[0], kPairDepth);
       dictionary._items.push_back(
-          DictionaryParameter::Pair::with(std::move(key), inside((*pair)[1])));
+          DictionaryParameter::Pair::with(std::move(key), inside((*pair)[1], kPairDepth)));
     }
     return dictionary;
   }
@@ -268,6 +291,13 @@ struct Writer {
 
 }  // namespace
 
+std::optional<std::uint64_t> unsignedFrom(std::string_view digits) {
+  std::uint64_t value = 0;
+  const char* end = digits.data() + digits.size();
+  const auto [last, error] = std::from_chars(digits.data(), end, value);
+  return error == std::errc() && last == end ? std::optional(value) : std::nullopt;
+}
+
 Parameter parameterFromInteger(std::int64_t value, const ArgumentType& type) {
   if (type.kind == Kind::real) {
     if (const auto real = realEqualTo(value)) return Real{*real};
@@ -278,8 +308,7 @@ Parameter parameterFromInteger(std::int64_t value, const ArgumentType& type) {
 }
 
 Parameter parameterFromNode(const TOMLNode& node, const ArgumentType& type, ValuePlaces& places) {
-  places.position = node.position;
-  return std::visit(Reader{node, type, places}, node.value);
+  return Reader{node, type, places, kArgumentDepth}.read();
 }
 
 TOMLNode nodeFromParameter(const Parameter& parameter, const ArgumentType& type) {

@@ -65,7 +65,11 @@ TEST(TOML, RefusesWhatIsMalformedOrTooExpensive) {
   };
   const std::pair<std::string, std::string> cases[] = {
       {"a = 1\nb.c = 2\nb.c.d = 3\n", "3:3: Error while parsing key-value pair: cannot redefine"},
-      {"a = \"\xC3\xA9\xE9\"", "1:6: Encountered invalid utf-8"},
+      {"a = \"\xC3\xA9\xE9\"", "1:7: is not UTF-8"},
+      {{"\xFF\xFEz\0", 4}, "1:1: is not UTF-8"},
+      {"a = 1\nb = \"\xC3\xA9\r\n", "2:8: expected '\"' to end the string that began at 2:5"},
+      {"a = '''\nb", "2:2: expected ''''' to end the string that began at 1:5"},
+      {"a = tru\nb = \"", "1:8: Error while parsing boolean: expected 'true'"},
       {"a = 9223372036854775808",
        "1:24: Error while parsing decimal integer: '9223372036854775808'"},
       {"a = 1\n[ &]", "2:3: Error while parsing key: expected bare key starting character"},

@@ -54,11 +54,12 @@ class Scanner {
  public:
   explicit Scanner(std::string_view text) : text_(text) {}
 
-  void scan() {
+  std::optional<UnclosedString> scan() {
     if (byteOrderMarkOf(text_)) position_ = byteOrderMarkOf(text_)->length;
     beginKey(position_);
     while (position_ < text_.size() && take(text_[position_])) {
     }
+    return std::move(unclosed_);
   }
 
  private:
@@ -180,12 +181,13 @@ class Scanner {
   bool skipString(char quote) {
     const std::string_view all = text_.substr(position_);
     const bool isLong = all.size() > 2 && all[1] == quote && all[2] == quote;
+    const std::size_t begin = position_;
     const std::string closing(isLong ? 3 : 1, quote);
     const std::string marks = {quote, quote == '"' ? '\\' : quote, isLong ? quote : '\n'};
     position_ += closing.size();
     while ((position_ = text_.find_first_of(marks, position_)) != std::string_view::npos) {
       const std::string_view rest = text_.substr(position_);
-      if (rest.front() == '\n') return false;
+      if (rest.front() == '\n') break;
       if (rest.starts_with(closing)) {
         position_ += closing.size();
         // Of five quotes the first two belong to the text.
@@ -199,6 +201,11 @@ class Scanner {
         ++position_;
       }
     }
+    const TextPosition place = TextPosition::at(text_, begin);
+    unclosed_ = {
+        place,
+        {TextPosition::at(text_, std::min(position_, text_.size())),
+         "expected '" + closing + "' to end the string that began at " + description(place)}};
     return false;
   }
 
@@ -226,6 +233,7 @@ class Scanner {
   std::size_t depth_ = 0;  ///< of the header's table and the open brackets
   std::size_t values_ = 0;
   LookUps lookUps_;
+  std::optional<UnclosedString> unclosed_;
 
   /// Whether a key, a part of one, or a value may begin at the position.
   bool isAtStart_ = true;
@@ -242,6 +250,6 @@ class Scanner {
 
 }  // namespace
 
-void prescanTOML(std::string_view text) { Scanner(text).scan(); }
+std::optional<UnclosedString> prescanTOML(std::string_view text) { return Scanner(text).scan(); }
 
 }  // namespace tavlen

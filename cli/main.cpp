@@ -29,7 +29,7 @@ struct Group {
 /// Adds the subcommands in the order in which help lists them.
 void addCommands(tavlen::cli::Command command) {
   using namespace tavlen::cli;
-  const Group groups[] = {
+  const std::vector<Group> groups = {
       {"Make and change tweaks",
        {addNewCommand, addListCommand, addShowCommand, addDumpCommand, addApplyCommand,
         addEditCommand, addDiffCommand, addSetCommand, addScriptCommand, addDeleteCommand,

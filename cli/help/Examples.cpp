@@ -30,7 +30,7 @@ constexpr auto kExamples = std::to_array<Example>({
     {"tavlen hook move Morning Saving 0", ""},
     {"tavlen hook list Morning", ""},
     {"tavlen param set Morning '-[NoteList title]' -1 'string:Good morning'", ""},
-    {"tavlen param set Morning Saving 0 'json:{\"type\":\"Array\",\"items\":[]}'", ""},
+    {R"(tavlen param set Morning Saving 0 'json:{"type":"Array","items":[]}')", ""},
     {"tavlen param insert Morning Saving 0.end string:first", ""},
     {"tavlen param insert Morning Saving 0.end string:second", ""},
     {"tavlen param move Morning Saving 0.1 0", ""},

@@ -49,6 +49,7 @@ std::string entriesText(const std::vector<Entry>& entries) {
 
 std::vector<Entry> optionEntries(const std::vector<OptionRecord>& options) {
   std::vector<Entry> entries;
+  entries.reserve(options.size());
   for (const OptionRecord& option : options)
     entries.emplace_back(labelOf(option), describedHelp(option));
   return entries;

@@ -97,7 +97,7 @@ void addMember(Manifest& manifest, const std::string& text) {
 /// The identifier of a member. It may be that of a tweak that no longer exists.
 std::string memberID(const Manifest& manifest, const std::string& text) {
   if (contains(manifest._tweaks, text)) return text;
-  const std::string id = storedTweak(text)->id();
+  std::string id = storedTweak(text)->id();
   if (!contains(manifest._tweaks, id)) {
     throw std::runtime_error(text + ": is not in the collection");
   }

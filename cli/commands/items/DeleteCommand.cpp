@@ -111,14 +111,15 @@ bool isUninstalled(const std::string& name, const std::string& id, const std::st
   return false;
 }
 
-Row deleteItem(Deletion deletion) {
-  auto& [argument, item, row] = deletion;
-  if (row.app && !isUninstalled(argument, item->id(), *row.app)) row.app = std::nullopt;
+Row deleteItem(const Deletion& deletion) {
+  TweakProtocol& item = *deletion.item;
+  Row row = deletion.row;
+  if (row.app && !isUninstalled(deletion.argument, item.id(), *row.app)) row.app = std::nullopt;
   // Not before: uninstalling runs the file-operations helper.
-  const StoreLock lock(argument);
-  item->remove();
-  announce(*item, GenericTweakDiffMode::delete_);
-  return std::move(row);
+  const StoreLock lock(deletion.argument);
+  item.remove();
+  announce(item, GenericTweakDiffMode::delete_);
+  return row;
 }
 
 void printDeleted(const Row& row) {
@@ -126,15 +127,15 @@ void printDeleted(const Row& row) {
 }
 
 int deleteItems(const Options& options) {
-  std::vector<Deletion> deletions = deletionsOf(options.names);
+  const std::vector<Deletion> deletions = deletionsOf(options.names);
   if (!options.isYes && !isConfirmed(questionOf(deletions))) {
     printNote("nothing is deleted");
     return 1;
   }
   std::vector<Row> rows;
-  for (Deletion& deletion : deletions) {
+  for (const Deletion& deletion : deletions) {
     try {
-      rows.push_back(deleteItem(std::move(deletion)));
+      rows.push_back(deleteItem(deletion));
     } catch (const std::exception&) {
       // What has been deleted until then is printed in any case.
       if (options.json) printData(shownJSON(rows) + "\n");

@@ -214,7 +214,7 @@ TEST_F(TextCommandTest, DiffComparesAnyTwoForms) {
             "changed hook -[A a]\n    return: 0.0 -> -0.0\nchanged file Resources/i\n");
   fs::create_directory_symlink("/etc", folder() / "U/Executables");
   EXPECT_EQ(run("source ./U").err, "tavlen: warning: " + (folder() / "U/Executables").string() +
-                                         ": is not a file of the folder, and is left out\n");
+                                       ": is not a file of the folder, and is left out\n");
   writeText("colour = 1\n");
   const Result trouble = run("diff T.tvx ./T");
   EXPECT_EQ(trouble.status, 2);

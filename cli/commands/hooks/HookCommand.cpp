@@ -115,6 +115,7 @@ void listHooks(const Options& options) {
   const std::vector<Hook> hooks = tweakForReading(options.tweak).manifest.hooks();
   if (options.json) {
     std::vector<HookRow> rows;
+    rows.reserve(hooks.size());
     for (const Hook& hook : hooks) rows.push_back(rowOf(hook));
     return printJSON(rows);
   }

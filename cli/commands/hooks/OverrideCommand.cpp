@@ -93,7 +93,7 @@ Action setAction(const Options& options) {
 Action removeAction(const Options& options) {
   return [options] {
     editOverrides(options, [&](const TweakFile::Manifest& /*manifest*/, Boxes& boxes) {
-      const OverrideContainer removed = *requireKind(boxes, options.kind);
+      OverrideContainer removed = *requireKind(boxes, options.kind);
       std::erase_if(boxes, isOf(options.kind));
       return removed;
     });
@@ -106,7 +106,7 @@ Action moveAction(const Options& options) {
   return [options, to] {
     editOverrides(options, [&](const TweakFile::Manifest& /*manifest*/, Boxes& boxes) {
       const auto found = requireKind(boxes, options.kind);
-      const OverrideContainer moved = *found;
+      OverrideContainer moved = *found;
       moveItem(boxes, static_cast<std::size_t>(found - boxes.begin()), indexOf(to, boxes.size()));
       return moved;
     });

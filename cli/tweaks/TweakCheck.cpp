@@ -77,7 +77,7 @@ void addResources(TweakSurroundings& surroundings, const std::set<std::string>& 
 
 }  // namespace
 
-TweakSurroundings surroundingsOf(fs::path folder) {
+TweakSurroundings surroundingsOf(const fs::path& folder) {
   TweakSurroundings surroundings;
   surroundings.apps = AppList::shared().identifiers();
   const fs::path top = TweakFile::resourcesFolder;

@@ -11,7 +11,7 @@ namespace tavlen::cli {
 
 /// What a tweak in `folder` is checked against: its resources, and the apps of this device. Has no
 /// script. Throws std::system_error.
-TweakSurroundings surroundingsOf(std::filesystem::path folder);
+TweakSurroundings surroundingsOf(const std::filesystem::path& folder);
 
 /// Problems of `tweak` as warnings at their places in the text, the document or the file.
 std::vector<Diagnostic> warningsFrom(const std::vector<TweakProblem>& problems,

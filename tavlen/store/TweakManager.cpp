@@ -171,7 +171,7 @@ void visitDocuments(const Visit& visit, const Fail& fail) {
   try {
     const DeviceFolder store(DeviceRoot::shared(), folder);
     FolderReader names(store.opened(), folder);
-    while (const std::optional<std::string> name = names.next()) {
+    while (std::optional<std::string> name = names.next()) {
       const Kind* const kind = kindOfID(*name);
       if (kind == nullptr || isTemporaryName(*name)) continue;
       try {
@@ -201,7 +201,7 @@ std::optional<std::string> storedID(std::string_view text) {
     const DeviceFolder store(DeviceRoot::shared(), folder);
     FolderReader names(store.opened(), folder);
     const std::string wanted = lowercased(text);
-    while (const std::optional<std::string> name = names.next()) {
+    while (std::optional<std::string> name = names.next()) {
       if (lowercased(*name) == wanted) return name;
     }
   } catch (const std::system_error&) {

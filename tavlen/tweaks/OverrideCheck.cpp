@@ -51,7 +51,7 @@ struct FaultFinder {
                          "\" is no bundle identifier: it has letters, digits, "
                          "hyphens and full stops only");
     } else if constexpr (std::is_same_v<Kind, VersionKind>) {
-      if (!isDotted(text)) return malformed("\"" + text + "\" is no version such as \"1.2.3\"");
+      if (!isDotted(text)) return malformed("\"" + text + R"(" is no version such as "1.2.3")");
     } else if constexpr (std::is_same_v<Kind, BuildKind>) {
       const bool isValid =
           consistsOf(text, [](char c) { return isDigit(c) || isLetter(c) || c == '.'; });

@@ -171,7 +171,7 @@ void visitDocuments(const Visit& visit, const Fail& fail) {
   try {
     const DeviceFolder store(DeviceRoot::shared(), folder);
     FolderReader names(store.opened(), folder);
-    while (std::optional<std::string> name = names.next()) {
+    while (const std::optional<std::string> name = names.next()) {
       const Kind* const kind = kindOfID(*name);
       if (kind == nullptr || isTemporaryName(*name)) continue;
       try {

@@ -201,7 +201,7 @@ TOMLNode documentFrom(std::string_view text) {
     const std::string& digits = error.integer();
     const bool isNegative = text.find("-" + digits) != std::string_view::npos;
     if (isNegative || !unsignedFrom(digits)) throw;
-    throw TOMLError(error.position(), error.text() + "; write { \"$uint\" = \"" + digits + "\" }");
+    throw TOMLError(error.position(), error.text() + R"(; write { "$uint" = ")" + digits + "\" }");
   }
 }
 

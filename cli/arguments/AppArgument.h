@@ -45,7 +45,7 @@ void warnIfNotInstalled(const std::string& bundleID);
 /// AppListFetcher::fetchAllApps() does.
 std::vector<AppListApp> fetchedApps();
 /// "; did you mean "com.example.notes"?" with the identifier of the app whose identifier or name
-/// `text` probably means; empty if there is none.
+/// `text` probably means; empty if no app is similar.
 std::string appSuggestion(const std::string& text);
 
 /// "no app has this identifier", with appSuggestion() or how to find one: for a message about

@@ -32,7 +32,7 @@ bool endsInAny(const std::string& text, std::initializer_list<const char*> exten
                      [&](const char* extension) { return name.ends_with(extension); });
 }
 
-/// Throws for what can become an item, but is none yet.
+/// Throws for a text or an archive, which has to become an item first.
 void requireItem(const std::string& path) {
   switch (formOf(path)) {
     case ItemForm::text:

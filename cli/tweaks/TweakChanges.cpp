@@ -55,7 +55,7 @@ Named<OverrideContainer> overridesOf(const TweakFile::Manifest& manifest) {
   return overrides;
 }
 
-/// A value as the text has it; nothing if there is none.
+/// A value as the text has it; nothing without a value.
 using Value = std::optional<std::string>;
 
 Value lineOf(std::string_view text) { return lineFromTOML({std::string(text), {}}); }

@@ -22,7 +22,7 @@ namespace fs = std::filesystem;
 
 std::string scriptOf(const TweakFile& tweak) { return tweak.readScript().value_or(std::string()); }
 
-/// The regular file of that name; nothing if there is none in the resources.
+/// The regular file of that name in the resources; nothing without such a file.
 std::optional<fs::path> fileOf(const TweakFile& tweak, const std::string& name) {
   const DeviceRoot root = DeviceRoot::shared();
   auto file = pathInside(root, tweak.resourcesDir(), name);

@@ -17,8 +17,8 @@ struct FileStamp {
   bool operator==(const FileStamp&) const = default;
 };
 
-/// The stamp of the regular file that `file` is, or leads to as a link; nothing if there is none.
-/// Below another root than "/" the device's links count. Threads: any.
+/// The stamp of the regular file that `file` is, or leads to as a link; nothing without such a
+/// file. Below another root than "/" the device's links count. Threads: any.
 std::optional<FileStamp> stampOf(const std::filesystem::path& file);
 
 /// What `path` is, or leads to as a link, in the same way; empty for a cycle of links.

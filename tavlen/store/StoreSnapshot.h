@@ -57,7 +57,7 @@ class StoreSnapshot {
   using Item = std::array<std::optional<FileStamp>, kDocuments>;
 
   Item tweakAt(const std::filesystem::path& folder);
-  /// A stamp that changes with any file in `folder`; nothing if there is none.
+  /// A stamp that changes with any file in `folder`; nothing without the folder.
   std::optional<FileStamp> stampOfFiles(const std::filesystem::path& folder);
   void add(const std::filesystem::path& entry);
   static std::vector<Document> difference(const Item& before, const Item& after);

@@ -42,7 +42,7 @@ void welcome(TweakProtocol& item, ItemNames& names) {
 }
 
 /// Imports an archive whose bytes came without a name. Its kind is found out by trying: the
-/// document of a tweak is none of a collection, and the other way round.
+/// document of a tweak is not one of a collection, and the other way round.
 std::shared_ptr<TweakProtocol> decompressed(const std::string& archive, Progress* progress) {
   const TemporaryDirectory folder(DeviceRoot::shared().resolve(kApplicationSupportDir));
   const auto placed = [&](std::string_view extension) {

@@ -1,6 +1,5 @@
 #include "cli/classes/ChildProcess.h"
 
-#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -11,55 +10,12 @@
 #include <thread>
 #include <utility>
 
-#include "tavlen/foundation/base/ArgumentVector.h"
-#include "tavlen/foundation/base/SystemError.h"
+#include "cli/classes/SpawnSettings.h"
 #include "tavlen/foundation/files/RetryOnInterrupt.h"
 
 namespace tavlen::cli {
 
 namespace {
-
-void require(int error, const std::string& subject) {
-  if (error != 0) throwSystemError(error, subject);
-}
-
-/// RAII: what posix_spawn() does in the child before the program starts.
-class SpawnSettings {
- public:
-  SpawnSettings() {
-    require(::posix_spawn_file_actions_init(&actions_), "posix_spawn");
-    if (const int error = ::posix_spawnattr_init(&attributes_)) {
-      ::posix_spawn_file_actions_destroy(&actions_);
-      throwSystemError(error, "posix_spawn");
-    }
-  }
-  SpawnSettings(const SpawnSettings&) = delete;
-  SpawnSettings& operator=(const SpawnSettings&) = delete;
-  ~SpawnSettings() {
-    ::posix_spawn_file_actions_destroy(&actions_);
-    ::posix_spawnattr_destroy(&attributes_);
-  }
-
-  void redirect(int from, int to) {
-    require(::posix_spawn_file_actions_adddup2(&actions_, from, to), "posix_spawn");
-  }
-  void makeOwnGroup() {
-    require(::posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETPGROUP), "posix_spawn");
-    require(::posix_spawnattr_setpgroup(&attributes_, 0), "posix_spawn");
-  }
-  pid_t start(const std::filesystem::path& program, const std::vector<std::string>& arguments) {
-    const ArgumentVector vector(arguments);
-    pid_t child = 0;
-    require(::posix_spawn(&child, program.c_str(), &actions_, &attributes_, vector.data(),
-                          environmentOfProcess()),
-            program.string());
-    return child;
-  }
-
- private:
-  posix_spawn_file_actions_t actions_{};
-  posix_spawnattr_t attributes_{};
-};
 
 /// The signals that end a process by themselves or that programs end one with.
 constexpr auto kSignals = std::to_array<std::pair<int, const char*>>({
@@ -90,7 +46,7 @@ ChildProcess::ChildProcess(const std::filesystem::path& program,
   settings.redirect(output, STDOUT_FILENO);
   settings.redirect(output, STDERR_FILENO);
   settings.makeOwnGroup();
-  pid_ = settings.start(program, arguments);
+  pid_ = settings.start(program, arguments, {});
 }
 
 ChildProcess::~ChildProcess() {

@@ -9,12 +9,11 @@
 #include "cli/terminal/Diagnostic.h"
 #include "cli/terminal/ProgressLine.h"
 #include "cli/terminal/ShownText.h"
+#include "cli/tweaks/TemporaryTweak.h"
 #include "cli/tweaks/TextInput.h"
 #include "cli/tweaks/TweakContents.h"
 #include "tavlen/collections/TweakCollection.h"
 #include "tavlen/foundation/coding/CodingError.h"
-#include "tavlen/foundation/files/FileTree.h"
-#include "tavlen/foundation/files/TemporaryDirectory.h"
 #include "tavlen/foundation/text/Characters.h"
 #include "tavlen/foundation/zip/ZIPError.h"
 #include "tavlen/store/TweakManager.h"
@@ -24,21 +23,6 @@ namespace tavlen::cli {
 namespace {
 
 namespace fs = std::filesystem;
-
-/// A folder among the temporary files (RAII), of which messages do not tell.
-class TemporaryTweak {
- public:
-  TemporaryTweak()
-      : path_(makeUniqueTemporaryFolder(std::string(TemporaryDirectory::kItemsFolder) + "-")) {}
-  TemporaryTweak(const TemporaryTweak&) = delete;
-  TemporaryTweak& operator=(const TemporaryTweak&) = delete;
-  ~TemporaryTweak() { removeQuietly(path_); }
-
-  const fs::path& path() const { return path_; }
-
- private:
-  fs::path path_;
-};
 
 /// What a tweak that has no folder yet goes by: the name of the text's folder, or of the archive.
 std::string nameFor(const std::string& argument) {

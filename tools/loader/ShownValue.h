@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+
+#include <JavaScriptCore/JavaScript.h>
+
+#include "tools/loader/Native.h"
+#include "tools/loader/ValueType.h"
+
+namespace tavlen::loader {
+
+class Engine;
+
+/// A value of a script for messages: strings in quotes and shortened, objects by their class. Runs
+/// no code of the program and none of the script.
+std::string shownValue(Engine& engine, JSValueRef value);
+
+/// The value that the engine's conversion of a wrapper gives: the number of an NSNumber if a number
+/// is wanted, otherwise a string: an NSString's text, a class's or a selector's name, the
+/// description of another object.
+JSValueRef primitiveOf(Native& native, bool wantsNumber);
+
+}  // namespace tavlen::loader

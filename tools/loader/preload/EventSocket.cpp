@@ -1,0 +1,27 @@
+#include "tools/loader/preload/EventSocket.h"
+
+#include <fcntl.h>
+#include <sys/socket.h>
+
+#include <exception>
+#include <string>
+
+#include "tavlen/foundation/files/RetryOnInterrupt.h"
+#include "tavlen/foundation/json/JSONEncoder.h"
+
+namespace tavlen::loader {
+
+EventSocket::EventSocket(int socket) : socket_(socket) {
+  (void)::fcntl(socket_, F_SETFD, FD_CLOEXEC);
+}
+
+void EventSocket::receive(const LoaderEvent& event) {
+  try {
+    const std::string text = encodeJSON(event);
+    (void)retryOnInterrupt([&] { return ::send(socket_, text.data(), text.size(), MSG_NOSIGNAL); });
+  } catch (const std::exception&) {
+    // Names of classes may be any bytes, of which JSON has no form.
+  }
+}
+
+}  // namespace tavlen::loader

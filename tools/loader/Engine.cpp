@@ -154,19 +154,22 @@ void Engine::run() {
   JSValueRef thrown = nullptr;
   JSEvaluateScript(context_, EngineString(tweak_.code).get(), nullptr,
                    EngineString(ScriptPlaces::kCodeURL).get(), 1, &thrown);
-  if (thrown != nullptr) reportMistake({}, messageOf(*this, thrown), thrown);
+  if (thrown != nullptr) reportMistake({}, messageOf(*this, thrown), thrown, nullptr);
   if (!releases_.isEmpty()) releases_.drain();
 }
 
-void Engine::reportMistake(const std::string& method, const std::string& message,
-                           JSValueRef thrown) {
+std::optional<TextPosition> Engine::placeOf(JSValueRef thrown, JSObjectRef function) const {
+  std::optional<TextPosition> place;
+  if (thrown != nullptr) place = places_.placeOf(context_, thrown);
+  if (place || function == nullptr) return place;
+  JSStringRef text = JSValueToStringCopy(context_, function, nullptr);
+  return text == nullptr ? place : places_.placeOf(EngineString(text).utf8());
+}
+
+void Engine::reportMistake(const std::string& method, const std::string& message, JSValueRef thrown,
+                           JSObjectRef function) {
   constexpr std::size_t kMostRemembered = 1000;
-  std::optional<TextPosition> place = places_.placeOf(context_, thrown);
-  if (!place && JSValueIsObject(context_, thrown) &&
-      JSObjectIsFunction(context_, const_cast<JSObjectRef>(thrown))) {
-    if (JSStringRef text = JSValueToStringCopy(context_, thrown, nullptr))
-      place = places_.placeOf(EngineString(text).utf8());
-  }
+  const std::optional<TextPosition> place = placeOf(thrown, function);
   LoaderEvent event{.event = LoaderEvent::kMistake, .message = message};
   if (!method.empty()) event.method = method;
   if (place) {

@@ -3,6 +3,7 @@
 #include <JavaScriptCore/JavaScript.h>
 
 #include <mutex>
+#include <optional>
 #include <set>
 #include <string>
 
@@ -50,12 +51,15 @@ class Engine {
   bool isTracing() const { return isTracing_; }
   void report(const LoaderEvent& event) { receiver_.receive(event); }
   /// Reports a mistake of the hook `method`, or of the code outside of hooks if that is empty; once
-  /// for each text and place. `thrown` is the error, or the function that is at fault.
-  void reportMistake(const std::string& method, const std::string& message, JSValueRef thrown);
+  /// for each text and place. Its place is that of `thrown`, or else of `function`; each may be
+  /// null.
+  void reportMistake(const std::string& method, const std::string& message, JSValueRef thrown,
+                     JSObjectRef function);
 
  private:
   Engine(TweakCode tweak, EventReceiver& receiver, bool isTracing);
 
+  std::optional<TextPosition> placeOf(JSValueRef thrown, JSObjectRef function) const;
   void defineGlobals();
   void defineClassNames(JSObjectRef define);
   void setGlobal(const char* name, JSValueRef value);

@@ -181,7 +181,7 @@ void Hook::returnAnswer(HookRecord& record, void* result) const {
 }
 
 void Hook::reportMistake(const std::string& message, JSValueRef thrown) const {
-  engine_.reportMistake(target_.text, message, thrown != nullptr ? thrown : target_.function);
+  engine_.reportMistake(target_.text, message, thrown, target_.function);
 }
 
 /// The original's answer, which it gives now unless the script has asked it already.

@@ -63,7 +63,7 @@ class ValueType {
   /// Whether it is a structure or an array, which a script can change in place.
   bool isAggregate() const { return !members_.empty(); }
   /// In bytes; 0 for void.
-  std::size_t size() const { return ffi_->size; }
+  std::size_t size() const { return kind_ == Kind::nothing ? 0 : ffi_->size; }
   /// The form in which libffi passes it. Valid as long as this object.
   ffi_type* ffi() const { return ffi_; }
   /// The members of a structure; the elements of an array.

@@ -19,15 +19,15 @@
 #include "tavlen/foundation/files/FileDescriptor.h"
 #include "tavlen/foundation/files/RetryOnInterrupt.h"
 #include "tavlen/foundation/json/JSONDecoder.h"
-#include "tools/loader/preload/LoaderSettings.h"
+#include "tavlen/tweaks/LoaderSettings.h"
 
 namespace tavlen::cli {
 
 namespace {
 
 namespace fs = std::filesystem;
-namespace settings = loader::settings;
-using Receive = FunctionRef<void(const loader::LoaderEvent&)>;
+namespace settings = loaderSettings;
+using Receive = FunctionRef<void(const LoaderEvent&)>;
 
 /// Leaves the keys that end programs to the one that is tried (RAII).
 class IgnoredKeys {
@@ -69,9 +69,9 @@ std::vector<std::string> variablesFor(const TriedProgram& program, int socket) {
 
 /// Passes an event on. The program could send as well, so none of it is trusted.
 void pass(std::string_view packet, Receive receive) {
-  loader::LoaderEvent event;
+  LoaderEvent event;
   try {
-    event = decodeJSON<loader::LoaderEvent>(packet);
+    event = decodeJSON<LoaderEvent>(packet);
   } catch (const std::exception&) {
     return;
   }

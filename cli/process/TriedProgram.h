@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "tavlen/foundation/base/FunctionRef.h"
-#include "tools/loader/LoaderEvent.h"
+#include "tavlen/tweaks/LoaderEvent.h"
 
 namespace tavlen::cli {
 
@@ -26,6 +26,6 @@ std::filesystem::path programNamed(const std::string& name);
 /// Runs the program, which shares the standard streams and the terminal's signals, to its end, and
 /// passes on what the loader in it reports. Returns its exit status; as shells do, 128 and the
 /// signal's number if a signal ended it. Throws std::system_error. Not thread-safe.
-int runTried(const TriedProgram& program, FunctionRef<void(const loader::LoaderEvent&)> receive);
+int runTried(const TriedProgram& program, FunctionRef<void(const LoaderEvent&)> receive);
 
 }  // namespace tavlen::cli

@@ -89,7 +89,7 @@ TEST(LoaderScript, AMistakeIsReportedAndTheOriginalAnswers) {
       {"[this absent]", "2:1 -[Answers answer:]: -[Answers absent]: there is no such method"},
       {"[undefined foo]", "2:1 -[Answers answer:]: the message foo has the receiver undefined"},
       {"[this answer]", "2:1 -[Answers answer:]: -[Answers answer]: there is no such method"},
-      {"objc_send(this, 'answer:')", "2:10 -[Answers answer:]: answer: takes 1 arguments, not 0"},
+      {"objc_send(this, 'answer:')", "2:1 -[Answers answer:]: answer: takes 1 arguments, not 0"},
       {"[this same:-1]",
        "2:1 -[Answers answer:]: argument 1: expected a whole number from 0 of 64 bits, got -1"},
       {"[this depth:2147483648]",
@@ -100,13 +100,13 @@ TEST(LoaderScript, AMistakeIsReportedAndTheOriginalAnswers) {
        "2:1 -[Answers answer:]: release: references are counted by the loader, not by scripts"},
       {"[NSString stringWithFormat:'%@ %@', 1]",
        "2:1 -[Answers answer:]: the format wants 2 arguments, not 1"},
-      {"%orig(1, 2)", "2:6 -[Answers answer:]: %orig passes 2 arguments of 1"},
+      {"%orig(1, 2)", "2:1 -[Answers answer:]: %orig passes 2 arguments of 1"},
       {"(function() { return %orig }).call(this)",
        "2:22 -[Answers answer:]: %orig is in a function that is no hook"},
       {"loadFunc('absentFunction', 'v')()",
-       "2:9 -[Answers answer:]: loadFunc: the program has no function absentFunction"},
+       "2:1 -[Answers answer:]: loadFunc: the program has no function absentFunction"},
       {"const a = []; a[0] = a; @(a)",
-       "2:26 -[Answers answer:]: an array is nested too deeply to be boxed"},
+       "2:25 -[Answers answer:]: an array is nested too deeply to be boxed"},
       {"return Absent", "2:8 -[Answers answer:]: ReferenceError: the program has no class Absent"},
   };
   for (const auto& [body, expected] : cases) {
@@ -138,7 +138,7 @@ hookClass("Answers", {}, {nonsense: 1});)");
   EXPECT_THAT(
       tweak.events.of(LoaderEvent::kMistake),
       ElementsAre(
-          "9:10 : hookClass: the key \"nonsense\" is not a type encoding, - or +, and a selector"));
+          "9:1 : hookClass: the key \"nonsense\" is not a type encoding, - or +, and a selector"));
   const ObjCRuntime::AutoreleasePool pool;
   EXPECT_EQ(ObjCRuntime::text(ObjCRuntime::send(ObjCRuntime::classNamed("Answers"), "shared")),
             "hooked");

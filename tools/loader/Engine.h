@@ -7,9 +7,9 @@
 #include <set>
 #include <string>
 
+#include "tools/loader/EventReceiver.h"
 #include "tools/loader/HookRequests.h"
 #include "tools/loader/IdentityTable.h"
-#include "tools/loader/LoaderEvent.h"
 #include "tools/loader/MethodTable.h"
 #include "tools/loader/ReleaseQueue.h"
 #include "tools/loader/ScriptPlaces.h"

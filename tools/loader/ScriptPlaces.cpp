@@ -1,5 +1,6 @@
 #include "tools/loader/ScriptPlaces.h"
 
+#include <algorithm>
 #include <charconv>
 #include <exception>
 #include <utility>
@@ -30,7 +31,8 @@ std::optional<TextPosition> firstFrame(std::string_view stack) {
     std::string_view rest = stack.substr(at + url.size());
     const auto line = takeNumber(rest);
     const auto column = line ? takeNumber(rest) : std::nullopt;
-    if (column) return TextPosition{*line, *column};
+    // The engine points to the end of a name, where the next piece of the map begins.
+    if (column) return TextPosition{*line, std::max<std::size_t>(*column - 1, 1)};
   }
   return std::nullopt;
 }

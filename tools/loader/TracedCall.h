@@ -2,8 +2,8 @@
 
 #include <chrono>
 
+#include "tavlen/tweaks/LoaderEvent.h"
 #include "tools/loader/ExceptionGuard.h"
-#include "tools/loader/LoaderEvent.h"
 
 namespace tavlen::loader {
 

@@ -29,7 +29,6 @@ namespace tavlen::cli {
 namespace {
 
 namespace fs = std::filesystem;
-using loader::LoaderEvent;
 
 struct Options {
   std::string tweak;

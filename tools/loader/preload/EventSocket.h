@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tools/loader/LoaderEvent.h"
+#include "tools/loader/EventReceiver.h"
 
 namespace tavlen::loader {
 

@@ -15,11 +15,11 @@
 
 #include "tavlen/foundation/files/ExecutablePath.h"
 #include "tavlen/foundation/files/FileSystem.h"
+#include "tavlen/tweaks/LoaderSettings.h"
 #include "tools/loader/Engine.h"
 #include "tools/loader/Watch.h"
 #include "tools/loader/preload/EventSocket.h"
 #include "tools/loader/preload/InfoOverlay.h"
-#include "tools/loader/preload/LoaderSettings.h"
 #include "tools/loader/preload/StandInClasses.h"
 
 namespace tavlen::loader {
@@ -74,12 +74,12 @@ struct Settings {
 
 /// Reads and removes the settings. Returns nothing if they are not for this program.
 std::optional<Settings> takeSettings() {
-  const auto program = taken(settings::kProgram);
-  const auto library = taken(settings::kLibrary);
-  const auto tweak = taken(settings::kTweak);
-  const auto events = taken(settings::kEvents);
-  const bool isTracing = taken(settings::kTrace).has_value();
-  const auto limit = taken(settings::kLimit);
+  const auto program = taken(loaderSettings::kProgram);
+  const auto library = taken(loaderSettings::kLibrary);
+  const auto tweak = taken(loaderSettings::kTweak);
+  const auto events = taken(loaderSettings::kEvents);
+  const bool isTracing = taken(loaderSettings::kTrace).has_value();
+  const auto limit = taken(loaderSettings::kLimit);
   if (library) leavePreload(*library);
   if (!program || !tweak || !events || !limit || executablePath() != *program) return std::nullopt;
   return Settings{*tweak, std::atoi(events->c_str()), isTracing,

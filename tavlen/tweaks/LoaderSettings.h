@@ -2,7 +2,7 @@
 
 /// The environment of a program that a loader is preloaded into. The loader removes these
 /// variables, and its library from LD_PRELOAD, before the program starts.
-namespace tavlen::loader::settings {
+namespace tavlen::loaderSettings {
 
 inline constexpr const char* kProgram =
     "TAVLEN_LOADER_PROGRAM";  ///< the path without links of the only one to act in
@@ -15,4 +15,4 @@ inline constexpr const char* kTrace = "TAVLEN_LOADER_TRACE";  ///< set to report
 inline constexpr const char* kLimit =
     "TAVLEN_LOADER_LIMIT";  ///< milliseconds after which a script is slow
 
-}  // namespace tavlen::loader::settings
+}  // namespace tavlen::loaderSettings

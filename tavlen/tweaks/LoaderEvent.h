@@ -8,7 +8,7 @@
 
 #include "tavlen/foundation/coding/Coding.h"
 
-namespace tavlen::loader {
+namespace tavlen {
 
 /// What a loader reports. A plain value, which travels as JSON.
 struct LoaderEvent {
@@ -45,16 +45,4 @@ struct LoaderEvent {
   }
 };
 
-/// Receives events. Threads: any, also concurrently. Must not throw, and must send no Objective-C
-/// message.
-class EventReceiver {
- public:
-  EventReceiver() = default;
-  EventReceiver(const EventReceiver&) = delete;
-  EventReceiver& operator=(const EventReceiver&) = delete;
-  virtual ~EventReceiver() = default;
-
-  virtual void receive(const LoaderEvent& event) = 0;
-};
-
-}  // namespace tavlen::loader
+}  // namespace tavlen

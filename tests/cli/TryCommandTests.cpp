@@ -33,7 +33,8 @@ class TryCommandTest : public CommandStoreTest {
 std::map<std::string, std::string> answersIn(const std::string& output) {
   std::map<std::string, std::string> answers;
   std::istringstream lines(output);
-  for (std::string line; std::getline(lines, line);) answers[line.substr(0, line.find(": "))] = line.substr(line.find(": ") + 2);
+  for (std::string line; std::getline(lines, line);)
+    answers[line.substr(0, line.find(": "))] = line.substr(line.find(": ") + 2);
   return answers;
 }
 
@@ -55,9 +56,12 @@ TEST_F(TryCommandTest, EachConstantThatCanBeStoredAnswers) {
       {"name", "r*16@0:8", "string:hooked", "hooked"},
       {"itemClass", "#16@0:8", "class:NSString", "NSString"},
       {"action", ":16@0:8", "selector:a:b:", "a:b:"},
-      {"frame", "{CGRect={CGPoint=dd}{CGSize=dd}}16@0:8", "code:({origin:{x:5,y:6},size:[7,8]})", "5 6 7 8"},
+      {"frame", "{CGRect={CGPoint=dd}{CGSize=dd}}16@0:8", "code:({origin:{x:5,y:6},size:[7,8]})",
+       "5 6 7 8"},
       {"range", "{_NSRange=QQ}16@0:8", "code:[8,9]", "{location=8, length=9}"},
-      {"block", "@16@0:8", R"(json:{"type":"Array","items":[{"type":"Nil"},{"type":"Color","red":1,"green":0.5,"blue":0,"alpha":1}]})", "(\"<null>\", \"UIColor 1 0.5 0 1\")"},
+      {"block", "@16@0:8",
+       R"(json:{"type":"Array","items":[{"type":"Nil"},{"type":"Color","red":1,"green":0.5,"blue":0,"alpha":1}]})",
+       "(\"<null>\", \"UIColor 1 0.5 0 1\")"},
       {"join", "", "", "a 1 0.5 8 n 4"},
       {"inherited", "@16@0:8", "", "hooked"},
       {"CFBundleName", "", "", "Overridden"},
@@ -80,22 +84,38 @@ TEST_F(TryCommandTest, SaysWhatIsHookedAndWhatIsNot) {
   hook("-[Absent count]", "d16@0:8", "double:1");
   const std::string errors = tried("").err;
   EXPECT_THAT(errors, HasSubstr("tavlen: hooked -[Shelf title]\n"));
-  EXPECT_THAT(errors, HasSubstr("hooks[0] -[Shelf title]: error: ReferenceError: Can't find variable: missing\n"));
-  EXPECT_THAT(errors, HasSubstr("hooks[1] -[Shelf count]: warning: not hooked: the method's types are I16@0:8, and the "
-                                "hook's d16@0:8\n"));
-  EXPECT_THAT(errors, HasSubstr("hooks[2] -[Absent count]: warning: not hooked yet: no image has the class Absent yet\n"));
-  write("script.objs", "hookClass('Shelf', {}, {\n  'i16@0:8-number': function() {\n    return %orig + gone;\n  }\n});");
+  EXPECT_THAT(
+      errors,
+      HasSubstr("hooks[0] -[Shelf title]: error: ReferenceError: Can't find variable: missing\n"));
+  EXPECT_THAT(
+      errors,
+      HasSubstr(
+          "hooks[1] -[Shelf count]: warning: not hooked: the method's types are I16@0:8, and the "
+          "hook's d16@0:8\n"));
+  EXPECT_THAT(errors, HasSubstr("hooks[2] -[Absent count]: warning: not hooked yet: no image has "
+                                "the class Absent yet\n"));
+  write("script.objs",
+        "hookClass('Shelf', {}, {\n  'i16@0:8-number': function() {\n    return %orig + gone;\n  "
+        "}\n});");
   done("script set Shelf script.objs");
-  EXPECT_THAT(tried("").err, HasSubstr("script.objs:3:20: error: -[Shelf number]: ReferenceError: Can't find variable: gone\n"));
+  EXPECT_THAT(
+      tried("").err,
+      HasSubstr(
+          "script.objs:3:20: error: -[Shelf number]: ReferenceError: Can't find variable: gone\n"));
 }
 
 TEST_F(TryCommandTest, TracesCallsAsTextAndAsJSON) {
   hook("-[Shelf join:number:real:frame:name:range:]",
        "@100@0:8@16i24d28{CGRect={CGPoint=dd}{CGSize=dd}}36r*68{_NSRange=QQ}84", "string:traced");
-  EXPECT_THAT(tried("--trace").err,
-              testing::ContainsRegex("-\\[Shelf join:.*\\] of <Shelf 0x[0-9a-f]+>, @\"a\", 1, 0.5, a JavaScript object, "
-                                     "\"n\", a JavaScript object -> @\"traced\"; [0-9]+\\.[0-9] us\n"));
-  EXPECT_THAT(tried("--trace --json").err, HasSubstr(R"({"event":"call","method":"-[Shelf join:number:real:frame:name:range:]","receiver":"<Shelf 0x)"));
+  EXPECT_THAT(
+      tried("--trace").err,
+      testing::ContainsRegex(
+          "-\\[Shelf join:.*\\] of <Shelf 0x[0-9a-f]+>, @\"a\", 1, 0.5, a JavaScript object, "
+          "\"n\", a JavaScript object -> @\"traced\"; [0-9]+\\.[0-9] us\n"));
+  EXPECT_THAT(
+      tried("--trace --json").err,
+      HasSubstr(
+          R"({"event":"call","method":"-[Shelf join:number:real:frame:name:range:]","receiver":"<Shelf 0x)"));
 }
 
 TEST_F(TryCommandTest, LeavesTheProgramItsStatusAndItsEnvironment) {

@@ -13,6 +13,7 @@
 #include "tools/loader/MethodTable.h"
 #include "tools/loader/ReleaseQueue.h"
 #include "tools/loader/ScriptPlaces.h"
+#include "tools/loader/StructureMakers.h"
 
 namespace tavlen::loader {
 
@@ -45,6 +46,7 @@ class Engine {
   IdentityTable& objects() { return objects_; }
   ReleaseQueue& releases() { return releases_; }
   MethodTable& methods() { return methods_; }
+  StructureMakers& structures() { return structures_; }
   const ScriptPlaces& places() const { return places_; }
 
   /// Whether calls are reported.
@@ -71,6 +73,7 @@ class Engine {
   const ScriptPlaces places_;
   JSGlobalContextRef context_;
   MethodTable methods_;
+  StructureMakers structures_;
   IdentityTable objects_;
   ReleaseQueue releases_;
   HookRequests& hooks_;  ///< owned by the context

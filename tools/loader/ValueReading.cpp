@@ -57,7 +57,8 @@ JSValueRef readText(Engine& engine, const void* memory) {
   return stringValue(engine.context(), wellFormedUTF8(text));
 }
 
-JSValueRef readAggregate(Engine& engine, const ValueType& type, const void* memory) {
+/// Property by property.
+JSValueRef readMembers(Engine& engine, const ValueType& type, const void* memory) {
   JSContextRef context = engine.context();
   const bool isArray = type.kind() == ValueType::Kind::array;
   JSObjectRef object = isArray ? JSObjectMakeArray(context, 0, nullptr, nullptr)
@@ -74,6 +75,34 @@ JSValueRef readAggregate(Engine& engine, const ValueType& type, const void* memo
                           &ignored);
   }
   return object;
+}
+
+/// Where the values of scalars go. On the stack, where the collector sees them.
+struct Scalars {
+  JSValueRef
+      values[StructureMakers::kMostScalars];  // NOLINT(modernize-avoid-c-arrays): uninitialised
+  std::size_t count = 0;
+};
+
+void readScalars(Engine& engine, const ValueType& type, const std::byte* memory, Scalars& scalars) {
+  for (const ValueType::Member& member : type.members()) {
+    const std::byte* place = memory + member.offset;
+    if (member.type->isAggregate())
+      readScalars(engine, *member.type, place, scalars);
+    else
+      scalars.values[scalars.count++] = readValue(engine, *member.type, place);
+  }
+}
+
+JSValueRef readAggregate(Engine& engine, const ValueType& type, const void* memory) {
+  JSContextRef context = engine.context();
+  JSObjectRef maker = engine.structures().makerFor(context, type);
+  if (maker == nullptr) return readMembers(engine, type, memory);
+  Scalars scalars;
+  readScalars(engine, type, static_cast<const std::byte*>(memory), scalars);
+  const JSValueRef made =
+      JSObjectCallAsFunction(context, maker, nullptr, scalars.count, scalars.values, nullptr);
+  return made != nullptr ? made : readMembers(engine, type, memory);
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <cstdint>
 
 #include "tavlen/introspection/types/JXTypeAggregate.h"
@@ -51,6 +52,11 @@ const Scalar* scalarFor(char letter) {
   const auto* const found = std::find_if(kScalars.begin(), kScalars.end(),
                                          [&](const auto& entry) { return entry.first == letter; });
   return found == kScalars.end() ? nullptr : &found->second;
+}
+
+std::uint64_t nextNumber() {
+  static std::atomic<std::uint64_t> last = 0;
+  return ++last;
 }
 
 [[noreturn]] void refuse(std::string_view what, const JXType& type) {
@@ -128,6 +134,8 @@ struct ValueType::Build {
     return scalar(*found);
   }
 };
+
+ValueType::ValueType() : number_(nextNumber()) {}
 
 ValueType::~ValueType() = default;
 

@@ -3,6 +3,7 @@
 #include <ffi.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -58,6 +59,8 @@ class ValueType {
   ~ValueType();
 
   Kind kind() const { return kind_; }
+  /// A number that no other type of this process has, even after this one's end.
+  std::uint64_t number() const { return number_; }
   /// Of an integer.
   bool isSigned() const { return isSigned_; }
   /// Whether it is a structure or an array, which a script can change in place.
@@ -83,9 +86,10 @@ class ValueType {
  private:
   struct Build;
 
-  ValueType() = default;
+  ValueType();
   void layOut();
 
+  const std::uint64_t number_;
   Kind kind_ = Kind::nothing;
   bool isSigned_ = false;
   ffi_type* ffi_ = &ffi_type_void;

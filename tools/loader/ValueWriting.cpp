@@ -140,8 +140,7 @@ void writeBlock(Engine& engine, JSValueRef value, void* memory) {
 void writeAggregate(Engine& engine, const ValueType& type, JSValueRef value, void* memory) {
   JSContextRef context = engine.context();
   const bool isArray = JSValueIsArray(context, value);
-  if (!JSValueIsObject(context, value) || Native::of(context, value) != nullptr ||
-      (type.kind() == Kind::array && !isArray)) {
+  if (!isArray && (type.kind() == Kind::array || !JSValueIsObject(context, value))) {
     refuse(engine, type.kind() == Kind::array ? "an array" : "a structure", value);
   }
   auto* object = const_cast<JSObjectRef>(value);

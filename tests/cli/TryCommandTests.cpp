@@ -107,11 +107,11 @@ TEST_F(TryCommandTest, SaysWhatIsHookedAndWhatIsNot) {
 TEST_F(TryCommandTest, TracesCallsAsTextAndAsJSON) {
   hook("-[Shelf join:number:real:frame:name:range:]",
        "@100@0:8@16i24d28{CGRect={CGPoint=dd}{CGSize=dd}}36r*68{_NSRange=QQ}84", "string:traced");
-  EXPECT_THAT(
-      tried("--trace").err,
-      testing::ContainsRegex(
-          "-\\[Shelf join:.*\\] of <Shelf 0x[0-9a-f]+>, @\"a\", 1, 0.5, a JavaScript object, "
-          "\"n\", a JavaScript object -> @\"traced\"; [0-9]+\\.[0-9] us\n"));
+  EXPECT_THAT(tried("--trace").err,
+              testing::ContainsRegex(
+                  "-\\[Shelf join:.*\\] of <Shelf 0x[0-9a-f]+>, @\"a\", 1, 0.5, "
+                  "\\{\"origin\":\\{\"x\":1,\"y\":2\\},\"size\":\\{\"width\":3,\"height\":4\\}\\}, "
+                  "\"n\", \\{\"location\":3,\"length\":4\\} -> @\"traced\"; [0-9]+\\.[0-9] us\n"));
   EXPECT_THAT(
       tried("--trace --json").err,
       HasSubstr(

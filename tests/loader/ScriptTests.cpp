@@ -83,8 +83,7 @@ TEST(LoaderScript, AMistakeIsReportedAndTheOriginalAnswers) {
   const std::vector<std::pair<const char*, const char*>> cases = {
       {"return missing", "2:8 -[Answers answer:]: ReferenceError: Can't find variable: missing"},
       {"\n  throw 'text'", "1:51 -[Answers answer:]: \"text\""},
-      {"return {a: 1}",
-       "1:51 -[Answers answer:]: the result: expected an object, got a JavaScript object"},
+      {"return {a: 1}", "1:51 -[Answers answer:]: the result: expected an object, got {\"a\":1}"},
       {"return", "1:51 -[Answers answer:]: the result: it returned undefined"},
       {"[this absent]", "2:1 -[Answers answer:]: -[Answers absent]: there is no such method"},
       {"[undefined foo]", "2:1 -[Answers answer:]: the message foo has the receiver undefined"},

@@ -21,12 +21,13 @@ std::string addressText(const void* address) {
   return text.data();
 }
 
-/// In quotes, at most so long that a line can be read.
-std::string quoted(std::u16string_view text) {
+/// At most so long that a line can be read.
+std::string shortened(std::u16string_view text) {
   constexpr std::size_t kLongest = 60;
-  const bool isCut = text.size() > kLongest;
-  return '"' + utf8FromUTF16(text.substr(0, kLongest)) + (isCut ? "...\"" : "\"");
+  return utf8FromUTF16(text.substr(0, kLongest)) + (text.size() > kLongest ? "..." : "");
 }
+
+std::string quoted(std::u16string_view text) { return '"' + shortened(text) + '"'; }
 
 double numberOf(id number) {
   static const SEL kDouble = ObjCRuntime::selectorNamed("doubleValue");
@@ -63,8 +64,11 @@ std::string shownNative(Engine& engine, const Native& native) {
   return {};
 }
 
+/// As JSON where there is such a form.
 std::string shownPlainObject(Engine& engine, JSObjectRef object) {
   if (JSObjectIsFunction(engine.context(), object)) return "a function";
+  if (JSStringRef json = JSValueCreateJSONString(engine.context(), object, 0, nullptr))
+    return shortened(EngineString(json).units());
   return JSValueIsArray(engine.context(), object) ? "an array" : "a JavaScript object";
 }
 

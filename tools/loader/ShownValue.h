@@ -11,8 +11,9 @@ namespace tavlen::loader {
 
 class Engine;
 
-/// A value of a script for messages: strings in quotes and shortened, objects by their class. Runs
-/// no code of the program and none of the script.
+/// A value of a script for messages: strings in quotes and shortened, objects by their class,
+/// those of the script as JSON. Runs no code of the program, and of the script only what its own
+/// objects do when they are read.
 std::string shownValue(Engine& engine, JSValueRef value);
 
 /// The value that the engine's conversion of a wrapper gives: the number of an NSNumber if a number

@@ -136,25 +136,41 @@ void writeBlock(Engine& engine, JSValueRef value, void* memory) {
 #endif
 }
 
+/// Whether undefined would pass for a value, as nil does. A member that lacks is a mistake all the
+/// same.
+bool takesUndefined(const ValueType& type) {
+  return type.kind() == Kind::object || type.kind() == Kind::class_ ||
+         type.kind() == Kind::selector || type.kind() == Kind::text ||
+         type.kind() == Kind::pointer || type.kind() == Kind::block;
+}
+
+void writeMember(Engine& engine, const ValueType::Member& member, JSValueRef value, void* memory) {
+  if (value == nullptr ||
+      (takesUndefined(*member.type) && JSValueIsUndefined(engine.context(), value)))
+    throw ScriptError("it is missing");
+  writeValue(engine, *member.type, value, static_cast<std::byte*>(memory) + member.offset);
+}
+
 /// Structures are objects with their members' names, or arrays in the members' order.
 void writeAggregate(Engine& engine, const ValueType& type, JSValueRef value, void* memory) {
   JSContextRef context = engine.context();
   const bool isArray = JSValueIsArray(context, value);
-  if (!isArray && (type.kind() == Kind::array || !JSValueIsObject(context, value))) {
+  if (!isArray && (type.kind() == Kind::array || !JSValueIsObject(context, value)))
     refuse(engine, type.kind() == Kind::array ? "an array" : "a structure", value);
-  }
   auto* object = const_cast<JSObjectRef>(value);
   unsigned index = 0;
   for (const ValueType::Member& member : type.members()) {
     JSValueRef exception = nullptr;
     const JSValueRef part =
-        isArray ? JSObjectGetPropertyAtIndex(context, object, index++, &exception)
+        isArray ? JSObjectGetPropertyAtIndex(context, object, index, &exception)
                 : JSObjectGetProperty(context, object, member.key->get(), &exception);
-    if (exception != nullptr || JSValueIsUndefined(context, part)) {
-      throw ScriptError("the structure " + type.name() + " lacks " +
-                        (isArray ? "element " + std::to_string(index - 1) : member.name));
+    try {
+      writeMember(engine, member, exception == nullptr ? part : nullptr, memory);
+    } catch (const ScriptError& error) {
+      throw ScriptError((isArray ? '[' + std::to_string(index) + ']' : member.name) + ": " +
+                        error.what());
     }
-    writeValue(engine, *member.type, part, static_cast<std::byte*>(memory) + member.offset);
+    ++index;
   }
 }
 

@@ -33,6 +33,12 @@ using Start = int (*)(Main main, int argc, char** argv, void (*init)(), void (*f
                       void (*rtldFini)(), void* end);
 using ExecClass = void (*)(void* module);
 
+#if defined(__x86_64__)
+constexpr const char* kFormerVersion = "GLIBC_2.2.5";
+#else
+constexpr const char* kFormerVersion = "GLIBC_2.17";
+#endif
+
 Main programMain = nullptr;
 std::atomic<Engine*> theEngine = nullptr;
 
@@ -124,7 +130,14 @@ int tavlenStart(tavlen::loader::Main main, int argc, char** argv, void (*init)()
                 void (*rtldFini)(), void* end) {
   using namespace tavlen::loader;
   programMain = main;
-  return next<Start>("__libc_start_main")(&runMain, argc, argv, init, fini, rtldFini, end);
+  // A program that brings functions of its own to run before main was linked with the former form
+  // of this one.
+  const bool isFormer = init != nullptr;
+  void* const former =
+      isFormer ? ::dlvsym(RTLD_NEXT, "__libc_start_main", kFormerVersion) : nullptr;
+  const auto start =
+      former != nullptr ? reinterpret_cast<Start>(former) : next<Start>("__libc_start_main");
+  return start(&runMain, argc, argv, init, fini, rtldFini, end);
 }
 
 void tavlenExecClass(void* module) {

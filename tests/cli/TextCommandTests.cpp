@@ -258,7 +258,8 @@ TEST_F(TextCommandTest, EditAppliesTheEditorsText) {
   const Result refused = edit(
       "grep -q Taken \"$1\" || sed -i 's/\"T\"/\"Taken\"/; s/= 5/= {\"$code\" = \"(\"}/' \"$1\"");
   EXPECT_THAT(refused.err, StartsWith("tweak.toml:2:8: error: Taken: the item "));
-  EXPECT_THAT(refused.err, HasSubstr("\ntweak.toml:9:10: error: expected an expression"));
+  EXPECT_THAT(refused.err,
+              HasSubstr("\ntweak.toml:11:10: error: at 1:2 of the code: expected an "));
   const Result gaveUp = edit("grep -q '^x' \"$1\" || echo x >>\"$1\"");
   EXPECT_EQ(gaveUp.status, 1);
   EXPECT_THAT(kept(gaveUp), AllOf(EndsWith("return = 5\nx\n"), Not(HasSubstr("#!"))));

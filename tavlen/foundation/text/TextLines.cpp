@@ -65,4 +65,12 @@ std::optional<std::size_t> offsetAt(std::string_view text, TextPosition position
   return begin + line->size();
 }
 
+TextPosition linePositionAt(std::string_view text, std::size_t offset) {
+  const std::string_view before = text.substr(0, offset);
+  TextPosition position{lineEndCount(before) + 1, 1};
+  const std::string_view line = lineAt(before, position.line);
+  for (const char byte : line) position.column += unitsOf(byte);
+  return position;
+}
+
 }  // namespace tavlen

@@ -22,4 +22,7 @@ std::string_view lineAt(std::string_view text, std::size_t number);
 /// belongs to it. Returns nothing for a place outside of the text.
 std::optional<std::size_t> offsetAt(std::string_view text, TextPosition position);
 
+/// The position of the byte at `offset` in `text`, which is UTF-8: the inverse of offsetAt().
+TextPosition linePositionAt(std::string_view text, std::size_t offset);
+
 }  // namespace tavlen

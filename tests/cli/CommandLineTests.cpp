@@ -101,15 +101,16 @@ TEST_F(CommandTest, ABadTweakIsNamedInOneLineAndNothingIsWritten) {
           "file: no stored tweak or collection has that identifier or name; for the file or folder "
           "here, write ./file\n"},
          {"./empty", 1, "./empty: Missing Manifest.json\n"},
-         {"kind/", 1, "kind/Manifest.json: hooks[3].args.-1.type: unknown kind \"Foo\"\n"},
+         {"kind/", 1,
+          "kind/Manifest.json:1:264: hooks[3].args.-1.type: error: unknown kind \"Foo\"\n"},
          {"./escape", 1,
-          "./escape/Manifest.json: hooks[0].args.0.type: unknown kind "
+          "./escape/Manifest.json:1:172: hooks[0].args.0.type: error: unknown kind "
           "\"\\x1b[31m\\u009b\\u202e\\n\"\n"},
          {"text/Manifest.json", 1,
-          "text/Manifest.json: The given data was not valid JSON: expected a colon at "},
+          "text/Manifest.json:2:17: error: The given data was not valid JSON: expected a colon\n"},
          {"./fine\x1b[31m\xC2\x9B", 1,
-          "./fine\\x1b[31m\\u009b/Manifest.json: hooks[1]: expected a dictionary, found a "
-          "number\n"}});
+          "./fine\\x1b[31m\\u009b/Manifest.json:1:95: hooks[1]: error: expected a dictionary, "
+          "found a number\n"}});
   }
   EXPECT_EQ(contents("out/code.js"), "old");
   EXPECT_EQ(std::distance(fs::directory_iterator(folder() / "out"), {}), 1);
@@ -128,7 +129,7 @@ TEST_F(CommandTest, TextsAreShownForPeople) {
         "unexpected argument \"\\x1b[1m\\u009b\"\ntavlen: see \"tavlen help list\""},
        {"show " + many, 1, many.substr(0, 400) + "…" + many.substr(0, 91) + ": no stored tweak"},
        {"show ./nul", 1,
-        "./nul/Manifest.json: hooks[0].args.0.type: unknown kind \"\\x00\\x7f\"\n"},
+        "./nul/Manifest.json:1:172: hooks[0].args.0.type: error: unknown kind \"\\x00\\x7f\"\n"},
        {"crash-logs com.a nowhere", 1, "nowhere: No such file or directory\n"},
        {"import folder.tvx", 1, "folder.tvx: Payload/Manifest.json: Is a directory\n"}});
 }
@@ -227,8 +228,9 @@ TEST_F(CommandTest, AScriptThatCannotBeReadCountsAsEmpty) {
   const Result result = run("source ./T");
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(result.out, empty);
-  EXPECT_THAT(result.err, StartsWith("tavlen: warning: the script cannot be read and counts as "
-                                     "empty: ./T/script.objs: "));
+  EXPECT_THAT(result.err,
+              StartsWith("./T/script.objs: warning: the script cannot be read and counts as "
+                         "empty: the text is"));
 }
 
 TEST_F(CommandTest, CheckWarnsOfWhatIsQuestionable) {
@@ -268,7 +270,7 @@ TEST_F(CommandTest, CheckWarnsOfWhatIsQuestionable) {
                 "./T/Executables/pipe: warning: neither a file nor a folder, and cannot be "
                 "packaged\n"
                 "./T/Resources/link: warning: a symbolic link cannot be packaged\n"
-                "tavlen: error: ./broken/Manifest.json: hooks[0]: expected a dictionary, found a "
+                "./broken/Manifest.json:1:90: hooks[0]: error: expected a dictionary, found a "
                 "number\n"
                 "tavlen: error: nowhere: no stored tweak or collection has that identifier or "
                 "name\n");

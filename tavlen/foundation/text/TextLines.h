@@ -11,6 +11,9 @@ namespace tavlen {
 // The lines of scripts. As in JavaScript, a line ends in LF, CR, CRLF, U+2028 or U+2029, and
 // columns are UTF-16 units.
 
+/// The UTF-16 units of the UTF-8 character that begins with `byte`; 0 for its other bytes.
+std::size_t utf16UnitsOf(char byte);
+
 /// The number of line ends in `text`.
 std::size_t lineEndCount(std::string_view text);
 

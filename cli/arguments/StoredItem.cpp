@@ -68,7 +68,7 @@ const char* codeOf(DecodingError::Case which) {
       return "missing-key";
     case DecodingError::Case::typeMismatch:
     case DecodingError::Case::valueNotFound:
-      return "wrong-kind";
+      return "unexpected-value";
     case DecodingError::Case::dataCorrupted:
       break;
   }

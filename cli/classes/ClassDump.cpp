@@ -6,7 +6,7 @@
 #include <system_error>
 #include <utility>
 
-#include "cli/terminal/Console.h"
+#include "cli/terminal/Diagnostic.h"
 #include "cli/terminal/ProgressLine.h"
 #include "cli/terminal/ShownText.h"
 
@@ -77,7 +77,9 @@ ClassDump dumpClasses(const ImageArgument& argument, const std::optional<std::st
 bool reportFaults(const ClassDump& dump, const ImageArgument& argument) {
   bool hasFaults = false;
   const auto warn = [&](const std::string& text) {
-    printWarning(namingImage(argument, text));
+    print({.severity = Diagnostic::kWarning,
+           .message = namingImage(argument, text),
+           .code = "unreadable-classes"});
     hasFaults = true;
   };
   for (const std::string& fault : dump.faults) warn(fault);

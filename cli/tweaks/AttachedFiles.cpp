@@ -6,7 +6,7 @@
 #include <system_error>
 #include <utility>
 
-#include "cli/terminal/Console.h"
+#include "cli/terminal/Diagnostic.h"
 #include "tavlen/device/DeviceFiles.h"
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/foundation/files/TemporaryFile.h"
@@ -63,12 +63,14 @@ std::set<std::string> attachedFiles(const fs::path& folder, const std::string& t
   return names;
 }
 
-std::set<std::string> attachedFiles(const fs::path& folder) {
+std::set<std::string> attachedFiles(const fs::path& folder, const std::string& shown) {
   std::set<std::string> names;
   for (const char* top : kAttachedFolders) {
     names.merge(attachedFiles(folder, top, [&](const std::string& name) {
-      printWarning((folder / name).lexically_normal().string() +
-                   ": is not a file of the folder, and is left out");
+      print({.severity = Diagnostic::kWarning,
+             .message = "is not a file of the folder, and is left out",
+             .file = (fs::path(shown) / name).string(),
+             .code = "left-out"});
     }));
   }
   return names;

@@ -17,8 +17,8 @@ inline constexpr std::array kAttachedFolders = {TweakFile::resourcesFolder,
 /// The files in kAttachedFolders of `folder`, at any depth: their paths relative to `folder`. A
 /// link counts as the file that it leads to. Warns of entries that cannot go along, such as links
 /// that lead out. Folders that do not exist are empty. Links below the device root are the
-/// device's. Throws std::system_error.
-std::set<std::string> attachedFiles(const std::filesystem::path& folder);
+/// device's. Messages call the folder `shown`. Throws std::system_error.
+std::set<std::string> attachedFiles(const std::filesystem::path& folder, const std::string& shown);
 /// The same for `top`, one of kAttachedFolders. Instead of warning, calls `leftOut` with the path,
 /// relative to `folder`, of each entry that cannot go along.
 std::set<std::string> attachedFiles(const std::filesystem::path& folder, const std::string& top,

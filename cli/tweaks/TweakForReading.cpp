@@ -12,7 +12,6 @@
 #include "cli/tweaks/TextInput.h"
 #include "cli/tweaks/TweakContents.h"
 #include "tavlen/collections/TweakCollection.h"
-#include "tavlen/foundation/coding/CodingError.h"
 #include "tavlen/foundation/files/FileTree.h"
 #include "tavlen/foundation/files/TemporaryDirectory.h"
 #include "tavlen/foundation/text/Characters.h"
@@ -80,7 +79,7 @@ OpenedTweak tweakFromArchive(const std::string& argument) {
     const ProgressLine line("unpacking " + argument);
     useFolder(tweak, TweakManager::openTweakArchive(argument, place, line.progress().get()));
   } catch (const DecodingError& error) {
-    throw std::runtime_error(argument + ": Manifest.json: " + errorText(error));
+    throw documentError(tweak.pathOf(kDocumentFile), error);
   } catch (const DescribedError& error) {
     throw std::runtime_error(argument + ": " + errorText(error));
   }
@@ -107,8 +106,12 @@ OpenedTweak openTweak(const std::string& argument) {
     tweak.script = tweak.file->readScript().value_or(std::string());
   } catch (const std::exception& error) {
     tweak.scriptIsUnreadable = true;
+    const std::string file = tweak.pathOf(TweakFile::scriptFile);
+    std::string reason = errorText(error);
+    if (reason.starts_with(file + ": ")) reason.erase(0, file.size() + 2);
     print({.severity = Diagnostic::kWarning,
-           .message = "the script cannot be read and counts as empty: " + errorText(error),
+           .message = "the script cannot be read and counts as empty: " + reason,
+           .file = file,
            .code = "unreadable-script"});
   }
   return tweak;

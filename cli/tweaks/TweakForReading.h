@@ -16,6 +16,12 @@ inline constexpr const char* kReadTweakHelp =
     "The tweak: its identifier or the beginning of that, its name, or the path of its folder, "
     "document, text (tweak.toml) or archive; - for a text on the standard input";
 
+/// The same for a tweak or a collection.
+inline constexpr const char* kReadItemHelp =
+    "The tweak or collection: its identifier or the beginning of that, its name, or its path; of a "
+    "tweak also the path of its text (tweak.toml) or archive, or - for a text on the standard "
+    "input";
+
 /// Opens a tweak, but not its script. Prints errors of a text with their places. Throws as
 /// openedTweak() does, and ReportedError for such errors.
 OpenedTweak tweakForReading(const std::string& argument);

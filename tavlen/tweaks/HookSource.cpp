@@ -18,7 +18,15 @@ void appendIndex(std::string& out, std::int64_t index) {
   out.append(digits.data(), end);
 }
 
-void appendFunction(std::string& out, const Hook& hook) {
+/// Appends the function of `hook`. Calls `tell` with each value's index, and the place of its
+/// expression in `out`.
+template <class Tell>
+void appendFunction(std::string& out, const Hook& hook, const Tell& tell) {
+  const auto appendValue = [&](std::int64_t index, const Parameter& value) {
+    const std::size_t begin = out.size();
+    appendOBJSValue(out, value);
+    tell(HookValueText{index, begin, out.size()});
+  };
   out += "function() {\n";
   const ParameterContainer* result = nullptr;
   for (const auto& [index, argument] : hook._args) {
@@ -29,12 +37,12 @@ void appendFunction(std::string& out, const Hook& hook) {
     out += "\t\targuments[";
     appendIndex(out, index);
     out += "] = ";
-    appendOBJSValue(out, argument.value);
+    appendValue(index, argument.value);
     out += ";\n";
   }
   if (result != nullptr) {
     out += "\t\t%orig;\n\t\treturn ";
-    appendOBJSValue(out, result->value);
+    appendValue(Hook::kReturnValue, result->value);
     out += ";\n";
   } else {
     out += "\t\treturn %orig;\n";
@@ -42,14 +50,18 @@ void appendFunction(std::string& out, const Hook& hook) {
   out += "\t}";
 }
 
+constexpr auto kTellNothing = [](const HookValueText&) {};
+
 /// Appends the member for `hook`. `key` is scratch space, which callers reuse to save allocations.
-void appendKeyedFunction(std::string& out, const Hook& hook, std::string& key) {
+template <class Tell = decltype(kTellNothing)>
+void appendKeyedFunction(std::string& out, const Hook& hook, std::string& key,
+                         const Tell& tell = kTellNothing) {
   key.clear();
   hook.appendTranspilerKey(key);
   out += '\t';
   appendJSONString(out, key);
   out += ": ";
-  appendFunction(out, hook);
+  appendFunction(out, hook, tell);
   out += ',';
 }
 
@@ -121,9 +133,17 @@ HookSource generateHookSource(std::span<const Hook> hooks) {
   }
 }
 
+std::vector<HookValueText> hookValueTexts(const Hook& hook) {
+  std::vector<HookValueText> values;
+  std::string out;
+  std::string key;
+  appendKeyedFunction(out, hook, key, [&](const HookValueText& value) { values.push_back(value); });
+  return values;
+}
+
 std::string objsFunc(const Hook& hook) {
   std::string out;
-  appendFunction(out, hook);
+  appendFunction(out, hook, kTellNothing);
   return out;
 }
 

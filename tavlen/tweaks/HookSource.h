@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <span>
 #include <string>
 #include <vector>
@@ -29,6 +30,16 @@ struct HookSource {
 /// list, and arguments by index. Throws EncodingError for the first hook of the list with a value
 /// that has no expression, or with a name that is not UTF-8.
 HookSource generateHookSource(std::span<const Hook> hooks);
+
+/// A replacement value in the text of keyedOBJSFunc().
+struct HookValueText {
+  std::int64_t argument;  ///< the index of the argument, or Hook::kReturnValue
+  std::size_t begin;      ///< the first byte of its expression, as an offset in the text
+  std::size_t end;        ///< one past its last byte
+};
+
+/// The values of `hook` in the order of the text. Throws as generateHookSource() does.
+std::vector<HookValueText> hookValueTexts(const Hook& hook);
 
 /// The function that replaces the method of `hook`. Throws as generateHookSource() does.
 std::string objsFunc(const Hook& hook);

@@ -35,8 +35,8 @@ class Checker {
     for (std::size_t i = 0; i < manifest_._hooks.size(); ++i) {
       if (manifest_._hooks[i]) checkHook(*manifest_._hooks[i], i);
     }
-    for (const std::string& entry : surroundings_.strayEntries)
-      addFile(entry, "outside-resource", "leads out of the tweak's folder, or is no file");
+    for (const RefusedEntry& entry : surroundings_.refusedEntries)
+      addFile(entry.path.string(), "not-packaged", std::string(entry.reason));
     checkUnused();
     return std::move(problems_);
   }
@@ -114,8 +114,8 @@ class Checker {
     }
   }
 
-  void addFile(std::string file, std::string_view code, const char* text) {
-    add(Subject::file, code, text).file = std::move(file);
+  void addFile(std::string file, std::string_view code, std::string text) {
+    add(Subject::file, code, std::move(text)).file = std::move(file);
   }
 
   const TweakFile::Manifest& manifest_;

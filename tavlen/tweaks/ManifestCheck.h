@@ -8,6 +8,7 @@
 
 #include "tavlen/tweaks/HookCheck.h"
 #include "tavlen/tweaks/Manifest.h"
+#include "tavlen/tweaks/PackagedEntries.h"
 
 namespace tavlen {
 
@@ -41,9 +42,8 @@ struct TweakSurroundings {
   std::function<std::string(std::size_t hook)> nameOfHook = {};
   /// The files in the tweak's resources, relative to that folder, to find unused ones.
   std::vector<std::string> resources = {};
-  /// Entries of that folder which are no files of it, such as links that lead out, relative to the
-  /// tweak's folder.
-  std::vector<std::string> strayEntries = {};
+  /// The refusedEntries() of the tweak's folder.
+  std::vector<RefusedEntry> refusedEntries = {};
   /// The tweak's script.
   std::string_view script = {};
   /// The identifiers of the installed apps. The app is not checked if there are none: then this is
@@ -53,8 +53,8 @@ struct TweakSurroundings {
 
 /// The problems of a tweak, in the order of its manifest: an app that is not installed, an unknown
 /// glyph; overrides that are empty, malformed or repeated; the problemsOf() its hooks, methods
-/// hooked twice, resources that are missing or lie outside of their folder; and last stray
-/// entries of that folder, and the resources that nothing uses. Time is linear in the manifest but
+/// hooked twice, resources that are missing or lie outside of their folder; and last entries
+/// that are not packaged, and the resources that nothing uses. Time is linear in the manifest but
 /// for usesOf() and the number of apps. Threads: any.
 std::vector<TweakProblem> problemsOf(const TweakFile::Manifest& manifest,
                                      const TweakSurroundings& surroundings);

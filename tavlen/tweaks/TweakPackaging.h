@@ -22,10 +22,8 @@ struct Packaging {
 /// Makes the package of one tweak, for the app whose Info.plist is `target`. Implements
 /// TweakFile::package(). Files keep their permissions, except for set-user-ID and set-group-ID.
 ///
-/// Throws as TweakFile::package() does, and std::system_error with EINVAL for a symbolic link or
-/// anything else that is neither file nor folder: the helper that installs packages copies no
-/// links, and a link out of the tweak would bring in foreign files. After an error the directory
-/// holds nothing new and `tweakInfo` is unchanged.
+/// Throws as TweakFile::package() does, and std::system_error with EINVAL for entries with a
+/// refusalOf(). After an error the directory holds nothing new and `tweakInfo` is unchanged.
 void packageTweak(const TweakFile::Opened& tweak, const Info& target, const Packaging& packaging,
                   TweakInfo& tweakInfo);
 

@@ -33,6 +33,11 @@ class TweakProcessor {
   /// the script does not define the global "OBJSTranspiler", the process is terminated.
   explicit TweakProcessor(const std::filesystem::path& container);
 
+  /// Whether "ob.js" in the folder `container` defines "OBJSTranspiler", which has to be known
+  /// before a processor is made of a script from elsewhere. Runs the script. Throws
+  /// std::system_error if it cannot be read, and Error if it threw before defining the global.
+  static bool isTranspiler(const std::filesystem::path& container);
+
   /// Translates hook source. Throws Error.
   Output convert(std::string_view code);
 
@@ -75,8 +80,9 @@ class TweakProcessor::Error : public LocalizedError {
   const std::string& name() const { return name_; }
   /// The exception's message. Only for jsException; empty otherwise.
   const std::string& message() const { return message_; }
-  /// Name and message as one text. Only for jsException; empty otherwise.
-  const std::string& reason() const { return reason_; }
+  /// Name and message as one text for people, without those that the exception lacks. Only for
+  /// jsException; empty otherwise.
+  std::string reason() const;
   /// The exception's call stack, if known. Only for jsException.
   const std::optional<std::string>& stack() const { return stack_; }
   std::string description() const override;
@@ -87,7 +93,7 @@ class TweakProcessor::Error : public LocalizedError {
   Case case_;
   std::string name_;
   std::string message_;
-  std::string reason_;
+  std::string nameAndMessage_;
   std::optional<std::string> stack_;
 };
 

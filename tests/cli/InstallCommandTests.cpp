@@ -97,6 +97,12 @@ TEST_F(InstallCommandTest, AFailureIsShownAtItsPlace) {
   EXPECT_THAT(run("install good --transpiler share").err,
               testing::MatchesRegex(".*tavlen: error: the transpiler failed: RangeError: deep.x1b\n"
                                     "    transpile@ob.js:1:[0-9]+\n"));
+  write("share/ob.js", "1");
+  EXPECT_THAT(run("install good --transpiler share").err,
+              EndsWith("tavlen: error: share/ob.js: does not define OBJSTranspiler\n"));
+  write("share/ob.js", "f(");
+  EXPECT_THAT(run("install good --transpiler share").err,
+              HasSubstr("tavlen: error: the transpiler failed: SyntaxError: "));
   EXPECT_THAT(run("install elsewhere").err, EndsWith("not found with bundle ID: com.gone\n"));
   EXPECT_THAT(run("show good").out, HasSubstr("Installed:  yes\n")) << "as it was";
   helper("exit 4");

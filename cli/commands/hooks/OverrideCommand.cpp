@@ -135,9 +135,9 @@ int printList(const Options& options) {
 
 /// Adds a subcommand of `override` with the argument TWEAK.
 Command addTo(Command group, const char* name, const char* help,
-              const std::shared_ptr<Options>& options) {
+              const std::shared_ptr<Options>& options, const char* tweakHelp = kTweakHelp) {
   Command command = group.addCommand(name, help);
-  command.text("TWEAK", options->tweak, kTweakHelp).required().notEmpty();
+  command.text("TWEAK", options->tweak, tweakHelp).required().notEmpty();
   return command;
 }
 
@@ -187,7 +187,7 @@ void addOverrideCommand(Command app) {
   move.text("TO", options->to, kListPlaceHelp).required();
 
   options = std::make_shared<Options>();
-  Command list = addTo(group, "list", "List the overrides", options);
+  Command list = addTo(group, "list", "List the overrides", options, kReadTweakHelp);
   list.flag("--json", options->json, "Print a JSON array in the form of the manifest");
   list.run([options] { return printList(*options); });
 }

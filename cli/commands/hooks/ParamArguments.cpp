@@ -32,8 +32,9 @@ std::string ParamTarget::place() const {
   return tweak + ": " + hook + (address.empty() ? "" : ": " + address);
 }
 
-Option addParamTarget(Command command, ParamTarget& target, const char* addressHelp) {
-  command.text("TWEAK", target.tweak, kTweakHelp).required().notEmpty();
+Option addParamTarget(Command command, ParamTarget& target, const char* addressHelp,
+                      const char* tweakHelp) {
+  command.text("TWEAK", target.tweak, tweakHelp).required().notEmpty();
   addHookArgument(command, target.hook);
   return command.text("ADDRESS", target.address, addressHelp).notEmpty();
 }

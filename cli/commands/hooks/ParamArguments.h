@@ -7,6 +7,7 @@
 
 #include "cli/arguments/CommandLine.h"
 #include "cli/arguments/ParameterAddress.h"
+#include "cli/arguments/StoredItem.h"
 #include "cli/arguments/TypedValue.h"
 #include "cli/tweaks/ResourceImport.h"
 #include "tavlen/editing/HookManager.h"
@@ -47,7 +48,8 @@ struct ParamRow {
 };
 
 /// Adds TWEAK, HOOK and ADDRESS, and returns ADDRESS, which is optional.
-Option addParamTarget(Command command, ParamTarget& target, const char* addressHelp = kAddressHelp);
+Option addParamTarget(Command command, ParamTarget& target, const char* addressHelp = kAddressHelp,
+                      const char* tweakHelp = kTweakHelp);
 
 /// Adds TWEAK, HOOK and a required ADDRESS, and `--json`, for a subcommand that edits.
 void addEditedParam(Command command, ParamTarget& target, const char* addressHelp = kAddressHelp);

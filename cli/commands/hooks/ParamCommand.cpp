@@ -85,7 +85,7 @@ Action getAction(const ParamTarget& target) {
 void addGet(Command group) {
   Command command = group.addCommand("get", "Print a parameter, or all parameters of the hook");
   const auto target = std::make_shared<ParamTarget>();
-  addParamTarget(command, *target);
+  addParamTarget(command, *target, kAddressHelp, kReadTweakHelp);
   command.flag("--json", target->json, "Print JSON in the form of the manifest");
   command.prepare([target] { return getAction(*target); });
 }

@@ -98,7 +98,7 @@ void writeFolder(const Dump& dump, const fs::path& folder) {
   const auto& [icon, script, files] =
       std::tie(dump.contents.icon, dump.contents.script, dump.contents.files);
   for (const auto& [name, from] : files) copyAttachedFile(from, folder, name);
-  for (const std::string& name : attachedFiles(folder)) {
+  for (const std::string& name : attachedFiles(folder, folder.string())) {
     if (files.contains(name)) continue;
     printWarning((folder / name).string() + ": is not a file of the tweak; apply would add it");
   }

@@ -190,7 +190,7 @@ void addExportCommand(Command app) {
   Command command =
       app.addCommand("export", "Write a tweak or a collection to an archive and print its path");
   const auto options = std::make_shared<Options>();
-  command.text("ITEM", options->item, kItemHelp).required().notEmpty();
+  command.text("ITEM", options->item, kReadItemHelp).required().notEmpty();
   command
       .text("-o,--output", options->output,
             "The archive, or an existing folder, in which it is named after the item; - for the "

@@ -97,13 +97,14 @@ void addScriptCommand(Command app) {
   Command group = app.addCommand("script", "Show, replace, edit or remove the script of a tweak");
   group.requireCommand();
   const auto options = std::make_shared<Options>();
-  const auto add = [&](const char* name, const char* help, const char* jsonHelp) {
+  const auto add = [&](const char* name, const char* help, const char* jsonHelp,
+                       const char* tweakHelp = kTweakHelp) {
     Command command = group.addCommand(name, help);
-    command.text("TWEAK", options->tweak, kTweakHelp).required().notEmpty();
+    command.text("TWEAK", options->tweak, tweakHelp).required().notEmpty();
     command.flag("--json", options->json, jsonHelp);
     return command;
   };
-  Command showing = add("show", "Print the script", "Print a JSON string");
+  Command showing = add("show", "Print the script", "Print a JSON string", kReadTweakHelp);
   showing
       .text("-o,--output", options->output,
             "The file to write; - for the standard output, the default")

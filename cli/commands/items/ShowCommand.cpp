@@ -134,7 +134,7 @@ void addShowCommand(Command app) {
   Command command = app.addCommand("show", "Print the contents of a tweak or a collection");
   const auto name = std::make_shared<std::string>();
   const auto json = std::make_shared<bool>(false);
-  command.text("ITEM", *name, kItemHelp).required().notEmpty();
+  command.text("ITEM", *name, kReadItemHelp).required().notEmpty();
   command.flag("--json", *json, "Print a JSON object");
   command.run([name, json] { return show(*name, *json); });
 }

@@ -1,10 +1,12 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <utility>
 
 #include "tavlen/foundation/base/DescribedError.h"
 #include "tavlen/foundation/coding/CodingPath.h"
+#include "tavlen/foundation/text/TextPosition.h"
 
 namespace tavlen {
 
@@ -52,14 +54,24 @@ class DecodingError : public CodingError {
   static DecodingError valueNotFound(std::string_view expected);
   /// A malformed value; `text` says why.
   static DecodingError dataCorrupted(std::string text);
+  /// Text that is malformed at `position`, which the description ends with.
+  static DecodingError malformedText(std::string text, TextPosition position);
 
   /// The case of this error.
   Case which() const { return case_; }
+  /// Where the fault is in a document that is text, as far as the reader knows: the place of
+  /// malformed text, else the beginning of the value at the path.
+  const std::optional<TextPosition>& position() const { return position_; }
+  /// Sets the position of an error without one.
+  void setPosition(TextPosition position) { position_ = position; }
+  std::string description() const override;
 
  private:
   DecodingError(Case which, std::string text) : CodingError(std::move(text)), case_(which) {}
 
   Case case_;
+  std::optional<TextPosition> position_;
+  bool isMalformedText_ = false;
 };
 
 /// A value that the format cannot hold: the platform's only case.

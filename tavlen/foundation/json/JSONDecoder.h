@@ -26,7 +26,8 @@ namespace tavlen {
 /// values read and a few kilobytes. A document in UTF-16 or UTF-32 is converted first; a type key
 /// after large values costs some bytes for each container of over 4 KiB before it. Time is linear
 /// in the document.
-/// Errors: DecodingError; for malformed text the message contains line and column. Threads: any.
+/// Errors: DecodingError; with the place in the text, unless its encoding is at fault. Threads:
+/// any.
 void readJSON(std::string_view bytes, FunctionRef<void(Decoder&)> read);
 /// The same, and adds the keys that were ignored to `ignored`, at their places in the text. An
 /// unread value does not count as ignored within a value that is itself unread.

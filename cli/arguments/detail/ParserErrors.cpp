@@ -120,6 +120,8 @@ std::string unexpectedText(const std::string& word, const CLI::App& app, const P
     }
   }
   const std::vector<std::string_view> known(names.begin(), names.end());
+  if (std::find(known.begin(), known.end(), name) != known.end())
+    return "\"" + name + "\" must follow the command, and precede \"--\" if there is one";
   const auto closest = closestName(name, known);
   return "unknown option \"" + name + "\"" +
          (closest ? suggestionText(name, known) : std::string());

@@ -283,5 +283,21 @@ TEST_F(TextCommandTest, DumpReplacesOnlyTextsOfTweaks) {
   EXPECT_EQ(contents("new.toml"), run("dump T").out);
 }
 
+TEST_F(TextCommandTest, FailedDumpLeavesNothing) {
+  const std::string id = newTweak("T");
+  write(stored(id) + "/Resources/a", "1");
+  write(stored(id) + "/Resources/b", "2");
+  fs::resize_file(folder() / stored(id) / "Resources/b", std::uintmax_t{3} << 30);
+  fs::create_directory(folder() / "empty");
+  for (const char* place : {"new", "some/new/", "empty"})
+    EXPECT_EQ(run(std::string("dump T -o ") + place).status, 1);
+  EXPECT_EQ(shell("ls -A . empty").out, ".:\nempty\ntree\n\nempty:\n");
+  fs::resize_file(folder() / stored(id) / "Resources/b", 1);
+  for (const char* place : {"some/new/", "empty"}) {
+    EXPECT_EQ(run(std::string("dump T -o ") + place).err, "");
+    EXPECT_EQ(contents(std::string(place) + "/Resources/b"), "2");
+  }
+}
+
 }  // namespace
 }  // namespace tavlen

@@ -62,8 +62,9 @@ std::optional<ClassDump> classesFor(const CompletedWord& word) {
   argument.source = ClassSource::file;
   if (argument.image.empty() && !given(word, "TWEAK").empty())
     argument.image = openedTweak(given(word, "TWEAK")).manifest.configuration.bundleID;
-  // Archives would have to be unpacked.
-  if (argument.image.empty() || argument.image.ends_with(".ipa")) return std::nullopt;
+  // Archives would have to be unpacked, and the standard input is the shell's.
+  if (argument.image.empty() || argument.isStream() || argument.image.ends_with(".ipa"))
+    return std::nullopt;
   return dumpClasses(argument);
 }
 

@@ -40,7 +40,7 @@ void writeOutput(const std::string& file, std::string_view data) {
 std::string readInput(const std::string& file) {
   constexpr std::size_t kMost = std::size_t{1} << 31;
   const bool isStandard = file == "-";
-  const std::string shown = isStandard ? "standard input" : file;
+  const std::string shown = shownInput(file);
   std::error_code ignored;
   const auto status = std::filesystem::status(file, ignored);
   if (!isStandard && !std::filesystem::is_fifo(status) &&
@@ -63,5 +63,7 @@ std::string readInput(const std::string& file) {
   }
   return input;
 }
+
+std::string shownInput(const std::string& file) { return file == "-" ? "standard input" : file; }
 
 }  // namespace tavlen::cli

@@ -28,4 +28,7 @@ void writeOutput(const std::string& file, std::string_view data);
 /// input was read before. Not thread-safe.
 std::string readInput(const std::string& file);
 
+/// What messages call an input: `file`, or "standard input" for "-".
+std::string shownInput(const std::string& file);
+
 }  // namespace tavlen::cli

@@ -7,14 +7,13 @@
 
 #include "cli/arguments/StoredItem.h"
 #include "cli/terminal/Diagnostic.h"
+#include "cli/terminal/HiddenFolder.h"
 #include "cli/terminal/ProgressLine.h"
 #include "cli/terminal/ShownText.h"
 #include "cli/tweaks/TextInput.h"
 #include "cli/tweaks/TweakContents.h"
 #include "tavlen/collections/TweakCollection.h"
 #include "tavlen/foundation/coding/CodingError.h"
-#include "tavlen/foundation/files/FileTree.h"
-#include "tavlen/foundation/files/TemporaryDirectory.h"
 #include "tavlen/foundation/text/Characters.h"
 #include "tavlen/foundation/zip/ZIPError.h"
 #include "tavlen/store/TweakManager.h"
@@ -24,21 +23,6 @@ namespace tavlen::cli {
 namespace {
 
 namespace fs = std::filesystem;
-
-/// A folder among the temporary files (RAII), of which messages do not tell.
-class TemporaryTweak {
- public:
-  TemporaryTweak()
-      : path_(makeUniqueTemporaryFolder(std::string(TemporaryDirectory::kItemsFolder) + "-")) {}
-  TemporaryTweak(const TemporaryTweak&) = delete;
-  TemporaryTweak& operator=(const TemporaryTweak&) = delete;
-  ~TemporaryTweak() { removeQuietly(path_); }
-
-  const fs::path& path() const { return path_; }
-
- private:
-  fs::path path_;
-};
 
 /// What a tweak that has no folder yet goes by: the name of the text's folder, or of the archive.
 std::string nameFor(const std::string& argument) {
@@ -59,7 +43,7 @@ OpenedTweak tweakFromText(const std::string& argument) {
   tweak.argument = argument;
   TextInput input = readTextInput(argument);
   tweak.folder = fs::path(input.file).parent_path().string();
-  auto folder = std::make_shared<TemporaryTweak>();
+  auto folder = std::make_shared<HiddenFolder>();
   const fs::path draft = folder->path() / nameFor(argument);
   makeTweakFolder(draft, contentsOf(input));
   useFolder(tweak, {TweakFile::handle(draft), input.text.manifest});
@@ -74,7 +58,7 @@ OpenedTweak tweakFromArchive(const std::string& argument) {
   OpenedTweak tweak;
   tweak.argument = argument;
   tweak.folder = argument;
-  auto folder = std::make_shared<TemporaryTweak>();
+  auto folder = std::make_shared<HiddenFolder>();
   const fs::path place = folder->path() / nameFor(argument);
   try {
     const ProgressLine line("unpacking " + argument);

@@ -53,6 +53,8 @@ TEST_F(ClassCommandTest, ListsTheClassesOfAnImage) {
                               "LSCurrentApplicationProxy : LSApplicationProxy\n"
                               "LSApplicationProxy : NSObject\n"))
       << "the compiler lays the classes out";
+  setInput("image.so");
+  EXPECT_EQ(run("classes - --match LS*Proxy").out, some.out);
   EXPECT_THAT(run("classes image.so").out, HasSubstr("FBSSystemService : NSObject\n"));
   EXPECT_EQ(run("classes image.so --match LSApp").out, "") << "names fit as a whole";
   EXPECT_THAT(run("classes image.so --match LSApplicationWorkspace --json").out,

@@ -84,7 +84,7 @@ std::string encodingOf(const MethodIdentity& method, const Options& options) {
   const ClassDump dump = dumpClasses(images, method.className);
   if (const auto found = ownMethod(dump, method)) return found->encoding.str();
   reportFaults(dump, images);
-  throw std::runtime_error(images.image + ": " + missingMethodText(dump, method));
+  throw std::runtime_error(images.shown() + ": " + missingMethodText(dump, method));
 }
 
 Hook newHook(const Options& options, const Values& values) {

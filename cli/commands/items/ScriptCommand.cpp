@@ -46,7 +46,7 @@ void requireUTF8(const std::string& text, const std::string& file) {
 int set(const Options& options) {
   const std::shared_ptr<TweakFile> tweak = storedTweak(options.tweak);
   const std::string text = readInput(options.file);
-  requireUTF8(text, options.file == "-" ? "standard input" : options.file);
+  requireUTF8(text, shownInput(options.file));
   const StoreLock lock(options.tweak);
   tweak->writeScript(text);
   return done(options);

@@ -32,8 +32,14 @@ void printData(std::string_view data) {
   }
 }
 
-void writeOutput(const std::string& file, std::string_view data) {
+void requireFreeOutput(const std::string& file, bool force) {
+  if (!force && file != "-" && isTaken(file))
+    throw std::runtime_error(file + ": already exists; use --force to replace it");
+}
+
+void writeOutput(const std::string& file, bool force, std::string_view data) {
   if (file == "-") return printData(data);
+  requireFreeOutput(file, force);
   replaceFile(file, data);
 }
 

@@ -117,13 +117,9 @@ void warnOf(const ItemForReading& read, const std::vector<TweakFile::Opened>& me
     printWarnings(member, member.file->url().string());
 }
 
-[[noreturn]] void refuse(const fs::path& file) {
-  throw std::runtime_error(file.string() + ": already exists; use --force to replace it");
-}
-
 void move(const fs::path& archive, const fs::path& file, bool force) {
+  requireFreeOutput(file.string(), force);
   if (!isTaken(file)) return moveItem(archive, file);
-  if (!force) refuse(file);
   if (fs::is_directory(file)) {
     throw std::system_error(EISDIR, std::generic_category(), file.string());
   }
@@ -163,7 +159,7 @@ int exportItem(const Options& options) {
   const bool isStream = options.output == kStandardOutput;
   const bool isFolder = !isStream && (!output.has_filename() || fs::is_directory(output));
   // Check now, rather than after exporting.
-  if (!isStream && !isFolder && !options.force && isTaken(output)) refuse(output);
+  if (!isFolder) requireFreeOutput(options.output, options.force);
   const std::vector<TweakFile::Opened> members = membersOf(item, options);
   warnOf(read, members);
   const WorkFolder folder;
@@ -197,7 +193,7 @@ void addExportCommand(Command app) {
             "standard output; the default is the current folder")
       .typeName("FILE|DIR")
       .notEmpty();
-  command.flag("-f,--force", options->force, "Replace an existing file");
+  command.flag("-f,--force", options->force, kForceHelp);
   command.flag("--skip-missing", options->skipsMissing,
                "Export a copy of the collection without the members that cannot be opened");
   command.flag("--json", options->json, "Print a JSON object with the archive's path");

@@ -24,12 +24,13 @@ struct Options {
   std::string tweak;
   std::string file;
   std::string output = "-";
+  bool force = false;
   bool json = false;
 };
 
 int show(const Options& options) {
   const std::string script = scriptOf(*tweakForReading(options.tweak).file);
-  writeOutput(options.output, options.json ? shownJSON(script) + "\n" : script);
+  writeOutput(options.output, options.force, options.json ? shownJSON(script) + "\n" : script);
   return 0;
 }
 
@@ -109,6 +110,7 @@ void addScriptCommand(Command app) {
             "The file to write; - for the standard output, the default")
       .notEmpty()
       .typeName("FILE");
+  showing.flag("-f,--force", options->force, kForceHelp);
   showing.run([options] { return show(*options); });
   constexpr const char* kRowHelp = "Print the tweak as a JSON object";
   Command setting = add("set", "Store another script", kRowHelp);

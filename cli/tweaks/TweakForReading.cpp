@@ -15,6 +15,7 @@
 #include "tavlen/collections/TweakCollection.h"
 #include "tavlen/foundation/coding/CodingError.h"
 #include "tavlen/foundation/text/Characters.h"
+#include "tavlen/foundation/text/Unicode.h"
 #include "tavlen/foundation/zip/ZIPError.h"
 #include "tavlen/store/TweakManager.h"
 
@@ -108,6 +109,15 @@ ItemForReading itemForReading(const std::string& argument) {
   return {TweakFile::Opened{std::move(tweak.file), std::move(tweak.manifest),
                             std::move(tweak.ignoredKeys)},
           argument, std::move(tweak.temporaryFolder), std::move(tweak.text)};
+}
+
+ItemRow rowOf(const ItemForReading& read) {
+  const TweakProtocol& item = *read.item.item();
+  const TweakConfiguration configuration = read.item.configuration();
+  ItemRow row = read.isItem() ? rowOf(item, configuration) : rowOf(item, configuration, false);
+  row.path = wellFormedUTF8(read.path);
+  if (!read.isItem()) row.id = std::nullopt;
+  return row;
 }
 
 }  // namespace tavlen::cli

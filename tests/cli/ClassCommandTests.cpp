@@ -102,7 +102,8 @@ TEST_F(ClassCommandTest, AHookTakesItsTypesFromTheImage) {
             " defaultWorkspace]\"?\n"},
        {"'-[Nobody x]' --in image.so", 1, "image.so: defines no class Nobody"},
        {"'-[A b]'", 1,
-        "./T: the method's types are not known from its app a.b: IPA not found with"},
+        "./T: without --in or --signature, the method's types come from the tweak's app: a.b: no "
+        "app has this identifier"},
        {"'-[A b]' --signature v16@0:8 --in image.so", 2, "--signature and --in cannot be"},
        {"'-[A b]' --signature v16@0:8 --parser remote", 2, ""},
        {"'-[A b]' --signature v16@0:8 --timeout 1", 2, ""},

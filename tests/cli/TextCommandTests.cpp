@@ -126,7 +126,10 @@ TEST_F(TextCommandTest, ATweakIsReadInAnyForm) {
   write("T/Resources/i", "");
   const std::string id = apply("T");
   EXPECT_EQ(run("export ./T/tweak.toml -o T.tvx --json").out,
-            "{\"path\":\"T.tvx\",\"kind\":\"tweak\",\"name\":\"T\"}\n");
+            R"({"name":"T","kind":"tweak","bundleID":"com.example.notes","color":"lightGreen",)"
+            R"("glyph":"tools/solid","installed":false,"stored":false,"path":"./T/tweak.toml",)"
+            R"("archive":"T.tvx"})"
+            "\n");
   const fs::path here = folder() / "T/tweak.toml";
   fs::copy(here, folder() / "copy.toml");
   write("s", "one();\n");

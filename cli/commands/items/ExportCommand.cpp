@@ -12,6 +12,7 @@
 #include "cli/arguments/StoredItem.h"
 #include "cli/arguments/UsageError.h"
 #include "cli/commands/Commands.h"
+#include "cli/items/ItemRow.h"
 #include "cli/terminal/Console.h"
 #include "cli/terminal/ProgressLine.h"
 #include "cli/terminal/ShownText.h"
@@ -41,19 +42,6 @@ struct Options {
   bool force = false;
   bool skipsMissing = false;
   bool json = false;
-};
-
-/// The JSON output.
-struct Exported {
-  std::string path;
-  std::string kind;
-  std::string name;
-
-  static constexpr auto codedFields() {
-    return std::tuple{requiredField("path", &Exported::path),
-                      requiredField("kind", &Exported::kind),
-                      requiredField("name", &Exported::name)};
-  }
 };
 
 constexpr const char* kStandardOutput = "-";
@@ -173,7 +161,9 @@ int exportItem(const Options& options) {
   }
   const std::string file = deliver(archive, options, isFolder).string();
   if (options.json) {
-    printJSON(Exported{wellFormedUTF8(file), kindOf(*item.item()), item.configuration().name()});
+    ItemRow row = rowOf(read);
+    row.archive = wellFormedUTF8(file);
+    printJSON(row);
   } else {
     printData(escapedForTerminal(file) + "\n");
   }
@@ -196,7 +186,8 @@ void addExportCommand(Command app) {
   command.flag("-f,--force", options->force, kForceHelp);
   command.flag("--skip-missing", options->skipsMissing,
                "Export a copy of the collection without the members that cannot be opened");
-  command.flag("--json", options->json, "Print a JSON object with the archive's path");
+  command.flag("--json", options->json,
+               "Print the item as a JSON object with the path of the archive");
   command.prepare([options] {
     if (options->json && options->output == kStandardOutput)
       throw UsageError("-o -: the archive itself is printed, not --json");

@@ -34,7 +34,7 @@ class Option {
   /// Makes an argument of Command::texts() optional.
   Option optional();
   /// Sets the placeholder for the value in help. It also tells completion what the value is: see
-  /// Completion.h.
+  /// CompletedWord.h.
   Option typeName(const char* name);
   /// Shows the variable's current value in help as the default.
   Option showsDefault();

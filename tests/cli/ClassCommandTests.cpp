@@ -270,7 +270,7 @@ TEST_F(TypeCommandTest, AnswersEveryLineOfTheInputWithALine) {
       {"", ""},
       {"\n", "\n"},
       {"i\n\nq", "int\n\nlong long\n"},
-      {"{A=dd\r\n\r\n[4i]\n", "struct A { double field1; double field2; }\n\nint[4]\n"},
+      {"{A=dd}\r\n\r\n[4i]\n", "struct A { double field1; double field2; }\n\nint[4]\n"},
       {"-\ni\n@\"\u00E9\"x\n", "\nint\n\n",
        "-:1:1: error: no type begins with this character\n"
        "-:3:5: error: the type ends before this character\n"},
@@ -323,14 +323,13 @@ TEST_F(TypeCommandTest, PrintsTreesAsJSON) {
       R"json({"encoding":"@?","declaration":"void (^)(void)","kind":"object","isBlock":true}])json"
       "\n";
   EXPECT_EQ(run("type --json", {"r^{A=\"x\"@\"N<P>\"\"y\"[2b3]}", "", "@?"}).out, kTrees);
-  write("lines", "i\n\n(\xFF=}");
+  write("lines", "i\n\n(\xFF=)");
   setInput("lines");
   EXPECT_EQ(run("type --json -").out,
             "{\"encoding\":\"i\",\"declaration\":\"int\",\"kind\":\"basic\",\"name\":\"int\"}\n"
             "\n"
-            "{\"encoding\":\"(\xEF\xBF\xBD=}\",\"declaration\":\"union \xEF\xBF\xBD { void field1; "
-            "}\",\"kind\":\"union\",\"name\":\"\xEF\xBF\xBD\","
-            "\"types\":[{\"encoding\":\"}\",\"kind\":\"basic\",\"name\":\"void\"}]}\n");
+            "{\"encoding\":\"(\xEF\xBF\xBD=)\",\"declaration\":\"union \xEF\xBF\xBD\","
+            "\"kind\":\"union\",\"name\":\"\xEF\xBF\xBD\",\"types\":[]}\n");
 }
 
 }  // namespace

@@ -35,4 +35,9 @@ bool isSameFile(const std::filesystem::path& one, const std::filesystem::path& o
 void copyAttachedFile(const std::filesystem::path& from, const std::filesystem::path& to,
                       const std::string& name);
 
+/// As copyAttachedFile(), for the file itself, no link, in a folder on the same volume: it is
+/// renamed.
+void moveAttachedFile(const std::filesystem::path& from, const std::filesystem::path& to,
+                      const std::string& name);
+
 }  // namespace tavlen::cli

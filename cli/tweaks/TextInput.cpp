@@ -129,7 +129,7 @@ TextSource textSource(const std::string& argument) {
   source.isFolder = argument != "-" && fs::is_directory(argument);
   const std::string file = source.isFolder ? (fs::path(argument) / kTextFile).string() : argument;
   source.bytes = readInput(file);
-  source.file = file == "-" ? "standard input" : file;
+  source.file = shownInput(file);
   std::error_code ignored;
   source.folder =
       fs::is_regular_file(file, ignored) ? fs::absolute(file).parent_path() : fs::path(".");

@@ -7,14 +7,17 @@
 
 #include "cli/arguments/StoredItem.h"
 #include "cli/terminal/Diagnostic.h"
+#include "cli/terminal/HiddenFolder.h"
 #include "cli/terminal/ProgressLine.h"
 #include "cli/terminal/ShownText.h"
 #include "cli/tweaks/TextInput.h"
 #include "cli/tweaks/TweakContents.h"
 #include "tavlen/collections/TweakCollection.h"
+#include "tavlen/foundation/coding/CodingError.h"
 #include "tavlen/foundation/files/FileTree.h"
 #include "tavlen/foundation/files/TemporaryDirectory.h"
 #include "tavlen/foundation/text/Characters.h"
+#include "tavlen/foundation/text/Unicode.h"
 #include "tavlen/foundation/zip/ZIPError.h"
 #include "tavlen/store/TweakManager.h"
 
@@ -23,21 +26,6 @@ namespace tavlen::cli {
 namespace {
 
 namespace fs = std::filesystem;
-
-/// A folder among the temporary files (RAII), of which messages do not tell.
-class TemporaryTweak {
- public:
-  TemporaryTweak()
-      : path_(makeUniqueTemporaryFolder(std::string(TemporaryDirectory::kItemsFolder) + "-")) {}
-  TemporaryTweak(const TemporaryTweak&) = delete;
-  TemporaryTweak& operator=(const TemporaryTweak&) = delete;
-  ~TemporaryTweak() { removeQuietly(path_); }
-
-  const fs::path& path() const { return path_; }
-
- private:
-  fs::path path_;
-};
 
 /// What a tweak that has no folder yet goes by: the name of the text's folder, or of the archive.
 std::string nameFor(const std::string& argument) {
@@ -58,7 +46,7 @@ OpenedTweak tweakFromText(const std::string& argument) {
   tweak.argument = argument;
   TextInput input = readTextInput(argument);
   tweak.folder = fs::path(input.file).parent_path().string();
-  auto folder = std::make_shared<TemporaryTweak>();
+  auto folder = std::make_shared<HiddenFolder>();
   const fs::path draft = folder->path() / nameFor(argument);
   makeTweakFolder(draft, contentsOf(input));
   useFolder(tweak, {TweakFile::handle(draft), input.text.manifest});
@@ -73,7 +61,7 @@ OpenedTweak tweakFromArchive(const std::string& argument) {
   OpenedTweak tweak;
   tweak.argument = argument;
   tweak.folder = argument;
-  auto folder = std::make_shared<TemporaryTweak>();
+  auto folder = std::make_shared<HiddenFolder>();
   const fs::path place = folder->path() / nameFor(argument);
   try {
     const ProgressLine line("unpacking " + argument);
@@ -127,6 +115,15 @@ ItemForReading itemForReading(const std::string& argument) {
   return {TweakFile::Opened{std::move(tweak.file), std::move(tweak.manifest),
                             std::move(tweak.ignoredKeys)},
           argument, std::move(tweak.temporaryFolder), std::move(tweak.text)};
+}
+
+ItemRow rowOf(const ItemForReading& read) {
+  const TweakProtocol& item = *read.item.item();
+  const TweakConfiguration configuration = read.item.configuration();
+  ItemRow row = read.isItem() ? rowOf(item, configuration) : rowOf(item, configuration, false);
+  row.path = wellFormedUTF8(read.path);
+  if (!read.isItem()) row.id = std::nullopt;
+  return row;
 }
 
 }  // namespace tavlen::cli

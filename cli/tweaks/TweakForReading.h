@@ -4,6 +4,7 @@
 #include <string>
 
 #include "cli/arguments/TweakArgument.h"
+#include "cli/items/ItemRow.h"
 #include "tavlen/store/OpenedItem.h"
 
 /// Items for commands that change nothing, and therefore take more than openedItem() does: a text
@@ -36,9 +37,16 @@ struct ItemForReading {
   std::string path;  ///< as the user wrote it, or that of the stored item
   std::shared_ptr<const void> temporaryFolder;  ///< see OpenedTweak
   std::shared_ptr<const TextInput> text = {};   ///< see OpenedTweak
+
+  /// Whether it is an item, rather than a text or an archive, which has no identifier.
+  bool isItem() const { return temporaryFolder == nullptr; }
 };
 
 /// As tweakForReading(), also for collections in the form of openedItem().
 ItemForReading itemForReading(const std::string& argument);
+
+/// The row of the item, under the path as the user wrote it. A text and an archive have no
+/// identifier and are not stored.
+ItemRow rowOf(const ItemForReading& read);
 
 }  // namespace tavlen::cli

@@ -3,12 +3,16 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "tavlen/items/TweakGlyph.h"
 
 /// The glyphs that can be shown: those of Font Awesome Free 5.15.4, listed in GlyphTable.inc.
 /// Threads: any.
 namespace tavlen {
+
+/// All of them, sorted by their icons; the first style of an icon first.
+std::vector<TweakGlyph> knownGlyphs();
 
 /// Whether the icon exists in that style. Names compare exactly.
 bool isKnownGlyph(const TweakGlyph& glyph);

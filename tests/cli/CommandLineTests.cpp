@@ -21,7 +21,6 @@ TEST_F(CommandTest, ArgumentsAreChecked) {
                 {{"--verbose", 2, "a command is missing\n"},
                  {"hook", 2, "a command is missing: add, remove, list, set or move\n"},
                  {"instal", 2, "unknown command \"instal\"; did you mean \"install\"?\n"},
-                 {"hok list", 2, "unknown command \"hok\"; did you mean \"hook\"?\n"},
                  {"hook ad T", 2, "unknown command \"ad\"; did you mean \"add\"?\n"},
                  {"help hook ad", 2, "unknown command \"ad\"; did you mean \"add\"?\n"},
                  {"--frobnicate", 2, "unknown option \"--frobnicate\"\n"},

@@ -59,7 +59,10 @@ TEST_F(InstallCommandTest, InstallsAndUninstalls) {
 
   EXPECT_EQ(run("install T").status, 0);
   fs::remove_all(folder() / stored(id));
-  EXPECT_EQ(run("uninstall --app com.example.notes").status, 0);
+  EXPECT_EQ(run("uninstall --app com.example.notes --json").out,
+            R"({"kind":"tweak","bundleID":"com.example.notes","installed":false,"stored":false,)"
+            R"("identifier":")" +
+                id + "\"}\n");
   EXPECT_EQ(run("uninstall --app com.example.notes").err,
             "tavlen: error: com.example.notes: no tweak is installed\n");
   EXPECT_EQ(run("uninstall").status, 2);
@@ -103,7 +106,8 @@ TEST_F(InstallCommandTest, AFailureIsShownAtItsPlace) {
   write("share/ob.js", "f(");
   EXPECT_THAT(run("install good --transpiler share").err,
               HasSubstr("tavlen: error: the transpiler failed: SyntaxError: "));
-  EXPECT_THAT(run("install elsewhere").err, EndsWith("not found with bundle ID: com.gone\n"));
+  EXPECT_THAT(run("install elsewhere").err,
+              testing::StartsWith("tavlen: error: com.gone: no app has this identifier"));
   EXPECT_THAT(run("show good").out, HasSubstr("Installed:  yes\n")) << "as it was";
   helper("exit 4");
   EXPECT_THAT(run("install good").err, EndsWith("/kvfileops: ended with status 4\n"));

@@ -126,7 +126,10 @@ TEST_F(TextCommandTest, ATweakIsReadInAnyForm) {
   write("T/Resources/i", "");
   const std::string id = apply("T");
   EXPECT_EQ(run("export ./T/tweak.toml -o T.tvx --json").out,
-            "{\"path\":\"T.tvx\",\"kind\":\"tweak\",\"name\":\"T\"}\n");
+            R"({"name":"T","kind":"tweak","bundleID":"com.example.notes","color":"lightGreen",)"
+            R"("glyph":"tools/solid","installed":false,"stored":false,"path":"./T/tweak.toml",)"
+            R"("archive":"T.tvx"})"
+            "\n");
   const fs::path here = folder() / "T/tweak.toml";
   fs::copy(here, folder() / "copy.toml");
   write("s", "one();\n");
@@ -291,6 +294,22 @@ TEST_F(TextCommandTest, DumpReplacesOnlyTextsOfTweaks) {
   }
   EXPECT_EQ(contents("new/tweak.toml"), run("dump T").out);
   EXPECT_EQ(contents("new.toml"), run("dump T").out);
+}
+
+TEST_F(TextCommandTest, FailedDumpLeavesNothing) {
+  const std::string id = newTweak("T");
+  write(stored(id) + "/Resources/a", "1");
+  write(stored(id) + "/Resources/b", "2");
+  fs::resize_file(folder() / stored(id) / "Resources/b", std::uintmax_t{3} << 30);
+  fs::create_directory(folder() / "empty");
+  for (const char* place : {"new", "some/new/", "empty"})
+    EXPECT_EQ(run(std::string("dump T -o ") + place).status, 1);
+  EXPECT_EQ(shell("ls -A . empty").out, ".:\nempty\ntree\n\nempty:\n");
+  fs::resize_file(folder() / stored(id) / "Resources/b", 1);
+  for (const char* place : {"some/new/", "empty"}) {
+    EXPECT_EQ(run(std::string("dump T -o ") + place).err, "");
+    EXPECT_EQ(contents(std::string(place) + "/Resources/b"), "2");
+  }
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "cli/arguments/AppArgument.h"
 #include "cli/arguments/ListPlace.h"
 #include "cli/arguments/OverrideValue.h"
 #include "cli/arguments/StoredItem.h"
@@ -16,7 +17,6 @@
 #include "cli/terminal/ShownText.h"
 #include "cli/terminal/TextTable.h"
 #include "cli/tweaks/TweakForReading.h"
-#include "tavlen/bundles/IPA.h"
 #include "tavlen/tweaks/Manifest.h"
 
 namespace tavlen::cli {
@@ -52,7 +52,7 @@ void editOverrides(const Options& options, Change change) {
 
 /// An override with the current value of the tweak's app.
 Override ownValue(const std::string& kind, const TweakFile::Manifest& manifest) {
-  const auto app = IPA::findWithBundleID(manifest.configuration.bundleID);
+  const auto app = appWithBundleID(manifest.configuration.bundleID);
   return overrideKind(kind).withInfo(app->infoManager().info());
 }
 

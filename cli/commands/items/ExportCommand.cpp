@@ -12,6 +12,7 @@
 #include "cli/arguments/StoredItem.h"
 #include "cli/arguments/UsageError.h"
 #include "cli/commands/Commands.h"
+#include "cli/items/ItemRow.h"
 #include "cli/terminal/Console.h"
 #include "cli/terminal/ProgressLine.h"
 #include "cli/terminal/ShownText.h"
@@ -41,19 +42,6 @@ struct Options {
   bool force = false;
   bool skipsMissing = false;
   bool json = false;
-};
-
-/// The JSON output.
-struct Exported {
-  std::string path;
-  std::string kind;
-  std::string name;
-
-  static constexpr auto codedFields() {
-    return std::tuple{requiredField("path", &Exported::path),
-                      requiredField("kind", &Exported::kind),
-                      requiredField("name", &Exported::name)};
-  }
 };
 
 constexpr const char* kStandardOutput = "-";
@@ -117,13 +105,9 @@ void warnOf(const ItemForReading& read, const std::vector<TweakFile::Opened>& me
     printWarnings(member, member.file->url().string());
 }
 
-[[noreturn]] void refuse(const fs::path& file) {
-  throw std::runtime_error(file.string() + ": already exists; use --force to replace it");
-}
-
 void move(const fs::path& archive, const fs::path& file, bool force) {
+  requireFreeOutput(file.string(), force);
   if (!isTaken(file)) return moveItem(archive, file);
-  if (!force) refuse(file);
   if (fs::is_directory(file)) {
     throw std::system_error(EISDIR, std::generic_category(), file.string());
   }
@@ -163,7 +147,7 @@ int exportItem(const Options& options) {
   const bool isStream = options.output == kStandardOutput;
   const bool isFolder = !isStream && (!output.has_filename() || fs::is_directory(output));
   // Check now, rather than after exporting.
-  if (!isStream && !isFolder && !options.force && isTaken(output)) refuse(output);
+  if (!isFolder) requireFreeOutput(options.output, options.force);
   const std::vector<TweakFile::Opened> members = membersOf(item, options);
   warnOf(read, members);
   const WorkFolder folder;
@@ -177,7 +161,9 @@ int exportItem(const Options& options) {
   }
   const std::string file = deliver(archive, options, isFolder).string();
   if (options.json) {
-    printJSON(Exported{wellFormedUTF8(file), kindOf(*item.item()), item.configuration().name()});
+    ItemRow row = rowOf(read);
+    row.archive = wellFormedUTF8(file);
+    printJSON(row);
   } else {
     printData(escapedForTerminal(file) + "\n");
   }
@@ -197,10 +183,11 @@ void addExportCommand(Command app) {
             "standard output; the default is the current folder")
       .typeName("FILE|DIR")
       .notEmpty();
-  command.flag("-f,--force", options->force, "Replace an existing file");
+  command.flag("-f,--force", options->force, kForceHelp);
   command.flag("--skip-missing", options->skipsMissing,
                "Export a copy of the collection without the members that cannot be opened");
-  command.flag("--json", options->json, "Print a JSON object with the archive's path");
+  command.flag("--json", options->json,
+               "Print the item as a JSON object with the path of the archive");
   command.prepare([options] {
     if (options->json && options->output == kStandardOutput)
       throw UsageError("-o -: the archive itself is printed, not --json");

@@ -24,12 +24,13 @@ struct Options {
   std::string tweak;
   std::string file;
   std::string output = "-";
+  bool force = false;
   bool json = false;
 };
 
 int show(const Options& options) {
   const std::string script = scriptOf(*tweakForReading(options.tweak).file);
-  writeOutput(options.output, options.json ? shownJSON(script) + "\n" : script);
+  writeOutput(options.output, options.force, options.json ? shownJSON(script) + "\n" : script);
   return 0;
 }
 
@@ -46,7 +47,7 @@ void requireUTF8(const std::string& text, const std::string& file) {
 int set(const Options& options) {
   const std::shared_ptr<TweakFile> tweak = storedTweak(options.tweak);
   const std::string text = readInput(options.file);
-  requireUTF8(text, options.file == "-" ? "standard input" : options.file);
+  requireUTF8(text, shownInput(options.file));
   const StoreLock lock(options.tweak);
   tweak->writeScript(text);
   return done(options);
@@ -110,6 +111,7 @@ void addScriptCommand(Command app) {
             "The file to write; - for the standard output, the default")
       .notEmpty()
       .typeName("FILE");
+  showing.flag("-f,--force", options->force, kForceHelp);
   showing.run([options] { return show(*options); });
   constexpr const char* kRowHelp = "Print the tweak as a JSON object";
   Command setting = add("set", "Store another script", kRowHelp);

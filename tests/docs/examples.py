@@ -3,7 +3,7 @@
 
 Usage: examples.py PAGE TAVLEN MAKE-DEVICE [--every-json]
 
-A session is a block of the language "console". Where commands with --json stand in a row, all print the value after
+A session is a block of the language "console", whose commands go on after "> ". Where commands with --json stand in a row, all print the value after
 them. With --every-json, the page must also name every command that has that option.
 """
 
@@ -43,9 +43,10 @@ def is_as_shown(command, shown, printed):
 def steps(page):
     """The commands in their order, each with the output that is shown for it."""
     for block in re.findall(r"^```console\n(.*?)^```$", page, re.M | re.S):
-        for commands, shown in re.findall(r"((?:^\$ .*\n)+)((?:^(?!\$ ).*\n)*)", block, re.M):
-            for line in commands.splitlines():
-                yield line[2:], shown if "--json" in line or commands.count("\n") == 1 else ""
+        for row, shown in re.findall(r"((?:^[$>] .*\n)+)((?:^(?!\$ ).*\n)*)", block, re.M):
+            commands = row[2:].replace("\n> ", "\n").split("\n$ ")
+            for command in commands:
+                yield command, shown if "--json" in command or len(commands) == 1 else ""
 
 
 def commands_with_json(tavlen):

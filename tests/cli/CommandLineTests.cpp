@@ -299,26 +299,26 @@ TEST_F(CommandTest, InfoShowsWhatTheFileHolds) {
   expectRefused("info", {{"cut", 1, "cut/Info.plist: "}});
 }
 
-/// The README's longest example for a shell, which begins with the line that sets PATH.
-std::string exampleOfReadme() {
-  std::ifstream readme(fs::path(paths().examples).parent_path() / "README.md");
+/// The example for a shell in the page on the command, which begins with the line that sets PATH.
+std::string exampleOfPage() {
+  std::ifstream page(fs::path(paths().examples).parent_path() / "docs/command.md");
   const std::string indentation = "    ";
   std::string line;
-  while (std::getline(readme, line) && !line.starts_with(indentation + "export PATH=")) continue;
+  while (std::getline(page, line) && !line.starts_with(indentation + "export PATH=")) continue;
   std::string script;
   do script += (line.empty() ? line : line.substr(indentation.size())) + "\n";
-  while (std::getline(readme, line) && (line.empty() || line.starts_with(indentation)));
+  while (std::getline(page, line) && (line.empty() || line.starts_with(indentation)));
   return script;
 }
 
-TEST(Readme, ExampleRunsAsItStands) {
+TEST(CommandPage, ExampleRunsAsItStands) {
   const TemporaryFolder clone;
   const fs::path built = fs::path(paths().command).parent_path();
   fs::create_directories(clone.path() / "build/release");
   fs::create_directory_symlink(built, clone.path() / "build/release/bin");
   fs::create_directory_symlink(built.parent_path() / "share", clone.path() / "build/release/share");
   fs::copy(paths().examples, clone.path() / "examples", fs::copy_options::recursive);
-  std::ofstream(clone.path() / "example.sh") << exampleOfReadme();
+  std::ofstream(clone.path() / "example.sh") << exampleOfPage();
   // The address sanitizer overlooks what GNUstep leaks, and finds GNUstep only in whole call
   // stacks.
   const std::string command = "cd '" + clone.path().string() +

@@ -65,6 +65,11 @@ void addReplaceFlag(Command command, bool& replaces);
 std::vector<ResourceImport> startImports(const std::vector<TypedValue>& values,
                                          const TweakFile& tweak, bool replaces);
 
+/// Warns of each file in `parameter`, of the tweak of `target`, that is not in its resources:
+/// its printed form cannot be read back.
+void warnOfMissingResources(const ParamTarget& target, const TweakFile& tweak,
+                            const Parameter& parameter);
+
 /// Lets `edit` change the hook of `target`, stores it and prints what `edit` returns if JSON was
 /// asked for; for subcommands of prepareEdit(). Throws what openedTweak() throws, and
 /// std::runtime_error, which begins with the place, for what hookArgument() and `edit` throw.

@@ -76,7 +76,14 @@ Action getAction(const ParamTarget& target) {
     const OpenedTweak tweak = tweakForReading(target.tweak);
     printData(withPlace(target.place(), [&] {
       const Hook hook = hookArgument(tweak.opened(), target.hook).hook();
-      return address ? shown(parameterAt(hook, *address), target.json) : shown(hook, target.json);
+      if (address) {
+        const Parameter& parameter = parameterAt(hook, *address);
+        warnOfMissingResources(target, *tweak.file, parameter);
+        return shown(parameter, target.json);
+      }
+      for (const auto& entry : hook._args)
+        warnOfMissingResources(target, *tweak.file, entry.second.value);
+      return shown(hook, target.json);
     }));
     return 0;
   };

@@ -1,6 +1,5 @@
 #include "cli/classes/ChildProcess.h"
 
-#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -11,55 +10,13 @@
 #include <thread>
 #include <utility>
 
-#include "tavlen/foundation/base/ArgumentVector.h"
 #include "tavlen/foundation/base/SystemError.h"
 #include "tavlen/foundation/files/RetryOnInterrupt.h"
+#include "tavlen/foundation/tasks/Spawn.h"
 
 namespace tavlen::cli {
 
 namespace {
-
-void require(int error, const std::string& subject) {
-  if (error != 0) throwSystemError(error, subject);
-}
-
-/// RAII: what posix_spawn() does in the child before the program starts.
-class SpawnSettings {
- public:
-  SpawnSettings() {
-    require(::posix_spawn_file_actions_init(&actions_), "posix_spawn");
-    if (const int error = ::posix_spawnattr_init(&attributes_)) {
-      ::posix_spawn_file_actions_destroy(&actions_);
-      throwSystemError(error, "posix_spawn");
-    }
-  }
-  SpawnSettings(const SpawnSettings&) = delete;
-  SpawnSettings& operator=(const SpawnSettings&) = delete;
-  ~SpawnSettings() {
-    ::posix_spawn_file_actions_destroy(&actions_);
-    ::posix_spawnattr_destroy(&attributes_);
-  }
-
-  void redirect(int from, int to) {
-    require(::posix_spawn_file_actions_adddup2(&actions_, from, to), "posix_spawn");
-  }
-  void makeOwnGroup() {
-    require(::posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETPGROUP), "posix_spawn");
-    require(::posix_spawnattr_setpgroup(&attributes_, 0), "posix_spawn");
-  }
-  pid_t start(const std::filesystem::path& program, const std::vector<std::string>& arguments) {
-    const ArgumentVector vector(arguments);
-    pid_t child = 0;
-    require(::posix_spawn(&child, program.c_str(), &actions_, &attributes_, vector.data(),
-                          environmentOfProcess()),
-            program.string());
-    return child;
-  }
-
- private:
-  posix_spawn_file_actions_t actions_{};
-  posix_spawnattr_t attributes_{};
-};
 
 /// The signals that end a process by themselves or that programs end one with.
 constexpr auto kSignals = std::to_array<std::pair<int, const char*>>({
@@ -85,12 +42,13 @@ constexpr auto kSignals = std::to_array<std::pair<int, const char*>>({
 
 ChildProcess::ChildProcess(const std::filesystem::path& program,
                            const std::vector<std::string>& arguments, int input, int output) {
-  SpawnSettings settings;
-  settings.redirect(input, STDIN_FILENO);
-  settings.redirect(output, STDOUT_FILENO);
-  settings.redirect(output, STDERR_FILENO);
-  settings.makeOwnGroup();
-  pid_ = settings.start(program, arguments);
+  Spawn spawn;
+  spawn.redirect(input, STDIN_FILENO);
+  spawn.redirect(output, STDOUT_FILENO);
+  spawn.redirect(output, STDERR_FILENO);
+  spawn.makeOwnGroup();
+  const int error = spawn.start(program.c_str(), arguments, ProgramLookup::exact, pid_);
+  if (error != 0) throwSystemError(error, program.string());
 }
 
 ChildProcess::~ChildProcess() {
@@ -116,7 +74,7 @@ int ChildProcess::end() {
   }
   ::kill(-pid_, SIGKILL);
   int status = 0;
-  (void)retryOnInterrupt([&] { return ::waitpid(pid_, &status, 0); });
+  (void)waitForChild(pid_, status);
   pid_ = 0;
   return status;
 }

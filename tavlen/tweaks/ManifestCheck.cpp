@@ -84,13 +84,13 @@ class Checker {
       addAt(problem.place, problem.code, std::move(problem.text));
     for (const auto& [argument, box] : hook._args) {
       forEachParameter(box.value,
-                       [&, argument = argument](const Parameter& each, const ParameterPath& path) {
+                       [&, key = argument](const Parameter& each, const ParameterPath& path) {
                          const std::string* name = resourceNameIn(each);
                          if (name == nullptr) return;
                          const ResourceState state = surroundings_.stateOf(*name);
                          if (state == ResourceState::present) return;
                          const bool isMissing = state == ResourceState::missing;
-                         addAt({HookPlace::Part::value, argument, path},
+                         addAt({HookPlace::Part::value, key, path},
                                isMissing ? "missing-resource" : "outside-resource",
                                "the resource \"" + *name +
                                    (isMissing ? "\" is missing" : "\" lies outside of Resources"));

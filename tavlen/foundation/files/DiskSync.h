@@ -5,6 +5,10 @@
 /// Data on the disk survives a power failure, not only a crash. Threads: any.
 namespace tavlen {
 
+/// Flushes what was written through `descriptor`, and the drive's cache, to the disk. Returns 0, or
+/// -1 with errno.
+int syncDescriptor(int descriptor);
+
 /// Flushes the contents of `file` to the disk. Throws std::system_error with the path.
 void syncFile(const std::filesystem::path& file);
 

@@ -21,8 +21,10 @@ inline constexpr int kOpenToRead = O_RDONLY | O_NONBLOCK | O_NOCTTY;
 /// Flags to create a file for writing; anything that exists, even a link, is an error.
 inline constexpr int kOpenNewFile = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW;
 /// A folder as the start of other calls; where the system can, without the right to list it.
-#ifdef O_PATH
+#if defined(O_PATH)
 inline constexpr int kOpenToPass = O_PATH | O_DIRECTORY | O_NOFOLLOW;
+#elif defined(O_SEARCH)
+inline constexpr int kOpenToPass = O_SEARCH | O_DIRECTORY | O_NOFOLLOW;
 #else
 inline constexpr int kOpenToPass = kOpenFolder;
 #endif

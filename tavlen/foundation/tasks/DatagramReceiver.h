@@ -8,7 +8,7 @@
 #include <thread>
 
 #include "tavlen/foundation/base/FunctionRef.h"
-#include "tavlen/foundation/files/FileDescriptor.h"
+#include "tavlen/foundation/files/Connection.h"
 
 namespace tavlen {
 
@@ -50,8 +50,7 @@ class DatagramReceiver {
   std::mutex lock_;
   std::condition_variable ended_;
   FileDescriptor socket_;
-  FileDescriptor wake_;        ///< readable when the receiver is closed
-  FileDescriptor wakeSender_;  ///< the other end
+  Connection wake_;  ///< readable when the receiver is closed
   std::uint16_t port_ = 0;
   bool isClosed_ = false;
   std::thread::id receiving_;  ///< the thread in receive(), if any

@@ -11,7 +11,8 @@
 namespace tavlen {
 
 /// A serial queue of work that the host drains: from its run loop on the device, from its main loop
-/// in a command, anywhere in tests. Nothing runs by itself.
+/// in a command, anywhere in tests. Nothing runs by itself; MainRunLoop.h connects it to a run
+/// loop.
 ///
 /// Threads: any. Work runs in the order of addition, one piece at a time, on the thread that
 /// drains. No lock is held while work or the handler of additions runs.

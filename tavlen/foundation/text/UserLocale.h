@@ -5,11 +5,15 @@
 
 namespace tavlen {
 
-/// The user's locale as ICU writes it: "de_AT", "zh_Hant_TW". Threads: any.
+/// The user's locale as ICU writes it: "de_AT", "zh_Hant_TW". On Apple's systems, that of the
+/// user's first language. Threads: any.
 ///
 /// A process without a locale ("C", "POSIX" or unset) gets "en_US": ICU's en_US_POSIX collates by
 /// byte and ignores case rules.
 std::string userLocale();
+
+/// The locale of a BCP 47 language tag: "zh_Hant_TW" for "zh-Hant-TW". Empty for a malformed tag.
+std::string localeOfLanguage(const std::string& tag);
 
 /// The language code of a locale: "de". Empty for the root locale.
 std::string languageOf(const std::string& locale);

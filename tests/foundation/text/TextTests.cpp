@@ -17,6 +17,7 @@
 #include "tavlen/foundation/text/StyledText.h"
 #include "tavlen/foundation/text/TextComparison.h"
 #include "tavlen/foundation/text/Unicode.h"
+#include "tavlen/foundation/text/UserLocale.h"
 #include "tests/support/TableFile.h"
 #include "tests/support/Threads.h"
 #include "tests/support/WideText.h"
@@ -283,6 +284,12 @@ class LocaleGuard {
   }
   std::string old_;
 };
+
+TEST(UserLocale, IsMadeOfALanguageTag) {
+  const std::pair<const char*, const char*> rows[] = {
+      {"de-AT", "de_AT"}, {"zh-Hant-TW", "zh_Hant_TW"}, {"en", "en"}, {"", ""}, {"!", ""}};
+  for (const auto& [tag, locale] : rows) EXPECT_EQ(localeOfLanguage(tag), locale) << tag;
+}
 
 /// en_US_POSIX is what ICU makes of LC_ALL=C, whose own collator knows no case.
 constexpr const char* kPlainLocales[] = {"en_US_POSIX", "en", "de_AT", ""};

@@ -1,0 +1,94 @@
+# Where each library that Tavlen uses comes from, per platform. The other files name only the targets of this one.
+#
+#                              Debian                       Apple's systems
+#   dependency::CLI11          libcli11-dev                 headers in TAVLEN_APPLE_LIBRARIES
+#   dependency::CoreFoundation none                         SDK
+#   dependency::DragonBox      libdragonbox-dev             headers in TAVLEN_APPLE_LIBRARIES
+#   dependency::FastFloat      libfast-float-dev            headers in TAVLEN_APPLE_LIBRARIES
+#   dependency::ICU            libicu-dev                   SDK (libicucore); headers in TAVLEN_APPLE_LIBRARIES
+#   dependency::JavaScriptCore libjavascriptcoregtk-4.1-dev SDK
+#   dependency::JPEG           libjpeg62-turbo-dev          static in TAVLEN_APPLE_LIBRARIES
+#   dependency::LibXML2        libxml2-dev                  SDK
+#   dependency::ObjectiveC     libobjc-12-dev,              SDK
+#                              libblocksruntime-dev
+#   dependency::PNG            libpng-dev, zlib1g-dev       static in TAVLEN_APPLE_LIBRARIES; zlib: SDK
+#   dependency::TOML           libtomlplusplus-dev          headers in TAVLEN_APPLE_LIBRARIES
+#   dependency::UUID           uuid-dev                     SDK
+#   dependency::ZIP            libzip-dev                   static in TAVLEN_APPLE_LIBRARIES
+#
+# Of TOML only the headers are used: the packaged library has a lower limit of nesting, and lacks the sanitizers.
+
+if(APPLE)
+  # tavlen_dependency(NAME HEADER [LIBRARY...]): a library is `static:NAME` or what the linker is given.
+  function(tavlen_dependency name header)
+    add_library(dependency::${name} INTERFACE IMPORTED)
+    if(header)
+      find_path(${name}_INCLUDE_DIR ${header} PATH_SUFFIXES libxml2 REQUIRED)
+      # The compiler searches the SDK by itself, after its own headers.
+      if(NOT ${name}_INCLUDE_DIR STREQUAL "${CMAKE_OSX_SYSROOT}/usr/include")
+        target_include_directories(dependency::${name} SYSTEM INTERFACE "${${name}_INCLUDE_DIR}")
+      endif()
+    endif()
+    foreach(library IN LISTS ARGN)
+      if(library MATCHES "^static:(.*)")
+        find_library(${CMAKE_MATCH_1}_LIBRARY "lib${CMAKE_MATCH_1}.a" REQUIRED)
+        set(library "${${CMAKE_MATCH_1}_LIBRARY}")
+      endif()
+      target_link_libraries(dependency::${name} INTERFACE "${library}")
+    endforeach()
+  endfunction()
+
+  tavlen_dependency(CLI11 CLI/CLI.hpp)
+  tavlen_dependency(CoreFoundation "" "-framework CoreFoundation")
+  tavlen_dependency(DragonBox dragonbox/dragonbox.h)
+  tavlen_dependency(FastFloat fast_float/fast_float.h)
+  tavlen_dependency(ICU unicode/uchar.h -licucore)
+  # The system's library has the names of its functions without the version.
+  target_compile_definitions(dependency::ICU INTERFACE U_DISABLE_RENAMING=1)
+  tavlen_dependency(JavaScriptCore "" "-framework JavaScriptCore")
+  tavlen_dependency(JPEG jpeglib.h static:jpeg)
+  tavlen_dependency(LibXML2 libxml/parser.h -lxml2)
+  tavlen_dependency(ObjectiveC "" -lobjc)
+  tavlen_dependency(PNG png.h static:png16 -lz)
+  tavlen_dependency(TOML toml++/toml.h)
+  tavlen_dependency(UUID "")
+  tavlen_dependency(ZIP zip.h static:zip -lz)
+else()
+  find_package(PkgConfig REQUIRED)
+  # tavlen_dependency(NAME MODULE...): what pkg-config knows under these names.
+  function(tavlen_dependency name)
+    pkg_check_modules(${name} REQUIRED IMPORTED_TARGET GLOBAL ${ARGN})
+    add_library(dependency::${name} ALIAS PkgConfig::${name})
+  endfunction()
+
+  find_package(CLI11 REQUIRED)
+  add_library(dependency::CLI11 ALIAS CLI11::CLI11)
+  find_package(dragonbox REQUIRED)
+  add_library(dependency::DragonBox ALIAS dragonbox::dragonbox)
+  find_package(FastFloat REQUIRED)
+  add_library(dependency::FastFloat ALIAS FastFloat::fast_float)
+  add_library(dependency::CoreFoundation INTERFACE IMPORTED)
+  tavlen_dependency(ICU icu-i18n icu-uc)
+  tavlen_dependency(JavaScriptCore javascriptcoregtk-4.1)
+  tavlen_dependency(JPEG libjpeg)
+  tavlen_dependency(LibXML2 libxml-2.0)
+  tavlen_dependency(PNG libpng zlib)
+  tavlen_dependency(UUID uuid)
+  tavlen_dependency(ZIP libzip)
+
+  pkg_check_modules(TOMLPLUSPLUS REQUIRED tomlplusplus)
+  add_library(dependency::TOML INTERFACE IMPORTED)
+  target_include_directories(dependency::TOML SYSTEM INTERFACE ${TOMLPLUSPLUS_INCLUDE_DIRS})
+
+  # GCC's run time.
+  add_library(dependency::ObjectiveC INTERFACE IMPORTED)
+  target_link_libraries(dependency::ObjectiveC INTERFACE objc BlocksRuntime)
+  # Programs that do not use the bridge do not load the run time.
+  target_link_options(dependency::ObjectiveC INTERFACE "LINKER:--as-needed")
+  # The run time's headers are in the same folder as GCC's own headers, which clang must not find before its own.
+  find_program(TAVLEN_OBJC_COMPILER gcc-12 REQUIRED)
+  execute_process(COMMAND ${TAVLEN_OBJC_COMPILER} -print-file-name=include
+    OUTPUT_VARIABLE gcc_include OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+  target_compile_options(dependency::ObjectiveC INTERFACE
+    "$<$<COMPILE_LANG_AND_ID:CXX,Clang>:SHELL:-idirafter ${gcc_include}>")
+endif()

@@ -1,0 +1,63 @@
+#include "tavlen/foundation/files/Connection.h"
+
+#include <sys/socket.h>
+
+#include <array>
+
+#include "tavlen/foundation/base/SystemError.h"
+
+namespace tavlen {
+
+namespace {
+
+#ifdef __APPLE__
+
+constexpr int kSocketFlags = 0;
+
+int makePipe(int* ends) { return ::pipe(ends); }
+
+void closeOnExec(const FileDescriptor& descriptor) {
+  if (::fcntl(descriptor.get(), F_SETFD, FD_CLOEXEC) != 0) throwSystemError("fcntl");
+}
+
+#else
+
+constexpr int kSocketFlags = SOCK_CLOEXEC;
+
+int makePipe(int* ends) { return ::pipe2(ends, O_CLOEXEC); }
+
+void closeOnExec(const FileDescriptor& /*descriptor*/) {}
+
+#endif
+
+Connection owned(const std::array<int, 2>& ends) {
+  Connection connection{FileDescriptor(ends[0]), FileDescriptor(ends[1])};
+  closeOnExec(connection.first);
+  closeOnExec(connection.second);
+  return connection;
+}
+
+}  // namespace
+
+Connection Connection::pipe() {
+  std::array<int, 2> ends{};
+  if (makePipe(ends.data()) != 0) throwSystemError("pipe");
+  return owned(ends);
+}
+
+Connection Connection::socketPair() {
+  std::array<int, 2> ends{};
+  if (::socketpair(AF_UNIX, SOCK_STREAM | kSocketFlags, 0, ends.data()) != 0) {
+    throwSystemError("socketpair");
+  }
+  return owned(ends);
+}
+
+FileDescriptor makeDatagramSocket() {
+  FileDescriptor made(::socket(AF_INET, SOCK_DGRAM | kSocketFlags, 0));
+  if (!made) throwSystemError("socket");
+  closeOnExec(made);
+  return made;
+}
+
+}  // namespace tavlen

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "tavlen/foundation/files/FileDescriptor.h"
+
+/// Descriptors that are not opened by a path. All are close-on-exec: where the system cannot set
+/// this in the same call, Spawn keeps them from children that start in between. Threads: any.
+namespace tavlen {
+
+/// Two descriptors that are connected.
+struct Connection {
+  FileDescriptor first;   ///< of a pipe, the end that is read
+  FileDescriptor second;  ///< of a pipe, the end that is written
+
+  /// Throws std::system_error.
+  static Connection pipe();
+  /// Two sockets of this machine, each for reading and writing a stream. Throws std::system_error.
+  static Connection socketPair();
+};
+
+/// A socket for IPv4 datagrams. Throws std::system_error.
+FileDescriptor makeDatagramSocket();
+
+}  // namespace tavlen

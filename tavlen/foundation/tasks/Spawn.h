@@ -1,0 +1,48 @@
+#pragma once
+
+#include <spawn.h>
+#include <sys/types.h>
+
+#include <string>
+#include <vector>
+
+namespace tavlen {
+
+/// How the program is found.
+enum class ProgramLookup {
+  exact,
+  alongPath,  ///< along PATH, for a name without a slash
+};
+
+/// Starts a child that inherits the three standard streams and no other descriptor, even one that
+/// was opened without close-on-exec, by a library or between two calls of another thread.
+///
+/// Users of the library have Process. Threads: any, one object one thread at a time.
+class Spawn {
+ public:
+  /// The child gets the caller's standard streams. Throws std::system_error.
+  Spawn();
+  Spawn(const Spawn&) = delete;
+  Spawn& operator=(const Spawn&) = delete;
+  ~Spawn();
+
+  /// The child's standard stream `to` is the descriptor `from`. Throws std::system_error.
+  void redirect(int from, int to);
+  /// The child gets a process group of its own. Throws std::system_error.
+  void makeOwnGroup();
+
+  /// Starts `program` with `arguments`, the whole vector, and the caller's environment. Returns the
+  /// error number of posix_spawn(). For 0, `child` is set and must be waited for. Call once.
+  int start(const char* program, const std::vector<std::string>& arguments, ProgramLookup lookup,
+            pid_t& child);
+
+ private:
+  posix_spawn_file_actions_t actions_{};
+  posix_spawnattr_t attributes_{};
+  short flags_ = 0;
+};
+
+/// waitpid() without options, retried when a signal interrupts it. Threads: any.
+pid_t waitForChild(pid_t child, int& status);
+
+}  // namespace tavlen

@@ -72,7 +72,7 @@ class IPA : public std::enable_shared_from_this<IPA> {
   /// Replaces the active tweak by `tweak`, or removes it when `tweak` is null. Then ends the app,
   /// or restarts the home screen if the icon changes.
   ///
-  /// Blocks. Everything that can fail is tried before the old installation is touched: the new one
+  /// Blocks, and cannot be cancelled. Everything that can fail is tried before the old installation is touched: the new one
   /// is complete on the same volume, and the helper has shown that it runs. A later failure
   /// restores the old one; if that fails as well, or the process dies at that moment, nothing is
   /// installed and no record remains. Throws the errors of InfoManager::info(),

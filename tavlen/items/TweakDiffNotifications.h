@@ -17,8 +17,11 @@ inline constexpr std::string_view kTweakDiffsKey = "diffs";
 /// Posts `diffs` immediately, even if the list is empty or tweakPoster() is silenced.
 void postTweakDiffs(NotificationCenter& center, TweakDiffs diffs);
 
-/// Calls `handler` with the diffs of every notification that has some, on the posting thread. The
-/// observer is never removed.
+/// Calls `handler` with the diffs of every notification that has some, on the posting thread, until
+/// the result is passed to NotificationCenter::removeObserver().
+[[nodiscard]] NotificationCenter::Token observeTweakDiffs(
+    NotificationCenter& center, std::function<void(const TweakDiffs&)> handler);
+/// As observeTweakDiffs(), but the observer is never removed.
 void addTweakDiffObserver(NotificationCenter& center,
                           std::function<void(const TweakDiffs&)> handler);
 

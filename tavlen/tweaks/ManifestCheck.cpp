@@ -53,7 +53,7 @@ class Checker {
 
   void checkApp() {
     const std::string& id = manifest_.configuration.bundleID;
-    const auto& apps = surroundings_.apps;
+    const std::vector<std::string_view> apps(surroundings_.apps.begin(), surroundings_.apps.end());
     if (apps.empty() || std::find(apps.begin(), apps.end(), id) != apps.end()) return;
     add(Subject::app, "unknown-app",
         "the app \"" + id + "\" is not installed here" + suggestionText(id, apps));

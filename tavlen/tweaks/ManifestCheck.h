@@ -48,7 +48,7 @@ struct TweakSurroundings {
   std::string_view script = {};
   /// The identifiers of the installed apps. The app is not checked if there are none: then this is
   /// no device.
-  std::vector<std::string_view> apps = {};
+  std::vector<std::string> apps = {};
 };
 
 /// The problems of a tweak, in the order of its manifest: an app that is not installed, an unknown

@@ -40,11 +40,12 @@ class TweakProtocol {
   virtual std::string_view archiveExtension() const = 0;
   /// A diff which says that this item was created or deleted.
   virtual TweakDiff diffFor(GenericTweakDiffMode mode) = 0;
-  /// Copies the item into the folder `directory`, in the layout of archives. Throws
+  /// Copies the item into the folder `directory`, in the layout of archives. Blocks, and cannot be
+  /// cancelled. Throws
   /// std::system_error.
   virtual void preparePayloadIn(const std::filesystem::path& directory) const = 0;
   /// Builds the loader's input: for every tweak, a new folder "<UUID>.bundle" in the existing
-  /// folder `directory`. The code is translated by "ob.js" in the folder `transpiler`. `tweakInfo`
+  /// folder `directory`. Blocks, and cannot be cancelled. The code is translated by "ob.js" in the folder `transpiler`. `tweakInfo`
   /// receives the URL that the icon will have once installed for the app `tweakInfo.bundleID`.
   /// Throws TweakError::bundleIDMismatch for a tweak of another app, std::system_error, and what
   /// associatedIPA(), InfoManager::info() and TweakProcessor throw.

@@ -22,7 +22,7 @@ class InstallableItem : public InstallableTweak {
   const std::vector<TweakFile::Opened>& tweaks() const { return tweaks_; }
 
   std::string id() const override { return item_.item()->id(); }
-  /// Throws what TweakProtocol::package() throws.
+  /// Blocks, and cannot be cancelled. Throws what TweakProtocol::package() throws.
   void package(const Info& target, const std::filesystem::path& directory,
                TweakInfo& tweakInfo) const override;
 

@@ -28,7 +28,8 @@ class TweakManager {
 
   TweakManager() = delete;
 
-  /// The items in the tweaks directory, in directory order. Items that cannot be opened are left
+  /// The items in the tweaks directory, in directory order. Blocks while it opens each item, as
+  /// do the other functions that list or find items. Items that cannot be opened are left
   /// out. Empty if the directory cannot be read.
   static std::vector<std::shared_ptr<TweakProtocol>> allTweaks();
   /// As allTweaks(), but also returns the items' settings. Reads every document once.
@@ -60,7 +61,7 @@ class TweakManager {
   /// Whether `url` has the extension of an archive of tweaks or collections.
   static bool canHandle(const std::filesystem::path& url);
 
-  /// Imports an archive and returns the new item. Posts nothing; the caller announces the item.
+  /// Imports an archive and returns the new item. Posts nothing; the caller announces the item. Blocks.
   /// `progress`, which may be null, reports and cancels unpacking. Throws Error::unknownTweakType,
   /// ZIPError, std::system_error, and what the kind's handlePayloadAt() throws.
   static std::shared_ptr<TweakProtocol> decompressAt(const std::filesystem::path& url,
@@ -75,7 +76,8 @@ class TweakManager {
 
   /// Writes an archive named after the item into a new temporary folder next to the tweaks
   /// directory, and returns the archive's path. The caller removes the archive and its folder.
-  /// `progress` may be null. Throws ZIPError, std::system_error, and what reading the manifest
+  /// Blocks. `progress`, which may be null, reports and cancels packing. Throws ZIPError,
+  /// std::system_error, and what reading the manifest
   /// throws.
   static std::filesystem::path export_(const TweakProtocol& tweak, Progress* progress = nullptr);
   /// As export_(), but uses what has been read, and leaves files in the empty folder `folder`,

@@ -20,7 +20,7 @@ struct Packaging {
 };
 
 /// Makes the package of one tweak, for the app whose Info.plist is `target`. Implements
-/// TweakFile::package(). Files keep their permissions, except for set-user-ID and set-group-ID.
+/// TweakFile::package(). Blocks while it converts and copies, and cannot be cancelled. Files keep their permissions, except for set-user-ID and set-group-ID.
 ///
 /// Throws as TweakFile::package() does, and std::system_error with EINVAL for entries with a
 /// refusalOf(). After an error the directory holds nothing new and `tweakInfo` is unchanged.

@@ -18,7 +18,8 @@ namespace tavlen {
 /// Translates a tweak into installable code by means of the transpiler script "ob.js".
 ///
 /// The first exception in the script, while loading or later, is kept: every later conversion
-/// throws it again. Use a processor for one tweak only. Threads: use it on one thread.
+/// throws it again. Use a processor for one tweak only. Conversions block, in
+/// proportion to the text, and cannot be cancelled. Threads: use it on one thread.
 class TweakProcessor {
  public:
   class Error;
@@ -29,7 +30,8 @@ class TweakProcessor {
     std::string map;   ///< the source map of `code`, as JSON
   };
 
-  /// Loads "ob.js" from the folder `container`. Throws std::system_error if it cannot be read. If
+  /// Loads "ob.js" from the folder `container`. Throws std::system_error if it cannot be read, and
+  /// JavaScriptContext::EngineError. If
   /// the script does not define the global "OBJSTranspiler", the process is terminated.
   explicit TweakProcessor(const std::filesystem::path& container);
 

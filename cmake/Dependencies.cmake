@@ -1,4 +1,5 @@
-# Where each library that Tavlen uses comes from, per platform. The other files name only the targets of this one.
+# Where each library that Tavlen uses comes from, per platform. The other files name only the targets of this one. It is
+# installed, too: a program that links the static library needs the libraries that are linked.
 #
 #                              Debian                       Apple's systems
 #   dependency::CLI11          libcli11-dev                 headers in TAVLEN_APPLE_LIBRARIES
@@ -16,7 +17,17 @@
 #   dependency::UUID           uuid-dev                     SDK
 #   dependency::ZIP            libzip-dev                   static in TAVLEN_APPLE_LIBRARIES
 #
-# Of TOML only the headers are used: the packaged library has a lower limit of nesting, and lacks the sanitizers.
+# Of TOML only the headers are used: the packaged library has a lower limit of nesting, and lacks the sanitizers. Of
+# JavaScriptCore only the headers are used on Debian: its library is loaded when a script is first run.
+
+set(TAVLEN_LINKED_LIBRARIES dependency::ICU dependency::JPEG dependency::LibXML2 dependency::ObjectiveC dependency::PNG
+  dependency::UUID dependency::ZIP)
+set(TAVLEN_HEADER_LIBRARIES dependency::DragonBox dependency::FastFloat dependency::TOML)
+if(APPLE)
+  list(APPEND TAVLEN_LINKED_LIBRARIES dependency::CoreFoundation dependency::JavaScriptCore)
+else()
+  list(APPEND TAVLEN_HEADER_LIBRARIES dependency::JavaScriptCore)
+endif()
 
 if(APPLE)
   # tavlen_dependency(NAME HEADER [LIBRARY...]): a library is `static:NAME` or what the linker is given.
@@ -56,29 +67,37 @@ if(APPLE)
 else()
   find_package(PkgConfig REQUIRED)
   # tavlen_dependency(NAME MODULE...): what pkg-config knows under these names.
-  function(tavlen_dependency name)
+  set(TAVLEN_PKG_CONFIG_MODULES)
+  macro(tavlen_dependency name)
     pkg_check_modules(${name} REQUIRED IMPORTED_TARGET GLOBAL ${ARGN})
     add_library(dependency::${name} ALIAS PkgConfig::${name})
-  endfunction()
-
-  find_package(CLI11 REQUIRED)
-  add_library(dependency::CLI11 ALIAS CLI11::CLI11)
-  find_package(dragonbox REQUIRED)
-  add_library(dependency::DragonBox ALIAS dragonbox::dragonbox)
-  find_package(FastFloat REQUIRED)
-  add_library(dependency::FastFloat ALIAS FastFloat::fast_float)
-  add_library(dependency::CoreFoundation INTERFACE IMPORTED)
+    list(APPEND TAVLEN_PKG_CONFIG_MODULES ${ARGN})
+  endmacro()
   tavlen_dependency(ICU icu-i18n icu-uc)
-  tavlen_dependency(JavaScriptCore javascriptcoregtk-4.1)
   tavlen_dependency(JPEG libjpeg)
   tavlen_dependency(LibXML2 libxml-2.0)
   tavlen_dependency(PNG libpng zlib)
   tavlen_dependency(UUID uuid)
   tavlen_dependency(ZIP libzip)
 
-  pkg_check_modules(TOMLPLUSPLUS REQUIRED tomlplusplus)
-  add_library(dependency::TOML INTERFACE IMPORTED)
-  target_include_directories(dependency::TOML SYSTEM INTERFACE ${TOMLPLUSPLUS_INCLUDE_DIRS})
+  if(NOT TAVLEN_IS_INSTALLED)
+    find_package(dragonbox REQUIRED)
+    add_library(dependency::DragonBox ALIAS dragonbox::dragonbox)
+    find_package(FastFloat REQUIRED)
+    add_library(dependency::FastFloat ALIAS FastFloat::fast_float)
+    # tavlen_headers(NAME MODULE): the headers of a module alone.
+    function(tavlen_headers name module)
+      pkg_check_modules(${name} REQUIRED ${module})
+      add_library(dependency::${name} INTERFACE IMPORTED)
+      target_include_directories(dependency::${name} SYSTEM INTERFACE ${${name}_INCLUDE_DIRS})
+    endfunction()
+    tavlen_headers(JavaScriptCore javascriptcoregtk-4.1)
+    tavlen_headers(TOML tomlplusplus)
+  endif()
+  if(TAVLEN_COMMAND)
+    find_package(CLI11 REQUIRED)
+    add_library(dependency::CLI11 ALIAS CLI11::CLI11)
+  endif()
 
   # GCC's run time.
   add_library(dependency::ObjectiveC INTERFACE IMPORTED)
@@ -86,9 +105,9 @@ else()
   # Programs that do not use the bridge do not load the run time.
   target_link_options(dependency::ObjectiveC INTERFACE "LINKER:--as-needed")
   # The run time's headers are in the same folder as GCC's own headers, which clang must not find before its own.
-  find_program(TAVLEN_OBJC_COMPILER gcc-12 REQUIRED)
-  execute_process(COMMAND ${TAVLEN_OBJC_COMPILER} -print-file-name=include
-    OUTPUT_VARIABLE gcc_include OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
-  target_compile_options(dependency::ObjectiveC INTERFACE
-    "$<$<COMPILE_LANG_AND_ID:CXX,Clang>:SHELL:-idirafter ${gcc_include}>")
+  if(NOT TAVLEN_IS_INSTALLED AND CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+    file(GLOB gcc_includes "/usr/lib/gcc/*/*/include")
+    find_path(TAVLEN_OBJC_HEADERS objc/objc.h PATHS ${gcc_includes} NO_DEFAULT_PATH REQUIRED)
+    target_compile_options(dependency::ObjectiveC INTERFACE "SHELL:-idirafter ${TAVLEN_OBJC_HEADERS}")
+  endif()
 endif()

@@ -2,6 +2,7 @@
 # Foundation. The library itself contains no Objective-C.
 
 # The compiler that belongs to the linked run time, whichever compiler builds the rest.
+find_program(TAVLEN_OBJC_COMPILER gcc-12 REQUIRED)
 set(CMAKE_OBJC_COMPILER ${TAVLEN_OBJC_COMPILER})
 enable_language(OBJC)
 

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "tavlen/device/AppListFetcher.h"
+#include "tavlen/foundation/base/API.h"
 
 namespace tavlen {
 
@@ -17,7 +18,7 @@ class IPA;
 ///
 /// Threads: any. The first call fetches, and others wait for it; with many apps this takes as long
 /// as reading their Info.plist files.
-class AppList {
+class TAVLEN_API AppList {
  public:
   /// Posted to NotificationCenter::default_() when a list has been reloaded; its object is the
   /// list.

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <utility>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/items/ListedItem.h"
 #include "tavlen/items/TweakColor.h"
 #include "tavlen/items/TweakGlyph.h"
@@ -17,7 +18,8 @@ namespace tavlen {
 
 /// A handle on one collection file. A collection lists tweaks that are shown, shared and installed
 /// together.
-class TweakCollection : public TweakProtocol, public std::enable_shared_from_this<TweakCollection> {
+class TAVLEN_API TweakCollection : public TweakProtocol,
+                                   public std::enable_shared_from_this<TweakCollection> {
  public:
   struct Manifest;
   struct Opened;

@@ -20,7 +20,7 @@ TAVLEN_API bool isAvailable();
 TAVLEN_API std::optional<pid_t> pidForApplication(const std::string& bundleID);
 
 /// How an app is opened.
-struct OpenOptions {
+struct TAVLEN_API OpenOptions {
   bool isSuspended = false;  ///< start the app without bringing it to the front
   /// Environment variables for the app's process, in addition to its own.
   std::map<std::string, std::string> environment;
@@ -35,6 +35,6 @@ using OpenCompletion = std::function<void(const std::optional<std::string>& erro
 /// long as it likes. When the system cannot be asked, it is called at once, on this thread, with an
 /// error. Threads: any.
 TAVLEN_API void openApplication(const std::string& bundleID, const OpenOptions& options,
-                     OpenCompletion completion);
+                                OpenCompletion completion);
 
 }  // namespace tavlen::SystemService

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/errors/CasedError.h"
 #include "tavlen/items/ListedItem.h"
 #include "tavlen/items/TweakProtocol.h"
@@ -20,7 +21,7 @@ namespace tavlen {
 class Progress;
 
 /// Lists, opens, imports and exports stored tweaks and collections. Stateless. Threads: any.
-class TweakManager {
+class TAVLEN_API TweakManager {
  public:
   /// The cases of Error.
   enum class ErrorCase { unknownTweakType };
@@ -61,9 +62,10 @@ class TweakManager {
   /// Whether `url` has the extension of an archive of tweaks or collections.
   static bool canHandle(const std::filesystem::path& url);
 
-  /// Imports an archive and returns the new item. Posts nothing; the caller announces the item. Blocks.
-  /// `progress`, which may be null, reports and cancels unpacking. Throws Error::unknownTweakType,
-  /// ZIPError, std::system_error, and what the kind's handlePayloadAt() throws.
+  /// Imports an archive and returns the new item. Posts nothing; the caller announces the item.
+  /// Blocks. `progress`, which may be null, reports and cancels unpacking. Throws
+  /// Error::unknownTweakType, ZIPError, std::system_error, and what the kind's handlePayloadAt()
+  /// throws.
   static std::shared_ptr<TweakProtocol> decompressAt(const std::filesystem::path& url,
                                                      Progress* progress = nullptr);
 
@@ -91,7 +93,7 @@ class TweakManager {
 };
 
 /// An error of the store.
-class TweakManager::Error : public CasedError<TweakManager::ErrorCase> {
+class TAVLEN_API TweakManager::Error : public CasedError<TweakManager::ErrorCase> {
  public:
   /// The name is neither that of a tweak nor that of a collection.
   static Error unknownTweakType();

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/tweaks/HookCheck.h"
 #include "tavlen/tweaks/Manifest.h"
 #include "tavlen/tweaks/PackagedEntries.h"
@@ -13,7 +14,7 @@
 namespace tavlen {
 
 /// A likely mistake in a tweak, with which it still builds.
-struct TweakProblem {
+struct TAVLEN_API TweakProblem {
   /// What it is about.
   enum class Subject { app, glyph, override_, hook, file };
 
@@ -32,7 +33,7 @@ struct TweakProblem {
 };
 
 /// What a manifest is checked against.
-struct TweakSurroundings {
+struct TAVLEN_API TweakSurroundings {
   /// What a name of a resource leads to.
   enum class ResourceState { present, missing, outside };
 
@@ -56,11 +57,12 @@ struct TweakSurroundings {
 /// hooked twice, resources that are missing or lie outside of their folder; and last entries
 /// that are not packaged, and the resources that nothing uses. Time is linear in the manifest but
 /// for usesOf() and the number of apps. Threads: any.
-std::vector<TweakProblem> problemsOf(const TweakFile::Manifest& manifest,
-                                     const TweakSurroundings& surroundings);
+TAVLEN_API std::vector<TweakProblem> problemsOf(const TweakFile::Manifest& manifest,
+                                                const TweakSurroundings& surroundings);
 
 /// The place of a problem in the stored manifest: "hooks[2].args.0", "configuration.glyph"; empty
 /// for a file.
-std::string documentPath(const TweakFile::Manifest& manifest, const TweakProblem& problem);
+TAVLEN_API std::string documentPath(const TweakFile::Manifest& manifest,
+                                    const TweakProblem& problem);
 
 }  // namespace tavlen

@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/errors/LocalizedError.h"
 #include "tavlen/foundation/javascript/JavaScriptContext.h"
 #include "tavlen/foundation/javascript/JavaScriptValue.h"
@@ -20,7 +21,7 @@ namespace tavlen {
 /// The first exception in the script, while loading or later, is kept: every later conversion
 /// throws it again. Use a processor for one tweak only. Conversions block, in
 /// proportion to the text, and cannot be cancelled. Threads: use it on one thread.
-class TweakProcessor {
+class TAVLEN_API TweakProcessor {
  public:
   class Error;
 
@@ -64,7 +65,7 @@ class TweakProcessor {
 };
 
 /// A failed conversion.
-class TweakProcessor::Error : public LocalizedError {
+class TAVLEN_API TweakProcessor::Error : public LocalizedError {
  public:
   /// An exception in the transpiler, or a result without code and map.
   enum class Case { jsException, invalidOutput };

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/text/TextPosition.h"
 #include "tavlen/parameters/ParameterPath.h"
 #include "tavlen/tweaks/Manifest.h"
@@ -27,7 +28,7 @@
 namespace tavlen {
 
 /// The places of a value in a text.
-struct ValuePlaces {
+struct TAVLEN_API ValuePlaces {
   /// Where the value begins.
   TextPosition position;
   /// Whether it is written as a plain integer, whose kind the type decides.
@@ -40,7 +41,7 @@ struct ValuePlaces {
 };
 
 /// The places of a hook in a text.
-struct HookPlaces {
+struct TAVLEN_API HookPlaces {
   /// The hook's header.
   TextPosition position;
   /// The method, or the class.
@@ -52,7 +53,7 @@ struct HookPlaces {
 };
 
 /// The path of a file, relative to the text's folder unless it is absolute. It is not checked.
-struct FileReference {
+struct TAVLEN_API FileReference {
   /// As written.
   std::string path;
   /// Where it begins.
@@ -60,7 +61,7 @@ struct FileReference {
 };
 
 /// A tweak that was read from a text.
-struct TweakText {
+struct TAVLEN_API TweakText {
   /// The manifest. Hooks without types have an empty signature.
   TweakFile::Manifest manifest;
   /// The tweak's own icon.

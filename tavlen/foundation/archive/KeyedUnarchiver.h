@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/base/FunctionRef.h"
 #include "tavlen/foundation/base/Limits.h"
 #include "tavlen/foundation/files/URL.h"
@@ -30,7 +31,7 @@ namespace tavlen {
 ///
 /// The work is limited for any archive, and so is the size of what is read, written as a tree: by
 /// `kDeepest` nested objects (which ends a cycle) and by SharedReferenceBudget.
-class KeyedUnarchiver {
+class TAVLEN_API KeyedUnarchiver {
  public:
   /// An index in the property list.
   using Index = PropertyList::Index;

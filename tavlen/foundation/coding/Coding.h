@@ -13,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/base/BoxedOptional.h"
 #include "tavlen/foundation/coding/CodingError.h"
 #include "tavlen/foundation/coding/Decoder.h"
@@ -62,7 +63,7 @@ concept CodedRecord = requires {
 
 /// Parses the key of a table of numbers: an optional sign and decimal digits, nothing else. Throws
 /// DecodingError::typeMismatch.
-std::int64_t wholeNumberFromKey(std::string_view key);
+TAVLEN_API std::int64_t wholeNumberFromKey(std::string_view key);
 
 /// The coding of one type: static functions `encode(encoder, value)` and `decode(decoder, value&)`.
 template <class T>

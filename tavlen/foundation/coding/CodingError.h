@@ -4,6 +4,7 @@
 #include <string>
 #include <utility>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/base/DescribedError.h"
 #include "tavlen/foundation/coding/CodingPath.h"
 #include "tavlen/foundation/text/TextPosition.h"
@@ -13,7 +14,7 @@ namespace tavlen {
 /// The common base of decoding and encoding errors: a place in the document and a text.
 ///
 /// The description is `path: text`, or only the text at the document's root. It is not translated.
-class CodingError : public DescribedError {
+class TAVLEN_API CodingError : public DescribedError {
  public:
   /// The place of the fault, from the document's root.
   const CodingPath& codingPath() const { return path_; }
@@ -36,7 +37,7 @@ class CodingError : public DescribedError {
 
 /// A document that does not match the requested type. The cases and their paths are the platform's,
 /// except that malformed text and numbers have a path here as well.
-class DecodingError : public CodingError {
+class TAVLEN_API DecodingError : public CodingError {
   /// The kinds of faults.
  public:
   enum class Case {
@@ -75,7 +76,7 @@ class DecodingError : public CodingError {
 };
 
 /// A value that the format cannot hold: the platform's only case.
-class EncodingError : public CodingError {
+class TAVLEN_API EncodingError : public CodingError {
  public:
   /// An error with the description `text`.
   static EncodingError invalidValue(std::string text) { return EncodingError(std::move(text)); }

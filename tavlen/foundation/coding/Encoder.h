@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string_view>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/coding/Date.h"
 
 namespace tavlen {
@@ -13,7 +14,7 @@ namespace tavlen {
 /// The calls form one value: a scalar; or `beginArray`, values, `endArray`; or `beginRecord`, pairs
 /// of `key` and a value, `endRecord`. Throws EncodingError for a value that the format cannot hold;
 /// its path is completed while it propagates. Threads: one object one thread at a time.
-class Encoder {
+class TAVLEN_API Encoder {
  public:
   virtual ~Encoder() = default;
 

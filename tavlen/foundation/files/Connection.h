@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/files/FileDescriptor.h"
 
 /// Descriptors that are not opened by a path. All are close-on-exec: where the system cannot set
@@ -7,7 +8,7 @@
 namespace tavlen {
 
 /// Two descriptors that are connected.
-struct Connection {
+struct TAVLEN_API Connection {
   FileDescriptor first;   ///< of a pipe, the end that is read
   FileDescriptor second;  ///< of a pipe, the end that is written
 
@@ -18,6 +19,6 @@ struct Connection {
 };
 
 /// A socket for IPv4 datagrams. Throws std::system_error.
-FileDescriptor makeDatagramSocket();
+TAVLEN_API FileDescriptor makeDatagramSocket();
 
 }  // namespace tavlen

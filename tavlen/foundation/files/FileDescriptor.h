@@ -12,6 +12,8 @@
 #include <string_view>
 #include <utility>
 
+#include "tavlen/foundation/base/API.h"
+
 namespace tavlen {
 
 /// Flags to open a folder; a symbolic link to a folder is refused.
@@ -33,7 +35,7 @@ inline constexpr int kOpenToPass = kOpenFolder;
 ///
 /// Calls interrupted by a signal are retried. Errors are std::system_error with `shown`, the path
 /// for the reader. Threads: as for the system calls.
-class FileDescriptor {
+class TAVLEN_API FileDescriptor {
  public:
   /// Takes ownership of `value`; -1 for none.
   explicit FileDescriptor(int value = -1) : value_(value) {}

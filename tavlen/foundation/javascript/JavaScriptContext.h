@@ -6,6 +6,7 @@
 #include <string_view>
 #include <utility>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/base/DescribedError.h"
 #include "tavlen/foundation/javascript/JavaScriptValue.h"
 
@@ -23,7 +24,7 @@ namespace tavlen {
 ///
 /// Threads: one thread at a time may use a context and its values. Contexts share nothing, so each
 /// thread may have its own.
-class JavaScriptContext : public std::enable_shared_from_this<JavaScriptContext> {
+class TAVLEN_API JavaScriptContext : public std::enable_shared_from_this<JavaScriptContext> {
  public:
   /// Thrown where the engine's shared library cannot be loaded.
   class EngineError : public DescribedError {

@@ -2,6 +2,7 @@
 
 #include <string_view>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/base/FunctionRef.h"
 #include "tavlen/foundation/coding/Coding.h"
 #include "tavlen/foundation/json/IgnoredKeys.h"
@@ -28,10 +29,11 @@ namespace tavlen {
 /// in the document.
 /// Errors: DecodingError; with the place in the text, unless its encoding is at fault. Threads:
 /// any.
-void readJSON(std::string_view bytes, FunctionRef<void(Decoder&)> read);
+TAVLEN_API void readJSON(std::string_view bytes, FunctionRef<void(Decoder&)> read);
 /// The same, and adds the keys that were ignored to `ignored`, at their places in the text. An
 /// unread value does not count as ignored within a value that is itself unread.
-void readJSON(std::string_view bytes, FunctionRef<void(Decoder&)> read, IgnoredKeys& ignored);
+TAVLEN_API void readJSON(std::string_view bytes, FunctionRef<void(Decoder&)> read,
+                         IgnoredKeys& ignored);
 
 /// Decodes the JSON document `bytes` as a T. Errors, memory and threads as for readJSON().
 template <class T>

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <utility>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/base/Limits.h"
 #include "tavlen/foundation/coding/Coding.h"
 
@@ -18,7 +19,7 @@ namespace tavlen {
 /// than 511 containers, and, in a text that is a whole, more than limits::kJSONValues values. The
 /// text written so far stays in `out`, or with the receiver of the pieces. Threads: one object one
 /// thread at a time.
-class JSONEncoder final : public Encoder {
+class TAVLEN_API JSONEncoder final : public Encoder {
  public:
   /// Maximum nesting of containers: the platform's limit, one less than it reads.
   static constexpr std::size_t kMaximumDepth = limits::kJSONDepth - 1;
@@ -105,6 +106,6 @@ std::string encodeJSON(const T& value) {
 }
 
 /// Appends `text` as a JSON string literal. Throws EncodingError when it is not UTF-8.
-void appendJSONString(std::string& out, std::string_view text);
+TAVLEN_API void appendJSONString(std::string& out, std::string_view text);
 
 }  // namespace tavlen

@@ -10,6 +10,7 @@
 #include <variant>
 #include <vector>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/coding/CodingError.h"
 #include "tavlen/foundation/coding/Date.h"
 
@@ -26,7 +27,7 @@ namespace tavlen {
 /// contiguously, so a table takes a handful of allocations. Accessors return views, which are valid
 /// until the table changes. Nothing recurses, so lists of any depth can be built, read and
 /// destroyed. A plain value; threads may make const calls concurrently.
-class PropertyList {
+class TAVLEN_API PropertyList {
  public:
   /// The position of an object in the table.
   using Index = std::uint32_t;
@@ -179,9 +180,9 @@ std::optional<T> PropertyList::get(Index index) const {
 }
 
 /// The kind with an article, for messages: "a string".
-std::string_view description(PropertyList::Kind kind);
+TAVLEN_API std::string_view description(PropertyList::Kind kind);
 
 /// The error for a list that cannot be read: the platform's text, followed by `reason`.
-DecodingError invalidPropertyList(std::string_view reason);
+TAVLEN_API DecodingError invalidPropertyList(std::string_view reason);
 
 }  // namespace tavlen

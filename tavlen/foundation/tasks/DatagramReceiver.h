@@ -7,6 +7,7 @@
 #include <string_view>
 #include <thread>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/base/FunctionRef.h"
 #include "tavlen/foundation/files/Connection.h"
 
@@ -16,7 +17,7 @@ namespace tavlen {
 /// thread closes it.
 ///
 /// Threads: any; one at a time may be in receive(). No lock is held while a handler runs.
-class DatagramReceiver {
+class TAVLEN_API DatagramReceiver {
  public:
   /// Handles one datagram, valid during the call. Returns whether to continue receiving.
   using Handler = FunctionRef<bool(std::string_view datagram)>;

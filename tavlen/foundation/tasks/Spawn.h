@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "tavlen/foundation/base/API.h"
+
 namespace tavlen {
 
 /// How the program is found.
@@ -18,7 +20,7 @@ enum class ProgramLookup {
 /// was opened without close-on-exec, by a library or between two calls of another thread.
 ///
 /// Users of the library have Process. Threads: any, one object one thread at a time.
-class Spawn {
+class TAVLEN_API Spawn {
  public:
   /// The child gets the caller's standard streams. Throws std::system_error.
   Spawn();
@@ -43,6 +45,6 @@ class Spawn {
 };
 
 /// waitpid() without options, retried when a signal interrupts it. Threads: any.
-pid_t waitForChild(pid_t child, int& status);
+TAVLEN_API pid_t waitForChild(pid_t child, int& status);
 
 }  // namespace tavlen

@@ -3,6 +3,8 @@
 #include <compare>
 #include <string_view>
 
+#include "tavlen/foundation/base/API.h"
+
 /// Sorting and searching of names by the rules of the user's locale, ignoring case but not accents.
 ///
 /// Texts are UTF-8; malformed sequences count as U+FFFD. Composed and decomposed characters are
@@ -13,10 +15,11 @@ namespace tavlen {
 
 /// The order of `left` and `right` in a sorted list. Punctuation and blanks count; digits compare
 /// one by one.
-std::weak_ordering localizedCaseInsensitiveCompare(std::string_view left, std::string_view right);
+TAVLEN_API std::weak_ordering localizedCaseInsensitiveCompare(std::string_view left,
+                                                              std::string_view right);
 
 /// Whether `query` occurs in `text`, ending at the end of a character ("e" is not in "é"). False
 /// for an empty query.
-bool localizedCaseInsensitiveContains(std::string_view text, std::string_view query);
+TAVLEN_API bool localizedCaseInsensitiveContains(std::string_view text, std::string_view query);
 
 }  // namespace tavlen

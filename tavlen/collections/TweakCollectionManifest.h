@@ -57,4 +57,10 @@ struct TweakCollection::Opened {
                         std::span<const TweakFile::Opened> members) const;
 };
 
+/// A collection that is not stored, with its members.
+struct TweakCollection::Unpacked {
+  Opened collection;                       ///< the collection
+  std::vector<TweakFile::Opened> members;  ///< in the folder next to it, each once
+};
+
 }  // namespace tavlen

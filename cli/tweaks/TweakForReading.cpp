@@ -12,7 +12,7 @@
 #include "cli/terminal/ShownText.h"
 #include "cli/tweaks/TextInput.h"
 #include "cli/tweaks/TweakContents.h"
-#include "tavlen/collections/TweakCollection.h"
+#include "tavlen/collections/TweakCollectionManifest.h"
 #include "tavlen/foundation/coding/CodingError.h"
 #include "tavlen/foundation/files/FileTree.h"
 #include "tavlen/foundation/files/TemporaryDirectory.h"
@@ -55,24 +55,45 @@ OpenedTweak tweakFromText(const std::string& argument) {
   return tweak;
 }
 
+bool isOfCollection(const std::string& archive) {
+  return lowercased(archive).ends_with(TweakCollection::compressedExtension);
+}
+
+/// What `unpack` makes of the archive, with errors that name it.
+template <class Unpack>
+auto unpacked(const std::string& archive, const Unpack& unpack) {
+  try {
+    const ProgressLine line("unpacking " + archive);
+    return unpack(line.progress().get());
+  } catch (const DecodingError& error) {
+    throw documentError(archive + "/" + kDocumentFile, error);
+  } catch (const DescribedError& error) {
+    throw std::runtime_error(archive + ": " + errorText(error));
+  }
+}
+
 OpenedTweak tweakFromArchive(const std::string& argument) {
-  if (lowercased(argument).ends_with(TweakCollection::compressedExtension))
+  if (isOfCollection(argument))
     throw std::runtime_error(argument + ": is the archive of a collection; import makes one of it");
   OpenedTweak tweak;
   tweak.argument = argument;
   tweak.folder = argument;
   auto folder = std::make_shared<HiddenFolder>();
   const fs::path place = folder->path() / nameFor(argument);
-  try {
-    const ProgressLine line("unpacking " + argument);
-    useFolder(tweak, TweakManager::openTweakArchive(argument, place, line.progress().get()));
-  } catch (const DecodingError& error) {
-    throw documentError(tweak.pathOf(kDocumentFile), error);
-  } catch (const DescribedError& error) {
-    throw std::runtime_error(argument + ": " + errorText(error));
-  }
+  useFolder(tweak, unpacked(argument, [&](Progress* progress) {
+              return TweakManager::openTweakArchive(argument, place, progress);
+            }));
   tweak.temporaryFolder = std::move(folder);
   return tweak;
+}
+
+ItemForReading collectionFromArchive(const std::string& argument) {
+  auto folder = std::make_shared<HiddenFolder>();
+  const fs::path place = folder->path() / nameFor(argument);
+  auto [collection, members] = unpacked(argument, [&](Progress* progress) {
+    return TweakManager::openCollectionArchive(argument, place, progress);
+  });
+  return {std::move(collection), argument, std::move(folder), nullptr, std::move(members)};
 }
 
 }  // namespace
@@ -111,10 +132,23 @@ ItemForReading itemForReading(const std::string& argument) {
     std::string path = item.item()->url().string();
     return {std::move(item), std::move(path), nullptr};
   }
+  if (formOf(argument) == ItemForm::archive && isOfCollection(argument))
+    return collectionFromArchive(argument);
   OpenedTweak tweak = tweakForReading(argument);
   return {TweakFile::Opened{std::move(tweak.file), std::move(tweak.manifest),
                             std::move(tweak.ignoredKeys)},
           argument, std::move(tweak.temporaryFolder), std::move(tweak.text)};
+}
+
+ItemForReading collectionForReading(const std::string& argument) {
+  ItemForReading read = itemForReading(argument);
+  if (read.item.collection() != nullptr) return read;
+  throw std::runtime_error(argument + ": is a tweak, not a collection");
+}
+
+std::vector<TweakFile::Opened> ItemForReading::members() const {
+  if (!isItem() || item.collection() == nullptr) return archived;
+  return item.collection()->manifest.openedTweaks();
 }
 
 ItemRow rowOf(const ItemForReading& read) {

@@ -23,6 +23,7 @@ class TAVLEN_API TweakCollection : public TweakProtocol,
  public:
   struct Manifest;
   struct Opened;
+  struct Unpacked;
   struct Diff;
 
   /// The extension of archives of collections, without the full stop.
@@ -52,6 +53,9 @@ class TAVLEN_API TweakCollection : public TweakProtocol,
   /// Throws TweakError::missing, DecodingError, std::system_error, and what TweakFile::at() throws.
   /// Members that were moved before an error stay in the store.
   static std::shared_ptr<TweakCollection> handlePayloadAt(const std::filesystem::path& url);
+  /// Opens the collection in such a folder. Stores and posts nothing. Throws as handlePayloadAt()
+  /// does, but leaves out members that cannot be opened.
+  static Unpacked openPayloadAt(const std::filesystem::path& url);
 
   /// Whether a stored item of that identifier is a collection.
   static bool isValidID(std::string_view text);

@@ -58,4 +58,10 @@ struct TAVLEN_API TweakCollection::Opened {
                         std::span<const TweakFile::Opened> members) const;
 };
 
+/// A collection that is not stored, with its members.
+struct TweakCollection::Unpacked {
+  Opened collection;                       ///< the collection
+  std::vector<TweakFile::Opened> members;  ///< in the folder next to it, each once
+};
+
 }  // namespace tavlen

@@ -232,6 +232,19 @@ fs::path exportAs(const std::string& name, const TweakProtocol& tweak, Progress*
   return output.release() / file;
 }
 
+/// Unpacks an archive with that extension into the new folder `folder`.
+void unpack(const fs::path& url, std::string_view extension, const fs::path& folder,
+            Progress* progress) {
+  const Kind* const kind = kindOfArchive(url);
+  if (kind == nullptr || kind->compressedExtension != extension)
+    throw TweakManager::Error::unknownTweakType();
+  fs::path unpacked = folder;
+  unpacked += ".unpacked";
+  // Ignore entries next to it that other programs add, such as "__MACOSX".
+  ZIPArchive::unzipItem(url, unpacked, progress, {}, kPayloadFolder);
+  moveItem(unpacked / kPayloadFolder, folder);
+}
+
 }  // namespace
 
 std::vector<std::shared_ptr<TweakProtocol>> TweakManager::allTweaks() {
@@ -338,14 +351,15 @@ std::shared_ptr<TweakProtocol> TweakManager::decompressAt(const std::filesystem:
 TweakFile::Opened TweakManager::openTweakArchive(const std::filesystem::path& url,
                                                  const std::filesystem::path& folder,
                                                  Progress* progress) {
-  const Kind* const kind = kindOfArchive(url);
-  if (kind == nullptr || kind->compressedExtension != TweakFile::compressedExtension)
-    throw Error::unknownTweakType();
-  fs::path unpacked = folder;
-  unpacked += ".unpacked";
-  ZIPArchive::unzipItem(url, unpacked, progress, {}, kPayloadFolder);
-  moveItem(unpacked / kPayloadFolder, folder);
+  unpack(url, TweakFile::compressedExtension, folder, progress);
   return TweakFile::open(folder);
+}
+
+TweakCollection::Unpacked TweakManager::openCollectionArchive(const std::filesystem::path& url,
+                                                              const std::filesystem::path& folder,
+                                                              Progress* progress) {
+  unpack(url, TweakCollection::compressedExtension, folder, progress);
+  return TweakCollection::openPayloadAt(folder);
 }
 
 std::filesystem::path TweakManager::export_(const TweakProtocol& tweak, Progress* progress) {

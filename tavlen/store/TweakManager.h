@@ -75,6 +75,10 @@ class TAVLEN_API TweakManager {
   static TweakFile::Opened openTweakArchive(const std::filesystem::path& url,
                                             const std::filesystem::path& folder,
                                             Progress* progress = nullptr);
+  /// The same for the archive of a collection: throws as TweakCollection::openPayloadAt() does.
+  static TweakCollection::Unpacked openCollectionArchive(const std::filesystem::path& url,
+                                                         const std::filesystem::path& folder,
+                                                         Progress* progress = nullptr);
 
   /// Writes an archive named after the item into a new temporary folder next to the tweaks
   /// directory, and returns the archive's path. The caller removes the archive and its folder.

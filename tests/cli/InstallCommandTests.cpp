@@ -182,7 +182,8 @@ TEST_F(ArchiveCommandTest, TheOtherFilesAreImportedAllTheSame) {
 }
 
 TEST_F(ArchiveCommandTest, MembersThatDoNotOpenAreNamedOrLeftOut) {
-  writeCollection("C", "C", "\"gone\",\"" + newTweak("T") + R"(","C.collection")");
+  const std::string id = newTweak("T");
+  writeCollection("C", "C", "\"gone\",\"" + id + R"(","C.collection")");
   expectRefused("export C -o", {{"c.tvxc", 1,
                                  "C: cannot open the members gone, C.collection; --skip-missing "
                                  "exports a copy without them\n"}});
@@ -193,6 +194,10 @@ TEST_F(ArchiveCommandTest, MembersThatDoNotOpenAreNamedOrLeftOut) {
     EXPECT_NE(result.err.find("tavlen: warning: " + text), std::string::npos) << result.err;
   }
   fs::rename(folder() / "c.zip", folder() / "c.TVXC");
+  fs::create_directory(folder() / "empty");
+  EXPECT_EQ(run("collection list c.TVXC --root empty").out, "NAME  IDENTIFIER\nT     " + id + "\n");
+  EXPECT_EQ(run("export c.TVXC -o copy.tvxc --root empty").status, 0);
+  EXPECT_EQ(contents("copy.tvxc"), contents("c.TVXC"));
   EXPECT_EQ(run("import c.TVXC").status, 0);
   const std::string members = run("collection list --json", {"C 2"}).out;
   EXPECT_THAT(members, testing::StartsWith(R"([{"name":"T 2",)"));

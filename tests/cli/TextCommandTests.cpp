@@ -152,7 +152,7 @@ TEST_F(TextCommandTest, ATweakIsReadInAnyForm) {
       EXPECT_TRUE(namesFiles || found == expected) << line << " " << tweak << ":\n" << found;
     }
   }
-  EXPECT_EQ(run("show T.tvxc").err,
+  EXPECT_EQ(run("source T.tvxc").err,
             "tavlen: error: T.tvxc: is the archive of a collection; import makes one of it\n");
   for (const char* line : {"diff - -", "check - -"})
     EXPECT_THAT(run(line).err, HasSubstr("the standard input can be read only once\n")) << line;

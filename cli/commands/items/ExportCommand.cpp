@@ -78,10 +78,10 @@ std::string joined(const std::vector<std::string>& texts) {
 
 /// The members to export; none for a tweak. Throws if some cannot be opened, unless the user wants
 /// to leave them out: an archive that names them could not be imported.
-std::vector<TweakFile::Opened> membersOf(const OpenedItem& item, const Options& options) {
-  if (item.collection() == nullptr) return {};
-  const TweakCollection::Manifest& manifest = item.collection()->manifest;
-  std::vector<TweakFile::Opened> members = manifest.openedTweaks();
+std::vector<TweakFile::Opened> membersOf(const ItemForReading& read, const Options& options) {
+  if (read.item.collection() == nullptr) return {};
+  const TweakCollection::Manifest& manifest = read.item.collection()->manifest;
+  std::vector<TweakFile::Opened> members = read.members();
   const std::vector<std::string> missing = missingMembers(manifest, members);
   if (!missing.empty() && !options.skipsMissing) {
     throw std::runtime_error(options.item + ": cannot open " +
@@ -148,7 +148,7 @@ int exportItem(const Options& options) {
   const bool isFolder = !isStream && (!output.has_filename() || fs::is_directory(output));
   // Check now, rather than after exporting.
   if (!isFolder) requireFreeOutput(options.output, options.force);
-  const std::vector<TweakFile::Opened> members = membersOf(item, options);
+  const std::vector<TweakFile::Opened> members = membersOf(read, options);
   warnOf(read, members);
   const WorkFolder folder;
   const fs::path archive = [&] {

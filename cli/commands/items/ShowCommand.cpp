@@ -56,10 +56,10 @@ void addContents(FieldList& fields, const TweakFile::Opened& tweak) {
   addFiles(fields, *tweak.file);
 }
 
-void addContents(FieldList& fields, const TweakCollection::Opened& collection) {
-  const std::vector<TweakFile::Opened> opened = collection.manifest.openedTweaks();
+void addMembers(FieldList& fields, const TweakCollection::Manifest& manifest,
+                const std::vector<TweakFile::Opened>& opened) {
   std::vector<std::string> members;
-  for (const std::string& id : collection.manifest._tweaks) {
+  for (const std::string& id : manifest._tweaks) {
     const auto member = std::find_if(opened.begin(), opened.end(),
                                      [&](const auto& tweak) { return tweak.file->id() == id; });
     members.push_back(
@@ -113,7 +113,11 @@ int show(const std::string& name, bool json) {
   if (!json) {
     FieldList fields(kTitleWidth);
     addHead(fields, row.kind, row.id, item.configuration(), row.isInstalled);
-    std::visit([&](const auto& each) { addContents(fields, each); }, item);
+    if (const auto* collection = item.collection()) {
+      addMembers(fields, collection->manifest, read.members());
+    } else {
+      addContents(fields, *item.tweak());
+    }
     printData(fields.text());
     return 0;
   }

@@ -59,7 +59,7 @@ struct TAVLEN_API TweakCollection::Opened {
 };
 
 /// A collection that is not stored, with its members.
-struct TweakCollection::Unpacked {
+struct TAVLEN_API TweakCollection::Unpacked {
   Opened collection;                       ///< the collection
   std::vector<TweakFile::Opened> members;  ///< in the folder next to it, each once
 };

@@ -1,8 +1,6 @@
 #include "tavlen/tweaks/HookSource.h"
 
 #include <algorithm>
-#include <array>
-#include <charconv>
 #include <string_view>
 #include <unordered_map>
 
@@ -12,13 +10,7 @@ namespace tavlen {
 
 namespace {
 
-void appendIndex(std::string& out, std::int64_t index) {
-  std::array<char, 20> digits;
-  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), index).ptr;
-  out.append(digits.data(), end);
-}
-
-void appendFunction(std::string& out, const Hook& hook) {
+void appendFunction(TextBuffer& out, const Hook& hook) {
   out += "function() {\n";
   const ParameterContainer* result = nullptr;
   for (const auto& [index, argument] : hook._args) {
@@ -27,7 +19,7 @@ void appendFunction(std::string& out, const Hook& hook) {
       continue;
     }
     out += "\t\targuments[";
-    appendIndex(out, index);
+    appendJSON(out, index);
     out += "] = ";
     appendOBJSValue(out, argument.value);
     out += ";\n";
@@ -43,11 +35,11 @@ void appendFunction(std::string& out, const Hook& hook) {
 }
 
 /// Appends the member for `hook`. `key` is scratch space, which callers reuse to save allocations.
-void appendKeyedFunction(std::string& out, const Hook& hook, std::string& key) {
+void appendKeyedFunction(TextBuffer& out, const Hook& hook, std::string& key) {
   key.clear();
   hook.appendTranspilerKey(key);
   out += '\t';
-  appendJSONString(out, key);
+  appendJSON(out, key);
   out += ": ";
   appendFunction(out, hook);
   out += ',';
@@ -90,21 +82,23 @@ std::size_t estimatedLength(std::span<const Hook> hooks) {
 HookSource render(std::span<const Hook> hooks) {
   HookSource source;
   source.entries.reserve(hooks.size());
-  source.text.reserve(estimatedLength(hooks));
+  TextBuffer out(source.text);
+  out.reserve(estimatedLength(hooks));
   std::string key;
   for (const ClassHooks& group : groupedByClass(hooks)) {
-    if (!source.text.empty()) source.text += "\n\n";
-    source.text += "hookClass(";
-    appendJSONString(source.text, group.className);
-    source.text += ", {}, {";
+    if (out.size() != 0) out += "\n\n";
+    out += "hookClass(";
+    appendJSON(out, group.className);
+    out += ", {}, {";
     for (const std::size_t hook : group.hooks) {
-      source.text += '\n';
-      const std::size_t begin = source.text.size();
-      appendKeyedFunction(source.text, hooks[hook], key);
-      source.entries.push_back({hook, begin, source.text.size()});
+      out += '\n';
+      const std::size_t begin = out.size();
+      appendKeyedFunction(out, hooks[hook], key);
+      source.entries.push_back({hook, begin, out.size()});
     }
-    source.text += "\n});";
+    out += "\n});";
   }
+  out.commit();
   return source;
 }
 
@@ -122,16 +116,20 @@ HookSource generateHookSource(std::span<const Hook> hooks) {
 }
 
 std::string objsFunc(const Hook& hook) {
-  std::string out;
+  std::string text;
+  TextBuffer out(text);
   appendFunction(out, hook);
-  return out;
+  out.commit();
+  return text;
 }
 
 std::string keyedOBJSFunc(const Hook& hook) {
-  std::string out;
+  std::string text;
   std::string key;
+  TextBuffer out(text);
   appendKeyedFunction(out, hook, key);
-  return out;
+  out.commit();
+  return text;
 }
 
 }  // namespace tavlen

@@ -36,9 +36,7 @@ struct ParameterExpression {
   TextBuffer& out;
 
   void appendNumber(double value) const {
-    std::string text;
-    appendDescription(text, value);
-    out += text;
+    out.advance(writeDescription(out.room(kMostNumberBytes), value));
   }
 
   void operator()(const NilParameter&) const { out += "null"; }

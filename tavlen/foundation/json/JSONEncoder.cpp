@@ -72,13 +72,12 @@ void appendJSON(TextBuffer& out, std::string_view text) {
 }
 
 void appendJSON(TextBuffer& out, double value) {
-  std::string text;
   if (!std::isfinite(value)) {
+    std::string text;
     appendDescription(text, value);
     throw EncodingError::invalidValue("Unable to encode Double." + text + " directly in JSON.");
   }
-  appendNumber(text, value);
-  out.append(text);
+  out.advance(writeNumber(out.room(kMostNumberBytes), value));
 }
 
 void appendJSON(TextBuffer& out, std::int64_t value) { appendInteger(out, value); }
@@ -114,7 +113,7 @@ void JSONEncoder::reserveForArray() {
   constexpr std::size_t kMostAtOnce = std::size_t{16} << 20;
   const std::size_t perElement = (out_.size() - sample_.begin) / kSampledElements + 1;
   const std::size_t estimate = perElement * sample_.elementsAfter / 8 * 9;
-  out_.reserve(out_.size() + std::min(estimate, kMostAtOnce));
+  out_.reserve(std::min(estimate, kMostAtOnce));
   sample_ = {};
 }
 

@@ -1,16 +1,25 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 namespace tavlen {
 
-/// Appends the shortest decimal text that reads back to `value`, always with a fraction or an
+/// The most bytes of a number's text.
+constexpr std::size_t kMostNumberBytes = 32;
+
+/// Writes the shortest decimal text that reads back to `value`, always with a fraction or an
 /// exponent: "1.0", "0.1", "1e+16", "-inf", "nan". The layout is that of Swift's `description`:
-/// decimal from 1e-4 up to 2^53, exponential outside.
+/// decimal from 1e-4 up to 2^53, exponential outside. Returns the end of what was written to `to`,
+/// which must have room for kMostNumberBytes.
+char* writeDescription(char* to, double value);
+/// The same, appended to a string.
 void appendDescription(std::string& out, double value);
 
-/// Appends the same text without a trailing ".0", as JSON and property lists write numbers. `value`
+/// Writes the same text without a trailing ".0", as JSON and property lists write numbers. `value`
 /// must be finite.
+char* writeNumber(char* to, double value);
+/// The same, appended to a string.
 void appendNumber(std::string& out, double value);
 
 /// Appends the decimal point of `value` and its shortest digits, never with an exponent: ".25".

@@ -4,6 +4,7 @@
 #                              Debian                       Apple's systems
 #   dependency::CLI11          libcli11-dev                 headers in TAVLEN_APPLE_LIBRARIES
 #   dependency::CoreFoundation none                         SDK
+#   dependency::Deflate        libdeflate-dev               static in TAVLEN_APPLE_LIBRARIES
 #   dependency::DragonBox      libdragonbox-dev             headers in TAVLEN_APPLE_LIBRARIES
 #   dependency::FastFloat      libfast-float-dev            headers in TAVLEN_APPLE_LIBRARIES
 #   dependency::ICU            libicu-dev                   SDK (libicucore); headers in TAVLEN_APPLE_LIBRARIES
@@ -20,7 +21,7 @@
 # Of TOML only the headers are used: the packaged library has a lower limit of nesting, and lacks the sanitizers. Of
 # JavaScriptCore only the headers are used on Debian: its library is loaded when a script is first run.
 
-set(TAVLEN_LINKED_LIBRARIES dependency::ICU dependency::JPEG dependency::LibXML2 dependency::ObjectiveC dependency::PNG
+set(TAVLEN_LINKED_LIBRARIES dependency::Deflate dependency::ICU dependency::JPEG dependency::LibXML2 dependency::ObjectiveC dependency::PNG
   dependency::UUID dependency::ZIP)
 set(TAVLEN_HEADER_LIBRARIES dependency::DragonBox dependency::FastFloat dependency::TOML)
 if(APPLE)
@@ -51,6 +52,7 @@ if(APPLE)
 
   tavlen_dependency(CLI11 CLI/CLI.hpp)
   tavlen_dependency(CoreFoundation "" "-framework CoreFoundation")
+  tavlen_dependency(Deflate libdeflate.h static:deflate)
   tavlen_dependency(DragonBox dragonbox/dragonbox.h)
   tavlen_dependency(FastFloat fast_float/fast_float.h)
   tavlen_dependency(ICU unicode/uchar.h -licucore)
@@ -73,6 +75,7 @@ else()
     add_library(dependency::${name} ALIAS PkgConfig::${name})
     list(APPEND TAVLEN_PKG_CONFIG_MODULES ${ARGN})
   endmacro()
+  tavlen_dependency(Deflate libdeflate)
   tavlen_dependency(ICU icu-i18n icu-uc)
   tavlen_dependency(JPEG libjpeg)
   tavlen_dependency(LibXML2 libxml-2.0)

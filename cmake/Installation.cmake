@@ -55,7 +55,7 @@ set(CPACK_COMPONENT_COMMAND_DESCRIPTION "The command: makes, checks, builds and 
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libtavlen-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "libjavascriptcoregtk-4.1-0, libicu-dev, libjpeg-dev, libxml2-dev, libpng-dev, \
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "libjavascriptcoregtk-4.1-0, libdeflate-dev, libicu-dev, libjpeg-dev, libxml2-dev, libpng-dev, \
 zlib1g-dev, uuid-dev, libzip-dev, libobjc-12-dev, libblocksruntime-dev")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS "tavlen (= ${PROJECT_VERSION})")
 set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "The library: headers, the static and the shared library")

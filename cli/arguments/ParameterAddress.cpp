@@ -47,9 +47,7 @@ std::optional<Side> sideNamed(std::string_view text) {
 
 /// A key as a step of an address, on one line.
 std::string inBrackets(std::string_view key) {
-  std::string literal;
-  appendJSONString(literal, key);
-  return "[" + escapedJSON(literal) + "]";
+  return "[" + escapedJSON(encodeJSON(std::string(key))) + "]";
 }
 
 /// Reads an address from the left to the right.

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -31,6 +32,9 @@ class TAVLEN_API DeviceFolder {
   FileDescriptor opened() const;
   /// As openedFile(root, path / name). While there is no link on the way, only `name` is looked up.
   RandomAccessFile openedFile(std::string name) const;
+  /// The contents of the file `name`, read into `buffer` without asking for the size first. Nothing
+  /// where they do not fit, are empty, or cannot be read, which openedFile() then explains.
+  std::optional<std::string_view> readSmall(const std::string& name, std::span<char> buffer) const;
 
  private:
   DeviceRoot root_;

@@ -160,11 +160,17 @@ void visitDocuments(const Visit& visit, const Fail& fail) {
   try {
     const DeviceFolder store(DeviceRoot::shared(), folder);
     FolderReader names(store.opened(), folder);
+    std::vector<char> buffer(std::size_t{64} << 10);  // for all but huge documents
     while (const std::optional<std::string> name = names.next()) {
       const Kind* const kind = kindOfID(*name);
       if (kind == nullptr || isTemporaryName(*name)) continue;
       try {
-        visit(*kind, folder / *name, readDocument(store.openedFile(kind->documentOf(*name))));
+        const std::string document = kind->documentOf(*name);
+        if (const auto small = store.readSmall(document, buffer)) {
+          visit(*kind, folder / *name, *small);
+        } else {
+          visit(*kind, folder / *name, readDocument(store.openedFile(document)));
+        }
       } catch (const std::exception&) {
         fail(*name);
       }
@@ -249,7 +255,9 @@ void unpack(const fs::path& url, std::string_view extension, const fs::path& fol
 
 std::vector<std::shared_ptr<TweakProtocol>> TweakManager::allTweaks() {
   std::vector<std::shared_ptr<TweakProtocol>> tweaks;
-  for (ListedItem& listed : listedTweaks()) tweaks.push_back(std::move(listed.item));
+  visitDocuments([&](const Kind& kind, fs::path url, std::string_view document) {
+    tweaks.push_back(kind.listed(std::move(url), document).item);
+  });
   return tweaks;
 }
 

@@ -118,6 +118,7 @@ class Answers {
     std::string tree;
     JSONEncoder encoder(tree);
     encodeTypeTree(encoder, type.get());
+    encoder.finish();
     return tree;
   }
 

@@ -111,6 +111,12 @@ class TAVLEN_API PropertyList {
   std::optional<T> get(Index index) const;
   /// The text of the string at `index`, which must be a string, as the keys of dictionaries are.
   std::string_view string(Index index) const { return bytes(objects_[index]); }
+  /// Begins to load the object at `index` into the caches, for a reader that soon needs it.
+  void prefetch(Index index) const { __builtin_prefetch(&objects_[index]); }
+  /// The same for the members of a dictionary. Waits for the object itself.
+  void prefetchMembers(Index index) const {
+    if (kind(index) == Kind::dictionary) __builtin_prefetch(members_.data() + objects_[index].bits);
+  }
   /// The identity of the object at `index`, which must not be a container.
   Scalar scalar(Index index) const;
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <compare>
+#include <string>
 #include <string_view>
 
 #include "tavlen/foundation/base/API.h"
@@ -17,6 +18,10 @@ namespace tavlen {
 /// one by one.
 TAVLEN_API std::weak_ordering localizedCaseInsensitiveCompare(std::string_view left,
                                                               std::string_view right);
+
+/// Bytes whose order is the one of localizedCaseInsensitiveCompare(), for sorting many texts: each
+/// is then converted once. To be compared with keys of the same locale.
+std::string localizedCaseInsensitiveKey(std::string_view text);
 
 /// Whether `query` occurs in `text`, ending at the end of a character ("e" is not in "é"). False
 /// for an empty query.

@@ -356,6 +356,9 @@ TEST(TextComparison, TheLocaleDecidesTheOrder) {
   for (const auto& row : rows) {
     const LocaleGuard guard(row.locale);
     EXPECT_EQ(localizedCaseInsensitiveCompare(row.left, row.right), row.order) << row.left;
+    const std::weak_ordering order =
+        localizedCaseInsensitiveKey(row.left) <=> localizedCaseInsensitiveKey(row.right);
+    EXPECT_EQ(order, row.order) << row.left;
   }
 }
 
@@ -368,6 +371,8 @@ TEST(TextComparison, AnyBytesMayBeCompared) {
     for (const std::string_view right : kTexts) {
       EXPECT_EQ(localizedCaseInsensitiveCompare(left, right),
                 0 <=> localizedCaseInsensitiveCompare(right, left));
+      EXPECT_EQ(localizedCaseInsensitiveCompare(left, right),
+                localizedCaseInsensitiveKey(left) <=> localizedCaseInsensitiveKey(right));
     }
   }
   EXPECT_EQ(localizedCaseInsensitiveCompare("\xFF", "\xC3"), kSame);

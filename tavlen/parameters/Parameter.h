@@ -33,7 +33,7 @@ using Parameter =
 /// writing (a dictionary's keys come before its values), and `out` then holds a part of the
 /// expression. Code is not checked. Dates and colours never fail: a number that is not finite is
 /// written as "inf" or "nan" here, and only storing it throws.
-void appendOBJSValue(TextBuffer& out, const Parameter& parameter);
+TAVLEN_API void appendOBJSValue(TextBuffer& out, const Parameter& parameter);
 /// The expression of `parameter` in the hook language. Throws as appendOBJSValue() does.
 TAVLEN_API std::string objsValue(const Parameter& parameter);
 

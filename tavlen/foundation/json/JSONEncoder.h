@@ -162,10 +162,10 @@ std::string encodeJSON(const T& value) {
 
 /// Appends the JSON text of a scalar. Throws EncodingError for text that is not UTF-8, and for a
 /// number that is not finite.
-void appendJSON(TextBuffer& out, std::string_view text);
-void appendJSON(TextBuffer& out, double value);
-void appendJSON(TextBuffer& out, std::int64_t value);
-void appendJSON(TextBuffer& out, std::uint64_t value);
+TAVLEN_API void appendJSON(TextBuffer& out, std::string_view text);
+TAVLEN_API void appendJSON(TextBuffer& out, double value);
+TAVLEN_API void appendJSON(TextBuffer& out, std::int64_t value);
+TAVLEN_API void appendJSON(TextBuffer& out, std::uint64_t value);
 void appendJSON(TextBuffer& out, std::same_as<bool> auto value) { out += value ? "true" : "false"; }
 
 }  // namespace tavlen

@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "tavlen/foundation/base/API.h"
+
 namespace tavlen {
 
 /// Appends to a string through a plain pointer, for writers of many small pieces: one check of the
@@ -11,7 +13,7 @@ namespace tavlen {
 ///
 /// The string has the text only after commit() or the destructor, and must not be used before.
 /// Appending throws std::bad_alloc. Threads: one object one thread at a time.
-class TextBuffer {
+class TAVLEN_API TextBuffer {
  public:
   /// Appends to `out`, which must outlive the buffer.
   explicit TextBuffer(std::string& out) : out_(out) { rebind(out.size()); }

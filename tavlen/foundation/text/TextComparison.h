@@ -21,7 +21,7 @@ TAVLEN_API std::weak_ordering localizedCaseInsensitiveCompare(std::string_view l
 
 /// Bytes whose order is the one of localizedCaseInsensitiveCompare(), for sorting many texts: each
 /// is then converted once. To be compared with keys of the same locale.
-std::string localizedCaseInsensitiveKey(std::string_view text);
+TAVLEN_API std::string localizedCaseInsensitiveKey(std::string_view text);
 
 /// Whether `query` occurs in `text`, ending at the end of a character ("e" is not in "é"). False
 /// for an empty query.

@@ -31,10 +31,12 @@ DecodingError DecodingError::malformedText(std::string text, TextPosition positi
 }
 
 std::string DecodingError::description() const {
-  const std::string text = CodingError::description();
-  if (!isMalformedText_ || !position_) return text;
-  return text + " at line " + std::to_string(position_->line) + ", column " +
-         std::to_string(position_->column);
+  std::string text = CodingError::description();
+  if (isMalformedText_ && position_) {
+    text += " at line " + std::to_string(position_->line);
+    text += ", column " + std::to_string(position_->column);
+  }
+  return text;
 }
 
 }  // namespace tavlen

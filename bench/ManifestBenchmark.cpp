@@ -1,6 +1,6 @@
 // Reading and writing a large manifest, and generating the source of its hooks, compared with a
-// general JSON library on the same bytes and values. scripts/bench compares the rows by their
-// names.
+// general JSON library on the same bytes and values, and with a reader into the same records on
+// another parser. scripts/bench compares the rows by their names.
 #include <benchmark/benchmark.h>
 
 #include <cstdint>
@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "ManifestPeer.h"
 #include "SampleManifest.h"
 #include "tavlen/foundation/json/JSONDecoder.h"
 #include "tavlen/foundation/json/JSONEncoder.h"
@@ -46,6 +47,22 @@ void decodeNlohmann(benchmark::State& state) {
   setBytes(state, text.size());
 }
 
+/// With a parser and a padded copy of the text for each manifest: a caller of decodeJSON() has one.
+void decodePeerFresh(benchmark::State& state) {
+  const std::string& text = document();
+  if (tavlen::bench::ManifestPeer(text).read() != manifest())
+    state.SkipWithError("the manifest is not the one that was written");
+  for (auto _ : state) benchmark::DoNotOptimize(tavlen::bench::ManifestPeer(text).read());
+  setBytes(state, text.size());
+}
+
+/// With both kept from one manifest to the next.
+void decodePeerKept(benchmark::State& state) {
+  tavlen::bench::ManifestPeer peer(document());
+  for (auto _ : state) benchmark::DoNotOptimize(peer.read());
+  setBytes(state, document().size());
+}
+
 void encodeTavlen(benchmark::State& state) {
   std::size_t size = 0;
   for (auto _ : state) {
@@ -80,6 +97,8 @@ void hookSourceTavlen(benchmark::State& state) {
 
 BENCHMARK(decodeTavlen)->Unit(benchmark::kMillisecond);
 BENCHMARK(decodeNlohmann)->Unit(benchmark::kMillisecond);
+BENCHMARK(decodePeerFresh)->Unit(benchmark::kMillisecond);
+BENCHMARK(decodePeerKept)->Unit(benchmark::kMillisecond);
 BENCHMARK(encodeTavlen)->Unit(benchmark::kMillisecond);
 BENCHMARK(encodeNlohmann)->Unit(benchmark::kMillisecond);
 BENCHMARK(hookSourceTavlen)->Unit(benchmark::kMillisecond);

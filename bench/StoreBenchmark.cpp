@@ -18,6 +18,7 @@
 #include "SampleManifest.h"
 #include "tavlen/device/DeviceRoot.h"
 #include "tavlen/foundation/json/JSONEncoder.h"
+#include "tavlen/items/ListedItem.h"
 #include "tavlen/items/TweaksDirectory.h"
 #include "tavlen/store/TweakManager.h"
 #include "tavlen/tweaks/TweakFile.h"
@@ -104,10 +105,25 @@ void allTweaks(benchmark::State& state) {
   }
 }
 
+void listTweaks(benchmark::State& state) {
+  store();
+  for (auto _ : state) benchmark::DoNotOptimize(tavlen::TweakManager::listedTweaks());
+}
+
+void sortTweaks(benchmark::State& state) {
+  store();
+  for (auto _ : state) {
+    auto tweaks = tavlen::TweakManager::listedTweaks();
+    tavlen::sortByName(tweaks);
+    benchmark::DoNotOptimize(tweaks);
+  }
+}
+
 void search(benchmark::State& state) {
+  const auto& tweaks = store().tweaks();
   for (auto _ : state) {
     std::size_t found = 0;
-    for (const auto& tweak : store().tweaks()) found += tweak->isShownInSearchFor("NUMBER 77");
+    for (const auto& tweak : tweaks) found += tweak->isShownInSearchFor("NUMBER 77");
     if (found != 111) state.SkipWithError("not the tweaks of that name were found");
   }
 }
@@ -116,4 +132,6 @@ void search(benchmark::State& state) {
 
 BENCHMARK(readFiles)->Unit(benchmark::kMillisecond);
 BENCHMARK(allTweaks)->Unit(benchmark::kMillisecond);
+BENCHMARK(listTweaks)->Unit(benchmark::kMillisecond);
+BENCHMARK(sortTweaks)->Unit(benchmark::kMillisecond);
 BENCHMARK(search)->Unit(benchmark::kMillisecond);

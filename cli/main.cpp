@@ -13,6 +13,7 @@
 #include "cli/process/ProgramFolders.h"
 #include "cli/terminal/LastLogMessage.h"
 #include "cli/terminal/StandardStreams.h"
+#include "tavlen/Version.h"
 #include "tavlen/foundation/errors/MainBundle.h"
 #include "tavlen/foundation/text/Log.h"
 

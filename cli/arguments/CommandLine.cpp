@@ -229,10 +229,6 @@ void Command::answer(std::function<std::string()> text) {
   app_->callback([text = std::move(text), state = state_] { state->answer = text(); });
 }
 
-void refuseUnexpected(const std::string& word) {
-  throw UsageError("unexpected argument \"" + word + "\"");
-}
-
 CommandLine::CommandLine(const char* name, const char* description, const char* version)
     : app_(std::make_unique<CLI::App>(description, name)), state_(std::make_unique<ParserState>()) {
   app_->set_help_flag("-h,--help", "Print help");
@@ -257,6 +253,7 @@ std::optional<int> CommandLine::parse(int argc, const char* const* argv) {
     std::vector<std::string> reversed;  // as the parser wants them
     std::transform(words.rbegin(), words.rend(), std::back_inserter(reversed), marked);
     app_->parse(std::move(reversed));
+    refuseStrayArguments(*app_);
   } catch (const CLI::CallForHelp&) {
     printData(helpPage(chosenRecords(record, *app_)));
     return 0;
@@ -264,19 +261,19 @@ std::optional<int> CommandLine::parse(int argc, const char* const* argv) {
     printData(version.what() + std::string("\n"));
     return 0;
   } catch (const CLI::ParseError& error) {
-    return report(usageProblem(*app_, *state_, words, error));
+    return report(usageError(*app_, *state_, words, error));
   } catch (const UsageError& error) {
-    return report(errorText(error));
+    return report(error);
   }
   if (!state_->answer) return std::nullopt;
   printData(*state_->answer);
   return 0;
 }
 
-int CommandLine::report(const std::string& problem) const {
-  printError(problem);
+int CommandLine::report(const UsageError& error) const {
+  printError(errorText(error));
   const CommandRecord record = recordOf(*app_, *state_);
-  std::string words = wordsOf(chosenRecords(record, *app_));
+  std::string words = error.command().value_or(wordsOf(chosenRecords(record, *app_)));
   const std::string help = app_->get_name() + " help";
   if (words != help) words.replace(0, app_->get_name().size(), help);
   printNote("see \"" + words + "\"");

@@ -16,6 +16,7 @@ namespace tavlen::cli {
 
 struct CommandRecord;
 struct ParserState;
+class UsageError;
 
 /// The work of a subcommand. Returns the process's exit status; main() reports exceptions.
 using Action = std::function<int()>;
@@ -33,7 +34,7 @@ class Option {
   /// Makes an argument of Command::texts() optional.
   Option optional();
   /// Sets the placeholder for the value in help. It also tells completion what the value is: see
-  /// Completion.h.
+  /// CompletedWord.h.
   Option typeName(const char* name);
   /// Shows the variable's current value in help as the default.
   Option showsDefault();
@@ -127,9 +128,6 @@ class Command {
   ParserState* state_;
 };
 
-/// Throws UsageError for an unexpected argument.
-[[noreturn]] void refuseUnexpected(const std::string& word);
-
 /// The parser of the process's arguments. Neither it nor its handles are thread-safe.
 class CommandLine {
  public:
@@ -152,7 +150,7 @@ class CommandLine {
   int run() const;
 
  private:
-  int report(const std::string& problem) const;
+  int report(const UsageError& error) const;
 
   std::unique_ptr<CLI::App> app_;
   std::unique_ptr<ParserState> state_;

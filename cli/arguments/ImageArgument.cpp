@@ -42,8 +42,9 @@ std::chrono::milliseconds secondsFrom(const std::string& text) {
 ImageOptions addImageArgument(Command command, const char* name, ImageArgument& argument) {
   const Option image = command
                            .text(name, argument.image,
-                                 "The images: a file, or all images of an app, which is given by "
-                                 "its bundle identifier, its bundle folder or an archive (.ipa)")
+                                 "The images: a file, - for one on the standard input, or all "
+                                 "images of an app, which is given by its bundle identifier, its "
+                                 "bundle folder or an archive (.ipa)")
                            .notEmpty()
                            .typeName("IMAGE|APP");
   const Option one =

@@ -6,19 +6,26 @@
 #include <vector>
 
 #include "cli/arguments/CommandLine.h"
+#include "cli/terminal/Console.h"
 #include "tavlen/introspection/classes/ClassSource.h"
 
 namespace tavlen::cli {
 
 /// The images from which classes are read.
 struct ImageArgument {
-  std::string image;  ///< a file, a bundle folder, a bundle identifier or an archive (.ipa)
+  /// A file, "-" for one on the standard input, a bundle folder, a bundle identifier or an archive
+  /// (.ipa).
+  std::string image;
   /// The parser's source; absent for preferredClassSource() of each image.
   std::optional<ClassSource> source;
   std::optional<std::string> name;          ///< of the only image of an app to read
   std::optional<std::string> architecture;  ///< of the slice to read
   /// The limit on the time of a dynamic or remote dump.
   std::optional<std::chrono::milliseconds> timeout;
+
+  bool isStream() const { return image == "-"; }
+  /// `image` as messages name it.
+  std::string shown() const { return shownInput(image); }
 };
 
 /// The options that addImageArgument() adds.

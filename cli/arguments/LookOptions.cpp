@@ -9,7 +9,7 @@ namespace tavlen::cli {
 
 namespace {
 
-/// Reads ICON[/STYLE]; the glyph must be known.
+/// Reads "moon" or "moon/regular"; the glyph must be known.
 TweakGlyph glyphNamed(const std::string& text) {
   TweakGlyph glyph = glyphFromText(text);
   if (isKnownGlyph(glyph)) return glyph;
@@ -33,8 +33,9 @@ void addLookOptions(Command command, Look& look) {
   command
       .text(
           "--glyph", [&look](const std::string& text) { look.glyph = glyphNamed(text); },
-          "The icon with which it is shown, by its name in Font Awesome 5.15.4 Free")
-      .typeName("ICON[/STYLE]");
+          "The icon with which it is shown: its name in Font Awesome 5.15.4 Free, and perhaps a "
+          "style, as in moon/regular")
+      .typeName("GLYPH");
 }
 
 }  // namespace tavlen::cli

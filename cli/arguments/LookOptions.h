@@ -14,7 +14,7 @@ struct Look {
   std::optional<TweakGlyph> glyph;
 };
 
-/// Adds `--color COLOR` and `--glyph ICON[/STYLE]`. Parsing stores their values in `look`. An
+/// Adds `--color COLOR` and `--glyph GLYPH`. Parsing stores their values in `look`. An
 /// unknown glyph is wrong usage; the message suggests a known one.
 void addLookOptions(Command command, Look& look);
 

@@ -47,9 +47,7 @@ std::optional<Side> sideNamed(std::string_view text) {
 
 /// A key as a step of an address, on one line.
 std::string inBrackets(std::string_view key) {
-  std::string literal;
-  appendJSONString(literal, key);
-  return "[" + escapedJSON(literal) + "]";
+  return "[" + escapedJSON(encodeJSON(std::string(key))) + "]";
 }
 
 /// Reads an address from the left to the right.
@@ -150,6 +148,14 @@ const std::string* keyTextOf(const DictionaryParameter::Pair& pair) {
   return key != nullptr ? &key->value : nullptr;
 }
 
+/// As suggestionText(), but lists all keys in quotes: a key may be any text.
+std::string keySuggestion(const std::string& key, const std::vector<std::string_view>& known) {
+  if (closestName(key, known)) return suggestionText(key, known);
+  std::vector<std::string> texts;
+  for (const std::string_view each : known) texts.push_back(quoted(each));
+  return suggestionText(key, std::vector<std::string_view>(texts.begin(), texts.end()));
+}
+
 /// The pair with that key. `place` names the dictionary in messages.
 std::size_t pairWithKey(const DictionaryParameter& dictionary, const std::string& key,
                         const std::string& place) {
@@ -162,7 +168,7 @@ std::size_t pairWithKey(const DictionaryParameter& dictionary, const std::string
     if (*text == key) found.push_back(i);
   }
   if (found.empty())
-    throw std::runtime_error(place + " has no key " + quoted(key) + suggestionText(key, known));
+    throw std::runtime_error(place + " has no key " + quoted(key) + keySuggestion(key, known));
   if (found.size() == 1) return found.front();
   std::string indices;
   for (const std::size_t index : found)

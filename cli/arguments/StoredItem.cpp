@@ -7,12 +7,12 @@
 #include <stdexcept>
 #include <string_view>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include "cli/arguments/AmbiguousItem.h"
 #include "cli/terminal/ShownText.h"
 #include "tavlen/device/DeviceFiles.h"
-#include "tavlen/foundation/coding/CodingError.h"
 #include "tavlen/foundation/tasks/NotificationCenter.h"
 #include "tavlen/foundation/text/Characters.h"
 #include "tavlen/foundation/text/Suggestion.h"
@@ -55,10 +55,24 @@ OpenedItem itemAt(const std::string& path, const std::string& shown) {
   } catch (const DecodingError& error) {
     const std::string document =
         isFolder ? (path.ends_with('/') ? path : path + "/") + kDocumentFile : path;
-    throw std::runtime_error(document + ": " + errorText(error));
+    throw documentError(document, error);
   } catch (const DescribedError& error) {
     throw std::runtime_error(shown + ": " + errorText(error));
   }
+}
+
+/// The name of the rule, for programs.
+const char* codeOf(DecodingError::Case which) {
+  switch (which) {
+    case DecodingError::Case::keyNotFound:
+      return "missing-key";
+    case DecodingError::Case::typeMismatch:
+    case DecodingError::Case::valueNotFound:
+      return "unexpected-value";
+    case DecodingError::Case::dataCorrupted:
+      break;
+  }
+  return "malformed-document";
 }
 
 /// What may have been meant by `text`, which names nothing, to be shown after a message.
@@ -75,6 +89,17 @@ std::string hintFor(const std::string& text, const FoundItems& found) {
 }
 
 }  // namespace
+
+PlacedError documentError(const std::string& document, const DecodingError& error) {
+  Diagnostic diagnostic{.severity = Diagnostic::kError, .message = error.text(), .file = document};
+  if (!error.codingPath().empty()) diagnostic.place = error.codingPath().text();
+  if (error.position()) {
+    diagnostic.line = error.position()->line;
+    diagnostic.column = error.position()->column;
+  }
+  diagnostic.code = codeOf(error.which());
+  return PlacedError(std::move(diagnostic));
+}
 
 bool isItemPath(const std::string& text) {
   return text.find('/') != std::string::npos || text == "." || text == ".." || text == "-" ||

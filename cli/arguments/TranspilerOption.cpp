@@ -1,6 +1,9 @@
 #include "cli/arguments/TranspilerOption.h"
 
+#include <stdexcept>
+
 #include "tavlen/foundation/errors/MainBundle.h"
+#include "tavlen/tweaks/TweakProcessor.h"
 
 namespace tavlen::cli {
 
@@ -11,7 +14,11 @@ void addTranspilerOption(Command command, std::string& folder) {
 }
 
 std::filesystem::path transpilerFolder(const std::string& folder) {
-  return folder.empty() ? MainBundle::url() : std::filesystem::path(folder);
+  if (folder.empty()) return MainBundle::url();
+  std::filesystem::path container = folder;
+  if (!TweakProcessor::isTranspiler(container))
+    throw std::runtime_error((container / "ob.js").string() + ": does not define OBJSTranspiler");
+  return container;
 }
 
 }  // namespace tavlen::cli

@@ -206,6 +206,10 @@ TypedValue parseTypedValue(const std::string& text, const char* argument) {
     return {parameterFromJSON(rest, text, argument), ""};
   const Form* form = formNamed(name);
   if (form == nullptr || colon == std::string::npos) refuseKind(argument, text, name);
+  if (form->isFile && rest == "-") {
+    refuse(argument, text,
+           "the standard input has no name for a resource; expected the path of a file");
+  }
   std::optional<Parameter> parameter = form->parse(rest);
   if (!parameter)
     refuse(argument, text, std::string("expected ") + form->expected + " after the colon");

@@ -1,5 +1,6 @@
 #include "cli/classes/AppForReading.h"
 
+#include <filesystem>
 #include <set>
 #include <stdexcept>
 #include <system_error>
@@ -12,9 +13,7 @@
 #include "tavlen/bundles/AppList.h"
 #include "tavlen/device/DeviceRoot.h"
 #include "tavlen/device/InfoPlist.h"
-#include "tavlen/foundation/files/FileTree.h"
 #include "tavlen/foundation/files/RandomAccessFile.h"
-#include "tavlen/foundation/files/TemporaryDirectory.h"
 
 namespace tavlen::cli {
 
@@ -55,6 +54,7 @@ std::shared_ptr<IPA> appNamed(const std::string& text) {
   const char* const reason = type == fs::file_type::directory   ? "this folder is no app's bundle"
                              : type == fs::file_type::not_found ? "no such file"
                                                                 : "this file is no archive";
+  if (text == "-") throw std::runtime_error("-: an app is not read from the standard input");
   throw std::runtime_error(text + ": " + reason + ", and " + unknownAppText(text));
 }
 
@@ -69,8 +69,11 @@ bool isArchive(const std::string& text) {
 }
 
 std::string targetBundleID(const std::string& text) {
-  // The name of an archive that is missing is no identifier.
-  if (!isArchive(text) && fs::path(text).extension() != ".ipa") return bundleIDOf(text);
+  // The name of a file, or of an archive that is missing, is no identifier. A folder of an app's
+  // sources may well be named after its identifier.
+  std::error_code ignored;
+  const bool isFile = fs::exists(text, ignored) && !fs::is_directory(text, ignored);
+  if (!isFile && text != "-" && fs::path(text).extension() != ".ipa") return bundleIDOf(text);
   return readInfo(*AppForReading(text, AppForReading::Files::info).ipa()).bundleID;
 }
 
@@ -83,18 +86,8 @@ AppForReading::AppForReading(const std::string& text, Files files,
     return;
   }
   if (parent == nullptr) line_.emplace("unpacking " + text);
-  // Named like the folders whose names shownPath() leaves out.
-  folder_ = makeUniqueTemporaryFolder(std::string(TemporaryDirectory::kItemsFolder) + "-");
-  try {
-    unpack(files, iconName, parent);
-  } catch (...) {
-    removeQuietly(folder_);
-    throw;
-  }
-}
-
-AppForReading::~AppForReading() {
-  if (!folder_.empty()) removeQuietly(folder_);
+  folder_.emplace();
+  unpack(files, iconName, parent);
 }
 
 void AppForReading::unpack(Files files, const std::optional<std::string>& iconName,
@@ -103,8 +96,8 @@ void AppForReading::unpack(Files files, const std::optional<std::string>& iconNa
   if (parent) parent->addChild(progress, 1);
   // A folder with the archive's name, so that paths begin with it.
   const auto destination = [&](const char* name) {
-    fs::create_directory(folder_ / name);
-    return folder_ / name / fs::path(text_).filename();
+    fs::create_directory(folder_->path() / name);
+    return folder_->path() / name / fs::path(text_).filename();
   };
   try {
     AppArchive archive(text_);

@@ -1,11 +1,11 @@
 #pragma once
 
-#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "cli/terminal/HiddenFolder.h"
 #include "cli/terminal/ProgressLine.h"
 #include "tavlen/bundles/IPA.h"
 #include "tavlen/foundation/tasks/Progress.h"
@@ -37,7 +37,6 @@ class AppForReading {
                 const std::shared_ptr<Progress>& parent = nullptr);
   AppForReading(const AppForReading&) = delete;
   AppForReading& operator=(const AppForReading&) = delete;
-  ~AppForReading();
 
   /// The app; valid as long as this object. Never null.
   const std::shared_ptr<IPA>& ipa() const { return ipa_; }
@@ -45,15 +44,15 @@ class AppForReading {
   /// sentence that says why.
   const std::vector<std::string>& faults() const { return faults_; }
   /// Whether it is an unpacked copy.
-  bool isFromArchive() const { return !folder_.empty(); }
+  bool isFromArchive() const { return folder_.has_value(); }
 
  private:
   void unpack(Files files, const std::optional<std::string>& iconName,
               const std::shared_ptr<Progress>& parent);
 
   std::string text_;
-  std::optional<ProgressLine> line_;  ///< destroyed last, so that no signal ends the removal
-  std::filesystem::path folder_;      ///< the temporary folder; empty without an archive
+  std::optional<ProgressLine> line_;    ///< destroyed last, so that no signal ends the removal
+  std::optional<HiddenFolder> folder_;  ///< nothing without an archive
   std::shared_ptr<IPA> ipa_;
   std::vector<std::string> faults_;
 };

@@ -1,8 +1,6 @@
 #include "cli/classes/ChildDump.h"
 
-#include <fcntl.h>
 #include <poll.h>
-#include <sys/socket.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -23,6 +21,7 @@
 #include "tavlen/foundation/base/FunctionRef.h"
 #include "tavlen/foundation/base/Limits.h"
 #include "tavlen/foundation/base/SystemError.h"
+#include "tavlen/foundation/files/Connection.h"
 #include "tavlen/foundation/files/ExecutablePath.h"
 #include "tavlen/foundation/files/FileDescriptor.h"
 #include "tavlen/foundation/files/RetryOnInterrupt.h"
@@ -35,32 +34,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;
-
-/// Two connected descriptors, of which the child gets one.
-struct Connection {
-  FileDescriptor own;
-  FileDescriptor childs;
-
-  static Connection socket() {
-    std::array<int, 2> ends{};
-    if (::socketpair(AF_UNIX, SOCK_STREAM, 0, ends.data()) != 0) throwSystemError("socketpair");
-    return with(ends);
-  }
-  static Connection pipe() {
-    std::array<int, 2> ends{};
-    if (::pipe(ends.data()) != 0) throwSystemError("pipe");
-    return with(ends);
-  }
-
- private:
-  static Connection with(const std::array<int, 2>& ends) {
-    Connection connection{FileDescriptor(ends[0]), FileDescriptor(ends[1])};
-    for (const int end : ends) {
-      if (::fcntl(end, F_SETFD, FD_CLOEXEC) != 0) throwSystemError("fcntl");
-    }
-    return connection;
-  }
-};
 
 /// Logs each line of what a child prints.
 class PrintedLines {
@@ -122,7 +95,7 @@ class Answer {
 class RunningDump {
  public:
   RunningDump(const fs::path& image, const std::optional<std::string>& className)
-      : RunningDump(image, className, Connection::socket(), Connection::pipe()) {}
+      : RunningDump(image, className, Connection::socketPair(), Connection::pipe()) {}
 
   /// Reads the answer. Calls `check`, which may throw, at least every 50 ms.
   const Answer& answer(FunctionRef<void()> check) {
@@ -142,10 +115,10 @@ class RunningDump {
  private:
   RunningDump(const fs::path& image, const std::optional<std::string>& className, Connection socket,
               Connection printed)
-      : socket_(std::move(socket.own)),
-        printed_(std::move(printed.own)),
-        child_(executablePath(), argumentsFor(image, className), socket.childs.get(),
-               printed.childs.get()) {}
+      : socket_(std::move(socket.first)),
+        printed_(std::move(printed.first)),
+        child_(executablePath(), argumentsFor(image, className), socket.second.get(),
+               printed.second.get()) {}
 
   static std::vector<std::string> argumentsFor(const fs::path& image,
                                                const std::optional<std::string>& className) {

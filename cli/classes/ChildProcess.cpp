@@ -10,8 +10,9 @@
 #include <thread>
 #include <utility>
 
-#include "cli/classes/SpawnSettings.h"
+#include "tavlen/foundation/base/SystemError.h"
 #include "tavlen/foundation/files/RetryOnInterrupt.h"
+#include "tavlen/foundation/tasks/Spawn.h"
 
 namespace tavlen::cli {
 
@@ -41,12 +42,13 @@ constexpr auto kSignals = std::to_array<std::pair<int, const char*>>({
 
 ChildProcess::ChildProcess(const std::filesystem::path& program,
                            const std::vector<std::string>& arguments, int input, int output) {
-  SpawnSettings settings;
-  settings.redirect(input, STDIN_FILENO);
-  settings.redirect(output, STDOUT_FILENO);
-  settings.redirect(output, STDERR_FILENO);
-  settings.makeOwnGroup();
-  pid_ = settings.start(program, arguments, {});
+  Spawn spawn;
+  spawn.redirect(input, STDIN_FILENO);
+  spawn.redirect(output, STDOUT_FILENO);
+  spawn.redirect(output, STDERR_FILENO);
+  spawn.makeOwnGroup();
+  const int error = spawn.start(program.c_str(), arguments, ProgramLookup::exact, pid_);
+  if (error != 0) throwSystemError(error, program.string());
 }
 
 ChildProcess::~ChildProcess() {
@@ -72,7 +74,7 @@ int ChildProcess::end() {
   }
   ::kill(-pid_, SIGKILL);
   int status = 0;
-  (void)retryOnInterrupt([&] { return ::waitpid(pid_, &status, 0); });
+  (void)waitForChild(pid_, status);
   pid_ = 0;
   return status;
 }

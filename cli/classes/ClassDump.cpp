@@ -6,7 +6,7 @@
 #include <system_error>
 #include <utility>
 
-#include "cli/terminal/Console.h"
+#include "cli/terminal/Diagnostic.h"
 #include "cli/terminal/ProgressLine.h"
 #include "cli/terminal/ShownText.h"
 
@@ -16,12 +16,12 @@ namespace {
 
 /// Errors of the file system may already name the file.
 std::string namingImage(const ImageArgument& argument, const std::string& text) {
-  const std::string prefix = argument.image + ": ";
+  const std::string prefix = argument.shown() + ": ";
   return text.starts_with(prefix) ? text : prefix + text;
 }
 
-/// Leaves the temporary folder of an unpacked app out of what the image's file told.
-void showPathsInArchive(ImageDump& dump) {
+/// Leaves the temporary folder of a copy out of what the image's file told.
+void showOriginalPaths(ImageDump& dump) {
   for (const std::shared_ptr<ObjCClass>& cls : dump.classes) {
     if (cls->superclassPath) cls->superclassPath = shownPath(cls->superclassPath->str());
   }
@@ -37,7 +37,8 @@ ImageDump dumpOrError(const ChosenImage& image, const ImageArgument& argument,
     return dumpedImage(image, argument, className, own);
   } catch (const std::exception& error) {
     if (progress->isCancelled()) {
-      throw std::system_error(std::make_error_code(std::errc::operation_canceled), argument.image);
+      throw std::system_error(std::make_error_code(std::errc::operation_canceled),
+                              argument.shown());
     }
     ImageDump none;
     none.path = image.name;
@@ -47,16 +48,19 @@ ImageDump dumpOrError(const ChosenImage& image, const ImageArgument& argument,
 }
 
 ClassDump dumpOf(const ImageArgument& argument, const std::optional<std::string>& className) {
-  const ProgressLine line("reading classes of " + argument.image);
-  line.progress()->setTotalUnitCount(isArchive(argument.image) ? 2 : 1);
-  const ImageSelection selection(argument, line.progress());
+  // Before the progress line, which would keep signals from ending the wait.
+  std::optional<std::string> input;
+  if (argument.isStream()) input = readInput(argument.image);
+  const ProgressLine line("reading classes of " + argument.shown());
+  line.progress()->setTotalUnitCount(!input && isArchive(argument.image) ? 2 : 1);
+  const ImageSelection selection(argument, input, line.progress());
   const auto progress = Progress::discrete(static_cast<std::int64_t>(selection.images().size()));
   line.progress()->addChild(progress, 1);
   ClassDump dump;
   dump.faults = selection.faults();
   for (const ChosenImage& image : selection.images()) {
     dump.images.push_back(dumpOrError(image, argument, className, progress));
-    if (selection.isFromArchive()) showPathsInArchive(dump.images.back());
+    if (selection.isCopied()) showOriginalPaths(dump.images.back());
   }
   return dump;
 }
@@ -70,14 +74,16 @@ ClassDump dumpClasses(const ImageArgument& argument, const std::optional<std::st
   const ImageDump& first = dump.images.front();
   if (dump.images.size() == 1) throw std::runtime_error(namingImage(argument, *first.error));
   reportFaults(dump, argument);
-  throw std::runtime_error(argument.image + ": none of its images can be read; " + first.path +
+  throw std::runtime_error(argument.shown() + ": none of its images can be read; " + first.path +
                            ": " + *first.error);
 }
 
 bool reportFaults(const ClassDump& dump, const ImageArgument& argument) {
   bool hasFaults = false;
   const auto warn = [&](const std::string& text) {
-    printWarning(namingImage(argument, text));
+    print({.severity = Diagnostic::kWarning,
+           .message = namingImage(argument, text),
+           .code = "unreadable-classes"});
     hasFaults = true;
   };
   for (const std::string& fault : dump.faults) warn(fault);

@@ -4,7 +4,7 @@
 
 namespace tavlen::cli {
 
-/// Prints the dump as a JSON object, in pieces; README.md describes its shape.
+/// Prints the dump as a JSON object, in pieces; docs/json.md describes its shape.
 void printDump(const ClassDump& dump);
 
 /// If the standard error stream is a terminal, prints how many classes and methods the dump has:

@@ -11,6 +11,7 @@
 #include "cli/terminal/ShownText.h"
 #include "tavlen/device/DeviceRoot.h"
 #include "tavlen/foundation/errors/LocalizedError.h"
+#include "tavlen/foundation/files/FileReplacement.h"
 #include "tavlen/foundation/files/RandomAccessFile.h"
 #include "tavlen/foundation/macho/MachOFile.h"
 
@@ -75,9 +76,19 @@ std::shared_ptr<Executable> imageNamed(const std::string& name, const Executable
 }  // namespace
 
 ImageSelection::ImageSelection(const ImageArgument& argument,
+                               const std::optional<std::string>& input,
                                const std::shared_ptr<Progress>& progress) {
-  const fs::file_type type = DeviceRoot::shared().status(hostPath(argument.image)).type();
-  const bool isInArchive = isArchive(argument.image);
+  fs::path file = hostPath(argument.image);
+  if (input) {
+    if (argument.source == ClassSource::app)
+      throw std::runtime_error(argument.shown() + ": --parser remote needs an app of the device");
+    input_.emplace();
+    file = input_->path() / argument.shown();
+    replaceFile(file, *input);
+    if (!isImage(file)) throw std::runtime_error(argument.shown() + ": not an executable image");
+  }
+  const fs::file_type type = DeviceRoot::shared().status(file).type();
+  const bool isInArchive = !input && isArchive(argument.image);
   if (isInArchive && argument.source == ClassSource::app) {
     throw std::runtime_error(argument.image +
                              ": an app in an archive cannot be run; name an app of the device");
@@ -89,12 +100,12 @@ ImageSelection::ImageSelection(const ImageArgument& argument,
                                              std::nullopt, progress);
   }
   try {
-    isFile ? addFile(argument) : addImagesOfApp(argument);
+    isFile ? addFile(argument, file) : addImagesOfApp(argument);
   } catch (const std::system_error&) {
     throw;  // its message names the file
   } catch (const std::exception& error) {
     const std::vector<std::string> known = faults();
-    throw std::runtime_error(argument.image + ": " + errorText(error) +
+    throw std::runtime_error(argument.shown() + ": " + errorText(error) +
                              (known.empty() ? "" : " (" + known.front() + ")"));
   }
 }
@@ -118,9 +129,8 @@ void ImageSelection::addImagesOfApp(const ImageArgument& argument) {
   }
 }
 
-void ImageSelection::addFile(const ImageArgument& argument) {
+void ImageSelection::addFile(const ImageArgument& argument, const fs::path& file) {
   if (argument.name) throw std::runtime_error("a file; --image is for the images of an app");
-  const fs::path file = hostPath(argument.image);
   std::shared_ptr<Executable> executable;
   if (argument.source == ClassSource::app) {
     executable = imageInBundle(file, app_);
@@ -130,7 +140,7 @@ void ImageSelection::addFile(const ImageArgument& argument) {
     executable = std::make_shared<Executable>(std::weak_ptr<IPA>(), path.parent_path(),
                                               path.filename().string(), false);
   }
-  images_.push_back({executable, argument.image,
+  images_.push_back({executable, argument.shown(),
                      argument.source ? *argument.source : preferredClassSource(file)});
 }
 

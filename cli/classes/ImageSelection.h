@@ -1,11 +1,14 @@
 #pragma once
 
+#include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "cli/arguments/ImageArgument.h"
 #include "cli/classes/AppForReading.h"
+#include "cli/terminal/HiddenFolder.h"
 #include "tavlen/bundles/Executable.h"
 
 namespace tavlen::cli {
@@ -24,22 +27,24 @@ struct ChosenImage {
 /// parser, which ends the app for each image, for its main executable.
 class ImageSelection {
  public:
-  /// Finds the images. An app in an archive is unpacked as one unit of `progress`. Throws
-  /// std::runtime_error and std::system_error whose message begins with the argument or names a
-  /// file, and what AppForReading throws.
-  ImageSelection(const ImageArgument& argument, const std::shared_ptr<Progress>& progress);
+  /// Finds the images. `input` is the image itself where that is the standard input. An app in an
+  /// archive is unpacked as one unit of `progress`. Throws std::runtime_error and std::system_error
+  /// whose message begins with the argument or names a file, and what AppForReading throws.
+  ImageSelection(const ImageArgument& argument, const std::optional<std::string>& input,
+                 const std::shared_ptr<Progress>& progress);
 
   /// The images, the main executable first; never empty.
   const std::vector<ChosenImage>& images() const { return images_; }
   /// A sentence for each file of the app that may be an image but cannot be read.
   std::vector<std::string> faults() const;
-  /// Whether they are those of an unpacked archive.
-  bool isFromArchive() const { return files_ != nullptr && files_->isFromArchive(); }
+  /// Whether they are temporary copies: those of an unpacked archive, or of the standard input.
+  bool isCopied() const { return input_ || (files_ != nullptr && files_->isFromArchive()); }
 
  private:
   void addImagesOfApp(const ImageArgument& argument);
-  void addFile(const ImageArgument& argument);
+  void addFile(const ImageArgument& argument, const std::filesystem::path& file);
 
+  std::optional<HiddenFolder> input_;     ///< nothing unless the standard input is the image
   std::unique_ptr<AppForReading> files_;  ///< null if a file was named
   std::shared_ptr<IPA> app_;              ///< an Executable does not keep its app alive
   std::vector<ChosenImage> images_;

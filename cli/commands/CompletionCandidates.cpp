@@ -11,9 +11,11 @@
 #include "cli/arguments/StoredItem.h"
 #include "cli/classes/ClassDump.h"
 #include "cli/classes/MethodSearch.h"
+#include "tavlen/bundles/OverrideContainer.h"
 #include "tavlen/device/DeviceRoot.h"
 #include "tavlen/device/DirectoryAppListFetcher.h"
 #include "tavlen/device/LSAppListFetcher.h"
+#include "tavlen/items/GlyphNames.h"
 #include "tavlen/store/TweakManager.h"
 #include "tavlen/tweaks/Hook.h"
 
@@ -62,8 +64,9 @@ std::optional<ClassDump> classesFor(const CompletedWord& word) {
   argument.source = ClassSource::file;
   if (argument.image.empty() && !given(word, "TWEAK").empty())
     argument.image = openedTweak(given(word, "TWEAK")).manifest.configuration.bundleID;
-  // Archives would have to be unpacked.
-  if (argument.image.empty() || argument.image.ends_with(".ipa")) return std::nullopt;
+  // Archives would have to be unpacked, and the standard input is the shell's.
+  if (argument.image.empty() || argument.isStream() || argument.image.ends_with(".ipa"))
+    return std::nullopt;
   return dumpClasses(argument);
 }
 
@@ -101,6 +104,13 @@ void addMethods(Candidates& candidates, const CompletedWord& word) {
   }
 }
 
+/// Icons, and once one is written with its slash, its styles, too.
+void addGlyphs(Candidates& candidates, std::string_view prefix) {
+  const bool hasStyle = prefix.find('/') != prefix.npos;
+  for (const TweakGlyph& glyph : knownGlyphs())
+    candidates.insert(hasStyle ? glyphText(glyph) : glyph.icon);
+}
+
 }  // namespace
 
 std::set<std::string> completionCandidates(const CompletedWord& word) {
@@ -114,6 +124,11 @@ std::set<std::string> completionCandidates(const CompletedWord& word) {
     if (kind == "HOOK") addHooks(candidates, given(word, "TWEAK"));
     if (kind == "CLASS") addClasses(candidates, word);
     if (kind == "METHOD") addMethods(candidates, word);
+    if (kind == "GLYPH") addGlyphs(candidates, word.prefix);
+    if (kind == "KIND") {
+      for (const std::string_view name : OverrideContainer::supportedTypes())
+        candidates.emplace(name);
+    }
   }
   return candidates;
 }

@@ -67,7 +67,9 @@ std::string answer(const CommandRecord& root, const Options& options) {
   if (options.isLine) line = ShellLine::read(options.words.front());
   if (line.words.size() < 2) return "words\n";
   const CompletedWord word = CompletedWord::of(root, line.words);
-  const bool hasFiles = word.hasKind("FILE") || word.prefix.find('/') != std::string::npos;
+  // A glyph may have a slash that is none of a path.
+  const bool isPath = word.prefix.find('/') != std::string::npos && !word.hasKind("GLYPH");
+  const bool hasFiles = word.hasKind("FILE") || word.hasKind("IMAGE") || isPath;
   std::string text = hasFiles ? "files\n" : word.hasKind("DIR") ? "folders\n" : "words\n";
   std::set<std::string> candidates;
   for (const std::string& value : word.values) candidates.insert(value);

@@ -22,7 +22,8 @@ struct Options {
 CommandPath pathToAll(const CommandRecord& root, const std::vector<std::string>& words) {
   CommandPath path = pathTo(root, words);
   if (path.size() <= words.size())
-    throw UsageError(unknownCommandText(words[path.size() - 1], *path.back()));
+    throw UsageError::about(wordsOf(path),
+                            unknownCommandText(words[path.size() - 1], *path.back()));
   return path;
 }
 

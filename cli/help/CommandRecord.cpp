@@ -51,11 +51,9 @@ std::string wordsOf(const CommandPath& path) {
 std::vector<OptionRecord> inheritedOptions(const CommandPath& path) {
   std::vector<OptionRecord> inherited;
   const CommandRecord& command = *path.back();
-  for (const CommandRecord* outer : path) {
-    if (outer == &command) break;
-    for (const OptionRecord& option : outer->options) {
-      if (command.option(option.title()) == nullptr) inherited.push_back(option);
-    }
+  if (path.size() < 2) return inherited;
+  for (const OptionRecord& option : path.front()->options) {
+    if (command.option(option.title()) == nullptr) inherited.push_back(option);
   }
   return inherited;
 }

@@ -93,8 +93,8 @@ class Reader {
       if (const auto found = option(word.substr(0, end))) offer(*found);
       return;
     }
-    for (const CommandRecord* each : path_) {
-      for (const OptionRecord& option : each->options) word_->values.push_back(option.names.back());
+    for (const auto& options : {command().options, inheritedOptions(path_)}) {
+      for (const OptionRecord& option : options) word_->values.push_back(option.names.back());
     }
   }
 

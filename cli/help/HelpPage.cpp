@@ -109,7 +109,8 @@ std::string labelOf(const OptionRecord& option) {
 
 std::string describedHelp(const OptionRecord& option) {
   std::string text = option.help;
-  if (!option.values.empty()) text += ": " + listText(option.values, "or");
+  const bool isListed = option.placeholder.find('|') != option.placeholder.npos;
+  if (!option.values.empty() && !isListed) text += ": " + listText(option.values, "or");
   if (!option.defaultValue.empty()) text += "; the default is " + option.defaultValue;
   if (!option.needs.empty()) text += "; only with " + listText(option.needs, "and");
   if (!option.excludes.empty()) text += "; not with " + listText(option.excludes, "or");

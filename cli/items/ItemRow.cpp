@@ -9,6 +9,7 @@
 #include "tavlen/foundation/text/Unicode.h"
 #include "tavlen/items/GlyphNames.h"
 #include "tavlen/items/TweaksDirectory.h"
+#include "tavlen/store/TweakManager.h"
 #include "tavlen/tweaks/TweakFile.h"
 
 namespace tavlen::cli {
@@ -55,6 +56,15 @@ ItemRow rowOfRecord(const std::string& id, const std::string& bundleID) {
   row.isStored = false;
   row.id = wellFormedUTF8(id);
   return row;
+}
+
+ItemRow rowOfInstalled(const std::string& id, const std::string& bundleID) {
+  for (const auto& [item, configuration] : TweakManager::listedTweaks()) {
+    if (item->id() == id) return rowOf(*item, configuration, true);
+  }
+  if (const std::optional<BrokenItem> broken = TweakManager::brokenWithID(id))
+    return rowOf(*broken, true);
+  return rowOfRecord(id, bundleID);
 }
 
 bool isInStore(const TweakProtocol& item) {

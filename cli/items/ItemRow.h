@@ -20,9 +20,11 @@ struct ItemRow {
   bool isInstalled = false;             ///< whether it is the active one of its app
   /// Whether it lies in the store. What an app's record names need not.
   bool isStored = true;
-  std::string id;
+  std::optional<std::string> id;     ///< nothing for a text and an archive
   std::optional<std::string> path;   ///< of its folder or document; nothing for one not stored
   std::optional<std::string> error;  ///< why it is broken
+  std::optional<std::string> archive = {};          ///< of `export`: the file that it wrote
+  std::optional<std::string> uninstalledFrom = {};  ///< of `delete`: the app
 
   static constexpr auto codedFields() {
     return std::tuple{optionalField("name", &ItemRow::name),
@@ -32,9 +34,11 @@ struct ItemRow {
                       optionalField("glyph", &ItemRow::glyph),
                       requiredField("installed", &ItemRow::isInstalled),
                       requiredField("stored", &ItemRow::isStored),
-                      requiredField("identifier", &ItemRow::id),
+                      optionalField("identifier", &ItemRow::id),
                       optionalField("path", &ItemRow::path),
-                      optionalField("error", &ItemRow::error)};
+                      optionalField("error", &ItemRow::error),
+                      optionalField("archive", &ItemRow::archive),
+                      optionalField("uninstalledFrom", &ItemRow::uninstalledFrom)};
   }
 };
 
@@ -46,6 +50,8 @@ ItemRow rowOf(const TweakProtocol& item, const TweakConfiguration& configuration
 ItemRow rowOf(const BrokenItem& broken, bool isInstalled);
 /// The row of the item `id` that the record of the app `bundleID` names, but the store lacks.
 ItemRow rowOfRecord(const std::string& id, const std::string& bundleID);
+/// The row of the item `id`, stored or not, that the record of the app `bundleID` names.
+ItemRow rowOfInstalled(const std::string& id, const std::string& bundleID);
 
 /// Whether `item` lies in the store. The user may give any path.
 bool isInStore(const TweakProtocol& item);

@@ -78,6 +78,8 @@ StoreLock::StoreLock(const std::string& item) : StoreLock(folderOfItem(item)) {}
 
 StoreLock StoreLock::ofStore() { return StoreLock(TweaksDirectory::create()); }
 
+StoreLock StoreLock::ofFolder(const fs::path& folder) { return StoreLock(folder); }
+
 StoreLock::StoreLock(const fs::path& folder) {
   try {
     folder_ = opened(folder);

@@ -28,6 +28,9 @@ class StoreLock {
   /// Locks the store, for a command that adds items. Creates it if it does not exist. Throws as the
   /// constructor does, and std::system_error.
   static StoreLock ofStore();
+  /// Locks `folder`, an absolute path, for a command that writes a tweak's text and files into it.
+  /// Throws as the constructor does.
+  static StoreLock ofFolder(const std::filesystem::path& folder);
   ~StoreLock();
 
   /// Ends the process with a message whenever a stored item has been changed without a lock: from

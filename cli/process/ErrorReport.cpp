@@ -5,6 +5,7 @@
 
 #include "cli/terminal/Console.h"
 #include "cli/terminal/Diagnostic.h"
+#include "cli/terminal/PlacedError.h"
 #include "cli/terminal/ReportedError.h"
 #include "cli/terminal/ShownText.h"
 #include "tavlen/tweaks/TweakProcessor.h"
@@ -28,12 +29,15 @@ std::string indented(std::string_view stack) {
 
 void reportError(const std::exception& error) {
   if (dynamic_cast<const ReportedError*>(&error) != nullptr) return;
+  if (const auto* placed = dynamic_cast<const PlacedError*>(&error))
+    return print(placed->diagnostic());
   const auto* failure = dynamic_cast<const TweakProcessor::Error*>(&error);
   if (failure == nullptr || failure->which() != TweakProcessor::Error::Case::jsException) {
     return printError(errorText(error));
   }
   print({.severity = Diagnostic::kError,
          .message = "the transpiler failed: " + failure->reason(),
+         .code = "transpiler-failed",
          .excerpt = failure->stack() ? indented(*failure->stack()) : ""});
 }
 

@@ -13,12 +13,12 @@
 #include <string_view>
 #include <system_error>
 
-#include "cli/classes/SpawnSettings.h"
 #include "cli/process/ProgramFolders.h"
 #include "tavlen/foundation/base/SystemError.h"
-#include "tavlen/foundation/files/FileDescriptor.h"
+#include "tavlen/foundation/files/Connection.h"
 #include "tavlen/foundation/files/RetryOnInterrupt.h"
 #include "tavlen/foundation/json/JSONDecoder.h"
+#include "tavlen/foundation/tasks/Spawn.h"
 #include "tavlen/tweaks/LoaderSettings.h"
 
 namespace tavlen::cli {
@@ -49,22 +49,19 @@ class IgnoredKeys {
   std::array<void (*)(int), 2> former_{};
 };
 
-std::vector<std::string> variablesFor(const TriedProgram& program, int socket) {
+/// The descriptor of the program through which the loader reports.
+constexpr int kEventsDescriptor = STDERR_FILENO + 1;
+
+void setVariables(Spawn& spawn, const TriedProgram& program) {
   const std::string library = loaderLibrary().string();
   const char* preloaded = std::getenv("LD_PRELOAD");
-  const auto variable = [](std::string_view name, const std::string& value) {
-    return std::string(name) + '=' + value;
-  };
-  std::vector<std::string> variables = {
-      variable("LD_PRELOAD", preloaded == nullptr ? library : library + ':' + preloaded),
-      variable(settings::kLibrary, library),
-      variable(settings::kProgram, fs::canonical(program.path).string()),
-      variable(settings::kTweak, fs::absolute(program.package).string()),
-      variable(settings::kEvents, std::to_string(socket)),
-      variable(settings::kLimit, std::to_string(program.limit.count())),
-  };
-  if (program.isTraced) variables.push_back(variable(settings::kTrace, "1"));
-  return variables;
+  spawn.setVariable("LD_PRELOAD", preloaded == nullptr ? library : library + ':' + preloaded);
+  spawn.setVariable(settings::kLibrary, library);
+  spawn.setVariable(settings::kProgram, fs::canonical(program.path).string());
+  spawn.setVariable(settings::kTweak, fs::absolute(program.package).string());
+  spawn.setVariable(settings::kEvents, std::to_string(kEventsDescriptor));
+  spawn.setVariable(settings::kLimit, std::to_string(program.limit.count()));
+  if (program.isTraced) spawn.setVariable(settings::kTrace, "1");
 }
 
 /// Passes an event on. The program could send as well, so none of it is trusted.
@@ -132,19 +129,18 @@ fs::path programNamed(const std::string& name) {
 }
 
 int runTried(const TriedProgram& program, Receive receive) {
-  std::array<int, 2> ends{};
-  if (::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends.data()) != 0)
-    throwSystemError("socketpair");
-  const FileDescriptor own(ends[0]);
+  if (!fs::exists(loaderLibrary())) throwSystemError(ENOENT, loaderLibrary().string());
+  Connection events = Connection::messagePair();
+  Spawn spawn;
+  spawn.redirect(events.second.get(), kEventsDescriptor);
+  setVariables(spawn, program);
   pid_t child = 0;
-  {
-    const FileDescriptor childs(ends[1]);
-    SpawnSettings spawn;
-    spawn.redirect(childs.get(), childs.get());
-    child = spawn.start(program.path, program.arguments, variablesFor(program, childs.get()));
-  }
+  const int error =
+      spawn.start(program.path.c_str(), program.arguments, ProgramLookup::exact, child);
+  if (error != 0) throwSystemError(error, program.path.string());
+  events.second = FileDescriptor();
   const IgnoredKeys ignored;
-  return waitFor(child, own.get(), receive);
+  return waitFor(child, events.first.get(), receive);
 }
 
 }  // namespace tavlen::cli

@@ -32,15 +32,21 @@ void printData(std::string_view data) {
   }
 }
 
-void writeOutput(const std::string& file, std::string_view data) {
+void requireFreeOutput(const std::string& file, bool force) {
+  if (!force && file != "-" && isTaken(file))
+    throw std::runtime_error(file + ": already exists; use --force to replace it");
+}
+
+void writeOutput(const std::string& file, bool force, std::string_view data) {
   if (file == "-") return printData(data);
+  requireFreeOutput(file, force);
   replaceFile(file, data);
 }
 
 std::string readInput(const std::string& file) {
   constexpr std::size_t kMost = std::size_t{1} << 31;
   const bool isStandard = file == "-";
-  const std::string shown = isStandard ? "standard input" : file;
+  const std::string shown = shownInput(file);
   std::error_code ignored;
   const auto status = std::filesystem::status(file, ignored);
   if (!isStandard && !std::filesystem::is_fifo(status) &&
@@ -63,5 +69,7 @@ std::string readInput(const std::string& file) {
   }
   return input;
 }
+
+std::string shownInput(const std::string& file) { return file == "-" ? "standard input" : file; }
 
 }  // namespace tavlen::cli

@@ -19,13 +19,23 @@ void printNote(std::string_view text);
 /// example on a full disk.
 void printData(std::string_view data);
 
-/// Writes `data` to `file`, which is replaced, or to the standard output if `file` is "-". Throws
-/// std::system_error.
-void writeOutput(const std::string& file, std::string_view data);
+/// The help text of `--force` for a command that writes a file.
+inline constexpr const char* kForceHelp = "Replace an existing file";
+
+/// Throws std::runtime_error if `file` exists, unless the user gave `--force`. "-" is the standard
+/// output.
+void requireFreeOutput(const std::string& file, bool force);
+
+/// Writes `data` to `file`, or to the standard output if `file` is "-". Throws as
+/// requireFreeOutput() does, and std::system_error.
+void writeOutput(const std::string& file, bool force, std::string_view data);
 
 /// The contents of `file`, which may be a pipe such as <(command), or of the standard input if
 /// `file` is "-". At most 2 GiB. Throws std::system_error, and std::runtime_error if the standard
 /// input was read before. Not thread-safe.
 std::string readInput(const std::string& file);
+
+/// What messages call an input: `file`, or "standard input" for "-".
+std::string shownInput(const std::string& file);
 
 }  // namespace tavlen::cli

@@ -28,8 +28,6 @@ std::optional<std::string> chosenEditor() {
   return std::nullopt;
 }
 
-bool hasTerminal() { return ::isatty(STDIN_FILENO) != 0 && ::isatty(STDOUT_FILENO) != 0; }
-
 /// Ignores keyboard signals during its lifetime (RAII): Ctrl-C in the editor is meant for the
 /// editor.
 class KeyboardSignals {
@@ -71,6 +69,10 @@ EditedText::EditedText(const std::string& name, std::string_view text) {
 EditedText::~EditedText() {
   std::error_code ignored;
   if (!isKept_) std::filesystem::remove_all(file_.parent_path(), ignored);
+}
+
+bool EditedText::hasTerminal() {
+  return ::isatty(STDIN_FILENO) != 0 && ::isatty(STDOUT_FILENO) != 0;
 }
 
 void EditedText::edit() const {

@@ -20,6 +20,9 @@ class EditedText {
   EditedText& operator=(const EditedText&) = delete;
   ~EditedText();
 
+  /// Whether a person can use an editor: the standard streams are a terminal.
+  static bool hasTerminal();
+
   /// Runs the editor and waits for it to exit. Throws std::runtime_error if it fails.
   void edit() const;
   /// The file's current contents. Throws std::system_error.

@@ -1,11 +1,11 @@
 #include "cli/terminal/EndSignals.h"
 
-#include <fcntl.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <system_error>
+
+#include "tavlen/foundation/files/Connection.h"
 
 namespace tavlen::cli {
 
@@ -41,13 +41,9 @@ struct sigaction handle(int signal, void (*handler)(int)) {
 }  // namespace
 
 EndSignals::EndSignals() {
-  std::array<int, 2> pipe{};
-  if (::pipe(pipe.data()) != 0) {
-    throw std::system_error(errno, std::generic_category(), "pipe");
-  }
-  for (const int end : pipe) ::fcntl(end, F_SETFD, FD_CLOEXEC);
-  descriptor_ = pipe[0];
-  openEnd = pipe[1];
+  Connection pipe = Connection::pipe();
+  descriptor_ = pipe.first.release();
+  openEnd = pipe.second.release();
   std::transform(kSignals.begin(), kSignals.end(), former_.begin(), [](int signal) {
     return handle(signal, signal == SIGPIPE ? SIG_IGN : endAtSignal);
   });

@@ -12,6 +12,7 @@
 #include "cli/terminal/Diagnostic.h"
 #include "cli/terminal/DisplayWidth.h"
 #include "cli/terminal/TerminalWidth.h"
+#include "tavlen/foundation/files/PeerEnd.h"
 #include "tavlen/foundation/text/EscapedText.h"
 
 namespace tavlen::cli {
@@ -51,7 +52,7 @@ void ProgressLine::show() {
   const bool isTerminal = !hasJSONMessages() && ::isatty(STDERR_FILENO) == 1;
   std::unique_lock lock(lock_);
   while (!end_.wait_for(lock, kInterval, [this] { return hasEnded_; })) {
-    pollfd end{signals_.descriptor(), 0, 0};
+    pollfd end = pollForPeerEnd(signals_.descriptor());
     const bool isCancelled = ::poll(&end, 1, 0) > 0;
     if (isTerminal && !isCancelled) print();
     if (!isCancelled) continue;

@@ -6,7 +6,7 @@
 #include <system_error>
 #include <utility>
 
-#include "cli/terminal/Console.h"
+#include "cli/terminal/Diagnostic.h"
 #include "tavlen/device/DeviceFiles.h"
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/foundation/files/TemporaryFile.h"
@@ -32,6 +32,15 @@ fs::path requireFile(const fs::path& folder, const std::string& name) {
 
 std::string contentsOf(const fs::path& file) {
   return readFile(openedFile(DeviceRoot::shared(), file));
+}
+
+/// The place, without links, for a file at the relative path `name`. Makes the folders that lead to
+/// it.
+fs::path placeFor(const fs::path& folder, const std::string& name) {
+  auto place = pathInside(DeviceRoot::shared(), folder, name);
+  if (!place) throw std::runtime_error((folder / name).string() + ": leads out of the folder");
+  fs::create_directories(place->parent_path());
+  return *std::move(place);
 }
 
 }  // namespace
@@ -63,12 +72,14 @@ std::set<std::string> attachedFiles(const fs::path& folder, const std::string& t
   return names;
 }
 
-std::set<std::string> attachedFiles(const fs::path& folder) {
+std::set<std::string> attachedFiles(const fs::path& folder, const std::string& shown) {
   std::set<std::string> names;
   for (const char* top : kAttachedFolders) {
     names.merge(attachedFiles(folder, top, [&](const std::string& name) {
-      printWarning((folder / name).lexically_normal().string() +
-                   ": is not a file of the folder, and is left out");
+      print({.severity = Diagnostic::kWarning,
+             .message = "is not a file of the folder, and is left out",
+             .file = (fs::path(shown) / name).string(),
+             .code = "left-out"});
     }));
   }
   return names;
@@ -85,12 +96,14 @@ bool isSameFile(const fs::path& one, const fs::path& other, const std::string& n
 
 void copyAttachedFile(const fs::path& from, const fs::path& to, const std::string& name) {
   const fs::path source = requireFile(from, name);
+  const fs::path place = placeFor(to, name);
   const DeviceRoot root = DeviceRoot::shared();
-  const auto place = pathInside(root, to, name);
-  if (!place) throw std::runtime_error((to / name).string() + ": leads out of the folder");
-  fs::create_directories(place->parent_path());
-  replaceFile(root, *place, contentsOf(source));
-  fs::permissions(*place, root.status(source).permissions());
+  replaceFile(root, place, contentsOf(source));
+  fs::permissions(place, root.status(source).permissions());
+}
+
+void moveAttachedFile(const fs::path& from, const fs::path& to, const std::string& name) {
+  fs::rename(from / name, placeFor(to, name));
 }
 
 }  // namespace tavlen::cli

@@ -17,8 +17,8 @@ inline constexpr std::array kAttachedFolders = {TweakFile::resourcesFolder,
 /// The files in kAttachedFolders of `folder`, at any depth: their paths relative to `folder`. A
 /// link counts as the file that it leads to. Warns of entries that cannot go along, such as links
 /// that lead out. Folders that do not exist are empty. Links below the device root are the
-/// device's. Throws std::system_error.
-std::set<std::string> attachedFiles(const std::filesystem::path& folder);
+/// device's. Messages call the folder `shown`. Throws std::system_error.
+std::set<std::string> attachedFiles(const std::filesystem::path& folder, const std::string& shown);
 /// The same for `top`, one of kAttachedFolders. Instead of warning, calls `leftOut` with the path,
 /// relative to `folder`, of each entry that cannot go along.
 std::set<std::string> attachedFiles(const std::filesystem::path& folder, const std::string& top,
@@ -33,6 +33,11 @@ bool isSameFile(const std::filesystem::path& one, const std::filesystem::path& o
 /// Makes the folders that lead to it. Throws std::system_error, and std::runtime_error if the path
 /// leads out of `to`.
 void copyAttachedFile(const std::filesystem::path& from, const std::filesystem::path& to,
+                      const std::string& name);
+
+/// As copyAttachedFile(), for the file itself, no link, in a folder on the same volume: it is
+/// renamed.
+void moveAttachedFile(const std::filesystem::path& from, const std::filesystem::path& to,
                       const std::string& name);
 
 }  // namespace tavlen::cli

@@ -1,5 +1,6 @@
 #include "cli/tweaks/TextInput.h"
 
+#include <algorithm>
 #include <exception>
 #include <stdexcept>
 #include <system_error>
@@ -7,6 +8,7 @@
 #include <variant>
 
 #include "cli/arguments/StoredItem.h"
+#include "cli/terminal/CaretLine.h"
 #include "cli/terminal/Console.h"
 #include "cli/terminal/ReportedError.h"
 #include "cli/terminal/ShownText.h"
@@ -15,6 +17,7 @@
 #include "cli/tweaks/TextTypes.h"
 #include "tavlen/device/DeviceFiles.h"
 #include "tavlen/foundation/files/FileSystem.h"
+#include "tavlen/foundation/text/TextLines.h"
 #include "tavlen/foundation/text/Unicode.h"
 #include "tavlen/tweaktext/TweakTextReader.h"
 
@@ -30,6 +33,7 @@ class Reader {
   Reader(const TextSource& source, const DiagnosticSink& report)
       : source_(source), messages_(source.file, report) {
     input_.file = source.file;
+    input_.bytes = source.bytes;
     input_.folder = source.folder;
   }
 
@@ -38,7 +42,7 @@ class Reader {
     try {
       text = readTweakText(source_.bytes);
     } catch (const TOMLError& error) {
-      messages_.error(error.position(), error.text());
+      messages_.error(error.position(), "malformed-text", error.text());
       return std::nullopt;
     }
     lookUpTypes(text, messages_);
@@ -55,13 +59,14 @@ class Reader {
     const DeviceRoot root = DeviceRoot::shared();
     const auto file = pathInside(root, input_.folder, reference.path);
     if (!file) {
-      messages_.error(reference.position, reference.path + ": lies outside of the text's folder");
+      messages_.error(reference.position, "outside-file",
+                      reference.path + ": lies outside of the text's folder");
       return std::nullopt;
     }
     try {
       return readFile(openedFile(root, *file));
     } catch (const std::exception& error) {
-      messages_.error(reference.position, errorText(error));
+      messages_.error(reference.position, "unreadable-file", errorText(error));
       return std::nullopt;
     }
   }
@@ -71,7 +76,8 @@ class Reader {
     if (!bytes) return;
     input_.icon = Image::decode(*bytes);
     if (!input_.icon)
-      messages_.error(reference.position, reference.path + ": is not a PNG or JPEG image");
+      messages_.error(reference.position, "malformed-image",
+                      reference.path + ": is not a PNG or JPEG image");
   }
 
   void readScript(const FileReference& reference) {
@@ -79,13 +85,14 @@ class Reader {
     if (!bytes) return;
     // As a stored script is read: without a byte order mark.
     input_.script = textFromBytes(*bytes);
-    if (!input_.script) messages_.error(reference.position, reference.path + ": is not UTF-8");
+    if (!input_.script)
+      messages_.error(reference.position, "malformed-script", reference.path + ": is not UTF-8");
   }
 
   void addFiles() {
     const DeviceRoot root = DeviceRoot::shared();
     if (source_.isFolder) {
-      input_.files = attachedFiles(input_.folder);
+      input_.files = attachedFiles(input_.folder, fs::path(input_.file).parent_path().string());
       for (const char* top : kAttachedFolders) {
         const auto folder = pathInside(root, input_.folder, top);
         if (folder && fs::is_directory(root.status(*folder))) input_.wholeFolders.insert(top);
@@ -122,11 +129,27 @@ TextSource textSource(const std::string& argument) {
   source.isFolder = argument != "-" && fs::is_directory(argument);
   const std::string file = source.isFolder ? (fs::path(argument) / kTextFile).string() : argument;
   source.bytes = readInput(file);
-  source.file = file == "-" ? "standard input" : file;
+  source.file = shownInput(file);
   std::error_code ignored;
   source.folder =
       fs::is_regular_file(file, ignored) ? fs::absolute(file).parent_path() : fs::path(".");
   return source;
+}
+
+std::string TextInput::excerptAt(TextPosition position) const {
+  std::string_view line = bytes;
+  for (std::size_t i = 1; i < position.line; ++i)
+    line.remove_prefix(std::min(line.find('\n'), line.size() - 1) + 1);
+  line = line.substr(0, line.find_first_of("\r\n"));
+  std::size_t column = 1;
+  std::size_t characters = 0;
+  for (const char byte : line) {
+    // Columns of texts count characters, those of the line with the caret UTF-16 units.
+    const std::size_t units = utf16UnitsOf(byte);
+    if (units != 0 && ++characters == position.column) break;
+    column += units;
+  }
+  return caretLine(line, column);
 }
 
 Diagnostic TextInput::at(TextPosition position) const {

@@ -30,6 +30,8 @@ struct TextInput {
   TweakText text;
   /// The text's path as the user wrote it.
   std::string file;
+  /// The text itself.
+  std::string bytes;
   /// The tweak's own icon.
   std::optional<Image> icon;
   /// The tweak's script, in UTF-8.
@@ -42,6 +44,8 @@ struct TextInput {
   /// The folders, of kAttachedFolders, of which the tweak is to have no other files.
   std::set<std::string> wholeFolders;
 
+  /// The line at `position` in the text with a caret below it, as caretLine().
+  std::string excerptAt(TextPosition position) const;
   /// A message about a place in the text, without the message.
   Diagnostic at(TextPosition position) const;
   /// The path of a file next to the text, as the user wrote the text's.

@@ -17,8 +17,8 @@ class TextMessages {
   TextMessages(std::string file, std::function<void(const Diagnostic&)> report)
       : file_(std::move(file)), report_(std::move(report)) {}
 
-  /// Reports an error and remembers that there is one.
-  void error(TextPosition position, const std::string& text);
+  /// Reports an error and remembers that there is one. `code` is that of Diagnostic.
+  void error(TextPosition position, const std::string& code, const std::string& text);
   /// Whether an error was reported.
   bool hasErrors() const { return hasErrors_; }
 

@@ -48,9 +48,9 @@ void setTypes(TweakText& text, const std::vector<std::size_t>& hooks, const Imag
     }
     isComplete = false;
     const bool isOfKnownClass = hasClass(dump, identity.className);
-    messages.error(text.hooks[hook].method, "no types, and " +
-                                                std::string(isOfKnownClass ? "" : "the app ") +
-                                                missingMethodText(dump, identity));
+    messages.error(text.hooks[hook].method, "unknown-types",
+                   "no types, and " + std::string(isOfKnownClass ? "" : "the app ") +
+                       missingMethodText(dump, identity));
   }
   if (!isComplete) reportFaults(dump, app);
 }
@@ -69,7 +69,7 @@ void lookUpTypes(TweakText& text, TextMessages& messages) {
   } catch (const std::exception& error) {
     const auto* failure = dynamic_cast<const std::system_error*>(&error);
     if (failure != nullptr && failure->code() == std::errc::operation_canceled) throw;
-    messages.error(text.hooks[hooks.front()].method,
+    messages.error(text.hooks[hooks.front()].method, "unknown-types",
                    "no types, and the app's classes cannot be read: " + errorText(error));
   }
 }

@@ -7,12 +7,15 @@
 #include <string_view>
 #include <utility>
 #include <variant>
+#include <vector>
 
 #include "cli/arguments/TranspilerOption.h"
 #include "cli/terminal/CaretLine.h"
 #include "cli/terminal/ShownText.h"
+#include "cli/tweaks/CodeValue.h"
 #include "cli/tweaks/TextInput.h"
 #include "tavlen/foundation/text/Characters.h"
+#include "tavlen/tweaks/ManifestCheck.h"
 
 namespace tavlen::cli {
 
@@ -75,12 +78,19 @@ Diagnostic atManifest(const OpenedTweak& tweak) {
   return where;
 }
 
+/// The index in the document of the hook that has the index `hook` without the empty entries.
+std::size_t indexInDocument(const TweakFile::Manifest& manifest, std::size_t hook) {
+  std::size_t index = 0;
+  for (std::size_t present = 0;; ++index) {
+    if (manifest._hooks.at(index) && present++ == hook) return index;
+  }
+}
+
 /// The error, with the line of `text` and a caret under its column.
 Diagnostic diagnosticOf(Diagnostic where, const SyntaxError& error, std::string_view text) {
   std::string message = error.message;
   if (error.beginning) {
-    message.append(kBeganAt).append(std::to_string(error.beginning->line));
-    message.append(":").append(std::to_string(error.beginning->column));
+    message.append(kBeganAt).append(description(*error.beginning));
   }
   where.severity = Diagnostic::kError;
   where.code = "syntax-error";
@@ -111,38 +121,78 @@ class Prober {
   std::optional<TweakProcessor> processor_;
 };
 
+/// A message about a value of a hook, without the message. `hook` is as for atHook().
+Diagnostic atValue(const OpenedTweak& tweak, std::size_t hook, const HookPlace& place) {
+  const std::size_t index = indexInDocument(tweak.manifest, hook);
+  if (tweak.text) return tweak.text->at(tweak.text->text.placeOf(index, place));
+  Diagnostic where = atManifest(tweak);
+  where.place = documentPath(tweak.manifest, TweakProblem{.subject = TweakProblem::Subject::hook,
+                                                          .index = index,
+                                                          .place = place,
+                                                          .code = {},
+                                                          .text = {}});
+  return where;
+}
+
+/// A syntax error in the hook's part of the generated text, which begins at the byte `begin` of
+/// `text`, whose places `error` has. The user knows that text only as far as it is code of the
+/// hook's values: the message leads to the value and to a place in its code, or else to the method.
+Diagnostic errorInHook(const OpenedTweak& tweak, std::size_t hook, SyntaxError error,
+                       std::string_view text, std::size_t begin) {
+  const std::vector<Hook> hooks = tweak.manifest.hooks();
+  const std::vector<CodeValue> values = codeValuesOf(hooks.at(hook));
+  const auto positionIn = [&](const CodeValue& value, std::optional<TextPosition> place) {
+    const auto offset = place ? offsetAt(text, *place) : std::nullopt;
+    return offset && *offset >= begin ? value.positionOf(*offset - begin) : std::nullopt;
+  };
+  const auto beginning = std::exchange(error.beginning, std::nullopt);
+  for (const CodeValue& value : values) {
+    const auto place = positionIn(value, error.place);
+    if (!place) continue;
+    error.place = *place;
+    error.beginning = positionIn(value, beginning);
+    error.message.insert(0, "at " + description(*place) + " of the code: ");
+    return diagnosticOf(atValue(tweak, hook, value.place), error, value.code);
+  }
+  // What is not closed is often noticed only after the code.
+  for (const CodeValue& value : values) {
+    const auto began = positionIn(value, beginning);
+    if (!began && values.size() != 1) continue;
+    if (began) error.message.append(kBeganAt).append(description(*began)).append(" of the code");
+    return diagnosticOf(atValue(tweak, hook, value.place), error, text);
+  }
+  return diagnosticOf(atHook(tweak, hook), error, text);
+}
+
 /// A syntax error in the generated text, at the hook that caused it. The reported position
 /// may be too late: an unclosed bracket in one hook's code, for example, is often noticed only in
 /// the next hook. So every hook is first converted by itself, and the first failure is reported. If
 /// every hook converts by itself, the hook at the reported line is at fault.
-Diagnostic generatedError(const OpenedTweak& tweak, const TweakSource& source,
-                          const SyntaxError& error, Prober& prober) {
+Diagnostic generatedError(const OpenedTweak& tweak, const TweakSource& source, SyntaxError error,
+                          Prober& prober) {
   constexpr std::string_view kBefore = "hookClass(\"\", {}, {\n";
   const std::string_view generated = source.generatedText();
   for (const HookSource::Entry& entry : source.entries()) {
     const std::string alone = std::string(kBefore)
                                   .append(generated.substr(entry.begin, entry.end - entry.begin))
                                   .append("\n});");
-    auto own = prober.syntaxErrorIn(alone);
-    if (!own) continue;
-    // Where something began is a place in the text that `source` prints; the line before the hook
-    // is not part of it.
-    if (own->beginning && own->beginning->line == 1) own->beginning.reset();
-    if (own->beginning) own->beginning->line += lineEndCount(generated.substr(0, entry.begin)) - 1;
-    return diagnosticOf(atHook(tweak, entry.hook), *own, alone);
+    if (auto own = prober.syntaxErrorIn(alone))
+      return errorInHook(tweak, entry.hook, *std::move(own), alone, kBefore.size());
   }
   const auto lineBegin = offsetAt(generated, {error.place.line, 1});
   const auto* entry = lineBegin ? source.entryBefore(*lineBegin) : nullptr;
-  return diagnosticOf(entry != nullptr ? atHook(tweak, entry->hook) : atManifest(tweak), error,
-                      generated);
+  if (entry != nullptr)
+    return errorInHook(tweak, entry->hook, std::move(error), generated, entry->begin);
+  error.beginning.reset();
+  return diagnosticOf(atManifest(tweak), error, generated);
 }
 
 /// The syntax error that stopped the conversion of the whole source.
 Diagnostic errorAtPlace(const OpenedTweak& tweak, const TweakSource& source,
                         const std::filesystem::path& transpiler, SyntaxError error) {
   Prober prober(transpiler);
-  if (const auto own = prober.syntaxErrorIn(std::string(source.generatedText())))
-    return generatedError(tweak, source, *own, prober);
+  if (auto own = prober.syntaxErrorIn(std::string(source.generatedText())))
+    return generatedError(tweak, source, *std::move(own), prober);
   const std::size_t linesBefore = source.linesBeforeScript();
   if (error.place.line <= linesBefore) return diagnosticOf(atManifest(tweak), error, source.text());
   error.place.line -= linesBefore;
@@ -165,16 +215,11 @@ std::variant<TweakProcessor::Output, Diagnostic> converted(
 }  // namespace
 
 Diagnostic atHook(const OpenedTweak& tweak, std::size_t hook) {
+  const std::size_t index = indexInDocument(tweak.manifest, hook);
+  if (tweak.text) return tweak.text->at(tweak.text->text.hooks.at(index).method);
   Diagnostic where = atManifest(tweak);
-  // Messages use the index in the file; `hook` does not count empty entries.
-  std::size_t present = 0;
-  for (std::size_t i = 0; i < tweak.manifest._hooks.size(); ++i) {
-    const auto& entry = tweak.manifest._hooks[i];
-    if (!entry || present++ != hook) continue;
-    if (tweak.text) return tweak.text->at(tweak.text->text.hooks.at(i).method);
-    where.place = "hooks[" + std::to_string(i) + "] " + methodText(entry->identity());
-    break;
-  }
+  where.place = "hooks[" + std::to_string(index) + "] " +
+                methodText(tweak.manifest._hooks.at(index)->identity());
   return where;
 }
 

@@ -1,6 +1,5 @@
 #include "cli/tweaks/TweakCheck.h"
 
-#include <algorithm>
 #include <filesystem>
 #include <string>
 #include <utility>
@@ -80,12 +79,9 @@ void addResources(TweakSurroundings& surroundings, const std::set<std::string>& 
 TweakSurroundings surroundingsOf(const fs::path& folder) {
   TweakSurroundings surroundings;
   surroundings.apps = AppList::shared().identifiers();
+  surroundings.refusedEntries = refusedEntries(DeviceRoot::shared().follow(folder));
   const fs::path top = TweakFile::resourcesFolder;
-  const auto files = attachedFiles(folder, top.string(), [&](const std::string& entry) {
-    surroundings.strayEntries.push_back(entry);
-  });
-  std::sort(surroundings.strayEntries.begin(), surroundings.strayEntries.end());
-  addResources(surroundings, files);
+  addResources(surroundings, attachedFiles(folder, top.string(), [](const std::string&) {}));
   surroundings.stateOf = [resources = folder / top](const std::string& name) {
     const DeviceRoot root = DeviceRoot::shared();
     const auto file = pathInside(root, resources, name);

@@ -45,7 +45,8 @@ TweakContents contentsOf(const TweakFile::Opened& tweak) {
   TweakContents contents{
       tweak.manifest, tweak.file->customIcon(), tweak.file->readScript(), {}, {}, {}};
   const fs::path& folder = tweak.file->url();
-  for (const std::string& name : attachedFiles(folder)) contents.files.emplace(name, folder);
+  for (const std::string& name : attachedFiles(folder, folder.string()))
+    contents.files.emplace(name, folder);
   contents.wholeFolders.insert(kAttachedFolders.begin(), kAttachedFolders.end());
   return contents;
 }

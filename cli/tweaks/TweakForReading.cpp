@@ -7,14 +7,16 @@
 
 #include "cli/arguments/StoredItem.h"
 #include "cli/terminal/Diagnostic.h"
+#include "cli/terminal/HiddenFolder.h"
 #include "cli/terminal/ProgressLine.h"
 #include "cli/terminal/ShownText.h"
 #include "cli/tweaks/TemporaryTweak.h"
 #include "cli/tweaks/TextInput.h"
 #include "cli/tweaks/TweakContents.h"
-#include "tavlen/collections/TweakCollection.h"
+#include "tavlen/collections/TweakCollectionManifest.h"
 #include "tavlen/foundation/coding/CodingError.h"
 #include "tavlen/foundation/text/Characters.h"
+#include "tavlen/foundation/text/Unicode.h"
 #include "tavlen/foundation/zip/ZIPError.h"
 #include "tavlen/store/TweakManager.h"
 
@@ -43,7 +45,7 @@ OpenedTweak tweakFromText(const std::string& argument) {
   tweak.argument = argument;
   TextInput input = readTextInput(argument);
   tweak.folder = fs::path(input.file).parent_path().string();
-  auto folder = std::make_shared<TemporaryTweak>();
+  auto folder = std::make_shared<HiddenFolder>();
   const fs::path draft = folder->path() / nameFor(argument);
   makeTweakFolder(draft, contentsOf(input));
   useFolder(tweak, {TweakFile::handle(draft), input.text.manifest});
@@ -52,24 +54,45 @@ OpenedTweak tweakFromText(const std::string& argument) {
   return tweak;
 }
 
+bool isOfCollection(const std::string& archive) {
+  return lowercased(archive).ends_with(TweakCollection::compressedExtension);
+}
+
+/// What `unpack` makes of the archive, with errors that name it.
+template <class Unpack>
+auto unpacked(const std::string& archive, const Unpack& unpack) {
+  try {
+    const ProgressLine line("unpacking " + archive);
+    return unpack(line.progress().get());
+  } catch (const DecodingError& error) {
+    throw documentError(archive + "/" + kDocumentFile, error);
+  } catch (const DescribedError& error) {
+    throw std::runtime_error(archive + ": " + errorText(error));
+  }
+}
+
 OpenedTweak tweakFromArchive(const std::string& argument) {
-  if (lowercased(argument).ends_with(TweakCollection::compressedExtension))
+  if (isOfCollection(argument))
     throw std::runtime_error(argument + ": is the archive of a collection; import makes one of it");
   OpenedTweak tweak;
   tweak.argument = argument;
   tweak.folder = argument;
-  auto folder = std::make_shared<TemporaryTweak>();
+  auto folder = std::make_shared<HiddenFolder>();
   const fs::path place = folder->path() / nameFor(argument);
-  try {
-    const ProgressLine line("unpacking " + argument);
-    useFolder(tweak, TweakManager::openTweakArchive(argument, place, line.progress().get()));
-  } catch (const DecodingError& error) {
-    throw std::runtime_error(argument + ": Manifest.json: " + errorText(error));
-  } catch (const DescribedError& error) {
-    throw std::runtime_error(argument + ": " + errorText(error));
-  }
+  useFolder(tweak, unpacked(argument, [&](Progress* progress) {
+              return TweakManager::openTweakArchive(argument, place, progress);
+            }));
   tweak.temporaryFolder = std::move(folder);
   return tweak;
+}
+
+ItemForReading collectionFromArchive(const std::string& argument) {
+  auto folder = std::make_shared<HiddenFolder>();
+  const fs::path place = folder->path() / nameFor(argument);
+  auto [collection, members] = unpacked(argument, [&](Progress* progress) {
+    return TweakManager::openCollectionArchive(argument, place, progress);
+  });
+  return {std::move(collection), argument, std::move(folder), nullptr, std::move(members)};
 }
 
 }  // namespace
@@ -91,8 +114,12 @@ OpenedTweak openTweak(const std::string& argument) {
     tweak.script = tweak.file->readScript().value_or(std::string());
   } catch (const std::exception& error) {
     tweak.scriptIsUnreadable = true;
+    const std::string file = tweak.pathOf(TweakFile::scriptFile);
+    std::string reason = errorText(error);
+    if (reason.starts_with(file + ": ")) reason.erase(0, file.size() + 2);
     print({.severity = Diagnostic::kWarning,
-           .message = "the script cannot be read and counts as empty: " + errorText(error),
+           .message = "the script cannot be read and counts as empty: " + reason,
+           .file = file,
            .code = "unreadable-script"});
   }
   return tweak;
@@ -104,10 +131,32 @@ ItemForReading itemForReading(const std::string& argument) {
     std::string path = item.item()->url().string();
     return {std::move(item), std::move(path), nullptr};
   }
+  if (formOf(argument) == ItemForm::archive && isOfCollection(argument))
+    return collectionFromArchive(argument);
   OpenedTweak tweak = tweakForReading(argument);
   return {TweakFile::Opened{std::move(tweak.file), std::move(tweak.manifest),
                             std::move(tweak.ignoredKeys)},
           argument, std::move(tweak.temporaryFolder), std::move(tweak.text)};
+}
+
+ItemForReading collectionForReading(const std::string& argument) {
+  ItemForReading read = itemForReading(argument);
+  if (read.item.collection() != nullptr) return read;
+  throw std::runtime_error(argument + ": is a tweak, not a collection");
+}
+
+std::vector<TweakFile::Opened> ItemForReading::members() const {
+  if (!isItem() || item.collection() == nullptr) return archived;
+  return item.collection()->manifest.openedTweaks();
+}
+
+ItemRow rowOf(const ItemForReading& read) {
+  const TweakProtocol& item = *read.item.item();
+  const TweakConfiguration configuration = read.item.configuration();
+  ItemRow row = read.isItem() ? rowOf(item, configuration) : rowOf(item, configuration, false);
+  row.path = wellFormedUTF8(read.path);
+  if (!read.isItem()) row.id = std::nullopt;
+  return row;
 }
 
 }  // namespace tavlen::cli

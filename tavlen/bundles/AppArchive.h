@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/base/FunctionRef.h"
 #include "tavlen/foundation/errors/CasedError.h"
 #include "tavlen/foundation/zip/ZIPError.h"
@@ -18,7 +19,7 @@ class IPA;
 /// only those, by the rules and limits of ZIPArchive.
 ///
 /// Threads: one object one thread at a time.
-class AppArchive {
+class TAVLEN_API AppArchive {
  public:
   /// The cases of Error.
   enum class ErrorCase { noApp, severalApps };
@@ -52,7 +53,7 @@ class AppArchive {
 };
 
 /// The error of an archive without exactly one app.
-class AppArchive::Error : public CasedError<AppArchive::ErrorCase> {
+class TAVLEN_API AppArchive::Error : public CasedError<AppArchive::ErrorCase> {
  public:
   /// The folder Payload of the archive has no app.
   static Error noApp();

@@ -1,5 +1,7 @@
 #include "tavlen/bundles/AppList.h"
 
+#include <filesystem>
+#include <optional>
 #include <utility>
 
 #include "tavlen/bundles/IPA.h"
@@ -7,6 +9,7 @@
 #include "tavlen/device/DirectoryAppListFetcher.h"
 #include "tavlen/device/LSAppListFetcher.h"
 #include "tavlen/foundation/base/FatalError.h"
+#include "tavlen/foundation/tasks/NotificationCenter.h"
 
 namespace tavlen {
 
@@ -53,19 +56,35 @@ void AppList::setSharedFetcher(std::unique_ptr<const AppListFetcher> appFetcher)
   shared.fetcher = std::move(appFetcher);
 }
 
-void AppList::loadIfNeeded() {
-  if (hasLoadedApps_) return;
+void AppList::load() {
+  std::map<std::filesystem::path, std::shared_ptr<IPA>> former;
+  for (const std::shared_ptr<IPA>& app : cachedAppsArray_) former.try_emplace(app->appDir(), app);
   // Collect the apps in a local list: the host's fetcher may throw, and the next call must then
   // fetch again.
   std::vector<std::shared_ptr<IPA>> apps;
   std::map<std::string, std::shared_ptr<IPA>, std::less<>> appsByID;
   for (AppListApp& app : appFetcher_->fetchAllApps()) {
-    apps.push_back(IPA::withAppDir(std::move(app.bundle)));
+    std::shared_ptr<IPA> handle = IPA::withAppDir(std::move(app.bundle));
+    if (const auto known = former.find(handle->appDir()); known != former.end())
+      handle = known->second;
+    apps.push_back(std::move(handle));
     appsByID.try_emplace(std::move(app.bundleID), apps.back());
   }
   cachedAppsArray_ = std::move(apps);
   cachedAppsDict_ = std::move(appsByID);
   hasLoadedApps_ = true;
+}
+
+void AppList::loadIfNeeded() {
+  if (!hasLoadedApps_) load();
+}
+
+void AppList::reload() {
+  {
+    const std::lock_guard lock(appLoadLock_);
+    load();
+  }
+  NotificationCenter::default_().post({std::string(kDidReloadNotification), this, std::nullopt});
 }
 
 std::vector<std::shared_ptr<IPA>> AppList::apps() {
@@ -81,10 +100,10 @@ std::shared_ptr<IPA> AppList::app(const std::string& bundleID) {
   return found == cachedAppsDict_.end() ? nullptr : found->second;
 }
 
-std::vector<std::string_view> AppList::identifiers() {
+std::vector<std::string> AppList::identifiers() {
   const std::lock_guard lock(appLoadLock_);
   loadIfNeeded();
-  std::vector<std::string_view> identifiers;
+  std::vector<std::string> identifiers;
   identifiers.reserve(cachedAppsDict_.size());
   for (const auto& [identifier, app] : cachedAppsDict_) identifiers.push_back(identifier);
   return identifiers;

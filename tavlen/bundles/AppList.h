@@ -8,17 +8,23 @@
 #include <vector>
 
 #include "tavlen/device/AppListFetcher.h"
+#include "tavlen/foundation/base/API.h"
 
 namespace tavlen {
 
 class IPA;
 
-/// The apps that tweaks can be made for, fetched once and cached.
+/// The apps that tweaks can be made for, fetched once and cached until reload().
 ///
-/// Threads: any. The first call fetches, under a lock.
-class AppList {
+/// Threads: any. The first call fetches, and others wait for it; with many apps this takes as long
+/// as reading their Info.plist files.
+class TAVLEN_API AppList {
  public:
-  /// A list of the apps of `appFetcher`, which is asked once.
+  /// Posted to NotificationCenter::default_() when a list has been reloaded; its object is the
+  /// list.
+  static constexpr std::string_view kDidReloadNotification = "AppListDidReload";
+
+  /// A list of the apps of `appFetcher`.
   explicit AppList(std::unique_ptr<const AppListFetcher> appFetcher);
   AppList(const AppList&) = delete;
   AppList& operator=(const AppList&) = delete;
@@ -26,22 +32,28 @@ class AppList {
 
   /// The list of the process, created by the first call. It uses the system's application workspace
   /// when the device root is "/", and the folders of the tree below any other root. Later changes
-  /// of root and apps are not seen.
+  /// of the root are not seen.
   static AppList& shared();
   /// Makes shared() use `appFetcher`. Call before the first use of shared(); a later call aborts
   /// the process.
   static void setSharedFetcher(std::unique_ptr<const AppListFetcher> appFetcher);
 
+  /// Fetches the apps again, and then posts kDidReloadNotification on the calling thread, with no
+  /// lock held. Of an app whose bundle is still in the same folder, the object stays the same. The
+  /// fetcher's exceptions propagate and leave the list as it was. Blocks and cannot be cancelled.
+  void reload();
+
   /// The apps in the fetcher's order, including several with the same identifier. Every call
-  /// returns the same objects. The fetcher's exceptions propagate.
+  /// until reload() returns the same objects. The fetcher's exceptions propagate.
   std::vector<std::shared_ptr<IPA>> apps();
   /// The first app with that identifier; null without a match.
   std::shared_ptr<IPA> app(const std::string& bundleID);
-  /// The identifiers of all apps, each once, sorted. Valid as long as the list.
-  std::vector<std::string_view> identifiers();
+  /// The identifiers of all apps, each once, sorted.
+  std::vector<std::string> identifiers();
 
  private:
   /// The lock must be held.
+  void load();
   void loadIfNeeded();
 
   std::unique_ptr<const AppListFetcher> appFetcher_;

@@ -5,13 +5,14 @@
 #include <vector>
 
 #include "tavlen/bundles/Executable.h"
+#include "tavlen/foundation/base/API.h"
 
 namespace tavlen {
 
 class IPA;
 
 /// The Mach-O images of an app bundle, identified by their headers.
-struct BundleExecutables {
+struct TAVLEN_API BundleExecutables {
   /// The main executable; never null.
   std::shared_ptr<Executable> main;
   /// Other images of the file type "execute", sorted by relative path.

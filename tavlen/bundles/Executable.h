@@ -5,6 +5,7 @@
 #include <string>
 #include <utility>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/errors/CasedError.h"
 
 namespace tavlen {
@@ -14,7 +15,7 @@ class IPA;
 /// A Mach-O image of an app bundle: its main program, another program, or a dynamic library.
 ///
 /// Does not keep its app alive. Threads: calls may run concurrently.
-class Executable {
+class TAVLEN_API Executable {
  public:
   /// The cases of Error.
   enum class ErrorCase { missing };
@@ -45,7 +46,7 @@ class Executable {
 };
 
 /// The error of a missing image.
-class Executable::Error : public CasedError<Executable::ErrorCase> {
+class TAVLEN_API Executable::Error : public CasedError<Executable::ErrorCase> {
  public:
   /// `name` is the file's name.
   static Error missing(std::string name);

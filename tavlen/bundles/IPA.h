@@ -10,6 +10,7 @@
 
 #include "tavlen/bundles/BundleExecutables.h"
 #include "tavlen/bundles/InfoManager.h"
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/errors/CasedError.h"
 
 namespace tavlen {
@@ -21,7 +22,7 @@ class NotificationPoster;
 ///
 /// Threads: calls may run concurrently, except that two must not set the active tweak of one app,
 /// in one process or in two.
-class IPA : public std::enable_shared_from_this<IPA> {
+class TAVLEN_API IPA : public std::enable_shared_from_this<IPA> {
  public:
   /// The cases of Error.
   enum class ErrorCase { missing, errorReading, notFound, invalidFilename, invalidIPA, cleanedUp };
@@ -72,10 +73,10 @@ class IPA : public std::enable_shared_from_this<IPA> {
   /// Replaces the active tweak by `tweak`, or removes it when `tweak` is null. Then ends the app,
   /// or restarts the home screen if the icon changes.
   ///
-  /// Blocks. Everything that can fail is tried before the old installation is touched: the new one
-  /// is complete on the same volume, and the helper has shown that it runs. A later failure
-  /// restores the old one; if that fails as well, or the process dies at that moment, nothing is
-  /// installed and no record remains. Throws the errors of InfoManager::info(),
+  /// Blocks, and cannot be cancelled. Everything that can fail is tried before the old installation
+  /// is touched: the new one is complete on the same volume, and the helper has shown that it runs.
+  /// A later failure restores the old one; if that fails as well, or the process dies at that
+  /// moment, nothing is installed and no record remains. Throws the errors of InfoManager::info(),
   /// Error::invalidFilename for a bundle identifier that cannot be the name of a folder,
   /// Error::missing when the file-operations helper does not exist, Error::cleanedUp,
   /// Process::Error when the helper fails, std::system_error for the file system's errors, and the
@@ -102,7 +103,7 @@ class IPA : public std::enable_shared_from_this<IPA> {
 };
 
 /// The errors of IPA.
-class IPA::Error : public CasedError<IPA::ErrorCase> {
+class TAVLEN_API IPA::Error : public CasedError<IPA::ErrorCase> {
  public:
   /// The file-operations helper `name` does not exist.
   static Error missing(std::string name);

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "tavlen/bundles/InterfaceOrientation.h"
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/coding/Coding.h"
 #include "tavlen/foundation/coding/SemanticVersion.h"
 
@@ -16,7 +17,7 @@ namespace tavlen {
 ///
 /// Names, versions and orientations have accessors that implement the fallbacks. The members that
 /// begin with "_" are the stored values of the keys in codedFields().
-struct Info {
+struct TAVLEN_API Info {
   /// The value of a CFBundleIcons key.
   struct Icons {
     /// The app's own icon, as opposed to alternate ones.

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "tavlen/bundles/Info.h"
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/base/FunctionRef.h"
 #include "tavlen/foundation/errors/CasedError.h"
 #include "tavlen/foundation/image/Image.h"
@@ -16,7 +17,7 @@ namespace tavlen {
 
 /// Reads an app bundle's Info.plist and icons. Caches nothing: every call reads the files again.
 /// Threads: any.
-struct InfoManager {
+struct TAVLEN_API InfoManager {
   /// The cases of Error.
   enum class ErrorCase { iconNotFound, noIconFound, couldNotResize };
 

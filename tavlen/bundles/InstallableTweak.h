@@ -5,11 +5,12 @@
 
 #include "tavlen/bundles/Info.h"
 #include "tavlen/device/TweakInfo.h"
+#include "tavlen/foundation/base/API.h"
 
 namespace tavlen {
 
 /// Something that can be installed as the active tweak of an app.
-class InstallableTweak {
+class TAVLEN_API InstallableTweak {
  public:
   virtual ~InstallableTweak() = default;
 

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string_view>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/coding/RawValueCoding.h"
 
 namespace tavlen {
@@ -26,8 +27,8 @@ struct RawValues<InterfaceOrientation> {
 };
 
 /// The name without its common prefix: "Portrait".
-std::string_view shortName(InterfaceOrientation orientation);
+TAVLEN_API std::string_view shortName(InterfaceOrientation orientation);
 /// The orientation with that name, short or full; nothing for any other text.
-std::optional<InterfaceOrientation> orientationNamed(std::string_view name);
+TAVLEN_API std::optional<InterfaceOrientation> orientationNamed(std::string_view name);
 
 }  // namespace tavlen

@@ -10,6 +10,7 @@
 #include "tavlen/bundles/Info.h"
 #include "tavlen/bundles/InterfaceOrientation.h"
 #include "tavlen/device/TweakInfo.h"
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/coding/Coding.h"
 #include "tavlen/foundation/coding/SemanticVersion.h"
 #include "tavlen/foundation/coding/TypeKeyedCoding.h"
@@ -49,7 +50,7 @@ struct OverrideOfKind {
 };
 
 /// The kind of DisplayNameOverride.
-struct DisplayNameKind {
+struct TAVLEN_API DisplayNameKind {
   static constexpr std::string_view typeName = "DisplayNameOverride";
   static constexpr LocalizedText title = {"override_title.display_name", "Display Name"};
   static std::string currentValue(const Info& info) { return info.name(); }
@@ -58,7 +59,7 @@ struct DisplayNameKind {
 using DisplayNameOverride = OverrideOfKind<DisplayNameKind>;
 
 /// The kind of BundleNameOverride.
-struct BundleNameKind {
+struct TAVLEN_API BundleNameKind {
   static constexpr std::string_view typeName = "BundleNameOverride";
   static constexpr LocalizedText title = {"override_title.bundle_name", "Bundle Name"};
   static std::string currentValue(const Info& info) { return info.bundleName(); }
@@ -67,7 +68,7 @@ struct BundleNameKind {
 using BundleNameOverride = OverrideOfKind<BundleNameKind>;
 
 /// The kind of BundleIDOverride.
-struct BundleIDKind {
+struct TAVLEN_API BundleIDKind {
   static constexpr std::string_view typeName = "BundleIDOverride";
   static constexpr LocalizedText title = {"override_title.bundle_id", "Bundle ID"};
   static std::string currentValue(const Info& info) { return info.bundleID; }
@@ -76,7 +77,7 @@ struct BundleIDKind {
 using BundleIDOverride = OverrideOfKind<BundleIDKind>;
 
 /// The kind of VersionOverride.
-struct VersionKind {
+struct TAVLEN_API VersionKind {
   static constexpr std::string_view typeName = "VersionOverride";
   static constexpr LocalizedText title = {"override_title.version", "Version"};
   static std::string currentValue(const Info& info) { return info.version(); }
@@ -85,7 +86,7 @@ struct VersionKind {
 using VersionOverride = OverrideOfKind<VersionKind>;
 
 /// The kind of BuildOverride.
-struct BuildKind {
+struct TAVLEN_API BuildKind {
   static constexpr std::string_view typeName = "BuildOverride";
   static constexpr LocalizedText title = {"override_title.build", "Build"};
   static std::string currentValue(const Info& info) { return info.build; }
@@ -94,7 +95,7 @@ struct BuildKind {
 using BuildOverride = OverrideOfKind<BuildKind>;
 
 /// The kind of MinimumOSVersionOverride.
-struct MinimumOSVersionKind {
+struct TAVLEN_API MinimumOSVersionKind {
   static constexpr std::string_view typeName = "MinimumOSVersionOverride";
   static constexpr LocalizedText title = {"override_title.min_os_version", "Min OS Version"};
   static std::optional<SemanticVersion> currentValue(const Info& info) {
@@ -105,7 +106,7 @@ struct MinimumOSVersionKind {
 using MinimumOSVersionOverride = OverrideOfKind<MinimumOSVersionKind>;
 
 /// The kind of IPadSupportOverride.
-struct IPadSupportKind {
+struct TAVLEN_API IPadSupportKind {
   static constexpr std::string_view typeName = "IPadSupportOverride";
   static constexpr LocalizedText title = {"override_title.ipad_support", "iPad Support"};
   static bool currentValue(const Info& info) { return info.supportsIPad(); }
@@ -114,7 +115,7 @@ struct IPadSupportKind {
 using IPadSupportOverride = OverrideOfKind<IPadSupportKind>;
 
 /// The kind of OrientationsOverride.
-struct OrientationsKind {
+struct TAVLEN_API OrientationsKind {
   static constexpr std::string_view typeName = "OrientationsOverride";
   static constexpr LocalizedText title = {"override_title.orientations", "Orientations"};
   static std::vector<InterfaceOrientation> currentValue(const Info& info) {
@@ -125,7 +126,7 @@ struct OrientationsKind {
 using OrientationsOverride = OverrideOfKind<OrientationsKind>;
 
 /// The kind of OrientationsIPadOverride.
-struct OrientationsIPadKind {
+struct TAVLEN_API OrientationsIPadKind {
   static constexpr std::string_view typeName = "OrientationsIPadOverride";
   static constexpr LocalizedText title = {"override_title.orientations_ipad",
                                           "Orientations (iPad)"};
@@ -143,10 +144,10 @@ using Override = std::variant<DisplayNameOverride, BundleNameOverride, BundleIDO
                               IPadSupportOverride, OrientationsOverride, OrientationsIPadOverride>;
 
 /// The kind's title in the user's language.
-std::string localizedName(const Override& override_);
+TAVLEN_API std::string localizedName(const Override& override_);
 
 /// Called for each override of a tweak when its installation record is made. A no-op: overrides
 /// change only the Info.plist.
-void applyTo(TweakInfo& tweakInfo, const Override& override_);
+TAVLEN_API void applyTo(TweakInfo& tweakInfo, const Override& override_);
 
 }  // namespace tavlen

@@ -9,12 +9,13 @@
 #include <vector>
 
 #include "tavlen/bundles/Override.h"
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/coding/TypeKeyedCoding.h"
 
 namespace tavlen {
 
 /// A kind of override.
-struct OverrideKindInfo {
+struct TAVLEN_API OverrideKindInfo {
   /// The kind's stored identifier.
   std::string_view identifier;
   /// The kind's title.
@@ -28,7 +29,7 @@ struct OverrideKindInfo {
 
 /// The stored form of an override: its kind's identifier under the type key, next to the kind's own
 /// "value".
-struct OverrideContainer {
+struct TAVLEN_API OverrideContainer {
   /// Section and row of a kind in a list.
   using IndexPath = std::pair<std::size_t, std::size_t>;
 

@@ -4,12 +4,13 @@
 #include <optional>
 #include <string>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/image/Image.h"
 
 namespace tavlen {
 
 /// The values that a list shows of an app, without a handle on the app.
-struct PseudoApp {
+struct TAVLEN_API PseudoApp {
   /// The bundle identifier.
   std::string bundleID;
   /// The name to show.

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/items/TweakDiffProtocol.h"
 
 namespace tavlen {
@@ -14,7 +15,7 @@ namespace tavlen {
 ///
 /// Its registration is never removed, but does nothing once the observer has been destroyed.
 /// Threads: any.
-class TweakBundleIDObserver {
+class TAVLEN_API TweakBundleIDObserver {
  public:
   /// Calls `onUpdate` on the main queue whenever a posted change of `tweak` has changed its bundle
   /// identifier. A manifest that cannot be read counts as having no bundle identifier.

@@ -49,6 +49,14 @@ void refuseMembers(const fs::path& tweaks, const std::vector<std::string>& ids) 
   }
 }
 
+/// The collection in the unpacked folder `url`. Throws unless the folder can become an item.
+TweakCollection::Opened checkedPayload(const fs::path& url) {
+  refuseLink(url / kManifestFile);
+  TweakCollection::Opened payload = TweakCollection::open(url / kManifestFile);
+  refuseMembers(url / kTweaksFolder, payload.manifest._tweaks);
+  return payload;
+}
+
 }  // namespace
 
 std::shared_ptr<TweakCollection> TweakCollection::at(std::filesystem::path url) {
@@ -95,17 +103,15 @@ std::shared_ptr<TweakCollection> TweakCollection::create(std::string name, Tweak
 std::shared_ptr<TweakCollection> TweakCollection::handlePayloadAt(
     const std::filesystem::path& url) {
   // Check everything before moving anything, so that nothing hostile or invalid enters the store.
-  const TweakCollection payload(url / kManifestFile);
-  refuseLink(payload.url());
-  Manifest manifest = payload.manifest();
+  const auto [payload, checked] = checkedPayload(url);
+  Manifest manifest = checked;
   const fs::path tweaks = url / kTweaksFolder;
-  refuseMembers(tweaks, manifest._tweaks);
 
   std::shared_ptr<TweakCollection> collection(new TweakCollection(uniqueTweakURL()));
   tweakPoster().performWithoutNotifications([&] {
     TweaksDirectory::create();
-    syncFile(payload.url());
-    moveItem(payload.url(), collection->url());
+    syncFile(payload->url());
+    moveItem(payload->url(), collection->url());
     std::unordered_map<std::string, std::string> newIDs;
     for (std::string& id : manifest._tweaks) {
       std::string& newID = newIDs[id];
@@ -115,6 +121,20 @@ std::shared_ptr<TweakCollection> TweakCollection::handlePayloadAt(
     collection->setManifest(manifest);
   });
   return collection;
+}
+
+TweakCollection::Unpacked TweakCollection::openPayloadAt(const std::filesystem::path& url) {
+  Unpacked unpacked = {checkedPayload(url), {}};
+  std::unordered_set<std::string_view> seen;
+  for (const std::string& id : unpacked.collection.manifest._tweaks) {
+    if (!seen.insert(id).second) continue;
+    try {
+      unpacked.members.push_back(TweakFile::open(url / kTweaksFolder / id));
+    } catch (const std::exception&) {
+      // Left out, as documented.
+    }
+  }
+  return unpacked;
 }
 
 bool TweakCollection::isValidID(std::string_view text) { return text.ends_with(kIDSuffix); }

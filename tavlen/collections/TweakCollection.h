@@ -8,6 +8,7 @@
 #include <string_view>
 #include <utility>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/items/ListedItem.h"
 #include "tavlen/items/TweakColor.h"
 #include "tavlen/items/TweakGlyph.h"
@@ -17,10 +18,12 @@ namespace tavlen {
 
 /// A handle on one collection file. A collection lists tweaks that are shown, shared and installed
 /// together.
-class TweakCollection : public TweakProtocol, public std::enable_shared_from_this<TweakCollection> {
+class TAVLEN_API TweakCollection : public TweakProtocol,
+                                   public std::enable_shared_from_this<TweakCollection> {
  public:
   struct Manifest;
   struct Opened;
+  struct Unpacked;
   struct Diff;
 
   /// The extension of archives of collections, without the full stop.
@@ -50,6 +53,9 @@ class TweakCollection : public TweakProtocol, public std::enable_shared_from_thi
   /// Throws TweakError::missing, DecodingError, std::system_error, and what TweakFile::at() throws.
   /// Members that were moved before an error stay in the store.
   static std::shared_ptr<TweakCollection> handlePayloadAt(const std::filesystem::path& url);
+  /// Opens the collection in such a folder. Stores and posts nothing. Throws as handlePayloadAt()
+  /// does, but leaves out members that cannot be opened.
+  static Unpacked openPayloadAt(const std::filesystem::path& url);
 
   /// Whether a stored item of that identifier is a collection.
   static bool isValidID(std::string_view text);

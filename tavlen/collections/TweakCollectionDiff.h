@@ -5,12 +5,13 @@
 #include <utility>
 
 #include "tavlen/collections/TweakCollection.h"
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/items/TweakDiffProtocol.h"
 
 namespace tavlen {
 
 /// One change of a collection.
-struct TweakCollection::Diff : TweakDiffProtocol {
+struct TAVLEN_API TweakCollection::Diff : TweakDiffProtocol {
   /// The kind of change.
   enum class Mode { create, updateManifest, delete_ };
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "tavlen/collections/TweakCollection.h"
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/coding/Coding.h"
 #include "tavlen/items/ItemConfiguration.h"
 #include "tavlen/items/TweakConfiguration.h"
@@ -15,7 +16,7 @@
 namespace tavlen {
 
 /// A collection's document.
-struct TweakCollection::Manifest {
+struct TAVLEN_API TweakCollection::Manifest {
   /// The type of a collection's settings.
   using Configuration = ItemConfiguration<TweakCollection>;
 
@@ -47,7 +48,7 @@ struct TweakCollection::Manifest {
 static_assert(TweakManifestRecord<TweakCollection::Manifest>);
 
 /// A collection with the manifest that was read when it was opened.
-struct TweakCollection::Opened {
+struct TAVLEN_API TweakCollection::Opened {
   std::shared_ptr<TweakCollection> file;  ///< never null
   Manifest manifest;                      ///< as read; later edits do not change it
 
@@ -55,6 +56,12 @@ struct TweakCollection::Opened {
   /// which are some of manifest.openedTweaks(), in their order. Reads no document again.
   void preparePayloadIn(const std::filesystem::path& directory,
                         std::span<const TweakFile::Opened> members) const;
+};
+
+/// A collection that is not stored, with its members.
+struct TAVLEN_API TweakCollection::Unpacked {
+  Opened collection;                       ///< the collection
+  std::vector<TweakFile::Opened> members;  ///< in the folder next to it, each once
 };
 
 }  // namespace tavlen

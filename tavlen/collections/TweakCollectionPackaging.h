@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "tavlen/collections/TweakCollectionManifest.h"
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/tweaks/TweakPackaging.h"
 
 namespace tavlen {
@@ -11,8 +12,8 @@ namespace tavlen {
 /// order. The icon is that of the first member that has one. Throws as TweakProtocol::package()
 /// does; an error may leave earlier members' packages in the directory, but does not change
 /// `tweakInfo`.
-void packageCollection(const TweakCollection::Opened& collection,
-                       const std::vector<TweakFile::Opened>& members, const Info& target,
-                       const Packaging& packaging, TweakInfo& tweakInfo);
+TAVLEN_API void packageCollection(const TweakCollection::Opened& collection,
+                                  const std::vector<TweakFile::Opened>& members, const Info& target,
+                                  const Packaging& packaging, TweakInfo& tweakInfo);
 
 }  // namespace tavlen

@@ -2,10 +2,12 @@
 
 #include <string>
 
+#include "tavlen/foundation/base/API.h"
+
 namespace tavlen {
 
 /// Ends the app with the identifier `bundleID` by killProcessWithPID(), if it is running. Blocks
 /// until that is done; failures are not reported. Threads: any.
-void killAppWithBundleID(const std::string& bundleID);
+TAVLEN_API void killAppWithBundleID(const std::string& bundleID);
 
 }  // namespace tavlen

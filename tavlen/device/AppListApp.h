@@ -3,10 +3,12 @@
 #include <filesystem>
 #include <string>
 
+#include "tavlen/foundation/base/API.h"
+
 namespace tavlen {
 
 /// An installed app, as a fetcher reports it. A plain value.
-struct AppListApp {
+struct TAVLEN_API AppListApp {
   /// The bundle identifier.
   std::string bundleID;
   /// The name to show the user.

@@ -3,11 +3,12 @@
 #include <vector>
 
 #include "tavlen/device/AppListApp.h"
+#include "tavlen/foundation/base/API.h"
 
 namespace tavlen {
 
 /// A source of the apps in an app list.
-class AppListFetcher {
+class TAVLEN_API AppListFetcher {
  public:
   virtual ~AppListFetcher() = default;
 

@@ -1,11 +1,14 @@
 #include "tavlen/device/DeviceFiles.h"
 
+#include <unistd.h>
+
 #include <cerrno>
 #include <system_error>
 #include <utility>
 
 #include "tavlen/foundation/base/SystemError.h"
 #include "tavlen/foundation/files/FileSystem.h"
+#include "tavlen/foundation/files/RetryOnInterrupt.h"
 
 namespace tavlen {
 
@@ -31,6 +34,19 @@ RandomAccessFile DeviceFolder::openedFile(std::string name) const {
   if (!file && (errno == ELOOP || errno == ENOTDIR)) file = root_.open(path_ / name, kOpenToRead);
   if (!file) throwSystemError(name);
   return {std::move(file), std::move(name)};
+}
+
+std::optional<std::string_view> DeviceFolder::readSmall(const std::string& name,
+                                                        std::span<char> buffer) const {
+  const FileDescriptor file =
+      hasOwnLinks_ ? FileDescriptor::tryOpenBelow(folder_.get(), name, kOpenToRead)
+                   : FileDescriptor::tryOpenAt(folder_.get(), name.c_str(), kOpenToRead);
+  if (!file) return std::nullopt;
+  // At an offset, which pipes and terminals refuse. A device that fills the buffer is refused, too.
+  const ssize_t count =
+      retryOnInterrupt([&] { return ::pread(file.get(), buffer.data(), buffer.size(), 0); });
+  if (count <= 0 || static_cast<std::size_t>(count) == buffer.size()) return std::nullopt;
+  return std::string_view(buffer.data(), static_cast<std::size_t>(count));
 }
 
 std::unique_ptr<FileReplacement> replacementOf(const DeviceRoot& root, const fs::path& path,

@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/files/FileDescriptor.h"
 
 namespace tavlen {
@@ -14,7 +15,7 @@ namespace tavlen {
 /// Paths on the device are constants with their documented values; resolve them here before opening
 /// them. On a device the root is "/", and nothing changes. A copied or mounted device tree, and
 /// every test, sets another root. A plain value.
-class DeviceRoot {
+class TAVLEN_API DeviceRoot {
  public:
   /// `root` is made absolute. `prefix` is the folder in which a rootless jailbreak keeps programs
   /// and libraries ("/var/jb"). resolve() puts it before paths in /bin, /usr and the tool's own

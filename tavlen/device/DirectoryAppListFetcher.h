@@ -4,6 +4,7 @@
 
 #include "tavlen/device/AppListFetcher.h"
 #include "tavlen/device/DeviceRoot.h"
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/base/FunctionRef.h"
 #include "tavlen/foundation/plist/PropertyList.h"
 
@@ -15,7 +16,7 @@ namespace tavlen {
 /// An app is a folder "*.app" whose Info.plist has a string "CFBundleIdentifier". Unreadable ones
 /// are ignored. Symbolic links are followed as on the device, so they do not lead out of the tree;
 /// a folder with several links to it is one app. Threads: any.
-class DirectoryAppListFetcher final : public AppListFetcher {
+class TAVLEN_API DirectoryAppListFetcher final : public AppListFetcher {
  public:
   /// Searches the tree of `root`.
   explicit DirectoryAppListFetcher(DeviceRoot root);

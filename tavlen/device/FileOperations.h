@@ -3,6 +3,8 @@
 #include <filesystem>
 #include <string>
 
+#include "tavlen/foundation/base/API.h"
+
 /// Calls of the privileged file-operations helper, for changes that this process may not make
 /// itself.
 ///
@@ -13,16 +15,16 @@
 namespace tavlen::FileOperations {
 
 /// The path of the helper, as DevicePrograms names it. Empty if there is none.
-std::filesystem::path helper();
+TAVLEN_API std::filesystem::path helper();
 /// Whether the helper exists and can be executed.
-bool isAvailable();
+TAVLEN_API bool isAvailable();
 
 /// Empties `directory`, an app's folder directly in the folder of installed tweaks. Also removes it
 /// unless `isFollowedByTweak`.
-void cleanUp(const std::filesystem::path& directory, bool isFollowedByTweak);
+TAVLEN_API void cleanUp(const std::filesystem::path& directory, bool isFollowedByTweak);
 /// Copies `source` to `destination`. Both must have the same last component.
-void copy(const std::filesystem::path& source, const std::filesystem::path& destination);
+TAVLEN_API void copy(const std::filesystem::path& source, const std::filesystem::path& destination);
 /// Copies the crash logs of the app `bundleID` to `directory`.
-void fetchLogs(const std::string& bundleID, const std::filesystem::path& directory);
+TAVLEN_API void fetchLogs(const std::string& bundleID, const std::filesystem::path& directory);
 
 }  // namespace tavlen::FileOperations

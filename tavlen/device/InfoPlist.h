@@ -4,6 +4,7 @@
 #include <string>
 
 #include "tavlen/device/DeviceRoot.h"
+#include "tavlen/foundation/base/API.h"
 
 namespace tavlen {
 
@@ -12,6 +13,6 @@ inline constexpr const char* kInfoPlistFilename = "Info.plist";
 
 /// The bytes of the Info.plist in the folder `bundle`, at most 16 MiB (EFBIG). If it is a symbolic
 /// link, it is followed as on the device. Throws std::system_error. Threads: any.
-std::string readInfoPlist(const DeviceRoot& root, const std::filesystem::path& bundle);
+TAVLEN_API std::string readInfoPlist(const DeviceRoot& root, const std::filesystem::path& bundle);
 
 }  // namespace tavlen

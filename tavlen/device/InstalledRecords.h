@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "tavlen/device/TweakInfo.h"
+#include "tavlen/foundation/base/API.h"
 
 /// The records of the tweaks that are installed on the device, one for each app.
 ///
@@ -18,10 +19,10 @@ inline constexpr std::string_view kDidChangeNotification = "InstalledTweaksDidCh
 
 /// The folder with the app's installed tweak and its record, as a path on the device. `bundleID`
 /// must be a single path component.
-std::string directory(const std::string& bundleID);
+TAVLEN_API std::string directory(const std::string& bundleID);
 
 /// The app's record. Returns nothing when it is missing or unreadable, and when `bundleID` cannot
 /// be the name of a folder.
-std::optional<TweakInfo> record(const std::string& bundleID);
+TAVLEN_API std::optional<TweakInfo> record(const std::string& bundleID);
 
 }  // namespace tavlen::InstalledRecords

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tavlen/device/AppListFetcher.h"
+#include "tavlen/foundation/base/API.h"
 
 namespace tavlen {
 
@@ -9,7 +10,7 @@ namespace tavlen {
 /// and hidden apps.
 ///
 /// Apps that return unexpected values or raise an exception are left out. Threads: any.
-class LSAppListFetcher final : public AppListFetcher {
+class TAVLEN_API LSAppListFetcher final : public AppListFetcher {
  public:
   /// All apps; asks the workspace on each call.
   std::vector<AppListApp> fetchAllApps() const override;

@@ -4,8 +4,8 @@
 #include <cerrno>
 #include <utility>
 
-#include "tavlen/device/detail/Spawn.h"
 #include "tavlen/foundation/base/FatalError.h"
+#include "tavlen/foundation/tasks/Spawn.h"
 
 namespace tavlen {
 
@@ -44,8 +44,7 @@ void Process::launch() {
     throw Error::posixSpawn(EINVAL);
   }
   pid_t child = 0;
-  const int error =
-      detail::spawn(path_.c_str(), arguments_, detail::ProgramLookup::alongPath, child);
+  const int error = Spawn().start(path_.c_str(), arguments_, ProgramLookup::alongPath, child);
   if (error != 0) throw Error::posixSpawn(error);
   pid_ = child;
 }
@@ -53,7 +52,7 @@ void Process::launch() {
 void Process::waitUntilExit() {
   if (!pid_) throw Error::notLaunched();
   int status = 0;
-  if (detail::waitForChild(*pid_, status) == -1) throw Error::waitpid(errno);
+  if (waitForChild(*pid_, status) == -1) throw Error::waitpid(errno);
   if (const std::optional<Error> error = Error::ofStatus(status)) throw Error(*error);
 }
 

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/errors/CasedError.h"
 
 namespace tavlen {
@@ -21,7 +22,7 @@ namespace tavlen {
 /// restore it before launching one that writes to a pipe.
 ///
 /// Threads: one object one thread at a time; objects share nothing.
-class Process {
+class TAVLEN_API Process {
  public:
   /// The ways in which a run fails.
   enum class ErrorCase {
@@ -58,7 +59,7 @@ class Process {
 
 /// The failure of a run. It has no localized text; its description is the case with its number:
 /// "terminated(3)".
-class Process::Error : public CasedError<Process::ErrorCase> {
+class TAVLEN_API Process::Error : public CasedError<Process::ErrorCase> {
  public:
   /// `error` is an errno value.
   static Error posixSpawn(std::int32_t error);

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "tavlen/device/DevicePrograms.h"
-#include "tavlen/device/detail/Spawn.h"
+#include "tavlen/foundation/tasks/Spawn.h"
 
 namespace tavlen {
 
@@ -21,11 +21,9 @@ pid_t killProcess(const char* path, const char* argument) {
   pid_t child = -1;
   // Without a child there is nothing to wait for: `child` is then unspecified, and waiting for it
   // could reap another child of this process.
-  if (detail::spawn(path, {path, "-9", argument}, detail::ProgramLookup::exact, child) != 0) {
-    return -1;
-  }
+  if (Spawn().start(path, {path, "-9", argument}, ProgramLookup::exact, child) != 0) return -1;
   int status = 0;
-  return detail::waitForChild(child, status);
+  return waitForChild(child, status);
 }
 
 void killProcessWithPID(pid_t pid) {

@@ -7,6 +7,7 @@
 #include <tuple>
 #include <utility>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/base/Limits.h"
 #include "tavlen/foundation/coding/Coding.h"
 #include "tavlen/foundation/files/URL.h"
@@ -15,7 +16,7 @@ namespace tavlen {
 
 /// The record of the tweak installed for an app, stored as a keyed archive. Any member may be
 /// absent in a record that was read.
-struct TweakInfo {
+struct TAVLEN_API TweakInfo {
   /// The class name in archives.
   static constexpr std::string_view archivedClassName = "TweakInfo";
   /// The largest icon file that is read, in bytes. A larger one counts as unreadable.

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "tavlen/editing/TypedParameterManager.h"
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/errors/CasedError.h"
 
 namespace tavlen {
@@ -12,7 +13,7 @@ namespace tavlen {
 /// The link to one item of an array.
 ///
 /// To insert, remove or move items, edit the array itself through its own manager.
-class ArrayParameterManager final : public ParameterManager {
+class TAVLEN_API ArrayParameterManager final : public ParameterManager {
  public:
   /// The cases of Error.
   enum class ErrorCase { indexOutOfBounds };
@@ -37,7 +38,8 @@ class ArrayParameterManager final : public ParameterManager {
 };
 
 /// An item that does not exist.
-class ArrayParameterManager::Error : public CasedError<ArrayParameterManager::ErrorCase> {
+class TAVLEN_API ArrayParameterManager::Error
+    : public CasedError<ArrayParameterManager::ErrorCase> {
  public:
   /// The array has no item at `index`.
   static Error indexOutOfBounds(std::int64_t index);

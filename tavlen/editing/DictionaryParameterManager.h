@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "tavlen/editing/TypedParameterManager.h"
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/errors/CasedError.h"
 
 namespace tavlen {
@@ -12,7 +13,7 @@ namespace tavlen {
 /// The link to the key or the value of one pair of a dictionary.
 ///
 /// To insert, remove or move pairs, edit the dictionary itself through its own manager.
-class DictionaryParameterManager final : public ParameterManager {
+class TAVLEN_API DictionaryParameterManager final : public ParameterManager {
  public:
   /// The cases of Error.
   enum class ErrorCase { pairIndexOutOfBounds };
@@ -42,7 +43,8 @@ class DictionaryParameterManager final : public ParameterManager {
 };
 
 /// A pair that does not exist. Its message is that of ArrayParameterManager::Error.
-class DictionaryParameterManager::Error : public CasedError<DictionaryParameterManager::ErrorCase> {
+class TAVLEN_API DictionaryParameterManager::Error
+    : public CasedError<DictionaryParameterManager::ErrorCase> {
  public:
   /// The dictionary has no pair at `index`.
   static Error pairIndexOutOfBounds(std::int64_t index);

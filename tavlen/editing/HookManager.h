@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/base/FunctionRef.h"
 #include "tavlen/foundation/errors/CasedError.h"
 #include "tavlen/introspection/classes/MethodIdentity.h"
@@ -20,7 +21,7 @@ struct Hook;
 /// what TweakFile::manifest() and setManifest() throw; nothing is then stored or posted.
 /// Threads: any; but a manager with `opened` on one thread at a time. hook() and a later edit are
 /// two steps: if the hook may be edited concurrently, hold tweakPoster()'s lock around both.
-class HookManager {
+class TAVLEN_API HookManager {
  public:
   /// The cases of Error.
   enum class ErrorCase { hookNotFound };
@@ -49,7 +50,7 @@ class HookManager {
 };
 
 /// A hook that does not exist.
-class HookManager::Error : public CasedError<HookManager::ErrorCase> {
+class TAVLEN_API HookManager::Error : public CasedError<HookManager::ErrorCase> {
  public:
   /// The tweak has no hook with the manager's identity.
   static Error hookNotFound();

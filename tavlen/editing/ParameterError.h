@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/errors/CasedError.h"
 #include "tavlen/parameters/ParameterContainer.h"
 
@@ -19,7 +20,7 @@ class TweakFile;
 enum class ParameterErrorCase { typeMismatch, notFound };
 
 /// A parameter of a stored tweak is missing or has another kind than expected.
-class ParameterError : public CasedError<ParameterErrorCase> {
+class TAVLEN_API ParameterError : public CasedError<ParameterErrorCase> {
  public:
   /// `expected` is the typeName of a kind; it must outlive the error.
   static ParameterError typeMismatch(std::string_view expected, const Parameter& found);

@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/base/FunctionRef.h"
 #include "tavlen/parameters/ParameterContainer.h"
 
@@ -24,7 +25,7 @@ class TypedParameterManager;
 /// are values, and a copy shares its parent links. Chains are walked and destroyed recursively, so
 /// they should not exceed 512 links, the nesting limit of stored documents. Threads: as
 /// HookManager.
-class ParameterManager {
+class TAVLEN_API ParameterManager {
  public:
   virtual ~ParameterManager() = default;
 

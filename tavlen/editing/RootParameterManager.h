@@ -6,11 +6,12 @@
 
 #include "tavlen/editing/HookManager.h"
 #include "tavlen/editing/ParameterManager.h"
+#include "tavlen/foundation/base/API.h"
 
 namespace tavlen {
 
 /// The first link of a chain: the parameter with which a hook replaces one argument, or its result.
-class RootParameterManager final : public ParameterManager {
+class TAVLEN_API RootParameterManager final : public ParameterManager {
  public:
   /// `idx` is an index as in Hook: an argument, or Hook::kReturnValue.
   RootParameterManager(HookManager manager, std::int64_t idx)

@@ -64,6 +64,17 @@ std::string_view styleOf(const IconRow& icon, std::string_view style) {
 
 }  // namespace
 
+std::vector<TweakGlyph> knownGlyphs() {
+  std::vector<TweakGlyph> glyphs;
+  for (const IconRow& icon : kIcons) {
+    for (const StyleRow& style : kStyles) {
+      if ((icon.styles & style.style) != 0)
+        glyphs.push_back({std::string(icon.name), std::string(style.name)});
+    }
+  }
+  return glyphs;
+}
+
 bool isKnownGlyph(const TweakGlyph& glyph) {
   const IconRow* icon = iconNamed(glyph.icon);
   return icon != nullptr && hasStyle(*icon, glyph.style);

@@ -1,7 +1,8 @@
 #include "tavlen/items/ListedItem.h"
 
 #include <algorithm>
-#include <compare>
+#include <string>
+#include <utility>
 
 #include "tavlen/foundation/text/TextComparison.h"
 #include "tavlen/items/TweakProtocol.h"
@@ -9,11 +10,22 @@
 namespace tavlen {
 
 void sortByName(std::vector<ListedItem>& items) {
-  std::sort(items.begin(), items.end(), [](const ListedItem& left, const ListedItem& right) {
-    const std::weak_ordering order =
-        localizedCaseInsensitiveCompare(left.configuration.name(), right.configuration.name());
-    return std::is_eq(order) ? left.item->id() < right.item->id() : std::is_lt(order);
+  struct Row {
+    std::string key;
+    ListedItem* item;
+  };
+  std::vector<Row> rows;
+  rows.reserve(items.size());
+  for (ListedItem& item : items)
+    rows.push_back({localizedCaseInsensitiveKey(item.configuration.name()), &item});
+  std::sort(rows.begin(), rows.end(), [](const Row& left, const Row& right) {
+    const int order = left.key.compare(right.key);
+    return order == 0 ? left.item->item->id() < right.item->item->id() : order < 0;
   });
+  std::vector<ListedItem> sorted;
+  sorted.reserve(items.size());
+  for (const Row& row : rows) sorted.push_back(std::move(*row.item));
+  items = std::move(sorted);
 }
 
 }  // namespace tavlen

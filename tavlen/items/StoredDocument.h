@@ -3,6 +3,7 @@
 #include <string>
 #include <string_view>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/files/RandomAccessFile.h"
 #include "tavlen/foundation/json/JSONDecoder.h"
 #include "tavlen/foundation/json/JSONEncoder.h"
@@ -13,12 +14,12 @@ namespace tavlen {
 
 /// The bytes of the document `file`. Throws DecodingError for more than limits::kDocumentBytes, of
 /// which no more are read, and std::system_error.
-std::string readDocument(const RandomAccessFile& file);
+TAVLEN_API std::string readDocument(const RandomAccessFile& file);
 
 /// Throws DecodingError for more than limits::kDocumentBytes.
-void requireReadableSize(std::string_view document);
+TAVLEN_API void requireReadableSize(std::string_view document);
 /// Throws EncodingError for more than limits::kDocumentBytes.
-void requireWritableSize(std::string_view document);
+TAVLEN_API void requireWritableSize(std::string_view document);
 
 /// The record that `document` holds. Throws DecodingError.
 template <class Record>

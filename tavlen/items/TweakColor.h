@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <string_view>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/coding/RawValueCoding.h"
 
 namespace tavlen {
@@ -34,6 +35,6 @@ struct RawValues<TweakColor> {
 };
 
 /// The index of `color` in the enumeration; 0 for a value that is not an enumerator.
-std::size_t index(TweakColor color);
+TAVLEN_API std::size_t index(TweakColor color);
 
 }  // namespace tavlen

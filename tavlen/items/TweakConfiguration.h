@@ -4,6 +4,7 @@
 #include <utility>
 #include <variant>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/items/ItemConfiguration.h"
 
 namespace tavlen {
@@ -12,7 +13,7 @@ class TweakCollection;
 class TweakFile;
 
 /// The settings of a tweak or of a collection, for callers that show both in the same way. A value.
-class TweakConfiguration {
+class TAVLEN_API TweakConfiguration {
  public:
   /// Wraps `record`, whose `Item` is TweakFile or TweakCollection.
   template <class Item>

@@ -13,16 +13,22 @@ void postTweakDiffs(NotificationCenter& center, TweakDiffs diffs) {
   center.post({std::string(kTweaksDidUpdateNotification), nullptr, std::move(userInfo)});
 }
 
+NotificationCenter::Token observeTweakDiffs(NotificationCenter& center,
+                                            std::function<void(const TweakDiffs&)> handler) {
+  return center.addObserver(std::string(kTweaksDidUpdateNotification), nullptr,
+                            [handler = std::move(handler)](const Notification& notification) {
+                              if (!notification.userInfo) return;
+                              const auto entry =
+                                  notification.userInfo->find(std::string(kTweakDiffsKey));
+                              if (entry == notification.userInfo->end()) return;
+                              if (const auto* diffs = std::any_cast<TweakDiffs>(&entry->second))
+                                handler(*diffs);
+                            });
+}
+
 void addTweakDiffObserver(NotificationCenter& center,
                           std::function<void(const TweakDiffs&)> handler) {
-  center.addObserver(std::string(kTweaksDidUpdateNotification), nullptr,
-                     [handler = std::move(handler)](const Notification& notification) {
-                       if (!notification.userInfo) return;
-                       const auto entry = notification.userInfo->find(std::string(kTweakDiffsKey));
-                       if (entry == notification.userInfo->end()) return;
-                       if (const auto* diffs = std::any_cast<TweakDiffs>(&entry->second))
-                         handler(*diffs);
-                     });
+  static_cast<void>(observeTweakDiffs(center, std::move(handler)));
 }
 
 }  // namespace tavlen

@@ -3,6 +3,7 @@
 #include <functional>
 #include <string_view>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/tasks/NotificationCenter.h"
 #include "tavlen/items/TweakDiffProtocol.h"
 
@@ -15,11 +16,14 @@ inline constexpr std::string_view kTweaksDidUpdateNotification = "TweaksDidUpdat
 inline constexpr std::string_view kTweakDiffsKey = "diffs";
 
 /// Posts `diffs` immediately, even if the list is empty or tweakPoster() is silenced.
-void postTweakDiffs(NotificationCenter& center, TweakDiffs diffs);
+TAVLEN_API void postTweakDiffs(NotificationCenter& center, TweakDiffs diffs);
 
-/// Calls `handler` with the diffs of every notification that has some, on the posting thread. The
-/// observer is never removed.
-void addTweakDiffObserver(NotificationCenter& center,
-                          std::function<void(const TweakDiffs&)> handler);
+/// Calls `handler` with the diffs of every notification that has some, on the posting thread, until
+/// the result is passed to NotificationCenter::removeObserver().
+TAVLEN_API [[nodiscard]] NotificationCenter::Token observeTweakDiffs(
+    NotificationCenter& center, std::function<void(const TweakDiffs&)> handler);
+/// As observeTweakDiffs(), but the observer is never removed.
+TAVLEN_API void addTweakDiffObserver(NotificationCenter& center,
+                                     std::function<void(const TweakDiffs&)> handler);
 
 }  // namespace tavlen

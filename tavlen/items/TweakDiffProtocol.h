@@ -4,6 +4,8 @@
 #include <optional>
 #include <vector>
 
+#include "tavlen/foundation/base/API.h"
+
 namespace tavlen {
 
 class TweakProtocol;
@@ -13,7 +15,7 @@ enum class GenericTweakDiffMode { create, delete_ };
 
 /// One change of a tweak or a collection. A value; TweakFile::Diff and TweakCollection::Diff derive
 /// from it.
-class TweakDiffProtocol {
+class TAVLEN_API TweakDiffProtocol {
  public:
   virtual ~TweakDiffProtocol() = default;
 

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/errors/CasedError.h"
 
 namespace tavlen {
@@ -10,7 +11,7 @@ namespace tavlen {
 enum class TweakErrorCase { missing, bundleIDMismatch, notFound };
 
 /// An error of a stored item that both kinds have in common.
-class TweakError : public CasedError<TweakErrorCase> {
+class TAVLEN_API TweakError : public CasedError<TweakErrorCase> {
  public:
   /// A file is missing; `item` is its name.
   static TweakError missing(std::string item);

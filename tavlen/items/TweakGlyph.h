@@ -3,6 +3,7 @@
 #include <string>
 #include <tuple>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/coding/Coding.h"
 
 namespace tavlen {
@@ -11,7 +12,7 @@ namespace tavlen {
 ///
 /// Unknown names are kept, because a document may come from a newer program. GlyphNames.h knows
 /// which names exist.
-struct TweakGlyph {
+struct TAVLEN_API TweakGlyph {
   std::string icon;   ///< "tools"
   std::string style;  ///< "solid", "regular", "brands"
 

@@ -5,6 +5,7 @@
 #include <memory>
 #include <utility>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/coding/Coding.h"
 #include "tavlen/items/TweakConfiguration.h"
 
@@ -18,7 +19,7 @@ concept TweakManifestRecord = CodedRecord<T> && requires(const T& manifest) {
 
 /// The manifest of a tweak or of a collection, for callers that treat both in the same way.
 /// Immutable; copies share the record.
-class TweakManifest {
+class TAVLEN_API TweakManifest {
  public:
   /// Takes over `record`.
   template <TweakManifestRecord Record>

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/tasks/NotificationPoster.h"
 
 namespace tavlen {
@@ -7,6 +8,6 @@ namespace tavlen {
 /// The poster through which every write of a tweak or a collection announces its change. Its lock
 /// serialises hook edits, creations and imports. Lock order: an item's own lock before this one.
 /// Lives as long as the process.
-NotificationPoster& tweakPoster();
+TAVLEN_API NotificationPoster& tweakPoster();
 
 }  // namespace tavlen

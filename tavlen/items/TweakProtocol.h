@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/items/TweakDiffProtocol.h"
 #include "tavlen/items/TweakManifest.h"
 
@@ -20,7 +21,7 @@ struct TweakInfo;
 /// kind also has the static members by which TweakManager selects it: `compressedExtension`,
 /// isValidID(), at() and handlePayloadAt().
 /// Threads: calls may run concurrently.
-class TweakProtocol {
+class TAVLEN_API TweakProtocol {
  public:
   virtual ~TweakProtocol() = default;
   TweakProtocol(const TweakProtocol&) = delete;
@@ -40,14 +41,15 @@ class TweakProtocol {
   virtual std::string_view archiveExtension() const = 0;
   /// A diff which says that this item was created or deleted.
   virtual TweakDiff diffFor(GenericTweakDiffMode mode) = 0;
-  /// Copies the item into the folder `directory`, in the layout of archives. Throws
+  /// Copies the item into the folder `directory`, in the layout of archives. Blocks, and cannot be
+  /// cancelled. Throws
   /// std::system_error.
   virtual void preparePayloadIn(const std::filesystem::path& directory) const = 0;
   /// Builds the loader's input: for every tweak, a new folder "<UUID>.bundle" in the existing
-  /// folder `directory`. The code is translated by "ob.js" in the folder `transpiler`. `tweakInfo`
-  /// receives the URL that the icon will have once installed for the app `tweakInfo.bundleID`.
-  /// Throws TweakError::bundleIDMismatch for a tweak of another app, std::system_error, and what
-  /// associatedIPA(), InfoManager::info() and TweakProcessor throw.
+  /// folder `directory`. Blocks, and cannot be cancelled. The code is translated by "ob.js" in the
+  /// folder `transpiler`. `tweakInfo` receives the URL that the icon will have once installed for
+  /// the app `tweakInfo.bundleID`. Throws TweakError::bundleIDMismatch for a tweak of another app,
+  /// std::system_error, and what associatedIPA(), InfoManager::info() and TweakProcessor throw.
   virtual void package(const std::filesystem::path& directory,
                        const std::filesystem::path& transpiler, TweakInfo& tweakInfo,
                        bool copyExecutables) const = 0;

@@ -3,13 +3,14 @@
 #include <string>
 #include <string_view>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/coding/Coding.h"
 #include "tavlen/foundation/coding/TypeKeyedCoding.h"
 
 namespace tavlen {
 
 /// A kind of object that is created from a file.
-struct FileObject {
+struct TAVLEN_API FileObject {
   /// The parameter kind's type name.
   std::string_view typeName;
   /// The Objective-C class that is initialised with the file.

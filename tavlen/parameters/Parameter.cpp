@@ -15,7 +15,7 @@ namespace {
 /// Appends the array literal of the parameters that `boxOf` returns for each of `items`. A nil is
 /// written as the null object, because collections hold only objects.
 template <class Item, class BoxOf>
-void appendArrayLiteral(std::string& out, const std::vector<Item>& items, BoxOf boxOf) {
+void appendArrayLiteral(TextBuffer& out, const std::vector<Item>& items, BoxOf boxOf) {
   out += "@[";
   std::string_view separator;
   for (const Item& item : items) {
@@ -33,7 +33,11 @@ void appendArrayLiteral(std::string& out, const std::vector<Item>& items, BoxOf 
 
 /// Appends a parameter's expression; one overload for each kind.
 struct ParameterExpression {
-  std::string& out;
+  TextBuffer& out;
+
+  void appendNumber(double value) const {
+    out.advance(writeDescription(out.room(kMostNumberBytes), value));
+  }
 
   void operator()(const NilParameter&) const { out += "null"; }
 
@@ -46,25 +50,25 @@ struct ParameterExpression {
 
   void operator()(const URLParameter& parameter) const {
     out += "[NSURL URLWithString:";
-    appendJSONString(out, parameter.string);
+    appendJSON(out, parameter.string);
     out += ']';
   }
 
   void operator()(const DateParameter& parameter) const {
     out += "[NSDate dateWithTimeIntervalSince1970:";
-    appendDescription(out, parameter.date.secondsSince1970());
+    appendNumber(parameter.date.secondsSince1970());
     out += ']';
   }
 
   void operator()(const ColorParameter& parameter) const {
     out += "[UIColor colorWithRed:";
-    appendDescription(out, parameter.red);
+    appendNumber(parameter.red);
     out += " green:";
-    appendDescription(out, parameter.green);
+    appendNumber(parameter.green);
     out += " blue:";
-    appendDescription(out, parameter.blue);
+    appendNumber(parameter.blue);
     out += " alpha:";
-    appendDescription(out, parameter.alpha);
+    appendNumber(parameter.alpha);
     out += ']';
   }
 
@@ -72,7 +76,7 @@ struct ParameterExpression {
   void operator()(const FileParameter<kObject>& parameter) const {
     out.append("[[").append(kObject.objectClass).append(" alloc] initWithContentsOfFile:");
     out += "[resourcesPath stringByAppendingPathComponent:";
-    appendJSONString(out, parameter.filename);
+    appendJSON(out, parameter.filename);
     out += "]]";
   }
 
@@ -81,7 +85,7 @@ struct ParameterExpression {
     // The type encoding of the loaded function: its result, then its only argument, an object.
     out.append("loadFunc('").append(kEntity.fetchFunction);
     out.append("', '").append(kEntity.retEncoding).append("@')(");
-    appendJSONString(out, parameter.name);
+    appendJSON(out, parameter.name);
     out += ')';
   }
 
@@ -92,23 +96,26 @@ struct ParameterExpression {
   void operator()(const DictionaryParameter& parameter) const {
     // Render the keys first, so that an error in a key is reported before one in a value.
     std::string keys;
-    appendArrayLiteral(keys, parameter._items, &DictionaryParameter::Pair::_key);
+    TextBuffer keyBuffer(keys);
+    appendArrayLiteral(keyBuffer, parameter._items, &DictionaryParameter::Pair::_key);
     out += "[NSDictionary dictionaryWithObjects:";
     appendArrayLiteral(out, parameter._items, &DictionaryParameter::Pair::_value);
-    out.append(" forKeys:").append(keys).append("]");
+    out.append(" forKeys:").append(keyBuffer.view()).append("]");
   }
 };
 
 }  // namespace
 
-void appendOBJSValue(std::string& out, const Parameter& parameter) {
+void appendOBJSValue(TextBuffer& out, const Parameter& parameter) {
   std::visit(ParameterExpression{out}, parameter);
 }
 
 std::string objsValue(const Parameter& parameter) {
-  std::string out;
+  std::string text;
+  TextBuffer out(text);
   appendOBJSValue(out, parameter);
-  return out;
+  out.commit();
+  return text;
 }
 
 }  // namespace tavlen

@@ -3,6 +3,8 @@
 #include <string>
 #include <variant>
 
+#include "tavlen/foundation/base/API.h"
+#include "tavlen/foundation/text/TextBuffer.h"
 #include "tavlen/parameters/FileParameters.h"
 #include "tavlen/parameters/RuntimeParameters.h"
 #include "tavlen/parameters/ScalarParameters.h"
@@ -31,8 +33,8 @@ using Parameter =
 /// writing (a dictionary's keys come before its values), and `out` then holds a part of the
 /// expression. Code is not checked. Dates and colours never fail: a number that is not finite is
 /// written as "inf" or "nan" here, and only storing it throws.
-void appendOBJSValue(std::string& out, const Parameter& parameter);
+TAVLEN_API void appendOBJSValue(TextBuffer& out, const Parameter& parameter);
 /// The expression of `parameter` in the hook language. Throws as appendOBJSValue() does.
-std::string objsValue(const Parameter& parameter);
+TAVLEN_API std::string objsValue(const Parameter& parameter);
 
 }  // namespace tavlen

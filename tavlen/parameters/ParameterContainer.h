@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/parameters/Parameter.h"
 
 namespace tavlen {
@@ -13,7 +14,7 @@ namespace tavlen {
 struct ParameterContainer;
 
 /// A list of parameters.
-struct ArrayParameter {
+struct TAVLEN_API ArrayParameter {
   static constexpr std::string_view typeName = "ArrayParameter";
   static constexpr std::string_view identifier = identifierWithBaseName(typeName, "Parameter");
 
@@ -37,7 +38,7 @@ struct ArrayParameter {
 };
 
 /// A list of pairs, in the user's order. Keys may repeat.
-struct DictionaryParameter {
+struct TAVLEN_API DictionaryParameter {
   static constexpr std::string_view typeName = "DictionaryParameter";
   static constexpr std::string_view identifier = identifierWithBaseName(typeName, "Parameter");
 
@@ -63,7 +64,7 @@ struct DictionaryParameter {
 
 /// The box around a stored parameter. It is coded as the kind's identifier under the type key, next
 /// to the kind's own fields. Collections hold boxes, so any kind may appear at any depth.
-struct ParameterContainer {
+struct TAVLEN_API ParameterContainer {
   /// The boxed parameter.
   Parameter value;
 
@@ -74,7 +75,7 @@ struct ParameterContainer {
 };
 
 /// One entry of a dictionary parameter.
-struct DictionaryParameter::Pair {
+struct TAVLEN_API DictionaryParameter::Pair {
   /// The key in its box, as it is coded.
   ParameterContainer _key;
   /// The value in its box, as it is coded.

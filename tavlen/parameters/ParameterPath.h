@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/parameters/ParameterContainer.h"
 
 namespace tavlen {
@@ -16,11 +17,11 @@ using ParameterPath = std::vector<std::size_t>;
 
 /// The same way in a stored document, from the box of `parameter`: ".items[2].value.items[0]". The
 /// path must lead to a parameter.
-std::string documentPath(const Parameter& parameter, const ParameterPath& path);
+TAVLEN_API std::string documentPath(const Parameter& parameter, const ParameterPath& path);
 
 /// Calls `visit` for the parameter and for all inside it, from the outside inwards and in order.
 /// The path is valid during the call.
-void forEachParameter(
+TAVLEN_API void forEachParameter(
     const Parameter& parameter,
     const std::function<void(const Parameter& each, const ParameterPath& path)>& visit);
 

@@ -3,13 +3,14 @@
 #include <string>
 #include <string_view>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/coding/Coding.h"
 #include "tavlen/foundation/coding/TypeKeyedCoding.h"
 
 namespace tavlen {
 
 /// A kind of run-time entity that can be looked up by name.
-struct RuntimeEntity {
+struct TAVLEN_API RuntimeEntity {
   /// The parameter kind's type name.
   std::string_view typeName;
   /// The Foundation function that looks the entity up.

@@ -4,13 +4,14 @@
 #include <string>
 #include <string_view>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/coding/Coding.h"
 #include "tavlen/foundation/coding/TypeKeyedCoding.h"
 
 namespace tavlen {
 
 /// A nil.
-struct NilParameter {
+struct TAVLEN_API NilParameter {
   static constexpr std::string_view typeName = "NilParameter";
   static constexpr std::string_view identifier = identifierWithBaseName(typeName, "Parameter");
 
@@ -19,7 +20,7 @@ struct NilParameter {
 };
 
 /// Source text in the hook language, which is inserted unchanged.
-struct CodeParameter {
+struct TAVLEN_API CodeParameter {
   static constexpr std::string_view typeName = "CodeParameter";
   static constexpr std::string_view identifier = identifierWithBaseName(typeName, "Parameter");
 
@@ -65,7 +66,7 @@ struct ValueParameter {
 };
 
 /// A URL, as text. It is not checked here; the URL is created from it at run time.
-struct URLParameter {
+struct TAVLEN_API URLParameter {
   static constexpr std::string_view typeName = "URLParameter";
   static constexpr std::string_view identifier = identifierWithBaseName(typeName, "Parameter");
 
@@ -79,7 +80,7 @@ struct URLParameter {
 };
 
 /// A point in time.
-struct DateParameter {
+struct TAVLEN_API DateParameter {
   static constexpr std::string_view typeName = "DateParameter";
   static constexpr std::string_view identifier = identifierWithBaseName(typeName, "Parameter");
 
@@ -93,7 +94,7 @@ struct DateParameter {
 };
 
 /// A colour. Each component is meant to lie between 0 and 1; this is not enforced.
-struct ColorParameter {
+struct TAVLEN_API ColorParameter {
   static constexpr std::string_view typeName = "ColorParameter";
   static constexpr std::string_view identifier = identifierWithBaseName(typeName, "Parameter");
 

@@ -5,13 +5,14 @@
 #include <vector>
 
 #include "tavlen/bundles/InstallableTweak.h"
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/store/OpenedItem.h"
 
 namespace tavlen {
 
 /// An opened tweak or collection, in the form required by IPA::setActiveTweak(). Reads no document
 /// again.
-class InstallableItem : public InstallableTweak {
+class TAVLEN_API InstallableItem : public InstallableTweak {
  public:
   /// Opens the members of a collection; those that cannot be opened are left out. `transpiler` is
   /// the folder that contains "ob.js"; `copyExecutables` says whether to install the tweaks'
@@ -22,7 +23,7 @@ class InstallableItem : public InstallableTweak {
   const std::vector<TweakFile::Opened>& tweaks() const { return tweaks_; }
 
   std::string id() const override { return item_.item()->id(); }
-  /// Throws what TweakProtocol::package() throws.
+  /// Blocks, and cannot be cancelled. Throws what TweakProtocol::package() throws.
   void package(const Info& target, const std::filesystem::path& directory,
                TweakInfo& tweakInfo) const override;
 

@@ -6,12 +6,13 @@
 #include <string>
 #include <vector>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/store/FileStamp.h"
 
 namespace tavlen {
 
 /// The active item of each app at one moment, with the file status of the apps' records. A value.
-class InstalledSnapshot {
+class TAVLEN_API InstalledSnapshot {
  public:
   /// The difference in one app between two snapshots.
   struct Change {

@@ -5,13 +5,14 @@
 #include <vector>
 
 #include "tavlen/collections/TweakCollectionManifest.h"
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/tweaks/Manifest.h"
 
 namespace tavlen {
 
 /// A tweak or a collection with the manifest that was read when it was opened. Passing it on saves
 /// reading the document again.
-struct OpenedItem : std::variant<TweakFile::Opened, TweakCollection::Opened> {
+struct TAVLEN_API OpenedItem : std::variant<TweakFile::Opened, TweakCollection::Opened> {
   /// Constructed from either alternative.
   using variant::variant;
 

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/store/FileStamp.h"
 
 namespace tavlen {
@@ -16,7 +17,7 @@ namespace tavlen {
 /// Comparing two snapshots shows what has changed, without reading any document. A value.
 ///
 /// An item exists once its manifest exists. Names that begin with "." are ignored.
-class StoreSnapshot {
+class TAVLEN_API StoreSnapshot {
  public:
   /// A file of an item, or the folder of its resources.
   enum class Document { manifest, script, icon, resources };

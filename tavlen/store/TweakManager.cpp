@@ -19,11 +19,10 @@
 #include "tavlen/foundation/files/FolderReader.h"
 #include "tavlen/foundation/files/TemporaryDirectory.h"
 #include "tavlen/foundation/text/Characters.h"
-#include "tavlen/foundation/text/Unicode.h"
 #include "tavlen/foundation/zip/ZIPArchive.h"
-#include "tavlen/foundation/zip/ZIPError.h"
 #include "tavlen/items/StoredDocument.h"
 #include "tavlen/items/TweaksDirectory.h"
+#include "tavlen/tweaks/PackagedEntries.h"
 #include "tavlen/tweaks/TweakFile.h"
 
 namespace tavlen {
@@ -120,31 +119,21 @@ std::string archiveName(std::string name, const std::string& id, std::string_vie
   return name.append(".").append(extension);
 }
 
-/// Reports sockets, devices etc. as ZIPError::specialFile before copying, so that the message
-/// matches the one on import.
-void refuseSpecialFiles(const fs::path& folder, const fs::path& nameInArchive) {
-  std::error_code ignored;  // copying will report it
-  fs::recursive_directory_iterator entry(folder, ignored);
-  for (; !ignored && entry != fs::recursive_directory_iterator(); entry.increment(ignored)) {
-    if (entry->is_symlink() || entry->is_regular_file() || entry->is_directory()) continue;
-    const fs::path name = nameInArchive / entry->path().lexically_relative(folder);
-    throw ZIPError(ZIPError::Case::specialFile, wellFormedUTF8(name.native()));
-  }
+/// Throws for the first refused entry of a tweak before copying, so that the message names the
+/// tweak's own file.
+void requirePackaged(const fs::path& tweak) {
+  const fs::path folder = DeviceRoot::shared().follow(tweak);
+  const std::vector<RefusedEntry> refused = refusedEntries(folder);
+  if (!refused.empty()) throwRefusal(folder / refused[0].path, refused[0].reason);
 }
 
-void refuseSpecialFilesInMember(const TweakFile& member) {
-  refuseSpecialFiles(DeviceRoot::shared().follow(member.url()),
-                     fs::path(kPayloadFolder) / "Tweaks" / member.id());
-}
-
-void refuseSpecialFiles(const TweakProtocol& item) {
-  if (const auto* collection = dynamic_cast<const TweakCollection*>(&item)) {
-    std::unordered_set<std::string> seen;  // a member may be named many times
-    for (const std::shared_ptr<TweakFile>& tweak : collection->manifest().tweaks()) {
-      if (seen.insert(tweak->id()).second) refuseSpecialFilesInMember(*tweak);
-    }
-  } else {
-    refuseSpecialFiles(DeviceRoot::shared().follow(item.url()), kPayloadFolder);
+/// The same for any item.
+void requirePackaged(const TweakProtocol& item) {
+  const auto* collection = dynamic_cast<const TweakCollection*>(&item);
+  if (collection == nullptr) return requirePackaged(item.url());
+  std::unordered_set<std::string> seen;  // a member may be named many times
+  for (const std::shared_ptr<TweakFile>& tweak : collection->manifest().tweaks()) {
+    if (seen.insert(tweak->id()).second) requirePackaged(tweak->url());
   }
 }
 
@@ -171,11 +160,17 @@ void visitDocuments(const Visit& visit, const Fail& fail) {
   try {
     const DeviceFolder store(DeviceRoot::shared(), folder);
     FolderReader names(store.opened(), folder);
+    std::vector<char> buffer(std::size_t{64} << 10);  // for all but huge documents
     while (const std::optional<std::string> name = names.next()) {
       const Kind* const kind = kindOfID(*name);
       if (kind == nullptr || isTemporaryName(*name)) continue;
       try {
-        visit(*kind, folder / *name, readDocument(store.openedFile(kind->documentOf(*name))));
+        const std::string document = kind->documentOf(*name);
+        if (const auto small = store.readSmall(document, buffer)) {
+          visit(*kind, folder / *name, *small);
+        } else {
+          visit(*kind, folder / *name, readDocument(store.openedFile(document)));
+        }
       } catch (const std::exception&) {
         fail(*name);
       }
@@ -235,7 +230,7 @@ fs::path exportAs(const std::string& name, const TweakProtocol& tweak, Progress*
     const TemporaryDirectory temporary(temporaryItemsParent());
     const fs::path payload = temporary.path() / kPayloadFolder;
     const fs::path archive = temporary.path() / "Payload.zip";
-    refuseSpecialFiles(tweak);
+    requirePackaged(tweak);
     tweak.preparePayloadIn(payload);
     ZIPArchive::zipItem(payload, archive, progress);
     moveItem(archive, output.path() / file);
@@ -243,11 +238,26 @@ fs::path exportAs(const std::string& name, const TweakProtocol& tweak, Progress*
   return output.release() / file;
 }
 
+/// Unpacks an archive with that extension into the new folder `folder`.
+void unpack(const fs::path& url, std::string_view extension, const fs::path& folder,
+            Progress* progress) {
+  const Kind* const kind = kindOfArchive(url);
+  if (kind == nullptr || kind->compressedExtension != extension)
+    throw TweakManager::Error::unknownTweakType();
+  fs::path unpacked = folder;
+  unpacked += ".unpacked";
+  // Ignore entries next to it that other programs add, such as "__MACOSX".
+  ZIPArchive::unzipItem(url, unpacked, progress, {}, kPayloadFolder);
+  moveItem(unpacked / kPayloadFolder, folder);
+}
+
 }  // namespace
 
 std::vector<std::shared_ptr<TweakProtocol>> TweakManager::allTweaks() {
   std::vector<std::shared_ptr<TweakProtocol>> tweaks;
-  for (ListedItem& listed : listedTweaks()) tweaks.push_back(std::move(listed.item));
+  visitDocuments([&](const Kind& kind, fs::path url, std::string_view document) {
+    tweaks.push_back(kind.listed(std::move(url), document).item);
+  });
   return tweaks;
 }
 
@@ -349,14 +359,15 @@ std::shared_ptr<TweakProtocol> TweakManager::decompressAt(const std::filesystem:
 TweakFile::Opened TweakManager::openTweakArchive(const std::filesystem::path& url,
                                                  const std::filesystem::path& folder,
                                                  Progress* progress) {
-  const Kind* const kind = kindOfArchive(url);
-  if (kind == nullptr || kind->compressedExtension != TweakFile::compressedExtension)
-    throw Error::unknownTweakType();
-  fs::path unpacked = folder;
-  unpacked += ".unpacked";
-  ZIPArchive::unzipItem(url, unpacked, progress, {}, kPayloadFolder);
-  moveItem(unpacked / kPayloadFolder, folder);
+  unpack(url, TweakFile::compressedExtension, folder, progress);
   return TweakFile::open(folder);
+}
+
+TweakCollection::Unpacked TweakManager::openCollectionArchive(const std::filesystem::path& url,
+                                                              const std::filesystem::path& folder,
+                                                              Progress* progress) {
+  unpack(url, TweakCollection::compressedExtension, folder, progress);
+  return TweakCollection::openPayloadAt(folder);
 }
 
 std::filesystem::path TweakManager::export_(const TweakProtocol& tweak, Progress* progress) {
@@ -369,10 +380,10 @@ std::filesystem::path TweakManager::exportOpened(const OpenedItem& opened,
                                                  Progress* progress) {
   const fs::path payload = folder / kPayloadFolder;
   if (const TweakCollection::Opened* collection = opened.collection()) {
-    for (const TweakFile::Opened& member : members) refuseSpecialFilesInMember(*member.file);
+    for (const TweakFile::Opened& member : members) requirePackaged(member.file->url());
     collection->preparePayloadIn(payload, members);
   } else {
-    refuseSpecialFiles(*opened.item());
+    requirePackaged(*opened.item());
     opened.item()->preparePayloadIn(payload);
   }
   const std::shared_ptr<TweakProtocol> item = opened.item();

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/errors/CasedError.h"
 #include "tavlen/items/ListedItem.h"
 #include "tavlen/items/TweakProtocol.h"
@@ -20,7 +21,7 @@ namespace tavlen {
 class Progress;
 
 /// Lists, opens, imports and exports stored tweaks and collections. Stateless. Threads: any.
-class TweakManager {
+class TAVLEN_API TweakManager {
  public:
   /// The cases of Error.
   enum class ErrorCase { unknownTweakType };
@@ -28,7 +29,8 @@ class TweakManager {
 
   TweakManager() = delete;
 
-  /// The items in the tweaks directory, in directory order. Items that cannot be opened are left
+  /// The items in the tweaks directory, in directory order. Blocks while it opens each item, as
+  /// do the other functions that list or find items. Items that cannot be opened are left
   /// out. Empty if the directory cannot be read.
   static std::vector<std::shared_ptr<TweakProtocol>> allTweaks();
   /// As allTweaks(), but also returns the items' settings. Reads every document once.
@@ -61,8 +63,9 @@ class TweakManager {
   static bool canHandle(const std::filesystem::path& url);
 
   /// Imports an archive and returns the new item. Posts nothing; the caller announces the item.
-  /// `progress`, which may be null, reports and cancels unpacking. Throws Error::unknownTweakType,
-  /// ZIPError, std::system_error, and what the kind's handlePayloadAt() throws.
+  /// Blocks. `progress`, which may be null, reports and cancels unpacking. Throws
+  /// Error::unknownTweakType, ZIPError, std::system_error, and what the kind's handlePayloadAt()
+  /// throws.
   static std::shared_ptr<TweakProtocol> decompressAt(const std::filesystem::path& url,
                                                      Progress* progress = nullptr);
 
@@ -72,10 +75,15 @@ class TweakManager {
   static TweakFile::Opened openTweakArchive(const std::filesystem::path& url,
                                             const std::filesystem::path& folder,
                                             Progress* progress = nullptr);
+  /// The same for the archive of a collection: throws as TweakCollection::openPayloadAt() does.
+  static TweakCollection::Unpacked openCollectionArchive(const std::filesystem::path& url,
+                                                         const std::filesystem::path& folder,
+                                                         Progress* progress = nullptr);
 
   /// Writes an archive named after the item into a new temporary folder next to the tweaks
   /// directory, and returns the archive's path. The caller removes the archive and its folder.
-  /// `progress` may be null. Throws ZIPError, std::system_error, and what reading the manifest
+  /// Blocks. `progress`, which may be null, reports and cancels packing. Throws ZIPError,
+  /// std::system_error, and what reading the manifest
   /// throws.
   static std::filesystem::path export_(const TweakProtocol& tweak, Progress* progress = nullptr);
   /// As export_(), but uses what has been read, and leaves files in the empty folder `folder`,
@@ -89,7 +97,7 @@ class TweakManager {
 };
 
 /// An error of the store.
-class TweakManager::Error : public CasedError<TweakManager::ErrorCase> {
+class TAVLEN_API TweakManager::Error : public CasedError<TweakManager::ErrorCase> {
  public:
   /// The name is neither that of a tweak nor that of a collection.
   static Error unknownTweakType();

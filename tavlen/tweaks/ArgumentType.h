@@ -4,12 +4,13 @@
 #include <optional>
 #include <string_view>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/objc/MethodTypes.h"
 
 namespace tavlen {
 
 /// What constants can replace an argument or a result, by its type. A plain value.
-struct ArgumentType {
+struct TAVLEN_API ArgumentType {
   /// The families of types.
   enum class Kind {
     unknown,  ///< malformed, or of a kind that no constant is checked against
@@ -40,7 +41,7 @@ struct ArgumentType {
 };
 
 /// The types of a hooked method, without the receiver and the selector.
-class HookTypes {
+class TAVLEN_API HookTypes {
  public:
   /// Splits a method's type encoding, which must outlive the result. Returns nothing if it is
   /// malformed, or lacks the receiver or the selector.

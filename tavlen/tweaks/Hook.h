@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/coding/Coding.h"
 #include "tavlen/introspection/classes/MethodIdentity.h"
 #include "tavlen/parameters/ParameterContainer.h"
@@ -18,7 +19,7 @@ class ObjCMethod;
 
 /// One Objective-C method that a tweak replaces, with the constants that replace its arguments and
 /// its result. The signature is not checked against the selector, nor are the indices.
-struct Hook {
+struct TAVLEN_API Hook {
   /// The index of the method's result in `args`. Arguments count from 0, without the receiver and
   /// the selector.
   static constexpr std::int64_t kReturnValue = -1;

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "tavlen/bundles/OverrideContainer.h"
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/base/BoxedOptional.h"
 #include "tavlen/foundation/base/Limits.h"
 #include "tavlen/foundation/coding/Coding.h"
@@ -24,7 +25,7 @@ struct ElementLimit<BoxedOptional<Hook>> {
 };
 
 /// A tweak's document, which is stored as Manifest.json in its folder.
-struct TweakFile::Manifest {
+struct TAVLEN_API TweakFile::Manifest {
   /// The type of a tweak's settings.
   using Configuration = ItemConfiguration<TweakFile>;
 
@@ -63,7 +64,7 @@ static_assert(TweakManifestRecord<TweakFile::Manifest>);
 
 /// A tweak with the manifest that was read when it was opened. Passing it on saves reading the
 /// document again.
-struct TweakFile::Opened {
+struct TAVLEN_API TweakFile::Opened {
   std::shared_ptr<TweakFile> file;  ///< never null
   Manifest manifest;                ///< as read; later edits do not change it
   IgnoredKeys ignoredKeys = {};     ///< of the document, which storing the manifest would drop

@@ -35,8 +35,8 @@ class Checker {
     for (std::size_t i = 0; i < manifest_._hooks.size(); ++i) {
       if (manifest_._hooks[i]) checkHook(*manifest_._hooks[i], i);
     }
-    for (const std::string& entry : surroundings_.strayEntries)
-      addFile(entry, "outside-resource", "leads out of the tweak's folder, or is no file");
+    for (const RefusedEntry& entry : surroundings_.refusedEntries)
+      addFile(entry.path.string(), "not-packaged", std::string(entry.reason));
     checkUnused();
     return std::move(problems_);
   }
@@ -53,7 +53,7 @@ class Checker {
 
   void checkApp() {
     const std::string& id = manifest_.configuration.bundleID;
-    const auto& apps = surroundings_.apps;
+    const std::vector<std::string_view> apps(surroundings_.apps.begin(), surroundings_.apps.end());
     if (apps.empty() || std::find(apps.begin(), apps.end(), id) != apps.end()) return;
     add(Subject::app, "unknown-app",
         "the app \"" + id + "\" is not installed here" + suggestionText(id, apps));
@@ -84,13 +84,13 @@ class Checker {
       addAt(problem.place, problem.code, std::move(problem.text));
     for (const auto& [argument, box] : hook._args) {
       forEachParameter(box.value,
-                       [&, argument = argument](const Parameter& each, const ParameterPath& path) {
+                       [&, key = argument](const Parameter& each, const ParameterPath& path) {
                          const std::string* name = resourceNameIn(each);
                          if (name == nullptr) return;
                          const ResourceState state = surroundings_.stateOf(*name);
                          if (state == ResourceState::present) return;
                          const bool isMissing = state == ResourceState::missing;
-                         addAt({HookPlace::Part::value, argument, path},
+                         addAt({HookPlace::Part::value, key, path},
                                isMissing ? "missing-resource" : "outside-resource",
                                "the resource \"" + *name +
                                    (isMissing ? "\" is missing" : "\" lies outside of Resources"));
@@ -114,8 +114,8 @@ class Checker {
     }
   }
 
-  void addFile(std::string file, std::string_view code, const char* text) {
-    add(Subject::file, code, text).file = std::move(file);
+  void addFile(std::string file, std::string_view code, std::string text) {
+    add(Subject::file, code, std::move(text)).file = std::move(file);
   }
 
   const TweakFile::Manifest& manifest_;

@@ -6,13 +6,15 @@
 #include <string_view>
 #include <vector>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/tweaks/HookCheck.h"
 #include "tavlen/tweaks/Manifest.h"
+#include "tavlen/tweaks/PackagedEntries.h"
 
 namespace tavlen {
 
 /// A likely mistake in a tweak, with which it still builds.
-struct TweakProblem {
+struct TAVLEN_API TweakProblem {
   /// What it is about.
   enum class Subject { app, glyph, override_, hook, file };
 
@@ -31,7 +33,7 @@ struct TweakProblem {
 };
 
 /// What a manifest is checked against.
-struct TweakSurroundings {
+struct TAVLEN_API TweakSurroundings {
   /// What a name of a resource leads to.
   enum class ResourceState { present, missing, outside };
 
@@ -41,26 +43,26 @@ struct TweakSurroundings {
   std::function<std::string(std::size_t hook)> nameOfHook = {};
   /// The files in the tweak's resources, relative to that folder, to find unused ones.
   std::vector<std::string> resources = {};
-  /// Entries of that folder which are no files of it, such as links that lead out, relative to the
-  /// tweak's folder.
-  std::vector<std::string> strayEntries = {};
+  /// The refusedEntries() of the tweak's folder.
+  std::vector<RefusedEntry> refusedEntries = {};
   /// The tweak's script.
   std::string_view script = {};
   /// The identifiers of the installed apps. The app is not checked if there are none: then this is
   /// no device.
-  std::vector<std::string_view> apps = {};
+  std::vector<std::string> apps = {};
 };
 
 /// The problems of a tweak, in the order of its manifest: an app that is not installed, an unknown
 /// glyph; overrides that are empty, malformed or repeated; the problemsOf() its hooks, methods
-/// hooked twice, resources that are missing or lie outside of their folder; and last stray
-/// entries of that folder, and the resources that nothing uses. Time is linear in the manifest but
+/// hooked twice, resources that are missing or lie outside of their folder; and last entries
+/// that are not packaged, and the resources that nothing uses. Time is linear in the manifest but
 /// for usesOf() and the number of apps. Threads: any.
-std::vector<TweakProblem> problemsOf(const TweakFile::Manifest& manifest,
-                                     const TweakSurroundings& surroundings);
+TAVLEN_API std::vector<TweakProblem> problemsOf(const TweakFile::Manifest& manifest,
+                                                const TweakSurroundings& surroundings);
 
 /// The place of a problem in the stored manifest: "hooks[2].args.0", "configuration.glyph"; empty
 /// for a file.
-std::string documentPath(const TweakFile::Manifest& manifest, const TweakProblem& problem);
+TAVLEN_API std::string documentPath(const TweakFile::Manifest& manifest,
+                                    const TweakProblem& problem);
 
 }  // namespace tavlen

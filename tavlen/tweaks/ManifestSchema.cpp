@@ -22,6 +22,7 @@ std::string manifestSchema() {
       "Manifest.json",
       "A tweak. Keys that are not listed here are ignored, and are lost when the document is next "
       "edited by a program.");
+  encoder.finish();
   return text;
 }
 

@@ -39,11 +39,11 @@ class Counter {
   void add(const Hook& hook, std::size_t index) {
     for (const auto& [argument, box] : hook._args) {
       forEachParameter(
-          box.value, [&, argument = argument](const Parameter& each, const ParameterPath& path) {
+          box.value, [&, key = argument](const Parameter& each, const ParameterPath& path) {
             const auto use = [&](std::size_t resource) {
               add(resource, [&] {
                 return "hooks[" + std::to_string(index) + "]." +
-                       documentPath(hook, {HookPlace::Part::value, argument, path});
+                       documentPath(hook, {HookPlace::Part::value, key, path});
               });
             };
             if (const std::string* text = textIn(each)) return names_.search(*text, use);

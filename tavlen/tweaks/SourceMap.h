@@ -5,13 +5,14 @@
 #include <string>
 #include <string_view>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/text/TextLines.h"
 
 namespace tavlen {
 
 /// A source map of version 3, which leads from places in generated code to places in its source. A
 /// value. Threads: one object one thread at a time; const functions any.
-class SourceMap {
+class TAVLEN_API SourceMap {
  public:
   /// Reads the JSON text of a map. Any map is safe to read: it is checked as a whole, and numbers
   /// that do not fit in 31 bits are refused, as engines do. Throws DecodingError. Memory: that of

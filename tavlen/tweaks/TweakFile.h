@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "tavlen/bundles/OverrideContainer.h"
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/errors/CasedError.h"
 #include "tavlen/foundation/image/Image.h"
 #include "tavlen/items/ListedItem.h"
@@ -24,7 +25,7 @@ class HookManager;
 struct MethodIdentity;
 
 /// A handle on one tweak folder.
-class TweakFile : public TweakProtocol, public std::enable_shared_from_this<TweakFile> {
+class TAVLEN_API TweakFile : public TweakProtocol, public std::enable_shared_from_this<TweakFile> {
  public:
   /// The cases of Error.
   enum class ErrorCase { missing, notFound };
@@ -150,7 +151,7 @@ class TweakFile : public TweakProtocol, public std::enable_shared_from_this<Twea
 };
 
 /// An error of a stored tweak.
-class TweakFile::Error : public CasedError<TweakFile::ErrorCase> {
+class TAVLEN_API TweakFile::Error : public CasedError<TweakFile::ErrorCase> {
  public:
   /// The file named `file` is missing.
   static Error missing(std::string file);

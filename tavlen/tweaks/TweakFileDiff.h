@@ -5,6 +5,7 @@
 #include <variant>
 #include <vector>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/items/TweakDiffProtocol.h"
 #include "tavlen/tweaks/Hook.h"
 #include "tavlen/tweaks/TweakFile.h"
@@ -12,7 +13,7 @@
 namespace tavlen {
 
 /// One change of a tweak.
-struct TweakFile::Diff : TweakDiffProtocol {
+struct TAVLEN_API TweakFile::Diff : TweakDiffProtocol {
   /// A hook was changed.
   struct UpdateHook {
     Hook hook;  ///< the hook after the change

@@ -15,6 +15,7 @@
 #include "tavlen/foundation/plist/PropertyListEncoder.h"
 #include "tavlen/items/TweakError.h"
 #include "tavlen/tweaks/Manifest.h"
+#include "tavlen/tweaks/PackagedEntries.h"
 #include "tavlen/tweaks/TweakProcessor.h"
 
 namespace tavlen {
@@ -51,15 +52,13 @@ class Bundle {
   bool isKept_ = false;
 };
 
-/// Refuses links and removes set-ID bits in `copy`. Checking the copy instead of the source avoids
-/// a TOCTOU race. Errors name the entry in `source`.
+/// Throws for links and removes set-ID bits in `copy`. Checking the copy instead of the source
+/// avoids a TOCTOU race. Errors name the entry in `source`.
 void settle(const fs::path& copy, const fs::path& source) {
   constexpr fs::perms kLentRights = fs::perms::set_uid | fs::perms::set_gid;
   const fs::file_status status = fs::symlink_status(copy);
-  if (fs::is_symlink(status)) {
-    throw std::system_error(EINVAL, std::generic_category(),
-                            source.string() + ": a symbolic link is not packaged");
-  }
+  const std::string_view refusal = refusalOf(status.type());
+  if (!refusal.empty()) throwRefusal(source, refusal);
   if ((status.permissions() & kLentRights) != fs::perms::none) {
     fs::permissions(copy, kLentRights, fs::perm_options::remove);
   }

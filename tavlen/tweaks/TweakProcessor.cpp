@@ -14,14 +14,20 @@ namespace {
 constexpr const char* kTranspilerFile = "ob.js";
 constexpr std::string_view kTranspilerGlobal = "OBJSTranspiler";
 
-JavaScriptValue loadTranspiler(const std::filesystem::path& container) {
+constexpr const char* kNone = "undefined";
+
+/// Runs the script, and returns the global, which is undefined if the script does not define it.
+JavaScriptValue evaluatedTranspiler(const std::filesystem::path& container) {
   const std::string script = readText(container / kTranspilerFile);
   const std::shared_ptr<JavaScriptContext> context = JavaScriptContext::make();
   // An exception is not fatal yet: the global may be defined nevertheless, and the first conversion
   // reports the exception.
   context->evaluate(script, kTranspilerFile);
-  JavaScriptValue transpiler =
-      context->globalObject().property(kTranspilerGlobal, JavaScriptValue::Exceptions::ignore);
+  return context->globalObject().property(kTranspilerGlobal, JavaScriptValue::Exceptions::ignore);
+}
+
+JavaScriptValue loadTranspiler(const std::filesystem::path& container) {
+  JavaScriptValue transpiler = evaluatedTranspiler(container);
   if (transpiler.isUndefined())
     fatalError("the transpiler script \"ob.js\" does not define OBJSTranspiler");
   return transpiler;
@@ -30,7 +36,7 @@ JavaScriptValue loadTranspiler(const std::filesystem::path& container) {
 /// A property, converted to text by the engine: "undefined" if it is missing or cannot be read.
 std::string shownProperty(const JavaScriptValue& value, std::string_view name) {
   constexpr auto kIgnore = JavaScriptValue::Exceptions::ignore;
-  return value.property(name, kIgnore).text(kIgnore).value_or("undefined");
+  return value.property(name, kIgnore).text(kIgnore).value_or(kNone);
 }
 
 TweakProcessor::Error errorOf(const JavaScriptValue& exception) {
@@ -52,6 +58,13 @@ std::optional<std::string> stringProperty(const JavaScriptValue& object, std::st
 
 TweakProcessor::TweakProcessor(const std::filesystem::path& container)
     : objs_(loadTranspiler(container)) {}
+
+bool TweakProcessor::isTranspiler(const std::filesystem::path& container) {
+  const JavaScriptValue transpiler = evaluatedTranspiler(container);
+  if (!transpiler.isUndefined()) return true;
+  if (const auto exception = transpiler.context().exception()) throw errorOf(*exception);
+  return false;
+}
 
 TweakProcessor::Output TweakProcessor::convert(std::string_view code) {
   const JavaScriptValue result = objs_.call("transpile", {objs_.context().string(code)});
@@ -84,7 +97,7 @@ TweakProcessor::Output TweakProcessor::process(const TweakFile& tweak) {
 TweakProcessor::Error TweakProcessor::Error::jsException(std::string name, std::string message,
                                                          std::optional<std::string> stack) {
   Error error(Case::jsException, {});
-  error.reason_ = name + ": " + message;
+  error.nameAndMessage_ = name + ": " + message;
   error.name_ = std::move(name);
   error.message_ = std::move(message);
   error.stack_ = std::move(stack);
@@ -93,7 +106,7 @@ TweakProcessor::Error TweakProcessor::Error::jsException(std::string name, std::
 
 TweakProcessor::Error TweakProcessor::Error::thrownText(std::string text) {
   Error error(Case::jsException, {});
-  error.reason_ = text;
+  error.nameAndMessage_ = text;
   error.message_ = std::move(text);
   return error;
 }
@@ -103,9 +116,15 @@ TweakProcessor::Error TweakProcessor::Error::invalidOutput() {
           {"tweak_processor.error.invalid_output", "Transpiler output was not a String"}};
 }
 
+std::string TweakProcessor::Error::reason() const {
+  if (name_ == kNone) return message_ == kNone ? "a value that is no error was thrown" : message_;
+  // A thrown text has no name, and may be that word.
+  return message_ == kNone && !name_.empty() ? name_ : nameAndMessage_;
+}
+
 std::string TweakProcessor::Error::description() const {
   if (case_ != Case::jsException) return LocalizedError::description();
-  std::string text = reason_;
+  std::string text = nameAndMessage_;
   if (stack_) text += "\n\nCall stack:\n" + *stack_;
   return text;
 }

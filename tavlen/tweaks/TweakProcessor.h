@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/errors/LocalizedError.h"
 #include "tavlen/foundation/javascript/JavaScriptContext.h"
 #include "tavlen/foundation/javascript/JavaScriptValue.h"
@@ -18,8 +19,9 @@ namespace tavlen {
 /// Translates a tweak into installable code by means of the transpiler script "ob.js".
 ///
 /// The first exception in the script, while loading or later, is kept: every later conversion
-/// throws it again. Use a processor for one tweak only. Threads: use it on one thread.
-class TweakProcessor {
+/// throws it again. Use a processor for one tweak only. Conversions block, in
+/// proportion to the text, and cannot be cancelled. Threads: use it on one thread.
+class TAVLEN_API TweakProcessor {
  public:
   class Error;
 
@@ -29,9 +31,15 @@ class TweakProcessor {
     std::string map;   ///< the source map of `code`, as JSON
   };
 
-  /// Loads "ob.js" from the folder `container`. Throws std::system_error if it cannot be read. If
+  /// Loads "ob.js" from the folder `container`. Throws std::system_error if it cannot be read, and
+  /// JavaScriptContext::EngineError. If
   /// the script does not define the global "OBJSTranspiler", the process is terminated.
   explicit TweakProcessor(const std::filesystem::path& container);
+
+  /// Whether "ob.js" in the folder `container` defines "OBJSTranspiler", which has to be known
+  /// before a processor is made of a script from elsewhere. Runs the script. Throws
+  /// std::system_error if it cannot be read, and Error if it threw before defining the global.
+  static bool isTranspiler(const std::filesystem::path& container);
 
   /// Translates hook source. Throws Error.
   Output convert(std::string_view code);
@@ -57,7 +65,7 @@ class TweakProcessor {
 };
 
 /// A failed conversion.
-class TweakProcessor::Error : public LocalizedError {
+class TAVLEN_API TweakProcessor::Error : public LocalizedError {
  public:
   /// An exception in the transpiler, or a result without code and map.
   enum class Case { jsException, invalidOutput };
@@ -75,8 +83,9 @@ class TweakProcessor::Error : public LocalizedError {
   const std::string& name() const { return name_; }
   /// The exception's message. Only for jsException; empty otherwise.
   const std::string& message() const { return message_; }
-  /// Name and message as one text. Only for jsException; empty otherwise.
-  const std::string& reason() const { return reason_; }
+  /// Name and message as one text for people, without those that the exception lacks. Only for
+  /// jsException; empty otherwise.
+  std::string reason() const;
   /// The exception's call stack, if known. Only for jsException.
   const std::optional<std::string>& stack() const { return stack_; }
   std::string description() const override;
@@ -87,7 +96,7 @@ class TweakProcessor::Error : public LocalizedError {
   Case case_;
   std::string name_;
   std::string message_;
-  std::string reason_;
+  std::string nameAndMessage_;
   std::optional<std::string> stack_;
 };
 

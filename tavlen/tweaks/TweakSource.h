@@ -8,6 +8,7 @@
 #include <variant>
 #include <vector>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/text/TextLines.h"
 #include "tavlen/tweaks/Hook.h"
 #include "tavlen/tweaks/HookSource.h"
@@ -15,7 +16,7 @@
 namespace tavlen {
 
 /// The text that a tweak is converted from, and where its parts came from. A value; threads: any.
-class TweakSource {
+class TAVLEN_API TweakSource {
  public:
   /// A part of the text that was generated for a hook.
   struct HookPlace {

@@ -7,46 +7,28 @@
 #include <string>
 #include <vector>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/text/TextPosition.h"
 #include "tavlen/parameters/ParameterPath.h"
 #include "tavlen/tweaks/Manifest.h"
 #include "tavlen/tweaks/ManifestCheck.h"
 
 /// A whole tweak as one text that people edit, tweak.toml: the records of its manifest, and the
-/// names of the files that go along.
+/// names of the files that go along. docs/tweak-toml.md describes the form.
 ///
 ///     [tweak]
 ///     name = "Dark Notes"
 ///     app = "com.example.notes"
-///     color = "lightBlue"              # optional
-///     glyph = "moon/regular"           # optional; { icon = "...", style = "..." } for odd names
-///     icon = "icon.png"                # optional, as script: paths next to the text
-///     script = "script.objs"
-///
-///     [overrides]                      # or [[override]] with kind and value
-///     DisplayName = "Dark Notes"
-///     Orientations = ["Portrait", "LandscapeLeft"]
 ///
 ///     [[hook]]
-///     method = "-[NoteList titleAt:]"  # or class, selector and classMethod = true
+///     method = "-[NoteList titleAt:]"
 ///     types = "@24@0:8q16"             # without it, setTypes() is to be called
-///     name = "Title"                   # optional
 ///     return = "Good morning"
-///     args.0 = 5
-///
-/// Values. Texts, Booleans, real numbers and dates are themselves. An integer is a real number for
-/// an argument of such a type if that holds it, an unsigned integer for an unsigned type unless it
-/// is negative, and signed otherwise, also within arrays and tables. An array is an array, a table
-/// a dictionary with texts as keys. A table whose only key begins with "$" is a value of a certain
-/// kind: "$int", "$uint" (a text beyond 2^63-1), "$double", "$date" (seconds since 2001, as in the
-/// manifest), "$url", "$color" ("#rrggbb", "#rrggbbaa", or an array of four numbers), "$nil"
-/// (true),
-/// "$code", "$class", "$selector", "$protocol", "$data", "$image" (the names of resources), and
-/// "$pairs", a dictionary of any keys, as an array of arrays of a key and a value.
+///     args.0 = 5                       # an integer, whose kind the types decide
 namespace tavlen {
 
 /// The places of a value in a text.
-struct ValuePlaces {
+struct TAVLEN_API ValuePlaces {
   /// Where the value begins.
   TextPosition position;
   /// Whether it is written as a plain integer, whose kind the type decides.
@@ -59,7 +41,7 @@ struct ValuePlaces {
 };
 
 /// The places of a hook in a text.
-struct HookPlaces {
+struct TAVLEN_API HookPlaces {
   /// The hook's header.
   TextPosition position;
   /// The method, or the class.
@@ -71,7 +53,7 @@ struct HookPlaces {
 };
 
 /// The path of a file, relative to the text's folder unless it is absolute. It is not checked.
-struct FileReference {
+struct TAVLEN_API FileReference {
   /// As written.
   std::string path;
   /// Where it begins.
@@ -79,7 +61,7 @@ struct FileReference {
 };
 
 /// A tweak that was read from a text.
-struct TweakText {
+struct TAVLEN_API TweakText {
   /// The manifest. Hooks without types have an empty signature.
   TweakFile::Manifest manifest;
   /// The tweak's own icon.

@@ -4,12 +4,13 @@
 #include <optional>
 #include <string>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/tweaks/Manifest.h"
 
 namespace tavlen {
 
 /// The files that the text of a tweak names.
-struct TweakTextFiles {
+struct TAVLEN_API TweakTextFiles {
   std::optional<std::string> icon;    ///< the path of the tweak's own icon
   std::optional<std::string> script;  ///< the path of the tweak's script
 };
@@ -20,17 +21,18 @@ struct TweakTextFiles {
 ///
 /// Errors: EncodingError for text that is not UTF-8, and for a manifest whose text would be longer
 /// than limits::kDocumentBytes. Threads: any.
-std::string writeTweakText(const TweakFile::Manifest& manifest, const TweakTextFiles& files);
+TAVLEN_API std::string writeTweakText(const TweakFile::Manifest& manifest,
+                                      const TweakTextFiles& files);
 
 /// A hook's value at `index`, an argument or Hook::kReturnValue, on one line as in a text. Errors:
 /// EncodingError, as writeTweakText().
-std::string valueText(const Hook& hook, std::int64_t index);
+TAVLEN_API std::string valueText(const Hook& hook, std::int64_t index);
 
 /// A glyph on one line as in a text, with the style or without. Those of two glyphs differ. Errors:
 /// as valueText().
-std::string valueText(const TweakGlyph& glyph);
+TAVLEN_API std::string valueText(const TweakGlyph& glyph);
 
 /// The value of an override on one line as in a text; empty if it has none. Errors: as valueText().
-std::string valueText(const OverrideContainer& override_);
+TAVLEN_API std::string valueText(const OverrideContainer& override_);
 
 }  // namespace tavlen

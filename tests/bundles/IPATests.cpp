@@ -351,6 +351,36 @@ TEST(AppList, FetchesOnceAndAnswersTheSameObjects) {
   EXPECT_EQ(fetches, 1);
 }
 
+/// Answers the lists in turn.
+class ChangingFetcher final : public AppListFetcher {
+ public:
+  explicit ChangingFetcher(std::vector<std::vector<AppListApp>> lists) : lists_(std::move(lists)) {}
+  std::vector<AppListApp> fetchAllApps() const override { return lists_.at(next_++); }
+
+ private:
+  std::vector<std::vector<AppListApp>> lists_;
+  mutable std::size_t next_ = 0;
+};
+
+TEST(AppList, ReloadingKeepsTheObjectsOfAppsThatAreStillThere) {
+  AppList list(std::make_unique<ChangingFetcher>(std::vector<std::vector<AppListApp>>{
+      {{"com.0", "", "/a"}, {"com.1", "", "/b"}}, {{"com.2", "", "/c"}, {"com.0", "", "/a"}}}));
+  const auto kept = list.app("com.0");
+  int announced = 0;
+  NotificationCenter& center = NotificationCenter::default_();
+  const auto token = center.addObserver(std::string(AppList::kDidReloadNotification), &list,
+                                        [&](const Notification& /*of*/) { ++announced; });
+  list.reload();
+  EXPECT_EQ(announced, 1);
+  EXPECT_EQ(list.app("com.0"), kept);
+  EXPECT_EQ(list.app("com.1"), nullptr);
+  EXPECT_EQ(list.identifiers(), (std::vector<std::string>{"com.0", "com.2"}));
+  EXPECT_THROW(list.reload(), std::out_of_range);
+  EXPECT_EQ(list.apps().size(), 2U);
+  EXPECT_EQ(announced, 1);
+  center.removeObserver(token);
+}
+
 TEST(AppList, AsksAgainAfterAFetchThatThrew) {
   std::atomic<int> fetches = 0;
   AppList list(std::make_unique<CountingFetcher>(fetches, 1));

@@ -53,6 +53,8 @@ TEST_F(ClassCommandTest, ListsTheClassesOfAnImage) {
                               "LSCurrentApplicationProxy : LSApplicationProxy\n"
                               "LSApplicationProxy : NSObject\n"))
       << "the compiler lays the classes out";
+  setInput("image.so");
+  EXPECT_EQ(run("classes - --match LS*Proxy").out, some.out);
   EXPECT_THAT(run("classes image.so").out, HasSubstr("FBSSystemService : NSObject\n"));
   EXPECT_EQ(run("classes image.so --match LSApp").out, "") << "names fit as a whole";
   EXPECT_THAT(run("classes image.so --match LSApplicationWorkspace --json").out,
@@ -100,7 +102,8 @@ TEST_F(ClassCommandTest, AHookTakesItsTypesFromTheImage) {
             " defaultWorkspace]\"?\n"},
        {"'-[Nobody x]' --in image.so", 1, "image.so: defines no class Nobody"},
        {"'-[A b]'", 1,
-        "./T: the method's types are not known from its app a.b: IPA not found with"},
+        "./T: without --in or --signature, the method's types come from the tweak's app: a.b: no "
+        "app has this identifier"},
        {"'-[A b]' --signature v16@0:8 --in image.so", 2, "--signature and --in cannot be"},
        {"'-[A b]' --signature v16@0:8 --parser remote", 2, ""},
        {"'-[A b]' --signature v16@0:8 --timeout 1", 2, ""},
@@ -267,7 +270,7 @@ TEST_F(TypeCommandTest, AnswersEveryLineOfTheInputWithALine) {
       {"", ""},
       {"\n", "\n"},
       {"i\n\nq", "int\n\nlong long\n"},
-      {"{A=dd\r\n\r\n[4i]\n", "struct A { double field1; double field2; }\n\nint[4]\n"},
+      {"{A=dd}\r\n\r\n[4i]\n", "struct A { double field1; double field2; }\n\nint[4]\n"},
       {"-\ni\n@\"\u00E9\"x\n", "\nint\n\n",
        "-:1:1: error: no type begins with this character\n"
        "-:3:5: error: the type ends before this character\n"},
@@ -320,14 +323,13 @@ TEST_F(TypeCommandTest, PrintsTreesAsJSON) {
       R"json({"encoding":"@?","declaration":"void (^)(void)","kind":"object","isBlock":true}])json"
       "\n";
   EXPECT_EQ(run("type --json", {"r^{A=\"x\"@\"N<P>\"\"y\"[2b3]}", "", "@?"}).out, kTrees);
-  write("lines", "i\n\n(\xFF=}");
+  write("lines", "i\n\n(\xFF=)");
   setInput("lines");
   EXPECT_EQ(run("type --json -").out,
             "{\"encoding\":\"i\",\"declaration\":\"int\",\"kind\":\"basic\",\"name\":\"int\"}\n"
             "\n"
-            "{\"encoding\":\"(\xEF\xBF\xBD=}\",\"declaration\":\"union \xEF\xBF\xBD { void field1; "
-            "}\",\"kind\":\"union\",\"name\":\"\xEF\xBF\xBD\","
-            "\"types\":[{\"encoding\":\"}\",\"kind\":\"basic\",\"name\":\"void\"}]}\n");
+            "{\"encoding\":\"(\xEF\xBF\xBD=)\",\"declaration\":\"union \xEF\xBF\xBD\","
+            "\"kind\":\"union\",\"name\":\"\xEF\xBF\xBD\",\"types\":[]}\n");
 }
 
 }  // namespace

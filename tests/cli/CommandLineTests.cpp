@@ -1,4 +1,5 @@
 #include <gmock/gmock.h>
+#include <sys/stat.h>
 
 #include "tavlen/bundles/Info.h"
 #include "tavlen/foundation/files/FileSystem.h"
@@ -20,7 +21,6 @@ TEST_F(CommandTest, ArgumentsAreChecked) {
                 {{"--verbose", 2, "a command is missing\n"},
                  {"hook", 2, "a command is missing: add, remove, list, set or move\n"},
                  {"instal", 2, "unknown command \"instal\"; did you mean \"install\"?\n"},
-                 {"hok list", 2, "unknown command \"hok\"; did you mean \"hook\"?\n"},
                  {"hook ad T", 2, "unknown command \"ad\"; did you mean \"add\"?\n"},
                  {"help hook ad", 2, "unknown command \"ad\"; did you mean \"add\"?\n"},
                  {"--frobnicate", 2, "unknown option \"--frobnicate\"\n"},
@@ -100,15 +100,16 @@ TEST_F(CommandTest, ABadTweakIsNamedInOneLineAndNothingIsWritten) {
           "file: no stored tweak or collection has that identifier or name; for the file or folder "
           "here, write ./file\n"},
          {"./empty", 1, "./empty: Missing Manifest.json\n"},
-         {"kind/", 1, "kind/Manifest.json: hooks[3].args.-1.type: unknown kind \"Foo\"\n"},
+         {"kind/", 1,
+          "kind/Manifest.json:1:264: hooks[3].args.-1.type: error: unknown kind \"Foo\"\n"},
          {"./escape", 1,
-          "./escape/Manifest.json: hooks[0].args.0.type: unknown kind "
+          "./escape/Manifest.json:1:172: hooks[0].args.0.type: error: unknown kind "
           "\"\\x1b[31m\\u009b\\u202e\\n\"\n"},
          {"text/Manifest.json", 1,
-          "text/Manifest.json: The given data was not valid JSON: expected a colon at "},
+          "text/Manifest.json:2:17: error: The given data was not valid JSON: expected a colon\n"},
          {"./fine\x1b[31m\xC2\x9B", 1,
-          "./fine\\x1b[31m\\u009b/Manifest.json: hooks[1]: expected a dictionary, found a "
-          "number\n"}});
+          "./fine\\x1b[31m\\u009b/Manifest.json:1:95: hooks[1]: error: expected a dictionary, "
+          "found a number\n"}});
   }
   EXPECT_EQ(contents("out/code.js"), "old");
   EXPECT_EQ(std::distance(fs::directory_iterator(folder() / "out"), {}), 1);
@@ -127,7 +128,7 @@ TEST_F(CommandTest, TextsAreShownForPeople) {
         "unexpected argument \"\\x1b[1m\\u009b\"\ntavlen: see \"tavlen help list\""},
        {"show " + many, 1, many.substr(0, 400) + "…" + many.substr(0, 91) + ": no stored tweak"},
        {"show ./nul", 1,
-        "./nul/Manifest.json: hooks[0].args.0.type: unknown kind \"\\x00\\x7f\"\n"},
+        "./nul/Manifest.json:1:172: hooks[0].args.0.type: error: unknown kind \"\\x00\\x7f\"\n"},
        {"crash-logs com.a nowhere", 1, "nowhere: No such file or directory\n"},
        {"import folder.tvx", 1, "folder.tvx: Payload/Manifest.json: Is a directory\n"}});
 }
@@ -164,18 +165,23 @@ TEST_F(CommandTest, SyntaxErrorsStandAtTheirPlace) {
        "^\n"},
       {hook + ",null," + code("[a b:1 +"), "ok();",
        manifest +
-           "hooks[2] -[A b]: error: expected an expression in the message send that began at "
-           "6:18\n    \t\targuments[0] = [a b:1 +;\n    \t\t                       ^\n"},
+           "hooks[2].args.0: error: at 1:9 of the code: expected an expression in the message "
+           "send that began at 1:1\n    [a b:1 +\n            ^\n"},
       {code("1}") + "," + hook, "ok();",
+       manifest + "hooks[0].args.0: error: at 1:3 of the code: expected ',' or '}' in the braces\n"
+                  "    1}\n      ^\n"},
+      {hookJSON("b:", "@24@0:8@16",
+                R"("-1":{"type":"Code","code":"1"},"0":{"type":"Code","code":"f( // c"})"),
+       "",
        manifest +
-           "hooks[0] -[A b]: error: expected ',' or '}' in the braces\n    \t\targuments[0] = 1};\n"
-           "    \t\t                 ^\n"},
+           "hooks[0].args.0: error: expected ',' or ')' in the parentheses that began at 1:2 of "
+           "the code\n    \t\t%orig;\n    \t\t     ^\n"},
       {code("1; }, }); let x; hookClass('', {}, { a() {") + "," + hook + "," +
            code("2; }, }); let x; hookClass('', {}, { a() {"),
        "ok();",
-       manifest + "hooks[2] -[A b]: error: identifier 'x' has already been declared\n"
-                  "    \t\targuments[0] = 2; }, }); let x; hookClass('', {}, { a() {;\n"
-                  "    \t\t                             ^\n"},
+       manifest +
+           "hooks[2].args.0: error: at 1:15 of the code: identifier 'x' has already been "
+           "declared\n    2; }, }); let x; hookClass('', {}, { a() {\n                  ^\n"},
   };
   for (const auto& c : cases) {
     writeTweak("./T", c.hooks);
@@ -221,8 +227,9 @@ TEST_F(CommandTest, AScriptThatCannotBeReadCountsAsEmpty) {
   const Result result = run("source ./T");
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(result.out, empty);
-  EXPECT_THAT(result.err, StartsWith("tavlen: warning: the script cannot be read and counts as "
-                                     "empty: ./T/script.objs: "));
+  EXPECT_THAT(result.err,
+              StartsWith("./T/script.objs: warning: the script cannot be read and counts as "
+                         "empty: the text is"));
 }
 
 TEST_F(CommandTest, CheckWarnsOfWhatIsQuestionable) {
@@ -236,10 +243,12 @@ TEST_F(CommandTest, CheckWarnsOfWhatIsQuestionable) {
   write("./T/Resources/here", "");
   write("x/x", "");
   fs::create_directory_symlink("../../x", folder() / "./T/Resources/link");
+  fs::create_directory(folder() / "./T/Executables");
+  ::mkfifo((folder() / "./T/Executables/pipe").c_str(), 0600);
   writeTweak("broken", "1");
   const Result result = run("check ./T ./broken nowhere", {kGreeting});
   EXPECT_EQ(result.status, 1);
-  EXPECT_EQ(result.out, "./T: 10 warnings\n" + kGreeting + ": ok\n");
+  EXPECT_EQ(result.out, "./T: 11 warnings\n" + kGreeting + ": ok\n");
   const std::string place = "./T/Manifest.json: ";
   const std::string hook = place + "hooks[0].";
   EXPECT_EQ(result.err,
@@ -257,12 +266,16 @@ TEST_F(CommandTest, CheckWarnsOfWhatIsQuestionable) {
                 hook + "args.7: warning: the resource \"go\\x1bne\" is missing\n" + place +
                 "hooks[2]: warning: hooks the same method as hooks[0]\n" + place +
                 "hooks[2].signature: warning: \"zz\" is not a method's type encoding\n"
-                "./T/Resources/link: warning: leads out of the tweak's folder, or is no file\n"
-                "tavlen: error: ./broken/Manifest.json: hooks[0]: expected a dictionary, found a "
+                "./T/Executables/pipe: warning: neither a file nor a folder, and cannot be "
+                "packaged\n"
+                "./T/Resources/link: warning: a symbolic link cannot be packaged\n"
+                "./broken/Manifest.json:1:90: hooks[0]: error: expected a dictionary, found a "
                 "number\n"
                 "tavlen: error: nowhere: no stored tweak or collection has that identifier or "
                 "name\n");
   EXPECT_EQ(run("check ./T").status, 0) << "warnings are no failure";
+  EXPECT_THAT(run("export ./T").err,
+              HasSubstr("tavlen: error: ./T/Executables/pipe: neither a file nor a folder, and"));
 }
 
 TEST_F(CommandTest, InfoShowsWhatTheFileHolds) {
@@ -286,26 +299,26 @@ TEST_F(CommandTest, InfoShowsWhatTheFileHolds) {
   expectRefused("info", {{"cut", 1, "cut/Info.plist: "}});
 }
 
-/// The README's longest example for a shell, which begins with the line that sets PATH.
-std::string exampleOfReadme() {
-  std::ifstream readme(fs::path(paths().examples).parent_path() / "README.md");
+/// The example for a shell in the page on the command, which begins with the line that sets PATH.
+std::string exampleOfPage() {
+  std::ifstream page(fs::path(paths().examples).parent_path() / "docs/command.md");
   const std::string indentation = "    ";
   std::string line;
-  while (std::getline(readme, line) && !line.starts_with(indentation + "export PATH=")) continue;
+  while (std::getline(page, line) && !line.starts_with(indentation + "export PATH=")) continue;
   std::string script;
   do script += (line.empty() ? line : line.substr(indentation.size())) + "\n";
-  while (std::getline(readme, line) && (line.empty() || line.starts_with(indentation)));
+  while (std::getline(page, line) && (line.empty() || line.starts_with(indentation)));
   return script;
 }
 
-TEST(Readme, ExampleRunsAsItStands) {
+TEST(CommandPage, ExampleRunsAsItStands) {
   const TemporaryFolder clone;
   const fs::path built = fs::path(paths().command).parent_path();
   fs::create_directories(clone.path() / "build/release");
   fs::create_directory_symlink(built, clone.path() / "build/release/bin");
   fs::create_directory_symlink(built.parent_path() / "share", clone.path() / "build/release/share");
   fs::copy(paths().examples, clone.path() / "examples", fs::copy_options::recursive);
-  std::ofstream(clone.path() / "example.sh") << exampleOfReadme();
+  std::ofstream(clone.path() / "example.sh") << exampleOfPage();
   // The address sanitizer overlooks what GNUstep leaks, and finds GNUstep only in whole call
   // stacks.
   const std::string command = "cd '" + clone.path().string() +

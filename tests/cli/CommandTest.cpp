@@ -119,7 +119,8 @@ void CommandTest::expectRefused(const std::string& start,
     EXPECT_EQ(result.status, status);
     EXPECT_EQ(result.out, "");
     const bool isWhole = error.ends_with('\n');
-    std::string expected = "tavlen: error: " + error;
+    const bool hasPlace = error.find(": error: ") != std::string::npos;
+    std::string expected = hasPlace ? error : "tavlen: error: " + error;
     if (isWhole && status == 2) expected += result.err.substr(result.err.find("tavlen: see \""));
     EXPECT_EQ(isWhole ? result.err : result.err.substr(0, expected.size()), expected);
   }

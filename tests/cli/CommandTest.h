@@ -38,8 +38,9 @@ class CommandTest : public testing::Test {
   struct Refusal {
     std::string line;
     int status;
-    std::string error;  ///< how it begins, after "tavlen: error: "; if it ends with a line's end,
-                        ///< no more follows than the reference to help
+    std::string
+        error;  ///< how it begins, after "tavlen: error: " or with its place and "error";
+                ///< if it ends with a line's end, no more follows than the reference to help
   };
   /// Runs `start` with each line after it. None may print anything but its error.
   void expectRefused(const std::string& start, const std::vector<Refusal>& refusals) const;

@@ -187,7 +187,7 @@ class IconCommandTest : public CommandTest {
   }
   /// The width of the picture that the command writes with these options; 0 where it fails.
   std::size_t width(const std::string& app, const std::string& options = "") const {
-    const Result result = run("icon -o icon.png " + options, {app});
+    const Result result = run("icon -fo icon.png " + options, {app});
     EXPECT_EQ(result.out + result.err, "");
     if (result.status != 0) return 0;
     const std::optional<Image> picture = Image::decode(contents("icon.png"));
@@ -238,11 +238,11 @@ TEST_F(IconCommandTest, AFailureIsOneLineAndLeavesTheFileAlone) {
   const std::string broken = app("Broken.app");
   expectRefused(
       "icon",
-      {{"bare -o icon.png", 1, "bare: No icon found\n"},
-       {"bare --name 'a\nb' -o icon.png", 1, "bare: Icon not found: a\\nb\n"},
-       {notes + " --size 0 -o icon.png", 1, notes + ": Could not resize icon\n"},
-       {notes + " --size 16385 -o icon.png", 1, notes + ": Could not resize icon\n"},
-       {broken + " -o icon.png", 1, broken + "/Info.plist: missing key \"CFBundleExecutable\"\n"},
+      {{"bare -fo icon.png", 1, "bare: No icon found\n"},
+       {"bare --name 'a\nb' -fo icon.png", 1, "bare: Icon not found: a\\nb\n"},
+       {notes + " --size 0 -fo icon.png", 1, notes + ": Could not resize icon\n"},
+       {notes + " --size 16385 -fo icon.png", 1, notes + ": Could not resize icon\n"},
+       {broken + " -fo icon.png", 1, broken + "/Info.plist: missing key \"CFBundleExecutable\"\n"},
        {notes + " -o nowhere/x", 1, "nowhere/x: No such file or directory\n"},
        {"bare", 2, ""},
        {"bare -o x --size -1", 2, ""}});

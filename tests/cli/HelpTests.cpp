@@ -151,6 +151,10 @@ TEST_F(HelpTest, ALineIsCompleted) {
       {"tavlen list --js", {"--json"}},
       {"tavlen list --color=n", {"never"}},
       {"tavlen new X --color dark", {"darkGreen", "darkPurple", "darkRed", "darkYellow"}},
+      {"tavlen set X --glyph moo", {"moon"}},
+      {"tavlen set X --glyph moon/", {"moon/regular", "moon/solid"}},
+      {"tavlen override add Morning Display", {"DisplayName"}},
+      {"tavlen icon set --s", {}},
       {"tavlen classes X --parser ", {"auto", "dynamic", "remote", "static"}},
       {"tavlen methods --in com.example.notes NoteS", {"NoteSearch", "NoteStore"}},
       {"tavlen methods --in com.example.absent NoteS", {}},
@@ -158,7 +162,9 @@ TEST_F(HelpTest, ALineIsCompleted) {
       {"tavlen show nothing -- --js", {}},
   };
   for (const auto& c : cases) EXPECT_EQ(completions(c.line), c.candidates) << c.line;
-  for (const auto& [line, kind] : {std::pair("import ", "files\n"), {"build X -o ", "folders\n"}})
+  for (const auto& [line, kind] : {std::pair("import ", "files\n"),
+                                   {"methods --in zz", "files\n"},
+                                   {"build X -o ", "folders\n"}})
     EXPECT_EQ(run("complete --line --", {"tavlen " + std::string(line)}).out, kind);
 }
 

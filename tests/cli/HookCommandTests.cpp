@@ -245,7 +245,7 @@ TEST_F(OverrideCommandTest, WithoutAValueItIsTheApps) {
   EXPECT_EQ(run("override add ./T DisplayName --root tree").err, "");
   EXPECT_EQ(list(), "[{\"type\":\"DisplayName\",\"value\":\"Alpha\"}]\n");
   fs::remove_all(folder() / "tree/Applications/A.app");
-  expectRefused("override", {{"add ./T Build --root tree", 1, "./T: Build: IPA not found"}});
+  expectRefused("override", {{"add ./T Build --root tree", 1, "./T: Build: com.a: no app"}});
   EXPECT_EQ(list(), "[{\"type\":\"DisplayName\",\"value\":\"Alpha\"}]\n");
 }
 

@@ -59,7 +59,10 @@ TEST_F(InstallCommandTest, InstallsAndUninstalls) {
 
   EXPECT_EQ(run("install T").status, 0);
   fs::remove_all(folder() / stored(id));
-  EXPECT_EQ(run("uninstall --app com.example.notes").status, 0);
+  EXPECT_EQ(run("uninstall --app com.example.notes --json").out,
+            R"({"kind":"tweak","bundleID":"com.example.notes","installed":false,"stored":false,)"
+            R"("identifier":")" +
+                id + "\"}\n");
   EXPECT_EQ(run("uninstall --app com.example.notes").err,
             "tavlen: error: com.example.notes: no tweak is installed\n");
   EXPECT_EQ(run("uninstall").status, 2);
@@ -97,7 +100,14 @@ TEST_F(InstallCommandTest, AFailureIsShownAtItsPlace) {
   EXPECT_THAT(run("install good --transpiler share").err,
               testing::MatchesRegex(".*tavlen: error: the transpiler failed: RangeError: deep.x1b\n"
                                     "    transpile@ob.js:1:[0-9]+\n"));
-  EXPECT_THAT(run("install elsewhere").err, EndsWith("not found with bundle ID: com.gone\n"));
+  write("share/ob.js", "1");
+  EXPECT_THAT(run("install good --transpiler share").err,
+              EndsWith("tavlen: error: share/ob.js: does not define OBJSTranspiler\n"));
+  write("share/ob.js", "f(");
+  EXPECT_THAT(run("install good --transpiler share").err,
+              HasSubstr("tavlen: error: the transpiler failed: SyntaxError: "));
+  EXPECT_THAT(run("install elsewhere").err,
+              testing::StartsWith("tavlen: error: com.gone: no app has this identifier"));
   EXPECT_THAT(run("show good").out, HasSubstr("Installed:  yes\n")) << "as it was";
   helper("exit 4");
   EXPECT_THAT(run("install good").err, EndsWith("/kvfileops: ended with status 4\n"));
@@ -172,7 +182,8 @@ TEST_F(ArchiveCommandTest, TheOtherFilesAreImportedAllTheSame) {
 }
 
 TEST_F(ArchiveCommandTest, MembersThatDoNotOpenAreNamedOrLeftOut) {
-  writeCollection("C", "C", "\"gone\",\"" + newTweak("T") + R"(","C.collection")");
+  const std::string id = newTweak("T");
+  writeCollection("C", "C", "\"gone\",\"" + id + R"(","C.collection")");
   expectRefused("export C -o", {{"c.tvxc", 1,
                                  "C: cannot open the members gone, C.collection; --skip-missing "
                                  "exports a copy without them\n"}});
@@ -183,6 +194,10 @@ TEST_F(ArchiveCommandTest, MembersThatDoNotOpenAreNamedOrLeftOut) {
     EXPECT_NE(result.err.find("tavlen: warning: " + text), std::string::npos) << result.err;
   }
   fs::rename(folder() / "c.zip", folder() / "c.TVXC");
+  fs::create_directory(folder() / "empty");
+  EXPECT_EQ(run("collection list c.TVXC --root empty").out, "NAME  IDENTIFIER\nT     " + id + "\n");
+  EXPECT_EQ(run("export c.TVXC -o copy.tvxc --root empty").status, 0);
+  EXPECT_EQ(contents("copy.tvxc"), contents("c.TVXC"));
   EXPECT_EQ(run("import c.TVXC").status, 0);
   const std::string members = run("collection list --json", {"C 2"}).out;
   EXPECT_THAT(members, testing::StartsWith(R"([{"name":"T 2",)"));

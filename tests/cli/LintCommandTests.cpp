@@ -37,7 +37,9 @@ TEST_F(LintCommandTest, CheckTellsProgramsWhatItTellsPeople) {
                                      R"("code":"unused-resource",)"));
   EXPECT_THAT(checked.out, HasSubstr(R"({"file":"./T/script.objs","line":2,"column":1,)"
                                      R"("severity":"error","code":"syntax-error",)"));
-  EXPECT_THAT(checked.out, HasSubstr(R"("severity":"error","message":"./bad)"));
+  EXPECT_THAT(checked.out, HasSubstr(R"({"file":"./bad/Manifest.json","line":1,"column":18,)"
+                                     R"("place":"configuration","severity":"error",)"
+                                     R"("code":"unexpected-value","message":"expected a dic)"));
   EXPECT_THAT(run("check ./T --classes").err,
               AllOf(HasSubstr(": no app has this identifier (tavlen apps lists the apps)\n"),
                     HasSubstr("./T/script.objs:2:1: error: ")));

@@ -203,6 +203,8 @@ TEST_F(ParamCommandTest, PairsAreNamedByTheirKeys) {
       "param",
       {{"get " + line + "0.tag", 1,
         start + "0.tag: \"0\" has no key \"tag\"; did you mean \"tags\"?"},
+       {"get " + line + "0.color", 1,
+        start + "0.color: \"0\" has no key \"color\"; known are \"tags\", \"a.b\", \"end\", "},
        {"set " + line + "0.x nil", 1,
         start + "0.x: \"0\" has several pairs with the key \"x\"; name one by its index: 3, 4\n"},
        {"set " + line + "0.tags.y nil", 1,

@@ -9,8 +9,9 @@ namespace tavlen {
 /// all.
 template <class Work>
 void inThreads(int count, const Work& work) {
-  std::vector<std::jthread> threads;
+  std::vector<std::thread> threads;
   for (int i = 0; i < count; ++i) threads.emplace_back([&work, i] { work(i); });
+  for (std::thread& thread : threads) thread.join();
 }
 
 }  // namespace tavlen

@@ -84,11 +84,12 @@ TEST_F(TweakPackagingTest, AFailureLeavesNothing) {
       {[](const auto& folder) { fs::remove(path(folder + "Manifest.json")); },
        "Missing Manifest.json"},
       {linked("Resources", "/secret"),
-       "/T/Resources: a symbolic link is not packaged: Invalid arg"},
-      {linked("Resources/a/link", "b"), "/T/Resources/a/link: a symbolic link is not packaged: "},
+       "/T/Resources: a symbolic link cannot be packaged: Invalid arg"},
+      {linked("Resources/a/link", "b"),
+       "/T/Resources/a/link: a symbolic link cannot be packaged: "},
       {linked("Executables/link", path("secret")),
-       "/T/Executables/link: a symbolic link is not packaged: "},
-      {linked("Icon.png", "/Icon.png"), "/T/Icon.png: a symbolic link is not packaged: "},
+       "/T/Executables/link: a symbolic link cannot be packaged: "},
+      {linked("Icon.png", "/Icon.png"), "/T/Icon.png: a symbolic link cannot be packaged: "},
       {[](const auto& folder) {
          fs::create_directory(path(folder + "Resources"));
          ::mkfifo(path(folder + "Resources/pipe").c_str(), 0600);

@@ -86,6 +86,16 @@ TEST_F(TweakProcessorTest, ReportsWhatWasThrown) {
         "{ name: Symbol(), message: { toString() { throw 1; } }, stack: Symbol() }"}) {
     EXPECT_EQ(errorOfBody("throw " + std::string(thing)), "undefined: undefined") << thing;
   }
+  const std::pair<const char*, const char*> reasons[] = {
+      {"{}", "a value that is no error was thrown"},
+      {"{ name: 'N' }", "N"},
+      {"{ message: 'm' }", "m"},
+      {"'undefined'", "undefined"},
+      {"new SyntaxError('s')", "SyntaxError: s"}};
+  for (const auto& [thing, reason] : reasons) {
+    TweakProcessor thrower = processorOf(transpiler("throw " + std::string(thing)));
+    EXPECT_EQ(thrown<Error>([&] { thrower.convert(""); }).value().reason(), reason);
+  }
   EXPECT_EQ(errorOfBody("throw 'te\\u{1F600}xt';"), "te😀xt");
   EXPECT_EQ(errorOfBody("throw { name: 'N', message: null };"), "N: null");
   EXPECT_EQ(errorOfBody("throw { name: 1, message: [2, 3], stack: 's\\n2' };"),

@@ -7,13 +7,12 @@
 #include <string>
 
 #include "tavlen/foundation/base/SystemError.h"
+#include "tavlen/foundation/files/Connection.h"
 #include "tavlen/foundation/files/RetryOnInterrupt.h"
 
 namespace tavlen::dumpagent {
 
-ReportSender::ReportSender(std::uint16_t port)
-    : socket_(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0)) {
-  if (socket_.get() < 0) throwSystemError("socket");
+ReportSender::ReportSender(std::uint16_t port) : socket_(makeDatagramSocket()) {
   sockaddr_in address{};
   address.sin_family = AF_INET;
   address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);

@@ -69,9 +69,9 @@ std::filesystem::path withoutSlashAtEnd(const std::filesystem::path& path) {
 
 FileDescriptor descend(const FileDescriptor& from, const std::filesystem::path& relative,
                        const std::filesystem::path& shown) {
-  FileDescriptor folder = FileDescriptor::openAt(from.get(), ".", kOpenPassage, shown);
+  FileDescriptor folder = FileDescriptor::openAt(from.get(), ".", kOpenToPass, shown);
   for (const std::filesystem::path& component : relative) {
-    folder = FileDescriptor::openAt(folder.get(), component.c_str(), kOpenPassage, shown);
+    folder = FileDescriptor::openAt(folder.get(), component.c_str(), kOpenToPass, shown);
   }
   return folder;
 }

@@ -47,7 +47,7 @@ FileDescriptor makeFolder(int parent, const std::string& name, Owner owner,
     if (owner == Owner::caller) giveToCaller(*folder, shown);
     return std::move(*folder);
   }
-  return FileDescriptor::openAt(parent, name.c_str(), kOpenPassage, shown);
+  return FileDescriptor::openAt(parent, name.c_str(), kOpenToPass, shown);
 }
 
 void giveToCaller(const FileDescriptor& made, const std::filesystem::path& shown) {

@@ -32,7 +32,7 @@ Links linksToFollow() { return hasLentRights() ? Links::ofRoot : Links::all; }
 
 TrustedFolder::TrustedFolder(const std::filesystem::path& path, Links links) {
   if (!path.is_absolute()) throw Refusal(path, "is no absolute path");
-  append(FileDescriptor::open("/", kOpenPassage), {});
+  append(FileDescriptor::open("/", kOpenToPass), {});
   go(path, links);
 }
 
@@ -86,7 +86,7 @@ void TrustedFolder::goBack() {
 bool TrustedFolder::enter(const std::string& name) {
   if (missing_.empty()) {
     FileDescriptor folder =
-        FileDescriptor::tryOpenAt(descriptor().get(), name.c_str(), kOpenPassage);
+        FileDescriptor::tryOpenAt(descriptor().get(), name.c_str(), kOpenToPass);
     if (folder) {
       append(std::move(folder), name);
       return true;

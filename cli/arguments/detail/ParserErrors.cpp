@@ -103,54 +103,90 @@ Problem wrongValue(const CLI::App& app, const std::vector<std::string>& words) {
   return words.back() + " needs a value: " + last->get_type_name();
 }
 
-}  // namespace
-
-std::string unexpectedText(const std::string& word, const CLI::App& app, const ParserState& state) {
-  const std::vector<const CLI::App*> path = chosenPath(app);
-  const CommandRecord command = recordOf(*path.back(), state);
-  if (!word.starts_with('-') || word.starts_with("-[")) {
-    return command.needsCommand ? unknownCommandText(word, command)
-                                : "unexpected argument \"" + word + "\"";
-  }
+/// What is wrong with an option that the chosen command does not have.
+std::string unexpectedOption(const std::string& word, const CLI::App& app) {
   const std::string name = word.substr(0, word.find('='));
   std::vector<std::string> names;
-  for (auto each = path.rbegin(); each != path.rend(); ++each) {
-    for (const CLI::Option* option : optionsOf(**each)) {
+  for (const CLI::App* command : {chosenPath(app).back(), &app}) {
+    for (const CLI::Option* option : optionsOf(*command)) {
       if (option->nonpositional()) names.push_back(titleOf(*option));
     }
   }
   const std::vector<std::string_view> known(names.begin(), names.end());
-  const auto closest = closestName(name, known);
+  if (std::find(known.begin(), known.end(), name) != known.end())
+    return "\"" + name + "\" must follow the command, and precede \"--\" if there is one";
   return "unknown option \"" + name + "\"" +
-         (closest ? suggestionText(name, known) : std::string());
+         (closestName(name, known) ? suggestionText(name, known) : std::string());
 }
 
-std::string usageProblem(const CLI::App& app, const ParserState& state,
-                         const std::vector<std::string>& words, const CLI::ParseError& error) {
+std::string unexpectedArgument(const std::string& word) {
+  return "unexpected argument \"" + word + "\"";
+}
+
+bool isOption(const std::string& word) { return word.starts_with('-') && !word.starts_with("-["); }
+
+/// The commands that the user had chosen before `word`. The parser takes a later word for the
+/// command if it does not know this one.
+std::vector<const CLI::App*> pathBefore(const std::string& word, const CLI::App& app,
+                                        const std::vector<std::string>& words) {
+  std::vector<const CLI::App*> path = chosenPath(app);
+  std::size_t depth = 1;
+  for (const std::string& each : words) {
+    if (each == word || depth == path.size()) break;
+    if (each == path[depth]->get_name()) ++depth;
+  }
+  path.resize(depth);
+  return path;
+}
+
+UsageError unexpected(const std::string& word, const CLI::App& app, const ParserState& state,
+                      const std::vector<std::string>& words) {
+  if (isOption(word)) return UsageError(unexpectedOption(word, app));
+  std::string names;
+  const std::vector<const CLI::App*> path = pathBefore(word, app, words);
+  for (const CLI::App* command : path) names += (names.empty() ? "" : " ") + command->get_name();
+  const CommandRecord command = recordOf(*path.back(), state);
+  if (!command.needsCommand) return UsageError(unexpectedArgument(word));
+  return UsageError::about(names, unknownCommandText(word, command));
+}
+
+}  // namespace
+
+void refuseStrayArguments(const CLI::App& app) {
+  const std::vector<const CLI::App*> path = chosenPath(app);
+  for (std::size_t i = 1; i + 1 < path.size(); ++i) {
+    for (const CLI::Option* option : optionsOf(*path[i])) {
+      if (!isGiven(option)) continue;
+      throw UsageError(option->nonpositional()
+                           ? unexpectedOption(titleOf(*option), app)
+                           : unexpectedArgument(unmarked(option->results().front())));
+    }
+  }
+}
+
+UsageError usageError(const CLI::App& app, const ParserState& state,
+                      const std::vector<std::string>& words, const CLI::ParseError& error) {
   // The parser reports a missing argument first; but if a word is unknown, that is the likely
   // cause.
   const bool isMissing = dynamic_cast<const CLI::RequiredError*>(&error) != nullptr;
   const std::vector<std::string> unknown = app.remaining(true);
-  // The parser takes a later word for the command if it does not know the first.
-  if (!unknown.empty() && !words.empty() && unknown.front() == words.front() &&
-      !words.front().starts_with('-')) {
-    return unknownCommandText(words.front(), recordOf(app, state));
-  }
-  if (isMissing || dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr) {
+  const bool isCommand = !unknown.empty() && !words.empty() && unknown.front() == words.front() &&
+                         !isOption(words.front());
+  if (isCommand || isMissing || dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr) {
     for (const std::string& word : unknown) {
-      if (word != "--") return unexpectedText(unmarked(word), app, state);
+      if (word != "--") return unexpected(unmarked(word), app, state, words);
     }
   }
   if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr) {
-    if (Problem problem = wrongValue(app, words)) return *problem;
+    if (Problem problem = wrongValue(app, words)) return UsageError(*problem);
   }
   for (const CLI::App* command : chosenPath(app)) {
-    if (Problem problem = missingArguments(*command)) return *problem;
-    if (Problem problem = brokenPair(*command)) return *problem;
-    if (Problem problem = brokenRule(*command)) return *problem;
-    if (Problem problem = missingCommand(*command, state)) return *problem;
+    if (Problem problem = missingArguments(*command)) return UsageError(*problem);
+    if (Problem problem = brokenPair(*command)) return UsageError(*problem);
+    if (Problem problem = brokenRule(*command)) return UsageError(*problem);
+    if (Problem problem = missingCommand(*command, state)) return UsageError(*problem);
   }
-  return error.what();
+  return UsageError(error.what());
 }
 
 }  // namespace tavlen::cli

@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/arguments/UsageError.h"
 #include "cli/arguments/detail/ParserState.h"
 
 namespace CLI {
@@ -13,10 +14,11 @@ namespace tavlen::cli {
 
 /// What is wrong with the user's arguments, in one sentence. `app` has parsed `words`, and thrown
 /// `error`, whose own text names neither the command nor what was expected.
-std::string usageProblem(const CLI::App& app, const ParserState& state,
-                         const std::vector<std::string>& words, const CLI::ParseError& error);
+UsageError usageError(const CLI::App& app, const ParserState& state,
+                      const std::vector<std::string>& words, const CLI::ParseError& error);
 
-/// What is wrong with an option or an argument that the command does not have, below `app`.
-std::string unexpectedText(const std::string& word, const CLI::App& app, const ParserState& state);
+/// Throws UsageError for an argument of a command of which a subcommand was chosen: the parser
+/// passes on what the subcommand does not know. Those of `app` itself are for all commands.
+void refuseStrayArguments(const CLI::App& app);
 
 }  // namespace tavlen::cli

@@ -87,8 +87,12 @@ void addClassesCommand(Command app) {
                    "methods");
   Option headers = command.flag("--headers", options->headers,
                                 "Write an Objective-C header for each class into the folder DIR");
+  const auto problem = [](const std::string& text) {
+    return text == "-" ? "headers are files in a folder, not one stream" : "";
+  };
   Option folder = command.text("-o,--output", options->folder, "The folder; created if missing")
                       .notEmpty()
+                      .check(problem)
                       .typeName("DIR");
   headers.needs(folder).excludes(json);
   folder.needs(headers);

@@ -25,6 +25,7 @@ struct Options {
   std::string output;
   std::optional<std::string> name;
   std::optional<std::uint32_t> size;
+  bool force = false;
   bool json = false;
 };
 
@@ -76,10 +77,11 @@ Image iconOfTweak(const Options& options) {
 }
 
 int writeIcon(const Options& options) {
+  requireFreeOutput(options.output, options.force);
   try {
     Image icon = isTweak(options.subject) ? iconOfTweak(options) : iconOfApp(options);
     if (options.size) icon = InfoManager::resizedIcon(icon, *options.size);
-    writeOutput(options.output, icon.pngData());
+    writeOutput(options.output, options.force, icon.pngData());
     if (options.json) {
       const Row row = {wellFormedUTF8(options.output), icon.width(), icon.height()};
       printData(shownJSON(row) + "\n");
@@ -88,14 +90,6 @@ int writeIcon(const Options& options) {
     throw std::runtime_error(options.subject + ": " + errorText(error));
   }
   return 0;
-}
-
-/// Throws the parser's error if there is an argument of this command, although a subcommand was
-/// chosen: surplus arguments of a subcommand are parsed as arguments of this command.
-void refuseArguments(const Options& options, bool isOutputGiven) {
-  if (!options.subject.empty() || isOutputGiven || options.name || options.size) {
-    refuseUnexpected(options.subject + options.output + options.name.value_or(""));
-  }
 }
 
 }  // namespace
@@ -117,13 +111,11 @@ void addIconCommand(Command app) {
       .typeName("NAME");
   command.number("--size", options->size, "The length of the longer side in points")
       .typeName("POINTS");
+  command.flag("-f,--force", options->force, kForceHelp);
   command.flag("--json", options->json, "Print the file's path and size as a JSON object");
   addTweakIconCommands(command);
   command.prepare([command, name, output, options]() -> Action {
-    if (command.hasChosenCommand()) {
-      refuseArguments(*options, output.isGiven());
-      return nullptr;
-    }
+    if (command.hasChosenCommand()) return nullptr;
     name.requireGiven();
     output.requireGiven();
     if (options->json && options->output == "-") {

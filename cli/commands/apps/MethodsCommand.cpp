@@ -70,7 +70,7 @@ int listMethods(Options options) {
   const ClassDump dump = dumpClasses(options.image, options.neededClass());
   if (options.query.className && !hasClass(dump, *options.query.className)) {
     reportFaults(dump, options.image);
-    throw std::runtime_error(options.image.image + ": " +
+    throw std::runtime_error(options.image.shown() + ": " +
                              missingClassText(dump, *options.query.className));
   }
   const ClassDump found = methodsFound(dump, options.query);

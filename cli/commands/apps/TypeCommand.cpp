@@ -107,10 +107,18 @@ class Answers {
               (isMethod ? "; --method prints the declaration of a method with these types" : ""));
       return std::nullopt;
     }
+    // The parser takes the end of the text for any bracket and quote that is missing.
+    if (const auto fault = faultInType(encoding)) {
+      report(true, encoding, fault,
+             *fault == encoding.size() ? "the text ends before the type does"
+                                       : "no type has this character here");
+      return std::nullopt;
+    }
     if (!options_.json) return escapedForTerminal(type->description());
     std::string tree;
     JSONEncoder encoder(tree);
     encodeTypeTree(encoder, type.get());
+    encoder.finish();
     return tree;
   }
 

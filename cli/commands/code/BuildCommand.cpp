@@ -16,9 +16,11 @@ namespace tavlen::cli {
 
 namespace {
 
+constexpr const char* kStandardOutput = "-";
+
 struct Options {
   std::string tweak;
-  std::string output;
+  std::string output = kStandardOutput;
   std::string transpiler;
   bool json = false;
 };
@@ -55,7 +57,7 @@ int build(const Options& options) {
     printError(tweak.argument + ": does not build");
     return 1;
   }
-  if (options.output.empty()) {
+  if (options.output == kStandardOutput) {
     printData(options.json ? shownJSON(Built{output->code, output->map}) + "\n" : output->code);
     return 0;
   }
@@ -72,11 +74,11 @@ void addBuildCommand(Command app) {
   command.text("TWEAK", options->tweak, kReadTweakHelp).required().notEmpty();
   command
       .text("-o,--output", options->output,
-            "The folder for code.js and code.js.map; without it, the code is printed")
+            "The folder for code.js and code.js.map; - to print the code, the default")
       .typeName("DIR")
       .notEmpty();
   command.flag("--json", options->json,
-               "Print a JSON object with code and map: the texts, or with -o the paths");
+               "Print a JSON object with code and map: the texts, or with -o DIR the paths");
   addTranspilerOption(command, options->transpiler);
   command.run([options] { return build(*options); });
 }

@@ -7,12 +7,15 @@
 
 #include "cli/arguments/AppArgument.h"
 #include "cli/arguments/ImageArgument.h"
+#include "cli/arguments/StoredItem.h"
 #include "cli/arguments/TranspilerOption.h"
 #include "cli/classes/ClassCheck.h"
 #include "cli/commands/Commands.h"
 #include "cli/process/ErrorReport.h"
 #include "cli/terminal/Console.h"
 #include "cli/terminal/CountText.h"
+#include "cli/terminal/PlacedError.h"
+#include "cli/terminal/ReportedError.h"
 #include "cli/terminal/ShownText.h"
 #include "cli/tweaks/Transpilation.h"
 #include "cli/tweaks/TweakCheck.h"
@@ -35,8 +38,7 @@ struct Options {
 /// Checks tweaks one after another. Whatever is said of them passes through here.
 class Check {
  public:
-  explicit Check(const Options& options)
-      : options_(options), transpiler_(transpilerFolder(options.transpiler)) {}
+  explicit Check(const Options& options) : options_(options) {}
 
   int run() {
     const MessageReceiver receiver([this](const Diagnostic& message) { take(message); });
@@ -47,7 +49,11 @@ class Check {
   }
 
  private:
-  void take(const Diagnostic& message) {
+  /// For messages without a rule.
+  static constexpr const char* kOtherCode = "other";
+
+  void take(Diagnostic message) {
+    if (!message.code) message.code = kOtherCode;
     if (message.severity == Diagnostic::kWarning) ++warnings_;
     if (message.severity == Diagnostic::kError) ++errors_;
     if (options_.json) {
@@ -63,10 +69,10 @@ class Check {
     errors_ = 0;
     bool builds = false;
     try {
-      const OpenedTweak tweak = openTweak(argument);
+      const OpenedTweak tweak = opened(argument);
       printWarnings(tweak);
       if (options_.hasClasses || !options_.image.image.empty()) checkClasses(tweak);
-      builds = transpile(tweak, transpiler_).has_value();
+      builds = transpile(tweak, transpilerFolder(options_.transpiler)).has_value();
       if (!builds && !options_.json) printError(argument + ": does not build");
     } catch (const std::exception& error) {
       reportError(error);
@@ -79,14 +85,42 @@ class Check {
     return warnings_ == 0 || !options_.isStrict;
   }
 
+  /// As openTweak(). For programs, an error that begins with the path that the user wrote becomes
+  /// one of that file.
+  OpenedTweak opened(const std::string& argument) const {
+    try {
+      return openTweak(argument);
+    } catch (const PlacedError&) {
+      throw;
+    } catch (const ReportedError&) {
+      throw;
+    } catch (const std::exception& error) {
+      const std::string text = errorText(error);
+      const std::string start = argument + ": ";
+      if (!options_.json || !isItemPath(argument) || !text.starts_with(start)) throw;
+      throw PlacedError({.severity = Diagnostic::kError,
+                         .message = text.substr(start.size()),
+                         .file = argument,
+                         .code = "unreadable-tweak"});
+    }
+  }
+
   /// Without the classes, the other checks go on.
   void checkClasses(const OpenedTweak& tweak) {
     try {
       const ClassDump& dump = classesFor(tweak.manifest.configuration.bundleID);
       for (const Diagnostic& warning : warningsFrom(classProblemsOf(tweak.manifest, dump), tweak))
         print(warning);
+    } catch (const ReportedError&) {
+      return;
     } catch (const std::exception& error) {
-      reportError(error);
+      TweakProblem problem;
+      problem.subject = TweakProblem::Subject::app;
+      problem.code = "unreadable-classes";
+      problem.text = errorText(error);
+      Diagnostic message = warningsFrom({problem}, tweak).front();
+      message.severity = Diagnostic::kError;
+      print(message);
     }
   }
 
@@ -104,7 +138,6 @@ class Check {
   }
 
   const Options& options_;
-  std::filesystem::path transpiler_;
   std::map<std::string, ClassDump> dumps_;
   std::vector<Diagnostic> messages_;  ///< those to print as JSON
   std::size_t warnings_ = 0;          ///< of the tweak, as the errors
@@ -116,7 +149,11 @@ class Check {
 void addCheckCommand(Command app) {
   Command command = app.addCommand("check", "Report problems in tweaks, and where they are");
   const auto options = std::make_shared<Options>();
-  command.texts("TWEAK", options->tweaks, "The tweaks: their identifiers, names or paths")
+  command
+      .texts(
+          "TWEAK", options->tweaks,
+          "The tweaks: their identifiers, names, or the paths of their folders, documents, texts "
+          "(tweak.toml) or archives; - for a text on the standard input")
       .notEmpty();
   command.flag("--strict", options->isStrict, "Fail if there are warnings, too");
   command.flag("--classes", options->hasClasses,

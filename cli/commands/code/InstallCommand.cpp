@@ -5,19 +5,19 @@
 #include <string>
 #include <vector>
 
+#include "cli/arguments/AppArgument.h"
 #include "cli/arguments/CollectionArgument.h"
 #include "cli/arguments/StoredItem.h"
 #include "cli/arguments/TranspilerOption.h"
 #include "cli/commands/Commands.h"
 #include "cli/items/ActiveTweak.h"
+#include "cli/items/ItemRow.h"
 #include "cli/terminal/Console.h"
 #include "cli/terminal/ShownText.h"
 #include "cli/tweaks/Transpilation.h"
 #include "cli/tweaks/TweakCheck.h"
 #include "cli/tweaks/TweakForReading.h"
-#include "tavlen/bundles/IPA.h"
 #include "tavlen/collections/TweakCollectionManifest.h"
-#include "tavlen/foundation/text/Unicode.h"
 #include "tavlen/store/InstallableItem.h"
 
 namespace tavlen::cli {
@@ -29,20 +29,6 @@ struct Options {
   std::string transpiler;
   bool copyExecutables = false;
   bool json = false;
-};
-
-/// The JSON output.
-struct Installed {
-  std::string id;
-  std::string kind;
-  std::string name;
-  std::string bundleID;
-
-  static constexpr auto codedFields() {
-    return std::tuple{
-        requiredField("identifier", &Installed::id), requiredField("kind", &Installed::kind),
-        requiredField("name", &Installed::name), requiredField("bundleID", &Installed::bundleID)};
-  }
 };
 
 using Tweaks = std::vector<TweakFile::Opened>;
@@ -77,7 +63,7 @@ bool showsSyntaxError(const Tweaks& tweaks, const std::filesystem::path& transpi
 
 int install(const Options& options) {
   const OpenedItem item = openedItem(options.item);
-  const std::shared_ptr<IPA> ipa = IPA::findWithBundleID(item.configuration().bundleID());
+  const std::shared_ptr<IPA> ipa = appWithBundleID(item.configuration().bundleID());
   const std::filesystem::path transpiler = transpilerFolder(options.transpiler);
   const InstallableItem installable(item, transpiler, options.copyExecutables);
   checkMembers(item, installable.tweaks(), options.item);
@@ -89,11 +75,7 @@ int install(const Options& options) {
     if (!showsSyntaxError(installable.tweaks(), transpiler)) throw;
     return 1;
   }
-  if (options.json) {
-    const TweakConfiguration settings = item.configuration();
-    printJSON(Installed{wellFormedUTF8(item.item()->id()), kindOf(*item.item()), settings.name(),
-                        settings.bundleID()});
-  }
+  if (options.json) printRow(item);
   return 0;
 }
 
@@ -105,7 +87,7 @@ void addInstallCommand(Command app) {
   const auto options = std::make_shared<Options>();
   command.text("ITEM", options->item, kItemHelp).required().notEmpty();
   command.flag("--executables", options->copyExecutables, "Also install its executables");
-  command.flag("--json", options->json, "Print a JSON object with the item and its app");
+  command.flag("--json", options->json, "Print the item as a JSON object");
   addTranspilerOption(command, options->transpiler);
   command.run([options] { return install(*options); });
 }

@@ -12,6 +12,7 @@
 #include "cli/terminal/CaretLine.h"
 #include "cli/terminal/Console.h"
 #include "cli/terminal/ShownText.h"
+#include "cli/tweaks/TextInput.h"
 #include "cli/tweaks/Transpilation.h"
 #include "cli/tweaks/TweakForReading.h"
 #include "tavlen/tweaks/SourceMap.h"
@@ -92,11 +93,16 @@ int locate(const Options& options) {
   const auto* hook = std::get_if<TweakSource::HookPlace>(&*origin);
   const Diagnostic found = hook != nullptr ? atHook(tweak, hook->hook)
                                            : atScript(tweak, std::get<TextPosition>(*origin));
+  std::optional<std::string> method;
+  if (hook != nullptr) method = methodText(tweak.manifest.hooks().at(hook->hook).identity());
   if (options.json) {
-    Location location{found.file.value(), found.line, found.column, found.place, {}};
-    if (hook != nullptr)
-      location.hook = methodText(tweak.manifest.hooks().at(hook->hook).identity());
-    printJSON(location);
+    printJSON(Location{found.file.value(), found.line, found.column, found.place, method});
+    return 0;
+  }
+  if (method && tweak.text) {
+    // A text has a line of its own for the hook.
+    printData(shownLine(placeText(found) + ": " + *method) + "\n" +
+              tweak.text->excerptAt({found.line.value(), found.column.value()}));
     return 0;
   }
   printData(shownLine(placeText(found)) + "\n" +

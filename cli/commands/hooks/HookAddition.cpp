@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "cli/arguments/AppArgument.h"
 #include "cli/arguments/HookArgument.h"
 #include "cli/arguments/StoredItem.h"
 #include "cli/arguments/UsageError.h"
@@ -18,7 +19,6 @@
 #include "cli/items/StoreLock.h"
 #include "cli/terminal/ShownText.h"
 #include "cli/tweaks/HookOutput.h"
-#include "tavlen/bundles/IPA.h"
 #include "tavlen/tweaks/Manifest.h"
 
 namespace tavlen::cli {
@@ -69,10 +69,12 @@ ImageArgument imagesFor(const Options& options) {
   const std::string& app = tweak.manifest.configuration.bundleID;
   try {
     // By its path: the identifier in a tweak from elsewhere must not name a file to load.
-    images.image = IPA::findWithBundleID(app)->appDir().string();
+    images.image = appWithBundleID(app)->appDir().string();
   } catch (const std::exception& error) {
-    throw std::runtime_error(options.tweak + ": the method's types are not known from its app " +
-                             app + ": " + errorText(error) + "; use --in or --signature");
+    throw std::runtime_error(options.tweak +
+                             ": without --in or --signature, the method's types come from the "
+                             "tweak's app: " +
+                             errorText(error));
   }
   return images;
 }
@@ -84,7 +86,7 @@ std::string encodingOf(const MethodIdentity& method, const Options& options) {
   const ClassDump dump = dumpClasses(images, method.className);
   if (const auto found = ownMethod(dump, method)) return found->encoding.str();
   reportFaults(dump, images);
-  throw std::runtime_error(images.image + ": " + missingMethodText(dump, method));
+  throw std::runtime_error(images.shown() + ": " + missingMethodText(dump, method));
 }
 
 Hook newHook(const Options& options, const Values& values) {

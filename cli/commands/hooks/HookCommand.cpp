@@ -125,9 +125,10 @@ void listHooks(const Options& options) {
 using SharedOptions = std::shared_ptr<Options>;
 
 /// Adds a subcommand of `hook` with the argument TWEAK.
-Command addTo(Command group, const char* name, const char* help, const SharedOptions& options) {
+Command addTo(Command group, const char* name, const char* help, const SharedOptions& options,
+              const char* tweakHelp = kTweakHelp) {
   Command command = group.addCommand(name, help);
-  command.text("TWEAK", options->tweak, kTweakHelp).required().notEmpty();
+  command.text("TWEAK", options->tweak, tweakHelp).required().notEmpty();
   return command;
 }
 
@@ -163,7 +164,7 @@ void addMove(Command group) {
 
 void addList(Command group) {
   const auto options = std::make_shared<Options>();
-  Command command = addTo(group, "list", "List the hooks", options);
+  Command command = addTo(group, "list", "List the hooks", options, kReadTweakHelp);
   command.flag("--json", options->json, "Print a JSON array");
   command.run(actionOf(options, listHooks));
 }

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "cli/arguments/AppArgument.h"
 #include "cli/arguments/ListPlace.h"
 #include "cli/arguments/OverrideValue.h"
 #include "cli/arguments/StoredItem.h"
@@ -16,7 +17,6 @@
 #include "cli/terminal/ShownText.h"
 #include "cli/terminal/TextTable.h"
 #include "cli/tweaks/TweakForReading.h"
-#include "tavlen/bundles/IPA.h"
 #include "tavlen/tweaks/Manifest.h"
 
 namespace tavlen::cli {
@@ -52,7 +52,7 @@ void editOverrides(const Options& options, Change change) {
 
 /// An override with the current value of the tweak's app.
 Override ownValue(const std::string& kind, const TweakFile::Manifest& manifest) {
-  const auto app = IPA::findWithBundleID(manifest.configuration.bundleID);
+  const auto app = appWithBundleID(manifest.configuration.bundleID);
   return overrideKind(kind).withInfo(app->infoManager().info());
 }
 
@@ -135,9 +135,9 @@ int printList(const Options& options) {
 
 /// Adds a subcommand of `override` with the argument TWEAK.
 Command addTo(Command group, const char* name, const char* help,
-              const std::shared_ptr<Options>& options) {
+              const std::shared_ptr<Options>& options, const char* tweakHelp = kTweakHelp) {
   Command command = group.addCommand(name, help);
-  command.text("TWEAK", options->tweak, kTweakHelp).required().notEmpty();
+  command.text("TWEAK", options->tweak, tweakHelp).required().notEmpty();
   return command;
 }
 
@@ -187,7 +187,7 @@ void addOverrideCommand(Command app) {
   move.text("TO", options->to, kListPlaceHelp).required();
 
   options = std::make_shared<Options>();
-  Command list = addTo(group, "list", "List the overrides", options);
+  Command list = addTo(group, "list", "List the overrides", options, kReadTweakHelp);
   list.flag("--json", options->json, "Print a JSON array in the form of the manifest");
   list.run([options] { return printList(*options); });
 }

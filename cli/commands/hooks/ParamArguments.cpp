@@ -9,21 +9,28 @@
 #include "cli/arguments/HookArgument.h"
 #include "cli/arguments/StoredItem.h"
 #include "cli/arguments/WithPlace.h"
+#include "cli/terminal/Diagnostic.h"
 #include "cli/terminal/ShownText.h"
 #include "cli/tweaks/TweakResources.h"
 #include "tavlen/device/DeviceFiles.h"
+#include "tavlen/parameters/ParameterPath.h"
+#include "tavlen/tweaks/ResourceUse.h"
 
 namespace tavlen::cli {
 
 namespace {
 
+bool hasResource(const TweakFile& tweak, const std::string& name) {
+  const DeviceRoot root = DeviceRoot::shared();
+  const auto place = pathInside(root, root.follow(tweak.resourcesDir()), name);
+  return place && std::filesystem::is_regular_file(root.status(*place));
+}
+
 /// Whether `file` is not a file but the name of a resource.
 bool isResource(const std::string& file, const TweakFile& tweak) {
   std::error_code ignored;
-  if (file.find('/') != std::string::npos || std::filesystem::exists(file, ignored)) return false;
-  const DeviceRoot root = DeviceRoot::shared();
-  const auto place = pathInside(root, root.follow(tweak.resourcesDir()), file);
-  return place && std::filesystem::is_regular_file(root.status(*place));
+  return file.find('/') == std::string::npos && !std::filesystem::exists(file, ignored) &&
+         hasResource(tweak, file);
 }
 
 }  // namespace
@@ -32,8 +39,9 @@ std::string ParamTarget::place() const {
   return tweak + ": " + hook + (address.empty() ? "" : ": " + address);
 }
 
-Option addParamTarget(Command command, ParamTarget& target, const char* addressHelp) {
-  command.text("TWEAK", target.tweak, kTweakHelp).required().notEmpty();
+Option addParamTarget(Command command, ParamTarget& target, const char* addressHelp,
+                      const char* tweakHelp) {
+  command.text("TWEAK", target.tweak, tweakHelp).required().notEmpty();
   addHookArgument(command, target.hook);
   return command.text("ADDRESS", target.address, addressHelp).notEmpty();
 }
@@ -60,6 +68,20 @@ std::vector<ResourceImport> startImports(const std::vector<TypedValue>& values,
                  return !value.file.empty() && !isResource(value.file, tweak);
                });
   return importResources(withFiles, tweak, replaces);
+}
+
+void warnOfMissingResources(const ParamTarget& target, const TweakFile& tweak,
+                            const Parameter& parameter) {
+  forEachParameter(parameter, [&](const Parameter& each, const ParameterPath& /*path*/) {
+    const std::string* const name = resourceNameIn(each);
+    if (name == nullptr || hasResource(tweak, *name)) return;
+    print({.severity = Diagnostic::kWarning,
+           .message =
+               "the resource \"" + *name + "\" is missing, so param set would refuse the value",
+           .file = target.tweak,
+           .place = target.hook + (target.address.empty() ? "" : ": " + target.address),
+           .code = "missing-resource"});
+  });
 }
 
 Hook editHook(const ParamTarget& target,

@@ -7,6 +7,7 @@
 
 #include "cli/arguments/CommandLine.h"
 #include "cli/arguments/ParameterAddress.h"
+#include "cli/arguments/StoredItem.h"
 #include "cli/arguments/TypedValue.h"
 #include "cli/tweaks/ResourceImport.h"
 #include "tavlen/editing/HookManager.h"
@@ -47,7 +48,8 @@ struct ParamRow {
 };
 
 /// Adds TWEAK, HOOK and ADDRESS, and returns ADDRESS, which is optional.
-Option addParamTarget(Command command, ParamTarget& target, const char* addressHelp = kAddressHelp);
+Option addParamTarget(Command command, ParamTarget& target, const char* addressHelp = kAddressHelp,
+                      const char* tweakHelp = kTweakHelp);
 
 /// Adds TWEAK, HOOK and a required ADDRESS, and `--json`, for a subcommand that edits.
 void addEditedParam(Command command, ParamTarget& target, const char* addressHelp = kAddressHelp);
@@ -62,6 +64,11 @@ void addReplaceFlag(Command command, bool& replaces);
 /// there is a resource but no file in the current folder names the resource.
 std::vector<ResourceImport> startImports(const std::vector<TypedValue>& values,
                                          const TweakFile& tweak, bool replaces);
+
+/// Warns of each file in `parameter`, of the tweak of `target`, that is not in its resources:
+/// its printed form cannot be read back.
+void warnOfMissingResources(const ParamTarget& target, const TweakFile& tweak,
+                            const Parameter& parameter);
 
 /// Lets `edit` change the hook of `target`, stores it and prints what `edit` returns if JSON was
 /// asked for; for subcommands of prepareEdit(). Throws what openedTweak() throws, and

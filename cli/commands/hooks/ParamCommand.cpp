@@ -76,7 +76,14 @@ Action getAction(const ParamTarget& target) {
     const OpenedTweak tweak = tweakForReading(target.tweak);
     printData(withPlace(target.place(), [&] {
       const Hook hook = hookArgument(tweak.opened(), target.hook).hook();
-      return address ? shown(parameterAt(hook, *address), target.json) : shown(hook, target.json);
+      if (address) {
+        const Parameter& parameter = parameterAt(hook, *address);
+        warnOfMissingResources(target, *tweak.file, parameter);
+        return shown(parameter, target.json);
+      }
+      for (const auto& entry : hook._args)
+        warnOfMissingResources(target, *tweak.file, entry.second.value);
+      return shown(hook, target.json);
     }));
     return 0;
   };
@@ -85,7 +92,7 @@ Action getAction(const ParamTarget& target) {
 void addGet(Command group) {
   Command command = group.addCommand("get", "Print a parameter, or all parameters of the hook");
   const auto target = std::make_shared<ParamTarget>();
-  addParamTarget(command, *target);
+  addParamTarget(command, *target, kAddressHelp, kReadTweakHelp);
   command.flag("--json", target->json, "Print JSON in the form of the manifest");
   command.prepare([target] { return getAction(*target); });
 }

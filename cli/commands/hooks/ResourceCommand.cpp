@@ -124,9 +124,10 @@ int prune(const Options& options) {
   return 0;
 }
 
-Command addSubcommand(Command group, const char* name, const char* description, Options& options) {
+Command addSubcommand(Command group, const char* name, const char* description, Options& options,
+                      const char* tweakHelp = kTweakHelp) {
   Command command = group.addCommand(name, description);
-  command.text("TWEAK", options.tweak, kTweakHelp).required().notEmpty();
+  command.text("TWEAK", options.tweak, tweakHelp).required().notEmpty();
   return command;
 }
 
@@ -142,8 +143,8 @@ void addResourceCommand(Command app) {
   group.requireCommand();
   const auto options = std::make_shared<Options>();
 
-  Command listing =
-      addSubcommand(group, "list", "List the resources, and what uses them", *options);
+  Command listing = addSubcommand(group, "list", "List the resources, and what uses them", *options,
+                                  kReadTweakHelp);
   listing.flag("--json", options->json,
                "Print a JSON array with name, size, uses and the place of the first use");
   listing.run([options] { return list(*options); });

@@ -4,6 +4,7 @@
 #include <exception>
 #include <filesystem>
 #include <iterator>
+#include <map>
 #include <memory>
 #include <optional>
 #include <stdexcept>
@@ -20,6 +21,7 @@
 #include "cli/terminal/Console.h"
 #include "cli/terminal/ShownText.h"
 #include "cli/terminal/TextTable.h"
+#include "cli/tweaks/TweakForReading.h"
 #include "tavlen/collections/TweakCollection.h"
 #include "tavlen/collections/TweakCollectionManifest.h"
 #include "tavlen/items/TweakError.h"
@@ -33,6 +35,8 @@ namespace {
 
 constexpr const char* kMemberHelp =
     "The tweak: its identifier (even if it no longer exists), its name, or its path";
+constexpr const char* kReadCollectionHelp =
+    "The collection: its identifier, its name, or the path of its file or archive";
 constexpr const char* kCollectionJSONHelp = "Print the collection as a JSON object";
 
 struct MemberOptions {
@@ -139,21 +143,16 @@ int edit(const std::string& name, bool json, const Change& change) {
   return 0;
 }
 
-/// The row of the member `id`. A collection counts as missing: the library leaves it out as well.
-Row rowOf(const std::string& id) {
-  try {
-    const OpenedItem opened = TweakManager::openWithID(id);
-    if (opened.tweak() != nullptr) return {opened.configuration().name(), id, false};
-  } catch (const std::exception&) {
-    // Reported as missing, as below.
-  }
-  return {std::nullopt, id, true};
-}
-
 int list(const ListOptions& options) {
-  const Manifest manifest = openedCollection(options.collection).manifest;
+  const ItemForReading read = collectionForReading(options.collection);
+  std::map<std::string, std::string> names;
+  for (const TweakFile::Opened& member : read.members())
+    names.emplace(member.file->id(), member.manifest.configuration.name);
   std::vector<Row> rows;
-  std::transform(manifest._tweaks.begin(), manifest._tweaks.end(), std::back_inserter(rows), rowOf);
+  for (const std::string& id : read.item.collection()->manifest._tweaks) {
+    const auto name = names.find(id);
+    rows.push_back(name == names.end() ? Row{std::nullopt, id, true} : Row{name->second, id});
+  }
   if (options.json) {
     printData(shownJSON(rows) + "\n");
     return 0;
@@ -196,7 +195,7 @@ void addMove(Command collection) {
 void addList(Command collection) {
   Command command = collection.addCommand("list", "List a collection's members in their order");
   const auto options = std::make_shared<ListOptions>();
-  command.text("COLLECTION", options->collection, kCollectionHelp).required().notEmpty();
+  command.text("COLLECTION", options->collection, kReadCollectionHelp).required().notEmpty();
   command.flag("--json", options->json, "Print a JSON array");
   command.run([options] { return list(*options); });
 }

@@ -4,7 +4,6 @@
 #include <set>
 #include <stdexcept>
 #include <string>
-#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -16,7 +15,6 @@
 #include "cli/terminal/Question.h"
 #include "cli/terminal/ShownText.h"
 #include "tavlen/bundles/IPA.h"
-#include "tavlen/foundation/text/Unicode.h"
 #include "tavlen/items/TweaksDirectory.h"
 
 namespace tavlen::cli {
@@ -29,25 +27,11 @@ struct Options {
   bool json = false;
 };
 
-/// A row of the output, which describes one deleted item.
-struct Row {
-  std::optional<std::string> name;  ///< nothing for a broken item
-  std::string kind;
-  std::string id;
-  std::optional<std::string> app;  ///< the app that it was uninstalled from
-
-  static constexpr auto codedFields() {
-    return std::tuple{optionalField("name", &Row::name), requiredField("kind", &Row::kind),
-                      requiredField("identifier", &Row::id),
-                      optionalField("uninstalledFrom", &Row::app)};
-  }
-};
-
 /// An item to delete.
 struct Deletion {
   std::string argument;  ///< as the user named it
   std::shared_ptr<TweakProtocol> item;
-  Row row;
+  ItemRow row;  ///< the item as it is before
 };
 
 /// The item that `name` names, even a broken one.
@@ -55,20 +39,16 @@ Deletion deletionOf(const std::string& name) {
   try {
     const OpenedItem opened = openedItem(name);
     const TweakConfiguration configuration = opened.configuration();
-    const std::shared_ptr<TweakProtocol> item = opened.item();
-    const std::string& bundleID = configuration.bundleID();
-    const bool isInstalled = isActiveTweak(bundleID, item->id());
-    return {name,
-            item,
-            {configuration.name(), kindOf(*item), wellFormedUTF8(item->id()),
-             isInstalled ? std::optional(bundleID) : std::nullopt}};
+    ItemRow row = rowOf(*opened.item(), configuration);
+    if (row.isInstalled) row.uninstalledFrom = configuration.bundleID();
+    return {name, opened.item(), std::move(row)};
   } catch (const std::exception&) {
     const std::optional<BrokenItem> broken = brokenItem(name);
     if (!broken) throw;
-    const TweakProtocol& item = *broken->item;
-    return {name,
-            broken->item,
-            {{}, kindOf(item), wellFormedUTF8(item.id()), appWithActiveTweak(item.id())}};
+    const std::optional<std::string> app = appWithActiveTweak(broken->item->id());
+    ItemRow row = rowOf(*broken, app.has_value());
+    row.uninstalledFrom = app;
+    return {name, broken->item, std::move(row)};
   }
 }
 
@@ -87,8 +67,8 @@ std::vector<Deletion> deletionsOf(const std::vector<std::string>& names) {
 }
 
 /// "tweak Morning (6F9619FF-8B86-D011-B42D-00C04FC964FF)".
-std::string textOf(const Row& row) {
-  const std::string id = escapedForTerminal(row.id);
+std::string textOf(const ItemRow& row) {
+  const std::string id = escapedForTerminal(row.id.value_or(""));
   return row.kind + " " + (row.name ? escapedForTerminal(*row.name) + " (" + id + ")" : id);
 }
 
@@ -111,10 +91,11 @@ bool isUninstalled(const std::string& name, const std::string& id, const std::st
   return false;
 }
 
-Row deleteItem(const Deletion& deletion) {
+ItemRow deleteItem(const Deletion& deletion) {
   TweakProtocol& item = *deletion.item;
-  Row row = deletion.row;
-  if (row.app && !isUninstalled(deletion.argument, item.id(), *row.app)) row.app = std::nullopt;
+  ItemRow row = deletion.row;
+  std::optional<std::string>& app = row.uninstalledFrom;
+  if (app && !isUninstalled(deletion.argument, item.id(), *app)) app = std::nullopt;
   // Not before: uninstalling runs the file-operations helper.
   const StoreLock lock(deletion.argument);
   item.remove();
@@ -122,8 +103,9 @@ Row deleteItem(const Deletion& deletion) {
   return row;
 }
 
-void printDeleted(const Row& row) {
-  printData("deleted " + textOf(row) + (row.app ? ", uninstalled from " + *row.app : "") + "\n");
+void printDeleted(const ItemRow& row) {
+  printData("deleted " + textOf(row) +
+            (row.uninstalledFrom ? ", uninstalled from " + *row.uninstalledFrom : "") + "\n");
 }
 
 int deleteItems(const Options& options) {
@@ -132,7 +114,7 @@ int deleteItems(const Options& options) {
     printNote("nothing is deleted");
     return 1;
   }
-  std::vector<Row> rows;
+  std::vector<ItemRow> rows;
   for (const Deletion& deletion : deletions) {
     try {
       rows.push_back(deleteItem(deletion));

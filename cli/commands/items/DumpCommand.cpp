@@ -1,10 +1,7 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
-#include <set>
-#include <stdexcept>
 #include <string>
-#include <system_error>
 #include <tuple>
 #include <utility>
 
@@ -12,12 +9,10 @@
 #include "cli/commands/Commands.h"
 #include "cli/terminal/Console.h"
 #include "cli/terminal/ShownText.h"
-#include "cli/tweaks/AttachedFiles.h"
+#include "cli/tweaks/TextFolder.h"
 #include "cli/tweaks/TweakContents.h"
 #include "cli/tweaks/TweakForReading.h"
 #include "tavlen/foundation/files/FileReplacement.h"
-#include "tavlen/foundation/files/FileSystem.h"
-#include "tavlen/tweaktext/TweakTextReader.h"
 
 namespace tavlen::cli {
 
@@ -55,22 +50,6 @@ Dump dumpOf(const std::string& name) {
   return {std::move(contents), std::move(text)};
 }
 
-/// Whether the file can be read as the text of a tweak, so that a dump may replace it.
-bool isTweakText(const fs::path& file) {
-  try {
-    readTweakText(readFile(file));
-    return true;
-  } catch (const TOMLError&) {
-    return false;
-  }
-}
-
-void requireReplaceable(const fs::path& file) {
-  if (isTaken(file) && !isTweakText(file)) {
-    throw std::runtime_error(file.string() + ": already exists and is not the text of a tweak");
-  }
-}
-
 /// A single text lacks the other files, which it may name.
 void warnOfFiles(const TweakContents& contents) {
   std::string missing;
@@ -84,30 +63,6 @@ void warnOfFiles(const TweakContents& contents) {
   printWarning("the text does not contain " + missing + "; -o DIR writes a folder with everything");
 }
 
-void writeFolder(const Dump& dump, const fs::path& folder) {
-  const fs::path text = folder / kTextFile;
-  if (fs::is_directory(folder) && !fs::is_empty(folder)) {
-    if (!isTaken(text)) {
-      throw std::runtime_error(folder.string() + ": is not empty and has no " + kTextFile);
-    }
-    requireReplaceable(text);
-  }
-  std::error_code error;
-  fs::create_directories(folder, error);
-  if (error) throw std::system_error(error, folder.string());
-  const auto& [icon, script, files] =
-      std::tie(dump.contents.icon, dump.contents.script, dump.contents.files);
-  for (const auto& [name, from] : files) copyAttachedFile(from, folder, name);
-  for (const std::string& name : attachedFiles(folder)) {
-    if (files.contains(name)) continue;
-    printWarning((folder / name).string() + ": is not a file of the tweak; apply would add it");
-  }
-  if (icon) replaceFile(folder / TweakFile::iconFile, icon->pngData());
-  if (script) replaceFile(folder / TweakFile::scriptFile, *script);
-  // The text last: with it, the folder is complete.
-  replaceFile(text, dump.text);
-}
-
 int dump(const Options& options) {
   const Dump dump = dumpOf(options.tweak);
   const fs::path output = options.output;
@@ -117,7 +72,7 @@ int dump(const Options& options) {
     requireReplaceable(output);
     replaceFile(output, dump.text);
   } else if (!isStream) {
-    writeFolder(dump, output);
+    writeTextFolder(dump.contents, dump.text, output);
   } else if (!options.json) {
     printData(dump.text);
   }

@@ -22,6 +22,8 @@
 #include "cli/tweaks/Transpilation.h"
 #include "cli/tweaks/TweakCheck.h"
 #include "cli/tweaks/TweakContents.h"
+#include "tavlen/device/DeviceFiles.h"
+#include "tavlen/items/StoredDocument.h"
 
 namespace tavlen::cli {
 
@@ -38,6 +40,7 @@ class Session {
  public:
   explicit Session(const std::string& tweak)
       : path_(fs::absolute(storedTweak(tweak)->url()).string()),
+        document_(documentBytes()),
         before_(contentsOf(openedTweak(path_))),
         dumped_(textOf(before_)),
         edited_(kTextFile, dumped_) {}
@@ -45,6 +48,7 @@ class Session {
   /// Returns the text that the user made of the tweak's, or nothing for none or the same.
   std::optional<TextInput> ask() {
     std::string last = dumped_;
+    std::vector<std::string> lastErrors;
     for (;;) {
       edited_.edit();
       const std::string text = ownText();
@@ -59,7 +63,15 @@ class Session {
       auto input = readTextInput({text, kTextFile, path_, false}, report);
       if (input) check(*input, report);
       if (errors.empty()) return input;
-      for (const Diagnostic& error : errors) print(error);
+      std::vector<std::string> lines;
+      for (const Diagnostic& error : errors) {
+        print(error);
+        lines.push_back(placeText(error) + error.message);
+      }
+      // A program that does not see the errors would add to its text for ever.
+      if (lines == lastErrors && !EditedText::hasTerminal())
+        throw std::runtime_error("the text still has errors");
+      lastErrors = std::move(lines);
       edited_.setText(withComments(text, errors));
       last = text;
     }
@@ -103,7 +115,7 @@ class Session {
     try {
       requireNameFor(tweak, input.text.manifest.configuration.name);
     } catch (const std::runtime_error& error) {
-      TextMessages(input.file, report).error(input.text.name, errorText(error));
+      TextMessages(input.file, report).error(input.text.name, "taken-name", errorText(error));
     }
     const auto error = conversionErrorOf(input);
     if (!error) return;
@@ -115,15 +127,20 @@ class Session {
   TweakFile::Opened checkedTweak(const TweakContents& after) const {
     TweakFile::Opened tweak = openedTweak(path_);
     const TweakContents now = contentsOf(tweak);
-    if (now.manifest != before_.manifest || now.icon != before_.icon ||
-        now.script != before_.script) {
+    // The bytes, because unequal documents may hold equal manifests: those of 0.0 and -0.0.
+    if (documentBytes() != document_ || now.icon != before_.icon || now.script != before_.script) {
       throw std::runtime_error("the tweak changed on disk while you were editing it");
     }
     requireNameFor(tweak, after.manifest.configuration.name);
     return tweak;
   }
 
+  std::string documentBytes() const {
+    return readDocument(openedFile(DeviceRoot::shared(), fs::path(path_) / kDocumentFile));
+  }
+
   std::string path_;
+  std::string document_;  ///< read before the manifest, so that no change between is missed
   TweakContents before_;
   std::string dumped_;
   EditedText edited_;

@@ -12,6 +12,7 @@
 #include "cli/arguments/StoredItem.h"
 #include "cli/arguments/UsageError.h"
 #include "cli/commands/Commands.h"
+#include "cli/items/ItemRow.h"
 #include "cli/terminal/Console.h"
 #include "cli/terminal/ProgressLine.h"
 #include "cli/terminal/ShownText.h"
@@ -41,19 +42,6 @@ struct Options {
   bool force = false;
   bool skipsMissing = false;
   bool json = false;
-};
-
-/// The JSON output.
-struct Exported {
-  std::string path;
-  std::string kind;
-  std::string name;
-
-  static constexpr auto codedFields() {
-    return std::tuple{requiredField("path", &Exported::path),
-                      requiredField("kind", &Exported::kind),
-                      requiredField("name", &Exported::name)};
-  }
 };
 
 constexpr const char* kStandardOutput = "-";
@@ -90,10 +78,10 @@ std::string joined(const std::vector<std::string>& texts) {
 
 /// The members to export; none for a tweak. Throws if some cannot be opened, unless the user wants
 /// to leave them out: an archive that names them could not be imported.
-std::vector<TweakFile::Opened> membersOf(const OpenedItem& item, const Options& options) {
-  if (item.collection() == nullptr) return {};
-  const TweakCollection::Manifest& manifest = item.collection()->manifest;
-  std::vector<TweakFile::Opened> members = manifest.openedTweaks();
+std::vector<TweakFile::Opened> membersOf(const ItemForReading& read, const Options& options) {
+  if (read.item.collection() == nullptr) return {};
+  const TweakCollection::Manifest& manifest = read.item.collection()->manifest;
+  std::vector<TweakFile::Opened> members = read.members();
   const std::vector<std::string> missing = missingMembers(manifest, members);
   if (!missing.empty() && !options.skipsMissing) {
     throw std::runtime_error(options.item + ": cannot open " +
@@ -117,13 +105,9 @@ void warnOf(const ItemForReading& read, const std::vector<TweakFile::Opened>& me
     printWarnings(member, member.file->url().string());
 }
 
-[[noreturn]] void refuse(const fs::path& file) {
-  throw std::runtime_error(file.string() + ": already exists; use --force to replace it");
-}
-
 void move(const fs::path& archive, const fs::path& file, bool force) {
+  requireFreeOutput(file.string(), force);
   if (!isTaken(file)) return moveItem(archive, file);
-  if (!force) refuse(file);
   if (fs::is_directory(file)) {
     throw std::system_error(EISDIR, std::generic_category(), file.string());
   }
@@ -163,8 +147,8 @@ int exportItem(const Options& options) {
   const bool isStream = options.output == kStandardOutput;
   const bool isFolder = !isStream && (!output.has_filename() || fs::is_directory(output));
   // Check now, rather than after exporting.
-  if (!isStream && !isFolder && !options.force && isTaken(output)) refuse(output);
-  const std::vector<TweakFile::Opened> members = membersOf(item, options);
+  if (!isFolder) requireFreeOutput(options.output, options.force);
+  const std::vector<TweakFile::Opened> members = membersOf(read, options);
   warnOf(read, members);
   const WorkFolder folder;
   const fs::path archive = [&] {
@@ -177,7 +161,9 @@ int exportItem(const Options& options) {
   }
   const std::string file = deliver(archive, options, isFolder).string();
   if (options.json) {
-    printJSON(Exported{wellFormedUTF8(file), kindOf(*item.item()), item.configuration().name()});
+    ItemRow row = rowOf(read);
+    row.archive = wellFormedUTF8(file);
+    printJSON(row);
   } else {
     printData(escapedForTerminal(file) + "\n");
   }
@@ -190,17 +176,18 @@ void addExportCommand(Command app) {
   Command command =
       app.addCommand("export", "Write a tweak or a collection to an archive and print its path");
   const auto options = std::make_shared<Options>();
-  command.text("ITEM", options->item, kItemHelp).required().notEmpty();
+  command.text("ITEM", options->item, kReadItemHelp).required().notEmpty();
   command
       .text("-o,--output", options->output,
             "The archive, or an existing folder, in which it is named after the item; - for the "
             "standard output; the default is the current folder")
       .typeName("FILE|DIR")
       .notEmpty();
-  command.flag("-f,--force", options->force, "Replace an existing file");
+  command.flag("-f,--force", options->force, kForceHelp);
   command.flag("--skip-missing", options->skipsMissing,
                "Export a copy of the collection without the members that cannot be opened");
-  command.flag("--json", options->json, "Print a JSON object with the archive's path");
+  command.flag("--json", options->json,
+               "Print the item as a JSON object with the path of the archive");
   command.prepare([options] {
     if (options->json && options->output == kStandardOutput)
       throw UsageError("-o -: the archive itself is printed, not --json");

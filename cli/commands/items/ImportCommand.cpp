@@ -75,7 +75,7 @@ std::shared_ptr<TweakProtocol> importedItem(const std::string& file) {
 
 /// Imports one archive and prints its item, or the error. Returns the item; null after an error.
 std::shared_ptr<TweakProtocol> import(const std::string& file) {
-  const std::string shown = file == "-" ? "standard input" : file;
+  const std::string shown = shownInput(file);
   try {
     return importedItem(file);
   } catch (const DecodingError& error) {

@@ -54,7 +54,7 @@ std::vector<ItemRow> readRows(std::size_t& stored) {
   addIntactRows(rows, std::move(intact), records);
   addBrokenRows(rows, std::move(broken), elsewhere);
   stored = rows.size();
-  for (const ItemRow& row : rows) elsewhere.erase(row.id);
+  for (const ItemRow& row : rows) elsewhere.erase(row.id.value_or(""));
   for (const auto& [bundleID, id] : records) {
     if (elsewhere.contains(id)) rows.push_back(rowOfRecord(id, bundleID));
   }
@@ -81,7 +81,7 @@ std::string table(const std::vector<ItemRow>& rows) {
                   TextTable::LastColumn::whole);
   for (const ItemRow& row : rows) {
     table.addRow({row.name.value_or("-"), row.kind, row.bundleID.value_or("-"),
-                  row.isInstalled ? "yes" : "", row.id,
+                  row.isInstalled ? "yes" : "", row.id.value_or(""),
                   row.isStored ? row.error.value_or("") : "not stored"});
   }
   return table.text();

@@ -24,12 +24,13 @@ struct Options {
   std::string tweak;
   std::string file;
   std::string output = "-";
+  bool force = false;
   bool json = false;
 };
 
 int show(const Options& options) {
   const std::string script = scriptOf(*tweakForReading(options.tweak).file);
-  writeOutput(options.output, options.json ? shownJSON(script) + "\n" : script);
+  writeOutput(options.output, options.force, options.json ? shownJSON(script) + "\n" : script);
   return 0;
 }
 
@@ -46,7 +47,7 @@ void requireUTF8(const std::string& text, const std::string& file) {
 int set(const Options& options) {
   const std::shared_ptr<TweakFile> tweak = storedTweak(options.tweak);
   const std::string text = readInput(options.file);
-  requireUTF8(text, options.file == "-" ? "standard input" : options.file);
+  requireUTF8(text, shownInput(options.file));
   const StoreLock lock(options.tweak);
   tweak->writeScript(text);
   return done(options);
@@ -97,18 +98,20 @@ void addScriptCommand(Command app) {
   Command group = app.addCommand("script", "Show, replace, edit or remove the script of a tweak");
   group.requireCommand();
   const auto options = std::make_shared<Options>();
-  const auto add = [&](const char* name, const char* help, const char* jsonHelp) {
+  const auto add = [&](const char* name, const char* help, const char* jsonHelp,
+                       const char* tweakHelp = kTweakHelp) {
     Command command = group.addCommand(name, help);
-    command.text("TWEAK", options->tweak, kTweakHelp).required().notEmpty();
+    command.text("TWEAK", options->tweak, tweakHelp).required().notEmpty();
     command.flag("--json", options->json, jsonHelp);
     return command;
   };
-  Command showing = add("show", "Print the script", "Print a JSON string");
+  Command showing = add("show", "Print the script", "Print a JSON string", kReadTweakHelp);
   showing
       .text("-o,--output", options->output,
             "The file to write; - for the standard output, the default")
       .notEmpty()
       .typeName("FILE");
+  showing.flag("-f,--force", options->force, kForceHelp);
   showing.run([options] { return show(*options); });
   constexpr const char* kRowHelp = "Print the tweak as a JSON object";
   Command setting = add("set", "Store another script", kRowHelp);

@@ -15,7 +15,6 @@
 #include "cli/terminal/ShownText.h"
 #include "cli/tweaks/TweakForReading.h"
 #include "tavlen/collections/TweakCollectionManifest.h"
-#include "tavlen/foundation/text/Unicode.h"
 #include "tavlen/tweaks/Manifest.h"
 
 namespace tavlen {
@@ -57,10 +56,10 @@ void addContents(FieldList& fields, const TweakFile::Opened& tweak) {
   addFiles(fields, *tweak.file);
 }
 
-void addContents(FieldList& fields, const TweakCollection::Opened& collection) {
-  const std::vector<TweakFile::Opened> opened = collection.manifest.openedTweaks();
+void addMembers(FieldList& fields, const TweakCollection::Manifest& manifest,
+                const std::vector<TweakFile::Opened>& opened) {
   std::vector<std::string> members;
-  for (const std::string& id : collection.manifest._tweaks) {
+  for (const std::string& id : manifest._tweaks) {
     const auto member = std::find_if(opened.begin(), opened.end(),
                                      [&](const auto& tweak) { return tweak.file->id() == id; });
     members.push_back(
@@ -70,11 +69,11 @@ void addContents(FieldList& fields, const TweakCollection::Opened& collection) {
   fields.addAll("Tweaks", members);
 }
 
-void addHead(FieldList& fields, const TweakProtocol& item,
+void addHead(FieldList& fields, const std::string& kind, const std::optional<std::string>& id,
              const std::optional<TweakConfiguration>& configuration, bool isInstalled) {
   if (configuration) fields.add("Name", configuration->name());
-  fields.add("Kind", kindOf(item));
-  fields.add("Identifier", item.id());
+  fields.add("Kind", kind);
+  if (id) fields.add("Identifier", *id);
   if (configuration) {
     const TweakGlyph& glyph = configuration->glyph();
     fields.add("App", configuration->bundleID());
@@ -92,7 +91,7 @@ void showBroken(const BrokenItem& broken, bool json) {
     return printData(shownJSON(rowOf(broken, isInstalled)) + "\n");
   }
   FieldList fields(kTitleWidth);
-  addHead(fields, item, broken.configuration, isInstalled);
+  addHead(fields, kindOf(item), item.id(), broken.configuration, isInstalled);
   if (const auto* tweak = dynamic_cast<const TweakFile*>(&item)) addFiles(fields, *tweak);
   fields.add("Error", broken.error);
   printData(fields.text());
@@ -108,23 +107,24 @@ ItemForReading openedOrShown(const std::string& name, bool json) {
 }
 
 int show(const std::string& name, bool json) {
-  const auto [opened, path, folder, source] = openedOrShown(name, json);
-  const std::shared_ptr<TweakProtocol> item = opened.item();
-  const TweakConfiguration configuration = opened.configuration();
-  const bool isInstalled = isActiveTweak(configuration.bundleID(), item->id());
+  const ItemForReading read = openedOrShown(name, json);
+  const OpenedItem& item = read.item;
+  const ItemRow row = rowOf(read);
   if (!json) {
     FieldList fields(kTitleWidth);
-    addHead(fields, *item, configuration, isInstalled);
-    std::visit([&](const auto& each) { addContents(fields, each); }, opened);
+    addHead(fields, row.kind, row.id, item.configuration(), row.isInstalled);
+    if (const auto* collection = item.collection()) {
+      addMembers(fields, collection->manifest, read.members());
+    } else {
+      addContents(fields, *item.tweak());
+    }
     printData(fields.text());
     return 0;
   }
-  ItemRow row = rowOf(*item, configuration, isInstalled);
-  row.path = wellFormedUTF8(path);
   std::string text = shownJSON(row);
   // Encode the document separately: it may already have the maximum nesting depth.
   text.back() = ',';
-  printData(text + "\"manifest\":" + shownJSON(opened.manifest()) + "}\n");
+  printData(text + "\"manifest\":" + shownJSON(item.manifest()) + "}\n");
   return 0;
 }
 
@@ -134,7 +134,7 @@ void addShowCommand(Command app) {
   Command command = app.addCommand("show", "Print the contents of a tweak or a collection");
   const auto name = std::make_shared<std::string>();
   const auto json = std::make_shared<bool>(false);
-  command.text("ITEM", *name, kItemHelp).required().notEmpty();
+  command.text("ITEM", *name, kReadItemHelp).required().notEmpty();
   command.flag("--json", *json, "Print a JSON object");
   command.run([name, json] { return show(*name, *json); });
 }

@@ -31,8 +31,7 @@ int set(const Options& options) {
   (void)storedTweak(options.tweak);  // a wrong name is reported before the input is awaited
   const std::optional<Image> icon = Image::decode(readInput(options.file));
   if (!icon) {
-    throw std::runtime_error((options.file == "-" ? "standard input" : options.file) +
-                             ": is not a PNG or JPEG image of at most " +
+    throw std::runtime_error(shownInput(options.file) + ": is not a PNG or JPEG image of at most " +
                              std::to_string(Image::kLongestSide) + " pixels a side and " +
                              std::to_string(Image::kMostPixels) + " in all");
   }

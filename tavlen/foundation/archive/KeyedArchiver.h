@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/base/FunctionRef.h"
 #include "tavlen/foundation/base/HashIndex.h"
 #include "tavlen/foundation/plist/PropertyList.h"
@@ -22,7 +23,7 @@ namespace tavlen {
 /// class. Equal texts are one object. Every function returns the value to store under a key,
 /// usually a UID. Throws EncodingError for a text that is not valid UTF-8 and for objects nested
 /// more than `kDeepest` deep. Keys and class names must be constants: the views are kept.
-class KeyedArchiver {
+class TAVLEN_API KeyedArchiver {
  public:
   /// An index in the property list.
   using Index = PropertyList::Index;

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
+#include <limits>
 #include <map>
 #include <memory>
 #include <optional>
@@ -10,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/base/FunctionRef.h"
 #include "tavlen/foundation/base/Limits.h"
 #include "tavlen/foundation/files/URL.h"
@@ -30,7 +33,7 @@ namespace tavlen {
 ///
 /// The work is limited for any archive, and so is the size of what is read, written as a tree: by
 /// `kDeepest` nested objects (which ends a cycle) and by SharedReferenceBudget.
-class KeyedUnarchiver {
+class TAVLEN_API KeyedUnarchiver {
  public:
   /// An index in the property list.
   using Index = PropertyList::Index;
@@ -99,10 +102,40 @@ class KeyedUnarchiver {
     std::size_t expansion = 0;  ///< what it takes, written out
   };
 
+  /// No value, place or object.
+  static constexpr Index kAbsent = std::numeric_limits<Index>::max();
+
+  /// Where dictionaries with one list of keys have the fields of a table. The objects of a class
+  /// usually have the same keys, so comparing the indices of these replaces comparing texts.
+  struct Shape {
+    std::string_view className;             ///< the constant that names the class
+    const Field* fields = nullptr;          ///< the table
+    std::vector<Index> keys;                ///< of the dictionaries, when the shape is kept
+    Index classPlace = kAbsent;             ///< of "$class" among them
+    Index classObject = kAbsent;            ///< the one that was last found to be of the class
+    std::array<Index, kMostFields> places;  ///< of the fields among the keys
+  };
+
+  void resolveReferences();
   void countReferences();
 
-  /// The object's dictionary. Throws unless it is of the class or of a subclass.
-  PropertyList::Dictionary checked(Index object, std::string_view className);
+  /// The object's dictionary, of any class.
+  PropertyList::Dictionary dictionary(Index object, std::string_view className);
+  /// The class object to which `reference` refers. Throws unless it is the class or a subclass.
+  Index checkedClass(std::optional<Index> reference, std::string_view className);
+  /// Throws unless the object is of the class or of a subclass.
+  void check(Index object, std::string_view className);
+  /// The same, and writes to `values` the value of each field, or kAbsent.
+  void readMembers(Index object, std::string_view className, std::span<const Field> fields,
+                   Index* values);
+  Shape shape(std::span<const PropertyList::Member> members, std::string_view className,
+              std::span<const Field> fields) const;
+  /// The kept shape of `members`, or `made`, which it makes.
+  Shape& shapeOf(std::span<const PropertyList::Member> members, std::string_view className,
+                 std::span<const Field> fields, Shape& made);
+  /// Begins to load the object to which `value` refers.
+  void prefetch(Index value) const;
+  void prefetchElement(std::span<const Index> elements) const;
   std::string_view textOf(Index object);
   std::string_view inlineText(Index object);
   bool isKind(Index classObject, std::string_view className);
@@ -114,8 +147,12 @@ class KeyedUnarchiver {
   std::size_t depth_ = 0;
   /// Pairs of class objects and names that isKind() has found to match.
   std::vector<std::pair<Index, std::string_view>> kinds_;
+  /// The object to which each value of the list refers, or kNil or kNoObject. Looking up the
+  /// reference, the object and whether it is "$null" would wait for memory three times.
+  std::vector<Index> targets_;
   /// The number of references to an object, by its index; counts up to two.
   std::vector<std::uint8_t> references_;
+  std::vector<Shape> shapes_;
   /// By object and type.
   std::map<std::pair<Index, const void*>, SharedResult> sharedResults_;
   SharedText texts_;  ///< a copy of PropertyList::allBytes(), once it is needed

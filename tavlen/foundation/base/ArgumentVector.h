@@ -3,11 +3,13 @@
 #include <string>
 #include <vector>
 
+#include "tavlen/foundation/base/API.h"
+
 /// What posix_spawn() is called with. Threads: any, as long as none changes the environment.
 namespace tavlen {
 
 /// A copy of a program's arguments in the form of the system call.
-class ArgumentVector {
+class TAVLEN_API ArgumentVector {
  public:
   /// `arguments` is the whole vector, beginning with the program's name.
   explicit ArgumentVector(const std::vector<std::string>& arguments);
@@ -23,6 +25,6 @@ class ArgumentVector {
 };
 
 /// The variables of this process, and a null pointer after them.
-char** environmentOfProcess();
+TAVLEN_API char** environmentOfProcess();
 
 }  // namespace tavlen

@@ -5,11 +5,13 @@
 #include <limits>
 #include <vector>
 
+#include "tavlen/foundation/base/API.h"
+
 namespace tavlen {
 
 /// An open-addressing hash table of indices into storage that the caller owns. It allocates rarely
 /// and compares objects only when their hashes are equal. Threads: one object one thread at a time.
-class HashIndex {
+class TAVLEN_API HashIndex {
  public:
   /// A position in the caller's storage.
   using Index = std::uint32_t;

@@ -2,9 +2,11 @@
 
 #include <string>
 
+#include "tavlen/foundation/base/API.h"
+
 namespace tavlen {
 
 /// The text of a new random UUID: 36 characters, hexadecimal digits in upper case. Threads: any.
-std::string newUUIDText();
+TAVLEN_API std::string newUUIDText();
 
 }  // namespace tavlen

@@ -13,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/base/BoxedOptional.h"
 #include "tavlen/foundation/coding/CodingError.h"
 #include "tavlen/foundation/coding/Decoder.h"
@@ -62,7 +63,7 @@ concept CodedRecord = requires {
 
 /// Parses the key of a table of numbers: an optional sign and decimal digits, nothing else. Throws
 /// DecodingError::typeMismatch.
-std::int64_t wholeNumberFromKey(std::string_view key);
+TAVLEN_API std::int64_t wholeNumberFromKey(std::string_view key);
 
 /// The coding of one type: static functions `encode(encoder, value)` and `decode(decoder, value&)`.
 template <class T>
@@ -71,7 +72,7 @@ struct Coding;
 /// Writes `value`. Throws EncodingError for a value that the format cannot hold; the encoder's
 /// output is then incomplete.
 template <class T>
-void encode(Encoder& encoder, const T& value) {
+void encode(EncoderType auto& encoder, const T& value) {
   Coding<T>::encode(encoder, value);
 }
 
@@ -85,42 +86,44 @@ void decode(Decoder& decoder, T& value) {
 /// A boolean.
 template <>
 struct Coding<bool> {
-  static void encode(Encoder& encoder, bool value) { encoder.boolean(value); }
+  static void encode(EncoderType auto& encoder, bool value) { encoder.boolean(value); }
   static void decode(Decoder& decoder, bool& value) { value = decoder.boolean(); }
 };
 
 /// A signed integer; out of range is a DecodingError.
 template <>
 struct Coding<std::int64_t> {
-  static void encode(Encoder& encoder, std::int64_t value) { encoder.integer(value); }
+  static void encode(EncoderType auto& encoder, std::int64_t value) { encoder.integer(value); }
   static void decode(Decoder& decoder, std::int64_t& value) { value = decoder.integer(); }
 };
 
 /// An unsigned integer; out of range is a DecodingError.
 template <>
 struct Coding<std::uint64_t> {
-  static void encode(Encoder& encoder, std::uint64_t value) { encoder.unsignedInteger(value); }
+  static void encode(EncoderType auto& encoder, std::uint64_t value) {
+    encoder.unsignedInteger(value);
+  }
   static void decode(Decoder& decoder, std::uint64_t& value) { value = decoder.unsignedInteger(); }
 };
 
 /// A floating-point number.
 template <>
 struct Coding<double> {
-  static void encode(Encoder& encoder, double value) { encoder.real(value); }
+  static void encode(EncoderType auto& encoder, double value) { encoder.real(value); }
   static void decode(Decoder& decoder, double& value) { value = decoder.real(); }
 };
 
 /// A UTF-8 text.
 template <>
 struct Coding<std::string> {
-  static void encode(Encoder& encoder, const std::string& value) { encoder.string(value); }
+  static void encode(EncoderType auto& encoder, const std::string& value) { encoder.string(value); }
   static void decode(Decoder& decoder, std::string& value) { value = decoder.string(); }
 };
 
 /// A UTF-8 text of its own.
 template <>
 struct Coding<SharedText> {
-  static void encode(Encoder& encoder, const SharedText& value) { encoder.string(value); }
+  static void encode(EncoderType auto& encoder, const SharedText& value) { encoder.string(value); }
   static void decode(Decoder& decoder, SharedText& value) {
     decoder.chargeMemory(SharedText::kOwnBytes);
     value = decoder.string();
@@ -130,14 +133,14 @@ struct Coding<SharedText> {
 /// A point in time, in the format's own form.
 template <>
 struct Coding<Date> {
-  static void encode(Encoder& encoder, Date value) { encoder.date(value); }
+  static void encode(EncoderType auto& encoder, Date value) { encoder.date(value); }
   static void decode(Decoder& decoder, Date& value) { value = decoder.date(); }
 };
 
 /// An absent array element is a null. For absent fields see optionalField().
 template <class Optional>
 struct OptionalCoding {
-  static void encode(Encoder& encoder, const Optional& value) {
+  static void encode(EncoderType auto& encoder, const Optional& value) {
     if (value) {
       tavlen::encode(encoder, *value);
     } else {
@@ -162,7 +165,7 @@ struct Coding<BoxedOptional<Value>> : OptionalCoding<BoxedOptional<Value>> {};
 /// A shared record is coded like the record itself. It must not be null.
 template <class Record>
 struct Coding<std::shared_ptr<Record>> {
-  static void encode(Encoder& encoder, const std::shared_ptr<Record>& value) {
+  static void encode(EncoderType auto& encoder, const std::shared_ptr<Record>& value) {
     tavlen::encode(encoder, *value);
   }
   static void decode(Decoder& decoder, std::shared_ptr<Record>& value) {
@@ -200,7 +203,7 @@ struct Coding<std::vector<Element>> {
   /// in the new one.
   static constexpr std::size_t kElementBytes = 3 * sizeof(Element);
 
-  static void encode(Encoder& encoder, const std::vector<Element>& value) {
+  static void encode(EncoderType auto& encoder, const std::vector<Element>& value) {
     requireElementCount<Element>(value.size(), EncodingError::invalidValue);
     encoder.beginArray(value.size());
     for (std::size_t i = 0; i < value.size(); ++i) {
@@ -221,11 +224,11 @@ struct Coding<std::vector<Element>> {
 /// A table whose keys are decimal integers.
 template <class Value>
 struct Coding<std::map<std::int64_t, Value>> {
-  static void encode(Encoder& encoder, const std::map<std::int64_t, Value>& table) {
+  static void encode(EncoderType auto& encoder, const std::map<std::int64_t, Value>& table) {
     encoder.beginRecord();
     for (const auto& entry : table) {
       const std::string key = std::to_string(entry.first);
-      encoder.key(key);
+      encoder.plainKey(key);
       underKey(key, [&] { tavlen::encode(encoder, entry.second); });
     }
     encoder.endRecord();
@@ -244,16 +247,19 @@ struct Coding<std::map<std::int64_t, Value>> {
 
 /// Writes the fields of `record` into the open keyed container. Throws EncodingError.
 template <CodedRecord Record>
-void encodeFields(Encoder& encoder, const Record& record) {
-  const auto encodeField = [&]<class Member>(const CodedField<Record, Member>& field) {
-    const Member& value = record.*field.member;
+void encodeFields(EncoderType auto& encoder, const Record& record) {
+  const auto encodeField = [&]<std::size_t I>() {
+    constexpr auto field = std::get<I>(Record::codedFields());
+    static_assert(isPlainText(field.key));
+    const auto& value = record.*field.member;
     if constexpr (requires { value.has_value(); }) {
       if (!field.required && !value) return;
     }
-    encoder.key(field.key);
+    encoder.plainKey(field.key);
     underKey(field.key, [&] { encode(encoder, value); });
   };
-  std::apply([&](const auto&... field) { (encodeField(field), ...); }, Record::codedFields());
+  [&]<std::size_t... I>(std::index_sequence<I...>) { (encodeField.template operator()<I>(), ...); }
+  (std::make_index_sequence<std::tuple_size_v<decltype(Record::codedFields())>>{});
 }
 
 /// The record's table of fields in the form that decoders use, without the record's type: one
@@ -275,7 +281,7 @@ inline constexpr auto kFieldDecoders = []<std::size_t... I>(std::index_sequence<
 /// A record: a keyed container with its fields.
 template <CodedRecord Record>
 struct Coding<Record> {
-  static void encode(Encoder& encoder, const Record& record) {
+  static void encode(EncoderType auto& encoder, const Record& record) {
     encoder.beginRecord();
     encodeFields(encoder, record);
     encoder.endRecord();

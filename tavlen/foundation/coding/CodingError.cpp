@@ -23,4 +23,20 @@ DecodingError DecodingError::dataCorrupted(std::string text) {
   return {Case::dataCorrupted, std::move(text)};
 }
 
+DecodingError DecodingError::malformedText(std::string text, TextPosition position) {
+  DecodingError error = dataCorrupted(std::move(text));
+  error.position_ = position;
+  error.isMalformedText_ = true;
+  return error;
+}
+
+std::string DecodingError::description() const {
+  std::string text = CodingError::description();
+  if (isMalformedText_ && position_) {
+    text += " at line " + std::to_string(position_->line);
+    text += ", column " + std::to_string(position_->column);
+  }
+  return text;
+}
+
 }  // namespace tavlen

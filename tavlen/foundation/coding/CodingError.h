@@ -1,17 +1,20 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <utility>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/base/DescribedError.h"
 #include "tavlen/foundation/coding/CodingPath.h"
+#include "tavlen/foundation/text/TextPosition.h"
 
 namespace tavlen {
 
 /// The common base of decoding and encoding errors: a place in the document and a text.
 ///
 /// The description is `path: text`, or only the text at the document's root. It is not translated.
-class CodingError : public DescribedError {
+class TAVLEN_API CodingError : public DescribedError {
  public:
   /// The place of the fault, from the document's root.
   const CodingPath& codingPath() const { return path_; }
@@ -34,7 +37,7 @@ class CodingError : public DescribedError {
 
 /// A document that does not match the requested type. The cases and their paths are the platform's,
 /// except that malformed text and numbers have a path here as well.
-class DecodingError : public CodingError {
+class TAVLEN_API DecodingError : public CodingError {
   /// The kinds of faults.
  public:
   enum class Case {
@@ -52,18 +55,28 @@ class DecodingError : public CodingError {
   static DecodingError valueNotFound(std::string_view expected);
   /// A malformed value; `text` says why.
   static DecodingError dataCorrupted(std::string text);
+  /// Text that is malformed at `position`, which the description ends with.
+  static DecodingError malformedText(std::string text, TextPosition position);
 
   /// The case of this error.
   Case which() const { return case_; }
+  /// Where the fault is in a document that is text, as far as the reader knows: the place of
+  /// malformed text, else the beginning of the value at the path.
+  const std::optional<TextPosition>& position() const { return position_; }
+  /// Sets the position of an error without one.
+  void setPosition(TextPosition position) { position_ = position; }
+  std::string description() const override;
 
  private:
   DecodingError(Case which, std::string text) : CodingError(std::move(text)), case_(which) {}
 
   Case case_;
+  std::optional<TextPosition> position_;
+  bool isMalformedText_ = false;
 };
 
 /// A value that the format cannot hold: the platform's only case.
-class EncodingError : public CodingError {
+class TAVLEN_API EncodingError : public CodingError {
  public:
   /// An error with the description `text`.
   static EncodingError invalidValue(std::string text) { return EncodingError(std::move(text)); }

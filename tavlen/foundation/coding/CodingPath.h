@@ -6,13 +6,15 @@
 #include <variant>
 #include <vector>
 
+#include "tavlen/foundation/base/API.h"
+
 namespace tavlen {
 
 /// The keys and indices that lead to a value in a document.
 ///
 /// Errors build it from the inside outwards while they propagate, so that successful coding keeps
 /// no path.
-class CodingPath {
+class TAVLEN_API CodingPath {
  public:
   /// Adds a key before the path.
   void prependKey(std::string_view key);

@@ -1,9 +1,11 @@
 #pragma once
 
+#include "tavlen/foundation/base/API.h"
+
 namespace tavlen {
 
 /// A point in time. A plain value.
-struct Date {
+struct TAVLEN_API Date {
   /// Seconds from 1970-01-01 to 2001-01-01, both UTC.
   static constexpr double kSecondsFrom1970To2001 = 978307200;
 

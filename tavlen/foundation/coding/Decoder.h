@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/base/FunctionRef.h"
 #include "tavlen/foundation/coding/Date.h"
 
@@ -14,7 +15,7 @@ namespace tavlen {
 class Decoder;
 
 /// A row of a record's table of coded fields, with the record's type erased.
-struct FieldDecoder {
+struct TAVLEN_API FieldDecoder {
   /// The field's key.
   std::string_view key;
   /// Whether the key must exist. An optional field keeps its value when the key is absent, and
@@ -31,7 +32,7 @@ struct FieldDecoder {
 /// the wrong kind, a missing key and a malformed number throw DecodingError; its path is completed
 /// while it propagates. Limits.h has the limits of each format. Threads: one object one thread at a
 /// time.
-class Decoder {
+class TAVLEN_API Decoder {
  public:
   virtual ~Decoder() = default;
 

@@ -61,7 +61,7 @@ constexpr auto allCases() {
 /// Coded as one string. An unknown one is DecodingError::dataCorrupted.
 template <RawValueEnum E>
 struct Coding<E> {
-  static void encode(Encoder& encoder, E value) { encoder.string(rawValue(value)); }
+  static void encode(EncoderType auto& encoder, E value) { encoder.string(rawValue(value)); }
   static void decode(Decoder& decoder, E& value) {
     const std::string text = decoder.string();
     const std::optional<E> known = fromRawValue<E>(text);

@@ -97,8 +97,12 @@ std::string_view SemanticVersion::preRelease() const {
 }
 
 std::weak_ordering SemanticVersion::operator<=>(const SemanticVersion& other) const {
-  const auto order = numbers_ <=> other.numbers_;
-  return std::is_neq(order) ? order : comparePreReleases(preRelease(), other.preRelease());
+  // Xcode 15's library does not compare arrays in this way.
+  for (std::size_t i = 0; i < numbers_.size(); ++i) {
+    const auto order = numbers_[i] <=> other.numbers_[i];
+    if (std::is_neq(order)) return order;
+  }
+  return comparePreReleases(preRelease(), other.preRelease());
 }
 
 std::size_t SemanticVersion::hash() const {

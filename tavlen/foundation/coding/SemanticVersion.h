@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/coding/Coding.h"
 
 namespace tavlen {
@@ -18,7 +19,7 @@ namespace tavlen {
 /// Laxer than the standard: the second and third number may be missing and count as zero, and
 /// numbers may have leading zeros. Equality, order and hash use the value: "14" and "14.0.0" are
 /// equal, a pre-release precedes its release, build metadata is ignored.
-class SemanticVersion {
+class TAVLEN_API SemanticVersion {
  public:
   /// Version "0".
   SemanticVersion() = default;

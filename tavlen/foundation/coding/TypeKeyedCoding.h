@@ -63,12 +63,13 @@ concept TypeKeyedContainer = requires(T container) {
 /// anywhere. A missing key is keyNotFound, an unknown identifier dataCorrupted at the key.
 template <TypeKeyedContainer Container>
 struct Coding<Container> {
-  static void encode(Encoder& encoder, const Container& container) {
+  static void encode(EncoderType auto& encoder, const Container& container) {
     std::visit(
         [&]<class Kind>(const Kind& kind) {
+          static_assert(isPlainText(kTypeKey) && isPlainText(Kind::identifier));
           encoder.beginRecord();
-          encoder.key(kTypeKey);
-          encoder.string(Kind::identifier);
+          encoder.plainKey(kTypeKey);
+          encoder.plainString(Kind::identifier);
           encodeFields(encoder, kind);
           encoder.endRecord();
         },

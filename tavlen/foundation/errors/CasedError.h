@@ -4,6 +4,7 @@
 #include <utility>
 #include <vector>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/errors/LocalizedError.h"
 
 namespace tavlen {
@@ -14,7 +15,7 @@ namespace tavlen {
 /// Each component derives its error from this class and adds a static function for each case, which
 /// supplies the text.
 template <class ErrorCase>
-class CasedError : public LocalizedError {
+class TAVLEN_API CasedError : public LocalizedError {
  public:
   /// The component's enumeration.
   using Case = ErrorCase;

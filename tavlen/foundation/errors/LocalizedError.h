@@ -4,13 +4,14 @@
 #include <string_view>
 #include <vector>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/base/DescribedError.h"
 
 namespace tavlen {
 
 /// A text of the user interface: the key of its translation, and the English text to use when there
 /// is no translation. Both refer to constants.
-struct LocalizedText {
+struct TAVLEN_API LocalizedText {
   /// The key in `Localizable.strings`; empty for a text that is not translated.
   std::string_view key;
   /// The English text, with placeholders (see Placeholders.h).
@@ -21,7 +22,7 @@ struct LocalizedText {
 ///
 /// An error is a value: it holds its case (in the component's own class), its payload as texts, and
 /// the key of its description. The description is looked up in the main bundle's table on request.
-class LocalizedError : public DescribedError {
+class TAVLEN_API LocalizedError : public DescribedError {
  public:
   /// The key of the translation; empty for an error that has none.
   std::string_view localizationKey() const { return text_.key; }

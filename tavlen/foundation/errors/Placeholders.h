@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "tavlen/foundation/base/API.h"
+
 namespace tavlen {
 
 /// Returns `format` with its placeholders replaced by `arguments`. One pass: a percent sign within
@@ -14,6 +16,7 @@ namespace tavlen {
 /// because arguments are finished texts. A placeholder without an argument stays as written, and so
 /// does a percent sign that begins no placeholder. Without arguments, `format` is a plain text and
 /// stays whole: "100%%" has two percent signs.
-std::string fillPlaceholders(std::string_view format, std::span<const std::string> arguments);
+TAVLEN_API std::string fillPlaceholders(std::string_view format,
+                                        std::span<const std::string> arguments);
 
 }  // namespace tavlen

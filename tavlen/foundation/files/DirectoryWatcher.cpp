@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "tavlen/foundation/base/SystemError.h"
+#include "tavlen/foundation/files/PeerEnd.h"
 
 #ifdef __linux__
 #include <sys/inotify.h>
@@ -32,9 +33,8 @@ constexpr milliseconds kSettlingTime(20);
 enum class Ready { nothing, notices, end };
 
 Ready waitFor(int notices, std::span<const int> ends, milliseconds atMost) {
-  // No events are requested for the ends: POLLHUP is always reported.
   std::vector<pollfd> descriptors = {{notices, POLLIN, 0}};
-  for (const int end : ends) descriptors.push_back({end, 0, 0});
+  for (const int end : ends) descriptors.push_back(pollForPeerEnd(end));
   const int count = ::poll(descriptors.data(), static_cast<nfds_t>(descriptors.size()),
                            static_cast<int>(atMost.count()));
   if (count < 0 && errno != EINTR) throwSystemError("poll");

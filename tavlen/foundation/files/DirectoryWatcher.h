@@ -5,6 +5,7 @@
 #include <span>
 #include <vector>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/files/FileDescriptor.h"
 
 namespace tavlen {
@@ -15,7 +16,7 @@ namespace tavlen {
 /// whose names begin with "." are ignored. Notices come from inotify on Linux. On other systems,
 /// and when the system refuses to watch another folder, it wakes once a second.
 /// Threads: any, one object one thread at a time.
-class DirectoryWatcher {
+class TAVLEN_API DirectoryWatcher {
  public:
   /// Why wait() returned: a possible change, or a closed descriptor.
   enum class Wake { change, end };

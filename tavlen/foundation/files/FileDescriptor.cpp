@@ -9,6 +9,7 @@
 #include <limits>
 
 #include "tavlen/foundation/base/SystemError.h"
+#include "tavlen/foundation/files/DiskSync.h"
 #include "tavlen/foundation/files/RetryOnInterrupt.h"
 
 namespace tavlen {
@@ -120,7 +121,7 @@ void FileDescriptor::writeAt(std::uint64_t offset, std::string_view bytes,
 }
 
 void FileDescriptor::sync(const std::string& shown) const {
-  if (retryOnInterrupt([&] { return ::fsync(value_); }) != 0) throwSystemError(shown);
+  if (syncDescriptor(value_) != 0) throwSystemError(shown);
 }
 
 void FileDescriptor::close(const std::string& shown) {

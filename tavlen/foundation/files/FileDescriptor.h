@@ -12,6 +12,8 @@
 #include <string_view>
 #include <utility>
 
+#include "tavlen/foundation/base/API.h"
+
 namespace tavlen {
 
 /// Flags to open a folder; a symbolic link to a folder is refused.
@@ -21,8 +23,10 @@ inline constexpr int kOpenToRead = O_RDONLY | O_NONBLOCK | O_NOCTTY;
 /// Flags to create a file for writing; anything that exists, even a link, is an error.
 inline constexpr int kOpenNewFile = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW;
 /// A folder as the start of other calls; where the system can, without the right to list it.
-#ifdef O_PATH
+#if defined(O_PATH)
 inline constexpr int kOpenToPass = O_PATH | O_DIRECTORY | O_NOFOLLOW;
+#elif defined(O_SEARCH)
+inline constexpr int kOpenToPass = O_SEARCH | O_DIRECTORY | O_NOFOLLOW;
 #else
 inline constexpr int kOpenToPass = kOpenFolder;
 #endif
@@ -31,7 +35,7 @@ inline constexpr int kOpenToPass = kOpenFolder;
 ///
 /// Calls interrupted by a signal are retried. Errors are std::system_error with `shown`, the path
 /// for the reader. Threads: as for the system calls.
-class FileDescriptor {
+class TAVLEN_API FileDescriptor {
  public:
   /// Takes ownership of `value`; -1 for none.
   explicit FileDescriptor(int value = -1) : value_(value) {}

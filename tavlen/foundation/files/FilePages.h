@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/files/RandomAccessFile.h"
 
 namespace tavlen {
@@ -15,7 +16,7 @@ namespace tavlen {
 /// error and no signal.
 ///
 /// Threads: one object one thread at a time; the bytes that it has returned may be read by all.
-class FilePages {
+class TAVLEN_API FilePages {
  public:
   /// The `size` bytes of `file` from `offset` on. Reads nothing. Throws std::system_error when
   /// there is no room for them in the address space.

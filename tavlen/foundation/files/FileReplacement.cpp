@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "tavlen/foundation/base/SystemError.h"
-#include "tavlen/foundation/files/RetryOnInterrupt.h"
+#include "tavlen/foundation/files/DiskSync.h"
 
 namespace tavlen {
 
@@ -99,7 +99,7 @@ void FileReplacement::commit() {
   }
   temporary_.leave();
   // Errors are ignored: not every file system can, and the file is whole either way.
-  (void)retryOnInterrupt([&] { return ::fsync(folder_.get()); });
+  (void)syncDescriptor(folder_.get());
 }
 
 void replaceFile(const fs::path& file, std::string_view contents) {

@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/files/FileDescriptor.h"
 #include "tavlen/foundation/files/TemporaryFile.h"
 
@@ -18,7 +19,7 @@ namespace tavlen {
 /// permissions. Temporary names begin with "."; later replacements in the same folder remove those
 /// that a crash left (sweepTemporaryFiles()).
 /// Threads: any, one object one thread at a time.
-class FileReplacement {
+class TAVLEN_API FileReplacement {
  public:
   /// Prepares the replacement. Throws std::system_error with the path, also when `file` is a folder
   /// (EISDIR) or anything else that is not a regular file (EINVAL).
@@ -44,6 +45,6 @@ class FileReplacement {
 };
 
 /// Prepares the replacement of one file and commits it. Errors as for FileReplacement.
-void replaceFile(const std::filesystem::path& file, std::string_view contents);
+TAVLEN_API void replaceFile(const std::filesystem::path& file, std::string_view contents);
 
 }  // namespace tavlen

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/files/FileDescriptor.h"
 
 namespace tavlen {
@@ -16,7 +17,7 @@ namespace tavlen {
 /// Iterates over the names in an open folder, without "." and "..".
 ///
 /// Errors are std::system_error with the path. Threads: any, one object one thread at a time.
-class FolderReader {
+class TAVLEN_API FolderReader {
  public:
   /// Takes over `folder`, a folder opened for reading; `shown` names it in errors.
   FolderReader(FileDescriptor folder, std::filesystem::path shown);

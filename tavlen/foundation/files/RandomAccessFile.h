@@ -7,6 +7,7 @@
 #include <span>
 #include <string>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/files/FileDescriptor.h"
 
 namespace tavlen {
@@ -15,7 +16,7 @@ namespace tavlen {
 ///
 /// Errors are std::system_error with the path in the text. The descriptor is close-on-exec.
 /// Threads: reads may run concurrently.
-class RandomAccessFile {
+class TAVLEN_API RandomAccessFile {
  public:
   /// Opens a file. A symbolic link is followed. A folder (EISDIR) and anything else that is not a
   /// regular file (EINVAL) are refused; a pipe never blocks.

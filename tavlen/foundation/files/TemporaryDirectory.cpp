@@ -1,5 +1,7 @@
 #include "tavlen/foundation/files/TemporaryDirectory.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <cerrno>
 #include <chrono>

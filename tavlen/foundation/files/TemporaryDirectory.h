@@ -3,6 +3,8 @@
 #include <filesystem>
 #include <string_view>
 
+#include "tavlen/foundation/base/API.h"
+
 namespace tavlen {
 
 /// A new folder, private to its user, that is removed with its contents when the object is
@@ -11,7 +13,7 @@ namespace tavlen {
 /// It is created in ".TemporaryItems" of the given folder, so that items made in it can be renamed
 /// to places on the same volume. Folders left by a crash are removed after a day by later objects
 /// for the same folder. Threads: any, one object one thread at a time.
-class TemporaryDirectory {
+class TAVLEN_API TemporaryDirectory {
  public:
   /// The name of the common folder.
   static constexpr const char* kItemsFolder = ".TemporaryItems";
@@ -33,10 +35,10 @@ class TemporaryDirectory {
 
 /// Creates a new folder in `parent`, private to its user, named `prefix` and random characters.
 /// Throws std::system_error.
-std::filesystem::path makeUniqueFolder(const std::filesystem::path& parent,
-                                       std::string_view prefix);
+TAVLEN_API std::filesystem::path makeUniqueFolder(const std::filesystem::path& parent,
+                                                  std::string_view prefix);
 
 /// The same in the folder of temporary files (TMPDIR).
-std::filesystem::path makeUniqueTemporaryFolder(std::string_view prefix);
+TAVLEN_API std::filesystem::path makeUniqueTemporaryFolder(std::string_view prefix);
 
 }  // namespace tavlen

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/files/FileDescriptor.h"
 
 namespace tavlen {
@@ -15,7 +16,7 @@ namespace tavlen {
 /// Temporary names are random and begin with ".". Files left by a crash are removed by
 /// sweepTemporaryFiles(). Errors are std::system_error. Threads: any, one object one thread at a
 /// time.
-class TemporaryFile {
+class TAVLEN_API TemporaryFile {
  public:
   /// Creates the file for writing in `folder`, a path relative to the open folder `parent`, which
   /// must outlive the object (AT_FDCWD for the working folder); an empty path is `parent` itself.
@@ -51,15 +52,15 @@ inline constexpr std::string_view kTemporaryPrefix = ".tavlen-";
 
 /// A random name for which isTemporaryName() is true: for items that are created or deleted in a
 /// folder whose listings omit such names.
-std::string temporaryName();
+TAVLEN_API std::string temporaryName();
 
 /// Whether `name` is a temporary file's, or that of the folder in which TemporaryDirectory works. A
 /// crash may have left such entries; they are not part of the user's data.
-bool isTemporaryName(const std::filesystem::path& name);
+TAVLEN_API bool isTemporaryName(const std::filesystem::path& name);
 
 /// Removes entries with temporary names older than ten minutes, left by crashes, from the open
 /// folder `folder`; folders with their contents. Listing a large folder takes longer than writing a
 /// file, so a process lists each folder at most once in ten minutes. Errors are ignored.
-void sweepTemporaryFiles(int folder);
+TAVLEN_API void sweepTemporaryFiles(int folder);
 
 }  // namespace tavlen

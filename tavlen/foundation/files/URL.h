@@ -5,10 +5,12 @@
 #include <string>
 #include <string_view>
 
+#include "tavlen/foundation/base/API.h"
+
 namespace tavlen {
 
 /// A URL as text. A plain value.
-struct URL {
+struct TAVLEN_API URL {
   /// The whole URL, not validated.
   std::string absoluteString;
 

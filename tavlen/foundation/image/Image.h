@@ -6,13 +6,14 @@
 #include <string_view>
 #include <vector>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/base/Limits.h"
 
 namespace tavlen {
 
 /// A picture of 8-bit RGBA pixels, row by row from the top, not premultiplied. Its scale is 1: a
 /// point is a pixel. Threads: const calls may run concurrently.
-class Image {
+class TAVLEN_API Image {
  public:
   /// The limits of a picture, in pixels: its header alone could ask for any amount of memory.
   static constexpr std::uint32_t kLongestSide = limits::kImageSide;

@@ -2,8 +2,12 @@
 
 #include <memory>
 #include <optional>
+#include <string>
 #include <string_view>
+#include <utility>
 
+#include "tavlen/foundation/base/API.h"
+#include "tavlen/foundation/base/DescribedError.h"
 #include "tavlen/foundation/javascript/JavaScriptValue.h"
 
 struct OpaqueJSContext;
@@ -20,10 +24,21 @@ namespace tavlen {
 ///
 /// Threads: one thread at a time may use a context and its values. Contexts share nothing, so each
 /// thread may have its own.
-class JavaScriptContext : public std::enable_shared_from_this<JavaScriptContext> {
+class TAVLEN_API JavaScriptContext : public std::enable_shared_from_this<JavaScriptContext> {
  public:
+  /// Thrown where the engine's shared library cannot be loaded.
+  class EngineError : public DescribedError {
+   public:
+    /// `reason` is the system's.
+    explicit EngineError(std::string reason) : reason_(std::move(reason)) {}
+    std::string description() const override;
+
+   private:
+    std::string reason_;
+  };
+
   /// Creates a context, which lives until the last reference to it and the last of its values are
-  /// gone.
+  /// gone. Throws EngineError.
   static std::shared_ptr<JavaScriptContext> make();
 
   JavaScriptContext(const JavaScriptContext&) = delete;

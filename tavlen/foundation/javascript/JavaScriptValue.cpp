@@ -1,11 +1,10 @@
 #include "tavlen/foundation/javascript/JavaScriptValue.h"
 
-#include <JavaScriptCore/JavaScript.h>
-
 #include <utility>
 
 #include "tavlen/foundation/base/FatalError.h"
 #include "tavlen/foundation/javascript/JavaScriptContext.h"
+#include "tavlen/foundation/javascript/detail/JavaScriptEngine.h"
 #include "tavlen/foundation/javascript/detail/JavaScriptString.h"
 
 namespace tavlen {
@@ -13,8 +12,8 @@ namespace tavlen {
 JavaScriptValue::JavaScriptValue(std::shared_ptr<JavaScriptContext> context,
                                  const OpaqueJSValue* value)
     : context_(std::move(context)),
-      value_(value != nullptr ? value : JSValueMakeUndefined(context_->context_)) {
-  JSValueProtect(context_->context_, value_);
+      value_(value != nullptr ? value : engine().JSValueMakeUndefined(context_->context_)) {
+  engine().JSValueProtect(context_->context_, value_);
 }
 
 JavaScriptValue::JavaScriptValue(const JavaScriptValue& other)
@@ -27,21 +26,28 @@ JavaScriptValue& JavaScriptValue::operator=(JavaScriptValue other) noexcept {
 }
 
 JavaScriptValue::~JavaScriptValue() {
-  if (context_ != nullptr) JSValueUnprotect(context_->context_, value_);
+  if (context_ != nullptr) engine().JSValueUnprotect(context_->context_, value_);
 }
 
-bool JavaScriptValue::isUndefined() const { return JSValueIsUndefined(context_->context_, value_); }
+bool JavaScriptValue::isUndefined() const {
+  return engine().JSValueIsUndefined(context_->context_, value_);
+}
 
-bool JavaScriptValue::isString() const { return JSValueIsString(context_->context_, value_); }
+bool JavaScriptValue::isString() const {
+  return engine().JSValueIsString(context_->context_, value_);
+}
 
-bool JavaScriptValue::isObject() const { return JSValueIsObject(context_->context_, value_); }
+bool JavaScriptValue::isObject() const {
+  return engine().JSValueIsObject(context_->context_, value_);
+}
 
 JavaScriptValue JavaScriptValue::property(std::string_view name, Exceptions mode) const {
   JSContextRef context = context_->context_;
   JSValueRef exception = nullptr;
   JSValueRef result = nullptr;
-  if (JSObjectRef object = JSValueToObject(context, value_, &exception)) {
-    result = JSObjectGetProperty(context, object, JavaScriptString(name).get(), &exception);
+  if (JSObjectRef object = engine().JSValueToObject(context, value_, &exception)) {
+    result =
+        engine().JSObjectGetProperty(context, object, JavaScriptString(name).get(), &exception);
   }
   if (mode == Exceptions::record) context_->record(exception);
   return {context_, exception == nullptr ? result : nullptr};
@@ -62,15 +68,16 @@ JavaScriptValue JavaScriptValue::call(std::string_view name,
   // A step that fails returns null, which ends the chain with its exception.
   JSValueRef exception = nullptr;
   JSValueRef result = nullptr;
-  JSObjectRef object = JSValueToObject(context, value_, &exception);
+  JSObjectRef object = engine().JSValueToObject(context, value_, &exception);
   JSValueRef method = nullptr;
   if (object != nullptr) {
-    method = JSObjectGetProperty(context, object, JavaScriptString(name).get(), &exception);
+    method =
+        engine().JSObjectGetProperty(context, object, JavaScriptString(name).get(), &exception);
   }
   if (method != nullptr && exception == nullptr) {
-    if (JSObjectRef function = JSValueToObject(context, method, &exception)) {
-      result = JSObjectCallAsFunction(context, function, object, values.size(), values.data(),
-                                      &exception);
+    if (JSObjectRef function = engine().JSValueToObject(context, method, &exception)) {
+      result = engine().JSObjectCallAsFunction(context, function, object, values.size(),
+                                               values.data(), &exception);
     }
   }
   context_->record(exception);
@@ -79,7 +86,7 @@ JavaScriptValue JavaScriptValue::call(std::string_view name,
 
 std::optional<std::string> JavaScriptValue::text(Exceptions mode) const {
   JSValueRef exception = nullptr;
-  JSStringRef string = JSValueToStringCopy(context_->context_, value_, &exception);
+  JSStringRef string = engine().JSValueToStringCopy(context_->context_, value_, &exception);
   if (mode == Exceptions::record) context_->record(exception);
   if (string == nullptr) return std::nullopt;
   return JavaScriptString(string).utf8();

@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "tavlen/foundation/base/API.h"
+
 struct OpaqueJSValue;
 
 namespace tavlen {
@@ -16,7 +18,7 @@ class JavaScriptContext;
 ///
 /// It keeps its context alive. A copy refers to the same value; a moved-from object may only be
 /// assigned to or destroyed. Threads: as for its context.
-class JavaScriptValue {
+class TAVLEN_API JavaScriptValue {
  public:
   /// The treatment of an exception that a script raises while a value is read. `record` passes it
   /// to the context, which keeps the first. `ignore` drops it, to inspect a value without side

@@ -5,13 +5,14 @@
 #include <string_view>
 #include <vector>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/text/TextPosition.h"
 
 namespace tavlen {
 
 /// A key of a document that no record has, or that stands a second time in its object. Decoders
 /// ignore it, so what is written after decoding lacks it. A plain value.
-struct IgnoredKey {
+struct TAVLEN_API IgnoredKey {
   /// "unknown-key" or "repeated-key". A constant.
   std::string_view code;
   /// The way to the key's value: "hooks[2].nmae".
@@ -23,7 +24,7 @@ struct IgnoredKey {
 };
 
 /// The keys of a document that were ignored, in its order.
-struct IgnoredKeys {
+struct TAVLEN_API IgnoredKeys {
   /// The greatest number of keys that are described. A document of a program may have an unknown
   /// key in each of many objects.
   static constexpr std::size_t kMost = 1000;

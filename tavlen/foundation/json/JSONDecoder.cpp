@@ -22,7 +22,17 @@ class JSONDecoder final : public Decoder {
   /// `log` may be null.
   JSONDecoder(std::string_view text, IgnoredKeyLog* log) : scanner_(text), log_(log) {}
 
-  void finish() {
+  /// Reads the whole document.
+  void readAll(FunctionRef<void(Decoder&)> read) {
+    scanner_.peek();
+    const char* const begin = scanner_.position();
+    try {
+      read(*this);
+    } catch (DecodingError& error) {
+      if (!error.position())
+        error.setPosition(scanner_.textPositionOf(faulty_ != nullptr ? faulty_ : begin));
+      throw;
+    }
     if (!scanner_.atEnd()) scanner_.fail("unexpected text after the document");
   }
 
@@ -128,6 +138,7 @@ class JSONDecoder final : public Decoder {
       return true;
     } catch (const DecodingError&) {
       values_ = values;
+      faulty_ = nullptr;
       if (mark) log_->returnTo(*mark);
       scanner_.setPosition(position);
       scanner_.setDepth(depth);
@@ -192,7 +203,12 @@ class JSONDecoder final : public Decoder {
     scanner_.peek();
     if (++values_ > limits::kJSONValues) failValues();
     const char* const position = scanner_.position();
-    read();
+    try {
+      read();
+    } catch (const DecodingError&) {
+      if (faulty_ == nullptr) faulty_ = position;
+      throw;
+    }
     if (scanner_.position() != position) return true;
     scanner_.skipValue();
     return false;
@@ -245,6 +261,7 @@ class JSONDecoder final : public Decoder {
   const char* peekedAt_ = nullptr;  ///< the object of the last peekString()
   std::string_view wanted_;         ///< its key
   IgnoredKeyLog* log_;
+  const char* faulty_ = nullptr;  ///< the innermost value whose reading threw
 };
 
 }  // namespace
@@ -252,16 +269,14 @@ class JSONDecoder final : public Decoder {
 void readJSON(std::string_view bytes, FunctionRef<void(Decoder&)> read) {
   const JSONText text(bytes);
   JSONDecoder decoder(text.view(), nullptr);
-  read(decoder);
-  decoder.finish();
+  decoder.readAll(read);
 }
 
 void readJSON(std::string_view bytes, FunctionRef<void(Decoder&)> read, IgnoredKeys& ignored) {
   const JSONText text(bytes);
   IgnoredKeyLog log(text.view(), ignored);
   JSONDecoder decoder(text.view(), &log);
-  read(decoder);
-  decoder.finish();
+  decoder.readAll(read);
 }
 
 }  // namespace tavlen

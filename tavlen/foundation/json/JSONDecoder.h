@@ -2,6 +2,7 @@
 
 #include <string_view>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/base/FunctionRef.h"
 #include "tavlen/foundation/coding/Coding.h"
 #include "tavlen/foundation/json/IgnoredKeys.h"
@@ -17,20 +18,23 @@ namespace tavlen {
 /// Limits: limits::kJSONDepth nested containers, limits::kJSONValues values; values inside a
 /// skipped one are not counted.
 ///
-/// This is our own reader because, filling the same records, it was measured 1.3 times as fast as
-/// simdjson's on-demand interface with fresh buffers, which every caller has, and because its
-/// errors name the place.
+/// This is our own reader because its errors name the place, and because it needs neither a padded
+/// copy of the text nor a processor with certain vectors. bench/ManifestBenchmark.cpp compares it
+/// with a reader into the same records on simdjson, which was measured to take three quarters of
+/// its time where the compiler may use AVX2.
 ///
 /// Memory: for an accepted document at most limits::kDecodedBytes plus limits::kDecodedBytesPerByte
 /// for each of its bytes, which fuzz/FuzzJSON.cpp checks for the stored documents: that of the
 /// values read and a few kilobytes. A document in UTF-16 or UTF-32 is converted first; a type key
 /// after large values costs some bytes for each container of over 4 KiB before it. Time is linear
 /// in the document.
-/// Errors: DecodingError; for malformed text the message contains line and column. Threads: any.
-void readJSON(std::string_view bytes, FunctionRef<void(Decoder&)> read);
+/// Errors: DecodingError; with the place in the text, unless its encoding is at fault. Threads:
+/// any.
+TAVLEN_API void readJSON(std::string_view bytes, FunctionRef<void(Decoder&)> read);
 /// The same, and adds the keys that were ignored to `ignored`, at their places in the text. An
 /// unread value does not count as ignored within a value that is itself unread.
-void readJSON(std::string_view bytes, FunctionRef<void(Decoder&)> read, IgnoredKeys& ignored);
+TAVLEN_API void readJSON(std::string_view bytes, FunctionRef<void(Decoder&)> read,
+                         IgnoredKeys& ignored);
 
 /// Decodes the JSON document `bytes` as a T. Errors, memory and threads as for readJSON().
 template <class T>

@@ -2,13 +2,12 @@
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <charconv>
 #include <cmath>
-#include <cstring>
 
 #include "tavlen/foundation/errors/MainBundle.h"
 #include "tavlen/foundation/errors/Placeholders.h"
+#include "tavlen/foundation/json/detail/JSONStringWriter.h"
 #include "tavlen/foundation/text/NumberText.h"
 #include "tavlen/foundation/text/Unicode.h"
 
@@ -19,101 +18,6 @@ namespace {
 /// The number of elements of a long array that are measured to estimate its size.
 constexpr std::size_t kSampledElements = 32;
 
-constexpr std::uint64_t kOnes = 0x0101010101010101;
-constexpr std::uint64_t kHighs = 0x8080808080808080;
-
-/// Sets the high bit of each byte of `word` that must be escaped, and possibly of bytes above such
-/// a byte, so only the lowest mark is reliable. A subtraction borrows into the high bit of an ASCII
-/// byte that is less than the subtrahend.
-constexpr std::uint64_t bytesToEscape(std::uint64_t word) {
-  const std::uint64_t borrows = ((word ^ (kOnes * '"')) - kOnes) |
-                                ((word ^ (kOnes * '\\')) - kOnes) |
-                                ((word ^ (kOnes * '/')) - kOnes) | (word - kOnes * 0x20);
-  return borrows & ~word & kHighs;
-}
-
-constexpr bool needsEscape(char c) {
-  return static_cast<unsigned char>(c) < 0x20 || c == '"' || c == '\\' || c == '/';
-}
-
-template <class Word>
-std::uint64_t wordAt(const char* bytes) {
-  Word word = 0;
-  std::memcpy(&word, bytes, sizeof word);
-  return word;
-}
-
-/// Loads the `count` bytes at `bytes`, one to seven, padded with spaces at the top. Overlapping
-/// loads take fewer steps than a load for each byte.
-std::uint64_t shortWord(const char* bytes, std::size_t count) {
-  std::uint64_t word = (kOnes * ' ') << (8 * count);
-  if (count >= 4) {
-    return word | wordAt<std::uint32_t>(bytes) |
-           wordAt<std::uint32_t>(bytes + count - 4) << (8 * (count - 4));
-  }
-  for (const std::size_t i : {std::size_t{0}, count / 2, count - 1})
-    word |= wordAt<std::uint8_t>(bytes + i) << (8 * i);
-  return word;
-}
-
-/// The position of the first byte at or after `i` that must be escaped. Bytes passed over are ORed
-/// into `highBits`.
-std::size_t nextEscape(std::string_view text, std::size_t i, std::uint64_t& highBits) {
-  if constexpr (std::endian::native == std::endian::little) {
-    std::uint64_t escapes = 0;
-    for (; i + 8 <= text.size(); i += 8) {
-      const auto word = wordAt<std::uint64_t>(text.data() + i);
-      highBits |= word;
-      escapes = bytesToEscape(word);
-      if (escapes != 0) return i + static_cast<std::size_t>(std::countr_zero(escapes)) / 8;
-    }
-    if (i == text.size()) return i;
-    const std::uint64_t word = shortWord(text.data() + i, text.size() - i);
-    highBits |= word;
-    escapes = bytesToEscape(word);
-    return escapes == 0 ? text.size() : i + static_cast<std::size_t>(std::countr_zero(escapes)) / 8;
-  }
-  for (; i < text.size() && !needsEscape(text[i]); ++i)
-    highBits |= static_cast<unsigned char>(text[i]);
-  return i;
-}
-
-void appendEscape(std::string& out, char c) {
-  constexpr std::string_view kHex = "0123456789abcdef";
-  switch (c) {
-    case '"':
-      out += "\\\"";
-      return;
-    case '\\':
-      out += "\\\\";
-      return;
-    case '/':
-      out += "\\/";
-      return;
-    case '\b':
-      out += "\\b";
-      return;
-    case '\t':
-      out += "\\t";
-      return;
-    case '\n':
-      out += "\\n";
-      return;
-    case '\f':
-      out += "\\f";
-      return;
-    case '\r':
-      out += "\\r";
-      return;
-    default:
-      break;
-  }
-  const auto byte = static_cast<unsigned char>(c);
-  out += "\\u00";
-  out += kHex[byte >> 4];
-  out += kHex[byte & 0xF];
-}
-
 [[noreturn]] void failToRepresent(std::string_view text) {
   const std::array<std::string, 1> shown = {wellFormedUTF8(text)};
   throw EncodingError::invalidValue(fillPlaceholders(
@@ -121,46 +25,84 @@ void appendEscape(std::string& out, char c) {
       shown));
 }
 
-template <class Integer>
-void appendInteger(std::string& out, Integer value) {
-  std::array<char, 20> digits;
-  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr;
-  out.append(digits.data(), end);
+/// Up to this length, the room for a text whose every byte is escaped is taken at once.
+constexpr std::size_t kShortText = 256;
+
+constexpr std::size_t roomForJSONString(std::size_t length) {
+  return roomForJSONCharacters(length) + 2;
+}
+
+/// Writes a text of at most kShortText to `to`, and returns its end.
+char* writeShortString(char* to, std::string_view text) {
+  bool isASCII = true;
+  *to++ = '"';
+  to = writeJSONCharacters(to, text, isASCII);
+  *to++ = '"';
+  if (!isASCII && !isValidUTF8(text)) failToRepresent(text);
+  return to;
+}
+
+/// Writes the text by parts: each byte may become six, and the room for all of them at once would
+/// be several times what a long text needs.
+void appendLongString(TextBuffer& out, std::string_view text) {
+  if (!isValidUTF8(text)) failToRepresent(text);
+  bool isASCII = true;
+  out += '"';
+  for (std::string_view left = text; !left.empty();) {
+    const std::string_view part = left.substr(0, kShortText);
+    out.advance(writeJSONCharacters(out.room(roomForJSONCharacters(part.size())), part, isASCII));
+    left.remove_prefix(part.size());
+  }
+  out += '"';
+}
+
+/// The most bytes of an integer, with its sign.
+constexpr std::size_t kMostDigits = 20;
+
+void appendInteger(TextBuffer& out, auto value) {
+  char* const to = out.room(kMostDigits);
+  out.advance(std::to_chars(to, to + kMostDigits, value).ptr);
 }
 
 }  // namespace
 
-void appendJSONString(std::string& out, std::string_view text) {
-  std::uint64_t highBits = 0;
-  out += '"';
-  for (std::size_t i = 0;;) {
-    const std::size_t escape = nextEscape(text, i, highBits);
-    out.append(text.data() + i, escape - i);
-    if (escape == text.size()) break;
-    appendEscape(out, text[escape]);
-    i = escape + 1;
-  }
-  out += '"';
-  if ((highBits & kHighs) != 0 && !isValidUTF8(text)) failToRepresent(text);
+void appendJSON(TextBuffer& out, std::string_view text) {
+  if (text.size() > kShortText) return appendLongString(out, text);
+  out.advance(writeShortString(out.room(roomForJSONString(text.size())), text));
 }
 
-void JSONEncoder::beginValue() {
-  if (++values_ > limits::kJSONValues && isWhole()) {
-    throw EncodingError::invalidValue("more than " + std::to_string(limits::kJSONValues) +
-                                      " values");
+void appendJSON(TextBuffer& out, double value) {
+  if (!std::isfinite(value)) {
+    std::string text;
+    appendDescription(text, value);
+    throw EncodingError::invalidValue("Unable to encode Double." + text + " directly in JSON.");
   }
-  separate();
+  out.advance(writeNumber(out.room(kMostNumberBytes), value));
 }
 
-void JSONEncoder::separate() {
-  if (depth_ == sample_.depth && depth_ != 0 && sample_.elementsLeft-- == 0) reserveForArray();
-  if (out_.size() >= fullSize_) passPiece();
-  if (!first_) out_ += ',';
-  first_ = false;
+void appendJSON(TextBuffer& out, std::int64_t value) { appendInteger(out, value); }
+
+void appendJSON(TextBuffer& out, std::uint64_t value) { appendInteger(out, value); }
+
+void JSONEncoder::failForValues() {
+  throw EncodingError::invalidValue("more than " + std::to_string(limits::kJSONValues) + " values");
+}
+
+void JSONEncoder::failForDepth() {
+  throw EncodingError::invalidValue("nested deeper than " + std::to_string(kMaximumDepth) +
+                                    " containers");
+}
+
+void JSONEncoder::finish() {
+  if (isWhole()) {
+    out_.commit();
+  } else {
+    passPiece();
+  }
 }
 
 void JSONEncoder::passPiece() {
-  receive_(out_);
+  receive_(out_.view());
   out_.clear();
 }
 
@@ -171,78 +113,46 @@ void JSONEncoder::reserveForArray() {
   constexpr std::size_t kMostAtOnce = std::size_t{16} << 20;
   const std::size_t perElement = (out_.size() - sample_.begin) / kSampledElements + 1;
   const std::size_t estimate = perElement * sample_.elementsAfter / 8 * 9;
-  out_.reserve(out_.size() + std::min(estimate, kMostAtOnce));
+  out_.reserve(std::min(estimate, kMostAtOnce));
   sample_ = {};
 }
 
-void JSONEncoder::begin(char bracket) {
-  beginValue();
-  if (++depth_ > kMaximumDepth) {
-    throw EncodingError::invalidValue("nested deeper than " + std::to_string(kMaximumDepth) +
-                                      " containers");
-  }
-  out_ += bracket;
-  first_ = true;
-}
-
-void JSONEncoder::end(char bracket) {
-  out_ += bracket;
-  --depth_;
-  first_ = false;
-}
-
-void JSONEncoder::beginRecord() { begin('{'); }
-
 void JSONEncoder::key(std::string_view key) {
-  separate();
-  appendJSONString(out_, key);
+  out_.advance(separate(0));
+  appendJSON(out_, key);
   out_ += ':';
-  first_ = true;
+  comma_ = 0;
 }
-
-void JSONEncoder::endRecord() { end('}'); }
 
 void JSONEncoder::beginArray(std::size_t count) {
   begin('[');
-  if (count >= 4 * kSampledElements && sample_.depth == 0 && isWhole())
+  if (count >= 4 * kSampledElements && sample_.depth == kNoDepth && isWhole())
     sample_ = {depth_, out_.size(), kSampledElements, count - kSampledElements};
 }
 
-void JSONEncoder::endArray() { end(']'); }
-
-void JSONEncoder::null() {
-  beginValue();
-  out_ += "null";
-}
-
-void JSONEncoder::boolean(bool value) {
-  beginValue();
-  out_ += value ? "true" : "false";
-}
-
 void JSONEncoder::integer(std::int64_t value) {
-  beginValue();
-  appendInteger(out_, value);
+  char* const to = beginValue(kMostDigits);
+  out_.advance(std::to_chars(to, to + kMostDigits, value).ptr);
 }
 
 void JSONEncoder::unsignedInteger(std::uint64_t value) {
-  beginValue();
-  appendInteger(out_, value);
+  char* const to = beginValue(kMostDigits);
+  out_.advance(std::to_chars(to, to + kMostDigits, value).ptr);
 }
 
 void JSONEncoder::real(double value) {
-  beginValue();
-  if (!std::isfinite(value)) {
-    std::string name = "Double.";
-    appendDescription(name, value);
-    throw EncodingError::invalidValue("Unable to encode " + name + " directly in JSON.");
-  }
-  appendNumber(out_, value);
+  out_.advance(beginValue(0));
+  appendJSON(out_, value);
 }
 
 void JSONEncoder::string(std::string_view value) {
-  beginValue();
-  appendJSONString(out_, value);
+  if (value.size() <= kShortText) {
+    char* const to = beginValue(roomForJSONString(value.size()));
+    out_.advance(writeShortString(to, value));
+    return;
+  }
+  out_.advance(beginValue(0));
+  appendLongString(out_, value);
 }
 
 void JSONEncoder::date(Date value) { real(value.secondsSinceReferenceDate); }

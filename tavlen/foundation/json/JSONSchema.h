@@ -12,6 +12,7 @@
 #include <variant>
 #include <vector>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/base/BoxedOptional.h"
 #include "tavlen/foundation/coding/Coding.h"
 #include "tavlen/foundation/coding/RawValueCoding.h"
@@ -38,7 +39,7 @@ template <class T>
 struct SchemaOf;
 
 /// Writes a schema into an encoder.
-class JSONSchemaWriter {
+class TAVLEN_API JSONSchemaWriter {
  public:
   /// Writes into `out`, which must outlive the writer.
   explicit JSONSchemaWriter(Encoder& out) : out_(out) {}

@@ -6,13 +6,15 @@
 #include <string_view>
 #include <vector>
 
+#include "tavlen/foundation/base/API.h"
+
 namespace tavlen {
 
 class RandomAccessFile;
 
 /// One image of a Mach-O file: all of a thin file, or a part of a fat one. The numbers are those of
 /// <mach-o/loader.h> and <mach/machine.h>.
-struct MachOSlice {
+struct TAVLEN_API MachOSlice {
   /// The kinds of files that the library tells apart.
   enum class FileType : std::uint32_t {
     object = 1,
@@ -44,7 +46,7 @@ struct MachOSlice {
 };
 
 /// The images in a Mach-O file.
-class MachOFile {
+class TAVLEN_API MachOFile {
  public:
   /// Reads the headers of `file`. Returns nothing for a file that is not Mach-O, or none of whose
   /// slices can be read; slices that cannot are left out. Throws std::system_error when reading

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/errors/CasedError.h"
 #include "tavlen/foundation/macho/MachOFile.h"
 #include "tavlen/foundation/macho/MachOMemory.h"
@@ -21,7 +22,7 @@ struct MachOCommands;
 ///
 /// Nothing in the file is trusted. Only the pages that are asked for are read.
 /// Threads: one object one thread at a time.
-class MachOImage {
+class TAVLEN_API MachOImage {
  public:
   /// The cases of Error.
   enum class ErrorCase { unsupportedArchitecture, damaged };
@@ -90,7 +91,7 @@ class MachOImage {
 };
 
 /// The error of an image that cannot be read.
-class MachOImage::Error : public CasedError<MachOImage::ErrorCase> {
+class TAVLEN_API MachOImage::Error : public CasedError<MachOImage::ErrorCase> {
  public:
   /// The slice has no 64-bit pointers.
   static Error unsupportedArchitecture(std::string architecture);

@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/base/LittleEndian.h"
 #include "tavlen/foundation/files/FilePages.h"
 
@@ -18,7 +19,7 @@ namespace tavlen {
 ///
 /// Any address may be asked for: one outside of the file gives nothing. Throws std::system_error
 /// when the file cannot be read. Threads: one object one thread at a time.
-class MachOMemory {
+class TAVLEN_API MachOMemory {
  public:
   /// A segment: a part of the file at an address.
   struct Segment {

@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "tavlen/foundation/base/API.h"
+
 struct objc_object;
 
 namespace tavlen {
@@ -13,7 +15,7 @@ namespace tavlen {
 /// selector count as arguments.
 ///
 /// Immutable, so threads may share an object.
-class MethodSignature {
+class TAVLEN_API MethodSignature {
  public:
   /// The signature of a method's type encoding such as "v24@0:8@16": the platform's own object
   /// under Apple's run time, our own reading of the encoding elsewhere. Null for an encoding that

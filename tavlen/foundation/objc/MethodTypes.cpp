@@ -25,4 +25,9 @@ std::optional<MethodTypes> splitMethodTypes(std::string_view encoding) {
   return types;
 }
 
+std::optional<std::size_t> faultInType(std::string_view encoding) {
+  TypeScanner scanner(encoding);
+  return scanner.skipType() ? std::nullopt : std::optional(scanner.position());
+}
+
 }  // namespace tavlen

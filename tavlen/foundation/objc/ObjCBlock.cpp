@@ -2,22 +2,24 @@
 
 #include <Block.h>
 
+// The block ABI's class of blocks that are not yet on the heap. Only the address of the array is
+// used. Apple's header declares it; the other run time's public header does not.
+#ifndef __APPLE__
 #ifdef __clang__
 #pragma clang diagnostic push
 #pragma clang diagnostic ignored "-Wreserved-identifier"
 #endif
-// The block ABI's class of blocks that are not yet on the heap. Only the address of the array is
-// used. The system's public headers do not declare it.
-extern "C" void* _NSConcreteStackBlock;
+extern "C" void* _NSConcreteStackBlock[];
 #ifdef __clang__
 #pragma clang diagnostic pop
+#endif
 #endif
 
 namespace tavlen {
 
 ObjCBlock::ObjCBlock(Header& literal) {
   constexpr int kHasCopyAndDispose = 1 << 25;
-  literal.isa = &_NSConcreteStackBlock;
+  literal.isa = _NSConcreteStackBlock;
   literal.flags = kHasCopyAndDispose;
   block_.reset(_Block_copy(&literal));
   if (block_ == nullptr) throw std::bad_alloc();

@@ -6,6 +6,8 @@
 #include <type_traits>
 #include <utility>
 
+#include "tavlen/foundation/base/API.h"
+
 namespace tavlen {
 
 /// A C++ callable as an Objective-C block, built by hand according to the public block ABI.
@@ -13,7 +15,7 @@ namespace tavlen {
 /// Created by makeBlock(), owned by this object. The receiver of get() may copy the block by the
 /// ABI's functions and call the copy later, from any thread, even after this object is destroyed.
 /// The captures are destroyed once, with the last copy.
-class ObjCBlock {
+class TAVLEN_API ObjCBlock {
  public:
   /// The block, which stays owned. Under GCC's run time it is not an object: do not retain it or
   /// put it into a collection.

@@ -72,6 +72,26 @@ std::vector<Class> allClasses() {
   return classes;
 }
 
+#else
+
+using CopiedNames = std::unique_ptr<const char*, decltype(&std::free)>;
+
+/// The path under which the run time knows the image at `path`. It compares bytes, and a path on
+/// the device often leads through a link, such as /var.
+std::string nameOfImage(const std::filesystem::path& path) {
+  unsigned count = 0;
+  const CopiedNames names(objc_copyImageNames(&count), &std::free);
+  const char* const* const begin = names.get();
+  const char* const* const end = begin + count;
+  const auto isPath = [&](const char* name) { return path.native() == name; };
+  if (std::any_of(begin, end, isPath)) return path;
+  const auto* const same = std::find_if(begin, end, [&](const char* name) {
+    std::error_code error;
+    return std::filesystem::equivalent(path, name, error);
+  });
+  return same == end ? path.string() : *same;
+}
+
 #endif
 
 }  // namespace
@@ -112,8 +132,8 @@ std::optional<std::string> imagePath(Class cls) {
 
 std::vector<Class> classesOfImage(const std::filesystem::path& path) {
   unsigned count = 0;
-  const std::unique_ptr<const char*, decltype(&std::free)> names(
-      objc_copyClassNamesForImage(path.c_str(), &count), &std::free);
+  const CopiedNames names(objc_copyClassNamesForImage(nameOfImage(path).c_str(), &count),
+                          &std::free);
   std::vector<Class> classes;
   classes.reserve(count);
   std::transform(names.get(), names.get() + count, std::back_inserter(classes),

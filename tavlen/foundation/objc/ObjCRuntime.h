@@ -7,6 +7,7 @@
 #include <string_view>
 #include <type_traits>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/base/FunctionRef.h"
 
 /// Objective-C from C++: classes by name, messages, texts. Works alike with the device's run time
@@ -21,23 +22,23 @@
 namespace tavlen::ObjCRuntime {
 
 /// The class named `name`; null when no loaded image defines it.
-Class classNamed(const char* name);
+TAVLEN_API Class classNamed(const char* name);
 
 /// Whether `object` is an instance of `cls` or of a subclass. Asks the run time, not the object, so
 /// it works for objects that do not implement isKindOfClass:. False when either is null.
-bool isKindOf(id object, Class cls);
+TAVLEN_API bool isKindOf(id object, Class cls);
 /// The same for the class named `className`.
-bool isKindOf(id object, const char* className);
+TAVLEN_API bool isKindOf(id object, const char* className);
 
 /// Whether the object's class implements `selector`. Forwarded messages do not count.
-bool respondsTo(id object, const char* selector);
+TAVLEN_API bool respondsTo(id object, const char* selector);
 
 /// A method's code, of unspecified type.
 using Implementation = void (*)();
 /// The code that a message `selector` to `receiver`, which is not null, runs.
-Implementation implementation(id receiver, SEL selector);
+TAVLEN_API Implementation implementation(id receiver, SEL selector);
 /// The selector named `name`, registered if it is new.
-SEL selectorNamed(const char* name);
+TAVLEN_API SEL selectorNamed(const char* name);
 
 /// Whether a result of this type is returned in registers. Larger results need another message
 /// function on some devices; nothing here uses them.
@@ -68,17 +69,17 @@ Result send(Class receiver, const char* selector, Arguments... arguments) {
 
 /// Runs `body`. Returns false when an Objective-C exception ended it. The exception is dropped,
 /// because it cannot be inspected from here. C++ exceptions propagate.
-bool runGuarded(FunctionRef<void()> body);
+TAVLEN_API bool runGuarded(FunctionRef<void()> body);
 
 /// The text of an NSString as UTF-8, with its NULs. Returns nothing for any other object, and for a
 /// text that has no UTF-8 form.
-std::optional<std::string> text(id string);
+TAVLEN_API std::optional<std::string> text(id string);
 
 /// An autoreleased NSString; nil when `text` is not well-formed UTF-8.
-id makeString(std::string_view text);
+TAVLEN_API id makeString(std::string_view text);
 
 /// RAII: an autorelease pool for the calling thread. A no-op when there is no NSAutoreleasePool.
-class AutoreleasePool {
+class TAVLEN_API AutoreleasePool {
  public:
   /// Begins the pool.
   AutoreleasePool();

@@ -10,6 +10,7 @@
 #include <variant>
 #include <vector>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/coding/CodingError.h"
 #include "tavlen/foundation/coding/Date.h"
 
@@ -26,7 +27,7 @@ namespace tavlen {
 /// contiguously, so a table takes a handful of allocations. Accessors return views, which are valid
 /// until the table changes. Nothing recurses, so lists of any depth can be built, read and
 /// destroyed. A plain value; threads may make const calls concurrently.
-class PropertyList {
+class TAVLEN_API PropertyList {
  public:
   /// The position of an object in the table.
   using Index = std::uint32_t;
@@ -110,6 +111,12 @@ class PropertyList {
   std::optional<T> get(Index index) const;
   /// The text of the string at `index`, which must be a string, as the keys of dictionaries are.
   std::string_view string(Index index) const { return bytes(objects_[index]); }
+  /// Begins to load the object at `index` into the caches, for a reader that soon needs it.
+  void prefetch(Index index) const { __builtin_prefetch(&objects_[index]); }
+  /// The same for the members of a dictionary. Waits for the object itself.
+  void prefetchMembers(Index index) const {
+    if (kind(index) == Kind::dictionary) __builtin_prefetch(members_.data() + objects_[index].bits);
+  }
   /// The identity of the object at `index`, which must not be a container.
   Scalar scalar(Index index) const;
 
@@ -179,9 +186,9 @@ std::optional<T> PropertyList::get(Index index) const {
 }
 
 /// The kind with an article, for messages: "a string".
-std::string_view description(PropertyList::Kind kind);
+TAVLEN_API std::string_view description(PropertyList::Kind kind);
 
 /// The error for a list that cannot be read: the platform's text, followed by `reason`.
-DecodingError invalidPropertyList(std::string_view reason);
+TAVLEN_API DecodingError invalidPropertyList(std::string_view reason);
 
 }  // namespace tavlen

@@ -4,6 +4,7 @@
 #include <optional>
 #include <vector>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/plist/PropertyList.h"
 
 namespace tavlen {
@@ -11,7 +12,7 @@ namespace tavlen {
 /// Builds a list from nested containers. A container is added to the list when it ends, so after
 /// its contents; the root comes last. Calls must be balanced. Throws std::length_error as
 /// PropertyList::add() does.
-class PropertyListBuilder {
+class TAVLEN_API PropertyListBuilder {
  public:
   /// The index of an object in the list.
   using Index = PropertyList::Index;

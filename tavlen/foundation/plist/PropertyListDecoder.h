@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/base/Limits.h"
 #include "tavlen/foundation/coding/Coding.h"
 #include "tavlen/foundation/coding/Decoder.h"
@@ -22,7 +23,7 @@ namespace tavlen {
 ///
 /// Beyond its limits it throws DecodingError::dataCorrupted: `kDeepest` nested containers (which
 /// ends a cycle) and SharedReferenceBudget. Threads: one object one thread at a time.
-class PropertyListDecoder final : public Decoder {
+class TAVLEN_API PropertyListDecoder final : public Decoder {
  public:
   /// Maximum nesting of containers.
   static constexpr std::size_t kDeepest = limits::kPropertyListDepth;

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/coding/Coding.h"
 #include "tavlen/foundation/coding/Encoder.h"
 #include "tavlen/foundation/plist/PropertyListBuilder.h"
@@ -12,7 +13,7 @@ namespace tavlen {
 /// Encodes one value into a table. A null is the string "$null"; a record keeps the order of its
 /// keys. Throws EncodingError for a string that is not valid UTF-8 and for more than `kDeepest`
 /// nested containers. Threads: one object one thread at a time.
-class PropertyListEncoder final : public Encoder {
+class TAVLEN_API PropertyListEncoder final : public Encoder {
  public:
   /// Maximum nesting of containers.
   static constexpr std::size_t kDeepest = 511;

@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/plist/PropertyList.h"
 
 namespace tavlen {
@@ -12,14 +13,14 @@ namespace tavlen {
 enum class PropertyListFormat { binary, xml };
 
 /// The form that the first bytes show; nothing for other files.
-std::optional<PropertyListFormat> propertyListFormatOf(std::string_view bytes);
+TAVLEN_API std::optional<PropertyListFormat> propertyListFormatOf(std::string_view bytes);
 
 /// Reads a list, whose form follows from its first bytes. Throws invalidPropertyList(). Threads:
 /// any.
-PropertyList readPropertyList(std::string_view bytes);
+TAVLEN_API PropertyList readPropertyList(std::string_view bytes);
 
 /// Writes `list`, which must not be empty. Throws EncodingError for values that the form cannot
 /// hold. Threads: any.
-std::string writePropertyList(const PropertyList& list, PropertyListFormat format);
+TAVLEN_API std::string writePropertyList(const PropertyList& list, PropertyListFormat format);
 
 }  // namespace tavlen

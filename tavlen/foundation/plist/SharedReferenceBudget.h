@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <string_view>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/base/Limits.h"
 #include "tavlen/foundation/plist/PropertyList.h"
 
@@ -16,7 +17,7 @@ namespace tavlen {
 /// limits::kDecodedBytesPerByte for each byte. A tree that is written out may take
 /// limits::kExpandedBytes plus limits::kExpandedBytesPerByte for each byte. Exceeding any is
 /// DecodingError::dataCorrupted.
-class SharedReferenceBudget {
+class TAVLEN_API SharedReferenceBudget {
  public:
   /// A budget for decoding `list`, which is not kept.
   explicit SharedReferenceBudget(const PropertyList& list);

@@ -1,6 +1,5 @@
 #include "tavlen/foundation/tasks/DatagramReceiver.h"
 
-#include <fcntl.h>
 #include <netinet/in.h>
 #include <poll.h>
 #include <sys/socket.h>
@@ -9,7 +8,6 @@
 #include <array>
 #include <cerrno>
 #include <string>
-#include <tuple>
 #include <utility>
 
 #include "tavlen/foundation/base/SystemError.h"
@@ -18,44 +16,6 @@
 namespace tavlen {
 
 namespace {
-
-#ifdef __linux__
-
-FileDescriptor makeSocket() {
-  FileDescriptor made(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0));
-  if (made.get() < 0) throwSystemError("socket");
-  return made;
-}
-
-std::pair<FileDescriptor, FileDescriptor> makePipe() {
-  std::array<int, 2> ends{};
-  if (::pipe2(ends.data(), O_CLOEXEC | O_NONBLOCK) != 0) throwSystemError("pipe2");
-  return {FileDescriptor(ends[0]), FileDescriptor(ends[1])};
-}
-
-#else
-
-void closeOnExec(const FileDescriptor& descriptor) {
-  if (::fcntl(descriptor.get(), F_SETFD, FD_CLOEXEC) != 0) throwSystemError("fcntl");
-}
-
-FileDescriptor makeSocket() {
-  FileDescriptor made(::socket(AF_INET, SOCK_DGRAM, 0));
-  if (made.get() < 0) throwSystemError("socket");
-  closeOnExec(made);
-  return made;
-}
-
-std::pair<FileDescriptor, FileDescriptor> makePipe() {
-  std::array<int, 2> ends{};
-  if (::pipe(ends.data()) != 0) throwSystemError("pipe");
-  std::pair<FileDescriptor, FileDescriptor> made(ends[0], ends[1]);
-  closeOnExec(made.first);
-  closeOnExec(made.second);
-  return made;
-}
-
-#endif
 
 /// Binds without SO_REUSEADDR, which would let a second receiver bind the port and take the
 /// datagrams. Returns the bound port.
@@ -101,8 +61,8 @@ class DatagramReceiver::ReceiveScope {
   bool mayReceive_ = false;
 };
 
-DatagramReceiver::DatagramReceiver(std::uint16_t port) : socket_(makeSocket()) {
-  std::tie(wake_, wakeSender_) = makePipe();
+DatagramReceiver::DatagramReceiver(std::uint16_t port)
+    : socket_(makeDatagramSocket()), wake_(Connection::pipe()) {
   port_ = bindPort(socket_, port);
 }
 
@@ -130,7 +90,8 @@ void DatagramReceiver::receive(std::size_t mostBytes, Handler handler) {
 /// Waits; returns false when the receiver is closed. The pipe is needed because closing the socket
 /// would not wake a thread in recv().
 bool DatagramReceiver::waitForDatagram() const {
-  std::array<pollfd, 2> descriptors = {{{socket_.get(), POLLIN, 0}, {wake_.get(), POLLIN, 0}}};
+  std::array<pollfd, 2> descriptors = {
+      {{socket_.get(), POLLIN, 0}, {wake_.first.get(), POLLIN, 0}}};
   const int count = retryOnInterrupt(
       [&] { return ::poll(descriptors.data(), static_cast<nfds_t>(descriptors.size()), -1); });
   return count > 0 && descriptors[1].revents == 0;
@@ -140,7 +101,7 @@ void DatagramReceiver::close() {
   std::unique_lock lock(lock_);
   if (!std::exchange(isClosed_, true)) {
     // Cannot block: a pipe has room for one byte, and nothing else is written to it.
-    (void)retryOnInterrupt([&] { return ::write(wakeSender_.get(), "", 1); });
+    (void)retryOnInterrupt([&] { return ::write(wake_.second.get(), "", 1); });
   }
   if (receiving_ == std::this_thread::get_id()) return;
   ended_.wait(lock, [this] { return receiving_ == std::thread::id(); });

@@ -7,8 +7,9 @@
 #include <string_view>
 #include <thread>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/base/FunctionRef.h"
-#include "tavlen/foundation/files/FileDescriptor.h"
+#include "tavlen/foundation/files/Connection.h"
 
 namespace tavlen {
 
@@ -16,7 +17,7 @@ namespace tavlen {
 /// thread closes it.
 ///
 /// Threads: any; one at a time may be in receive(). No lock is held while a handler runs.
-class DatagramReceiver {
+class TAVLEN_API DatagramReceiver {
  public:
   /// Handles one datagram, valid during the call. Returns whether to continue receiving.
   using Handler = FunctionRef<bool(std::string_view datagram)>;
@@ -50,8 +51,7 @@ class DatagramReceiver {
   std::mutex lock_;
   std::condition_variable ended_;
   FileDescriptor socket_;
-  FileDescriptor wake_;        ///< readable when the receiver is closed
-  FileDescriptor wakeSender_;  ///< the other end
+  Connection wake_;  ///< readable when the receiver is closed
   std::uint16_t port_ = 0;
   bool isClosed_ = false;
   std::thread::id receiving_;  ///< the thread in receive(), if any

@@ -8,14 +8,17 @@
 #include <memory>
 #include <mutex>
 
+#include "tavlen/foundation/base/API.h"
+
 namespace tavlen {
 
 /// A serial queue of work that the host drains: from its run loop on the device, from its main loop
-/// in a command, anywhere in tests. Nothing runs by itself.
+/// in a command, anywhere in tests. Nothing runs by itself; MainRunLoop.h connects it to a run
+/// loop.
 ///
 /// Threads: any. Work runs in the order of addition, one piece at a time, on the thread that
 /// drains. No lock is held while work or the handler of additions runs.
-class MainQueue {
+class TAVLEN_API MainQueue {
  public:
   /// A piece of work; its captures are destroyed on the draining thread.
   using Work = std::function<void()>;

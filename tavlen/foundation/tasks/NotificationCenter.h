@@ -10,10 +10,12 @@
 #include <string>
 #include <vector>
 
+#include "tavlen/foundation/base/API.h"
+
 namespace tavlen {
 
 /// A named event. A plain value.
-struct Notification {
+struct TAVLEN_API Notification {
   /// What happened; observers may select by it.
   std::string name;
   /// The poster. Compared by address, never dereferenced; null for none.
@@ -29,7 +31,7 @@ struct Notification {
 /// observers. An observer added during a post is not called in it; a removed one is not called any
 /// more, but a call that already runs on another thread is not waited for. An exception of a
 /// handler propagates from post() and skips the later observers.
-class NotificationCenter {
+class TAVLEN_API NotificationCenter {
  public:
   /// Called with each notification that an observer selects.
   using Handler = std::function<void(const Notification&)>;

@@ -2,6 +2,7 @@
 
 #include <mutex>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/base/FunctionRef.h"
 
 namespace tavlen {
@@ -9,7 +10,7 @@ namespace tavlen {
 /// Lets a caller make several changes without a notification for each.
 ///
 /// Threads: any. A recursive lock is held while a body runs.
-class NotificationPoster {
+class TAVLEN_API NotificationPoster {
  public:
   /// Posts until it is silenced.
   NotificationPoster() = default;

@@ -5,6 +5,8 @@
 #include <memory>
 #include <vector>
 
+#include "tavlen/foundation/base/API.h"
+
 namespace tavlen {
 
 /// The progress of a piece of work, as a tree. A child accounts for some units of its parent, and
@@ -17,7 +19,7 @@ namespace tavlen {
 ///
 /// Threads: any; each thread has its own current progress. No lock is held while a handler runs.
 /// The rules are those of the platform's class of this name.
-class Progress : public std::enable_shared_from_this<Progress> {
+class TAVLEN_API Progress : public std::enable_shared_from_this<Progress> {
   struct Access {};
 
  public:

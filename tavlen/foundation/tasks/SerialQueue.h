@@ -8,6 +8,7 @@
 #include <string>
 #include <thread>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/base/FunctionRef.h"
 
 namespace tavlen {
@@ -16,7 +17,7 @@ namespace tavlen {
 /// time.
 ///
 /// Threads: any. No lock is held while work runs.
-class SerialQueue {
+class TAVLEN_API SerialQueue {
  public:
   /// A piece of work; its captures are destroyed on the queue's thread.
   using Work = std::function<void()>;

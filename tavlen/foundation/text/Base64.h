@@ -5,20 +5,22 @@
 #include <string>
 #include <string_view>
 
+#include "tavlen/foundation/base/API.h"
+
 namespace tavlen {
 
 /// Encodes `bytes` in the standard alphabet (RFC 4648, section 4), padded, without line breaks.
-std::string base64FromBytes(std::string_view bytes);
+TAVLEN_API std::string base64FromBytes(std::string_view bytes);
 
 /// Whether a decoder accepts spaces, tabs and line ends, anywhere in the text.
 enum class Base64Blanks { refused, skipped };
 
 /// Decodes `text`, whose padding must be complete. Returns nothing for malformed text, which
 /// includes blanks unless `blanks` is `skipped`.
-std::optional<std::string> bytesFromBase64(std::string_view text,
-                                           Base64Blanks blanks = Base64Blanks::refused);
+TAVLEN_API std::optional<std::string> bytesFromBase64(std::string_view text,
+                                                      Base64Blanks blanks = Base64Blanks::refused);
 
 /// The number from 0 to 63 that `digit` stands for; nothing for any other character.
-std::optional<std::uint8_t> valueOfBase64Digit(char digit);
+TAVLEN_API std::optional<std::uint8_t> valueOfBase64Digit(char digit);
 
 }  // namespace tavlen

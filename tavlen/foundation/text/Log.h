@@ -3,6 +3,8 @@
 #include <functional>
 #include <string_view>
 
+#include "tavlen/foundation/base/API.h"
+
 /// The log for failures that the library answers with an empty result, which would otherwise go
 /// unnoticed.
 ///
@@ -13,15 +15,15 @@ namespace tavlen {
 using LogSink = std::function<void(std::string_view message)>;
 
 /// Passes `message` to the sink.
-void logMessage(std::string_view message);
+TAVLEN_API void logMessage(std::string_view message);
 
 /// Replaces the sink. An empty function restores the platform's own: the system log on the device,
 /// the standard error stream elsewhere. A call of the former sink may still be running on another
 /// thread.
-void setLogSink(LogSink sink);
+TAVLEN_API void setLogSink(LogSink sink);
 
 /// Writes `message` as one line to the standard error stream. Messages contain names from foreign
 /// files, so control characters are escaped.
-void logToStandardError(std::string_view message);
+TAVLEN_API void logToStandardError(std::string_view message);
 
 }  // namespace tavlen

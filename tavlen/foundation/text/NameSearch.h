@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/base/FunctionRef.h"
 
 namespace tavlen {
@@ -14,7 +15,7 @@ namespace tavlen {
 /// Searches texts for many names at once. Time for a text is its length times the logarithm of the
 /// number of names, times the length of names that begin alike. Threads: one object one thread at a
 /// time.
-class NameSearch {
+class TAVLEN_API NameSearch {
  public:
   /// A search for `names`, which may repeat. Empty ones occur nowhere.
   explicit NameSearch(const std::vector<std::string>& names);

@@ -3,10 +3,12 @@
 #include <optional>
 #include <string_view>
 
+#include "tavlen/foundation/base/API.h"
+
 namespace tavlen {
 
 /// A number's text, rounded to a double.
-struct NearestDouble {
+struct TAVLEN_API NearestDouble {
   double value;
   /// False if the number is finite and not zero, but `value` is an infinity or a zero.
   bool isInRange;
@@ -21,7 +23,7 @@ enum class RealForm {
 /// Reads all of `text` as a decimal number, or as "inf", "infinity", "nan" or "nan(...)" in upper
 /// or lower case; each may have a minus sign. Returns nothing for any other text, such as one with
 /// a blank or a plus sign.
-std::optional<NearestDouble> nearestDouble(std::string_view text,
-                                           RealForm form = RealForm::general);
+TAVLEN_API std::optional<NearestDouble> nearestDouble(std::string_view text,
+                                                      RealForm form = RealForm::general);
 
 }  // namespace tavlen

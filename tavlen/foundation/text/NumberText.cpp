@@ -2,11 +2,13 @@
 
 #include <dragonbox/dragonbox.h>
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
+#include <cstdlib>
 #include <string_view>
 
 namespace tavlen {
@@ -35,17 +37,15 @@ std::size_t writeDigits(std::array<char, 17>& digits, std::uint64_t number) {
 /// so one that divides back to the value is its shortest text. This costs half of the general
 /// algorithm.
 bool findFewDigits(double magnitude, ShortestDigits& result) {
-  static constexpr std::array<double, 7> kPowers = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6};
+  constexpr int kPlaces = 6;
+  constexpr double kScale = 1e6;
   if (magnitude < 1e-4 || magnitude >= 1e9) return false;
-  for (std::size_t places = 0; places < kPowers.size(); ++places) {
-    const double scaled = std::round(magnitude * kPowers[places]);
-    if (scaled / kPowers[places] != magnitude) continue;
-    result.count = writeDigits(result.digits, static_cast<std::uint64_t>(scaled));
-    result.exponent = static_cast<int>(result.count) - 1 - static_cast<int>(places);
-    while (result.count > 1 && result.digits[result.count - 1] == '0') --result.count;
-    return true;
-  }
-  return false;
+  const auto scaled = static_cast<std::int64_t>(magnitude * kScale + 0.5);
+  if (static_cast<double>(scaled) / kScale != magnitude) return false;
+  result.count = writeDigits(result.digits, static_cast<std::uint64_t>(scaled));
+  result.exponent = static_cast<int>(result.count) - 1 - kPlaces;
+  while (result.count > 1 && result.digits[result.count - 1] == '0') --result.count;
+  return true;
 }
 
 /// `magnitude` must be positive.
@@ -59,80 +59,85 @@ ShortestDigits shortestDigits(double magnitude) {
   return result;
 }
 
-/// Appends the part after the zero of a number below 1.
-void appendBelowOne(std::string& out, const ShortestDigits& number) {
-  out += '.';
-  out.append(static_cast<std::size_t>(-number.exponent - 1), '0');
-  out += number.view();
-}
+char* write(char* to, std::string_view text) { return to + text.copy(to, text.size()); }
 
-void appendDecimal(std::string& out, const ShortestDigits& number) {
+char* writeDecimal(char* to, const ShortestDigits& number) {
   const std::string_view digits = number.view();
   if (number.exponent < 0) {
-    out += '0';
-    return appendBelowOne(out, number);
+    *to++ = '0';
+    *to++ = '.';
+    return write(std::fill_n(to, -number.exponent - 1, '0'), digits);
   }
   const auto whole = static_cast<std::size_t>(number.exponent) + 1;
   if (digits.size() <= whole) {
-    out += digits;
-    out.append(whole - digits.size(), '0');
-    out += ".0";
-    return;
+    to = std::fill_n(write(to, digits), whole - digits.size(), '0');
+    return write(to, ".0");
   }
-  out += digits.substr(0, whole);
-  out += '.';
-  out += digits.substr(whole);
+  to = write(to, digits.substr(0, whole));
+  *to++ = '.';
+  return write(to, digits.substr(whole));
 }
 
-void appendExponential(std::string& out, const ShortestDigits& number) {
+char* writeExponential(char* to, const ShortestDigits& number) {
   const std::string_view digits = number.view();
-  out += digits[0];
+  *to++ = digits[0];
   if (digits.size() > 1) {
-    out += '.';
-    out += digits.substr(1);
+    *to++ = '.';
+    to = write(to, digits.substr(1));
   }
-  out += number.exponent < 0 ? "e-" : "e+";
+  to = write(to, number.exponent < 0 ? "e-" : "e+");
   const int magnitude = std::abs(number.exponent);
-  if (magnitude < 10) out += '0';
-  out += std::to_string(magnitude);
+  if (magnitude < 10) *to++ = '0';
+  return std::to_chars(to, to + 3, magnitude).ptr;
 }
 
-void appendNaN(std::string& out, double value) {
+char* writeNaN(char* to, double value) {
   const auto bits = std::bit_cast<std::uint64_t>(value);
   constexpr std::uint64_t kQuiet = 1ULL << 51;
   const std::uint64_t payload = bits & (kQuiet - 1);
-  if (std::signbit(value)) out += '-';
-  if ((bits & kQuiet) == 0) out += 's';
-  out += "nan";
-  if (payload == 0 || (bits & kQuiet) == 0) return;
-  std::array<char, 16> text;
-  const auto end = std::to_chars(text.data(), text.data() + text.size(), payload, 16).ptr;
-  out.append("(0x").append(text.data(), end).append(")");
+  if (std::signbit(value)) *to++ = '-';
+  if ((bits & kQuiet) == 0) *to++ = 's';
+  to = write(to, "nan");
+  if (payload == 0 || (bits & kQuiet) == 0) return to;
+  to = write(to, "(0x");
+  to = std::to_chars(to, to + 16, payload, 16).ptr;
+  *to++ = ')';
+  return to;
 }
 
 }  // namespace
 
-void appendDescription(std::string& out, double value) {
-  if (std::isnan(value)) return appendNaN(out, value);
-  if (std::signbit(value)) out += '-';
+char* writeDescription(char* to, double value) {
+  if (std::isnan(value)) return writeNaN(to, value);
+  if (std::signbit(value)) *to++ = '-';
   const double magnitude = std::fabs(value);
-  if (std::isinf(value)) {
-    out += "inf";
-  } else if (magnitude == 0) {
-    out += "0.0";
-  } else if (const ShortestDigits number = shortestDigits(magnitude);
-             number.exponent >= -4 && magnitude <= kLargestDecimal) {
-    appendDecimal(out, number);
-  } else {
-    appendExponential(out, number);
-  }
+  if (std::isinf(value)) return write(to, "inf");
+  if (magnitude == 0) return write(to, "0.0");
+  const ShortestDigits number = shortestDigits(magnitude);
+  const bool isDecimal = number.exponent >= -4 && magnitude <= kLargestDecimal;
+  return isDecimal ? writeDecimal(to, number) : writeExponential(to, number);
+}
+
+char* writeNumber(char* to, double value) {
+  char* const end = writeDescription(to, value);
+  return std::string_view(to, end).ends_with(".0") ? end - 2 : end;
+}
+
+void appendDescription(std::string& out, double value) {
+  std::array<char, kMostNumberBytes> text;
+  out.append(text.data(), writeDescription(text.data(), value));
 }
 
 void appendNumber(std::string& out, double value) {
-  appendDescription(out, value);
-  if (out.ends_with(".0")) out.resize(out.size() - 2);
+  std::array<char, kMostNumberBytes> text;
+  out.append(text.data(), writeNumber(text.data(), value));
 }
 
-void appendFraction(std::string& out, double value) { appendBelowOne(out, shortestDigits(value)); }
+void appendFraction(std::string& out, double value) {
+  const ShortestDigits number = shortestDigits(value);
+  out += '.';
+  out.append(static_cast<std::size_t>(-number.exponent - 1), '0');
+  out += number.view();
+}
 
 }  // namespace tavlen

@@ -9,6 +9,8 @@
 #include <string_view>
 #include <utility>
 
+#include "tavlen/foundation/base/API.h"
+
 namespace tavlen {
 
 /// An immutable text, or a piece of one, that several values share: a copy counts a reference and
@@ -16,7 +18,7 @@ namespace tavlen {
 /// be used like a std::string. Not terminated by a NUL.
 ///
 /// Threads: as for a plain value; copies in several threads may share their text.
-class SharedText {
+class TAVLEN_API SharedText {
  public:
   /// The heap that a text of its own takes at most, beyond its bytes.
   static constexpr std::size_t kOwnBytes = 64;

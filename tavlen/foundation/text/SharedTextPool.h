@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/base/HashIndex.h"
 #include "tavlen/foundation/text/SharedText.h"
 
@@ -15,7 +16,7 @@ namespace tavlen {
 /// little more than its bytes once the pool is gone; a block lives as long as any of its texts.
 ///
 /// Threads: one object one thread at a time; the texts are independent of the pool.
-class SharedTextPool {
+class TAVLEN_API SharedTextPool {
  public:
   /// `text`, shared with all who have asked this pool for an equal one. Throws std::bad_alloc.
   SharedText shared(std::string_view text);

@@ -5,10 +5,12 @@
 #include <string_view>
 #include <vector>
 
+#include "tavlen/foundation/base/API.h"
+
 namespace tavlen {
 
 /// A UTF-8 text in runs of one colour and font, for users of the library to draw. A plain value.
-class StyledText {
+class TAVLEN_API StyledText {
  public:
   /// Components from 0 to 1; the range is not checked.
   struct Color {

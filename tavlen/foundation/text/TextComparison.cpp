@@ -72,6 +72,13 @@ std::u16string folded(std::string_view utf8, const std::string& language) {
   std::u16string text = utf16FromUTF8(utf8);
   if (text.size() > kLongestText) return text;
   const bool isTurkic = language == "tr" || language == "az";
+  // Most names are ASCII, of which only the case changes.
+  if (!isTurkic && isASCII(utf8)) {
+    for (char16_t& unit : text) {
+      if (unit >= u'A' && unit <= u'Z') unit = static_cast<char16_t>(unit + 0x20);
+    }
+    return text;
+  }
   // Folding needs decomposed text, except for the dotted capital I of Turkic languages, which must
   // be composed.
   text = normalized(text, isTurkic ? unorm2_getNFCInstance : unorm2_getNFDInstance);
@@ -158,6 +165,31 @@ std::weak_ordering localizedCaseInsensitiveCompare(std::string_view left, std::s
       ucol_strcoll(rules.collator.get(), foldedLeft.data(), lengthOf(foldedLeft),
                    foldedRight.data(), lengthOf(foldedRight));
   return static_cast<int>(result) <=> 0;
+}
+
+std::string localizedCaseInsensitiveKey(std::string_view text) {
+  const LocaleRules& rules = localeRules();
+  const std::u16string units = folded(text, rules.language);
+  std::string key;
+  if (!rules.collator) {
+    for (const char16_t unit : units) {
+      key += static_cast<char>(unit >> 8);
+      key += static_cast<char>(unit & 0xFF);
+    }
+    return key;
+  }
+  const auto sortKey = [&] {
+    return ucol_getSortKey(rules.collator.get(), units.data(), lengthOf(units),
+                           reinterpret_cast<std::uint8_t*>(key.data()),
+                           static_cast<std::int32_t>(key.size()));
+  };
+  constexpr std::size_t kUsualBytes = 64;
+  key.resize(kUsualBytes);
+  const auto needed = static_cast<std::size_t>(sortKey());
+  const bool fits = needed <= key.size();
+  key.resize(needed);
+  if (!fits) sortKey();
+  return key;
 }
 
 bool localizedCaseInsensitiveContains(std::string_view text, std::string_view query) {

@@ -1,7 +1,10 @@
 #pragma once
 
 #include <compare>
+#include <string>
 #include <string_view>
+
+#include "tavlen/foundation/base/API.h"
 
 /// Sorting and searching of names by the rules of the user's locale, ignoring case but not accents.
 ///
@@ -13,10 +16,15 @@ namespace tavlen {
 
 /// The order of `left` and `right` in a sorted list. Punctuation and blanks count; digits compare
 /// one by one.
-std::weak_ordering localizedCaseInsensitiveCompare(std::string_view left, std::string_view right);
+TAVLEN_API std::weak_ordering localizedCaseInsensitiveCompare(std::string_view left,
+                                                              std::string_view right);
+
+/// Bytes whose order is the one of localizedCaseInsensitiveCompare(), for sorting many texts: each
+/// is then converted once. To be compared with keys of the same locale.
+TAVLEN_API std::string localizedCaseInsensitiveKey(std::string_view text);
 
 /// Whether `query` occurs in `text`, ending at the end of a character ("e" is not in "é"). False
 /// for an empty query.
-bool localizedCaseInsensitiveContains(std::string_view text, std::string_view query);
+TAVLEN_API bool localizedCaseInsensitiveContains(std::string_view text, std::string_view query);
 
 }  // namespace tavlen

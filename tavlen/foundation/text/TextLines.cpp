@@ -29,13 +29,12 @@ std::optional<std::string_view> existingLine(std::string_view text, std::size_t 
   return text.substr(begin);
 }
 
-/// The UTF-16 units of the UTF-8 character that begins with `byte`; 0 for its other bytes.
-std::size_t unitsOf(char byte) {
+}  // namespace
+
+std::size_t utf16UnitsOf(char byte) {
   if (isUTF8Continuation(byte)) return 0;
   return static_cast<unsigned char>(byte) >= 0xF0 ? 2 : 1;
 }
-
-}  // namespace
 
 std::size_t lineEndCount(std::string_view text) {
   std::size_t lines = 0;
@@ -57,12 +56,20 @@ std::optional<std::size_t> offsetAt(std::string_view text, TextPosition position
   const auto begin = static_cast<std::size_t>(line->data() - text.data());
   std::size_t column = 1;
   for (std::size_t i = 0; i < line->size(); ++i) {
-    const std::size_t units = unitsOf((*line)[i]);
+    const std::size_t units = utf16UnitsOf((*line)[i]);
     if (position.column < column + units) return begin + i;
     column += units;
   }
   if (position.column != column) return std::nullopt;
   return begin + line->size();
+}
+
+TextPosition linePositionAt(std::string_view text, std::size_t offset) {
+  const std::string_view before = text.substr(0, offset);
+  TextPosition position{lineEndCount(before) + 1, 1};
+  const std::string_view line = lineAt(before, position.line);
+  for (const char byte : line) position.column += utf16UnitsOf(byte);
+  return position;
 }
 
 }  // namespace tavlen

@@ -4,10 +4,12 @@
 #include <string>
 #include <string_view>
 
+#include "tavlen/foundation/base/API.h"
+
 namespace tavlen {
 
 /// A place in a text that people edit. A plain value.
-struct TextPosition {
+struct TAVLEN_API TextPosition {
   /// From 1.
   std::size_t line = 1;
   /// From 1; in code points, but for scripts (see TextLines.h).
@@ -20,6 +22,6 @@ struct TextPosition {
 };
 
 /// "12:9", as compilers write it.
-std::string description(TextPosition position);
+TAVLEN_API std::string description(TextPosition position);
 
 }  // namespace tavlen

@@ -122,11 +122,12 @@ std::string utf8FromUTF16(std::u16string_view text) {
   std::string out;
   out.reserve(text.size());
   for (std::size_t i = 0; i < text.size(); ++i) {
-    const char32_t unit = text[i];
+    const auto unit = static_cast<char32_t>(text[i]);
     if (!isSurrogate(unit)) {
       appendUTF8(out, unit);
-    } else if (isHighSurrogate(unit) && i + 1 < text.size() && isLowSurrogate(text[i + 1])) {
-      appendUTF8(out, joined(unit, text[++i]));
+    } else if (isHighSurrogate(unit) && i + 1 < text.size() &&
+               isLowSurrogate(static_cast<char32_t>(text[i + 1]))) {
+      appendUTF8(out, joined(unit, static_cast<char32_t>(text[++i])));
     } else {
       appendUTF8(out, kReplacement);
     }

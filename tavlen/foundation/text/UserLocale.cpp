@@ -6,6 +6,12 @@
 #include <array>
 #include <cstdint>
 
+#ifdef __APPLE__
+#include <CoreFoundation/CoreFoundation.h>
+
+#include <memory>
+#endif
+
 namespace tavlen {
 
 namespace {
@@ -23,12 +29,48 @@ std::string localePart(const Call& call) {
   return {buffer.data(), static_cast<std::size_t>(length)};
 }
 
+constexpr const char* kFallback = "en_US";
+
+}  // namespace
+
+#ifdef __APPLE__
+
+namespace {
+
+/// The tag of the language that the user prefers; empty without one. ICU's own default is
+/// en_US_POSIX in an app, whatever the user chose.
+std::string preferredLanguage() {
+  const std::unique_ptr<const void, decltype(&CFRelease)> languages(
+      CFLocaleCopyPreferredLanguages(), &CFRelease);
+  const auto list = static_cast<CFArrayRef>(languages.get());
+  if (list == nullptr || CFArrayGetCount(list) == 0) return {};
+  LocaleBuffer tag{};
+  const bool isText = CFStringGetCString(static_cast<CFStringRef>(CFArrayGetValueAtIndex(list, 0)),
+                                         tag.data(), tag.size(), kCFStringEncodingUTF8) != 0;
+  return isText ? tag.data() : "";
+}
+
 }  // namespace
 
 std::string userLocale() {
+  // A change of the languages takes effect when a program starts again.
+  static const std::string locale = localeOfLanguage(preferredLanguage());
+  return locale.empty() ? kFallback : locale;
+}
+
+#else
+
+std::string userLocale() {
   std::string locale = uloc_getDefault();
-  if (locale == "en_US_POSIX") return "en_US";
-  return locale;
+  return locale == "en_US_POSIX" ? kFallback : locale;
+}
+
+#endif
+
+std::string localeOfLanguage(const std::string& tag) {
+  return localePart([&](char* out, std::int32_t capacity, UErrorCode* status) {
+    return uloc_forLanguageTag(tag.c_str(), out, capacity, nullptr, status);
+  });
 }
 
 std::string languageOf(const std::string& locale) {

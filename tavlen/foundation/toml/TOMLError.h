@@ -3,6 +3,7 @@
 #include <string>
 #include <utility>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/base/DescribedError.h"
 #include "tavlen/foundation/text/TextPosition.h"
 
@@ -10,7 +11,7 @@ namespace tavlen {
 
 /// A TOML text that is malformed, or does not contain what a reader expects. The description is
 /// "12:9: expected a string". It is not translated.
-class TOMLError : public DescribedError {
+class TAVLEN_API TOMLError : public DescribedError {
  public:
   /// An error at `position`.
   TOMLError(TextPosition position, std::string text)
@@ -28,7 +29,7 @@ class TOMLError : public DescribedError {
 };
 
 /// An integer beyond those of TOML, which have 64 bits and a sign.
-class TOMLIntegerError : public TOMLError {
+class TAVLEN_API TOMLIntegerError : public TOMLError {
  public:
   TOMLIntegerError(TextPosition position, std::string text, std::string integer)
       : TOMLError(position, std::move(text)), integer_(std::move(integer)) {}

@@ -5,6 +5,7 @@
 #include <variant>
 #include <vector>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/coding/Date.h"
 #include "tavlen/foundation/text/TextPosition.h"
 
@@ -12,7 +13,7 @@ namespace tavlen {
 
 /// A value of a TOML document, with its place in the text. A plain value: readers fill in the
 /// positions, writers ignore them.
-struct TOMLNode {
+struct TAVLEN_API TOMLNode {
   struct Member;
   /// Values in order.
   using Array = std::vector<TOMLNode>;
@@ -32,7 +33,7 @@ struct TOMLNode {
 };
 
 /// A key and its value.
-struct TOMLNode::Member {
+struct TAVLEN_API TOMLNode::Member {
   /// Without quotes.
   std::string key;
   /// The value.

@@ -2,6 +2,7 @@
 
 #include <string_view>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/toml/TOMLError.h"
 #include "tavlen/foundation/toml/TOMLNode.h"
 
@@ -16,6 +17,6 @@ namespace tavlen {
 /// detail/TOMLPrescan.h explains. Time is otherwise linear in the text, up to a logarithm. The
 /// deepest text takes 750 kB of stack, so threads with less must not call this.
 /// Errors: TOMLError, TOMLIntegerError among them, for the first fault. Threads: any.
-TOMLNode::Table readTOML(std::string_view text);
+TAVLEN_API TOMLNode::Table readTOML(std::string_view text);
 
 }  // namespace tavlen

@@ -4,17 +4,18 @@
 #include <string>
 #include <string_view>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/toml/TOMLNode.h"
 
 namespace tavlen {
 
 /// Whether a date reads back from TOML to the bit: those that textFromDate() writes with at most
 /// nine digits of a second, but not the negative zero.
-bool hasTOMLForm(Date date);
+TAVLEN_API bool hasTOMLForm(Date date);
 
 /// A value on one line, as it is written after a key; line breaks in texts are escaped. Errors:
 /// EncodingError, as TOMLWriter.
-std::string lineFromTOML(const TOMLNode& value);
+TAVLEN_API std::string lineFromTOML(const TOMLNode& value);
 
 /// Writes TOML for people: one member on a line; an array that does not fit on a line has a line
 /// for each item, and a table that does not fit is written with dotted keys. readTOML() returns the
@@ -22,7 +23,7 @@ std::string lineFromTOML(const TOMLNode& value);
 ///
 /// Errors: EncodingError for text that is not UTF-8, and for a date without hasTOMLForm(). The text
 /// written so far then stays in `out`. Threads: one object one thread at a time.
-class TOMLWriter {
+class TAVLEN_API TOMLWriter {
  public:
   /// The length of a line, in bytes, from which arrays and tables are written on several.
   static constexpr std::size_t kLineLength = 100;

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <string_view>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/base/Limits.h"
 
 namespace tavlen {
@@ -15,13 +16,13 @@ class Progress;
 /// Both refuse the same things with the same ZIPError: links and special files, names that leave
 /// the folder or are not unique, and more entries or bytes than the limits. So every archive that
 /// is written can be read. Errors of the file system are std::system_error with the path. Files are
-/// copied through a buffer of fixed size; memory grows only with the number of entries. A given
-/// `progress` gets its units, in bytes; cancelling it ends the work with ECANCELED.
-/// Threads: any.
+/// copied through buffers of limited size, less than 32 MB together; memory grows only with the
+/// number of entries. A given `progress` gets its units, in bytes; cancelling it ends the work with
+/// ECANCELED. Threads: any.
 namespace ZIPArchive {
 
 /// Limits against archives that exhaust the device.
-struct Limits {
+struct TAVLEN_API Limits {
   /// Maximum number of files and folders, including parent folders implied by a path.
   std::uint64_t entries = limits::kArchiveEntries;
   /// Maximum size of a file, in bytes.
@@ -39,8 +40,8 @@ struct Limits {
 /// names are UTF-8. Times are left out and entries are sorted, so the same names, bytes and
 /// permissions make the same archive. Files with temporary names (isTemporaryName()) are left out.
 /// The archive is flushed to the disk before it gets its name. After an error there is no archive.
-void zipItem(const std::filesystem::path& item, const std::filesystem::path& archive,
-             Progress* progress = nullptr, const Limits& limits = {});
+TAVLEN_API void zipItem(const std::filesystem::path& item, const std::filesystem::path& archive,
+                        Progress* progress = nullptr, const Limits& limits = {});
 
 /// Unpacks `archive` into the new folder `destination`, which must not exist (EEXIST) and is
 /// private to its user. All names and records of the archive are checked before anything is
@@ -50,9 +51,9 @@ void zipItem(const std::filesystem::path& item, const std::filesystem::path& arc
 /// permission for group or others, plus u+rw and, for folders, u+x. Time is linear in the bytes of
 /// the names and files. No fsync: after a crash, extract again. After an error, `destination` is
 /// removed.
-void unzipItem(const std::filesystem::path& archive, const std::filesystem::path& destination,
-               Progress* progress = nullptr, const Limits& limits = {},
-               std::string_view onlyTop = {});
+TAVLEN_API void unzipItem(const std::filesystem::path& archive,
+                          const std::filesystem::path& destination, Progress* progress = nullptr,
+                          const Limits& limits = {}, std::string_view onlyTop = {});
 
 }  // namespace ZIPArchive
 

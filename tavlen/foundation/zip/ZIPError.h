@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/errors/CasedError.h"
 
 namespace tavlen {
@@ -33,7 +34,7 @@ enum class ZIPErrorCase {
 /// The error of an archive that is not read, or of a folder that is not archived. All cases but
 /// `damagedArchive` and `tooManyEntries` name the entry at fault, as in the archive; of two
 /// conflicting entries, the later one (for caseConflict, in the order of the names).
-class ZIPError : public CasedError<ZIPErrorCase> {
+class TAVLEN_API ZIPError : public CasedError<ZIPErrorCase> {
  public:
   /// `detail` replaces the placeholder of the case's text: the entry's name; for damagedArchive the
   /// fault, for tooManyEntries the limit.

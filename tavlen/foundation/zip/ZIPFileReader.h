@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/zip/ZIPArchive.h"
 
 namespace tavlen {
@@ -16,7 +17,7 @@ namespace tavlen {
 /// links, and entries that unzipItem() would refuse. Its directory must be sound, though, and have
 /// no more entries than the limit. Errors are ZIPError, and std::system_error with the path.
 /// Threads: one object one thread at a time.
-class ZIPFileReader {
+class TAVLEN_API ZIPFileReader {
  public:
   /// Reads the directory of `archive`.
   explicit ZIPFileReader(const std::filesystem::path& archive,

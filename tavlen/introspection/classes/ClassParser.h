@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/tasks/Progress.h"
 #include "tavlen/introspection/classes/ObjCClass.h"
 
@@ -15,7 +16,7 @@ class Executable;
 /// A source of the Objective-C classes of an image.
 ///
 /// Threads: any; each parser documents which of its calls wait for one another.
-class ClassParser {
+class TAVLEN_API ClassParser {
  public:
   /// Classes; never null.
   using Classes = std::vector<std::shared_ptr<ObjCClass>>;

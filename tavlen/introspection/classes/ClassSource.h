@@ -2,6 +2,8 @@
 
 #include <filesystem>
 
+#include "tavlen/foundation/base/API.h"
+
 namespace tavlen {
 
 /// What the classes of an image can be read from.
@@ -16,6 +18,6 @@ enum class ClassSource {
 /// below a device root other than "/", whose programs are never run; otherwise a process, for this
 /// machine's own libraries. Never its app, because that ends the app that the user may be working
 /// with. Throws std::system_error when the file cannot be read. Threads: any.
-ClassSource preferredClassSource(const std::filesystem::path& path);
+TAVLEN_API ClassSource preferredClassSource(const std::filesystem::path& path);
 
 }  // namespace tavlen

@@ -7,6 +7,7 @@
 #include <string>
 #include <unordered_map>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/base/FunctionRef.h"
 #include "tavlen/foundation/errors/CasedError.h"
 #include "tavlen/foundation/text/SharedTextPool.h"
@@ -26,7 +27,7 @@ namespace tavlen {
 /// Threads: any; calls wait for one another, including for a load. An initialiser run by a parse
 /// may use the same parser on its thread. An initialiser run concurrently by another load must not:
 /// it holds the loader's lock, for which the parse waits.
-class DynamicClassParser : public ClassParser {
+class TAVLEN_API DynamicClassParser : public ClassParser {
  public:
   /// The cases of Error.
   enum class ErrorCase { failed };
@@ -81,7 +82,7 @@ class DynamicClassParser : public ClassParser {
 };
 
 /// The error of an image that cannot be loaded.
-class DynamicClassParser::Error : public CasedError<DynamicClassParser::ErrorCase> {
+class TAVLEN_API DynamicClassParser::Error : public CasedError<DynamicClassParser::ErrorCase> {
  public:
   /// The image cannot be loaded.
   static Error failed();

@@ -7,10 +7,12 @@
 #include <string>
 #include <string_view>
 
+#include "tavlen/foundation/base/API.h"
+
 namespace tavlen {
 
 /// The identity of a method, and so of a hook within a tweak. A plain value.
-struct MethodIdentity {
+struct TAVLEN_API MethodIdentity {
   /// The class that defines the method.
   std::string className;
   /// The selector, with its colons.
@@ -31,7 +33,7 @@ inline std::string methodText(const MethodIdentity& identity) {
 
 /// Reads a method as methodText() writes it. The names of classes may contain blanks, as those of
 /// generic Swift classes do; selectors never do. Returns nothing for any other text.
-std::optional<MethodIdentity> methodNamed(std::string_view text);
+TAVLEN_API std::optional<MethodIdentity> methodNamed(std::string_view text);
 
 }  // namespace tavlen
 

@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/coding/Coding.h"
 #include "tavlen/foundation/text/SharedText.h"
 #include "tavlen/foundation/text/StyledText.h"
@@ -19,7 +20,7 @@ namespace tavlen {
 
 /// An Objective-C class of an image. Lists hold it by std::shared_ptr, never null. Threads: as for
 /// a plain value.
-class ObjCClass {
+class TAVLEN_API ObjCClass {
  public:
   /// Methods; never null.
   using Methods = std::vector<std::shared_ptr<ObjCMethod>>;

@@ -5,6 +5,7 @@
 #include <tuple>
 #include <utility>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/coding/Coding.h"
 #include "tavlen/foundation/text/SharedText.h"
 #include "tavlen/foundation/text/StyledText.h"
@@ -14,7 +15,7 @@ namespace tavlen {
 
 /// A method of an Objective-C class. Lists hold it by std::shared_ptr, never null. Threads: as for
 /// a plain value.
-class ObjCMethod {
+class TAVLEN_API ObjCMethod {
  public:
   /// The class name in archives.
   static constexpr std::string_view archivedClassName = "ObjCMethod";

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/base/FunctionRef.h"
 
 // The types to which the run time's `Class` and `Method` point.
@@ -23,17 +24,17 @@ namespace tavlen {
 ///
 /// If there are classes, makes a progress with one unit for each. It is current, with one pending
 /// unit, during each call.
-void objc_enumerateClassesOfImage(const std::filesystem::path& imagePath,
-                                  FunctionRef<void(objc_class* cls)> block);
+TAVLEN_API void objc_enumerateClassesOfImage(const std::filesystem::path& imagePath,
+                                             FunctionRef<void(objc_class* cls)> block);
 
 /// Calls `block` for each instance method, or each class method, of `cls` itself, in the run time's
 /// order, without inherited methods. A method that a category replaces occurs twice, and GCC's run
 /// time lists the instance methods of a root class as class methods as well.
-void class_enumerateMethods(objc_class* cls, bool instanceMethods,
-                            FunctionRef<void(objc_method* method)> block);
+TAVLEN_API void class_enumerateMethods(objc_class* cls, bool instanceMethods,
+                                       FunctionRef<void(objc_method* method)> block);
 
 /// The names of the protocols that `cls` itself adopts, in the run time's order; nothing when it
 /// adopts none.
-std::optional<std::vector<std::string>> class_copyProtocolNames(objc_class* cls);
+TAVLEN_API std::optional<std::vector<std::string>> class_copyProtocolNames(objc_class* cls);
 
 }  // namespace tavlen

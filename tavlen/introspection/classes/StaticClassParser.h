@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/errors/CasedError.h"
 #include "tavlen/foundation/macho/MachOFile.h"
 #include "tavlen/introspection/classes/ClassParser.h"
@@ -15,7 +16,7 @@ namespace tavlen {
 /// Reads classes from the Mach-O file of an image, without running any of its code.
 ///
 /// Threads: any; calls run concurrently.
-class StaticClassParser : public ClassParser {
+class TAVLEN_API StaticClassParser : public ClassParser {
  public:
   /// The cases of Error.
   enum class ErrorCase {
@@ -74,7 +75,7 @@ class StaticClassParser : public ClassParser {
 };
 
 /// The error of an image without readable classes.
-class StaticClassParser::Error : public CasedError<StaticClassParser::ErrorCase> {
+class TAVLEN_API StaticClassParser::Error : public CasedError<StaticClassParser::ErrorCase> {
  public:
   /// The file is not a Mach-O file.
   static Error notMachO();

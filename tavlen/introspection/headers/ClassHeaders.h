@@ -5,13 +5,14 @@
 #include <string_view>
 #include <vector>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/introspection/classes/ClassParser.h"
 #include "tavlen/introspection/classes/StaticClassParser.h"
 
 namespace tavlen {
 
 /// Objective-C headers of classes, as far as the records tell: superclass, protocols and methods.
-class ClassHeaders {
+class TAVLEN_API ClassHeaders {
  public:
   /// The file that all others import. It has the structs and unions, and declares superclasses and
   /// protocols from elsewhere. No class's header has that name.

@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/errors/CasedError.h"
 #include "tavlen/introspection/classes/ClassParser.h"
 
@@ -18,7 +19,7 @@ namespace tavlen {
 /// cancels the one before it. Throws Error::failed, and std::system_error when the archive was read
 /// but its folder cannot or must not be deleted. An agent that reports NaN, or a fraction whose
 /// percentage does not fit into 64 bits, ends the process.
-class RemoteClassParser : public ClassParser {
+class TAVLEN_API RemoteClassParser : public ClassParser {
  public:
   /// The cases of Error.
   enum class ErrorCase { failed };
@@ -30,7 +31,7 @@ class RemoteClassParser : public ClassParser {
 };
 
 /// The error of a failed dump.
-class RemoteClassParser::Error : public CasedError<RemoteClassParser::ErrorCase> {
+class TAVLEN_API RemoteClassParser::Error : public CasedError<RemoteClassParser::ErrorCase> {
  public:
   /// The dump failed; the log says why.
   static Error failed();

@@ -6,12 +6,14 @@
 #include <string>
 #include <string_view>
 
+#include "tavlen/foundation/base/API.h"
+
 namespace tavlen {
 
 /// A report of the dump agent in an app to the process that asked for the dump: its progress and,
 /// at the end, the path of the archive. Requests go the other way, in an environment variable of
 /// the app.
-struct TessaloopDatagram {
+struct TAVLEN_API TessaloopDatagram {
   /// The UDP port of the local host to which reports are sent.
   static constexpr std::uint16_t kPort = 5432;
   /// The environment variable with the image to dump: its full path or kMainImage.

@@ -3,6 +3,8 @@
 #include <cstddef>
 #include <string_view>
 
+#include "tavlen/foundation/base/API.h"
+
 namespace tavlen {
 
 /// The basic kinds of types. The values are fixed.
@@ -26,10 +28,10 @@ enum class JXPrimitiveType : unsigned {
 };
 
 /// The kind that `character` encodes.
-JXPrimitiveType JXPrimitiveTypeForEncoding(char character);
+TAVLEN_API JXPrimitiveType JXPrimitiveTypeForEncoding(char character);
 /// The character that encodes `type`; 0 for void_ and for invalid values.
-char JXEncodingForPrimitiveType(JXPrimitiveType type);
+TAVLEN_API char JXEncodingForPrimitiveType(JXPrimitiveType type);
 /// The name of `type` in C: `unsigned int`.
-std::string_view JXNameForPrimitiveType(JXPrimitiveType type);
+TAVLEN_API std::string_view JXNameForPrimitiveType(JXPrimitiveType type);
 
 }  // namespace tavlen

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/text/SharedText.h"
 #include "tavlen/introspection/types/JXTypeDescription.h"
 #include "tavlen/introspection/types/JXTypeQualifiers.h"
@@ -25,7 +26,7 @@ class JXTypeCursor;
 /// Bytes outside of the encoding's own characters are not interpreted: malformed UTF-8 is kept.
 ///
 /// Threads: any; several may read a tree concurrently while none sets the width of a bit field.
-class JXType {
+class TAVLEN_API JXType {
  public:
   /// Maximum nesting of containers. Past it, a container is replaced by a basic node for its
   /// opening character. Chosen so that such a tree still fits the JSON encoder's depth limit.
@@ -106,9 +107,9 @@ class JXType {
 /// Time is linear in the text. Memory: about 20 bytes per input byte, at most 73 (bit fields
 /// without a width); up to 90 during parsing, and three to four times that for a text made to be
 /// parsed as often as JXTypeParse allows. See bench/EncodingHeapBenchmark.cpp.
-std::shared_ptr<JXType> JXTypeForEncoding(std::string_view encoding);
+TAVLEN_API std::shared_ptr<JXType> JXTypeForEncoding(std::string_view encoding);
 
 /// The node for `v`.
-std::shared_ptr<JXType> JXTypeVoid();
+TAVLEN_API std::shared_ptr<JXType> JXTypeVoid();
 
 }  // namespace tavlen

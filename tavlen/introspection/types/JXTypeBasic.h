@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/introspection/types/JXPrimitiveType.h"
 #include "tavlen/introspection/types/JXType.h"
 
@@ -10,7 +11,7 @@ namespace tavlen {
 
 /// A type of one character. All characters that do not begin another type are basic types; unknown
 /// ones are printed as `void`.
-class JXTypeBasic final : public JXType {
+class TAVLEN_API JXTypeBasic final : public JXType {
  public:
   /// Whether an encoding that begins with `character` is of this class.
   static bool supportsEncoding(char character);

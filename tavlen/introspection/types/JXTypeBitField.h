@@ -4,12 +4,13 @@
 #include <memory>
 #include <string>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/introspection/types/JXType.h"
 
 namespace tavlen {
 
 /// A bit field of an `unsigned int`: `b3`.
-class JXTypeBitField final : public JXType {
+class TAVLEN_API JXTypeBitField final : public JXType {
  public:
   /// Whether an encoding that begins with `character` is of this class.
   static bool supportsEncoding(char character) { return character == 'b'; }

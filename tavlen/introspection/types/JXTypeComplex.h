@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/introspection/types/JXType.h"
 
 namespace tavlen {
@@ -14,7 +15,7 @@ namespace tavlen {
 ///
 /// The text is parsed as it is, even if a C++ template name ends it early. The encoding of a built
 /// node has no closing delimiter, `{CGPoint=dd`, and parsing accepts that.
-class JXTypeComplex : public JXType {
+class TAVLEN_API JXTypeComplex : public JXType {
  public:
   /// The types of the members; never null.
   using Types = std::vector<std::shared_ptr<JXType>>;

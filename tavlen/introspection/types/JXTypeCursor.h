@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/text/SharedText.h"
 #include "tavlen/introspection/types/JXType.h"
 #include "tavlen/introspection/types/JXTypeParse.h"
@@ -17,7 +18,7 @@ namespace tavlen {
 ///
 /// The text must live as long as the cursor, but not as long as the nodes: the first node that
 /// needs the text copies it, and all nodes parsed with this cursor share the copy.
-class JXTypeCursor {
+class TAVLEN_API JXTypeCursor {
  public:
   /// A cursor at the beginning of `text`.
   explicit JXTypeCursor(std::string_view text) : text_(text) {}
@@ -65,9 +66,9 @@ class JXTypeCursor {
 ///
 /// Past the depth or step limit, a container is replaced by a basic node for its opening character
 /// and parsing continues after that character.
-std::shared_ptr<JXType> JXTypeWithEncoding(JXTypeCursor& cursor);
+TAVLEN_API std::shared_ptr<JXType> JXTypeWithEncoding(JXTypeCursor& cursor);
 
 /// Parses the qualifiers at the cursor and moves the cursor past them.
-JXTypeQualifiers JXRemoveQualifiers(JXTypeCursor& cursor);
+TAVLEN_API JXTypeQualifiers JXRemoveQualifiers(JXTypeCursor& cursor);
 
 }  // namespace tavlen

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/introspection/types/JXType.h"
 
 namespace tavlen {
@@ -13,7 +14,7 @@ namespace tavlen {
 /// An object, with or without a class name and protocols, or a block.
 ///
 /// An empty name is not an absent one: `@""` has an empty name and is printed as ` *`.
-class JXTypeID final : public JXType {
+class TAVLEN_API JXTypeID final : public JXType {
  public:
   /// The names of protocols.
   using Protocols = std::vector<std::string_view>;

@@ -3,10 +3,12 @@
 #include <mutex>
 #include <string_view>
 
+#include "tavlen/foundation/base/API.h"
+
 namespace tavlen {
 
 /// A recursive mutex with a descriptive text.
-class JXTypeLock : public std::recursive_mutex {
+class TAVLEN_API JXTypeLock : public std::recursive_mutex {
  public:
   /// `string` must outlive the lock.
   explicit JXTypeLock(std::string_view string) : string_(string) {}

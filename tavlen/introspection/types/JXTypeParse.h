@@ -7,6 +7,8 @@
 #include <unordered_map>
 #include <vector>
 
+#include "tavlen/foundation/base/API.h"
+
 namespace tavlen {
 
 class JXType;
@@ -18,7 +20,7 @@ class JXType;
 /// in their depth. Two measures keep it linear. `readings` caches how a member was parsed at a
 /// position, so parsing it again is a look-up. Hostile texts that defeat the cache, because they
 /// nest differently each time, run into the limit on `steps`.
-struct JXTypeParse {
+struct TAVLEN_API JXTypeParse {
   /// RAII: a container being parsed. The outermost one resets the state, and clears the cache at
   /// its end.
   class Level {

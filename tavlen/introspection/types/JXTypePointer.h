@@ -3,12 +3,13 @@
 #include <memory>
 #include <string>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/introspection/types/JXType.h"
 
 namespace tavlen {
 
 /// A pointer to a type, or to a function of unknown type. `*` is a pointer to `char`.
-class JXTypePointer final : public JXType {
+class TAVLEN_API JXTypePointer final : public JXType {
  public:
   /// Whether an encoding that begins with `character` is of this class.
   static bool supportsEncoding(char character) { return character == '^' || character == '*'; }

@@ -4,6 +4,8 @@
 #include <optional>
 #include <string>
 
+#include "tavlen/foundation/base/API.h"
+
 namespace tavlen {
 
 /// The qualifiers before a type's own characters. A set of bits.
@@ -30,10 +32,10 @@ constexpr JXTypeQualifiers operator&(JXTypeQualifiers left, JXTypeQualifiers rig
 }
 
 /// The qualifier that `character` encodes; `none` for all other characters.
-JXTypeQualifiers JXTypeQualifierForEncoding(char character);
+TAVLEN_API JXTypeQualifiers JXTypeQualifierForEncoding(char character);
 
 /// The keywords of `qualifiers` in the order of their bits, separated by blanks (`const oneway`);
 /// nothing for the empty set. Unknown bits are ignored.
-std::optional<std::string> JXStringForTypeQualifiers(JXTypeQualifiers qualifiers);
+TAVLEN_API std::optional<std::string> JXStringForTypeQualifiers(JXTypeQualifiers qualifiers);
 
 }  // namespace tavlen

@@ -4,8 +4,10 @@
 #include <chrono>
 #include <thread>
 
+#include "tavlen/foundation/files/Connection.h"
 #include "tavlen/foundation/files/DirectoryWatcher.h"
 #include "tavlen/foundation/files/FileReplacement.h"
+#include "tavlen/foundation/files/PeerEnd.h"
 #include "tavlen/foundation/files/RandomAccessFile.h"
 #include "tavlen/foundation/files/URL.h"
 #include "tests/support/TableFile.h"
@@ -174,6 +176,34 @@ TEST(URL, referencesAreResolved) {
   EXPECT_EQ(URL{"http://a"}.resolved("g").absoluteString, "http://a/g");
   EXPECT_EQ(URL{"a/b"}.resolved("../../c").absoluteString, "/c");
   EXPECT_EQ(URL{""}.resolved("g").absoluteString, "g");
+}
+
+TEST(Connection, CarriesOneWayOrBothAndIsNotInherited) {
+  for (const auto make : {Connection::pipe, Connection::socketPair}) {
+    const Connection made = make();
+    made.second.write("x", "");
+    std::array<char, 2> bytes{};
+    EXPECT_EQ(made.first.read(bytes, ""), 1U);
+    for (const FileDescriptor* end : {&made.first, &made.second}) {
+      EXPECT_EQ(::fcntl(end->get(), F_GETFD), FD_CLOEXEC);
+    }
+  }
+}
+
+TEST(PeerEnd, IsReportedForPipes) {
+  const auto isReported = [](const FileDescriptor& descriptor) {
+    pollfd entry = pollForPeerEnd(descriptor.get());
+    return ::poll(&entry, 1, 0) == 1;
+  };
+  for (const auto& [kept, closed] : {std::pair(&Connection::first, &Connection::second),
+                                     std::pair(&Connection::second, &Connection::first)}) {
+    Connection pipe = Connection::pipe();
+    EXPECT_FALSE(isReported(pipe.*kept));
+    pipe.*closed = FileDescriptor();
+    EXPECT_TRUE(isReported(pipe.*kept));
+  }
+  const TemporaryFolder folder;  // a file can always be read, which is no end
+  EXPECT_FALSE(isReported(FileDescriptor::open(folder.write("file", "x"), O_RDONLY)));
 }
 
 using Wake = DirectoryWatcher::Wake;

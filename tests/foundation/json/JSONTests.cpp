@@ -167,8 +167,10 @@ std::string errorOf(const std::string& json) {
 }
 
 TEST(JSONDecoder, SaysWhatIsWrongAndWhere) {
-  for (const auto& row : tableFrom("json-errors.txt", 3)) {
+  for (const auto& row : tableFrom("json-errors.txt", 4)) {
     EXPECT_EQ(errorOf<Outer>(row[0]), row[1] + ": " + row[2]);
+    const auto error = thrown<DecodingError>([&] { decodeJSON<Outer>("\n " + row[0]); });
+    EXPECT_EQ("2:" + row[3], description(error.value().position().value())) << row[0];
   }
   EXPECT_EQ(
       errorOf<Outer>("{\n  \"list\" [] }"),

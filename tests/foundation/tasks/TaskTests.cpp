@@ -2,15 +2,18 @@
 
 #include <array>
 #include <atomic>
+#include <deque>
 #include <future>
 #include <stdexcept>
 #include <system_error>
 
 #include "tavlen/foundation/tasks/DatagramReceiver.h"
 #include "tavlen/foundation/tasks/MainQueue.h"
+#include "tavlen/foundation/tasks/MainRunLoop.h"
 #include "tavlen/foundation/tasks/NotificationCenter.h"
 #include "tavlen/foundation/tasks/NotificationPoster.h"
 #include "tavlen/foundation/tasks/SerialQueue.h"
+#include "tests/support/LogLines.h"
 #include "tests/support/Threads.h"
 #include "tests/support/UDPSender.h"
 
@@ -59,6 +62,32 @@ TEST(MainQueue, TellsItsHostOfAdditions) {
   queue.setWorkAddedHandler({});
   queue.async([] {});
   EXPECT_EQ(additions, 2);
+}
+
+TEST(MainQueue, IsDrainedByARunLoop) {
+  MainQueue queue;
+  std::string ran;
+  queue.async([&] { ran += '1'; });  // before the loop knows it
+  std::deque<std::function<void()>> loop;
+  const auto runLoop = [&] {
+    while (!loop.empty()) {
+      const auto work = std::move(loop.front());
+      loop.pop_front();
+      work();
+    }
+  };
+  drainInRunLoop(queue, [&](std::function<void()> work) { loop.push_back(std::move(work)); });
+  EXPECT_EQ(ran, "") << "not on the loop";
+  queue.async([&] {
+    queue.async([&] { ran += '2'; });
+    runLoop();  // within work, where the addition stays
+    EXPECT_EQ(ran, "1");
+    throw std::runtime_error("broken");
+  });
+  const LogLines log;
+  runLoop();
+  EXPECT_EQ(ran, "12");
+  EXPECT_EQ(log.count("broken"), 1);
 }
 
 TEST(MainQueue, IsSerialWhateverThreadsAddAndDrain) {

@@ -35,6 +35,7 @@ TEST(TextLines, APlaceLeadsToItsByte) {
     const std::string_view line = lineAt(kText, c.place.line);
     const auto before = *offset - static_cast<std::size_t>(line.data() - kText.data());
     EXPECT_EQ(line.substr(before), *c.rest);
+    EXPECT_EQ(offsetAt(kText, linePositionAt(kText, *offset)), offset);
   }
 }
 

@@ -169,6 +169,23 @@ TEST_F(ZIPTree, ComesBackWithNamesBytesAndPermissions) {
   expectTree(folder_.path() / "slash.zip");
 }
 
+TEST_F(ZIPTree, LargeFilesComeBackFromBlocksInTheSameArchiveEachTime) {
+  constexpr std::size_t kMB = 1 << 20;
+  std::string text;
+  while (text.size() < 4 * kMB) text += std::to_string(text.size() * 7919) + " words, ";
+  for (const std::size_t size : {2 * kMB, 2 * kMB + 1, 3 * kMB, 4 * kMB - 1}) {
+    folder_.write("Payload/text" + std::to_string(size), text.substr(0, size));
+    folder_.write("Payload/noise" + std::to_string(size), noise(size));
+    folder_.write("Payload/both" + std::to_string(size), text.substr(0, size / 2) + noise(size));
+  }
+  ZIPArchive::zipItem(item(), archive());
+  run("unzip -tq " + archive().string() + " >/dev/null");
+  expectTree(archive());
+  ZIPArchive::zipItem(item(), folder_.path() / "again.zip");
+  EXPECT_TRUE(readFile(folder_.path() / "again.zip") == readFile(archive()));
+  EXPECT_LT(fs::file_size(archive()), 28 * kMB);  // of which 22 are noise, before 16 of text
+}
+
 TEST_F(ZIPTree, ArchivesOfOtherProgramsAreTaken) {
   const std::string in = "cd " + folder_.path().string() + " && ";
   const std::string python =

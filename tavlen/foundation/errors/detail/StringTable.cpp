@@ -149,7 +149,7 @@ void Scanner::takeEscape(std::string& out) {
   const char letter = rest_[0];
   if (digitValue(letter) < 8) {
     const std::uint32_t byte = takeDigits(8, 3) & 0xFF;
-    appendUTF8(out, byte < 0x80 ? byte : kNextStep[byte - 0x80]);
+    appendUTF8(out, byte < 0x80 ? byte : static_cast<char32_t>(kNextStep[byte - 0x80]));
     return;
   }
   if (letter == 'U' && rest_.size() > 1 && digitValue(rest_[1]) < 16) {

@@ -1,11 +1,10 @@
 #include "tavlen/foundation/javascript/detail/JavaScriptString.h"
 
-#include <JavaScriptCore/JavaScript.h>
-
 #include <cstdint>
 #include <limits>
 #include <stdexcept>
 
+#include "tavlen/foundation/javascript/detail/JavaScriptEngine.h"
 #include "tavlen/foundation/text/Unicode.h"
 
 namespace tavlen {
@@ -18,15 +17,15 @@ JavaScriptString::JavaScriptString(std::string_view text) {
   if (units.size() > std::numeric_limits<std::int32_t>::max()) {
     throw std::length_error("text too long for a JavaScript string");
   }
-  string_ =
-      JSStringCreateWithCharacters(reinterpret_cast<const JSChar*>(units.data()), units.size());
+  string_ = engine().JSStringCreateWithCharacters(reinterpret_cast<const JSChar*>(units.data()),
+                                                  units.size());
 }
 
-JavaScriptString::~JavaScriptString() { JSStringRelease(string_); }
+JavaScriptString::~JavaScriptString() { engine().JSStringRelease(string_); }
 
 std::string JavaScriptString::utf8() const {
-  const auto* units = reinterpret_cast<const char16_t*>(JSStringGetCharactersPtr(string_));
-  return utf8FromUTF16({units, JSStringGetLength(string_)});
+  const auto* units = reinterpret_cast<const char16_t*>(engine().JSStringGetCharactersPtr(string_));
+  return utf8FromUTF16({units, engine().JSStringGetLength(string_)});
 }
 
 }  // namespace tavlen

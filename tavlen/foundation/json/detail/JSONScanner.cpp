@@ -1,11 +1,9 @@
 #include "tavlen/foundation/json/detail/JSONScanner.h"
 
-#include <algorithm>
 #include <array>
 #include <bit>
 #include <cstdint>
 #include <cstring>
-#include <functional>
 
 #include "tavlen/foundation/base/Limits.h"
 #include "tavlen/foundation/coding/CodingError.h"
@@ -292,15 +290,13 @@ void JSONScanner::skipContainer(char opening, Again again) {
   }
 }
 
+TextPosition JSONScanner::textPositionOf(const char* place) const {
+  return TextPosition::at({begin_, end_}, static_cast<std::size_t>(place - begin_));
+}
+
 void JSONScanner::fail(std::string_view reason) const {
-  const std::size_t line = 1 + static_cast<std::size_t>(std::count(begin_, position_, '\n'));
-  const char* lineBegin = position_;
-  while (lineBegin != begin_ && lineBegin[-1] != '\n') --lineBegin;
-  // Columns count characters, as editors do, so UTF-8 continuation bytes are left out.
-  const auto column = 1 + std::count_if(lineBegin, position_, std::not_fn(isUTF8Continuation));
-  throw DecodingError::dataCorrupted("The given data was not valid JSON: " + std::string(reason) +
-                                     " at line " + std::to_string(line) + ", column " +
-                                     std::to_string(column));
+  throw DecodingError::malformedText("The given data was not valid JSON: " + std::string(reason),
+                                     textPositionOf(position_));
 }
 
 }  // namespace tavlen

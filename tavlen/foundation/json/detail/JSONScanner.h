@@ -5,6 +5,8 @@
 #include <string_view>
 #include <unordered_map>
 
+#include "tavlen/foundation/text/TextPosition.h"
+
 namespace tavlen {
 
 /// A position in a JSON text that moves from token to token. Used only by JSONDecoder.
@@ -51,6 +53,9 @@ class JSONScanner {
 
   void setDepth(std::size_t depth) { depth_ = depth; }
   std::size_t depth() const { return depth_; }
+
+  /// The line and column of `place` in the text.
+  TextPosition textPositionOf(const char* place) const;
 
   [[noreturn]] void fail(std::string_view reason) const;
 

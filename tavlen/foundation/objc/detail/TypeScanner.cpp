@@ -79,9 +79,8 @@ std::optional<std::uint64_t> TypeScanner::skipNumber() {
 bool TypeScanner::skipQuoted() {
   if (!skip('"')) return false;
   const std::size_t end = text_.find('"', position_);
-  if (end == std::string_view::npos) return false;
-  position_ = end + 1;
-  return true;
+  position_ = end == std::string_view::npos ? text_.size() : end + 1;
+  return end != std::string_view::npos;
 }
 
 bool TypeScanner::skipName() {

@@ -14,7 +14,7 @@ inline constexpr std::string_view kTypeQualifiers = "rnNoORVAj";
 ///
 /// Pieces are found by their brackets, without recursion; the contents of aggregates and the
 /// targets of pointers are not validated. The position never moves past the end. When a function
-/// returns false, the text is malformed and the position unspecified.
+/// returns false, the text is malformed at the position, which is the end of an incomplete text.
 class TypeScanner {
  public:
   explicit TypeScanner(std::string_view text) : text_(text) {}

@@ -31,7 +31,7 @@ std::string fromCodePage437(std::string_view text) {
   std::string out;
   for (const char character : text) {
     const auto byte = static_cast<unsigned char>(character);
-    appendUTF8(out, byte < 0x80 ? byte : kCodePage437[byte - 0x80U]);
+    appendUTF8(out, byte < 0x80 ? byte : static_cast<char32_t>(kCodePage437[byte - 0x80U]));
   }
   return out;
 }

@@ -1,25 +1,29 @@
 #include "tavlen/foundation/zip/detail/ZIPWriter.h"
 
+#include <zlib.h>
+
 #include <algorithm>
 #include <cerrno>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 
 #include "tavlen/foundation/base/SystemError.h"
+#include "tavlen/foundation/zip/detail/ZIPDeflation.h"
 #include "tavlen/foundation/zip/detail/ZIPSource.h"
 
 namespace tavlen {
 
 namespace {
 
-/// A file to be archived. libzip opens it when it gets to it, so the number of entries is not
-/// limited by descriptors.
+/// A file to be archived, as libzip reads it: deflated.
 class ItemSource {
  public:
-  ItemSource(const ZIPItem& item, ByteProgress& progress, ZIPFailure& failure)
-      : item_(item), progress_(progress), failure_(failure) {}
+  ItemSource(const ZIPItem& item, ZIPDeflation& deflation, ByteProgress& progress,
+             ZIPFailure& failure)
+      : item_(item), deflation_(deflation), progress_(progress), failure_(failure) {}
 
   ZIPFailure& failure() { return failure_; }
 
@@ -28,13 +32,14 @@ class ItemSource {
       case ZIP_SOURCE_SUPPORTS:
         return ZIP_SOURCE_SUPPORTS_READABLE;
       case ZIP_SOURCE_STAT:
-        return answerZIPStat(data, item_.size);
+        return answerStat(data);
       case ZIP_SOURCE_OPEN:
-        return open();
+        progress_.add(0);
+        return 0;
       case ZIP_SOURCE_READ:
-        return read({static_cast<char*>(data), std::min(length, rest_)});
+        return read({static_cast<char*>(data), length});
       case ZIP_SOURCE_CLOSE:
-        file_ = FileDescriptor();
+        part_.reset();
         return 0;
       default:
         return -1;
@@ -42,26 +47,51 @@ class ItemSource {
   }
 
  private:
-  zip_int64_t open() {
-    file_ = FileDescriptor::open(item_.path, kOpenToRead | O_NOFOLLOW);
-    if (!S_ISREG(file_.status(item_.path).st_mode)) throwSystemError(EINVAL, item_.path);
-    rest_ = item_.size;
-    progress_.add(0);
-    return 0;
+  /// libzip asks once more after it has read everything, for what is only known then.
+  zip_int64_t answerStat(void* data) const {
+    const zip_int64_t size = answerZIPStat(data, isRead_ ? size_ : item_.size);
+    auto& status = *static_cast<zip_stat_t*>(data);
+    status.valid |= ZIP_STAT_COMP_METHOD;
+    status.comp_method = ZIP_CM_DEFLATE;
+    if (isRead_) {
+      status.valid |= ZIP_STAT_CRC;
+      status.crc = crc_;
+    }
+    return size;
   }
 
   zip_int64_t read(std::span<char> bytes) {
-    const std::size_t count = file_.read(bytes, item_.path);
-    rest_ -= count;
-    if (count > 0) progress_.add(count);
+    std::size_t count = 0;
+    while (count == 0 && !isRead_) {
+      if (!part_) takePart();
+      count = part_->bytes.copy(bytes.data(), bytes.size(), used_);
+      used_ += count;
+      if (used_ < part_->bytes.size()) break;
+      isRead_ = part_->isLast;
+      part_.reset();  // its memory is not needed while the next one is awaited
+    }
     return static_cast<zip_int64_t>(count);
   }
 
+  void takePart() {
+    part_ = deflation_.take();
+    if (part_->item != &item_) throwSystemError(EIO, item_.path);  // libzip changed the order
+    used_ = 0;
+    size_ += part_->size;
+    crc_ = static_cast<std::uint32_t>(
+        ::crc32_combine(crc_, part_->crc, static_cast<z_off_t>(part_->size)));
+    if (part_->size > 0) progress_.add(part_->size);
+  }
+
   const ZIPItem& item_;
+  ZIPDeflation& deflation_;
   ByteProgress& progress_;
   ZIPFailure& failure_;
-  FileDescriptor file_;
-  std::uint64_t rest_ = 0;
+  std::optional<ZIPDeflation::Part> part_;
+  std::size_t used_ = 0;    ///< of the part's bytes
+  std::uint64_t size_ = 0;  ///< of the file, as far as it was read
+  std::uint32_t crc_ = 0;   ///< the same
+  bool isRead_ = false;
 };
 
 /// The archive being written. Buffers libzip's small writes.
@@ -155,12 +185,12 @@ class Writer {
     if (zip_ != nullptr) zip_discard(zip_);
   }
 
-  void add(const ZIPItem& item, ByteProgress& progress) {
-    constexpr zip_uint32_t kFastest = 1;
+  void add(const ZIPItem& item, ZIPDeflation& deflation, ByteProgress& progress) {
     constexpr std::uint32_t kDOSFolder = 0x10;
     // 1 January 1980, the first day that the format can hold.
     constexpr zip_uint16_t kFirstDay = 1U << 5U | 1U;
-    const zip_int64_t added = item.isFolder() ? addFolder(item) : addFile(item, progress);
+    const zip_int64_t added =
+        item.isFolder() ? addFolder(item) : addFile(item, deflation, progress);
     require(added >= 0);
     const auto index = static_cast<zip_uint64_t>(added);
     const std::uint32_t kind = item.isFolder() ? S_IFDIR : S_IFREG;
@@ -168,11 +198,10 @@ class Writer {
         (kind | (item.mode & 0777U)) << 16U | (item.isFolder() ? kDOSFolder : 0);
     require(zip_file_set_external_attributes(zip_, index, 0, ZIP_OPSYS_UNIX, attributes) == 0);
     require(zip_file_set_dostime(zip_, index, 0, kFirstDay, 0) == 0);
-    require(item.isFolder() ||
-            zip_set_file_compression(zip_, index, ZIP_CM_DEFLATE, kFastest) == 0);
+    require(item.isFolder() || zip_set_file_compression(zip_, index, ZIP_CM_DEFLATE, 0) == 0);
   }
 
-  /// libzip reads the files and writes the archive within this call.
+  /// libzip takes the parts of the files and writes the archive within this call.
   void finish() {
     require(zip_close(zip_) == 0);
     zip_ = nullptr;
@@ -183,8 +212,9 @@ class Writer {
     return zip_dir_add(zip_, item.name.c_str(), ZIP_FL_ENC_UTF_8);
   }
 
-  zip_int64_t addFile(const ZIPItem& item, ByteProgress& progress) {
-    zip_source_t* source = makeZIPSource(std::make_unique<ItemSource>(item, progress, failure_));
+  zip_int64_t addFile(const ZIPItem& item, ZIPDeflation& deflation, ByteProgress& progress) {
+    zip_source_t* source =
+        makeZIPSource(std::make_unique<ItemSource>(item, deflation, progress, failure_));
     const zip_int64_t index = zip_file_add(zip_, item.name.c_str(), source, ZIP_FL_ENC_UTF_8);
     if (index < 0) zip_source_free(source);
     return index;
@@ -206,8 +236,9 @@ class Writer {
 
 void writeZIP(const FileDescriptor& output, const std::filesystem::path& path,
               const std::vector<ZIPItem>& items, ByteProgress& progress) {
+  ZIPDeflation deflation(items);
   Writer writer(output, path);
-  for (const ZIPItem& item : items) writer.add(item, progress);
+  for (const ZIPItem& item : items) writer.add(item, deflation, progress);
   writer.finish();
 }
 

@@ -8,9 +8,9 @@
 
 #include "tavlen/foundation/objc/ObjCRuntime.h"
 #include "tavlen/tweaks/TweakProcessor.h"
-#include "tools/loader/ArgumentFrame.h"
-#include "tools/loader/Engine.h"
-#include "tools/loader/Native.h"
+#include "tools/loader/TweakLoader.h"
+#include "tools/loader/calls/ArgumentFrame.h"
+#include "tools/loader/engine/Native.h"
 
 namespace tavlen::loader {
 namespace {
@@ -54,9 +54,9 @@ Engine& engine() {
 	"i16@0:8-other": function() { return 5; },
 	"@16@0:8-itself": function() { return %orig; },
 });)");
-    Engine& made = Engine::make({output.code, output.map, "/"}, mistakes(), false);
+    auto& made = TweakLoader::make({output.code, output.map, "/"}, mistakes(), false);
     made.run();
-    return made;
+    return made.engine();
   }();
   return shared;
 }

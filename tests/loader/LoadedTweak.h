@@ -12,7 +12,7 @@
 #include "tavlen/foundation/objc/ObjCRuntime.h"
 #include "tavlen/tweaks/TweakProcessor.h"
 #include "tests/support/TestPaths.h"
-#include "tools/loader/Engine.h"
+#include "tools/loader/TweakLoader.h"
 
 extern "C" void JSSynchronousGarbageCollectForDebugging(JSContextRef context);
 
@@ -48,18 +48,18 @@ struct LoadedTweak {
   /// Converts the source with the transpiler and runs it.
   explicit LoadedTweak(const std::string& source, bool isTracing = false) {
     const auto output = TweakProcessor(paths().resources).convert(source);
-    engine = &Engine::make({output.code, output.map, "/resources"}, events, isTracing);
-    engine->run();
+    loader = &TweakLoader::make({output.code, output.map, "/resources"}, events, isTracing);
+    loader->run();
   }
 
   /// Collects what scripts cannot reach any more, and releases the objects.
   void collect() const {
-    JSSynchronousGarbageCollectForDebugging(engine->context());
-    engine->releases().drain();
+    JSSynchronousGarbageCollectForDebugging(loader->engine().context());
+    loader->engine().releases().drain();
   }
 
   KeptEvents& events = *new KeptEvents();
-  Engine* engine;
+  TweakLoader* loader;
 };
 
 /// The name of a new subclass of `cls`, which nothing has hooked.

@@ -10,9 +10,9 @@
 #include <vector>
 
 #include "tests/loader/LoadedTweak.h"
-#include "tools/loader/ExceptionGuard.h"
-#include "tools/loader/Messages.h"
-#include "tools/loader/Watch.h"
+#include "tools/loader/base/ExceptionGuard.h"
+#include "tools/loader/base/Messages.h"
+#include "tools/loader/hooks/Watch.h"
 
 namespace tavlen::loader {
 namespace {
@@ -95,7 +95,7 @@ TEST(LoaderOwnership, ManyCallsTakeNoMoreMemory) {
   for (int i = 0; i < 20000; ++i) {
     const ObjCRuntime::AutoreleasePool pool;
     ObjCRuntime::send(object, "itself");
-    if (i % 1000 == 0) JSSynchronousGarbageCollectForDebugging(tweak.engine->context());
+    if (i % 1000 == 0) JSSynchronousGarbageCollectForDebugging(tweak.loader->engine().context());
     ASSERT_LT(liveCount(), before + 2000);
   }
 }
@@ -158,7 +158,7 @@ TEST(LoaderHooks, AreMadeWhenTheirClassIsLoaded) {
       R"(hookClass("RuntimeProbe", {}, {"d24@0:8d16-half:": function() { return [RuntimeProbe live] - 5; }});)");
   EXPECT_THAT(tweak.events.of(LoaderEvent::kWaiting), SizeIs(1));
   ASSERT_NE(::dlopen(paths().standInsLibrary.c_str(), RTLD_NOW), nullptr);
-  tweak.engine->imageLoaded();
+  tweak.loader->imageLoaded();
   EXPECT_THAT(tweak.events.of(LoaderEvent::kHooked), SizeIs(1));
   EXPECT_EQ(ObjCRuntime::send<double>(make("RuntimeProbe"), "half:", 4.0), -5);
 }
@@ -168,7 +168,7 @@ TEST(LoaderHooks, OneThatComputesTooLongIsNamed) {
   const LoadedTweak tweak(
       hookOf(cls, "@24@0:8@16-answer:",
              "const end = Date.now() + 200; while (Date.now() < end); return %orig"));
-  startWatch(*tweak.engine, std::chrono::milliseconds(50));
+  startWatch(tweak.loader->engine(), std::chrono::milliseconds(50));
   const ObjCRuntime::AutoreleasePool pool;
   ObjCRuntime::send(make(cls), "answer:", id());
   EXPECT_THAT(tweak.events.of(LoaderEvent::kSlow), SizeIs(1));

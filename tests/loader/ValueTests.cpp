@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "tests/loader/LoadedTweak.h"
-#include "tools/loader/CallSignature.h"
-#include "tools/loader/Values.h"
+#include "tools/loader/types/CallSignature.h"
+#include "tools/loader/values/Values.h"
 
 namespace tavlen::loader {
 namespace {
@@ -193,7 +193,8 @@ TEST(LoaderValues, AreTheSameAfterTheScript) {
     CallMemory written(type->size());
     CallMemory read(type->size());
     random.fill(*type, written.data());
-    writeValue(*tweak.engine, *type, readValue(*tweak.engine, *type, written.data()), read.data());
+    writeValue(tweak.loader->engine(), *type,
+               readValue(tweak.loader->engine(), *type, written.data()), read.data());
     ASSERT_TRUE(isSame(*type, written.data(), read.data())) << i << ' ' << encoding;
   }
 }

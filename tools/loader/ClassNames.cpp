@@ -3,9 +3,9 @@
 #include <algorithm>
 
 #include "tavlen/foundation/text/Characters.h"
-#include "tools/loader/Engine.h"
-#include "tools/loader/EngineString.h"
-#include "tools/loader/Messages.h"
+#include "tools/loader/base/EngineString.h"
+#include "tools/loader/base/Messages.h"
+#include "tools/loader/engine/Engine.h"
 
 namespace tavlen::loader {
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "tools/loader/Native.h"
+#include "tools/loader/engine/Native.h"
 
 namespace tavlen::loader {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tools/loader/EventReceiver.h"
+#include "tools/loader/base/EventReceiver.h"
 
 namespace tavlen::loader {
 

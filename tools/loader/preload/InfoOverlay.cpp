@@ -2,7 +2,7 @@
 
 #include <objc/runtime.h>
 
-#include "tools/loader/Messages.h"
+#include "tools/loader/base/Messages.h"
 
 namespace tavlen::loader {
 

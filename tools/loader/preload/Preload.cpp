@@ -16,8 +16,8 @@
 #include "tavlen/foundation/files/ExecutablePath.h"
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/tweaks/LoaderSettings.h"
-#include "tools/loader/Engine.h"
-#include "tools/loader/Watch.h"
+#include "tools/loader/TweakLoader.h"
+#include "tools/loader/hooks/Watch.h"
 #include "tools/loader/preload/EventSocket.h"
 #include "tools/loader/preload/InfoOverlay.h"
 #include "tools/loader/preload/StandInClasses.h"
@@ -40,7 +40,7 @@ constexpr const char* kFormerVersion = "GLIBC_2.17";
 #endif
 
 Main programMain = nullptr;
-std::atomic<Engine*> theEngine = nullptr;
+std::atomic<TweakLoader*> theLoader = nullptr;
 
 template <class Function>
 Function next(const char* name) {
@@ -96,14 +96,14 @@ void start(const Settings& settings) {
   auto& receiver = *new EventSocket(settings.events);
   defineStandInClasses();
   overlayMainBundle(settings.tweak / "Info.plist");
-  Engine& engine =
-      Engine::make({readFile(settings.tweak / "code.js"), readFile(settings.tweak / "code.js.map"),
-                    (settings.tweak / "Resources").string()},
-                   receiver, settings.isTracing);
-  engine.report({.event = LoaderEvent::kStarted});
-  theEngine = &engine;
-  engine.run();
-  startWatch(engine, settings.limit);
+  TweakLoader& loader = TweakLoader::make(
+      {readFile(settings.tweak / "code.js"), readFile(settings.tweak / "code.js.map"),
+       (settings.tweak / "Resources").string()},
+      receiver, settings.isTracing);
+  loader.engine().report({.event = LoaderEvent::kStarted});
+  theLoader = &loader;
+  loader.run();
+  startWatch(loader.engine(), settings.limit);
 }
 
 int runMain(int argc, char** argv, char** environment) {
@@ -144,7 +144,7 @@ void tavlenExecClass(void* module) {
   using namespace tavlen::loader;
   static const auto kNext = next<ExecClass>("__objc_exec_class");
   kNext(module);
-  if (Engine* engine = theEngine.load()) engine->imageLoaded();
+  if (TweakLoader* loader = theLoader.load()) loader->imageLoaded();
 }
 
 }  // extern "C"

@@ -9,7 +9,7 @@
 #include <span>
 #include <string>
 
-#include "tools/loader/Messages.h"
+#include "tools/loader/base/Messages.h"
 
 namespace tavlen::loader {
 

@@ -6,12 +6,13 @@
 #include <tuple>
 #include <vector>
 
+#include "tavlen/foundation/base/API.h"
 #include "tavlen/foundation/coding/Coding.h"
 
 namespace tavlen {
 
 /// What a loader reports. A plain value, which travels as JSON.
-struct LoaderEvent {
+struct TAVLEN_API LoaderEvent {
   static constexpr const char* kStarted = "started";  ///< the program runs with the tweak
   static constexpr const char* kHooked = "hooked";
   static constexpr const char* kWaiting = "waiting";  ///< not hooked yet: no image has the class

@@ -93,7 +93,7 @@ TEST_F(TryCommandTest, SaysWhatIsHookedAndWhatIsNot) {
           "hooks[1] -[Shelf count]: warning: not hooked: the method's types are I16@0:8, and the "
           "hook's d16@0:8\n"));
   EXPECT_THAT(errors, HasSubstr("hooks[2] -[Absent count]: warning: not hooked yet: no image has "
-                                "the class Absent yet\n"));
+                                "the class Absent\n"));
   write("script.objs",
         "hookClass('Shelf', {}, {\n  'i16@0:8-number': function() {\n    return %orig + gone;\n  "
         "}\n});");

@@ -133,7 +133,7 @@ hookClass("Answers", {}, {nonsense: 1});)");
           "4:3 -[Answers notFound]: a union (?=if) cannot be passed",
           "5:3 -[Answers raise]: the method's types are @16@0:8, and the hook's v16@0:8"));
   EXPECT_THAT(tweak.events.of(LoaderEvent::kWaiting),
-              ElementsAre("8:24 -[Late half:]: no image has the class Late yet"));
+              ElementsAre("8:24 -[Late half:]: no image has the class Late"));
   EXPECT_THAT(
       tweak.events.of(LoaderEvent::kMistake),
       ElementsAre(

@@ -1,6 +1,5 @@
 // The only code that can catch an Objective-C exception together with its object, and raise one as such.
 #include <objc/message.h>
-#include <objc/objc-exception.h>
 #include <objc/objc.h>
 #include <objc/runtime.h>
 
@@ -28,6 +27,5 @@ id tavlen_loader_run_guarded(void (*body)(void *context), void *context) {
 }
 
 void tavlen_loader_raise(id object) {
-  objc_exception_throw(object);
-  __builtin_unreachable();
+  @throw object;
 }

@@ -75,7 +75,7 @@ JSValueRef HookRequests::call(const Call& call) {
   for (const std::string& key : keysOf(context, methods)) {
     Request request = requestOf(className, key, propertyOf(context, methods, key.c_str()));
     if (install(request)) continue;
-    report(LoaderEvent::kWaiting, request, "no image has the class " + className + " yet");
+    report(LoaderEvent::kWaiting, request, "no image has the class " + className);
     const std::lock_guard lock(lock_);
     waiting_.push_back(std::move(request));
     isWaiting_.store(true, std::memory_order_relaxed);

@@ -121,7 +121,9 @@ TEST_F(TryCommandTest, TracesCallsAsTextAndAsJSON) {
 TEST_F(TryCommandTest, LeavesTheProgramItsStatusAndItsEnvironment) {
   EXPECT_EQ(tried("", "status 7").status, 7);
   EXPECT_EQ(tried("", "signal").status, 128 + SIGABRT);
+  hook("-[Shelf title]", "@16@0:8", "string:hooked");
   const Result child = tried("", "child");
+  EXPECT_THAT(child.out, HasSubstr("title: original\n"));
   EXPECT_EQ(child.out.find("TAVLEN_LOADER"), std::string::npos);
   EXPECT_EQ(child.out.find("LD_PRELOAD"), std::string::npos);
   write("script.sh", "#!/bin/sh\nexit 3\n");

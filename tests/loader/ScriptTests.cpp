@@ -29,8 +29,8 @@ std::vector<std::string> replaced(std::vector<std::string> texts, const std::str
 /// Hooks the method with the body, which begins in column 1 of line 2, and calls it.
 Answer answerOf(const std::string& body) {
   const std::string cls = makeClass("Answers");
-  const LoadedTweak tweak("hookClass('" + cls +
-                          "', {}, {'@24@0:8@16-answer:': function(argument) {\n" + body + "\n}});");
+  const LoadedTweak tweak("const methods = {'@24@0:8@16-answer:': function(argument) {\n" + body +
+                          "\n}};\nhookClass('" + cls + "', {}, methods);");
   const ObjCRuntime::AutoreleasePool pool;
   id answer = ObjCRuntime::send(make(cls), "answer:", ObjCRuntime::makeString("argument"));
   return {ObjCRuntime::text(ObjCRuntime::send(answer, "description")).value_or("nil"),
@@ -82,9 +82,9 @@ TEST(LoaderScript, Answers) {
 TEST(LoaderScript, AMistakeIsReportedAndTheOriginalAnswers) {
   const std::vector<std::pair<const char*, const char*>> cases = {
       {"return missing", "2:8 -[Answers answer:]: ReferenceError: Can't find variable: missing"},
-      {"\n  throw 'text'", "1:51 -[Answers answer:]: \"text\""},
-      {"return {a: 1}", "1:51 -[Answers answer:]: the result: expected an object, got {\"a\":1}"},
-      {"return", "1:51 -[Answers answer:]: the result: it returned undefined"},
+      {"\n  throw 'text'", "1:40 -[Answers answer:]: \"text\""},
+      {"return {a: 1}", "1:40 -[Answers answer:]: the result: expected an object, got {\"a\":1}"},
+      {"return", "1:40 -[Answers answer:]: the result: it returned undefined"},
       {"[this absent]", "2:1 -[Answers answer:]: -[Answers absent]: there is no such method"},
       {"[undefined foo]", "2:1 -[Answers answer:]: the message foo has the receiver undefined"},
       {"[this answer]", "2:1 -[Answers answer:]: -[Answers answer]: there is no such method"},

@@ -107,13 +107,13 @@ JSObjectRef TweakLoader::makeFunction(NativeFunction* function) {
 
 void TweakLoader::defineGlobals() {
   JSObjectRef global = JSContextGetGlobalObject(engine_.context());
-  const JSValueRef factory =
-      JSEvaluateScript(engine_.context(), EngineString(kPrelude).get(), nullptr, nullptr, 0, nullptr);
+  const JSValueRef factory = JSEvaluateScript(engine_.context(), EngineString(kPrelude).get(),
+                                              nullptr, nullptr, 0, nullptr);
   const auto arguments = std::to_array<JSValueRef>(
       {makeFunction(new OriginalCall(engine_)), makeFunction(new ClassLookup(engine_)), global});
   auto* parts = const_cast<JSObjectRef>(
-      JSObjectCallAsFunction(engine_.context(), const_cast<JSObjectRef>(factory), nullptr, arguments.size(),
-                             arguments.data(), nullptr));
+      JSObjectCallAsFunction(engine_.context(), const_cast<JSObjectRef>(factory), nullptr,
+                             arguments.size(), arguments.data(), nullptr));
   JSValueProtect(engine_.context(), parts);
   const auto part = [&](const char* name) {
     return const_cast<JSObjectRef>(propertyOf(engine_.context(), parts, name));
@@ -138,7 +138,8 @@ void TweakLoader::defineClassNames(JSObjectRef define) {
   for (const std::string& word : wordsOf(tweak_.code)) {
     const bool mayComeLater = (word.front() >= 'A' && word.front() <= 'Z') || word.front() == '_';
     if (!mayComeLater && ObjCRuntime::classNamed(word.c_str()) == nullptr) continue;
-    if (JSObjectHasProperty(engine_.context(), JSContextGetGlobalObject(engine_.context()), EngineString(word).get()))
+    if (JSObjectHasProperty(engine_.context(), JSContextGetGlobalObject(engine_.context()),
+                            EngineString(word).get()))
       continue;
     const JSValueRef name = stringValue(engine_.context(), word);
     JSObjectCallAsFunction(engine_.context(), define, nullptr, 1, &name, nullptr);

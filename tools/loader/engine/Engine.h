@@ -2,6 +2,7 @@
 
 #include <JavaScriptCore/JavaScript.h>
 
+#include <atomic>
 #include <mutex>
 #include <optional>
 #include <set>
@@ -35,6 +36,10 @@ class Engine {
   StructureMakers& structures() { return structures_; }
   const ScriptPlaces& places() const { return places_; }
 
+  /// From now on hooks call the originals: for a forked child, which lacks the engine's threads.
+  void stop() { isStopped_.store(true, std::memory_order_relaxed); }
+  bool isStopped() const { return isStopped_.load(std::memory_order_relaxed); }
+
   /// Whether calls are reported.
   bool isTracing() const { return isTracing_; }
   void report(const LoaderEvent& event) { receiver_.receive(event); }
@@ -49,6 +54,7 @@ class Engine {
 
   EventReceiver& receiver_;
   const bool isTracing_;
+  std::atomic<bool> isStopped_ = false;
   const ScriptPlaces places_;
   JSGlobalContextRef context_;
   MethodTable methods_;

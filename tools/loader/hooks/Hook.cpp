@@ -94,7 +94,7 @@ void Hook::enter(ffi_cif* /*cif*/, void* result, void** arguments, void* hook) {
 }
 
 void Hook::run(HookStack& stack, void* result, void** arguments) {
-  if (stack.isOwnWork()) return callReplaced(arguments, result);
+  if (stack.isOwnWork() || engine_.isStopped()) return callReplaced(arguments, result);
   HookRecord record(*this, arguments, signature_->resultSize());
   record.ownsReceiver = family_.takesReceiver;
   std::optional<Raised> raised = runScript(stack, record, result);

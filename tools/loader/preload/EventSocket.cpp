@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/socket.h>
+#include <unistd.h>
 
 #include <exception>
 #include <string>
@@ -11,8 +12,11 @@
 
 namespace tavlen::loader {
 
-EventSocket::EventSocket(int socket) : socket_(socket) {
-  (void)::fcntl(socket_, F_SETFD, FD_CLOEXEC);
+EventSocket::EventSocket(int socket) {
+  // A program that closes descriptors of others may open one of its own with a low number next.
+  constexpr int kLowest = 200;
+  socket_ = ::fcntl(socket, F_DUPFD_CLOEXEC, kLowest);
+  (void)::close(socket);
 }
 
 void EventSocket::receive(const LoaderEvent& event) {

@@ -2,6 +2,7 @@
 // classes are; what it wraps are the two functions that tell when they are: the start of the main
 // function, and the registration of a module.
 #include <dlfcn.h>
+#include <pthread.h>
 
 #include <algorithm>
 #include <atomic>
@@ -102,6 +103,7 @@ void start(const Settings& settings) {
       receiver, settings.isTracing);
   loader.engine().report({.event = LoaderEvent::kStarted});
   theLoader = &loader;
+  ::pthread_atfork(nullptr, nullptr, [] { theLoader.load()->engine().stop(); });
   loader.run();
   startWatch(loader.engine(), settings.limit);
 }

@@ -2,8 +2,10 @@
 // function, call by signature.
 #include <benchmark/benchmark.h>
 #include <objc/runtime.h>
+#include <unistd.h>
 
 #include <array>
+#include <fstream>
 #include <string>
 
 #include "tavlen/foundation/objc/ObjCRuntime.h"
@@ -99,6 +101,39 @@ BENCHMARK(hookedString);
 BENCHMARK(hookedRect);
 BENCHMARK(hookedWithoutOriginal);
 BENCHMARK(hookedObject);
+
+/// The memory of this process, in bytes.
+double residentBytes() {
+  std::ifstream file("/proc/self/statm");
+  long size = 0;
+  long resident = 0;
+  file >> size >> resident;
+  return static_cast<double>(resident) * static_cast<double>(::sysconf(_SC_PAGESIZE));
+}
+
+/// Ten million calls, of which the first million fills the heap of the engine.
+void memoryOfCalls(benchmark::State& state) {
+  constexpr int kWarming = 1'000'000;
+  constexpr int kCalls = 9'000'000;
+  engine();
+  id object =
+      ObjCRuntime::send(ObjCRuntime::send(ObjCRuntime::classNamed("HookedPeer"), "alloc"), "init");
+  const auto call = [object](int count) {
+    for (int i = 0; i < count; i += 3) {
+      const ObjCRuntime::AutoreleasePool pool;
+      benchmark::DoNotOptimize(ObjCRuntime::send<int>(object, "number"));
+      benchmark::DoNotOptimize(ObjCRuntime::send(object, "text"));
+      benchmark::DoNotOptimize(ObjCRuntime::send(object, "itself"));
+    }
+    JSGarbageCollect(engine().context());
+    return residentBytes();
+  };
+  for ([[maybe_unused]] auto each : state) {
+    const double before = call(kWarming);
+    state.counters["growth"] = call(kCalls) - before;
+  }
+}
+BENCHMARK(memoryOfCalls)->Iterations(1)->Repetitions(2)->Unit(benchmark::kSecond);
 
 // The parts
 

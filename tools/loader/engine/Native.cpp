@@ -25,8 +25,10 @@ JSValueRef contained(Engine& engine, JSValueRef* exception, FunctionRef<JSValueR
     return value;
   } catch (const ScriptError& error) {
     *exception = errorOf(engine, error.what());
+#ifdef __GLIBCXX__
   } catch (const abi::__forced_unwind&) {
-    throw;  // the end of the thread
+    throw;  // the end of the thread, which unwinds it with this library alone
+#endif
   } catch (...) {
     *exception = errorOf(engine, Raised(std::current_exception()));
   }

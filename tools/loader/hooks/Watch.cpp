@@ -73,7 +73,7 @@ void startWatch(Engine& engine, std::chrono::milliseconds limit) {
   // The program's signals are its own threads'.
   sigset_t all;
   sigset_t former;
-  ::sigfillset(&all);
+  sigfillset(&all);  // a macro on Apple's systems
   ::pthread_sigmask(SIG_SETMASK, &all, &former);
   std::thread([&engine, limit] { Watch(engine, limit).run(); }).detach();
   ::pthread_sigmask(SIG_SETMASK, &former, nullptr);

@@ -19,6 +19,8 @@ install(FILES "${PROJECT_BINARY_DIR}/tavlen-config.cmake" "${PROJECT_BINARY_DIR}
   cmake/Dependencies.cmake DESTINATION "${package}" COMPONENT development)
 
 list(JOIN TAVLEN_PKG_CONFIG_MODULES ", " TAVLEN_PKG_CONFIG_REQUIREMENTS)
+# Relative, because the prefix may be given when it is installed.
+file(RELATIVE_PATH TAVLEN_PKG_CONFIG_TO_PREFIX "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_PREFIX}")
 configure_file(cmake/tavlen.pc.in "${PROJECT_BINARY_DIR}/tavlen.pc" @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/tavlen.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT development)
 
@@ -34,9 +36,22 @@ endif()
 if(TARGET tavlenloader)
   install(TARGETS tavlenloader LIBRARY DESTINATION lib/tavlen COMPONENT command)
 endif()
-install(DIRECTORY "${PROJECT_BINARY_DIR}/share/" DESTINATION "${CMAKE_INSTALL_DATAROOTDIR}" COMPONENT command)
-install(FILES LICENSE README.md SECURITY.md DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT command)
-install(DIRECTORY docs examples DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT command PATTERN "device" EXCLUDE)
+install(DIRECTORY "${PROJECT_BINARY_DIR}/share/" DESTINATION "${CMAKE_INSTALL_DATAROOTDIR}" COMPONENT command OPTIONAL
+  PATTERN "zsh" EXCLUDE)
+# Debian's zsh looks for the completion of packages in a folder of its own. The prefix is known when it is installed.
+install(CODE "
+  set(folder site-functions)
+  if(CMAKE_INSTALL_PREFIX STREQUAL \"/usr\")
+    set(folder vendor-completions)
+  endif()
+  file(GLOB functions \"${PROJECT_BINARY_DIR}/share/zsh/site-functions/_*\")
+  file(INSTALL \${functions} DESTINATION \"\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_DATAROOTDIR}/zsh/\${folder}\")"
+  COMPONENT command)
+install(FILES CHANGELOG.md CONTRIBUTING.md LICENSE README.md SECURITY.md DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT command)
+install(FILES transpiler/README.md DESTINATION "${CMAKE_INSTALL_DOCDIR}/transpiler" COMPONENT command)
+install(DIRECTORY docs examples DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT command USE_SOURCE_PERMISSIONS
+  PATTERN "device" EXCLUDE)
+install(FILES LICENSE DESTINATION "${CMAKE_INSTALL_DATAROOTDIR}/doc/libtavlen-dev" COMPONENT development)
 
 # Debian packages: cpack -G DEB.
 set(CPACK_GENERATOR DEB)
@@ -59,7 +74,7 @@ set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libtavlen-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "libjavascriptcoregtk-4.1-0, libdeflate-dev, libicu-dev, libjpeg-dev, libxml2-dev, libpng-dev, \
-zlib1g-dev, uuid-dev, libzip-dev, libobjc-12-dev, libblocksruntime-dev")
+zlib1g-dev, uuid-dev, libzip-dev, libobjc-12-dev, libblocksruntime-dev, pkg-config")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS "tavlen (= ${PROJECT_VERSION})")
 set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "The library: headers, the static and the shared library")
 include(CPack)

@@ -151,8 +151,8 @@ const std::string* keyTextOf(const DictionaryParameter::Pair& pair) {
 /// As suggestionText(), but lists all keys in quotes: a key may be any text.
 std::string keySuggestion(const std::string& key, const std::vector<std::string_view>& known) {
   if (closestName(key, known)) return suggestionText(key, known);
-  std::vector<std::string> texts;
-  for (const std::string_view each : known) texts.push_back(quoted(each));
+  std::vector<std::string> texts(known.size());
+  std::transform(known.begin(), known.end(), texts.begin(), quoted);
   return suggestionText(key, std::vector<std::string_view>(texts.begin(), texts.end()));
 }
 

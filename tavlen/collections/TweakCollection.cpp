@@ -103,15 +103,15 @@ std::shared_ptr<TweakCollection> TweakCollection::create(std::string name, Tweak
 std::shared_ptr<TweakCollection> TweakCollection::handlePayloadAt(
     const std::filesystem::path& url) {
   // Check everything before moving anything, so that nothing hostile or invalid enters the store.
-  const auto [payload, checked] = checkedPayload(url);
-  Manifest manifest = checked;
+  const Opened payload = checkedPayload(url);
+  Manifest manifest = payload.manifest;
   const fs::path tweaks = url / kTweaksFolder;
 
   std::shared_ptr<TweakCollection> collection(new TweakCollection(uniqueTweakURL()));
   tweakPoster().performWithoutNotifications([&] {
     TweaksDirectory::create();
-    syncFile(payload->url());
-    moveItem(payload->url(), collection->url());
+    syncFile(payload.file->url());
+    moveItem(payload.file->url(), collection->url());
     std::unordered_map<std::string, std::string> newIDs;
     for (std::string& id : manifest._tweaks) {
       std::string& newID = newIDs[id];

@@ -114,7 +114,7 @@ std::string unexpectedOption(const std::string& word, const CLI::App& app) {
   }
   const std::vector<std::string_view> known(names.begin(), names.end());
   if (std::find(known.begin(), known.end(), name) != known.end())
-    return "\"" + name + "\" must follow the command, and precede \"--\" if there is one";
+    return "\"" + name + R"(" must follow the command, and precede "--" if there is one)";
   return "unknown option \"" + name + "\"" +
          (closestName(name, known) ? suggestionText(name, known) : std::string());
 }

@@ -40,7 +40,7 @@ bool findFewDigits(double magnitude, ShortestDigits& result) {
   constexpr int kPlaces = 6;
   constexpr double kScale = 1e6;
   if (magnitude < 1e-4 || magnitude >= 1e9) return false;
-  const auto scaled = static_cast<std::int64_t>(magnitude * kScale + 0.5);
+  const auto scaled = std::llround(magnitude * kScale);
   if (static_cast<double>(scaled) / kScale != magnitude) return false;
   result.count = writeDigits(result.digits, static_cast<std::uint64_t>(scaled));
   result.exponent = static_cast<int>(result.count) - 1 - kPlaces;

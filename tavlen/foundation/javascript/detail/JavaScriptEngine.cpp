@@ -25,7 +25,7 @@ JavaScriptEngine loadEngine() {
 constexpr const char* kEngineLibrary = "libjavascriptcoregtk-4.1.so.0";
 
 [[noreturn]] void failToLoad() {
-  const char* reason = ::dlerror();
+  const char* reason = ::dlerror();  // NOLINT(concurrency-mt-unsafe)
   throw JavaScriptContext::EngineError(reason != nullptr ? reason : kEngineLibrary);
 }
 

@@ -29,6 +29,7 @@ namespace tavlen {
 // clang-format on
 
 struct JavaScriptEngine {
+// NOLINTNEXTLINE(bugprone-macro-parentheses): a name that is declared
 #define TAVLEN_ENGINE_FUNCTION(name) decltype(&::name) name;
   TAVLEN_ENGINE_FUNCTIONS(TAVLEN_ENGINE_FUNCTION)
 #undef TAVLEN_ENGINE_FUNCTION

@@ -54,7 +54,7 @@ constexpr int kEventsDescriptor = STDERR_FILENO + 1;
 
 void setVariables(Spawn& spawn, const TriedProgram& program) {
   const std::string library = loaderLibrary().string();
-  const char* preloaded = std::getenv("LD_PRELOAD");
+  const char* preloaded = std::getenv("LD_PRELOAD");  // NOLINT(concurrency-mt-unsafe)
   spawn.setVariable("LD_PRELOAD", preloaded == nullptr ? library : library + ':' + preloaded);
   spawn.setVariable(settings::kLibrary, library);
   spawn.setVariable(settings::kProgram, fs::canonical(program.path).string());
@@ -115,11 +115,11 @@ int waitFor(pid_t child, int socket, Receive receive) {
 }  // namespace
 
 fs::path programNamed(const std::string& name) {
-  const char* folders = std::getenv("PATH");
+  const char* folders = std::getenv("PATH");  // NOLINT(concurrency-mt-unsafe)
   std::string_view rest = name.find('/') == std::string::npos && folders != nullptr ? folders : "";
   while (!rest.empty()) {
     const std::size_t end = std::min(rest.find(':'), rest.size());
-    const fs::path path = fs::path(rest.substr(0, end)) / name;
+    fs::path path = fs::path(rest.substr(0, end)) / name;
     if (::access(path.c_str(), X_OK) == 0 && !fs::is_directory(path)) return path;
     rest.remove_prefix(std::min(end + 1, rest.size()));
   }

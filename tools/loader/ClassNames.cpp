@@ -32,7 +32,7 @@ std::set<std::string> wordsOf(std::string_view code) {
 
 JSValueRef ClassLookup::call(const Call& call) {
   const std::string name = EngineString(call.context, call[0]).utf8();
-  const Class cls = ObjCRuntime::classNamed(name.c_str());
+  Class cls = ObjCRuntime::classNamed(name.c_str());
   if (cls == nullptr) return JSValueMakeUndefined(call.context);
   return engine.objects().wrapped(reinterpret_cast<id>(cls), Ownership::borrowed);
 }

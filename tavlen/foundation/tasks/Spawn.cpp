@@ -61,7 +61,7 @@ std::vector<std::string> environmentWith(const std::vector<std::string>& variabl
 
 }  // namespace
 
-Spawn::Spawn() : flags_(kFlags), last_(STDERR_FILENO) {
+Spawn::Spawn() : flags_(kFlags) {
   require(::posix_spawn_file_actions_init(&actions_));
   if (const int error = ::posix_spawnattr_init(&attributes_)) {
     ::posix_spawn_file_actions_destroy(&actions_);

@@ -47,7 +47,7 @@ class TAVLEN_API Spawn {
   posix_spawn_file_actions_t actions_{};
   posix_spawnattr_t attributes_{};
   short flags_ = 0;
-  int last_;
+  int last_ = 2;  ///< the largest descriptor that the child inherits
   std::vector<std::string> variables_;
 };
 

@@ -60,7 +60,7 @@ std::u16string textOf(id string) {
 id newString(std::u16string_view text) {
   static const SEL kAlloc = selectorNamed("alloc");
   static const SEL kInit = selectorNamed("initWithCharacters:length:");
-  const Class cls = ObjCRuntime::classNamed("NSString");
+  Class cls = ObjCRuntime::classNamed("NSString");
   if (cls == nullptr) return nullptr;
   return message(message(cls, kAlloc), kInit, text.data(), static_cast<unsigned long>(text.size()));
 }

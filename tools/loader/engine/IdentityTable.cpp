@@ -2,6 +2,8 @@
 
 #include <objc/runtime.h>
 
+#include <array>
+
 #include "tools/loader/base/Messages.h"
 #include "tools/loader/engine/Engine.h"
 #include "tools/loader/engine/Native.h"
@@ -32,10 +34,10 @@ JSObjectRef IdentityTable::make(id object, bool isOwned) {
   JSContextRef context = engine_.context();
   JSObjectRef wrapper =
       JSObjectMake(context, nativeClass(), new NativeObject(engine_, object, isOwned));
-  const JSValueRef arguments[] = {keyOf(context, object),
-                                  wrapper};  // NOLINT(modernize-avoid-c-arrays)
+  const auto arguments = std::to_array<JSValueRef>({keyOf(context, object), wrapper});
   JSValueRef ignored = nullptr;
-  JSObjectCallAsFunction(context, functions_.keep, nullptr, 2, arguments, &ignored);
+  JSObjectCallAsFunction(context, functions_.keep, nullptr, arguments.size(), arguments.data(),
+                         &ignored);
   return wrapper;
 }
 
@@ -107,10 +109,10 @@ IdentityTable::Lent::~Lent() {
   if (!isOwn_) return;
   static_cast<Native*>(JSObjectGetPrivate(wrapper_))->pointer = nullptr;
   const JSValueRef key = keyOf(table_.engine_.context(), object_);
-  const JSValueRef arguments[] = {key, wrapper_};  // NOLINT(modernize-avoid-c-arrays)
+  const auto arguments = std::to_array<JSValueRef>({key, wrapper_});
   JSValueRef ignored = nullptr;
-  JSObjectCallAsFunction(table_.engine_.context(), table_.functions_.forget, nullptr, 2, arguments,
-                         &ignored);
+  JSObjectCallAsFunction(table_.engine_.context(), table_.functions_.forget, nullptr,
+                         arguments.size(), arguments.data(), &ignored);
 }
 
 }  // namespace tavlen::loader

@@ -29,8 +29,8 @@ std::string forwardedTypes(id receiver, SEL selector) {
 }
 
 CallableMethod describe(id receiver, SEL selector) {
-  const Class cls = object_getClass(receiver);
-  const Method method = class_getInstanceMethod(cls, selector);
+  Class cls = object_getClass(receiver);
+  Method method = class_getInstanceMethod(cls, selector);
   const char* own = method != nullptr ? method_getTypeEncoding(method) : nullptr;
   const std::string types = own != nullptr ? own : forwardedTypes(receiver, selector);
   const std::string name = methodText(cls, selector, isClass(receiver));

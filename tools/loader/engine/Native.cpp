@@ -72,13 +72,13 @@ Native* Native::of(JSContextRef context, JSValueRef value) {
 }
 
 JSClassRef nativeClass() {
-  static const JSClassRef kClass = makeClass("ObjectiveC", nullptr);
-  return kClass;
+  static JSClassRef shared = makeClass("ObjectiveC", nullptr);
+  return shared;
 }
 
 JSClassRef nativeFunctionClass() {
-  static const JSClassRef kClass = makeClass("NativeFunction", call);
-  return kClass;
+  static JSClassRef shared = makeClass("NativeFunction", call);
+  return shared;
 }
 
 }  // namespace tavlen::loader

@@ -44,7 +44,7 @@ std::shared_ptr<const CallSignature> signatureFor(const std::string& own,
 }  // namespace
 
 void Hook::install(Engine& engine, Target target) {
-  const Method method = class_getInstanceMethod(target.cls, target.selector);
+  Method method = class_getInstanceMethod(target.cls, target.selector);
   const char* own = method != nullptr ? method_getTypeEncoding(method) : nullptr;
   if (own == nullptr) throw std::runtime_error("the class has no such method");
   auto signature = signatureFor(own, target.encoding);
@@ -70,8 +70,8 @@ Hook::Hook(Engine& engine, Target target, std::shared_ptr<const CallSignature> s
 /// An inherited method is added to the class. GCC's class_replaceMethod() would replace it in the
 /// superclass.
 void Hook::replace(void (*code)()) {
-  const Method method = class_getInstanceMethod(target_.cls, target_.selector);
-  const Class superclass = class_getSuperclass(target_.cls);
+  Method method = class_getInstanceMethod(target_.cls, target_.selector);
+  Class superclass = class_getSuperclass(target_.cls);
   const auto imp = reinterpret_cast<IMP>(code);
   const bool isInherited =
       superclass != nullptr && class_getInstanceMethod(superclass, target_.selector) == method;

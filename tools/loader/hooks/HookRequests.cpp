@@ -98,7 +98,7 @@ void HookRequests::retry() {
 
 /// Returns false if the class is not loaded. A method that cannot be hooked is reported.
 bool HookRequests::install(const Request& request) {
-  const Class cls = ObjCRuntime::classNamed(request.className.c_str());
+  Class cls = ObjCRuntime::classNamed(request.className.c_str());
   if (cls == nullptr) return false;
   try {
     Hook::install(engine, {request.isClassMethod ? object_getClass(reinterpret_cast<id>(cls)) : cls,

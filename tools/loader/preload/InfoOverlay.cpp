@@ -30,11 +30,10 @@ id infoDictionary(id self, SEL selector) {
 }  // namespace
 
 void overlayMainBundle(const std::filesystem::path& file) {
-  const Class bundles = classNamed("NSBundle");
-  const Method method =
-      bundles != nullptr
-          ? class_getInstanceMethod(bundles, ObjCRuntime::selectorNamed("infoDictionary"))
-          : nullptr;
+  Class bundles = classNamed("NSBundle");
+  Method method = bundles != nullptr ? class_getInstanceMethod(
+                                           bundles, ObjCRuntime::selectorNamed("infoDictionary"))
+                                     : nullptr;
   if (method == nullptr) return;
   const ObjCRuntime::AutoreleasePool pool;
   id data =

@@ -33,16 +33,16 @@ IMP code(Function* function) {
 /// The instance variables of an object of the class `cls` itself, which follow its superclass's.
 template <class State>
 State& stateOf(id object, const char* cls) {
-  const Ivar place = class_getInstanceVariable(classNamed(cls), "state");
+  Ivar place = class_getInstanceVariable(classNamed(cls), "state");
   return *reinterpret_cast<State*>(reinterpret_cast<std::byte*>(object) + ivar_getOffset(place));
 }
 
 template <class State>
 void define(const char* name, std::span<const MethodEntry> classMethods,
             std::span<const MethodEntry> methods) {
-  const Class root = classNamed("NSObject");
+  Class root = classNamed("NSObject");
   if (root == nullptr || classNamed(name) != nullptr) return;
-  const Class cls = objc_allocateClassPair(root, name, 0);
+  Class cls = objc_allocateClassPair(root, name, 0);
   constexpr unsigned kAlignmentPower = 3;
   class_addIvar(cls, "state", sizeof(State), kAlignmentPower, "?");
   for (const MethodEntry& entry : methods)

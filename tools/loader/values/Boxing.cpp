@@ -26,7 +26,7 @@ constexpr unsigned kDeepest = 100;
 id boxedAt(Engine& engine, JSValueRef value, unsigned depth);
 
 Class foundationClass(const char* name) {
-  const Class cls = classNamed(name);
+  Class cls = classNamed(name);
   if (cls == nullptr) throw ScriptError(std::string("the program has no class ") + name);
   return cls;
 }
@@ -35,7 +35,7 @@ id boxedNumber(double number) {
   constexpr double kLargest = 9007199254740992.0;  // 2^53
   static const SEL kWhole = selectorNamed("numberWithLongLong:");
   static const SEL kReal = selectorNamed("numberWithDouble:");
-  const Class cls = foundationClass("NSNumber");
+  Class cls = foundationClass("NSNumber");
   const bool isWhole = std::trunc(number) == number && std::abs(number) <= kLargest;
   if (isWhole && !(number == 0 && std::signbit(number)))
     return message(cls, kWhole, static_cast<long long>(number));
@@ -50,7 +50,7 @@ id boxedBigInt(Engine& engine, JSValueRef value) {
       JSValueCompareDouble(engine.context(), value, 0, nullptr) == kJSRelationConditionLessThan;
   std::uint64_t bits = 0;
   writeValue(engine, *kTypes.at(isNegative ? 0 : 1), value, &bits);
-  const Class cls = foundationClass("NSNumber");
+  Class cls = foundationClass("NSNumber");
   if (isNegative) return message(cls, kSigned, static_cast<long long>(bits));
   return message(cls, kUnsigned, static_cast<unsigned long long>(bits));
 }

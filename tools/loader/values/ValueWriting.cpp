@@ -116,7 +116,7 @@ void writeText(Engine& engine, JSValueRef value, void* memory) {
   const std::string text = EngineString(context, value).utf8();
   static const SEL kData = ObjCRuntime::selectorNamed("dataWithBytes:length:");
   static const SEL kBytes = ObjCRuntime::selectorNamed("mutableBytes");
-  const Class cls = ObjCRuntime::classNamed("NSMutableData");
+  Class cls = ObjCRuntime::classNamed("NSMutableData");
   if (cls == nullptr) throw ScriptError("no Foundation is loaded to keep a C string");
   id data = message(cls, kData, static_cast<const void*>(text.c_str()),
                     static_cast<unsigned long>(text.size() + 1));

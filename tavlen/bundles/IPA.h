@@ -65,6 +65,9 @@ class TAVLEN_API IPA : public std::enable_shared_from_this<IPA> {
   std::vector<std::shared_ptr<Executable>> bundleExecutables();
   /// The dynamic libraries and loadable bundles, sorted by relative path. Errors as above.
   std::vector<std::shared_ptr<Executable>> dynamicExecutables();
+  /// Empties the cache of the three functions above, after the app has been updated. Objects that
+  /// they returned stay as they are. Waits for a search that another thread makes.
+  void forgetExecutables();
 
   /// The identifier of the tweak installed for the app. Nothing when none is installed or the
   /// record cannot be read.

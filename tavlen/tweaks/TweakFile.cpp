@@ -152,10 +152,14 @@ std::shared_ptr<TweakFile> TweakFile::handlePayloadAt(const std::filesystem::pat
   std::error_code ignored;
   if (fs::is_symlink(payload->url(), ignored)) throw Error::notFound();
   payload->validate();
-  syncDocuments(payload->url());
+  return payload->moveIntoStore();
+}
+
+std::shared_ptr<TweakFile> TweakFile::moveIntoStore() const {
+  syncDocuments(url());
   TweaksDirectory::create();
   std::shared_ptr<TweakFile> tweak(new TweakFile(uniqueTweakURL()));
-  moveItem(payload->url(), tweak->url());
+  moveItem(url(), tweak->url());
   return tweak;
 }
 

@@ -10,7 +10,6 @@
 #include "tavlen/collections/TweakCollectionDiff.h"
 #include "tavlen/collections/TweakCollectionManifest.h"
 #include "tavlen/device/DeviceFiles.h"
-#include "tavlen/foundation/coding/CodingError.h"
 #include "tavlen/foundation/files/DiskSync.h"
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/foundation/files/FileTree.h"
@@ -48,28 +47,6 @@ void refuseMembers(const fs::path& tweaks, const std::vector<std::string>& ids) 
     if (!isPlainComponent(id)) throw TweakError::notFound();
     refuseLink(tweaks / id);
   }
-}
-
-/// Members by the identifiers that a manifest names them by.
-using Members = std::unordered_map<std::string_view, std::shared_ptr<TweakFile>>;
-
-/// Opens each of the members `ids` in the unpacked folder `tweaks`. Errors name the member.
-Members checkedMembers(const fs::path& tweaks, const std::vector<std::string>& ids) {
-  Members members;
-  for (const std::string& id : ids) {
-    std::shared_ptr<TweakFile>& member = members[id];
-    if (member != nullptr) continue;
-    try {
-      member = TweakFile::at(tweaks / id);
-    } catch (const TweakFile::Error&) {
-      throw TweakError::missing((fs::path(kTweaksFolder) / id).string());
-    } catch (DecodingError& error) {
-      error.prependKey(id);
-      error.prependKey(kTweaksFolder);
-      throw;
-    }
-  }
-  return members;
 }
 
 /// The collection in the unpacked folder `url`. Throws unless the folder can become an item.
@@ -127,8 +104,8 @@ std::shared_ptr<TweakCollection> TweakCollection::handlePayloadAt(
     const std::filesystem::path& url) {
   // Check everything before moving anything, so that nothing hostile or invalid enters the store.
   const Opened payload = checkedPayload(url);
-  const Members members = checkedMembers(url / kTweaksFolder, payload.manifest._tweaks);
   Manifest manifest = payload.manifest;
+  const fs::path tweaks = url / kTweaksFolder;
 
   std::shared_ptr<TweakCollection> collection(new TweakCollection(uniqueTweakURL()));
   tweakPoster().performWithoutNotifications([&] {
@@ -138,7 +115,7 @@ std::shared_ptr<TweakCollection> TweakCollection::handlePayloadAt(
     std::unordered_map<std::string, std::string> newIDs;
     for (std::string& id : manifest._tweaks) {
       std::string& newID = newIDs[id];
-      if (newID.empty()) newID = members.at(id)->moveIntoStore()->id();
+      if (newID.empty()) newID = TweakFile::handlePayloadAt(tweaks / id)->id();
       id = newID;
     }
     collection->setManifest(manifest);

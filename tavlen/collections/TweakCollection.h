@@ -50,13 +50,11 @@ class TAVLEN_API TweakCollection : public TweakProtocol,
                                                  TweakGlyph glyph, std::string bundleID);
   /// Imports the unpacked folder `url`, which has the layout of preparePayloadIn(): moves the
   /// collection and its members into the tweaks directory under new identifiers. Posts nothing.
-  /// Throws TweakError::missing for a missing document or member, TweakError::notFound for symbolic
-  /// links and identifiers that are no plain path components, DecodingError (of a member, its path
-  /// begins with "Tweaks" and the member's identifier), and std::system_error. Everything is
-  /// checked before anything is moved; if moving then fails, what was moved stays in the store.
+  /// Throws TweakError::missing, DecodingError, std::system_error, and what TweakFile::at() throws.
+  /// Members that were moved before an error stay in the store.
   static std::shared_ptr<TweakCollection> handlePayloadAt(const std::filesystem::path& url);
   /// Opens the collection in such a folder. Stores and posts nothing. Throws as handlePayloadAt()
-  /// does, but leaves out members that are missing or cannot be opened.
+  /// does, but leaves out members that cannot be opened.
   static Unpacked openPayloadAt(const std::filesystem::path& url);
 
   /// Whether a stored item of that identifier is a collection.

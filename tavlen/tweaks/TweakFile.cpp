@@ -152,14 +152,10 @@ std::shared_ptr<TweakFile> TweakFile::handlePayloadAt(const std::filesystem::pat
   std::error_code ignored;
   if (fs::is_symlink(payload->url(), ignored)) throw Error::notFound();
   payload->validate();
-  return payload->moveIntoStore();
-}
-
-std::shared_ptr<TweakFile> TweakFile::moveIntoStore() const {
-  syncDocuments(url());
+  syncDocuments(payload->url());
   TweaksDirectory::create();
   std::shared_ptr<TweakFile> tweak(new TweakFile(uniqueTweakURL()));
-  moveItem(url(), tweak->url());
+  moveItem(payload->url(), tweak->url());
   return tweak;
 }
 

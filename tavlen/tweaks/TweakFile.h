@@ -67,9 +67,6 @@ class TAVLEN_API TweakFile : public TweakProtocol, public std::enable_shared_fro
   /// is a symbolic link, std::system_error, and what validate() throws; nothing is then left in the
   /// store.
   static std::shared_ptr<TweakFile> handlePayloadAt(const std::filesystem::path& url);
-  /// Imports this unpacked tweak as handlePayloadAt() does, but leaves the checks to the caller: it
-  /// is no symbolic link, and at() has opened it. Throws std::system_error.
-  std::shared_ptr<TweakFile> moveIntoStore() const;
 
   /// Replaces the whole tweak by the tweak folder `payload` of the same volume, which then holds
   /// the old tweak, and posts the change of the manifest and of the icon. The two are exchanged in

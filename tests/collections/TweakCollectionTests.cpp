@@ -165,20 +165,16 @@ TEST_F(TweakCollectionTest, HostilePayloadsMoveNothing) {
   EXPECT_TRUE(fs::exists(root_.path() / "outside/Manifest.json"));
 }
 
-TEST_F(TweakCollectionTest, APayloadThatLacksAMemberMovesNothing) {
+TEST_F(TweakCollectionTest, AFailedImportKeepsWhatWasMovedAndLetsOthersPost) {
+  payload(R"("A","nowhere","B")");
   root_.write("in/Tweaks/A/Manifest.json", kTweakManifest);
-  root_.write("in/Tweaks/empty/script.objs", "");
-  root_.write("in/Tweaks/broken/Manifest.json", R"({"configuration":{}})");
-  const std::pair<std::string, std::string> rows[] = {
-      {"nowhere", "Missing Tweaks/nowhere"},
-      {"empty", "Missing Tweaks/empty"},
-      {"broken", R"(Tweaks.broken.configuration: missing key "name")"}};
-  for (const auto& [member, error] : rows) {
-    payload(R"("A",")" + member + R"(","A")");
-    EXPECT_EQ(importError(), error);
-    EXPECT_EQ(storedEntries(), 0) << member;
-    EXPECT_TRUE(fs::exists(root_.path() / "in/Tweaks/A"));
-  }
+  root_.write("in/Tweaks/B/Manifest.json", kTweakManifest);
+  EXPECT_EQ(importError(), "Not found");
+  EXPECT_EQ(storedEntries(), 2) << "the collection and A";
+  EXPECT_TRUE(fs::exists(root_.path() / "in/Tweaks/B"));
+  EXPECT_THAT(announced(), IsEmpty());
+  newTweak("later")->updateManifest([](auto&) {});
+  EXPECT_THAT(announced(), ElementsAre("updateManifest"));
 }
 
 class TweakCollectionPackagingTest : public PackagingTest {

@@ -193,7 +193,7 @@ TEST_F(TweakArchiveTest, ACollectionBringsItsMembers) {
 
   // A member that does not open is named but does not come along.
   collection->updateManifest([](auto& manifest) { manifest._tweaks = {"nowhere"}; });
-  EXPECT_THROW(TweakManager::decompressAt(TweakManager::export_(*collection)), TweakError);
+  EXPECT_THROW(TweakManager::decompressAt(TweakManager::export_(*collection)), TweakFile::Error);
 }
 
 TEST_F(TweakArchiveTest, TheSameFolderMakesTheSameBytes) {

@@ -18,11 +18,13 @@ write_basic_package_version_file("${PROJECT_BINARY_DIR}/tavlen-config-version.cm
 install(FILES "${PROJECT_BINARY_DIR}/tavlen-config.cmake" "${PROJECT_BINARY_DIR}/tavlen-config-version.cmake"
   cmake/Dependencies.cmake DESTINATION "${package}" COMPONENT development)
 
-list(JOIN TAVLEN_PKG_CONFIG_MODULES ", " TAVLEN_PKG_CONFIG_REQUIREMENTS)
-# Relative, because the prefix may be given when it is installed.
-file(RELATIVE_PATH TAVLEN_PKG_CONFIG_TO_PREFIX "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_PREFIX}")
-configure_file(cmake/tavlen.pc.in "${PROJECT_BINARY_DIR}/tavlen.pc" @ONLY)
-install(FILES "${PROJECT_BINARY_DIR}/tavlen.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT development)
+if(NOT APPLE)  # where the libraries have no modules
+  list(JOIN TAVLEN_PKG_CONFIG_MODULES ", " TAVLEN_PKG_CONFIG_REQUIREMENTS)
+  # Relative, because the prefix may be given when it is installed.
+  file(RELATIVE_PATH TAVLEN_PKG_CONFIG_TO_PREFIX "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_PREFIX}")
+  configure_file(cmake/tavlen.pc.in "${PROJECT_BINARY_DIR}/tavlen.pc" @ONLY)
+  install(FILES "${PROJECT_BINARY_DIR}/tavlen.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT development)
+endif()
 
 # The programs, and the resources that they look for next to themselves.
 if(TAVLEN_COMMAND)

@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 
 #include "tavlen/foundation/files/Connection.h"
@@ -13,13 +14,12 @@ namespace {
 
 constexpr std::array<int, 4> kSignals = {SIGHUP, SIGINT, SIGTERM, SIGPIPE};
 
-/// The write end of the pipe; -1 once it is closed. The handler may only access this type.
-volatile std::sig_atomic_t openEnd = -1;
+/// The write end of the pipe; -1 once it is closed. Two signals may be handled on two threads.
+std::atomic<int> openEnd = -1;
+static_assert(std::atomic<int>::is_always_lock_free, "a handler may not use a lock");
 
 void closeEnd() {
-  const int end = openEnd;
-  openEnd = -1;
-  if (end >= 0) ::close(end);
+  if (const int end = openEnd.exchange(-1); end >= 0) ::close(end);
 }
 
 extern "C" void endAtSignal(int /*signal*/) {

@@ -1,6 +1,4 @@
-// What a graphical host does with the library, in the order in which its user comes to it: the apps
-// with their icons, the stored tweaks, the methods of an app, a tweak that replaces the result of
-// one, its code, its installation.
+// What a graphical host does with the library, in the order in which its user comes to it.
 //   tavlen-host ROOT RESOURCES HELPER
 // ROOT is the device's "/", such as the folder that examples/make-device makes; RESOURCES contains
 // ob.js; HELPER is the file-operations helper, kvfileops.
@@ -16,7 +14,6 @@
 #include <string_view>
 #include <thread>
 
-#include "tavlen/bundles/AppList.h"
 #include "tavlen/bundles/IPA.h"
 #include "tavlen/device/DevicePrograms.h"
 #include "tavlen/device/DeviceRoot.h"
@@ -36,19 +33,22 @@
 namespace {
 
 using tavlen::IPA;
+using tavlen::NotificationCenter;
 
 /// A window that shows the stored tweaks, and follows their changes until it is closed.
 class TweaksWindow {
  public:
   TweaksWindow()
-      : token_(tavlen::observeTweakDiffs(center_, [this](const tavlen::TweakDiffs& diffs) {
-          // The library posts on the thread that made the change; views belong to the main thread.
-          const std::size_t count = diffs.size();
-          tavlen::MainQueue::shared().async([this, count] { refresh(count); });
-        })) {}
+      : token_(tavlen::observeTweakDiffs(
+            NotificationCenter::default_(), [this, life = std::weak_ptr(life_)](const auto& diffs) {
+              // Views belong to the main thread, which may close the window before it runs this.
+              tavlen::MainQueue::shared().async([this, life, count = diffs.size()] {
+                if (!life.expired()) refresh(count);
+              });
+            })) {}
   TweaksWindow(const TweaksWindow&) = delete;
   TweaksWindow& operator=(const TweaksWindow&) = delete;
-  ~TweaksWindow() { center_.removeObserver(token_); }
+  ~TweaksWindow() { NotificationCenter::default_().removeObserver(token_); }
 
  private:
   void refresh(std::size_t changes) {
@@ -57,8 +57,8 @@ class TweaksWindow {
       std::cout << "  " << configuration.name() << " for " << configuration.bundleID() << '\n';
   }
 
-  tavlen::NotificationCenter& center_ = tavlen::NotificationCenter::default_();
-  tavlen::NotificationCenter::Token token_;
+  std::shared_ptr<int> life_ = std::make_shared<int>();  // expires with the window
+  NotificationCenter::Token token_;
 };
 
 void showApps() {
@@ -92,8 +92,7 @@ void runWithProgress(const std::function<void(const std::shared_ptr<tavlen::Prog
   if (error) std::rethrow_exception(error);
 }
 
-/// The method of the app that the user picks: here the first that takes nothing and returns an
-/// object.
+/// The method that the user picks: here the first that takes nothing and returns an object.
 tavlen::Hook pickedHook(IPA& app) {
   tavlen::StaticClassParser::Classes classes;
   runWithProgress([&](const std::shared_ptr<tavlen::Progress>& progress) {
@@ -113,13 +112,12 @@ tavlen::Hook pickedHook(IPA& app) {
 }
 
 void makeTweak(const std::shared_ptr<IPA>& app, const std::string& resources) {
-  const std::string bundleID = app->infoManager().info().bundleID;
-  const std::shared_ptr<tavlen::TweakFile> tweak = tavlen::TweakFile::create(
-      "Made by the host", tavlen::TweakColor::lightBlue, tavlen::TweakGlyph::default_(), bundleID);
+  const auto tweak =
+      tavlen::TweakFile::create("Made by the host", tavlen::TweakColor::lightBlue,
+                                tavlen::TweakGlyph::default_(), app->infoManager().info().bundleID);
   const tavlen::Hook hook = pickedHook(*app);
   tavlen::HookManager{tweak, hook.identity(), nullptr}.setHook(hook);
   tavlen::MainQueue::shared().drain();
-
   const auto [code, map] = tavlen::TweakProcessor(resources).process(*tweak);
   std::cout << "the code:\n" << code << '\n';
 
@@ -142,9 +140,7 @@ int main(int argc, char** argv) {
     tavlen::DevicePrograms::setForOtherRoots({argv[3], {}, {}});
     showApps();
     const TweaksWindow window;
-    const std::shared_ptr<IPA> app = tavlen::AppList::shared().app("com.example.notes");
-    if (app == nullptr) throw std::runtime_error("the device has no app com.example.notes");
-    makeTweak(app, argv[2]);
+    makeTweak(IPA::findWithBundleID("com.example.notes"), argv[2]);
   } catch (const std::exception& error) {
     std::cerr << "tavlen-host: " << error.what() << '\n';
     return EXIT_FAILURE;

@@ -25,7 +25,8 @@ class TAVLEN_API AppArchive {
   enum class ErrorCase { noApp, severalApps };
   class Error;
 
-  /// Finds the app in the archive. Throws Error, ZIPError when the archive's directory is damaged,
+  /// Finds the app in the archive. Blocks while it reads the archive's directory, and cannot be
+  /// cancelled. Throws Error, ZIPError when the archive's directory is damaged,
   /// and std::system_error.
   explicit AppArchive(const std::filesystem::path& archive);
 
@@ -36,11 +37,13 @@ class TAVLEN_API AppArchive {
   /// Whether the app has that file; `file` is a path relative to its folder.
   bool contains(const std::string& file) const;
   /// The files, relative to the app's folder, that begin like Mach-O images, sorted.
-  /// A file whose beginning cannot be read is passed to `skip` and left out.
+  /// A file whose beginning cannot be read is passed to `skip` and left out. Blocks while it reads
+  /// the beginnings of all files, and cannot be cancelled.
   std::vector<std::string> images(FunctionRef<void(const ZIPError& fault)> skip);
 
   /// Unpacks the app's Info.plist, and `files`, which the app has, into the new folder
-  /// `destination`, under their names in the archive. Returns a handle on the app there. Throws
+  /// `destination`, under their names in the archive. Returns a handle on the app there. Blocks.
+  /// `progress`, which may be null, reports and cancels unpacking. Throws
   /// IPA::Error::invalidIPA without an Info.plist, and what ZIPFileReader::unpack() throws.
   std::shared_ptr<IPA> unpack(std::vector<std::string> files,
                               const std::filesystem::path& destination,

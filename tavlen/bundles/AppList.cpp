@@ -80,10 +80,15 @@ void AppList::loadIfNeeded() {
 }
 
 void AppList::reload() {
+  std::vector<std::shared_ptr<IPA>> apps;
   {
     const std::lock_guard lock(appLoadLock_);
     load();
+    apps = cachedAppsArray_;
   }
+  // Any app may have been updated in its folder. Without the lock, because a search of a large
+  // bundle, which this waits for, must not keep others from the list.
+  for (const std::shared_ptr<IPA>& app : apps) app->forgetExecutables();
   NotificationCenter::default_().post({std::string(kDidReloadNotification), this, std::nullopt});
 }
 

@@ -16,8 +16,8 @@ class IPA;
 
 /// The apps that tweaks can be made for, fetched once and cached until reload().
 ///
-/// Threads: any. The first call fetches, and others wait for it; with many apps this takes as long
-/// as reading their Info.plist files.
+/// Threads: any. The first call fetches, and so does reload(); the other calls wait for that. With
+/// many apps it takes as long as reading their Info.plist files, and cannot be cancelled.
 class TAVLEN_API AppList {
  public:
   /// Posted to NotificationCenter::default_() when a list has been reloaded; its object is the
@@ -39,8 +39,9 @@ class TAVLEN_API AppList {
   static void setSharedFetcher(std::unique_ptr<const AppListFetcher> appFetcher);
 
   /// Fetches the apps again, and then posts kDidReloadNotification on the calling thread, with no
-  /// lock held. Of an app whose bundle is still in the same folder, the object stays the same. The
-  /// fetcher's exceptions propagate and leave the list as it was. Blocks and cannot be cancelled.
+  /// lock held. Of an app whose bundle is still in the same folder, the object stays the same, but
+  /// IPA::forgetExecutables() is called. The fetcher's exceptions propagate and leave the list as
+  /// it was. Blocks, and cannot be cancelled.
   void reload();
 
   /// The apps in the fetcher's order, including several with the same identifier. Every call

@@ -22,8 +22,9 @@ struct TAVLEN_API BundleExecutables {
 
   /// Searches the bundle of `ipa`, whose main executable is the file `mainName` in it. A file with
   /// several names is found once; symbolic links, and files that vanish during the search, are
-  /// ignored. Throws IPA::Error::invalidFilename, Executable::Error::missing, and
-  /// IPA::Error::errorReading for a file or folder that cannot be read, because it may be an image.
+  /// ignored. Blocks, and cannot be cancelled. Throws IPA::Error::invalidFilename,
+  /// Executable::Error::missing, and IPA::Error::errorReading for a file or folder that cannot be
+  /// read, because it may be an image.
   static BundleExecutables find(const std::shared_ptr<IPA>& ipa, const std::string& mainName);
 };
 

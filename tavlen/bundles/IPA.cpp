@@ -70,6 +70,11 @@ std::vector<std::shared_ptr<Executable>> IPA::dynamicExecutables() {
   return executables().libraries;
 }
 
+void IPA::forgetExecutables() {
+  const std::lock_guard lock(executablesLock_);
+  executables_.reset();
+}
+
 std::optional<std::string> IPA::activeTweakID() const {
   try {
     const std::optional<TweakInfo> record = InstalledRecords::record(infoManager_.info().bundleID);

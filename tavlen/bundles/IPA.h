@@ -56,7 +56,8 @@ class TAVLEN_API IPA : public std::enable_shared_from_this<IPA> {
   const InfoManager& infoManager() const { return infoManager_; }
 
   /// The bundle's main program. The first call of this function or of the two below searches the
-  /// bundle and caches the result; after an error, the next call searches again. Throws
+  /// bundle and caches the result; after an error, the next call searches again. The search blocks
+  /// while it reads the beginning of every file, and cannot be cancelled. Throws
   /// Executable::Error::missing when the main executable does not exist, Error::invalidFilename
   /// when its name leads out of the bundle, Error::errorReading for an image that cannot be read,
   /// Error::cleanedUp once the bundle is deleted, and the errors of InfoManager::info().
@@ -65,6 +66,9 @@ class TAVLEN_API IPA : public std::enable_shared_from_this<IPA> {
   std::vector<std::shared_ptr<Executable>> bundleExecutables();
   /// The dynamic libraries and loadable bundles, sorted by relative path. Errors as above.
   std::vector<std::shared_ptr<Executable>> dynamicExecutables();
+  /// Empties the cache of the three functions above, after the app has been updated. Objects that
+  /// they returned stay as they are. Waits for a search that another thread makes.
+  void forgetExecutables();
 
   /// The identifier of the tweak installed for the app. Nothing when none is installed or the
   /// record cannot be read.
@@ -83,8 +87,8 @@ class TAVLEN_API IPA : public std::enable_shared_from_this<IPA> {
   /// errors of the tweak's package().
   void setActiveTweak(const InstallableTweak* tweak);
 
-  /// Copies the app's crash logs to the existing folder `directory`. Blocks. Throws Process::Error,
-  /// and otherwise as setActiveTweak().
+  /// Copies the app's crash logs to the existing folder `directory`. Blocks, and cannot be
+  /// cancelled. Throws Process::Error, and otherwise as setActiveTweak().
   void copyCrashLogs(const std::filesystem::path& directory) const;
 
  private:

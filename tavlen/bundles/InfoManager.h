@@ -49,9 +49,10 @@ struct TAVLEN_API InfoManager {
   /// first of equal ones. Files that are not images or exceed the limits (64 MiB for a file) are
   /// skipped, and so are names that lead out of the bundle. Throws Error::noIconFound when none is
   /// left, std::system_error for an existing file that cannot be read, and the errors of info().
+  /// Blocks while it decodes the file, and cannot be cancelled.
   Image icon() const;
   /// The largest of the files that `name`, a name as in an Info, refers to on either device. Throws
-  /// Error::iconNotFound without one, and std::system_error as above.
+  /// Error::iconNotFound without one, and std::system_error as above. Blocks as above.
   Image icon(const std::string& name) const;
 
   /// Calls `visit` with each file, relative to the bundle, that icon() or, with a name, icon(name)

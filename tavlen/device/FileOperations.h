@@ -8,10 +8,10 @@
 /// Calls of the privileged file-operations helper, for changes that this process may not make
 /// itself.
 ///
-/// Paths are resolved host paths. Each call blocks until the helper has ended, and throws
-/// Process::Error when it fails: posixSpawn(ENOENT) when it is missing. The helper reads its device
-/// root from TAVLEN_ROOT in the environment that it inherits; set it together with DeviceRoot.
-/// Threads: any.
+/// Paths are resolved host paths. Each call blocks until the helper has ended, cannot be cancelled,
+/// and throws Process::Error when it fails: posixSpawn(ENOENT) when it is missing. The helper reads
+/// its device root from TAVLEN_ROOT in the environment that it inherits; set it together with
+/// DeviceRoot. Threads: any.
 namespace tavlen::FileOperations {
 
 /// The path of the helper, as DevicePrograms names it. Empty if there is none.

@@ -48,7 +48,8 @@ class TAVLEN_API Process {
   /// Starts the child. Throws Error::posixSpawn, with EINVAL for a NUL in the path or an argument,
   /// where the child would see only the text before it. Call waitUntilExit() after each launch.
   void launch();
-  /// Blocks until the child has ended. Throws Error unless it exited with status 0.
+  /// Blocks until the child has ended, and cannot be cancelled. Throws Error unless it exited with
+  /// status 0.
   void waitUntilExit();
 
  private:

@@ -6,7 +6,8 @@
 
 /// Ends processes of the device with its own kill and killall programs, which DevicePrograms names.
 /// Failures are not reported, neither a missing program nor a process that survives; check for the
-/// program if that matters. All calls block until the program has ended. Threads: any.
+/// program if that matters. All calls block until the program has ended, and cannot be cancelled.
+/// Threads: any.
 namespace tavlen {
 
 /// Runs `path`, a host path that is not searched for in PATH, with the arguments "-9" and

@@ -19,7 +19,9 @@ inline constexpr std::string_view kTweakDiffsKey = "diffs";
 TAVLEN_API void postTweakDiffs(NotificationCenter& center, TweakDiffs diffs);
 
 /// Calls `handler` with the diffs of every notification that has some, on the posting thread, until
-/// the result is passed to NotificationCenter::removeObserver().
+/// the result is passed to NotificationCenter::removeObserver(). A call that already runs on
+/// another thread, and work that the handler has queued, may run after that: let them hold a
+/// std::weak_ptr to what may be gone.
 TAVLEN_API [[nodiscard]] NotificationCenter::Token observeTweakDiffs(
     NotificationCenter& center, std::function<void(const TweakDiffs&)> handler);
 /// As observeTweakDiffs(), but the observer is never removed.

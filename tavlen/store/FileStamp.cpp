@@ -5,6 +5,7 @@
 #include <system_error>
 
 #include "tavlen/device/DeviceRoot.h"
+#include "tavlen/foundation/files/FileTimes.h"
 
 namespace tavlen {
 
@@ -19,11 +20,7 @@ std::optional<FileStamp> stampOf(const fs::path& file) {
   if (::lstat(linkTarget(file).c_str(), &status) != 0 || !S_ISREG(status.st_mode)) {
     return std::nullopt;
   }
-#ifdef __APPLE__
-  const timespec& written = status.st_mtimespec;
-#else
-  const timespec& written = status.st_mtim;
-#endif
+  const timespec& written = modificationTime(status);
   return FileStamp{static_cast<std::uint64_t>(status.st_dev), status.st_ino, status.st_size,
                    written.tv_sec, written.tv_nsec};
 }

@@ -39,7 +39,8 @@ class TAVLEN_API StoreSnapshot {
 
   /// An empty snapshot.
   StoreSnapshot() = default;
-  /// Takes a snapshot. Files that cannot be examined count as missing.
+  /// Takes a snapshot. Files that cannot be examined count as missing. Blocks while it
+  /// examines the files of each item, and cannot be cancelled.
   static StoreSnapshot take();
 
   /// The changes from `before` to this snapshot, sorted by identifier.

@@ -29,9 +29,9 @@ class TAVLEN_API TweakManager {
 
   TweakManager() = delete;
 
-  /// The items in the tweaks directory, in directory order. Blocks while it opens each item, as
-  /// do the other functions that list or find items. Items that cannot be opened are left
-  /// out. Empty if the directory cannot be read.
+  /// The items in the tweaks directory, in directory order. Blocks while it opens each item, and
+  /// cannot be cancelled, like the other functions that list or find items. Items that cannot be
+  /// opened are left out. Empty if the directory cannot be read.
   static std::vector<std::shared_ptr<TweakProtocol>> allTweaks();
   /// As allTweaks(), but also returns the items' settings. Reads every document once.
   static std::vector<ListedItem> listedTweaks();
@@ -70,12 +70,14 @@ class TAVLEN_API TweakManager {
                                                      Progress* progress = nullptr);
 
   /// Unpacks the archive of a tweak into the new folder `folder`, and opens the tweak there. Stores
-  /// and posts nothing. Throws Error::unknownTweakType for other archives, and as decompressAt()
-  /// and TweakFile::open() do.
+  /// and posts nothing. Blocks. `progress`, which may be null, reports and cancels unpacking.
+  /// Throws Error::unknownTweakType for other archives, and as decompressAt() and TweakFile::open()
+  /// do.
   static TweakFile::Opened openTweakArchive(const std::filesystem::path& url,
                                             const std::filesystem::path& folder,
                                             Progress* progress = nullptr);
-  /// The same for the archive of a collection: throws as TweakCollection::openPayloadAt() does.
+  /// The same for the archive of a collection; opening its members cannot be cancelled. Throws as
+  /// TweakCollection::openPayloadAt() does.
   static TweakCollection::Unpacked openCollectionArchive(const std::filesystem::path& url,
                                                          const std::filesystem::path& folder,
                                                          Progress* progress = nullptr);

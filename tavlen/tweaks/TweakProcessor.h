@@ -20,7 +20,8 @@ namespace tavlen {
 ///
 /// The first exception in the script, while loading or later, is kept: every later conversion
 /// throws it again. Use a processor for one tweak only. Conversions block, in
-/// proportion to the text, and cannot be cancelled. Threads: use it on one thread.
+/// proportion to the text, and cannot be cancelled. The first processor starts threads and replaces
+/// signal handlers, see JavaScriptContext. Threads: use it on one thread.
 class TAVLEN_API TweakProcessor {
  public:
   class Error;

@@ -9,6 +9,7 @@
 #include "tavlen/device/DevicePaths.h"
 #include "tavlen/device/DevicePrograms.h"
 #include "tavlen/device/DeviceRoot.h"
+#include "tavlen/device/DirectoryAppListFetcher.h"
 #include "tavlen/device/InstalledRecords.h"
 #include "tavlen/device/LSAppListFetcher.h"
 #include "tavlen/device/Process.h"
@@ -312,6 +313,17 @@ TEST_F(IPATest, WhatItMayNotWriteGoesThroughTheHelper) {
                                              " 1\nkvfileops copy /.*/T1.bundle " + place +
                                              "/T1.bundle\nkvfileops copy /.*/TweakInfo.plist " +
                                              place + "/TweakInfo.plist\n"));
+}
+
+TEST_F(IPATest, AnUpdatedAppHasItsNewExecutablesAfterAReload) {
+  AppList list(std::make_unique<DirectoryAppListFetcher>(DeviceRoot::shared()));
+  const auto ipa = list.app("com.example.notes");
+  EXPECT_EQ(ipa->mainExecutable()->name(), "Notes");
+  app("com.example.notes", "Renamed");
+  fs::rename(appDir() / "Notes", appDir() / "Renamed");
+  list.reload();
+  EXPECT_EQ(list.app("com.example.notes"), ipa);
+  EXPECT_EQ(ipa->mainExecutable()->name(), "Renamed");
 }
 
 TEST_F(IPATest, ManyThreadsFillTheCachesOnce) {

@@ -322,7 +322,7 @@ TEST(CommandPage, ExampleRunsAsItStands) {
   // The address sanitizer overlooks what GNUstep leaks, and finds GNUstep only in whole call
   // stacks.
   const std::string command = "cd '" + clone.path().string() +
-                              "' && ASAN_OPTIONS=fast_unwind_on_malloc=0 "
+                              "' && ASAN_OPTIONS=\"$ASAN_OPTIONS:fast_unwind_on_malloc=0\" "
                               "sh -e example.sh >out 2>err </dev/null";
   ASSERT_EQ(std::system(command.c_str()), 0) << readFile(clone.path() / "err");
   const std::string out = readFile(clone.path() / "out");

@@ -17,6 +17,7 @@
 #include "tavlen/device/DevicePaths.h"
 #include "tavlen/foundation/base/SystemError.h"
 #include "tavlen/foundation/files/FileSystem.h"
+#include "tavlen/foundation/files/FileTimes.h"
 #include "tavlen/foundation/files/FolderReader.h"
 #include "tavlen/foundation/text/Log.h"
 
@@ -34,14 +35,6 @@ TrustedFolder reachDestination(const std::filesystem::path& destination) {
   TrustedFolder folder(destination, links);
   if (!folder.exists()) throwSystemError(ENOENT, destination);
   return folder;
-}
-
-const struct timespec& changeTime(const struct stat& status) {
-#ifdef __APPLE__
-  return status.st_ctimespec;
-#else
-  return status.st_ctim;
-#endif
 }
 
 /// Whether a file has one name, and got or lost none between two looks at it: each changes its

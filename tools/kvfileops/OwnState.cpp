@@ -10,10 +10,7 @@
 #include <csignal>
 
 #include "kvfileops/CallerRights.h"
-
-#ifdef __APPLE__
-extern char** environ;  // which no header declares
-#endif
+#include "tavlen/foundation/base/ArgumentVector.h"
 
 namespace tavlen::fileops {
 
@@ -56,7 +53,7 @@ void takeOwnState() {
   openStandardStreams();
   if (!hasLentRights()) return;
   static std::array<char*, 1> noVariables = {nullptr};
-  environ = noVariables.data();
+  setEnvironmentOfProcess(noVariables.data());
   raiseLimit(RLIMIT_NOFILE, kDescriptors);
   for (const int resource : {RLIMIT_FSIZE, RLIMIT_CPU, RLIMIT_AS, RLIMIT_DATA, RLIMIT_STACK}) {
     raiseLimit(resource, RLIM_INFINITY);

@@ -14,12 +14,20 @@ ArgumentVector::ArgumentVector(const std::vector<std::string>& arguments) : text
   pointers_.push_back(nullptr);
 }
 
-char** environmentOfProcess() {
+namespace {
+
+char**& variablesOfProcess() {
 #if defined(__APPLE__)
   return *_NSGetEnviron();  // only the main program has `environ` itself
 #else
   return environ;
 #endif
 }
+
+}  // namespace
+
+char** environmentOfProcess() { return variablesOfProcess(); }
+
+void setEnvironmentOfProcess(char** variables) { variablesOfProcess() = variables; }
 
 }  // namespace tavlen

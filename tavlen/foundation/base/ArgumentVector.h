@@ -27,4 +27,8 @@ class TAVLEN_API ArgumentVector {
 /// The variables of this process, and a null pointer after them.
 TAVLEN_API char** environmentOfProcess();
 
+/// Replaces the variables of this process by `variables`, which end with a null pointer and must
+/// outlive the process. No other thread may read or change the variables during the call.
+TAVLEN_API void setEnvironmentOfProcess(char** variables);
+
 }  // namespace tavlen

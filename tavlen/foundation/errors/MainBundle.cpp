@@ -32,11 +32,13 @@ State& state() {
 /// The folders that may hold the table, the best first.
 std::vector<std::filesystem::path> tableFolders(const std::filesystem::path& bundle) {
   std::vector<std::filesystem::path> folders;
-  for (std::string name : localeFallbacks(userLocale())) {
-    const std::string withUnderscores = name;
-    std::replace(name.begin(), name.end(), '_', '-');
-    folders.push_back(bundle / (name + ".lproj"));
-    if (name != withUnderscores) folders.push_back(bundle / (withUnderscores + ".lproj"));
+  for (const std::string& locale : userLocales()) {
+    for (std::string name : localeFallbacks(locale)) {
+      const std::string withUnderscores = name;
+      std::replace(name.begin(), name.end(), '_', '-');
+      folders.push_back(bundle / (name + ".lproj"));
+      if (name != withUnderscores) folders.push_back(bundle / (withUnderscores + ".lproj"));
+    }
   }
   folders.push_back(bundle / "en.lproj");
   folders.push_back(bundle / "Base.lproj");

@@ -1,5 +1,7 @@
 #include "tavlen/foundation/files/DiskSync.h"
 
+#include <cerrno>
+
 #include "tavlen/foundation/files/FileDescriptor.h"
 #include "tavlen/foundation/files/RetryOnInterrupt.h"
 
@@ -9,6 +11,7 @@ int syncDescriptor(int descriptor) {
 #ifdef __APPLE__
   // fsync() leaves the data in the drive's cache: fsync(2). Not every file system can do more.
   if (retryOnInterrupt([&] { return ::fcntl(descriptor, F_FULLFSYNC); }) != -1) return 0;
+  if (errno != ENOTSUP && errno != ENOTTY && errno != EINVAL) return -1;
 #endif
   return retryOnInterrupt([&] { return ::fsync(descriptor); });
 }

@@ -10,6 +10,7 @@
 #include <CoreFoundation/CoreFoundation.h>
 
 #include <memory>
+#include <utility>
 #endif
 
 namespace tavlen {
@@ -37,28 +38,37 @@ constexpr const char* kFallback = "en_US";
 
 namespace {
 
-/// The tag of the language that the user prefers; empty without one. ICU's own default is
-/// en_US_POSIX in an app, whatever the user chose.
-std::string preferredLanguage() {
+/// ICU's own default is en_US_POSIX in an app, whatever the user chose.
+std::vector<std::string> localesOfPreferredLanguages() {
+  std::vector<std::string> locales;
   const std::unique_ptr<const void, decltype(&CFRelease)> languages(
       CFLocaleCopyPreferredLanguages(), &CFRelease);
   const auto list = static_cast<CFArrayRef>(languages.get());
-  if (list == nullptr || CFArrayGetCount(list) == 0) return {};
-  LocaleBuffer tag{};
-  const bool isText = CFStringGetCString(static_cast<CFStringRef>(CFArrayGetValueAtIndex(list, 0)),
-                                         tag.data(), tag.size(), kCFStringEncodingUTF8) != 0;
-  return isText ? tag.data() : "";
+  const CFIndex count = list != nullptr ? CFArrayGetCount(list) : 0;
+  for (CFIndex i = 0; i < count; ++i) {
+    LocaleBuffer tag{};
+    const auto language = static_cast<CFStringRef>(CFArrayGetValueAtIndex(list, i));
+    if (CFStringGetCString(language, tag.data(), tag.size(), kCFStringEncodingUTF8) == 0) continue;
+    std::string locale = localeOfLanguage(tag.data());
+    if (!locale.empty()) locales.push_back(std::move(locale));
+  }
+  if (locales.empty()) locales.emplace_back(kFallback);
+  return locales;
 }
 
 }  // namespace
 
-std::string userLocale() {
+std::vector<std::string> userLocales() {
   // A change of the languages takes effect when a program starts again.
-  static const std::string locale = localeOfLanguage(preferredLanguage());
-  return locale.empty() ? kFallback : locale;
+  static const std::vector<std::string> locales = localesOfPreferredLanguages();
+  return locales;
 }
 
+std::string userLocale() { return userLocales().front(); }
+
 #else
+
+std::vector<std::string> userLocales() { return {userLocale()}; }
 
 std::string userLocale() {
   std::string locale = uloc_getDefault();

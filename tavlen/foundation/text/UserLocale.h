@@ -14,6 +14,10 @@ namespace tavlen {
 /// byte and ignores case rules.
 TAVLEN_API std::string userLocale();
 
+/// The locales of all languages that the user reads, the preferred one first; never empty. Only
+/// Apple's systems have more than userLocale(). Threads: any.
+TAVLEN_API std::vector<std::string> userLocales();
+
 /// The locale of a BCP 47 language tag: "zh_Hant_TW" for "zh-Hant-TW". Empty for a malformed tag.
 TAVLEN_API std::string localeOfLanguage(const std::string& tag);
 

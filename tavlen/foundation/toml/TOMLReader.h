@@ -13,10 +13,11 @@ namespace tavlen {
 /// a backslash at the end of a line must be ASCII.
 ///
 /// Limits: limits::kDocumentBytes, limits::kJSONValues values, limits::kJSONDepth containers in one
-/// another, the parts of dotted keys and headers included, and the work for dotted keys, which
-/// detail/TOMLPrescan.h explains. Time is otherwise linear in the text, up to a logarithm. The
-/// deepest text takes 750 kB of stack, so threads with less must not call this.
-/// Errors: TOMLError, TOMLIntegerError among them, for the first fault. Threads: any.
+/// another, the parts of dotted keys and headers included, and 2^31 look-ups of tables: each part
+/// of a dotted key or a header costs one for each table that such keys made before. Time is
+/// otherwise linear in the text, up to a logarithm. The deepest text takes 750 kB of stack, so
+/// threads with less must not call this. Errors: TOMLError, TOMLIntegerError among them, for the
+/// first fault. Threads: any.
 TAVLEN_API TOMLNode::Table readTOML(std::string_view text);
 
 }  // namespace tavlen

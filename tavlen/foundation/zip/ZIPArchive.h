@@ -17,8 +17,8 @@ class Progress;
 /// the folder or are not unique, and more entries or bytes than the limits. So every archive that
 /// is written can be read. Errors of the file system are std::system_error with the path. Files are
 /// copied through buffers of limited size, less than 32 MB together; memory grows only with the
-/// number of entries. A given `progress` gets its units, in bytes; cancelling it ends the work with
-/// ECANCELED. Threads: any.
+/// number of entries. Both block. A given `progress` gets its units, in bytes; cancelling it ends
+/// the work with ECANCELED. Threads: any.
 namespace ZIPArchive {
 
 /// Limits against archives that exhaust the device.

@@ -15,8 +15,8 @@ namespace tavlen {
 ///
 /// Only what is asked for is judged, by the rules and limits of ZIPArchive: the archive may hold
 /// links, and entries that unzipItem() would refuse. Its directory must be sound, though, and have
-/// no more entries than the limit. Errors are ZIPError, and std::system_error with the path.
-/// Threads: one object one thread at a time.
+/// no more entries than the limit. All calls but names() block. Errors are ZIPError, and
+/// std::system_error with the path. Threads: one object one thread at a time.
 class TAVLEN_API ZIPFileReader {
  public:
   /// Reads the directory of `archive`.

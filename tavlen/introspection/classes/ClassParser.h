@@ -15,6 +15,10 @@ class Executable;
 
 /// A source of the Objective-C classes of an image.
 ///
+/// Parsing blocks. Of a StaticClassParser it ends with ECANCELED when the given progress is
+/// cancelled, of a RemoteClassParser by cancelTessaloopIfNeeded(); that of a DynamicClassParser
+/// cannot be cancelled.
+///
 /// Threads: any; each parser documents which of its calls wait for one another.
 class TAVLEN_API ClassParser {
  public:
@@ -28,7 +32,7 @@ class TAVLEN_API ClassParser {
   virtual ~ClassParser() = default;
 
   /// The classes that the image of `executable` defines, in the parser's order; none is null.
-  /// Blocks. Throws the parser's own error.
+  /// Throws the parser's own error.
   Classes parse(const Executable& executable) const { return parseBelow(nullptr, executable); }
 
   /// The same; reports its progress as one unit of `parent`.

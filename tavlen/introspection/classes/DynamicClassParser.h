@@ -52,7 +52,8 @@ class TAVLEN_API DynamicClassParser : public ClassParser {
   /// With `shouldDlopen`, loads the image first; when that fails, logs the loader's text and
   /// returns nothing. An image without classes, or one that is not loaded, has an empty list.
   ///
-  /// Makes a progress of one unit, which is completed with the classes.
+  /// Blocks, and cannot be cancelled. Makes a progress of one unit, which is completed with the
+  /// classes.
   std::optional<Classes> parseClassesAtPath(const std::filesystem::path& path,
                                             bool shouldDlopen) const;
 

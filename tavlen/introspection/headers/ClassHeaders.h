@@ -34,9 +34,9 @@ class TAVLEN_API ClassHeaders {
   /// method that cannot be declared, or whose encoding is malformed, becomes a comment. The same
   /// input gives the same bytes.
   ///
-  /// Time is linear in the input. Memory: the largest file, and the structs. Throws
-  /// std::system_error with the path; files written before stay. Threads: any, but one folder one
-  /// call at a time.
+  /// Blocks, and cannot be cancelled. Time is linear in the input. Memory: the largest file, and
+  /// the structs. Throws std::system_error with the path; files written before stay. Threads: any,
+  /// but one folder one call at a time.
   static Written write(const ClassParser::Classes& classes,
                        const std::vector<StaticClassParser::Category>& categories,
                        const std::filesystem::path& folder);

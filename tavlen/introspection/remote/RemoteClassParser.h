@@ -15,10 +15,11 @@ namespace tavlen {
 /// the device root cannot be dumped. An archive that is larger than 256 MiB or not a regular file
 /// is refused.
 ///
-/// Blocks, without a time limit if the agent never ends, until cancelTessaloopIfNeeded(). A call
-/// cancels the one before it. Throws Error::failed, and std::system_error when the archive was read
-/// but its folder cannot or must not be deleted. An agent that reports NaN, or a fraction whose
-/// percentage does not fit into 64 bits, ends the process.
+/// Blocks, without a time limit if the agent never ends, until cancelTessaloopIfNeeded();
+/// cancelling a progress does not end it. A call cancels the one before it. Throws Error::failed,
+/// and std::system_error when the archive was read but its folder cannot or must not be deleted. An
+/// agent that reports NaN, or a fraction whose percentage does not fit into 64 bits, ends the
+/// process.
 class TAVLEN_API RemoteClassParser : public ClassParser {
  public:
   /// The cases of Error.

@@ -1,3 +1,5 @@
+#include <sys/stat.h>
+
 #include <array>
 #include <atomic>
 #include <cerrno>
@@ -6,6 +8,7 @@
 
 #include "tavlen/foundation/files/Connection.h"
 #include "tavlen/foundation/files/DirectoryWatcher.h"
+#include "tavlen/foundation/files/DiskSync.h"
 #include "tavlen/foundation/files/FileReplacement.h"
 #include "tavlen/foundation/files/PeerEnd.h"
 #include "tavlen/foundation/files/RandomAccessFile.h"
@@ -204,6 +207,18 @@ TEST(PeerEnd, IsReportedForPipes) {
   }
   const TemporaryFolder folder;  // a file can always be read, which is no end
   EXPECT_FALSE(isReported(FileDescriptor::open(folder.write("file", "x"), O_RDONLY)));
+  ASSERT_EQ(::mkfifo((folder.path() / "both").c_str(), 0600), 0);
+  const FileDescriptor both = FileDescriptor::open(folder.path() / "both", O_RDWR);
+  ASSERT_EQ(::write(both.get(), "x", 1), 1);
+  EXPECT_FALSE(isReported(both)) << "what the program itself wrote is no end";
+}
+
+TEST(DiskSync, FailsForWhatIsNoFile) {
+  EXPECT_EQ(syncDescriptor(-1), -1);
+  EXPECT_EQ(errno, EBADF);
+  const TemporaryFolder folder;
+  EXPECT_THROW(syncFile(folder.path() / "missing"), std::system_error);
+  EXPECT_NO_THROW(syncFolder(folder.path() / "missing"));
 }
 
 using Wake = DirectoryWatcher::Wake;

@@ -1,8 +1,7 @@
 #include "tools/loader/hooks/Watch.h"
 
-#include <signal.h>
-
 #include <algorithm>
+#include <csignal>
 #include <cstdint>
 #include <string>
 #include <thread>

@@ -23,7 +23,7 @@ Overlay& overlay() {
 }
 
 id infoDictionary(id self, SEL selector) {
-  if (self == overlay().bundle) return overlay().dictionary;
+  if (self == overlay().bundle || overlay().original == nullptr) return overlay().dictionary;
   return reinterpret_cast<id (*)(id, SEL)>(overlay().original)(self, selector);
 }
 

@@ -25,8 +25,8 @@ struct HookRecord {
   CallMemory answerMemory;      ///< the same, as it returned it
   bool ownsReceiver = false;  ///< whether the hook has still to consume a reference to the receiver
   HookRecord* outer = nullptr;  ///< the record below it on the stack
-  JSValueRef
-      values[CallSignature::kMostArguments];  // NOLINT(modernize-avoid-c-arrays): uninitialised
+  // NOLINTNEXTLINE(modernize-avoid-c-arrays): uninitialised
+  JSValueRef values[CallSignature::kMostArguments];
 };
 
 /// The hooks that run on one thread, the innermost on top.

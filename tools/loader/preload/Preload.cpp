@@ -50,10 +50,10 @@ Function next(const char* name) {
 
 /// The variable, which is removed: programs that this one starts get none of them.
 std::optional<std::string> taken(const char* name) {
-  const char* value = std::getenv(name);
+  const char* value = std::getenv(name);  // NOLINT(concurrency-mt-unsafe): before main
   if (value == nullptr) return std::nullopt;
   std::string text = value;
-  (void)::unsetenv(name);
+  (void)::unsetenv(name);  // NOLINT(concurrency-mt-unsafe)
   return text;
 }
 
@@ -68,6 +68,7 @@ void leavePreload(std::string_view library) {
     if (!entry.empty() && entry != library) rest.append(rest.empty() ? "" : ":").append(entry);
     begin = end + 1;
   }
+  // NOLINTNEXTLINE(concurrency-mt-unsafe)
   if (!rest.empty()) (void)::setenv(kPreload, rest.c_str(), 1);
 }
 
@@ -89,8 +90,8 @@ std::optional<Settings> takeSettings() {
   const auto limit = taken(loaderSettings::kLimit);
   if (library) leavePreload(*library);
   if (!program || !tweak || !events || !limit || executablePath() != *program) return std::nullopt;
-  return Settings{*tweak, std::atoi(events->c_str()), isTracing,
-                  std::chrono::milliseconds(std::atol(limit->c_str()))};
+  return Settings{*tweak, std::stoi(*events), isTracing,
+                  std::chrono::milliseconds(std::stol(*limit))};
 }
 
 void start(const Settings& settings) {

@@ -178,8 +178,8 @@ bool ValueType::hasShapeOf(const ValueType& other) const {
                     [](const Member& a, const Member& b) { return a.type->hasShapeOf(*b.type); });
 }
 
-std::shared_ptr<const ValueType> ValueType::merged(std::shared_ptr<const ValueType> own,
-                                                   std::shared_ptr<const ValueType> declared) {
+std::shared_ptr<const ValueType> ValueType::merged(
+    const std::shared_ptr<const ValueType>& own, const std::shared_ptr<const ValueType>& declared) {
   const bool hasNames = declared->kind_ == Kind::structure && own->name_.empty();
   return declared->kind_ == Kind::boolean || hasNames ? declared : own;
 }

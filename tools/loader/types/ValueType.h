@@ -80,8 +80,8 @@ class ValueType {
   bool hasShapeOf(const ValueType& other) const;
   /// The type as a script sees it when the caller declared it as `declared`: a truth value where it
   /// was declared as one, and the names of a declared structure where its own has none.
-  static std::shared_ptr<const ValueType> merged(std::shared_ptr<const ValueType> own,
-                                                 std::shared_ptr<const ValueType> declared);
+  static std::shared_ptr<const ValueType> merged(const std::shared_ptr<const ValueType>& own,
+                                                 const std::shared_ptr<const ValueType>& declared);
 
  private:
   struct Build;

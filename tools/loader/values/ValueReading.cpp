@@ -14,7 +14,7 @@ namespace {
 template <class T>
 T at(const void* memory) {
   T value;
-  std::memcpy(&value, memory, sizeof(T));
+  std::memcpy(&value, memory, sizeof(T));  // NOLINT(bugprone-sizeof-expression): of a pointer
   return value;
 }
 
@@ -79,8 +79,8 @@ JSValueRef readMembers(Engine& engine, const ValueType& type, const void* memory
 
 /// Where the values of scalars go. On the stack, where the collector sees them.
 struct Scalars {
-  JSValueRef
-      values[StructureMakers::kMostScalars];  // NOLINT(modernize-avoid-c-arrays): uninitialised
+  // NOLINTNEXTLINE(modernize-avoid-c-arrays): uninitialised
+  JSValueRef values[StructureMakers::kMostScalars];
   std::size_t count = 0;
 };
 

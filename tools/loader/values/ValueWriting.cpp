@@ -24,7 +24,7 @@ using Kind = ValueType::Kind;
 
 template <class T>
 void put(void* memory, T value) {
-  std::memcpy(memory, &value, sizeof(T));
+  std::memcpy(memory, &value, sizeof(T));  // NOLINT(bugprone-sizeof-expression): of a pointer
 }
 
 /// The bits of an integer in two's complement, with its sign.

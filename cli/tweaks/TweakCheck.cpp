@@ -81,7 +81,7 @@ TweakSurroundings surroundingsOf(const fs::path& folder) {
   surroundings.apps = AppList::shared().identifiers();
   surroundings.refusedEntries = refusedEntries(DeviceRoot::shared().follow(folder));
   const fs::path top = TweakFile::resourcesFolder;
-  addResources(surroundings, attachedFiles(folder, top.string(), [](const std::string&) {}));
+  addResources(surroundings, attachedFiles(folder, top.string(), [](const auto&, auto) {}));
   surroundings.stateOf = [resources = folder / top](const std::string& name) {
     const DeviceRoot root = DeviceRoot::shared();
     const auto file = pathInside(root, resources, name);

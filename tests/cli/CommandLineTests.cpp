@@ -241,6 +241,7 @@ TEST_F(CommandTest, CheckWarnsOfWhatIsQuestionable) {
       ",null," + hookJSON("set:to:", "zz");
   writeTweak("./T", hooks, R"(,"glyph":{"icon":"tolls","style":"solid"})");
   write("./T/Resources/here", "");
+  write("./T/Executables/r\\x", "");
   write("x/x", "");
   fs::create_directory_symlink("../../x", folder() / "./T/Resources/link");
   fs::create_directory(folder() / "./T/Executables");
@@ -248,7 +249,7 @@ TEST_F(CommandTest, CheckWarnsOfWhatIsQuestionable) {
   writeTweak("broken", "1");
   const Result result = run("check ./T ./broken nowhere", {kGreeting});
   EXPECT_EQ(result.status, 1);
-  EXPECT_EQ(result.out, "./T: 11 warnings\n" + kGreeting + ": ok\n");
+  EXPECT_EQ(result.out, "./T: 12 warnings\n" + kGreeting + ": ok\n");
   const std::string place = "./T/Manifest.json: ";
   const std::string hook = place + "hooks[0].";
   EXPECT_EQ(result.err,
@@ -268,6 +269,7 @@ TEST_F(CommandTest, CheckWarnsOfWhatIsQuestionable) {
                 "hooks[2].signature: warning: \"zz\" is not a method's type encoding\n"
                 "./T/Executables/pipe: warning: neither a file nor a folder, and cannot be "
                 "packaged\n"
+                "./T/Executables/r\\x: warning: no archive can contain an entry of this name\n"
                 "./T/Resources/link: warning: a symbolic link cannot be packaged\n"
                 "./broken/Manifest.json:1:90: hooks[0]: error: expected a dictionary, found a "
                 "number\n"

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "cli/arguments/AmbiguousItem.h"
+#include "cli/arguments/ArchiveFile.h"
 #include "cli/terminal/ShownText.h"
 #include "tavlen/device/DeviceFiles.h"
 #include "tavlen/foundation/tasks/NotificationCenter.h"
@@ -36,6 +37,7 @@ bool endsInAny(const std::string& text, std::initializer_list<const char*> exten
 void requireItem(const std::string& path) {
   switch (formOf(path)) {
     case ItemForm::text:
+      if (isArchive(path)) throw std::runtime_error(path + ": " + kOtherArchive);
       throw std::runtime_error(path + ": is a text, not a stored item; apply makes one of it");
     case ItemForm::archive:
       throw std::runtime_error(path + ": is an archive, not a stored item; import makes one of it");
@@ -48,14 +50,16 @@ void requireItem(const std::string& path) {
 OpenedItem itemAt(const std::string& path, const std::string& shown) {
   const fs::file_status status = DeviceRoot::shared().status(path);
   const bool isFolder = fs::is_directory(status);
+  const std::string document =
+      isFolder ? (path.ends_with('/') ? path : path + "/") + kDocumentFile : path;
   try {
     // Outside the store, a tweak's folder may have any name.
     if (isFolder || !fs::exists(status)) return TweakFile::open(path);
     return TweakManager::openAt(path);
   } catch (const DecodingError& error) {
-    const std::string document =
-        isFolder ? (path.ends_with('/') ? path : path + "/") + kDocumentFile : path;
     throw documentError(document, error);
+  } catch (const std::system_error& error) {
+    throw fileError(document, error, kUnreadableTweakCode);
   } catch (const DescribedError& error) {
     throw std::runtime_error(shown + ": " + errorText(error));
   }

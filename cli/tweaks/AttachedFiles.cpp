@@ -48,10 +48,7 @@ fs::path placeFor(const fs::path& folder, const std::string& name) {
 }  // namespace
 
 void throwUnreadable(const std::string& path, std::error_code error) {
-  throw PlacedError({.severity = Diagnostic::kError,
-                     .message = error.message(),
-                     .file = path,
-                     .code = "unreadable-file"});
+  throw fileError(path, std::system_error(error, path), "unreadable-file");
 }
 
 std::set<std::string> attachedFiles(const fs::path& folder, const std::string& top,

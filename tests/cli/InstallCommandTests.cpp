@@ -102,7 +102,7 @@ TEST_F(InstallCommandTest, AFailureIsShownAtItsPlace) {
                                     "    transpile@ob.js:1:[0-9]+\n"));
   write("share/ob.js", "1");
   EXPECT_THAT(run("install good --transpiler share").err,
-              EndsWith("tavlen: error: share/ob.js: does not define OBJSTranspiler\n"));
+              EndsWith("share/ob.js: error: does not define OBJSTranspiler\n"));
   write("share/ob.js", "f(");
   EXPECT_THAT(run("install good --transpiler share").err,
               HasSubstr("tavlen: error: the transpiler failed: SyntaxError: "));

@@ -201,10 +201,10 @@ TEST_F(CommandTest, APlaceInTheCodeIsLedBack) {
     int status;
     std::string text;
   } cases[] = {
-      {"3:10", 0, "./T/Manifest.json: hooks[1] -[A a]\n    \t\treturn %orig;\n    \t\t       ^\n"},
+      {"3:10", 0, "./T/Manifest.json: hooks[1]: -[A a]\n    \t\treturn %orig;\n    \t\t       ^\n"},
       {"8:25", 0, "./T/script.objs:2:7\n    \t[a b:[c d]];\n    \t     ^\n"},
       {"1:1", 1, "tavlen: error: ./T: 1:1: belongs to no hook and not to the script\n"},
-      {"8:1", 1, "tavlen: error: ./T: 8:1: the source map leads to no place in the source\n"},
+      {"8:1", 0, "./T/script.objs:2:2\n    \t[a b:[c d]];\n    \t^\n"},
       {"9:2", 1, "tavlen: error: ./T: 9:2: the code has no such line or column\n"},
       {"8:0", 2,
        "tavlen: error: LINE:COLUMN: 8:0: expected a line and a column, such as 12:7\n"

@@ -162,6 +162,7 @@ TEST_F(TextCommandTest, ATweakIsReadInAnyForm) {
   EXPECT_EQ(shell("ls -A | grep Temporary").out, "") << "nothing is left";
   EXPECT_THAT(run("locate ./T 2:3").out, StartsWith("./T/tweak.toml:6:10: -[A a]\n"
                                                     "    method = \"-[A a]\"\n             ^\n"));
+  EXPECT_THAT(run("locate ./T 4:1").out, StartsWith("./T/tweak.toml:8:10: -[A a]\n"));
   const std::string code = run("build ./T").out;
   const std::string before = code.substr(0, code.find("one("));
   const auto scriptLine = 1 + std::count(before.begin(), before.end(), '\n');

@@ -81,7 +81,6 @@ Built write(const TweakProcessor::Output& output, const fs::path& folder) {
 }
 
 int build(const Options& options) {
-  if (options.output != kStandardOutput) requireOwnFiles(options.output);
   const OpenedTweak tweak = openTweak(options.tweak);
   printWarnings(tweak);
   const auto output = transpile(tweak, transpilerFolder(options.transpiler));
@@ -93,6 +92,7 @@ int build(const Options& options) {
     printData(options.json ? shownJSON(Built{output->code, output->map}) + "\n" : output->code);
     return 0;
   }
+  requireOwnFiles(options.output);
   const Built files = write(*output, options.output);
   if (options.json) printJSON(files);
   return 0;

@@ -32,6 +32,7 @@ void makeFolder(const fs::path& folder, FunctionRef<void(const fs::path& draft)>
   if (!place.has_filename()) place = place.parent_path();
   fs::path first = place;  // the first folder of the path that does not exist
   while (!isTaken(first.parent_path())) first = first.parent_path();
+  if (!fs::is_directory(first.parent_path())) throwSystemError(ENOTDIR, folder);
   const TemporaryDirectory work(first.parent_path());
   const fs::path draft = work.path() / place.lexically_relative(first.parent_path());
   callInDraft(draft, folder, [&] {

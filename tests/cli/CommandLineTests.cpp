@@ -52,6 +52,7 @@ TEST_F(CommandTest, DoesItsWorkOnTheExamples) {
     const Result build = run("build", {tweak});
     EXPECT_THAT(build.out, HasSubstr("objc_orig(this, arguments);\n"));
     write("new/" + golden + "/code.js", "old");
+    write("new/" + golden + "/code.js.map", R"({"version":3,"sources":[],"mappings":""})");
     const Result written = run("build", {tweak, "-o", "new/" + golden});
     EXPECT_EQ(written.out + written.err + build.err + source.err, "");
     EXPECT_EQ(contents("new/" + golden + "/code.js"), build.out);

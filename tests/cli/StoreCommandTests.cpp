@@ -119,7 +119,7 @@ TEST_F(CommandStoreTest, ItemsGoByIdentifierNameOrPath) {
   }
   EXPECT_THAT(run("show My").err, ContainsRegex(installed + "  My    com.example.notes  20..-..-.. "
                                                             "..:..  yes\n"));
-  EXPECT_THAT(run("show --json My").err, HasSubstr("by its identifier: "));
+  EXPECT_THAT(run("show --json My").err, HasSubstr(R"("candidates":[{"name":"My","bundleID":")"));
   newTweak("ABCD");
   EXPECT_EQ(run("show ABCD").err, "") << "a name goes before the beginning of an identifier";
   EXPECT_EQ(run("build Both").err, kError + "Both: is a collection, not a tweak\n");

@@ -53,11 +53,11 @@ bool isSourceMap(const fs::path& file) {
   }
 }
 
-/// Throws unless the folder has both files, as build writes them, or none of them.
+/// Throws if the folder has one of the files, and no source map as build writes it.
 void requireOwnFiles(const fs::path& folder) {
   const fs::path map = folder / kMapFile;
   for (const fs::path& file : {folder / kCodeFile, map}) {
-    if (isTaken(file) && !isSourceMap(map))
+    if (fs::is_regular_file(file) && !isSourceMap(map))
       throw std::runtime_error(file.string() + ": already exists, and build did not write it: " +
                                map.string() + " is no source map");
   }

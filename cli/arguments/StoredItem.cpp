@@ -1,6 +1,7 @@
 #include "cli/arguments/StoredItem.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
 #include <initializer_list>
 #include <optional>
@@ -52,10 +53,19 @@ OpenedItem itemAt(const std::string& path, const std::string& shown) {
   const bool isFolder = fs::is_directory(status);
   const std::string document =
       isFolder ? (path.ends_with('/') ? path : path + "/") + kDocumentFile : path;
+  if (!fs::exists(status)) throw std::system_error(ENOENT, std::generic_category(), shown);
+  if (!isFolder && !path.ends_with(TweakCollection::kIDSuffix))
+    throw std::runtime_error(shown + ": the document of a tweak must be called " + kDocumentFile);
   try {
     // Outside the store, a tweak's folder may have any name.
-    if (isFolder || !fs::exists(status)) return TweakFile::open(path);
+    if (isFolder) return TweakFile::open(path);
     return TweakManager::openAt(path);
+  } catch (const TweakFile::Error& error) {
+    const bool isEmpty = error.which() == TweakFile::ErrorCase::missing && isItemPath(shown);
+    throw std::runtime_error(
+        shown + ": " +
+        (isEmpty ? std::string("has neither ") + kDocumentFile + " nor " + kTextFile
+                 : errorText(error)));
   } catch (const DecodingError& error) {
     throw documentError(document, error);
   } catch (const std::system_error& error) {

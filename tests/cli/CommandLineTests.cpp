@@ -96,11 +96,11 @@ TEST_F(CommandTest, ABadTweakIsNamedInOneLineAndNothingIsWritten) {
     expectRefused(
         command,
         {{"nowhere", 1, "nowhere: no stored tweak or collection has that identifier or name\n"},
-         {"./nowhere", 1, "./nowhere: Not found\n"},
+         {"./nowhere", 1, "./nowhere: No such file or directory\n"},
          {"file", 1,
           "file: no stored tweak or collection has that identifier or name; for the file or folder "
           "here, write ./file\n"},
-         {"./empty", 1, "./empty: Missing Manifest.json\n"},
+         {"./empty", 1, "./empty: has neither Manifest.json nor tweak.toml\n"},
          {"kind/", 1,
           "kind/Manifest.json:1:264: hooks[3].args.-1.type: error: unknown kind \"Foo\"\n"},
          {"./escape", 1,

@@ -165,7 +165,7 @@ TEST_F(ArchiveCommandTest, AFailureIsOneLineAndChangesNothing) {
                 {{"export A -o old.tvx", 1, "old.tvx: already exists; use --force to replace it\n"},
                  {"export A -o nowhere/a.tvx", 1, "nowhere/a.tvx: No such file or directory\n"},
                  {"import nowhere.tvx", 1, "nowhere.tvx: No such file or directory\n"},
-                 {"import old.zip", 1, "old.zip: Unknown tweak type\n"},
+                 {"import old.zip", 1, "old.zip: No such file or directory\n"},
                  {"import folder.tvx", 1, "folder.tvx: Is a directory\n"},
                  {"import old.tvx", 1, "old.tvx: "}});
   EXPECT_EQ(contents("old.tvx"), "old");

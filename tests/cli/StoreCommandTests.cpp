@@ -114,8 +114,8 @@ TEST_F(CommandStoreTest, ItemsGoByIdentifierNameOrPath) {
           "\"ABCD\"?\n"},
          {"My", 1, "My: several items have that name; name one by its identifier\nIDENTIFIER "},
          {"abcd", 1, "abcd: several identifiers begin like that; write more of one\nIDENTIFIER  "},
-         {"./BAD", 1, "./BAD: Not found\n"},
-         {"./tree", 1, "./tree: Missing Manifest.json\n"}});
+         {"./BAD", 1, "./BAD: No such file or directory\n"},
+         {"./tree", 1, "./tree: has neither Manifest.json nor tweak.toml\n"}});
   }
   EXPECT_THAT(run("show My").err, ContainsRegex(installed + "  My    com.example.notes  20..-..-.. "
                                                             "..:..  yes\n"));

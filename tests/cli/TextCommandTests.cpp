@@ -173,8 +173,9 @@ TEST_F(TextCommandTest, ATweakIsReadInAnyForm) {
   const Result broken = run("check ./T");
   EXPECT_THAT(broken.err, StartsWith("./T/tweak.toml:8:10: warning: the resource \"i\" is missing\n"
                                      "./T/s:1:5: error: expected ';' or an operator\n"));
-  EXPECT_THAT(run("apply ./T").err,
-              HasSubstr("\n./T/s:1:5: warning: expected ';' or an operator\n"));
+  EXPECT_THAT(
+      run("apply ./T").err,
+      HasSubstr("\n./T/s:1:5: warning: expected ';' or an operator; the tweak will not build\n"));
   write("T/Manifest.json", "{}");
   EXPECT_THAT(run("source ./T").err, HasSubstr("./T/Manifest.json:1:1: error: missing key"));
   const char* editing[] = {"hook add T/tweak.toml '-[A c]' --signature v16@0:8",

@@ -92,7 +92,8 @@ std::shared_ptr<TweakProtocol> import(const std::string& file) {
   } catch (const std::exception& error) {
     const std::string text = errorText(error);
     // Errors of the file system may already name the file.
-    printError(text.starts_with(shown) ? text : std::string(shown).append(": ").append(text));
+    const bool namesFile = text.starts_with(shown) || text.starts_with("the " + shown);
+    printError(namesFile ? text : std::string(shown).append(": ").append(text));
   }
   return nullptr;
 }

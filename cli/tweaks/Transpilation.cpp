@@ -218,9 +218,19 @@ Diagnostic atHook(const OpenedTweak& tweak, std::size_t hook) {
   const std::size_t index = indexInDocument(tweak.manifest, hook);
   if (tweak.text) return tweak.text->at(tweak.text->text.hooks.at(index).method);
   Diagnostic where = atManifest(tweak);
-  where.place = "hooks[" + std::to_string(index) + "] " +
-                methodText(tweak.manifest._hooks.at(index)->identity());
+  where.place = "hooks[" + std::to_string(index) + "]";
   return where;
+}
+
+Diagnostic atHookText(const OpenedTweak& tweak, std::size_t hook, std::size_t offset) {
+  const std::vector<Hook> hooks = tweak.manifest.hooks();
+  const std::string text = keyedOBJSFunc(hooks.at(hook));
+  for (const HookValueText& value : hookValueTexts(hooks.at(hook))) {
+    // With the statement around it, of which there is one a line.
+    if (offset <= text.rfind('\n', value.begin) || offset >= value.end) continue;
+    return atValue(tweak, hook, {HookPlace::Part::value, value.argument, {}});
+  }
+  return atHook(tweak, hook);
 }
 
 Diagnostic atScript(const OpenedTweak& tweak, TextPosition place) {

@@ -95,13 +95,9 @@ class Check {
     } catch (const ReportedError&) {
       throw;
     } catch (const std::exception& error) {
-      const std::string text = errorText(error);
-      const std::string start = argument + ": ";
-      if (!options_.json || !isItemPath(argument) || !text.starts_with(start)) throw;
-      throw PlacedError({.severity = Diagnostic::kError,
-                         .message = text.substr(start.size()),
-                         .file = argument,
-                         .code = "unreadable-tweak"});
+      if (!options_.json || !isItemPath(argument) || !errorText(error).starts_with(argument + ": "))
+        throw;
+      throw fileError(argument, error, kUnreadableTweakCode);
     }
   }
 

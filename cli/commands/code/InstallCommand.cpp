@@ -68,7 +68,7 @@ int install(const Options& options) {
   const InstallableItem installable(item, transpiler, options.copyExecutables);
   checkMembers(item, installable.tweaks(), options.item);
   for (const TweakFile::Opened& tweak : installable.tweaks())
-    printWarnings(tweak, tweak.file->url().string());
+    printWarningsOfInstallation(tweak, options.copyExecutables);
   try {
     setActiveTweak(*ipa, &installable);
   } catch (const TweakProcessor::Error&) {

@@ -35,6 +35,10 @@ struct TAVLEN_API Limits {
   std::uint64_t ratioFreeBytes = limits::kArchiveRatioFreeBytes;
 };
 
+/// Whether an archive can contain an entry of that name, a path below its top. A folder's name may
+/// end with "/".
+TAVLEN_API bool isEntryName(std::string_view name);
+
 /// Writes the file or folder `item`, under its own name at the top of the archive, to the new file
 /// `archive`, which must not exist (EEXIST). Folders get their own entries, permissions are kept,
 /// names are UTF-8. Times are left out and entries are sorted, so the same names, bytes and

@@ -41,8 +41,8 @@ void addCommands(tavlen::cli::Command command) {
        {addAppsCommand, addInfoCommand, addIconCommand, addExecutablesCommand, addClassesCommand,
         addMethodsCommand, addTypeCommand, addCrashLogsCommand}},
       {"Build and install",
-       {addCheckCommand, addSourceCommand, addBuildCommand, addLocateCommand, addInstallCommand,
-        addUninstallCommand, addKillCommand, addRespringCommand}},
+       {addCheckCommand, addSourceCommand, addBuildCommand, addLocateCommand, addTryCommand,
+        addInstallCommand, addUninstallCommand, addKillCommand, addRespringCommand}},
       {"Share", {addExportCommand, addImportCommand, addCollectionCommand}},
       {"Other", {addHelpCommand, addCompletionCommand}},
   };

@@ -1,7 +1,7 @@
 # Linked privately by all targets of this project, so that the flags never reach a user of the library.
 add_library(tavlen_options INTERFACE)
 target_compile_options(tavlen_options INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow
-  $<$<CXX_COMPILER_ID:Clang>:-Wreserved-identifier>
+  $<$<COMPILE_LANG_AND_ID:CXX,Clang>:-Wreserved-identifier>
   # GCC 12 at -O3 falsely reports the inlined std::string operator+ as an overlapping copy.
   $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
 if(TAVLEN_WARNINGS_AS_ERRORS)

@@ -7,6 +7,7 @@
 #   dependency::Deflate        libdeflate-dev               static in TAVLEN_APPLE_LIBRARIES
 #   dependency::DragonBox      libdragonbox-dev             headers in TAVLEN_APPLE_LIBRARIES
 #   dependency::FastFloat      libfast-float-dev            headers in TAVLEN_APPLE_LIBRARIES
+#   dependency::FFI            libffi-dev                   headers in TAVLEN_APPLE_LIBRARIES
 #   dependency::ICU            libicu-dev                   SDK (libicucore); headers in TAVLEN_APPLE_LIBRARIES
 #   dependency::JavaScriptCore libjavascriptcoregtk-4.1-dev SDK
 #   dependency::JPEG           libjpeg62-turbo-dev          static in TAVLEN_APPLE_LIBRARIES
@@ -19,7 +20,8 @@
 #   dependency::ZIP            libzip-dev                   static in TAVLEN_APPLE_LIBRARIES
 #
 # Of TOML only the headers are used: the packaged library has a lower limit of nesting, and lacks the sanitizers. Of
-# JavaScriptCore only the headers are used on Debian: its library is loaded when a script is first run.
+# JavaScriptCore only the headers are used on Debian: its library is loaded when a script is first run. The loader links the
+# same library, dependency::JavaScriptLibrary.
 
 set(TAVLEN_LINKED_LIBRARIES dependency::Deflate dependency::ICU dependency::JPEG dependency::LibXML2 dependency::ObjectiveC dependency::PNG
   dependency::UUID dependency::ZIP)
@@ -60,10 +62,14 @@ if(APPLE)
   endif()
   tavlen_dependency(CoreFoundation "" "-framework CoreFoundation")
   tavlen_dependency(Deflate libdeflate.h static:deflate)
+  if(TAVLEN_LOADER)
+    tavlen_dependency(FFI ffi.h)
+  endif()
   tavlen_dependency(ICU unicode/uchar.h -licucore)
   # The system's library has the names of its functions without the version.
   target_compile_definitions(dependency::ICU INTERFACE U_DISABLE_RENAMING=1)
   tavlen_dependency(JavaScriptCore "" "-framework JavaScriptCore")
+  add_library(dependency::JavaScriptLibrary ALIAS dependency::JavaScriptCore)
   tavlen_dependency(JPEG jpeglib.h static:jpeg)
   tavlen_dependency(LibXML2 libxml/parser.h -lxml2)
   tavlen_dependency(ObjectiveC "" -lobjc)
@@ -100,6 +106,12 @@ else()
     endfunction()
     tavlen_headers(JavaScriptCore javascriptcoregtk-4.1)
     tavlen_headers(TOML tomlplusplus)
+  endif()
+  if(TAVLEN_LOADER)
+    pkg_check_modules(FFI REQUIRED IMPORTED_TARGET libffi)
+    add_library(dependency::FFI ALIAS PkgConfig::FFI)
+    pkg_check_modules(JavaScriptLibrary REQUIRED IMPORTED_TARGET javascriptcoregtk-4.1)
+    add_library(dependency::JavaScriptLibrary ALIAS PkgConfig::JavaScriptLibrary)
   endif()
   if(TAVLEN_COMMAND)
     find_package(CLI11 REQUIRED)

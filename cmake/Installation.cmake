@@ -35,6 +35,9 @@ if(TAVLEN_TOOLS)
   # Programs start it on a device; users do not.
   install(TARGETS dumpagent DESTINATION "${CMAKE_INSTALL_LIBEXECDIR}/tavlen" COMPONENT command)
 endif()
+if(TARGET tavlenloader)
+  install(TARGETS tavlenloader LIBRARY DESTINATION lib/tavlen COMPONENT command)
+endif()
 install(DIRECTORY "${PROJECT_BINARY_DIR}/share/" DESTINATION "${CMAKE_INSTALL_DATAROOTDIR}" COMPONENT command OPTIONAL
   PATTERN "zsh" EXCLUDE)
 # Debian's zsh looks for the completion of packages in a folder of its own. The prefix is known when it is installed.

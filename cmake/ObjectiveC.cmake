@@ -1,9 +1,11 @@
-# Support for the Objective-C sources of tests and benchmarks: stand-ins for system classes, and comparisons with GNUstep's
-# Foundation. The library itself contains no Objective-C.
+# Support for the Objective-C sources of the loader and of tests and benchmarks: stand-ins for system classes, and comparisons
+# with GNUstep's Foundation. The library itself contains no Objective-C.
 
-# The compiler that belongs to the linked run time, whichever compiler builds the rest.
-find_program(TAVLEN_OBJC_COMPILER gcc-12 REQUIRED)
-set(CMAKE_OBJC_COMPILER ${TAVLEN_OBJC_COMPILER})
+if(NOT APPLE)
+  # The compiler that belongs to the linked run time, whichever compiler builds the rest.
+  find_program(TAVLEN_OBJC_COMPILER gcc-12 REQUIRED)
+  set(CMAKE_OBJC_COMPILER ${TAVLEN_OBJC_COMPILER})
+endif()
 enable_language(OBJC)
 
 # For a target of Objective-C sources.

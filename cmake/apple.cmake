@@ -21,12 +21,15 @@ else()
   set(CMAKE_CXX_COMPILER_TARGET arm64-apple-macos${CMAKE_OSX_DEPLOYMENT_TARGET})
 endif()
 set(CMAKE_C_COMPILER_TARGET ${CMAKE_CXX_COMPILER_TARGET})
+set(CMAKE_OBJC_COMPILER_TARGET ${CMAKE_CXX_COMPILER_TARGET})
 # The programs are command lines, not bundles of apps.
 set(CMAKE_MACOSX_BUNDLE OFF)
 
 # Other systems have a linker of their own, which knows nothing of Apple's.
 if(NOT CMAKE_HOST_APPLE)
   set(CMAKE_EXE_LINKER_FLAGS_INIT -fuse-ld=lld)
+  # CMake asks for it where there is Objective-C, although nothing here needs it.
+  set(CMAKE_INSTALL_NAME_TOOL llvm-install-name-tool CACHE STRING "")
 endif()
 
 # Nothing of the machine that builds, other than its programs.

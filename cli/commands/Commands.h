@@ -22,6 +22,7 @@ void addEditCommand(Command app);
 void addDiffCommand(Command app);
 /// Adds `locate`.
 void addLocateCommand(Command app);
+void addTryCommand(Command app);
 /// Adds `check`.
 void addCheckCommand(Command app);
 /// Adds `list`.

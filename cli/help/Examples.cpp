@@ -63,6 +63,7 @@ constexpr auto kExamples = std::to_array<Example>({
     {"tavlen source Morning", ""},
     {"tavlen build Morning -o code", ""},
     {"tavlen locate Morning 3:10", ""},
+    {"tavlen try Morning --trace -- ./Notes", "with a program of this machine"},
     {"tavlen dump Morning -o morning.tweak", ""},
     {"tavlen apply morning.tweak --to Morning --dry-run", ""},
     {"tavlen diff Morning ./morning.tweak", ""},

@@ -8,4 +8,8 @@ namespace tavlen::cli {
 /// folder that contains the program.
 std::filesystem::path resourceFolder();
 
+/// The library that is preloaded into programs to try tweaks: in lib/tavlen next to the same
+/// folder.
+std::filesystem::path loaderLibrary();
+
 }  // namespace tavlen::cli

@@ -2,7 +2,6 @@
 
 #include <cerrno>
 #include <exception>
-#include <iterator>
 #include <system_error>
 
 #include "tavlen/bundles/IPA.h"
@@ -21,7 +20,7 @@ namespace fs = std::filesystem;
 /// `url` without a slash, "." or ".." at its end: an item's identifier is the last component.
 fs::path withName(fs::path url) {
   if (!url.has_filename()) url = url.parent_path();
-  if (url.empty() || isPlainComponent(std::prev(url.end())->native())) return url;
+  if (url.empty() || isPlainComponent((--url.end())->native())) return url;
   url = fs::absolute(url).lexically_normal();
   return url.has_filename() ? url : url.parent_path();
 }

@@ -79,6 +79,7 @@ TEST_F(HelpTest, ExamplesRunAsTheyStand) {
   makeDevice();
   for (const std::string& line : linesOf(run("help --examples").out)) {
     const std::size_t condition = line.find("  # ");
+    if (line.ends_with("of this machine")) continue;  // see TryCommandTests
     const std::string command = line.substr(0, condition);
     const Result result = shell(condition != std::string::npos && line.ends_with("interrupted")
                                     ? "timeout --preserve-status -s INT 0.5 " + command

@@ -23,6 +23,7 @@ struct TestPaths {
   std::string classesImage;
   std::string initialisersImage;
   std::string noClassesImage;
+  std::string loaderProgram;
 };
 const TestPaths& paths();
 

@@ -13,6 +13,7 @@ namespace {
 #ifdef __APPLE__
 
 constexpr int kSocketFlags = 0;
+constexpr int kMessages = SOCK_DGRAM;
 
 int makePipe(int* ends) { return ::pipe(ends); }
 
@@ -23,6 +24,8 @@ void closeOnExec(const FileDescriptor& descriptor) {
 #else
 
 constexpr int kSocketFlags = SOCK_CLOEXEC;
+// Unlike that of datagrams, the other end is known to have been closed.
+constexpr int kMessages = SOCK_SEQPACKET;
 
 int makePipe(int* ends) { return ::pipe2(ends, O_CLOEXEC); }
 
@@ -37,6 +40,14 @@ Connection owned(const std::array<int, 2>& ends) {
   return connection;
 }
 
+Connection makeSocketPair(int type) {
+  std::array<int, 2> ends{};
+  if (::socketpair(AF_UNIX, type | kSocketFlags, 0, ends.data()) != 0) {
+    throwSystemError("socketpair");
+  }
+  return owned(ends);
+}
+
 }  // namespace
 
 Connection Connection::pipe() {
@@ -45,13 +56,9 @@ Connection Connection::pipe() {
   return owned(ends);
 }
 
-Connection Connection::socketPair() {
-  std::array<int, 2> ends{};
-  if (::socketpair(AF_UNIX, SOCK_STREAM | kSocketFlags, 0, ends.data()) != 0) {
-    throwSystemError("socketpair");
-  }
-  return owned(ends);
-}
+Connection Connection::socketPair() { return makeSocketPair(SOCK_STREAM); }
+
+Connection Connection::messagePair() { return makeSocketPair(kMessages); }
 
 FileDescriptor makeDatagramSocket() {
   FileDescriptor made(::socket(AF_INET, SOCK_DGRAM | kSocketFlags, 0));

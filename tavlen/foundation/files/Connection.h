@@ -16,6 +16,9 @@ struct TAVLEN_API Connection {
   static Connection pipe();
   /// Two sockets of this machine, each for reading and writing a stream. Throws std::system_error.
   static Connection socketPair();
+  /// Two sockets of this machine, each for reading and writing whole messages. Throws
+  /// std::system_error.
+  static Connection messagePair();
 };
 
 /// A socket for IPv4 datagrams. Throws std::system_error.

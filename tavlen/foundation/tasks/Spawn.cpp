@@ -3,6 +3,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <string_view>
+
 #ifdef __APPLE__
 #include <fcntl.h>
 #endif
@@ -20,7 +23,7 @@ namespace {
 /// The child gets what file actions name, and nothing else: posix_spawnattr_setflags(3).
 constexpr short kFlags = POSIX_SPAWN_CLOEXEC_DEFAULT;
 
-int keepOnlyStandardStreams(posix_spawn_file_actions_t& actions) {
+int keepUntil(posix_spawn_file_actions_t& actions, int /*last*/) {
   for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
     if (::fcntl(stream, F_GETFD) < 0) continue;  // a closed one cannot be passed on
     if (const int error = ::posix_spawn_file_actions_addinherit_np(&actions, stream)) return error;
@@ -32,14 +35,28 @@ int keepOnlyStandardStreams(posix_spawn_file_actions_t& actions) {
 
 constexpr short kFlags = 0;
 
-int keepOnlyStandardStreams(posix_spawn_file_actions_t& actions) {
-  return ::posix_spawn_file_actions_addclosefrom_np(&actions, STDERR_FILENO + 1);
+int keepUntil(posix_spawn_file_actions_t& actions, int last) {
+  return ::posix_spawn_file_actions_addclosefrom_np(&actions, last + 1);
 }
 
 #endif
 
 void require(int error) {
   if (error != 0) throwSystemError(error, "posix_spawn");
+}
+
+/// The variables, each "NAME=VALUE", and those of this process that have other names.
+std::vector<std::string> environmentWith(const std::vector<std::string>& variables) {
+  std::vector<std::string> all = variables;
+  for (char** each = environmentOfProcess(); *each != nullptr; ++each) {
+    const std::string_view own = *each;
+    const bool isReplaced =
+        std::any_of(variables.begin(), variables.end(), [own](const auto& variable) {
+          return own.starts_with(variable.substr(0, variable.find('=') + 1));
+        });
+    if (!isReplaced) all.emplace_back(own);
+  }
+  return all;
 }
 
 }  // namespace
@@ -59,6 +76,11 @@ Spawn::~Spawn() {
 
 void Spawn::redirect(int from, int to) {
   require(::posix_spawn_file_actions_adddup2(&actions_, from, to));
+  last_ = std::max(last_, to);
+}
+
+void Spawn::setVariable(const std::string& name, const std::string& value) {
+  variables_.push_back(name + '=' + value);
 }
 
 void Spawn::makeOwnGroup() {
@@ -69,11 +91,12 @@ void Spawn::makeOwnGroup() {
 int Spawn::start(const char* program, const std::vector<std::string>& arguments,
                  ProgramLookup lookup, pid_t& child) {
   // Actions take place in the order of their addition, so the redirected descriptors still exist.
-  if (const int error = keepOnlyStandardStreams(actions_)) return error;
+  if (const int error = keepUntil(actions_, last_)) return error;
   if (const int error = ::posix_spawnattr_setflags(&attributes_, flags_)) return error;
   const ArgumentVector vector(arguments);
+  const ArgumentVector environment(environmentWith(variables_));
   const auto call = lookup == ProgramLookup::exact ? &posix_spawn : &posix_spawnp;
-  return call(&child, program, &actions_, &attributes_, vector.data(), environmentOfProcess());
+  return call(&child, program, &actions_, &attributes_, vector.data(), environment.data());
 }
 
 pid_t waitForChild(pid_t child, int& status) {

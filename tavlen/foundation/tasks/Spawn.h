@@ -16,8 +16,9 @@ enum class ProgramLookup {
   alongPath,  ///< along PATH, for a name without a slash
 };
 
-/// Starts a child that inherits the three standard streams and no other descriptor, even one that
-/// was opened without close-on-exec, by a library or between two calls of another thread.
+/// Starts a child that inherits the three standard streams and what it is given, but no other
+/// descriptor, even one that was opened without close-on-exec, by a library or between two calls of
+/// another thread.
 ///
 /// Users of the library have Process. Threads: any, one object one thread at a time.
 class TAVLEN_API Spawn {
@@ -28,13 +29,17 @@ class TAVLEN_API Spawn {
   Spawn& operator=(const Spawn&) = delete;
   ~Spawn();
 
-  /// The child's standard stream `to` is the descriptor `from`. Throws std::system_error.
+  /// The child's descriptor `to` is `from`: a standard stream, or the first one after these, which
+  /// the child then has as well. Throws std::system_error.
   void redirect(int from, int to);
+  /// A variable of the child's environment, instead of the caller's of this name.
+  void setVariable(const std::string& name, const std::string& value);
   /// The child gets a process group of its own. Throws std::system_error.
   void makeOwnGroup();
 
-  /// Starts `program` with `arguments`, the whole vector, and the caller's environment. Returns the
-  /// error number of posix_spawn(). For 0, `child` is set and must be waited for. Call once.
+  /// Starts `program` with `arguments`, the whole vector, and the caller's environment but for the
+  /// variables that were set. Returns the error number of posix_spawn(). For 0, `child` is set and
+  /// must be waited for. Call once.
   int start(const char* program, const std::vector<std::string>& arguments, ProgramLookup lookup,
             pid_t& child);
 
@@ -42,6 +47,8 @@ class TAVLEN_API Spawn {
   posix_spawn_file_actions_t actions_{};
   posix_spawnattr_t attributes_{};
   short flags_ = 0;
+  int last_ = 2;  ///< the largest descriptor that the child inherits
+  std::vector<std::string> variables_;
 };
 
 /// waitpid() without options, retried when a signal interrupts it. Threads: any.

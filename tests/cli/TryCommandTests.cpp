@@ -1,0 +1,138 @@
+// `try`: a program of the tests with a tweak that the command made.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <map>
+#include <sstream>
+#include <string>
+
+#include "tests/cli/CommandTest.h"
+
+namespace tavlen {
+namespace {
+
+using testing::HasSubstr;
+
+class TryCommandTest : public CommandStoreTest {
+ protected:
+  TryCommandTest() { done("new Shelf --app com.example.notes"); }
+
+  void done(const std::string& line) const {
+    const Result result = run(line);
+    ASSERT_EQ(result.status, 0) << line << '\n' << result.err;
+  }
+  void hook(const std::string& method, const std::string& types, const std::string& value) const {
+    done("hook add Shelf '" + method + "' --signature '" + types + "' --return '" + value + "'");
+  }
+  Result tried(const std::string& options, const std::string& arguments = "") const {
+    return run("try Shelf " + options + " -- " + paths().loaderProgram + ' ' + arguments);
+  }
+};
+
+/// The lines "name: value" that the program prints.
+std::map<std::string, std::string> answersIn(const std::string& output) {
+  std::map<std::string, std::string> answers;
+  std::istringstream lines(output);
+  for (std::string line; std::getline(lines, line);)
+    answers[line.substr(0, line.find(": "))] = line.substr(line.find(": ") + 2);
+  return answers;
+}
+
+TEST_F(TryCommandTest, EachConstantThatCanBeStoredAnswers) {
+  const auto before = answersIn(tried("").out);
+  const std::vector<std::array<std::string, 4>> cases = {
+      {"title", "@16@0:8", "string:hooked", "hooked"},
+      {"isOpen", "B16@0:8", "bool:true", "1"},
+      {"letter", "c16@0:8", "int:98", "98"},
+      {"small", "s16@0:8", "int:-3", "-3"},
+      {"smallCount", "S16@0:8", "uint:3", "3"},
+      {"number", "i16@0:8", "int:-5", "-5"},
+      {"count", "I16@0:8", "uint:5", "5"},
+      {"large", "q16@0:8", "int:-9", "-9"},
+      {"largeCount", "Q16@0:8", "uint:9", "9"},
+      {"ratio", "f16@0:8", "double:0.75", "0.75"},
+      {"width", "d16@0:8", "double:1.5", "1.5"},
+      {"exact", "D16@0:8", "double:0.375", "0.375"},
+      {"name", "r*16@0:8", "string:hooked", "hooked"},
+      {"itemClass", "#16@0:8", "class:NSString", "NSString"},
+      {"action", ":16@0:8", "selector:a:b:", "a:b:"},
+      {"frame", "{CGRect={CGPoint=dd}{CGSize=dd}}16@0:8", "code:({origin:{x:5,y:6},size:[7,8]})",
+       "5 6 7 8"},
+      {"range", "{_NSRange=QQ}16@0:8", "code:[8,9]", "{location=8, length=9}"},
+      {"block", "@16@0:8",
+       R"(json:{"type":"Array","items":[{"type":"Nil"},{"type":"Color","red":1,"green":0.5,"blue":0,"alpha":1}]})",
+       "(\"<null>\", \"UIColor 1 0.5 0 1\")"},
+      {"join", "", "", "a 1 0.5 8 n 4"},
+      {"inherited", "@16@0:8", "", "hooked"},
+      {"CFBundleName", "", "", "Overridden"},
+  };
+  for (const auto& [name, types, value, after] : cases) {
+    if (!value.empty()) hook("-[Shelf " + name + "]", types, value);
+  }
+  done("override add Shelf BundleName Overridden");
+  const Result result = tried("");
+  auto answers = answersIn(result.out);
+  auto expected = before;
+  for (const auto& [name, types, value, after] : cases) expected[name] = after;
+  EXPECT_EQ(answers, expected) << result.err;
+  EXPECT_EQ(result.status, 0);
+}
+
+TEST_F(TryCommandTest, SaysWhatIsHookedAndWhatIsNot) {
+  hook("-[Shelf title]", "@16@0:8", "code:missing");
+  hook("-[Shelf count]", "d16@0:8", "double:1");
+  hook("-[Absent count]", "d16@0:8", "double:1");
+  const std::string errors = tried("").err;
+  EXPECT_THAT(errors, HasSubstr("tavlen: hooked -[Shelf title]\n"));
+  EXPECT_THAT(
+      errors,
+      HasSubstr("hooks[0] -[Shelf title]: error: ReferenceError: Can't find variable: missing\n"));
+  EXPECT_THAT(
+      errors,
+      HasSubstr(
+          "hooks[1] -[Shelf count]: warning: not hooked: the method's types are I16@0:8, and the "
+          "hook's d16@0:8\n"));
+  EXPECT_THAT(errors, HasSubstr("hooks[2] -[Absent count]: warning: not hooked yet: no image has "
+                                "the class Absent\n"));
+  write("script.objs",
+        "hookClass('Shelf', {}, {\n  'i16@0:8-number': function() {\n    return %orig + gone;\n  "
+        "}\n});");
+  done("script set Shelf script.objs");
+  EXPECT_THAT(
+      tried("").err,
+      HasSubstr(
+          "script.objs:3:20: error: -[Shelf number]: ReferenceError: Can't find variable: gone\n"));
+}
+
+TEST_F(TryCommandTest, TracesCallsAsTextAndAsJSON) {
+  hook("-[Shelf join:number:real:frame:name:range:]",
+       "@100@0:8@16i24d28{CGRect={CGPoint=dd}{CGSize=dd}}36r*68{_NSRange=QQ}84", "string:traced");
+  EXPECT_THAT(tried("--trace").err,
+              testing::ContainsRegex(
+                  "-\\[Shelf join:.*\\] of <Shelf 0x[0-9a-f]+>, @\"a\", 1, 0.5, "
+                  "\\{\"origin\":\\{\"x\":1,\"y\":2\\},\"size\":\\{\"width\":3,\"height\":4\\}\\}, "
+                  "\"n\", \\{\"location\":3,\"length\":4\\} -> @\"traced\"; [0-9]+\\.[0-9] us\n"));
+  EXPECT_THAT(
+      tried("--trace --json").err,
+      HasSubstr(
+          R"({"event":"call","method":"-[Shelf join:number:real:frame:name:range:]","receiver":"<Shelf 0x)"));
+}
+
+TEST_F(TryCommandTest, LeavesTheProgramItsStatusAndItsEnvironment) {
+  EXPECT_EQ(tried("", "status 7").status, 7);
+  EXPECT_EQ(tried("", "signal").status, 128 + SIGABRT);
+  hook("-[Shelf title]", "@16@0:8", "string:hooked");
+  const Result child = tried("", "child");
+  EXPECT_THAT(child.out, HasSubstr("title: original\n"));
+  EXPECT_EQ(child.out.find("TAVLEN_LOADER"), std::string::npos);
+  EXPECT_EQ(child.out.find("LD_PRELOAD"), std::string::npos);
+  write("script.sh", "#!/bin/sh\nexit 3\n");
+  fs::permissions(folder() / "script.sh", fs::perms::owner_all);
+  const Result script = run("try Shelf -- ./script.sh");
+  EXPECT_EQ(script.status, 3);
+  EXPECT_THAT(script.err, HasSubstr("./script.sh: ran without the tweak"));
+  expectRefused("try Shelf -- ", {{"./absent", 1, "./absent: No such file or directory\n"}});
+}
+
+}  // namespace
+}  // namespace tavlen

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <JavaScriptCore/JavaScript.h>
+
+#include <atomic>
+#include <mutex>
+#include <optional>
+#include <set>
+#include <string>
+
+#include "tools/loader/base/EventReceiver.h"
+#include "tools/loader/base/ScriptPlaces.h"
+#include "tools/loader/engine/IdentityTable.h"
+#include "tools/loader/engine/MethodTable.h"
+#include "tools/loader/engine/ReleaseQueue.h"
+#include "tools/loader/types/StructureMakers.h"
+
+namespace tavlen::loader {
+
+/// The context of a tweak, and what its values, calls and hooks share.
+///
+/// Threads: any, also concurrently. The engine lets one script run at a time, and lets others run
+/// while a script waits for the program's code.
+class Engine {
+ public:
+  /// Makes a context without globals of the loader, for code with the source map `map`. The
+  /// receiver must live as long.
+  Engine(const std::string& code, const std::string& map, EventReceiver& receiver, bool isTracing);
+  Engine(const Engine&) = delete;
+  Engine& operator=(const Engine&) = delete;
+
+  JSGlobalContextRef context() const { return context_; }
+  IdentityTable& objects() { return objects_; }
+  ReleaseQueue& releases() { return releases_; }
+  MethodTable& methods() { return methods_; }
+  StructureMakers& structures() { return structures_; }
+  const ScriptPlaces& places() const { return places_; }
+
+  /// From now on hooks call the originals: for a forked child, which lacks the engine's threads.
+  void stop() { isStopped_.store(true, std::memory_order_relaxed); }
+  bool isStopped() const { return isStopped_.load(std::memory_order_relaxed); }
+
+  /// Whether calls are reported.
+  bool isTracing() const { return isTracing_; }
+  void report(const LoaderEvent& event) { receiver_.receive(event); }
+  /// Reports a mistake of the hook `method`, or of the code outside of hooks if that is empty; once
+  /// for each text and place. Its place is that of `thrown`, or else of `function`; each may be
+  /// null.
+  void reportMistake(const std::string& method, const std::string& message, JSValueRef thrown,
+                     JSObjectRef function);
+
+ private:
+  std::optional<TextPosition> placeOf(JSValueRef thrown, JSObjectRef function) const;
+
+  EventReceiver& receiver_;
+  const bool isTracing_;
+  std::atomic<bool> isStopped_ = false;
+  const ScriptPlaces places_;
+  JSGlobalContextRef context_;
+  MethodTable methods_;
+  StructureMakers structures_;
+  IdentityTable objects_;
+  ReleaseQueue releases_;
+  std::mutex lock_;
+  std::set<std::string> mistakes_;  ///< those that were reported
+};
+
+}  // namespace tavlen::loader

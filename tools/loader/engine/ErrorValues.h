@@ -1,0 +1,26 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include <JavaScriptCore/JavaScript.h>
+
+#include "tools/loader/base/ExceptionGuard.h"
+
+namespace tavlen::loader {
+
+class Engine;
+
+/// An error of a script with a message.
+JSValueRef errorOf(Engine& engine, const std::string& message);
+/// An error that carries an exception of the program in its property `exception`.
+JSValueRef errorOf(Engine& engine, Raised raised);
+
+/// The exception of the program that a script threw: an error with one in its property `exception`,
+/// or an Objective-C object itself. Nothing for an error of the script's own.
+std::optional<Raised> raisedBy(Engine& engine, JSValueRef thrown);
+
+/// The text of what a script threw, for a message: "TypeError: undefined is not an object".
+std::string messageOf(Engine& engine, JSValueRef thrown);
+
+}  // namespace tavlen::loader

@@ -1,0 +1,99 @@
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+
+#include <JavaScriptCore/JavaScript.h>
+
+#include "tavlen/foundation/base/FunctionRef.h"
+#include "tools/loader/types/CallSignature.h"
+
+namespace tavlen::loader {
+
+class Hook;
+
+/// One call of a hook. On the stack of its thread, where the collector sees the values.
+struct HookRecord {
+  HookRecord(Hook& owner, void** passed, std::size_t resultSize)
+      : hook(owner), arguments(passed), answerMemory(resultSize) {}
+
+  Hook& hook;
+  void** arguments;            ///< the caller's, receiver and selector first, as libffi passes them
+  JSObjectRef self = nullptr;  ///< the receiver
+  JSValueRef answer = nullptr;  ///< what the original returned; null before it was called
+  CallMemory answerMemory;      ///< the same, as it returned it
+  bool ownsReceiver = false;  ///< whether the hook has still to consume a reference to the receiver
+  HookRecord* outer = nullptr;  ///< the record below it on the stack
+  JSValueRef
+      values[CallSignature::kMostArguments];  // NOLINT(modernize-avoid-c-arrays): uninitialised
+};
+
+/// The hooks that run on one thread, the innermost on top.
+class HookStack {
+ public:
+  /// That of the calling thread.
+  static HookStack& current();
+
+  HookStack(const HookStack&) = delete;
+  HookStack& operator=(const HookStack&) = delete;
+  ~HookStack();
+
+  /// The running hook; null if there is none.
+  HookRecord* top() const { return top_; }
+
+  /// A hook function that runs (RAII).
+  class Entry {
+   public:
+    Entry(HookStack& stack, HookRecord& record);
+    Entry(const Entry&) = delete;
+    Entry& operator=(const Entry&) = delete;
+    ~Entry();
+
+   private:
+    HookStack& stack_;
+  };
+  /// The loader's own messages (RAII): hooks that they meet call the originals.
+  class OwnWork {
+   public:
+    explicit OwnWork(HookStack& stack = current()) : stack_(stack) { ++stack_.ownWork_; }
+    OwnWork(const OwnWork&) = delete;
+    OwnWork& operator=(const OwnWork&) = delete;
+    ~OwnWork() { --stack_.ownWork_; }
+
+   private:
+    HookStack& stack_;
+  };
+  /// The program's code, called by a script (RAII): hooks that it meets run, and the time is not
+  /// the script's.
+  class Outside {
+   public:
+    explicit Outside(HookStack& stack = current());
+    Outside(const Outside&) = delete;
+    Outside& operator=(const Outside&) = delete;
+    ~Outside();
+
+   private:
+    HookStack& stack_;
+    unsigned ownWork_;
+  };
+  bool isOwnWork() const { return ownWork_ != 0; }
+
+  /// The script that runs on a thread, for whom it takes too long.
+  struct Running {
+    std::atomic<Hook*> hook = nullptr;      ///< null while no script computes
+    std::atomic<std::uint64_t> serial = 0;  ///< changes whenever a script begins or goes on
+  };
+  /// Calls `visit` with the state of each thread that has run a hook, under a lock.
+  static void forEachThread(FunctionRef<void(const Running&)> visit);
+
+ private:
+  HookStack();
+  void computes(Hook* hook);
+
+  HookRecord* top_ = nullptr;
+  unsigned ownWork_ = 0;
+  Running running_;
+};
+
+}  // namespace tavlen::loader

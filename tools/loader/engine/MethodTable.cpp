@@ -1,0 +1,62 @@
+#include "tools/loader/engine/MethodTable.h"
+
+#include <objc/runtime.h>
+
+#include <mutex>
+#include <string>
+
+#include "tavlen/foundation/objc/MethodSignature.h"
+#include "tools/loader/base/Messages.h"
+#include "tools/loader/engine/HookStack.h"
+#include "tools/loader/engine/Native.h"
+
+namespace tavlen::loader {
+
+namespace {
+
+/// The types of a message that `receiver` forwards; empty if it does not.
+std::string forwardedTypes(id receiver, SEL selector) {
+  static const SEL kSignature = ObjCRuntime::selectorNamed("methodSignatureForSelector:");
+  if (class_respondsToSelector(object_getClass(receiver), kSignature) == NO) return {};
+  const HookStack::Outside outside;
+  id platform = message(receiver, kSignature, selector);
+  const auto signature = MethodSignature::initWithSignature(platform);
+  if (signature == nullptr) return {};
+  std::string types = signature->methodReturnType();
+  for (std::size_t i = 0; i < signature->numberOfArguments(); ++i)
+    types += signature->getArgumentTypeAtIndex(i);
+  return types;
+}
+
+CallableMethod describe(id receiver, SEL selector) {
+  Class cls = object_getClass(receiver);
+  Method method = class_getInstanceMethod(cls, selector);
+  const char* own = method != nullptr ? method_getTypeEncoding(method) : nullptr;
+  const std::string types = own != nullptr ? own : forwardedTypes(receiver, selector);
+  const std::string name = methodText(cls, selector, isClass(receiver));
+  if (types.empty()) throw ScriptError(name + ": there is no such method");
+  try {
+    auto signature = CallSignature::from(types);
+    if (signature->arguments().size() < 2)
+      throw UnsupportedType("its types " + types + " are not a method's");
+    const auto family = MethodFamily::of(sel_getName(selector), isClass(receiver), *signature);
+    return {std::move(signature), family};
+  } catch (const UnsupportedType& error) {
+    throw ScriptError(name + ": " + error.what());
+  }
+}
+
+}  // namespace
+
+const CallableMethod& MethodTable::find(id receiver, SEL selector) {
+  const Key key = {object_getClass(receiver), selector};
+  {
+    const std::shared_lock lock(lock_);
+    if (const auto found = methods_.find(key); found != methods_.end()) return *found->second;
+  }
+  auto method = std::make_unique<const CallableMethod>(describe(receiver, selector));
+  const std::lock_guard lock(lock_);
+  return *methods_.try_emplace(key, std::move(method)).first->second;
+}
+
+}  // namespace tavlen::loader

@@ -1,0 +1,219 @@
+#include "tools/loader/hooks/Hook.h"
+
+#include <objc/runtime.h>
+
+#include <cstring>
+#include <stdexcept>
+#include <utility>
+
+#include "tools/loader/base/Messages.h"
+#include "tools/loader/engine/Engine.h"
+#include "tools/loader/engine/ErrorValues.h"
+#include "tools/loader/engine/Native.h"
+#include "tools/loader/hooks/TracedCall.h"
+#include "tools/loader/values/Values.h"
+
+namespace tavlen::loader {
+
+namespace {
+
+constexpr std::size_t kHidden = 2;  // receiver and selector
+
+id receiverOf(void** arguments) { return *static_cast<id*>(arguments[0]); }
+
+/// The types of the method, with what the tweak knows better. Throws UnsupportedType.
+std::shared_ptr<const CallSignature> signatureFor(const std::string& own,
+                                                  const std::string& declared) {
+  const auto method = CallSignature::from(own);
+  const auto hook = CallSignature::from(declared);
+  const auto& types = method->arguments();
+  bool isSame = method->result().hasShapeOf(hook->result()) &&
+                types.size() == hook->arguments().size() && types.size() >= kHidden;
+  for (std::size_t i = kHidden; isSame && i < types.size(); ++i)
+    isSame = types[i]->hasShapeOf(*hook->arguments()[i]);
+  if (!isSame)
+    throw UnsupportedType("the method's types are " + own + ", and the hook's " + declared);
+  CallSignature::Types merged;
+  for (std::size_t i = 0; i < types.size(); ++i)
+    merged.push_back(ValueType::merged(types[i], hook->arguments()[i]));
+  return std::make_shared<const CallSignature>(
+      ValueType::merged(method->sharedResult(), hook->sharedResult()), std::move(merged),
+      types.size());
+}
+
+}  // namespace
+
+void Hook::install(Engine& engine, Target target) {
+  Method method = class_getInstanceMethod(target.cls, target.selector);
+  const char* own = method != nullptr ? method_getTypeEncoding(method) : nullptr;
+  if (own == nullptr) throw std::runtime_error("the class has no such method");
+  auto signature = signatureFor(own, target.encoding);
+  void* code = nullptr;
+  auto* closure = static_cast<ffi_closure*>(ffi_closure_alloc(sizeof(ffi_closure), &code));
+  auto* hook = new Hook(engine, std::move(target), std::move(signature));
+  if (closure == nullptr ||
+      ffi_prep_closure_loc(closure, hook->signature_->cif(), &Hook::enter, hook, code) != FFI_OK) {
+    delete hook;
+    if (closure != nullptr) ffi_closure_free(closure);
+    throw std::runtime_error("there is no memory for the code of a method");
+  }
+  hook->replace(reinterpret_cast<void (*)()>(code));
+}
+
+Hook::Hook(Engine& engine, Target target, std::shared_ptr<const CallSignature> signature)
+    : engine_(engine),
+      target_(std::move(target)),
+      signature_(std::move(signature)),
+      family_(MethodFamily::of(sel_getName(target_.selector), target_.isClassMethod, *signature_)) {
+}
+
+/// An inherited method is added to the class. GCC's class_replaceMethod() would replace it in the
+/// superclass.
+void Hook::replace(void (*code)()) {
+  Method method = class_getInstanceMethod(target_.cls, target_.selector);
+  Class superclass = class_getSuperclass(target_.cls);
+  const auto imp = reinterpret_cast<IMP>(code);
+  const bool isInherited =
+      superclass != nullptr && class_getInstanceMethod(superclass, target_.selector) == method;
+  if (isInherited &&
+      class_addMethod(target_.cls, target_.selector, imp, method_getTypeEncoding(method)) != NO)
+    return;
+  // Before the method is replaced, because another thread may call it at once.
+  replaced_ = reinterpret_cast<void (*)()>(method_getImplementation(method));
+  method_setImplementation(method, imp);
+}
+
+void (*Hook::original() const)() {
+  if (replaced_ != nullptr) return replaced_;
+  return reinterpret_cast<void (*)()>(
+      class_getMethodImplementation(class_getSuperclass(target_.cls), target_.selector));
+}
+
+void Hook::enter(ffi_cif* /*cif*/, void* result, void** arguments, void* hook) {
+  static_cast<Hook*>(hook)->run(HookStack::current(), result, arguments);
+}
+
+void Hook::run(HookStack& stack, void* result, void** arguments) {
+  if (stack.isOwnWork() || engine_.isStopped()) return callReplaced(arguments, result);
+  HookRecord record(*this, arguments, signature_->resultSize());
+  record.ownsReceiver = family_.takesReceiver;
+  std::optional<Raised> raised = runScript(stack, record, result);
+  if (record.ownsReceiver) engine_.releases().add(receiverOf(arguments), true);
+  if (stack.top() == nullptr && !engine_.releases().isEmpty()) engine_.releases().drain();
+  if (raised) std::move(*raised).raise();
+}
+
+std::optional<Raised> Hook::runScript(HookStack& stack, HookRecord& record, void* result) {
+  std::optional<IdentityTable::Lent> lent;
+  const std::size_t count = signature_->arguments().size() - kHidden;
+  {
+    const HookStack::OwnWork own(stack);
+    id receiver = receiverOf(record.arguments);
+    if (family_.countsReferences)
+      record.self = lent.emplace(engine_.objects(), receiver).wrapper();
+    else
+      record.self =
+          const_cast<JSObjectRef>(engine_.objects().wrapped(receiver, Ownership::borrowed));
+    for (std::size_t i = 0; i < count; ++i)
+      record.values[i] =
+          readValue(engine_, *signature_->arguments()[i + kHidden], record.arguments[i + kHidden]);
+  }
+  std::optional<TracedCall> trace;
+  if (engine_.isTracing()) trace.emplace(*this, record);
+  JSValueRef thrown = nullptr;
+  JSValueRef value = nullptr;
+  {
+    const HookStack::Entry entry(stack, record);
+    value = JSObjectCallAsFunction(engine_.context(), target_.function, record.self, count,
+                                   record.values, &thrown);
+  }
+  std::optional<Raised> raised = finish(record, value, thrown, result);
+  if (trace) trace->finish(result, raised ? &*raised : nullptr);
+  return raised;
+}
+
+std::optional<Raised> Hook::finish(HookRecord& record, JSValueRef value, JSValueRef thrown,
+                                   void* result) {
+  if (thrown != nullptr) {
+    if (std::optional<Raised> raised = raisedBy(engine_, thrown)) return raised;
+    reportMistake(messageOf(engine_, thrown), thrown);
+  } else if (takeAnswer(record, value, result)) {
+    return std::nullopt;
+  }
+  fallBack(record, result);
+  return std::nullopt;
+}
+
+bool Hook::takeAnswer(HookRecord& record, JSValueRef value, void* result) {
+  const ValueType& type = signature_->result();
+  // What the original returned goes on as it came, with what a number does not keep.
+  if (value == record.answer && !type.isAggregate()) {
+    returnAnswer(record, result);
+    return true;
+  }
+  const HookStack::OwnWork own;
+  try {
+    if (type.kind() == ValueType::Kind::nothing) return true;
+    if (JSValueIsUndefined(engine_.context(), value)) throw ScriptError("it returned undefined");
+    writeValue(engine_, type, value, result);
+  } catch (const ScriptError& error) {
+    reportMistake(std::string("the result: ") + error.what(), nullptr);
+    return false;
+  }
+  widenResult(type, result);
+  if (type.kind() != ValueType::Kind::object) return true;
+  id object = *static_cast<id*>(result);
+  if (family_.givesResult)
+    retain(object);
+  else if (Native::of(engine_.context(), value) != nullptr)
+    autorelease(retain(object));  // the script's own reference may end before the caller's
+  return true;
+}
+
+/// Gives the caller the original's answer, whose object a wrapper owns by now.
+void Hook::returnAnswer(HookRecord& record, void* result) const {
+  const std::size_t size =
+      signature_->result().kind() == ValueType::Kind::nothing ? 0 : signature_->resultSize();
+  std::memcpy(result, record.answerMemory.data(), size);
+  if (!family_.givesResult) return;
+  const HookStack::OwnWork own;
+  retain(*static_cast<id*>(result));
+}
+
+void Hook::reportMistake(const std::string& message, JSValueRef thrown) const {
+  engine_.reportMistake(target_.text, message, thrown, target_.function);
+}
+
+/// The original's answer, which it gives now unless the script has asked it already.
+void Hook::fallBack(HookRecord& record, void* result) {
+  if (record.answer != nullptr) return returnAnswer(record, result);
+  prepareReceiver(record);
+  callReplaced(record.arguments, result);
+}
+
+/// A method of the family of init consumes a reference: the caller's the first time, then one made
+/// for it.
+void Hook::prepareReceiver(HookRecord& record) const {
+  if (!family_.takesReceiver || std::exchange(record.ownsReceiver, false)) return;
+  const HookStack::OwnWork own;
+  retain(receiverOf(record.arguments));
+}
+
+void Hook::callReplaced(void** arguments, void* result) const {
+  ffi_call(signature_->cif(), original(), result, arguments);
+}
+
+JSValueRef Hook::callOriginal(HookRecord& record, ArgumentFrame& frame) {
+  prepareReceiver(record);
+  frame.call(original(), record.answerMemory.data());
+  // An object that may be gone is not used again.
+  auto& receiver = *static_cast<Native*>(JSObjectGetPrivate(record.self));
+  if (family_.countsReferences && !static_cast<NativeObject&>(receiver).isOwned)
+    receiver.pointer = nullptr;
+  const HookStack::OwnWork own;
+  record.answer = readValue(engine_, signature_->result(), record.answerMemory.data(),
+                            family_.ownershipOfResult());
+  return record.answer;
+}
+
+}  // namespace tavlen::loader

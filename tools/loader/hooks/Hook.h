@@ -1,0 +1,77 @@
+#pragma once
+
+#include <objc/objc.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include <JavaScriptCore/JavaScript.h>
+
+#include "tools/loader/base/ExceptionGuard.h"
+#include "tools/loader/calls/ArgumentFrame.h"
+#include "tools/loader/engine/HookStack.h"
+#include "tools/loader/types/MethodFamily.h"
+
+namespace tavlen::loader {
+
+class Engine;
+
+/// A method that a function of a script replaces. Lives as long as the process: the method's code
+/// leads to it.
+///
+/// Threads: any, also concurrently; the engine lets one script run at a time.
+class Hook {
+ public:
+  /// The method and what replaces it.
+  struct Target {
+    Class cls;  ///< whose instances have the method: of a class method, the metaclass
+    SEL selector;
+    std::string text;  ///< "-[Class selector]"
+    bool isClassMethod;
+    std::string encoding;  ///< as the tweak declares the method's types
+    JSObjectRef function;  ///< protected
+  };
+
+  /// Replaces the method. Throws UnsupportedType if its types cannot be passed or differ from the
+  /// declared ones, and std::runtime_error if there is no such method or no memory for its code.
+  static void install(Engine& engine, Target target);
+
+  Hook(const Hook&) = delete;
+  Hook& operator=(const Hook&) = delete;
+
+  Engine& engine() const { return engine_; }
+  const CallSignature& signature() const { return *signature_; }
+  JSObjectRef function() const { return target_.function; }
+  const std::string& text() const { return target_.text; }
+
+  /// Calls the replaced method for %orig and keeps its answer in the record. Its exceptions pass.
+  JSValueRef callOriginal(HookRecord& record, ArgumentFrame& frame);
+
+ private:
+  Hook(Engine& engine, Target target, std::shared_ptr<const CallSignature> signature);
+
+  static void enter(ffi_cif* cif, void* result, void** arguments, void* hook);
+  void replace(void (*code)());
+  void (*original() const)();
+
+  void run(HookStack& stack, void* result, void** arguments);
+  std::optional<Raised> runScript(HookStack& stack, HookRecord& record, void* result);
+  std::optional<Raised> finish(HookRecord& record, JSValueRef value, JSValueRef thrown,
+                               void* result);
+  bool takeAnswer(HookRecord& record, JSValueRef value, void* result);
+  void reportMistake(const std::string& message, JSValueRef thrown) const;
+  void fallBack(HookRecord& record, void* result);
+  void returnAnswer(HookRecord& record, void* result) const;
+  void prepareReceiver(HookRecord& record) const;
+  void callReplaced(void** arguments, void* result) const;
+
+  Engine& engine_;
+  const Target target_;
+  const std::shared_ptr<const CallSignature> signature_;
+  const MethodFamily family_;
+  void (*replaced_)() =
+      nullptr;  ///< null for a method that was inherited: the superclass's is called then
+};
+
+}  // namespace tavlen::loader

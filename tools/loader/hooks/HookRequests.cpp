@@ -1,0 +1,125 @@
+#include "tools/loader/hooks/HookRequests.h"
+
+#include <objc/runtime.h>
+
+#include <exception>
+#include <utility>
+
+#include "tavlen/foundation/json/JSONEncoder.h"
+#include "tools/loader/base/EngineString.h"
+#include "tools/loader/base/Messages.h"
+#include "tools/loader/engine/Engine.h"
+#include "tools/loader/engine/ShownValue.h"
+#include "tools/loader/hooks/Hook.h"
+
+namespace tavlen::loader {
+
+namespace {
+
+/// The names of the properties of `object` that a loop over it meets, in their order.
+std::vector<std::string> keysOf(JSContextRef context, JSObjectRef object) {
+  JSPropertyNameArrayRef names = JSObjectCopyPropertyNames(context, object);
+  std::vector<std::string> keys;
+  for (std::size_t i = 0; i < JSPropertyNameArrayGetCount(names); ++i)
+    keys.push_back(
+        EngineString(JSStringRetain(JSPropertyNameArrayGetNameAtIndex(names, i))).utf8());
+  JSPropertyNameArrayRelease(names);
+  return keys;
+}
+
+}  // namespace
+
+/// The key's selector begins after the last sign: encodings may contain one in a name, selectors
+/// none.
+HookRequests::Request HookRequests::requestOf(const std::string& className, const std::string& key,
+                                              JSValueRef function) const {
+  const std::size_t sign = key.find_last_of("+-");
+  if (sign == std::string::npos)
+    throw ScriptError("hookClass: the key \"" + key +
+                      "\" is not a type encoding, - or +, and a selector");
+  if (!JSValueIsObject(engine.context(), function) ||
+      !JSObjectIsFunction(engine.context(), const_cast<JSObjectRef>(function))) {
+    throw ScriptError("hookClass: \"" + key + "\": expected a function, got " +
+                      shownValue(engine, function));
+  }
+  Request request{className,
+                  {},
+                  key.substr(sign + 1),
+                  key.substr(0, sign),
+                  key[sign] == '+',
+                  const_cast<JSObjectRef>(function),
+                  {}};
+  request.text = key[sign] + ('[' + className + ' ' + request.selector + ']');
+  std::string opening = "hookClass(";
+  appendJSON(opening, className);
+  std::string literal;
+  appendJSON(literal, key);
+  request.place = engine.places().placeOf(literal, opening);
+  JSValueProtect(engine.context(), function);
+  return request;
+}
+
+JSValueRef HookRequests::call(const Call& call) {
+  JSContextRef context = call.context;
+  if (!JSValueIsString(context, call[0]))
+    throw ScriptError("hookClass: expected the name of a class");
+  if (!JSValueIsObject(context, call[2]))
+    throw ScriptError("hookClass: expected an object with methods");
+  auto* const* unused = call.count > 1 ? call.arguments + 1 : nullptr;
+  if (unused != nullptr && JSValueIsObject(context, *unused) &&
+      !keysOf(context, const_cast<JSObjectRef>(*unused)).empty()) {
+    throw ScriptError("hookClass: the second argument has no meaning and must be empty");
+  }
+  const std::string className = EngineString(context, call[0]).utf8();
+  auto* methods = const_cast<JSObjectRef>(call[2]);
+  for (const std::string& key : keysOf(context, methods)) {
+    Request request = requestOf(className, key, propertyOf(context, methods, key.c_str()));
+    if (install(request)) continue;
+    report(LoaderEvent::kWaiting, request, "no image has the class " + className);
+    const std::lock_guard lock(lock_);
+    waiting_.push_back(std::move(request));
+    isWaiting_.store(true, std::memory_order_relaxed);
+  }
+  return JSValueMakeUndefined(context);
+}
+
+void HookRequests::retry() {
+  if (!isWaiting_.load(std::memory_order_relaxed)) return;
+  std::vector<Request> waiting;
+  {
+    const std::lock_guard lock(lock_);
+    waiting.swap(waiting_);
+  }
+  std::erase_if(waiting, [&](const Request& request) { return install(request); });
+  const std::lock_guard lock(lock_);
+  waiting_.insert(waiting_.end(), waiting.begin(), waiting.end());
+  isWaiting_.store(!waiting_.empty(), std::memory_order_relaxed);
+}
+
+/// Returns false if the class is not loaded. A method that cannot be hooked is reported.
+bool HookRequests::install(const Request& request) {
+  Class cls = ObjCRuntime::classNamed(request.className.c_str());
+  if (cls == nullptr) return false;
+  try {
+    Hook::install(engine, {request.isClassMethod ? object_getClass(reinterpret_cast<id>(cls)) : cls,
+                           ObjCRuntime::selectorNamed(request.selector.c_str()), request.text,
+                           request.isClassMethod, request.encoding, request.function});
+    report(LoaderEvent::kHooked, request, {});
+  } catch (const std::exception& error) {
+    report(LoaderEvent::kRefused, request, error.what());
+  }
+  return true;
+}
+
+void HookRequests::report(const char* event, const Request& request,
+                          const std::string& message) const {
+  LoaderEvent reported{.event = event, .method = request.text};
+  if (!message.empty()) reported.message = message;
+  if (request.place) {
+    reported.line = request.place->line;
+    reported.column = request.place->column;
+  }
+  engine.report(reported);
+}
+
+}  // namespace tavlen::loader

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <atomic>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tavlen/foundation/text/TextLines.h"
+#include "tools/loader/engine/Native.h"
+
+namespace tavlen::loader {
+
+/// hookClass(name, {}, methods): the hooks that a tweak asks for, and those whose class no image
+/// has loaded yet.
+///
+/// Threads: any; a class may come with an image that any thread loads.
+class HookRequests : public NativeFunction {
+ public:
+  using NativeFunction::NativeFunction;
+
+  JSValueRef call(const Call& call) override;
+
+  /// Hooks the waiting methods whose class has been loaded. Costs little while none waits.
+  void retry();
+
+ private:
+  /// One entry of `methods`: its key is the type encoding, "-" or "+", and the selector.
+  struct Request {
+    std::string className;
+    std::string text;  ///< "-[Class selector]"
+    std::string selector;
+    std::string encoding;
+    bool isClassMethod;
+    JSObjectRef function;               ///< protected
+    std::optional<TextPosition> place;  ///< of the key in the source
+  };
+
+  Request requestOf(const std::string& className, const std::string& key,
+                    JSValueRef function) const;
+  bool install(const Request& request);
+  void report(const char* event, const Request& request, const std::string& message) const;
+
+  std::mutex lock_;
+  std::vector<Request> waiting_;
+  std::atomic<bool> isWaiting_ = false;
+};
+
+}  // namespace tavlen::loader

@@ -1,0 +1,81 @@
+#include "tools/loader/hooks/Watch.h"
+
+#include <algorithm>
+#include <csignal>
+#include <cstdint>
+#include <string>
+#include <thread>
+#include <unordered_map>
+
+#include "tavlen/foundation/objc/ObjCRuntime.h"
+#include "tools/loader/engine/Engine.h"
+#include "tools/loader/engine/HookStack.h"
+#include "tools/loader/hooks/Hook.h"
+
+namespace tavlen::loader {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+/// What the watch has seen of a thread's script.
+struct Seen {
+  std::uint64_t serial = 0;
+  Clock::time_point since;
+  bool isReported = false;
+};
+
+class Watch {
+ public:
+  Watch(Engine& engine, std::chrono::milliseconds limit) : engine_(engine), limit_(limit) {}
+
+  [[noreturn]] void run() {
+    constexpr std::chrono::milliseconds kLongestInterval(500);
+    const auto interval = std::clamp(limit_ / 10, std::chrono::milliseconds(1), kLongestInterval);
+    while (true) {
+      std::this_thread::sleep_for(interval);
+      HookStack::forEachThread([&](const HookStack::Running& running) { look(running); });
+      if (!engine_.releases().isEmpty()) release();
+    }
+  }
+
+ private:
+  void look(const HookStack::Running& running) {
+    const Hook* hook = running.hook.load(std::memory_order_relaxed);
+    const std::uint64_t serial = running.serial.load(std::memory_order_relaxed);
+    Seen& seen = seen_[&running];
+    if (hook == nullptr || &hook->engine() != &engine_ || seen.serial != serial) {
+      seen = {serial, Clock::now(), false};
+      return;
+    }
+    if (seen.isReported || Clock::now() - seen.since < limit_) return;
+    seen.isReported = true;
+    LoaderEvent event{.event = LoaderEvent::kSlow, .method = hook->text()};
+    event.message =
+        "the script has been computing for more than " + std::to_string(limit_.count()) + " ms";
+    engine_.report(event);
+  }
+
+  void release() {
+    const ObjCRuntime::AutoreleasePool pool;
+    engine_.releases().drain();
+  }
+
+  Engine& engine_;
+  std::chrono::milliseconds limit_;
+  std::unordered_map<const HookStack::Running*, Seen> seen_;
+};
+
+}  // namespace
+
+void startWatch(Engine& engine, std::chrono::milliseconds limit) {
+  // The program's signals are its own threads'.
+  sigset_t all;
+  sigset_t former;
+  sigfillset(&all);  // a macro on Apple's systems
+  ::pthread_sigmask(SIG_SETMASK, &all, &former);
+  std::thread([&engine, limit] { Watch(engine, limit).run(); }).detach();
+  ::pthread_sigmask(SIG_SETMASK, &former, nullptr);
+}
+
+}  // namespace tavlen::loader

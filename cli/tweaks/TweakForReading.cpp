@@ -19,6 +19,7 @@
 #include "tavlen/collections/TweakCollectionManifest.h"
 #include "tavlen/device/DeviceFiles.h"
 #include "tavlen/foundation/coding/CodingError.h"
+#include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/foundation/text/Characters.h"
 #include "tavlen/foundation/text/TextLines.h"
 #include "tavlen/foundation/text/Unicode.h"

@@ -201,10 +201,12 @@ Diagnostic errorAtPlace(const OpenedTweak& tweak, const TweakSource& source,
 }
 
 /// The result, or a syntax error. Throws TweakProcessor's other errors.
-std::variant<TweakProcessor::Output, Diagnostic> converted(
-    const OpenedTweak& tweak, const TweakSource& source, const std::filesystem::path& transpiler) {
+std::variant<TweakProcessor::Output, Diagnostic> converted(const OpenedTweak& tweak,
+                                                           const TweakSource& source,
+                                                           const std::filesystem::path& transpiler,
+                                                           TweakProcessor::Map map) {
   try {
-    return TweakProcessor(transpiler).convert(source.text());
+    return TweakProcessor(transpiler).convert(source.text(), map);
   } catch (const TweakProcessor::Error& failure) {
     std::optional<SyntaxError> error = syntaxErrorOf(failure);
     if (!error) throw;
@@ -242,16 +244,18 @@ Diagnostic atScript(const OpenedTweak& tweak, TextPosition place) {
 }
 
 std::optional<TweakProcessor::Output> transpile(const OpenedTweak& tweak, const TweakSource& source,
-                                                const std::filesystem::path& transpiler) {
-  auto result = converted(tweak, source, transpiler);
+                                                const std::filesystem::path& transpiler,
+                                                TweakProcessor::Map map) {
+  auto result = converted(tweak, source, transpiler, map);
   if (auto* output = std::get_if<TweakProcessor::Output>(&result)) return std::move(*output);
   print(std::get<Diagnostic>(result));
   return std::nullopt;
 }
 
 std::optional<TweakProcessor::Output> transpile(const OpenedTweak& tweak,
-                                                const std::filesystem::path& transpiler) {
-  return transpile(tweak, TweakSource(tweak.manifest.hooks(), tweak.script), transpiler);
+                                                const std::filesystem::path& transpiler,
+                                                TweakProcessor::Map map) {
+  return transpile(tweak, TweakSource(tweak.manifest.hooks(), tweak.script), transpiler, map);
 }
 
 std::optional<Diagnostic> conversionErrorOf(const TextInput& input) {
@@ -261,7 +265,7 @@ std::optional<Diagnostic> conversionErrorOf(const TextInput& input) {
   tweak.text = std::make_shared<TextInput>(input);
   try {
     const TweakSource source(tweak.manifest.hooks(), tweak.script);
-    auto result = converted(tweak, source, transpilerFolder({}));
+    auto result = converted(tweak, source, transpilerFolder({}), TweakProcessor::Map::leaveOut);
     if (auto* error = std::get_if<Diagnostic>(&result)) return std::move(*error);
     return std::nullopt;
   } catch (const std::exception& error) {

@@ -18,10 +18,12 @@ namespace tavlen::cli {
 /// script with line and column, in generated text with the hook that caused it. The result is then
 /// empty. Throws TweakProcessor's errors except for syntax errors.
 std::optional<TweakProcessor::Output> transpile(const OpenedTweak& tweak, const TweakSource& source,
-                                                const std::filesystem::path& transpiler);
+                                                const std::filesystem::path& transpiler,
+                                                TweakProcessor::Map map);
 /// The same for the text of the tweak's hooks and script.
 std::optional<TweakProcessor::Output> transpile(const OpenedTweak& tweak,
-                                                const std::filesystem::path& transpiler);
+                                                const std::filesystem::path& transpiler,
+                                                TweakProcessor::Map map);
 
 /// Why a text's tweak does not convert with the command's own transpiler, at its place in the text
 /// or in the script; nothing if it converts. Reasons other than syntax errors have no place.

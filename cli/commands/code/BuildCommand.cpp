@@ -83,7 +83,10 @@ Built write(const TweakProcessor::Output& output, const fs::path& folder) {
 int build(const Options& options) {
   const OpenedTweak tweak = openTweak(options.tweak);
   printWarnings(tweak);
-  const auto output = transpile(tweak, transpilerFolder(options.transpiler));
+  const bool printsCode = options.output == kStandardOutput && !options.json;
+  const auto output =
+      transpile(tweak, transpilerFolder(options.transpiler),
+                printsCode ? TweakProcessor::Map::leaveOut : TweakProcessor::Map::make);
   if (!output) {
     printError(tweak.argument + ": does not build");
     return 1;

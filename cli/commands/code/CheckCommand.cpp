@@ -72,7 +72,9 @@ class Check {
       const OpenedTweak tweak = opened(argument);
       printWarnings(tweak);
       if (options_.hasClasses || !options_.image.image.empty()) checkClasses(tweak);
-      builds = transpile(tweak, transpilerFolder(options_.transpiler)).has_value();
+      builds =
+          transpile(tweak, transpilerFolder(options_.transpiler), TweakProcessor::Map::leaveOut)
+              .has_value();
       if (!builds && !options_.json) printError(argument + ": does not build");
     } catch (const std::exception& error) {
       reportError(error);

@@ -79,7 +79,8 @@ TextPosition sourcePlace(const Options& options, const TweakProcessor::Output& o
 int locate(const Options& options) {
   const OpenedTweak tweak = openTweak(options.tweak);
   const TweakSource source(tweak.manifest.hooks(), tweak.script);
-  const auto output = transpile(tweak, source, transpilerFolder(options.transpiler));
+  const auto output =
+      transpile(tweak, source, transpilerFolder(options.transpiler), TweakProcessor::Map::make);
   if (!output) {
     printError(tweak.argument + ": does not build");
     return 1;

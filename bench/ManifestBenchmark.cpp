@@ -47,8 +47,23 @@ void decodeNlohmann(benchmark::State& state) {
   setBytes(state, text.size());
 }
 
+/// Whether the processor has what ManifestPeer.cpp is compiled for. Says so if it has not.
+bool canRunPeer(benchmark::State& state) {
+#if defined(__x86_64__)
+  if (!__builtin_cpu_supports("avx2") || !__builtin_cpu_supports("fma") ||
+      !__builtin_cpu_supports("bmi") || !__builtin_cpu_supports("bmi2")) {
+    state.SkipWithError("not measured: the processor lacks AVX2, FMA or BMI");
+    return false;
+  }
+#else
+  (void)state;
+#endif
+  return true;
+}
+
 /// With a parser and a padded copy of the text for each manifest: a caller of decodeJSON() has one.
 void decodePeerFresh(benchmark::State& state) {
+  if (!canRunPeer(state)) return;
   const std::string& text = document();
   if (tavlen::bench::ManifestPeer(text).read() != manifest())
     state.SkipWithError("the manifest is not the one that was written");
@@ -58,6 +73,7 @@ void decodePeerFresh(benchmark::State& state) {
 
 /// With both kept from one manifest to the next.
 void decodePeerKept(benchmark::State& state) {
+  if (!canRunPeer(state)) return;
   tavlen::bench::ManifestPeer peer(document());
   for (auto _ : state) benchmark::DoNotOptimize(peer.read());
   setBytes(state, document().size());

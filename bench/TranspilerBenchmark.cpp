@@ -34,6 +34,13 @@ void convert(benchmark::State& state) {
   state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(source.size()));
 }
 
+/// Reads and runs "ob.js", in an engine that has been started.
+void load(benchmark::State& state) {
+  for (auto _ : state) benchmark::DoNotOptimize(tavlen::TweakProcessor(TAVLEN_RESOURCE_DIR));
+}
+
+BENCHMARK(load)->MeasureProcessCPUTime()->Unit(benchmark::kMillisecond);
+
 // Process CPU time includes the threads of the engine's compilers and garbage collector.
 BENCHMARK(convert)->ArgName("MB")->Arg(1)->Arg(2)->MinTime(1.5)->MeasureProcessCPUTime()->Unit(
     benchmark::kMillisecond);

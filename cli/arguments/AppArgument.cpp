@@ -9,6 +9,7 @@
 #include <string_view>
 #include <system_error>
 
+#include "cli/arguments/ArchiveFile.h"
 #include "cli/terminal/ShownText.h"
 #include "tavlen/bundles/AppList.h"
 #include "tavlen/device/DeviceRoot.h"
@@ -38,8 +39,14 @@ bool isPath(const std::string& text) {
 }
 
 std::shared_ptr<IPA> appArgument(const std::string& text) {
+  if (isArchive(text)) {
+    throw std::runtime_error(
+        text + ": is an archive; expected the bundle identifier of an app, or its bundle folder");
+  }
   if (!isPath(text)) return appWithBundleID(text);
   const std::filesystem::path folder = hostPath(text);
+  if (std::filesystem::is_regular_file(DeviceRoot::shared().status(folder)))
+    throw std::system_error(ENOTDIR, std::generic_category(), text);
   if (::access(folder.c_str(), X_OK) != 0) {
     throw std::system_error(errno, std::generic_category(), text);
   }

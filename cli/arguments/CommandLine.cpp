@@ -253,7 +253,7 @@ std::optional<int> CommandLine::parse(int argc, const char* const* argv) {
     std::vector<std::string> reversed;  // as the parser wants them
     std::transform(words.rbegin(), words.rend(), std::back_inserter(reversed), marked);
     app_->parse(std::move(reversed));
-    refuseStrayArguments(*app_);
+    refuseStrayArguments(*app_, words);
   } catch (const CLI::CallForHelp&) {
     printData(helpPage(chosenRecords(record, *app_)));
     return 0;

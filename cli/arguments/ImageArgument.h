@@ -22,10 +22,12 @@ struct ImageArgument {
   std::optional<std::string> architecture;  ///< of the slice to read
   /// The limit on the time of a dynamic or remote dump.
   std::optional<std::chrono::milliseconds> timeout;
+  /// The app whose bundle folder `image` is, if the user did not name that.
+  std::optional<std::string> bundleID = {};
 
   bool isStream() const { return image == "-"; }
   /// `image` as messages name it.
-  std::string shown() const { return shownInput(image); }
+  std::string shown() const { return bundleID ? *bundleID : shownInput(image); }
 };
 
 /// The options that addImageArgument() adds.

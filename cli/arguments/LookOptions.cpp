@@ -16,7 +16,7 @@ TweakGlyph glyphNamed(const std::string& text) {
   const auto suggestion = suggestedGlyph(glyph);
   throw UsageError("--glyph",
                    "unknown glyph \"" + glyphText(glyph) + "\"" +
-                       (suggestion ? "; did you mean " + glyphText(*suggestion) + "?" : ""));
+                       (suggestion ? "; did you mean \"" + glyphText(*suggestion) + "\"?" : ""));
 }
 
 }  // namespace

@@ -19,7 +19,7 @@ constexpr const char* kVariable = "TAVLEN_ROOT";
 std::string problemOfPrefix(const std::string& text) {
   const std::filesystem::path path = text;
   const bool leadsUp = std::find(path.begin(), path.end(), "..") != path.end();
-  return path.is_absolute() && !leadsUp ? "" : "it is no absolute path without \"..\"";
+  return path.is_absolute() && !leadsUp ? "" : "must be an absolute path without '..'";
 }
 
 }  // namespace

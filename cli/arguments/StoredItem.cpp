@@ -1,6 +1,7 @@
 #include "cli/arguments/StoredItem.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
 #include <initializer_list>
 #include <optional>
@@ -11,6 +12,7 @@
 #include <vector>
 
 #include "cli/arguments/AmbiguousItem.h"
+#include "cli/arguments/ArchiveFile.h"
 #include "cli/terminal/ShownText.h"
 #include "tavlen/device/DeviceFiles.h"
 #include "tavlen/foundation/tasks/NotificationCenter.h"
@@ -36,6 +38,7 @@ bool endsInAny(const std::string& text, std::initializer_list<const char*> exten
 void requireItem(const std::string& path) {
   switch (formOf(path)) {
     case ItemForm::text:
+      if (isArchive(path)) throw std::runtime_error(path + ": " + kOtherArchive);
       throw std::runtime_error(path + ": is a text, not a stored item; apply makes one of it");
     case ItemForm::archive:
       throw std::runtime_error(path + ": is an archive, not a stored item; import makes one of it");
@@ -48,14 +51,25 @@ void requireItem(const std::string& path) {
 OpenedItem itemAt(const std::string& path, const std::string& shown) {
   const fs::file_status status = DeviceRoot::shared().status(path);
   const bool isFolder = fs::is_directory(status);
+  const std::string document =
+      isFolder ? (path.ends_with('/') ? path : path + "/") + kDocumentFile : path;
+  if (!fs::exists(status)) throw std::system_error(ENOENT, std::generic_category(), shown);
+  if (!isFolder && !path.ends_with(TweakCollection::kIDSuffix))
+    throw std::runtime_error(shown + ": the document of a tweak must be called " + kDocumentFile);
   try {
     // Outside the store, a tweak's folder may have any name.
-    if (isFolder || !fs::exists(status)) return TweakFile::open(path);
+    if (isFolder) return TweakFile::open(path);
     return TweakManager::openAt(path);
+  } catch (const TweakFile::Error& error) {
+    const bool isEmpty = error.which() == TweakFile::ErrorCase::missing && isItemPath(shown);
+    throw std::runtime_error(
+        shown + ": " +
+        (isEmpty ? std::string("has neither ") + kDocumentFile + " nor " + kTextFile
+                 : errorText(error)));
   } catch (const DecodingError& error) {
-    const std::string document =
-        isFolder ? (path.ends_with('/') ? path : path + "/") + kDocumentFile : path;
     throw documentError(document, error);
+  } catch (const std::system_error& error) {
+    throw fileError(document, error, kUnreadableTweakCode);
   } catch (const DescribedError& error) {
     throw std::runtime_error(shown + ": " + errorText(error));
   }

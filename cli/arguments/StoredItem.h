@@ -40,13 +40,15 @@ ItemForm formOf(const std::string& path);
 /// The folder of the tweak at `path`: for a document, the folder that contains it; else `path`.
 std::string itemFolder(const std::string& path);
 
+/// The code of an error that keeps a tweak from being opened.
+inline constexpr const char* kUnreadableTweakCode = "unreadable-tweak";
 /// The error of `document`, the path of an item's document, with its place.
 PlacedError documentError(const std::string& document, const DecodingError& error);
 
 /// Opens the stored item, or the one outside the store, that `text` names: by its path, see
 /// isItemPath(), or as TweakManager::find() does. Refuses texts and archives, which are no items
-/// yet. Throws documentError(), std::runtime_error whose message begins with `text`, ReportedError,
-/// and std::system_error, which names its file.
+/// yet. Throws documentError(), fileError() of a document that cannot be read, std::runtime_error
+/// whose message begins with `text`, ReportedError, and std::system_error, which names its file.
 OpenedItem openedItem(const std::string& text);
 
 /// As openedItem(), but also throws std::runtime_error for a collection.

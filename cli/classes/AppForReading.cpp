@@ -8,12 +8,12 @@
 #include <vector>
 
 #include "cli/arguments/AppArgument.h"
+#include "cli/arguments/ArchiveFile.h"
 #include "cli/terminal/ShownText.h"
 #include "tavlen/bundles/AppArchive.h"
 #include "tavlen/bundles/AppList.h"
 #include "tavlen/device/DeviceRoot.h"
 #include "tavlen/device/InfoPlist.h"
-#include "tavlen/foundation/files/RandomAccessFile.h"
 
 namespace tavlen::cli {
 
@@ -59,14 +59,6 @@ std::shared_ptr<IPA> appNamed(const std::string& text) {
 }
 
 }  // namespace
-
-bool isArchive(const std::string& text) {
-  std::error_code ignored;
-  if (!fs::is_regular_file(text, ignored)) return false;
-  constexpr std::string_view kSignature = "PK\x03\x04";
-  return fs::path(text).extension() == ".ipa" ||
-         RandomAccessFile(text).read(0, kSignature.size()) == kSignature;
-}
 
 std::string targetBundleID(const std::string& text) {
   // The name of a file, or of an archive that is missing, is no identifier. A folder of an app's

@@ -61,7 +61,4 @@ class AppForReading {
 /// archive. Throws as AppForReading and bundleIDOf() do.
 std::string targetBundleID(const std::string& text);
 
-/// Whether `text` names an archive: a file that ends in ".ipa", or begins like a ZIP archive.
-bool isArchive(const std::string& text);
-
 }  // namespace tavlen::cli

@@ -6,6 +6,7 @@
 #include <system_error>
 #include <utility>
 
+#include "cli/arguments/ArchiveFile.h"
 #include "cli/terminal/Diagnostic.h"
 #include "cli/terminal/ProgressLine.h"
 #include "cli/terminal/ShownText.h"

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -7,6 +8,9 @@
 #include "tavlen/introspection/classes/StaticClassParser.h"
 
 namespace tavlen::cli {
+
+/// Throws std::runtime_error if `folder` has files, but is not one that writeHeaders() wrote.
+void requireHeaderFolder(const std::filesystem::path& folder);
 
 /// Writes an Objective-C header for each class and category into `folder` (ClassHeaders::write()),
 /// and their number to a terminal. Throws std::system_error with the path.

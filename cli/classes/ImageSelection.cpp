@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "cli/arguments/AppArgument.h"
+#include "cli/arguments/ArchiveFile.h"
 #include "cli/terminal/ShownText.h"
 #include "tavlen/device/DeviceRoot.h"
 #include "tavlen/foundation/errors/LocalizedError.h"

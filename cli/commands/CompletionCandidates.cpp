@@ -113,12 +113,14 @@ void addGlyphs(Candidates& candidates, std::string_view prefix) {
 
 }  // namespace
 
+bool isComparedKind(std::string_view kind) { return kind == "BEFORE" || kind == "AFTER"; }
+
 std::set<std::string> completionCandidates(const CompletedWord& word) {
   useRoot({given(word, "--root"), given(word, "--prefix")});
   Candidates candidates;
   for (const std::string& kind : word.kinds) {
     if (kind == "ITEM") addItems(candidates, "", word.prefix);
-    if (kind == "TWEAK") addItems(candidates, "tweak", word.prefix);
+    if (kind == "TWEAK" || isComparedKind(kind)) addItems(candidates, "tweak", word.prefix);
     if (kind == "COLLECTION") addItems(candidates, "collection", word.prefix);
     if (kind == "APP") addApps(candidates);
     if (kind == "HOOK") addHooks(candidates, given(word, "TWEAK"));

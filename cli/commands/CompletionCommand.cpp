@@ -69,7 +69,10 @@ std::string answer(const CommandRecord& root, const Options& options) {
   const CompletedWord word = CompletedWord::of(root, line.words);
   // A glyph may have a slash that is none of a path.
   const bool isPath = word.prefix.find('/') != std::string::npos && !word.hasKind("GLYPH");
-  const bool hasFiles = word.hasKind("FILE") || word.hasKind("IMAGE") || isPath;
+  const bool hasFiles =
+      isPath || std::any_of(word.kinds.begin(), word.kinds.end(), [](const std::string& kind) {
+        return kind == "FILE" || kind == "IMAGE" || isComparedKind(kind);
+      });
   std::string text = hasFiles ? "files\n" : word.hasKind("DIR") ? "folders\n" : "words\n";
   std::set<std::string> candidates;
   for (const std::string& value : word.values) candidates.insert(value);

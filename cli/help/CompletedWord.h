@@ -13,9 +13,8 @@ namespace tavlen::cli {
 /// The last word of a line that the user is writing, and what may stand there.
 ///
 /// The placeholders of arguments say what they are: TWEAK, COLLECTION or ITEM, APP, IMAGE, HOOK,
-/// METHOD, CLASS, KIND, GLYPH, FILE, DIR; words in small letters are themselves; several kinds are
-/// separated by
-/// "|".
+/// METHOD, CLASS, KIND, GLYPH, FILE, DIR, or BEFORE and AFTER, a tweak or a file each; words in
+/// small letters are themselves; several kinds are separated by "|".
 struct CompletedWord {
   std::string start;                ///< "--output=": stands before every candidate
   std::string prefix;               ///< what has been written of the value

@@ -80,6 +80,9 @@ Diagnostic wellFormed(Diagnostic diagnostic) {
   diagnostic.message = wellFormedUTF8(diagnostic.message);
   diagnostic.file = wellFormed(diagnostic.file);
   diagnostic.place = wellFormed(diagnostic.place);
+  if (diagnostic.candidates) {
+    for (Candidate& each : *diagnostic.candidates) each.id = wellFormedUTF8(each.id);
+  }
   return diagnostic;
 }
 

@@ -5,7 +5,9 @@
 #include <optional>
 #include <string>
 #include <tuple>
+#include <vector>
 
+#include "cli/terminal/Candidate.h"
 #include "tavlen/foundation/coding/Coding.h"
 
 namespace tavlen::cli {
@@ -24,6 +26,8 @@ struct Diagnostic {
   std::optional<std::uint64_t> column = {};  ///< from 1
   std::optional<std::string> place = {};     ///< in a document without lines: "hooks[2].args.0"
   std::optional<std::string> code = {};      ///< the name of the rule, for programs: "unknown-key"
+  /// The items that an ambiguous name may mean, only for programs.
+  std::optional<std::vector<Candidate>> candidates = {};
   /// Lines to show after the message, only to people. They are printed unchanged.
   std::string excerpt = {};
 
@@ -34,7 +38,8 @@ struct Diagnostic {
                       optionalField("place", &Diagnostic::place),
                       requiredField("severity", &Diagnostic::severity),
                       optionalField("code", &Diagnostic::code),
-                      requiredField("message", &Diagnostic::message)};
+                      requiredField("message", &Diagnostic::message),
+                      optionalField("candidates", &Diagnostic::candidates)};
   }
 };
 

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <exception>
 #include <stdexcept>
+#include <string>
 
 #include "cli/terminal/Diagnostic.h"
 
@@ -17,5 +19,9 @@ class PlacedError : public std::runtime_error {
  private:
   Diagnostic diagnostic_;
 };
+
+/// The error of a file that cannot be used. Its message is that of `error`, without the file's
+/// path. `code` is that of Diagnostic.
+PlacedError fileError(const std::string& file, const std::exception& error, const char* code);
 
 }  // namespace tavlen::cli

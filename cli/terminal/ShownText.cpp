@@ -56,7 +56,8 @@ std::string textOf(const std::system_error& error) {
   const std::string_view text = error.what();
   const std::string reason = ": " + error.code().message();
   if (!text.ends_with(reason)) return std::string(text);
-  return withoutTemporaryFolder(text.substr(0, text.size() - reason.size())) + reason;
+  return withoutTemporaryFolder(text.substr(0, text.size() - reason.size())) +
+         (error.code() == std::errc::illegal_byte_sequence ? ": is not UTF-8" : reason);
 }
 
 std::string textOf(const Process::Error& error) {

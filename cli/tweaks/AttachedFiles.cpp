@@ -7,8 +7,10 @@
 #include <utility>
 
 #include "cli/terminal/Diagnostic.h"
+#include "cli/terminal/PlacedError.h"
 #include "tavlen/device/DeviceFiles.h"
 #include "tavlen/foundation/files/FileSystem.h"
+#include "tavlen/foundation/files/FolderWalk.h"
 #include "tavlen/foundation/files/TemporaryFile.h"
 
 namespace tavlen::cli {
@@ -45,40 +47,52 @@ fs::path placeFor(const fs::path& folder, const std::string& name) {
 
 }  // namespace
 
+void throwUnreadable(const std::string& path, std::error_code error) {
+  throw fileError(path, std::system_error(error, path), "unreadable-file");
+}
+
 std::set<std::string> attachedFiles(const fs::path& folder, const std::string& top,
-                                    FunctionRef<void(const std::string& name)> leftOut) {
+                                    LeftOut leftOut) {
   std::set<std::string> names;
   const DeviceRoot root = DeviceRoot::shared();
-  if (!fs::is_directory(root.status(folder / top))) return names;
+  if (!isTaken(root.followParent(folder / top))) return names;
   const auto real = pathInside(root, folder, top);
-  if (!real) {
-    leftOut(top);
+  if (!real || !fs::is_directory(root.status(*real))) {
+    leftOut(top, {});
     return names;
   }
-  for (fs::recursive_directory_iterator entry(*real), end; entry != end; ++entry) {
-    const fs::path& path = entry->path();
-    if (isTemporaryName(path.filename())) {
-      entry.disable_recursion_pending();
-      continue;
-    }
-    if (entry->symlink_status().type() == fs::file_type::directory) continue;
-    std::string name = (fs::path(top) / path.lexically_relative(*real)).string();
-    if (fileAt(folder, name)) {
-      names.insert(std::move(name));
-    } else {
-      leftOut(name);
-    }
-  }
+  const auto nameOf = [&](const fs::path& path) {
+    return (path == *real ? fs::path(top) : top / path.lexically_relative(*real)).string();
+  };
+  walkFolder(
+      *real,
+      [&](const fs::directory_entry& entry) {
+        const fs::path& path = entry.path();
+        if (isTemporaryName(path.filename())) return false;
+        std::error_code error;
+        const fs::file_type type = entry.symlink_status(error).type();
+        if (!error && type == fs::file_type::directory) return true;
+        std::string name = nameOf(path);
+        if (!error && fileAt(folder, name)) {
+          names.insert(std::move(name));
+        } else {
+          leftOut(name, error);
+        }
+        return false;
+      },
+      [&](const fs::path& path, std::error_code error) { leftOut(nameOf(path), error); });
   return names;
 }
 
 std::set<std::string> attachedFiles(const fs::path& folder, const std::string& shown) {
   std::set<std::string> names;
   for (const char* top : kAttachedFolders) {
-    names.merge(attachedFiles(folder, top, [&](const std::string& name) {
+    names.merge(attachedFiles(folder, top, [&](const std::string& name, std::error_code error) {
+      const std::string file = (fs::path(shown) / name).string();
+      if (error) throwUnreadable(file, error);
       print({.severity = Diagnostic::kWarning,
-             .message = "is not a file of the folder, and is left out",
-             .file = (fs::path(shown) / name).string(),
+             .message = "the entry is not a file of the folder and is left out",
+             .file = file,
              .code = "left-out"});
     }));
   }

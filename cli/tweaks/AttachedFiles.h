@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <set>
 #include <string>
+#include <system_error>
 
 #include "tavlen/foundation/base/FunctionRef.h"
 #include "tavlen/tweaks/TweakFile.h"
@@ -17,12 +18,17 @@ inline constexpr std::array kAttachedFolders = {TweakFile::resourcesFolder,
 /// The files in kAttachedFolders of `folder`, at any depth: their paths relative to `folder`. A
 /// link counts as the file that it leads to. Warns of entries that cannot go along, such as links
 /// that lead out. Folders that do not exist are empty. Links below the device root are the
-/// device's. Messages call the folder `shown`. Throws std::system_error.
+/// device's. Messages call the folder `shown`. Throws as throwUnreadable() for a folder that cannot
+/// be read.
 std::set<std::string> attachedFiles(const std::filesystem::path& folder, const std::string& shown);
-/// The same for `top`, one of kAttachedFolders. Instead of warning, calls `leftOut` with the path,
-/// relative to `folder`, of each entry that cannot go along.
+/// Gets the path, relative to the tweak's folder, of an entry that cannot go along, and the error
+/// if it cannot be read.
+using LeftOut = FunctionRef<void(const std::string& name, std::error_code error)>;
+/// The same for `top`, one of kAttachedFolders. Instead of warning or throwing, calls `leftOut`.
 std::set<std::string> attachedFiles(const std::filesystem::path& folder, const std::string& top,
-                                    FunctionRef<void(const std::string& name)> leftOut);
+                                    LeftOut leftOut);
+/// Throws the PlacedError of a file or folder that cannot be read.
+[[noreturn]] void throwUnreadable(const std::string& path, std::error_code error);
 
 /// Whether both folders have a file at the relative path `name`, with the same bytes and
 /// permissions. Throws std::system_error.

@@ -9,11 +9,11 @@
 #include "cli/arguments/StoredItem.h"
 #include "cli/items/StoreLock.h"
 #include "cli/terminal/Console.h"
+#include "cli/terminal/NewFolder.h"
 #include "cli/terminal/ProgressLine.h"
 #include "cli/tweaks/AttachedFiles.h"
 #include "tavlen/foundation/files/FileReplacement.h"
 #include "tavlen/foundation/files/FileSystem.h"
-#include "tavlen/foundation/files/FileTree.h"
 #include "tavlen/foundation/files/TemporaryDirectory.h"
 #include "tavlen/tweaktext/TweakTextReader.h"
 
@@ -70,27 +70,21 @@ void requireOwnFolder(const fs::path& folder) {
 
 void writeNewFolder(const TweakContents& contents, const std::string& text,
                     const fs::path& folder) {
-  if (isTaken(folder)) throw std::system_error(ENOTDIR, std::generic_category(), folder.string());
-  fs::path place = fs::weakly_canonical(fs::absolute(folder));
-  if (!place.has_filename()) place = place.parent_path();
-  fs::path first = place;  // the first folder of the path that does not exist
-  while (!isTaken(first.parent_path())) first = first.parent_path();
   const Writing writing(folder);
-  const TemporaryDirectory work(first.parent_path());
-  const fs::path draft = work.path() / place.lexically_relative(first.parent_path());
-  fs::create_directories(draft);
-  writeDraft(contents, text, draft, writing);
-  moveItem(work.path() / first.filename(), first);
+  makeFolder(folder, [&](const fs::path& draft) { writeDraft(contents, text, draft, writing); });
 }
 
 void writeIntoFolder(const TweakContents& contents, const std::string& text,
                      const fs::path& folder) {
   requireOwnFolder(folder);
   const Writing writing(folder);
-  const TemporaryDirectory work(folder);
-  const fs::path draft = work.path() / fs::canonical(folder).filename();
-  fs::create_directories(draft);
-  writeDraft(contents, text, draft, writing);
+  const fs::path place = fs::canonical(folder);
+  const TemporaryDirectory work(place);
+  const fs::path draft = work.path() / place.filename();
+  callInDraft(draft, folder, [&] {
+    fs::create_directories(draft);
+    writeDraft(contents, text, draft, writing);
+  });
   std::vector<std::unique_ptr<FileReplacement>> replacements;
   const StoreLock lock = StoreLock::ofFolder(fs::absolute(folder));
   writing.continueUnlessCancelled();

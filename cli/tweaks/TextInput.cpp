@@ -7,6 +7,7 @@
 #include <utility>
 #include <variant>
 
+#include "cli/arguments/ArchiveFile.h"
 #include "cli/arguments/StoredItem.h"
 #include "cli/terminal/CaretLine.h"
 #include "cli/terminal/Console.h"
@@ -130,6 +131,7 @@ TextSource textSource(const std::string& argument) {
   const std::string file = source.isFolder ? (fs::path(argument) / kTextFile).string() : argument;
   source.bytes = readInput(file);
   source.file = shownInput(file);
+  if (isZIP(source.bytes)) throw std::runtime_error(source.file + ": " + kOtherArchive);
   std::error_code ignored;
   source.folder =
       fs::is_regular_file(file, ignored) ? fs::absolute(file).parent_path() : fs::path(".");

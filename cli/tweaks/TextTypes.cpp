@@ -64,7 +64,8 @@ void lookUpTypes(TweakText& text, TextMessages& messages) {
     ImageArgument app;
     // By the path of an app of the device: the identifier in a text from elsewhere must not name a
     // file to load.
-    app.image = appWithBundleID(text.manifest.configuration.bundleID)->appDir().string();
+    app.bundleID = text.manifest.configuration.bundleID;
+    app.image = appWithBundleID(*app.bundleID)->appDir().string();
     setTypes(text, hooks, app, messages);
   } catch (const std::exception& error) {
     const auto* failure = dynamic_cast<const std::system_error*>(&error);

@@ -201,10 +201,12 @@ Diagnostic errorAtPlace(const OpenedTweak& tweak, const TweakSource& source,
 }
 
 /// The result, or a syntax error. Throws TweakProcessor's other errors.
-std::variant<TweakProcessor::Output, Diagnostic> converted(
-    const OpenedTweak& tweak, const TweakSource& source, const std::filesystem::path& transpiler) {
+std::variant<TweakProcessor::Output, Diagnostic> converted(const OpenedTweak& tweak,
+                                                           const TweakSource& source,
+                                                           const std::filesystem::path& transpiler,
+                                                           TweakProcessor::Map map) {
   try {
-    return TweakProcessor(transpiler).convert(source.text());
+    return TweakProcessor(transpiler).convert(source.text(), map);
   } catch (const TweakProcessor::Error& failure) {
     std::optional<SyntaxError> error = syntaxErrorOf(failure);
     if (!error) throw;
@@ -218,9 +220,19 @@ Diagnostic atHook(const OpenedTweak& tweak, std::size_t hook) {
   const std::size_t index = indexInDocument(tweak.manifest, hook);
   if (tweak.text) return tweak.text->at(tweak.text->text.hooks.at(index).method);
   Diagnostic where = atManifest(tweak);
-  where.place = "hooks[" + std::to_string(index) + "] " +
-                methodText(tweak.manifest._hooks.at(index)->identity());
+  where.place = "hooks[" + std::to_string(index) + "]";
   return where;
+}
+
+Diagnostic atHookText(const OpenedTweak& tweak, std::size_t hook, std::size_t offset) {
+  const std::vector<Hook> hooks = tweak.manifest.hooks();
+  const std::string text = keyedOBJSFunc(hooks.at(hook));
+  for (const HookValueText& value : hookValueTexts(hooks.at(hook))) {
+    // With the statement around it, of which there is one a line.
+    if (offset <= text.rfind('\n', value.begin) || offset >= value.end) continue;
+    return atValue(tweak, hook, {HookPlace::Part::value, value.argument, {}});
+  }
+  return atHook(tweak, hook);
 }
 
 Diagnostic atScript(const OpenedTweak& tweak, TextPosition place) {
@@ -232,16 +244,18 @@ Diagnostic atScript(const OpenedTweak& tweak, TextPosition place) {
 }
 
 std::optional<TweakProcessor::Output> transpile(const OpenedTweak& tweak, const TweakSource& source,
-                                                const std::filesystem::path& transpiler) {
-  auto result = converted(tweak, source, transpiler);
+                                                const std::filesystem::path& transpiler,
+                                                TweakProcessor::Map map) {
+  auto result = converted(tweak, source, transpiler, map);
   if (auto* output = std::get_if<TweakProcessor::Output>(&result)) return std::move(*output);
   print(std::get<Diagnostic>(result));
   return std::nullopt;
 }
 
 std::optional<TweakProcessor::Output> transpile(const OpenedTweak& tweak,
-                                                const std::filesystem::path& transpiler) {
-  return transpile(tweak, TweakSource(tweak.manifest.hooks(), tweak.script), transpiler);
+                                                const std::filesystem::path& transpiler,
+                                                TweakProcessor::Map map) {
+  return transpile(tweak, TweakSource(tweak.manifest.hooks(), tweak.script), transpiler, map);
 }
 
 std::optional<Diagnostic> conversionErrorOf(const TextInput& input) {
@@ -251,7 +265,7 @@ std::optional<Diagnostic> conversionErrorOf(const TextInput& input) {
   tweak.text = std::make_shared<TextInput>(input);
   try {
     const TweakSource source(tweak.manifest.hooks(), tweak.script);
-    auto result = converted(tweak, source, transpilerFolder({}));
+    auto result = converted(tweak, source, transpilerFolder({}), TweakProcessor::Map::leaveOut);
     if (auto* error = std::get_if<Diagnostic>(&result)) return std::move(*error);
     return std::nullopt;
   } catch (const std::exception& error) {

@@ -65,7 +65,10 @@ Value lineOf(const std::optional<TweakGlyph>& glyph) {
 
 void addSetting(Changes& changes, const std::string& name, Value before, Value after) {
   if (before == after) return;
-  changes.push_back({TweakChange::kChanged, name, {}, std::move(before), std::move(after)});
+  const char* const change = !before  ? TweakChange::kAdded
+                             : !after ? TweakChange::kRemoved
+                                      : TweakChange::kChanged;
+  changes.push_back({change, name, {}, std::move(before), std::move(after)});
 }
 
 void addSettings(Changes& changes, const Configuration& before, const Configuration& after) {

@@ -60,6 +60,24 @@ void printIgnoredKeys(const OpenedTweak& tweak) {
          .code = "unknown-key"});
 }
 
+OpenedTweak openedFrom(const TweakFile::Opened& opened, const std::string& folder) {
+  OpenedTweak tweak;
+  tweak.argument = folder;
+  tweak.folder = folder;
+  tweak.file = opened.file;
+  tweak.manifest = opened.manifest;
+  tweak.ignoredKeys = opened.ignoredKeys;
+  tweak.script = opened.file->script();
+  return tweak;
+}
+
+void printWarnings(const OpenedTweak& tweak, TweakSurroundings surroundings) {
+  printIgnoredKeys(tweak);
+  surroundings.script = tweak.script;
+  for (const Diagnostic& warning : warningsFrom(problemsOf(tweak.manifest, surroundings), tweak))
+    print(warning);
+}
+
 /// The file of the resource `name` relative to the tweak's folder.
 std::string resourceFile(const std::string& name) {
   return (fs::path(TweakFile::resourcesFolder) / name).lexically_normal().string();
@@ -81,7 +99,7 @@ TweakSurroundings surroundingsOf(const fs::path& folder) {
   surroundings.apps = AppList::shared().identifiers();
   surroundings.refusedEntries = refusedEntries(DeviceRoot::shared().follow(folder));
   const fs::path top = TweakFile::resourcesFolder;
-  addResources(surroundings, attachedFiles(folder, top.string(), [](const std::string&) {}));
+  addResources(surroundings, attachedFiles(folder, top.string(), [](const auto&, auto) {}));
   surroundings.stateOf = [resources = folder / top](const std::string& name) {
     const DeviceRoot root = DeviceRoot::shared();
     const auto file = pathInside(root, resources, name);
@@ -129,22 +147,23 @@ void printWarnings(const OpenedTweak& tweak) {
     for (const Diagnostic& warning : warningsFor(*tweak.text, {})) print(warning);
     return;
   }
-  printIgnoredKeys(tweak);
-  TweakSurroundings surroundings = surroundingsOf(tweak.file->url());
-  surroundings.script = tweak.script;
-  for (const Diagnostic& warning : warningsFrom(problemsOf(tweak.manifest, surroundings), tweak))
-    print(warning);
+  printWarnings(tweak, surroundingsOf(tweak.file->url()));
 }
 
 void printWarnings(const TweakFile::Opened& opened, const std::string& folder) {
-  OpenedTweak tweak;
-  tweak.argument = folder;
-  tweak.folder = folder;
-  tweak.file = opened.file;
-  tweak.manifest = opened.manifest;
-  tweak.ignoredKeys = opened.ignoredKeys;
-  tweak.script = opened.file->script();
-  printWarnings(tweak);
+  printWarnings(openedFrom(opened, folder));
+}
+
+void printWarningsOfInstallation(const TweakFile::Opened& opened, bool copiesExecutables) {
+  const fs::path& folder = opened.file->url();
+  TweakSurroundings surroundings = surroundingsOf(folder);
+  std::erase_if(surroundings.refusedEntries, [&](const RefusedEntry& entry) {
+    const fs::path top = *entry.path.begin();
+    const bool isCopied = top == TweakFile::resourcesFolder || top == TweakFile::iconFile ||
+                          (copiesExecutables && top == TweakFile::executablesFolder);
+    return entry.isPackaged || !isCopied;
+  });
+  printWarnings(openedFrom(opened, folder.string()), std::move(surroundings));
 }
 
 }  // namespace tavlen::cli

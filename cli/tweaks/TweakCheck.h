@@ -27,5 +27,8 @@ std::vector<Diagnostic> warningsFor(const TextInput& input, const std::filesyste
 void printWarnings(const OpenedTweak& tweak);
 /// The same for a tweak that messages call `folder`. Reads its script.
 void printWarnings(const TweakFile::Opened& tweak, const std::string& folder);
+/// The same for a tweak that is to be installed: of entries that cannot be packaged, only of those
+/// that are copied then.
+void printWarningsOfInstallation(const TweakFile::Opened& tweak, bool copiesExecutables);
 
 }  // namespace tavlen::cli

@@ -2,20 +2,26 @@
 
 #include <exception>
 #include <filesystem>
+#include <optional>
 #include <stdexcept>
+#include <system_error>
 #include <utility>
 
 #include "cli/arguments/StoredItem.h"
 #include "cli/terminal/Diagnostic.h"
 #include "cli/terminal/HiddenFolder.h"
+#include "cli/terminal/PlacedError.h"
 #include "cli/terminal/ProgressLine.h"
 #include "cli/terminal/ShownText.h"
 #include "cli/tweaks/TemporaryTweak.h"
 #include "cli/tweaks/TextInput.h"
 #include "cli/tweaks/TweakContents.h"
 #include "tavlen/collections/TweakCollectionManifest.h"
+#include "tavlen/device/DeviceFiles.h"
 #include "tavlen/foundation/coding/CodingError.h"
+#include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/foundation/text/Characters.h"
+#include "tavlen/foundation/text/TextLines.h"
 #include "tavlen/foundation/text/Unicode.h"
 #include "tavlen/foundation/zip/ZIPError.h"
 #include "tavlen/store/TweakManager.h"
@@ -95,6 +101,15 @@ ItemForReading collectionFromArchive(const std::string& argument) {
   return {std::move(collection), argument, std::move(folder), nullptr, std::move(members)};
 }
 
+/// Where the script ceases to be UTF-8, if that is the error.
+std::optional<TextPosition> malformedPlace(const fs::path& script, const std::exception& error) {
+  const auto* failure = dynamic_cast<const std::system_error*>(&error);
+  if (failure == nullptr || failure->code() != std::errc::illegal_byte_sequence)
+    return std::nullopt;
+  const std::string bytes = readFile(openedFile(DeviceRoot::shared(), script));
+  return linePositionAt(bytes, validUTF8Length(bytes));
+}
+
 }  // namespace
 
 OpenedTweak tweakForReading(const std::string& argument) {
@@ -114,13 +129,14 @@ OpenedTweak openTweak(const std::string& argument) {
     tweak.script = tweak.file->readScript().value_or(std::string());
   } catch (const std::exception& error) {
     tweak.scriptIsUnreadable = true;
-    const std::string file = tweak.pathOf(TweakFile::scriptFile);
-    std::string reason = errorText(error);
-    if (reason.starts_with(file + ": ")) reason.erase(0, file.size() + 2);
-    print({.severity = Diagnostic::kWarning,
-           .message = "the script cannot be read and counts as empty: " + reason,
-           .file = file,
-           .code = "unreadable-script"});
+    Diagnostic message = asWarning(
+        fileError(tweak.pathOf(TweakFile::scriptFile), error, "unreadable-script").diagnostic());
+    message.message += "; the script counts as empty";
+    if (const auto place = malformedPlace(tweak.file->url() / TweakFile::scriptFile, error)) {
+      message.line = place->line;
+      message.column = place->column;
+    }
+    print(message);
   }
   return tweak;
 }

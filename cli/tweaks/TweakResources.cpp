@@ -52,8 +52,10 @@ bool isHiddenFile(const fs::path& path) { return path.filename().string().starts
 std::vector<TweakResource> resourcesOf(const TweakFile::Opened& tweak) {
   const fs::path top = TweakFile::resourcesFolder;
   std::vector<std::string> names;
-  for (const std::string& file :
-       attachedFiles(tweak.file->url(), top.string(), [](const std::string&) {}))
+  for (const std::string& file : attachedFiles(
+           tweak.file->url(), top.string(), [&](const std::string&name, std::error_code error) {
+             if (error) throwUnreadable((tweak.file->url() / name).string(), error);
+           }))
     names.push_back(fs::path(file).lexically_relative(top).string());
   std::vector<ResourceUse> uses = usesOf(names, tweak.manifest, scriptOf(*tweak.file));
   std::vector<TweakResource> resources;

@@ -43,10 +43,18 @@ std::optional<std::string_view> DeviceFolder::readSmall(const std::string& name,
                    : FileDescriptor::tryOpenAt(folder_.get(), name.c_str(), kOpenToRead);
   if (!file) return std::nullopt;
   // At an offset, which pipes and terminals refuse. A device that fills the buffer is refused, too.
-  const ssize_t count =
-      retryOnInterrupt([&] { return ::pread(file.get(), buffer.data(), buffer.size(), 0); });
-  if (count <= 0 || static_cast<std::size_t>(count) == buffer.size()) return std::nullopt;
-  return std::string_view(buffer.data(), static_cast<std::size_t>(count));
+  std::size_t used = 0;
+  while (used < buffer.size()) {
+    const ssize_t count = retryOnInterrupt([&] {
+      return ::pread(file.get(), buffer.data() + used, buffer.size() - used,
+                     static_cast<off_t>(used));
+    });
+    if (count < 0) return std::nullopt;
+    if (count == 0) break;
+    used += static_cast<std::size_t>(count);
+  }
+  if (used == 0 || used == buffer.size()) return std::nullopt;
+  return std::string_view(buffer.data(), used);
 }
 
 std::unique_ptr<FileReplacement> replacementOf(const DeviceRoot& root, const fs::path& path,

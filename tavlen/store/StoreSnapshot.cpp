@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <functional>
+#include <set>
 #include <system_error>
 #include <utility>
 
 #include "tavlen/collections/TweakCollection.h"
+#include "tavlen/foundation/files/FolderWalk.h"
 #include "tavlen/items/TweaksDirectory.h"
 #include "tavlen/tweaks/TweakFile.h"
 
@@ -59,26 +61,28 @@ StoreSnapshot::Item StoreSnapshot::tweakAt(const fs::path& folder) {
 }
 
 std::optional<FileStamp> StoreSnapshot::stampOfFiles(const fs::path& folder) {
-  std::error_code error;
   FileStamp all = {};
-  fs::recursive_directory_iterator entry(folder, error);
-  if (error) return std::nullopt;
-  folders_.push_back(folder);
-  for (; !error && entry != fs::recursive_directory_iterator(); entry.increment(error)) {
-    const bool isHidden = entry->path().filename().native().starts_with('.');
-    if (isHidden) entry.disable_recursion_pending();
-    if (!isHidden && entry->symlink_status().type() == fs::file_type::directory) {
-      folders_.push_back(entry->path());
-    }
-    const std::optional<FileStamp> stamp = isHidden ? std::nullopt : stampOf(entry->path());
-    if (!stamp) continue;
-    // A sum, which does not depend on the order of the entries.
-    all.volume += std::hash<std::string>()(
-        entry->path().native() + '\0' + std::to_string(stamp->file) + ' ' +
-        std::to_string(stamp->seconds) + ' ' + std::to_string(stamp->nanoseconds));
-    all.size += stamp->size;
-    ++all.file;
-  }
+  std::set<fs::path> folders = {folder};
+  walkFolder(
+      folder,
+      [&](const fs::directory_entry& entry) {
+        const fs::path& path = entry.path();
+        if (path.filename().native().starts_with('.')) return false;
+        std::error_code unknown;
+        if (entry.symlink_status(unknown).type() == fs::file_type::directory) folders.insert(path);
+        const std::optional<FileStamp> stamp = stampOf(path);
+        if (!stamp) return true;
+        // A sum, which does not depend on the order of the entries.
+        all.volume += std::hash<std::string>()(path.native() + '\0' + std::to_string(stamp->file) +
+                                               ' ' + std::to_string(stamp->seconds) + ' ' +
+                                               std::to_string(stamp->nanoseconds));
+        all.size += stamp->size;
+        ++all.file;
+        return true;
+      },
+      // A folder that cannot be read is not watched, and what it holds is not seen to change.
+      [&](const fs::path& unread, std::error_code /*error*/) { folders.erase(unread); });
+  folders_.insert(folders_.end(), folders.begin(), folders.end());
   return all.file > 0 ? std::optional(all) : std::nullopt;
 }
 

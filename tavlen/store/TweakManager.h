@@ -84,8 +84,9 @@ class TAVLEN_API TweakManager {
 
   /// Writes an archive named after the item into a new temporary folder next to the tweaks
   /// directory, and returns the archive's path. The caller removes the archive and its folder.
-  /// Blocks. `progress`, which may be null, reports and cancels packing. Throws ZIPError,
-  /// std::system_error, and what reading the manifest
+  /// Blocks; packs on a few threads of its own, which have ended when it returns or throws.
+  /// `progress`, which may be null, reports and cancels packing. Throws ZIPError,
+  /// std::system_error, std::runtime_error for refusedEntries(), and what reading the manifest
   /// throws.
   static std::filesystem::path export_(const TweakProtocol& tweak, Progress* progress = nullptr);
   /// As export_(), but uses what has been read, and leaves files in the empty folder `folder`,

@@ -36,7 +36,7 @@ class Checker {
       if (manifest_._hooks[i]) checkHook(*manifest_._hooks[i], i);
     }
     for (const RefusedEntry& entry : surroundings_.refusedEntries)
-      addFile(entry.path.string(), "not-packaged", std::string(entry.reason));
+      addFile(entry.path.string(), "not-packaged", entry.reason);
     checkUnused();
     return std::move(problems_);
   }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -17,15 +18,16 @@ TAVLEN_API std::string_view refusalOf(std::filesystem::file_type type);
 /// An entry that a package or an archive cannot contain.
 struct TAVLEN_API RefusedEntry {
   std::filesystem::path path;  ///< relative to the tweak's folder
-  std::string_view reason;     ///< its refusalOf()
+  std::string reason;          ///< to be shown after the path
+  bool isPackaged = false;     ///< only archives refuse it, for its name
 };
 
-/// The refused entries below `folder`, sorted. Entries with temporary names, which are not
-/// packaged, are left out. The search ends early, without an error, at a folder that cannot be
-/// read.
+/// The refused entries below `folder`, sorted: those that refusalOf() refuses, those that cannot be
+/// read, and those whose names no archive can contain, without the entries below them. Entries with
+/// temporary names, which are not packaged, are left out.
 TAVLEN_API std::vector<RefusedEntry> refusedEntries(const std::filesystem::path& folder);
 
-/// Throws std::system_error with EINVAL, whose text names `entry` and the reason.
+/// Throws std::runtime_error, whose text names `entry` and the reason.
 TAVLEN_API [[noreturn]] void throwRefusal(const std::filesystem::path& entry,
                                           std::string_view reason);
 

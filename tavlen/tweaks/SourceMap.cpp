@@ -139,13 +139,19 @@ SourceMap SourceMap::decoded(std::string_view json) {
 std::optional<TextPosition> SourceMap::sourceOf(TextPosition generated) const {
   SegmentReader reader(mappings_, sourceCount_);
   std::optional<Segment> nearest;
+  std::optional<Segment> next;
   while (const auto segment = reader.next()) {
     const std::size_t line = fromOne(segment->line);
     if (line > generated.line) break;
-    if (line < generated.line || fromOne(segment->column) > generated.column) continue;
+    if (line < generated.line) continue;
     // Segments need not be in order.
-    if (!nearest || segment->column >= nearest->column) nearest = segment;
+    if (fromOne(segment->column) > generated.column) {
+      if (!next || segment->column < next->column) next = segment;
+    } else if (!nearest || segment->column >= nearest->column) {
+      nearest = segment;
+    }
   }
+  if (!nearest) nearest = next;
   if (!nearest || !nearest->hasSource || nearest->source != 0) return std::nullopt;
   return TextPosition{fromOne(nearest->sourceLine), fromOne(nearest->sourceColumn)};
 }

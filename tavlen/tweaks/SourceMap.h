@@ -20,9 +20,9 @@ class TAVLEN_API SourceMap {
   static SourceMap decoded(std::string_view json);
 
   /// The place in the map's first source that the code at `generated` came from: the beginning of
-  /// the piece of source of the nearest segment at or before it in its line. Returns nothing where
-  /// there is no such segment, or where it leads to no source or to another one. Takes a walk over
-  /// the segments up to that line.
+  /// the piece of source of the nearest segment at or before it in its line, or else of the first
+  /// one after it. Returns nothing for a line without segments, and where the segment leads to no
+  /// source or to another one. Takes a walk over the segments up to that line.
   std::optional<TextPosition> sourceOf(TextPosition generated) const;
 
  private:

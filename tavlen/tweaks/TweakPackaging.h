@@ -24,7 +24,7 @@ struct TAVLEN_API Packaging {
 /// TweakFile::package(). Blocks while it converts and copies, and cannot be cancelled. Files keep
 /// their permissions, except for set-user-ID and set-group-ID.
 ///
-/// Throws as TweakFile::package() does, and std::system_error with EINVAL for entries with a
+/// Throws as TweakFile::package() does, and std::runtime_error for entries with a
 /// refusalOf(). After an error the directory holds nothing new and `tweakInfo` is unchanged.
 TAVLEN_API void packageTweak(const TweakFile::Opened& tweak, const Info& target,
                              const Packaging& packaging, TweakInfo& tweakInfo);

@@ -54,6 +54,16 @@ std::optional<std::string> stringProperty(const JavaScriptValue& object, std::st
   return value.isString() ? value.text() : std::nullopt;
 }
 
+/// Whether the property is a getter of the object itself. Does not run it.
+bool hasGetter(const JavaScriptValue& object, std::string_view name) {
+  JavaScriptContext& context = object.context();
+  return context.globalObject()
+      .property("Object")
+      .call("getOwnPropertyDescriptor", {object, context.string(name)})
+      .property("get", JavaScriptValue::Exceptions::ignore)  // there may be no property
+      .isObject();
+}
+
 }  // namespace
 
 TweakProcessor::TweakProcessor(const std::filesystem::path& container)
@@ -66,14 +76,17 @@ bool TweakProcessor::isTranspiler(const std::filesystem::path& container) {
   return false;
 }
 
-TweakProcessor::Output TweakProcessor::convert(std::string_view code) {
+TweakProcessor::Output TweakProcessor::convert(std::string_view code, Map map) {
   const JavaScriptValue result = objs_.call("transpile", {objs_.context().string(code)});
   if (const auto exception = objs_.context().exception()) throw errorOf(*exception);
   if (!result.isObject()) throw Error::invalidOutput();
   std::optional<std::string> output = stringProperty(result, "code");
-  std::optional<std::string> map = stringProperty(result, "map");
-  if (!output || !map) throw Error::invalidOutput();
-  return {std::move(*output), std::move(*map)};
+  if (!output) throw Error::invalidOutput();
+  if (map == Map::leaveOut && hasGetter(result, "map")) return {std::move(*output), {}};
+  std::optional<std::string> mapText = stringProperty(result, "map");
+  if (!mapText) throw Error::invalidOutput();
+  if (map == Map::leaveOut) mapText->clear();
+  return {std::move(*output), std::move(*mapText)};
 }
 
 std::string TweakProcessor::generateCode(std::span<const Hook> hooks) {

@@ -29,8 +29,11 @@ class TAVLEN_API TweakProcessor {
   /// The result of a conversion.
   struct Output {
     std::string code;  ///< JavaScript
-    std::string map;   ///< the source map of `code`, as JSON
+    std::string map;   ///< the source map of `code`, as JSON; empty if it is left out
   };
+
+  /// Whether a caller needs the source map, which takes time to make.
+  enum class Map { make, leaveOut };
 
   /// Loads "ob.js" from the folder `container`. Throws std::system_error if it cannot be read, and
   /// JavaScriptContext::EngineError. If
@@ -42,8 +45,9 @@ class TAVLEN_API TweakProcessor {
   /// std::system_error if it cannot be read, and Error if it threw before defining the global.
   static bool isTranspiler(const std::filesystem::path& container);
 
-  /// Translates hook source. Throws Error.
-  Output convert(std::string_view code);
+  /// Translates hook source. Throws Error. With Map::leaveOut, the transpiler's result must have a
+  /// map, too, but if that is a getter, it is not run.
+  Output convert(std::string_view code, Map map = Map::make);
 
   /// The hook source of `hooks`. Throws EncodingError; see generateHookSource().
   static std::string generateCode(std::span<const Hook> hooks);

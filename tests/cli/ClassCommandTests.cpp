@@ -272,8 +272,8 @@ TEST_F(TypeCommandTest, AnswersEveryLineOfTheInputWithALine) {
       {"i\n\nq", "int\n\nlong long\n"},
       {"{A=dd}\r\n\r\n[4i]\n", "struct A { double field1; double field2; }\n\nint[4]\n"},
       {"-\ni\n@\"\u00E9\"x\n", "\nint\n\n",
-       "-:1:1: error: no type begins with this character\n"
-       "-:3:5: error: the type ends before this character\n"},
+       "standard input:1:1: error: no type begins with this character\n"
+       "standard input:3:5: error: the type ends before this character\n"},
   };
   for (const auto& [input, answers, errors] : rows) {
     write("lines", input);
@@ -327,7 +327,7 @@ TEST_F(TypeCommandTest, PrintsTreesAsJSON) {
   setInput("lines");
   EXPECT_EQ(run("type --json -").out,
             "{\"encoding\":\"i\",\"declaration\":\"int\",\"kind\":\"basic\",\"name\":\"int\"}\n"
-            "\n"
+            "null\n"
             "{\"encoding\":\"(\xEF\xBF\xBD=)\",\"declaration\":\"union \xEF\xBF\xBD\","
             "\"kind\":\"union\",\"name\":\"\xEF\xBF\xBD\",\"types\":[]}\n");
 }

@@ -52,6 +52,7 @@ TEST_F(CommandTest, DoesItsWorkOnTheExamples) {
     const Result build = run("build", {tweak});
     EXPECT_THAT(build.out, HasSubstr("objc_orig(this, arguments);\n"));
     write("new/" + golden + "/code.js", "old");
+    write("new/" + golden + "/code.js.map", R"({"version":3,"sources":[],"mappings":""})");
     const Result written = run("build", {tweak, "-o", "new/" + golden});
     EXPECT_EQ(written.out + written.err + build.err + source.err, "");
     EXPECT_EQ(contents("new/" + golden + "/code.js"), build.out);
@@ -95,11 +96,11 @@ TEST_F(CommandTest, ABadTweakIsNamedInOneLineAndNothingIsWritten) {
     expectRefused(
         command,
         {{"nowhere", 1, "nowhere: no stored tweak or collection has that identifier or name\n"},
-         {"./nowhere", 1, "./nowhere: Not found\n"},
+         {"./nowhere", 1, "./nowhere: No such file or directory\n"},
          {"file", 1,
           "file: no stored tweak or collection has that identifier or name; for the file or folder "
           "here, write ./file\n"},
-         {"./empty", 1, "./empty: Missing Manifest.json\n"},
+         {"./empty", 1, "./empty: has neither Manifest.json nor tweak.toml\n"},
          {"kind/", 1,
           "kind/Manifest.json:1:264: hooks[3].args.-1.type: error: unknown kind \"Foo\"\n"},
          {"./escape", 1,
@@ -201,10 +202,10 @@ TEST_F(CommandTest, APlaceInTheCodeIsLedBack) {
     int status;
     std::string text;
   } cases[] = {
-      {"3:10", 0, "./T/Manifest.json: hooks[1] -[A a]\n    \t\treturn %orig;\n    \t\t       ^\n"},
+      {"3:10", 0, "./T/Manifest.json: hooks[1]: -[A a]\n    \t\treturn %orig;\n    \t\t       ^\n"},
       {"8:25", 0, "./T/script.objs:2:7\n    \t[a b:[c d]];\n    \t     ^\n"},
       {"1:1", 1, "tavlen: error: ./T: 1:1: belongs to no hook and not to the script\n"},
-      {"8:1", 1, "tavlen: error: ./T: 8:1: the source map leads to no place in the source\n"},
+      {"8:1", 0, "./T/script.objs:2:2\n    \t[a b:[c d]];\n    \t^\n"},
       {"9:2", 1, "tavlen: error: ./T: 9:2: the code has no such line or column\n"},
       {"8:0", 2,
        "tavlen: error: LINE:COLUMN: 8:0: expected a line and a column, such as 12:7\n"
@@ -228,8 +229,7 @@ TEST_F(CommandTest, AScriptThatCannotBeReadCountsAsEmpty) {
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(result.out, empty);
   EXPECT_THAT(result.err,
-              StartsWith("./T/script.objs: warning: the script cannot be read and counts as "
-                         "empty: the text is"));
+              StartsWith("./T/script.objs:1:9: warning: is not UTF-8; the script counts as empty"));
 }
 
 TEST_F(CommandTest, CheckWarnsOfWhatIsQuestionable) {
@@ -241,6 +241,7 @@ TEST_F(CommandTest, CheckWarnsOfWhatIsQuestionable) {
       ",null," + hookJSON("set:to:", "zz");
   writeTweak("./T", hooks, R"(,"glyph":{"icon":"tolls","style":"solid"})");
   write("./T/Resources/here", "");
+  write("./T/Executables/r\\x", "");
   write("x/x", "");
   fs::create_directory_symlink("../../x", folder() / "./T/Resources/link");
   fs::create_directory(folder() / "./T/Executables");
@@ -248,7 +249,7 @@ TEST_F(CommandTest, CheckWarnsOfWhatIsQuestionable) {
   writeTweak("broken", "1");
   const Result result = run("check ./T ./broken nowhere", {kGreeting});
   EXPECT_EQ(result.status, 1);
-  EXPECT_EQ(result.out, "./T: 11 warnings\n" + kGreeting + ": ok\n");
+  EXPECT_EQ(result.out, "./T: 12 warnings\n" + kGreeting + ": ok\n");
   const std::string place = "./T/Manifest.json: ";
   const std::string hook = place + "hooks[0].";
   EXPECT_EQ(result.err,
@@ -268,6 +269,7 @@ TEST_F(CommandTest, CheckWarnsOfWhatIsQuestionable) {
                 "hooks[2].signature: warning: \"zz\" is not a method's type encoding\n"
                 "./T/Executables/pipe: warning: neither a file nor a folder, and cannot be "
                 "packaged\n"
+                "./T/Executables/r\\x: warning: no archive can contain an entry of this name\n"
                 "./T/Resources/link: warning: a symbolic link cannot be packaged\n"
                 "./broken/Manifest.json:1:90: hooks[0]: error: expected a dictionary, found a "
                 "number\n"

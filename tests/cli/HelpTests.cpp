@@ -164,6 +164,8 @@ TEST_F(HelpTest, ALineIsCompleted) {
   for (const auto& c : cases) EXPECT_EQ(completions(c.line), c.candidates) << c.line;
   for (const auto& [line, kind] : {std::pair("import ", "files\n"),
                                    {"methods --in zz", "files\n"},
+                                   {"new X --app zz", "files\n"},
+                                   {"diff Morning Mo", "files\nMorning\n"},
                                    {"build X -o ", "folders\n"}})
     EXPECT_EQ(run("complete --line --", {"tavlen " + std::string(line)}).out, kind);
 }

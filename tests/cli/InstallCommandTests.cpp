@@ -102,7 +102,7 @@ TEST_F(InstallCommandTest, AFailureIsShownAtItsPlace) {
                                     "    transpile@ob.js:1:[0-9]+\n"));
   write("share/ob.js", "1");
   EXPECT_THAT(run("install good --transpiler share").err,
-              EndsWith("tavlen: error: share/ob.js: does not define OBJSTranspiler\n"));
+              EndsWith("share/ob.js: error: does not define OBJSTranspiler\n"));
   write("share/ob.js", "f(");
   EXPECT_THAT(run("install good --transpiler share").err,
               HasSubstr("tavlen: error: the transpiler failed: SyntaxError: "));
@@ -165,7 +165,7 @@ TEST_F(ArchiveCommandTest, AFailureIsOneLineAndChangesNothing) {
                 {{"export A -o old.tvx", 1, "old.tvx: already exists; use --force to replace it\n"},
                  {"export A -o nowhere/a.tvx", 1, "nowhere/a.tvx: No such file or directory\n"},
                  {"import nowhere.tvx", 1, "nowhere.tvx: No such file or directory\n"},
-                 {"import old.zip", 1, "old.zip: Unknown tweak type\n"},
+                 {"import old.zip", 1, "old.zip: No such file or directory\n"},
                  {"import folder.tvx", 1, "folder.tvx: Is a directory\n"},
                  {"import old.tvx", 1, "old.tvx: "}});
   EXPECT_EQ(contents("old.tvx"), "old");

@@ -23,19 +23,20 @@ TEST_F(CommandStoreTest, NewMakesATweakOrSaysWhatIsWrong) {
               StartsWith("tavlen: warning: com.gone: no app with that identifier"));
   EXPECT_THAT(run("new B --app com.example.note").err,
               EndsWith("did you mean \"com.example.notes\"?\n"));
-  expectRefused("new", {{"B --app x", 1, "B: the item "},
-                        {"A --app x --glyph tolls", 2,
-                         "--glyph: unknown glyph \"tolls/solid\"; did you mean tools/solid?\n"},
-                        {"A --app x --glyph apple/solid", 2,
-                         "--glyph: unknown glyph \"apple/solid\"; did you mean apple/brands?\n"},
-                        {"A --app x --glyph /", 2, "--glyph: unknown glyph \"/\"\n"},
-                        {"A --app x --color blue", 2,
-                         "--color: unknown value \"blue\"; known are lightGreen,"},
-                        {"\xFF --app x", 2, "NAME: it is not UTF-8\n"},
-                        {"'' --app x", 2, "NAME: it is empty\n"},
-                        {"A --app ./gone.app", 1, "./gone.app: No such file or directory\n"},
-                        {"A --app gone.ipa", 1, "gone.ipa: no such file, and no app has this"},
-                        {"A", 2, "--app is missing\n"}});
+  expectRefused(
+      "new",
+      {{"B --app x", 1, "B: the item "},
+       {"A --app x --glyph tolls", 2,
+        "--glyph: unknown glyph \"tolls/solid\"; did you mean \"tools/solid\"?\n"},
+       {"A --app x --glyph apple/solid", 2,
+        "--glyph: unknown glyph \"apple/solid\"; did you mean \"apple/brands\"?\n"},
+       {"A --app x --glyph /", 2, "--glyph: unknown glyph \"/\"\n"},
+       {"A --app x --color blue", 2, "--color: unknown value \"blue\"; known are lightGreen,"},
+       {"\xFF --app x", 2, "NAME: it is not UTF-8\n"},
+       {"'' --app x", 2, "NAME: it is empty\n"},
+       {"A --app ./gone.app", 1, "./gone.app: No such file or directory\n"},
+       {"A --app gone.ipa", 1, "gone.ipa: no such file, and no app has this"},
+       {"A", 2, "--app is missing\n"}});
   EXPECT_EQ(std::distance(fs::directory_iterator(folder() / stored("")), {}), 3)
       << "what is refused makes nothing";
 }
@@ -114,12 +115,12 @@ TEST_F(CommandStoreTest, ItemsGoByIdentifierNameOrPath) {
           "\"ABCD\"?\n"},
          {"My", 1, "My: several items have that name; name one by its identifier\nIDENTIFIER "},
          {"abcd", 1, "abcd: several identifiers begin like that; write more of one\nIDENTIFIER  "},
-         {"./BAD", 1, "./BAD: Not found\n"},
-         {"./tree", 1, "./tree: Missing Manifest.json\n"}});
+         {"./BAD", 1, "./BAD: No such file or directory\n"},
+         {"./tree", 1, "./tree: has neither Manifest.json nor tweak.toml\n"}});
   }
   EXPECT_THAT(run("show My").err, ContainsRegex(installed + "  My    com.example.notes  20..-..-.. "
                                                             "..:..  yes\n"));
-  EXPECT_THAT(run("show --json My").err, HasSubstr("by its identifier: "));
+  EXPECT_THAT(run("show --json My").err, HasSubstr(R"("candidates":[{"name":"My","bundleID":")"));
   newTweak("ABCD");
   EXPECT_EQ(run("show ABCD").err, "") << "a name goes before the beginning of an identifier";
   EXPECT_EQ(run("build Both").err, kError + "Both: is a collection, not a tweak\n");

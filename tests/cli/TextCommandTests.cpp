@@ -162,6 +162,7 @@ TEST_F(TextCommandTest, ATweakIsReadInAnyForm) {
   EXPECT_EQ(shell("ls -A | grep Temporary").out, "") << "nothing is left";
   EXPECT_THAT(run("locate ./T 2:3").out, StartsWith("./T/tweak.toml:6:10: -[A a]\n"
                                                     "    method = \"-[A a]\"\n             ^\n"));
+  EXPECT_THAT(run("locate ./T 4:1").out, StartsWith("./T/tweak.toml:8:10: -[A a]\n"));
   const std::string code = run("build ./T").out;
   const std::string before = code.substr(0, code.find("one("));
   const auto scriptLine = 1 + std::count(before.begin(), before.end(), '\n');
@@ -172,8 +173,9 @@ TEST_F(TextCommandTest, ATweakIsReadInAnyForm) {
   const Result broken = run("check ./T");
   EXPECT_THAT(broken.err, StartsWith("./T/tweak.toml:8:10: warning: the resource \"i\" is missing\n"
                                      "./T/s:1:5: error: expected ';' or an operator\n"));
-  EXPECT_THAT(run("apply ./T").err,
-              HasSubstr("\n./T/s:1:5: warning: expected ';' or an operator\n"));
+  EXPECT_THAT(
+      run("apply ./T").err,
+      HasSubstr("\n./T/s:1:5: warning: expected ';' or an operator; the tweak will not build\n"));
   write("T/Manifest.json", "{}");
   EXPECT_THAT(run("source ./T").err, HasSubstr("./T/Manifest.json:1:1: error: missing key"));
   const char* editing[] = {"hook add T/tweak.toml '-[A c]' --signature v16@0:8",
@@ -216,9 +218,9 @@ TEST_F(TextCommandTest, DiffComparesAnyTwoForms) {
   EXPECT_EQ(run("diff ./U ./T").out,
             "changed glyph: { icon = \"a/b\", style = \"c\" } -> \"a/b/c\"\n"
             "changed hook -[A a]\n    return: 0.0 -> -0.0\nchanged file Resources/i\n");
-  fs::create_directory_symlink("/etc", folder() / "U/Executables");
+  fs::create_symlink("nowhere", folder() / "U/Executables");
   EXPECT_EQ(run("source ./U").err,
-            "./U/Executables: warning: is not a file of the folder, and is left out\n");
+            "./U/Executables: warning: the entry is not a file of the folder and is left out\n");
   writeText("colour = 1\n");
   const Result trouble = run("diff T.tvx ./T");
   EXPECT_EQ(trouble.status, 2);

@@ -83,13 +83,11 @@ TEST_F(TweakPackagingTest, AFailureLeavesNothing) {
       {[](const auto&) { tweak("T", "bad"); }, "Error: bad\n\nCall stack:\ntranspile@"},
       {[](const auto& folder) { fs::remove(path(folder + "Manifest.json")); },
        "Missing Manifest.json"},
-      {linked("Resources", "/secret"),
-       "/T/Resources: a symbolic link cannot be packaged: Invalid arg"},
-      {linked("Resources/a/link", "b"),
-       "/T/Resources/a/link: a symbolic link cannot be packaged: "},
+      {linked("Resources", "/secret"), "/T/Resources: a symbolic link cannot be packaged"},
+      {linked("Resources/a/link", "b"), "/T/Resources/a/link: a symbolic link cannot be packaged"},
       {linked("Executables/link", path("secret")),
-       "/T/Executables/link: a symbolic link cannot be packaged: "},
-      {linked("Icon.png", "/Icon.png"), "/T/Icon.png: a symbolic link cannot be packaged: "},
+       "/T/Executables/link: a symbolic link cannot be packaged"},
+      {linked("Icon.png", "/Icon.png"), "/T/Icon.png: a symbolic link cannot be packaged"},
       {[](const auto& folder) {
          fs::create_directory(path(folder + "Resources"));
          ::mkfifo(path(folder + "Resources/pipe").c_str(), 0600);

@@ -135,6 +135,18 @@ TEST_F(TweakProcessorTest, AResultOfAnotherShapeIsInvalid) {
   EXPECT_EQ(errorOf(processor), "none: 2");
 }
 
+TEST_F(TweakProcessorTest, AMapThatIsLeftOutIsNotMadeButMustBeThere) {
+  const auto output = [&](const std::string& result) {
+    TweakProcessor processor = processorOf(transpiler("return { code: 'c'" + result + " };"));
+    const auto made = processor.convert("", TweakProcessor::Map::leaveOut);
+    return made.code + made.map;
+  };
+  EXPECT_EQ(output(", get map() { throw new Error('made'); }"), "c");
+  EXPECT_EQ(output(", map: 'm'"), "c");
+  for (const char* result : {"", ", map: 5", ", set map(value) {}"})
+    EXPECT_THROW(output(result), Error) << result;
+}
+
 TEST_F(TweakProcessorTest, TheFirstExceptionIsReportedForEver) {
   // The thrown object shows how often transpile was called until now.
   const std::string first = "{ name: 'First', get message() { return calls; } }";

@@ -1,12 +1,11 @@
 import { lineStarts } from "./lines.mjs";
-import { Mappings } from "./mappings.mjs";
 
 const BLANKS = /^[ \t]+$/;
 
 // No edit adds or removes a line break, so each generated token is on the same
 // line as in the source. Only columns change, by `shift` on the current line.
 class Emitter {
-  constructor(source) {
+  constructor(source, mappings) {
     this.source = source;
     this.lines = lineStarts(source);
     this.lines.push(Infinity);
@@ -14,7 +13,7 @@ class Emitter {
     this.shift = 0;
     this.code = "";
     this.copied = 0;
-    this.mappings = new Mappings();
+    this.mappings = mappings;
   }
 
   moveTo(offset) {
@@ -40,7 +39,7 @@ class Emitter {
   }
 
   mark(offset) {
-    this.mappings.add(this.line, offset - this.lines[this.line], this.shift);
+    if (this.mappings) this.mappings.add(this.line, offset - this.lines[this.line], this.shift);
   }
 
   applyEdit(edit, previousEnd, start, end) {
@@ -63,10 +62,10 @@ class Emitter {
   }
 }
 
-// Returns the code and the "mappings" of its source map. `starts` and `ends` are
-// the offsets of the tokens.
-export function emit(source, starts, ends, edits) {
-  const emitter = new Emitter(source);
+// Returns the code, and adds the tokens to `mappings` unless it is null. `starts`
+// and `ends` are the offsets of the tokens.
+export function emit(source, starts, ends, edits, mappings) {
+  const emitter = new Emitter(source, mappings);
   let previousEnd = 0;
   for (let i = 0; i < starts.length; i++) {
     const start = starts[i];
@@ -74,9 +73,9 @@ export function emit(source, starts, ends, edits) {
     if (start >= emitter.lines[emitter.line + 1]) emitter.moveTo(start);
     if (edit) emitter.applyEdit(edit, previousEnd, start, ends[i]);
     // The end of the source and the empty text of a template are empty tokens.
-    else if (ends[i] > start) emitter.mark(start);
+    else if (mappings && ends[i] > start) emitter.mark(start);
     previousEnd = ends[i];
   }
   emitter.copyTo(source.length);
-  return { code: emitter.code, mappings: emitter.mappings.toString() };
+  return emitter.code;
 }

@@ -1,5 +1,6 @@
 import { emit } from "./emit.mjs";
 import { syntaxError } from "./errors.mjs";
+import { Mappings } from "./mappings.mjs";
 import { HookParser } from "./parser.mjs";
 
 const SOURCE_NAME = "tweak.objs";
@@ -8,9 +9,16 @@ export function transpile(source) {
   if (typeof source !== "string") throw new TypeError("The hook source must be a string");
   const parser = new HookParser({ ecmaVersion: "latest", sourceType: "script" }, source);
   parse(parser, source);
-  const { code, mappings } = emit(source, parser.starts, parser.ends, parser.edits);
-  const map = { version: 3, sources: [SOURCE_NAME], sourcesContent: [source], names: [], mappings };
-  return { code, map: JSON.stringify(map) };
+  const { starts, ends, edits } = parser;
+  return {
+    code: emit(source, starts, ends, edits, null),
+    // Made when it is read, in a second pass: most callers have no use for it.
+    get map() {
+      const mappings = new Mappings();
+      emit(source, starts, ends, edits, mappings);
+      return JSON.stringify({ version: 3, sources: [SOURCE_NAME], sourcesContent: [source], names: [], mappings: mappings.toString() });
+    },
+  };
 }
 
 function parse(parser, source) {

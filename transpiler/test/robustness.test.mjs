@@ -27,6 +27,22 @@ test("takes long chains and lists in its stride", () => {
   }
 });
 
+test("takes time in proportion to the number of functions", () => {
+  const source = (count) => Array.from({ length: count }, (_, i) => `const c${i} = [a b:@${i}];\nfunction f${i}(x) { return [x c${i}:f${i >> 1}] }\n`).join("");
+  const bestTime = (count) => {
+    const text = source(count);
+    const times = Array.from({ length: 3 }, () => {
+      const start = process.hrtime.bigint();
+      assert.ok(transpile(text).map);
+      return Number(process.hrtime.bigint() - start);
+    });
+    return Math.min(...times);
+  };
+  bestTime(1000);
+  const ratio = bestTime(10000) / bestTime(1000);
+  assert.ok(ratio < 30, `ten times the source took ${ratio} times as long`); // a square takes 100
+});
+
 // A small pseudo-random generator, so that every run has the same mutations.
 function generator(seed) {
   let state = seed;

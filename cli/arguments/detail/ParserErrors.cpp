@@ -123,6 +123,15 @@ std::string unexpectedArgument(const std::string& word) {
   return "unexpected argument \"" + word + "\"";
 }
 
+/// The name by which `words` have the option.
+std::string writtenName(const CLI::Option& option, const std::vector<std::string>& words) {
+  const auto nameIn = [](const std::string& word) { return word.substr(0, word.find('=')); };
+  const auto found = std::find_if(words.begin(), words.end(), [&](const std::string& word) {
+    return word.starts_with('-') && option.check_name(nameIn(word));
+  });
+  return found == words.end() ? titleOf(option) : nameIn(*found);
+}
+
 bool isOption(const std::string& word) { return word.starts_with('-') && !word.starts_with("-["); }
 
 /// The commands that the user had chosen before `word`. The parser takes a later word for the
@@ -152,13 +161,13 @@ UsageError unexpected(const std::string& word, const CLI::App& app, const Parser
 
 }  // namespace
 
-void refuseStrayArguments(const CLI::App& app) {
+void refuseStrayArguments(const CLI::App& app, const std::vector<std::string>& words) {
   const std::vector<const CLI::App*> path = chosenPath(app);
   for (std::size_t i = 1; i + 1 < path.size(); ++i) {
     for (const CLI::Option* option : optionsOf(*path[i])) {
       if (!isGiven(option)) continue;
       throw UsageError(option->nonpositional()
-                           ? unexpectedOption(titleOf(*option), app)
+                           ? unexpectedOption(writtenName(*option, words), app)
                            : unexpectedArgument(unmarked(option->results().front())));
     }
   }

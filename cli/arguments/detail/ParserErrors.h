@@ -18,7 +18,8 @@ UsageError usageError(const CLI::App& app, const ParserState& state,
                       const std::vector<std::string>& words, const CLI::ParseError& error);
 
 /// Throws UsageError for an argument of a command of which a subcommand was chosen: the parser
-/// passes on what the subcommand does not know. Those of `app` itself are for all commands.
-void refuseStrayArguments(const CLI::App& app);
+/// passes on what the subcommand does not know. Those of `app` itself are for all commands. `words`
+/// are the user's.
+void refuseStrayArguments(const CLI::App& app, const std::vector<std::string>& words);
 
 }  // namespace tavlen::cli

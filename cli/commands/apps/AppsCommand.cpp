@@ -1,5 +1,3 @@
-#include <algorithm>
-#include <compare>
 #include <exception>
 #include <memory>
 #include <optional>
@@ -19,7 +17,7 @@
 #include "tavlen/foundation/base/FunctionRef.h"
 #include "tavlen/foundation/plist/PropertyListDecoder.h"
 #include "tavlen/foundation/text/EscapedText.h"
-#include "tavlen/foundation/text/TextComparison.h"
+#include "tavlen/foundation/text/NameSort.h"
 #include "tavlen/foundation/text/Unicode.h"
 
 namespace tavlen::cli {
@@ -83,9 +81,9 @@ std::vector<Row> readRows() {
 }
 
 void sortByName(std::vector<Row>& rows) {
-  std::stable_sort(rows.begin(), rows.end(), [](const Row& left, const Row& right) {
-    return std::is_lt(localizedCaseInsensitiveCompare(left.name, right.name));
-  });
+  sortByLocalizedName(
+      rows, [](const Row& row) -> const std::string& { return row.name; },
+      [](const Row&, const Row&) { return false; });
 }
 
 std::string table(const std::vector<Row>& rows) {

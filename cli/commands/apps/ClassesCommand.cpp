@@ -54,6 +54,7 @@ void writeHeadersOf(const ClassDump& dump, const std::string& folder) {
 }
 
 int listClasses(const Options& options) {
+  if (options.headers) requireHeaderFolder(options.folder);
   ClassDump dump = dumpClasses(options.image);
   keepMatching(dump, options.pattern);
   if (options.headers) {
@@ -90,7 +91,10 @@ void addClassesCommand(Command app) {
   const auto problem = [](const std::string& text) {
     return text == "-" ? "headers are files in a folder, not one stream" : "";
   };
-  Option folder = command.text("-o,--output", options->folder, "The folder; created if missing")
+  Option folder = command
+                      .text("-o,--output", options->folder,
+                            "The folder: a new or empty one, or one with the headers of an "
+                            "earlier run, which are replaced")
                       .notEmpty()
                       .check(problem)
                       .typeName("DIR");

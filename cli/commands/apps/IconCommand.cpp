@@ -7,10 +7,13 @@
 #include <tuple>
 
 #include "cli/arguments/AppArgument.h"
+#include "cli/arguments/ArchiveFile.h"
 #include "cli/arguments/StoredItem.h"
 #include "cli/arguments/UsageError.h"
 #include "cli/classes/AppForReading.h"
 #include "cli/commands/Commands.h"
+#include "cli/terminal/PlacedError.h"
+#include "cli/terminal/ReportedError.h"
 #include "cli/terminal/ShownText.h"
 #include "cli/tweaks/TweakForReading.h"
 #include "tavlen/bundles/InfoManager.h"
@@ -69,11 +72,19 @@ Image iconOfTweak(const Options& options) {
   if (options.name) {
     throw std::runtime_error(options.subject + ": is a tweak; only apps have icons with names");
   }
-  try {
-    return tweakForReading(options.subject).file->displayedIcon();
-  } catch (const std::runtime_error& error) {
-    throw std::runtime_error(errorText(error) + appSuggestion(options.subject));
-  }
+  const OpenedTweak tweak = [&] {
+    try {
+      return tweakForReading(options.subject);
+    } catch (const PlacedError&) {
+      throw;
+    } catch (const ReportedError&) {
+      throw;
+    } catch (const std::runtime_error& error) {
+      throw std::runtime_error(errorText(error) + appSuggestion(options.subject));
+    }
+  }();
+  if (const auto own = tweak.file->customIcon()) return *own;
+  return appWithBundleID(tweak.manifest.configuration.bundleID)->infoManager().icon();
 }
 
 int writeIcon(const Options& options) {

@@ -1,9 +1,11 @@
 #include <algorithm>
+#include <charconv>
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <tuple>
 #include <vector>
 
@@ -50,6 +52,18 @@ struct DeclarationRow {
   }
 };
 
+/// The offset of a number of elements that does not fit in 64 bits, which the parser would wrap.
+std::optional<std::size_t> overlargeCount(std::string_view encoding) {
+  for (std::size_t at = encoding.find('['); at != encoding.npos; at = encoding.find('[', at)) {
+    ++at;
+    std::uint64_t count = 0;
+    const auto [end, error] =
+        std::from_chars(encoding.data() + at, encoding.data() + encoding.size(), count);
+    if (error == std::errc::result_out_of_range) return at;
+  }
+  return std::nullopt;
+}
+
 /// Prints declarations, and errors of encodings on the standard error stream.
 class Answers {
  public:
@@ -76,7 +90,7 @@ class Answers {
     Diagnostic message = {.severity = isError ? Diagnostic::kError : Diagnostic::kWarning,
                           .message = text};
     if (line_) {
-      message.file = "-";
+      message.file = shownInput("-");
       message.line = line_;
       message.column = column;
     } else if (position) {
@@ -112,6 +126,10 @@ class Answers {
       report(true, encoding, fault,
              *fault == encoding.size() ? "the text ends before the type does"
                                        : "no type has this character here");
+      return std::nullopt;
+    }
+    if (const auto place = overlargeCount(encoding)) {
+      report(true, encoding, place, "the number of elements is too large");
       return std::nullopt;
     }
     if (!options_.json) return escapedForTerminal(type->description());
@@ -155,7 +173,8 @@ int answerInput(const Options& options) {
   forEachInputLine(
       [&](std::string_view line) {
         ++count;
-        if (!line.empty()) out += answers.to(line, count).value_or("");
+        const auto answer = line.empty() ? std::nullopt : answers.to(line, count);
+        out += answer.value_or(options.json ? "null" : "");
         out += '\n';
         if (out.size() >= kEnough) print();
       },
@@ -190,8 +209,10 @@ void addTypeCommand(Command app) {
       .utf8()
       .check(methodProblem)
       .typeName("METHOD");
-  command.flag("--json", options->json,
-               "Print a JSON array of type trees, or of methods; with \"-\", one object a line");
+  command.flag(
+      "--json", options->json,
+      "Print a JSON array of type trees, or of methods; with \"-\", one object a line; null for "
+      "a malformed encoding");
   command.run([options] {
     const bool readsInput = options->encodings.size() == 1 && options->encodings.front() == "-";
     return readsInput ? answerInput(*options) : answerArguments(*options);

@@ -1,20 +1,26 @@
+#include <exception>
 #include <filesystem>
 #include <memory>
+#include <stdexcept>
 #include <string>
-#include <system_error>
 
 #include "cli/arguments/TranspilerOption.h"
 #include "cli/commands/Commands.h"
 #include "cli/terminal/Console.h"
+#include "cli/terminal/NewFolder.h"
 #include "cli/terminal/ShownText.h"
 #include "cli/tweaks/Transpilation.h"
 #include "cli/tweaks/TweakCheck.h"
 #include "cli/tweaks/TweakForReading.h"
 #include "tavlen/foundation/files/FileReplacement.h"
+#include "tavlen/foundation/files/FileSystem.h"
+#include "tavlen/tweaks/SourceMap.h"
 
 namespace tavlen::cli {
 
 namespace {
+
+namespace fs = std::filesystem;
 
 constexpr const char* kStandardOutput = "-";
 
@@ -35,24 +41,52 @@ struct Built {
   }
 };
 
+constexpr const char* kCodeFile = "code.js";
+constexpr const char* kMapFile = "code.js.map";
+
+bool isSourceMap(const fs::path& file) {
+  try {
+    SourceMap::decoded(readFile(file));
+    return true;
+  } catch (const std::exception&) {
+    return false;
+  }
+}
+
+/// Throws if the folder has one of the files, and no source map as build writes it.
+void requireOwnFiles(const fs::path& folder) {
+  const fs::path map = folder / kMapFile;
+  for (const fs::path& file : {folder / kCodeFile, map}) {
+    if (fs::is_regular_file(file) && !isSourceMap(map))
+      throw std::runtime_error(file.string() + ": already exists, and build did not write it: " +
+                               map.string() + " is no source map");
+  }
+}
+
 /// Writes both files to the disk before either is renamed into place: code and map must match.
-Built write(const TweakProcessor::Output& output, const std::filesystem::path& folder) {
-  std::error_code error;
-  std::filesystem::create_directories(folder, error);
-  if (error) throw std::system_error(error, folder.string());
-  const std::filesystem::path codeFile = folder / "code.js";
-  const std::filesystem::path mapFile = folder / "code.js.map";
-  FileReplacement code(codeFile, output.code);
-  FileReplacement map(mapFile, output.map);
+void writeInto(const fs::path& folder, const TweakProcessor::Output& output) {
+  FileReplacement code(folder / kCodeFile, output.code);
+  FileReplacement map(folder / kMapFile, output.map);
   code.commit();
   map.commit();
-  return {codeFile.string(), mapFile.string()};
+}
+
+Built write(const TweakProcessor::Output& output, const fs::path& folder) {
+  if (fs::is_directory(folder)) {
+    writeInto(folder, output);
+  } else {
+    makeFolder(folder, [&](const fs::path& draft) { writeInto(draft, output); });
+  }
+  return {(folder / kCodeFile).string(), (folder / kMapFile).string()};
 }
 
 int build(const Options& options) {
   const OpenedTweak tweak = openTweak(options.tweak);
   printWarnings(tweak);
-  const auto output = transpile(tweak, transpilerFolder(options.transpiler));
+  const bool printsCode = options.output == kStandardOutput && !options.json;
+  const auto output =
+      transpile(tweak, transpilerFolder(options.transpiler),
+                printsCode ? TweakProcessor::Map::leaveOut : TweakProcessor::Map::make);
   if (!output) {
     printError(tweak.argument + ": does not build");
     return 1;
@@ -61,6 +95,7 @@ int build(const Options& options) {
     printData(options.json ? shownJSON(Built{output->code, output->map}) + "\n" : output->code);
     return 0;
   }
+  requireOwnFiles(options.output);
   const Built files = write(*output, options.output);
   if (options.json) printJSON(files);
   return 0;
@@ -74,7 +109,8 @@ void addBuildCommand(Command app) {
   command.text("TWEAK", options->tweak, kReadTweakHelp).required().notEmpty();
   command
       .text("-o,--output", options->output,
-            "The folder for code.js and code.js.map; - to print the code, the default")
+            "The folder for code.js and code.js.map, which replace those of an earlier build; - to "
+            "print the code, the default")
       .typeName("DIR")
       .notEmpty();
   command.flag("--json", options->json,

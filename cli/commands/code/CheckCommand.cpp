@@ -72,7 +72,9 @@ class Check {
       const OpenedTweak tweak = opened(argument);
       printWarnings(tweak);
       if (options_.hasClasses || !options_.image.image.empty()) checkClasses(tweak);
-      builds = transpile(tweak, transpilerFolder(options_.transpiler)).has_value();
+      builds =
+          transpile(tweak, transpilerFolder(options_.transpiler), TweakProcessor::Map::leaveOut)
+              .has_value();
       if (!builds && !options_.json) printError(argument + ": does not build");
     } catch (const std::exception& error) {
       reportError(error);
@@ -95,13 +97,9 @@ class Check {
     } catch (const ReportedError&) {
       throw;
     } catch (const std::exception& error) {
-      const std::string text = errorText(error);
-      const std::string start = argument + ": ";
-      if (!options_.json || !isItemPath(argument) || !text.starts_with(start)) throw;
-      throw PlacedError({.severity = Diagnostic::kError,
-                         .message = text.substr(start.size()),
-                         .file = argument,
-                         .code = "unreadable-tweak"});
+      if (!options_.json || !isItemPath(argument) || !errorText(error).starts_with(argument + ": "))
+        throw;
+      throw fileError(argument, error, kUnreadableTweakCode);
     }
   }
 

@@ -55,7 +55,7 @@ void checkMembers(const OpenedItem& item, const Tweaks& tweaks, const std::strin
 bool showsSyntaxError(const Tweaks& tweaks, const std::filesystem::path& transpiler) {
   return std::any_of(tweaks.begin(), tweaks.end(), [&](const auto& tweak) {
     const OpenedTweak opened = openTweak(std::filesystem::absolute(tweak.file->url()).string());
-    if (transpile(opened, transpiler)) return false;
+    if (transpile(opened, transpiler, TweakProcessor::Map::leaveOut)) return false;
     printError(opened.folder + ": does not build");
     return true;
   });
@@ -68,7 +68,7 @@ int install(const Options& options) {
   const InstallableItem installable(item, transpiler, options.copyExecutables);
   checkMembers(item, installable.tweaks(), options.item);
   for (const TweakFile::Opened& tweak : installable.tweaks())
-    printWarnings(tweak, tweak.file->url().string());
+    printWarningsOfInstallation(tweak, options.copyExecutables);
   try {
     setActiveTweak(*ipa, &installable);
   } catch (const TweakProcessor::Error&) {

@@ -79,7 +79,8 @@ TextPosition sourcePlace(const Options& options, const TweakProcessor::Output& o
 int locate(const Options& options) {
   const OpenedTweak tweak = openTweak(options.tweak);
   const TweakSource source(tweak.manifest.hooks(), tweak.script);
-  const auto output = transpile(tweak, source, transpilerFolder(options.transpiler));
+  const auto output =
+      transpile(tweak, source, transpilerFolder(options.transpiler), TweakProcessor::Map::make);
   if (!output) {
     printError(tweak.argument + ": does not build");
     return 1;
@@ -91,8 +92,12 @@ int locate(const Options& options) {
                              ": belongs to no hook and not to the script");
   }
   const auto* hook = std::get_if<TweakSource::HookPlace>(&*origin);
-  const Diagnostic found = hook != nullptr ? atHook(tweak, hook->hook)
-                                           : atScript(tweak, std::get<TextPosition>(*origin));
+  const auto atHookPlace = [&] {
+    const std::size_t offset = offsetAt(source.text(), place).value();
+    return atHookText(tweak, hook->hook, offset - source.entryBefore(offset)->begin);
+  };
+  const Diagnostic found =
+      hook != nullptr ? atHookPlace() : atScript(tweak, std::get<TextPosition>(*origin));
   std::optional<std::string> method;
   if (hook != nullptr) method = methodText(tweak.manifest.hooks().at(hook->hook).identity());
   if (options.json) {
@@ -105,7 +110,7 @@ int locate(const Options& options) {
               tweak.text->excerptAt({found.line.value(), found.column.value()}));
     return 0;
   }
-  printData(shownLine(placeText(found)) + "\n" +
+  printData(shownLine(placeText(found) + (method ? ": " + *method : "")) + "\n" +
             caretLine(lineAt(source.text(), place.line), place.column));
   return 0;
 }
@@ -125,7 +130,8 @@ void addLocateCommand(Command app) {
         return placeFrom(text) ? "" : text + ": expected a line and a column, such as 12:7";
       });
   command.flag("--json", options->json,
-               "Print a JSON object: the file and the place in it, and the method of a hook");
+               "Print a JSON object: the file, the place or the line and column in it, and the "
+               "method of a hook");
   addTranspilerOption(command, options->transpiler);
   command.run([options] { return locate(*options); });
 }

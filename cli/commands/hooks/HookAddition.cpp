@@ -70,6 +70,7 @@ ImageArgument imagesFor(const Options& options) {
   try {
     // By its path: the identifier in a tweak from elsewhere must not name a file to load.
     images.image = appWithBundleID(app)->appDir().string();
+    images.bundleID = app;
   } catch (const std::exception& error) {
     throw std::runtime_error(options.tweak +
                              ": without --in or --signature, the method's types come from the "

@@ -11,6 +11,7 @@
 #include "cli/arguments/WithPlace.h"
 #include "cli/terminal/Diagnostic.h"
 #include "cli/terminal/ShownText.h"
+#include "cli/tweaks/TextInput.h"
 #include "cli/tweaks/TweakResources.h"
 #include "tavlen/device/DeviceFiles.h"
 #include "tavlen/parameters/ParameterPath.h"
@@ -70,15 +71,15 @@ std::vector<ResourceImport> startImports(const std::vector<TypedValue>& values,
   return importResources(withFiles, tweak, replaces);
 }
 
-void warnOfMissingResources(const ParamTarget& target, const TweakFile& tweak,
+void warnOfMissingResources(const ParamTarget& target, const OpenedTweak& tweak,
                             const Parameter& parameter) {
   forEachParameter(parameter, [&](const Parameter& each, const ParameterPath& /*path*/) {
     const std::string* const name = resourceNameIn(each);
-    if (name == nullptr || hasResource(tweak, *name)) return;
+    if (name == nullptr || hasResource(*tweak.file, *name)) return;
     print({.severity = Diagnostic::kWarning,
            .message =
                "the resource \"" + *name + "\" is missing, so param set would refuse the value",
-           .file = target.tweak,
+           .file = tweak.text ? tweak.text->file : tweak.pathOf(kDocumentFile),
            .place = target.hook + (target.address.empty() ? "" : ": " + target.address),
            .code = "missing-resource"});
   });

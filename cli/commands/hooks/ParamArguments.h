@@ -10,6 +10,7 @@
 #include "cli/arguments/StoredItem.h"
 #include "cli/arguments/TypedValue.h"
 #include "cli/tweaks/ResourceImport.h"
+#include "cli/tweaks/TweakForReading.h"
 #include "tavlen/editing/HookManager.h"
 #include "tavlen/foundation/base/FunctionRef.h"
 
@@ -67,7 +68,7 @@ std::vector<ResourceImport> startImports(const std::vector<TypedValue>& values,
 
 /// Warns of each file in `parameter`, of the tweak of `target`, that is not in its resources:
 /// its printed form cannot be read back.
-void warnOfMissingResources(const ParamTarget& target, const TweakFile& tweak,
+void warnOfMissingResources(const ParamTarget& target, const OpenedTweak& tweak,
                             const Parameter& parameter);
 
 /// Lets `edit` change the hook of `target`, stores it and prints what `edit` returns if JSON was

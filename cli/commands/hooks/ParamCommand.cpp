@@ -78,11 +78,11 @@ Action getAction(const ParamTarget& target) {
       const Hook hook = hookArgument(tweak.opened(), target.hook).hook();
       if (address) {
         const Parameter& parameter = parameterAt(hook, *address);
-        warnOfMissingResources(target, *tweak.file, parameter);
+        warnOfMissingResources(target, tweak, parameter);
         return shown(parameter, target.json);
       }
       for (const auto& entry : hook._args)
-        warnOfMissingResources(target, *tweak.file, entry.second.value);
+        warnOfMissingResources(target, tweak, entry.second.value);
       return shown(hook, target.json);
     }));
     return 0;

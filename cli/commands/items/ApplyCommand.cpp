@@ -63,7 +63,11 @@ TextInput checkedInput(const std::string& text, const fs::path& target) {
   TextInput input = readTextInput(text);
   for (const Diagnostic& warning : warningsFor(input, target)) print(warning);
   // It is stored nevertheless, as scripts are.
-  if (const auto error = conversionErrorOf(input)) print(asWarning(*error));
+  if (const auto error = conversionErrorOf(input)) {
+    Diagnostic warning = asWarning(*error);
+    warning.message += "; the tweak will not build";
+    print(warning);
+  }
   return input;
 }
 

@@ -1,8 +1,11 @@
+#include <cerrno>
 #include <exception>
 #include <filesystem>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <vector>
 
 #include "cli/arguments/StoredItem.h"
@@ -18,6 +21,7 @@
 #include "tavlen/device/DeviceRoot.h"
 #include "tavlen/foundation/coding/CodingError.h"
 #include "tavlen/foundation/files/FileReplacement.h"
+#include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/foundation/files/TemporaryDirectory.h"
 #include "tavlen/store/TweakManager.h"
 
@@ -59,6 +63,11 @@ std::shared_ptr<TweakProtocol> decompressed(const std::string& archive, Progress
 
 std::shared_ptr<TweakProtocol> importedItem(const std::string& file) {
   const bool isStream = file == "-";
+  if (!isStream && !TweakManager::canHandle(file)) {
+    if (!isTaken(file)) throw std::system_error(ENOENT, std::generic_category(), file);
+    throw std::runtime_error(
+        "is not named as an archive of a tweak (.tvx) or a collection (.tvxc)");
+  }
   const std::string bytes = isStream ? readInput(file) : "";
   // Before the progress line, which would keep signals from ending the wait.
   const StoreLock lock = StoreLock::ofStore();
@@ -83,7 +92,8 @@ std::shared_ptr<TweakProtocol> import(const std::string& file) {
   } catch (const std::exception& error) {
     const std::string text = errorText(error);
     // Errors of the file system may already name the file.
-    printError(text.starts_with(shown) ? text : std::string(shown).append(": ").append(text));
+    const bool namesFile = text.starts_with(shown) || text.starts_with("the " + shown);
+    printError(namesFile ? text : std::string(shown).append(": ").append(text));
   }
   return nullptr;
 }

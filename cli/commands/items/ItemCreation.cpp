@@ -44,7 +44,11 @@ void addItemCreation(Command group, const std::string& kind, ItemFactory make) {
       group.addCommand("new", "Create an empty " + kind + " and print its identifier");
   const auto options = std::make_shared<Options>();
   command.text("NAME", options->name, "The " + kind + "'s name").required().notEmpty().utf8();
-  command.text("--app", options->app, kReadAppHelp).required().notEmpty().utf8().typeName("APP");
+  command.text("--app", options->app, kReadAppHelp)
+      .required()
+      .notEmpty()
+      .utf8()
+      .typeName("APP|FILE");
   addLookOptions(command, options->look);
   command.flag("--json", options->json, "Print the new item as a JSON object");
   command.run([options, make = std::move(make)] { return create(*options, make); });

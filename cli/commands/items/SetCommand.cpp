@@ -92,7 +92,7 @@ void addSetCommand(Command app) {
   command.text("ITEM", options->item, kItemHelp).required().notEmpty();
   Command changes = command.addGroup("CHANGES", "What to change", 1, 0);
   changes.text("--name", options->name, "The new name").notEmpty().utf8().typeName("NAME");
-  changes.text("--app", options->app, kReadAppHelp).notEmpty().utf8().typeName("APP");
+  changes.text("--app", options->app, kReadAppHelp).notEmpty().utf8().typeName("APP|FILE");
   addLookOptions(changes, options->look);
   command.flag("--json", options->json, "Print the item as a JSON object");
   command.run([options] { return set(*options); });

@@ -43,7 +43,7 @@ std::optional<std::string> readFileUpTo(const std::filesystem::path& path, std::
 
 std::string readText(const RandomAccessFile& file) {
   std::optional<std::string> text = textFromBytes(readFile(file));
-  if (!text) throwSystemError(EILSEQ, file.path() + ": the text is malformed in its encoding");
+  if (!text) throwSystemError(EILSEQ, file.path());
   return *std::move(text);
 }
 

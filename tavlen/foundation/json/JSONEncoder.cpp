@@ -59,10 +59,8 @@ void appendLongString(TextBuffer& out, std::string_view text) {
 /// The most bytes of an integer, with its sign.
 constexpr std::size_t kMostDigits = 20;
 
-void appendInteger(TextBuffer& out, auto value) {
-  char* const to = out.room(kMostDigits);
-  out.advance(std::to_chars(to, to + kMostDigits, value).ptr);
-}
+/// Writes an integer of at most kMostDigits to `to`, and returns its end.
+char* writeInteger(char* to, auto value) { return std::to_chars(to, to + kMostDigits, value).ptr; }
 
 }  // namespace
 
@@ -80,9 +78,13 @@ void appendJSON(TextBuffer& out, double value) {
   out.advance(writeNumber(out.room(kMostNumberBytes), value));
 }
 
-void appendJSON(TextBuffer& out, std::int64_t value) { appendInteger(out, value); }
+void appendJSON(TextBuffer& out, std::int64_t value) {
+  out.advance(writeInteger(out.room(kMostDigits), value));
+}
 
-void appendJSON(TextBuffer& out, std::uint64_t value) { appendInteger(out, value); }
+void appendJSON(TextBuffer& out, std::uint64_t value) {
+  out.advance(writeInteger(out.room(kMostDigits), value));
+}
 
 void JSONEncoder::failForValues() {
   throw EncodingError::invalidValue("more than " + std::to_string(limits::kJSONValues) + " values");
@@ -131,13 +133,11 @@ void JSONEncoder::beginArray(std::size_t count) {
 }
 
 void JSONEncoder::integer(std::int64_t value) {
-  char* const to = beginValue(kMostDigits);
-  out_.advance(std::to_chars(to, to + kMostDigits, value).ptr);
+  out_.advance(writeInteger(beginValue(kMostDigits), value));
 }
 
 void JSONEncoder::unsignedInteger(std::uint64_t value) {
-  char* const to = beginValue(kMostDigits);
-  out_.advance(std::to_chars(to, to + kMostDigits, value).ptr);
+  out_.advance(writeInteger(beginValue(kMostDigits), value));
 }
 
 void JSONEncoder::real(double value) {

@@ -5,8 +5,8 @@
 namespace tavlen {
 
 void TextBuffer::grow(std::size_t count) {
-  // A string fills what it is resized by. Done by blocks that stay in the nearest cache, this costs
-  // little, whatever the string's capacity.
+  // resize() zero-fills. By blocks that stay in the nearest cache, this costs little, whatever the
+  // string's capacity.
   constexpr std::size_t kBlock = 4096;
   const std::size_t used = size();
   const std::size_t block = std::min(used + kBlock, out_.capacity());

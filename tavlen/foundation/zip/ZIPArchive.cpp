@@ -8,8 +8,10 @@
 #include "tavlen/foundation/files/FileTree.h"
 #include "tavlen/foundation/files/RandomAccessFile.h"
 #include "tavlen/foundation/files/TemporaryFile.h"
+#include "tavlen/foundation/zip/ZIPError.h"
 #include "tavlen/foundation/zip/detail/ByteProgress.h"
 #include "tavlen/foundation/zip/detail/ZIPDirectory.h"
+#include "tavlen/foundation/zip/detail/ZIPEntryName.h"
 #include "tavlen/foundation/zip/detail/ZIPReader.h"
 #include "tavlen/foundation/zip/detail/ZIPTree.h"
 #include "tavlen/foundation/zip/detail/ZIPUnpacking.h"
@@ -38,6 +40,15 @@ std::vector<std::size_t> placesWithin(const std::vector<ZIPEntry>& entries,
 }
 
 }  // namespace
+
+bool ZIPArchive::isEntryName(std::string_view name) {
+  try {
+    validateZIPName(name);
+    return true;
+  } catch (const ZIPError&) {
+    return false;
+  }
+}
 
 void ZIPArchive::zipItem(const fs::path& item, const fs::path& archive, Progress* progress,
                          const Limits& limits) {

@@ -35,10 +35,16 @@ struct TAVLEN_API Limits {
   std::uint64_t ratioFreeBytes = limits::kArchiveRatioFreeBytes;
 };
 
+/// Whether an archive can contain an entry of that name, a path below its top. A folder's name may
+/// end with "/".
+TAVLEN_API bool isEntryName(std::string_view name);
+
 /// Writes the file or folder `item`, under its own name at the top of the archive, to the new file
 /// `archive`, which must not exist (EEXIST). Folders get their own entries, permissions are kept,
 /// names are UTF-8. Times are left out and entries are sorted, so the same names, bytes and
 /// permissions make the same archive. Files with temporary names (isTemporaryName()) are left out.
+/// A file that is replaced in the course of this is archived as it was or as it is, never as a
+/// mixture. Deflates on up to three threads of its own, which have ended when it returns or throws.
 /// The archive is flushed to the disk before it gets its name. After an error there is no archive.
 TAVLEN_API void zipItem(const std::filesystem::path& item, const std::filesystem::path& archive,
                         Progress* progress = nullptr, const Limits& limits = {});

@@ -13,6 +13,7 @@
 #include "tavlen/foundation/tasks/Progress.h"
 #include "tavlen/foundation/zip/ZIPError.h"
 #include "tavlen/foundation/zip/detail/ZIPBudget.h"
+#include "tavlen/foundation/zip/detail/ZIPDeflation.h"
 #include "tavlen/foundation/zip/detail/ZIPExtraction.h"
 #include "tavlen/foundation/zip/detail/ZIPNameSet.h"
 #include "tests/support/TableFile.h"
@@ -178,12 +179,38 @@ TEST_F(ZIPTree, LargeFilesComeBackFromBlocksInTheSameArchiveEachTime) {
     folder_.write("Payload/noise" + std::to_string(size), noise(size));
     folder_.write("Payload/both" + std::to_string(size), text.substr(0, size / 2) + noise(size));
   }
+  std::string pages;  // in step with any even sample
+  while (pages.size() < 2 * kMB) pages += noise(4096) + std::string(60 << 10, '\0');
+  folder_.write("Payload/pages", pages);
   ZIPArchive::zipItem(item(), archive());
   run("unzip -tq " + archive().string() + " >/dev/null");
   expectTree(archive());
   ZIPArchive::zipItem(item(), folder_.path() / "again.zip");
   EXPECT_TRUE(readFile(folder_.path() / "again.zip") == readFile(archive()));
   EXPECT_LT(fs::file_size(archive()), 28 * kMB);  // of which 22 are noise, before 16 of text
+}
+
+TEST_F(ZIPTree, PartsAreOfOneFileUpToWhereItFirstEnded) {
+  constexpr std::uint64_t kMB = 1 << 20;
+  const fs::path file = folder_.write("file", std::string(20 * kMB, 'A'));
+  const std::vector<ZIPItem> items = {{"file", file, 0644, 20 * kMB}};
+  ZIPDeflation deflation(items);
+  std::vector<ZIPDeflation::Part> parts = {deflation.take()};
+  fs::rename(file, folder_.path() / "old");
+  folder_.write("file", std::string(20 * kMB, 'B'));
+  while (parts.size() < 20) {
+    parts.push_back(deflation.take());
+    if (parts.size() <= 10) {
+      EXPECT_EQ(parts.back().crc, parts.front().crc);
+    }
+    // Far enough from the parts that may have been read by now.
+    if (parts.size() == 2) fs::resize_file(folder_.path() / "old", 10 * kMB + 1);
+    if (parts.size() == 12) fs::resize_file(folder_.path() / "old", 20 * kMB);
+  }
+  std::uint64_t size = 0;
+  for (const ZIPDeflation::Part& part : parts) size += part.size;
+  EXPECT_EQ(size, 10 * kMB + 1);
+  EXPECT_TRUE(parts.back().isLast);
 }
 
 TEST_F(ZIPTree, ArchivesOfOtherProgramsAreTaken) {

@@ -34,7 +34,8 @@ Block partialBlock(const char* bytes, std::size_t count) {
   std::uint64_t high = 0;
   if (count >= 8) {
     low = wordAt<std::uint64_t>(bytes);
-    high = wordAt<std::uint64_t>(bytes + count - 8) >> 8 >> (8 * (15 - count));  // 64 is too far
+    // In two steps: a shift by 64 is undefined.
+    high = wordAt<std::uint64_t>(bytes + count - 8) >> 8 >> (8 * (15 - count));
   } else if (count >= 4) {
     low = wordAt<std::uint32_t>(bytes) | wordAt<std::uint32_t>(bytes + count - 4)
                                              << (8 * (count - 4));

@@ -3,6 +3,7 @@
 #include <optional>
 
 #include "tavlen/foundation/coding/CodingError.h"
+#include "tavlen/foundation/text/TextPosition.h"
 #include "tavlen/foundation/text/Unicode.h"
 
 namespace tavlen {
@@ -41,9 +42,10 @@ JSONText::JSONText(std::string_view bytes) {
   const TextEncoding encoding = mark ? mark->encoding : encodingFromZeros(bytes);
   view_ = bytes.substr(mark ? mark->length : 0);
   if (encoding == TextEncoding::utf8) {
-    if (!isValidUTF8(view_)) {
-      throw DecodingError::dataCorrupted(
-          "The given data was not valid JSON: the text is not UTF-8");
+    const std::size_t valid = validUTF8Length(view_);
+    if (valid < view_.size()) {
+      throw DecodingError::malformedText("The given data was not valid JSON: the text is not UTF-8",
+                                         TextPosition::at(view_, valid));
     }
     return;
   }

@@ -150,7 +150,7 @@ std::optional<fs::path> packaged(const OpenedTweak& tweak, const fs::path& trans
   try {
     packageTweak(tweak.opened(), Info(), {folder, transpiler, false}, record);
   } catch (const TweakProcessor::Error&) {
-    if (transpile(tweak, transpiler)) throw;
+    if (transpile(tweak, transpiler, TweakProcessor::Map::leaveOut)) throw;
     printError(tweak.argument + ": does not build");
     return std::nullopt;
   }

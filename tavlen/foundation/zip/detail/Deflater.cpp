@@ -68,13 +68,11 @@ std::string Deflater::deflated(std::string_view bytes, int level, bool isLast) {
 }
 
 char* Deflater::room(std::size_t count) {
-  if (capacity_ < count) {
-    buffer_.reset();  // before the larger one is there
-    capacity_ = 0;
-    buffer_.reset(new char[count]);
-    capacity_ = count;
+  if (buffer_.size() < count) {
+    buffer_ = std::vector<char>();  // before the larger one is there
+    buffer_.resize(count);
   }
-  return buffer_.get();
+  return buffer_.data();
 }
 
 std::string Deflater::whole(std::string_view bytes) {

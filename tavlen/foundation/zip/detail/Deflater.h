@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tavlen {
 
@@ -38,8 +39,7 @@ class Deflater {
     }
   };
   std::unique_ptr<libdeflate_compressor, Free> compressor_;
-  std::unique_ptr<char[]> buffer_;
-  std::size_t capacity_ = 0;
+  std::vector<char> buffer_;
 };
 
 }  // namespace tavlen

@@ -54,7 +54,7 @@ void cut(ZIPDeflation::Part& part) {
 /// What a thread needs to make parts, and keeps for the next one.
 struct ZIPDeflation::Maker {
   Deflater deflater;
-  std::unique_ptr<char[]> input{new char[kWholeFile]};
+  std::vector<char> input;
 };
 
 ZIPDeflation::ZIPDeflation(const std::vector<ZIPItem>& items) : items_(items) {
@@ -159,7 +159,9 @@ void ZIPDeflation::fill(Slot& slot, std::unique_ptr<Maker>& maker) noexcept {
 
 void ZIPDeflation::make(Slot& slot, Maker& maker) {
   const std::filesystem::path& path = slot.part.item->path;
-  const std::span<char> room(maker.input.get(), static_cast<std::size_t>(slot.length));
+  const auto length = static_cast<std::size_t>(slot.length);
+  if (maker.input.size() < length) maker.input.resize(length);
+  const std::span<char> room(maker.input.data(), length);
   const std::size_t size = slot.file ? slot.file->readAt(slot.offset, room, path)
                                      : openRegularFile(path).readAt(slot.offset, room, path);
   const std::string_view bytes(room.data(), size);

@@ -86,13 +86,13 @@ TEST_F(TryCommandTest, SaysWhatIsHookedAndWhatIsNot) {
   EXPECT_THAT(errors, HasSubstr("tavlen: hooked -[Shelf title]\n"));
   EXPECT_THAT(
       errors,
-      HasSubstr("hooks[0] -[Shelf title]: error: ReferenceError: Can't find variable: missing\n"));
+      HasSubstr("hooks[0]: error: -[Shelf title]: ReferenceError: Can't find variable: missing\n"));
   EXPECT_THAT(
       errors,
       HasSubstr(
-          "hooks[1] -[Shelf count]: warning: not hooked: the method's types are I16@0:8, and the "
+          "hooks[1]: warning: not hooked: -[Shelf count]: the method's types are I16@0:8, and the "
           "hook's d16@0:8\n"));
-  EXPECT_THAT(errors, HasSubstr("hooks[2] -[Absent count]: warning: not hooked yet: no image has "
+  EXPECT_THAT(errors, HasSubstr("hooks[2]: warning: not hooked yet: -[Absent count]: no image has "
                                 "the class Absent\n"));
   write("script.objs",
         "hookClass('Shelf', {}, {\n  'i16@0:8-number': function() {\n    return %orig + gone;\n  "

@@ -119,8 +119,7 @@ class EventPrinter {
     message.severity =
         event.event == LoaderEvent::kMistake ? Diagnostic::kError : Diagnostic::kWarning;
     message.message = event.message.value_or("");
-    // Of a hook that the tweak's document has, the place names the method.
-    if (event.method && !message.place) message.message = *event.method + ": " + message.message;
+    if (event.method) message.message = *event.method + ": " + message.message;
     if (event.event == LoaderEvent::kRefused) message.message = "not hooked: " + message.message;
     if (event.event == LoaderEvent::kWaiting)
       message.message = "not hooked yet: " + message.message;

@@ -20,16 +20,16 @@
 #   dependency::ZIP            libzip-dev                   static in TAVLEN_APPLE_LIBRARIES
 #
 # Of TOML only the headers are used: the packaged library has a lower limit of nesting, and lacks the sanitizers. Of
-# JavaScriptCore only the headers are used on Debian: its library is loaded when a script is first run. The loader links the
-# same library, dependency::JavaScriptLibrary.
+# JavaScriptCore and libzip only the headers are used on Debian: these libraries are loaded when they are first needed. The
+# loader links the former, dependency::JavaScriptLibrary.
 
 set(TAVLEN_LINKED_LIBRARIES dependency::Deflate dependency::ICU dependency::JPEG dependency::LibXML2 dependency::ObjectiveC dependency::PNG
-  dependency::UUID dependency::ZIP)
+  dependency::UUID)
 set(TAVLEN_HEADER_LIBRARIES dependency::DragonBox dependency::FastFloat dependency::TOML)
 if(APPLE)
-  list(APPEND TAVLEN_LINKED_LIBRARIES dependency::CoreFoundation dependency::JavaScriptCore)
+  list(APPEND TAVLEN_LINKED_LIBRARIES dependency::CoreFoundation dependency::JavaScriptCore dependency::ZIP)
 else()
-  list(APPEND TAVLEN_HEADER_LIBRARIES dependency::JavaScriptCore)
+  list(APPEND TAVLEN_HEADER_LIBRARIES dependency::JavaScriptCore dependency::ZIP)
 endif()
 
 if(APPLE)
@@ -91,7 +91,6 @@ else()
   tavlen_dependency(LibXML2 libxml-2.0)
   tavlen_dependency(PNG libpng zlib)
   tavlen_dependency(UUID uuid)
-  tavlen_dependency(ZIP libzip)
 
   if(NOT TAVLEN_IS_INSTALLED)
     find_package(dragonbox REQUIRED)
@@ -106,6 +105,7 @@ else()
     endfunction()
     tavlen_headers(JavaScriptCore javascriptcoregtk-4.1)
     tavlen_headers(TOML tomlplusplus)
+    tavlen_headers(ZIP libzip)
   endif()
   if(TAVLEN_LOADER)
     pkg_check_modules(FFI REQUIRED IMPORTED_TARGET libffi)

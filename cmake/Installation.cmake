@@ -68,15 +68,15 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_COMMAND_PACKAGE_NAME tavlen)
 set(CPACK_DEBIAN_COMMAND_PACKAGE_SECTION devel)
 set(CPACK_DEBIAN_COMMAND_PACKAGE_SHLIBDEPS ON)
-# Both are loaded when they are needed, which the search for linked libraries does not see.
-set(CPACK_DEBIAN_COMMAND_PACKAGE_DEPENDS libjavascriptcoregtk-4.1-0)
+# These are loaded when they are needed, which the search for linked libraries does not see.
+set(CPACK_DEBIAN_COMMAND_PACKAGE_DEPENDS "libjavascriptcoregtk-4.1-0, libzip4")
 set(CPACK_DEBIAN_COMMAND_PACKAGE_RECOMMENDS libgnustep-base1.28)
 set(CPACK_COMPONENT_COMMAND_DESCRIPTION "The command: makes, checks, builds and installs app tweaks")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libtavlen-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "libjavascriptcoregtk-4.1-0, libdeflate-dev, libicu-dev, libjpeg-dev, libxml2-dev, libpng-dev, \
-zlib1g-dev, uuid-dev, libzip-dev, libobjc-12-dev, libblocksruntime-dev, pkg-config")
+zlib1g-dev, uuid-dev, libzip4, libobjc-12-dev, libblocksruntime-dev, pkg-config")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS "tavlen (= ${PROJECT_VERSION})")
 set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "The library: headers, the static and the shared library")
 include(CPack)

@@ -2,6 +2,8 @@
 
 #include <JavaScriptCore/JavaScript.h>
 
+#include "tavlen/foundation/base/SharedLibrary.h"
+
 namespace tavlen {
 
 /// The functions of the engine's C interface that the library calls.
@@ -29,10 +31,7 @@ namespace tavlen {
 // clang-format on
 
 struct JavaScriptEngine {
-// NOLINTNEXTLINE(bugprone-macro-parentheses): a name that is declared
-#define TAVLEN_ENGINE_FUNCTION(name) decltype(&::name) name;
-  TAVLEN_ENGINE_FUNCTIONS(TAVLEN_ENGINE_FUNCTION)
-#undef TAVLEN_ENGINE_FUNCTION
+  TAVLEN_ENGINE_FUNCTIONS(TAVLEN_LIBRARY_FUNCTION)
 };
 
 /// The engine. On Linux its shared library is loaded by the first call, because that takes half the

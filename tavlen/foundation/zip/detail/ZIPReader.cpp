@@ -50,7 +50,7 @@ class ArchiveSource {
 
   zip_int64_t seek(void* where, zip_uint64_t length) {
     const zip_int64_t position =
-        zip_source_seek_compute_offset(position_, file_.size(), where, length, nullptr);
+        libzip().zip_source_seek_compute_offset(position_, file_.size(), where, length, nullptr);
     if (position < 0) return -1;
     position_ = static_cast<std::uint64_t>(position);
     return 0;
@@ -64,41 +64,41 @@ class ArchiveSource {
 }  // namespace
 
 struct ZIPReader::Closer {
-  void operator()(zip_file_t* file) const { zip_fclose(file); }
+  void operator()(zip_file_t* file) const { libzip().zip_fclose(file); }
 };
 
 ZIPReader::ZIPReader(const RandomAccessFile& archive, const std::vector<ZIPEntry>& entries)
     : entries_(entries), buffer_(kBufferSize) {
   zip_source_t* source = makeZIPSource(std::make_unique<ArchiveSource>(archive, failure_));
   zip_error_t error;
-  zip_error_init(&error);
-  zip_ = zip_open_from_source(source, ZIP_RDONLY, &error);
-  const int code = zip_error_code_zip(&error);
-  zip_error_fini(&error);
+  libzip().zip_error_init(&error);
+  zip_ = libzip().zip_open_from_source(source, ZIP_RDONLY, &error);
+  const int code = libzip().zip_error_code_zip(&error);
+  libzip().zip_error_fini(&error);
   try {
     if (zip_ == nullptr) {
-      zip_source_free(source);
+      libzip().zip_source_free(source);
       failure_.rethrow();
       if (code == ZIP_ER_MEMORY) throw std::bad_alloc();
       throw ZIPError(ZIPError::Case::damagedArchive, "its directory cannot be read");
     }
     requireSameDirectory();
   } catch (...) {
-    if (zip_ != nullptr) zip_discard(zip_);
+    if (zip_ != nullptr) libzip().zip_discard(zip_);
     throw;
   }
 }
 
-ZIPReader::~ZIPReader() { zip_discard(zip_); }
+ZIPReader::~ZIPReader() { libzip().zip_discard(zip_); }
 
 /// Verifies that libzip sees the directory that was checked, so that nothing unchecked is
 /// extracted. Names come from the checked directory, and size and CRC identify the data, so
 /// comparing the fields below is enough.
 void ZIPReader::requireSameDirectory() const {
-  bool isSame = zip_get_num_entries(zip_, 0) == static_cast<zip_int64_t>(entries_.size());
+  bool isSame = libzip().zip_get_num_entries(zip_, 0) == static_cast<zip_int64_t>(entries_.size());
   for (std::size_t i = 0; isSame && i < entries_.size(); ++i) {
     zip_stat_t status;
-    isSame = zip_stat_index(zip_, i, 0, &status) == 0 && status.size == entries_[i].size &&
+    isSame = libzip().zip_stat_index(zip_, i, 0, &status) == 0 && status.size == entries_[i].size &&
              status.comp_size == entries_[i].compressedSize && status.crc == entries_[i].checksum &&
              status.comp_method == entries_[i].method;
   }
@@ -108,15 +108,16 @@ void ZIPReader::requireSameDirectory() const {
 }
 
 ZIPReader::OpenEntry ZIPReader::open(std::size_t index) const {
-  OpenEntry file(zip_fopen_index(zip_, index, 0));
-  if (file == nullptr) fail(entries_[index], 0, zip_error_code_zip(zip_get_error(zip_)));
+  OpenEntry file(libzip().zip_fopen_index(zip_, index, 0));
+  if (file == nullptr)
+    fail(entries_[index], 0, libzip().zip_error_code_zip(libzip().zip_get_error(zip_)));
   return file;
 }
 
 std::size_t ZIPReader::readPiece(zip_file_t* file, const ZIPEntry& entry, std::uint64_t done,
                                  std::size_t count) {
-  const zip_int64_t got = zip_fread(file, buffer_.data(), count);
-  if (got < 0) fail(entry, done, zip_error_code_zip(zip_file_get_error(file)));
+  const zip_int64_t got = libzip().zip_fread(file, buffer_.data(), count);
+  if (got < 0) fail(entry, done, libzip().zip_error_code_zip(libzip().zip_file_get_error(file)));
   const auto size = static_cast<std::size_t>(got);
   // Check here, not at the end: the limits were applied to the recorded size.
   if (size > entry.size - done) throw ZIPError(ZIPError::Case::sizeMismatch, entry.name);

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <zip.h>
-
 #include <array>
 #include <cerrno>
 #include <cstdint>
@@ -10,6 +8,8 @@
 #include <memory>
 #include <new>
 #include <utility>
+
+#include "tavlen/foundation/zip/detail/ZIPLibrary.h"
 
 namespace tavlen {
 
@@ -31,7 +31,7 @@ class ZIPFailure {
 /// Answers ZIP_SOURCE_STAT with the size.
 inline zip_int64_t answerZIPStat(void* data, std::uint64_t size) {
   auto& status = *static_cast<zip_stat_t*>(data);
-  zip_stat_init(&status);
+  libzip().zip_stat_init(&status);
   status.valid = ZIP_STAT_SIZE;
   status.size = size;
   return sizeof status;
@@ -63,7 +63,8 @@ zip_int64_t answerZIPSource(void* state, void* data, zip_uint64_t length,
 /// Transfers the ownership of `source` to libzip.
 template <class Source>
 zip_source_t* makeZIPSource(std::unique_ptr<Source> source) {
-  zip_source_t* made = zip_source_function_create(answerZIPSource<Source>, source.get(), nullptr);
+  zip_source_t* made =
+      libzip().zip_source_function_create(answerZIPSource<Source>, source.get(), nullptr);
   if (made == nullptr) throw std::bad_alloc();
   static_cast<void>(source.release());
   return made;

@@ -148,7 +148,7 @@ class OutputSource {
 
   zip_int64_t seek(void* where, zip_uint64_t length) {
     const zip_int64_t target =
-        zip_source_seek_compute_offset(position(), size_, where, length, nullptr);
+        libzip().zip_source_seek_compute_offset(position(), size_, where, length, nullptr);
     if (target < 0) return -1;
     flush();
     start_ = static_cast<std::uint64_t>(target);
@@ -173,16 +173,16 @@ class Writer {
  public:
   Writer(const FileDescriptor& output, const std::filesystem::path& path) : path_(path) {
     zip_source_t* source = makeZIPSource(std::make_unique<OutputSource>(output, path, failure_));
-    zip_ = zip_open_from_source(source, ZIP_CREATE | ZIP_TRUNCATE, nullptr);
+    zip_ = libzip().zip_open_from_source(source, ZIP_CREATE | ZIP_TRUNCATE, nullptr);
     if (zip_ == nullptr) {
-      zip_source_free(source);
+      libzip().zip_source_free(source);
       throw std::bad_alloc();
     }
   }
   Writer(const Writer&) = delete;
   Writer& operator=(const Writer&) = delete;
   ~Writer() {
-    if (zip_ != nullptr) zip_discard(zip_);
+    if (zip_ != nullptr) libzip().zip_discard(zip_);
   }
 
   void add(const ZIPItem& item, ZIPDeflation& deflation, ByteProgress& progress) {
@@ -196,35 +196,39 @@ class Writer {
     const std::uint32_t kind = item.isFolder() ? S_IFDIR : S_IFREG;
     const std::uint32_t attributes =
         (kind | (item.mode & 0777U)) << 16U | (item.isFolder() ? kDOSFolder : 0);
-    require(zip_file_set_external_attributes(zip_, index, 0, ZIP_OPSYS_UNIX, attributes) == 0);
-    require(zip_file_set_dostime(zip_, index, 0, kFirstDay, 0) == 0);
-    require(item.isFolder() || zip_set_file_compression(zip_, index, ZIP_CM_DEFLATE, 0) == 0);
+    require(libzip().zip_file_set_external_attributes(zip_, index, 0, ZIP_OPSYS_UNIX, attributes) ==
+            0);
+    require(libzip().zip_file_set_dostime(zip_, index, 0, kFirstDay, 0) == 0);
+    require(item.isFolder() ||
+            libzip().zip_set_file_compression(zip_, index, ZIP_CM_DEFLATE, 0) == 0);
   }
 
   /// libzip takes the parts of the files and writes the archive within this call.
   void finish() {
-    require(zip_close(zip_) == 0);
+    require(libzip().zip_close(zip_) == 0);
     zip_ = nullptr;
   }
 
  private:
   zip_int64_t addFolder(const ZIPItem& item) {
-    return zip_dir_add(zip_, item.name.c_str(), ZIP_FL_ENC_UTF_8);
+    return libzip().zip_dir_add(zip_, item.name.c_str(), ZIP_FL_ENC_UTF_8);
   }
 
   zip_int64_t addFile(const ZIPItem& item, ZIPDeflation& deflation, ByteProgress& progress) {
     zip_source_t* source =
         makeZIPSource(std::make_unique<ItemSource>(item, deflation, progress, failure_));
-    const zip_int64_t index = zip_file_add(zip_, item.name.c_str(), source, ZIP_FL_ENC_UTF_8);
-    if (index < 0) zip_source_free(source);
+    const zip_int64_t index =
+        libzip().zip_file_add(zip_, item.name.c_str(), source, ZIP_FL_ENC_UTF_8);
+    if (index < 0) libzip().zip_source_free(source);
     return index;
   }
 
   void require(bool isDone) {
     if (isDone) return;
     failure_.rethrow();
-    if (zip_error_code_zip(zip_get_error(zip_)) == ZIP_ER_MEMORY) throw std::bad_alloc();
-    throwSystemError(EIO, path_.string() + ": " + zip_strerror(zip_));
+    if (libzip().zip_error_code_zip(libzip().zip_get_error(zip_)) == ZIP_ER_MEMORY)
+      throw std::bad_alloc();
+    throwSystemError(EIO, path_.string() + ": " + libzip().zip_strerror(zip_));
   }
 
   const std::filesystem::path& path_;

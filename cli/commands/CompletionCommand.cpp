@@ -67,7 +67,7 @@ std::string answer(const CommandRecord& root, const Options& options) {
   if (options.isLine) line = ShellLine::read(options.words.front());
   if (line.words.size() < 2) return "words\n";
   const CompletedWord word = CompletedWord::of(root, line.words);
-  // A glyph may have a slash that is none of a path.
+  // The slash in the name of a glyph is not one of a path.
   const bool isPath = word.prefix.find('/') != std::string::npos && !word.hasKind("GLYPH");
   const bool hasFiles =
       isPath || std::any_of(word.kinds.begin(), word.kinds.end(), [](const std::string& kind) {

@@ -28,13 +28,12 @@ id receiverOf(Engine& engine, const std::string& selector, JSValueRef value) {
 std::shared_ptr<const CallSignature> signatureFor(Engine& engine, const CallableMethod& method,
                                                   const std::string& selector, const Call& call) {
   const std::size_t fixed = method.signature->arguments().size();
-  if (call.count == fixed) return method.signature;
+  if (call.count == fixed && !formatIn(selector, *method.signature)) return method.ended;
   if (call.count < fixed || fixed == kHidden) {
     throw ScriptError(selector + " takes " + std::to_string(fixed - kHidden) + " arguments, not " +
                       std::to_string(call.count - kHidden));
   }
-  return variadicSignature(engine, *method.signature, selector, call[fixed - 1],
-                           call.arguments + fixed, call.count - fixed);
+  return variadicSignature(engine, *method.signature, selector, call.arguments, call.count);
 }
 
 }  // namespace

@@ -129,32 +129,55 @@ std::string typesByValue(Engine& engine, const JSValueRef* values, std::size_t c
   return types;
 }
 
-}  // namespace
-
-std::shared_ptr<const CallSignature> variadicSignature(Engine& engine, const CallSignature& fixed,
-                                                       std::string_view selector,
-                                                       JSValueRef lastFixed,
-                                                       const JSValueRef* values,
-                                                       std::size_t count) {
-  std::string types;
-  if (selector.ends_with("ormat:")) {
-    const HookStack::OwnWork own;
-    types = FormatReader(utf8FromUTF16(textOf(boxed(engine, lastFixed)))).types();
-    if (types.size() > count) {
-      throw ScriptError("the format wants " + std::to_string(types.size()) + " arguments, not " +
-                        std::to_string(count));
-    }
-    types.append(typesByValue(engine, values + types.size(), count - types.size()));
-  } else if (fixed.arguments().back()->kind() == ValueType::Kind::object) {
-    types.assign(count, '@');
-  } else {
-    types = typesByValue(engine, values, count);
-  }
+std::shared_ptr<const CallSignature> extended(const CallSignature& fixed, std::string_view types) {
   CallSignature::Types all = fixed.arguments();
   const std::size_t fixedCount = all.size();
   for (const char letter : types) all.push_back(typeFor(letter));
   all.push_back(typeFor('^'));
   return std::make_shared<const CallSignature>(fixed.sharedResult(), std::move(all), fixedCount);
+}
+
+}  // namespace
+
+std::optional<std::size_t> formatIn(std::string_view selector, const CallSignature& fixed) {
+  if (selector.starts_with("set")) return std::nullopt;
+  std::optional<std::size_t> format;
+  constexpr std::size_t kFirst = 2;  // after receiver and selector
+  std::size_t index = kFirst;
+  for (std::size_t colon = selector.find(':'); colon != std::string_view::npos;
+       colon = selector.find(':'), ++index) {
+    const std::string_view part = selector.substr(0, colon);
+    selector.remove_prefix(colon + 1);
+    if (format && part.starts_with("argument")) return std::nullopt;
+    if (part.ends_with("ormat") && !part.ends_with("DateFormat") &&
+        !part.ends_with("alendarFormat") && index < fixed.arguments().size() &&
+        fixed.arguments()[index]->kind() == ValueType::Kind::object)
+      format = index;
+  }
+  return format;
+}
+
+std::shared_ptr<const CallSignature> variadicSignature(Engine& engine, const CallSignature& fixed,
+                                                       std::string_view selector,
+                                                       const JSValueRef* values,
+                                                       std::size_t count) {
+  const std::size_t fixedCount = fixed.arguments().size();
+  values += fixedCount;
+  count -= fixedCount;
+  if (const auto format = formatIn(selector, fixed)) {
+    const HookStack::OwnWork own;
+    id text = boxed(engine, (values - fixedCount)[*format]);
+    std::string types = FormatReader(utf8FromUTF16(textOf(text))).types();
+    if (types.size() > count) {
+      throw ScriptError("the format wants " + std::to_string(types.size()) + " arguments, not " +
+                        std::to_string(count));
+    }
+    types.append(typesByValue(engine, values + types.size(), count - types.size()));
+    return extended(fixed, types);
+  }
+  if (fixed.arguments().back()->kind() == ValueType::Kind::object)
+    return extended(fixed, std::string(count, '@'));
+  return extended(fixed, typesByValue(engine, values, count));
 }
 
 }  // namespace tavlen::loader

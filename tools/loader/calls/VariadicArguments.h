@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <optional>
 #include <string_view>
 
 #include <JavaScriptCore/JavaScript.h>
@@ -12,8 +13,13 @@ namespace tavlen::loader {
 
 class Engine;
 
-/// The call of the method `selector`, whose own types are `fixed`, with the `count` further
-/// arguments at `values`.
+/// Which argument of the method, the receiver being the first, is a format that further ones
+/// follow: that of "format:", "...Format:" anywhere in the selector. Nothing for the format of a
+/// date, for a property, and where an argument holds the values.
+std::optional<std::size_t> formatIn(std::string_view selector, const CallSignature& fixed);
+
+/// The call of the method `selector`, whose own types are `fixed`, with all the `count` values,
+/// the receiver being the first.
 ///
 /// Encodings do not tell the types of variadic arguments. After a format they are those of its
 /// conversions; after another object, objects; otherwise a whole number is a long long, another
@@ -21,7 +27,6 @@ class Engine;
 /// lacks its end. Throws ScriptError if the format wants more arguments.
 std::shared_ptr<const CallSignature> variadicSignature(Engine& engine, const CallSignature& fixed,
                                                        std::string_view selector,
-                                                       JSValueRef lastFixed,
                                                        const JSValueRef* values, std::size_t count);
 
 }  // namespace tavlen::loader

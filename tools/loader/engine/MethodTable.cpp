@@ -36,11 +36,11 @@ CallableMethod describe(id receiver, SEL selector) {
   const std::string name = methodText(cls, selector, isClass(receiver));
   if (types.empty()) throw ScriptError(name + ": there is no such method");
   try {
-    auto signature = CallSignature::from(types);
+    const auto signature = CallSignature::from(types);
     if (signature->arguments().size() < 2)
       throw UnsupportedType("its types " + types + " are not a method's");
     const auto family = MethodFamily::of(sel_getName(selector), isClass(receiver), *signature);
-    return {std::move(signature), family};
+    return {signature, CallSignature::ended(signature), family};
   } catch (const UnsupportedType& error) {
     throw ScriptError(name + ": " + error.what());
   }

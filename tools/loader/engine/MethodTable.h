@@ -16,6 +16,7 @@ namespace tavlen::loader {
 /// What is known of a method that scripts call.
 struct CallableMethod {
   std::shared_ptr<const CallSignature> signature;
+  std::shared_ptr<const CallSignature> ended;  ///< see CallSignature::ended()
   MethodFamily family;
 };
 

@@ -45,6 +45,18 @@ CallSignature::CallSignature(std::shared_ptr<const ValueType> result, Types argu
   if (status != FFI_OK) throw UnsupportedType("these types cannot be passed together");
 }
 
+std::shared_ptr<const CallSignature> CallSignature::ended(
+    const std::shared_ptr<const CallSignature>& fixed) {
+  constexpr std::size_t kHidden = 2;  // receiver and selector
+  Types types = fixed->arguments();
+  const std::size_t count = types.size();
+  if (count <= kHidden || count >= kMostArguments ||
+      types.back()->kind() != ValueType::Kind::object)
+    return fixed;
+  types.push_back(ValueType::from("^v"));
+  return std::make_shared<const CallSignature>(fixed->sharedResult(), std::move(types), count);
+}
+
 CallMemory::CallMemory(std::size_t size) {
   if (size > kCommonSize)
     large_ = std::make_unique<std::byte[]>(size);  // NOLINT(modernize-avoid-c-arrays)

@@ -27,6 +27,11 @@ class CallSignature {
   /// Of these types. The arguments from `fixed` on are variadic; with all of them fixed the call is
   /// an ordinary one. Throws UnsupportedType.
   CallSignature(std::shared_ptr<const ValueType> result, Types arguments, std::size_t fixed);
+  /// Of a method with its own arguments alone: after an object, which may be the first of a list,
+  /// with a null pointer. A method that is not variadic ignores it. `fixed` itself after anything
+  /// else.
+  static std::shared_ptr<const CallSignature> ended(
+      const std::shared_ptr<const CallSignature>& fixed);
   CallSignature(const CallSignature&) = delete;
   CallSignature& operator=(const CallSignature&) = delete;
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -13,6 +14,9 @@ namespace tavlen {
 
 /// What a loader reports. A plain value, which travels as JSON.
 struct TAVLEN_API LoaderEvent {
+  /// Each text has at most so many code points; of a longer one the beginning is kept.
+  static constexpr std::size_t kLongestText = 1000;
+
   static constexpr const char* kStarted = "started";  ///< the program runs with the tweak
   static constexpr const char* kHooked = "hooked";
   static constexpr const char* kWaiting = "waiting";  ///< not hooked yet: no image has the class

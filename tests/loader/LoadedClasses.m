@@ -30,6 +30,17 @@ static int live = 0;
 - (void)dealloc { [super dealloc]; }
 @end
 
+/// Cannot be retained.
+@interface Unheld : NSObject
+@end
+
+@implementation Unheld
+- (id)retain {
+  [NSException raise:NSRangeException format:@"not held"];
+  return nil;
+}
+@end
+
 @interface Answers : NSObject
 @end
 

@@ -117,6 +117,13 @@ TEST(LoaderScript, AMistakeIsReportedAndTheOriginalAnswers) {
        "2:1 -[Answers answer:]: loadFunc: the program has no function absentFunction"},
       {"const a = []; a[0] = a; @(a)",
        "2:25 -[Answers answer:]: an array is nested too deeply to be boxed"},
+      {"return new Array(4e9)",
+       "1:40 -[Answers answer:]: the result: an array has more than 1000000 elements"},
+      {"[this sum:0, ...new Array(80).fill(1)]",
+       "2:1 -[Answers answer:]: more than 64 arguments cannot be passed"},
+      {"[[NSAutoreleasePool alloc] init]",
+       "2:2 -[Answers answer:]: +[NSAutoreleasePool alloc]: scripts make no autorelease pools"},
+      {"return [Unheld alloc]", "1:40 -[Answers answer:]: the result: NSRangeException: not held"},
       {"return Absent", "2:8 -[Answers answer:]: ReferenceError: the program has no class Absent"},
   };
   for (const auto& [body, expected] : cases) {

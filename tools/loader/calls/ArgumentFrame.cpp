@@ -3,8 +3,8 @@
 #include <cstring>
 #include <string>
 
-#include "tools/loader/engine/HookStack.h"
 #include "tools/loader/engine/Native.h"
+#include "tools/loader/engine/ProgramCode.h"
 #include "tools/loader/values/Values.h"
 
 namespace tavlen::loader {
@@ -29,8 +29,7 @@ void ArgumentFrame::setPointer(std::size_t index, const void* pointer) {
 }
 
 void ArgumentFrame::call(void (*code)(), void* result) {
-  const HookStack::Outside outside;
-  ffi_call(signature_.cif(), code, result, places_);
+  runProgram([&] { ffi_call(signature_.cif(), code, result, places_); });
 }
 
 }  // namespace tavlen::loader

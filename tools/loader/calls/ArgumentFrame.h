@@ -24,8 +24,8 @@ class ArgumentFrame {
   /// Passes on what lies at `memory`, which must outlive the call.
   void use(std::size_t index, void* memory) { places_[index] = memory; }
 
-  /// Calls the program's code. Writes the result, widened to a register, to `result`. Exceptions
-  /// pass.
+  /// Calls the program's code. Writes the result, widened to a register, to `result`. Throws
+  /// ProgramException.
   void call(void (*code)(), void* result);
 
  private:

@@ -8,6 +8,7 @@
 #include "tools/loader/calls/ArgumentFrame.h"
 #include "tools/loader/calls/VariadicArguments.h"
 #include "tools/loader/engine/Engine.h"
+#include "tools/loader/engine/ProgramCode.h"
 #include "tools/loader/engine/ShownValue.h"
 #include "tools/loader/values/Boxing.h"
 #include "tools/loader/values/Values.h"
@@ -56,7 +57,9 @@ JSValueRef MethodCall::call(const Call& call) {
   if (signature->arguments().size() > call.count) frame.setPointer(call.count, nullptr);
   if (method.family.takesReceiver) retain(receiver);
   CallMemory result(signature->resultSize());
-  frame.call(ObjCRuntime::implementation(receiver, selector), result.data());
+  void (*code)() = nullptr;
+  runProgram([&] { code = ObjCRuntime::implementation(receiver, selector); });  // +initialize
+  frame.call(code, result.data());
   return readValue(engine, signature->result(), result.data(), method.family.ownershipOfResult());
 }
 

@@ -1,10 +1,16 @@
 #include "tools/loader/engine/ErrorValues.h"
 
+#include <cxxabi.h>
+
+#include <exception>
+
+#include "tavlen/foundation/text/Unicode.h"
 #include "tools/loader/base/EngineString.h"
 #include "tools/loader/base/Messages.h"
 #include "tools/loader/engine/Engine.h"
 #include "tools/loader/engine/HookStack.h"
 #include "tools/loader/engine/Native.h"
+#include "tools/loader/engine/ProgramCode.h"
 #include "tools/loader/engine/ShownValue.h"
 
 namespace tavlen::loader {
@@ -69,11 +75,33 @@ std::string messageOf(Engine& engine, JSValueRef thrown) {
   const JSValueRef name = propertyOf(context, object, "name");
   const JSValueRef message = propertyOf(context, object, "message");
   if (!JSValueIsString(context, message)) return shownValue(engine, thrown);
-  const std::string text = EngineString(context, message).utf8();
+  const EngineString whole(context, message);
+  const std::string text = utf8FromUTF16(whole.units().substr(0, LoaderEvent::kLongestText + 1));
   // The loader's own errors are plain ones, whose name would tell nothing.
   const std::string kind =
       JSValueIsString(context, name) ? EngineString(context, name).utf8() : "Error";
   return kind == "Error" ? text : kind + ": " + text;
+}
+
+std::optional<std::string> failureOf(FunctionRef<void()> body) {
+  try {
+    id raised = guarded(body);
+    if (raised == nullptr) return std::nullopt;
+    std::u16string text;
+    release(guarded([&] { text = textOfRaised(raised); }));
+    release(raised);
+    return text.empty() ? "an Objective-C exception" : utf8FromUTF16(text);
+  } catch (const ProgramException&) {
+    throw;
+  } catch (const std::exception& error) {
+    return error.what();
+#ifdef __GLIBCXX__
+  } catch (const abi::__forced_unwind&) {
+    throw;  // the end of the thread, which unwinds it with this library alone
+#endif
+  } catch (...) {
+    return "a C++ exception";
+  }
 }
 
 }  // namespace tavlen::loader

@@ -5,6 +5,7 @@
 
 #include <JavaScriptCore/JavaScript.h>
 
+#include "tavlen/foundation/base/FunctionRef.h"
 #include "tools/loader/base/ExceptionGuard.h"
 
 namespace tavlen::loader {
@@ -20,7 +21,13 @@ JSValueRef errorOf(Engine& engine, Raised raised);
 /// or an Objective-C object itself. Nothing for an error of the script's own.
 std::optional<Raised> raisedBy(Engine& engine, JSValueRef thrown);
 
-/// The text of what a script threw, for a message: "TypeError: undefined is not an object".
+/// The beginning of the text of what a script threw, for a message: "TypeError: undefined is not an
+/// object".
 std::string messageOf(Engine& engine, JSValueRef thrown);
+
+/// Runs `body`, work of the loader's own, and returns the text of what it threw or raised: a
+/// mistake of the script, which asked for what cannot be done. Nothing if it ended well. A
+/// ProgramException passes.
+std::optional<std::string> failureOf(FunctionRef<void()> body);
 
 }  // namespace tavlen::loader

@@ -7,8 +7,8 @@
 
 #include "tavlen/foundation/objc/MethodSignature.h"
 #include "tools/loader/base/Messages.h"
-#include "tools/loader/engine/HookStack.h"
 #include "tools/loader/engine/Native.h"
+#include "tools/loader/engine/ProgramCode.h"
 
 namespace tavlen::loader {
 
@@ -18,8 +18,8 @@ namespace {
 std::string forwardedTypes(id receiver, SEL selector) {
   static const SEL kSignature = ObjCRuntime::selectorNamed("methodSignatureForSelector:");
   if (class_respondsToSelector(object_getClass(receiver), kSignature) == NO) return {};
-  const HookStack::Outside outside;
-  id platform = message(receiver, kSignature, selector);
+  id platform = nullptr;
+  runProgram([&] { platform = message(receiver, kSignature, selector); });
   const auto signature = MethodSignature::initWithSignature(platform);
   if (signature == nullptr) return {};
   std::string types = signature->methodReturnType();
@@ -28,12 +28,21 @@ std::string forwardedTypes(id receiver, SEL selector) {
   return types;
 }
 
+/// A pool counts no references. One that ends when the collector frees its wrapper ends others.
+bool isPool(id receiver) {
+  Class cls = isClass(receiver) ? reinterpret_cast<Class>(receiver) : object_getClass(receiver);
+  Class pools = ObjCRuntime::classNamed("NSAutoreleasePool");
+  while (cls != nullptr && cls != pools) cls = class_getSuperclass(cls);
+  return cls != nullptr;
+}
+
 CallableMethod describe(id receiver, SEL selector) {
   Class cls = object_getClass(receiver);
   Method method = class_getInstanceMethod(cls, selector);
   const char* own = method != nullptr ? method_getTypeEncoding(method) : nullptr;
   const std::string types = own != nullptr ? own : forwardedTypes(receiver, selector);
   const std::string name = methodText(cls, selector, isClass(receiver));
+  if (isPool(receiver)) throw ScriptError(name + ": scripts make no autorelease pools");
   if (types.empty()) throw ScriptError(name + ": there is no such method");
   try {
     const auto signature = CallSignature::from(types);

@@ -1,11 +1,10 @@
 #include "tools/loader/engine/Native.h"
 
-#include <cxxabi.h>
-
 #include <optional>
 
 #include "tools/loader/engine/Engine.h"
 #include "tools/loader/engine/ErrorValues.h"
+#include "tools/loader/engine/ProgramCode.h"
 #include "tools/loader/engine/ShownValue.h"
 
 namespace tavlen::loader {
@@ -14,23 +13,23 @@ namespace {
 
 void finalize(JSObjectRef object) { delete static_cast<Native*>(JSObjectGetPrivate(object)); }
 
+/// The error that `make` makes; a plain one if even that fails.
+JSValueRef madeError(Engine& engine, FunctionRef<JSValueRef()> make) {
+  JSValueRef error = nullptr;
+  if (failureOf([&] { error = make(); }))
+    error = JSObjectMakeError(engine.context(), 0, nullptr, nullptr);
+  return error;
+}
+
 /// Runs `body` for the engine: whatever it throws becomes an error of the script.
 JSValueRef contained(Engine& engine, JSValueRef* exception, FunctionRef<JSValueRef()> body) {
   JSValueRef value = nullptr;
   try {
-    if (id raised = guarded([&] { value = body(); })) {
-      *exception = errorOf(engine, Raised::adopting(raised));
-      return nullptr;
-    }
-    return value;
-  } catch (const ScriptError& error) {
-    *exception = errorOf(engine, error.what());
-#ifdef __GLIBCXX__
-  } catch (const abi::__forced_unwind&) {
-    throw;  // the end of the thread, which unwinds it with this library alone
-#endif
-  } catch (...) {
-    *exception = errorOf(engine, Raised(std::current_exception()));
+    const auto failure = failureOf([&] { value = body(); });
+    if (!failure) return value;
+    *exception = madeError(engine, [&] { return errorOf(engine, *failure); });
+  } catch (const ProgramException& exit) {
+    *exception = madeError(engine, [&] { return errorOf(engine, exit.raised); });
   }
   return nullptr;
 }

@@ -76,8 +76,8 @@ struct Call {
 struct NativeFunction : Native {
   explicit NativeFunction(Engine& owner) : Native(owner, Kind::function) {}
 
-  /// Does the work and returns its value. May throw ScriptError, any exception of the program, and
-  /// raise any Objective-C exception: the script receives each as an error.
+  /// Does the work and returns its value. Whatever it throws or raises becomes an error of the
+  /// script: a ProgramException one that carries the program's, any other a mistake.
   virtual JSValueRef call(const Call& call) = 0;
 };
 

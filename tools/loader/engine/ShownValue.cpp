@@ -10,6 +10,7 @@
 #include "tools/loader/base/Messages.h"
 #include "tools/loader/engine/Engine.h"
 #include "tools/loader/engine/HookStack.h"
+#include "tools/loader/engine/ProgramCode.h"
 
 namespace tavlen::loader {
 
@@ -110,8 +111,9 @@ JSValueRef primitiveOf(Native& native, bool wantsNumber) {
   if (!ObjCRuntime::respondsTo(object, "description"))
     return stringValue(context, shownNative(engine, native));
   static const SEL kDescription = ObjCRuntime::selectorNamed("description");
-  const HookStack::Outside outside;
-  return stringValue(context, textOf(message(object, kDescription)));
+  id description = nullptr;
+  runProgram([&] { description = message(object, kDescription); });
+  return stringValue(context, textOf(description));
 }
 
 }  // namespace tavlen::loader

@@ -103,23 +103,30 @@ void Hook::run(HookStack& stack, void* result, void** arguments) {
   if (raised) std::move(*raised).raise();
 }
 
+void Hook::readCall(HookStack& stack, HookRecord& record,
+                    std::optional<IdentityTable::Lent>& lent) {
+  const HookStack::OwnWork own(stack);
+  id receiver = receiverOf(record.arguments);
+  if (family_.countsReferences)
+    record.self = lent.emplace(engine_.objects(), receiver).wrapper();
+  else
+    record.self = const_cast<JSObjectRef>(engine_.objects().wrapped(receiver, Ownership::borrowed));
+  for (std::size_t i = kHidden; i < signature_->arguments().size(); ++i)
+    record.values[i - kHidden] =
+        readValue(engine_, *signature_->arguments()[i], record.arguments[i]);
+}
+
 std::optional<Raised> Hook::runScript(HookStack& stack, HookRecord& record, void* result) {
   std::optional<IdentityTable::Lent> lent;
-  const std::size_t count = signature_->arguments().size() - kHidden;
-  {
-    const HookStack::OwnWork own(stack);
-    id receiver = receiverOf(record.arguments);
-    if (family_.countsReferences)
-      record.self = lent.emplace(engine_.objects(), receiver).wrapper();
-    else
-      record.self =
-          const_cast<JSObjectRef>(engine_.objects().wrapped(receiver, Ownership::borrowed));
-    for (std::size_t i = 0; i < count; ++i)
-      record.values[i] =
-          readValue(engine_, *signature_->arguments()[i + kHidden], record.arguments[i + kHidden]);
+  if (const auto failure = failureOf([&] { readCall(stack, record, lent); })) {
+    reportMistake("the call: " + *failure, nullptr);
+    fallBack(record, result);
+    return std::nullopt;
   }
   std::optional<TracedCall> trace;
-  if (engine_.isTracing()) trace.emplace(*this, record);
+  // What cannot be shown is not traced.
+  if (engine_.isTracing()) (void)failureOf([&] { trace.emplace(*this, record); });
+  const std::size_t count = signature_->arguments().size() - kHidden;
   JSValueRef thrown = nullptr;
   JSValueRef value = nullptr;
   {
@@ -128,7 +135,7 @@ std::optional<Raised> Hook::runScript(HookStack& stack, HookRecord& record, void
                                    record.values, &thrown);
   }
   std::optional<Raised> raised = finish(record, value, thrown, result);
-  if (trace) trace->finish(result, raised ? &*raised : nullptr);
+  if (trace) (void)failureOf([&] { trace->finish(result, raised ? &*raised : nullptr); });
   return raised;
 }
 
@@ -136,7 +143,8 @@ std::optional<Raised> Hook::finish(HookRecord& record, JSValueRef value, JSValue
                                    void* result) {
   if (thrown != nullptr) {
     if (std::optional<Raised> raised = raisedBy(engine_, thrown)) return raised;
-    reportMistake(messageOf(engine_, thrown), thrown);
+    if (failureOf([&] { reportMistake(messageOf(engine_, thrown), thrown); }))
+      reportMistake("an error that cannot be shown", nullptr);
   } else if (takeAnswer(record, value, result)) {
     return std::nullopt;
   }
@@ -145,29 +153,31 @@ std::optional<Raised> Hook::finish(HookRecord& record, JSValueRef value, JSValue
 }
 
 bool Hook::takeAnswer(HookRecord& record, JSValueRef value, void* result) {
-  const ValueType& type = signature_->result();
   // What the original returned goes on as it came, with what a number does not keep.
-  if (value == record.answer && !type.isAggregate()) {
+  if (value == record.answer && !signature_->result().isAggregate()) {
     returnAnswer(record, result);
     return true;
   }
-  const HookStack::OwnWork own;
-  try {
-    if (type.kind() == ValueType::Kind::nothing) return true;
-    if (JSValueIsUndefined(engine_.context(), value)) throw ScriptError("it returned undefined");
-    writeValue(engine_, type, value, result);
-  } catch (const ScriptError& error) {
-    reportMistake(std::string("the result: ") + error.what(), nullptr);
+  if (const auto failure = failureOf([&] { writeAnswer(value, result); })) {
+    reportMistake("the result: " + *failure, nullptr);
     return false;
   }
+  return true;
+}
+
+void Hook::writeAnswer(JSValueRef value, void* result) const {
+  const ValueType& type = signature_->result();
+  if (type.kind() == ValueType::Kind::nothing) return;
+  const HookStack::OwnWork own;
+  if (JSValueIsUndefined(engine_.context(), value)) throw ScriptError("it returned undefined");
+  writeValue(engine_, type, value, result);
   widenResult(type, result);
-  if (type.kind() != ValueType::Kind::object) return true;
+  if (type.kind() != ValueType::Kind::object) return;
   id object = *static_cast<id*>(result);
   if (family_.givesResult)
     retain(object);
   else if (Native::of(engine_.context(), value) != nullptr)
     autorelease(retain(object));  // the script's own reference may end before the caller's
-  return true;
 }
 
 /// Gives the caller the original's answer, whose object a wrapper owns by now.
@@ -177,7 +187,7 @@ void Hook::returnAnswer(HookRecord& record, void* result) const {
   std::memcpy(result, record.answerMemory.data(), size);
   if (!family_.givesResult) return;
   const HookStack::OwnWork own;
-  retain(*static_cast<id*>(result));
+  (void)failureOf([&] { retain(*static_cast<id*>(result)); });  // what refuses is not counted
 }
 
 void Hook::reportMistake(const std::string& message, JSValueRef thrown) const {

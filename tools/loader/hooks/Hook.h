@@ -11,6 +11,7 @@
 #include "tools/loader/base/ExceptionGuard.h"
 #include "tools/loader/calls/ArgumentFrame.h"
 #include "tools/loader/engine/HookStack.h"
+#include "tools/loader/engine/IdentityTable.h"
 #include "tools/loader/types/MethodFamily.h"
 
 namespace tavlen::loader {
@@ -45,7 +46,8 @@ class Hook {
   JSObjectRef function() const { return target_.function; }
   const std::string& text() const { return target_.text; }
 
-  /// Calls the replaced method for %orig and keeps its answer in the record. Its exceptions pass.
+  /// Calls the replaced method for %orig and keeps its answer in the record. Throws
+  /// ProgramException.
   JSValueRef callOriginal(HookRecord& record, ArgumentFrame& frame);
 
  private:
@@ -59,6 +61,8 @@ class Hook {
   std::optional<Raised> runScript(HookStack& stack, HookRecord& record, void* result);
   std::optional<Raised> finish(HookRecord& record, JSValueRef value, JSValueRef thrown,
                                void* result);
+  void readCall(HookStack& stack, HookRecord& record, std::optional<IdentityTable::Lent>& lent);
+  void writeAnswer(JSValueRef value, void* result) const;
   bool takeAnswer(HookRecord& record, JSValueRef value, void* result);
   void reportMistake(const std::string& message, JSValueRef thrown) const;
   void fallBack(HookRecord& record, void* result);

@@ -21,9 +21,15 @@ namespace {
 using ObjCRuntime::classNamed;
 using ObjCRuntime::selectorNamed;
 
-constexpr unsigned kDeepest = 100;
+constexpr std::size_t kMostBoxed = 1000000;  ///< elements of arrays, together
 
-id boxedAt(Engine& engine, JSValueRef value, unsigned depth);
+/// How much may still be boxed: the arrays of a script may hold themselves, or one another.
+struct Limits {
+  unsigned depth = 100;
+  std::size_t elements = kMostBoxed;
+};
+
+id boxedAt(Engine& engine, JSValueRef value, Limits& limits);
 
 Class foundationClass(const char* name) {
   Class cls = classNamed(name);
@@ -56,15 +62,21 @@ id boxedBigInt(Engine& engine, JSValueRef value) {
 }
 
 /// Objects for collections, which hold no nil.
-id boxedElement(Engine& engine, JSValueRef value, unsigned depth) {
+id boxedElement(Engine& engine, JSValueRef value, Limits& limits) {
   static const SEL kNull = selectorNamed("null");
-  id object = boxedAt(engine, value, depth);
+  id object = boxedAt(engine, value, limits);
   return object != nullptr ? object : message(foundationClass("NSNull"), kNull);
 }
 
-std::size_t lengthOf(JSContextRef context, JSObjectRef array) {
-  return static_cast<std::size_t>(
-      JSValueToNumber(context, propertyOf(context, array, "length"), nullptr));
+/// The length of an array, whose elements count from now on.
+std::size_t takeLength(JSContextRef context, JSObjectRef array, Limits& limits) {
+  const double length = JSValueToNumber(context, propertyOf(context, array, "length"), nullptr);
+  if (!(length >= 0 && length <= static_cast<double>(limits.elements))) {
+    throw ScriptError("an array has more than " + std::to_string(kMostBoxed) + " elements");
+  }
+  const auto count = static_cast<std::size_t>(length);
+  limits.elements -= count;
+  return count;
 }
 
 JSValueRef elementOf(JSContextRef context, JSObjectRef array, std::size_t index) {
@@ -75,18 +87,20 @@ JSValueRef elementOf(JSContextRef context, JSObjectRef array, std::size_t index)
   return value;
 }
 
-id boxedArray(Engine& engine, JSObjectRef array, unsigned depth) {
-  if (depth == 0) throw ScriptError("an array is nested too deeply to be boxed");
-  const std::size_t count = lengthOf(engine.context(), array);
+id boxedArray(Engine& engine, JSObjectRef array, Limits& limits) {
+  if (limits.depth == 0) throw ScriptError("an array is nested too deeply to be boxed");
+  const std::size_t count = takeLength(engine.context(), array, limits);
+  --limits.depth;
   std::vector<id> objects;
   for (std::size_t i = 0; i < count; ++i)
-    objects.push_back(boxedElement(engine, elementOf(engine.context(), array, i), depth - 1));
+    objects.push_back(boxedElement(engine, elementOf(engine.context(), array, i), limits));
+  ++limits.depth;
   static const SEL kArray = selectorNamed("arrayWithObjects:count:");
   return message(foundationClass("NSArray"), kArray, objects.data(),
                  static_cast<unsigned long>(count));
 }
 
-id boxedAt(Engine& engine, JSValueRef value, unsigned depth) {
+id boxedAt(Engine& engine, JSValueRef value, Limits& limits) {
   JSContextRef context = engine.context();
   switch (JSValueGetType(context, value)) {
     case kJSTypeUndefined:
@@ -114,7 +128,7 @@ id boxedAt(Engine& engine, JSValueRef value, unsigned depth) {
     return static_cast<id>(native->pointer);
   }
   if (JSValueIsArray(context, value))
-    return boxedArray(engine, const_cast<JSObjectRef>(value), depth);
+    return boxedArray(engine, const_cast<JSObjectRef>(value), limits);
   throw ScriptError("expected an object, got " + shownValue(engine, value));
 }
 
@@ -122,7 +136,8 @@ id boxedAt(Engine& engine, JSValueRef value, unsigned depth) {
 
 id boxed(Engine& engine, JSValueRef value) {
   const HookStack::OwnWork own;
-  return boxedAt(engine, value, kDeepest);
+  Limits limits;
+  return boxedAt(engine, value, limits);
 }
 
 id boxedDictionary(Engine& engine, JSValueRef entries) {
@@ -134,13 +149,14 @@ id boxedDictionary(Engine& engine, JSValueRef entries) {
     return const_cast<JSObjectRef>(value);
   };
   JSObjectRef array = requireArray(entries);
-  const std::size_t count = lengthOf(context, array);
+  Limits limits;
+  const std::size_t count = takeLength(context, array, limits);
   std::vector<id> keys;
   std::vector<id> values;
   for (std::size_t i = 0; i < count; ++i) {
     JSObjectRef entry = requireArray(elementOf(context, array, i));
-    keys.push_back(boxedElement(engine, elementOf(context, entry, 0), kDeepest));
-    values.push_back(boxedElement(engine, elementOf(context, entry, 1), kDeepest));
+    keys.push_back(boxedElement(engine, elementOf(context, entry, 0), limits));
+    values.push_back(boxedElement(engine, elementOf(context, entry, 1), limits));
   }
   static const SEL kDictionary = selectorNamed("dictionaryWithObjects:forKeys:count:");
   return message(foundationClass("NSDictionary"), kDictionary, values.data(), keys.data(),

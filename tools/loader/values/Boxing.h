@@ -11,7 +11,7 @@ class Engine;
 /// The object for a value of a script: that of a wrapper, an autoreleased NSString, NSNumber or
 /// NSArray for a string, a number, a truth value or an array, nil for null and undefined. The
 /// elements of an array are boxed, too, null as NSNull. Throws ScriptError for anything else, and
-/// for arrays that contain themselves.
+/// for arrays that contain themselves or have too many elements, together with those in them.
 id boxed(Engine& engine, JSValueRef value);
 
 /// The autoreleased NSDictionary of an array of [key, value] pairs, which are boxed as elements

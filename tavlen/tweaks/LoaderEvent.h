@@ -22,8 +22,7 @@ struct TAVLEN_API LoaderEvent {
   static constexpr const char* kWaiting = "waiting";  ///< not hooked yet: no image has the class
   static constexpr const char* kRefused = "refused";  ///< not hooked
   static constexpr const char* kMistake = "mistake";  ///< of the script; the original answered
-  static constexpr const char* kSlow =
-      "slow";  ///< the script of a hook computes for longer than the limit
+  static constexpr const char* kSlow = "slow";  ///< a script computes for longer than the limit
   static constexpr const char* kCall = "call";  ///< a hooked call, when tracing
 
   std::string event;                        ///< one of the above

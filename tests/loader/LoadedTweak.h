@@ -4,8 +4,10 @@
 #include <objc/runtime.h>
 
 #include <algorithm>
+#include <chrono>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -13,6 +15,7 @@
 #include "tavlen/tweaks/TweakProcessor.h"
 #include "tests/support/TestPaths.h"
 #include "tools/loader/TweakLoader.h"
+#include "tools/loader/hooks/Watch.h"
 
 extern "C" void JSSynchronousGarbageCollectForDebugging(JSContextRef context);
 
@@ -46,9 +49,11 @@ class KeptEvents : public EventReceiver {
 /// A tweak of one script in this process. Its hooks stay, so each test hooks a class of its own.
 struct LoadedTweak {
   /// Converts the source with the transpiler and runs it.
-  explicit LoadedTweak(const std::string& source, bool isTracing = false) {
+  explicit LoadedTweak(const std::string& source, bool isTracing = false,
+                       std::optional<std::chrono::milliseconds> limit = {}) {
     const auto output = TweakProcessor(paths().resources).convert(source);
     loader = &TweakLoader::make({output.code, output.map, "/resources"}, events, isTracing);
+    if (limit) startWatch(loader->engine(), *limit);
     loader->run();
   }
 

@@ -12,7 +12,6 @@
 #include "tests/loader/LoadedTweak.h"
 #include "tools/loader/base/ExceptionGuard.h"
 #include "tools/loader/base/Messages.h"
-#include "tools/loader/hooks/Watch.h"
 
 namespace tavlen::loader {
 namespace {
@@ -163,15 +162,18 @@ TEST(LoaderHooks, AreMadeWhenTheirClassIsLoaded) {
   EXPECT_EQ(ObjCRuntime::send<double>(make("RuntimeProbe"), "half:", 4.0), -5);
 }
 
-TEST(LoaderHooks, OneThatComputesTooLongIsNamed) {
+TEST(LoaderHooks, CodeThatComputesTooLongIsNamed) {
   const std::string cls = makeClass("Answers");
+  const std::string loop = "const end = Date.now() + 200; while (Date.now() < end);";
   const LoadedTweak tweak(
-      hookOf(cls, "@24@0:8@16-answer:",
-             "const end = Date.now() + 200; while (Date.now() < end); return %orig"));
-  startWatch(tweak.loader->engine(), std::chrono::milliseconds(50));
+      hookOf(cls, "@24@0:8@16-answer:", loop + "return %orig") + '{' + loop + '}', false,
+      std::chrono::milliseconds(50));
   const ObjCRuntime::AutoreleasePool pool;
   ObjCRuntime::send(make(cls), "answer:", id());
-  EXPECT_THAT(tweak.events.of(LoaderEvent::kSlow), SizeIs(1));
+  const std::string text = "the script has been computing for more than 50 ms";
+  EXPECT_THAT(tweak.events.of(LoaderEvent::kSlow),
+              ElementsAre("0:0 : " + text, testing::EndsWith("[" + cls + " answer:]: " + text)));
+  EXPECT_THAT(tweak.events.of(LoaderEvent::kSlow)[1], testing::StartsWith("1:"));
 }
 
 }  // namespace

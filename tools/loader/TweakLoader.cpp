@@ -148,8 +148,11 @@ void TweakLoader::defineClassNames(JSObjectRef define) {
 
 void TweakLoader::run() {
   JSValueRef thrown = nullptr;
-  JSEvaluateScript(engine_.context(), EngineString(tweak_.code).get(), nullptr,
-                   EngineString(ScriptPlaces::kCodeURL).get(), 1, &thrown);
+  {
+    const HookStack::OutermostCode computing(outermost_);
+    JSEvaluateScript(engine_.context(), EngineString(tweak_.code).get(), nullptr,
+                     EngineString(ScriptPlaces::kCodeURL).get(), 1, &thrown);
+  }
   if (thrown != nullptr) engine_.reportMistake({}, messageOf(engine_, thrown), thrown, nullptr);
   if (!engine_.releases().isEmpty()) engine_.releases().drain();
 }

@@ -7,6 +7,7 @@
 #include "tools/loader/base/EventReceiver.h"
 #include "tools/loader/engine/Engine.h"
 #include "tools/loader/engine/Native.h"
+#include "tools/loader/engine/WatchedCode.h"
 #include "tools/loader/hooks/HookRequests.h"
 
 namespace tavlen::loader {
@@ -45,6 +46,7 @@ class TweakLoader {
 
   const TweakCode tweak_;
   Engine engine_;
+  const WatchedCode outermost_{engine_, {}, {}};
   HookRequests& hooks_;  ///< owned by the context
 };
 

@@ -43,21 +43,31 @@ void HookStack::forEachThread(FunctionRef<void(const Running&)> visit) {
 }
 
 /// Only this thread writes, and the watch reads now and then: no order is needed.
-void HookStack::computes(Hook* hook) {
+void HookStack::computes(const WatchedCode* code) {
   running_.serial.store(running_.serial.load(std::memory_order_relaxed) + 1,
                         std::memory_order_relaxed);
-  running_.hook.store(hook, std::memory_order_relaxed);
+  running_.code.store(code, std::memory_order_relaxed);
 }
 
 HookStack::Entry::Entry(HookStack& stack, HookRecord& record) : stack_(stack) {
   record.outer = stack.top_;
   stack.top_ = &record;
-  stack.computes(&record.hook);
+  stack.computes(record.watched);
 }
 
 HookStack::Entry::~Entry() {
   stack_.top_ = stack_.top_->outer;
   stack_.computes(nullptr);  // below it is the program's code, or nothing
+}
+
+HookStack::OutermostCode::OutermostCode(const WatchedCode& code, HookStack& stack) : stack_(stack) {
+  stack_.outermost_ = &code;
+  stack_.computes(&code);
+}
+
+HookStack::OutermostCode::~OutermostCode() {
+  stack_.outermost_ = nullptr;
+  stack_.computes(nullptr);
 }
 
 HookStack::Outside::Outside(HookStack& stack)
@@ -67,7 +77,7 @@ HookStack::Outside::Outside(HookStack& stack)
 
 HookStack::Outside::~Outside() {
   stack_.ownWork_ = ownWork_;
-  stack_.computes(stack_.top_ != nullptr ? &stack_.top_->hook : nullptr);
+  stack_.computes(stack_.top_ != nullptr ? stack_.top_->watched : stack_.outermost_);
 }
 
 }  // namespace tavlen::loader

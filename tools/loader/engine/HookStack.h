@@ -12,13 +12,15 @@
 namespace tavlen::loader {
 
 class Hook;
+struct WatchedCode;
 
 /// One call of a hook. On the stack of its thread, where the collector sees the values.
 struct HookRecord {
-  HookRecord(Hook& owner, void** passed, std::size_t resultSize)
-      : hook(owner), arguments(passed), answerMemory(resultSize) {}
+  HookRecord(Hook& owner, const WatchedCode& code, void** passed, std::size_t resultSize)
+      : hook(owner), watched(&code), arguments(passed), answerMemory(resultSize) {}
 
   Hook& hook;
+  const WatchedCode* watched;  ///< the hook's
   void** arguments;            ///< the caller's, receiver and selector first, as libffi passes them
   JSObjectRef self = nullptr;  ///< the receiver
   JSValueRef answer = nullptr;  ///< what the original returned; null before it was called
@@ -53,6 +55,17 @@ class HookStack {
    private:
     HookStack& stack_;
   };
+  /// Code that runs outside of hooks (RAII).
+  class OutermostCode {
+   public:
+    explicit OutermostCode(const WatchedCode& code, HookStack& stack = current());
+    OutermostCode(const OutermostCode&) = delete;
+    OutermostCode& operator=(const OutermostCode&) = delete;
+    ~OutermostCode();
+
+   private:
+    HookStack& stack_;
+  };
   /// The loader's own messages (RAII): hooks that they meet call the originals.
   class OwnWork {
    public:
@@ -81,17 +94,18 @@ class HookStack {
 
   /// The script that runs on a thread, for whom it takes too long.
   struct Running {
-    std::atomic<Hook*> hook = nullptr;      ///< null while no script computes
+    std::atomic<const WatchedCode*> code = nullptr;  ///< null while no script computes
     std::atomic<std::uint64_t> serial = 0;  ///< changes whenever a script begins or goes on
   };
-  /// Calls `visit` with the state of each thread that has run a hook, under a lock.
+  /// Calls `visit` with the state of each thread that has run a script, under a lock.
   static void forEachThread(FunctionRef<void(const Running&)> visit);
 
  private:
   HookStack();
-  void computes(Hook* hook);
+  void computes(const WatchedCode* code);
 
   HookRecord* top_ = nullptr;
+  const WatchedCode* outermost_ = nullptr;  ///< what runs outside of hooks
   unsigned ownWork_ = 0;
   Running running_;
 };

@@ -63,6 +63,7 @@ void Hook::install(Engine& engine, Target target) {
 Hook::Hook(Engine& engine, Target target, std::shared_ptr<const CallSignature> signature)
     : engine_(engine),
       target_(std::move(target)),
+      watched_{engine, target_.text, target_.place},
       signature_(std::move(signature)),
       family_(MethodFamily::of(sel_getName(target_.selector), target_.isClassMethod, *signature_)) {
 }
@@ -95,7 +96,7 @@ void Hook::enter(ffi_cif* /*cif*/, void* result, void** arguments, void* hook) {
 
 void Hook::run(HookStack& stack, void* result, void** arguments) {
   if (stack.isOwnWork() || engine_.isStopped()) return callReplaced(arguments, result);
-  HookRecord record(*this, arguments, signature_->resultSize());
+  HookRecord record(*this, watched_, arguments, signature_->resultSize());
   record.ownsReceiver = family_.takesReceiver;
   std::optional<Raised> raised = runScript(stack, record, result);
   if (record.ownsReceiver) engine_.releases().add(receiverOf(arguments), true);

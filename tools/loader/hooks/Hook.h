@@ -8,10 +8,12 @@
 
 #include <JavaScriptCore/JavaScript.h>
 
+#include "tavlen/foundation/text/TextLines.h"
 #include "tools/loader/base/ExceptionGuard.h"
 #include "tools/loader/calls/ArgumentFrame.h"
 #include "tools/loader/engine/HookStack.h"
 #include "tools/loader/engine/IdentityTable.h"
+#include "tools/loader/engine/WatchedCode.h"
 #include "tools/loader/types/MethodFamily.h"
 
 namespace tavlen::loader {
@@ -30,8 +32,9 @@ class Hook {
     SEL selector;
     std::string text;  ///< "-[Class selector]"
     bool isClassMethod;
-    std::string encoding;  ///< as the tweak declares the method's types
-    JSObjectRef function;  ///< protected
+    std::string encoding;               ///< as the tweak declares the method's types
+    JSObjectRef function;               ///< protected
+    std::optional<TextPosition> place;  ///< in the source
   };
 
   /// Replaces the method. Throws UnsupportedType if its types cannot be passed or differ from the
@@ -72,6 +75,7 @@ class Hook {
 
   Engine& engine_;
   const Target target_;
+  const WatchedCode watched_;
   const std::shared_ptr<const CallSignature> signature_;
   const MethodFamily family_;
   void (*replaced_)() =

@@ -101,9 +101,10 @@ bool HookRequests::install(const Request& request) {
   Class cls = ObjCRuntime::classNamed(request.className.c_str());
   if (cls == nullptr) return false;
   try {
-    Hook::install(engine, {request.isClassMethod ? object_getClass(reinterpret_cast<id>(cls)) : cls,
-                           ObjCRuntime::selectorNamed(request.selector.c_str()), request.text,
-                           request.isClassMethod, request.encoding, request.function});
+    Hook::install(engine,
+                  {request.isClassMethod ? object_getClass(reinterpret_cast<id>(cls)) : cls,
+                   ObjCRuntime::selectorNamed(request.selector.c_str()), request.text,
+                   request.isClassMethod, request.encoding, request.function, request.place});
     report(LoaderEvent::kHooked, request, {});
   } catch (const std::exception& error) {
     report(LoaderEvent::kRefused, request, error.what());

@@ -10,7 +10,7 @@
 #include "tavlen/foundation/objc/ObjCRuntime.h"
 #include "tools/loader/engine/Engine.h"
 #include "tools/loader/engine/HookStack.h"
-#include "tools/loader/hooks/Hook.h"
+#include "tools/loader/engine/WatchedCode.h"
 
 namespace tavlen::loader {
 
@@ -34,25 +34,41 @@ class Watch {
     const auto interval = std::clamp(limit_ / 10, std::chrono::milliseconds(1), kLongestInterval);
     while (true) {
       std::this_thread::sleep_for(interval);
-      HookStack::forEachThread([&](const HookStack::Running& running) { look(running); });
-      if (!engine_.releases().isEmpty()) release();
+      bool isIdle = true;
+      HookStack::forEachThread(
+          [&](const HookStack::Running& running) { isIdle = look(running) && isIdle; });
+      // To release takes the engine, which a script that computes for ever would not give.
+      if (isIdle && !engine_.releases().isEmpty()) release();
     }
   }
 
  private:
-  void look(const HookStack::Running& running) {
-    const Hook* hook = running.hook.load(std::memory_order_relaxed);
+  /// Returns whether no script computes on the thread.
+  bool look(const HookStack::Running& running) {
+    const WatchedCode* code = running.code.load(std::memory_order_relaxed);
     const std::uint64_t serial = running.serial.load(std::memory_order_relaxed);
     Seen& seen = seen_[&running];
-    if (hook == nullptr || &hook->engine() != &engine_ || seen.serial != serial) {
+    const bool isIdle = code == nullptr || &code->engine != &engine_;
+    if (isIdle || seen.serial != serial) {
       seen = {serial, Clock::now(), false};
-      return;
+      return isIdle;
     }
-    if (seen.isReported || Clock::now() - seen.since < limit_) return;
-    seen.isReported = true;
-    LoaderEvent event{.event = LoaderEvent::kSlow, .method = hook->text()};
+    if (!seen.isReported && Clock::now() - seen.since >= limit_) {
+      seen.isReported = true;
+      report(*code);
+    }
+    return false;
+  }
+
+  void report(const WatchedCode& code) {
+    LoaderEvent event{.event = LoaderEvent::kSlow};
+    if (!code.method.empty()) event.method = code.method;
     event.message =
         "the script has been computing for more than " + std::to_string(limit_.count()) + " ms";
+    if (code.place) {
+      event.line = code.place->line;
+      event.column = code.place->column;
+    }
     engine_.report(event);
   }
 

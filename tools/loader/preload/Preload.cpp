@@ -105,8 +105,8 @@ void start(const Settings& settings) {
   loader.engine().report({.event = LoaderEvent::kStarted});
   theLoader = &loader;
   ::pthread_atfork(nullptr, nullptr, [] { theLoader.load()->engine().stop(); });
-  loader.run();
   startWatch(loader.engine(), settings.limit);
+  loader.run();
 }
 
 int runMain(int argc, char** argv, char** environment) {

@@ -1,15 +1,18 @@
 #include "cli/process/TriedProgram.h"
 
+#include <fcntl.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <array>
+#include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
 #include <exception>
+#include <stdexcept>
 #include <string_view>
 #include <system_error>
 
@@ -49,19 +52,75 @@ class IgnoredKeys {
   std::array<void (*)(int), 2> former_{};
 };
 
-/// The descriptor of the program through which the loader reports.
-constexpr int kEventsDescriptor = STDERR_FILENO + 1;
+/// Passes the signals that ask a program to end on to the one that is tried (RAII), except for
+/// those that the caller ignores, as nohup does.
+class PassedSignals {
+ public:
+  explicit PassedSignals(pid_t child) {
+    target() = child;
+    for (std::size_t i = 0; i < kSignals.size(); ++i) {
+      struct sigaction action {};
+      (void)::sigaction(kSignals.at(i), nullptr, &former_.at(i));
+      if (former_.at(i).sa_handler == SIG_IGN) continue;
+      action.sa_handler = [](int signal) {
+        if (const pid_t program = target()) (void)::kill(program, signal);
+      };
+      (void)::sigaction(kSignals.at(i), &action, nullptr);
+    }
+  }
+  PassedSignals(const PassedSignals&) = delete;
+  PassedSignals& operator=(const PassedSignals&) = delete;
+  ~PassedSignals() {
+    for (std::size_t i = 0; i < kSignals.size(); ++i)
+      (void)::sigaction(kSignals.at(i), &former_.at(i), nullptr);
+  }
 
-void setVariables(Spawn& spawn, const TriedProgram& program) {
+  /// From now on the program's number may belong to another.
+  static void stop() { target() = 0; }
+
+ private:
+  static constexpr std::array kSignals = {SIGTERM, SIGHUP};
+
+  static std::atomic<pid_t>& target() {
+    static std::atomic<pid_t> child = 0;
+    return child;
+  }
+
+  std::array<struct sigaction, 2> former_{};
+};
+
+/// The socket at a number that the caller does not use, and that the program does not expect: one
+/// that closes descriptors of others may open one of its own with a low number next.
+FileDescriptor highDescriptor(int socket) {
+  int number = -1;
+  for (const int lowest : {200, 20, 3}) {
+    if (number < 0) number = ::fcntl(socket, F_DUPFD_CLOEXEC, lowest);
+  }
+  if (number < 0) throwSystemError("fcntl");
+  return FileDescriptor(number);
+}
+
+void setVariables(Spawn& spawn, const TriedProgram& program, int events) {
   const std::string library = loaderLibrary().string();
   const char* preloaded = std::getenv("LD_PRELOAD");  // NOLINT(concurrency-mt-unsafe)
   spawn.setVariable("LD_PRELOAD", preloaded == nullptr ? library : library + ':' + preloaded);
   spawn.setVariable(settings::kLibrary, library);
   spawn.setVariable(settings::kProgram, fs::canonical(program.path).string());
   spawn.setVariable(settings::kTweak, fs::absolute(program.package).string());
-  spawn.setVariable(settings::kEvents, std::to_string(kEventsDescriptor));
+  spawn.setVariable(settings::kEvents, std::to_string(events));
   spawn.setVariable(settings::kLimit, std::to_string(program.limit.count()));
   if (program.isTraced) spawn.setVariable(settings::kTrace, "1");
+}
+
+/// Throws if the loader cannot be preloaded.
+void requireLoader() {
+  const std::string library = loaderLibrary().string();
+  if (!fs::exists(library)) throwSystemError(ENOENT, library);
+  // The list of libraries to preload is parted by both, and knows no quotes.
+  if (library.find_first_of(": ") != std::string::npos)
+    throw std::runtime_error(library +
+                             ": a path with a blank or a colon cannot be preloaded; install the "
+                             "command elsewhere to try tweaks");
 }
 
 /// Passes an event on. The program could send as well, so none of it is trusted.
@@ -105,6 +164,10 @@ int waitFor(pid_t child, int socket, Receive receive) {
   constexpr int kInterval = 50;
   bool isOpen = true;
   while (isOpen && !hasEnded(child)) isOpen = receiveEvents(socket, kInterval, receive);
+  siginfo_t info{};
+  (void)retryOnInterrupt(
+      [&] { return ::waitid(P_PID, static_cast<id_t>(child), &info, WEXITED | WNOWAIT); });
+  PassedSignals::stop();
   int status = 0;
   (void)retryOnInterrupt([&] { return ::waitpid(child, &status, 0); });
   if (isOpen) (void)receiveEvents(socket, 0, receive);
@@ -129,17 +192,21 @@ fs::path programNamed(const std::string& name) {
 }
 
 int runTried(const TriedProgram& program, Receive receive) {
-  if (!fs::exists(loaderLibrary())) throwSystemError(ENOENT, loaderLibrary().string());
+  requireLoader();
   Connection events = Connection::messagePair();
   Spawn spawn;
-  spawn.redirect(events.second.get(), kEventsDescriptor);
-  setVariables(spawn, program);
+  FileDescriptor high = highDescriptor(events.second.get());
+  spawn.inheritDescriptors();
+  spawn.redirect(events.second.get(), high.get());
+  setVariables(spawn, program, high.get());
   pid_t child = 0;
   const int error =
       spawn.start(program.path.c_str(), program.arguments, ProgramLookup::exact, child);
   if (error != 0) throwSystemError(error, program.path.string());
-  events.second = FileDescriptor();
+  const PassedSignals passed(child);
   const IgnoredKeys ignored;
+  events.second = FileDescriptor();
+  high = FileDescriptor();
   return waitFor(child, events.first.get(), receive);
 }
 

@@ -23,9 +23,11 @@ struct TriedProgram {
 /// there is none.
 std::filesystem::path programNamed(const std::string& name);
 
-/// Runs the program, which shares the standard streams and the terminal's signals, to its end, and
+/// Runs the program, which shares the descriptors and the terminal's signals, to its end, and
 /// passes on what the loader in it reports. Returns its exit status; as shells do, 128 and the
-/// signal's number if a signal ended it. Throws std::system_error. Not thread-safe.
+/// signal's number if a signal ended it. SIGTERM and SIGHUP go on to the program. Throws
+/// std::system_error, and std::runtime_error if the loader's path cannot be preloaded. Not
+/// thread-safe.
 int runTried(const TriedProgram& program, FunctionRef<void(const LoaderEvent&)> receive);
 
 }  // namespace tavlen::cli

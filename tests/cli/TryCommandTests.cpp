@@ -126,6 +126,11 @@ TEST_F(TryCommandTest, LeavesTheProgramItsStatusAndItsEnvironment) {
   EXPECT_THAT(child.out, HasSubstr("title: original\n"));
   EXPECT_EQ(child.out.find("TAVLEN_LOADER"), std::string::npos);
   EXPECT_EQ(child.out.find("LD_PRELOAD"), std::string::npos);
+  write("three", "passed on");
+  EXPECT_EQ(shell("exec 3<three; ulimit -n 60; \"$tavlen\" try Shelf -- cat /dev/fd/3").out,
+            "passed on");
+  EXPECT_EQ(shell("\"$tavlen\" try Shelf -- sleep 60 & sleep 1; kill $!; wait $!").status,
+            128 + SIGTERM);
   write("script.sh", "#!/bin/sh\nexit 3\n");
   fs::permissions(folder() / "script.sh", fs::perms::owner_all);
   const Result script = run("try Shelf -- ./script.sh");

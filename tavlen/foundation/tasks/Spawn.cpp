@@ -79,6 +79,11 @@ void Spawn::redirect(int from, int to) {
   last_ = std::max(last_, to);
 }
 
+void Spawn::inheritDescriptors() {
+  inheritsDescriptors_ = true;
+  flags_ = static_cast<short>(flags_ & ~kFlags);
+}
+
 void Spawn::setVariable(const std::string& name, const std::string& value) {
   variables_.push_back(name + '=' + value);
 }
@@ -91,7 +96,9 @@ void Spawn::makeOwnGroup() {
 int Spawn::start(const char* program, const std::vector<std::string>& arguments,
                  ProgramLookup lookup, pid_t& child) {
   // Actions take place in the order of their addition, so the redirected descriptors still exist.
-  if (const int error = keepUntil(actions_, last_)) return error;
+  if (!inheritsDescriptors_) {
+    if (const int error = keepUntil(actions_, last_)) return error;
+  }
   if (const int error = ::posix_spawnattr_setflags(&attributes_, flags_)) return error;
   const ArgumentVector vector(arguments);
   const ArgumentVector environment(environmentWith(variables_));

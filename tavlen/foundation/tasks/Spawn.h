@@ -18,7 +18,7 @@ enum class ProgramLookup {
 
 /// Starts a child that inherits the three standard streams and what it is given, but no other
 /// descriptor, even one that was opened without close-on-exec, by a library or between two calls of
-/// another thread.
+/// another thread. It inherits those as programs do only after inheritDescriptors().
 ///
 /// Users of the library have Process. Threads: any, one object one thread at a time.
 class TAVLEN_API Spawn {
@@ -29,9 +29,11 @@ class TAVLEN_API Spawn {
   Spawn& operator=(const Spawn&) = delete;
   ~Spawn();
 
-  /// The child's descriptor `to` is `from`: a standard stream, or the first one after these, which
-  /// the child then has as well. Throws std::system_error.
+  /// The child's descriptor `to` is `from`: a standard stream, the first one after these, which the
+  /// child then has as well, or any after inheritDescriptors(). Throws std::system_error.
   void redirect(int from, int to);
+  /// The child gets each descriptor of the caller that is not close-on-exec.
+  void inheritDescriptors();
   /// A variable of the child's environment, instead of the caller's of this name.
   void setVariable(const std::string& name, const std::string& value);
   /// The child gets a process group of its own. Throws std::system_error.
@@ -47,6 +49,7 @@ class TAVLEN_API Spawn {
   posix_spawn_file_actions_t actions_{};
   posix_spawnattr_t attributes_{};
   short flags_ = 0;
+  bool inheritsDescriptors_ = false;
   int last_ = 2;  ///< the largest descriptor that the child inherits
   std::vector<std::string> variables_;
 };

@@ -1,5 +1,10 @@
 #include "tools/loader/engine/Engine.h"
 
+#include <algorithm>
+#include <cstddef>
+#include <utility>
+
+#include "tavlen/foundation/text/Unicode.h"
 #include "tools/loader/base/EngineString.h"
 
 namespace tavlen::loader {
@@ -12,6 +17,31 @@ Engine::Engine(const std::string& code, const std::string& map, EventReceiver& r
       context_(JSGlobalContextCreate(nullptr)),
       objects_(*this),
       releases_(*this) {}
+
+namespace {
+
+/// Well-formed UTF-8, and no longer than the text of an event. Names of classes may be any bytes.
+void shorten(std::string& text) {
+  const auto isStart = [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80; };
+  constexpr std::size_t kMostBytes = 4;  // of a code point
+  if (text.size() > LoaderEvent::kLongestText * kMostBytes)
+    text.resize(LoaderEvent::kLongestText * kMostBytes);
+  text = wellFormedUTF8(text);
+  std::size_t count = 0;
+  const auto end = std::find_if(text.begin(), text.end(), [&](char byte) {
+    return isStart(byte) && ++count > LoaderEvent::kLongestText;
+  });
+  text.erase(end, text.end());
+}
+
+}  // namespace
+
+void Engine::report(LoaderEvent event) {
+  for (auto* text : {&event.method, &event.message, &event.receiver, &event.result})
+    if (*text) shorten(**text);
+  if (event.arguments) std::for_each(event.arguments->begin(), event.arguments->end(), shorten);
+  receiver_.receive(event);
+}
 
 std::optional<TextPosition> Engine::placeOf(JSValueRef thrown, JSObjectRef function) const {
   std::optional<TextPosition> place;
@@ -26,6 +56,7 @@ void Engine::reportMistake(const std::string& method, const std::string& message
   constexpr std::size_t kMostRemembered = 1000;
   const std::optional<TextPosition> place = placeOf(thrown, function);
   LoaderEvent event{.event = LoaderEvent::kMistake, .message = message};
+  shorten(*event.message);
   if (!method.empty()) event.method = method;
   if (place) {
     event.line = place->line;
@@ -33,10 +64,11 @@ void Engine::reportMistake(const std::string& method, const std::string& message
   }
   {
     const std::lock_guard lock(lock_);
-    const std::string key = method + '\n' + message + '\n' + std::to_string(event.line.value_or(0));
+    const std::string key =
+        method + '\n' + *event.message + '\n' + std::to_string(event.line.value_or(0));
     if (mistakes_.size() >= kMostRemembered || !mistakes_.insert(key).second) return;
   }
-  report(event);
+  report(std::move(event));
 }
 
 }  // namespace tavlen::loader

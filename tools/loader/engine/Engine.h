@@ -42,7 +42,8 @@ class Engine {
 
   /// Whether calls are reported.
   bool isTracing() const { return isTracing_; }
-  void report(const LoaderEvent& event) { receiver_.receive(event); }
+  /// Reports the event with shortened texts.
+  void report(LoaderEvent event);
   /// Reports a mistake of the hook `method`, or of the code outside of hooks if that is empty; once
   /// for each text and place. Its place is that of `thrown`, or else of `function`; each may be
   /// null.

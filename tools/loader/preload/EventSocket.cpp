@@ -4,6 +4,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <exception>
 #include <string>
 
@@ -12,19 +13,25 @@
 
 namespace tavlen::loader {
 
-EventSocket::EventSocket(int socket) {
-  // A program that closes descriptors of others may open one of its own with a low number next.
-  constexpr int kLowest = 200;
-  socket_ = ::fcntl(socket, F_DUPFD_CLOEXEC, kLowest);
-  (void)::close(socket);
+EventSocket::EventSocket(int socket) : socket_(socket) {
+  (void)::fcntl(socket_, F_SETFD, FD_CLOEXEC);
 }
 
 void EventSocket::receive(const LoaderEvent& event) {
+  if (send(event) || errno != EMSGSIZE) return;  // any other failure is of all events to come
+  LoaderEvent rest = event;
+  rest.arguments.reset();
+  rest.result.reset();
+  (void)send(rest);
+}
+
+bool EventSocket::send(const LoaderEvent& event) const {
   try {
     const std::string text = encodeJSON(event);
-    (void)retryOnInterrupt([&] { return ::send(socket_, text.data(), text.size(), MSG_NOSIGNAL); });
+    return retryOnInterrupt(
+               [&] { return ::send(socket_, text.data(), text.size(), MSG_NOSIGNAL); }) >= 0;
   } catch (const std::exception&) {
-    // Names of classes may be any bytes, of which JSON has no form.
+    return true;  // there is no memory for the event
   }
 }
 

@@ -4,7 +4,8 @@
 
 namespace tavlen::loader {
 
-/// Sends each event as one packet of JSON. An event that cannot be sent is dropped.
+/// Sends each event as one packet of JSON. One that is too large goes without arguments and result;
+/// any other that cannot be sent is dropped.
 class EventSocket : public EventReceiver {
  public:
   /// Keeps `socket` open, but not in programs that this one starts.
@@ -13,6 +14,9 @@ class EventSocket : public EventReceiver {
   void receive(const LoaderEvent& event) override;
 
  private:
+  /// Returns false with errno if it cannot be sent.
+  bool send(const LoaderEvent& event) const;
+
   int socket_;
 };
 

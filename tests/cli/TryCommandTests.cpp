@@ -61,7 +61,7 @@ TEST_F(TryCommandTest, EachConstantThatCanBeStoredAnswers) {
       {"range", "{_NSRange=QQ}16@0:8", "code:[8,9]", "{location=8, length=9}"},
       {"block", "@16@0:8",
        R"(json:{"type":"Array","items":[{"type":"Nil"},{"type":"Color","red":1,"green":0.5,"blue":0,"alpha":1}]})",
-       "(\"<null>\", \"UIColor 1 0.5 0 1\")"},
+       R"(("<null>", "UIColor 1 0.5 0 1"))"},
       {"join", "", "", "a 1 0.5 8 n 4"},
       {"inherited", "@16@0:8", "", "hooked"},
       {"CFBundleName", "", "", "Overridden"},

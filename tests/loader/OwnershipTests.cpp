@@ -136,6 +136,7 @@ TEST(LoaderThreads, ShareOneScript) {
   constexpr int kCalls = 300;
   constexpr int kDepth = 9;
   std::vector<std::thread> threads;
+  threads.reserve(kThreads);
   for (int i = 0; i < kThreads; ++i) {
     threads.emplace_back([&] {
       for (int call = 0; call < kCalls; ++call) {

@@ -23,7 +23,8 @@ namespace {
 
 }  // namespace
 
-SharedLibrary::SharedLibrary(const char* name) : handle_(::dlopen(name, RTLD_LAZY | RTLD_NODELETE)) {
+SharedLibrary::SharedLibrary(const char* name)
+    : handle_(::dlopen(name, RTLD_LAZY | RTLD_NODELETE)) {
   if (handle_ == nullptr) fail(name);
 }
 

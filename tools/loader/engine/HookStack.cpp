@@ -60,13 +60,13 @@ HookStack::Entry::~Entry() {
   stack_.computes(nullptr);  // below it is the program's code, or nothing
 }
 
-HookStack::OutermostCode::OutermostCode(const WatchedCode& code, HookStack& stack) : stack_(stack) {
-  stack_.outermost_ = &code;
+HookStack::OutermostCode::OutermostCode(const WatchedCode& code, HookStack& stack)
+    : stack_(stack), former_(std::exchange(stack.outermost_, &code)) {
   stack_.computes(&code);
 }
 
 HookStack::OutermostCode::~OutermostCode() {
-  stack_.outermost_ = nullptr;
+  stack_.outermost_ = former_;
   stack_.computes(nullptr);
 }
 

@@ -55,7 +55,7 @@ class HookStack {
    private:
     HookStack& stack_;
   };
-  /// Code that runs outside of hooks (RAII).
+  /// Code that runs outside of a hook's function (RAII).
   class OutermostCode {
    public:
     explicit OutermostCode(const WatchedCode& code, HookStack& stack = current());
@@ -65,6 +65,7 @@ class HookStack {
 
    private:
     HookStack& stack_;
+    const WatchedCode* former_;
   };
   /// The loader's own messages (RAII): hooks that they meet call the originals.
   class OwnWork {

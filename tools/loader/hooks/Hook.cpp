@@ -142,12 +142,16 @@ std::optional<Raised> Hook::runScript(HookStack& stack, HookRecord& record, void
 
 std::optional<Raised> Hook::finish(HookRecord& record, JSValueRef value, JSValueRef thrown,
                                    void* result) {
-  if (thrown != nullptr) {
-    if (std::optional<Raised> raised = raisedBy(engine_, thrown)) return raised;
-    if (failureOf([&] { reportMistake(messageOf(engine_, thrown), thrown); }))
+  {
+    // What it returned or threw may have getters.
+    const HookStack::OutermostCode computing(watched_);
+    if (thrown == nullptr) {
+      if (takeAnswer(record, value, result)) return std::nullopt;
+    } else if (std::optional<Raised> raised = raisedBy(engine_, thrown)) {
+      return raised;
+    } else if (failureOf([&] { reportMistake(messageOf(engine_, thrown), thrown); })) {
       reportMistake("an error that cannot be shown", nullptr);
-  } else if (takeAnswer(record, value, result)) {
-    return std::nullopt;
+    }
   }
   fallBack(record, result);
   return std::nullopt;

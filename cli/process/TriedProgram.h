@@ -20,7 +20,7 @@ struct TriedProgram {
 };
 
 /// The path of the program `name`, which is searched for as shells do. Throws std::system_error if
-/// there is none.
+/// no program has that name.
 std::filesystem::path programNamed(const std::string& name);
 
 /// Runs the program, which shares the descriptors and the terminal's signals, to its end, and

@@ -12,7 +12,8 @@ class TAVLEN_API SharedLibrary {
   /// Loads the library of that file name. Throws std::runtime_error with the reason. Threads: any.
   explicit SharedLibrary(const char* name);
 
-  /// Sets `function` to the one of that name. Throws std::runtime_error if there is none.
+  /// Sets `function` to the one of that name. Throws std::runtime_error if the library lacks it.
+  /// Not on Apple's systems. Threads: any.
   template <class Function>
   void find(const char* name, Function& function) const {
     function = reinterpret_cast<Function>(address(name));

@@ -41,7 +41,7 @@ class HookStack {
   HookStack& operator=(const HookStack&) = delete;
   ~HookStack();
 
-  /// The running hook; null if there is none.
+  /// The running hook; null outside of hooks.
   HookRecord* top() const { return top_; }
 
   /// A hook function that runs (RAII).

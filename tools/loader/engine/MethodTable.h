@@ -29,8 +29,8 @@ class MethodTable {
   ~MethodTable() = default;
 
   /// The method that a message `selector` to `receiver`, which is not nil, calls or is forwarded
-  /// as. Valid for ever. Throws ScriptError if there is none, or if its types cannot be passed, and
-  /// ProgramException: it may ask the receiver for a forwarded message's types.
+  /// as. Valid for ever. Throws ScriptError without such a method, or if its types cannot be
+  /// passed, and ProgramException: it may ask the receiver for a forwarded message's types.
   const CallableMethod& find(id receiver, SEL selector);
 
  private:

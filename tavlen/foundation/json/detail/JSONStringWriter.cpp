@@ -110,7 +110,7 @@ class PlainCopy {
 
 #endif
 
-/// The letters of the short escapes, by the byte; 0 where there is none.
+/// The letters of the short escapes, by the byte; 0 for bytes without one.
 constexpr auto kShortEscapes = [] {
   std::array<char, '\\' + 1> letters{};
   letters['"'] = '"';

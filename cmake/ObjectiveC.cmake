@@ -11,7 +11,7 @@ enable_language(OBJC)
 # For a target of Objective-C sources.
 function(tavlen_use_foundation target)
   target_compile_options(${target} PRIVATE
-    -std=gnu11 -fexceptions -fobjc-exceptions -fconstant-string-class=NSConstantString -pthread)
+    -pthread "$<$<COMPILE_LANGUAGE:OBJC>:-std=gnu11;-fexceptions;-fobjc-exceptions;-fconstant-string-class=NSConstantString>")
   target_compile_definitions(${target} PRIVATE
     _NATIVE_OBJC_EXCEPTIONS GNUSTEP GNUSTEP_BASE_LIBRARY=1 GNU_RUNTIME=1)
   target_include_directories(${target} SYSTEM PRIVATE /usr/include/GNUstep)

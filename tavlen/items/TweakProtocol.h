@@ -42,8 +42,7 @@ class TAVLEN_API TweakProtocol {
   /// A diff which says that this item was created or deleted.
   virtual TweakDiff diffFor(GenericTweakDiffMode mode) = 0;
   /// Copies the item into the folder `directory`, in the layout of archives. Blocks, and cannot be
-  /// cancelled. Throws
-  /// std::system_error.
+  /// cancelled. Throws std::system_error.
   virtual void preparePayloadIn(const std::filesystem::path& directory) const = 0;
   /// Builds the loader's input: for every tweak, a new folder "<UUID>.bundle" in the existing
   /// folder `directory`. Blocks, and cannot be cancelled. The code is translated by "ob.js" in the

@@ -93,8 +93,9 @@ std::vector<std::size_t> orderedByClass(std::span<const Hook> hooks) {
 }
 
 /// The approximate length of the source, by a sample of the hooks. Reserving it avoids most
-/// reallocations.
+/// reallocations. Limited, because one long name in the sample counts for many.
 std::size_t estimatedLength(std::span<const Hook> hooks) {
+  constexpr std::size_t kMost = std::size_t{16} << 20;
   constexpr std::size_t kSampled = 64;
   constexpr std::size_t kFrame = 60;     // a function's fixed text: key punctuation, `function`
   constexpr std::size_t kArgument = 80;  // an assignment of an expression of typical length
@@ -104,7 +105,7 @@ std::size_t estimatedLength(std::span<const Hook> hooks) {
     const Hook& hook = hooks[i];
     length += kFrame + hook.signature.size() + hook.selector.size() + kArgument * hook._args.size();
   }
-  return length * step;
+  return length < kMost / step ? length * step : kMost;
 }
 
 /// Begins to load hooks that come soon: those of a large manifest are not in the caches, and nor is
@@ -120,10 +121,10 @@ void prefetch(std::span<const Hook> hooks, std::span<const std::size_t> next) {
   if (!arguments.empty()) __builtin_prefetch(&*arguments.begin());
 }
 
-HookSource render(std::span<const Hook> hooks) {
-  HookSource source;
-  source.entries.reserve(hooks.size());
-  TextBuffer out(source.text);
+/// Appends the source of `hooks`.
+void appendBlocks(TextBuffer& out, std::span<const Hook> hooks,
+                  std::vector<HookSource::Entry>& entries) {
+  entries.reserve(hooks.size());
   out.reserve(estimatedLength(hooks));
   std::string key;
   const std::vector<std::size_t> order = orderedByClass(hooks);
@@ -141,18 +142,29 @@ HookSource render(std::span<const Hook> hooks) {
     out += '\n';
     const std::size_t begin = out.size();
     appendKeyedFunction(out, hook, key);
-    source.entries.push_back({order[i], begin, out.size()});
+    entries.push_back({order[i], begin, out.size()});
   }
   if (className != nullptr) out += "\n});";
-  out.commit();
-  return source;
+}
+
+/// What `append` appends.
+template <class Append>
+std::string textOf(const Append& append) {
+  std::string text;
+  {
+    TextBuffer out(text);
+    append(out);
+  }
+  return text;
 }
 
 }  // namespace
 
 HookSource generateHookSource(std::span<const Hook> hooks) {
   try {
-    return render(hooks);
+    HookSource source;
+    source.text = textOf([&](TextBuffer& out) { appendBlocks(out, hooks, source.entries); });
+    return source;
   } catch (const EncodingError&) {
     // The blocks are in class order, but the error to report is the one of the first hook in the
     // list, and hooks come before class names.
@@ -171,20 +183,12 @@ std::vector<HookValueText> hookValueTexts(const Hook& hook) {
 }
 
 std::string objsFunc(const Hook& hook) {
-  std::string text;
-  TextBuffer out(text);
-  appendFunction(out, hook, kTellNothing);
-  out.commit();
-  return text;
+  return textOf([&](TextBuffer& out) { appendFunction(out, hook, kTellNothing); });
 }
 
 std::string keyedOBJSFunc(const Hook& hook) {
-  std::string text;
   std::string key;
-  TextBuffer out(text);
-  appendKeyedFunction(out, hook, key);
-  out.commit();
-  return text;
+  return textOf([&](TextBuffer& out) { appendKeyedFunction(out, hook, key); });
 }
 
 }  // namespace tavlen

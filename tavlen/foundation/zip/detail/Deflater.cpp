@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <new>
 
+#include "tavlen/foundation/base/Limits.h"
 #include "tavlen/foundation/base/SystemError.h"
 
 namespace tavlen {
@@ -82,6 +83,8 @@ std::string Deflater::whole(std::string_view bytes) {
   const std::size_t size =
       libdeflate_deflate_compress(compressor_.get(), bytes.data(), bytes.size(), out, most);
   if (size == 0) throwSystemError(EIO, "libdeflate");
+  // Files that repeat themselves shrink less with zlib, so fewer archives of them reach the limit.
+  if (bytes.size() / size > limits::kArchiveRatio / 2) return deflated(bytes, kFastest, true);
   return {out, size};
 }
 

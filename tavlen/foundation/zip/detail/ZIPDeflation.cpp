@@ -17,10 +17,10 @@ namespace tavlen {
 namespace {
 
 /// Up to this size, a file is one part, which the faster library deflates as a whole.
-constexpr std::uint64_t kWholeFile = std::uint64_t{2} << 20;
+constexpr std::uint64_t kWholeFile = std::uint64_t{1} << 20;
 /// The size of the blocks of larger files.
-constexpr std::uint64_t kBlock = std::uint64_t{1} << 20;
-/// More threads would need more memory: each holds a part twice.
+constexpr std::uint64_t kBlock = kWholeFile;
+/// More threads would need more memory: each holds a part up to three times.
 constexpr std::size_t kMostThreads = 3;
 
 bool isWhole(const ZIPItem& item) { return item.size <= kWholeFile; }
@@ -70,6 +70,8 @@ ZIPDeflation::ZIPDeflation(const std::vector<ZIPItem>& items) : items_(items) {
   }
 }
 
+ZIPDeflation::~ZIPDeflation() = default;
+
 ZIPDeflation::Crew::~Crew() {
   {
     const std::lock_guard lock(owner.mutex_);
@@ -82,9 +84,8 @@ ZIPDeflation::Crew::~Crew() {
 ZIPDeflation::Part ZIPDeflation::take() {
   std::unique_lock lock(mutex_);
   if (crew_.threads.empty()) {
-    std::unique_ptr<Maker> maker;
     Slot& slot = addNext();
-    fill(slot, maker);
+    fill(slot, ownMaker_);
     slot.isDone = true;
   }
   changed_.wait(lock, [&] { return count_ > 0 && slots_[first_].isDone; });

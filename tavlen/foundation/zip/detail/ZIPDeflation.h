@@ -18,7 +18,7 @@ namespace tavlen {
 
 /// Deflates the files of an archive on up to three threads of its own, a few parts ahead of their
 /// use. A part is a small file or a block of a large one, so the memory does not grow with the
-/// files: less than 5 MB for each thread, and 10 MB for parts that wait. What a part becomes does
+/// files: less than 4 MB for each thread, and 5 MB for parts that wait. What a part becomes does
 /// not depend on the threads.
 ///
 /// Threads: one object one thread at a time.
@@ -40,7 +40,7 @@ class ZIPDeflation {
   ZIPDeflation(const ZIPDeflation&) = delete;
   ZIPDeflation& operator=(const ZIPDeflation&) = delete;
   /// Waits for the parts that are being made, and drops them.
-  ~ZIPDeflation() = default;
+  ~ZIPDeflation();
 
   /// The next part, in the order of `items` and of the bytes. A file is opened once, so all parts
   /// are of the same one, even if another takes its place. If it has grown, it is read up to the
@@ -89,6 +89,7 @@ class ZIPDeflation {
   bool isCut_ = false;                          ///< the file of the part last taken ended early
   std::mutex mutex_;
   std::condition_variable changed_;
+  std::unique_ptr<Maker> ownMaker_;     ///< of take(), without threads
   std::array<Slot, kMostAhead> slots_;  ///< a ring; a slot stays at its place while it is made
   std::size_t first_ = 0;               ///< the slot of the part to be taken next
   std::size_t count_ = 0;               ///< the slots in use, from there on

@@ -10,8 +10,9 @@
 namespace tavlen {
 
 /// Writes an archive of `items` to `output`, an empty file open for writing; errors name it `path`.
-/// Files are deflated at the fastest level, by several threads. A file that has grown since is
-/// archived with the size in `items`. Throws std::system_error.
+/// Files are deflated at the fastest level, by several threads, and what does not shrink is put
+/// into stored blocks. A file that has grown since is archived with the size in `items`. Throws
+/// std::system_error.
 void writeZIP(const FileDescriptor& output, const std::filesystem::path& path,
               const std::vector<ZIPItem>& items, ByteProgress& progress);
 

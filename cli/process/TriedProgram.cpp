@@ -178,6 +178,7 @@ int waitFor(pid_t child, int socket, Receive receive) {
 }  // namespace
 
 fs::path programNamed(const std::string& name) {
+  if (name.empty()) throw std::runtime_error("the name of the program is empty");
   const char* folders = std::getenv("PATH");  // NOLINT(concurrency-mt-unsafe)
   std::string_view rest = name.find('/') == std::string::npos && folders != nullptr ? folders : "";
   while (!rest.empty()) {
@@ -187,6 +188,7 @@ fs::path programNamed(const std::string& name) {
     rest.remove_prefix(std::min(end + 1, rest.size()));
   }
   if (name.find('/') == std::string::npos) throwSystemError(ENOENT, name);
+  if (fs::is_directory(name)) throwSystemError(EISDIR, name);
   if (::access(name.c_str(), X_OK) != 0) throwSystemError(name);
   return name;
 }
@@ -203,6 +205,8 @@ int runTried(const TriedProgram& program, Receive receive) {
   const int error =
       spawn.start(program.path.c_str(), program.arguments, ProgramLookup::exact, child);
   if (error != 0) throwSystemError(error, program.path.string());
+  // From now on messages may get lost, but not the program's status and the end of this command.
+  (void)std::signal(SIGPIPE, SIG_IGN);
   const PassedSignals passed(child);
   const IgnoredKeys ignored;
   events.second = FileDescriptor();

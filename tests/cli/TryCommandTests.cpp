@@ -126,7 +126,9 @@ TEST_F(TryCommandTest, LeavesTheProgramItsStatusAndItsEnvironment) {
   EXPECT_THAT(child.out, HasSubstr("title: original\n"));
   EXPECT_EQ(child.out.find("TAVLEN_LOADER"), std::string::npos);
   EXPECT_EQ(child.out.find("LD_PRELOAD"), std::string::npos);
-  expectRefused("try Shelf -- ", {{"./absent", 1, "./absent: No such file or directory\n"}});
+  expectRefused("try Shelf -- ", {{"./absent", 1, "./absent: No such file or directory\n"},
+                                  {"./", 1, "./: Is a directory\n"},
+                                  {"''", 1, "the name of the program is empty\n"}});
 }
 
 TEST_F(TryCommandTest, SystemProgramsGetWhatTheyWouldGetWithoutIt) {
@@ -137,6 +139,10 @@ TEST_F(TryCommandTest, SystemProgramsGetWhatTheyWouldGetWithoutIt) {
             128 + SIGTERM);
   write("script.sh", "#!/bin/sh\nexit 3\n");
   fs::permissions(folder() / "script.sh", fs::perms::owner_all);
+  EXPECT_EQ(shell("{ \"$tavlen\" try Shelf -- " + paths().loaderProgram +
+                  " status 7 >&-; echo $? >status; } 2>&1 | true; cat status")
+                .out,
+            "7\n");
   const Result script = run("try Shelf -- ./script.sh");
   EXPECT_EQ(script.status, 3);
   EXPECT_THAT(script.err, HasSubstr("./script.sh: ran without the tweak"));

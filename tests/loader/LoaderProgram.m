@@ -74,6 +74,8 @@ int main(int argc, char **argv) {
   if (argc > 1 && strcmp(argv[1], "child") == 0) {
     if (fork() != 0) return wait(NULL) < 0;
     print("title", [[Shelf shelf] title]);
+    // Foundation's own copy of the environment, which its tasks get.
+    print("variables", [[[NSProcessInfo processInfo] environment] description]);
     fflush(stdout);
     execl("/usr/bin/env", "env", (char *)NULL);
     return 1;

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
 #include <filesystem>
@@ -76,7 +77,9 @@ std::string callText(const LoaderEvent& event) {
   if (event.result) text += " -> " + *event.result;
   if (event.message) text += " " + *event.message;
   constexpr double kTenths = 10;
-  const auto tenths = static_cast<std::uint64_t>(event.microseconds.value_or(0) * kTenths);
+  constexpr double kMost = 1e15;  // the program may send any number
+  const double microseconds = std::clamp(event.microseconds.value_or(0), 0.0, kMost);
+  const auto tenths = static_cast<std::uint64_t>(microseconds * kTenths);
   return text + "; " + std::to_string(tenths / 10) + '.' + std::to_string(tenths % 10) + " us";
 }
 

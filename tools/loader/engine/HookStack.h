@@ -7,6 +7,7 @@
 #include <JavaScriptCore/JavaScript.h>
 
 #include "tavlen/foundation/base/FunctionRef.h"
+#include "tools/loader/base/ProcessorTime.h"
 #include "tools/loader/types/CallSignature.h"
 
 namespace tavlen::loader {
@@ -95,8 +96,9 @@ class HookStack {
 
   /// The script that runs on a thread, for whom it takes too long.
   struct Running {
-    std::atomic<const WatchedCode*> code = nullptr;  ///< null while no script computes
+    std::atomic<const WatchedCode*> code = nullptr;  ///< null outside of scripts
     std::atomic<std::uint64_t> serial = 0;  ///< changes whenever a script begins or goes on
+    ProcessorTime time;
   };
   /// Calls `visit` with the state of each thread that has run a script, under a lock.
   static void forEachThread(FunctionRef<void(const Running&)> visit);

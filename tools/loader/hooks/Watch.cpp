@@ -16,12 +16,10 @@ namespace tavlen::loader {
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
 /// What the watch has seen of a thread's script.
 struct Seen {
   std::uint64_t serial = 0;
-  Clock::time_point since;
+  std::chrono::nanoseconds since{};  ///< the thread's time, in which waiting does not count
   bool isReported = false;
 };
 
@@ -50,10 +48,10 @@ class Watch {
     Seen& seen = seen_[&running];
     const bool isIdle = code == nullptr || &code->engine != &engine_;
     if (isIdle || seen.serial != serial) {
-      seen = {serial, Clock::now(), false};
+      seen = {serial, running.time.used(), false};
       return isIdle;
     }
-    if (!seen.isReported && Clock::now() - seen.since >= limit_) {
+    if (!seen.isReported && running.time.used() - seen.since >= limit_) {
       seen.isReported = true;
       report(*code);
     }

@@ -15,10 +15,18 @@ namespace tavlen::loader {
 
 EventSocket::EventSocket(int socket) : socket_(socket) {
   (void)::fcntl(socket_, F_SETFD, FD_CLOEXEC);
+  (void)::fstat(socket_, &status_);
+}
+
+bool EventSocket::isOwn() const {
+  struct stat now {};
+  return ::fstat(socket_, &now) == 0 && now.st_dev == status_.st_dev &&
+         now.st_ino == status_.st_ino;
 }
 
 void EventSocket::receive(const LoaderEvent& event) {
-  if (send(event) || errno != EMSGSIZE) return;  // any other failure is of all events to come
+  if (!isOwn() || send(event) || errno != EMSGSIZE)
+    return;  // any other failure is of all events to come
   LoaderEvent rest = event;
   rest.arguments.reset();
   rest.result.reset();

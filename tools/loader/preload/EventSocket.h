@@ -1,5 +1,7 @@
 #pragma once
 
+#include <sys/stat.h>
+
 #include "tools/loader/base/EventReceiver.h"
 
 namespace tavlen::loader {
@@ -17,7 +19,12 @@ class EventSocket : public EventReceiver {
   /// Returns false with errno if it cannot be sent.
   bool send(const LoaderEvent& event) const;
 
+  /// Whether the descriptor is still the socket: a program that closes all descriptors may open
+  /// another one with its number.
+  bool isOwn() const;
+
   int socket_;
+  struct stat status_ {};  ///< the socket's
 };
 
 }  // namespace tavlen::loader

@@ -4,24 +4,16 @@
 #include <dlfcn.h>
 #include <pthread.h>
 
-#include <algorithm>
 #include <atomic>
-#include <chrono>
-#include <cstdlib>
 #include <filesystem>
-#include <optional>
-#include <string>
-#include <string_view>
-#include <system_error>
 
-#include "tavlen/foundation/files/ExecutablePath.h"
 #include "tavlen/foundation/files/FileSystem.h"
-#include "tavlen/tweaks/LoaderSettings.h"
 #include "tools/loader/TweakLoader.h"
 #include "tools/loader/hooks/Watch.h"
 #include "tools/loader/preload/EventSocket.h"
 #include "tools/loader/preload/InfoOverlay.h"
 #include "tools/loader/preload/StandInClasses.h"
+#include "tools/loader/preload/StartSettings.h"
 
 namespace tavlen::loader {
 
@@ -48,53 +40,7 @@ Function next(const char* name) {
   return reinterpret_cast<Function>(::dlsym(RTLD_NEXT, name));
 }
 
-/// The variable, which is removed: programs that this one starts get none of them.
-std::optional<std::string> taken(const char* name) {
-  const char* value = std::getenv(name);  // NOLINT(concurrency-mt-unsafe): before main
-  if (value == nullptr) return std::nullopt;
-  std::string text = value;
-  (void)::unsetenv(name);  // NOLINT(concurrency-mt-unsafe)
-  return text;
-}
-
-/// Removes the loader from LD_PRELOAD, and leaves what others put there.
-void leavePreload(std::string_view library) {
-  constexpr const char* kPreload = "LD_PRELOAD";
-  std::string rest;
-  const std::string list = taken(kPreload).value_or(std::string());
-  for (std::size_t begin = 0; begin < list.size();) {
-    const std::size_t end = std::min(list.find_first_of(": ", begin), list.size());
-    const std::string_view entry = std::string_view(list).substr(begin, end - begin);
-    if (!entry.empty() && entry != library) rest.append(rest.empty() ? "" : ":").append(entry);
-    begin = end + 1;
-  }
-  // NOLINTNEXTLINE(concurrency-mt-unsafe)
-  if (!rest.empty()) (void)::setenv(kPreload, rest.c_str(), 1);
-}
-
-/// What the command asked for.
-struct Settings {
-  fs::path tweak;
-  int events;
-  bool isTracing;
-  std::chrono::milliseconds limit;
-};
-
-/// Reads and removes the settings. Returns nothing if they are not for this program.
-std::optional<Settings> takeSettings() {
-  const auto program = taken(loaderSettings::kProgram);
-  const auto library = taken(loaderSettings::kLibrary);
-  const auto tweak = taken(loaderSettings::kTweak);
-  const auto events = taken(loaderSettings::kEvents);
-  const bool isTracing = taken(loaderSettings::kTrace).has_value();
-  const auto limit = taken(loaderSettings::kLimit);
-  if (library) leavePreload(*library);
-  if (!program || !tweak || !events || !limit || executablePath() != *program) return std::nullopt;
-  return Settings{*tweak, std::stoi(*events), isTracing,
-                  std::chrono::milliseconds(std::stol(*limit))};
-}
-
-void start(const Settings& settings) {
+void start(const StartSettings& settings) {
   auto& receiver = *new EventSocket(settings.events);
   defineStandInClasses();
   overlayMainBundle(settings.tweak / "Info.plist");
@@ -111,7 +57,7 @@ void start(const Settings& settings) {
 
 int runMain(int argc, char** argv, char** environment) {
   try {
-    if (const auto settings = takeSettings()) start(*settings);
+    if (const auto& settings = StartSettings::get()) start(*settings);
   } catch (const std::exception&) {
     // Without its package the tweak is not there; the command reports that it did not start.
   }
@@ -146,6 +92,7 @@ int tavlenStart(tavlen::loader::Main main, int argc, char** argv, void (*init)()
 void tavlenExecClass(void* module) {
   using namespace tavlen::loader;
   static const auto kNext = next<ExecClass>("__objc_exec_class");
+  (void)StartSettings::get();  // Foundation copies the environment when its classes are loaded
   kNext(module);
   if (TweakLoader* loader = theLoader.load()) loader->imageLoaded();
 }

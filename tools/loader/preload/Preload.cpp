@@ -5,7 +5,6 @@
 #include <pthread.h>
 
 #include <atomic>
-#include <filesystem>
 
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tools/loader/TweakLoader.h"
@@ -18,8 +17,6 @@
 namespace tavlen::loader {
 
 namespace {
-
-namespace fs = std::filesystem;
 
 using Main = int (*)(int argc, char** argv, char** environment);
 using Start = int (*)(Main main, int argc, char** argv, void (*init)(), void (*fini)(),

@@ -39,13 +39,11 @@ class Reader {
   }
 
   std::optional<TextInput> read() {
-    TweakText& text = input_.text;
-    try {
-      text = readTweakText(source_.bytes);
-    } catch (const TOMLError& error) {
+    auto read = readTweakText(source_.bytes, [&](const TOMLError& error) {
       messages_.error(error.position(), "malformed-text", error.text());
-      return std::nullopt;
-    }
+    });
+    if (!read) return std::nullopt;
+    TweakText& text = input_.text = *std::move(read);
     lookUpTypes(text, messages_);
     if (text.icon) readIcon(*text.icon);
     if (text.script) readScript(*text.script);

@@ -20,6 +20,10 @@ namespace {
 
 using Configuration = TweakFile::Manifest::Configuration;
 
+bool isBefore(TextPosition left, TextPosition right) {
+  return std::tie(left.line, left.column) < std::tie(right.line, right.column);
+}
+
 /// The values of "[[name]]"; none if it is absent.
 const TOMLNode::Array& elements(const TableReader& root, std::string_view name) {
   static const TOMLNode::Array kNone;
@@ -56,24 +60,6 @@ std::optional<FileReference> fileFrom(const TableReader& table, std::string_view
   return FileReference{expectName(member->value), member->value.position};
 }
 
-void readTweak(const TOMLNode& node, TweakText& result) {
-  const TableReader table(node, {"name", "app", "color", "glyph", "icon", "script"});
-  Configuration& configuration = result.manifest.configuration;
-  const TOMLNode& name = table.require("name");
-  configuration.name = expectName(name);
-  result.name = name.position;
-  const TOMLNode& app = table.require("app");
-  configuration.bundleID = expectName(app);
-  result.app = app.position;
-  if (const auto* color = table.find("color")) configuration.color = colorFrom(color->value);
-  if (const auto* glyph = table.find("glyph")) {
-    configuration._glyph = glyphFrom(glyph->value);
-    result.glyph = glyph->value.position;
-  }
-  result.icon = fileFrom(table, "icon");
-  result.script = fileFrom(table, "script");
-}
-
 // [overrides] and [[override]]
 
 struct PlacedOverride {
@@ -98,25 +84,6 @@ PlacedOverride overrideFrom(const TOMLNode& node) {
   OverrideContainer empty = OverrideContainer::emptyOfKind(index);
   if (!std::holds_alternative<MinimumOSVersionOverride>(empty.value)) table.require("value");
   return {node.position, std::move(empty)};
-}
-
-void readOverrides(const TableReader& root, TweakText& result) {
-  std::vector<PlacedOverride> all;
-  if (const auto* overrides = root.find("overrides")) {
-    for (const auto& member : expectKind<TOMLNode::Table>(overrides->value, "a table")) {
-      const std::size_t index = kindNamed(member.key, member.position);
-      all.push_back({member.position, overrideFromNode(index, member.value)});
-    }
-  }
-  for (const TOMLNode& element : elements(root, "override")) all.push_back(overrideFrom(element));
-  std::sort(all.begin(), all.end(), [](const PlacedOverride& left, const PlacedOverride& right) {
-    return std::tie(left.position.line, left.position.column) <
-           std::tie(right.position.line, right.position.column);
-  });
-  for (PlacedOverride& each : all) {
-    result.overrides.push_back(each.position);
-    result.manifest._overrides.push_back(std::move(each.value));
-  }
 }
 
 // [[hook]]
@@ -151,48 +118,6 @@ std::int64_t indexFrom(const TOMLNode::Member& member) {
                   "expected the index of an argument, from 0, found \"" + member.key + "\"");
 }
 
-/// Reads the values of a hook whose types are known or empty.
-void readArguments(const TableReader& table, Hook& hook, HookPlaces& places) {
-  const auto types = HookTypes::from(hook.signature);
-  const auto add = [&](std::int64_t index, const TOMLNode::Member& member) {
-    const auto [place, isNew] = places.args.try_emplace(index);
-    if (!isNew) {
-      const bool isResult = index == Hook::kReturnValue;
-      throw TOMLError(member.position,
-                      (isResult ? std::string("the result") : "argument " + std::to_string(index)) +
-                          " has a value already");
-    }
-    const ArgumentType type = types ? types->at(index) : ArgumentType();
-    hook._args[index].value = parameterFromNode(member.value, type, place->second);
-  };
-  if (const auto* result = table.find("return")) add(Hook::kReturnValue, *result);
-  const auto* args = table.find("args");
-  if (args == nullptr) return;
-  for (const auto& member : expectKind<TOMLNode::Table>(args->value, "a table of arguments"))
-    add(indexFrom(member), member);
-}
-
-void readHook(const TOMLNode& node, TweakText& result) {
-  if (result.hooks.size() == limits::kHooks)
-    throw TOMLError(node.position, "more than " + std::to_string(limits::kHooks) + " hooks");
-  const TableReader table(
-      node, {"method", "class", "selector", "classMethod", "types", "name", "return", "args"});
-  HookPlaces& places = result.hooks.emplace_back();
-  places.position = node.position;
-  Hook hook;
-  MethodIdentity identity = identityFrom(table, places);
-  hook.className = std::move(identity.className);
-  hook.selector = std::move(identity.selector);
-  hook.isClassMethod = identity.isClassMethod;
-  if (const auto* types = table.find("types")) {
-    hook.signature = expectText(types->value);
-    places.types = types->value.position;
-  }
-  if (const auto* name = table.find("name")) hook.customName = expectText(name->value);
-  readArguments(table, hook, places);
-  result.manifest._hooks.emplace_back(std::move(hook));
-}
-
 /// As readTOML(); the error of an integer that "$uint" can hold says so.
 TOMLNode documentFrom(std::string_view text) {
   try {
@@ -205,18 +130,168 @@ TOMLNode documentFrom(std::string_view text) {
   }
 }
 
+/// Reads on after an error, and remembers all of them.
+class Reader {
+ public:
+  void read(const TOMLNode& document) {
+    const auto root =
+        TableReader::checked(document, {"tweak", "overrides", "override", "hook"}, errors_);
+    if (!root) return;
+    const auto* tweak = root->find("tweak");
+    if (tweak == nullptr)
+      errors_.emplace_back(TextPosition(), "expected the table [tweak] with name and app");
+    else
+      attempt([&] { readTweak(tweak->value); });
+    readOverrides(*root);
+    attempt([&] { readHooks(elements(*root, "hook")); });
+  }
+
+  TweakText& result() { return result_; }
+  std::vector<TOMLError>& errors() { return errors_; }
+
+ private:
+  template <class Read>
+  void attempt(const Read& read) {
+    try {
+      read();
+    } catch (const TOMLError& error) {
+      errors_.push_back(error);
+    }
+  }
+
+  void readTweak(const TOMLNode& node) {
+    const auto table =
+        TableReader::checked(node, {"name", "app", "color", "glyph", "icon", "script"}, errors_);
+    if (!table) return;
+    Configuration& configuration = result_.manifest.configuration;
+    attempt([&] {
+      const TOMLNode& name = table->require("name");
+      configuration.name = expectName(name);
+      result_.name = name.position;
+    });
+    attempt([&] {
+      const TOMLNode& app = table->require("app");
+      configuration.bundleID = expectName(app);
+      result_.app = app.position;
+    });
+    if (const auto* color = table->find("color"))
+      attempt([&] { configuration.color = colorFrom(color->value); });
+    if (const auto* glyph = table->find("glyph")) {
+      attempt([&] { configuration._glyph = glyphFrom(glyph->value); });
+      result_.glyph = glyph->value.position;
+    }
+    attempt([&] { result_.icon = fileFrom(*table, "icon"); });
+    attempt([&] { result_.script = fileFrom(*table, "script"); });
+  }
+
+  void readOverrides(const TableReader& root) {
+    std::vector<PlacedOverride> all;
+    const auto readMember = [&](const TOMLNode::Member& member) {
+      const std::size_t index = kindNamed(member.key, member.position);
+      all.push_back({member.position, overrideFromNode(index, member.value)});
+    };
+    attempt([&] {
+      const auto* overrides = root.find("overrides");
+      if (overrides == nullptr) return;
+      for (const auto& member : expectKind<TOMLNode::Table>(overrides->value, "a table"))
+        attempt([&] { readMember(member); });
+    });
+    attempt([&] {
+      for (const TOMLNode& element : elements(root, "override"))
+        attempt([&] { all.push_back(overrideFrom(element)); });
+    });
+    std::sort(all.begin(), all.end(), [](const PlacedOverride& left, const PlacedOverride& right) {
+      return isBefore(left.position, right.position);
+    });
+    for (PlacedOverride& each : all) {
+      result_.overrides.push_back(each.position);
+      result_.manifest._overrides.push_back(std::move(each.value));
+    }
+  }
+
+  void readHooks(const TOMLNode::Array& hooks) {
+    if (hooks.size() > limits::kHooks) {
+      throw TOMLError(hooks[limits::kHooks].position,
+                      "more than " + std::to_string(limits::kHooks) + " hooks");
+    }
+    for (const TOMLNode& hook : hooks) attempt([&] { readHook(hook); });
+  }
+
+  void readHook(const TOMLNode& node) {
+    HookPlaces& places = result_.hooks.emplace_back();
+    places.position = node.position;
+    const auto table = TableReader::checked(
+        node, {"method", "class", "selector", "classMethod", "types", "name", "return", "args"},
+        errors_);
+    if (!table) return;
+    Hook hook;
+    attempt([&] {
+      MethodIdentity identity = identityFrom(*table, places);
+      hook.className = std::move(identity.className);
+      hook.selector = std::move(identity.selector);
+      hook.isClassMethod = identity.isClassMethod;
+    });
+    if (const auto* types = table->find("types")) {
+      hook.signature = expectText(types->value);
+      places.types = types->value.position;
+    }
+    if (const auto* name = table->find("name")) hook.customName = expectText(name->value);
+    readValues(*table, hook, places);
+    result_.manifest._hooks.emplace_back(std::move(hook));
+  }
+
+  /// Reads the values of a hook whose types are known or empty.
+  void readValues(const TableReader& table, Hook& hook, HookPlaces& places) {
+    const auto types = HookTypes::from(hook.signature);
+    const auto add = [&](std::int64_t index, const TOMLNode::Member& member) {
+      const auto [place, isNew] = places.args.try_emplace(index);
+      if (!isNew) {
+        const bool isResult = index == Hook::kReturnValue;
+        throw TOMLError(member.position, (isResult ? std::string("the result")
+                                                   : "argument " + std::to_string(index)) +
+                                             " has a value already");
+      }
+      const ArgumentType type = types ? types->at(index) : ArgumentType();
+      hook._args[index].value = parameterFromNode(member.value, type, place->second);
+    };
+    if (const auto* result = table.find("return"))
+      attempt([&] { add(Hook::kReturnValue, *result); });
+    const auto* args = table.find("args");
+    if (args == nullptr) return;
+    for (const auto& member : expectKind<TOMLNode::Table>(args->value, "a table of arguments"))
+      attempt([&] { add(indexFrom(member), member); });
+  }
+
+  TweakText result_;
+  std::vector<TOMLError> errors_;
+};
+
 }  // namespace
 
 TweakText readTweakText(std::string_view text) {
-  const TOMLNode document = documentFrom(text);
-  const TableReader root(document, {"tweak", "overrides", "override", "hook"});
-  TweakText result;
-  const auto* tweak = root.find("tweak");
-  if (tweak == nullptr) throw TOMLError({}, "expected the table [tweak] with name and app");
-  readTweak(tweak->value, result);
-  readOverrides(root, result);
-  for (const TOMLNode& hook : elements(root, "hook")) readHook(hook, result);
-  return result;
+  std::optional<TOMLError> first;
+  auto result = readTweakText(text, [&](const TOMLError& error) {
+    if (!first) first = error;
+  });
+  if (!result) throw *std::move(first);
+  return *std::move(result);
+}
+
+std::optional<TweakText> readTweakText(std::string_view text,
+                                       FunctionRef<void(const TOMLError&)> report) {
+  Reader reader;
+  try {
+    reader.read(documentFrom(text));
+  } catch (const TOMLError& error) {
+    reader.errors().push_back(error);
+  }
+  std::vector<TOMLError>& errors = reader.errors();
+  if (errors.empty()) return std::move(reader.result());
+  std::stable_sort(errors.begin(), errors.end(), [](const TOMLError& left, const TOMLError& right) {
+    return isBefore(left.position(), right.position());
+  });
+  for (const TOMLError& error : errors) report(error);
+  return std::nullopt;
 }
 
 }  // namespace tavlen

@@ -7,11 +7,21 @@
 
 namespace tavlen {
 
-TableReader::TableReader(const TOMLNode& node, std::vector<std::string_view> known) : node_(node) {
+TableReader::TableReader(const TOMLNode& node, const std::vector<std::string_view>& known)
+    : node_(node) {
+  std::vector<TOMLError> errors;
+  if (!checked(node, known, errors)) throw errors.front();
+}
+
+std::optional<TableReader> TableReader::checked(const TOMLNode& node,
+                                                const std::vector<std::string_view>& known,
+                                                std::vector<TOMLError>& errors) {
+  const std::size_t before = errors.size();
   for (const TOMLNode::Member& member : expectKind<TOMLNode::Table>(node, "a table")) {
     if (std::find(known.begin(), known.end(), member.key) == known.end())
-      failUnknown(member, known);
+      errors.push_back(unknownKey(member, known));
   }
+  return errors.size() == before ? std::optional(TableReader(node)) : std::nullopt;
 }
 
 const TOMLNode::Member* TableReader::find(std::string_view key) const {
@@ -27,9 +37,9 @@ const TOMLNode& TableReader::require(std::string_view key) const {
   throw TOMLError(position(), "expected the key \"" + std::string(key) + "\" in this table");
 }
 
-void failUnknown(const TOMLNode::Member& member, const std::vector<std::string_view>& known) {
-  throw TOMLError(member.position,
-                  "unknown key \"" + member.key + "\"" + suggestionText(member.key, known));
+TOMLError unknownKey(const TOMLNode::Member& member, const std::vector<std::string_view>& known) {
+  return {member.position,
+          "unknown key \"" + member.key + "\"" + suggestionText(member.key, known)};
 }
 
 }  // namespace tavlen

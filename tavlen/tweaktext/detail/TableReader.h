@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -27,7 +28,11 @@ inline const std::string& expectText(const TOMLNode& node) {
 class TableReader {
  public:
   /// Requires a table with no other keys than `known`.
-  TableReader(const TOMLNode& node, std::vector<std::string_view> known);
+  TableReader(const TOMLNode& node, const std::vector<std::string_view>& known);
+  /// The same, but appends an error for each other key to `errors`, and then returns nothing.
+  static std::optional<TableReader> checked(const TOMLNode& node,
+                                            const std::vector<std::string_view>& known,
+                                            std::vector<TOMLError>& errors);
 
   /// The member of that key, or null.
   const TOMLNode::Member* find(std::string_view key) const;
@@ -37,11 +42,12 @@ class TableReader {
   TextPosition position() const { return node_.position; }
 
  private:
+  explicit TableReader(const TOMLNode& table) : node_(table) {}
+
   const TOMLNode& node_;
 };
 
-/// Throws TOMLError at the key of `member`: "unknown key "nmae"; did you mean "name"?".
-[[noreturn]] void failUnknown(const TOMLNode::Member& member,
-                              const std::vector<std::string_view>& known);
+/// The error at the key of `member`: "unknown key "nmae"; did you mean "name"?".
+TOMLError unknownKey(const TOMLNode::Member& member, const std::vector<std::string_view>& known);
 
 }  // namespace tavlen

@@ -194,7 +194,7 @@ struct Reader {
     if (known != kForms.end()) return known->parse(form.value);
     std::vector<std::string_view> keys = {kPairs};
     for (const Form& each : kForms) keys.push_back(each.key);
-    failUnknown(form, keys);
+    throw unknownKey(form, keys);
   }
 
   Parameter pairsFrom(const TOMLNode& list) const {

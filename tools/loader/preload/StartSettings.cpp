@@ -48,7 +48,7 @@ std::optional<StartSettings> take() {
   if (library) leavePreload(*library);
   if (!program || !tweak || !events || !limit || executablePath() != *program) return std::nullopt;
   return StartSettings{*tweak, std::stoi(*events), isTracing,
-                  std::chrono::milliseconds(std::stol(*limit))};
+                       std::chrono::milliseconds(std::stol(*limit))};
 }
 
 }  // namespace

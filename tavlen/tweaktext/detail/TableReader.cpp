@@ -10,7 +10,8 @@ namespace tavlen {
 TableReader::TableReader(const TOMLNode& node, const std::vector<std::string_view>& known)
     : node_(node) {
   std::vector<TOMLError> errors;
-  if (!checked(node, known, errors)) throw errors.front();
+  if (!checked(node, known, errors))
+    throw TOMLError(errors.front().position(), errors.front().text());
 }
 
 std::optional<TableReader> TableReader::checked(const TOMLNode& node,

@@ -90,20 +90,37 @@ void HookRequests::retry() {
     const std::lock_guard lock(lock_);
     waiting.swap(waiting_);
   }
-  std::erase_if(waiting, [&](const Request& request) { return install(request); });
+  std::erase_if(waiting, [&](Request& request) { return installLate(request); });
   const std::lock_guard lock(lock_);
   waiting_.insert(waiting_.end(), waiting.begin(), waiting.end());
   isWaiting_.store(!waiting_.empty(), std::memory_order_relaxed);
 }
 
+/// The class that has the method; null if it is not loaded.
+Class HookRequests::Request::owner() const {
+  Class cls = ObjCRuntime::classNamed(className.c_str());
+  return isClassMethod && cls != nullptr ? object_getClass(reinterpret_cast<id>(cls)) : cls;
+}
+
+/// As install(), for a class of an image that is being loaded: a category, which comes after it,
+/// may bring the method.
+bool HookRequests::installLate(Request& request) {
+  Class cls = request.owner();
+  if (cls == nullptr) return false;
+  if (class_getInstanceMethod(cls, ObjCRuntime::selectorNamed(request.selector.c_str())) != nullptr)
+    return install(request);
+  if (!std::exchange(request.lacksMethod, true))
+    report(LoaderEvent::kWaiting, request, "the class has no such method");
+  return false;
+}
+
 /// Returns false if the class is not loaded. A method that cannot be hooked is reported.
 bool HookRequests::install(const Request& request) {
-  Class cls = ObjCRuntime::classNamed(request.className.c_str());
+  Class cls = request.owner();
   if (cls == nullptr) return false;
   try {
     Hook::install(engine,
-                  {request.isClassMethod ? object_getClass(reinterpret_cast<id>(cls)) : cls,
-                   ObjCRuntime::selectorNamed(request.selector.c_str()), request.text,
+                  {cls, ObjCRuntime::selectorNamed(request.selector.c_str()), request.text,
                    request.isClassMethod, request.encoding, request.function, request.place});
     report(LoaderEvent::kHooked, request, {});
   } catch (const std::exception& error) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <objc/objc.h>
+
 #include <atomic>
 #include <mutex>
 #include <optional>
@@ -11,8 +13,8 @@
 
 namespace tavlen::loader {
 
-/// hookClass(name, {}, methods): the hooks that a tweak asks for, and those whose class no image
-/// has loaded yet.
+/// hookClass(name, {}, methods): the hooks that a tweak asks for, and those whose class or method
+/// no image has loaded yet.
 ///
 /// Threads: any; a class may come with an image that any thread loads.
 class HookRequests : public NativeFunction {
@@ -21,7 +23,8 @@ class HookRequests : public NativeFunction {
 
   JSValueRef call(const Call& call) override;
 
-  /// Hooks the waiting methods whose class has been loaded. Costs little while none waits.
+  /// Hooks the waiting methods that have been loaded with their class. Costs little while none
+  /// waits.
   void retry();
 
  private:
@@ -34,11 +37,15 @@ class HookRequests : public NativeFunction {
     bool isClassMethod;
     JSObjectRef function;               ///< protected
     std::optional<TextPosition> place;  ///< of the key in the source
+    bool lacksMethod = false;           ///< the class came without the method
+
+    Class owner() const;
   };
 
   Request requestOf(const std::string& className, const std::string& key,
                     JSValueRef function) const;
   bool install(const Request& request);
+  bool installLate(Request& request);
   void report(const char* event, const Request& request, const std::string& message) const;
 
   std::mutex lock_;

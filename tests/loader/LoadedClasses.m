@@ -66,15 +66,26 @@ static int live = 0;
 - (id)forward:(id)value { return value; }
 @end
 
-/// Passes what it does not know on to an object of the class above.
-@interface Forwarding : NSObject
+@interface Lengths : NSObject
+@end
+
+@implementation Lengths
+- (int)forward:(NSString *)value { return (int)[value length]; }
+@end
+
+/// Passes what it does not know on to an object of a class.
+@interface Forwarding : NSObject {
+  id target;
+}
 @end
 
 @implementation Forwarding
+- (id)initWithClass:(Class)cls {
+  target = [cls new];
+  return self;
+}
 - (NSMethodSignature *)methodSignatureForSelector:(SEL)selector {
-  return [Answers instanceMethodSignatureForSelector:selector] ?: [super methodSignatureForSelector:selector];
+  return [target methodSignatureForSelector:selector] ?: [super methodSignatureForSelector:selector];
 }
-- (void)forwardInvocation:(NSInvocation *)invocation {
-  [invocation invokeWithTarget:[[[Answers alloc] init] autorelease]];
-}
+- (void)forwardInvocation:(NSInvocation *)invocation { [invocation invokeWithTarget:target]; }
 @end

@@ -69,7 +69,9 @@ TEST(LoaderScript, Answers) {
       {"return loadFunc('NSClassFromString', '@@')('NSObject')", "NSObject"},
       {"return [null foo:1] === null ? 'nil' : 'none'", "nil"},
       {"try { [@[] objectAtIndex:4] } catch (e) { return [e.exception name] }", "NSRangeException"},
-      {"return [[[Forwarding alloc] init] forward:'on']", "on"},
+      {"return [Answers, Lengths, Answers].map(c => [[[Forwarding alloc] initWithClass:c] "
+       "forward:'on']).join()",
+       "on,2,on"},
       {"return resourcesPath", "/resources"},
       {"return [[NSString alloc] initWithString:'made']", "made"},
       {"const r = [[@'abc' substringFromIndex:1] rangeOfString:'c']; return r.location + ' ' + "

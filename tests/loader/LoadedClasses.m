@@ -66,6 +66,22 @@ static int live = 0;
 - (id)forward:(id)value { return value; }
 @end
 
+// Used by one test alone: it hooks classes that have not been initialised.
+@interface Unused : NSObject
+@end
+@implementation Unused
++ (id)name { return @"unused"; }
+@end
+@interface UnusedChild : Unused
+@end
+@implementation UnusedChild
+@end
+@interface UnusedOther : NSObject
+@end
+@implementation UnusedOther
++ (id)name { return @"other"; }
+@end
+
 @interface Lengths : NSObject
 @end
 

@@ -163,6 +163,18 @@ TEST(LoaderHooks, AreMadeWhenTheirClassIsLoaded) {
   EXPECT_EQ(ObjCRuntime::send<double>(make("RuntimeProbe"), "half:", 4.0), -5);
 }
 
+TEST(LoaderHooks, OfClassesThatHaveNotBeenUsedRunForThemAlone) {
+  const LoadedTweak tweak(hookOf("UnusedChild", "@16@0:8+name", "return 'child, ' + %orig") +
+                          hookOf("Unused", "@16@0:8+name", "return 'hooked, ' + %orig"));
+  const ObjCRuntime::AutoreleasePool pool;
+  const auto name = [](const char* cls) {
+    return ObjCRuntime::text(ObjCRuntime::send(ObjCRuntime::classNamed(cls), "name"));
+  };
+  EXPECT_EQ(name("UnusedOther"), "other");
+  EXPECT_EQ(name("UnusedChild"), "child, hooked, unused");
+  EXPECT_EQ(name("Unused"), "hooked, unused");
+}
+
 TEST(LoaderHooks, CodeThatComputesTooLongIsNamed) {
   const std::string cls = makeClass("Answers");
   const std::string loop = "const end = Date.now() + 200; while (Date.now() < end);";

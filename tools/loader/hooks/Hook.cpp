@@ -13,6 +13,12 @@
 #include "tools/loader/hooks/TracedCall.h"
 #include "tools/loader/values/Values.h"
 
+#ifdef __GNU_LIBOBJC__
+// Brings the tables of a class and its subclasses up to date, if they exist. Takes the run time's
+// lock.
+extern "C" void __objc_update_dispatch_table_for_class(Class cls);  // NOLINT: the run time's name
+#endif
+
 namespace tavlen::loader {
 
 namespace {
@@ -39,6 +45,26 @@ std::shared_ptr<const CallSignature> signatureFor(const std::string& own,
   return std::make_shared<const CallSignature>(
       ValueType::merged(method->sharedResult(), hook->sharedResult()), std::move(merged),
       types.size());
+}
+
+/// Gives the class's own method other code.
+///
+/// GCC's method_setImplementation() writes the code of a class that has not been initialised to the
+/// table of all such classes: any of them would run it. The method is written here instead.
+/// Asking for an implementation first would help, too, but runs +initialize.
+void setImplementation(Class cls, Method method, IMP code) {
+#ifdef __GNU_LIBOBJC__
+  struct MethodLayout {
+    SEL selector;
+    const char* types;
+    IMP code;
+  };
+  reinterpret_cast<MethodLayout*>(method)->code = code;
+  __objc_update_dispatch_table_for_class(cls);
+#else
+  static_cast<void>(cls);
+  method_setImplementation(method, code);
+#endif
 }
 
 }  // namespace
@@ -81,7 +107,7 @@ void Hook::replace(void (*code)()) {
     return;
   // Before the method is replaced, because another thread may call it at once.
   replaced_ = reinterpret_cast<void (*)()>(method_getImplementation(method));
-  method_setImplementation(method, imp);
+  setImplementation(target_.cls, method, imp);
 }
 
 void (*Hook::original() const)() {

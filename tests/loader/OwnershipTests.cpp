@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 
 #include <dlfcn.h>
+#include <pthread.h>
 
 #include <chrono>
 #include <stdexcept>
@@ -151,6 +152,30 @@ TEST(LoaderThreads, ShareOneScript) {
   const ObjCRuntime::AutoreleasePool pool;
   id calls = ObjCRuntime::send(make(cls), "answer:", id());
   EXPECT_EQ(ObjCRuntime::send<int>(calls, "intValue"), kThreads * kCalls * (kDepth + 1));
+}
+
+TEST(LoaderThreads, WithoutRoomForAnotherScriptRunTheOriginal) {
+  struct Recursion {
+    std::string cls = makeClass("Answers");
+    LoadedTweak tweak{hookOf(cls, "i20@0:8i16-depth:", "return %orig")};
+    int depth = 0;
+  } recursion;
+  constexpr int kDepth = 240;  // scripts alone would take more than the stack
+  pthread_attr_t attributes;
+  pthread_attr_init(&attributes);
+  pthread_attr_setstacksize(&attributes, std::size_t{1} << 20U);
+  pthread_t thread{};
+  const auto body = [](void* given) -> void* {
+    const ObjCRuntime::AutoreleasePool pool;
+    auto& own = *static_cast<Recursion*>(given);
+    own.depth = ObjCRuntime::send<int>(make(own.cls), "depth:", kDepth);
+    return nullptr;
+  };
+  ASSERT_EQ(pthread_create(&thread, &attributes, body, &recursion), 0);
+  pthread_join(thread, nullptr);
+  EXPECT_EQ(recursion.depth, kDepth);
+  EXPECT_THAT(recursion.tweak.events.of(LoaderEvent::kMistake),
+              ElementsAre(testing::EndsWith("no room for another script")));
 }
 
 TEST(LoaderHooks, AreMadeWhenTheirClassIsLoaded) {

@@ -117,11 +117,31 @@ void (*Hook::original() const)() {
 }
 
 void Hook::enter(ffi_cif* /*cif*/, void* result, void** arguments, void* hook) {
-  static_cast<Hook*>(hook)->run(HookStack::current(), result, arguments);
+  auto& self = *static_cast<Hook*>(hook);
+  // First, because a forked child may find the lock that the stack of a new thread takes held.
+  if (self.engine_.isStopped()) return self.callReplaced(arguments, result);
+  HookStack& stack = HookStack::current();
+  if (stack.isOwnWork()) return self.callReplaced(arguments, result);
+  if (!stack.hasRoom()) {
+    if (stack.takeReport()) self.reportDepth(stack);
+    return self.callReplaced(arguments, result);
+  }
+  self.run(stack, result, arguments);
+}
+
+/// Without the engine, which has no room either.
+void Hook::reportDepth(HookStack& stack) const {
+  const HookStack::OwnWork own(stack);
+  LoaderEvent event{.event = LoaderEvent::kMistake, .method = target_.text};
+  event.message = "the thread's stack has no room for another script";
+  if (target_.place) {
+    event.line = target_.place->line;
+    event.column = target_.place->column;
+  }
+  engine_.report(event);
 }
 
 void Hook::run(HookStack& stack, void* result, void** arguments) {
-  if (stack.isOwnWork() || engine_.isStopped()) return callReplaced(arguments, result);
   HookRecord record(*this, watched_, arguments, signature_->resultSize());
   record.ownsReceiver = family_.takesReceiver;
   std::optional<Raised> raised = runScript(stack, record, result);

@@ -60,13 +60,15 @@ class Hook {
   void replace(void (*code)());
   void (*original() const)();
 
-  void run(HookStack& stack, void* result, void** arguments);
+  /// Apart from enter(), whose frame stays small where the original is called at once.
+  [[gnu::noinline]] void run(HookStack& stack, void* result, void** arguments);
   std::optional<Raised> runScript(HookStack& stack, HookRecord& record, void* result);
   std::optional<Raised> finish(HookRecord& record, JSValueRef value, JSValueRef thrown,
                                void* result);
   void readCall(HookStack& stack, HookRecord& record, std::optional<IdentityTable::Lent>& lent);
   void writeAnswer(JSValueRef value, void* result) const;
   bool takeAnswer(HookRecord& record, JSValueRef value, void* result);
+  [[gnu::noinline]] void reportDepth(HookStack& stack) const;
   void reportMistake(const std::string& message, JSValueRef thrown) const;
   void fallBack(HookRecord& record, void* result);
   void returnAnswer(HookRecord& record, void* result) const;

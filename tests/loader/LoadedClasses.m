@@ -63,6 +63,14 @@ static int live = 0;
   va_end(arguments);
   return sum;
 }
+- (NSString *)join:(NSString *)first, ... {
+  va_list arguments;
+  va_start(arguments, first);
+  NSMutableString *text = [NSMutableString string];
+  for (NSString *next = first; next; next = va_arg(arguments, NSString *)) [text appendString:next];
+  va_end(arguments);
+  return text;
+}
 - (id)forward:(id)value { return value; }
 @end
 

@@ -200,6 +200,17 @@ TEST(LoaderHooks, OfClassesThatHaveNotBeenUsedRunForThemAlone) {
   EXPECT_EQ(name("Unused"), "hooked, unused");
 }
 
+TEST(LoaderHooks, OfAListPassAnEndedOneOn) {
+  for (const char* body : {"return %orig", "return %orig('a')", "throw 'mistake'"}) {
+    const std::string cls = makeClass("Answers");
+    const LoadedTweak tweak(hookOf(cls, "@24@0:8@16-join:", body));
+    const ObjCRuntime::AutoreleasePool pool;
+    id given = ObjCRuntime::makeString("a");
+    id joined = ObjCRuntime::send(make(cls), "join:", given, given, id());
+    EXPECT_EQ(ObjCRuntime::text(joined), "a") << body;
+  }
+}
+
 TEST(LoaderHooks, CodeThatComputesTooLongIsNamed) {
   const std::string cls = makeClass("Answers");
   const std::string loop = "const end = Date.now() + 200; while (Date.now() < end);";

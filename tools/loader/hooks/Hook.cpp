@@ -2,6 +2,8 @@
 
 #include <objc/runtime.h>
 
+#include <algorithm>
+#include <array>
 #include <cstring>
 #include <stdexcept>
 #include <utility>
@@ -91,6 +93,7 @@ Hook::Hook(Engine& engine, Target target, std::shared_ptr<const CallSignature> s
       target_(std::move(target)),
       watched_{engine, target_.text, target_.place},
       signature_(std::move(signature)),
+      ended_(CallSignature::ended(signature_)),
       family_(MethodFamily::of(sel_getName(target_.selector), target_.isClassMethod, *signature_)) {
 }
 
@@ -261,7 +264,17 @@ void Hook::prepareReceiver(HookRecord& record) const {
 }
 
 void Hook::callReplaced(void** arguments, void* result) const {
+  if (ended_ != signature_) return callEnded(arguments, result);
   ffi_call(signature_->cif(), original(), result, arguments);
+}
+
+/// Appends the null pointer.
+void Hook::callEnded(void** arguments, void* result) const {
+  std::array<void*, CallSignature::kMostArguments> places;  // NOLINT: uninitialised
+  void* end = nullptr;
+  *std::copy_n(arguments, signature_->arguments().size(), places.begin()) =
+      static_cast<void*>(&end);
+  ffi_call(ended_->cif(), original(), result, places.data());
 }
 
 JSValueRef Hook::callOriginal(HookRecord& record, ArgumentFrame& frame) {

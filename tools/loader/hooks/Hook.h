@@ -46,6 +46,8 @@ class Hook {
 
   Engine& engine() const { return engine_; }
   const CallSignature& signature() const { return *signature_; }
+  /// That of calls of the original; see CallSignature::ended().
+  const CallSignature& originalSignature() const { return *ended_; }
   JSObjectRef function() const { return target_.function; }
   const std::string& text() const { return target_.text; }
 
@@ -74,11 +76,13 @@ class Hook {
   void returnAnswer(HookRecord& record, void* result) const;
   void prepareReceiver(HookRecord& record) const;
   void callReplaced(void** arguments, void* result) const;
+  [[gnu::noinline]] void callEnded(void** arguments, void* result) const;
 
   Engine& engine_;
   const Target target_;
   const WatchedCode watched_;
   const std::shared_ptr<const CallSignature> signature_;
+  const std::shared_ptr<const CallSignature> ended_;
   const MethodFamily family_;
   void (*replaced_)() =
       nullptr;  ///< null for a method that was inherited: the superclass's is called then

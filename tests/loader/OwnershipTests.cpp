@@ -87,6 +87,22 @@ hookClass("Counted", {}, {"v16@0:8-dealloc": function() { tags += [this tag]; re
   ObjCRuntime::send<void>(object, "release");
 }
 
+TEST(LoaderOwnership, AnAllocatedObjectMayEndWhoeverRefersToIt) {
+  const std::string cls = makeClass("Counted");
+  const LoadedTweak tweak(hookOf(cls, "@16@0:8+alloc", "return %orig"));
+  const int before = liveCount();
+  const ObjCRuntime::AutoreleasePool pool;
+  const auto allocate = [&] {
+    return ObjCRuntime::send(ObjCRuntime::classNamed(cls.c_str()), "alloc");
+  };
+  ObjCRuntime::send<void>(allocate(), "dealloc");
+  id other = allocate();  // often at the same address
+  tweak.collect();
+  EXPECT_EQ(liveCount(), before + 1);
+  ObjCRuntime::send<void>(other, "release");
+  EXPECT_EQ(liveCount(), before);
+}
+
 TEST(LoaderOwnership, ManyCallsTakeNoMoreMemory) {
   const std::string cls = makeClass("Counted");
   const LoadedTweak tweak(hookOf(cls, "@16@0:8-itself", "%orig; return [Counted new]"));

@@ -143,6 +143,7 @@ TEST(LoaderScript, WhatCannotBeHookedIsRefusedAndTheRestIsHooked) {
   "v16@0:8-raise": function() {},
   "@16@0:8+shared": function() { return 'hooked' },
 });
+hookClass("NSAutoreleasePool", {}, {"@16@0:8+new": function() {}});
 hookClass("Late", {}, {"i16@0:8-half:": function() {}});
 hookClass("Answers", {}, {nonsense: 1});)");
   EXPECT_THAT(
@@ -151,13 +152,14 @@ hookClass("Answers", {}, {nonsense: 1});)");
           "2:3 -[Answers absent]: the class has no such method",
           "3:3 -[Answers depth:]: the method's types are i20@0:8i16, and the hook's d20@0:8i16",
           "4:3 -[Answers notFound]: a union (?=if) cannot be passed",
-          "5:3 -[Answers raise]: the method's types are @16@0:8, and the hook's v16@0:8"));
+          "5:3 -[Answers raise]: the method's types are @16@0:8, and the hook's v16@0:8",
+          "8:37 +[NSAutoreleasePool new]: methods of autorelease pools cannot be hooked"));
   EXPECT_THAT(tweak.events.of(LoaderEvent::kWaiting),
-              ElementsAre("8:24 -[Late half:]: no image has the class Late"));
+              ElementsAre("9:24 -[Late half:]: no image has the class Late"));
   EXPECT_THAT(
       tweak.events.of(LoaderEvent::kMistake),
       ElementsAre(
-          "9:1 : hookClass: the key \"nonsense\" is not a type encoding, - or +, and a selector"));
+          "10:1 : hookClass: the key \"nonsense\" is not a type encoding, - or +, and a selector"));
   const ObjCRuntime::AutoreleasePool pool;
   EXPECT_EQ(ObjCRuntime::text(ObjCRuntime::send(ObjCRuntime::classNamed("Answers"), "shared")),
             "hooked");

@@ -49,6 +49,17 @@ std::shared_ptr<const CallSignature> signatureFor(const std::string& own,
       types.size());
 }
 
+bool isSubclass(Class cls, Class ancestor) {
+  while (cls != nullptr && cls != ancestor) cls = class_getSuperclass(cls);
+  return cls != nullptr;
+}
+
+/// The class, or metaclass, of autorelease pools. Null if there is none.
+Class poolClass(bool isClassMethod) {
+  Class pools = ObjCRuntime::classNamed("NSAutoreleasePool");
+  return isClassMethod && pools != nullptr ? object_getClass(reinterpret_cast<id>(pools)) : pools;
+}
+
 /// Gives the class's own method other code.
 ///
 /// GCC's method_setImplementation() writes the code of a class that has not been initialised to the
@@ -75,10 +86,14 @@ void Hook::install(Engine& engine, Target target) {
   Method method = class_getInstanceMethod(target.cls, target.selector);
   const char* own = method != nullptr ? method_getTypeEncoding(method) : nullptr;
   if (own == nullptr) throw std::runtime_error("the class has no such method");
+  Class pools = poolClass(target.isClassMethod);
+  if (isSubclass(target.cls, pools))
+    throw std::runtime_error("methods of autorelease pools cannot be hooked");
   auto signature = signatureFor(own, target.encoding);
   void* code = nullptr;
   auto* closure = static_cast<ffi_closure*>(ffi_closure_alloc(sizeof(ffi_closure), &code));
-  auto* hook = new Hook(engine, std::move(target), std::move(signature));
+  if (!isSubclass(pools, target.cls)) pools = nullptr;
+  auto* hook = new Hook(engine, std::move(target), std::move(signature), pools);
   if (closure == nullptr ||
       ffi_prep_closure_loc(closure, hook->signature_->cif(), &Hook::enter, hook, code) != FFI_OK) {
     delete hook;
@@ -88,14 +103,15 @@ void Hook::install(Engine& engine, Target target) {
   hook->replace(reinterpret_cast<void (*)()>(code));
 }
 
-Hook::Hook(Engine& engine, Target target, std::shared_ptr<const CallSignature> signature)
+Hook::Hook(Engine& engine, Target target, std::shared_ptr<const CallSignature> signature,
+           Class pools)
     : engine_(engine),
       target_(std::move(target)),
       watched_{engine, target_.text, target_.place},
       signature_(std::move(signature)),
       ended_(CallSignature::ended(signature_)),
-      family_(MethodFamily::of(sel_getName(target_.selector), target_.isClassMethod, *signature_)) {
-}
+      family_(MethodFamily::of(sel_getName(target_.selector), target_.isClassMethod, *signature_)),
+      pools_(pools) {}
 
 /// An inherited method is added to the class. GCC's class_replaceMethod() would replace it in the
 /// superclass.
@@ -124,7 +140,10 @@ void Hook::enter(ffi_cif* /*cif*/, void* result, void** arguments, void* hook) {
   // First, because a forked child may find the lock that the stack of a new thread takes held.
   if (self.engine_.isStopped()) return self.callReplaced(arguments, result);
   HookStack& stack = HookStack::current();
-  if (stack.isOwnWork()) return self.callReplaced(arguments, result);
+  // A pool ends although a wrapper refers to it.
+  const bool isOfPool =
+      self.pools_ != nullptr && isSubclass(object_getClass(receiverOf(arguments)), self.pools_);
+  if (isOfPool || stack.isOwnWork()) return self.callReplaced(arguments, result);
   if (!stack.hasRoom()) {
     if (stack.takeReport()) self.reportDepth(stack);
     return self.callReplaced(arguments, result);
@@ -241,6 +260,8 @@ void Hook::returnAnswer(HookRecord& record, void* result) const {
   std::memcpy(result, record.answerMemory.data(), size);
   if (!family_.givesResult) return;
   const HookStack::OwnWork own;
+  // An object may end in its init although a wrapper refers to it.
+  if (family_.allocates) return engine_.objects().giveUp(record.answer);
   (void)failureOf([&] { retain(*static_cast<id*>(result)); });  // what refuses is not counted
 }
 

@@ -56,7 +56,7 @@ class Hook {
   JSValueRef callOriginal(HookRecord& record, ArgumentFrame& frame);
 
  private:
-  Hook(Engine& engine, Target target, std::shared_ptr<const CallSignature> signature);
+  Hook(Engine& engine, Target target, std::shared_ptr<const CallSignature> signature, Class pools);
 
   static void enter(ffi_cif* cif, void* result, void** arguments, void* hook);
   void replace(void (*code)());
@@ -84,6 +84,7 @@ class Hook {
   const std::shared_ptr<const CallSignature> signature_;
   const std::shared_ptr<const CallSignature> ended_;
   const MethodFamily family_;
+  const Class pools_;  ///< the class of autorelease pools if they inherit the method, else null
   void (*replaced_)() =
       nullptr;  ///< null for a method that was inherited: the superclass's is called then
 };

@@ -63,6 +63,9 @@ TEST(LoaderScript, Answers) {
        "%@' "
        "argumentArray:@[@'self', argument]]]",
        "(argument)"},
+      {"return [@[argument, @'b'] filteredArrayUsingPredicate:[NSPredicate "
+       "predicateWithFormat:'%K == %d', 'length', 1]]",
+       "(b)"},
       {"return @([this sum:3, 1, 2, 3])", "6"},
       {"return @([this respondsToSelector:@selector(answer:)] == true)", "1"},
       {"return loadFunc('NSStringFromClass', '@#')(Answers)", "Answers"},

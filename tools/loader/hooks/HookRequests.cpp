@@ -32,7 +32,8 @@ std::vector<std::string> keysOf(JSContextRef context, JSObjectRef object) {
 /// The key's selector begins after the last sign: encodings may contain one in a name, selectors
 /// none.
 HookRequests::Request HookRequests::requestOf(const std::string& className, const std::string& key,
-                                              JSValueRef function) const {
+                                              JSValueRef function,
+                                              ScriptPlaces::Search& places) const {
   const std::size_t sign = key.find_last_of("+-");
   if (sign == std::string::npos)
     throw ScriptError("hookClass: the key \"" + key +
@@ -50,11 +51,9 @@ HookRequests::Request HookRequests::requestOf(const std::string& className, cons
                   const_cast<JSObjectRef>(function),
                   {}};
   request.text = key[sign] + ('[' + className + ' ' + request.selector + ']');
-  std::string opening = "hookClass(";
-  appendJSON(opening, className);
   std::string literal;
   appendJSON(literal, key);
-  request.place = engine.places().placeOf(literal, opening);
+  request.place = places.next(literal);
   JSValueProtect(engine.context(), function);
   return request;
 }
@@ -72,8 +71,11 @@ JSValueRef HookRequests::call(const Call& call) {
   }
   const std::string className = EngineString(context, call[0]).utf8();
   auto* methods = const_cast<JSObjectRef>(call[2]);
+  std::string opening = "hookClass(";
+  appendJSON(opening, className);
+  ScriptPlaces::Search places(engine.places(), opening);
   for (const std::string& key : keysOf(context, methods)) {
-    Request request = requestOf(className, key, propertyOf(context, methods, key.c_str()));
+    Request request = requestOf(className, key, propertyOf(context, methods, key.c_str()), places);
     if (install(request)) continue;
     report(LoaderEvent::kWaiting, request, "no image has the class " + className);
     const std::lock_guard lock(lock_);

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "tavlen/foundation/text/TextLines.h"
+#include "tools/loader/base/ScriptPlaces.h"
 #include "tools/loader/engine/Native.h"
 
 namespace tavlen::loader {
@@ -42,8 +43,8 @@ class HookRequests : public NativeFunction {
     Class owner() const;
   };
 
-  Request requestOf(const std::string& className, const std::string& key,
-                    JSValueRef function) const;
+  Request requestOf(const std::string& className, const std::string& key, JSValueRef function,
+                    ScriptPlaces::Search& places) const;
   bool install(const Request& request);
   bool installLate(Request& request);
   void report(const char* event, const Request& request, const std::string& message) const;

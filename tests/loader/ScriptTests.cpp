@@ -138,6 +138,28 @@ TEST(LoaderScript, AMistakeIsReportedAndTheOriginalAnswers) {
   }
 }
 
+TEST(LoaderScript, AMistakeIsReportedOnceForEachMethodAndPlace) {
+  constexpr int kMost = 1000;
+  std::vector<std::string> classes;
+  std::string names;
+  for (int i = 0; i <= kMost + 1; ++i) {
+    classes.push_back(makeClass("Answers"));
+    names += "'" + classes.back() + "',";
+  }
+  const LoadedTweak tweak("let calls = 0; for (const name of [" + names +
+                          "]) hookClass(name, {}, {'@24@0:8@16-answer:': function() {"
+                          "throw new Error('call ' + calls++); }});");
+  const ObjCRuntime::AutoreleasePool pool;
+  for (const std::string& cls : classes) {
+    id object = make(cls);
+    for (int call = 0; call < 2; ++call) ObjCRuntime::send(object, "answer:", id());
+  }
+  const auto mistakes = tweak.events.of(LoaderEvent::kMistake);
+  ASSERT_EQ(mistakes.size(), kMost + 1);
+  EXPECT_THAT(mistakes[kMost - 1], testing::HasSubstr(classes[kMost - 1] + " answer:]"));
+  EXPECT_EQ(mistakes.back(), "0:0 : further mistakes are not shown");
+}
+
 TEST(LoaderScript, WhatCannotBeHookedIsRefusedAndTheRestIsHooked) {
   const LoadedTweak tweak(R"(hookClass("Answers", {}, {
   "@16@0:8-absent": function() {},

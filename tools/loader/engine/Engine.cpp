@@ -70,10 +70,14 @@ void Engine::reportMistake(const std::string& method, const std::string& message
     event.column = place->column;
   }
   {
+    // A message may differ each time, by an address or a number.
+    const std::string where =
+        place ? std::to_string(place->line) + ':' + std::to_string(place->column) : *event.message;
     const std::lock_guard lock(lock_);
-    const std::string key =
-        method + '\n' + *event.message + '\n' + std::to_string(event.line.value_or(0));
-    if (mistakes_.size() >= kMostRemembered || !mistakes_.insert(key).second) return;
+    if (mistakes_.size() > kMostRemembered || !mistakes_.insert(method + '\n' + where).second)
+      return;
+    if (mistakes_.size() > kMostRemembered)
+      event = {.event = LoaderEvent::kMistake, .message = "further mistakes are not shown"};
   }
   report(std::move(event));
 }

@@ -46,8 +46,8 @@ class Engine {
   /// Reports the event with shortened texts.
   void report(LoaderEvent event);
   /// Reports a mistake of the hook `method`, or of the code outside of hooks if that is empty; once
-  /// for each text and place. Its place is that of `thrown`, or else of `function`; each may be
-  /// null; a function must be protected for ever.
+  /// for each method and place, or else text, and at most 1,000. Its place is that of `thrown`, or
+  /// else of `function`; each may be null; a function must be protected for ever.
   void reportMistake(const std::string& method, const std::string& message, JSValueRef thrown,
                      JSObjectRef function);
 

@@ -2,7 +2,9 @@
 
 #include <objc/runtime.h>
 
+#include <algorithm>
 #include <exception>
+#include <iterator>
 #include <utility>
 
 #include "tavlen/foundation/json/JSONEncoder.h"
@@ -76,26 +78,39 @@ JSValueRef HookRequests::call(const Call& call) {
   ScriptPlaces::Search places(engine.places(), opening);
   for (const std::string& key : keysOf(context, methods)) {
     Request request = requestOf(className, key, propertyOf(context, methods, key.c_str()), places);
-    if (install(request)) continue;
-    report(LoaderEvent::kWaiting, request, "no image has the class " + className);
-    const std::lock_guard lock(lock_);
-    waiting_.push_back(std::move(request));
-    isWaiting_.store(true, std::memory_order_relaxed);
+    installOrWait(std::move(request));
   }
   return JSValueMakeUndefined(context);
 }
 
-void HookRequests::retry() {
-  if (!isWaiting_.load(std::memory_order_relaxed)) return;
-  std::vector<Request> waiting;
-  {
-    const std::lock_guard lock(lock_);
-    waiting.swap(waiting_);
+/// An image that comes between the attempt and the list's lock leads to another attempt.
+void HookRequests::installOrWait(Request request) {
+  std::unique_lock lock(lock_);
+  for (bool hasReported = false;;) {
+    const std::uint64_t seen = images_;
+    lock.unlock();
+    if (install(request)) return;
+    if (!std::exchange(hasReported, true))
+      report(LoaderEvent::kWaiting, request, "no image has the class " + request.className);
+    lock.lock();
+    if (images_ != seen) continue;
+    waiting_.push_back(std::move(request));
+    return;
   }
-  std::erase_if(waiting, [&](Request& request) { return installLate(request); });
-  const std::lock_guard lock(lock_);
-  waiting_.insert(waiting_.end(), waiting.begin(), waiting.end());
-  isWaiting_.store(!waiting_.empty(), std::memory_order_relaxed);
+}
+
+/// Repeated if another image, whose retry() finds the list empty, has come during it.
+void HookRequests::retry() {
+  std::unique_lock lock(lock_);
+  for (std::uint64_t seen = ++images_; !waiting_.empty(); seen = images_) {
+    std::vector<Request> waiting;
+    waiting.swap(waiting_);
+    lock.unlock();
+    std::erase_if(waiting, [&](Request& request) { return installLate(request); });
+    lock.lock();
+    std::move(waiting.begin(), waiting.end(), std::back_inserter(waiting_));
+    if (images_ == seen) return;
+  }
 }
 
 /// The class that has the method; null if it is not loaded.

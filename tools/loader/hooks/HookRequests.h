@@ -2,7 +2,7 @@
 
 #include <objc/objc.h>
 
-#include <atomic>
+#include <cstdint>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -24,8 +24,8 @@ class HookRequests : public NativeFunction {
 
   JSValueRef call(const Call& call) override;
 
-  /// Hooks the waiting methods that have been loaded with their class. Costs little while none
-  /// waits.
+  /// Hooks the waiting methods that have been loaded with their class, also those that another
+  /// thread asks for at the same time.
   void retry();
 
  private:
@@ -47,11 +47,12 @@ class HookRequests : public NativeFunction {
                     ScriptPlaces::Search& places) const;
   bool install(const Request& request);
   bool installLate(Request& request);
+  void installOrWait(Request request);
   void report(const char* event, const Request& request, const std::string& message) const;
 
-  std::mutex lock_;
+  std::mutex lock_;  ///< never held while a method is hooked, which takes the run time's lock
   std::vector<Request> waiting_;
-  std::atomic<bool> isWaiting_ = false;
+  std::uint64_t images_ = 0;  ///< changes with each retry()
 };
 
 }  // namespace tavlen::loader

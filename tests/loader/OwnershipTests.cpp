@@ -89,7 +89,7 @@ hookClass("Counted", {}, {"v16@0:8-dealloc": function() { tags += [this tag]; re
 
 TEST(LoaderOwnership, AnAllocatedObjectMayEndWhoeverRefersToIt) {
   const std::string cls = makeClass("Counted");
-  const LoadedTweak tweak(hookOf(cls, "@16@0:8+alloc", "return %orig"));
+  const LoadedTweak tweak(hookOf(cls, "@16@0:8+alloc", "return %orig"), true);
   const int before = liveCount();
   const ObjCRuntime::AutoreleasePool pool;
   const auto allocate = [&] {

@@ -48,6 +48,7 @@ class Hook {
   const CallSignature& signature() const { return *signature_; }
   /// That of calls of the original; see CallSignature::ended().
   const CallSignature& originalSignature() const { return *ended_; }
+  const MethodFamily& family() const { return family_; }
   JSObjectRef function() const { return target_.function; }
   const std::string& text() const { return target_.text; }
 

@@ -16,9 +16,9 @@
 #include "tools/loader/values/Values.h"
 
 #ifdef __GNU_LIBOBJC__
-// Brings the tables of a class and its subclasses up to date, if they exist. Takes the run time's
-// lock.
-extern "C" void __objc_update_dispatch_table_for_class(Class cls);  // NOLINT: the run time's name
+/// A function of the run time, which has no public declaration of it: brings the tables of a class
+/// and its subclasses up to date, if they exist. Takes the run time's lock.
+extern "C" void tavlenUpdateTables(Class cls) __asm__("__objc_update_dispatch_table_for_class");
 #endif
 
 namespace tavlen::loader {
@@ -73,7 +73,7 @@ void setImplementation(Class cls, Method method, IMP code) {
     IMP code;
   };
   reinterpret_cast<MethodLayout*>(method)->code = code;
-  __objc_update_dispatch_table_for_class(cls);
+  tavlenUpdateTables(cls);
 #else
   static_cast<void>(cls);
   method_setImplementation(method, code);

@@ -19,7 +19,7 @@ struct TAVLEN_API LoaderEvent {
 
   static constexpr const char* kStarted = "started";  ///< the program runs with the tweak
   static constexpr const char* kHooked = "hooked";
-  static constexpr const char* kWaiting = "waiting";  ///< not hooked yet: no image has the class
+  static constexpr const char* kWaiting = "waiting";  ///< not hooked yet: no image has it
   static constexpr const char* kRefused = "refused";  ///< not hooked
   static constexpr const char* kMistake = "mistake";  ///< of the script; the original answered
   static constexpr const char* kSlow = "slow";  ///< a script computes for longer than the limit

@@ -1,11 +1,11 @@
 #include "tavlen/tweaks/SourceMap.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <limits>
 #include <tuple>
 #include <utility>
-#include <vector>
 
 #include "tavlen/foundation/coding/CodingError.h"
 #include "tavlen/foundation/json/JSONDecoder.h"
@@ -32,21 +32,18 @@ struct MapRecord {
   }
 };
 
-/// A segment of the mappings. All numbers count from 0.
-struct Segment {
-  std::int64_t line = 0;
-  std::int64_t column = 0;
-  bool hasSource = false;
-  std::int64_t source = 0;
-  std::int64_t sourceLine = 0;
-  std::int64_t sourceColumn = 0;
-};
+std::size_t fromOne(std::int64_t number) { return static_cast<std::size_t>(number) + 1; }
+
+}  // namespace
 
 /// Reads mappings segment by segment.
-class SegmentReader {
+class SourceMap::SegmentReader {
  public:
-  SegmentReader(std::string_view mappings, std::size_t sourceCount)
-      : mappings_(mappings), sourceCount_(sourceCount) {}
+  SegmentReader(std::string_view mappings, std::size_t sourceCount, const Checkpoint& start = {})
+      : mappings_(mappings), sourceCount_(sourceCount), at_(start.end), segment_(start.last) {}
+
+  /// After the last segment that was read.
+  Checkpoint checkpoint() const { return {at_, segment_}; }
 
   /// The next segment; nothing at the end. Throws DecodingError, after which the reader is of no
   /// use.
@@ -111,13 +108,9 @@ class SegmentReader {
 
   std::string_view mappings_;
   std::size_t sourceCount_;
-  std::size_t at_ = 0;
+  std::size_t at_;
   Segment segment_;
 };
-
-std::size_t fromOne(std::int64_t number) { return static_cast<std::size_t>(number) + 1; }
-
-}  // namespace
 
 SourceMap SourceMap::decoded(std::string_view json) {
   auto record = decodeJSON<MapRecord>(json);
@@ -126,18 +119,32 @@ SourceMap SourceMap::decoded(std::string_view json) {
       throw DecodingError::dataCorrupted("unknown version " + std::to_string(record.version));
     });
   }
-  underKey(kMappings, [&] {
-    SegmentReader reader(record.mappings, record.sources.size());
-    while (reader.next()) continue;
-  });
   SourceMap map;
+  underKey(kMappings, [&] {
+    constexpr std::size_t kInterval = 1024;
+    SegmentReader reader(record.mappings, record.sources.size());
+    for (std::size_t next = kInterval; reader.next();) {
+      const Checkpoint checkpoint = reader.checkpoint();
+      if (checkpoint.end < next) continue;
+      map.checkpoints_.push_back(checkpoint);
+      next = checkpoint.end + kInterval;
+    }
+  });
   map.mappings_ = std::move(record.mappings);
   map.sourceCount_ = record.sources.size();
   return map;
 }
 
+/// A reader that begins near the line's first segment, and not after it.
+SourceMap::SegmentReader SourceMap::readerBefore(std::size_t line) const {
+  const auto after = std::partition_point(
+      checkpoints_.begin(), checkpoints_.end(),
+      [&](const Checkpoint& checkpoint) { return fromOne(checkpoint.last.line) < line; });
+  return {mappings_, sourceCount_, after == checkpoints_.begin() ? Checkpoint{} : *(after - 1)};
+}
+
 std::optional<TextPosition> SourceMap::sourceOf(TextPosition generated) const {
-  SegmentReader reader(mappings_, sourceCount_);
+  SegmentReader reader = readerBefore(generated.line);
   std::optional<Segment> nearest;
   std::optional<Segment> next;
   while (const auto segment = reader.next()) {

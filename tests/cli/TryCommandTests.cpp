@@ -104,6 +104,17 @@ TEST_F(TryCommandTest, SaysWhatIsHookedAndWhatIsNot) {
           "script.objs:3:20: error: -[Shelf number]: ReferenceError: Can't find variable: gone\n"));
 }
 
+TEST_F(TryCommandTest, HooksClassesWhoseSuperclassesAndCategoriesComeAfterThem) {
+  std::map<std::string, std::string> expected;
+  for (const std::string name : {"own", "inherited", "label"}) {
+    hook("-[Box " + name + "]", "@16@0:8", "string:hooked");
+    expected[name] = "hooked";
+  }
+  const Result result = tried("", "late " + paths().lateImage);
+  EXPECT_EQ(answersIn(result.out), expected) << result.err;
+  EXPECT_THAT(result.err, HasSubstr("not hooked yet: -[Box label]: the class has no such method"));
+}
+
 TEST_F(TryCommandTest, TracesCallsAsTextAndAsJSON) {
   hook("-[Shelf join:number:real:frame:name:range:]",
        "@100@0:8@16i24d28{CGRect={CGPoint=dd}{CGSize=dd}}36r*68{_NSRange=QQ}84", "string:traced");

@@ -63,18 +63,53 @@ static int live = 0;
   va_end(arguments);
   return sum;
 }
+- (NSString *)join:(NSString *)first, ... {
+  va_list arguments;
+  va_start(arguments, first);
+  NSMutableString *text = [NSMutableString string];
+  for (NSString *next = first; next; next = va_arg(arguments, NSString *)) [text appendString:next];
+  va_end(arguments);
+  return text;
+}
 - (id)forward:(id)value { return value; }
 @end
 
-/// Passes what it does not know on to an object of the class above.
-@interface Forwarding : NSObject
+// Used by one test alone: it hooks classes that have not been initialised.
+@interface Unused : NSObject
+@end
+@implementation Unused
++ (id)name { return @"unused"; }
+@end
+@interface UnusedChild : Unused
+@end
+@implementation UnusedChild
+@end
+@interface UnusedOther : NSObject
+@end
+@implementation UnusedOther
++ (id)name { return @"other"; }
+@end
+
+@interface Lengths : NSObject
+@end
+
+@implementation Lengths
+- (int)forward:(NSString *)value { return (int)[value length]; }
+@end
+
+/// Passes what it does not know on to an object of a class.
+@interface Forwarding : NSObject {
+  id target;
+}
 @end
 
 @implementation Forwarding
+- (id)initWithClass:(Class)cls {
+  target = [cls new];
+  return self;
+}
 - (NSMethodSignature *)methodSignatureForSelector:(SEL)selector {
-  return [Answers instanceMethodSignatureForSelector:selector] ?: [super methodSignatureForSelector:selector];
+  return [target methodSignatureForSelector:selector] ?: [super methodSignatureForSelector:selector];
 }
-- (void)forwardInvocation:(NSInvocation *)invocation {
-  [invocation invokeWithTarget:[[[Answers alloc] init] autorelease]];
-}
+- (void)forwardInvocation:(NSInvocation *)invocation { [invocation invokeWithTarget:target]; }
 @end

@@ -80,6 +80,13 @@ int main(int argc, char **argv) {
     execl("/usr/bin/env", "env", (char *)NULL);
     return 1;
   }
+  if (argc > 1 && strcmp(argv[1], "late") == 0) {
+    if (dlopen(argv[2], RTLD_NOW) == NULL) return 1;
+    id box = [[NSClassFromString(@"Box") new] autorelease];
+    for (NSString *name in [NSArray arrayWithObjects:@"own", @"inherited", @"label", nil])
+      print([name UTF8String], [box performSelector:NSSelectorFromString(name)]);
+    return fflush(stdout);
+  }
   Shelf *shelf = [Shelf shelf];
 #define SHOW(format, method) print(#method, [NSString stringWithFormat:format, [shelf method]])
   SHOW(@"%@", title);

@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 
 #include <dlfcn.h>
+#include <pthread.h>
 
 #include <chrono>
 #include <stdexcept>
@@ -86,6 +87,22 @@ hookClass("Counted", {}, {"v16@0:8-dealloc": function() { tags += [this tag]; re
   ObjCRuntime::send<void>(object, "release");
 }
 
+TEST(LoaderOwnership, AnAllocatedObjectMayEndWhoeverRefersToIt) {
+  const std::string cls = makeClass("Counted");
+  const LoadedTweak tweak(hookOf(cls, "@16@0:8+alloc", "return %orig"), true);
+  const int before = liveCount();
+  const ObjCRuntime::AutoreleasePool pool;
+  const auto allocate = [&] {
+    return ObjCRuntime::send(ObjCRuntime::classNamed(cls.c_str()), "alloc");
+  };
+  ObjCRuntime::send<void>(allocate(), "dealloc");
+  id other = allocate();  // often at the same address
+  tweak.collect();
+  EXPECT_EQ(liveCount(), before + 1);
+  ObjCRuntime::send<void>(other, "release");
+  EXPECT_EQ(liveCount(), before);
+}
+
 TEST(LoaderOwnership, ManyCallsTakeNoMoreMemory) {
   const std::string cls = makeClass("Counted");
   const LoadedTweak tweak(hookOf(cls, "@16@0:8-itself", "%orig; return [Counted new]"));
@@ -153,6 +170,30 @@ TEST(LoaderThreads, ShareOneScript) {
   EXPECT_EQ(ObjCRuntime::send<int>(calls, "intValue"), kThreads * kCalls * (kDepth + 1));
 }
 
+TEST(LoaderThreads, WithoutRoomForAnotherScriptRunTheOriginal) {
+  struct Recursion {
+    std::string cls = makeClass("Answers");
+    LoadedTweak tweak{hookOf(cls, "i20@0:8i16-depth:", "return %orig")};
+    int depth = 0;
+  } recursion;
+  constexpr int kDepth = 240;  // scripts alone would take more than the stack
+  pthread_attr_t attributes;
+  pthread_attr_init(&attributes);
+  pthread_attr_setstacksize(&attributes, std::size_t{1} << 20U);
+  pthread_t thread{};
+  const auto body = [](void* given) -> void* {
+    const ObjCRuntime::AutoreleasePool pool;
+    auto& own = *static_cast<Recursion*>(given);
+    own.depth = ObjCRuntime::send<int>(make(own.cls), "depth:", kDepth);
+    return nullptr;
+  };
+  ASSERT_EQ(pthread_create(&thread, &attributes, body, &recursion), 0);
+  pthread_join(thread, nullptr);
+  EXPECT_EQ(recursion.depth, kDepth);
+  EXPECT_THAT(recursion.tweak.events.of(LoaderEvent::kMistake),
+              ElementsAre(testing::EndsWith("no room for another script")));
+}
+
 TEST(LoaderHooks, AreMadeWhenTheirClassIsLoaded) {
   const LoadedTweak tweak(
       R"(hookClass("RuntimeProbe", {}, {"d24@0:8d16-half:": function() { return [RuntimeProbe live] - 5; }});)");
@@ -161,6 +202,29 @@ TEST(LoaderHooks, AreMadeWhenTheirClassIsLoaded) {
   tweak.loader->imageLoaded();
   EXPECT_THAT(tweak.events.of(LoaderEvent::kHooked), SizeIs(1));
   EXPECT_EQ(ObjCRuntime::send<double>(make("RuntimeProbe"), "half:", 4.0), -5);
+}
+
+TEST(LoaderHooks, OfClassesThatHaveNotBeenUsedRunForThemAlone) {
+  const LoadedTweak tweak(hookOf("UnusedChild", "@16@0:8+name", "return 'child, ' + %orig") +
+                          hookOf("Unused", "@16@0:8+name", "return 'hooked, ' + %orig"));
+  const ObjCRuntime::AutoreleasePool pool;
+  const auto name = [](const char* cls) {
+    return ObjCRuntime::text(ObjCRuntime::send(ObjCRuntime::classNamed(cls), "name"));
+  };
+  EXPECT_EQ(name("UnusedOther"), "other");
+  EXPECT_EQ(name("UnusedChild"), "child, hooked, unused");
+  EXPECT_EQ(name("Unused"), "hooked, unused");
+}
+
+TEST(LoaderHooks, OfAListPassAnEndedOneOn) {
+  for (const char* body : {"return %orig", "return %orig('a')", "throw 'mistake'"}) {
+    const std::string cls = makeClass("Answers");
+    const LoadedTweak tweak(hookOf(cls, "@24@0:8@16-join:", body));
+    const ObjCRuntime::AutoreleasePool pool;
+    id given = ObjCRuntime::makeString("a");
+    id joined = ObjCRuntime::send(make(cls), "join:", given, given, id());
+    EXPECT_EQ(ObjCRuntime::text(joined), "a") << body;
+  }
 }
 
 TEST(LoaderHooks, CodeThatComputesTooLongIsNamed) {

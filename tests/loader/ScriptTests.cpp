@@ -63,13 +63,18 @@ TEST(LoaderScript, Answers) {
        "%@' "
        "argumentArray:@[@'self', argument]]]",
        "(argument)"},
+      {"return [@[argument, @'b'] filteredArrayUsingPredicate:[NSPredicate "
+       "predicateWithFormat:'%K == %d', 'length', 1]]",
+       "(b)"},
       {"return @([this sum:3, 1, 2, 3])", "6"},
       {"return @([this respondsToSelector:@selector(answer:)] == true)", "1"},
       {"return loadFunc('NSStringFromClass', '@#')(Answers)", "Answers"},
       {"return loadFunc('NSClassFromString', '@@')('NSObject')", "NSObject"},
       {"return [null foo:1] === null ? 'nil' : 'none'", "nil"},
       {"try { [@[] objectAtIndex:4] } catch (e) { return [e.exception name] }", "NSRangeException"},
-      {"return [[[Forwarding alloc] init] forward:'on']", "on"},
+      {"return [Answers, Lengths, Answers].map(c => [[[Forwarding alloc] initWithClass:c] "
+       "forward:'on']).join()",
+       "on,2,on"},
       {"return resourcesPath", "/resources"},
       {"return [[NSString alloc] initWithString:'made']", "made"},
       {"const r = [[@'abc' substringFromIndex:1] rangeOfString:'c']; return r.location + ' ' + "
@@ -133,6 +138,28 @@ TEST(LoaderScript, AMistakeIsReportedAndTheOriginalAnswers) {
   }
 }
 
+TEST(LoaderScript, AMistakeIsReportedOnceForEachMethodAndPlace) {
+  constexpr int kMost = 1000;
+  std::vector<std::string> classes;
+  std::string names;
+  for (int i = 0; i <= kMost + 1; ++i) {
+    classes.push_back(makeClass("Answers"));
+    names += "'" + classes.back() + "',";
+  }
+  const LoadedTweak tweak("let calls = 0; for (const name of [" + names +
+                          "]) hookClass(name, {}, {'@24@0:8@16-answer:': function() {"
+                          "throw new Error('call ' + calls++); }});");
+  const ObjCRuntime::AutoreleasePool pool;
+  for (const std::string& cls : classes) {
+    id object = make(cls);
+    for (int call = 0; call < 2; ++call) ObjCRuntime::send(object, "answer:", id());
+  }
+  const auto mistakes = tweak.events.of(LoaderEvent::kMistake);
+  ASSERT_EQ(mistakes.size(), kMost + 1);
+  EXPECT_THAT(mistakes[kMost - 1], testing::HasSubstr(classes[kMost - 1] + " answer:]"));
+  EXPECT_EQ(mistakes.back(), "0:0 : further mistakes are not shown");
+}
+
 TEST(LoaderScript, WhatCannotBeHookedIsRefusedAndTheRestIsHooked) {
   const LoadedTweak tweak(R"(hookClass("Answers", {}, {
   "@16@0:8-absent": function() {},
@@ -141,6 +168,7 @@ TEST(LoaderScript, WhatCannotBeHookedIsRefusedAndTheRestIsHooked) {
   "v16@0:8-raise": function() {},
   "@16@0:8+shared": function() { return 'hooked' },
 });
+hookClass("NSAutoreleasePool", {}, {"@16@0:8+new": function() {}});
 hookClass("Late", {}, {"i16@0:8-half:": function() {}});
 hookClass("Answers", {}, {nonsense: 1});)");
   EXPECT_THAT(
@@ -149,13 +177,14 @@ hookClass("Answers", {}, {nonsense: 1});)");
           "2:3 -[Answers absent]: the class has no such method",
           "3:3 -[Answers depth:]: the method's types are i20@0:8i16, and the hook's d20@0:8i16",
           "4:3 -[Answers notFound]: a union (?=if) cannot be passed",
-          "5:3 -[Answers raise]: the method's types are @16@0:8, and the hook's v16@0:8"));
+          "5:3 -[Answers raise]: the method's types are @16@0:8, and the hook's v16@0:8",
+          "8:37 +[NSAutoreleasePool new]: methods of autorelease pools cannot be hooked"));
   EXPECT_THAT(tweak.events.of(LoaderEvent::kWaiting),
-              ElementsAre("8:24 -[Late half:]: no image has the class Late"));
+              ElementsAre("9:24 -[Late half:]: no image has the class Late"));
   EXPECT_THAT(
       tweak.events.of(LoaderEvent::kMistake),
       ElementsAre(
-          "9:1 : hookClass: the key \"nonsense\" is not a type encoding, - or +, and a selector"));
+          "10:1 : hookClass: the key \"nonsense\" is not a type encoding, - or +, and a selector"));
   const ObjCRuntime::AutoreleasePool pool;
   EXPECT_EQ(ObjCRuntime::text(ObjCRuntime::send(ObjCRuntime::classNamed("Answers"), "shared")),
             "hooked");

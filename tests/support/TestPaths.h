@@ -24,6 +24,7 @@ struct TestPaths {
   std::string initialisersImage;
   std::string noClassesImage;
   std::string loaderProgram;
+  std::string lateImage;
 };
 const TestPaths& paths();
 

@@ -29,6 +29,19 @@ TEST(SourceMap, LeadsToTheNearestSegmentBefore) {
   }
 }
 
+TEST(SourceMap, FindsTheLinesOfALargeMap) {
+  // Three segments in each line, for three lines of the source; an empty line after each.
+  constexpr std::size_t kLines = 2000;
+  std::string mappings;
+  for (std::size_t i = 0; i < kLines; ++i) mappings += "AACA,CACA,CACA;;";
+  const SourceMap map = SourceMap::decoded(mapOf(mappings));
+  for (std::size_t line = 0; line < kLines; ++line) {
+    for (std::size_t column = 1; column <= 3; ++column)
+      ASSERT_EQ(map.sourceOf({2 * line + 1, column}), Place({3 * line + column + 1, 1})) << line;
+    ASSERT_EQ(map.sourceOf({2 * line + 2, 1}), Place()) << line;
+  }
+}
+
 TEST(SourceMap, MalformedMapsAreRefused) {
   const struct {
     std::string json;

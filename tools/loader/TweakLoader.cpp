@@ -147,6 +147,7 @@ void TweakLoader::defineClassNames(JSObjectRef define) {
 }
 
 void TweakLoader::run() {
+  const ObjCRuntime::AutoreleasePool pool;  // the program has none yet
   JSValueRef thrown = nullptr;
   {
     const HookStack::OutermostCode computing(outermost_);

@@ -5,7 +5,6 @@
 #include <exception>
 #include <utility>
 
-#include "tavlen/foundation/text/Unicode.h"
 #include "tools/loader/base/EngineString.h"
 
 namespace tavlen::loader {
@@ -37,14 +36,6 @@ std::optional<TextPosition> firstFrame(std::string_view stack) {
   return std::nullopt;
 }
 
-/// The position of a byte. The code has the line ends of JavaScript.
-TextPosition positionOf(std::string_view text, std::size_t offset) {
-  const std::size_t line = lineEndCount(text.substr(0, offset)) + 1;
-  const std::string_view whole = lineAt(text, line);
-  const auto begin = static_cast<std::size_t>(whole.data() - text.data());
-  return {line, utf16FromUTF8(text.substr(begin, offset - begin)).size() + 1};
-}
-
 }  // namespace
 
 ScriptPlaces::ScriptPlaces(std::string code, std::string map)
@@ -63,21 +54,39 @@ std::optional<TextPosition> ScriptPlaces::placeOf(JSContextRef context, JSValueR
   return sourceOf({static_cast<std::size_t>(JSValueToNumber(context, line, nullptr)), 1});
 }
 
-std::optional<TextPosition> ScriptPlaces::placeOf(std::string_view part,
-                                                  std::string_view before) const {
-  const std::size_t begin = code_.find(before);
-  const std::size_t offset = code_.find(part, begin == std::string::npos ? 0 : begin);
-  if (offset == std::string::npos) return std::nullopt;
-  return sourceOf(positionOf(code_, offset));
+std::optional<TextPosition> ScriptPlaces::sourceOf(TextPosition place) const {
+  std::call_once(isDecoded_, [this] {
+    try {
+      map_ = SourceMap::decoded(mapText_);
+    } catch (const std::exception&) {
+      // It leads nowhere.
+    }
+    mapText_ = {};
+  });
+  return map_ ? map_->sourceOf(place) : std::nullopt;
 }
 
-/// The map is read again each time: it is wanted only for mistakes.
-std::optional<TextPosition> ScriptPlaces::sourceOf(TextPosition place) const {
-  try {
-    return SourceMap::decoded(mapText_).sourceOf(place);
-  } catch (const std::exception&) {
-    return std::nullopt;
+ScriptPlaces::Search::Search(const ScriptPlaces& places, std::string_view before)
+    : places_(places), begin_(places.code_.find(before)) {
+  if (begin_ == std::string::npos) begin_ = 0;
+  at_ = begin_;
+}
+
+std::optional<TextPosition> ScriptPlaces::Search::next(std::string_view part) {
+  const std::string_view code = places_.code_;
+  std::size_t found = code.find(part, at_);
+  if (found == std::string::npos) {
+    found = code.find(part, begin_);
+    if (found == std::string::npos) return std::nullopt;
+    lineBegin_ = 0;
+    line_ = 1;
   }
+  at_ = found + part.size();
+  const std::string_view rest = code.substr(lineBegin_);
+  const TextPosition position = linePositionAt(rest, found - lineBegin_);
+  lineBegin_ += static_cast<std::size_t>(lineAt(rest, position.line).data() - rest.data());
+  line_ += position.line - 1;
+  return places_.sourceOf({line_, position.column});
 }
 
 }  // namespace tavlen::loader

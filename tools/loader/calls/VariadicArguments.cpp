@@ -102,7 +102,7 @@ class FormatReader {
       types += isLong ? 'Q' : 'I';
     else if (std::string_view("fFeEgGaA").find(conversion) != std::string_view::npos)
       types += isLongDouble ? 'D' : 'd';
-    else if (conversion == '@')
+    else if (conversion == '@' || conversion == 'K')  // a key path of a predicate
       types += '@';
     else if (conversion == 's')
       types += '*';

@@ -43,18 +43,25 @@ void Engine::report(LoaderEvent event) {
   receiver_.receive(event);
 }
 
-std::optional<TextPosition> Engine::placeOf(JSValueRef thrown, JSObjectRef function) const {
+std::optional<TextPosition> Engine::placeOf(JSObjectRef function) {
+  {
+    const std::lock_guard lock(lock_);
+    if (const auto known = functions_.find(function); known != functions_.end())
+      return known->second;
+  }
   std::optional<TextPosition> place;
-  if (thrown != nullptr) place = places_.placeOf(context_, thrown);
-  if (place || function == nullptr) return place;
-  JSStringRef text = JSValueToStringCopy(context_, function, nullptr);
-  return text == nullptr ? place : places_.placeOf(EngineString(text).utf8());
+  if (JSStringRef text = JSValueToStringCopy(context_, function, nullptr))
+    place = ScriptPlaces::Search(places_, {}).next(EngineString(text).utf8());
+  const std::lock_guard lock(lock_);
+  return functions_.try_emplace(function, place).first->second;
 }
 
 void Engine::reportMistake(const std::string& method, const std::string& message, JSValueRef thrown,
                            JSObjectRef function) {
   constexpr std::size_t kMostRemembered = 1000;
-  const std::optional<TextPosition> place = placeOf(thrown, function);
+  std::optional<TextPosition> place;
+  if (thrown != nullptr) place = places_.placeOf(context_, thrown);
+  if (!place && function != nullptr) place = placeOf(function);
   LoaderEvent event{.event = LoaderEvent::kMistake, .message = message};
   shorten(*event.message);
   if (!method.empty()) event.method = method;
@@ -63,10 +70,14 @@ void Engine::reportMistake(const std::string& method, const std::string& message
     event.column = place->column;
   }
   {
+    // A message may differ each time, by an address or a number.
+    const std::string where =
+        place ? std::to_string(place->line) + ':' + std::to_string(place->column) : *event.message;
     const std::lock_guard lock(lock_);
-    const std::string key =
-        method + '\n' + *event.message + '\n' + std::to_string(event.line.value_or(0));
-    if (mistakes_.size() >= kMostRemembered || !mistakes_.insert(key).second) return;
+    if (mistakes_.size() > kMostRemembered || !mistakes_.insert(method + '\n' + where).second)
+      return;
+    if (mistakes_.size() > kMostRemembered)
+      event = {.event = LoaderEvent::kMistake, .message = "further mistakes are not shown"};
   }
   report(std::move(event));
 }

@@ -7,6 +7,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <unordered_map>
 
 #include "tools/loader/base/EventReceiver.h"
 #include "tools/loader/base/ScriptPlaces.h"
@@ -45,13 +46,13 @@ class Engine {
   /// Reports the event with shortened texts.
   void report(LoaderEvent event);
   /// Reports a mistake of the hook `method`, or of the code outside of hooks if that is empty; once
-  /// for each text and place. Its place is that of `thrown`, or else of `function`; each may be
-  /// null.
+  /// for each method and place, or else text, and at most 1,000. Its place is that of `thrown`, or
+  /// else of `function`; each may be null; a function must be protected for ever.
   void reportMistake(const std::string& method, const std::string& message, JSValueRef thrown,
                      JSObjectRef function);
 
  private:
-  std::optional<TextPosition> placeOf(JSValueRef thrown, JSObjectRef function) const;
+  std::optional<TextPosition> placeOf(JSObjectRef function);
 
   EventReceiver& receiver_;
   const bool isTracing_;
@@ -64,6 +65,7 @@ class Engine {
   ReleaseQueue releases_;
   std::mutex lock_;
   std::set<std::string> mistakes_;  ///< those that were reported
+  std::unordered_map<JSObjectRef, std::optional<TextPosition>> functions_;  ///< their places
 };
 
 }  // namespace tavlen::loader

@@ -3,11 +3,13 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 
 #include <JavaScriptCore/JavaScript.h>
 
 #include "tavlen/foundation/base/FunctionRef.h"
 #include "tools/loader/base/ProcessorTime.h"
+#include "tools/loader/base/ThreadStack.h"
 #include "tools/loader/types/CallSignature.h"
 
 namespace tavlen::loader {
@@ -94,6 +96,11 @@ class HookStack {
   };
   bool isOwnWork() const { return ownWork_ != 0; }
 
+  /// Whether the thread has the stack for another script.
+  bool hasRoom() const { return isAtOrAbove(lowestPlace_); }
+  /// Returns true once: the thread reports only once that it has not.
+  bool takeReport() { return !std::exchange(hasReported_, true); }
+
   /// The script that runs on a thread, for whom it takes too long.
   struct Running {
     std::atomic<const WatchedCode*> code = nullptr;  ///< null outside of scripts
@@ -110,6 +117,8 @@ class HookStack {
   HookRecord* top_ = nullptr;
   const WatchedCode* outermost_ = nullptr;  ///< what runs outside of hooks
   unsigned ownWork_ = 0;
+  bool hasReported_ = false;
+  const std::uintptr_t lowestPlace_ = lowestPlaceForScripts();
   Running running_;
 };
 

@@ -98,6 +98,21 @@ void IdentityTable::forget(id object) {
   JSObjectCallAsFunction(context, functions_.forget, nullptr, 1, &key, &ignored);
 }
 
+/// Makes the wrapper dead.
+void IdentityTable::end(JSObjectRef wrapper, id object) {
+  static_cast<Native*>(JSObjectGetPrivate(wrapper))->pointer = nullptr;
+  const auto arguments = std::to_array<JSValueRef>({keyOf(engine_.context(), object), wrapper});
+  JSValueRef ignored = nullptr;
+  JSObjectCallAsFunction(engine_.context(), functions_.forget, nullptr, arguments.size(),
+                         arguments.data(), &ignored);
+}
+
+void IdentityTable::giveUp(JSValueRef value) {
+  const Native* native = Native::of(engine_.context(), value);
+  if (native != nullptr && native->kind == Native::Kind::object)
+    end(const_cast<JSObjectRef>(value), static_cast<id>(native->pointer));
+}
+
 IdentityTable::Lent::Lent(IdentityTable& table, id object)
     : table_(table), object_(object), wrapper_(table.found(object)) {
   if (wrapper_ != nullptr) return;
@@ -106,13 +121,7 @@ IdentityTable::Lent::Lent(IdentityTable& table, id object)
 }
 
 IdentityTable::Lent::~Lent() {
-  if (!isOwn_) return;
-  static_cast<Native*>(JSObjectGetPrivate(wrapper_))->pointer = nullptr;
-  const JSValueRef key = keyOf(table_.engine_.context(), object_);
-  const auto arguments = std::to_array<JSValueRef>({key, wrapper_});
-  JSValueRef ignored = nullptr;
-  JSObjectCallAsFunction(table_.engine_.context(), table_.functions_.forget, nullptr,
-                         arguments.size(), arguments.data(), &ignored);
+  if (isOwn_) table_.end(wrapper_, object_);
 }
 
 }  // namespace tavlen::loader

@@ -59,12 +59,16 @@ class IdentityTable {
     bool isOwn_ = false;  ///< false where the object had a wrapper already
   };
 
+  /// Hands the reference of the wrapper `value` over to the caller. The wrapper is dead afterwards.
+  void giveUp(JSValueRef value);
+
   /// Drops the entry of `object` unless its wrapper lives.
   void forget(id object);
 
  private:
   JSObjectRef found(id object);
   JSObjectRef make(id object, bool isOwned);
+  void end(JSObjectRef wrapper, id object);
   JSObjectRef classWrapper(Class cls);
 
   Engine& engine_;

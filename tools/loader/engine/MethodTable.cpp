@@ -36,12 +36,8 @@ bool isPool(id receiver) {
   return cls != nullptr;
 }
 
-CallableMethod describe(id receiver, SEL selector) {
-  Class cls = object_getClass(receiver);
-  Method method = class_getInstanceMethod(cls, selector);
-  const char* own = method != nullptr ? method_getTypeEncoding(method) : nullptr;
-  const std::string types = own != nullptr ? own : forwardedTypes(receiver, selector);
-  const std::string name = methodText(cls, selector, isClass(receiver));
+CallableMethod describe(id receiver, SEL selector, const std::string& types) {
+  const std::string name = methodText(object_getClass(receiver), selector, isClass(receiver));
   if (isPool(receiver)) throw ScriptError(name + ": scripts make no autorelease pools");
   if (types.empty()) throw ScriptError(name + ": there is no such method");
   try {
@@ -57,13 +53,25 @@ CallableMethod describe(id receiver, SEL selector) {
 
 }  // namespace
 
+const CallableMethod& MethodTable::forwarded(id receiver, SEL selector) {
+  const std::string types = forwardedTypes(receiver, selector);
+  const std::lock_guard lock(lock_);
+  auto& method = forwarded_[{isClass(receiver), selector, types}];
+  if (method == nullptr)
+    method = std::make_unique<const CallableMethod>(describe(receiver, selector, types));
+  return *method;
+}
+
 const CallableMethod& MethodTable::find(id receiver, SEL selector) {
   const Key key = {object_getClass(receiver), selector};
   {
     const std::shared_lock lock(lock_);
     if (const auto found = methods_.find(key); found != methods_.end()) return *found->second;
   }
-  auto method = std::make_unique<const CallableMethod>(describe(receiver, selector));
+  Method own = class_getInstanceMethod(key.cls, selector);
+  const char* types = own != nullptr ? method_getTypeEncoding(own) : nullptr;
+  if (types == nullptr) return forwarded(receiver, selector);
+  auto method = std::make_unique<const CallableMethod>(describe(receiver, selector, types));
   const std::lock_guard lock(lock_);
   return *methods_.try_emplace(key, std::move(method)).first->second;
 }

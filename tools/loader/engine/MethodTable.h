@@ -4,8 +4,11 @@
 
 #include <cstddef>
 #include <functional>
+#include <map>
 #include <memory>
 #include <shared_mutex>
+#include <string>
+#include <tuple>
 #include <unordered_map>
 
 #include "tools/loader/types/CallSignature.h"
@@ -30,7 +33,8 @@ class MethodTable {
 
   /// The method that a message `selector` to `receiver`, which is not nil, calls or is forwarded
   /// as. Valid for ever. Throws ScriptError without such a method, or if its types cannot be
-  /// passed, and ProgramException: it may ask the receiver for a forwarded message's types.
+  /// passed, and ProgramException: it asks the receiver for a forwarded message's types, each time,
+  /// because objects of one class may forward to different ones.
   const CallableMethod& find(id receiver, SEL selector);
 
  private:
@@ -46,8 +50,12 @@ class MethodTable {
     }
   };
 
+  const CallableMethod& forwarded(id receiver, SEL selector);
+
   std::shared_mutex lock_;
   std::unordered_map<Key, std::unique_ptr<const CallableMethod>, Hash> methods_;
+  /// Those of forwarded messages: by whether the receiver is a class, the selector, the types.
+  std::map<std::tuple<bool, SEL, std::string>, std::unique_ptr<const CallableMethod>> forwarded_;
 };
 
 }  // namespace tavlen::loader

@@ -2,6 +2,8 @@
 
 #include <objc/runtime.h>
 
+#include <algorithm>
+#include <array>
 #include <cstring>
 #include <stdexcept>
 #include <utility>
@@ -12,6 +14,12 @@
 #include "tools/loader/engine/Native.h"
 #include "tools/loader/hooks/TracedCall.h"
 #include "tools/loader/values/Values.h"
+
+#ifdef __GNU_LIBOBJC__
+/// A function of the run time, which has no public declaration of it: brings the tables of a class
+/// and its subclasses up to date, if they exist. Takes the run time's lock.
+extern "C" void tavlenUpdateTables(Class cls) __asm__("__objc_update_dispatch_table_for_class");
+#endif
 
 namespace tavlen::loader {
 
@@ -41,16 +49,51 @@ std::shared_ptr<const CallSignature> signatureFor(const std::string& own,
       types.size());
 }
 
+bool isSubclass(Class cls, Class ancestor) {
+  while (cls != nullptr && cls != ancestor) cls = class_getSuperclass(cls);
+  return cls != nullptr;
+}
+
+/// The class, or metaclass, of autorelease pools. Null if there is none.
+Class poolClass(bool isClassMethod) {
+  Class pools = ObjCRuntime::classNamed("NSAutoreleasePool");
+  return isClassMethod && pools != nullptr ? object_getClass(reinterpret_cast<id>(pools)) : pools;
+}
+
+/// Gives the class's own method other code.
+///
+/// GCC's method_setImplementation() writes the code of a class that has not been initialised to the
+/// table of all such classes: any of them would run it. The method is written here instead.
+/// Asking for an implementation first would help, too, but runs +initialize.
+void setImplementation(Class cls, Method method, IMP code) {
+#ifdef __GNU_LIBOBJC__
+  struct MethodLayout {
+    SEL selector;
+    const char* types;
+    IMP code;
+  };
+  reinterpret_cast<MethodLayout*>(method)->code = code;
+  tavlenUpdateTables(cls);
+#else
+  static_cast<void>(cls);
+  method_setImplementation(method, code);
+#endif
+}
+
 }  // namespace
 
 void Hook::install(Engine& engine, Target target) {
   Method method = class_getInstanceMethod(target.cls, target.selector);
   const char* own = method != nullptr ? method_getTypeEncoding(method) : nullptr;
   if (own == nullptr) throw std::runtime_error("the class has no such method");
+  Class pools = poolClass(target.isClassMethod);
+  if (isSubclass(target.cls, pools))
+    throw std::runtime_error("methods of autorelease pools cannot be hooked");
   auto signature = signatureFor(own, target.encoding);
   void* code = nullptr;
   auto* closure = static_cast<ffi_closure*>(ffi_closure_alloc(sizeof(ffi_closure), &code));
-  auto* hook = new Hook(engine, std::move(target), std::move(signature));
+  if (!isSubclass(pools, target.cls)) pools = nullptr;
+  auto* hook = new Hook(engine, std::move(target), std::move(signature), pools);
   if (closure == nullptr ||
       ffi_prep_closure_loc(closure, hook->signature_->cif(), &Hook::enter, hook, code) != FFI_OK) {
     delete hook;
@@ -60,13 +103,15 @@ void Hook::install(Engine& engine, Target target) {
   hook->replace(reinterpret_cast<void (*)()>(code));
 }
 
-Hook::Hook(Engine& engine, Target target, std::shared_ptr<const CallSignature> signature)
+Hook::Hook(Engine& engine, Target target, std::shared_ptr<const CallSignature> signature,
+           Class pools)
     : engine_(engine),
       target_(std::move(target)),
       watched_{engine, target_.text, target_.place},
       signature_(std::move(signature)),
-      family_(MethodFamily::of(sel_getName(target_.selector), target_.isClassMethod, *signature_)) {
-}
+      ended_(CallSignature::ended(signature_)),
+      family_(MethodFamily::of(sel_getName(target_.selector), target_.isClassMethod, *signature_)),
+      pools_(pools) {}
 
 /// An inherited method is added to the class. GCC's class_replaceMethod() would replace it in the
 /// superclass.
@@ -81,7 +126,7 @@ void Hook::replace(void (*code)()) {
     return;
   // Before the method is replaced, because another thread may call it at once.
   replaced_ = reinterpret_cast<void (*)()>(method_getImplementation(method));
-  method_setImplementation(method, imp);
+  setImplementation(target_.cls, method, imp);
 }
 
 void (*Hook::original() const)() {
@@ -91,11 +136,34 @@ void (*Hook::original() const)() {
 }
 
 void Hook::enter(ffi_cif* /*cif*/, void* result, void** arguments, void* hook) {
-  static_cast<Hook*>(hook)->run(HookStack::current(), result, arguments);
+  auto& self = *static_cast<Hook*>(hook);
+  // First, because a forked child may find the lock that the stack of a new thread takes held.
+  if (self.engine_.isStopped()) return self.callReplaced(arguments, result);
+  HookStack& stack = HookStack::current();
+  // A pool ends although a wrapper refers to it.
+  const bool isOfPool =
+      self.pools_ != nullptr && isSubclass(object_getClass(receiverOf(arguments)), self.pools_);
+  if (isOfPool || stack.isOwnWork()) return self.callReplaced(arguments, result);
+  if (!stack.hasRoom()) {
+    if (stack.takeReport()) self.reportDepth(stack);
+    return self.callReplaced(arguments, result);
+  }
+  self.run(stack, result, arguments);
+}
+
+/// Without the engine, which has no room either.
+void Hook::reportDepth(HookStack& stack) const {
+  const HookStack::OwnWork own(stack);
+  LoaderEvent event{.event = LoaderEvent::kMistake, .method = target_.text};
+  event.message = "the thread's stack has no room for another script";
+  if (target_.place) {
+    event.line = target_.place->line;
+    event.column = target_.place->column;
+  }
+  engine_.report(event);
 }
 
 void Hook::run(HookStack& stack, void* result, void** arguments) {
-  if (stack.isOwnWork() || engine_.isStopped()) return callReplaced(arguments, result);
   HookRecord record(*this, watched_, arguments, signature_->resultSize());
   record.ownsReceiver = family_.takesReceiver;
   std::optional<Raised> raised = runScript(stack, record, result);
@@ -192,6 +260,8 @@ void Hook::returnAnswer(HookRecord& record, void* result) const {
   std::memcpy(result, record.answerMemory.data(), size);
   if (!family_.givesResult) return;
   const HookStack::OwnWork own;
+  // An object may end in its init although a wrapper refers to it.
+  if (family_.allocates) return engine_.objects().giveUp(record.answer);
   (void)failureOf([&] { retain(*static_cast<id*>(result)); });  // what refuses is not counted
 }
 
@@ -215,7 +285,17 @@ void Hook::prepareReceiver(HookRecord& record) const {
 }
 
 void Hook::callReplaced(void** arguments, void* result) const {
+  if (ended_ != signature_) return callEnded(arguments, result);
   ffi_call(signature_->cif(), original(), result, arguments);
+}
+
+/// Appends the null pointer.
+void Hook::callEnded(void** arguments, void* result) const {
+  std::array<void*, CallSignature::kMostArguments> places;  // NOLINT: uninitialised
+  void* end = nullptr;
+  *std::copy_n(arguments, signature_->arguments().size(), places.begin()) =
+      static_cast<void*>(&end);
+  ffi_call(ended_->cif(), original(), result, places.data());
 }
 
 JSValueRef Hook::callOriginal(HookRecord& record, ArgumentFrame& frame) {

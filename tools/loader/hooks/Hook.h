@@ -46,6 +46,9 @@ class Hook {
 
   Engine& engine() const { return engine_; }
   const CallSignature& signature() const { return *signature_; }
+  /// That of calls of the original; see CallSignature::ended().
+  const CallSignature& originalSignature() const { return *ended_; }
+  const MethodFamily& family() const { return family_; }
   JSObjectRef function() const { return target_.function; }
   const std::string& text() const { return target_.text; }
 
@@ -54,30 +57,35 @@ class Hook {
   JSValueRef callOriginal(HookRecord& record, ArgumentFrame& frame);
 
  private:
-  Hook(Engine& engine, Target target, std::shared_ptr<const CallSignature> signature);
+  Hook(Engine& engine, Target target, std::shared_ptr<const CallSignature> signature, Class pools);
 
   static void enter(ffi_cif* cif, void* result, void** arguments, void* hook);
   void replace(void (*code)());
   void (*original() const)();
 
-  void run(HookStack& stack, void* result, void** arguments);
+  /// Apart from enter(), whose frame stays small where the original is called at once.
+  [[gnu::noinline]] void run(HookStack& stack, void* result, void** arguments);
   std::optional<Raised> runScript(HookStack& stack, HookRecord& record, void* result);
   std::optional<Raised> finish(HookRecord& record, JSValueRef value, JSValueRef thrown,
                                void* result);
   void readCall(HookStack& stack, HookRecord& record, std::optional<IdentityTable::Lent>& lent);
   void writeAnswer(JSValueRef value, void* result) const;
   bool takeAnswer(HookRecord& record, JSValueRef value, void* result);
+  [[gnu::noinline]] void reportDepth(HookStack& stack) const;
   void reportMistake(const std::string& message, JSValueRef thrown) const;
   void fallBack(HookRecord& record, void* result);
   void returnAnswer(HookRecord& record, void* result) const;
   void prepareReceiver(HookRecord& record) const;
   void callReplaced(void** arguments, void* result) const;
+  [[gnu::noinline]] void callEnded(void** arguments, void* result) const;
 
   Engine& engine_;
   const Target target_;
   const WatchedCode watched_;
   const std::shared_ptr<const CallSignature> signature_;
+  const std::shared_ptr<const CallSignature> ended_;
   const MethodFamily family_;
+  const Class pools_;  ///< the class of autorelease pools if they inherit the method, else null
   void (*replaced_)() =
       nullptr;  ///< null for a method that was inherited: the superclass's is called then
 };

@@ -2,7 +2,9 @@
 
 #include <objc/runtime.h>
 
+#include <algorithm>
 #include <exception>
+#include <iterator>
 #include <utility>
 
 #include "tavlen/foundation/json/JSONEncoder.h"
@@ -32,7 +34,8 @@ std::vector<std::string> keysOf(JSContextRef context, JSObjectRef object) {
 /// The key's selector begins after the last sign: encodings may contain one in a name, selectors
 /// none.
 HookRequests::Request HookRequests::requestOf(const std::string& className, const std::string& key,
-                                              JSValueRef function) const {
+                                              JSValueRef function,
+                                              ScriptPlaces::Search& places) const {
   const std::size_t sign = key.find_last_of("+-");
   if (sign == std::string::npos)
     throw ScriptError("hookClass: the key \"" + key +
@@ -50,11 +53,9 @@ HookRequests::Request HookRequests::requestOf(const std::string& className, cons
                   const_cast<JSObjectRef>(function),
                   {}};
   request.text = key[sign] + ('[' + className + ' ' + request.selector + ']');
-  std::string opening = "hookClass(";
-  appendJSON(opening, className);
   std::string literal;
   appendJSON(literal, key);
-  request.place = engine.places().placeOf(literal, opening);
+  request.place = places.next(literal);
   JSValueProtect(engine.context(), function);
   return request;
 }
@@ -72,38 +73,71 @@ JSValueRef HookRequests::call(const Call& call) {
   }
   const std::string className = EngineString(context, call[0]).utf8();
   auto* methods = const_cast<JSObjectRef>(call[2]);
+  std::string opening = "hookClass(";
+  appendJSON(opening, className);
+  ScriptPlaces::Search places(engine.places(), opening);
   for (const std::string& key : keysOf(context, methods)) {
-    Request request = requestOf(className, key, propertyOf(context, methods, key.c_str()));
-    if (install(request)) continue;
-    report(LoaderEvent::kWaiting, request, "no image has the class " + className);
-    const std::lock_guard lock(lock_);
-    waiting_.push_back(std::move(request));
-    isWaiting_.store(true, std::memory_order_relaxed);
+    Request request = requestOf(className, key, propertyOf(context, methods, key.c_str()), places);
+    installOrWait(std::move(request));
   }
   return JSValueMakeUndefined(context);
 }
 
-void HookRequests::retry() {
-  if (!isWaiting_.load(std::memory_order_relaxed)) return;
-  std::vector<Request> waiting;
-  {
-    const std::lock_guard lock(lock_);
-    waiting.swap(waiting_);
+/// An image that comes between the attempt and the list's lock leads to another attempt.
+void HookRequests::installOrWait(Request request) {
+  std::unique_lock lock(lock_);
+  for (bool hasReported = false;;) {
+    const std::uint64_t seen = images_;
+    lock.unlock();
+    if (install(request)) return;
+    if (!std::exchange(hasReported, true))
+      report(LoaderEvent::kWaiting, request, "no image has the class " + request.className);
+    lock.lock();
+    if (images_ != seen) continue;
+    waiting_.push_back(std::move(request));
+    return;
   }
-  std::erase_if(waiting, [&](const Request& request) { return install(request); });
-  const std::lock_guard lock(lock_);
-  waiting_.insert(waiting_.end(), waiting.begin(), waiting.end());
-  isWaiting_.store(!waiting_.empty(), std::memory_order_relaxed);
+}
+
+/// Repeated if another image, whose retry() finds the list empty, has come during it.
+void HookRequests::retry() {
+  std::unique_lock lock(lock_);
+  for (std::uint64_t seen = ++images_; !waiting_.empty(); seen = images_) {
+    std::vector<Request> waiting;
+    waiting.swap(waiting_);
+    lock.unlock();
+    std::erase_if(waiting, [&](Request& request) { return installLate(request); });
+    lock.lock();
+    std::move(waiting.begin(), waiting.end(), std::back_inserter(waiting_));
+    if (images_ == seen) return;
+  }
+}
+
+/// The class that has the method; null if it is not loaded.
+Class HookRequests::Request::owner() const {
+  Class cls = ObjCRuntime::classNamed(className.c_str());
+  return isClassMethod && cls != nullptr ? object_getClass(reinterpret_cast<id>(cls)) : cls;
+}
+
+/// As install(), for a class of an image that is being loaded: a category, which comes after it,
+/// may bring the method.
+bool HookRequests::installLate(Request& request) {
+  Class cls = request.owner();
+  if (cls == nullptr) return false;
+  if (class_getInstanceMethod(cls, ObjCRuntime::selectorNamed(request.selector.c_str())) != nullptr)
+    return install(request);
+  if (!std::exchange(request.lacksMethod, true))
+    report(LoaderEvent::kWaiting, request, "the class has no such method");
+  return false;
 }
 
 /// Returns false if the class is not loaded. A method that cannot be hooked is reported.
 bool HookRequests::install(const Request& request) {
-  Class cls = ObjCRuntime::classNamed(request.className.c_str());
+  Class cls = request.owner();
   if (cls == nullptr) return false;
   try {
     Hook::install(engine,
-                  {request.isClassMethod ? object_getClass(reinterpret_cast<id>(cls)) : cls,
-                   ObjCRuntime::selectorNamed(request.selector.c_str()), request.text,
+                  {cls, ObjCRuntime::selectorNamed(request.selector.c_str()), request.text,
                    request.isClassMethod, request.encoding, request.function, request.place});
     report(LoaderEvent::kHooked, request, {});
   } catch (const std::exception& error) {

@@ -1,18 +1,21 @@
 #pragma once
 
-#include <atomic>
+#include <objc/objc.h>
+
+#include <cstdint>
 #include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "tavlen/foundation/text/TextLines.h"
+#include "tools/loader/base/ScriptPlaces.h"
 #include "tools/loader/engine/Native.h"
 
 namespace tavlen::loader {
 
-/// hookClass(name, {}, methods): the hooks that a tweak asks for, and those whose class no image
-/// has loaded yet.
+/// hookClass(name, {}, methods): the hooks that a tweak asks for, and those whose class or method
+/// no image has loaded yet.
 ///
 /// Threads: any; a class may come with an image that any thread loads.
 class HookRequests : public NativeFunction {
@@ -21,7 +24,8 @@ class HookRequests : public NativeFunction {
 
   JSValueRef call(const Call& call) override;
 
-  /// Hooks the waiting methods whose class has been loaded. Costs little while none waits.
+  /// Hooks the waiting methods that have been loaded with their class, also those that another
+  /// thread asks for at the same time.
   void retry();
 
  private:
@@ -34,16 +38,21 @@ class HookRequests : public NativeFunction {
     bool isClassMethod;
     JSObjectRef function;               ///< protected
     std::optional<TextPosition> place;  ///< of the key in the source
+    bool lacksMethod = false;           ///< the class came without the method
+
+    Class owner() const;
   };
 
-  Request requestOf(const std::string& className, const std::string& key,
-                    JSValueRef function) const;
+  Request requestOf(const std::string& className, const std::string& key, JSValueRef function,
+                    ScriptPlaces::Search& places) const;
   bool install(const Request& request);
+  bool installLate(Request& request);
+  void installOrWait(Request request);
   void report(const char* event, const Request& request, const std::string& message) const;
 
-  std::mutex lock_;
+  std::mutex lock_;  ///< never held while a method is hooked, which takes the run time's lock
   std::vector<Request> waiting_;
-  std::atomic<bool> isWaiting_ = false;
+  std::uint64_t images_ = 0;  ///< changes with each retry()
 };
 
 }  // namespace tavlen::loader

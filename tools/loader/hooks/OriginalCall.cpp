@@ -43,13 +43,15 @@ void setArguments(Engine& engine, const HookRecord& record, const Call& call,
     else
       frame.set(engine, i + kHidden, value, i + 1);
   }
+  if (record.hook.originalSignature().arguments().size() > count + kHidden)
+    frame.setPointer(count + kHidden, nullptr);
 }
 
 }  // namespace
 
 JSValueRef OriginalCall::call(const Call& call) {
   HookRecord& record = recordOf(engine, call);
-  ArgumentFrame frame(record.hook.signature());
+  ArgumentFrame frame(record.hook.originalSignature());
   frame.use(0, record.arguments[0]);
   frame.use(1, record.arguments[1]);
   setArguments(engine, record, call, frame);

@@ -31,7 +31,12 @@ void TracedCall::finish(const void* result, const Raised* raised) {
         "raised " + (raised->object() != nullptr ? className(raised->object()) : "a C++ exception");
   } else if (type.kind() != ValueType::Kind::nothing) {
     const HookStack::OwnWork own;
-    event_.result = shownValue(hook_.engine(), readValue(hook_.engine(), type, result));
+    const JSValueRef value = readValue(hook_.engine(), type, result);
+    event_.result = shownValue(hook_.engine(), value);
+    if (hook_.family().allocates) {  // see Hook::returnAnswer()
+      hook_.engine().objects().giveUp(value);
+      release(*static_cast<const id*>(result));
+    }
   }
   hook_.engine().report(event_);
 }

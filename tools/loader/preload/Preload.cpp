@@ -9,6 +9,7 @@
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tools/loader/TweakLoader.h"
 #include "tools/loader/hooks/Watch.h"
+#include "tools/loader/preload/AwaitedClasses.h"
 #include "tools/loader/preload/EventSocket.h"
 #include "tools/loader/preload/InfoOverlay.h"
 #include "tools/loader/preload/StandInClasses.h"
@@ -31,6 +32,12 @@ constexpr const char* kFormerVersion = "GLIBC_2.17";
 
 Main programMain = nullptr;
 std::atomic<TweakLoader*> theLoader = nullptr;
+
+/// Never destroyed: images may be loaded while the program ends.
+AwaitedClasses& awaitedClasses() {
+  static auto& shared = *new AwaitedClasses();
+  return shared;
+}
 
 template <class Function>
 Function next(const char* name) {
@@ -90,8 +97,10 @@ void tavlenExecClass(void* module) {
   using namespace tavlen::loader;
   static const auto kNext = next<ExecClass>("__objc_exec_class");
   (void)StartSettings::get();  // Foundation copies the environment when its classes are loaded
+  TweakLoader* loader = theLoader.load();
+  if (loader != nullptr) awaitedClasses().add(module);
   kNext(module);
-  if (TweakLoader* loader = theLoader.load()) loader->imageLoaded();
+  if (loader != nullptr && awaitedClasses().haveCome()) loader->imageLoaded();
 }
 
 }  // extern "C"

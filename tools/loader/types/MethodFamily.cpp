@@ -27,6 +27,7 @@ MethodFamily MethodFamily::of(std::string_view selector, bool isClassMethod,
   if (signature.result().kind() != ValueType::Kind::object) return family;
   while (selector.starts_with('_')) selector.remove_prefix(1);
   family.takesReceiver = !isClassMethod && isOfFamily(selector, "init");
+  family.allocates = isClassMethod && isOfFamily(selector, "alloc");
   family.givesResult =
       family.takesReceiver || std::any_of(kOwned.begin(), kOwned.end(), [&](std::string_view word) {
         return isOfFamily(selector, word);

@@ -11,6 +11,8 @@ namespace tavlen::loader {
 struct MethodFamily {
   /// Whether the caller owns the result: alloc, new, copy, mutableCopy and init.
   bool givesResult = false;
+  /// Whether the result is not initialised yet: alloc.
+  bool allocates = false;
   /// Whether it consumes a reference to its receiver: init.
   bool takesReceiver = false;
   /// Whether it counts references itself (retain, release, autorelease, retainCount) or ends the

@@ -1,0 +1,5 @@
+#import "Box.h"
+
+@implementation Box
+- (NSString *)own { return @"own"; }
+@end

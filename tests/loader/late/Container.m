@@ -1,0 +1,5 @@
+#import "Box.h"
+
+@implementation Container
+- (NSString *)inherited { return @"inherited"; }
+@end

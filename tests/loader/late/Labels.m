@@ -1,0 +1,5 @@
+#import "Box.h"
+
+@implementation Box (Labels)
+- (NSString *)label { return @"label"; }
+@end

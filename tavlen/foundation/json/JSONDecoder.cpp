@@ -166,7 +166,11 @@ class JSONDecoder final : public Decoder {
   /// found last.
   static std::size_t indexOf(std::span<const FieldDecoder> fields, std::string_view key,
                              std::size_t next) {
-    if (next < fields.size() && fields[next].key == key) return next;
+    if (next < fields.size()) {
+      // The expected key is that of the table, so its place says enough.
+      const std::string_view likely = fields[next].key;
+      if (likely.data() == key.data() || likely == key) return next;
+    }
     for (std::size_t i = 0; i < fields.size(); ++i) {
       if (fields[i].key == key) return i;
     }

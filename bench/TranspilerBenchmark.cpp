@@ -26,12 +26,19 @@ tavlen::TweakProcessor& warmProcessor() {
   return processor;
 }
 
-void convert(benchmark::State& state) {
+void convertWith(benchmark::State& state, tavlen::TweakProcessor::Map map) {
   const std::string source =
       tavlen::bench::sampleSource(static_cast<std::size_t>(state.range(0)) << 20);
   tavlen::TweakProcessor& processor = warmProcessor();
-  for (auto _ : state) benchmark::DoNotOptimize(processor.convert(source));
+  for (auto _ : state) benchmark::DoNotOptimize(processor.convert(source, map));
   state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(source.size()));
+}
+
+void convert(benchmark::State& state) { convertWith(state, tavlen::TweakProcessor::Map::make); }
+
+/// Without the source map, as a check and an installation do it.
+void convertCode(benchmark::State& state) {
+  convertWith(state, tavlen::TweakProcessor::Map::leaveOut);
 }
 
 /// Reads and runs "ob.js", in an engine that has been started.
@@ -44,5 +51,11 @@ BENCHMARK(load)->MeasureProcessCPUTime()->Unit(benchmark::kMillisecond);
 // Process CPU time includes the threads of the engine's compilers and garbage collector.
 BENCHMARK(convert)->ArgName("MB")->Arg(1)->Arg(2)->MinTime(1.5)->MeasureProcessCPUTime()->Unit(
     benchmark::kMillisecond);
+BENCHMARK(convertCode)
+    ->ArgName("MB")
+    ->Arg(1)
+    ->MinTime(1.5)
+    ->MeasureProcessCPUTime()
+    ->Unit(benchmark::kMillisecond);
 
 }  // namespace

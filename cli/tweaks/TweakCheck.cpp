@@ -155,7 +155,7 @@ void printWarnings(const TweakFile::Opened& opened, const std::string& folder) {
 }
 
 void printWarningsOfInstallation(const TweakFile::Opened& opened, bool copiesExecutables) {
-  const fs::path& folder = opened.file->url();
+  const fs::path folder = opened.file->url();
   TweakSurroundings surroundings = surroundingsOf(folder);
   std::erase_if(surroundings.refusedEntries, [&](const RefusedEntry& entry) {
     const fs::path top = *entry.path.begin();

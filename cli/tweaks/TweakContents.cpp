@@ -44,7 +44,7 @@ void addPart(std::vector<TweakChange>& changes, const char* subject,
 TweakContents contentsOf(const TweakFile::Opened& tweak) {
   TweakContents contents{
       tweak.manifest, tweak.file->customIcon(), tweak.file->readScript(), {}, {}, {}};
-  const fs::path& folder = tweak.file->url();
+  const fs::path folder = tweak.file->url();
   for (const std::string& name : attachedFiles(folder, folder.string()))
     contents.files.emplace(name, folder);
   contents.wholeFolders.insert(kAttachedFolders.begin(), kAttachedFolders.end());

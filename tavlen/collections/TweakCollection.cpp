@@ -78,8 +78,8 @@ TweakCollection::Opened TweakCollection::opened(std::filesystem::path url,
           std::move(manifest)};
 }
 
-ListedItem TweakCollection::listed(std::filesystem::path url, std::string_view document) {
-  Opened collection = opened(std::move(url), document);
+ListedItem TweakCollection::listed(std::string path, std::string_view document) {
+  Opened collection = opened(std::move(path), document);
   return {std::move(collection.file), collection.manifest.genericConfiguration()};
 }
 
@@ -148,7 +148,7 @@ void TweakCollection::validate() const { manifest(); }
 TweakCollection::Manifest TweakCollection::manifest() const {
   std::string bytes;
   try {
-    bytes = readDocument(openedFile(DeviceRoot::shared(), url()));
+    bytes = readDocument(openedFile(DeviceRoot::shared(), path()));
   } catch (const std::system_error& error) {
     const bool isMissing = error.code() == std::errc::no_such_file_or_directory ||
                            error.code() == std::errc::not_a_directory;

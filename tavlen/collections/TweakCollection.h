@@ -39,7 +39,7 @@ class TAVLEN_API TweakCollection : public TweakProtocol,
   /// file. Throws DecodingError.
   static Opened opened(std::filesystem::path url, std::string_view document);
   /// As opened(), but keeps only the settings. Throws DecodingError.
-  static ListedItem listed(std::filesystem::path url, std::string_view document);
+  static ListedItem listed(std::string path, std::string_view document);
   /// A handle on the file `url`, which need not exist: for a broken item. Reads nothing.
   static std::shared_ptr<TweakCollection> handle(std::filesystem::path url);
   /// The path of the collection `id`, relative to the folder that contains it.
@@ -84,7 +84,7 @@ class TAVLEN_API TweakCollection : public TweakProtocol,
                TweakInfo& tweakInfo, bool copyExecutables) const override;
 
  private:
-  explicit TweakCollection(std::filesystem::path url) : TweakProtocol(std::move(url)) {}
+  explicit TweakCollection(std::string path) : TweakProtocol(std::move(path)) {}
 };
 
 }  // namespace tavlen

@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <exception>
 #include <system_error>
+#include <utility>
 
 #include "tavlen/bundles/IPA.h"
 #include "tavlen/device/DeviceRoot.h"
@@ -17,8 +18,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// `url` without a slash, "." or ".." at its end: an item's identifier is the last component.
-fs::path withName(fs::path url) {
+/// `path` without a slash, "." or ".." at its end: an item's identifier is the last component.
+std::string withName(std::string path) {
+  if (isPlainComponent(std::string_view(path).substr(path.rfind('/') + 1))) return path;
+  fs::path url = std::move(path);
   if (!url.has_filename()) url = url.parent_path();
   if (url.empty() || isPlainComponent((--url.end())->native())) return url;
   url = fs::absolute(url).lexically_normal();
@@ -27,7 +30,7 @@ fs::path withName(fs::path url) {
 
 }  // namespace
 
-TweakProtocol::TweakProtocol(std::filesystem::path url) : url_(withName(std::move(url))) {}
+TweakProtocol::TweakProtocol(std::string path) : path_(withName(std::move(path))) {}
 
 bool TweakProtocol::isShownInSearchFor(std::string_view query) const {
   try {

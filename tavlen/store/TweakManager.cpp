@@ -41,7 +41,7 @@ struct Kind {
   OpenedItem (*open)(fs::path url);
   std::string (*documentOf)(std::string_view id);
   OpenedItem (*opened)(fs::path url, std::string_view document);
-  ListedItem (*listed)(fs::path url, std::string_view document);
+  ListedItem (*listed)(std::string path, std::string_view document);
   std::shared_ptr<TweakProtocol> (*handle)(fs::path url);
   TweakConfiguration (*settingsIn)(std::string_view document);
   std::shared_ptr<TweakProtocol> (*handlePayloadAt)(const fs::path& url);
@@ -161,15 +161,16 @@ void visitDocuments(const Visit& visit, const Fail& fail) {
     const DeviceFolder store(DeviceRoot::shared(), folder);
     FolderReader names(store.opened(), folder);
     std::vector<char> buffer(std::size_t{64} << 10);  // for all but huge documents
+    const std::string prefix = folder / "";
     while (const std::optional<std::string> name = names.next()) {
       const Kind* const kind = kindOfID(*name);
       if (kind == nullptr || isTemporaryName(*name)) continue;
       try {
         const std::string document = kind->documentOf(*name);
         if (const auto small = store.readSmall(document, buffer)) {
-          visit(*kind, folder / *name, *small);
+          visit(*kind, prefix + *name, *small);
         } else {
-          visit(*kind, folder / *name, readDocument(store.openedFile(document)));
+          visit(*kind, prefix + *name, readDocument(store.openedFile(document)));
         }
       } catch (const std::exception&) {
         fail(*name);
@@ -207,8 +208,8 @@ std::optional<std::string> storedID(std::string_view text) {
 
 /// A visitor that appends the items to `items`.
 auto listInto(std::vector<ListedItem>& items) {
-  return [&items](const Kind& kind, fs::path url, std::string_view document) {
-    items.push_back(kind.listed(std::move(url), document));
+  return [&items](const Kind& kind, std::string path, std::string_view document) {
+    items.push_back(kind.listed(std::move(path), document));
   };
 }
 
@@ -255,8 +256,8 @@ void unpack(const fs::path& url, std::string_view extension, const fs::path& fol
 
 std::vector<std::shared_ptr<TweakProtocol>> TweakManager::allTweaks() {
   std::vector<std::shared_ptr<TweakProtocol>> tweaks;
-  visitDocuments([&](const Kind& kind, fs::path url, std::string_view document) {
-    tweaks.push_back(kind.listed(std::move(url), document).item);
+  visitDocuments([&](const Kind& kind, std::string path, std::string_view document) {
+    tweaks.push_back(kind.listed(std::move(path), document).item);
   });
   return tweaks;
 }
@@ -291,12 +292,12 @@ FoundItems TweakManager::find(std::string_view text) {
   };
   std::vector<OpenedItem> named;
   visitDocuments(
-      [&](const Kind& kind, const fs::path& url, std::string_view document) {
-        const std::string id = url.filename().string();
-        const std::string name = kind.listed(url, document).configuration.name();
+      [&](const Kind& kind, const std::string& path, std::string_view document) {
+        const std::string id = path.substr(path.rfind('/') + 1);
+        const std::string name = kind.listed(path, document).configuration.name();
         const bool isNamed = name == text;
         if (isNamed || hasPrefix(id)) {
-          (isNamed ? named : found.items).push_back(kind.opened(url, document));
+          (isNamed ? named : found.items).push_back(kind.opened(path, document));
         }
         found.names.push_back(name);
         found.identifiers.push_back(id);

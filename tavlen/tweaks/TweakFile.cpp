@@ -111,9 +111,9 @@ TweakFile::Opened TweakFile::opened(std::filesystem::path url, std::string_view 
           std::move(ignored)};
 }
 
-ListedItem TweakFile::listed(std::filesystem::path url, std::string_view document) {
+ListedItem TweakFile::listed(std::string path, std::string_view document) {
   TweakConfiguration configuration(decodeDocument<ManifestSummary>(document).configuration);
-  return {std::shared_ptr<TweakFile>(new TweakFile(std::move(url))), std::move(configuration)};
+  return {std::shared_ptr<TweakFile>(new TweakFile(std::move(path))), std::move(configuration)};
 }
 
 std::shared_ptr<TweakFile> TweakFile::handle(std::filesystem::path url) {
@@ -121,7 +121,9 @@ std::shared_ptr<TweakFile> TweakFile::handle(std::filesystem::path url) {
 }
 
 std::string TweakFile::documentOf(std::string_view id) {
-  return std::string(id).append("/").append(kManifestFile);
+  std::string path;
+  path.reserve(id.size() + 1 + std::string_view(kManifestFile).size());
+  return path.append(id).append("/").append(kManifestFile);
 }
 
 std::shared_ptr<TweakFile> TweakFile::create(std::string name, TweakColor color, TweakGlyph glyph,
@@ -191,7 +193,7 @@ void TweakFile::validate() const { decodeDocument<ManifestSummary>(documentInFol
 
 std::string TweakFile::document() const {
   try {
-    return readDocument(openedFile(DeviceRoot::shared(), url().native() + "/" + kManifestFile));
+    return readDocument(openedFile(DeviceRoot::shared(), path() + "/" + kManifestFile));
   } catch (const std::system_error& error) {
     const bool isMissing = error.code() == std::errc::no_such_file_or_directory ||
                            error.code() == std::errc::not_a_directory;

@@ -52,7 +52,7 @@ class TAVLEN_API TweakFile : public TweakProtocol, public std::enable_shared_fro
   /// read. Opens no file. Throws DecodingError.
   static Opened opened(std::filesystem::path url, std::string_view document);
   /// As opened(), but keeps only the settings. Throws DecodingError.
-  static ListedItem listed(std::filesystem::path url, std::string_view document);
+  static ListedItem listed(std::string path, std::string_view document);
   /// A handle on the folder `url`, which need not exist: for a broken item. Reads nothing.
   static std::shared_ptr<TweakFile> handle(std::filesystem::path url);
   /// The path of the document of the tweak `id`, relative to the folder that contains the tweak.
@@ -142,7 +142,7 @@ class TAVLEN_API TweakFile : public TweakProtocol, public std::enable_shared_fro
                TweakInfo& tweakInfo, bool copyExecutables) const override;
 
  private:
-  explicit TweakFile(std::filesystem::path url) : TweakProtocol(std::move(url)) {}
+  explicit TweakFile(std::string path) : TweakProtocol(std::move(path)) {}
 
   /// The bytes of Manifest.json. Throws as manifest(), except for DecodingError.
   std::string document() const;

@@ -4,10 +4,20 @@
 export class Edits {
   constructor() {
     this.byToken = [];
+    this.indices = [];
   }
 
   at(index) {
-    return (this.byToken[index] = this.byToken[index] || { before: "", text: null, after: "", tight: false });
+    const known = this.byToken[index];
+    if (known) return known;
+    this.indices.push(index);
+    return (this.byToken[index] = { before: "", text: null, after: "", tight: false });
+  }
+
+  // The indices of the tokens with edits, in order. A typed array is made and sorted
+  // without calls.
+  tokens() {
+    return new Float64Array(this.indices).sort();
   }
 
   replace(index, text) {

@@ -5,9 +5,10 @@ const BLANKS = /^[ \t]+$/;
 // No edit adds or removes a line break, so each generated token is on the same
 // line as in the source. Only columns change, by `shift` on the current line.
 class Emitter {
+  // Follows the lines and adds the edited tokens to `mappings`, unless it is null.
   constructor(source, mappings) {
     this.source = source;
-    this.lines = lineStarts(source);
+    this.lines = mappings ? lineStarts(source) : [0];
     this.lines.push(Infinity);
     this.line = 0;
     this.shift = 0;
@@ -62,20 +63,33 @@ class Emitter {
   }
 }
 
-// Returns the code, and adds the tokens to `mappings` unless it is null. `starts`
-// and `ends` are the offsets of the tokens.
-export function emit(source, starts, ends, edits, mappings) {
-  const emitter = new Emitter(source, mappings);
-  let previousEnd = 0;
-  for (let i = 0; i < starts.length; i++) {
-    const start = starts[i];
-    const edit = edits.byToken[i];
-    if (start >= emitter.lines[emitter.line + 1]) emitter.moveTo(start);
-    if (edit) emitter.applyEdit(edit, previousEnd, start, ends[i]);
-    // The end of the source and the empty text of a template are empty tokens.
-    else if (mappings && ends[i] > start) emitter.mark(start);
-    previousEnd = ends[i];
+// Returns the code. `starts` and `ends` are the offsets of the tokens. Looks only
+// at tokens with edits, which are few.
+export function emitCode(source, starts, ends, edits) {
+  const emitter = new Emitter(source, null);
+  const tokens = edits.tokens();
+  for (let t = 0; t < tokens.length; t++) {
+    const i = tokens[t];
+    emitter.applyEdit(edits.byToken[i], i > 0 ? ends[i - 1] : 0, starts[i], ends[i]);
   }
   emitter.copyTo(source.length);
   return emitter.code;
+}
+
+// Adds all tokens to `mappings`.
+export function emitMappings(source, starts, ends, edits, mappings) {
+  const emitter = new Emitter(source, mappings);
+  const { lines } = emitter;
+  const tokens = edits.tokens();
+  for (let i = 0, t = 0; i < starts.length; ) {
+    if (starts[i] >= lines[emitter.line + 1]) emitter.moveTo(starts[i]);
+    if (i === tokens[t]) {
+      emitter.applyEdit(edits.byToken[i], i > 0 ? ends[i - 1] : 0, starts[i], ends[i]);
+      i++;
+      t++;
+    } else {
+      const end = t < tokens.length ? tokens[t] : starts.length;
+      i = mappings.addTokens(starts, ends, i, end, emitter.line, lines, emitter.shift);
+    }
+  }
 }

@@ -1,4 +1,4 @@
-import { emit } from "./emit.mjs";
+import { emitCode, emitMappings } from "./emit.mjs";
 import { syntaxError } from "./errors.mjs";
 import { Mappings } from "./mappings.mjs";
 import { HookParser } from "./parser.mjs";
@@ -11,11 +11,11 @@ export function transpile(source) {
   parse(parser, source);
   const { starts, ends, edits } = parser;
   return {
-    code: emit(source, starts, ends, edits, null),
+    code: emitCode(source, starts, ends, edits),
     // Made when it is read, in a second pass: most callers have no use for it.
     get map() {
       const mappings = new Mappings();
-      emit(source, starts, ends, edits, mappings);
+      emitMappings(source, starts, ends, edits, mappings);
       return JSON.stringify({ version: 3, sources: [SOURCE_NAME], sourcesContent: [source], names: [], mappings: mappings.toString() });
     },
   };

@@ -30,6 +30,12 @@ class TAVLEN_API Encoder {
 
   /// Begins a keyed container, written in the order of its keys. The caller writes each key once.
   virtual void beginRecord() = 0;
+  /// The same, and writes its first member, a text. It and its key are isPlainText().
+  virtual void beginTypedRecord(std::string_view typeKey, std::string_view type) {
+    beginRecord();
+    plainKey(typeKey);
+    plainString(type);
+  }
   /// Writes the key of the next value.
   virtual void key(std::string_view key) = 0;
   /// The same for a key that isPlainText(), which needs no check.

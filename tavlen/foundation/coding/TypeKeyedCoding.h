@@ -67,9 +67,7 @@ struct Coding<Container> {
     std::visit(
         [&]<class Kind>(const Kind& kind) {
           static_assert(isPlainText(kTypeKey) && isPlainText(Kind::identifier));
-          encoder.beginRecord();
-          encoder.plainKey(kTypeKey);
-          encoder.plainString(Kind::identifier);
+          encoder.beginTypedRecord(kTypeKey, Kind::identifier);
           encodeFields(encoder, kind);
           encoder.endRecord();
         },

@@ -48,7 +48,7 @@ FileDescriptor FileDescriptor::tryOpenAt(int parent, const char* name, int flags
       retryOnInterrupt([&] { return ::openat(parent, name, flags | O_CLOEXEC, mode); }));
 }
 
-FileDescriptor FileDescriptor::tryOpenBelow(int parent, std::string_view path, int flags,
+FileDescriptor FileDescriptor::tryOpenBelow(int parent, const std::string& path, int flags,
                                             mode_t mode) {
   flags |= O_NOFOLLOW;
 #ifdef SYS_openat2
@@ -58,20 +58,20 @@ FileDescriptor FileDescriptor::tryOpenBelow(int parent, std::string_view path, i
   how.flags = static_cast<unsigned>(flags | O_CLOEXEC);
   how.mode = (flags & O_CREAT) != 0 ? mode : 0;
   how.resolve = RESOLVE_NO_SYMLINKS | RESOLVE_BENEATH;
-  FileDescriptor opened(static_cast<int>(retryOnInterrupt([&] {
-    return ::syscall(SYS_openat2, parent, std::string(path).c_str(), &how, sizeof how);
-  })));
+  FileDescriptor opened(static_cast<int>(retryOnInterrupt(
+      [&] { return ::syscall(SYS_openat2, parent, path.c_str(), &how, sizeof how); })));
   if (opened || (errno != ENOSYS && errno != EPERM)) return opened;
 #endif
   FileDescriptor folder;
-  for (std::size_t slash = path.find('/'); slash != std::string_view::npos;
-       slash = path.find('/')) {
-    folder = tryOpenAt(parent, std::string(path.substr(0, slash)).c_str(), kOpenToPass);
+  std::size_t begin = 0;
+  for (std::size_t slash = path.find('/'); slash != std::string::npos;
+       slash = path.find('/', begin)) {
+    folder = tryOpenAt(parent, path.substr(begin, slash - begin).c_str(), kOpenToPass);
     if (!folder) return folder;
     parent = folder.get();
-    path.remove_prefix(slash + 1);
+    begin = slash + 1;
   }
-  return tryOpenAt(parent, std::string(path).c_str(), flags, mode);
+  return tryOpenAt(parent, path.substr(begin).c_str(), flags, mode);
 }
 
 struct stat FileDescriptor::status(const std::string& shown) const {

@@ -62,7 +62,8 @@ class TAVLEN_API FileDescriptor {
   static FileDescriptor tryOpenAt(int parent, const char* name, int flags, mode_t mode = 0);
   /// Opens `path`, which is relative and has no "..", below the open folder `parent`. Holds none on
   /// failure, with errno: ELOOP or ENOTDIR for a symbolic link anywhere on the way.
-  static FileDescriptor tryOpenBelow(int parent, std::string_view path, int flags, mode_t mode = 0);
+  static FileDescriptor tryOpenBelow(int parent, const std::string& path, int flags,
+                                     mode_t mode = 0);
 
   /// Whether it owns a descriptor.
   explicit operator bool() const { return value_ >= 0; }

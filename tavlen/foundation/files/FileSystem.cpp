@@ -63,8 +63,8 @@ int executableError(const std::filesystem::path& path) {
 }
 
 bool isPlainComponent(std::string_view name) {
-  return !name.empty() && name != "." && name != ".." &&
-         name.find_first_of(std::string_view("/\0", 2)) == std::string_view::npos;
+  return !name.empty() && name != "." && name != ".." && name.find('/') == std::string_view::npos &&
+         name.find('\0') == std::string_view::npos;
 }
 
 bool isAtOrBelow(const std::filesystem::path& path, const std::filesystem::path& folder) {

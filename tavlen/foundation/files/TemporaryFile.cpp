@@ -82,8 +82,8 @@ void TemporaryFile::finish() {
 
 void TemporaryFile::close() { file_.close(shown_); }
 
-bool isTemporaryName(const std::filesystem::path& name) {
-  return name.native().starts_with(kTemporaryPrefix) || name == TemporaryDirectory::kItemsFolder;
+bool isTemporaryName(const std::string& name) {
+  return name.starts_with(kTemporaryPrefix) || name == TemporaryDirectory::kItemsFolder;
 }
 
 void sweepTemporaryFiles(int folder) {

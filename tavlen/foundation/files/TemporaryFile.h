@@ -56,7 +56,7 @@ TAVLEN_API std::string temporaryName();
 
 /// Whether `name` is a temporary file's, or that of the folder in which TemporaryDirectory works. A
 /// crash may have left such entries; they are not part of the user's data.
-TAVLEN_API bool isTemporaryName(const std::filesystem::path& name);
+TAVLEN_API bool isTemporaryName(const std::string& name);
 
 /// Removes entries with temporary names older than ten minutes, left by crashes, from the open
 /// folder `folder`; folders with their contents. Listing a large folder takes longer than writing a

@@ -74,12 +74,19 @@ class JSONDecoder final : public Decoder {
     if (scanner_.position() == peekedAt_) known.peeked = wanted_;
     std::uint64_t seen = 0;
     std::size_t next = 0;
+    const auto keyAt = [&](std::size_t index) {
+      return index < fields.size() ? fields[index].key : std::string_view();
+    };
+    std::string_view expected = known.peeked.value_or(keyAt(0));
     object(
+        expected,
         [&](std::string_view key) {
           const std::size_t index = indexOf(fields, key, next);
-          if (index == fields.size() || (seen >> index & 1) != 0) return;
+          const bool isRead = index < fields.size() && (seen >> index & 1) == 0;
+          if (isRead) next = index + 1;
+          expected = keyAt(next);
+          if (!isRead) return;
           seen |= std::uint64_t{1} << index;
-          next = index + 1;
           underKey(fields[index].key, [&] { fields[index].decode(*this, record); });
         },
         [&](std::string_view key) { logIgnored(key, known); });
@@ -91,8 +98,9 @@ class JSONDecoder final : public Decoder {
 
   void members(FunctionRef<void(std::string_view)> member) override {
     // A member is left unread only if the key stands a second time.
-    object([&](std::string_view key) { underKey(key, [&] { member(key); }); },
-           [&](std::string_view key) { log_->addRepeated(key, scanner_.lastKey()); });
+    object(
+        {}, [&](std::string_view key) { underKey(key, [&] { member(key); }); },
+        [&](std::string_view key) { log_->addRepeated(key, scanner_.lastKey()); });
   }
 
   void elements(FunctionRef<void()> element) override {
@@ -113,7 +121,7 @@ class JSONDecoder final : public Decoder {
     peekedAt_ = position;
     wanted_ = wanted;
     for (bool more = scanner_.open('}'); more; more = scanner_.next('}')) {
-      if (scanner_.key(peekedKey_) != wanted) {
+      if (!scanner_.passKey(wanted) && scanner_.key(peekedKey_) != wanted) {
         scanner_.skipValueAhead();
         continue;
       }
@@ -158,7 +166,11 @@ class JSONDecoder final : public Decoder {
   /// found last.
   static std::size_t indexOf(std::span<const FieldDecoder> fields, std::string_view key,
                              std::size_t next) {
-    if (next < fields.size() && fields[next].key == key) return next;
+    if (next < fields.size()) {
+      // The expected key is that of the table, so its place says enough.
+      const std::string_view likely = fields[next].key;
+      if (likely.data() == key.data() || likely == key) return next;
+    }
     for (std::size_t i = 0; i < fields.size(); ++i) {
       if (fields[i].key == key) return i;
     }
@@ -177,15 +189,17 @@ class JSONDecoder final : public Decoder {
     }
   }
 
-  /// Calls `ignored` for members that `member` does not read, if they are to be logged.
+  /// Calls `ignored` for members that `member` does not read, if they are to be logged. `expected`
+  /// is the likely key, which `member` may change to that of the next.
   template <class Member, class Ignored>
-  void object(Member&& member, Ignored&& ignored) {
+  void object(const std::string_view& expected, Member&& member, Ignored&& ignored) {
     expect('{', "a dictionary");
     if (!scanner_.open('}')) return;
     // Local storage for a key with escapes: reading the member may read other keys.
     std::string storage;
     do {
-      const std::string_view key = scanner_.key(storage);
+      const std::string_view likely = expected;
+      const std::string_view key = scanner_.passKey(likely) ? likely : scanner_.key(storage);
       if (log_ == nullptr) {
         readOrSkip([&] { member(key); });
         continue;

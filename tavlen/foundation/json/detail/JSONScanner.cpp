@@ -31,8 +31,6 @@ constexpr bool endsPlainText(char c) {
   return c == '"' || c == '\\' || static_cast<unsigned char>(c) < 0x20;
 }
 
-constexpr bool isWhiteSpace(char c) { return c == ' ' || c == '\n' || c == '\t' || c == '\r'; }
-
 constexpr bool isNumberCharacter(char c) {
   return isDigit(c) || c == '+' || c == '-' || c == '.' || c == 'e' || c == 'E';
 }
@@ -44,35 +42,13 @@ constexpr char closingFor(char opening) { return opening == '{' ? '}' : ']'; }
 JSONScanner::JSONScanner(std::string_view text)
     : begin_(text.data()), position_(text.data()), end_(text.data() + text.size()) {}
 
-char JSONScanner::peek() {
-  while (position_ != end_ && isWhiteSpace(*position_)) ++position_;
-  return position_ == end_ ? '\0' : *position_;
-}
-
-void JSONScanner::deepen() {
-  if (++depth_ <= limits::kJSONDepth) return;
+void JSONScanner::failForDepth() const {
   fail("nested deeper than " + std::to_string(limits::kJSONDepth) + " containers");
 }
 
-bool JSONScanner::open(char closing) {
-  deepen();
-  ++position_;
-  if (peek() != closing) return true;
-  ++position_;
-  --depth_;
-  return false;
-}
-
-bool JSONScanner::next(char closing) {
-  const char c = peek();
-  if (c == ',') {
-    ++position_;
-    return true;
-  }
-  if (c != closing) fail(c == '\0' ? "unexpected end" : "expected a comma or the container's end");
-  ++position_;
-  --depth_;
-  return false;
+void JSONScanner::failForEnd() const {
+  fail(position_ == end_ || *position_ == '\0' ? "unexpected end"
+                                               : "expected a comma or the container's end");
 }
 
 std::string_view JSONScanner::key(std::string& storage) {

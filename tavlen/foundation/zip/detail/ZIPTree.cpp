@@ -3,9 +3,10 @@
 #include <sys/stat.h>
 
 #include <algorithm>
-#include <system_error>
+#include <optional>
 
 #include "tavlen/foundation/base/SystemError.h"
+#include "tavlen/foundation/files/FolderReader.h"
 #include "tavlen/foundation/files/TemporaryFile.h"
 #include "tavlen/foundation/text/Unicode.h"
 #include "tavlen/foundation/zip/ZIPError.h"
@@ -36,7 +37,7 @@ class TreeReader {
     budget_.add(name, size);
     items_.push_back({name, path, status.st_mode, size});
     if (!isFolder) return;
-    for (const fs::path& child : childrenOf(path)) add(path / child, name + child.string());
+    for (const std::string& child : childrenOf(path)) add(path / child, name + child);
   }
 
   std::vector<ZIPItem> takeItems() { return std::move(items_); }
@@ -48,15 +49,13 @@ class TreeReader {
                    wellFormedUTF8(name));
   }
 
-  static std::vector<fs::path> childrenOf(const fs::path& folder) {
-    std::vector<fs::path> names;
-    std::error_code error;
-    fs::directory_iterator entry(folder, error);
-    for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
-      fs::path name = entry->path().filename();
-      if (!isTemporaryName(name)) names.push_back(std::move(name));
+  /// Not by a directory_iterator, some of whose steps end the process when memory runs out.
+  static std::vector<std::string> childrenOf(const fs::path& folder) {
+    std::vector<std::string> names;
+    FolderReader reader(FileDescriptor::open(folder, kOpenFolder), folder);
+    while (std::optional<std::string> name = reader.next()) {
+      if (!isTemporaryName(*name)) names.push_back(std::move(*name));
     }
-    if (error) throw std::system_error(error, folder.string());
     std::sort(names.begin(), names.end());
     return names;
   }

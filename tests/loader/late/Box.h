@@ -2,13 +2,13 @@
 #import <Foundation/Foundation.h>
 
 @interface Container : NSObject
-- (NSString *)inherited;
+- (NSString*)inherited;
 @end
 
 @interface Box : Container
-- (NSString *)own;
+- (NSString*)own;
 @end
 
 @interface Box (Labels)
-- (NSString *)label;
+- (NSString*)label;
 @end

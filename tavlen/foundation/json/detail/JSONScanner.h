@@ -53,9 +53,10 @@ class JSONScanner {
   /// the key has escapes.
   std::string_view key(std::string& storage);
   /// Moves past the key `expected` and its colon, if they are next and written without a space
-  /// between them. `expected` isPlainText(). Costs less than key(), which looks for the end.
+  /// between them. `expected` isPlainText(); nothing is expected if it is empty. Costs less than
+  /// key(), which looks for the end.
   bool passKey(std::string_view expected) {
-    if (peek() != '"') return false;
+    if (peek() != '"' || expected.empty()) return false;
     const std::size_t length = expected.size();
     const char* const text = position_ + 1;
     if (static_cast<std::size_t>(end_ - text) < length + 2 ||

@@ -118,9 +118,24 @@ TEST_F(TryCommandTest, TracesCallsAsTextAndAsJSON) {
           R"({"event":"call","method":"-[Shelf join:number:real:frame:name:range:]","receiver":"<Shelf 0x)"));
 }
 
+TEST_F(TryCommandTest, LeavesTheProgramItsSignals) {
+  hook("-[Shelf title]", "@16@0:8", "string:hooked");
+  for (const int signal : {SIGABRT, SIGSEGV, SIGBUS, SIGUSR1}) {
+    const std::string number = std::to_string(signal);
+    const int handled = 40 + (signal == SIGUSR1 ? 1 : 0);
+    EXPECT_EQ(tried("", "signal " + number).status, 128 + signal);
+    EXPECT_EQ(tried("", "signal " + number + " handled").status, handled) << signal;
+    EXPECT_EQ(shell("HANDLE_EARLY=" + number + " \"$tavlen\" try Shelf -- " +
+                    paths().loaderProgram + " signal " + number)
+                  .status,
+              handled)
+        << signal;
+  }
+  EXPECT_EQ(tried("", "signal null").status, 128 + SIGSEGV);
+}
+
 TEST_F(TryCommandTest, LeavesTheProgramItsStatusAndItsEnvironment) {
   EXPECT_EQ(tried("", "status 7").status, 7);
-  EXPECT_EQ(tried("", "signal").status, 128 + SIGABRT);
   hook("-[Shelf title]", "@16@0:8", "string:hooked");
   const Result child = tried("", "child");
   EXPECT_THAT(child.out, HasSubstr("title: original\n"));

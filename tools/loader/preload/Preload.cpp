@@ -13,12 +13,14 @@
 #include <string>
 #include <string_view>
 #include <system_error>
+#include <utility>
 
 #include "tavlen/foundation/files/ExecutablePath.h"
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/tweaks/LoaderSettings.h"
 #include "tools/loader/TweakLoader.h"
 #include "tools/loader/hooks/Watch.h"
+#include "tools/loader/preload/EngineSignals.h"
 #include "tools/loader/preload/EventSocket.h"
 #include "tools/loader/preload/InfoOverlay.h"
 #include "tools/loader/preload/StandInClasses.h"
@@ -94,14 +96,18 @@ std::optional<Settings> takeSettings() {
                   std::chrono::milliseconds(std::stol(*limit))};
 }
 
+TweakLoader& makeLoader(const Settings& settings, EventReceiver& receiver) {
+  TweakCode code{readFile(settings.tweak / "code.js"), readFile(settings.tweak / "code.js.map"),
+                 (settings.tweak / "Resources").string()};
+  const EngineSignals signals;
+  return TweakLoader::make(std::move(code), receiver, settings.isTracing);
+}
+
 void start(const Settings& settings) {
   auto& receiver = *new EventSocket(settings.events);
   defineStandInClasses();
   overlayMainBundle(settings.tweak / "Info.plist");
-  TweakLoader& loader = TweakLoader::make(
-      {readFile(settings.tweak / "code.js"), readFile(settings.tweak / "code.js.map"),
-       (settings.tweak / "Resources").string()},
-      receiver, settings.isTracing);
+  TweakLoader& loader = makeLoader(settings, receiver);
   loader.engine().report({.event = LoaderEvent::kStarted});
   theLoader = &loader;
   ::pthread_atfork(nullptr, nullptr, [] { theLoader.load()->engine().stop(); });

@@ -135,7 +135,10 @@ int main(int argc, char **argv) {
   print("countdown", [NSString stringWithFormat:@"%d", [shelf countdown:3]]);
   print("inherited", [[BigShelf shelf] title]);
   NSBundle *bundle = [NSBundle mainBundle];
-  print("CFBundleName", [bundle objectForInfoDictionaryKey:@"CFBundleName"]);
+  NSDictionary *info = [bundle infoDictionary];
+  print("info", [NSString stringWithFormat:@"%@ %@ %@ %lu", [bundle objectForInfoDictionaryKey:@"CFBundleName"],
+                                           [info objectForKey:@"MinimumOSVersion"], [info objectForKey:@"Own"],
+                                           (unsigned long)[info count]]);
   fflush(stdout);
   [pool drain];
   return 0;

@@ -12,6 +12,7 @@
 #include "tools/loader/engine/HookStack.h"
 #include "tools/loader/engine/ShownValue.h"
 #include "tools/loader/hooks/OriginalCall.h"
+#include "tools/loader/hooks/RejectedPromises.h"
 #include "tools/loader/values/Boxing.h"
 
 namespace tavlen::loader {
@@ -93,6 +94,7 @@ TweakLoader::TweakLoader(TweakCode tweak, EventReceiver& receiver, bool isTracin
       engine_(tweak_.code, tweak_.map, receiver, isTracing),
       hooks_(*new HookRequests(engine_)) {
   defineGlobals();
+  reportRejectedPromises(engine_);
 }
 
 void TweakLoader::setGlobal(const char* name, JSValueRef value) {

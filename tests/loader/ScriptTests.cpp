@@ -136,15 +136,15 @@ TEST(LoaderScript, AMistakeIsReportedAndTheOriginalAnswers) {
 TEST(LoaderScript, ARejectedPromiseIsReportedOnceUnlessItsErrorIsTakenUp) {
   const std::vector<std::pair<const char*, const char*>> cases = {
       {"async function f() { return absent } f(); f(); return %orig",
-       "2:29 -[Answers answer:]: a promise was rejected: ReferenceError: Can't find variable: "
+       "2:29 : a promise was rejected: ReferenceError: Can't find variable: "
        "absent"},
       {"(async () => { await null; [this absent] })(); return %orig",
-       "2:28 -[Answers answer:]: a promise was rejected: -[Answers absent]: there is no such "
+       "2:28 : a promise was rejected: -[Answers absent]: there is no such "
        "method"},
       {"Promise.resolve(1).then(() => { throw 'text' }); return %orig",
-       "1:40 -[Answers answer:]: a promise was rejected: \"text\""},
+       "0:0 : a promise was rejected: \"text\""},
       {"(async () => [this raise])(); return %orig",
-       "2:14 -[Answers answer:]: a promise was rejected: NSRangeException: beyond"},
+       "2:14 : a promise was rejected: NSRangeException: beyond"},
       {"(async () => absent)().catch(() => {}); return %orig", nullptr},
   };
   for (const auto& [body, expected] : cases) {

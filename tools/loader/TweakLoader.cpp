@@ -10,9 +10,9 @@
 #include "tools/loader/calls/MethodCall.h"
 #include "tools/loader/engine/ErrorValues.h"
 #include "tools/loader/engine/HookStack.h"
+#include "tools/loader/engine/RejectedPromises.h"
 #include "tools/loader/engine/ShownValue.h"
 #include "tools/loader/hooks/OriginalCall.h"
-#include "tools/loader/hooks/RejectedPromises.h"
 #include "tools/loader/values/Boxing.h"
 
 namespace tavlen::loader {

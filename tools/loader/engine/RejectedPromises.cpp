@@ -1,4 +1,4 @@
-#include "tools/loader/hooks/RejectedPromises.h"
+#include "tools/loader/engine/RejectedPromises.h"
 
 #include <dlfcn.h>
 
@@ -6,9 +6,7 @@
 
 #include "tools/loader/engine/Engine.h"
 #include "tools/loader/engine/ErrorValues.h"
-#include "tools/loader/engine/HookStack.h"
 #include "tools/loader/engine/Native.h"
-#include "tools/loader/hooks/Hook.h"
 
 namespace tavlen::loader {
 
@@ -19,17 +17,13 @@ struct RejectedPromise : NativeFunction {
   using NativeFunction::NativeFunction;
 
   JSValueRef call(const Call& call) override {
-    const HookRecord* record = HookStack::current().top();
-    const bool isOwn = record != nullptr && &record->hook.engine() == &engine;
-    const std::string method = isOwn ? record->hook.text() : std::string();
-    const JSValueRef error = call[1];
+    // The hook that runs now need not be the one whose script made the promise.
     const std::string kRejected = "a promise was rejected: ";
     const auto failure = failureOf([&] {
-      engine.reportMistake(method, kRejected + messageOf(engine, error), error,
-                           isOwn ? record->hook.function() : nullptr);
+      engine.reportMistake({}, kRejected + messageOf(engine, call[1]), call[1], nullptr);
     });
     if (failure)
-      engine.reportMistake(method, kRejected + "an error that cannot be shown", nullptr, nullptr);
+      engine.reportMistake({}, kRejected + "an error that cannot be shown", nullptr, nullptr);
     return JSValueMakeUndefined(call.context);
   }
 };
@@ -38,9 +32,9 @@ struct RejectedPromise : NativeFunction {
 
 void reportRejectedPromises(Engine& engine) {
   // The engine exports it, here and on devices, but no public header declares it.
-  using Set = void (*)(JSGlobalContextRef context, JSObjectRef function, JSValueRef* exception);
-  const auto set = reinterpret_cast<Set>(
-      ::dlsym(RTLD_DEFAULT, "JSGlobalContextSetUnhandledRejectionCallback"));
+  using Set = void (*)(JSGlobalContextRef context, JSObjectRef function, JSValueRef * exception);
+  const auto set =
+      reinterpret_cast<Set>(::dlsym(RTLD_DEFAULT, "JSGlobalContextSetUnhandledRejectionCallback"));
   if (set == nullptr) return;
   JSValueRef ignored = nullptr;
   set(engine.context(),

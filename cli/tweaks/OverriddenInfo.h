@@ -6,8 +6,8 @@
 
 namespace tavlen::cli {
 
-/// An Info.plist that holds nothing but the values that the tweak's overrides set. Throws
-/// EncodingError.
+/// An Info.plist that holds nothing but the values that the tweak's overrides set, and the keys
+/// that they remove, under loaderSettings::kRemovedKeys. Throws EncodingError.
 std::string overriddenInfo(const TweakFile::Manifest& manifest);
 
 }  // namespace tavlen::cli

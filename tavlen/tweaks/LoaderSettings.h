@@ -15,4 +15,8 @@ inline constexpr const char* kTrace = "TAVLEN_LOADER_TRACE";  ///< set to report
 inline constexpr const char* kLimit =
     "TAVLEN_LOADER_LIMIT";  ///< milliseconds after which a script is slow
 
+/// The key of an array in the package's Info.plist: the keys of the program's own that the tweak
+/// removes.
+inline constexpr const char* kRemovedKeys = "TavlenRemovedKeys";
+
 }  // namespace tavlen::loaderSettings

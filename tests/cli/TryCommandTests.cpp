@@ -64,18 +64,29 @@ TEST_F(TryCommandTest, EachConstantThatCanBeStoredAnswers) {
        R"(("<null>", "UIColor 1 0.5 0 1"))"},
       {"join", "", "", "a 1 0.5 8 n 4"},
       {"inherited", "@16@0:8", "", "hooked"},
-      {"CFBundleName", "", "", "Overridden"},
   };
   for (const auto& [name, types, value, after] : cases) {
     if (!value.empty()) hook("-[Shelf " + name + "]", types, value);
   }
-  done("override add Shelf BundleName Overridden");
   const Result result = tried("");
   auto answers = answersIn(result.out);
   auto expected = before;
   for (const auto& [name, types, value, after] : cases) expected[name] = after;
   EXPECT_EQ(answers, expected) << result.err;
   EXPECT_EQ(result.status, 0);
+}
+
+TEST_F(TryCommandTest, OverridesChangeWhatTheMainBundleSays) {
+  fs::create_directories(folder() / "Shelf.app/Resources");
+  fs::copy(paths().loaderProgram, folder() / "Shelf.app/Shelf");
+  write("Shelf.app/Resources/Info-gnustep.plist",
+        R"({ CFBundleName = own; MinimumOSVersion = "9.0"; Own = value; })");
+  const auto info = [&] { return answersIn(run("try Shelf -- Shelf.app/Shelf").out)["info"]; };
+  EXPECT_EQ(info(), "own 9.0 value 3");
+  done("override add Shelf BundleName Overridden");
+  EXPECT_EQ(info(), "Overridden 9.0 value 3");
+  done("override add Shelf MinimumOSVersion none");
+  EXPECT_EQ(info(), "Overridden (null) value 2");
 }
 
 TEST_F(TryCommandTest, SaysWhatIsHookedAndWhatIsNot) {
@@ -129,9 +140,24 @@ TEST_F(TryCommandTest, TracesCallsAsTextAndAsJSON) {
           R"({"event":"call","method":"-[Shelf join:number:real:frame:name:range:]","receiver":"<Shelf 0x)"));
 }
 
+TEST_F(TryCommandTest, LeavesTheProgramItsSignals) {
+  hook("-[Shelf title]", "@16@0:8", "string:hooked");
+  for (const int signal : {SIGABRT, SIGSEGV, SIGBUS, SIGUSR1}) {
+    const std::string number = std::to_string(signal);
+    const int handled = 40 + (signal == SIGUSR1 ? 1 : 0);
+    EXPECT_EQ(tried("", "signal " + number).status, 128 + signal);
+    EXPECT_EQ(tried("", "signal " + number + " handled").status, handled) << signal;
+    EXPECT_EQ(shell("HANDLE_EARLY=" + number + " \"$tavlen\" try Shelf -- " +
+                    paths().loaderProgram + " signal " + number)
+                  .status,
+              handled)
+        << signal;
+  }
+  EXPECT_EQ(tried("", "signal null").status, 128 + SIGSEGV);
+}
+
 TEST_F(TryCommandTest, LeavesTheProgramItsStatusAndItsEnvironment) {
   EXPECT_EQ(tried("", "status 7").status, 7);
-  EXPECT_EQ(tried("", "signal").status, 128 + SIGABRT);
   hook("-[Shelf title]", "@16@0:8", "string:hooked");
   const Result child = tried("", "child");
   EXPECT_THAT(child.out, HasSubstr("title: original\n"));

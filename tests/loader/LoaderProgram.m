@@ -2,6 +2,7 @@
 #import <Foundation/Foundation.h>
 
 #include <dlfcn.h>
+#include <signal.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
@@ -65,11 +66,30 @@ typedef struct {
 @implementation BigShelf
 @end
 
+static void leave(int signal) { _exit(40 + (signal == SIGUSR1)); }
+
+/// What a program does before its main function.
+__attribute__((constructor)) static void handleEarly(void) {
+  if (getenv("HANDLE_EARLY")) signal(atoi(getenv("HANDLE_EARLY")), leave);
+}
+
+/// Gets the signal from itself, or from a null pointer.
+static void die(const char *number) {
+  if (strcmp(number, "null") == 0) *(volatile int *)NULL = 1;
+  kill(getpid(), atoi(number));
+  for (int i = 0; i < 1000; ++i) [[Shelf shelf] title];
+}
+
 static void print(const char *name, NSString *value) { printf("%s: %s\n", name, [value UTF8String]); }
 
 int main(int argc, char **argv) {
   NSAutoreleasePool *pool = [NSAutoreleasePool new];
-  if (argc > 1 && strcmp(argv[1], "signal") == 0) abort();
+  if (argc > 1 && strcmp(argv[1], "signal") == 0) {
+    [[Shelf shelf] title];
+    if (argc > 3) signal(atoi(argv[2]), leave);
+    die(argv[2]);
+    return 0;
+  }
   if (argc > 1 && strcmp(argv[1], "status") == 0) return atoi(argv[2]);
   if (argc > 1 && strcmp(argv[1], "child") == 0) {
     if (fork() != 0) return wait(NULL) < 0;
@@ -124,7 +144,10 @@ int main(int argc, char **argv) {
   print("countdown", [NSString stringWithFormat:@"%d", [shelf countdown:3]]);
   print("inherited", [[BigShelf shelf] title]);
   NSBundle *bundle = [NSBundle mainBundle];
-  print("CFBundleName", [bundle objectForInfoDictionaryKey:@"CFBundleName"]);
+  NSDictionary *info = [bundle infoDictionary];
+  print("info", [NSString stringWithFormat:@"%@ %@ %@ %lu", [bundle objectForInfoDictionaryKey:@"CFBundleName"],
+                                           [info objectForKey:@"MinimumOSVersion"], [info objectForKey:@"Own"],
+                                           (unsigned long)[info count]]);
   fflush(stdout);
   [pool drain];
   return 0;

@@ -160,6 +160,33 @@ TEST(LoaderScript, AMistakeIsReportedOnceForEachMethodAndPlace) {
   EXPECT_EQ(mistakes.back(), "0:0 : further mistakes are not shown");
 }
 
+TEST(LoaderScript, ARejectedPromiseIsReportedOnceUnlessItsErrorIsTakenUp) {
+  const std::vector<std::pair<const char*, const char*>> cases = {
+      {"async function f() { return absent } f(); f(); return %orig",
+       "2:29 : a promise was rejected: ReferenceError: Can't find variable: "
+       "absent"},
+      {"(async () => { await null; [this absent] })(); return %orig",
+       "2:28 : a promise was rejected: -[Answers absent]: there is no such "
+       "method"},
+      {"Promise.resolve(1).then(() => { throw 'text' }); return %orig",
+       "0:0 : a promise was rejected: \"text\""},
+      {"(async () => [this raise])(); return %orig",
+       "2:14 : a promise was rejected: NSRangeException: beyond"},
+      {"(async () => absent)().catch(() => {}); return %orig", nullptr},
+  };
+  for (const auto& [body, expected] : cases) {
+    const Answer answer = answerOf(body);
+    EXPECT_EQ(answer.text, "original") << body;
+    if (expected == nullptr)
+      EXPECT_THAT(answer.mistakes, IsEmpty());
+    else
+      EXPECT_THAT(answer.mistakes, ElementsAre(expected));
+  }
+  const LoadedTweak tweak("1;\nPromise.reject(Error('outside'));");
+  EXPECT_THAT(tweak.events.of(LoaderEvent::kMistake),
+              ElementsAre("2:16 : a promise was rejected: outside"));
+}
+
 TEST(LoaderScript, WhatCannotBeHookedIsRefusedAndTheRestIsHooked) {
   const LoadedTweak tweak(R"(hookClass("Answers", {}, {
   "@16@0:8-absent": function() {},

@@ -10,6 +10,7 @@
 #include "tools/loader/calls/MethodCall.h"
 #include "tools/loader/engine/ErrorValues.h"
 #include "tools/loader/engine/HookStack.h"
+#include "tools/loader/engine/RejectedPromises.h"
 #include "tools/loader/engine/ShownValue.h"
 #include "tools/loader/hooks/OriginalCall.h"
 #include "tools/loader/values/Boxing.h"
@@ -93,6 +94,7 @@ TweakLoader::TweakLoader(TweakCode tweak, EventReceiver& receiver, bool isTracin
       engine_(tweak_.code, tweak_.map, receiver, isTracing),
       hooks_(*new HookRequests(engine_)) {
   defineGlobals();
+  reportRejectedPromises(engine_);
 }
 
 void TweakLoader::setGlobal(const char* name, JSValueRef value) {

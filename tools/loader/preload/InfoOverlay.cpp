@@ -2,6 +2,7 @@
 
 #include <objc/runtime.h>
 
+#include "tavlen/tweaks/LoaderSettings.h"
 #include "tools/loader/base/Messages.h"
 
 namespace tavlen::loader {
@@ -47,6 +48,10 @@ void overlayMainBundle(const std::filesystem::path& file) {
   id merged = send(classNamed("NSMutableDictionary"), "new");
   if (id own = send(bundle, "infoDictionary")) send<void>(merged, "addEntriesFromDictionary:", own);
   send<void>(merged, "addEntriesFromDictionary:", values);
+  id removed = ObjCRuntime::makeString(loaderSettings::kRemovedKeys);
+  if (id keys = send(values, "objectForKey:", removed))
+    send<void>(merged, "removeObjectsForKeys:", keys);
+  send<void>(merged, "removeObjectForKey:", removed);
   overlay() = {bundle, merged, method_getImplementation(method)};
   method_setImplementation(method, reinterpret_cast<IMP>(&infoDictionary));
 }

@@ -5,11 +5,14 @@
 #include <pthread.h>
 
 #include <atomic>
+#include <exception>
+#include <utility>
 
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tools/loader/TweakLoader.h"
 #include "tools/loader/hooks/Watch.h"
 #include "tools/loader/preload/AwaitedClasses.h"
+#include "tools/loader/preload/EngineSignals.h"
 #include "tools/loader/preload/EventSocket.h"
 #include "tools/loader/preload/InfoOverlay.h"
 #include "tools/loader/preload/StandInClasses.h"
@@ -44,14 +47,18 @@ Function next(const char* name) {
   return reinterpret_cast<Function>(::dlsym(RTLD_NEXT, name));
 }
 
+TweakLoader& makeLoader(const StartSettings& settings, EventReceiver& receiver) {
+  TweakCode code{readFile(settings.tweak / "code.js"), readFile(settings.tweak / "code.js.map"),
+                 (settings.tweak / "Resources").string()};
+  const EngineSignals signals;
+  return TweakLoader::make(std::move(code), receiver, settings.isTracing);
+}
+
 void start(const StartSettings& settings) {
   auto& receiver = *new EventSocket(settings.events);
   defineStandInClasses();
   overlayMainBundle(settings.tweak / "Info.plist");
-  TweakLoader& loader = TweakLoader::make(
-      {readFile(settings.tweak / "code.js"), readFile(settings.tweak / "code.js.map"),
-       (settings.tweak / "Resources").string()},
-      receiver, settings.isTracing);
+  TweakLoader& loader = makeLoader(settings, receiver);
   loader.engine().report({.event = LoaderEvent::kStarted});
   theLoader = &loader;
   ::pthread_atfork(nullptr, nullptr, [] { theLoader.load()->engine().stop(); });

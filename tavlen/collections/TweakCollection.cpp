@@ -59,23 +59,22 @@ TweakCollection::Opened checkedPayload(const fs::path& url) {
 
 }  // namespace
 
-std::shared_ptr<TweakCollection> TweakCollection::at(std::filesystem::path url) {
-  std::shared_ptr<TweakCollection> collection(new TweakCollection(std::move(url)));
+std::shared_ptr<TweakCollection> TweakCollection::at(const std::filesystem::path& url) {
+  std::shared_ptr<TweakCollection> collection(new TweakCollection(url));
   collection->validate();
   return collection;
 }
 
-TweakCollection::Opened TweakCollection::open(std::filesystem::path url) {
-  std::shared_ptr<TweakCollection> collection(new TweakCollection(std::move(url)));
+TweakCollection::Opened TweakCollection::open(const std::filesystem::path& url) {
+  std::shared_ptr<TweakCollection> collection(new TweakCollection(url));
   Manifest manifest = collection->manifest();
   return {std::move(collection), std::move(manifest)};
 }
 
-TweakCollection::Opened TweakCollection::opened(std::filesystem::path url,
+TweakCollection::Opened TweakCollection::opened(const std::filesystem::path& url,
                                                 std::string_view document) {
   auto manifest = decodeDocument<Manifest>(document);
-  return {std::shared_ptr<TweakCollection>(new TweakCollection(std::move(url))),
-          std::move(manifest)};
+  return {std::shared_ptr<TweakCollection>(new TweakCollection(url)), std::move(manifest)};
 }
 
 ListedItem TweakCollection::listed(std::string path, std::string_view document) {
@@ -83,8 +82,8 @@ ListedItem TweakCollection::listed(std::string path, std::string_view document) 
   return {std::move(collection.file), collection.manifest.genericConfiguration()};
 }
 
-std::shared_ptr<TweakCollection> TweakCollection::handle(std::filesystem::path url) {
-  return std::shared_ptr<TweakCollection>(new TweakCollection(std::move(url)));
+std::shared_ptr<TweakCollection> TweakCollection::handle(const std::filesystem::path& url) {
+  return std::shared_ptr<TweakCollection>(new TweakCollection(url));
 }
 
 std::shared_ptr<TweakCollection> TweakCollection::create(std::string name, TweakColor color,

@@ -32,16 +32,16 @@ class TAVLEN_API TweakCollection : public TweakProtocol,
   static constexpr std::string_view kIDSuffix = ".collection";
 
   /// Opens the file at `url` and reads it once to check it. Throws as manifest() does.
-  static std::shared_ptr<TweakCollection> at(std::filesystem::path url);
+  static std::shared_ptr<TweakCollection> at(const std::filesystem::path& url);
   /// As at(), but also returns the manifest that was read. Throws as at() does.
-  static Opened open(std::filesystem::path url);
+  static Opened open(const std::filesystem::path& url);
   /// The collection in the file `url`, decoded from its bytes, which the caller has read. Opens no
   /// file. Throws DecodingError.
-  static Opened opened(std::filesystem::path url, std::string_view document);
+  static Opened opened(const std::filesystem::path& url, std::string_view document);
   /// As opened(), but keeps only the settings. Throws DecodingError.
   static ListedItem listed(std::string path, std::string_view document);
   /// A handle on the file `url`, which need not exist: for a broken item. Reads nothing.
-  static std::shared_ptr<TweakCollection> handle(std::filesystem::path url);
+  static std::shared_ptr<TweakCollection> handle(const std::filesystem::path& url);
   /// The path of the collection `id`, relative to the folder that contains it.
   static std::string documentOf(std::string_view id) { return std::string(id); }
   /// Creates a new collection without members in the tweaks directory. Posts nothing. Throws

@@ -91,24 +91,23 @@ void exchange(const fs::path& payload, const fs::path& folder) {
 
 }  // namespace
 
-std::shared_ptr<TweakFile> TweakFile::at(std::filesystem::path url) {
-  std::shared_ptr<TweakFile> tweak(new TweakFile(std::move(url)));
+std::shared_ptr<TweakFile> TweakFile::at(const std::filesystem::path& url) {
+  std::shared_ptr<TweakFile> tweak(new TweakFile(url));
   tweak->validate();
   return tweak;
 }
 
-TweakFile::Opened TweakFile::open(std::filesystem::path url) {
-  std::shared_ptr<TweakFile> tweak(new TweakFile(std::move(url)));
+TweakFile::Opened TweakFile::open(const std::filesystem::path& url) {
+  std::shared_ptr<TweakFile> tweak(new TweakFile(url));
   IgnoredKeys ignored;
   auto manifest = decodeDocument<Manifest>(tweak->documentInFolder(), ignored);
   return {std::move(tweak), std::move(manifest), std::move(ignored)};
 }
 
-TweakFile::Opened TweakFile::opened(std::filesystem::path url, std::string_view document) {
+TweakFile::Opened TweakFile::opened(const std::filesystem::path& url, std::string_view document) {
   IgnoredKeys ignored;
   auto manifest = decodeDocument<Manifest>(document, ignored);
-  return {std::shared_ptr<TweakFile>(new TweakFile(std::move(url))), std::move(manifest),
-          std::move(ignored)};
+  return {std::shared_ptr<TweakFile>(new TweakFile(url)), std::move(manifest), std::move(ignored)};
 }
 
 ListedItem TweakFile::listed(std::string path, std::string_view document) {
@@ -116,8 +115,8 @@ ListedItem TweakFile::listed(std::string path, std::string_view document) {
   return {std::shared_ptr<TweakFile>(new TweakFile(std::move(path))), std::move(configuration)};
 }
 
-std::shared_ptr<TweakFile> TweakFile::handle(std::filesystem::path url) {
-  return std::shared_ptr<TweakFile>(new TweakFile(std::move(url)));
+std::shared_ptr<TweakFile> TweakFile::handle(const std::filesystem::path& url) {
+  return std::shared_ptr<TweakFile>(new TweakFile(url));
 }
 
 std::string TweakFile::documentOf(std::string_view id) {

@@ -45,16 +45,16 @@ class TAVLEN_API TweakFile : public TweakProtocol, public std::enable_shared_fro
   static constexpr const char* executablesFolder = "Executables";
 
   /// Opens the folder at `url` and reads its manifest once to check it. Throws as validate() does.
-  static std::shared_ptr<TweakFile> at(std::filesystem::path url);
+  static std::shared_ptr<TweakFile> at(const std::filesystem::path& url);
   /// As at(), but also returns the manifest that was read. Throws as at() does.
-  static Opened open(std::filesystem::path url);
+  static Opened open(const std::filesystem::path& url);
   /// The tweak in the folder `url`, decoded from the bytes of its document, which the caller has
   /// read. Opens no file. Throws DecodingError.
-  static Opened opened(std::filesystem::path url, std::string_view document);
+  static Opened opened(const std::filesystem::path& url, std::string_view document);
   /// As opened(), but keeps only the settings. Throws DecodingError.
   static ListedItem listed(std::string path, std::string_view document);
   /// A handle on the folder `url`, which need not exist: for a broken item. Reads nothing.
-  static std::shared_ptr<TweakFile> handle(std::filesystem::path url);
+  static std::shared_ptr<TweakFile> handle(const std::filesystem::path& url);
   /// The path of the document of the tweak `id`, relative to the folder that contains the tweak.
   static std::string documentOf(std::string_view id);
   /// Creates a new tweak in the tweaks directory. Posts no notification; the caller announces the

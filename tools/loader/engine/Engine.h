@@ -13,6 +13,7 @@
 #include "tools/loader/engine/IdentityTable.h"
 #include "tools/loader/engine/MethodTable.h"
 #include "tools/loader/engine/ReleaseQueue.h"
+#include "tools/loader/engine/WatchedCode.h"
 #include "tools/loader/types/StructureMakers.h"
 
 namespace tavlen::loader {
@@ -35,6 +36,8 @@ class Engine {
   MethodTable& methods() { return methods_; }
   StructureMakers& structures() { return structures_; }
   const ScriptPlaces& places() const { return places_; }
+  /// The code of the tweak that is in no hook.
+  const WatchedCode& outside() const { return outside_; }
 
   /// From now on hooks call the originals: for a forked child, which lacks the engine's threads.
   void stop() { isStopped_.store(true, std::memory_order_relaxed); }
@@ -57,6 +60,7 @@ class Engine {
   const bool isTracing_;
   std::atomic<bool> isStopped_ = false;
   const ScriptPlaces places_;
+  const WatchedCode outside_{*this, {}, {}};
   JSGlobalContextRef context_;
   MethodTable methods_;
   StructureMakers structures_;

@@ -11,8 +11,8 @@
 #include "tavlen/foundation/objc/ObjCRuntime.h"
 #include "tavlen/tweaks/TweakProcessor.h"
 #include "tools/loader/TweakLoader.h"
-#include "tools/loader/calls/ArgumentFrame.h"
 #include "tools/loader/engine/Native.h"
+#include "tools/loader/values/ArgumentFrame.h"
 
 namespace tavlen::loader {
 namespace {

@@ -82,6 +82,17 @@ TEST(LoaderScript, Answers) {
        "1 1"},
       {"return [NSStringFrom = 'a', 'b'].join()", "a,b"},
       {"return @([this notFound] === 9223372036854775807n)", "1"},
+      {"let sum = 0; [@[1, 2, 3] enumerateObjectsUsingBlock:objc_block('v@Q^v', (object, index) => "
+       "{ "
+       "sum += object * index })]; return '' + sum",
+       "8"},
+      {"return [[@[3, 1, 2] sortedArrayUsingComparator:objc_block('q@@', (a, b) => Math.sign(a - "
+       "b))] "
+       "componentsJoinedByString:' ']",
+       "1 2 3"},
+      {"return objc_block('d{CGPoint=dd}f', (p, f) => p.x * p.y + f)([2, 3], 0.5) + ''", "6.5"},
+      {"try { objc_block('v', () => [this raise])() } catch (e) { return [e.exception name] }",
+       "NSRangeException"},
       {"return @([this same:9007199254740993n] === 9007199254740993n)", "1"},
   };
   for (const auto& [body, expected] : cases) {
@@ -129,6 +140,14 @@ TEST(LoaderScript, AMistakeIsReportedAndTheOriginalAnswers) {
       {"[[NSAutoreleasePool alloc] init]",
        "2:2 -[Answers answer:]: +[NSAutoreleasePool alloc]: scripts make no autorelease pools"},
       {"return [Unheld alloc]", "1:40 -[Answers answer:]: the result: NSRangeException: not held"},
+      {"objc_block('v', () => absent)(); return %orig",
+       "2:23 : a block: ReferenceError: Can't find variable: absent"},
+      {"if (objc_block('i', () => 'text')() === 0) return %orig",
+       "2:21 : a block: the result: expected a whole number, got \"text\""},
+      {"objc_block('v(?=if)', () => 0)",
+       "2:1 -[Answers answer:]: objc_block: a union (?=if) cannot be passed"},
+      {"objc_block('v', 1)",
+       "2:1 -[Answers answer:]: objc_block: expected the types of a block and a function"},
       {"return Absent", "2:8 -[Answers answer:]: ReferenceError: the program has no class Absent"},
   };
   for (const auto& [body, expected] : cases) {

@@ -1,19 +1,23 @@
 #include "tools/loader/TweakLoader.h"
 
 #include <array>
+#include <string>
 #include <utility>
 
 #include "tools/loader/ClassNames.h"
 #include "tools/loader/base/EngineString.h"
 #include "tools/loader/base/Messages.h"
-#include "tools/loader/calls/FunctionCall.h"
+#include "tools/loader/calls/FunctionLookup.h"
 #include "tools/loader/calls/MethodCall.h"
 #include "tools/loader/engine/ErrorValues.h"
 #include "tools/loader/engine/HookStack.h"
 #include "tools/loader/engine/RejectedPromises.h"
 #include "tools/loader/engine/ShownValue.h"
 #include "tools/loader/hooks/OriginalCall.h"
+#include "tools/loader/values/BlockType.h"
+#include "tools/loader/values/BlockValue.h"
 #include "tools/loader/values/Boxing.h"
+#include "tools/loader/values/ScriptBlock.h"
 
 namespace tavlen::loader {
 
@@ -83,6 +87,25 @@ struct SelectorBox : NativeFunction {
   }
 };
 
+/// objc_block(types, function).
+struct BlockMaker : NativeFunction {
+  using NativeFunction::NativeFunction;
+
+  JSValueRef call(const Call& call) override {
+    auto* function = const_cast<JSObjectRef>(call[1]);
+    if (!JSValueIsString(call.context, call[0]) || !JSValueIsObject(call.context, function) ||
+        !JSObjectIsFunction(call.context, function))
+      throw ScriptError("objc_block: expected the types of a block and a function");
+    try {
+      const HookStack::OwnWork own;
+      const BlockType& type = BlockType::without(EngineString(call.context, call[0]).utf8());
+      return BlockValue::adopting(engine, type, newScriptBlock(engine, type, function));
+    } catch (const UnsupportedType& error) {
+      throw ScriptError(std::string("objc_block: ") + error.what());
+    }
+  }
+};
+
 }  // namespace
 
 TweakLoader& TweakLoader::make(TweakCode tweak, EventReceiver& receiver, bool isTracing) {
@@ -126,6 +149,7 @@ void TweakLoader::defineGlobals() {
   setGlobal("objc_box", makeFunction(new Box(engine_)));
   setGlobal("objc_dictionary", makeFunction(new DictionaryBox(engine_)));
   setGlobal("objc_selector", makeFunction(new SelectorBox(engine_)));
+  setGlobal("objc_block", makeFunction(new BlockMaker(engine_)));
   setGlobal("loadFunc", makeFunction(new FunctionLookup(engine_)));
   setGlobal("hookClass", makeFunction(&hooks_));
   const HookStack::OwnWork own;
@@ -152,7 +176,7 @@ void TweakLoader::run() {
   const ObjCRuntime::AutoreleasePool pool;  // the program has none yet
   JSValueRef thrown = nullptr;
   {
-    const HookStack::OutermostCode computing(outermost_);
+    const HookStack::OutermostCode computing(engine_.outside());
     JSEvaluateScript(engine_.context(), EngineString(tweak_.code).get(), nullptr,
                      EngineString(ScriptPlaces::kCodeURL).get(), 1, &thrown);
   }

@@ -7,7 +7,6 @@
 #include "tools/loader/base/EventReceiver.h"
 #include "tools/loader/engine/Engine.h"
 #include "tools/loader/engine/Native.h"
-#include "tools/loader/engine/WatchedCode.h"
 #include "tools/loader/hooks/HookRequests.h"
 
 namespace tavlen::loader {
@@ -46,7 +45,6 @@ class TweakLoader {
 
   const TweakCode tweak_;
   Engine engine_;
-  const WatchedCode outermost_{engine_, {}, {}};
   HookRequests& hooks_;  ///< owned by the context
 };
 

@@ -2,6 +2,8 @@
 
 #include <Block.h>
 
+#include <new>
+
 // The block ABI's class of blocks that are not yet on the heap. Only the address of the array is
 // used. Apple's header declares it; the other run time's public header does not.
 #ifndef __APPLE__
@@ -19,8 +21,11 @@ namespace tavlen {
 
 ObjCBlock::ObjCBlock(Header& literal) {
   constexpr int kHasCopyAndDispose = 1 << 25;
+  // A mark of the ABI's first version. GNUstep's own functions, which a program that links it gets,
+  // copy nothing without it; the others ignore it.
+  constexpr int kHasDescriptor = 1 << 29;
   literal.isa = _NSConcreteStackBlock;
-  literal.flags = kHasCopyAndDispose;
+  literal.flags = kHasCopyAndDispose | kHasDescriptor;
   block_.reset(_Block_copy(&literal));
   if (block_ == nullptr) throw std::bad_alloc();
 }

@@ -5,11 +5,11 @@
 
 #include "tools/loader/base/EngineString.h"
 #include "tools/loader/base/Messages.h"
-#include "tools/loader/calls/ArgumentFrame.h"
 #include "tools/loader/calls/VariadicArguments.h"
 #include "tools/loader/engine/Engine.h"
 #include "tools/loader/engine/ProgramCode.h"
 #include "tools/loader/engine/ShownValue.h"
+#include "tools/loader/values/ArgumentFrame.h"
 #include "tools/loader/values/Boxing.h"
 #include "tools/loader/values/Values.h"
 

@@ -6,6 +6,7 @@
 
 #include "tavlen/foundation/text/Unicode.h"
 #include "tools/loader/base/EngineString.h"
+#include "tools/loader/engine/HookStack.h"
 
 namespace tavlen::loader {
 
@@ -41,6 +42,27 @@ void Engine::report(LoaderEvent event) {
     if (*text) shorten(**text);
   if (event.arguments) std::for_each(event.arguments->begin(), event.arguments->end(), shorten);
   receiver_.receive(event);
+}
+
+void Engine::report(const char* event, const WatchedCode& code, std::string message) {
+  LoaderEvent whole{.event = event, .message = std::move(message)};
+  if (!code.method.empty()) whole.method = code.method;
+  if (code.place) {
+    whole.line = code.place->line;
+    whole.column = code.place->column;
+  }
+  report(std::move(whole));
+}
+
+void Engine::reportNoRoom(HookStack& stack, const WatchedCode& code) {
+  if (!stack.takeReport()) return;
+  const HookStack::OwnWork own(stack);
+  report(LoaderEvent::kMistake, code, "the thread's stack has no room for another script");
+}
+
+void Engine::forget(JSObjectRef function) {
+  const std::lock_guard lock(lock_);
+  functions_.erase(function);
 }
 
 std::optional<TextPosition> Engine::placeOf(JSObjectRef function) {

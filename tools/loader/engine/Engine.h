@@ -14,9 +14,12 @@
 #include "tools/loader/engine/IdentityTable.h"
 #include "tools/loader/engine/MethodTable.h"
 #include "tools/loader/engine/ReleaseQueue.h"
+#include "tools/loader/engine/WatchedCode.h"
 #include "tools/loader/types/StructureMakers.h"
 
 namespace tavlen::loader {
+
+class HookStack;
 
 /// The context of a tweak, and what its values, calls and hooks share.
 ///
@@ -36,6 +39,8 @@ class Engine {
   MethodTable& methods() { return methods_; }
   StructureMakers& structures() { return structures_; }
   const ScriptPlaces& places() const { return places_; }
+  /// The code of the tweak that is in no hook.
+  const WatchedCode& outside() const { return outside_; }
 
   /// From now on hooks call the originals: for a forked child, which lacks the engine's threads.
   void stop() { isStopped_.store(true, std::memory_order_relaxed); }
@@ -45,11 +50,18 @@ class Engine {
   bool isTracing() const { return isTracing_; }
   /// Reports the event with shortened texts.
   void report(LoaderEvent event);
+  /// Reports `event`, one of LoaderEvent's constants, with the method and the place of `code`.
+  void report(const char* event, const WatchedCode& code, std::string message);
+  /// Reports, once for each thread, that its stack has no room for `code`. Does without the script
+  /// engine, which has no room either.
+  void reportNoRoom(HookStack& stack, const WatchedCode& code);
   /// Reports a mistake of the hook `method`, or of the code outside of hooks if that is empty; once
   /// for each method and place, or else text, and at most 1,000. Its place is that of `thrown`, or
-  /// else of `function`; each may be null; a function must be protected for ever.
+  /// else of `function`; each may be null. A function must be protected until it is forgotten.
   void reportMistake(const std::string& method, const std::string& message, JSValueRef thrown,
                      JSObjectRef function);
+  /// Drops what is remembered of a function that is protected no longer.
+  void forget(JSObjectRef function);
 
  private:
   std::optional<TextPosition> placeOf(JSObjectRef function);
@@ -58,6 +70,7 @@ class Engine {
   const bool isTracing_;
   std::atomic<bool> isStopped_ = false;
   const ScriptPlaces places_;
+  const WatchedCode outside_{*this, {}, {}};
   JSGlobalContextRef context_;
   MethodTable methods_;
   StructureMakers structures_;

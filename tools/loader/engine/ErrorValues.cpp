@@ -83,6 +83,15 @@ std::string messageOf(Engine& engine, JSValueRef thrown) {
   return kind == "Error" ? text : kind + ": " + text;
 }
 
+void reportThrown(Engine& engine, const std::string& method, const std::string& prefix,
+                  JSValueRef thrown, JSObjectRef function) {
+  const auto report = [&](const std::string& message, JSValueRef placed) {
+    engine.reportMistake(method, prefix + message, placed, function);
+  };
+  if (failureOf([&] { report(messageOf(engine, thrown), thrown); }))
+    report("an error that cannot be shown", nullptr);
+}
+
 std::optional<std::string> failureOf(FunctionRef<void()> body) {
   try {
     id raised = guarded(body);

@@ -25,6 +25,10 @@ std::optional<Raised> raisedBy(Engine& engine, JSValueRef thrown);
 /// object".
 std::string messageOf(Engine& engine, JSValueRef thrown);
 
+/// Reports what a script threw, with `prefix` before its text; see Engine::reportMistake().
+void reportThrown(Engine& engine, const std::string& method, const std::string& prefix,
+                  JSValueRef thrown, JSObjectRef function);
+
 /// Runs `body`, work of the loader's own, and returns the text of what it threw or raised: a
 /// mistake of the script, which asked for what cannot be done. Nothing if it ended well. A
 /// ProgramException passes.

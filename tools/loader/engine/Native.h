@@ -31,6 +31,11 @@ struct Native {
   Native& operator=(const Native&) = delete;
   virtual ~Native() = default;
 
+  /// The object that lives as long as what this stands for; null for what lives by itself.
+  virtual id keptObject() const {
+    return kind == Kind::object ? static_cast<id>(pointer) : nullptr;
+  }
+
   /// The data of `value`; null for what the loader did not make.
   static Native* of(JSContextRef context, JSValueRef value);
 
@@ -72,9 +77,11 @@ struct Call {
   }
 };
 
-/// A function of the program or of the loader that scripts call.
+/// A function of the program or of the loader that scripts call. It may stand for something else,
+/// too.
 struct NativeFunction : Native {
-  explicit NativeFunction(Engine& owner) : Native(owner, Kind::function) {}
+  explicit NativeFunction(Engine& owner, Kind itsKind = Kind::function, void* stoodFor = nullptr)
+      : Native(owner, itsKind, stoodFor) {}
 
   /// Does the work and returns its value. Whatever it throws or raises becomes an error of the
   /// script: a ProgramException one that carries the program's, any other a mistake.

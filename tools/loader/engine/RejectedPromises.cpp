@@ -2,8 +2,6 @@
 
 #include <dlfcn.h>
 
-#include <string>
-
 #include "tools/loader/engine/Engine.h"
 #include "tools/loader/engine/ErrorValues.h"
 #include "tools/loader/engine/Native.h"
@@ -18,12 +16,7 @@ struct RejectedPromise : NativeFunction {
 
   JSValueRef call(const Call& call) override {
     // The hook that runs now need not be the one whose script made the promise.
-    const std::string kRejected = "a promise was rejected: ";
-    const auto failure = failureOf([&] {
-      engine.reportMistake({}, kRejected + messageOf(engine, call[1]), call[1], nullptr);
-    });
-    if (failure)
-      engine.reportMistake({}, kRejected + "an error that cannot be shown", nullptr, nullptr);
+    reportThrown(engine, {}, "a promise was rejected: ", call[1], nullptr);
     return JSValueMakeUndefined(call.context);
   }
 };

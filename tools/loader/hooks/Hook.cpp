@@ -145,22 +145,10 @@ void Hook::enter(ffi_cif* /*cif*/, void* result, void** arguments, void* hook) {
       self.pools_ != nullptr && isSubclass(object_getClass(receiverOf(arguments)), self.pools_);
   if (isOfPool || stack.isOwnWork()) return self.callReplaced(arguments, result);
   if (!stack.hasRoom()) {
-    if (stack.takeReport()) self.reportDepth(stack);
+    self.engine_.reportNoRoom(stack, self.watched_);
     return self.callReplaced(arguments, result);
   }
   self.run(stack, result, arguments);
-}
-
-/// Without the engine, which has no room either.
-void Hook::reportDepth(HookStack& stack) const {
-  const HookStack::OwnWork own(stack);
-  LoaderEvent event{.event = LoaderEvent::kMistake, .method = target_.text};
-  event.message = "the thread's stack has no room for another script";
-  if (target_.place) {
-    event.line = target_.place->line;
-    event.column = target_.place->column;
-  }
-  engine_.report(event);
 }
 
 void Hook::run(HookStack& stack, void* result, void** arguments) {
@@ -188,7 +176,7 @@ void Hook::readCall(HookStack& stack, HookRecord& record,
 std::optional<Raised> Hook::runScript(HookStack& stack, HookRecord& record, void* result) {
   std::optional<IdentityTable::Lent> lent;
   if (const auto failure = failureOf([&] { readCall(stack, record, lent); })) {
-    reportMistake("the call: " + *failure, nullptr);
+    reportMistake("the call: " + *failure);
     fallBack(record, result);
     return std::nullopt;
   }
@@ -217,8 +205,8 @@ std::optional<Raised> Hook::finish(HookRecord& record, JSValueRef value, JSValue
       if (takeAnswer(record, value, result)) return std::nullopt;
     } else if (std::optional<Raised> raised = raisedBy(engine_, thrown)) {
       return raised;
-    } else if (failureOf([&] { reportMistake(messageOf(engine_, thrown), thrown); })) {
-      reportMistake("an error that cannot be shown", nullptr);
+    } else {
+      reportThrown(engine_, target_.text, {}, thrown, target_.function);
     }
   }
   fallBack(record, result);
@@ -231,26 +219,13 @@ bool Hook::takeAnswer(HookRecord& record, JSValueRef value, void* result) {
     returnAnswer(record, result);
     return true;
   }
-  if (const auto failure = failureOf([&] { writeAnswer(value, result); })) {
-    reportMistake("the result: " + *failure, nullptr);
+  if (const auto failure = failureOf([&] {
+        writeResult(engine_, signature_->result(), value, result, family_.givesResult);
+      })) {
+    reportMistake("the result: " + *failure);
     return false;
   }
   return true;
-}
-
-void Hook::writeAnswer(JSValueRef value, void* result) const {
-  const ValueType& type = signature_->result();
-  if (type.kind() == ValueType::Kind::nothing) return;
-  const HookStack::OwnWork own;
-  if (JSValueIsUndefined(engine_.context(), value)) throw ScriptError("it returned undefined");
-  writeValue(engine_, type, value, result);
-  widenResult(type, result);
-  if (type.kind() != ValueType::Kind::object) return;
-  id object = *static_cast<id*>(result);
-  if (family_.givesResult)
-    retain(object);
-  else if (Native::of(engine_.context(), value) != nullptr)
-    autorelease(retain(object));  // the script's own reference may end before the caller's
 }
 
 /// Gives the caller the original's answer, whose object a wrapper owns by now.
@@ -265,8 +240,8 @@ void Hook::returnAnswer(HookRecord& record, void* result) const {
   (void)failureOf([&] { retain(*static_cast<id*>(result)); });  // what refuses is not counted
 }
 
-void Hook::reportMistake(const std::string& message, JSValueRef thrown) const {
-  engine_.reportMistake(target_.text, message, thrown, target_.function);
+void Hook::reportMistake(const std::string& message) const {
+  engine_.reportMistake(target_.text, message, nullptr, target_.function);
 }
 
 /// The original's answer, which it gives now unless the script has asked it already.

@@ -10,11 +10,11 @@
 
 #include "tavlen/foundation/text/TextLines.h"
 #include "tools/loader/base/ExceptionGuard.h"
-#include "tools/loader/calls/ArgumentFrame.h"
 #include "tools/loader/engine/HookStack.h"
 #include "tools/loader/engine/IdentityTable.h"
 #include "tools/loader/engine/WatchedCode.h"
 #include "tools/loader/types/MethodFamily.h"
+#include "tools/loader/values/ArgumentFrame.h"
 
 namespace tavlen::loader {
 
@@ -69,10 +69,8 @@ class Hook {
   std::optional<Raised> finish(HookRecord& record, JSValueRef value, JSValueRef thrown,
                                void* result);
   void readCall(HookStack& stack, HookRecord& record, std::optional<IdentityTable::Lent>& lent);
-  void writeAnswer(JSValueRef value, void* result) const;
   bool takeAnswer(HookRecord& record, JSValueRef value, void* result);
-  [[gnu::noinline]] void reportDepth(HookStack& stack) const;
-  void reportMistake(const std::string& message, JSValueRef thrown) const;
+  void reportMistake(const std::string& message) const;
   void fallBack(HookRecord& record, void* result);
   void returnAnswer(HookRecord& record, void* result) const;
   void prepareReceiver(HookRecord& record) const;

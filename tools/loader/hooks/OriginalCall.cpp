@@ -2,9 +2,9 @@
 
 #include <string>
 
-#include "tools/loader/calls/ArgumentFrame.h"
 #include "tools/loader/engine/Engine.h"
 #include "tools/loader/hooks/Hook.h"
+#include "tools/loader/values/ArgumentFrame.h"
 #include "tools/loader/values/Values.h"
 
 namespace tavlen::loader {

@@ -59,15 +59,9 @@ class Watch {
   }
 
   void report(const WatchedCode& code) {
-    LoaderEvent event{.event = LoaderEvent::kSlow};
-    if (!code.method.empty()) event.method = code.method;
-    event.message =
-        "the script has been computing for more than " + std::to_string(limit_.count()) + " ms";
-    if (code.place) {
-      event.line = code.place->line;
-      event.column = code.place->column;
-    }
-    engine_.report(event);
+    engine_.report(
+        LoaderEvent::kSlow, code,
+        "the script has been computing for more than " + std::to_string(limit_.count()) + " ms");
   }
 
   void release() {

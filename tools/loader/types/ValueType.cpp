@@ -59,6 +59,15 @@ std::uint64_t nextNumber() {
   return ++last;
 }
 
+/// "v@?@" of "@?<v@?@>".
+std::string_view blockTypesIn(std::string_view encoding) {
+  constexpr std::string_view kOpening = "@?<";
+  const std::size_t begin = encoding.find(kOpening);
+  const std::size_t end = encoding.rfind('>');
+  if (begin == std::string_view::npos || end == std::string_view::npos) return {};
+  return encoding.substr(begin + kOpening.size(), end - begin - kOpening.size());
+}
+
 [[noreturn]] void refuse(std::string_view what, const JXType& type) {
   throw UnsupportedType(std::string(what) + ' ' + std::string(type.encoding()) +
                         " cannot be passed");
@@ -142,7 +151,9 @@ ValueType::~ValueType() = default;
 std::shared_ptr<const ValueType> ValueType::from(std::string_view encoding) {
   const std::shared_ptr<JXType> type = JXTypeForEncoding(encoding);
   if (type == nullptr) throw UnsupportedType("an empty type cannot be passed");
-  return Build::from(*type, false);
+  auto made = Build::from(*type, false);
+  if (made->kind_ == Kind::block) made->blockTypes_ = blockTypesIn(encoding);
+  return made;
 }
 
 /// libffi has no arrays: an array in a structure is passed as that many members.
@@ -161,6 +172,15 @@ void ValueType::layOut() {
 }
 
 bool ValueType::hasShapeOf(const ValueType& other) const {
+#if defined(__GNU_LIBOBJC__)
+  constexpr bool kBlocksArePointers = true;
+#else
+  constexpr bool kBlocksArePointers = false;
+#endif
+  const auto isBlockFor = [](const ValueType& block, const ValueType& type) {
+    return block.kind_ == Kind::block && type.kind_ == Kind::pointer;
+  };
+  if (kBlocksArePointers && (isBlockFor(*this, other) || isBlockFor(other, *this))) return true;
   const auto family = [](Kind kind) {
     switch (kind) {
       case Kind::boolean:
@@ -181,7 +201,8 @@ bool ValueType::hasShapeOf(const ValueType& other) const {
 std::shared_ptr<const ValueType> ValueType::merged(
     const std::shared_ptr<const ValueType>& own, const std::shared_ptr<const ValueType>& declared) {
   const bool hasNames = declared->kind_ == Kind::structure && own->name_.empty();
-  return declared->kind_ == Kind::boolean || hasNames ? declared : own;
+  const bool isBlock = declared->kind_ == Kind::block && own->kind_ != Kind::object;
+  return declared->kind_ == Kind::boolean || hasNames || isBlock ? declared : own;
 }
 
 }  // namespace tavlen::loader

@@ -71,15 +71,20 @@ class ValueType {
   ffi_type* ffi() const { return ffi_; }
   /// The members of a structure; the elements of an array.
   const std::vector<Member>& members() const { return members_; }
+  /// The types of a block's code, the block itself first among the arguments: "v@?@". Empty where
+  /// the encoding does not tell them.
+  const std::string& blockTypes() const { return blockTypes_; }
   /// The structure's name; empty without one.
   const std::string& name() const { return name_; }
 
   /// Whether values of both types have the same memory and are passed alike: integers of one size,
   /// pointers of all kinds, structures whose members do. Objects, classes and selectors are
-  /// pointers of their own.
+  /// pointers of their own. A block is an object; where the run time has no block objects, it is a
+  /// pointer as well.
   bool hasShapeOf(const ValueType& other) const;
-  /// The type as a script sees it when the caller declared it as `declared`: a truth value where it
-  /// was declared as one, and the names of a declared structure where its own has none.
+  /// The type as a script sees it when the caller declared it as `declared`: a truth value or a
+  /// block with its types where it was declared as one, and the names of a declared structure where
+  /// its own has none.
   static std::shared_ptr<const ValueType> merged(const std::shared_ptr<const ValueType>& own,
                                                  const std::shared_ptr<const ValueType>& declared);
 
@@ -94,6 +99,7 @@ class ValueType {
   bool isSigned_ = false;
   ffi_type* ffi_ = &ffi_type_void;
   std::string name_;
+  std::string blockTypes_;
   std::vector<Member> members_;
   std::vector<ffi_type*> elements_;  ///< of an aggregate, with a null at the end
   ffi_type aggregate_{};

@@ -5,6 +5,8 @@
 #include "tavlen/foundation/text/Unicode.h"
 #include "tools/loader/base/EngineString.h"
 #include "tools/loader/engine/Engine.h"
+#include "tools/loader/values/BlockType.h"
+#include "tools/loader/values/BlockValue.h"
 #include "tools/loader/values/Values.h"
 
 namespace tavlen::loader {
@@ -55,6 +57,22 @@ JSValueRef readText(Engine& engine, const void* memory) {
   const char* text = at<const char*>(memory);
   if (text == nullptr) return JSValueMakeNull(engine.context());
   return stringValue(engine.context(), wellFormedUTF8(text));
+}
+
+/// A function where the encoding tells the block's types, unless these cannot be passed.
+JSValueRef readBlock(Engine& engine, const ValueType& type, void* block) {
+  if (block != nullptr && !type.blockTypes().empty()) {
+    try {
+      return BlockValue::make(engine, BlockType::of(type.blockTypes()), block);
+    } catch (const UnsupportedType&) {
+      // It can still be passed on.
+    }
+  }
+#if defined(__GNU_LIBOBJC__)
+  return engine.objects().pointer(block);
+#else
+  return engine.objects().wrapped(static_cast<id>(block), Ownership::borrowed);
+#endif
 }
 
 /// Property by property.
@@ -129,9 +147,7 @@ JSValueRef readValue(Engine& engine, const ValueType& type, const void* memory,
     case Kind::text:
       return readText(engine, memory);
     case Kind::block:
-#if !defined(__GNU_LIBOBJC__)
-      return engine.objects().wrapped(at<id>(memory), ownership);
-#endif
+      return readBlock(engine, type, at<void*>(memory));
     case Kind::pointer:
       return engine.objects().pointer(at<void*>(memory));
     case Kind::structure:

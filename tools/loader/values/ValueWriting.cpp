@@ -4,12 +4,17 @@
 #include <limits>
 #include <string>
 
+#include "tools/loader/base/BlockObject.h"
 #include "tools/loader/base/EngineString.h"
 #include "tools/loader/base/Messages.h"
 #include "tools/loader/engine/Engine.h"
+#include "tools/loader/engine/HookStack.h"
 #include "tools/loader/engine/Native.h"
 #include "tools/loader/engine/ShownValue.h"
+#include "tools/loader/values/BlockType.h"
+#include "tools/loader/values/BlockValue.h"
 #include "tools/loader/values/Boxing.h"
+#include "tools/loader/values/ScriptBlock.h"
 #include "tools/loader/values/Values.h"
 
 namespace tavlen::loader {
@@ -123,17 +128,20 @@ void writeText(Engine& engine, JSValueRef value, void* memory) {
   put(memory, message<void*>(data, kBytes));
 }
 
-void writeBlock(Engine& engine, JSValueRef value, void* memory) {
+/// A block made of a function lives as long as a C string does.
+void writeBlock(Engine& engine, const ValueType& type, JSValueRef value, void* memory) {
   JSContextRef context = engine.context();
-  if (JSValueIsObject(context, value) &&
-      JSObjectIsFunction(context, const_cast<JSObjectRef>(value)))
+  const bool isFunction = JSValueIsObject(context, value) &&
+                          JSObjectIsFunction(context, const_cast<JSObjectRef>(value)) &&
+                          Native::of(context, value) == nullptr;
+  if (!isFunction) return writeNative(engine, kBlockKind, "a block", value, memory);
+  if (type.blockTypes().empty())
     throw ScriptError(
-        "a function cannot become a block here: the encoding does not tell the block's types");
-#if defined(__GNU_LIBOBJC__)
-  writeNative(engine, Native::Kind::pointer, "a block", value, memory);
-#else
-  writeNative(engine, Native::Kind::object, "a block", value, memory);
-#endif
+        "a function cannot become a block here: the encoding does not tell the block's types; use "
+        "objc_block");
+  id object =
+      newScriptBlock(engine, BlockType::of(type.blockTypes()), const_cast<JSObjectRef>(value));
+  put(memory, blockIn(autorelease(object)));
 }
 
 /// Whether undefined would pass for a value, as nil does. A member that lacks is a mistake all the
@@ -198,7 +206,7 @@ void writeValue(Engine& engine, const ValueType& type, JSValueRef value, void* m
     case Kind::text:
       return writeText(engine, value, memory);
     case Kind::block:
-      return writeBlock(engine, value, memory);
+      return writeBlock(engine, type, value, memory);
     case Kind::pointer:
       // A pointer to characters takes a text as one to constant characters does.
       if (JSValueIsString(engine.context(), value)) return writeText(engine, value, memory);
@@ -220,6 +228,22 @@ void widenResult(const ValueType& type, void* memory) {
       type.isSigned() ? static_cast<std::uint64_t>(static_cast<std::int64_t>(bits) >> unused)
                       : bits >> unused;
   put(memory, wide);
+}
+
+void writeResult(Engine& engine, const ValueType& type, JSValueRef value, void* result,
+                 bool givesReference) {
+  if (type.kind() == Kind::nothing) return;
+  const HookStack::OwnWork own;
+  if (JSValueIsUndefined(engine.context(), value)) throw ScriptError("it returned undefined");
+  writeValue(engine, type, value, result);
+  widenResult(type, result);
+  const Native* native = Native::of(engine.context(), value);
+  if (type.kind() == Kind::object && givesReference) {
+    retain(*static_cast<id*>(result));
+  } else if (native != nullptr) {
+    // The script's own reference may end before the caller's.
+    if (id object = native->keptObject()) autorelease(retain(object));
+  }
 }
 
 }  // namespace tavlen::loader

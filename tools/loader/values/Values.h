@@ -23,4 +23,10 @@ void writeValue(Engine& engine, const ValueType& type, JSValueRef value, void* m
 /// Fills up a small integer at `memory` to a register's size, as libffi wants it of results.
 void widenResult(const ValueType& type, void* memory);
 
+/// Writes `value` as the result of a function of a script to `result`, in the form in which libffi
+/// wants results. An object or a block lives as long as autoreleased ones, or the caller owns the
+/// object if `givesReference`. Throws ScriptError, also for undefined where there is a result.
+void writeResult(Engine& engine, const ValueType& type, JSValueRef value, void* result,
+                 bool givesReference);
+
 }  // namespace tavlen::loader

@@ -1,11 +1,10 @@
-#include "tools/loader/calls/FunctionCall.h"
+#include "tools/loader/calls/FunctionLookup.h"
 
 #include <dlfcn.h>
 
 #include "tools/loader/base/EngineString.h"
-#include "tools/loader/calls/ArgumentFrame.h"
 #include "tools/loader/engine/Engine.h"
-#include "tools/loader/values/Values.h"
+#include "tools/loader/values/FunctionValue.h"
 
 namespace tavlen::loader {
 
@@ -19,19 +18,6 @@ std::string textArgument(const Call& call, std::size_t index) {
 
 }  // namespace
 
-JSValueRef FunctionCall::call(const Call& call) {
-  const std::size_t count = signature->arguments().size();
-  if (call.count != count) {
-    throw ScriptError("the function takes " + std::to_string(count) + " arguments, not " +
-                      std::to_string(call.count));
-  }
-  ArgumentFrame frame(*signature);
-  for (std::size_t i = 0; i < count; ++i) frame.set(engine, i, call[i], i + 1);
-  CallMemory result(signature->resultSize());
-  frame.call(code, result.data());
-  return readValue(engine, signature->result(), result.data());
-}
-
 JSValueRef FunctionLookup::call(const Call& call) {
   const std::string name = textArgument(call, 0);
   const std::string types = textArgument(call, 1);
@@ -44,7 +30,7 @@ JSValueRef FunctionLookup::call(const Call& call) {
     auto signature = CallSignature::from(types);
     function = JSObjectMake(
         call.context, nativeFunctionClass(),
-        new FunctionCall(engine, reinterpret_cast<void (*)()>(code), std::move(signature)));
+        new FunctionValue(engine, reinterpret_cast<void (*)()>(code), std::move(signature)));
   } catch (const UnsupportedType& error) {
     throw ScriptError("loadFunc: " + name + ": " + error.what());
   }

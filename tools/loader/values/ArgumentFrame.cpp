@@ -1,4 +1,4 @@
-#include "tools/loader/calls/ArgumentFrame.h"
+#include "tools/loader/values/ArgumentFrame.h"
 
 #include <cstring>
 #include <string>

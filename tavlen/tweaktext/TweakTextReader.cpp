@@ -48,9 +48,9 @@ TweakColor colorFrom(const TOMLNode& node) {
                                      suggestionText(name, RawValues<TweakColor>::names));
 }
 
-TweakGlyph glyphFrom(const TOMLNode& node) {
+TweakGlyph glyphFrom(const TOMLNode& node, std::vector<TOMLError>& errors) {
   if (const auto* text = std::get_if<std::string>(&node.value)) return glyphFromText(*text);
-  const TableReader table(node, {"icon", "style"});
+  const TableReader table(node, {"icon", "style"}, errors);
   return {expectText(table.require("icon")), expectText(table.require("style"))};
 }
 
@@ -75,8 +75,8 @@ std::size_t kindNamed(const std::string& name, TextPosition position) {
                   "unknown kind of override \"" + name + "\"" + suggestionText(name, kinds));
 }
 
-PlacedOverride overrideFrom(const TOMLNode& node) {
-  const TableReader table(node, {"kind", "value"});
+PlacedOverride overrideFrom(const TOMLNode& node, std::vector<TOMLError>& errors) {
+  const TableReader table(node, {"kind", "value"}, errors);
   const TOMLNode& kind = table.require("kind");
   const std::size_t index = kindNamed(expectText(kind), kind.position);
   if (const auto* value = table.find("value"))
@@ -93,7 +93,7 @@ MethodIdentity identityFrom(const TableReader& table, HookPlaces& places) {
   const auto* method = table.find("method");
   if (method == nullptr) {
     if (table.find("class") == nullptr && table.find("selector") == nullptr)
-      throw TOMLError(table.position(), "expected the key \"method\" in this hook");
+      table.failMissing("expected the key \"method\" in this hook");
     const TOMLNode& className = table.require("class");
     places.method = className.position;
     const auto* isClassMethod = table.find("classMethod");
@@ -134,16 +134,14 @@ TOMLNode documentFrom(std::string_view text) {
 class Reader {
  public:
   void read(const TOMLNode& document) {
-    const auto root =
-        TableReader::checked(document, {"tweak", "overrides", "override", "hook"}, errors_);
-    if (!root) return;
-    const auto* tweak = root->find("tweak");
-    if (tweak == nullptr)
-      errors_.emplace_back(TextPosition(), "expected the table [tweak] with name and app");
-    else
-      attempt([&] { readTweak(tweak->value); });
-    readOverrides(*root);
-    attempt([&] { readHooks(elements(*root, "hook")); });
+    const TableReader root(document, {"tweak", "overrides", "override", "hook"}, errors_);
+    attempt([&] {
+      const auto* tweak = root.find("tweak");
+      if (tweak == nullptr) root.failMissing("expected the table [tweak] with name and app");
+      readTweak(tweak->value);
+    });
+    readOverrides(root);
+    attempt([&] { readHooks(elements(root, "hook")); });
   }
 
   TweakText& result() { return result_; }
@@ -156,32 +154,32 @@ class Reader {
       read();
     } catch (const TOMLError& error) {
       errors_.push_back(error);
+    } catch (const TableReader::KeyMissing&) {
+      // The unknown key has an error.
     }
   }
 
   void readTweak(const TOMLNode& node) {
-    const auto table =
-        TableReader::checked(node, {"name", "app", "color", "glyph", "icon", "script"}, errors_);
-    if (!table) return;
+    const TableReader table(node, {"name", "app", "color", "glyph", "icon", "script"}, errors_);
     Configuration& configuration = result_.manifest.configuration;
     attempt([&] {
-      const TOMLNode& name = table->require("name");
+      const TOMLNode& name = table.require("name");
       configuration.name = expectName(name);
       result_.name = name.position;
     });
     attempt([&] {
-      const TOMLNode& app = table->require("app");
+      const TOMLNode& app = table.require("app");
       configuration.bundleID = expectName(app);
       result_.app = app.position;
     });
-    if (const auto* color = table->find("color"))
+    if (const auto* color = table.find("color"))
       attempt([&] { configuration.color = colorFrom(color->value); });
-    if (const auto* glyph = table->find("glyph")) {
-      attempt([&] { configuration._glyph = glyphFrom(glyph->value); });
+    if (const auto* glyph = table.find("glyph")) {
+      attempt([&] { configuration._glyph = glyphFrom(glyph->value, errors_); });
       result_.glyph = glyph->value.position;
     }
-    attempt([&] { result_.icon = fileFrom(*table, "icon"); });
-    attempt([&] { result_.script = fileFrom(*table, "script"); });
+    attempt([&] { result_.icon = fileFrom(table, "icon"); });
+    attempt([&] { result_.script = fileFrom(table, "script"); });
   }
 
   void readOverrides(const TableReader& root) {
@@ -198,7 +196,7 @@ class Reader {
     });
     attempt([&] {
       for (const TOMLNode& element : elements(root, "override"))
-        attempt([&] { all.push_back(overrideFrom(element)); });
+        attempt([&] { all.push_back(overrideFrom(element, errors_)); });
     });
     std::sort(all.begin(), all.end(), [](const PlacedOverride& left, const PlacedOverride& right) {
       return isBefore(left.position, right.position);
@@ -210,33 +208,33 @@ class Reader {
   }
 
   void readHooks(const TOMLNode::Array& hooks) {
-    if (hooks.size() > limits::kHooks) {
-      throw TOMLError(hooks[limits::kHooks].position,
-                      "more than " + std::to_string(limits::kHooks) + " hooks");
+    for (const TOMLNode& hook : hooks) {
+      if (result_.hooks.size() == limits::kHooks)
+        throw TOMLError(hook.position, "more than " + std::to_string(limits::kHooks) + " hooks");
+      attempt([&] { readHook(hook); });
     }
-    for (const TOMLNode& hook : hooks) attempt([&] { readHook(hook); });
   }
 
   void readHook(const TOMLNode& node) {
     HookPlaces& places = result_.hooks.emplace_back();
     places.position = node.position;
-    const auto table = TableReader::checked(
+    const TableReader table(
         node, {"method", "class", "selector", "classMethod", "types", "name", "return", "args"},
         errors_);
-    if (!table) return;
     Hook hook;
     attempt([&] {
-      MethodIdentity identity = identityFrom(*table, places);
+      MethodIdentity identity = identityFrom(table, places);
       hook.className = std::move(identity.className);
       hook.selector = std::move(identity.selector);
       hook.isClassMethod = identity.isClassMethod;
     });
-    if (const auto* types = table->find("types")) {
-      hook.signature = expectText(types->value);
+    if (const auto* types = table.find("types")) {
+      attempt([&] { hook.signature = expectText(types->value); });
       places.types = types->value.position;
     }
-    if (const auto* name = table->find("name")) hook.customName = expectText(name->value);
-    readValues(*table, hook, places);
+    if (const auto* name = table.find("name"))
+      attempt([&] { hook.customName = expectText(name->value); });
+    attempt([&] { readValues(table, hook, places); });
     result_.manifest._hooks.emplace_back(std::move(hook));
   }
 

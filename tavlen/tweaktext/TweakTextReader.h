@@ -14,8 +14,8 @@ namespace tavlen {
 /// one. Limits: those of readTOML(), and limits::kHooks. Throws the TOMLError at the first place.
 /// Threads: any.
 TAVLEN_API TweakText readTweakText(std::string_view text);
-/// The same, but passes all errors that it finds to `report`, in the order of their places, and
-/// then returns nothing. After a fault in the TOML itself it finds no other.
+/// The same, but passes errors to `report`, in the order of their places, and then returns nothing.
+/// Reads on after an error, but not within the same value or after a fault in the TOML itself.
 TAVLEN_API std::optional<TweakText> readTweakText(std::string_view text,
                                                   FunctionRef<void(const TOMLError&)> report);
 

@@ -80,8 +80,9 @@ hookClass("Counted", {}, {"v16@0:8-dealloc": function() { tags += [this tag]; re
   const ObjCRuntime::AutoreleasePool pool;
   ObjCRuntime::send<void>(make("CountedChild"), "release");
   EXPECT_EQ(liveCount(), before);
-  EXPECT_THAT(tweak.events.of(LoaderEvent::kMistake),
-              ElementsAre("7:3 -[CountedChild dealloc]: the object has been deallocated"));
+  EXPECT_THAT(
+      tweak.events.of(LoaderEvent::kMistake),
+      ElementsAre("7:3 -[CountedChild dealloc]: the object has ended, or its caller owns it now"));
   id object = make("Counted");
   EXPECT_EQ(ObjCRuntime::send<int>(object, "tag"), 7 + 7 + 14) << "both classes' hooks ran";
   ObjCRuntime::send<void>(object, "release");

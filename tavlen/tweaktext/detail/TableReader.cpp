@@ -7,22 +7,14 @@
 
 namespace tavlen {
 
-TableReader::TableReader(const TOMLNode& node, const std::vector<std::string_view>& known)
+TableReader::TableReader(const TOMLNode& node, const std::vector<std::string_view>& known,
+                         std::vector<TOMLError>& errors)
     : node_(node) {
-  std::vector<TOMLError> errors;
-  if (!checked(node, known, errors))
-    throw TOMLError(errors.front().position(), errors.front().text());
-}
-
-std::optional<TableReader> TableReader::checked(const TOMLNode& node,
-                                                const std::vector<std::string_view>& known,
-                                                std::vector<TOMLError>& errors) {
-  const std::size_t before = errors.size();
   for (const TOMLNode::Member& member : expectKind<TOMLNode::Table>(node, "a table")) {
-    if (std::find(known.begin(), known.end(), member.key) == known.end())
-      errors.push_back(unknownKey(member, known));
+    if (std::find(known.begin(), known.end(), member.key) != known.end()) continue;
+    errors.push_back(unknownKey(member, known));
+    hasUnknown_ = true;
   }
-  return errors.size() == before ? std::optional(TableReader(node)) : std::nullopt;
 }
 
 const TOMLNode::Member* TableReader::find(std::string_view key) const {
@@ -35,7 +27,12 @@ const TOMLNode::Member* TableReader::find(std::string_view key) const {
 
 const TOMLNode& TableReader::require(std::string_view key) const {
   if (const TOMLNode::Member* member = find(key)) return member->value;
-  throw TOMLError(position(), "expected the key \"" + std::string(key) + "\" in this table");
+  failMissing("expected the key \"" + std::string(key) + "\" in this table");
+}
+
+void TableReader::failMissing(std::string text) const {
+  if (hasUnknown_) throw KeyMissing();
+  throw TOMLError(node_.position, std::move(text));
 }
 
 TOMLError unknownKey(const TOMLNode::Member& member, const std::vector<std::string_view>& known) {

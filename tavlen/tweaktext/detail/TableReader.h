@@ -1,6 +1,5 @@
 #pragma once
 
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -27,24 +26,23 @@ inline const std::string& expectText(const TOMLNode& node) {
 /// Looks up the members of a table with known keys. Errors: TOMLError. Refers to the node.
 class TableReader {
  public:
-  /// Requires a table with no other keys than `known`.
-  TableReader(const TOMLNode& node, const std::vector<std::string_view>& known);
-  /// The same, but appends an error for each other key to `errors`, and then returns nothing.
-  static std::optional<TableReader> checked(const TOMLNode& node,
-                                            const std::vector<std::string_view>& known,
-                                            std::vector<TOMLError>& errors);
+  /// Instead of an error about a missing key, which may be one of the unknown keys that were found.
+  struct KeyMissing {};
+
+  /// Requires a table. Appends an error for each key other than `known` to `errors`.
+  TableReader(const TOMLNode& node, const std::vector<std::string_view>& known,
+              std::vector<TOMLError>& errors);
 
   /// The member of that key, or null.
   const TOMLNode::Member* find(std::string_view key) const;
-  /// The value of a required key.
+  /// The value of a required key. Throws KeyMissing after an unknown key.
   const TOMLNode& require(std::string_view key) const;
-  /// Where the table begins.
-  TextPosition position() const { return node_.position; }
+  /// Throws TOMLError with `text` at the table, or KeyMissing after an unknown key.
+  [[noreturn]] void failMissing(std::string text) const;
 
  private:
-  explicit TableReader(const TOMLNode& table) : node_(table) {}
-
   const TOMLNode& node_;
+  bool hasUnknown_ = false;
 };
 
 /// The error at the key of `member`: "unknown key "nmae"; did you mean "name"?".

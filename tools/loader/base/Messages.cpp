@@ -34,6 +34,11 @@ id autorelease(id object) {
 
 bool isClass(id object) { return class_isMetaClass(object_getClass(object)) != NO; }
 
+bool isSubclass(Class cls, Class ancestor) {
+  while (cls != nullptr && cls != ancestor) cls = class_getSuperclass(cls);
+  return cls != nullptr;
+}
+
 std::string className(id object) {
   return class_getName(isClass(object) ? reinterpret_cast<Class>(object) : object_getClass(object));
 }

@@ -36,6 +36,8 @@ id autorelease(id object);
 
 /// Whether it is a class, which is an object, too.
 bool isClass(id object);
+/// Whether `cls` is `ancestor` or inherits from it. False if either is null.
+bool isSubclass(Class cls, Class ancestor);
 /// The class of an object as messages show it; of a class itself.
 std::string className(id object);
 /// The method as the command writes it: "-[Class selector]".

@@ -26,6 +26,7 @@ class ScriptPlaces {
   /// The place in the source where `thrown` was made, if it is an error; nothing where that is
   /// unknown.
   std::optional<TextPosition> placeOf(JSContextRef context, JSValueRef thrown) const;
+
   /// Finds parts of the code in their order, with one walk over it. Threads: one at a time. The
   /// places must live as long.
   class Search {

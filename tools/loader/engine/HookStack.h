@@ -28,6 +28,7 @@ struct HookRecord {
   JSObjectRef self = nullptr;  ///< the receiver
   JSValueRef answer = nullptr;  ///< what the original returned; null before it was called
   CallMemory answerMemory;      ///< the same, as it returned it
+  bool ownsAnswer = false;      ///< whether an alloc method's answer had no wrapper before
   bool ownsReceiver = false;  ///< whether the hook has still to consume a reference to the receiver
   HookRecord* outer = nullptr;  ///< the record below it on the stack
   // NOLINTNEXTLINE(modernize-avoid-c-arrays): uninitialised

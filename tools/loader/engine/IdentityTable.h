@@ -59,6 +59,8 @@ class IdentityTable {
     bool isOwn_ = false;  ///< false where the object had a wrapper already
   };
 
+  /// Whether a script can reach a wrapper of the object.
+  bool isWrapped(id object) { return found(object) != nullptr; }
   /// Hands the reference of the wrapper `value` over to the caller. The wrapper is dead afterwards.
   void giveUp(JSValueRef value);
 

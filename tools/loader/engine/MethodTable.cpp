@@ -31,9 +31,7 @@ std::string forwardedTypes(id receiver, SEL selector) {
 /// A pool counts no references. One that ends when the collector frees its wrapper ends others.
 bool isPool(id receiver) {
   Class cls = isClass(receiver) ? reinterpret_cast<Class>(receiver) : object_getClass(receiver);
-  Class pools = ObjCRuntime::classNamed("NSAutoreleasePool");
-  while (cls != nullptr && cls != pools) cls = class_getSuperclass(cls);
-  return cls != nullptr;
+  return isSubclass(cls, ObjCRuntime::classNamed("NSAutoreleasePool"));
 }
 
 CallableMethod describe(id receiver, SEL selector, const std::string& types) {
@@ -56,10 +54,10 @@ CallableMethod describe(id receiver, SEL selector, const std::string& types) {
 const CallableMethod& MethodTable::forwarded(id receiver, SEL selector) {
   const std::string types = forwardedTypes(receiver, selector);
   const std::lock_guard lock(lock_);
-  auto& method = forwarded_[{isClass(receiver), selector, types}];
-  if (method == nullptr)
-    method = std::make_unique<const CallableMethod>(describe(receiver, selector, types));
-  return *method;
+  const auto key = std::tuple(isClass(receiver), selector, types);
+  if (const auto known = forwarded_.find(key); known != forwarded_.end()) return *known->second;
+  auto method = std::make_unique<const CallableMethod>(describe(receiver, selector, types));
+  return *forwarded_.try_emplace(key, std::move(method)).first->second;
 }
 
 const CallableMethod& MethodTable::find(id receiver, SEL selector) {

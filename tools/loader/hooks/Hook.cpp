@@ -49,11 +49,6 @@ std::shared_ptr<const CallSignature> signatureFor(const std::string& own,
       types.size());
 }
 
-bool isSubclass(Class cls, Class ancestor) {
-  while (cls != nullptr && cls != ancestor) cls = class_getSuperclass(cls);
-  return cls != nullptr;
-}
-
 /// The class, or metaclass, of autorelease pools. Null if there is none.
 Class poolClass(bool isClassMethod) {
   Class pools = ObjCRuntime::classNamed("NSAutoreleasePool");
@@ -82,7 +77,7 @@ void setImplementation(Class cls, Method method, IMP code) {
 
 }  // namespace
 
-void Hook::install(Engine& engine, Target target) {
+Hook& Hook::install(Engine& engine, Target target) {
   Method method = class_getInstanceMethod(target.cls, target.selector);
   const char* own = method != nullptr ? method_getTypeEncoding(method) : nullptr;
   if (own == nullptr) throw std::runtime_error("the class has no such method");
@@ -100,7 +95,8 @@ void Hook::install(Engine& engine, Target target) {
     if (closure != nullptr) ffi_closure_free(closure);
     throw std::runtime_error("there is no memory for the code of a method");
   }
-  hook->replace(reinterpret_cast<void (*)()>(code));
+  hook->replace(reinterpret_cast<IMP>(code));
+  return *hook;
 }
 
 Hook::Hook(Engine& engine, Target target, std::shared_ptr<const CallSignature> signature,
@@ -115,22 +111,35 @@ Hook::Hook(Engine& engine, Target target, std::shared_ptr<const CallSignature> s
 
 /// An inherited method is added to the class. GCC's class_replaceMethod() would replace it in the
 /// superclass.
-void Hook::replace(void (*code)()) {
+void Hook::replace(IMP code) {
+  code_ = code;
   Method method = class_getInstanceMethod(target_.cls, target_.selector);
   Class superclass = class_getSuperclass(target_.cls);
-  const auto imp = reinterpret_cast<IMP>(code);
   const bool isInherited =
       superclass != nullptr && class_getInstanceMethod(superclass, target_.selector) == method;
   if (isInherited &&
-      class_addMethod(target_.cls, target_.selector, imp, method_getTypeEncoding(method)) != NO)
-    return;
+      class_addMethod(target_.cls, target_.selector, code, method_getTypeEncoding(method)) != NO) {
+    method_ = class_getInstanceMethod(target_.cls, target_.selector);
+  } else {
+    method_ = method;
+    replace(method);
+  }
+}
+
+void Hook::replace(Method method) {
   // Before the method is replaced, because another thread may call it at once.
   replaced_ = reinterpret_cast<void (*)()>(method_getImplementation(method));
-  setImplementation(target_.cls, method, imp);
+  setImplementation(target_.cls, method, code_);
+}
+
+void Hook::followCategories() {
+  Method method = class_getInstanceMethod(target_.cls, target_.selector);
+  // Of several threads that load images, one does it.
+  if (method != method_.exchange(method)) replace(method);
 }
 
 void (*Hook::original() const)() {
-  if (replaced_ != nullptr) return replaced_;
+  if (void (*const replaced)() = replaced_) return replaced;
   return reinterpret_cast<void (*)()>(
       class_getMethodImplementation(class_getSuperclass(target_.cls), target_.selector));
 }
@@ -236,7 +245,7 @@ void Hook::returnAnswer(HookRecord& record, void* result) const {
   if (!family_.givesResult) return;
   const HookStack::OwnWork own;
   // An object may end in its init although a wrapper refers to it.
-  if (family_.allocates) return engine_.objects().giveUp(record.answer);
+  if (record.ownsAnswer) return engine_.objects().giveUp(record.answer);
   (void)failureOf([&] { retain(*static_cast<id*>(result)); });  // what refuses is not counted
 }
 
@@ -281,6 +290,11 @@ JSValueRef Hook::callOriginal(HookRecord& record, ArgumentFrame& frame) {
   if (family_.countsReferences && !static_cast<NativeObject&>(receiver).isOwned)
     receiver.pointer = nullptr;
   const HookStack::OwnWork own;
+  if (family_.allocates) {
+    id answer = nullptr;
+    std::memcpy(&answer, record.answerMemory.data(), sizeof answer);
+    record.ownsAnswer = !engine_.objects().isWrapped(answer);
+  }
   record.answer = readValue(engine_, signature_->result(), record.answerMemory.data(),
                             family_.ownershipOfResult());
   return record.answer;

@@ -1,7 +1,8 @@
 #pragma once
 
-#include <objc/objc.h>
+#include <objc/runtime.h>
 
+#include <atomic>
 #include <memory>
 #include <optional>
 #include <string>
@@ -39,7 +40,7 @@ class Hook {
 
   /// Replaces the method. Throws UnsupportedType if its types cannot be passed or differ from the
   /// declared ones, and std::runtime_error if there is no such method or no memory for its code.
-  static void install(Engine& engine, Target target);
+  static Hook& install(Engine& engine, Target target);
 
   Hook(const Hook&) = delete;
   Hook& operator=(const Hook&) = delete;
@@ -52,6 +53,11 @@ class Hook {
   JSObjectRef function() const { return target_.function; }
   const std::string& text() const { return target_.text; }
 
+  /// Hooks the method of a category that has been loaded since and has taken the place of the
+  /// hooked one, which that becomes the original of. Other code that the program gives to the
+  /// method stays.
+  void followCategories();
+
   /// Calls the replaced method for %orig and keeps its answer in the record. Throws
   /// ProgramException.
   JSValueRef callOriginal(HookRecord& record, ArgumentFrame& frame);
@@ -60,7 +66,8 @@ class Hook {
   Hook(Engine& engine, Target target, std::shared_ptr<const CallSignature> signature, Class pools);
 
   static void enter(ffi_cif* cif, void* result, void** arguments, void* hook);
-  void replace(void (*code)());
+  void replace(IMP code);
+  void replace(Method method);
   void (*original() const)();
 
   /// Apart from enter(), whose frame stays small where the original is called at once.
@@ -83,9 +90,11 @@ class Hook {
   const std::shared_ptr<const CallSignature> signature_;
   const std::shared_ptr<const CallSignature> ended_;
   const MethodFamily family_;
-  const Class pools_;  ///< the class of autorelease pools if they inherit the method, else null
-  void (*replaced_)() =
-      nullptr;  ///< null for a method that was inherited: the superclass's is called then
+  const Class pools_;   ///< the class of autorelease pools if they inherit the method, else null
+  IMP code_ = nullptr;  ///< the hook's own
+  std::atomic<Method> method_ = nullptr;
+  /// Null for a method that was inherited: the superclass's is called then.
+  std::atomic<void (*)()> replaced_ = nullptr;
 };
 
 }  // namespace tavlen::loader

@@ -89,7 +89,7 @@ void HookRequests::installOrWait(Request request) {
   for (bool hasReported = false;;) {
     const std::uint64_t seen = images_;
     lock.unlock();
-    if (install(request)) return;
+    if (hasReported ? installLate(request) : install(request)) return;
     if (!std::exchange(hasReported, true))
       report(LoaderEvent::kWaiting, request, "no image has the class " + request.className);
     lock.lock();
@@ -102,6 +102,10 @@ void HookRequests::installOrWait(Request request) {
 /// Repeated if another image, whose retry() finds the list empty, has come during it.
 void HookRequests::retry() {
   std::unique_lock lock(lock_);
+  const auto hooks = hooks_;
+  lock.unlock();
+  for (const auto& [method, hook] : hooks) hook->followCategories();
+  lock.lock();
   for (std::uint64_t seen = ++images_; !waiting_.empty(); seen = images_) {
     std::vector<Request> waiting;
     waiting.swap(waiting_);
@@ -136,9 +140,13 @@ bool HookRequests::install(const Request& request) {
   Class cls = request.owner();
   if (cls == nullptr) return false;
   try {
-    Hook::install(engine,
-                  {cls, ObjCRuntime::selectorNamed(request.selector.c_str()), request.text,
-                   request.isClassMethod, request.encoding, request.function, request.place});
+    SEL selector = ObjCRuntime::selectorNamed(request.selector.c_str());
+    Hook& hook = Hook::install(engine, {cls, selector, request.text, request.isClassMethod,
+                                        request.encoding, request.function, request.place});
+    {
+      const std::lock_guard lock(lock_);
+      hooks_.insert_or_assign({cls, selector}, &hook);
+    }
     report(LoaderEvent::kHooked, request, {});
   } catch (const std::exception& error) {
     report(LoaderEvent::kRefused, request, error.what());

@@ -3,9 +3,11 @@
 #include <objc/objc.h>
 
 #include <cstdint>
+#include <map>
 #include <mutex>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tavlen/foundation/text/TextLines.h"
@@ -13,6 +15,8 @@
 #include "tools/loader/engine/Native.h"
 
 namespace tavlen::loader {
+
+class Hook;
 
 /// hookClass(name, {}, methods): the hooks that a tweak asks for, and those whose class or method
 /// no image has loaded yet.
@@ -24,8 +28,8 @@ class HookRequests : public NativeFunction {
 
   JSValueRef call(const Call& call) override;
 
-  /// Hooks the waiting methods that have been loaded with their class, also those that another
-  /// thread asks for at the same time.
+  /// After an image has been loaded: hooks the waiting methods that came with it, also those that
+  /// another thread asks for at the same time, and those that its categories have replaced.
   void retry();
 
  private:
@@ -52,7 +56,8 @@ class HookRequests : public NativeFunction {
 
   std::mutex lock_;  ///< never held while a method is hooked, which takes the run time's lock
   std::vector<Request> waiting_;
-  std::uint64_t images_ = 0;  ///< changes with each retry()
+  std::map<std::pair<Class, SEL>, Hook*> hooks_;  ///< the last one of each method
+  std::uint64_t images_ = 0;                      ///< changes with each retry()
 };
 
 }  // namespace tavlen::loader

@@ -31,10 +31,14 @@ void TracedCall::finish(const void* result, const Raised* raised) {
         "raised " + (raised->object() != nullptr ? className(raised->object()) : "a C++ exception");
   } else if (type.kind() != ValueType::Kind::nothing) {
     const HookStack::OwnWork own;
+    IdentityTable& objects = hook_.engine().objects();
+    // The wrapper that is made here must not outlive an alloc method's result; see returnAnswer().
+    const bool isLent =
+        hook_.family().allocates && !objects.isWrapped(*static_cast<const id*>(result));
     const JSValueRef value = readValue(hook_.engine(), type, result);
     event_.result = shownValue(hook_.engine(), value);
-    if (hook_.family().allocates) {  // see Hook::returnAnswer()
-      hook_.engine().objects().giveUp(value);
+    if (isLent) {
+      objects.giveUp(value);
       release(*static_cast<const id*>(result));
     }
   }

@@ -9,8 +9,8 @@
 namespace tavlen::loader {
 
 EngineSignals::EngineSignals() {
-  // The function is exported but not declared, and older engines lack it. Its variable would do the
-  // same, but newer ones report it as an unknown option.
+  // The function is exported but not declared, and older engines lack it. A variable would do the
+  // same, but newer engines report it as an unknown option.
   using Configure = bool (*)(int signal);
   if (const auto configure =
           reinterpret_cast<Configure>(::dlsym(RTLD_DEFAULT, "JSConfigureSignalForGC")))

@@ -124,7 +124,8 @@ id boxedAt(Engine& engine, JSValueRef value, Limits& limits) {
   if (const Native* native = Native::of(context, value)) {
     if (native->kind != Native::Kind::object && native->kind != Native::Kind::class_)
       throw ScriptError("expected an object, got " + shownValue(engine, value));
-    if (native->pointer == nullptr) throw ScriptError("the object has been deallocated");
+    if (native->pointer == nullptr)
+      throw ScriptError("the object has ended, or its caller owns it now");
     return static_cast<id>(native->pointer);
   }
   if (JSValueIsArray(context, value))

@@ -43,8 +43,8 @@ Class defineHolders() {
   Class holders = objc_allocateClassPair(root, kClass, 0);
   constexpr unsigned kAlignmentPower = 3;
   class_addIvar(holders, "block", sizeof(void*), kAlignmentPower, "^v");
-  class_addMethod(holders, ObjCRuntime::selectorNamed("dealloc"), reinterpret_cast<IMP>(reinterpret_cast<Code>(&dealloc)),
-                  "v16@0:8");
+  class_addMethod(holders, ObjCRuntime::selectorNamed("dealloc"),
+                  reinterpret_cast<IMP>(reinterpret_cast<Code>(&dealloc)), "v16@0:8");
   objc_registerClassPair(holders);
   return holders;
 }

@@ -10,7 +10,8 @@
 namespace tavlen::loader {
 
 BlockValue::BlockValue(Engine& owner, const BlockType& type, id object)
-    : FunctionValue(owner, ObjCBlock::codeOf(blockIn(object)), type.signature(), kBlockKind, blockIn(object)),
+    : FunctionValue(owner, ObjCBlock::codeOf(blockIn(object)), type.signature(), kBlockKind,
+                    blockIn(object)),
       object_(object) {}
 
 BlockValue::~BlockValue() { engine.releases().add(object_, true); }

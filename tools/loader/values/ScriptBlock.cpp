@@ -81,8 +81,8 @@ class BlockCall {
   std::optional<Raised> runScript(HookStack& stack, void* result) {
     const HookStack::OutermostCode computing(engine_.outside(), stack);
     JSValueRef thrown = nullptr;
-    const JSValueRef value = JSObjectCallAsFunction(engine_.context(), function_, nullptr, count(),
-                                                    values_, &thrown);
+    const JSValueRef value =
+        JSObjectCallAsFunction(engine_.context(), function_, nullptr, count(), values_, &thrown);
     if (thrown != nullptr) {
       if (std::optional<Raised> raised = raisedBy(engine_, thrown)) return raised;
       reportThrown(engine_, {}, kBlock, thrown, function_);
@@ -99,7 +99,8 @@ class BlockCall {
   Engine& engine_;
   JSObjectRef function_;  ///< also here, where the collector sees it
   const CallSignature& signature_;
-  JSValueRef values_[CallSignature::kMostArguments];  // NOLINT(modernize-avoid-c-arrays): uninitialised
+  JSValueRef
+      values_[CallSignature::kMostArguments];  // NOLINT(modernize-avoid-c-arrays): uninitialised
 };
 
 }  // namespace

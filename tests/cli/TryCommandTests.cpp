@@ -155,6 +155,11 @@ TEST_F(TryCommandTest, LeavesTheProgramItsStatusAndItsEnvironment) {
   write("three", "passed on");
   EXPECT_EQ(shell("exec 3<three; ulimit -n 60; \"$tavlen\" try Shelf -- cat /dev/fd/3").out,
             "passed on");
+  // What a child of the program inherits: nothing of the command's engine, or of the loader's.
+  const std::string list =
+      "sh -c 'ls -l /proc/self/fd; :' | sed -n 's/.* -> //p' | sed 's/:.*//; /proc/d' | sort";
+  EXPECT_EQ(shell("exec 3<three; \"$tavlen\" try Shelf -- " + list).out,
+            shell("exec 3<three; " + list).out);
   EXPECT_EQ(shell("\"$tavlen\" try Shelf -- sleep 60 & sleep 1; kill $!; wait $!").status,
             128 + SIGTERM);
   write("script.sh", "#!/bin/sh\nexit 3\n");

@@ -15,6 +15,7 @@
 #include <system_error>
 #include <utility>
 
+#include "tavlen/foundation/files/DescriptorSnapshot.h"
 #include "tavlen/foundation/files/ExecutablePath.h"
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tavlen/tweaks/LoaderSettings.h"
@@ -100,7 +101,10 @@ TweakLoader& makeLoader(const Settings& settings, EventReceiver& receiver) {
   TweakCode code{readFile(settings.tweak / "code.js"), readFile(settings.tweak / "code.js.map"),
                  (settings.tweak / "Resources").string()};
   const EngineSignals signals;
-  return TweakLoader::make(std::move(code), receiver, settings.isTracing);
+  const DescriptorSnapshot programs;
+  TweakLoader& loader = TweakLoader::make(std::move(code), receiver, settings.isTracing);
+  programs.hideOthers();  // from the programs that this one starts
+  return loader;
 }
 
 void start(const Settings& settings) {

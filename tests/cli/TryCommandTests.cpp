@@ -166,11 +166,10 @@ TEST_F(TryCommandTest, LeavesTheProgramItsSignals) {
     const int handled = 40 + (signal == SIGUSR1 ? 1 : 0);
     EXPECT_EQ(tried("", "signal " + number).status, 128 + signal);
     EXPECT_EQ(tried("", "signal " + number + " handled").status, handled) << signal;
-    const std::string program = paths().loaderProgram + " signal " + number;
-    EXPECT_EQ(
-        shell(("HANDLE_EARLY=" + number).append(" \"$tavlen\" try Shelf -- ") + program).status,
-        handled)
-        << signal;
+    std::string early = "HANDLE_EARLY=" + number;
+    early.append(" \"$tavlen\" try Shelf -- ").append(paths().loaderProgram);
+    early.append(" signal ").append(number);
+    EXPECT_EQ(shell(early).status, handled) << signal;
   }
   EXPECT_EQ(tried("", "signal null").status, 128 + SIGSEGV);
 }

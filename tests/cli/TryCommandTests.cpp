@@ -140,6 +140,36 @@ TEST_F(TryCommandTest, TracesCallsAsTextAndAsJSON) {
           R"({"event":"call","method":"-[Shelf join:number:real:frame:name:range:]","receiver":"<Shelf 0x)"));
 }
 
+/// The command itself, with classes that the system would bring, is a program, too.
+TEST_F(TryCommandTest, RunsAProgramThatUsesTheSystemsClasses) {
+  hook("-[LSApplicationProxy bundleIdentifier]", "@16@0:8", "string:com.example.hooked");
+  hook("-[LSApplicationWorkspace allApplications]", "@16@0:8",
+       "code:[%orig subarrayWithRange:[1, 1]]");
+  const auto app = [](const std::string& name) {
+    return "<dict><key>bundleIdentifier</key><string>com.example." + name +
+           "</string><key>bundleURL</key><string>/Absent/" + name + ".app</string></dict>";
+  };
+  environment(standIns("<key>applications</key><array>" + app("A") + app("B") + "</array>"));
+  const Result result = run("try Shelf -- " + paths().command + " apps --root / --json");
+  EXPECT_THAT(result.out, HasSubstr("com.example.hooked"));
+  EXPECT_THAT(result.out, HasSubstr("/Absent/B.app"));
+  EXPECT_EQ(result.out.find("/Absent/A.app"), std::string::npos);
+}
+
+TEST_F(TryCommandTest, RefusesAnInstallationThatCannotBePreloaded) {
+  for (const char* name : {"two words", "a:b"}) {
+    const fs::path prefix = folder() / name;
+    fs::create_directories(prefix / "bin");
+    fs::create_directories(prefix / "lib/tavlen");
+    fs::copy_file(paths().command, prefix / "bin/tavlen");
+    write(std::string(name) + "/lib/tavlen/libtavlenloader.so", "");
+    const Result result = shell("'" + (prefix / "bin/tavlen").string() +
+                                "' try Shelf --transpiler '" + paths().resources + "' -- true");
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.err, HasSubstr("a path with a blank or a colon cannot be preloaded"));
+  }
+}
+
 TEST_F(TryCommandTest, LeavesTheProgramItsSignals) {
   hook("-[Shelf title]", "@16@0:8", "string:hooked");
   for (const int signal : {SIGABRT, SIGSEGV, SIGBUS, SIGUSR1}) {
@@ -147,11 +177,10 @@ TEST_F(TryCommandTest, LeavesTheProgramItsSignals) {
     const int handled = 40 + (signal == SIGUSR1 ? 1 : 0);
     EXPECT_EQ(tried("", "signal " + number).status, 128 + signal);
     EXPECT_EQ(tried("", "signal " + number + " handled").status, handled) << signal;
-    EXPECT_EQ(shell("HANDLE_EARLY=" + number + " \"$tavlen\" try Shelf -- " +
-                    paths().loaderProgram + " signal " + number)
-                  .status,
-              handled)
-        << signal;
+    std::string early = "HANDLE_EARLY=" + number;
+    early.append(" \"$tavlen\" try Shelf -- ").append(paths().loaderProgram);
+    early.append(" signal ").append(number);
+    EXPECT_EQ(shell(early).status, handled) << signal;
   }
   EXPECT_EQ(tried("", "signal null").status, 128 + SIGSEGV);
 }
@@ -172,6 +201,11 @@ TEST_F(TryCommandTest, SystemProgramsGetWhatTheyWouldGetWithoutIt) {
   write("three", "passed on");
   EXPECT_EQ(shell("exec 3<three; ulimit -n 60; \"$tavlen\" try Shelf -- cat /dev/fd/3").out,
             "passed on");
+  // What a child of the program inherits: nothing of the command's engine, or of the loader's.
+  const std::string list =
+      "sh -c 'ls -l /proc/self/fd; :' | sed -n 's/.* -> //p' | sed 's/:.*//; /proc/d' | sort";
+  EXPECT_EQ(shell("exec 3<three; \"$tavlen\" try Shelf -- " + list).out,
+            shell("exec 3<three; " + list).out);
   EXPECT_EQ(shell("\"$tavlen\" try Shelf -- sleep 60 & sleep 1; kill $!; wait $!").status,
             128 + SIGTERM);
   write("script.sh", "#!/bin/sh\nexit 3\n");

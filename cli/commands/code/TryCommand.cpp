@@ -22,6 +22,7 @@
 #include "cli/tweaks/TweakForReading.h"
 #include "tavlen/device/InfoPlist.h"
 #include "tavlen/device/TweakInfo.h"
+#include "tavlen/foundation/files/DescriptorSnapshot.h"
 #include "tavlen/foundation/files/FileReplacement.h"
 #include "tavlen/tweaks/TweakPackaging.h"
 
@@ -163,6 +164,7 @@ std::optional<fs::path> packaged(const OpenedTweak& tweak, const fs::path& trans
 
 int tryTweak(const Options& options) {
   constexpr std::uint32_t kDefaultLimit = 5000;
+  const DescriptorSnapshot callers;  // before the engine opens its own
   const OpenedTweak tweak = openTweak(options.tweak);
   const fs::path program = programNamed(options.program.front());
   printWarnings(tweak);
@@ -171,6 +173,7 @@ int tryTweak(const Options& options) {
   if (!package) return 1;
   EventPrinter printer(tweak, options.json);
   const std::chrono::milliseconds limit(options.limit.value_or(kDefaultLimit));
+  callers.hideOthers();
   const int status = runTried({program, options.program, *package, limit, options.isTraced},
                               [&](const LoaderEvent& event) { printer.receive(event); });
   if (!printer.hasStarted()) {

@@ -25,7 +25,8 @@ namespace tavlen {
 /// The first context changes the process for good: the engine starts threads, and on Linux it
 /// replaces the handlers of SIGSEGV, SIGBUS and SIGUSR1. It passes faults that are not its own to
 /// the handlers that it replaced. A SIGUSR1 that another sends ends the process, unless the
-/// environment variable JSC_SIGNAL_FOR_GC has the number of another signal for the engine.
+/// engine was given another signal first, by JSConfigureSignalForGC(), a function that it exports
+/// but does not declare.
 ///
 /// Threads: one thread at a time may use a context and its values. Contexts share nothing, so each
 /// thread may have its own.

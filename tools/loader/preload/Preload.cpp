@@ -8,6 +8,7 @@
 #include <exception>
 #include <utility>
 
+#include "tavlen/foundation/files/DescriptorSnapshot.h"
 #include "tavlen/foundation/files/FileSystem.h"
 #include "tools/loader/TweakLoader.h"
 #include "tools/loader/hooks/Watch.h"
@@ -51,7 +52,10 @@ TweakLoader& makeLoader(const StartSettings& settings, EventReceiver& receiver) 
   TweakCode code{readFile(settings.tweak / "code.js"), readFile(settings.tweak / "code.js.map"),
                  (settings.tweak / "Resources").string()};
   const EngineSignals signals;
-  return TweakLoader::make(std::move(code), receiver, settings.isTracing);
+  const DescriptorSnapshot programs;
+  TweakLoader& loader = TweakLoader::make(std::move(code), receiver, settings.isTracing);
+  programs.hideOthers();  // from the programs that this one starts
+  return loader;
 }
 
 void start(const StartSettings& settings) {

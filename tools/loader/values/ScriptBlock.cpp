@@ -28,7 +28,8 @@ class HeldFunction {
       : engine_(other.engine_), function_(std::exchange(other.function_, nullptr)) {}
   HeldFunction& operator=(HeldFunction&&) = delete;
   ~HeldFunction() {
-    if (function_ != nullptr) engine_->releases().add(function_);
+    // A forked child empties no queue.
+    if (function_ != nullptr && !engine_->isStopped()) engine_->releases().add(function_);
   }
 
   Engine& engine() const { return *engine_; }
@@ -105,8 +106,8 @@ class BlockCall {
   Engine& engine_;
   JSObjectRef function_;  ///< also here, where the collector sees it
   const CallSignature& signature_;
-  JSValueRef
-      values_[CallSignature::kMostArguments];  // NOLINT(modernize-avoid-c-arrays): uninitialised
+  // NOLINTNEXTLINE(modernize-avoid-c-arrays): uninitialised
+  JSValueRef values_[CallSignature::kMostArguments];
 };
 
 }  // namespace

@@ -291,9 +291,8 @@ JSValueRef Hook::callOriginal(HookRecord& record, ArgumentFrame& frame) {
     receiver.pointer = nullptr;
   const HookStack::OwnWork own;
   if (family_.allocates) {
-    id answer = nullptr;
-    std::memcpy(&answer, record.answerMemory.data(), sizeof answer);
-    record.ownsAnswer = !engine_.objects().isWrapped(answer);
+    void* const answer = record.answerMemory.data();
+    record.ownsAnswer = !engine_.objects().isWrapped(*static_cast<id*>(answer));
   }
   record.answer = readValue(engine_, signature_->result(), record.answerMemory.data(),
                             family_.ownershipOfResult());

@@ -104,6 +104,22 @@ TEST(LoaderOwnership, AnAllocatedObjectMayEndWhoeverRefersToIt) {
   EXPECT_EQ(liveCount(), before);
 }
 
+TEST(LoaderOwnership, AnAllocMethodMayAnswerAnObjectThatTheScriptKeeps) {
+  const std::string cls = makeClass("Counted");
+  // The second hook has the first one as its original.
+  const LoadedTweak tweak(
+      "const kept = [Counted new];" + hookOf(cls, "@16@0:8+alloc", "return kept") +
+          hookOf(cls, "@16@0:8+alloc", "const answer = %orig; [kept tag]; return answer"),
+      true);
+  const int before = liveCount();
+  const ObjCRuntime::AutoreleasePool pool;
+  for (int i = 0; i < 3; ++i)
+    ObjCRuntime::send<void>(ObjCRuntime::send(ObjCRuntime::classNamed(cls.c_str()), "alloc"),
+                            "release");
+  EXPECT_EQ(liveCount(), before);
+  EXPECT_THAT(tweak.events.of(LoaderEvent::kMistake), IsEmpty());
+}
+
 TEST(LoaderOwnership, ManyCallsTakeNoMoreMemory) {
   const std::string cls = makeClass("Counted");
   const LoadedTweak tweak(hookOf(cls, "@16@0:8-itself", "%orig; return [Counted new]"));

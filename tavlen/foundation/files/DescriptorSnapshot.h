@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <vector>
 
 #include "tavlen/foundation/base/API.h"
@@ -7,17 +8,19 @@
 namespace tavlen {
 
 /// The descriptors that this process has open, to tell them from those of a library that it loads
-/// later and that opens some without close-on-exec. Threads: any.
+/// later and that opens some without close-on-exec. Threads: any; a descriptor that another thread
+/// opens in between counts as the library's.
 class TAVLEN_API DescriptorSnapshot {
  public:
+  /// Throws std::bad_alloc.
   DescriptorSnapshot();
 
-  /// Makes each descriptor that was opened since close-on-exec. Does nothing where the system does
-  /// not list them.
+  /// Marks the descriptors that were opened since then as close-on-exec. Does nothing if the system
+  /// could not list them then, or cannot now. Throws std::bad_alloc.
   void hideOthers() const;
 
  private:
-  std::vector<int> open_;  ///< sorted
+  std::optional<std::vector<int>> open_;  ///< sorted; nothing if the system did not list them
 };
 
 }  // namespace tavlen

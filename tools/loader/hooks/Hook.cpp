@@ -49,7 +49,7 @@ std::shared_ptr<const CallSignature> signatureFor(const std::string& own,
       types.size());
 }
 
-/// The class, or metaclass, of autorelease pools. Null if there is none.
+/// The class of autorelease pools, or its metaclass. Null where no Foundation is loaded.
 Class poolClass(bool isClassMethod) {
   Class pools = ObjCRuntime::classNamed("NSAutoreleasePool");
   return isClassMethod && pools != nullptr ? object_getClass(reinterpret_cast<id>(pools)) : pools;

@@ -38,8 +38,9 @@ class Hook {
     std::optional<TextPosition> place;  ///< in the source
   };
 
-  /// Replaces the method. Throws UnsupportedType if its types cannot be passed or differ from the
-  /// declared ones, and std::runtime_error if there is no such method or no memory for its code.
+  /// Replaces the method and returns the hook. Throws UnsupportedType if its types cannot be passed
+  /// or differ from the declared ones, and std::runtime_error if there is no such method or no
+  /// memory for its code.
   static Hook& install(Engine& engine, Target target);
 
   Hook(const Hook&) = delete;
@@ -53,9 +54,8 @@ class Hook {
   JSObjectRef function() const { return target_.function; }
   const std::string& text() const { return target_.text; }
 
-  /// Hooks the method of a category that has been loaded since and has taken the place of the
-  /// hooked one, which that becomes the original of. Other code that the program gives to the
-  /// method stays.
+  /// If a category that has been loaded since has taken the method's place, hooks its method, which
+  /// becomes the original. Other code that the program gives to the method stays.
   void followCategories();
 
   /// Calls the replaced method for %orig and keeps its answer in the record. Throws
